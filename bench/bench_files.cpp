@@ -1,0 +1,89 @@
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "../samples/BenchRecordings.h"
+#include "BenchData.h"
+#include "norvik/ByteSource.h"
+#include "norvik/RecordingLibrary.h"
+
+namespace quillon::bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A recording in the temporary folder, in the page cache once written, and removed at the end.
+class BenchFile {
+  public:
+    template <typename Write>
+    BenchFile(const char* name, Write write) : m_path(fs::temp_directory_path() / name) {
+        std::ofstream file(m_path, std::ios::binary);
+        write(file);
+        file.close();
+        std::u16string reason;
+        m_source = OpenFileSource(m_path.u16string(), reason);
+        if (m_source == nullptr) throw std::runtime_error("the bench recording cannot be opened");
+        m_block = ReadRecording(m_source, m_path.u16string()).blocks.front();
+    }
+    ~BenchFile() {
+        std::error_code error;
+        fs::remove(m_path, error);
+    }
+    BenchFile(const BenchFile&) = delete;
+    BenchFile& operator=(const BenchFile&) = delete;
+
+    [[nodiscard]] ByteSource& Source() const { return *m_source; }
+    [[nodiscard]] RecordingBlock& Block() const { return *m_block; }
+
+  private:
+    fs::path m_path;
+    std::shared_ptr<ByteSource> m_source;
+    std::shared_ptr<RecordingBlock> m_block;
+};
+
+/// The same reads and the least that can be done with what they bring.
+int ReadPieces(ByteSource& source, std::vector<std::int16_t>& piece) {
+    int sum = 0;
+    for (std::uint64_t at = 0; at < source.Size(); at += kPieceBytes) {
+        sum += ReadPass(piece.data(), source.ReadAt(at, piece.data(), kPieceBytes) / 2);
+    }
+    return sum;
+}
+
+void FileExtremes(benchmark::State& state, const BenchFile& file) {
+    const auto run = static_cast<std::int32_t>(state.range(0));
+    RecordingBlock& block = file.Block();
+    const std::int32_t count = block.SampleCount();
+    std::vector<std::int16_t> channels;
+    std::vector<std::vector<RunExtremes>> results;
+    std::vector<RunExtremes*> out;
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        channels.push_back(channel);
+        results.emplace_back(static_cast<std::size_t>(count / run + 1));
+        out.push_back(results.back().data());
+    }
+    std::vector<std::int16_t> piece(kPieceBytes / 2);
+    Compare(
+        state, file.Source().Size(), false, [&] { block.ColumnExtremes(channels, 0, count, run, out); },
+        [&] { benchmark::DoNotOptimize(ReadPieces(file.Source(), piece)); });
+}
+
+void BinFile(benchmark::State& state) {
+    const BenchFile file("quillon_bench.bin", [](std::ostream& to) { samples::WriteBenchBin(to, 4700); });
+    FileExtremes(state, file);
+}
+
+void EdfFile(benchmark::State& state) {
+    const BenchFile file("quillon_bench.edf", [](std::ostream& to) { samples::WriteBenchEdf(to, 3600); });
+    FileExtremes(state, file);
+}
+
+void Rounds(benchmark::internal::Benchmark* it) {
+    it->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9)->ArgName("run");
+}
+
+BENCHMARK(BinFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK(EdfFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+
+}  // namespace
+}  // namespace quillon::bench

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+/// A read at a position that the file should have held failed (a stick pulled out, a file cut while open).
+class ReadError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Bytes that can be read at any position: an open file, or memory in tests and fuzzing.
+class ByteSource {
+  public:
+    virtual ~ByteSource() = default;
+    ByteSource() = default;
+    ByteSource(const ByteSource&) = delete;
+    ByteSource& operator=(const ByteSource&) = delete;
+
+    /// Size in bytes when the source was opened.
+    [[nodiscard]] virtual std::uint64_t Size() const = 0;
+    /// Reads up to `count` bytes at `offset`; returns how many there were (fewer only at the end of the source).
+    /// Throws ReadError when the device fails.
+    virtual std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) = 0;
+    /// Local time of the last change as an automation date; 0 when unknown.
+    [[nodiscard]] virtual double ModifiedTime() const { return 0.0; }
+
+    /// Reads exactly `count` bytes; throws ReadError when they are not all there.
+    void ReadExactly(std::uint64_t offset, void* buffer, std::size_t count) {
+        if (ReadAt(offset, buffer, count) != count) throw ReadError("the file is shorter than when it was opened");
+    }
+};
+
+/// Opens a file for shared reading: other programs may go on writing, renaming and deleting it.
+/// Returns null when it cannot be opened, with the system's reason (in the system's language) in `error`.
+[[nodiscard]] std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, std::u16string& error);
+
+/// Bytes in memory.
+class MemorySource final : public ByteSource {
+  public:
+    explicit MemorySource(std::vector<std::uint8_t> bytes) : m_bytes(std::move(bytes)) {}
+    [[nodiscard]] std::uint64_t Size() const override { return m_bytes.size(); }
+    std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) override {
+        if (offset >= m_bytes.size()) return 0;
+        const std::size_t there = m_bytes.size() - static_cast<std::size_t>(offset);
+        const std::size_t size = count < there ? count : there;
+        if (size != 0) std::memcpy(buffer, m_bytes.data() + static_cast<std::size_t>(offset), size);
+        return size;
+    }
+
+  private:
+    std::vector<std::uint8_t> m_bytes;
+};
+
+}  // namespace quillon

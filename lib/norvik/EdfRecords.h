@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "norvik/ByteSource.h"
+
+namespace quillon {
+
+/// Records of a fixed size, each of which holds a part of every signal at the same place.
+///
+/// The parts of one signal, joined over the records, are a stream of bytes. Visit walks a range of the streams of
+/// several signals together, so that the file is read once and in order, in pieces of at most kPieceBytes.
+class EdfRecords {
+  public:
+    /// `start` is the byte of the first record.
+    EdfRecords(std::shared_ptr<ByteSource> source, std::uint64_t start, std::uint64_t recordBytes);
+
+    /// Called with the index of the stream, the bytes' position counted from the first one asked for, and the bytes.
+    using Visitor =
+        std::function<void(std::size_t stream, std::uint64_t position, std::span<const std::uint8_t> bytes)>;
+
+    /// Visits bytes first .. first+count-1 of the streams whose parts of `partBytes` bytes lie at `offsets` in a
+    /// record. The bytes of one stream come in order; a piece of them ends at whole 16- and 24-bit samples, if `first`
+    /// and `partBytes` do. Where all numbers are even, the bytes are aligned for 16-bit samples.
+    void Visit(std::span<const std::uint64_t> offsets, std::uint64_t partBytes, std::uint64_t first,
+               std::uint64_t count, const Visitor& visitor);
+
+  private:
+    /// What one call of Visit asks for.
+    struct Request {
+        std::span<const std::uint64_t> offsets;
+        std::uint64_t low = 0;     ///< lowest of the offsets
+        std::uint64_t spread = 0;  ///< from the lowest to the highest
+        std::uint64_t partBytes = 0;
+        std::uint64_t first = 0;
+        std::uint64_t end = 0;
+        const Visitor& visitor;
+    };
+    /// Visits the record that holds byte `at` of the streams, part by part. Returns how many bytes of each.
+    std::uint64_t VisitParts(const Request& request, std::uint64_t at);
+    /// Visits as many records from byte `at` of the streams as one read may hold. Returns how many bytes of each.
+    std::uint64_t VisitPiece(const Request& request, std::uint64_t at);
+    const std::uint8_t* Read(std::uint64_t offset, std::uint64_t count);
+
+    std::shared_ptr<ByteSource> m_source;
+    std::uint64_t m_start;
+    std::uint64_t m_recordBytes;
+    /// Made of 16-bit samples, since that is what it mostly holds.
+    std::vector<std::int16_t> m_piece;
+};
+
+}  // namespace quillon

@@ -1,0 +1,103 @@
+#include "norvik/RecordBlock.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+#include "base/LittleEndian.h"
+
+namespace quillon {
+
+RecordBlock::RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, RecordLayout layout)
+    : FileBlock(std::move(description)),
+      m_layout(std::move(layout)),
+      m_records(source, m_layout.start, m_layout.recordBytes) {}
+
+void RecordBlock::ResolveScales() const {
+    if (m_layout.sampleBytes == 2 || !m_wide.empty()) return;
+    struct Extremes {
+        std::int32_t minimum = std::numeric_limits<std::int32_t>::max();
+        std::int32_t maximum = std::numeric_limits<std::int32_t>::min();
+    };
+    std::vector<Extremes> extremes(m_layout.offsets.size());
+    const auto visit = [&](std::size_t channel, std::uint64_t, std::span<const std::uint8_t> bytes) {
+        Extremes found = extremes[channel];
+        for (std::size_t at = 0; at < bytes.size(); at += 3) {
+            const std::int32_t sample = LeSigned24(bytes.data() + at);
+            found.minimum = std::min(found.minimum, sample);
+            found.maximum = std::max(found.maximum, sample);
+        }
+        extremes[channel] = found;
+    };
+    const auto samples = static_cast<std::uint64_t>(m_description.sampleCount);
+    m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
+
+    std::vector<WideScale> scales;
+    for (std::size_t channel = 0; channel < extremes.size(); ++channel) {
+        const RecordLayout::Units& units = m_layout.units[channel];
+        const WideScale scale =
+            ChooseWideScale(extremes[channel].minimum, extremes[channel].maximum, true, units.perSample, units.offset);
+        m_description.channels[channel].scale = scale.scale;
+        m_description.channels[channel].offset = scale.offset;
+        scales.push_back(scale);
+    }
+    m_wide = std::move(scales);
+}
+
+void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                             const CodeVisitor& visitor) {
+    std::vector<std::uint64_t> offsets;
+    offsets.reserve(channels.size());
+    for (const std::size_t channel : channels) offsets.push_back(m_layout.offsets[channel]);
+    const std::uint64_t width = m_layout.sampleBytes;
+    const auto visit = [&](std::size_t which, std::uint64_t position, std::span<const std::uint8_t> bytes) {
+        const auto sample = static_cast<std::size_t>(position / width);
+        const auto samples = bytes.size() / static_cast<std::size_t>(width);
+        if (width == 2) {
+            // Every field of a record has an even size, so the bytes are aligned.
+            visitor(which, sample, {reinterpret_cast<const std::int16_t*>(bytes.data()), samples});
+            return;
+        }
+        const WideScale& scale = m_wide[channels[which]];
+        m_codes.resize(std::max(m_codes.size(), samples));
+        for (std::size_t at = 0; at < samples; ++at) m_codes[at] = scale.Code(LeSigned24(bytes.data() + at * 3));
+        visitor(which, sample, {m_codes.data(), samples});
+    };
+    m_records.Visit(offsets, m_layout.samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
+                    static_cast<std::uint64_t>(count) * width, visit);
+}
+
+void RecordBlock::FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    VisitCodes({&channel, 1}, first, count,
+               [&](std::size_t, std::size_t position, std::span<const std::int16_t> codes) {
+                   std::copy(codes.begin(), codes.end(), buffer + position);
+               });
+}
+
+void RecordBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    const std::size_t width = m_layout.offsets.size();
+    std::vector<std::size_t> channels(width);
+    std::iota(channels.begin(), channels.end(), std::size_t{0});
+    VisitCodes(channels, first, count,
+               [&](std::size_t which, std::size_t position, std::span<const std::int16_t> codes) {
+                   std::int16_t* out = buffer + position * width + which;
+                   for (const std::int16_t code : codes) {
+                       *out = code;
+                       out += width;
+                   }
+               });
+}
+
+bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                                std::int32_t run, std::span<RunExtremes* const> out) {
+    std::vector<nsp::PlanarRunReducer> reducers;
+    reducers.reserve(channels.size());
+    for (RunExtremes* const results : out) reducers.emplace_back(run, results);
+    VisitCodes(channels, first, count, [&](std::size_t which, std::size_t, std::span<const std::int16_t> codes) {
+        reducers[which].Feed(codes.data(), codes.size());
+    });
+    for (nsp::PlanarRunReducer& reducer : reducers) reducer.Finish();
+    return true;
+}
+
+}  // namespace quillon

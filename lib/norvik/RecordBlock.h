@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "norvik/EdfRecords.h"
+#include "norvik/FileBlock.h"
+#include "norvik/WideScale.h"
+
+namespace quillon {
+
+/// Where the samples of a block's channels lie: every record holds the same number of samples of each, one channel
+/// after the other.
+struct RecordLayout {
+    std::uint64_t start = 0;  ///< byte of the block's first record
+    std::uint64_t recordBytes = 0;
+    std::uint64_t samplesPerRecord = 0;
+    std::uint64_t sampleBytes = 2;       ///< 2 or 3, a signed number
+    std::vector<std::uint64_t> offsets;  ///< of each channel's first sample in a record
+    /// Of 24-bit samples, per channel: value = sample x perSample + offset.
+    struct Units {
+        double perSample = 1.0;
+        double offset = 0.0;
+    };
+    std::vector<Units> units;
+};
+
+/// A block whose samples lie in records, as the EDF family stores them.
+/// 16-bit samples are the codes; of 24-bit ones the whole block is read once to choose what codes stand for.
+class RecordBlock final : public FileBlock {
+  public:
+    RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, RecordLayout layout);
+
+    [[nodiscard]] bool FramesAreCheap() const override { return false; }
+
+  protected:
+    void FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
+    void FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
+    bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
+                       std::span<RunExtremes* const> out) override;
+    void ResolveScales() const override;
+
+  private:
+    /// Called with the index of the channel among those asked for, the sample's number counted from the first one asked
+    /// for, and the codes.
+    using CodeVisitor =
+        std::function<void(std::size_t which, std::size_t position, std::span<const std::int16_t> codes)>;
+    void VisitCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                    const CodeVisitor& visitor);
+
+    RecordLayout m_layout;
+    // Mutable for ResolveScales, which reads.
+    mutable EdfRecords m_records;
+    mutable std::vector<WideScale> m_wide;  ///< per channel; empty until resolved, and for 16-bit samples
+    std::vector<std::int16_t> m_codes;      ///< of one visit, where samples are wider
+};
+
+}  // namespace quillon

@@ -1,0 +1,267 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "RecordingWriters.h"
+#include "Signals.h"
+
+/// The sample recordings as bytes of files.
+namespace quillon::samples {
+
+struct EegEvent {
+    double time = 0.0;  ///< s
+    std::string text;
+};
+
+/// What happens in the recording: eyes open and closed in turn, blinks while they are open, spikes while closed.
+inline std::vector<EegEvent> EegEvents(double seconds) {
+    std::vector<EegEvent> events{
+        {0.0, "Eyes open"}, {20.0, "Eyes closed"}, {80.0, "Eyes open"}, {120.0, "Eyes closed"}, {200.0, "Eyes open"}};
+    for (const double time : {47.3, 52.8, 151.6, 163.1, 178.4}) events.push_back({time, "Spike"});
+    Random random(11);
+    for (double time = 2.0; time < seconds - 1.0; time += 2.0 + 4.0 * random.Uniform()) {
+        const bool open = time < 19.0 || (time > 81.0 && time < 119.0) || time > 201.0;
+        if (open) events.push_back({std::round(time * 100.0) / 100.0, "Blink"});
+    }
+    std::sort(events.begin(), events.end(), [](const auto& a, const auto& b) { return a.time < b.time; });
+    return events;
+}
+
+struct Electrode {
+    const char* label;
+    double alpha;  ///< uV while the eyes are closed
+    double blink;  ///< uV
+    double spike;  ///< uV
+};
+
+/// One channel in uV. The rhythm's loudness swells and fades together in all channels.
+inline std::vector<double> EegChannel(const Electrode& electrode, std::uint64_t seed, double rate, std::size_t count,
+                                      const std::vector<EegEvent>& events) {
+    PinkNoise noise(seed, rate);
+    Random random(seed + 100);
+    std::vector<double> signal(count);
+    const double lag = 0.05 * static_cast<double>(seed);
+    double closed = 0.0;
+    double alphaTurn = lag;
+    double swell = 0.7;
+    Random swells(5);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double time = static_cast<double>(i) / rate;
+        const bool eyesClosed = (time > 20.4 && time < 80.0) || (time > 120.5 && time < 200.0);
+        closed += ((eyesClosed ? 1.0 : 0.15) - closed) / (0.4 * rate);
+        swell += (0.75 - swell) / (0.8 * rate) + 0.6 * swells.Normal() / rate * 6.0;
+        swell = std::clamp(swell, 0.1, 1.4);
+        alphaTurn += (10.1 + 0.35 * std::sin(kTurn * 0.21 * time)) / rate;
+        const double theta = 5.0 * std::sin(kTurn * (5.7 * time + lag)) * (0.6 + 0.4 * std::sin(kTurn * 0.13 * time));
+        signal[i] = electrode.alpha * closed * swell * std::sin(kTurn * alphaTurn) + theta + 7.5 * noise.Next() +
+                    1.3 * random.Normal() + 0.8 * std::sin(kTurn * 50.0 * time);
+    }
+    for (const EegEvent& event : events) {
+        const auto from = static_cast<std::size_t>(std::max(0.0, event.time - 0.5) * rate);
+        const std::size_t to = std::min(count, static_cast<std::size_t>((event.time + 1.0) * rate));
+        for (std::size_t i = from; i < to; ++i) {
+            const double time = static_cast<double>(i) / rate - event.time;
+            if (event.text == "Blink") {
+                signal[i] += electrode.blink * (Bell(time, 0.15, 0.06) - 0.2 * Bell(time, 0.4, 0.1));
+            } else if (event.text == "Spike") {
+                signal[i] -= electrode.spike * (Bell(time, 0.03, 0.012) - 0.45 * Bell(time, 0.2, 0.07));
+            }
+        }
+    }
+    return signal;
+}
+
+inline std::string EegFile() {
+    constexpr std::size_t kRate = 256;
+    constexpr std::size_t kSeconds = 240;
+    constexpr std::size_t kAnnotationBytes = 120;
+    constexpr double kScale = 1600.0 / 65535.0;
+    constexpr std::array<Electrode, 8> kElectrodes{{{"EEG Fp1", 5.0, 130.0, 10.0},
+                                                    {"EEG Fp2", 5.0, 125.0, 6.0},
+                                                    {"EEG C3", 14.0, 22.0, 75.0},
+                                                    {"EEG C4", 13.0, 20.0, 22.0},
+                                                    {"EEG P3", 24.0, 8.0, 90.0},
+                                                    {"EEG P4", 25.0, 8.0, 28.0},
+                                                    {"EEG O1", 34.0, 3.0, 35.0},
+                                                    {"EEG O2", 36.0, 3.0, 16.0}}};
+    const auto events = EegEvents(kSeconds);
+    std::vector<EdfSignal> signals;
+    std::vector<std::vector<double>> channels;
+    for (const Electrode& electrode : kElectrodes) {
+        signals.push_back({electrode.label, "AgAgCl electrode", "uV", -800, 800, "HP:0.1Hz LP:100Hz", kRate});
+        channels.push_back(EegChannel(electrode, channels.size() + 1, kRate, kRate * kSeconds, events));
+    }
+    signals.push_back({kEdfAnnotations, "", "", -1, 1, "", kAnnotationBytes / 2});
+    Bytes bytes;
+    bytes.Text(EdfHeader(signals, kSeconds));
+    auto event = events.begin();
+    for (std::size_t record = 0; record < kSeconds; ++record) {
+        for (const auto& channel : channels) {
+            for (std::size_t i = 0; i < kRate; ++i) {
+                // Code 0 stands for 0.012 uV, as the digital range is not symmetric.
+                const double microvolts = channel[record * kRate + i] - kScale / 2.0;
+                bytes.U16(static_cast<std::uint16_t>(Code(microvolts, kScale)));
+            }
+        }
+        std::string list = EdfOnset(static_cast<double>(record)) + "\x14\x14" + '\0';
+        for (; event != events.end() && event->time < static_cast<double>(record + 1); ++event) {
+            list += EdfOnset(event->time) + '\x14' + event->text + '\x14' + '\0';
+        }
+        bytes.Text(list, kAnnotationBytes, '\0');
+    }
+    return bytes.Get();
+}
+
+/// Chords of four voices with bass and a soft beat, 2 s each.
+inline std::string MusicFile() {
+    constexpr std::size_t kRate = 44100;
+    constexpr std::size_t kSeconds = 20;
+    constexpr double kChords[4][4] = {{220.0, 261.63, 329.63, 440.0},
+                                      {174.61, 220.0, 261.63, 349.23},
+                                      {130.81, 196.0, 261.63, 329.63},
+                                      {196.0, 246.94, 293.66, 392.0}};
+    Random random(21);
+    std::vector<std::int16_t> frames;
+    frames.reserve(2 * kRate * kSeconds);
+    double hissBefore = 0.0;
+    for (std::size_t i = 0; i < kRate * kSeconds; ++i) {
+        const double time = static_cast<double>(i) / kRate;
+        const auto& chord = kChords[static_cast<std::size_t>(time / 2.0) % 4];
+        const double inChord = std::fmod(time, 2.0);
+        double left = 0.0;
+        double right = 0.0;
+        for (std::size_t voice = 0; voice < 4; ++voice) {
+            // Plucked one after the other, again in the second half of the chord.
+            const double since = std::fmod(inChord, 1.0) - 0.125 * static_cast<double>(voice);
+            if (since < 0.0) continue;
+            const double envelope = (1.0 - std::exp(-since * 400.0)) * std::exp(-since * 2.6);
+            double tone = 0.0;
+            for (int harmonic = 1; harmonic <= 6; ++harmonic) {
+                tone +=
+                    std::exp(-since * 2.0 * harmonic) / harmonic * std::sin(kTurn * chord[voice] * harmonic * since);
+            }
+            const double side = 0.25 + 0.5 * static_cast<double>(voice) / 3.0;
+            left += 0.30 * envelope * tone * (1.0 - side);
+            right += 0.30 * envelope * tone * side;
+        }
+        const double bass =
+            std::sin(kTurn * chord[0] / 2.0 * inChord) * std::exp(-inChord * 0.8) * (1.0 - std::exp(-inChord * 120.0));
+        const double inBeat = std::fmod(time + 0.25, 0.5);
+        const double white = random.Normal();
+        const double hiss = (white - hissBefore) * 0.03 * std::exp(-inBeat * 45.0);
+        hissBefore = white;
+        const double fade = std::min({1.0, time / 0.8, (static_cast<double>(kSeconds) - time) / 2.5});
+        frames.push_back(Code(fade * (left + 0.28 * bass + hiss), 1.0 / 32768.0));
+        frames.push_back(Code(fade * (right + 0.28 * bass + 0.7 * hiss), 1.0 / 32768.0));
+    }
+    return WaveFile(2, kRate, frames,
+                    {{0, "Intro"}, {4 * kRate, "Verse"}, {12 * kRate, "Bridge"}, {16 * kRate, "Ending"}});
+}
+
+/// A heart beat: amplitude in mV, time after the beat's start in s and width in s of each wave.
+struct Wave {
+    double lead1;
+    double lead2;
+    double at;
+    double width;
+};
+
+inline std::string EcgFile() {
+    constexpr double kRate = 500.0;
+    constexpr std::size_t kCount = 150000;
+    constexpr double kScale = 0.0005;
+    constexpr Wave kBeat[] = {{0.09, 0.15, 0.10, 0.022},
+                              {-0.06, -0.10, 0.215, 0.009},
+                              {0.75, 1.15, 0.245, 0.011},
+                              {-0.12, -0.22, 0.275, 0.010},
+                              {0.20, 0.30, 0.480, 0.045}};
+    // A premature beat of the ventricle: wide, without the first wave, a turned last one.
+    constexpr Wave kPremature[] = {{0.9, 1.4, 0.23, 0.035}, {-0.35, -0.5, 0.33, 0.04}, {-0.25, -0.4, 0.50, 0.06}};
+    std::vector<double> lead1(kCount);
+    std::vector<double> lead2(kCount);
+    Random random(31);
+    const auto addBeat = [&](double start, const auto& waves) {
+        for (const Wave& wave : waves) {
+            const auto from = static_cast<std::size_t>(std::max(0.0, start + wave.at - 6.0 * wave.width) * kRate);
+            const auto to = static_cast<std::size_t>((start + wave.at + 6.0 * wave.width) * kRate);
+            for (std::size_t i = from; i < std::min(to, kCount); ++i) {
+                const double bell = Bell(static_cast<double>(i) / kRate, start + wave.at, wave.width);
+                lead1[i] += wave.lead1 * bell;
+                lead2[i] += wave.lead2 * bell;
+            }
+        }
+    };
+    double start = 0.2;
+    for (int beat = 1; start < static_cast<double>(kCount) / kRate; ++beat) {
+        // Faster when breathing in, slower when breathing out.
+        const double gap = 0.86 + 0.05 * std::sin(kTurn * 0.25 * start) + 0.03 * std::sin(kTurn * 0.011 * start) +
+                           0.012 * random.Normal();
+        addBeat(start, kBeat);
+        if (beat % 71 == 40) {
+            addBeat(start + 0.55 * gap, kPremature);
+            start += 1.0 * gap;  // the pause that follows
+        }
+        start += gap;
+    }
+    PinkNoise wander1(32, kRate);
+    PinkNoise wander2(33, kRate);
+    Bytes bytes;
+    bytes.Text(BinHeader(static_cast<float>(kRate), "ECG-3",
+                         {{"I", "mV", static_cast<float>(kScale), 0.0F},
+                          {"II", "mV", static_cast<float>(kScale), 0.0F},
+                          {"III", "mV", static_cast<float>(kScale), 0.0F}},
+                         kCount));
+    for (std::size_t i = 0; i < kCount; ++i) {
+        const double time = static_cast<double>(i) / kRate;
+        const double breath = std::sin(kTurn * 0.25 * time);
+        const double first = lead1[i] + 0.04 * breath + 0.022 * wander1.Next() + 0.006 * random.Normal();
+        const double second = lead2[i] + 0.07 * breath + 0.022 * wander2.Next() + 0.006 * random.Normal();
+        // Lead III is the difference of the other two.
+        for (const double value : {first, second, second - first}) {
+            bytes.U16(static_cast<std::uint16_t>(Code(value, kScale)));
+        }
+    }
+    return bytes.Get();
+}
+
+/// A shaker's sweep from 10 Hz to 4 kHz and the answer of a structure with three resonances.
+inline std::string VibrationFile() {
+    constexpr double kRate = 10000.0;
+    constexpr std::size_t kCount = 200000;
+    constexpr double kScale = 0.01;
+    constexpr double kModes[3][3] = {
+        {180.0, 0.02, 1.0}, {760.0, 0.015, -0.7}, {2100.0, 0.025, 0.5}};  // Hz, damping, weight
+    Random random(41);
+    Bytes bytes;
+    bytes.Text(BinHeader(
+        static_cast<float>(kRate), "Shaker",
+        {{"Drive", "m/s2", static_cast<float>(kScale), 0.0F}, {"Response", "m/s2", static_cast<float>(kScale), 0.0F}},
+        kCount));
+    double turn = 0.0;
+    for (std::size_t i = 0; i < kCount; ++i) {
+        const double time = static_cast<double>(i) / kRate;
+        const double running = std::clamp((time - 0.5) / 19.0, 0.0, 1.0);
+        const double frequency = 10.0 * std::pow(400.0, running);
+        turn += frequency / kRate;
+        const double envelope = std::clamp((time - 0.4) * 5.0, 0.0, 1.0) * std::clamp((19.7 - time) * 5.0, 0.0, 1.0);
+        const double cosine = std::cos(kTurn * turn);
+        const double sine = std::sin(kTurn * turn);
+        double response = 0.15 * sine;
+        for (const auto& [mode, damping, weight] : kModes) {
+            const double ratio = frequency / mode;
+            const double real = 1.0 - ratio * ratio;
+            const double imaginary = 2.0 * damping * ratio;
+            const double size = real * real + imaginary * imaginary;
+            response += weight * (real * sine - imaginary * cosine) / size;
+        }
+        const double drive = 5.0 * envelope * sine + 0.05 * random.Normal();
+        const double answer = 5.0 * envelope * response + 0.25 * random.Normal();
+        bytes.U16(static_cast<std::uint16_t>(Code(drive, kScale)))
+            .U16(static_cast<std::uint16_t>(Code(answer, kScale)));
+    }
+    return bytes.Get();
+}
+
+}  // namespace quillon::samples

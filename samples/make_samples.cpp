@@ -1,0 +1,58 @@
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string_view>
+
+#include "BenchRecordings.h"
+#include "SampleRecordings.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace quillon::samples;
+
+template <typename Write>
+void MakeFile(const fs::path& path, Write write) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    write(file);
+    file.close();
+    if (!file) throw std::runtime_error("cannot write " + path.string());
+    std::cout << path.string() << '\n';
+}
+
+void MakeSamples(const fs::path& folder, bool bench) {
+    fs::create_directories(folder);
+    MakeFile(folder / "01 EEG.edf", [](std::ostream& file) { file << EegFile(); });
+    MakeFile(folder / "02 Music.wav", [](std::ostream& file) { file << MusicFile(); });
+    MakeFile(folder / "03 ECG.bin", [](std::ostream& file) { file << EcgFile(); });
+    MakeFile(folder / "04 Vibration sweep.bin", [](std::ostream& file) { file << VibrationFile(); });
+    if (!bench) return;
+    MakeFile(folder / "05 Bench 32ch.bin", [](std::ostream& file) { WriteBenchBin(file, 4700); });
+    MakeFile(folder / "05 Bench 32ch.edf", [](std::ostream& file) { WriteBenchEdf(file, 3600); });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::string folder;
+    bool bench = false;
+    for (int i = 1; i < argc; ++i) {
+        if (std::string_view(argv[i]) == "--bench") {
+            bench = true;
+        } else {
+            folder = argv[i];
+        }
+    }
+    if (folder.empty()) {
+        std::cerr << "Usage: make-samples FOLDER [--bench]\n";
+        return 2;
+    }
+    try {
+        MakeSamples(folder, bench);
+    } catch (const std::exception& error) {
+        std::cerr << "make-samples: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,69 @@
+# Sourced by run.sh and test.sh: packages, the Wine prefix under build/, and a display.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root"
+mkdir -p build
+
+# Installs the Debian packages among the arguments that are missing, quietly.
+install_missing() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    local as_root=()
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    echo "Installing ${missing[*]}"
+    if ! { "${as_root[@]}" apt-get update -qq &&
+           "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"; } \
+         > build/install.log 2>&1; then
+        tail -n 20 build/install.log
+        exit 1
+    fi
+}
+
+build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
+wine_packages=(wine wine64 fonts-wine xvfb openbox xdotool imagemagick)
+
+# Runs a command quietly; shows its output when it fails.
+quietly() {
+    local log=build/step.log
+    "$@" > "$log" 2>&1 || { cat "$log"; echo "Failed: $*"; return 1; }
+}
+
+# A virtual display of its own with a window manager: without one, hiding a window takes two seconds.
+start_display() {
+    Xvfb -displayfd 3 -screen 0 "${1:-1280x900x24}" -nolisten tcp 3> build/display > /dev/null 2>&1 &
+    xvfb_pid=$!
+    for _ in $(seq 100); do [ -s build/display ] && break; sleep 0.05; done
+    export DISPLAY=":$(cat build/display)"
+    openbox > /dev/null 2>&1 &
+    openbox_pid=$!
+}
+
+# The Wine prefix of this checkout, made on first use.
+prepare_wine() {
+    export WINEPREFIX="$root/build/wine" WINEARCH=win64 WINEDEBUG=-all
+    export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+    # File names are mapped by the locale: without a UTF-8 one Cyrillic names are not found.
+    export LC_ALL=${QUILLON_LOCALE:-C.UTF-8}
+    if [ ! -e "$WINEPREFIX/ready" ]; then
+        echo "Making the Wine prefix"
+        rm -rf "$WINEPREFIX"
+        wineboot -i > /dev/null 2>&1
+        cp /usr/share/wine/fonts/* "$WINEPREFIX/drive_c/windows/Fonts/"
+        # A crash must end the program, not open a window.
+        wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f > /dev/null
+        wineserver -k -w || true
+        touch "$WINEPREFIX/ready"
+    fi
+}
+
+# Ends what this script started.
+end_all() {
+    [ -n "${WINEPREFIX:-}" ] && wineserver -k 2> /dev/null
+    [ -n "${openbox_pid:-}" ] && kill "$openbox_pid" 2> /dev/null
+    [ -n "${xvfb_pid:-}" ] && kill "$xvfb_pid" 2> /dev/null
+    wait 2> /dev/null
+    return 0
+}

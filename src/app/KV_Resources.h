@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "base/Language.h"
+
+namespace quillon {
+
+/// Localised string of base/StringIds.h out of the program's string table of that language; empty when there is none.
+[[nodiscard]] std::u16string ResourceText(Language language, int id);
+
+/// Russian when that is the system's interface language, else English.
+[[nodiscard]] Language InterfaceLanguage();
+
+}  // namespace quillon

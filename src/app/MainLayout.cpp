@@ -1,0 +1,67 @@
+#include "app/MainLayout.h"
+
+#include <algorithm>
+
+namespace quillon {
+
+namespace {
+
+constexpr std::int32_t kDefaultUpperPercent = 42;
+
+/// Fills the page below a tab strip: one control above, the rest for the list.
+void ArrangePage(const PixelRect& page, std::int32_t comboHeight, std::int32_t gap, PixelRect& combo, PixelRect& list) {
+    combo = {page.left, page.top, page.width, comboHeight};
+    const std::int32_t top = page.top + comboHeight + gap;
+    list = {page.left, top, page.width, std::max(page.Bottom() - top, 0)};
+}
+
+}  // namespace
+
+MainLayout ArrangeMain(const LayoutInput& input) {
+    const auto scaled = [&](std::int32_t pixels) { return (pixels * input.dpi + 48) / 96; };
+    const std::int32_t gap = scaled(4);
+    const std::int32_t splitter = scaled(5);
+    const std::int32_t height = std::max(input.clientHeight - input.statusHeight, 0);
+
+    MainLayout layout;
+    // The column keeps between 150 pixels and less than half of the window.
+    const std::int32_t widest = std::max(input.clientWidth * 45 / 100, scaled(150));
+    layout.listWidth = std::clamp(input.listWidth > 0 ? input.listWidth : scaled(232), scaled(150), widest);
+
+    const PixelRect column{gap, gap, std::max(layout.listWidth - gap, 0), std::max(height - 2 * gap, 0)};
+    // Each half has room for its tabs, its drop-down list and at least two lines.
+    const std::int32_t shared = std::max(column.height - splitter, 1);
+    const std::int32_t least = std::min(input.tabHeight + 2 * gap + input.comboHeight + scaled(34), shared / 2);
+    const std::int32_t percent = input.upperPercent > 0 ? input.upperPercent : kDefaultUpperPercent;
+    const std::int32_t upper = std::clamp(shared * std::min(percent, 100) / 100, least, shared - least);
+    layout.upperPercent = (upper * 100 + shared - 1) / shared;
+    const auto page = [&](const PixelRect& strip) {
+        return PixelRect{strip.left, strip.Bottom() + gap, strip.width, 0};
+    };
+    layout.tabPath = {column.left, column.top, column.width, input.tabHeight};
+    layout.channels = page(layout.tabPath);
+    layout.channels.height = std::max(column.top + upper - layout.channels.top, 0);
+    ArrangePage(layout.channels, input.comboHeight, gap, layout.drive, layout.folders);
+    layout.splitLists = {column.left, column.top + upper, column.width, splitter};
+    layout.tabFile = {column.left, layout.splitLists.Bottom(), column.width, input.tabHeight};
+    layout.blocks = page(layout.tabFile);
+    layout.blocks.height = std::max(column.Bottom() - layout.blocks.top, 0);
+    ArrangePage(layout.blocks, input.comboHeight, gap, layout.fileType, layout.files);
+
+    layout.splitColumn = {layout.listWidth, 0, splitter, height};
+    const std::int32_t left = layout.splitColumn.Right();
+    const std::int32_t bar = scaled(17);
+    const std::int32_t scaleWidth = scaled(62);
+    const std::int32_t scaleHeight = scaled(24);
+    const std::int32_t right = std::max(input.clientWidth - gap, left + scaleWidth + bar);
+    const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, gap);
+    layout.scaleY = {left, gap, scaleWidth, graphBottom - gap};
+    layout.graph = {layout.scaleY.Right(), gap, std::max(right - bar - layout.scaleY.Right(), 0), graphBottom - gap};
+    layout.scrollY = {layout.graph.Right(), gap, bar, layout.graph.height};
+    layout.scaleX = {layout.graph.left, graphBottom, layout.graph.width, scaleHeight};
+    layout.scrollX = {layout.graph.left, layout.scaleX.Bottom(), layout.graph.width, bar};
+    layout.zoomX = {left, layout.scaleX.top + scaled(2), scaleWidth - gap, scaleHeight + bar - scaled(2)};
+    return layout;
+}
+
+}  // namespace quillon

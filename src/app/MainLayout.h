@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quillon {
+
+struct PixelRect {
+    std::int32_t left = 0;
+    std::int32_t top = 0;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    [[nodiscard]] std::int32_t Right() const { return left + width; }
+    [[nodiscard]] std::int32_t Bottom() const { return top + height; }
+};
+
+/// What the layout starts from; lengths in pixels.
+struct LayoutInput {
+    std::int32_t clientWidth = 0;
+    std::int32_t clientHeight = 0;
+    std::int32_t statusHeight = 0;
+    std::int32_t comboHeight = 0;   ///< of a closed drop-down list
+    std::int32_t tabHeight = 0;     ///< of a strip of tabs
+    std::int32_t dpi = 96;
+    std::int32_t listWidth = 0;     ///< of the lists' column; 0: the default
+    std::int32_t upperPercent = 0;  ///< share of the upper list in the column; 0: the default
+};
+
+/// One rectangle per control. The pages of a tab strip share its page rectangle.
+struct MainLayout {
+    PixelRect tabPath, drive, folders, channels;
+    PixelRect tabFile, fileType, files, blocks;
+    PixelRect scaleY, graph, scrollY, zoomX, scaleX, scrollX;
+    PixelRect splitColumn;  ///< between the lists and the graph
+    PixelRect splitLists;   ///< between the upper and the lower list
+    std::int32_t listWidth = 0;     ///< as used, within its limits
+    std::int32_t upperPercent = 0;  ///< as used, within its limits
+};
+
+[[nodiscard]] MainLayout ArrangeMain(const LayoutInput& input);
+
+}  // namespace quillon

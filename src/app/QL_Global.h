@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "base/Language.h"
+#include "data/NorvikCore.h"
+#include "data/QL_Types.h"
+#include "view/AmplitudeScale.h"
+#include "view/TimeAxis.h"
+
+namespace quillon {
+
+/// The state that the whole program shares; one object, made by the start-up procedure.
+struct QL_Global {
+    std::shared_ptr<RecordingLibrary> library;
+    Language language = Language::English;
+    /// Major version of the operating system. From 4 on traces are stroked as paths and origins are not folded.
+    std::int32_t systemVersion = 0;
+
+    ViewFile file;
+    ViewBlock block;
+    ChannelSlots slots;
+
+    TimeAxis axis;
+    AmplitudeScale amplitude;
+    bool rawCodes = false;
+};
+
+}  // namespace quillon

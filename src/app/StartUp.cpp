@@ -1,0 +1,27 @@
+#include "app/StartUp.h"
+
+#include <exception>
+#include <stdexcept>
+#include <system_error>
+
+#include "base/StringIds.h"
+#include "base/Text.h"
+
+namespace quillon {
+
+bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) {
+    try {
+        global.library = parts.makeLibrary(global.language);
+        if (!global.library) throw std::runtime_error("no core library");
+        global.systemVersion = parts.systemVersion();
+        return true;
+    } catch (const std::system_error& error) {
+        services.ShowMessage(services.Text(IDS_ERROR_NUMBERED) + u' ' + Decimal(error.code().value()) + u": " +
+                             Utf16(error.what()));
+    } catch (const std::exception&) {
+        services.ShowMessage(services.Text(IDS_REINSTALL));
+    }
+    return false;
+}
+
+}  // namespace quillon

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <functional>
+
+#include "app/QL_Global.h"
+#include "data/UserServices.h"
+
+namespace quillon {
+
+/// Makers of the objects of the core library; the start-up procedure names the real ones.
+struct StartUpParts {
+    std::function<std::shared_ptr<RecordingLibrary>(Language)> makeLibrary;
+    std::function<std::int32_t()> systemVersion;
+};
+
+/// Creates the process-wide objects. On a failure the user is told (a numbered error by its number, any other as an
+/// installation that has to be repaired) and false is returned: the program then ends without a window.
+[[nodiscard]] bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services);
+
+}  // namespace quillon

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "app/win/Win32.h"
+
+namespace quillon {
+
+/// What a picture box asks of its owner.
+class PictureOwner {
+  public:
+    virtual ~PictureOwner() = default;
+    /// Paints the content; `clip` is the part that is asked for, in client coordinates.
+    virtual void PaintPicture(int id, HDC dc, const RECT& clip) = 0;
+    /// A mouse message of the picture; true when it was handled.
+    virtual bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) = 0;
+};
+
+/// A child window that shows a picture its owner paints. WM_PAINT and WM_PRINTCLIENT paint alike, so its pixels can be
+/// had without a screen. It can take the keyboard focus; keys go to the main window, which looks at them first.
+class PictureBox {
+  public:
+    PictureBox() = default;
+    PictureBox(const PictureBox&) = delete;
+    PictureBox& operator=(const PictureBox&) = delete;
+
+    /// `owner` outlives the window. False when the window cannot be made.
+    [[nodiscard]] bool Create(HWND parent, int id, PictureOwner& owner, bool tabStop);
+    [[nodiscard]] HWND Window() const { return m_window; }
+    void Invalidate() const { InvalidateRect(m_window, nullptr, FALSE); }
+
+  private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void OnPaint();
+
+    HWND m_window = nullptr;
+    int m_id = 0;
+    PictureOwner* m_owner = nullptr;
+};
+
+}  // namespace quillon

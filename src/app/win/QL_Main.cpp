@@ -1,0 +1,56 @@
+#include "app/win/QL_Main.h"
+
+#include <system_error>
+
+#include "app/KV_Resources.h"
+#include "app/win/frmQLMain.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "norvik/RecordingLibrary.h"
+
+namespace quillon {
+
+namespace {
+
+std::int32_t SystemMajorVersion() {
+    // GetVersion tells the version that the program's manifest asks for, which is what decides how drawing behaves.
+    return static_cast<std::int32_t>(LOBYTE(LOWORD(GetVersion())));
+}
+
+int RunMessages(frmQLMain& form) {
+    MSG message{};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        if (form.PreTranslate(message)) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return static_cast<int>(message.wParam);
+}
+
+}  // namespace
+
+StartUpParts SystemParts() {
+    return {MakeRecordingLibrary, SystemMajorVersion};
+}
+
+int QL_Main(const StartUpParts& parts, int showCommand) {
+    QL_Global global;
+    global.language = InterfaceLanguage();
+    WinServices services(global.language);
+    if (!Init(global, parts, services)) return 1;
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&controls);
+    try {
+        frmQLMain form(global, services);
+        form.Create({});
+        ShowWindow(form.Window(), showCommand);
+        UpdateWindow(form.Window());
+        return RunMessages(form);
+    } catch (const std::system_error& error) {
+        services.ShowMessage(services.Text(IDS_NO_WINDOW) + u' ' + services.Text(IDS_ERROR_NUMBERED) + u' ' +
+                             Decimal(error.code().value()));
+        return 1;
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "app/StartUp.h"
+
+namespace quillon {
+
+/// The real objects of the core library and the system.
+[[nodiscard]] StartUpParts SystemParts();
+
+/// The start-up procedure: creates the objects of the process, shows the main window and runs until it is gone.
+/// `showCommand` is how the system wants the window shown. Returns the exit code of the process.
+int QL_Main(const StartUpParts& parts, int showCommand);
+
+}  // namespace quillon

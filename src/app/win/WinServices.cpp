@@ -1,0 +1,60 @@
+#include "app/win/WinServices.h"
+
+#include "app/KV_Resources.h"
+#include "app/StatusPanels.h"
+#include "base/DateTime.h"
+
+namespace quillon {
+
+namespace {
+
+SYSTEMTIME SystemTimeOf(double date) {
+    const CivilTime civil = CivilFromDate(date);
+    SYSTEMTIME time{};
+    time.wYear = static_cast<WORD>(civil.year);
+    time.wMonth = static_cast<WORD>(civil.month);
+    time.wDay = static_cast<WORD>(civil.day);
+    time.wHour = static_cast<WORD>(civil.hour);
+    time.wMinute = static_cast<WORD>(civil.minute);
+    time.wSecond = static_cast<WORD>(civil.second);
+    time.wMilliseconds = static_cast<WORD>(civil.millisecond);
+    return time;
+}
+
+}  // namespace
+
+void WinServices::SetWindow(HWND window, HWND statusBar) {
+    m_window = window;
+    m_statusBar = statusBar;
+}
+
+void WinServices::ShowMessage(const std::u16string& text) {
+    MessageBoxW(m_window, Wide(text).c_str(), L"Quillon", MB_OK | MB_ICONEXCLAMATION);
+}
+
+void WinServices::SetStatus(const std::u16string& text) {
+    if (m_statusBar == nullptr) return;
+    SendPointer(m_statusBar, SB_SETTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());
+    // The whole text where the panel is too narrow for it.
+    SendPointer(m_statusBar, SB_SETTIPTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());
+}
+
+std::u16string WinServices::Text(int id) const {
+    return ResourceText(m_language, id);
+}
+
+std::u16string WinServices::LongTime(double date) const {
+    const SYSTEMTIME time = SystemTimeOf(date);
+    wchar_t text[128] = {};
+    GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &time, nullptr, text, 128);
+    return Narrow16(text);
+}
+
+std::u16string WinServices::DateAndTime(double date) const {
+    const SYSTEMTIME time = SystemTimeOf(date);
+    wchar_t text[128] = {};
+    GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, text, 128);
+    return Narrow16(text) + u' ' + LongTime(date);
+}
+
+}  // namespace quillon

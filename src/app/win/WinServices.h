@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/win/Win32.h"
+#include "base/Language.h"
+#include "data/UserServices.h"
+
+namespace quillon {
+
+/// The user's side of the core: message boxes, the status bar, the string tables, the system's formats.
+class WinServices final : public UserServices {
+  public:
+    explicit WinServices(Language language) : m_language(language) {}
+
+    /// From then on message boxes belong to the window and status texts go to its status bar.
+    void SetWindow(HWND window, HWND statusBar);
+
+    void ShowMessage(const std::u16string& text) override;
+    void SetStatus(const std::u16string& text) override;
+    [[nodiscard]] std::u16string Text(int id) const override;
+    [[nodiscard]] std::u16string LongTime(double date) const override;
+    [[nodiscard]] std::u16string DateAndTime(double date) const override;
+
+  private:
+    Language m_language;
+    HWND m_window = nullptr;
+    HWND m_statusBar = nullptr;
+};
+
+}  // namespace quillon

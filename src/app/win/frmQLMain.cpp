@@ -1,0 +1,296 @@
+#include "app/win/frmQLMain.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "app/Commands.h"
+#include "app/ControlIds.h"
+#include "app/StatusPanels.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "view/win/GDI_Utils.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr const wchar_t* kClassName = L"frmQLMain";
+
+HMENU IdOf(int id) {
+    return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
+}
+
+bool Contains(const PixelRect& rect, int x, int y) {
+    return x >= rect.left && x < rect.Right() && y >= rect.top && y < rect.Bottom();
+}
+
+int HeightOf(HWND window) {
+    RECT rect{};
+    GetWindowRect(window, &rect);
+    return static_cast<int>(rect.bottom - rect.top);
+}
+
+}  // namespace
+
+frmQLMain::frmQLMain(QL_Global& global, WinServices& services)
+    : m_global(global),
+      m_services(services),
+      m_loader(*global.library, global.file, global.block, global.slots, services, *this) {}
+
+void frmQLMain::Create(const std::wstring& folder) {
+    m_startFolder = folder;
+    m_dpi = ScreenDpi();
+    WNDCLASSEXW windowClass{};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.lpfnWndProc = Procedure;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.hIcon = LoadIconW(windowClass.hInstance, MAKEINTRESOURCEW(1));
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
+    windowClass.lpszClassName = kClassName;
+    RegisterClassExW(&windowClass);
+    const int width = MulDiv(1060, m_dpi, 96);
+    const int height = MulDiv(700, m_dpi, 96);
+    CreateWindowExW(0, kClassName, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, width,
+                    height, nullptr, nullptr, windowClass.hInstance, this);
+    if (m_window == nullptr) {
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
+    }
+}
+
+LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_NCCREATE) {
+        auto* form = static_cast<frmQLMain*>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams);
+        form->m_window = window;
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(form));
+    }
+    auto* form = reinterpret_cast<frmQLMain*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (form == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    // No exception may leave a window procedure. Without its controls the window is not made; any later failure (no
+    // memory, a library call) ends its command and is told in the status bar.
+    try {
+        return form->Handle(message, wParam, lParam);
+    } catch (const std::exception& error) {
+        form->m_services.SetStatus(Utf16(error.what()));
+        return message == WM_CREATE ? -1 : 0;
+    }
+}
+
+LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_CREATE: OnCreate(); return 0;
+        case WM_ACTIVATE: OnActivate(LOWORD(wParam)); return 0;
+        case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
+        case WM_GETMINMAXINFO: OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
+        case WM_CLOSE: OnClose(); return 0;
+        case WM_DESTROY: OnDestroy(); return 0;
+        case WM_COMMAND:
+            if (lParam == 0) {
+                OnCommand(LOWORD(wParam));
+            } else {
+                OnListCommand(LOWORD(wParam), HIWORD(wParam));
+            }
+            return 0;
+        case WM_NOTIFY: return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
+        case WM_INITMENUPOPUP: OnInitMenu(reinterpret_cast<HMENU>(wParam)); return 0;
+        case WM_HSCROLL: OnHScroll(LOWORD(wParam)); return 0;
+        case WM_VSCROLL: OnVScroll(LOWORD(wParam)); return 0;
+        case WM_MOUSEWHEEL: OnWheel(wParam); return 0;
+        case WM_SETCURSOR:
+            if (OnSetCursor(reinterpret_cast<HWND>(wParam))) return TRUE;
+            break;
+        case WM_LBUTTONDOWN:
+        case WM_MOUSEMOVE:
+        case WM_LBUTTONUP:
+        case WM_CAPTURECHANGED: OnMouse(message, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)); return 0;
+        case WM_NCDESTROY:
+            SetWindowLongPtrW(m_window, GWLP_USERDATA, 0);
+            break;
+        default: break;
+    }
+    return DefWindowProcW(m_window, message, wParam, lParam);
+}
+
+void frmQLMain::OnCreate() {
+    MakeMenu();
+    MakeControls();
+    m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
+    FillTypes();
+    if (m_startFolder.empty() || !m_browser.ShowFolder(m_startFolder)) m_browser.ShowFolder(L".");
+    ArrangeControls();
+    ShowPages();
+    m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
+    ShowBlock();
+}
+
+HWND frmQLMain::MakeControl(const wchar_t* className, DWORD style, DWORD extendedStyle, int id) {
+    const HWND control = CreateWindowExW(extendedStyle, className, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, m_window,
+                                         IdOf(id), GetModuleHandleW(nullptr), nullptr);
+    if (control == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "control");
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
+    return control;
+}
+
+void frmQLMain::MakeTabs(HWND tabs, int firstCaption) const {
+    for (int page = 0; page < 2; ++page) {
+        std::wstring caption = Wide(m_services.Text(firstCaption + page));
+        TCITEMW item{};
+        item.mask = TCIF_TEXT;
+        item.pszText = caption.data();
+        TabCtrl_InsertItem(tabs, page, &item);
+    }
+}
+
+void frmQLMain::MakeControls() {
+    m_font = MakeFont(m_dpi);
+    constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
+    constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
+    MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS);
+    const HWND drives = MakeControl(WC_COMBOBOXW, combo, 0, lstDrive);
+    const HWND folders = MakeControl(WC_LISTBOXW, list, WS_EX_CLIENTEDGE, lstDir);
+    const HWND channels = MakeControl(WC_LISTVIEWW,
+                                      WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                                      WS_EX_CLIENTEDGE, lvCh);
+    MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES);
+    MakeControl(WC_COMBOBOXW, combo, 0, cboFileType);
+    const HWND files = MakeControl(WC_LISTBOXW, list | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
+    m_blocks.Attach(MakeControl(WC_LISTBOXW, list | LBS_USETABSTOPS, WS_EX_CLIENTEDGE, lstBlock));
+    m_browser.Attach(drives, folders, files);
+    m_channels.Attach(channels, MakeTraceIcons(MulDiv(16, m_dpi, 96)), m_dpi);
+    MakeControl(WC_SCROLLBARW, SBS_HORZ, 0, scScaleX);
+    MakeControl(WC_SCROLLBARW, SBS_VERT, 0, scScaleY);
+    MakeControl(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
+    const bool made = m_graphBox.Create(m_window, pbGraph, *this, true) &&
+                      m_scaleXBox.Create(m_window, pbScaleX, *this, false) &&
+                      m_scaleYBox.Create(m_window, pbScaleY, *this, false) && m_zoomX.Create(m_window, btnZoomX, *this);
+    if (!made) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
+}
+
+void frmQLMain::FillTypes() {
+    const HWND types = GetDlgItem(m_window, cboFileType);
+    RecordingLibrary& library = *m_global.library;
+    const auto add = [&](const std::u16string& text) { SendPointer(types, CB_ADDSTRING, 0, Wide(text).c_str()); };
+    add(library.FileTypeName(0));
+    const std::int32_t count = library.FileTypeCount();
+    for (std::int32_t type = 1; type <= count; ++type) {
+        const std::u16string name = library.FileTypeName(type);
+        add(name + u" (" + library.FileTypeMask(type) + u')');
+    }
+    m_browser.SetPattern(library.FileTypeMask(0));
+    SendMessageW(types, CB_SETCURSEL, 0, 0);
+}
+
+void frmQLMain::OnActivate(UINT state) {
+    if (state == WA_INACTIVE || m_closing) return;
+    if (!m_activated) {
+        m_activated = true;
+        if (m_browser.FileCount() > 0) {
+            m_browser.SelectFile(0);
+            ClickFile();
+            // With a recording open its channels are of more use than the way to its folder.
+            if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
+            ShowPages();
+        }
+    }
+    SetFocus(m_graphBox.Window());
+}
+
+void frmQLMain::OnSize(UINT state) {
+    if (state == SIZE_MINIMIZED) return;
+    SendMessageW(GetDlgItem(m_window, sbInfo), WM_SIZE, 0, 0);
+    ArrangeControls();
+    Refresh();
+}
+
+void frmQLMain::OnGetMinMaxInfo(MINMAXINFO* info) const {
+    info->ptMinTrackSize = {MulDiv(560, m_dpi, 96), MulDiv(380, m_dpi, 96)};
+}
+
+void frmQLMain::ArrangeControls() {
+    RECT client{};
+    GetClientRect(m_window, &client);
+    LayoutInput input;
+    input.clientWidth = client.right;
+    input.clientHeight = client.bottom;
+    input.statusHeight = HeightOf(GetDlgItem(m_window, sbInfo));
+    input.comboHeight = HeightOf(GetDlgItem(m_window, lstDrive));
+    RECT page{0, 0, 200, 200};
+    SendPointer(GetDlgItem(m_window, tabPath), TCM_ADJUSTRECT, FALSE, &page);
+    input.tabHeight = static_cast<std::int32_t>(page.top);
+    input.dpi = m_dpi;
+    input.listWidth = m_listWidth;
+    input.upperPercent = m_upperPercent;
+    m_layout = ArrangeMain(input);
+
+    struct Place {
+        int id;
+        const PixelRect& rect;
+    };
+    const Place places[] = {
+        {tabPath, m_layout.tabPath},   {lstDrive, m_layout.drive}, {lstDir, m_layout.folders},
+        {lvCh, m_layout.channels},     {tabFile, m_layout.tabFile}, {cboFileType, m_layout.fileType},
+        {lstFile, m_layout.files},     {lstBlock, m_layout.blocks}, {pbScaleY, m_layout.scaleY},
+        {pbGraph, m_layout.graph},     {scScaleY, m_layout.scrollY}, {btnZoomX, m_layout.zoomX},
+        {pbScaleX, m_layout.scaleX},   {scScaleX, m_layout.scrollX},
+    };
+    HDWP positions = BeginDeferWindowPos(static_cast<int>(std::size(places)));
+    for (const Place& place : places) {
+        // The height of a drop-down list is that of its open list.
+        const bool isCombo = place.id == lstDrive || place.id == cboFileType;
+        const int height = isCombo ? MulDiv(240, m_dpi, 96) : place.rect.height;
+        positions = DeferWindowPos(positions, GetDlgItem(m_window, place.id), nullptr, place.rect.left, place.rect.top,
+                                   place.rect.width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+    EndDeferWindowPos(positions);
+    m_channels.FitColumns();
+}
+
+bool frmQLMain::OnSetCursor(HWND child) const {
+    POINT point{};
+    GetCursorPos(&point);
+    ScreenToClient(m_window, &point);
+    if (child != m_window) return false;
+    const bool column = Contains(m_layout.splitColumn, point.x, point.y);
+    const bool lists = Contains(m_layout.splitLists, point.x, point.y);
+    if (!column && !lists) return false;
+    SetCursor(LoadCursorW(nullptr, column ? IDC_SIZEWE : IDC_SIZENS));
+    return true;
+}
+
+void frmQLMain::OnMouse(UINT message, int x, int y) {
+    if (message == WM_LBUTTONDOWN) {
+        if (Contains(m_layout.splitColumn, x, y)) m_drag = Drag::Column;
+        if (Contains(m_layout.splitLists, x, y)) m_drag = Drag::Lists;
+        if (m_drag != Drag::None) SetCapture(m_window);
+        return;
+    }
+    if (m_drag == Drag::None) return;
+    if (message == WM_MOUSEMOVE) {
+        const int top = m_layout.tabPath.top;
+        const int height = m_layout.blocks.Bottom() - top - m_layout.splitLists.height;
+        if (m_drag == Drag::Column) m_listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
+        if (m_drag == Drag::Lists && height > 0) m_upperPercent = std::max((y - top) * 100 / height, 1);
+        ArrangeControls();
+        // What was reached counts, so that dragging beyond a limit and back has no dead travel.
+        m_listWidth = m_layout.listWidth;
+        m_upperPercent = m_layout.upperPercent;
+        Refresh();
+        return;
+    }
+    m_drag = Drag::None;
+    if (message == WM_LBUTTONUP) ReleaseCapture();
+}
+
+void frmQLMain::OnClose() {
+    StopSound();
+    DestroyWindow(m_window);
+}
+
+void frmQLMain::OnDestroy() {
+    m_closing = true;
+    m_loader.CloseCurrentFile();
+    m_services.SetWindow(nullptr, nullptr);
+    PostQuitMessage(0);
+}
+
+}  // namespace quillon

@@ -1,0 +1,138 @@
+#pragma once
+
+#include <string>
+
+#include "app/MainLayout.h"
+#include "app/QL_Global.h"
+#include "app/win/PictureBox.h"
+#include "app/win/Win32.h"
+#include "app/win/WinHandle.h"
+#include "app/win/WinServices.h"
+#include "data/BlockLoader.h"
+#include "data/win/ChannelLists.h"
+#include "data/win/FileBrowser.h"
+#include "view/win/GraphPainter.h"
+#include "view/win/ScalePainter.h"
+#include "view/win/ucZoomX.h"
+
+namespace quillon {
+
+/// The main window: lists on the left, the graph with its scales on the right, the status bar below.
+///
+/// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and outlive
+/// it. Its member functions are spread over frmQLMain.cpp (life cycle and layout), frmQLMain_Browser.cpp (files, blocks,
+/// channels), frmQLMain_Commands.cpp (menu and keys) and frmQLMain_Graph.cpp (graph and scales).
+class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
+  public:
+    frmQLMain(QL_Global& global, WinServices& services);
+
+    /// Makes the window with all its controls, hidden, showing `folder` (the process's current folder where it is empty
+    /// or cannot be read). Throws std::system_error when the window cannot be made.
+    void Create(const std::wstring& folder);
+    [[nodiscard]] HWND Window() const { return m_window; }
+    /// Handles a key of the graph or the focus's way through the controls; true when the message is done with.
+    [[nodiscard]] bool PreTranslate(const MSG& message);
+
+    // What the loader asks for.
+    void ResetViewState() override;
+    void StopSound() override {}
+    [[nodiscard]] std::int32_t BlockItemCount() const override { return m_blocks.Count(); }
+    void RemoveBlockItem(std::int32_t position) override { m_blocks.Remove(position); }
+    void SetBlockItem(std::int32_t position, const std::u16string& text) override;
+    [[nodiscard]] std::int32_t SelectedBlockItem() const override { return m_blocks.Selected(); }
+    void SelectBlockItem(std::int32_t position) override;
+    void OfferFolder(const std::u16string&) override {}
+    void ShowBlock() override;
+
+  private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
+
+    // Life cycle and layout.
+    void OnCreate();
+    void OnActivate(UINT state);
+    void OnSize(UINT state);
+    void OnGetMinMaxInfo(MINMAXINFO* info) const;
+    void OnClose();
+    void OnDestroy();
+    bool OnSetCursor(HWND child) const;
+    void OnMouse(UINT message, int x, int y);
+    void MakeControls();
+    HWND MakeControl(const wchar_t* className, DWORD style, DWORD extendedStyle, int id);
+    void MakeTabs(HWND tabs, int firstCaption) const;
+    void ArrangeControls();
+    void FillTypes();
+
+    // Browser, blocks and channels.
+    void OnListCommand(int id, int notification);
+    LRESULT OnNotify(const NMHDR* header);
+    void ShowFolder(const std::wstring& folder);
+    void ClickFile();
+    void ClickBlock();
+    void SelectType();
+    void ShowPages();
+    void StoreShown(int item);
+    void SetAllShown(int index);
+    void ShowCaption();
+
+    // Commands.
+    void MakeMenu();
+    void OnCommand(int id);
+    void OnInitMenu(HMENU menu) const;
+    bool OnKey(WPARAM key);
+    void Exit(int);
+    void SelectTabPath(int page);
+    void SelectTabFile(int page);
+    void GoTo(int index);
+    [[nodiscard]] bool FocusKeepsItsKeys() const;
+    void ZoomDown(int index) override;
+    void ZoomButtonDown() override;
+
+    // Graph.
+    void PaintPicture(int id, HDC dc, const RECT& clip) override;
+    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnHScroll(UINT code);
+    void OnVScroll(UINT code);
+    void OnWheel(WPARAM wParam);
+    void SelectZoomX(int index);
+    void ScrollBy(std::int32_t shift);
+    void ZoomY(int index);
+    void SelectScaleY(int index);
+    void BaseLine(int index);
+    void MoveBaseLine(std::int32_t rows);
+    void FitUnlessLegible();
+    void UpdateScrollBars() const;
+    void Refresh();
+    void RefreshAmplitude();
+    void ShowPanels() const;
+
+    QL_Global& m_global;
+    WinServices& m_services;
+    BlockLoader m_loader;
+    std::wstring m_startFolder;
+
+    HWND m_window = nullptr;
+    Menu m_menu;
+    HMENU m_zoomMenu = nullptr;  ///< the list of X zooms, part of m_menu
+    GdiFont m_font;
+    FileBrowser m_browser;
+    BlockList m_blocks;
+    ChannelList m_channels;
+    PictureBox m_graphBox;
+    PictureBox m_scaleXBox;
+    PictureBox m_scaleYBox;
+    ucZoomX m_zoomX;
+    GraphPainter m_graph;
+    ScalePainter m_scales;
+
+    MainLayout m_layout;
+    int m_dpi = 96;
+    int m_listWidth = 0;     ///< as the user dragged it; 0: the default
+    int m_upperPercent = 0;  ///< likewise
+    enum class Drag { None, Column, Lists } m_drag = Drag::None;
+    int m_wheelRest = 0;      ///< wheel movement below one notch
+    bool m_activated = false;
+    bool m_closing = false;
+};
+
+}  // namespace quillon

@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <array>
+
+#include "app/ControlIds.h"
+#include "app/StatusPanels.h"
+#include "app/win/frmQLMain.h"
+#include "base/StringIds.h"
+#include "view/DataRange.h"
+
+namespace quillon {
+
+namespace {
+
+/// The amplitude scroll bar moves the base line this many rows up or down at most.
+constexpr int kBaseLineReach = 2000;
+
+}  // namespace
+
+void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
+    RECT client{};
+    GetClientRect(GetDlgItem(m_window, id), &client);
+    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_global.axis, m_global.block));
+    if (id == pbScaleY) {
+        const bool empty = m_global.block.sampleCount == 0;
+        m_scales.PaintAmplitude(dc, client,
+                                empty ? std::vector<ScaleLabel>() : AmplitudeLabels(m_global.amplitude, m_global.rawCodes));
+    }
+    if (id != pbGraph) return;
+    m_graph.Paint(dc, clip);
+    // An empty graph says why it is empty.
+    const bool noBlock = m_global.block.sampleCount == 0;
+    if (!noBlock && !ShownChannels(m_global.block, m_global.slots).empty()) return;
+    const std::wstring text = Wide(m_services.Text(noBlock ? IDS_NO_RECORDING : IDS_NO_CHANNEL));
+    const SelectScope font(dc, m_font.Get());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, RGB(0x70, 0x78, 0x84));
+    DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &client, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+}
+
+bool frmQLMain::PictureMouse(int, UINT message, WPARAM, LPARAM) {
+    if (message != WM_LBUTTONDOWN) return false;
+    SetFocus(m_graphBox.Window());
+    return true;
+}
+
+void frmQLMain::UpdateScrollBars() const {
+    const bool scrollable = m_global.axis.CanScroll() && m_global.axis.StripLength() > 0;
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_ALL;
+    info.nPage = static_cast<UINT>(m_global.axis.ScrollPage());
+    // A scroll bar stops one page before its maximum; ours counts positions of the first column.
+    info.nMax = TimeAxis::kScrollMax + static_cast<int>(info.nPage) - 1;
+    info.nPos = m_global.axis.ScrollValue();
+    const HWND horizontal = GetDlgItem(m_window, scScaleX);
+    SetScrollInfo(horizontal, SB_CTL, &info, TRUE);
+    EnableWindow(horizontal, scrollable);
+
+    info.nMin = -kBaseLineReach;
+    info.nPage = static_cast<UINT>(std::max(m_layout.graph.height, 1));
+    info.nMax = kBaseLineReach + static_cast<int>(info.nPage) - 1;
+    info.nPos = std::clamp(-m_global.amplitude.Shift(), -kBaseLineReach, kBaseLineReach);
+    const HWND vertical = GetDlgItem(m_window, scScaleY);
+    SetScrollInfo(vertical, SB_CTL, &info, TRUE);
+    EnableWindow(vertical, scrollable);
+}
+
+void frmQLMain::OnHScroll(UINT code) {
+    const std::int32_t width = m_global.axis.Width();
+    switch (code) {
+        case SB_LINELEFT: ScrollBy(-20); return;
+        case SB_LINERIGHT: ScrollBy(20); return;
+        case SB_PAGELEFT: ScrollBy(-(width - width % TimeAxis::kDivision)); return;
+        case SB_PAGERIGHT: ScrollBy(width - width % TimeAxis::kDivision); return;
+        case SB_LEFT: ScrollBy(m_global.axis.PageShift(0)); return;
+        case SB_RIGHT: ScrollBy(m_global.axis.PageShift(3)); return;
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION: break;
+        default: return;
+    }
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    GetScrollInfo(GetDlgItem(m_window, scScaleX), SB_CTL, &info);
+    if (m_global.axis.SetScrollValue(info.nTrackPos)) Refresh();
+}
+
+void frmQLMain::OnVScroll(UINT code) {
+    const std::int32_t page = m_layout.graph.height / AmplitudeScale::kDivision * AmplitudeScale::kDivision;
+    switch (code) {
+        case SB_LINEUP: MoveBaseLine(20); return;
+        case SB_LINEDOWN: MoveBaseLine(-20); return;
+        case SB_PAGEUP: MoveBaseLine(page); return;
+        case SB_PAGEDOWN: MoveBaseLine(-page); return;
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION: break;
+        default: return;
+    }
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    GetScrollInfo(GetDlgItem(m_window, scScaleY), SB_CTL, &info);
+    MoveBaseLine(-info.nTrackPos - m_global.amplitude.Shift());
+}
+
+void frmQLMain::OnWheel(WPARAM wParam) {
+    const int delta = GET_WHEEL_DELTA_WPARAM(wParam);
+    // Movement below a notch adds up; a reversal clears the rest.
+    if ((m_wheelRest > 0) != (delta > 0)) m_wheelRest = 0;
+    m_wheelRest += delta;
+    const int notches = m_wheelRest / WHEEL_DELTA;
+    m_wheelRest -= notches * WHEEL_DELTA;
+    if (notches == 0 || m_global.block.sampleCount == 0) return;
+    const WORD keys = GET_KEYSTATE_WPARAM(wParam);
+    const int direction = notches > 0 ? 1 : 0;
+    if ((keys & MK_CONTROL) != 0 && (keys & MK_SHIFT) != 0) {
+        ZoomY(direction);
+    } else if ((keys & MK_CONTROL) != 0) {
+        ZoomDown(direction);
+    } else {
+        ScrollBy(-notches * ((keys & MK_SHIFT) != 0 ? 20 : 100));
+    }
+}
+
+void frmQLMain::SelectZoomX(int index) {
+    if (!m_global.axis.SelectZoom(index)) return;
+    m_zoomX.SetCaption(ZoomCaption(index));
+    Refresh();
+}
+
+void frmQLMain::ScrollBy(std::int32_t shift) {
+    if (m_global.axis.ScrollBy(shift) != 0) Refresh();
+}
+
+void frmQLMain::ZoomY(int index) {
+    m_global.amplitude.ZoomY(index == 0 ? -1 : 1);
+    RefreshAmplitude();
+}
+
+void frmQLMain::SelectScaleY(int index) {
+    m_global.amplitude.SelectScale(index);
+    RefreshAmplitude();
+}
+
+void frmQLMain::BaseLine(int index) {
+    if (index == 0) {
+        m_global.amplitude.SetBipolar();
+    } else if (m_global.rawCodes) {
+        m_global.amplitude.FindData(kRawCodesRange);
+    } else {
+        m_global.amplitude.FindData(RangeOf(m_global.block, m_global.slots, {1, m_global.block.sampleCount}));
+    }
+    RefreshAmplitude();
+}
+
+void frmQLMain::MoveBaseLine(std::int32_t rows) {
+    if (m_global.block.sampleCount == 0 || rows == 0) return;
+    m_global.amplitude.MoveBaseLine(rows);
+    RefreshAmplitude();
+}
+
+void frmQLMain::FitUnlessLegible() {
+    // A scale that the user chose stays from block to block as long as it shows something of the new one.
+    const std::optional<ValueRange> range = RangeOf(m_global.block, m_global.slots, m_global.axis.Visible());
+    if (range && !m_global.amplitude.Shows(*range)) m_global.amplitude.FindData(range);
+}
+
+void frmQLMain::RefreshAmplitude() {
+    m_scaleYBox.Invalidate();
+    Refresh();
+}
+
+void frmQLMain::Refresh() {
+    if (m_closing || IsIconic(m_window)) return;
+    const PixelRect& graph = m_layout.graph;
+    m_global.axis.SetWidth(graph.width);
+    m_global.amplitude.SetGraph(graph.height, graph.height / 2);
+    if (m_global.block.sampleCount > 0) {
+        m_graph.Draw({m_global.block, m_global.slots, m_global.axis, m_global.amplitude, m_global.rawCodes,
+                      m_global.systemVersion >= 4},
+                     graph.width, graph.height);
+    } else {
+        m_graph.Clear(graph.width, graph.height);
+    }
+    UpdateScrollBars();
+    ShowPanels();
+    m_graphBox.Invalidate();
+    m_scaleXBox.Invalidate();
+}
+
+void frmQLMain::ShowPanels() const {
+    const HWND status = GetDlgItem(m_window, sbInfo);
+    const PanelTexts texts = BlockPanels(m_global, m_services);
+    constexpr auto own = static_cast<std::size_t>(StatusPanel::Status);
+    // Every panel is as wide as its text; "Status" takes the rest.
+    const int margin = MulDiv(14, m_dpi, 96);
+    const int grip = GetSystemMetrics(SM_CXVSCROLL);
+    std::array<int, std::tuple_size_v<PanelTexts>> widths{};
+    const WindowDC dc(status);
+    const SelectScope font(dc.Get(), m_font.Get());
+    int others = grip;
+    for (std::size_t panel = 0; panel < texts.size(); ++panel) {
+        SIZE size{};
+        const std::wstring text = Wide(texts[panel]);
+        GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+        widths[panel] = panel == own ? 0 : static_cast<int>(size.cx) + margin;
+        others += widths[panel];
+    }
+    RECT client{};
+    GetClientRect(status, &client);
+    widths[own] = std::max(static_cast<int>(client.right) - others, MulDiv(80, m_dpi, 96));
+    int right = 0;
+    for (int& width : widths) width = right += width;
+    widths.back() = -1;
+    SendPointer(status, SB_SETPARTS, widths.size(), widths.data());
+    for (std::size_t panel = 0; panel < texts.size(); ++panel) {
+        if (panel != own) SendPointer(status, SB_SETTEXTW, panel, Wide(texts[panel]).c_str());
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,132 @@
+#include "cli/Cli.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <new>
+
+#include "base/Text.h"
+#include "cli/Commands.h"
+#include "cli/Options.h"
+#include "cli/OutputTarget.h"
+
+namespace quillon::cli {
+
+namespace {
+
+constexpr std::array kOptions = {
+    OptionRule{u"--out", true, u"write to PATH instead of the standard output", u"PATH"},
+    OptionRule{u"--force", false, u"let --out replace a file that exists", u""},
+    OptionRule{u"--language", true, u"language of reasons and names: en (the default) or ru", u"en|ru"},
+    OptionRule{u"--help", false, u"show this text, or that of the command", u""},
+    OptionRule{u"--version", false, u"show the version", u""},
+};
+
+constexpr std::string_view kExitCodes =
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  refused: the file cannot be read or written, or the range lies outside it\n"
+    "  2  the command line is wrong\n";
+
+void WriteOptionHelp(std::ostream& out) {
+    out << "Options (--name value or --name=value; -- ends the options):\n";
+    for (const OptionRule& rule : kOptions) {
+        std::string name = "  ";
+        name += Utf8(rule.name);
+        if (rule.takesValue) name.append(" ").append(Utf8(rule.values));
+        name.resize(std::max<std::size_t>(name.size() + 2, 22), ' ');
+        out << name << Utf8(rule.help) << '\n';
+    }
+}
+
+void WriteHelp(std::ostream& out, const Command* only) {
+    out << "Usage: quillon-cli COMMAND FILE ... [options]\n"
+           "Reads signal recordings: EDF, EDF+, BDF, WAVE, RF64 and ABIN files.\n\n";
+    if (only == nullptr) out << "Commands:\n";
+    for (const Command& command : Commands()) {
+        if (only == nullptr || only == &command) {
+            out << "  " << Utf8(command.name) << ' ' << Utf8(command.usage) << '\n' << command.help << '\n';
+        }
+    }
+    WriteOptionHelp(out);
+    out << '\n' << kExitCodes << "\nExamples:\n";
+    for (const Command& command : Commands()) {
+        if (only == nullptr || only == &command) out << command.example;
+    }
+}
+
+void WriteVersion(std::ostream& out) {
+    out << "quillon-cli " << QUILLON_VERSION_MAJOR << '.' << QUILLON_VERSION_MINOR << '.' << QUILLON_VERSION_REVISION
+        << '\n';
+}
+
+Language LanguageOf(const ParsedArguments& parsed) {
+    const std::u16string value = parsed.Value(u"--language", u"en");
+    if (value == u"en") return Language::English;
+    if (value == u"ru") return Language::Russian;
+    throw UsageError(u"unknown language '" + value + u"' (en or ru)");
+}
+
+const Command& FindCommand(const std::u16string& name) {
+    for (const Command& command : Commands()) {
+        if (command.name == name) return command;
+    }
+    throw UsageError(u"unknown command '" + name + u"'");
+}
+
+void RunCommand(const Command& command, const ParsedArguments& parsed, CliIo& io) {
+    const std::size_t given = parsed.words.size() - 1;
+    if (given < command.minimumWords) {
+        throw UsageError(u"'" + std::u16string(command.name) + u"' needs " + std::u16string(command.usage));
+    }
+    if (given > command.maximumWords) {
+        throw UsageError(u"unexpected word '" + parsed.words[command.maximumWords + 1] + u"'");
+    }
+    const Language language = LanguageOf(parsed);
+    OutputTarget target(io.out, parsed, parsed.words[1]);
+    command.run({parsed.words, language, target});
+    target.Finish();
+}
+
+int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16string& file) {
+    const ParsedArguments parsed = ParseArguments(arguments, kOptions);
+    const Command* command = parsed.words.empty() ? nullptr : &FindCommand(parsed.words[0]);
+    if (parsed.Has(u"--help") || parsed.Has(u"--version")) {
+        if (parsed.Has(u"--help")) {
+            WriteHelp(io.out, command);
+        } else {
+            WriteVersion(io.out);
+        }
+        OutputTarget::CheckStream(io.out);
+        return kDone;
+    }
+    if (command == nullptr) throw UsageError(u"no command given");
+    if (parsed.words.size() > 1) file = parsed.words[1];
+    RunCommand(*command, parsed, io);
+    return kDone;
+}
+
+}  // namespace
+
+int RunCli(const std::vector<std::u16string>& arguments, CliIo& io) {
+    std::u16string file;
+    const auto refuse = [&](std::string_view reason) {
+        io.error << "quillon-cli: " << Utf8(file) << (file.empty() ? "" : ": ") << reason << '\n';
+        return kRefused;
+    };
+    try {
+        return Dispatch(arguments, io, file);
+    } catch (const UsageError& error) {
+        io.error << "quillon-cli: " << error.what() << "\nTry 'quillon-cli --help'.\n";
+        return kUsage;
+    } catch (const Refusal& refusal) {
+        if (!refusal.File().empty()) file = refusal.File();
+        return refuse(refusal.what());
+    } catch (const std::bad_alloc&) {
+        return refuse("there is not enough memory");
+    } catch (const std::exception& error) {
+        return refuse(error.what());
+    }
+}
+
+}  // namespace quillon::cli

@@ -1,0 +1,186 @@
+#include "cli/Commands.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "base/DateTime.h"
+#include "base/Text.h"
+#include "cli/Json.h"
+#include "norvik/Bilingual.h"
+#include "norvik/RecordingLibrary.h"
+
+namespace quillon::cli {
+
+namespace {
+
+constexpr std::int32_t kPieceSamples = 65536;
+
+/// An open recording that is closed at the end of the command.
+class OpenFile {
+  public:
+    OpenFile(const std::u16string& file, Language language) : m_library(MakeRecordingLibrary(language)) {
+        if (!m_library->OpenRecording(file, m_recording)) throw Refusal(m_library->LastErrorText());
+    }
+    ~OpenFile() { m_library->CloseRecording(m_recording); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    [[nodiscard]] Recording& Get() const { return *m_recording; }
+
+  private:
+    std::shared_ptr<RecordingLibrary> m_library;
+    std::shared_ptr<Recording> m_recording;
+};
+
+[[noreturn]] void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian,
+                              std::int64_t given, std::int64_t first, std::int64_t last) {
+    throw Refusal(Say(english, russian, {Decimal(given), Decimal(first), Decimal(last)}).In(language));
+}
+
+std::string JsonChannels(const RecordingBlock& block) {
+    std::string json = "[";
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        if (channel > 1) json += ',';
+        json += "{\"number\":" + std::to_string(block.ChannelNumber(channel));
+        json += ",\"title\":" + JsonText(block.ChannelTitle(channel));
+        json += ",\"unit\":" + JsonText(block.ChannelUnit(channel));
+        json += ",\"scale\":" + JsonNumber(block.ChannelScale(channel));
+        json += ",\"offset\":" + JsonNumber(block.ChannelOffset(channel)) + '}';
+    }
+    return json + ']';
+}
+
+std::string JsonMarks(const RecordingBlock& block) {
+    std::string json = "[";
+    for (std::int32_t mark = 1; mark <= block.MarkCount(); ++mark) {
+        if (mark > 1) json += ',';
+        json += "{\"position\":" + std::to_string(block.MarkPosition(mark));
+        json += ",\"text\":" + JsonText(block.MarkText(mark)) + '}';
+    }
+    return json + ']';
+}
+
+std::string JsonBlock(std::int16_t number, const RecordingBlock& block) {
+    std::string json = "{\"number\":" + std::to_string(number);
+    json += ",\"title\":" + JsonText(block.Title());
+    json += ",\"start\":" + JsonText(Utf16(Iso8601(block.StartTime())));
+    json += ",\"rate\":" + JsonNumber(block.SampleRate());
+    json += ",\"samples\":" + std::to_string(block.SampleCount());
+    json += ",\"channels\":" + JsonChannels(block);
+    return json + ",\"marks\":" + JsonMarks(block) + '}';
+}
+
+void RunInfo(const CommandContext& context) {
+    const OpenFile file(context.words[1], context.language);
+    Recording& recording = file.Get();
+    const std::u16string info = recording.FileInfo();
+    std::string json = "{\"file\":" + JsonText(recording.FileName());
+    json += ",\"format\":" + JsonText(info.substr(0, info.find(u',')));
+    json += ",\"fileInfo\":" + JsonText(info) + ",\"blocks\":[";
+    for (std::int16_t number = 1; number <= recording.BlockCount(); ++number) {
+        json += (number > 1 ? ",\n" : "\n") + JsonBlock(number, *recording.GetBlock(number));
+    }
+    json += "\n]}\n";
+    context.target.Write(json);
+}
+
+/// The samples that the words BLOCK CHANNEL [FIRST [COUNT]] name; all of them are inside the recording.
+struct SampleRange {
+    std::shared_ptr<RecordingBlock> block;
+    std::int16_t channel = 1;
+    std::int32_t first = 0;
+    std::int32_t count = 0;
+};
+
+SampleRange FindRange(const CommandContext& context, Recording& recording) {
+    const auto& words = context.words;
+    const Language language = context.language;
+    const std::int64_t number = WholeNumber(words[2], u"BLOCK");
+    const std::int64_t channel = WholeNumber(words[3], u"CHANNEL");
+    const std::int64_t first = words.size() > 4 ? WholeNumber(words[4], u"FIRST") : 0;
+    if (number < 1 || number > recording.BlockCount()) {
+        RefuseRange(language, u"there is no block %1 (blocks %2 to %3)", u"нет блока %1 (блоки с %2 по %3)", number, 1,
+                    recording.BlockCount());
+    }
+    SampleRange range;
+    range.block = recording.GetBlock(static_cast<std::int16_t>(number));
+    if (channel < 1 || channel > range.block->ChannelCount()) {
+        RefuseRange(language, u"there is no channel %1 (channels %2 to %3)", u"нет канала %1 (каналы с %2 по %3)",
+                    channel, 1, range.block->ChannelCount());
+    }
+    const std::int64_t samples = range.block->SampleCount();
+    if (first < 0 || first > std::max<std::int64_t>(samples - 1, 0)) {
+        RefuseRange(language, u"there is no sample %1 (samples %2 to %3)", u"нет отсчёта %1 (отсчёты с %2 по %3)",
+                    first, 0, samples - 1);
+    }
+    const std::int64_t count = words.size() > 5 ? WholeNumber(words[5], u"COUNT") : samples - first;
+    if (count < 0 || count > samples - first) {
+        RefuseRange(language, u"a count of %1 does not fit (counts %2 to %3 from there)",
+                    u"количество %1 не помещается (отсюда от %2 до %3)", count, 0, samples - first);
+    }
+    range.channel = static_cast<std::int16_t>(channel);
+    range.first = static_cast<std::int32_t>(first);
+    range.count = static_cast<std::int32_t>(count);
+    return range;
+}
+
+/// Appends the lowest `size` bytes of a number, the lowest first.
+void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size) {
+    for (unsigned byte = 0; byte < size; ++byte) bytes.push_back(static_cast<char>(number >> (8 * byte) & 0xFFU));
+}
+
+/// `read(range, first, count)` fills `bytes` with one piece.
+template <typename Read>
+void WriteSamples(const CommandContext& context, Read read) {
+    const OpenFile file(context.words[1], context.language);
+    const SampleRange range = FindRange(context, file.Get());
+    std::vector<char> bytes;
+    for (std::int32_t done = 0; done < range.count;) {
+        const std::int32_t size = std::min(kPieceSamples, range.count - done);
+        bytes.clear();
+        read(range, range.first + done, size, bytes);
+        context.target.Write(bytes);
+        done += size;
+    }
+}
+
+void RunCodes(const CommandContext& context) {
+    std::vector<std::int16_t> codes(kPieceSamples);
+    WriteSamples(context, [&](const SampleRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
+        range.block->ReadCodes(range.channel, first, count, codes.data());
+        for (std::int32_t i = 0; i < count; ++i) {
+            AppendLittleEndian(to, static_cast<std::uint16_t>(codes[static_cast<std::size_t>(i)]), 2);
+        }
+    });
+}
+
+void RunValues(const CommandContext& context) {
+    std::vector<float> values(kPieceSamples);
+    WriteSamples(context, [&](const SampleRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
+        range.block->ReadValues(range.channel, first, count, values.data());
+        for (std::int32_t i = 0; i < count; ++i) {
+            AppendLittleEndian(to, std::bit_cast<std::uint32_t>(values[static_cast<std::size_t>(i)]), 4);
+        }
+    });
+}
+
+constexpr std::array kCommands = {
+    Command{u"info", u"FILE", 1, 1,
+            "      Describes the recording as one JSON document: format, blocks, channels and marks.\n",
+            "  quillon-cli info night.edf\n", RunInfo},
+    Command{u"codes", u"FILE BLOCK CHANNEL [FIRST [COUNT]]", 3, 5,
+            "      Writes the stored samples as raw 16-bit integers, little-endian. Blocks and channels count from 1,\n"
+            "      samples from 0; without FIRST and COUNT the samples run from 0 and to the end of the block.\n",
+            "  quillon-cli codes night.edf 1 3 --out=channel3.raw\n", RunCodes},
+    Command{u"values", u"FILE BLOCK CHANNEL [FIRST [COUNT]]", 3, 5,
+            "      As codes, but physical values as raw 32-bit floats, little-endian.\n",
+            "  quillon-cli values night.edf 1 3 25600 512 > piece.f32\n", RunValues},
+};
+
+}  // namespace
+
+std::span<const Command> Commands() {
+    return kCommands;
+}
+
+}  // namespace quillon::cli

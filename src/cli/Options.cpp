@@ -1,0 +1,61 @@
+#include "cli/Options.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "base/Text.h"
+
+namespace quillon::cli {
+
+UsageError::UsageError(const std::u16string& text) : std::runtime_error(Utf8(text)) {}
+
+std::u16string ParsedArguments::Value(std::u16string_view name, std::u16string_view otherwise) const {
+    const auto found = options.find(name);
+    return found != options.end() ? found->second : std::u16string(otherwise);
+}
+
+ParsedArguments ParseArguments(std::span<const std::u16string> arguments, std::span<const OptionRule> rules) {
+    ParsedArguments parsed;
+    bool optionsEnded = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::u16string& word = arguments[i];
+        if (optionsEnded || !word.starts_with(u"--")) {
+            // A single dash begins a negative number or a file name, never an option.
+            parsed.words.push_back(word);
+            continue;
+        }
+        if (word == u"--") {
+            optionsEnded = true;
+            continue;
+        }
+        const std::size_t equals = word.find(u'=');
+        const std::u16string name = word.substr(0, equals);
+        const auto rule = std::find_if(rules.begin(), rules.end(), [&](const OptionRule& r) { return r.name == name; });
+        if (rule == rules.end()) throw UsageError(u"unknown option '" + name + u"'");
+        std::u16string value;
+        if (!rule->takesValue) {
+            if (equals != std::u16string::npos) throw UsageError(u"option '" + name + u"' takes no value");
+        } else if (equals != std::u16string::npos) {
+            value = word.substr(equals + 1);
+        } else if (i + 1 < arguments.size()) {
+            value = arguments[++i];
+        } else {
+            throw UsageError(u"option '" + name + u"' needs a value");
+        }
+        if (rule->takesValue && value.empty()) throw UsageError(u"option '" + name + u"' needs a value");
+        if (!parsed.options.emplace(name, value).second) throw UsageError(u"option '" + name + u"' is given twice");
+    }
+    return parsed;
+}
+
+std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what) {
+    const std::string digits = Utf8(text);
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || end != digits.data() + digits.size()) {
+        throw UsageError(u"'" + text + u"' is not a whole number for " + std::u16string(what));
+    }
+    return number;
+}
+
+}  // namespace quillon::cli

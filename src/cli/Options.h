@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillon::cli {
+
+/// One option as the parser knows it.
+struct OptionRule {
+    std::u16string_view name;  ///< with its dashes
+    bool takesValue = false;
+    std::u16string_view help;
+    std::u16string_view values;  ///< what the help shows for the value
+};
+
+/// A command line that is not understood; the text names the wrong word.
+class UsageError : public std::runtime_error {
+  public:
+    explicit UsageError(const std::u16string& text);
+};
+
+/// Command line cut into options and the rest, in order.
+struct ParsedArguments {
+    std::vector<std::u16string> words;
+    std::map<std::u16string, std::u16string, std::less<>> options;  ///< value empty for those that take none
+
+    [[nodiscard]] bool Has(std::u16string_view name) const { return options.find(name) != options.end(); }
+    /// The option's value, or `otherwise` where it was not given.
+    [[nodiscard]] std::u16string Value(std::u16string_view name, std::u16string_view otherwise = {}) const;
+};
+
+/// Takes "--name value" and "--name=value"; "--" ends the options. Throws UsageError for unknown and repeated options,
+/// missing values and values where none is taken.
+[[nodiscard]] ParsedArguments ParseArguments(std::span<const std::u16string> arguments,
+                                             std::span<const OptionRule> rules);
+
+/// A whole number of decimal digits. Throws UsageError that calls it `what`.
+[[nodiscard]] std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what);
+
+}  // namespace quillon::cli

@@ -1,0 +1,147 @@
+#include "data/BlockLoader.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "base/StringIds.h"
+#include "base/Text.h"
+
+namespace quillon {
+
+namespace {
+
+/// Runs one step of a load; a failure leaves what the step would have set and the load goes on with the next one.
+template <typename Step>
+void Resume(Step&& step) {
+    try {
+        std::forward<Step>(step)();
+    } catch (const std::exception&) {
+    }
+}
+
+std::u16string WithBackslash(std::u16string folder) {
+    if (folder.empty() || folder.back() != u'\\') folder.push_back(u'\\');
+    return folder;
+}
+
+}  // namespace
+
+void BlockLoader::OpenFile(const std::u16string& folder, const std::u16string& name, const std::u16string& pattern) {
+    const std::u16string chosen = name.empty() ? std::u16string() : WithBackslash(folder) + name;
+    if (!chosen.empty() && LowerCase(chosen) == LowerCase(m_file.fileName)) return;
+    CloseCurrentFile();
+    if (!chosen.empty()) {
+        std::shared_ptr<Recording> recording;
+        if (m_library.OpenRecording(chosen, recording)) {
+            m_services.SetStatus({});
+            m_file.recording = recording;
+            m_file.fileName = recording->FileName();
+            m_file.fileInfo = recording->FileInfo();
+            m_file.blockCount = recording->BlockCount();
+            if (pattern != u"*.*") m_host.OfferFolder(folder);
+            FillBlockList();
+            if (m_host.SelectedBlockItem() == 0) {
+                LoadBlock(0);
+            } else {
+                m_host.SelectBlockItem(0);
+            }
+        } else {
+            m_services.SetStatus(name + u": " + m_library.LastErrorText());
+        }
+    }
+    if (m_file.fileName.empty()) {
+        ClearBlockList();
+        LoadBlock(-1);
+    }
+}
+
+void BlockLoader::CloseCurrentFile() {
+    std::shared_ptr<Recording> recording = std::move(m_file.recording);
+    m_file = ViewFile{};
+    m_block = ViewBlock{};
+    m_host.ResetViewState();
+    if (recording) m_library.CloseRecording(recording);
+}
+
+void BlockLoader::ClearBlockList() {
+    for (std::int32_t position = m_host.BlockItemCount() - 1; position >= 0; --position) {
+        m_host.RemoveBlockItem(position);
+    }
+}
+
+void BlockLoader::FillBlockList() {
+    if (m_file.blockCount <= 0) {
+        ClearBlockList();
+        return;
+    }
+    for (std::int32_t position = m_host.BlockItemCount() - 1; position >= m_file.blockCount; --position) {
+        m_host.RemoveBlockItem(position);
+    }
+    for (std::int16_t position = 0; position < m_file.blockCount; ++position) {
+        const auto number = static_cast<std::int16_t>(position + 1);
+        const std::shared_ptr<RecordingBlock> block = m_file.recording->GetBlock(number);
+        std::u16string text = block->Title();
+        if (text.empty()) text = m_services.LongTime(block->StartTime());
+        m_host.SetBlockItem(position, text + u'\t' + Decimal(number));
+    }
+}
+
+void BlockLoader::LoadBlock(std::int16_t index) {
+    m_host.ResetViewState();
+    m_host.StopSound();
+    m_block = ViewBlock{};
+    m_file.currentBlockIndex = -1;
+    if (index >= 0 && m_file.recording) {
+        m_file.currentBlockIndex = index;
+        Resume([&] { m_block.block = m_file.recording->GetBlock(static_cast<std::int16_t>(index + 1)); });
+    }
+    if (RecordingBlock* block = m_block.block.get()) {
+        Resume([&] { m_block.sampleCount = block->SampleCount(); });
+        Resume([&] { m_block.sampleRate = block->SampleRate(); });
+        Resume([&] { m_block.startTime = block->StartTime(); });
+        Resume([&] { m_block.channelCount = block->ChannelCount(); });
+        const auto channels = static_cast<std::size_t>(std::max<std::int16_t>(m_block.channelCount, 0));
+        m_block.channelNumbers.resize(channels);
+        m_block.invScale.resize(channels);
+        m_block.offsets.resize(channels);
+        for (std::int16_t channel = 1; channel <= m_block.channelCount; ++channel) LoadChannel(channel);
+        LoadMarks();
+    }
+    m_host.ShowBlock();
+}
+
+void BlockLoader::LoadChannel(std::int16_t channel) {
+    RecordingBlock& block = *m_block.block;
+    const auto at = static_cast<std::size_t>(channel) - 1;
+    Resume([&] { m_block.channelNumbers[at] = block.ChannelNumber(channel); });
+    Resume([&] {
+        // A scale of 0 has no reciprocal: the entry stays 0, and such a channel is drawn as a straight line.
+        if (const float scale = block.ChannelScale(channel); scale != 0.0F) m_block.invScale[at] = 1.0F / scale;
+    });
+    Resume([&] { m_block.offsets[at] = block.ChannelOffset(channel); });
+    const std::int16_t number = m_block.channelNumbers[at];
+    if (number < 0 || number >= kSlotCount) return;
+    ChannelSlot& slot = m_slots[static_cast<std::size_t>(number)];
+    slot.title.clear();
+    slot.unit.clear();
+    Resume([&] { slot.title = block.ChannelTitle(channel); });
+    if (slot.title.empty()) slot.title = m_services.Text(IDS_CHANNEL) + u' ' + Decimal(number + 1);
+    Resume([&] { slot.unit = block.ChannelUnit(channel); });
+}
+
+void BlockLoader::LoadMarks() {
+    Resume([&] { m_block.markCount = m_block.block->MarkCount(); });
+    if (m_block.markCount < 1) {
+        m_block.markCount = 0;
+        return;
+    }
+    m_block.marks.resize(static_cast<std::size_t>(m_block.markCount));
+    for (std::int32_t mark = 1; mark <= m_block.markCount; ++mark) {
+        BlockMark& entry = m_block.marks[static_cast<std::size_t>(mark) - 1];
+        Resume([&] { entry.position = m_block.block->MarkPosition(mark); });
+        Resume([&] { entry.text = m_block.block->MarkText(mark); });
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "nsp/RunReducer.h"
+
+/// The contract between the viewer and the core library that opens, describes and reads recordings.
+///
+/// Numbers: block, channel and mark numbers count from 1, sample indexes from 0. Dates are automation dates (days since
+/// 30 December 1899 00:00, the time of day as the fraction). Every operation may throw an exception derived from
+/// std::exception; OpenRecording alone answers false instead. Everything is called from one thread.
+namespace quillon {
+
+/// The two extremes of one run of samples, in the order in which they are drawn: the one that occurs first in the run
+/// comes first; the maximum comes first when both are the same sample.
+using RunExtremes = nsp::ExtremePair;
+
+/// One block: a stretch of simultaneous sampling of up to 32 acquisition channels at one rate.
+/// The physical value of a sample is code x ChannelScale + ChannelOffset, in the channel's unit.
+class RecordingBlock {
+  public:
+    virtual ~RecordingBlock() = default;
+
+    /// May be empty.
+    [[nodiscard]] virtual std::u16string Title() const = 0;
+    /// Date of the first sample.
+    [[nodiscard]] virtual double StartTime() const = 0;
+    /// Samples per second and channel.
+    [[nodiscard]] virtual double SampleRate() const = 0;
+    /// Samples per channel.
+    [[nodiscard]] virtual std::int32_t SampleCount() const = 0;
+    [[nodiscard]] virtual std::int16_t ChannelCount() const = 0;
+    /// Acquisition channel number, 0 to 31, unique in the block.
+    [[nodiscard]] virtual std::int16_t ChannelNumber(std::int16_t channel) const = 0;
+    /// May be empty.
+    [[nodiscard]] virtual std::u16string ChannelTitle(std::int16_t channel) const = 0;
+    [[nodiscard]] virtual std::u16string ChannelUnit(std::int16_t channel) const = 0;
+    [[nodiscard]] virtual float ChannelScale(std::int16_t channel) const = 0;
+    [[nodiscard]] virtual float ChannelOffset(std::int16_t channel) const = 0;
+    /// Fills buffer[0 .. count-1] with the codes of samples first .. first+count-1, which must lie inside the block.
+    /// Returns 0. Cheap at any first sample.
+    virtual std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
+                                   std::int16_t* buffer) = 0;
+    /// The same samples as values: float(code) x scale + offset in single precision.
+    virtual std::int32_t ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) = 0;
+    [[nodiscard]] virtual std::int32_t MarkCount() const = 0;
+    /// Sample index, 0 to SampleCount-1.
+    [[nodiscard]] virtual std::int32_t MarkPosition(std::int32_t mark) const = 0;
+    [[nodiscard]] virtual std::u16string MarkText(std::int32_t mark) const = 0;
+
+    // What the exporters, the sound and the drawing need beyond the above.
+
+    /// Name of the acquisition device; may be empty.
+    [[nodiscard]] virtual std::u16string DeviceName() const = 0;
+    /// Name of the block for exported files; may be empty.
+    [[nodiscard]] virtual std::u16string BlockName() const = 0;
+    /// Number of the channel's input on the device, counted from 1.
+    [[nodiscard]] virtual std::int16_t InputNumber(std::int16_t channel) const = 0;
+    /// Fills buffer[0 .. count*ChannelCount-1] with frames: one code of every channel, in channel order, per sample.
+    virtual std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) = 0;
+    /// True when the samples are stored as frames, so that ReadFrames is the cheap order; false when the samples of one
+    /// channel lie together, so that ReadCodes is.
+    [[nodiscard]] virtual bool FramesAreCheap() const = 0;
+    /// Extremes of consecutive runs for several channels in one pass over the stored data.
+    /// Samples first .. first+count-1 are cut into runs of `run` samples, the last one shorter where count is no multiple.
+    /// out[i] points to room for ceil(count / run) results of channels[i]. Returns false, with nothing written, where the
+    /// block has no faster way than ReadCodes. The results equal those of reading every run with ReadCodes.
+    virtual bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
+                                std::int32_t run, std::span<RunExtremes* const> out) = 0;
+};
+
+/// One open recording file.
+class Recording {
+  public:
+    virtual ~Recording() = default;
+    /// Full path of the file.
+    [[nodiscard]] virtual std::u16string FileName() const = 0;
+    /// What kind of file it is and anything odd about it, as one line for the user.
+    [[nodiscard]] virtual std::u16string FileInfo() const = 0;
+    [[nodiscard]] virtual std::int16_t BlockCount() const = 0;
+    /// Throws std::out_of_range for a number outside 1 .. BlockCount.
+    [[nodiscard]] virtual std::shared_ptr<RecordingBlock> GetBlock(std::int16_t number) = 0;
+};
+
+/// Opens recordings; one instance lives as long as the process.
+class RecordingLibrary {
+  public:
+    virtual ~RecordingLibrary() = default;
+    /// On failure returns false, leaves `recording` empty and keeps the reason for LastErrorText.
+    virtual bool OpenRecording(const std::u16string& fileName, std::shared_ptr<Recording>& recording) = 0;
+    /// Closes the file and empties the reference.
+    virtual void CloseRecording(std::shared_ptr<Recording>& recording) = 0;
+    /// Reason of the last failed OpenRecording: what is wrong and where, in the user's language.
+    [[nodiscard]] virtual std::u16string LastErrorText() const = 0;
+    /// Number n of specific file types.
+    [[nodiscard]] virtual std::int32_t FileTypeCount() const = 0;
+    /// Display name of type 0 .. n; 0 stands for all supported types.
+    [[nodiscard]] virtual std::u16string FileTypeName(std::int32_t index) const = 0;
+    /// Wildcard patterns of type 0 .. n, separated by semicolons.
+    [[nodiscard]] virtual std::u16string FileTypeMask(std::int32_t index) const = 0;
+};
+
+}  // namespace quillon

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace quillon {
+
+/// All that the portable core needs of the user's side: the window implements it, tests record.
+class UserServices {
+  public:
+    virtual ~UserServices() = default;
+    /// A message box with the exclamation icon.
+    virtual void ShowMessage(const std::u16string& text) = 0;
+    /// Text of the status bar's panel "Status".
+    virtual void SetStatus(const std::u16string& text) = 0;
+    /// Localised string of base/StringIds.h; empty when there is none of that number.
+    [[nodiscard]] virtual std::u16string Text(int id) const = 0;
+    /// Hours, minutes and seconds of an automation date in the system's long time format.
+    [[nodiscard]] virtual std::u16string LongTime(double date) const = 0;
+    /// Short date, a blank, long time in the system's formats.
+    [[nodiscard]] virtual std::u16string DateAndTime(double date) const = 0;
+};
+
+}  // namespace quillon

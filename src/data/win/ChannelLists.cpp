@@ -1,0 +1,105 @@
+#include "data/win/ChannelLists.h"
+
+namespace quillon {
+
+void BlockList::Attach(HWND list) {
+    m_list = list;
+    const int tabStop = 90;  // in quarters of a character's width
+    SendPointer(m_list, LB_SETTABSTOPS, 1, &tabStop);
+}
+
+int BlockList::Count() const {
+    return static_cast<int>(SendMessageW(m_list, LB_GETCOUNT, 0, 0));
+}
+
+void BlockList::Remove(int position) const {
+    SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
+}
+
+void BlockList::Set(int position, const std::wstring& text) const {
+    const int selected = Selected();
+    if (position < Count()) SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
+    SendPointer(m_list, LB_INSERTSTRING, static_cast<WPARAM>(position), text.c_str());
+    if (selected == position) Select(position);
+}
+
+int BlockList::Selected() const {
+    return static_cast<int>(SendMessageW(m_list, LB_GETCURSEL, 0, 0));
+}
+
+void BlockList::Select(int position) const {
+    SendMessageW(m_list, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+}
+
+std::wstring BlockList::Text(int position) const {
+    const LRESULT length = SendMessageW(m_list, LB_GETTEXTLEN, static_cast<WPARAM>(position), 0);
+    if (length < 0) return {};
+    std::wstring text(static_cast<std::size_t>(length), L'\0');
+    SendPointer(m_list, LB_GETTEXT, static_cast<WPARAM>(position), text.data());
+    return text;
+}
+
+void ChannelList::Attach(HWND list, ImageList colors, int dpi) {
+    m_list = list;
+    m_colors = std::move(colors);
+    m_dpi = dpi;
+    ListView_SetExtendedListViewStyle(list, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
+    ListView_SetImageList(list, m_colors.Get(), LVSIL_SMALL);
+    LVCOLUMNW column{};
+    column.mask = LVCF_WIDTH | LVCF_SUBITEM;
+    column.cx = 100;
+    ListView_InsertColumn(list, 0, &column);
+    column.iSubItem = 1;
+    ListView_InsertColumn(list, 1, &column);
+}
+
+void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
+    m_filling = true;
+    SendMessageW(m_list, WM_SETREDRAW, FALSE, 0);
+    ListView_DeleteAllItems(m_list);
+    for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
+        const std::int16_t number = block.channelNumbers[at];
+        const bool hasSlot = number >= 0 && number < kSlotCount;
+        const ChannelSlot slot = hasSlot ? slots[static_cast<std::size_t>(number)] : ChannelSlot{{}, {}, false};
+        std::wstring title = Wide(slot.title);
+        LVITEMW item{};
+        item.mask = LVIF_TEXT | LVIF_IMAGE;
+        item.iItem = static_cast<int>(at);
+        item.iImage = number >= 0 ? number % ImageList_GetImageCount(m_colors.Get()) : 0;
+        item.pszText = title.data();
+        ListView_InsertItem(m_list, &item);
+        std::wstring unit = Wide(slot.unit);
+        LVITEMW detail{};
+        detail.mask = LVIF_TEXT;
+        detail.iItem = item.iItem;
+        detail.iSubItem = 1;
+        detail.pszText = unit.data();
+        ListView_SetItem(m_list, &detail);
+        ListView_SetCheckState(m_list, item.iItem, slot.shown);
+    }
+    FitColumns();
+    SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(m_list, nullptr, TRUE);
+    m_filling = false;
+}
+
+void ChannelList::FitColumns() const {
+    RECT client{};
+    GetClientRect(m_list, &client);
+    const int unit = MulDiv(56, m_dpi, 96);
+    const int width = static_cast<int>(client.right);
+    ListView_SetColumnWidth(m_list, 0, width > 2 * unit ? width - unit : width / 2);
+    ListView_SetColumnWidth(m_list, 1, width > 2 * unit ? unit : width / 2);
+}
+
+bool ChannelList::IsChecked(int item) const {
+    return ListView_GetCheckState(m_list, item) != 0;
+}
+
+void ChannelList::Check(int item, bool checked) {
+    m_filling = true;
+    ListView_SetCheckState(m_list, item, checked);
+    m_filling = false;
+}
+
+}  // namespace quillon

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <string>
+
+#include "app/win/Win32.h"
+#include "app/win/WinHandle.h"
+#include "data/QL_Types.h"
+
+namespace quillon {
+
+/// The list of blocks: one line per block, its text and its number in a second column.
+class BlockList {
+  public:
+    void Attach(HWND list);
+    [[nodiscard]] int Count() const;
+    void Remove(int position) const;
+    /// Rewrites a line in place, keeping the selection, or adds it at the end.
+    void Set(int position, const std::wstring& text) const;
+    [[nodiscard]] int Selected() const;
+    void Select(int position) const;
+    [[nodiscard]] std::wstring Text(int position) const;
+
+  private:
+    HWND m_list = nullptr;
+};
+
+/// The list of the block's channels, each with a check box that mirrors the slot's Shown flag, the colour of its trace as
+/// icon, its title and its unit.
+class ChannelList {
+  public:
+    /// `colors` holds one icon per trace colour.
+    void Attach(HWND list, ImageList colors, int dpi);
+    /// One line per channel of the block, in block order.
+    void Fill(const ViewBlock& block, const ChannelSlots& slots);
+    void FitColumns() const;
+    [[nodiscard]] bool IsChecked(int item) const;
+    /// Sets a check box without a change notification.
+    void Check(int item, bool checked);
+    /// True while this object itself changes the list, so that its notifications say nothing new.
+    [[nodiscard]] bool Filling() const { return m_filling; }
+
+  private:
+    HWND m_list = nullptr;
+    ImageList m_colors;
+    int m_dpi = 96;
+    bool m_filling = false;
+};
+
+}  // namespace quillon

@@ -1,0 +1,170 @@
+#include "data/win/FileBrowser.h"
+
+#include <algorithm>
+
+#include "app/win/WinHandle.h"
+#include "data/FileFilter.h"
+
+namespace quillon {
+
+namespace {
+
+std::wstring WithBackslash(std::wstring folder) {
+    if (folder.empty() || folder.back() != L'\\') folder.push_back(L'\\');
+    return folder;
+}
+
+/// Absolute form without a trailing backslash, except for the root of a drive.
+std::wstring Normal(const std::wstring& folder) {
+    std::wstring full(32768, L'\0');
+    const DWORD length = GetFullPathNameW(folder.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    full.resize(length < full.size() ? length : 0);
+    while (full.size() > 3 && full.back() == L'\\') full.pop_back();
+    return full;
+}
+
+bool LessName(const std::wstring& a, const std::wstring& b) {
+    return CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE | SORT_STRINGSORT, a.c_str(), -1, b.c_str(), -1) ==
+           CSTR_LESS_THAN;
+}
+
+/// Suspends painting of a list while it is filled.
+class FillScope {
+  public:
+    explicit FillScope(HWND list) : m_list(list) { SendMessageW(list, WM_SETREDRAW, FALSE, 0); }
+    ~FillScope() {
+        SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
+        InvalidateRect(m_list, nullptr, TRUE);
+    }
+    FillScope(const FillScope&) = delete;
+    FillScope& operator=(const FillScope&) = delete;
+
+  private:
+    HWND m_list;
+};
+
+}  // namespace
+
+void FileBrowser::Attach(HWND drives, HWND folders, HWND files) {
+    m_drives = drives;
+    m_folders = folders;
+    m_files = files;
+    wchar_t roots[512] = {};
+    GetLogicalDriveStringsW(511, roots);
+    for (const wchar_t* root = roots; *root != L'\0'; root += lstrlenW(root) + 1) {
+        const std::wstring drive = {static_cast<wchar_t>(towupper(root[0])), L':'};
+        SendPointer(m_drives, CB_ADDSTRING, 0, drive.c_str());
+    }
+}
+
+bool FileBrowser::Read(const std::wstring& folder, Names& names) {
+    WIN32_FIND_DATAW found{};
+    const FindHandle search(FindFirstFileW((WithBackslash(folder) + L"*").c_str(), &found));
+    if (!search) return false;
+    do {
+        const std::wstring name = found.cFileName;
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0 || name == L"." || name == L"..") continue;
+        const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+        (isFolder ? names.folders : names.files).push_back(name);
+    } while (FindNextFileW(search.Get(), &found));
+    std::sort(names.folders.begin(), names.folders.end(), LessName);
+    std::sort(names.files.begin(), names.files.end(), LessName);
+    return true;
+}
+
+bool FileBrowser::ShowFolder(const std::wstring& folder) {
+    const std::wstring normal = Normal(folder);
+    Names names;
+    if (normal.empty() || !Read(normal, names)) return false;
+    m_folder = normal;
+    ShowDrive();
+    FillFolders(names.folders);
+    FillFiles(names.files, {});
+    return true;
+}
+
+void FileBrowser::ShowDrive() const {
+    const std::wstring drive = {static_cast<wchar_t>(towupper(m_folder[0])), L':'};
+    const LRESULT position = SendPointer(m_drives, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), drive.c_str());
+    SendMessageW(m_drives, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+}
+
+void FileBrowser::FillFolders(const std::vector<std::wstring>& subfolders) {
+    const FillScope fill(m_folders);
+    SendMessageW(m_folders, LB_RESETCONTENT, 0, 0);
+    m_folderPaths.clear();
+    int depth = 0;
+    const auto add = [&](const std::wstring& name, const std::wstring& path) {
+        const std::wstring line = std::wstring(static_cast<std::size_t>(3 * depth), L' ') + name;
+        SendPointer(m_folders, LB_ADDSTRING, 0, line.c_str());
+        m_folderPaths.push_back(path);
+    };
+    // The way from the drive to the folder, one level deeper line by line, then what lies in the folder.
+    std::size_t start = 0;
+    while (start < m_folder.size()) {
+        std::size_t end = m_folder.find(L'\\', start);
+        if (end == std::wstring::npos) end = m_folder.size();
+        const std::size_t length = start == 0 ? std::min<std::size_t>(end + 1, m_folder.size()) : end;
+        add(m_folder.substr(start, length - start), m_folder.substr(0, length));
+        ++depth;
+        start = end + 1;
+    }
+    SendMessageW(m_folders, LB_SETCURSEL, m_folderPaths.size() - 1, 0);
+    for (const std::wstring& name : subfolders) add(name, WithBackslash(m_folder) + name);
+    const auto top = static_cast<std::ptrdiff_t>(m_folderPaths.size() - subfolders.size()) - 2;
+    SendMessageW(m_folders, LB_SETTOPINDEX, static_cast<WPARAM>(std::max<std::ptrdiff_t>(top, 0)), 0);
+}
+
+void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected) const {
+    const FillScope fill(m_files);
+    SendMessageW(m_files, LB_RESETCONTENT, 0, 0);
+    for (const std::wstring& name : names) {
+        if (!MatchesMask(Narrow16(name), m_pattern)) continue;
+        const LRESULT position = SendPointer(m_files, LB_ADDSTRING, 0, name.c_str());
+        if (name == selected) SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+    }
+}
+
+void FileBrowser::SetPattern(const std::u16string& pattern) {
+    m_pattern = pattern;
+    if (!m_folder.empty()) Refresh();
+}
+
+void FileBrowser::Refresh() {
+    Names names;
+    if (!Read(m_folder, names)) names = {};
+    const std::wstring selected = SelectedFile();
+    FillFolders(names.folders);
+    FillFiles(names.files, selected);
+}
+
+int FileBrowser::FileCount() const {
+    return static_cast<int>(SendMessageW(m_files, LB_GETCOUNT, 0, 0));
+}
+
+std::wstring FileBrowser::SelectedFile() const {
+    const LRESULT position = SendMessageW(m_files, LB_GETCURSEL, 0, 0);
+    if (position == LB_ERR) return {};
+    const LRESULT length = SendMessageW(m_files, LB_GETTEXTLEN, static_cast<WPARAM>(position), 0);
+    std::wstring name(static_cast<std::size_t>(std::max<LRESULT>(length, 0)), L'\0');
+    SendPointer(m_files, LB_GETTEXT, static_cast<WPARAM>(position), name.data());
+    return name;
+}
+
+void FileBrowser::SelectFile(int position) const {
+    SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+}
+
+std::wstring FileBrowser::ChosenDrive() const {
+    const LRESULT position = SendMessageW(m_drives, CB_GETCURSEL, 0, 0);
+    wchar_t drive[16] = {};
+    if (position != CB_ERR) SendPointer(m_drives, CB_GETLBTEXT, static_cast<WPARAM>(position), drive);
+    return std::wstring(drive) + L'\\';
+}
+
+std::wstring FileBrowser::ChosenFolder() const {
+    const LRESULT position = SendMessageW(m_folders, LB_GETCURSEL, 0, 0);
+    return position == LB_ERR ? m_folder : m_folderPaths[static_cast<std::size_t>(position)];
+}
+
+}  // namespace quillon

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/win/Win32.h"
+
+namespace quillon {
+
+/// The drive, folder and file lists: a folder that they all show, and the names in it.
+/// The controls belong to the window that made them; this fills and reads them.
+class FileBrowser {
+  public:
+    void Attach(HWND drives, HWND folders, HWND files);
+
+    /// Shows a folder in all three lists; false, with the lists as they were, when it cannot be read.
+    bool ShowFolder(const std::wstring& folder);
+    /// With a trailing backslash only for the root of a drive; empty before the first ShowFolder.
+    [[nodiscard]] const std::wstring& Folder() const { return m_folder; }
+
+    /// Wildcard patterns of the files listed.
+    void SetPattern(const std::u16string& pattern);
+    [[nodiscard]] const std::u16string& Pattern() const { return m_pattern; }
+
+    /// Reads the folder again; the selected file stays selected when it is still there.
+    void Refresh();
+
+    [[nodiscard]] int FileCount() const;
+    /// Name of the selected file, empty when none is.
+    [[nodiscard]] std::wstring SelectedFile() const;
+    void SelectFile(int position) const;
+
+    /// Folder of the drive chosen in the drive list, and of the line of the folder list: where a choice there leads.
+    [[nodiscard]] std::wstring ChosenDrive() const;
+    [[nodiscard]] std::wstring ChosenFolder() const;
+    /// Puts the drive list back on the drive of the shown folder.
+    void ShowDrive() const;
+
+  private:
+    struct Names {
+        std::vector<std::wstring> folders;
+        std::vector<std::wstring> files;
+    };
+    [[nodiscard]] static bool Read(const std::wstring& folder, Names& names);
+    void FillFolders(const std::vector<std::wstring>& subfolders);
+    void FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected) const;
+
+    HWND m_drives = nullptr;
+    HWND m_folders = nullptr;
+    HWND m_files = nullptr;
+    std::wstring m_folder;
+    std::u16string m_pattern = u"*.*";
+    std::vector<std::wstring> m_folderPaths;  ///< full path of every line of the folder list
+};
+
+}  // namespace quillon

@@ -1,0 +1,71 @@
+#include "view/AmplitudeScale.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "base/Rounding.h"
+
+namespace quillon {
+
+namespace {
+
+/// Shifts beyond this many rows are of no use and would overflow when rows are added up.
+constexpr std::int32_t kFarthest = 1 << 28;
+
+std::int32_t Rows(double value) {
+    return RoundHalfEven(std::clamp(value, -static_cast<double>(kFarthest), static_cast<double>(kFarthest)));
+}
+
+}  // namespace
+
+float AmplitudeScale::TableEntry(int index) {
+    constexpr std::array<std::int32_t, kScaleCount> thousandths{1000000, 500000, 200000, 100000, 50000, 20000, 10000,
+                                                                5000,    2000,   1000,   500,    200,   100,   50,
+                                                                20,      10,     5,      2,      1};
+    return static_cast<float>(thousandths[static_cast<std::size_t>(index)] / 1000.0);
+}
+
+void AmplitudeScale::SetGraph(std::int32_t height, std::int32_t centreLine) {
+    m_height = height;
+    m_centreLine = centreLine;
+}
+
+void AmplitudeScale::ZoomY(int step) {
+    SelectScale(m_index + step);
+}
+
+void AmplitudeScale::SelectScale(int index) {
+    const double value = static_cast<double>(UnitsPerDivision()) * m_shift / kDivision;
+    m_index = std::clamp(index, 0, kScaleCount - 1);
+    m_shift = Rows(value / static_cast<double>(UnitsPerDivision()) * kDivision);
+}
+
+void AmplitudeScale::MoveBaseLine(std::int32_t rows) {
+    m_shift = std::clamp(m_shift + rows, -kFarthest, kFarthest);
+}
+
+void AmplitudeScale::FindData(const std::optional<ValueRange>& range) {
+    if (!range || !(range->maximum > range->minimum)) {
+        m_shift = 0;
+        return;
+    }
+    const double span = static_cast<double>(range->maximum) - static_cast<double>(range->minimum);
+    const int divisions = (m_height - 2) / kDivision;
+    int index = kScaleCount - 1;
+    while (index > 0 && static_cast<double>(TableEntry(index)) * divisions < span) --index;
+    m_index = index;
+    const double middle = (static_cast<double>(range->maximum) + static_cast<double>(range->minimum)) / 2.0;
+    m_shift = Rows(middle * kDivision / static_cast<double>(UnitsPerDivision()));
+    m_shift = Rows(m_height / 2.0 - m_centreLine + m_shift);
+}
+
+bool AmplitudeScale::Shows(const ValueRange& range) const {
+    constexpr double leastRows = 8.0;
+    const double rowsPerUnit = kDivision / static_cast<double>(UnitsPerDivision());
+    const double top = ZeroRow() - static_cast<double>(range.maximum) * rowsPerUnit;
+    const double bottom = ZeroRow() - static_cast<double>(range.minimum) * rowsPerUnit;
+    return bottom - top >= leastRows && bottom > 0 && top < m_height && bottom - top < 8.0 * m_height;
+}
+
+}  // namespace quillon

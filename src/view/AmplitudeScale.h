@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace quillon {
+
+/// Smallest and largest physical value of some samples.
+struct ValueRange {
+    float minimum = 0.0F;
+    float maximum = 0.0F;
+};
+
+/// How many physical units one vertical division stands for, and where the zero level lies.
+class AmplitudeScale {
+  public:
+    static constexpr int kScaleCount = 19;         ///< 1000, 500, 200, ... 0.002, 0.001 units per division
+    static constexpr std::int32_t kDivision = 40;  ///< pixels of one division
+
+    /// Units per division of a table index, 0 .. kScaleCount-1.
+    [[nodiscard]] static float TableEntry(int index);
+
+    /// Height of the graph and the row of its middle, in pixels.
+    void SetGraph(std::int32_t height, std::int32_t centreLine);
+
+    [[nodiscard]] int Index() const { return m_index; }
+    [[nodiscard]] float UnitsPerDivision() const { return TableEntry(m_index); }
+    /// Pixels by which the zero level lies below the centre line.
+    [[nodiscard]] std::int32_t Shift() const { return m_shift; }
+    [[nodiscard]] std::int32_t ZeroRow() const { return m_centreLine + m_shift; }
+    [[nodiscard]] std::int32_t Height() const { return m_height; }
+
+    /// Steps to a finer (+) or coarser (-) scale and keeps the value of the base line where it is; the index stops at the
+    /// table's ends.
+    void ZoomY(int step);
+    /// Takes a scale of the table; the value of the base line stays where it is too.
+    void SelectScale(int index);
+    void SetBipolar() { m_shift = 0; }
+    /// Moves the zero level by rows.
+    void MoveBaseLine(std::int32_t rows);
+    /// Chooses the finest scale at which the range fits the graph and centres the range. No range, or one whose maximum
+    /// is not above its minimum, only sets the zero level to the centre line.
+    void FindData(const std::optional<ValueRange>& range);
+    /// Whether a range is legible at the present scale: some rows high and not outside the graph.
+    [[nodiscard]] bool Shows(const ValueRange& range) const;
+
+  private:
+    int m_index = 0;
+    std::int32_t m_shift = 0;
+    std::int32_t m_height = 1;
+    std::int32_t m_centreLine = 0;
+};
+
+}  // namespace quillon

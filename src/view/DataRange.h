@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+
+#include "data/QL_Types.h"
+#include "view/AmplitudeScale.h"
+#include "view/TimeAxis.h"
+
+namespace quillon {
+
+/// The range that stands for the data when raw codes are shown: every code, 1000 to a unit.
+inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
+
+/// Smallest and largest value of the shown channels over a range of samples; none where there is nothing to be read.
+[[nodiscard]] std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& slots,
+                                                const VisibleRange& samples);
+
+}  // namespace quillon

@@ -1,0 +1,113 @@
+#include "view/QL_ChUtils.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+
+#include "nsp/NspExtrema.h"
+
+namespace quillon {
+
+namespace {
+
+RunExtremes ExtremesOf(const std::int16_t* samples, std::int32_t count) {
+    int maximumAt = 0;
+    int minimumAt = 0;
+    const std::int16_t maximum = nsp::nspwMaxExt(samples, count, &maximumAt);
+    const std::int16_t minimum = nsp::nspwMinExt(samples, count, &minimumAt);
+    return minimumAt < maximumAt ? RunExtremes{minimum, maximum} : RunExtremes{maximum, minimum};
+}
+
+void AddRun(std::vector<TracePoint>& points, RunExtremes run) {
+    const auto x = static_cast<std::int32_t>(points.size());
+    points.push_back({x, run.first});
+    points.push_back({x + 1, run.second});
+}
+
+std::int32_t RunCount(std::int32_t count, std::int32_t samplesPerPixel) {
+    return (count - 1 + samplesPerPixel - 1) / samplesPerPixel;
+}
+
+}  // namespace
+
+std::uint32_t TraceColor(std::int16_t channelNumber) {
+    // Eight hues that stay apart for people with red or green colour blindness, then the same ones darker.
+    // Each has a contrast of at least 3 to 1 on white.
+    constexpr std::array<std::uint32_t, kTraceColors> colors{
+        0x0072B2, 0xD55E00, 0x00875A, 0xB8478F, 0x2B8CC4, 0xA87400, 0x555555, 0x6A51D0,
+        0x004A74, 0x8A3D00, 0x00573A, 0x772E5D, 0x1C5B80, 0x6D4B00, 0x202020, 0x453587,
+    };
+    return colors[static_cast<std::size_t>(channelNumber) % kTraceColors];
+}
+
+std::vector<std::int16_t> ShownChannels(const ViewBlock& block, const ChannelSlots& slots) {
+    std::vector<std::int16_t> shown;
+    for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
+        const std::int16_t number = block.channelNumbers[at];
+        if (number >= 0 && number < kSlotCount && slots[static_cast<std::size_t>(number)].shown) {
+            shown.push_back(static_cast<std::int16_t>(at + 1));
+        }
+    }
+    return shown;
+}
+
+std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::int32_t first, std::int32_t count,
+                              std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
+                              std::vector<TracePoint>& points) {
+    points.clear();
+    if (count < 1) return 0;
+    work.resize(static_cast<std::size_t>(count));
+    block.ReadCodes(channel, first, count, work.data());
+    points.push_back({0, work[0]});
+    if (samplesPerPixel > 2) {
+        std::int32_t at = 1;
+        for (; at <= count - samplesPerPixel; at += samplesPerPixel) {
+            AddRun(points, ExtremesOf(work.data() + at, samplesPerPixel));
+        }
+        if (at < count) AddRun(points, ExtremesOf(work.data() + at, count - at));
+    } else {
+        for (std::int32_t at = 1; at < count; ++at) points.push_back({at, work[static_cast<std::size_t>(at)]});
+    }
+    return work.back();
+}
+
+bool TraceReader::ReadExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                               std::int32_t count, std::int32_t samplesPerPixel) {
+    const auto runs = static_cast<std::size_t>(RunCount(count, samplesPerPixel));
+    m_extremes.resize(runs * channels.size());
+    m_targets.resize(channels.size());
+    for (std::size_t at = 0; at < channels.size(); ++at) m_targets[at] = m_extremes.data() + at * runs;
+    if (!block.ColumnExtremes(channels, first + 1, count - 1, samplesPerPixel, m_targets)) return false;
+    for (std::size_t at = 0; at < channels.size(); ++at) {
+        std::vector<TracePoint>& points = m_points[at];
+        std::int16_t start = 0;
+        block.ReadCodes(channels[at], first, 1, &start);
+        points.clear();
+        points.reserve(1 + 2 * runs);
+        points.push_back({0, start});
+        for (std::size_t run = 0; run < runs; ++run) AddRun(points, m_targets[at][run]);
+    }
+    return true;
+}
+
+void TraceReader::Read(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                       std::int32_t count, std::int32_t samplesPerPixel) {
+    m_used = channels.size();
+    if (m_points.size() < m_used) m_points.resize(m_used);
+    for (std::size_t at = 0; at < m_used; ++at) m_points[at].clear();
+    if (count < 1 || channels.empty()) return;
+    try {
+        if (samplesPerPixel > 2 && count > 1 && ReadExtremes(block, channels, first, count, samplesPerPixel)) return;
+    } catch (const std::exception&) {
+        // A stretch of the data cannot be read: channel by channel, those that can be are still drawn.
+    }
+    for (std::size_t at = 0; at < m_used; ++at) {
+        try {
+            DrawChannelTrace(block, channels[at], first, count, samplesPerPixel, m_samples, m_points[at]);
+        } catch (const std::exception&) {
+            m_points[at].clear();
+        }
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "data/NorvikCore.h"
+#include "data/QL_Types.h"
+
+namespace quillon {
+
+/// A point of a trace in logical units. x is the sample's index when every sample is a point of its own (1 or 2 samples
+/// per pixel column), else two units per pixel column; y is the code.
+struct TracePoint {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    friend bool operator==(const TracePoint&, const TracePoint&) = default;
+};
+
+/// Number of colours of the traces; channel number n is drawn in colour n mod kTraceColors.
+inline constexpr int kTraceColors = 16;
+/// Colour as 0xRRGGBB of a channel number.
+[[nodiscard]] std::uint32_t TraceColor(std::int16_t channelNumber);
+
+/// Positions in the block (from 1) of the channels to be drawn, in block order: those whose slot is shown.
+[[nodiscard]] std::vector<std::int16_t> ShownChannels(const ViewBlock& block, const ChannelSlots& slots);
+
+/// Computes the points of a channel's trace over samples first .. first+count-1 (from 0) by reading every one of them, and
+/// returns the last sample. With more than 2 samples per pixel each further pixel column gets the two extremes of its run
+/// of samples, in the order in which they occur (the maximum first when both are the same sample); sample `first` is the
+/// starting point. `work` and `points` are reused between calls. A count below 1 gives no points.
+std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::int32_t first, std::int32_t count,
+                              std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
+                              std::vector<TracePoint>& points);
+
+/// The same points for several channels. Where the block can reduce them in one pass over its data this reads it once for
+/// all channels, else channel by channel with DrawChannelTrace. A channel that cannot be read gets no points.
+class TraceReader {
+  public:
+    /// points() then holds one list per entry of `channels`.
+    void Read(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
+              std::int32_t samplesPerPixel);
+    [[nodiscard]] std::span<const std::vector<TracePoint>> points() const { return {m_points.data(), m_used}; }
+
+  private:
+    bool ReadExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                      std::int32_t count, std::int32_t samplesPerPixel);
+
+    std::vector<std::vector<TracePoint>> m_points;  ///< grows to the most channels ever drawn; buffers are reused
+    std::size_t m_used = 0;
+    std::vector<std::int16_t> m_samples;
+    std::vector<RunExtremes> m_extremes;
+    std::vector<RunExtremes*> m_targets;
+};
+
+}  // namespace quillon

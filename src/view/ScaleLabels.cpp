@@ -1,0 +1,88 @@
+#include "view/ScaleLabels.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "base/Rounding.h"
+#include "base/Text.h"
+
+namespace quillon {
+
+namespace {
+
+/// A number rounded to some decimals and written without trailing zeros.
+std::u16string Rounded(double value, int decimals) {
+    const double power = std::pow(10.0, decimals);
+    const double rounded = std::nearbyint(value * power) / power;
+    return ShortestDecimal(rounded == 0.0 ? 0.0 : rounded);
+}
+
+/// Values nearer to zero than this are the rounding of a zero label.
+constexpr double kZero = 1e-6;
+
+std::u16string AmplitudeText(double value, double step, bool rawCodes) {
+    constexpr int decimals = 3;
+    if (std::fabs(value) < kZero) value = 0.0;
+    if (!rawCodes || step < 100.0) return Rounded(value, rawCodes ? 0 : decimals);
+    const bool mega = step >= 100000.0;
+    return Rounded(value / (mega ? 1e6 : 1e3), decimals) + (mega ? u" M" : u" k");
+}
+
+}  // namespace
+
+std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block) {
+    std::vector<ScaleLabel> labels;
+    if (block.sampleCount <= 0 || !(block.sampleRate > 0.0)) return labels;
+    constexpr int decimals = 6;
+    const std::int64_t division = TimeAxis::kDivision;
+    std::int64_t column = axis.FirstColumn() / division * division;
+    for (; column < std::int64_t{axis.FirstColumn()} + axis.Width(); column += division) {
+        const double seconds = static_cast<double>(column * axis.SamplesPerPixel()) / block.sampleRate;
+        labels.push_back({static_cast<std::int32_t>(column - axis.FirstColumn()), Rounded(seconds, decimals)});
+    }
+    return labels;
+}
+
+std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes) {
+    constexpr std::int32_t division = AmplitudeScale::kDivision;
+    const double step = static_cast<double>(scale.UnitsPerDivision()) * (rawCodes ? 1000.0 : 1.0);
+    // The label rows are anchored on the zero row; n counts divisions above it.
+    std::int64_t n = RoundHalfEven(static_cast<double>(scale.ZeroRow()) / division + 0.5);
+    std::int64_t row = scale.ZeroRow() + 1 - division * n;
+    for (; row > 0; row -= division) ++n;
+    for (; row < -division; row += division) --n;
+    std::vector<ScaleLabel> labels;
+    for (; row < scale.Height() + division; row += division, --n) {
+        labels.push_back({static_cast<std::int32_t>(row), AmplitudeText(static_cast<double>(n) * step, step, rawCodes)});
+    }
+    return labels;
+}
+
+std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block) {
+    std::vector<MarkLine> lines;
+    const VisibleRange visible = axis.Visible();
+    for (std::size_t at = 0; at < block.marks.size(); ++at) {
+        const std::int32_t position = block.marks[at].position;
+        if (position + std::int64_t{1} < visible.first || position >= visible.last) continue;
+        lines.push_back({position / axis.SamplesPerPixel() - axis.FirstColumn(), 0, static_cast<std::int32_t>(at)});
+    }
+    std::stable_sort(lines.begin(), lines.end(),
+                     [](const MarkLine& a, const MarkLine& b) { return a.column < b.column; });
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        const std::int32_t end = at + 1 < lines.size() ? lines[at + 1].column : axis.Width();
+        lines[at].textWidth = end - lines[at].column;
+    }
+    return lines;
+}
+
+std::u16string ZoomCaption(int index) {
+    const std::int32_t perPixel = TimeAxis::TableEntry(index);
+    return perPixel < 1000 ? Decimal(perPixel) + u":1" : Decimal(perPixel / 1000) + u"k:1";
+}
+
+std::u16string ScaleCaption(int index) {
+    return Rounded(static_cast<double>(AmplitudeScale::TableEntry(index)), 3);
+}
+
+}  // namespace quillon

@@ -1,0 +1,97 @@
+#include "view/TimeAxis.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "base/Rounding.h"
+
+namespace quillon {
+
+namespace {
+
+std::int32_t ColumnsOf(std::int32_t samples, std::int32_t perPixel) {
+    return samples / perPixel + (samples % perPixel != 0 ? 1 : 0);
+}
+
+}  // namespace
+
+std::int32_t TimeAxis::TableEntry(int index) {
+    constexpr std::array<std::int32_t, 3> steps{1, 2, 5};
+    std::int32_t entry = steps[static_cast<std::size_t>(index % 3)];
+    for (int power = index / 3; power > 0; --power) entry *= 10;
+    return entry;
+}
+
+void TimeAxis::SetBlock(std::int32_t sampleCount) {
+    m_samples = std::max(sampleCount, 0);
+    m_length = ColumnsOf(m_samples, SamplesPerPixel());
+    m_first = 0;
+}
+
+void TimeAxis::SetWidth(std::int32_t pixels) {
+    m_width = std::max(pixels, 1);
+}
+
+VisibleRange TimeAxis::Visible() const {
+    const std::int64_t perPixel = SamplesPerPixel();
+    const std::int64_t first = m_first * perPixel + 1;
+    const std::int64_t last = std::min<std::int64_t>((std::int64_t{m_first} + m_width) * perPixel, m_samples);
+    if (last < first) return {};
+    return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
+}
+
+bool TimeAxis::SelectZoom(int index) {
+    if (index == m_zoom || index < 0 || index >= kZoomCount) return false;
+    const auto ratio = static_cast<float>(SamplesPerPixel()) / static_cast<float>(TableEntry(index));
+    const double middle = m_first + m_width / 2.0;
+    const bool sampleInMiddle = middle < m_length;
+    const double first = std::nearbyint(ratio * middle - m_width / 2.0);
+    m_zoom = index;
+    m_length = ColumnsOf(m_samples, SamplesPerPixel());
+    // Where no sample was in the middle there is none to keep there: the view then must not run past the strip's end.
+    const std::int32_t highest = sampleInMiddle ? m_length : std::max(m_length - m_width, 0);
+    m_first = static_cast<std::int32_t>(std::clamp(first, 0.0, static_cast<double>(highest)));
+    return true;
+}
+
+bool TimeAxis::MoveTo(std::int64_t column) {
+    const auto target = static_cast<std::int32_t>(std::clamp<std::int64_t>(column, 0, m_length));
+    if (target == m_first) return false;
+    m_first = target;
+    return true;
+}
+
+std::int32_t TimeAxis::ScrollBy(std::int32_t shift) {
+    if (!CanScroll()) return 0;
+    const std::int32_t old = m_first;
+    MoveTo(std::int64_t{m_first} + shift);
+    return m_first - old;
+}
+
+std::int32_t TimeAxis::PageShift(int command) const {
+    const std::int32_t page = m_width - m_width % kDivision;
+    switch (command) {
+        case 0: return -m_first;
+        case 1: return -page;
+        case 2: return page;
+        default: return m_length - m_first;
+    }
+}
+
+std::int32_t TimeAxis::ScrollValue() const {
+    if (m_length == 0) return 0;
+    const float share = static_cast<float>(m_first) / static_cast<float>(m_length);
+    return RoundHalfEven<std::int16_t>(static_cast<double>(share) * kScrollMax);
+}
+
+bool TimeAxis::SetScrollValue(std::int32_t value) {
+    return MoveTo(RoundHalfEven(static_cast<double>(m_length) * std::clamp(value, 0, kScrollMax) / kScrollMax));
+}
+
+std::int32_t TimeAxis::ScrollPage() const {
+    if (m_length <= m_width) return kScrollMax;
+    return std::max(RoundHalfEven(static_cast<double>(m_width) / m_length * kScrollMax), 1);
+}
+
+}  // namespace quillon

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quillon {
+
+/// Visible samples of a block, counted from 1; empty when last < first.
+struct VisibleRange {
+    std::int32_t first = 1;
+    std::int32_t last = 0;
+    [[nodiscard]] std::int32_t Count() const { return last < first ? 0 : last - first + 1; }
+};
+
+/// Which part of the block the graph shows and how many samples fall on one pixel column.
+///
+/// The whole block drawn at the current zoom is a strip of columns counted from 0; the graph shows the columns from
+/// FirstColumn on. FirstColumn stays within 0 .. StripLength.
+class TimeAxis {
+  public:
+    static constexpr int kZoomCount = 28;      ///< 1, 2, 5, 10, ... 1 000 000 000 samples per pixel
+    static constexpr int kMenuZoomCount = 11;  ///< the zooms offered: 1 to 2000 samples per pixel
+    static constexpr std::int32_t kDivision = 100;     ///< pixels of one grid division
+    static constexpr std::int32_t kScrollMax = 32767;  ///< the scroll bar's largest value
+
+    [[nodiscard]] static std::int32_t TableEntry(int index);
+
+    /// A newly loaded block: its first column is shown, the zoom stays.
+    void SetBlock(std::int32_t sampleCount);
+    void SetWidth(std::int32_t pixels);
+
+    [[nodiscard]] int ZoomIndex() const { return m_zoom; }
+    [[nodiscard]] std::int32_t SamplesPerPixel() const { return TableEntry(m_zoom); }
+    [[nodiscard]] std::int32_t FirstColumn() const { return m_first; }
+    [[nodiscard]] std::int32_t StripLength() const { return m_length; }
+    [[nodiscard]] std::int32_t Width() const { return m_width; }
+    [[nodiscard]] VisibleRange Visible() const;
+
+    /// Selects a zoom and keeps the sample at the middle of the graph where it is, as far as the strip allows.
+    /// False when nothing changes.
+    bool SelectZoom(int index);
+    /// Moves the view by columns, stopping at both ends of the strip; returns by how much it moved.
+    std::int32_t ScrollBy(std::int32_t shift);
+    /// Shift of a page command: 0 start, 1 previous page, 2 next page, 3 end. A page is a whole number of divisions.
+    [[nodiscard]] std::int32_t PageShift(int command) const;
+
+    /// The scroll bar's value for the current position: the position's share of the strip, 0 to kScrollMax.
+    [[nodiscard]] std::int32_t ScrollValue() const;
+    /// Moves the view to a scroll bar value; false when the position is the same.
+    bool SetScrollValue(std::int32_t value);
+    /// Size of the scroll bar's thumb in its own units, so that it shows the visible share.
+    [[nodiscard]] std::int32_t ScrollPage() const;
+    /// Whether there is anything to scroll.
+    [[nodiscard]] bool CanScroll() const { return m_length >= 2; }
+
+  private:
+    bool MoveTo(std::int64_t column);
+
+    std::int32_t m_samples = 0;
+    std::int32_t m_width = 1;
+    std::int32_t m_first = 0;
+    std::int32_t m_length = 0;
+    int m_zoom = 0;
+};
+
+}  // namespace quillon

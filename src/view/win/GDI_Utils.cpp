@@ -1,0 +1,52 @@
+#include "view/win/GDI_Utils.h"
+
+#include "view/QL_ChUtils.h"
+
+namespace quillon {
+
+int ScreenDpi() {
+    const WindowDC screen(nullptr);
+    return GetDeviceCaps(screen.Get(), LOGPIXELSX);
+}
+
+GdiFont MakeFont(int dpi, bool bold) {
+    LOGFONTW font{};
+    font.lfHeight = -MulDiv(11, dpi, 96);
+    font.lfWeight = bold ? FW_BOLD : FW_NORMAL;
+    font.lfCharSet = DEFAULT_CHARSET;
+    font.lfQuality = CLEARTYPE_QUALITY;
+    lstrcpynW(font.lfFaceName, L"Tahoma", LF_FACESIZE);
+    return GdiFont(CreateFontIndirectW(&font));
+}
+
+void FillWith(HDC dc, const RECT& rect, COLORREF color) {
+    // The background colour fills without an object to make and delete.
+    const COLORREF previous = SetBkColor(dc, color);
+    ExtTextOutW(dc, 0, 0, ETO_OPAQUE, &rect, nullptr, 0, nullptr);
+    SetBkColor(dc, previous);
+}
+
+void DrawTextAt(HDC dc, int x, int y, const std::u16string& text) {
+    const std::wstring wide = Wide(text);
+    ExtTextOutW(dc, x, y, 0, nullptr, wide.c_str(), static_cast<UINT>(wide.size()), nullptr);
+}
+
+ImageList MakeTraceIcons(int size) {
+    ImageList icons(ImageList_Create(size, size, ILC_COLOR32, kTraceColors, 0));
+    const WindowDC screen(nullptr);
+    const HDC dc = CreateCompatibleDC(screen.Get());
+    for (int color = 0; color < kTraceColors; ++color) {
+        const GdiBitmap bitmap(CreateCompatibleBitmap(screen.Get(), size, size));
+        {
+            const SelectScope select(dc, bitmap.Get());
+            FillWith(dc, {0, 0, size, size}, GetSysColor(COLOR_WINDOW));
+            const int edge = size / 5;
+            FillWith(dc, {edge, edge, size - edge, size - edge}, ColorOf(TraceColor(static_cast<std::int16_t>(color))));
+        }
+        ImageList_Add(icons.Get(), bitmap.Get(), nullptr);
+    }
+    DeleteDC(dc);
+    return icons;
+}
+
+}  // namespace quillon

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "app/win/Win32.h"
+#include "app/win/WinHandle.h"
+
+namespace quillon {
+
+/// Colour of the core (0xRRGGBB) as Windows takes it.
+[[nodiscard]] constexpr COLORREF ColorOf(std::uint32_t rgb) {
+    return RGB(rgb >> 16 & 0xFF, rgb >> 8 & 0xFF, rgb & 0xFF);
+}
+
+/// Pixels per inch of the screen.
+[[nodiscard]] int ScreenDpi();
+
+/// "Tahoma" of the size that scales and controls use at that density. It is asked for by name because the systems'
+/// default fonts do not all have Cyrillic letters.
+[[nodiscard]] GdiFont MakeFont(int dpi, bool bold = false);
+
+/// Fills a rectangle with a colour.
+void FillWith(HDC dc, const RECT& rect, COLORREF color);
+
+/// Text without a background at a position that the text alignment of the context gives meaning to.
+void DrawTextAt(HDC dc, int x, int y, const std::u16string& text);
+
+/// One square of that size per trace colour.
+[[nodiscard]] ImageList MakeTraceIcons(int size);
+
+}  // namespace quillon

@@ -1,0 +1,58 @@
+#include "view/win/ScalePainter.h"
+
+#include <algorithm>
+
+namespace quillon {
+
+namespace {
+
+constexpr COLORREF kTextColor = RGB(0x28, 0x2C, 0x34);
+constexpr COLORREF kTickColor = RGB(0x90, 0x98, 0xA4);
+constexpr int kTick = 5;
+
+}  // namespace
+
+ScalePainter::ScalePainter() : m_font(MakeFont(ScreenDpi())) {}
+
+void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels) const {
+    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
+    const SelectScope font(dc, m_font.Get());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, kTextColor);
+    SetTextAlign(dc, TA_LEFT | TA_TOP);
+    constexpr int textTop = 7;
+    int free = 0;  // first column that no label covers yet
+    for (const ScaleLabel& label : labels) {
+        FillWith(dc, {label.position, 0, label.position + 1, kTick}, kTickColor);
+        const std::wstring text = Wide(label.text);
+        SIZE size{};
+        GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+        const int left = label.position + 2;
+        if (left < free || left + size.cx > client.right) continue;
+        DrawTextAt(dc, left, textTop, label.text);
+        free = left + size.cx + 4;
+    }
+}
+
+void ScalePainter::PaintAmplitude(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels) const {
+    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
+    const SelectScope font(dc, m_font.Get());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, kTextColor);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(dc, &metrics);
+    SetTextAlign(dc, TA_RIGHT | TA_BASELINE);
+    constexpr int textRight = 11;
+    // The text stands beside its grid line, half of the height of its digits below it.
+    const int digits = metrics.tmAscent - metrics.tmInternalLeading;
+    for (const ScaleLabel& label : labels) {
+        const int row = label.position - 1;
+        FillWith(dc, {client.right - kTick, row, client.right, row + 1}, kTickColor);
+        const int baseline = row + digits / 2;
+        if (baseline - digits < 0 || baseline > client.bottom) continue;
+        DrawTextAt(dc, client.right - textRight, baseline, label.text);
+    }
+    SetTextAlign(dc, TA_LEFT | TA_TOP);
+}
+
+}  // namespace quillon

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string>
+
+#include "app/win/PictureBox.h"
+#include "app/win/WinHandle.h"
+
+namespace quillon {
+
+/// Events of the zoom control.
+class ZoomXEvents {
+  public:
+    virtual ~ZoomXEvents() = default;
+    /// 0: the minus side (zoom out), 1: the plus side (zoom in).
+    virtual void ZoomDown(int index) = 0;
+    /// The caption was pressed: the list of zooms is asked for.
+    virtual void ZoomButtonDown() = 0;
+};
+
+/// The X zoom beside the time scale: minus, the present zoom, plus.
+class ucZoomX final : public PictureOwner {
+  public:
+    ucZoomX();
+    [[nodiscard]] bool Create(HWND parent, int id, ZoomXEvents& events);
+    [[nodiscard]] HWND Window() const { return m_box.Window(); }
+    /// "1:1" at first.
+    void SetCaption(const std::u16string& caption);
+
+    void PaintPicture(int id, HDC dc, const RECT& clip) override;
+    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+
+  private:
+    struct Parts {
+        RECT minus, caption, plus;
+    };
+    [[nodiscard]] Parts Split() const;
+
+    PictureBox m_box;
+    ZoomXEvents* m_events = nullptr;
+    std::u16string m_caption = u"1:1";
+    GdiFont m_font;
+};
+
+}  // namespace quillon

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Builds and runs every test: natively with sanitizers, and the Windows tests under Wine. The last line counts them.
+set -euo pipefail
+source "$(dirname "$0")/scripts/common.sh"
+trap end_all EXIT
+
+packages=("${build_packages[@]}" "${wine_packages[@]}" g++ googletest nlohmann-json3-dev locales)
+install_missing "${packages[@]}"
+
+passed=0 failed=0 skipped=0
+# Runs one test program and adds up its closing lines; a program that ends without them counts as one failure.
+run_tests() {
+    local name=$1 log=build/$1.log status=0
+    shift
+    echo "== $name"
+    timeout 900 "$@" < /dev/null > "$log" 2>&1 || status=$?
+    tr -d '\r' < "$log" > "$log.txt"
+    local ok bad skip
+    ok=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\?\.$/\1/p' "$log.txt")
+    bad=$(sed -n 's/^\[  FAILED  \] \([0-9]*\) tests\?, listed below:$/\1/p' "$log.txt")
+    skip=$(sed -n 's/^\[  SKIPPED \] \([0-9]*\) tests\?, listed below:$/\1/p' "$log.txt")
+    if [ -z "$ok" ] || { [ "$status" -ne 0 ] && [ -z "$bad" ]; }; then
+        bad=$((${bad:-0} + 1))
+        echo "$name ended with status $status"
+    fi
+    if [ "${bad:-0}" -ne 0 ]; then
+        grep -vE '^\[( *OK| RUN|---)' "$log.txt" | tail -n 80
+    fi
+    passed=$((passed + ${ok:-0})) failed=$((failed + ${bad:-0})) skipped=$((skipped + ${skip:-0}))
+}
+
+echo "Building"
+quietly cmake --preset native
+quietly cmake --build build/native
+quietly cmake --preset windows
+quietly cmake --build build/windows
+
+run_tests unit_tests build/native/tests/unit_tests
+start_display
+prepare_wine
+# A server that stays, so that each program does not start one of its own.
+wineserver -p
+rm -rf build/samples
+quietly wine build/windows/make-samples.exe build/samples
+run_tests unit_tests_windows wine build/windows/tests/unit_tests.exe
+run_tests win_tests wine build/windows/tests/win_tests.exe
+
+if [ "$skipped" -ne 0 ]; then
+    echo "$passed passed, $failed failed, $skipped skipped"
+else
+    echo "$passed passed, $failed failed"
+fi
+[ "$failed" -eq 0 ]

@@ -1,0 +1,105 @@
+#include <gmock/gmock.h>
+
+#include <system_error>
+
+#include "app/Commands.h"
+#include "app/GraphKeys.h"
+#include "app/MainLayout.h"
+#include "app/StartUp.h"
+#include "app/StatusPanels.h"
+#include "support/FakeRecording.h"
+
+namespace quillon {
+namespace {
+
+using namespace ::quillon::testing;
+
+TEST(Init, AFailureIsToldOnceAndEndsTheStart) {
+    QL_Global global;
+    FakeServices services;
+    const auto version = [] { return 6; };
+    EXPECT_TRUE(Init(global, {[](Language) { return std::make_shared<FakeLibrary>(); }, version}, services));
+    EXPECT_EQ(global.systemVersion, 6);
+    EXPECT_TRUE(services.messages.empty());
+
+    const auto broken = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("no class"); };
+    EXPECT_FALSE(Init(global, {broken, version}, services));
+    ASSERT_EQ(services.messages.size(), 1U);
+    EXPECT_EQ(services.messages[0], services.Text(1010)) << "an error without a number";
+
+    const auto numbered = [](Language) -> std::shared_ptr<RecordingLibrary> {
+        throw std::system_error(5, std::generic_category(), "library");
+    };
+    EXPECT_FALSE(Init(global, {numbered, version}, services));
+    ASSERT_EQ(services.messages.size(), 2U);
+    EXPECT_NE(services.messages[1].find(u" 5: library"), std::u16string::npos);
+}
+
+TEST(MainLayout, NothingOverlapsOrLeavesTheWindow) {
+    for (const int dpi : {96, 120, 192}) {
+        for (const auto& [width, height] : {std::pair{560, 340}, {640, 480}, {1024, 700}, {1920, 1080}, {3840, 2160}}) {
+            for (const auto& [listWidth, upper] : {std::pair{0, 0}, {1, 1}, {5000, 99}}) {
+                LayoutInput input{width * dpi / 96, height * dpi / 96, 22, 21, 24, dpi, listWidth, upper};
+                const MainLayout layout = ArrangeMain(input);
+                const PixelRect all[] = {layout.tabPath, layout.drive,  layout.folders, layout.tabFile, layout.fileType,
+                                         layout.files,   layout.scaleY, layout.graph,   layout.scrollY, layout.zoomX,
+                                         layout.scaleX,  layout.scrollX};
+                for (std::size_t a = 0; a < std::size(all); ++a) {
+                    SCOPED_TRACE(::testing::Message() << dpi << ' ' << width << ' ' << listWidth << " control " << a);
+                    EXPECT_GT(all[a].width, 14);
+                    EXPECT_GT(all[a].height, 14);
+                    EXPECT_LE(all[a].Right(), input.clientWidth);
+                    EXPECT_LE(all[a].Bottom(), input.clientHeight - input.statusHeight);
+                    for (std::size_t b = 0; b < a; ++b) {
+                        const bool apart = all[a].Right() <= all[b].left || all[b].Right() <= all[a].left ||
+                                           all[a].Bottom() <= all[b].top || all[b].Bottom() <= all[a].top;
+                        EXPECT_TRUE(apart) << "overlaps " << b;
+                    }
+                }
+                EXPECT_GT(layout.graph.width, input.clientWidth / 3);
+                EXPECT_EQ(layout.graph.left, layout.scaleX.left);
+                EXPECT_EQ(layout.graph.width, layout.scaleX.width);
+            }
+        }
+    }
+}
+
+TEST(StatusPanels, TellTheVisibleShare) {
+    TimeAxis axis;
+    axis.SetWidth(1000);
+    EXPECT_EQ(VisiblePart(axis), u"");
+    const auto part = [&](std::int32_t samples) { return axis.SetBlock(samples), VisiblePart(axis); };
+    EXPECT_EQ(part(1000), u"100%");
+    EXPECT_EQ(part(1001), u"100%");
+    EXPECT_EQ(part(2667), u"37%");
+    EXPECT_EQ(part(10001), u"9.999%");
+    EXPECT_EQ(part(20000), u"5.0%");
+    EXPECT_EQ(part(80000), u"1.25%");
+}
+
+TEST(Commands, AreAvailableWhenTheyCanDoSomething) {
+    QL_Global global;
+    for (const MenuEntry& entry : MenuTree()) {
+        if (entry.kind != MenuEntry::Kind::Command) continue;
+        const bool always = entry.id == mnuExit || entry.id == mnuTabPath || entry.id == mnuTabFile;
+        EXPECT_EQ(IsEnabled(entry.id, global), always) << entry.id;
+    }
+    global.block.channelCount = 1;
+    EXPECT_FALSE(IsEnabled(mnuZoomX + 1, global)) << "at 1:1 there is nothing to zoom into";
+    EXPECT_TRUE(IsEnabled(mnuZoomX, global));
+    EXPECT_TRUE(IsChecked(mnuScaleX, global));
+    EXPECT_FALSE(IsChecked(mnuScaleX + 1, global));
+}
+
+TEST(GraphKeys, ModifiersChooseTheStep) {
+    EXPECT_EQ(ActionOf(GraphKey::Left, false, false).columns, -20);
+    EXPECT_EQ(ActionOf(GraphKey::Right, true, false).columns, 100);
+    EXPECT_EQ(ActionOf(GraphKey::Right, false, true).columns, 1);
+    EXPECT_EQ(ActionOf(GraphKey::Up, true, false).rows, -40);
+    EXPECT_EQ(ActionOf(GraphKey::Plus, false, false).command, mnuZoomY + 1);
+    EXPECT_EQ(ActionOf(GraphKey::Minus, true, false).command, mnuZoomX);
+    EXPECT_EQ(ActionOf(GraphKey::B, true, false).command, 0);
+}
+
+}  // namespace
+}  // namespace quillon

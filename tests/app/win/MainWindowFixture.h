@@ -1,0 +1,66 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/Commands.h"
+#include "app/ControlIds.h"
+#include "app/StatusPanels.h"
+#include "app/win/QL_Main.h"
+#include "app/win/frmQLMain.h"
+#include "norvik/FileBytes.h"
+#include "norvik/TemporaryFolder.h"
+
+namespace quillon::testing {
+
+/// A picture box's pixels as 0xRRGGBB.
+struct Pixels {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> rgb;
+    [[nodiscard]] std::uint32_t At(int x, int y) const { return rgb.at(static_cast<std::size_t>(y * width + x)); }
+    [[nodiscard]] int Count(std::uint32_t color) const;
+    friend bool operator==(const Pixels&, const Pixels&) = default;
+};
+
+/// A ".bin" recording with scale 1 for every channel; one inner vector per frame.
+[[nodiscard]] FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>& frames);
+
+/// The real main window over a folder of its own, driven by messages. Nothing waits: the window's thread is the test's.
+class MainWindowTest : public ::testing::Test {
+  protected:
+    /// Shows the window; the first file of the folder opens.
+    void Start();
+    void Start(const std::wstring& folder);
+    void TearDown() override;
+
+    /// Handles every message that is waiting.
+    void Pump() const;
+    [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_form->Window(), id); }
+    void Command(int id) const;
+    /// Presses and releases a key with the focus on the graph.
+    void Key(WPARAM key) const;
+    /// A click of the left button at a place of a control.
+    void Click(int id, int x, int y) const;
+    /// A click on a line of a list box.
+    void ClickLine(int id, int line) const;
+    /// A click on the check box of a channel.
+    void ClickCheckBox(int item) const;
+    [[nodiscard]] std::vector<std::wstring> Lines(int id) const;
+    [[nodiscard]] int ItemCount() const { return ListView_GetItemCount(Control(lvCh)); }
+    [[nodiscard]] std::wstring Status(StatusPanel panel) const;
+    [[nodiscard]] std::wstring Caption() const { return WindowText(m_form->Window()); }
+    [[nodiscard]] Pixels Capture(int id) const;
+
+    TemporaryFolder m_folder;
+    QL_Global m_global;
+    std::unique_ptr<WinServices> m_services;
+    std::unique_ptr<frmQLMain> m_form;
+};
+
+}  // namespace quillon::testing

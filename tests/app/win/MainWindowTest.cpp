@@ -1,0 +1,290 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <system_error>
+#include <thread>
+
+#include "app/win/MainWindowFixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using namespace ::quillon::testing;
+
+/// Frames of some channels: channel c holds slow waves of its own height.
+std::vector<std::vector<std::int16_t>> Waves(int channels, int frames) {
+    std::vector<std::vector<std::int16_t>> out;
+    for (int frame = 0; frame < frames; ++frame) {
+        std::vector<std::int16_t> row;
+        for (int channel = 0; channel < channels; ++channel) {
+            row.push_back(static_cast<std::int16_t>(300 * (channel + 1) * std::sin(frame / (20.0 + channel))));
+        }
+        out.push_back(row);
+    }
+    return out;
+}
+
+TEST_F(MainWindowTest, FirstActivationOpensTheFirstRecording) {
+    static_cast<void>(m_folder.Write(u"b.bin", BinRecording(100.0F, Waves(3, 5000))));
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(250.0F, Waves(2, 5000))));
+    static_cast<void>(m_folder.Write(u"notes.txt", FileBytes().Text("not a recording")));
+    Start();
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"b.bin"));
+    EXPECT_THAT(Lines(lstBlock), ElementsAre(::testing::EndsWith(L"\t1")));
+    EXPECT_EQ(ItemCount(), 2);
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"a.bin - ["));
+    EXPECT_EQ(Status(StatusPanel::Size), L"S: 5000");
+    EXPECT_EQ(Status(StatusPanel::Rate), L"Fs: 250 Hz");
+    const Pixels graph = Capture(pbGraph);
+    EXPECT_GT(graph.Count(TraceColor(0)), 200);
+    EXPECT_GT(graph.Count(TraceColor(1)), 200);
+    EXPECT_EQ(graph.Count(TraceColor(2)), 0);
+    // Another file by a click, and back.
+    ClickLine(lstFile, 1);
+    EXPECT_EQ(ItemCount(), 3);
+    EXPECT_GT(Capture(pbGraph).Count(TraceColor(2)), 200);
+    ClickLine(lstFile, 0);
+    EXPECT_EQ(Capture(pbGraph), graph);
+}
+
+TEST_F(MainWindowTest, UncheckingAChannelTakesItsTraceAway) {
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Waves(3, 5000))));
+    Start();
+    const Pixels all = Capture(pbGraph);
+    ClickCheckBox(1);
+    const Pixels without = Capture(pbGraph);
+    EXPECT_EQ(without.Count(TraceColor(1)), 0);
+    EXPECT_GT(without.Count(TraceColor(0)), 200);
+    EXPECT_FALSE(m_global.slots[1].shown);
+    ClickCheckBox(1);
+    EXPECT_EQ(Capture(pbGraph), all);
+    Command(mnuChShow + 2);
+    for (int channel = 0; channel < 3; ++channel) {
+        EXPECT_EQ(Capture(pbGraph).Count(TraceColor(static_cast<std::int16_t>(channel))), 0);
+        EXPECT_FALSE(ListView_GetCheckState(Control(lvCh), channel));
+    }
+    Command(mnuChShow);
+    EXPECT_EQ(Capture(pbGraph), all);
+    // The choice belongs to the channel number and outlives the file.
+    Command(mnuChShow + 1);
+    static_cast<void>(m_folder.Write(u"b.bin", BinRecording(100.0F, Waves(4, 100))));
+    Command(mnuTabFile);
+    ClickLine(lstFile, 1);
+    EXPECT_FALSE(ListView_GetCheckState(Control(lvCh), 2));
+    EXPECT_TRUE(ListView_GetCheckState(Control(lvCh), 3));
+}
+
+TEST_F(MainWindowTest, TheFirstChannelLiesOnTop) {
+    auto frames = Waves(1, 3000);
+    for (auto& frame : frames) frame = {frame[0], frame[0], frame[0]};
+    static_cast<void>(m_folder.Write(u"same.bin", BinRecording(100.0F, frames)));
+    Start();
+    const Pixels graph = Capture(pbGraph);
+    EXPECT_GT(graph.Count(TraceColor(0)), 200);
+    EXPECT_EQ(graph.Count(TraceColor(1)), 0);
+    EXPECT_EQ(graph.Count(TraceColor(2)), 0);
+}
+
+TEST_F(MainWindowTest, ARefusedFileLeavesTheListsEmptyAndSaysWhy) {
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Waves(2, 1000))));
+    static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("ABIN").Zeros(200)));
+    Start();
+    ClickLine(lstFile, 1);
+    EXPECT_THAT(Status(StatusPanel::Status), ::testing::StartsWith(L"b.bin: "));
+    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"byte"));
+    EXPECT_THAT(Lines(lstBlock), IsEmpty());
+    EXPECT_EQ(ItemCount(), 0);
+    EXPECT_EQ(Caption(), L"Quillon");
+    EXPECT_EQ(Status(StatusPanel::Size), L"");
+    EXPECT_EQ(Capture(pbGraph).Count(TraceColor(0)), 0);
+    // Nothing is open: the commands have nothing to do, and nothing breaks.
+    for (const int command : {mnuZoomX + 0, mnuGoTo + 2, mnuZoomY + 1, mnuBaseLine + 1, mnuChShow + 2}) Command(command);
+    ClickLine(lstFile, 0);
+    EXPECT_EQ(Status(StatusPanel::Status), L"");
+    EXPECT_EQ(ItemCount(), 2);
+}
+
+TEST_F(MainWindowTest, EverySampleStandsAtItsPixel) {
+    // A staircase: sample n has the code 10 x (n mod 8); at one code per unit and 40 units per division a step is 10 rows.
+    std::vector<std::vector<std::int16_t>> frames;
+    for (int frame = 0; frame < 4000; ++frame) frames.push_back({static_cast<std::int16_t>(10 * (frame % 8))});
+    static_cast<void>(m_folder.Write(u"stairs.bin", BinRecording(100.0F, frames)));
+    Start();
+    Command(mnuBaseLine);
+    Command(mnuScaleY + 4);  // 50 units per division: a step is 8 rows
+    const Pixels graph = Capture(pbGraph);
+    const int zero = graph.height / 2;
+    for (int x = 0; x + 1 < graph.width; ++x) {
+        EXPECT_EQ(graph.At(x, zero - 8 * (x % 8)), TraceColor(0)) << x;
+    }
+    // One pixel to the right: every sample moves one column to the left.
+    PostMessageW(m_form->Window(), WM_HSCROLL, SB_LINERIGHT, 0);
+    const Pixels moved = Capture(pbGraph);
+    for (int x = 0; x + 1 < moved.width; ++x) EXPECT_EQ(moved.At(x, zero - 8 * ((x + 20) % 8)), TraceColor(0)) << x;
+    EXPECT_EQ(m_global.axis.FirstColumn(), 20);
+}
+
+TEST_F(MainWindowTest, ZoomsAndScrolls) {
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Waves(2, 200000))));
+    Start();
+    const Pixels start = Capture(pbGraph);
+    const Pixels startScale = Capture(pbScaleX);
+    Command(mnuScaleX + 5);
+    EXPECT_EQ(m_global.axis.SamplesPerPixel(), 50);
+    EXPECT_EQ(Status(StatusPanel::XPart), Wide(VisiblePart(m_global.axis)));
+    EXPECT_NE(Capture(pbGraph), start);
+    EXPECT_NE(Capture(pbScaleX), startScale);
+    Command(mnuZoomX + 1);
+    EXPECT_EQ(m_global.axis.SamplesPerPixel(), 20);
+    const int column = m_global.axis.FirstColumn();
+    Key(VK_NEXT);
+    EXPECT_EQ((m_global.axis.FirstColumn() - column) % 100, 0);
+    EXPECT_GT(m_global.axis.FirstColumn(), column);
+    Key(VK_END);
+    EXPECT_EQ(m_global.axis.FirstColumn(), m_global.axis.StripLength());
+    Key(VK_HOME);
+    Command(mnuScaleX);
+    EXPECT_NE(m_global.axis.FirstColumn(), 0) << "the middle stayed in the middle";
+    Key(VK_HOME);
+    EXPECT_EQ(Capture(pbGraph), start);
+    const int scale = m_global.amplitude.Index();
+    Key(VK_ADD);
+    EXPECT_EQ(m_global.amplitude.Index(), scale + 1);
+    EXPECT_NE(Capture(pbGraph), start);
+    Command(mnuZoomY);
+    EXPECT_EQ(Capture(pbGraph), start);
+    // The buttons of the zoom control: minus below left, plus below right.
+    RECT zoom{};
+    GetClientRect(Control(btnZoomX), &zoom);
+    Click(btnZoomX, 4, zoom.bottom - 4);
+    EXPECT_EQ(m_global.axis.SamplesPerPixel(), 2);
+    Click(btnZoomX, zoom.right - 4, zoom.bottom - 4);
+    EXPECT_EQ(m_global.axis.SamplesPerPixel(), 1);
+}
+
+TEST_F(MainWindowTest, TheWholeScrollBarReachesTheWholeRecording) {
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Waves(1, 100000))));
+    Start();
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_ALL;
+    GetScrollInfo(Control(scScaleX), SB_CTL, &info);
+    EXPECT_EQ(info.nMax - static_cast<int>(info.nPage) + 1, TimeAxis::kScrollMax);
+    Command(mnuGoTo + 3);
+    GetScrollInfo(Control(scScaleX), SB_CTL, &info);
+    EXPECT_EQ(info.nPos, TimeAxis::kScrollMax);
+    EXPECT_EQ(m_global.axis.FirstColumn(), 100000);
+}
+
+TEST_F(MainWindowTest, NamesWithAnyLettersOpen) {
+    static_cast<void>(m_folder.Write(u"Ночная запись №1.bin", BinRecording(100.0F, Waves(2, 1000))));
+    Start();
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"Ночная запись №1.bin - ["));
+    EXPECT_EQ(ItemCount(), 2);
+}
+
+TEST_F(MainWindowTest, EverySampleRecordingOpens) {
+    if (GetFileAttributesW(L"build\\samples\\01 EEG.edf") == INVALID_FILE_ATTRIBUTES) {
+        GTEST_SKIP() << "build/samples is not there: make-samples makes it";
+    }
+    Start(L"build\\samples");
+    const std::vector<std::wstring> files = Lines(lstFile);
+    ASSERT_GE(files.size(), 4U);
+    for (std::size_t file = 0; file < files.size(); ++file) {
+        SCOPED_TRACE(std::string(files[file].begin(), files[file].end()));
+        ClickLine(lstFile, static_cast<int>(file));
+        EXPECT_EQ(Status(StatusPanel::Status), L"");
+        ASSERT_GT(ItemCount(), 0);
+        const Pixels all = Capture(pbGraph);
+        EXPECT_GT(all.Count(TraceColor(m_global.block.channelNumbers[0])), 100) << "visible without touching the scale";
+        ClickCheckBox(0);
+        EXPECT_EQ(Capture(pbGraph).Count(TraceColor(m_global.block.channelNumbers[0])), 0);
+        ClickCheckBox(0);
+        EXPECT_EQ(Capture(pbGraph), all);
+    }
+}
+
+TEST_F(MainWindowTest, RedrawingLeavesNoObjectsBehind) {
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Waves(8, 3000))));
+    Start();
+    // Objects of this process in the table of the graphics system; the number of entries in use.
+    const auto objects = [] {
+        struct Entry {
+            std::uint64_t object;
+            std::uint32_t owner;
+            std::uint16_t unique;
+            std::uint8_t type;
+            std::uint8_t flags;
+            std::uint64_t user;
+        };
+        const auto currentPeb = reinterpret_cast<const std::uint8_t* (*)()>(
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
+        const std::uint8_t* peb = currentPeb();
+        const auto* table = *reinterpret_cast<const Entry* const*>(peb + 0xF8);
+        return std::count_if(table, table + 65536, [](const Entry& entry) { return entry.type != 0; });
+    };
+    Command(mnuZoomX);
+    Command(mnuZoomX + 1);
+    const auto before = objects();
+    for (int round = 0; round < 50; ++round) {
+        Command(mnuZoomX + round % 2);
+        Command(mnuZoomY + round % 2);
+        SetWindowPos(m_form->Window(), nullptr, 20, 20, 1000 - round % 2, 640, SWP_NOZORDER);
+    }
+    EXPECT_EQ(objects(), before);
+}
+
+/// Answers the next message box of this process from another thread and keeps its text.
+class BoxAnswer {
+  public:
+    ~BoxAnswer() { m_thread.join(); }
+    [[nodiscard]] std::wstring Text() const { return m_text; }
+
+  private:
+    void Run() {
+        const ULONGLONG end = GetTickCount64() + 10000;
+        while (GetTickCount64() < end) {
+            const HWND box = FindWindowW(L"#32770", L"Quillon");
+            const HWND text = box != nullptr ? GetDlgItem(box, 0xFFFF) : nullptr;
+            if (text != nullptr && IsWindowVisible(box)) {
+                m_text = WindowText(text);
+                PostMessageW(box, WM_COMMAND, IDOK, 0);
+                return;
+            }
+            SwitchToThread();
+        }
+    }
+    std::wstring m_text;
+    std::thread m_thread{[this] { Run(); }};
+};
+
+TEST(StartUp, AFailureShowsItsMessageAndEndsTheProcessWithoutAWindow) {
+    StartUpParts parts = SystemParts();
+    parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("missing"); };
+    std::wstring text;
+    {
+        BoxAnswer answer;
+        EXPECT_EQ(QL_Main(parts, SW_SHOW), 1);
+        // The box is gone, so its text is known.
+        text = answer.Text();
+    }
+    EXPECT_TRUE(text == L"Please reinstall program." || text == L"Пожалуйста, переустановите программу.");
+    parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> {
+        throw std::system_error(126, std::system_category(), "core library");
+    };
+    {
+        BoxAnswer answer;
+        EXPECT_EQ(QL_Main(parts, SW_SHOW), 1);
+        text = answer.Text();
+    }
+    EXPECT_THAT(text, HasSubstr(L"126"));
+    DWORD process = 0;
+    GetWindowThreadProcessId(FindWindowW(L"frmQLMain", nullptr), &process);
+    EXPECT_NE(process, GetCurrentProcessId());
+}
+
+}  // namespace
+}  // namespace quillon

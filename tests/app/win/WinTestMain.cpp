@@ -1,0 +1,10 @@
+#include <gtest/gtest.h>
+
+#include "app/win/Win32.h"
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&controls);
+    return RUN_ALL_TESTS();
+}

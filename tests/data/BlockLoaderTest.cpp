@@ -1,0 +1,161 @@
+#include "data/BlockLoader.h"
+
+#include <gmock/gmock.h>
+
+#include "support/FakeRecording.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using namespace ::quillon::testing;
+
+class BlockLoaderTest : public ::testing::Test, public LoaderHost {
+  protected:
+    void SetUp() override {
+        Add(u"C:\\data\\one.fake", {Block(u"first"), Block(u"")});
+        Add(u"C:\\data\\two.fake", {Block(u"only")});
+    }
+
+    static std::shared_ptr<FakeBlock> Block(const std::u16string& title) {
+        auto block = std::make_shared<FakeBlock>();
+        block->title = title;
+        block->samples = {{1, 2, 3}, {4, 5, 6}};
+        return block;
+    }
+
+    void Add(const std::u16string& path, std::vector<std::shared_ptr<FakeBlock>> blocks) {
+        auto recording = std::make_shared<FakeRecording>();
+        recording->name = path;
+        recording->blocks = std::move(blocks);
+        m_library.files[path] = recording;
+    }
+
+    void Open(const std::u16string& name) { m_loader.OpenFile(u"C:\\data", name, m_pattern); }
+
+    // The window's side: a list whose programmatic selection raises its click.
+    void ResetViewState() override { ++m_resets; }
+    void StopSound() override { ++m_stops; }
+    std::int32_t BlockItemCount() const override { return static_cast<std::int32_t>(m_items.size()); }
+    void RemoveBlockItem(std::int32_t position) override { m_items.erase(m_items.begin() + position); }
+    void SetBlockItem(std::int32_t position, const std::u16string& text) override {
+        if (position == BlockItemCount()) m_items.emplace_back();
+        m_items.at(static_cast<std::size_t>(position)) = text;
+    }
+    std::int32_t SelectedBlockItem() const override { return m_selected; }
+    void SelectBlockItem(std::int32_t position) override {
+        m_selected = position;
+        m_loader.LoadBlock(static_cast<std::int16_t>(position));
+    }
+    void OfferFolder(const std::u16string& folder) override { m_offered.push_back(folder); }
+    void ShowBlock() override { m_shown.push_back(m_file.currentBlockIndex); }
+
+    FakeLibrary m_library;
+    FakeServices m_services;
+    ViewFile m_file;
+    ViewBlock m_block;
+    ChannelSlots m_slots;
+    std::u16string m_pattern = u"*.fake";
+    std::vector<std::u16string> m_items;
+    std::int32_t m_selected = -1;
+    std::vector<std::u16string> m_offered;
+    std::vector<int> m_shown;
+    int m_resets = 0;
+    int m_stops = 0;
+    BlockLoader m_loader{m_library, m_file, m_block, m_slots, m_services, *this};
+};
+
+TEST_F(BlockLoaderTest, OpeningListsTheBlocksAndLoadsTheFirstOnce) {
+    Open(u"one.fake");
+    EXPECT_EQ(m_file.fileName, u"C:\\data\\one.fake");
+    EXPECT_THAT(m_items, ElementsAre(u"first\t1", u"12:00:00\t2"));
+    EXPECT_THAT(m_shown, ElementsAre(0));
+    EXPECT_THAT(m_offered, ElementsAre(u"C:\\data"));
+    // With the first item still selected no click would come from the list; the block is loaded all the same, once.
+    m_pattern = u"*.*";
+    Open(u"two.fake");
+    EXPECT_THAT(m_items, ElementsAre(u"only\t1"));
+    EXPECT_THAT(m_shown, ElementsAre(0, 0));
+    EXPECT_EQ(m_library.closed, 1);
+    EXPECT_EQ(m_offered.size(), 1U) << "with the catch-all pattern no folder is remembered";
+}
+
+TEST_F(BlockLoaderTest, ClickingTheOpenFileAgainDoesNothingWhateverItsCase) {
+    Add(u"C:\\data\\Запись.fake", {Block(u"x")});
+    Open(u"Запись.fake");
+    m_loader.OpenFile(u"c:\\DATA\\", u"ЗАПИСЬ.FAKE", m_pattern);
+    EXPECT_EQ(m_library.opened, 1);
+    EXPECT_EQ(m_library.closed, 0);
+    EXPECT_EQ(m_shown.size(), 1U);
+}
+
+TEST_F(BlockLoaderTest, ARefusedFileLeavesEverythingEmptyAndSaysWhy) {
+    Open(u"one.fake");
+    Open(u"bad.fake");
+    EXPECT_EQ(m_services.status, u"bad.fake: no such thing");
+    EXPECT_TRUE(m_file.fileName.empty());
+    EXPECT_EQ(m_file.currentBlockIndex, -1);
+    EXPECT_FALSE(m_block.block);
+    EXPECT_EQ(m_block.channelCount, 0);
+    EXPECT_THAT(m_items, IsEmpty());
+    EXPECT_EQ(m_shown.back(), -1);
+    Open(u"two.fake");
+    EXPECT_EQ(m_services.status, u"") << "the reason of the earlier refusal is gone";
+    Open(u"");
+    EXPECT_TRUE(m_file.fileName.empty());
+    EXPECT_THAT(m_items, IsEmpty());
+}
+
+TEST_F(BlockLoaderTest, LoadingReadsChannelsSlotsAndMarks) {
+    auto block = Block(u"b");
+    block->numbers = {7, 0};
+    block->titles = {u"Fp1", u""};
+    block->scales = {0.25F, 0.0F};
+    block->marks = {{2, u"blink"}};
+    Add(u"C:\\data\\three.fake", {block});
+    Open(u"three.fake");
+    EXPECT_THAT(m_block.channelNumbers, ElementsAre(7, 0));
+    EXPECT_THAT(m_block.invScale, ElementsAre(4.0F, 0.0F)) << "a scale of 0 has no reciprocal";
+    EXPECT_THAT(m_block.offsets, ElementsAre(1.0F, 2.0F));
+    EXPECT_EQ(m_slots[7].title, u"Fp1");
+    EXPECT_EQ(m_slots[0].title, u"Канал 1");
+    ASSERT_EQ(m_block.marks.size(), 1U);
+    EXPECT_EQ(m_block.marks[0].position, 2);
+    EXPECT_EQ(m_block.marks[0].text, u"blink");
+    EXPECT_THAT(block->calls, ::testing::IsSupersetOf({"Title", "SampleCount", "MarkText"}));
+}
+
+/// Whatever single call fails, the load goes on with the next step and the rest is there.
+TEST_F(BlockLoaderTest, AFailingCallLeavesItsFieldEmptyAndTheLoadGoesOn) {
+    for (const char* call : {"SampleCount", "SampleRate", "StartTime", "ChannelNumber", "ChannelTitle", "ChannelUnit",
+                             "ChannelScale", "ChannelOffset", "MarkCount", "MarkPosition", "MarkText"}) {
+        SCOPED_TRACE(call);
+        auto block = Block(u"b");
+        block->marks = {{2, u"blink"}};
+        block->failing = {call};
+        Add(u"C:\\data\\failing.fake", {block});
+        m_loader.CloseCurrentFile();
+        Open(u"failing.fake");
+        EXPECT_TRUE(m_block.block);
+        EXPECT_EQ(m_block.channelCount, 2);
+        EXPECT_EQ(m_shown.back(), 0);
+        EXPECT_EQ(m_block.sampleCount, call == std::string("SampleCount") ? 0 : 3);
+        EXPECT_EQ(m_block.sampleRate, call == std::string("SampleRate") ? 0.0 : 100.0);
+        EXPECT_EQ(m_block.marks.size(), call == std::string("MarkCount") ? 0U : 1U);
+        EXPECT_THAT(m_block.offsets, call == std::string("ChannelOffset") ? ElementsAre(0.0F, 0.0F) : ElementsAre(1.0F, 2.0F));
+        EXPECT_EQ(m_slots[0].unit, call == std::string("ChannelUnit") ? u"" : u"V");
+    }
+}
+
+TEST_F(BlockLoaderTest, AChannelNumberWithoutASlotIsSkipped) {
+    auto block = Block(u"b");
+    block->numbers = {32, -1};
+    Add(u"C:\\data\\numbers.fake", {block});
+    Open(u"numbers.fake");
+    EXPECT_THAT(m_block.channelNumbers, ElementsAre(32, -1));
+    EXPECT_THAT(m_block.offsets, ElementsAre(1.0F, 2.0F));
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,244 @@
+#include "norvik/EdfReader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "base/DateTime.h"
+#include "base/Text.h"
+#include "norvik/EdfBuilder.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using namespace std::string_literals;
+
+std::vector<std::string> Titles(const RecordingContent& content) {
+    std::vector<std::string> titles;
+    for (const auto& block : content.blocks) titles.push_back(Utf8(block->Title()));
+    return titles;
+}
+
+/// "position text" of every mark.
+std::vector<std::string> Marks(FileBlock& block) {
+    std::vector<std::string> marks;
+    for (std::int32_t mark = 1; mark <= block.MarkCount(); ++mark) {
+        marks.push_back(std::to_string(block.MarkPosition(mark)) + " " + Utf8(block.MarkText(mark)));
+    }
+    return marks;
+}
+
+/// The list that tells a record's onset.
+std::string Onset(const std::string& seconds) {
+    return seconds + "\x14\x14\0"s;
+}
+
+std::string Note(const std::string& seconds, const std::string& text) {
+    return seconds + "\x14" + text + "\x14\0"s;
+}
+
+std::string Info(const EdfBuilder& file) {
+    return Utf8(ReadEdf(file.Source()).info.english);
+}
+
+TEST(EdfReader, AGapStartsABlockAndMarksFallIntoTheBlockOfTheirTime) {
+    EdfBuilder file{.reserved = "EDF+D", .recordCount = 6, .signals = {{.samples = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}}}};
+    file.Annotate({Onset("+0.25") + Note("+0.25", "first") + Note("+2.1", "last sample"), Onset("+1.25"),
+                   Onset("+10.5") + Note("+10.51", "after") + Note("+10.49", "before"), Onset("+11.5"),
+                   Onset("+4") + Note("+1", "earlier") + Note("+4.75", "twice"), Onset("+4.5")});
+    file.Annotate({Onset("+77") + Note("+2.25", "too late") + Note("+3", "in the gap")});
+    const RecordingContent content = ReadEdf(file.Source());
+    EXPECT_THAT(Titles(content), ElementsAre("12:00:00.250", "12:00:10.500", "12:00:04.000", "12:00:04.500"));
+    EXPECT_THAT(Marks(*content.blocks[0]), ElementsAre("0 first", "3 earlier", "7 last sample"));
+    EXPECT_THAT(Marks(*content.blocks[1]), ElementsAre("0 after", "0 before")) << "at one sample as in the file";
+    // Records that overlap in time are shown one after the other, and a mark is in both.
+    EXPECT_THAT(Marks(*content.blocks[2]), ElementsAre("3 twice"));
+    EXPECT_THAT(Marks(*content.blocks[3]), ElementsAre("1 twice"));
+    EXPECT_EQ(Iso8601(content.blocks[1]->StartTime()), "2020-02-01T12:00:10.500");
+    EXPECT_EQ(content.blocks[1]->SampleCount(), 8);
+    std::int16_t code = 0;
+    content.blocks[1]->ReadCodes(1, 1, 1, &code);
+    EXPECT_EQ(code, 9);
+    EXPECT_EQ(Info(file), "EDF+D, 1 signal, 6 records of 1 s; 4 stretches");
+}
+
+TEST(EdfReader, OnsetsWithinHalfASampleOfTheFastestSignalAreNoGap) {
+    EdfBuilder file{.bdf = true,
+                    .reserved = "BDF+D",
+                    .recordCount = 4,
+                    .signals = {{.samplesPerRecord = 2}, {.samplesPerRecord = 10}}};
+    file.Annotate({Onset("+0"), Onset("+1.05"), Onset("+1.95"), Onset("+3.04")});
+    EXPECT_EQ(ReadEdf(file.Source()).blocks.size(), 2U) << "two rates, one stretch";
+    file.signals.back().lists[3] = Onset("+3.06");
+    EXPECT_EQ(ReadEdf(file.Source()).blocks.size(), 4U);
+    // A record without an onset goes on where the one before ended; a file that says it has no gaps is believed.
+    file.signals.back().lists = {Onset("+5"), "", Onset("+7"), Note("+99", "no onset")};
+    EXPECT_EQ(ReadEdf(file.Source()).blocks.size(), 2U);
+    EXPECT_THAT(Info(file), HasSubstr("2 records without an onset"));
+    file.reserved = "BDF+C";
+    file.signals.back().lists = {Onset("+0.5"), Onset("+100")};
+    const RecordingContent gapless = ReadEdf(file.Source());
+    EXPECT_THAT(Titles(gapless), ElementsAre("2 Hz", "10 Hz"));
+    EXPECT_EQ(Iso8601(gapless.blocks[0]->StartTime()), "2020-02-01T12:00:00.500");
+}
+
+TEST(EdfReader, RatesAndGroupsOf32MakeBlocksWithUniqueChannelNumbers) {
+    EdfBuilder file{.reserved = "EDF+C", .seconds = "0.5"};
+    for (int ordinal = 1; ordinal <= 70; ++ordinal) {
+        if (ordinal == 3) file.Annotate({Onset("+0") + Note("+0.25", "mark")});
+        EdfBuilder::Signal signal;
+        signal.label = "S" + std::to_string(ordinal);
+        signal.samplesPerRecord = ordinal % 2 == 0 && ordinal < 50 ? 1 : 128;
+        signal.samples = {ordinal};
+        file.signals.push_back(signal);
+    }
+    const RecordingContent content = ReadEdf(file.Source());
+    EXPECT_THAT(Titles(content),
+                ElementsAre("256 Hz, 1-31", "2 Hz, 2-32", "256 Hz, 33-64", "2 Hz, 34-48", "256 Hz, 65-70"));
+    int channels = 0;
+    for (const auto& block : content.blocks) {
+        std::set<int> numbers;
+        for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel, ++channels) {
+            const int input = block->InputNumber(channel);
+            std::int16_t code = 0;
+            block->ReadCodes(channel, 0, 1, &code);
+            EXPECT_EQ(code, input);
+            EXPECT_EQ(Utf8(block->ChannelTitle(channel)), "S" + std::to_string(input));
+            EXPECT_EQ(block->ChannelNumber(channel), (input - 1) % 32);
+            EXPECT_TRUE(numbers.insert(block->ChannelNumber(channel)).second) << "twice in a block";
+        }
+    }
+    EXPECT_EQ(channels, 70);
+    EXPECT_THAT(Marks(*content.blocks[1]), ElementsAre("0 mark")) << "half a sample rounds to even";
+    EXPECT_THAT(Marks(*content.blocks[4]), ElementsAre("64 mark"));
+}
+
+TEST(EdfReader, StretchTitlesAreAsLongAsTheyMustBe) {
+    EdfBuilder file{.reserved = "EDF+D", .recordCount = 2, .signals = {{}, {.samplesPerRecord = 8}}};
+    const auto titles = [&](const std::string& second) {
+        file.signals.resize(2);
+        file.Annotate({Onset("+0"), Onset(second)});
+        return Titles(ReadEdf(file.Source()));
+    };
+    EXPECT_THAT(titles("+30"), ElementsAre("12:00:00, 4 Hz", "12:00:00, 8 Hz", "12:00:30, 4 Hz", "12:00:30, 8 Hz"));
+    EXPECT_EQ(titles("+86400")[2], "2020-02-02 12:00:00, 4 Hz");
+    EXPECT_EQ(titles("+0.5")[2], "12:00:00.500, 4 Hz");
+    EXPECT_EQ(titles("+0")[2], "12:00:00 (2), 4 Hz");
+}
+
+TEST(EdfReader, RecordsAreCountedFromTheSizeWhereTheHeaderDoesNotTell) {
+    EdfBuilder file{.recordCount = 12, .signals = {{.samplesPerRecord = 100}}};
+    const auto read = [&](const std::string& count, std::size_t cut) {
+        file.records = count;
+        std::vector<std::uint8_t> bytes = file.Bytes();
+        bytes.resize(bytes.size() - cut);
+        const RecordingContent content = ReadEdf(std::make_shared<MemorySource>(bytes));
+        return std::to_string(content.blocks[0]->SampleCount()) + ": " + Utf8(content.info.english);
+    };
+    const std::string eleven = "1100: EDF, 1 signal, 11 records of 1 s; ";
+    const std::string twelve = "1200: EDF, 1 signal, 12 records of 1 s";
+    EXPECT_EQ(read("12", 0), twelve);
+    EXPECT_EQ(read("12", 77), eleven + "cut short: 11 of 12 records");
+    EXPECT_EQ(read("-1", 0), twelve + "; record count '-1' at byte 236: counted from the file's size");
+    EXPECT_EQ(read("many", 77), eleven + "record count 'many' at byte 236: counted from the file's size");
+    EXPECT_EQ(read("11", 0), eleven + "200 bytes after the last record");
+}
+
+TEST(EdfReader, WhatCannotBeReadIsRefusedWithItsPlaceInBothLanguages) {
+    const auto refusal = [](const std::vector<std::uint8_t>& bytes) {
+        try {
+            static_cast<void>(ReadEdf(std::make_shared<MemorySource>(bytes)));
+        } catch (const FormatError& error) {
+            EXPECT_FALSE(error.Reason().russian.empty());
+            EXPECT_NE(error.Reason().russian, error.Reason().english);
+            return Utf8(error.Reason().english);
+        }
+        return std::string("read");
+    };
+    const EdfBuilder good{.recordCount = 3, .signals = {{}, {.samplesPerRecord = 6}}};
+    const std::vector<std::uint8_t> bytes = good.Bytes();
+    ASSERT_EQ(refusal(bytes), "read");
+    const auto cut = [&](std::size_t size) { return refusal({bytes.begin(), bytes.begin() + static_cast<int>(size)}); };
+    EXPECT_EQ(cut(0), "the header ends at byte 0 of 256");
+    EXPECT_EQ(cut(100), "the header ends at byte 100 of 256");
+    EXPECT_EQ(cut(767), "the header ends at byte 767 of 768");
+    EXPECT_EQ(cut(787), "no whole record: the first one takes bytes 768 to 788, the file ends at byte 787");
+
+    const auto lie = [&](std::size_t place, std::string text, std::size_t width) {
+        text.resize(width, ' ');
+        std::vector<std::uint8_t> changed = bytes;
+        std::copy(text.begin(), text.end(), changed.begin() + static_cast<int>(place));
+        return refusal(changed);
+    };
+    EXPECT_EQ(lie(0, "RIFF", 8), "not EDF or BDF: version 'RIFF' at byte 0");
+    EXPECT_EQ(lie(252, "abcd", 4), "signal count 'abcd' at byte 252");
+    for (const char* count : {"0", "-3", "", "1.5", "nan"}) EXPECT_THAT(lie(252, count, 4), HasSubstr("at byte 252"));
+    EXPECT_EQ(lie(252, "9999", 4), "the header ends at byte 828 of 2560000");
+    for (const char* time : {"0", "-1", "inf", "1E300", "1e-300", "one", ""}) {
+        EXPECT_EQ(lie(244, time, 8), "record duration '"s + time + "' at byte 244");
+    }
+    const std::size_t samples = 256 + 216 * 2 + 8;
+    for (const char* count : {"0", "-4", "x", "2.5", "1e300", ""}) {
+        EXPECT_EQ(lie(samples, count, 8), "samples per record '"s + count + "' at byte 696");
+    }
+    EXPECT_THAT(lie(samples, "99999999", 8), HasSubstr("the first one takes bytes 768 to 200000774"));
+
+    EdfBuilder annotations{.reserved = "EDF+C", .seconds = "0"};
+    annotations.Annotate({Onset("+0")});
+    EXPECT_THAT(refusal(annotations.Bytes()), HasSubstr("annotations only"));
+}
+
+TEST(EdfReader, LimitsGiveScalesOrAreToldToBeUseless) {
+    const auto scale = [](std::string low, std::string high, std::string lowCode, std::string highCode) {
+        const RecordingContent content =
+            ReadEdf(EdfBuilder{.signals = {{"EEG", "uV", low, high, lowCode, highCode}}}.Source());
+        const std::string odd = "no usable limits in 1 of the signals, first in 'EEG' at byte 360";
+        const bool told = Utf8(content.info.english).find(odd) != std::string::npos;
+        return std::tuple(content.blocks[0]->ChannelScale(1), content.blocks[0]->ChannelOffset(1), told);
+    };
+    const std::tuple useless(1.0F, 0.0F, true);
+    EXPECT_EQ(scale("-10", "+10", "-2", "3"), std::tuple(4.0F, -2.0F, false));
+    EXPECT_EQ(scale("0,5", "1,5", " 0", "2"), std::tuple(0.5F, 0.5F, false)) << "decimal commas";
+    EXPECT_EQ(scale("10", "-10", "-10", "10"), std::tuple(-1.0F, 0.0F, false)) << "polarity reversed";
+    EXPECT_EQ(scale("-10", "10", "5", "5"), useless);
+    EXPECT_EQ(scale("3", "3", "-5", "5"), useless);
+    EXPECT_EQ(scale("-10", "", "-5", "5"), useless);
+    EXPECT_EQ(scale("0", "1e-99", "-5", "5"), useless) << "zero in single precision";
+}
+
+TEST(EdfReader, TextsAndDates) {
+    EdfBuilder file{.patient = "Kelvara Block: Night 2",
+                    .recording = "ADC: K-24",
+                    .signals = {{.label = "\xCE\xB1 wave", .unit = "\xB5V"}}};
+    const auto read = [&] { return ReadEdf(file.Source()).blocks[0]; };
+    EXPECT_EQ(read()->ChannelTitle(1), u"\u03B1 wave");
+    EXPECT_EQ(read()->ChannelUnit(1), u"\u00B5V") << "Latin-1";
+    EXPECT_EQ(read()->BlockName(), u"Night 2");
+    EXPECT_EQ(read()->DeviceName(), u"K-24");
+
+    const auto start = [&](const std::string& date, const std::string& recording) {
+        file.date = date;
+        file.recording = recording;
+        return Iso8601(read()->StartTime());
+    };
+    EXPECT_EQ(start("31.12.85", ""), "1985-12-31T12:00:00.000");
+    EXPECT_EQ(start("31.12.84", ""), "2084-12-31T12:00:00.000");
+    EXPECT_EQ(start("02.03.yy", "Startdate 02-MAR-2102 X X Amp_7"), "1899-12-30T00:00:00.000") << "plain EDF";
+    EXPECT_THAT(Info(file), HasSubstr("start date '02.03.yy' at byte 168 cannot be read"));
+    file.reserved = "EDF+C";
+    EXPECT_EQ(start("02.03.yy", "Startdate 02-MAR-2102 X X Amp_7"), "2102-03-02T12:00:00.000");
+    EXPECT_EQ(read()->DeviceName(), u"Amp_7");
+    EXPECT_EQ(start("02.03.02", "Startdate 02-Mar-1902 X X X"), "1902-03-02T12:00:00.000");
+    EXPECT_EQ(read()->DeviceName(), u"");
+    EXPECT_EQ(start("02.03.02", "Startdate 03-MAR-1902 X X"), "2002-03-02T12:00:00.000") << "another day";
+    EXPECT_EQ(start("31.02.02", "Startdate 31-FEB-1902"), "1899-12-30T00:00:00.000");
+    file.time = "25.00.00";
+    EXPECT_EQ(start("02.03.02", ""), "2002-03-02T00:00:00.000");
+    EXPECT_THAT(Info(file), HasSubstr("start time '25.00.00' at byte 176 cannot be read"));
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "norvik/FileBytes.h"
+
+namespace quillon::testing {
+
+/// A folder of its own, removed with all that is in it.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() : m_path(std::filesystem::temp_directory_path() / ("quillon_" + std::to_string(Seed()))) {
+        std::filesystem::create_directories(m_path);
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    [[nodiscard]] std::filesystem::path File(const std::u16string& name) const { return m_path / name; }
+    [[nodiscard]] std::u16string Write(const std::u16string& name, const FileBytes& bytes) const {
+        std::ofstream stream(File(name), std::ios::binary);
+        stream.write(reinterpret_cast<const char*>(bytes.Bytes().data()), static_cast<std::streamsize>(bytes.Size()));
+        return File(name).u16string();
+    }
+    [[nodiscard]] std::u16string Path() const { return m_path.u16string(); }
+
+  private:
+    static long long Seed() { return std::chrono::steady_clock::now().time_since_epoch().count(); }
+    std::filesystem::path m_path;
+};
+
+}  // namespace quillon::testing

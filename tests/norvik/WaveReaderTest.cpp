@@ -1,0 +1,291 @@
+#include "norvik/WaveReader.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "base/DateTime.h"
+#include "norvik/BlockChecks.h"
+#include "norvik/FileBytes.h"
+#include "norvik/Refusal.h"
+
+namespace quillon {
+namespace {
+
+using testing::AllCodes;
+using testing::ExpectReads;
+using testing::ExpectRefusal;
+using testing::FileBytes;
+
+FileBytes Format(int tag, int channels, int bits, int frameBytes, std::uint32_t rate = 8000) {
+    FileBytes format;
+    format.U16(static_cast<std::uint16_t>(tag)).U16(static_cast<std::uint16_t>(channels)).U32(rate);
+    return format.U32(0).U16(static_cast<std::uint16_t>(frameBytes)).U16(static_cast<std::uint16_t>(bits));
+}
+
+FileBytes Form(const FileBytes& chunks, std::string_view id = "RIFF") {
+    return FileBytes().Text(id).U32(static_cast<std::uint32_t>(chunks.Size() + 4)).Text("WAVE").Add(chunks);
+}
+
+/// A file of the samples 0, 1, 2, ... in one channel of 16 bits, with chunks before and after the data.
+FileBytes Ramp(std::size_t samples, const FileBytes& before = {}, const FileBytes& after = {}) {
+    FileBytes data;
+    for (std::size_t at = 0; at < samples; ++at) data.U16(static_cast<std::uint16_t>(at));
+    return Form(FileBytes().Chunk("fmt ", Format(1, 1, 16, 2)).Add(before).Chunk("data", data).Add(after));
+}
+
+constexpr std::size_t kRampDataSize = 40;
+
+std::shared_ptr<FileBlock> OnlyBlock(const FileBytes& file) {
+    const RecordingContent content = ReadWave(file.Source());
+    EXPECT_EQ(content.blocks.size(), 1U);
+    return content.blocks.at(0);
+}
+
+struct Coding {
+    int tag;
+    int bits;
+    std::size_t bytes;
+};
+
+std::ostream& operator<<(std::ostream& out, const Coding& coding) {
+    return out << "tag " << coding.tag << ", " << coding.bits << " bits";
+}
+
+/// A file of random samples, and what each of them is worth at full scale 1.
+struct RandomWave {
+    FileBytes file;
+    std::vector<std::vector<double>> values;
+
+    RandomWave(const Coding& coding, std::size_t channels, std::size_t frames, bool extensible) {
+        std::mt19937_64 random(channels);
+        values.assign(channels, {});
+        FileBytes data;
+        const int containerBits = static_cast<int>(8 * coding.bytes);
+        for (std::size_t at = 0; at < frames * channels; ++at) {
+            const auto raw = static_cast<std::int64_t>(random()) >> (64 - containerBits);
+            const double value = std::ldexp(static_cast<double>(raw), 1 - containerBits);
+            values[at % channels].push_back(coding.bytes == 4 && coding.tag == 3 ? static_cast<float>(value) : value);
+            if (coding.tag == 3 && coding.bytes == 4) data.F32(static_cast<float>(value));
+            if (coding.tag == 3 && coding.bytes == 8) data.F64(value);
+            if (coding.tag == 1)
+                data.Number(static_cast<std::uint64_t>(coding.bytes == 1 ? raw + 128 : raw), coding.bytes);
+        }
+        FileBytes format = Format(extensible ? 0xFFFE : coding.tag, static_cast<int>(channels), coding.bits,
+                                  static_cast<int>(channels * coding.bytes));
+        if (extensible) {
+            format.U16(22)
+                .U16(static_cast<std::uint16_t>(coding.bits))
+                .U32(0)
+                .U16(static_cast<std::uint16_t>(coding.tag));
+            format.U16(0).U32(0x00100000).U32(0xAA000080).U32(0x719B3800);
+        }
+        file = Form(FileBytes().Chunk("fmt ", format).Chunk("data", data));
+    }
+};
+
+class WaveCodings : public ::testing::TestWithParam<Coding> {};
+
+TEST_P(WaveCodings, AreReadAlikeByEveryCallAndToTheNearestCode) {
+    for (const std::size_t channels : {1U, 2U, 3U, 8U, 40U}) {
+        const RandomWave wave(GetParam(), channels, channels == 2 ? 70000 : 1500, channels == 3);
+        const RecordingContent content = ReadWave(wave.file.Source());
+        ASSERT_EQ(content.blocks.size(), (channels + 31) / 32);
+        std::size_t ordinal = 0;
+        for (const auto& block : content.blocks) {
+            std::vector<std::vector<std::int16_t>> codes;
+            for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel, ++ordinal) {
+                codes.push_back(AllCodes(*block, channel));
+                const auto scale = static_cast<double>(block->ChannelScale(channel));
+                const auto offset = static_cast<double>(block->ChannelOffset(channel));
+                // Half a code, and 32000 codes times the rounding of the scale to single precision.
+                const double allowed = scale * (0.5 + 32000.0 * 0x1p-24) + std::abs(offset) * 0x1p-24;
+                for (std::size_t at = 0; at < codes.back().size(); ++at) {
+                    ASSERT_NEAR(codes.back()[at] * scale + offset, wave.values[ordinal][at], allowed) << at;
+                }
+                EXPECT_EQ(block->ChannelNumber(channel), static_cast<int>(ordinal % 32));
+                EXPECT_EQ(block->InputNumber(channel), static_cast<int>(ordinal + 1));
+                EXPECT_EQ(block->ChannelUnit(channel), u"FS");
+            }
+            ExpectReads(*block, codes);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WaveCodings,
+                         ::testing::Values(Coding{1, 8, 1}, Coding{1, 16, 2}, Coding{1, 12, 2}, Coding{1, 24, 3},
+                                           Coding{1, 20, 3}, Coding{1, 24, 4}, Coding{1, 32, 4}, Coding{3, 32, 4},
+                                           Coding{3, 64, 8}));
+
+TEST(WaveReader, NarrowSamplesKeepTheirCodes) {
+    const auto bytes =
+        OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(1, 1, 8, 1)).Chunk("data", FileBytes().U8(0).U8(255))));
+    EXPECT_EQ(AllCodes(*bytes, 1), (std::vector<std::int16_t>{-128, 127}));
+    EXPECT_EQ(bytes->ChannelScale(1), 1.0F / 128);
+    const auto words = OnlyBlock(Ramp(3));
+    EXPECT_EQ(words->ChannelScale(1), 1.0F / 32768);
+    EXPECT_EQ(words->Title(), u"");
+    // Floats that were made from 16 bits come back as those 16 bits, one odd sample and they do not.
+    FileBytes floats;
+    for (const int code : {-32768, -3, 0, 32767}) floats.F32(static_cast<float>(code) / 32768.0F);
+    floats.F32(std::numeric_limits<float>::quiet_NaN());
+    const auto recast = OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(3, 1, 32, 4)).Chunk("data", floats)));
+    EXPECT_EQ(AllCodes(*recast, 1), (std::vector<std::int16_t>{-32768, -3, 0, 32767, 0}));
+    EXPECT_EQ(recast->ChannelScale(1), 1.0F / 32768);
+    floats.F32(0.1F);
+    const auto scaled = OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(3, 1, 32, 4)).Chunk("data", floats)));
+    EXPECT_EQ(AllCodes(*scaled, 1).front(), -32000);
+}
+
+TEST(WaveReader, PaddedFramesAreSteppedOver) {
+    FileBytes data;
+    for (const int code : {1, 2, 3})
+        data.U16(static_cast<std::uint16_t>(code)).U16(static_cast<std::uint16_t>(-code)).U8(0x55);
+    const auto block = OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(1, 2, 16, 5)).Chunk("data", data)));
+    ExpectReads(*block, {{1, 2, 3}, {-1, -2, -3}});
+}
+
+TEST(WaveReader, ExtremesOfAChannelAskedForTwice) {
+    const auto block = OnlyBlock(Ramp(10));
+    const std::vector<std::int16_t> channels{1, 1};
+    RunExtremes first;
+    RunExtremes second;
+    const std::vector<RunExtremes*> out{&first, &second};
+    ASSERT_TRUE(block->ColumnExtremes(channels, 2, 5, 5, out));
+    EXPECT_EQ(first, (RunExtremes{2, 6}));
+    EXPECT_EQ(second, first);
+}
+
+TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
+    const auto cue = [](std::uint32_t id, std::uint32_t position, std::uint32_t offset) {
+        return FileBytes().U32(id).U32(position).Text("data").U32(0).U32(0).U32(offset);
+    };
+    const FileBytes cues = FileBytes()
+                               .U32(0xFFFF)
+                               .Add(cue(1, 0, 30))
+                               .Add(cue(2, 9, 9))
+                               .Add(cue(7, 12, 0))
+                               .Add(cue(8, 99, 99))
+                               .Add(cue(9, 0, 100));
+    const FileBytes texts = FileBytes()
+                                .Text("adtl")
+                                .Chunk("note", FileBytes().U32(2).Text("note of 2").U8(0))
+                                .Chunk("labl", FileBytes().U32(1).Text("one ").U8(0).Text("hidden"))
+                                .Chunk("labl", FileBytes().U32(1).Text("late"))
+                                .Chunk("note", FileBytes().U32(1).Text("no"))
+                                .Chunk("labl", FileBytes().U32(8).Text("\xEF"));
+    const auto marks = [](const FileBytes& file) {
+        const auto block = OnlyBlock(file);
+        std::vector<std::pair<int, std::u16string>> list;
+        for (int mark = 1; mark <= block->MarkCount(); ++mark)
+            list.emplace_back(block->MarkPosition(mark), block->MarkText(mark));
+        return list;
+    };
+    using Marks = std::vector<std::pair<int, std::u16string>>;
+    const FileBytes lists = FileBytes().Chunk("LIST", FileBytes().Text("INFOlabl")).Chunk("LIST", texts);
+    EXPECT_EQ(marks(Ramp(100, FileBytes().Chunk("cue ", cues), lists)),
+              (Marks{{9, u"note of 2"}, {12, u"7"}, {30, u"one"}, {99, u"\u00EF"}}));
+    EXPECT_EQ(marks(Ramp(20, FileBytes().Chunk("plst", FileBytes().U32(0)).Chunk("cue ", cues))),
+              (Marks{{0, u"7"}, {9, u"2"}}))
+        << "with a playlist, positions count in playing order";
+}
+
+TEST(WaveReader, TheBroadcastExtensionTellsTheStart) {
+    const auto started = [](std::string_view date, std::string_view time) {
+        const FileBytes extension = FileBytes().Zeros(320).Text(date, 10).Text(time, 8).Zeros(264);
+        return OnlyBlock(Ramp(4, FileBytes().Chunk("bext", extension)))->StartTime();
+    };
+    EXPECT_EQ(Iso8601(started("2024-02-29", "23:59:58")), "2024-02-29T23:59:58.000");
+    EXPECT_EQ(Iso8601(started("1999_12_31", "01-02-03")), "1999-12-31T01:02:03.000");
+    EXPECT_EQ(Iso8601(started("2024-02-29", "")), "2024-02-29T00:00:00.000");
+    EXPECT_EQ(started("0000-00-00", "10:00:00"), 0.0);
+    EXPECT_EQ(started("2024-13-01", "10:00:00"), 0.0);
+    EXPECT_EQ(OnlyBlock(Ramp(4, FileBytes().Chunk("bext", FileBytes().Zeros(330))))->StartTime(), 0.0) << "cut short";
+}
+
+TEST(WaveReader, ChunksAreFoundInAnyOrderAndWithoutPadding) {
+    const FileBytes format = Format(1, 1, 16, 2);
+    const FileBytes data = FileBytes().U16(5).U16(6);
+    const std::vector<std::int16_t> codes{5, 6};
+    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes().Chunk("data", data).Chunk("fmt ", format))), 1), codes);
+    const FileBytes odd = FileBytes().Text("123456789");
+    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes().Chunk("junk", odd).Chunk("fmt ", format).Chunk("data", data))), 1),
+              codes);
+    const FileBytes unpadded = FileBytes().Text("junk").U32(9).Add(odd);
+    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes(unpadded).Chunk("fmt ", format).Chunk("data", data))), 1), codes);
+    const FileBytes twice = FileBytes().Chunk("fmt ", format).Chunk("fmt ", Format(1, 7, 8, 7)).Chunk("data", data);
+    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes(twice).Chunk("data", odd))), 1), codes);
+}
+
+TEST(WaveReader, SizesThatLieAreCutToTheFile) {
+    const auto samples = [](FileBytes file, std::size_t offset, std::uint64_t value) {
+        return OnlyBlock(file.Patch(offset, value, 4))->SampleCount();
+    };
+    const FileBytes list = FileBytes().Chunk("LIST", FileBytes().Text("INFOxxxx"));
+    const FileBytes plain = Ramp(50);
+    const FileBytes followed = Ramp(50, {}, list);
+    EXPECT_EQ(samples(plain, 4, 0), 50) << "the size of the form is not needed";
+    EXPECT_EQ(samples(plain, kRampDataSize, 0xFFFFFFFE), 50);
+    EXPECT_EQ(samples(plain, kRampDataSize, 31), 15);
+    EXPECT_EQ(samples(plain, kRampDataSize, 0xFFFFFFFF), 50);
+    EXPECT_EQ(samples(plain, kRampDataSize, 0), 50) << "a stream that was not closed";
+    EXPECT_EQ(samples(followed, kRampDataSize, 101), 50) << "an odd rest is no sample";
+    EXPECT_EQ(OnlyBlock(Ramp(0))->SampleCount(), 0);
+    EXPECT_EQ(OnlyBlock(Ramp(0, {}, list))->SampleCount(), 0) << "empty, and another chunk follows";
+    EXPECT_EQ(OnlyBlock(FileBytes(plain).CutTo(plain.Size() - 33))->SampleCount(), 33);
+    const RecordingContent cut = ReadWave(FileBytes(plain).CutTo(plain.Size() - 33).Source());
+    EXPECT_EQ(cut.info.english, u"WAVE, PCM 16 bit, 1 channel at 8000 Hz, 33 samples; cut short: 33 of 50 samples");
+    EXPECT_NE(cut.info.russian, cut.info.english);
+    EXPECT_EQ(OnlyBlock(Ramp(50, FileBytes().Text("LIST").U32(0)))->SampleCount(), 50);
+    const FileBytes hugeCue = FileBytes().Text("cue ").U32(0x7FFFFFFF).U32(0x7FFFFFFF).Zeros(30);
+    EXPECT_EQ(OnlyBlock(Ramp(50, {}, hugeCue))->MarkCount(), 1);
+}
+
+TEST(WaveReader, LongSizesStandInForThoseOfAllOnes) {
+    const auto file = [](std::string_view id, std::uint64_t dataBytes, std::uint32_t own) {
+        const FileBytes sizes = FileBytes().U64(0).U64(dataBytes).U64(0).U32(1).Text("junk").U64(6);
+        FileBytes chunks = FileBytes().Chunk("ds64", sizes).Chunk("fmt ", Format(1, 1, 16, 2));
+        chunks.Text("junk").U32(0xFFFFFFFF).Text("abcdef").Text("data").U32(own);
+        for (std::uint16_t at = 0; at < 20; ++at) chunks.U16(at);
+        return Form(chunks, id);
+    };
+    for (const std::string_view id : {"RF64", "BW64"}) {
+        EXPECT_EQ(OnlyBlock(file(id, 24, 0xFFFFFFFF))->SampleCount(), 12);
+        EXPECT_EQ(OnlyBlock(file(id, 24, 30))->SampleCount(), 15) << "a size of its own holds";
+        EXPECT_EQ(OnlyBlock(file(id, 0, 0xFFFFFFFF))->SampleCount(), 20) << "not closed";
+        EXPECT_EQ(OnlyBlock(file(id, ~std::uint64_t{0}, 0xFFFFFFFF))->SampleCount(), 20);
+    }
+}
+
+TEST(WaveReader, RefusalsNameWhatAndWhere) {
+    const auto refuseFormat = [](const FileBytes& format, std::string_view part) {
+        ExpectRefusal(Form(FileBytes().Chunk("fmt ", format).Chunk("data", FileBytes().Zeros(64))).Source(), u"a.wav",
+                      part);
+    };
+    refuseFormat(Format(2, 1, 4, 256), "ADPCM (2), at byte 20");
+    refuseFormat(Format(6, 1, 8, 1), "A-law (6)");
+    refuseFormat(Format(7, 1, 8, 1), "mu-law (7)");
+    refuseFormat(Format(80, 1, 0, 1), "MPEG (80)");
+    refuseFormat(Format(85, 1, 0, 1), "MP3 (85)");
+    refuseFormat(Format(1234, 1, 16, 2), "format tag 1234 at byte 20");
+    refuseFormat(Format(0xFFFE, 1, 16, 2).U16(22).U16(16).U32(0).U16(85).Zeros(14), "MP3 (85), at byte 44");
+    refuseFormat(Format(0xFFFE, 1, 16, 2), "26 bytes");
+    refuseFormat(Format(1, 0, 16, 2), "channel count 0 at byte 22");
+    refuseFormat(Format(1, 1, 16, 2, 0), "sample rate 0 at byte 24");
+    refuseFormat(Format(1, 1, 16, 0), "block align 0 at byte 32");
+    refuseFormat(Format(1, 2, 16, 3), "block align for the channels: 3 at byte 32");
+    refuseFormat(Format(1, 1, 64, 8), "bits per sample 64 at byte 34");
+    refuseFormat(Format(3, 1, 16, 2), "bits per sample 16 at byte 34");
+    refuseFormat(FileBytes().U16(1).U16(1), "shorter than 16 bytes: 4 at byte 20");
+    ExpectRefusal(Form(FileBytes().Chunk("data", FileBytes().Zeros(8))).Source(), u"", "no \"fmt \" chunk");
+    ExpectRefusal(Form(FileBytes().Chunk("fmt ", Format(1, 1, 16, 2))).Source(), u"",
+                  "no \"data\" chunk from byte 12 to 36");
+    ExpectRefusal(Form({}, "RIFX").Source(), u"", "RIFX");
+    ExpectRefusal(FileBytes().Text("RIFF").U32(4).Source(), u"a.WAV", "the header ends at byte 8 of 12");
+    ExpectRefusal(FileBytes().Text("GIF87a and more").Source(), u"a.wav", "at byte 0");
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "data/NorvikCore.h"
+#include "data/UserServices.h"
+
+namespace quillon::testing {
+
+/// A block in memory: planar samples, one vector per channel. Any call named in `failing` throws.
+class FakeBlock : public RecordingBlock {
+  public:
+    std::u16string title;
+    double start = 45000.5;
+    double rate = 100.0;
+    std::vector<std::vector<std::int16_t>> samples;
+    std::vector<std::int16_t> numbers;
+    std::vector<std::u16string> titles;
+    std::vector<float> scales;
+    std::vector<std::pair<std::int32_t, std::u16string>> marks;
+    std::vector<std::string> failing;
+
+    std::u16string Title() const override { return Ask("Title"), title; }
+    double StartTime() const override { return Ask("StartTime"), start; }
+    double SampleRate() const override { return Ask("SampleRate"), rate; }
+    std::int32_t SampleCount() const override {
+        return Ask("SampleCount"), samples.empty() ? 0 : static_cast<std::int32_t>(samples[0].size());
+    }
+    std::int16_t ChannelCount() const override { return Ask("ChannelCount"), static_cast<std::int16_t>(samples.size()); }
+    std::int16_t ChannelNumber(std::int16_t channel) const override {
+        Ask("ChannelNumber");
+        return numbers.empty() ? static_cast<std::int16_t>(channel - 1) : numbers.at(Index(channel));
+    }
+    std::u16string ChannelTitle(std::int16_t channel) const override {
+        Ask("ChannelTitle");
+        return titles.empty() ? std::u16string() : titles.at(Index(channel));
+    }
+    std::u16string ChannelUnit(std::int16_t) const override { return Ask("ChannelUnit"), u"V"; }
+    float ChannelScale(std::int16_t channel) const override {
+        return Ask("ChannelScale"), scales.empty() ? 0.5F : scales.at(Index(channel));
+    }
+    float ChannelOffset(std::int16_t channel) const override { return Ask("ChannelOffset"), static_cast<float>(channel); }
+    std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
+        Ask("ReadCodes");
+        const auto& data = samples.at(Index(channel));
+        if (first < 0 || count < 0 || static_cast<std::size_t>(first) + static_cast<std::size_t>(count) > data.size()) {
+            throw std::out_of_range("samples outside the block");
+        }
+        std::copy_n(data.begin() + first, count, buffer);
+        return 0;
+    }
+    std::int32_t ReadValues(std::int16_t, std::int32_t, std::int32_t, float*) override { return 1; }
+    std::int32_t MarkCount() const override { return Ask("MarkCount"), static_cast<std::int32_t>(marks.size()); }
+    std::int32_t MarkPosition(std::int32_t mark) const override {
+        return Ask("MarkPosition"), marks.at(static_cast<std::size_t>(mark - 1)).first;
+    }
+    std::u16string MarkText(std::int32_t mark) const override {
+        return Ask("MarkText"), marks.at(static_cast<std::size_t>(mark - 1)).second;
+    }
+    std::u16string DeviceName() const override { return {}; }
+    std::u16string BlockName() const override { return {}; }
+    std::int16_t InputNumber(std::int16_t channel) const override { return channel; }
+    std::int32_t ReadFrames(std::int32_t, std::int32_t, std::int16_t*) override { return 1; }
+    bool FramesAreCheap() const override { return false; }
+    bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
+                        std::span<RunExtremes* const> out) override {
+        Ask("ColumnExtremes");
+        if (!offersExtremes) return false;
+        for (std::size_t at = 0; at < channels.size(); ++at) {
+            nsp::PlanarRunReducer reducer(run, out[at]);
+            reducer.Feed(samples.at(Index(channels[at])).data() + first, static_cast<std::size_t>(count));
+            reducer.Finish();
+        }
+        return true;
+    }
+    bool offersExtremes = true;
+    /// Names of the calls made, in order; a name once per stretch of equal calls.
+    mutable std::vector<std::string> calls;
+
+  private:
+    static std::size_t Index(std::int16_t channel) { return static_cast<std::size_t>(channel) - 1; }
+    void Ask(const char* name) const {
+        if (calls.empty() || calls.back() != name) calls.emplace_back(name);
+        if (std::find(failing.begin(), failing.end(), name) != failing.end()) throw std::runtime_error(name);
+    }
+};
+
+class FakeRecording : public Recording {
+  public:
+    std::u16string name;
+    std::vector<std::shared_ptr<FakeBlock>> blocks;
+    std::u16string FileName() const override { return name; }
+    std::u16string FileInfo() const override { return u"fake"; }
+    std::int16_t BlockCount() const override { return static_cast<std::int16_t>(blocks.size()); }
+    std::shared_ptr<RecordingBlock> GetBlock(std::int16_t number) override {
+        return blocks.at(static_cast<std::size_t>(number) - 1);
+    }
+};
+
+/// Opens what is registered under a lower-case or any other exact path; refuses the rest.
+class FakeLibrary : public RecordingLibrary {
+  public:
+    std::map<std::u16string, std::shared_ptr<FakeRecording>> files;
+    int opened = 0;
+    int closed = 0;
+    bool OpenRecording(const std::u16string& fileName, std::shared_ptr<Recording>& recording) override {
+        const auto found = files.find(fileName);
+        recording = found == files.end() ? nullptr : found->second;
+        if (recording) ++opened;
+        return recording != nullptr;
+    }
+    void CloseRecording(std::shared_ptr<Recording>& recording) override {
+        ++closed;
+        recording.reset();
+    }
+    std::u16string LastErrorText() const override { return u"no such thing"; }
+    std::int32_t FileTypeCount() const override { return 0; }
+    std::u16string FileTypeName(std::int32_t) const override { return u"All"; }
+    std::u16string FileTypeMask(std::int32_t) const override { return u"*.fake"; }
+};
+
+/// Keeps what the core said.
+class FakeServices : public UserServices {
+  public:
+    std::vector<std::u16string> messages;
+    std::u16string status;
+    void ShowMessage(const std::u16string& text) override { messages.push_back(text); }
+    void SetStatus(const std::u16string& text) override { status = text; }
+    std::u16string Text(int id) const override { return id == 501 ? u"Канал" : u"#" + std::u16string(1, static_cast<char16_t>(id)); }
+    std::u16string DateAndTime(double) const override { return u"15.03.2023 12:00:00"; }
+    std::u16string LongTime(double date) const override { return date == 45000.5 ? u"12:00:00" : u"?"; }
+};
+
+}  // namespace quillon::testing

@@ -1,0 +1,204 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <random>
+
+#include "nsp/NspExtrema.h"
+#include "support/FakeRecording.h"
+#include "view/DataRange.h"
+#include "view/QL_ChUtils.h"
+#include "view/TraceMapping.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using namespace ::quillon::testing;
+
+std::vector<TracePoint> Trace(std::vector<std::int16_t> samples, std::int32_t samplesPerPixel) {
+    FakeBlock block;
+    const auto count = static_cast<std::int32_t>(samples.size());
+    block.samples = {std::move(samples)};
+    std::vector<std::int16_t> work;
+    std::vector<TracePoint> points;
+    DrawChannelTrace(block, 1, 0, count, samplesPerPixel, work, points);
+    return points;
+}
+
+std::vector<std::int32_t> Heights(const std::vector<TracePoint>& points) {
+    std::vector<std::int32_t> heights;
+    for (std::size_t at = 0; at < points.size(); ++at) {
+        EXPECT_EQ(points[at].x, static_cast<std::int32_t>(at));
+        heights.push_back(points[at].y);
+    }
+    return heights;
+}
+
+TEST(DrawChannelTrace, DrawsTheExtremesOfEveryRunInTheirOrder) {
+    // Runs of three start at 1, 4 and 7; ten samples leave no tail, eleven a tail of one.
+    EXPECT_THAT(Heights(Trace({0, 5, 1, 3, 2, 9, 4, 7, 7, 7}, 3)), ElementsAre(0, 5, 1, 2, 9, 7, 7));
+    EXPECT_THAT(Heights(Trace({0, 5, 1, 3, 2, 9, 4, 7, 7, 7, -8}, 3)), ElementsAre(0, 5, 1, 2, 9, 7, 7, -8, -8));
+    // The minimum at the same place as the maximum, or after it: the maximum first.
+    EXPECT_THAT(Heights(Trace({0, 4, 4, 1, 1}, 4)), ElementsAre(0, 4, 1));
+    EXPECT_THAT(Heights(Trace({0, 1, 4, 4, 1}, 4)), ElementsAre(0, 1, 4));
+    // Fewer samples than a run: one shorter run.
+    EXPECT_THAT(Heights(Trace({3, -1, 6}, 1000)), ElementsAre(3, -1, 6));
+}
+
+TEST(DrawChannelTrace, DrawsEverySampleAtOneOrTwoPerPixel) {
+    EXPECT_THAT(Heights(Trace({3, 1, 2, 9}, 1)), ElementsAre(3, 1, 2, 9));
+    EXPECT_THAT(Heights(Trace({3, 1, 2, 9}, 2)), ElementsAre(3, 1, 2, 9));
+    EXPECT_THAT(Heights(Trace({3}, 1)), ElementsAre(3));
+    EXPECT_THAT(Heights(Trace({3}, 5)), ElementsAre(3));
+    EXPECT_TRUE(Trace({}, 5).empty());
+}
+
+/// The one-pass way and the reading of every sample give the same points, in a block that offers it and one that fails.
+TEST(TraceReader, EqualsTheSampleBySampleWay) {
+    std::mt19937 random(5);
+    FakeBlock block;
+    block.samples.resize(3);
+    for (auto& channel : block.samples) {
+        for (int at = 0; at < 5000; ++at) channel.push_back(static_cast<std::int16_t>(random() % 7));
+    }
+    const std::vector<std::int16_t> channels{3, 1};
+    std::vector<std::int16_t> work;
+    std::vector<TracePoint> expected;
+    TraceReader reader;
+    for (int round = 0; round < 300; ++round) {
+        const auto first = static_cast<std::int32_t>(random() % 4990);
+        const auto count = static_cast<std::int32_t>(1 + random() % static_cast<unsigned>(5000 - first));
+        const auto perPixel = static_cast<std::int32_t>(1 + random() % 60);
+        block.offersExtremes = round % 3 != 0;
+        block.failing = round % 7 == 0 ? std::vector<std::string>{"ColumnExtremes"} : std::vector<std::string>{};
+        reader.Read(block, channels, first, count, perPixel);
+        ASSERT_EQ(reader.points().size(), 2U);
+        for (std::size_t at = 0; at < 2; ++at) {
+            DrawChannelTrace(block, channels[at], first, count, perPixel, work, expected);
+            ASSERT_EQ(reader.points()[at], expected) << first << ' ' << count << ' ' << perPixel;
+        }
+    }
+    block.failing = {"ReadCodes", "ColumnExtremes"};
+    reader.Read(block, channels, 0, 100, 5);
+    EXPECT_TRUE(reader.points()[0].empty()) << "what cannot be read is not drawn with old samples";
+}
+
+TEST(ShownChannels, AreThoseWithASlotThatIsShown) {
+    ViewBlock block;
+    block.channelNumbers = {4, 0, 31, 32};
+    ChannelSlots slots;
+    slots[0].shown = false;
+    EXPECT_THAT(ShownChannels(block, slots), ElementsAre(1, 3));
+}
+
+TEST(TraceColor, IsLegibleOnWhiteAndRepeatsEverySixteenChannels) {
+    const auto linear = [](std::uint32_t part) {
+        const double share = part / 255.0;
+        return share <= 0.04045 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    for (std::int16_t number = 0; number < kTraceColors; ++number) {
+        const std::uint32_t rgb = TraceColor(number);
+        const double luminance =
+            0.2126 * linear(rgb >> 16 & 255) + 0.7152 * linear(rgb >> 8 & 255) + 0.0722 * linear(rgb & 255);
+        EXPECT_GE(1.05 / (luminance + 0.05), 3.0) << number;
+        EXPECT_EQ(TraceColor(static_cast<std::int16_t>(number + 16)), rgb);
+    }
+}
+
+/// Device row of a code, as an anisotropic mapping computes it.
+double RowOf(const TraceMapping& mapping, double code) {
+    return mapping.viewportOriginY + (code - mapping.windowOriginY) * mapping.viewportExtentY / mapping.windowExtentY;
+}
+
+TEST(MapTrace, PutsValuesAtTheirRows) {
+    // value = code x scale + offset; a division is 40 rows; larger values go up.
+    for (const float scale : {0.5F, -0.5F, 0.001F, 3.0F, 20.0F}) {
+        for (const float zoom : {0.001F, 0.5F, 10.0F, 1000.0F}) {
+            TraceGeometry geometry;
+            geometry.zeroRow = 200;
+            geometry.unitsPerDivision = zoom;
+            const TraceMapping mapping = MapTrace(geometry, 1.0F / scale, 2.0F);
+            if (mapping.flat) continue;
+            const double codesPerPixel = std::fabs(static_cast<double>(zoom / scale / 40.0F));
+            for (const int code : {0, 100, -100}) {
+                const double rows = -40.0 * (code * static_cast<double>(scale)) / static_cast<double>(zoom) +
+                                    std::nearbyint(static_cast<double>(-40.0F * 2.0F / zoom));
+                // Extents are whole numbers of at most 32000: half a unit of the smaller one is the error.
+                const double tolerance = std::fabs(rows) * (codesPerPixel > 1.0 ? codesPerPixel : 1 / codesPerPixel) / 64000 + 0.01;
+                EXPECT_NEAR(RowOf(mapping, code), 200 + rows, tolerance) << scale << ' ' << zoom << ' ' << code;
+            }
+        }
+    }
+}
+
+TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {
+    TraceGeometry geometry;
+    const auto map = [&](float zoom, float invScale) {
+        geometry.unitsPerDivision = zoom;
+        return MapTrace(geometry, invScale, 0.0F);
+    };
+    EXPECT_EQ(map(40.0F, 1.0F).windowExtentY, -32000);  // one code per pixel
+    EXPECT_EQ(map(40.0F, 1.0F).viewportExtentY, 32000);
+    EXPECT_EQ(map(40.0F, 0.5F).windowExtentY, -16000);
+    EXPECT_EQ(map(40.0F, 4.0F).viewportExtentY, 8000);
+    EXPECT_EQ(map(40.0F, -4.0F).viewportExtentY, -8000);
+    EXPECT_EQ(map(40.0F, 1e-9F).windowExtentY, -1) << "rounds to 0: the sign stands for it";
+    EXPECT_EQ(map(40.0F, -1e-9F).windowExtentY, 1);
+    EXPECT_FALSE(map(40.0F, 31999.0F).flat);
+    EXPECT_TRUE(map(40.0F, 32000.0F).flat);
+    EXPECT_TRUE(map(40.0F, 1e9F).flat);
+    EXPECT_TRUE(map(40.0F, 0.0F).flat) << "a channel without a scale";
+    geometry.samplesPerPixel = 1;
+    EXPECT_EQ(map(40.0F, 1.0F).windowExtentX, 1);
+    geometry.samplesPerPixel = 2;
+    EXPECT_EQ(map(40.0F, 1.0F).windowExtentX, 2);
+    geometry.rawCodes = true;
+    const TraceMapping raw = MapTrace(geometry, 123.0F, 9.0F);
+    EXPECT_NEAR(RowOf(raw, 1000), -1.0, 0.01) << "1000 codes to a unit, 40 units to 40 rows";
+    EXPECT_EQ(raw.viewportOriginY, 0);
+}
+
+/// Folding moves the origin into 16 bits without moving the picture.
+TEST(MapTrace, FoldingKeepsEveryRow) {
+    for (const float invScale : {0.3F, -0.3F, 2.0F, -2.0F, 400.0F}) {
+        for (const std::int32_t zeroRow : {-200000, -33000, 100, 32767, 32768, 70001, 5000000}) {
+            for (const float base : {0.0F, 900.0F, -900.0F}) {
+                TraceGeometry geometry;
+                geometry.unitsPerDivision = 1.0F;
+                geometry.zeroRow = zeroRow;
+                const TraceMapping plain = MapTrace(geometry, invScale, base);
+                geometry.foldOrigin = true;
+                const TraceMapping folded = MapTrace(geometry, invScale, base);
+                EXPECT_LT(std::abs(folded.viewportOriginY), 32768);
+                for (const int code : {0, 1000, -32768}) {
+                    EXPECT_NEAR(RowOf(folded, code), RowOf(plain, code), 1e-3) << invScale << ' ' << zeroRow << ' ' << base;
+                }
+            }
+        }
+    }
+}
+
+TEST(RangeOf, TakesTheShownChannelsInTheirUnits) {
+    FakeBlock source;
+    source.samples = {{1, -7, 3, 4}, {10, 20, 30, 40}};
+    ViewBlock block;
+    block.block = std::make_shared<FakeBlock>(source);
+    block.sampleCount = 4;
+    block.channelNumbers = {0, 1};
+    block.invScale = {2.0F, -1.0F};
+    block.offsets = {1.0F, 0.0F};
+    ChannelSlots slots;
+    for (const bool onePass : {true, false}) {
+        static_cast<FakeBlock&>(*block.block).offersExtremes = onePass;
+        slots[1].shown = true;
+        EXPECT_EQ(RangeOf(block, slots, {2, 3})->minimum, -30.0F);
+        EXPECT_EQ(RangeOf(block, slots, {2, 3})->maximum, 2.5F);
+        slots[1].shown = false;
+        EXPECT_EQ(RangeOf(block, slots, {1, 4})->minimum, -2.5F);
+        EXPECT_EQ(RangeOf(block, slots, {1, 4})->maximum, 3.0F);
+    }
+    EXPECT_FALSE(RangeOf(block, slots, {1, 0}).has_value());
+}
+
+}  // namespace
+}  // namespace quillon
