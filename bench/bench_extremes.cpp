@@ -194,7 +194,7 @@ void FewRounds(benchmark::internal::Benchmark* it) {
 BENCHMARK(Interleaved)
     ->ArgNames({"channels", "run"})
     ->ArgsProduct({{32}, {3, 10, 100, 2000}})
-    ->ArgsProduct({{1, 2, 3, 4, 5, 6, 7, 8, 19}, {10, 2000}})
+    ->ArgsProduct({{1, 2, 3, 4, 5, 6, 7, 8, 19}, {10, 100, 2000}})
     ->Args({64, 2000})
     ->Apply(Rounds);
 BENCHMARK(LiteralRoute<PlainCalls>)->ArgName("run")->Arg(10)->Arg(2000)->Apply(FewRounds);

@@ -62,10 +62,12 @@ void AmplitudeScale::FindData(const std::optional<ValueRange>& range) {
 
 bool AmplitudeScale::Shows(const ValueRange& range) const {
     constexpr double leastRows = 8.0;
+    constexpr double leastShare = 0.8;
     const double rowsPerUnit = kDivision / static_cast<double>(UnitsPerDivision());
     const double top = ZeroRow() - static_cast<double>(range.maximum) * rowsPerUnit;
     const double bottom = ZeroRow() - static_cast<double>(range.minimum) * rowsPerUnit;
-    return bottom - top >= leastRows && bottom > 0 && top < m_height && bottom - top < 8.0 * m_height;
+    const double inside = std::min(bottom, static_cast<double>(m_height)) - std::max(top, 0.0);
+    return bottom - top >= leastRows && inside >= leastShare * (bottom - top);
 }
 
 }  // namespace quillon

@@ -56,4 +56,24 @@ std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& sl
     }
 }
 
+std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots) {
+    constexpr std::int64_t fewBytes = 16 << 20;
+    constexpr std::int32_t stretches = 16;
+    constexpr std::int32_t stretchSamples = 16384;
+    const std::int64_t bytes = std::int64_t{2} * block.sampleCount * block.channelCount;
+    const bool few = bytes <= fewBytes || block.sampleCount <= stretches * stretchSamples;
+    if (few) return RangeOf(block, slots, {1, block.sampleCount});
+    std::optional<ValueRange> range;
+    for (std::int64_t stretch = 0; stretch < stretches; ++stretch) {
+        const auto first =
+            static_cast<std::int32_t>(stretch * (block.sampleCount - stretchSamples) / (stretches - 1)) + 1;
+        const std::optional<ValueRange> part = RangeOf(block, slots, {first, first + stretchSamples - 1});
+        if (!part) continue;
+        if (!range) range = part;
+        range->minimum = std::min(range->minimum, part->minimum);
+        range->maximum = std::max(range->maximum, part->maximum);
+    }
+    return range;
+}
+
 }  // namespace quillon

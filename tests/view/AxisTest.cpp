@@ -114,6 +114,7 @@ TEST(AmplitudeScale, FindDataTakesTheFinestScaleThatHoldsTheRange) {
     EXPECT_TRUE(scale.Shows({10.0F, 20.5F}));
     EXPECT_FALSE(scale.Shows({100.0F, 120.0F}));
     EXPECT_FALSE(scale.Shows({15.0F, 15.1F}));
+    EXPECT_FALSE(scale.Shows({10.0F, 40.0F})) << "most of it lies above the graph";
     scale.FindData(ValueRange{-1e9F, 1e9F});
     EXPECT_EQ(scale.Index(), 0);
     scale.SelectScale(7);

@@ -198,6 +198,20 @@ TEST(RangeOf, TakesTheShownChannelsInTheirUnits) {
         EXPECT_EQ(RangeOf(block, slots, {1, 4})->maximum, 3.0F);
     }
     EXPECT_FALSE(RangeOf(block, slots, {1, 0}).has_value());
+
+    // A block too long to be read at once: its first and last samples count, and only stretches of it are read.
+    auto& fake = static_cast<FakeBlock&>(*block.block);
+    fake.samples = {std::vector<std::int16_t>(9000000, 0)};
+    fake.samples[0].front() = -50;
+    fake.samples[0].back() = 70;
+    block.channelNumbers = {0};
+    block.channelCount = 1;
+    block.sampleCount = 9000000;
+    EXPECT_EQ(TypicalRange(block, slots)->minimum, -24.0F);
+    EXPECT_EQ(TypicalRange(block, slots)->maximum, 36.0F);
+    fake.samples[0][20000] = 1000;
+    EXPECT_EQ(TypicalRange(block, slots)->maximum, 36.0F);
+    EXPECT_EQ(RangeOf(block, slots, {1, 9000000})->maximum, 501.0F);
 }
 
 }  // namespace

@@ -161,7 +161,7 @@ void frmQLMain::MoveBaseLine(std::int32_t rows) {
 
 void frmQLMain::FitUnlessLegible() {
     // A scale that the user chose stays from block to block as long as it shows something of the new one.
-    const std::optional<ValueRange> range = RangeOf(m_global.block, m_global.slots, m_global.axis.Visible());
+    const std::optional<ValueRange> range = TypicalRange(m_global.block, m_global.slots);
     if (range && !m_global.amplitude.Shows(*range)) m_global.amplitude.FindData(range);
 }
 
