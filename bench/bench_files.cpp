@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -6,6 +7,7 @@
 #include "BenchData.h"
 #include "norvik/ByteSource.h"
 #include "norvik/RecordingLibrary.h"
+#include "nsp/NspExtrema.h"
 
 namespace quillon::bench {
 namespace {
@@ -78,12 +80,50 @@ void EdfFile(benchmark::State& state) {
     FileExtremes(state, file);
 }
 
+/// The route that the one-pass reduction stands in for: every channel's samples read by themselves, then the two
+/// library calls for every run. `ratio` here is how many times longer it takes.
+void LiteralRoute(benchmark::State& state) {
+    const BenchFile file("quillon_bench.bin", [](std::ostream& to) { samples::WriteBenchBin(to, 4700); });
+    const auto run = static_cast<std::int32_t>(state.range(0));
+    RecordingBlock& block = file.Block();
+    const std::int32_t count = block.SampleCount();
+    std::vector<std::int16_t> channels;
+    std::vector<std::vector<RunExtremes>> results;
+    std::vector<RunExtremes*> out;
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        channels.push_back(channel);
+        results.emplace_back(static_cast<std::size_t>(count / run + 1));
+        out.push_back(results.back().data());
+    }
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(count));
+    const auto literal = [&] {
+        for (const std::int16_t channel : channels) {
+            block.ReadCodes(channel, 0, count, samples.data());
+            for (std::int32_t at = 0; at < count; at += run) {
+                int position = 0;
+                const std::int32_t length = std::min(run, count - at);
+                benchmark::DoNotOptimize(nsp::nspwMaxExt(samples.data() + at, length, &position));
+                benchmark::DoNotOptimize(nsp::nspwMinExt(samples.data() + at, length, &position));
+            }
+        }
+    };
+    Compare(state, file.Source().Size(), false, literal, [&] { block.ColumnExtremes(channels, 0, count, run, out); });
+}
+
 void Rounds(benchmark::internal::Benchmark* it) {
     it->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9)->ArgName("run");
 }
 
 BENCHMARK(BinFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
 BENCHMARK(EdfFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+
+BENCHMARK(LiteralRoute)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->ArgName("run")
+    ->Arg(10)
+    ->Arg(2000);
 
 }  // namespace
 }  // namespace quillon::bench

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "norvik/ByteSource.h"
+#include "norvik/PieceBuffer.h"
 
 namespace quillon {
 
@@ -20,13 +21,14 @@ class EdfRecords {
     /// `start` is the byte of the first record.
     EdfRecords(std::shared_ptr<ByteSource> source, std::uint64_t start, std::uint64_t recordBytes);
 
-    /// Called with the index of the stream, the bytes' position counted from the first one asked for, and the bytes.
+    /// Called with the same stretch of every stream: its position counted from the first byte asked for, a pointer to
+    /// its bytes for each stream, and how many they are.
     using Visitor =
-        std::function<void(std::size_t stream, std::uint64_t position, std::span<const std::uint8_t> bytes)>;
+        std::function<void(std::uint64_t position, std::span<const std::uint8_t* const> streams, std::size_t bytes)>;
 
     /// Visits bytes first .. first+count-1 of the streams whose parts of `partBytes` bytes lie at `offsets` in a
-    /// record. The bytes of one stream come in order; a piece of them ends at whole 16- and 24-bit samples, if `first`
-    /// and `partBytes` do. Where all numbers are even, the bytes are aligned for 16-bit samples.
+    /// record, in order. A stretch ends at whole 16- and 24-bit samples, if `first` and `partBytes` do. Where all
+    /// numbers are even, the bytes are aligned for 16-bit samples.
     void Visit(std::span<const std::uint64_t> offsets, std::uint64_t partBytes, std::uint64_t first,
                std::uint64_t count, const Visitor& visitor);
 
@@ -41,17 +43,19 @@ class EdfRecords {
         std::uint64_t end = 0;
         const Visitor& visitor;
     };
-    /// Visits the record that holds byte `at` of the streams, part by part. Returns how many bytes of each.
+    /// Visits the record that holds byte `at` of the streams, reading each stream's part by itself. Returns how many
+    /// bytes of each.
     std::uint64_t VisitParts(const Request& request, std::uint64_t at);
     /// Visits as many records from byte `at` of the streams as one read may hold. Returns how many bytes of each.
     std::uint64_t VisitPiece(const Request& request, std::uint64_t at);
-    const std::uint8_t* Read(std::uint64_t offset, std::uint64_t count);
+    const std::uint8_t* Read(PieceBuffer& buffer, std::uint64_t offset, std::uint64_t count);
 
     std::shared_ptr<ByteSource> m_source;
     std::uint64_t m_start;
     std::uint64_t m_recordBytes;
-    /// Made of 16-bit samples, since that is what it mostly holds.
-    std::vector<std::int16_t> m_piece;
+    PieceBuffer m_piece;
+    std::vector<PieceBuffer> m_parts;  ///< one per stream, for parts that are read by themselves
+    std::vector<const std::uint8_t*> m_streams;
 };
 
 }  // namespace quillon

@@ -86,9 +86,10 @@ void ReadAnnotations(const std::shared_ptr<ByteSource>& source, const EdfHeader&
     std::uint64_t withoutOnset = 0;
     for (std::size_t at = 0; at < header.annotations.size(); ++at) {
         const EdfSignal& signal = header.annotations[at];
-        const auto visit = [&](std::size_t, std::uint64_t position, std::span<const std::uint8_t> bytes) {
-            timeline.annotations.Feed({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-            if ((position + bytes.size()) % signal.partBytes != 0) return;
+        const auto visit = [&](std::uint64_t position, std::span<const std::uint8_t* const> streams,
+                               std::size_t bytes) {
+            timeline.annotations.Feed({reinterpret_cast<const char*>(streams[0]), bytes});
+            if ((position + bytes) % signal.partBytes != 0) return;
             const std::optional<double> onset = timeline.annotations.EndRecord();
             // Only the first annotation signal tells the onsets of records.
             if (at > 0) return;

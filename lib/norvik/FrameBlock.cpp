@@ -83,14 +83,10 @@ void FrameBlock::ForEachPiece(std::int32_t first, std::int32_t count, const UseP
     const std::size_t frameBytes = m_layout.frameBytes;
     const auto wanted = static_cast<std::size_t>(count);
     const std::size_t pieceFrames = std::min(wanted, std::max<std::size_t>(kPieceBytes / frameBytes, 1));
-    m_piece.resize((pieceFrames * frameBytes + 1) / 2);
-    // The bytes of the 16-bit buffer may be looked at as what they are.
-    auto* bytes = reinterpret_cast<std::uint8_t*>(m_piece.data());
     std::uint64_t offset = m_layout.dataOffset + static_cast<std::uint64_t>(first) * frameBytes;
     for (std::size_t done = 0; done < wanted;) {
         const std::size_t frames = std::min(pieceFrames, wanted - done);
-        m_source->ReadExactly(offset, bytes, frames * frameBytes);
-        use(bytes, frames);
+        use(m_piece.Read(*m_source, offset, frames * frameBytes), frames);
         offset += frames * frameBytes;
         done += frames;
     }
@@ -137,7 +133,8 @@ bool FrameBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32
     std::vector<std::size_t> sorted(channels.begin(), channels.end());
     std::sort(sorted.begin(), sorted.end());
     const bool repeats = std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
-    const bool stored = m_layout.kind == SampleKind::Int16 && m_layout.frameBytes % 2 == 0 && !repeats;
+    const bool stored =
+        m_layout.kind == SampleKind::Int16 && m_layout.frameBytes % 2 == 0 && m_layout.dataOffset % 2 == 0 && !repeats;
     if (stored) {
         ReduceStoredCodes(channels, first, count, run, out);
     } else {
@@ -151,7 +148,9 @@ void FrameBlock::ReduceStoredCodes(std::span<const std::size_t> channels, std::i
     std::vector<std::size_t> places;
     for (const std::size_t channel : channels) places.push_back(m_layout.firstChannel + channel);
     nsp::FrameRunReducer reducer(m_layout.frameBytes / 2, places, run, out);
-    ForEachPiece(first, count, [&](const std::uint8_t*, std::size_t frames) { reducer.Feed(m_piece.data(), frames); });
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
+        reducer.Feed(reinterpret_cast<const std::int16_t*>(bytes), frames);
+    });
     reducer.Finish();
 }
 

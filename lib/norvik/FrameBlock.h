@@ -7,6 +7,7 @@
 
 #include "norvik/ByteSource.h"
 #include "norvik/FileBlock.h"
+#include "norvik/PieceBuffer.h"
 #include "norvik/WideScale.h"
 
 namespace quillon {
@@ -66,7 +67,7 @@ class FrameBlock final : public FileBlock {
     std::shared_ptr<ByteSource> m_source;
     FrameLayout m_layout;
     mutable std::vector<ChannelScaling> m_scaling;  ///< of wide kinds; empty until resolved
-    mutable std::vector<std::int16_t> m_piece;      ///< the reused buffer; 16-bit so that samples in it are aligned
+    mutable PieceBuffer m_piece;
 };
 
 struct FrameMark {

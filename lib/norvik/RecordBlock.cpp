@@ -20,14 +20,16 @@ void RecordBlock::ResolveScales() const {
         std::int32_t maximum = std::numeric_limits<std::int32_t>::min();
     };
     std::vector<Extremes> extremes(m_layout.offsets.size());
-    const auto visit = [&](std::size_t channel, std::uint64_t, std::span<const std::uint8_t> bytes) {
-        Extremes found = extremes[channel];
-        for (std::size_t at = 0; at < bytes.size(); at += 3) {
-            const std::int32_t sample = LeSigned24(bytes.data() + at);
-            found.minimum = std::min(found.minimum, sample);
-            found.maximum = std::max(found.maximum, sample);
+    const auto visit = [&](std::uint64_t, std::span<const std::uint8_t* const> channels, std::size_t bytes) {
+        for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+            Extremes found = extremes[channel];
+            for (std::size_t at = 0; at < bytes; at += 3) {
+                const std::int32_t sample = LeSigned24(channels[channel] + at);
+                found.minimum = std::min(found.minimum, sample);
+                found.maximum = std::max(found.maximum, sample);
+            }
+            extremes[channel] = found;
         }
-        extremes[channel] = found;
     };
     const auto samples = static_cast<std::uint64_t>(m_description.sampleCount);
     m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
@@ -50,27 +52,33 @@ void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t
     offsets.reserve(channels.size());
     for (const std::size_t channel : channels) offsets.push_back(m_layout.offsets[channel]);
     const std::uint64_t width = m_layout.sampleBytes;
-    const auto visit = [&](std::size_t which, std::uint64_t position, std::span<const std::uint8_t> bytes) {
-        const auto sample = static_cast<std::size_t>(position / width);
-        const auto samples = bytes.size() / static_cast<std::size_t>(width);
-        if (width == 2) {
-            // Every field of a record has an even size, so the bytes are aligned.
-            visitor(which, sample, {reinterpret_cast<const std::int16_t*>(bytes.data()), samples});
-            return;
+    std::vector<const std::int16_t*> codes(channels.size());
+    const auto visit = [&](std::uint64_t position, std::span<const std::uint8_t* const> streams, std::size_t bytes) {
+        const auto samples = bytes / static_cast<std::size_t>(width);
+        if (width == 3) m_codes.resize(std::max(m_codes.size(), samples * channels.size()));
+        for (std::size_t which = 0; which < channels.size(); ++which) {
+            // Every field of a record of 16-bit samples has an even size, so the bytes are aligned.
+            codes[which] = width == 2 ? reinterpret_cast<const std::int16_t*>(streams[which])
+                                      : DecodeWide(channels[which], streams[which], samples, which * samples);
         }
-        const WideScale& scale = m_wide[channels[which]];
-        m_codes.resize(std::max(m_codes.size(), samples));
-        for (std::size_t at = 0; at < samples; ++at) m_codes[at] = scale.Code(LeSigned24(bytes.data() + at * 3));
-        visitor(which, sample, {m_codes.data(), samples});
+        visitor(static_cast<std::size_t>(position / width), codes, samples);
     };
     m_records.Visit(offsets, m_layout.samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
                     static_cast<std::uint64_t>(count) * width, visit);
 }
 
+const std::int16_t* RecordBlock::DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
+                                            std::size_t place) {
+    const WideScale scale = m_wide[channel];
+    std::int16_t* const codes = m_codes.data() + place;
+    for (std::size_t at = 0; at < samples; ++at) codes[at] = scale.Code(LeSigned24(bytes + at * 3));
+    return codes;
+}
+
 void RecordBlock::FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
     VisitCodes({&channel, 1}, first, count,
-               [&](std::size_t, std::size_t position, std::span<const std::int16_t> codes) {
-                   std::copy(codes.begin(), codes.end(), buffer + position);
+               [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   std::copy_n(codes[0], samples, buffer + position);
                });
 }
 
@@ -79,24 +87,22 @@ void RecordBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16
     std::vector<std::size_t> channels(width);
     std::iota(channels.begin(), channels.end(), std::size_t{0});
     VisitCodes(channels, first, count,
-               [&](std::size_t which, std::size_t position, std::span<const std::int16_t> codes) {
-                   std::int16_t* out = buffer + position * width + which;
-                   for (const std::int16_t code : codes) {
-                       *out = code;
-                       out += width;
+               [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   for (std::size_t channel = 0; channel < width; ++channel) {
+                       std::int16_t* out = buffer + position * width + channel;
+                       for (std::size_t at = 0; at < samples; ++at) out[at * width] = codes[channel][at];
                    }
                });
 }
 
 bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                 std::int32_t run, std::span<RunExtremes* const> out) {
-    std::vector<nsp::PlanarRunReducer> reducers;
-    reducers.reserve(channels.size());
-    for (RunExtremes* const results : out) reducers.emplace_back(run, results);
-    VisitCodes(channels, first, count, [&](std::size_t which, std::size_t, std::span<const std::int16_t> codes) {
-        reducers[which].Feed(codes.data(), codes.size());
-    });
-    for (nsp::PlanarRunReducer& reducer : reducers) reducer.Finish();
+    nsp::PlanarSetReducer reducer(run, out);
+    VisitCodes(channels, first, count,
+               [&](std::size_t, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   reducer.Feed(codes, samples);
+               });
+    reducer.Finish();
     return true;
 }
 

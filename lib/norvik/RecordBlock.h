@@ -44,18 +44,21 @@ class RecordBlock final : public FileBlock {
     void ResolveScales() const override;
 
   private:
-    /// Called with the index of the channel among those asked for, the sample's number counted from the first one asked
-    /// for, and the codes.
+    /// Called with the same stretch of every channel asked for: its first sample counted from the first one asked for,
+    /// a pointer to the codes of each channel, and how many they are.
     using CodeVisitor =
-        std::function<void(std::size_t which, std::size_t position, std::span<const std::int16_t> codes)>;
+        std::function<void(std::size_t position, std::span<const std::int16_t* const> codes, std::size_t count)>;
     void VisitCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                     const CodeVisitor& visitor);
+    /// Codes of 24-bit samples, put into m_codes from `place` on.
+    const std::int16_t* DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
+                                   std::size_t place);
 
     RecordLayout m_layout;
     // Mutable for ResolveScales, which reads.
     mutable EdfRecords m_records;
     mutable std::vector<WideScale> m_wide;  ///< per channel; empty until resolved, and for 16-bit samples
-    std::vector<std::int16_t> m_codes;      ///< of one visit, where samples are wider
+    std::vector<std::int16_t> m_codes;      ///< of one stretch, where samples are wider
 };
 
 }  // namespace quillon

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "base/Rounding.h"
-
 namespace quillon {
 
 namespace {
@@ -26,12 +24,6 @@ WideScale WithUnits(double shift, double step, double unitsPerSample, double uni
 }
 
 }  // namespace
-
-std::int16_t WideScale::Code(double sample) const {
-    // An undefined sample is drawn on the zero line rather than at an arbitrary end of the range.
-    const double code = ((std::isnan(sample) ? 0.0 : sample) - shift) / step;
-    return RoundHalfEven<std::int16_t>(std::clamp(code, kCodeMinimum, kCodeMaximum));
-}
 
 WideScale ChooseWideScale(double minimum, double maximum, bool whole, double unitsPerSample, double unitsOffset) {
     if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum > maximum) {

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
+
+#include "base/Rounding.h"
 
 namespace quillon {
 
@@ -12,7 +16,11 @@ struct WideScale {
     float scale = 1.0F;
     float offset = 0.0F;
 
-    [[nodiscard]] std::int16_t Code(double sample) const;
+    [[nodiscard]] std::int16_t Code(double sample) const {
+        // An undefined sample is drawn on the zero line rather than at an arbitrary end of the range.
+        const double code = ((std::isnan(sample) ? 0.0 : sample) - shift) / step;
+        return static_cast<std::int16_t>(RoundHalfEvenInRange(std::clamp(code, -32768.0, 32767.0)));
+    }
 };
 
 /// Chooses the mapping from the channel's extremes over the block. value = sample x unitsPerSample + unitsOffset.

@@ -142,22 +142,7 @@ void TransposeFrames(__m128i* v) {
         v[2] = _mm_unpacklo_epi64(b, d);
         v[3] = _mm_unpackhi_epi64(b, d);
     } else {
-        __m128i pairs[8];
-        __m128i fours[8];
-        for (std::size_t i = 0; i < 4; ++i) {
-            pairs[2 * i] = _mm_unpacklo_epi16(v[2 * i], v[2 * i + 1]);
-            pairs[2 * i + 1] = _mm_unpackhi_epi16(v[2 * i], v[2 * i + 1]);
-        }
-        for (std::size_t half = 0; half < 8; half += 4) {
-            for (std::size_t i = 0; i < 2; ++i) {
-                fours[half + 2 * i] = _mm_unpacklo_epi32(pairs[half + i], pairs[half + 2 + i]);
-                fours[half + 2 * i + 1] = _mm_unpackhi_epi32(pairs[half + i], pairs[half + 2 + i]);
-            }
-        }
-        for (std::size_t i = 0; i < 4; ++i) {
-            v[2 * i] = _mm_unpacklo_epi64(fours[i], fours[4 + i]);
-            v[2 * i + 1] = _mm_unpackhi_epi64(fours[i], fours[4 + i]);
-        }
+        Transpose8x8(v);
     }
 }
 

@@ -31,6 +31,26 @@ inline __m128i Select(__m128i mask, __m128i whereSet, __m128i whereClear) {
     return _mm_or_si128(_mm_and_si128(mask, whereSet), _mm_andnot_si128(mask, whereClear));
 }
 
+/// Transposes 8 x 8 samples in place.
+inline void Transpose8x8(__m128i* v) {
+    __m128i pairs[8];
+    __m128i fours[8];
+    for (std::size_t i = 0; i < 4; ++i) {
+        pairs[2 * i] = _mm_unpacklo_epi16(v[2 * i], v[2 * i + 1]);
+        pairs[2 * i + 1] = _mm_unpackhi_epi16(v[2 * i], v[2 * i + 1]);
+    }
+    for (std::size_t half = 0; half < 8; half += 4) {
+        for (std::size_t i = 0; i < 2; ++i) {
+            fours[half + 2 * i] = _mm_unpacklo_epi32(pairs[half + i], pairs[half + 2 + i]);
+            fours[half + 2 * i + 1] = _mm_unpackhi_epi32(pairs[half + i], pairs[half + 2 + i]);
+        }
+    }
+    for (std::size_t i = 0; i < 4; ++i) {
+        v[2 * i] = _mm_unpacklo_epi64(fours[i], fours[4 + i]);
+        v[2 * i + 1] = _mm_unpackhi_epi64(fours[i], fours[4 + i]);
+    }
+}
+
 /// Extremes of the samples seen so far. Only their order is kept, not their positions: each new extreme is the later
 /// one, so the last of the two that changed tells the order. Strict comparison keeps first occurrences, and a sample
 /// seen twice changes nothing, so a run's last vector may overlap the one before it.

@@ -38,6 +38,24 @@ class PlanarRunReducer {
     ExtremePair* m_out;
 };
 
+/// Samples of several channels that each lie together and are fed in step, as the records of a file hold them.
+class PlanarSetReducer {
+  public:
+    /// out[c] has room for the results of channel c.
+    PlanarSetReducer(std::int32_t run, std::span<ExtremePair* const> out);
+    ~PlanarSetReducer();
+    PlanarSetReducer(const PlanarSetReducer&) = delete;
+    PlanarSetReducer& operator=(const PlanarSetReducer&) = delete;
+    /// The next `count` samples of every channel; samples[c] points to those of channel c.
+    void Feed(std::span<const std::int16_t* const> samples, std::size_t count);
+    /// Writes the last, shorter run if one is under way. Call once, after the last piece.
+    void Finish();
+
+  private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
 /// Frames: one sample of every channel after the other.
 class FrameRunReducer {
   public:

@@ -18,8 +18,8 @@ struct LayoutInput {
     std::int32_t clientWidth = 0;
     std::int32_t clientHeight = 0;
     std::int32_t statusHeight = 0;
-    std::int32_t comboHeight = 0;   ///< of a closed drop-down list
-    std::int32_t tabHeight = 0;     ///< of a strip of tabs
+    std::int32_t comboHeight = 0;  ///< of a closed drop-down list
+    std::int32_t tabHeight = 0;    ///< of a strip of tabs
     std::int32_t dpi = 96;
     std::int32_t listWidth = 0;     ///< of the lists' column; 0: the default
     std::int32_t upperPercent = 0;  ///< share of the upper list in the column; 0: the default
@@ -30,8 +30,8 @@ struct MainLayout {
     PixelRect tabPath, drive, folders, channels;
     PixelRect tabFile, fileType, files, blocks;
     PixelRect scaleY, graph, scrollY, zoomX, scaleX, scrollX;
-    PixelRect splitColumn;  ///< between the lists and the graph
-    PixelRect splitLists;   ///< between the upper and the lower list
+    PixelRect splitColumn;          ///< between the lists and the graph
+    PixelRect splitLists;           ///< between the upper and the lower list
     std::int32_t listWidth = 0;     ///< as used, within its limits
     std::int32_t upperPercent = 0;  ///< as used, within its limits
 };

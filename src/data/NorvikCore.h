@@ -65,9 +65,10 @@ class RecordingBlock {
     /// channel lie together, so that ReadCodes is.
     [[nodiscard]] virtual bool FramesAreCheap() const = 0;
     /// Extremes of consecutive runs for several channels in one pass over the stored data.
-    /// Samples first .. first+count-1 are cut into runs of `run` samples, the last one shorter where count is no multiple.
-    /// out[i] points to room for ceil(count / run) results of channels[i]. Returns false, with nothing written, where the
-    /// block has no faster way than ReadCodes. The results equal those of reading every run with ReadCodes.
+    /// Samples first .. first+count-1 are cut into runs of `run` samples, the last one shorter where count is no
+    /// multiple. out[i] points to room for ceil(count / run) results of channels[i]. Returns false, with nothing
+    /// written, where the block has no faster way than ReadCodes. The results equal those of reading every run with
+    /// ReadCodes.
     virtual bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
                                 std::int32_t run, std::span<RunExtremes* const> out) = 0;
 };

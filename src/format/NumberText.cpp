@@ -58,9 +58,8 @@ std::u16string ShortestText(Real value, char16_t separator) {
     auto [text, exponent] = Shortest(std::fabs(value));
     if (exponent >= longest || exponent < -longest) {
         if (text.size() > 1) text.insert(1, 1, '.');
-        const std::string digits = std::to_string(std::abs(exponent));
         text += exponent < 0 ? "E-" : "E+";
-        text.append(Count(2 - static_cast<int>(digits.size())), '0').append(digits);
+        text += std::to_string(std::abs(exponent));
     } else if (exponent < 0) {
         text.insert(0, "0." + std::string(Count(-exponent - 1), '0'));
     } else if (const std::size_t whole = Count(exponent + 1); text.size() > whole) {

@@ -19,7 +19,7 @@ namespace quillon {
 [[nodiscard]] double RoundToPlaces(double value, int places);
 
 /// The fewest digits that read back as the number, without trailing zeros: "0.05", "-1200". From 1E+15 on, and below
-/// 1E-15, with an exponent of at least two digits.
+/// 1E-15, with an exponent.
 [[nodiscard]] std::u16string NumberText(double value, char16_t separator);
 
 /// The fewest digits that read back as the single nearest to the value; beyond the range of singles as NumberText.

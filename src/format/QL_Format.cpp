@@ -18,7 +18,7 @@ struct Quantity {
 };
 
 Quantity InUnitOf(TimeMode mode, double seconds) {
-    switch (mode) {
+    switch (mode) {  // a number of no mode counts as seconds
         case TimeMode::Minutes: return {seconds / 60.0, u"min", 5};
         case TimeMode::Milliseconds: return {seconds * 1e3, u"ms", 4};
         case TimeMode::Microseconds: return {seconds * 1e6, u"mks", 3};
@@ -38,9 +38,7 @@ Quantity InFrequencyUnit(double hertz) {
 /// The mode that the options fix, else the automatic one.
 TimeMode ModeOr(TimeMode automatic, const FormatOptions& options) {
     if (options.timeOfDay) return TimeMode::Clock;
-    if (options.timeUnit <= 0) return automatic;
-    const bool known = options.timeUnit <= static_cast<int>(TimeMode::Microseconds);
-    return known ? static_cast<TimeMode>(options.timeUnit) : TimeMode::Seconds;
+    return options.timeUnit <= 0 ? automatic : static_cast<TimeMode>(options.timeUnit);
 }
 
 TimeMode ModeOfTime(double seconds) {
@@ -73,8 +71,7 @@ std::u16string_view PrefixText(int exponent) {
 
 int PrefixExponent(float value) {
     if (value == 0.0F) return 6;
-    // All bounds are powers of ten, so the exponent decides; it puts the single nearest to a bound into the higher
-    // range.
+    // All bounds are powers of ten, so the exponent decides: the single nearest to a bound is in the higher range.
     const int exponent = DecimalExponent(value);
     if (exponent >= 5) return -6;
     if (exponent >= 2) return -3;
@@ -116,7 +113,7 @@ PrefixedUnit ChoosePrefix(float value, std::u16string_view unit, const FormatOpt
     if (unit.empty()) unit = kUnits.front();
     if (!IsPrefixable(unit, options)) return {0, std::u16string(unit)};
     int exponent = PrefixExponent(value);
-    // The letters alone decide, so "m/s" counts as a thousandth of "/s"; the family's other programs do the same.
+    // The letters alone decide, also where they are no prefix.
     if (unit.size() > 2 && unit.starts_with(u"mk")) {
         unit.remove_prefix(2);
         exponent += 6;
@@ -131,7 +128,7 @@ std::u16string FormatValue(float value, std::u16string_view unit, const FormatOp
     if (unit.empty()) unit = kUnits.front();
     if (value == 0.0F) return std::u16string(u" 0 ").append(unit);
     PrefixedUnit prefixed{0, std::u16string(unit)};
-    if (std::isfinite(value) && IsPrefixable(unit, options)) {
+    if (IsPrefixable(unit, options)) {
         prefixed = ChoosePrefix(value, unit, options);
         value = Scaled(value, prefixed.exponent);
     }

@@ -42,7 +42,9 @@ struct PrefixedUnit {
     std::u16string unit;
 };
 
-/// Chooses the prefix that suits the value. A prefix that the unit has already is folded in.
+/// Chooses the prefix that suits the value. A prefix that the unit has already adds to the exponent what it is the
+/// prefix of: 0.5 "mV" becomes 500 "mV", and "m/s" counts as a thousandth of "/s". Both are kept as the family's other
+/// programs show them; with scaling off a unit stays as it is.
 [[nodiscard]] PrefixedUnit ChoosePrefix(float value, std::u16string_view unit, const FormatOptions& options);
 
 /// Value, blank, unit; a value that is not negative has a blank in front, where a negative one has its sign. An empty

@@ -20,9 +20,8 @@ std::int32_t Rows(double value) {
 }  // namespace
 
 float AmplitudeScale::TableEntry(int index) {
-    constexpr std::array<std::int32_t, kScaleCount> thousandths{1000000, 500000, 200000, 100000, 50000, 20000, 10000,
-                                                                5000,    2000,   1000,   500,    200,   100,   50,
-                                                                20,      10,     5,      2,      1};
+    constexpr std::array<std::int32_t, kScaleCount> thousandths{
+        1000000, 500000, 200000, 100000, 50000, 20000, 10000, 5000, 2000, 1000, 500, 200, 100, 50, 20, 10, 5, 2, 1};
     return static_cast<float>(thousandths[static_cast<std::size_t>(index)] / 1000.0);
 }
 

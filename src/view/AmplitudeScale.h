@@ -30,8 +30,8 @@ class AmplitudeScale {
     [[nodiscard]] std::int32_t ZeroRow() const { return m_centreLine + m_shift; }
     [[nodiscard]] std::int32_t Height() const { return m_height; }
 
-    /// Steps to a finer (+) or coarser (-) scale and keeps the value of the base line where it is; the index stops at the
-    /// table's ends.
+    /// Steps to a finer (+) or coarser (-) scale and keeps the value of the base line where it is; the index stops at
+    /// the table's ends.
     void ZoomY(int step);
     /// Takes a scale of the table; the value of the base line stays where it is too.
     void SelectScale(int index);

@@ -15,8 +15,8 @@ inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
 [[nodiscard]] std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& slots,
                                                 const VisibleRange& samples);
 
-/// The range that a block's scale is chosen by when it is first shown: of all its samples where they are few enough to be
-/// read at once, else of stretches spread evenly over it, so that a recording of any length shows at once.
+/// The range that a block's scale is chosen by when it is first shown: of all its samples where they are few enough to
+/// be read at once, else of stretches spread evenly over it, so that a recording of any length shows at once.
 [[nodiscard]] std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots);
 
 }  // namespace quillon

@@ -25,16 +25,16 @@ inline constexpr int kTraceColors = 16;
 /// Positions in the block (from 1) of the channels to be drawn, in block order: those whose slot is shown.
 [[nodiscard]] std::vector<std::int16_t> ShownChannels(const ViewBlock& block, const ChannelSlots& slots);
 
-/// Computes the points of a channel's trace over samples first .. first+count-1 (from 0) by reading every one of them, and
-/// returns the last sample. With more than 2 samples per pixel each further pixel column gets the two extremes of its run
-/// of samples, in the order in which they occur (the maximum first when both are the same sample); sample `first` is the
-/// starting point. `work` and `points` are reused between calls. A count below 1 gives no points.
+/// Computes the points of a channel's trace over samples first .. first+count-1 (from 0) by reading every one of them,
+/// and returns the last sample. With more than 2 samples per pixel each further pixel column gets the two extremes of
+/// its run of samples, in the order in which they occur (the maximum first when both are the same sample); sample
+/// `first` is the starting point. `work` and `points` are reused between calls. A count below 1 gives no points.
 std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::int32_t first, std::int32_t count,
                               std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
                               std::vector<TracePoint>& points);
 
-/// The same points for several channels. Where the block can reduce them in one pass over its data this reads it once for
-/// all channels, else channel by channel with DrawChannelTrace. A channel that cannot be read gets no points.
+/// The same points for several channels. Where the block can reduce them in one pass over its data this reads it once
+/// for all channels, else channel by channel with DrawChannelTrace. A channel that cannot be read gets no points.
 class TraceReader {
   public:
     /// points() then holds one list per entry of `channels`.

@@ -54,7 +54,8 @@ std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCod
     for (; row < -division; row += division) --n;
     std::vector<ScaleLabel> labels;
     for (; row < scale.Height() + division; row += division, --n) {
-        labels.push_back({static_cast<std::int32_t>(row), AmplitudeText(static_cast<double>(n) * step, step, rawCodes)});
+        labels.push_back(
+            {static_cast<std::int32_t>(row), AmplitudeText(static_cast<double>(n) * step, step, rawCodes)});
     }
     return labels;
 }

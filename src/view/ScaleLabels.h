@@ -16,8 +16,8 @@ struct ScaleLabel {
     std::u16string text;
 };
 
-/// Labels of the time scale: one per division, from the division at or left of the first visible column to the right edge;
-/// seconds from the start of the block. None without samples.
+/// Labels of the time scale: one per division, from the division at or left of the first visible column to the right
+/// edge; seconds from the start of the block. None without samples.
 [[nodiscard]] std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block);
 
 /// Labels of the amplitude scale, one per division from the strip's top to its bottom; the position is the row of the
@@ -26,9 +26,9 @@ struct ScaleLabel {
 
 /// A vertical line of the graph with a text: a mark of the block inside the visible range.
 struct MarkLine {
-    std::int32_t column = 0;      ///< pixel column of the graph
-    std::int32_t textWidth = 0;   ///< pixels to the next mark or the right edge
-    std::int32_t markIndex = 0;   ///< index in ViewBlock::marks
+    std::int32_t column = 0;     ///< pixel column of the graph
+    std::int32_t textWidth = 0;  ///< pixels to the next mark or the right edge
+    std::int32_t markIndex = 0;  ///< index in ViewBlock::marks
 };
 
 /// The marks that the graph shows, by column.

@@ -17,8 +17,8 @@ struct VisibleRange {
 /// FirstColumn on. FirstColumn stays within 0 .. StripLength.
 class TimeAxis {
   public:
-    static constexpr int kZoomCount = 28;      ///< 1, 2, 5, 10, ... 1 000 000 000 samples per pixel
-    static constexpr int kMenuZoomCount = 11;  ///< the zooms offered: 1 to 2000 samples per pixel
+    static constexpr int kZoomCount = 28;              ///< 1, 2, 5, 10, ... 1 000 000 000 samples per pixel
+    static constexpr int kMenuZoomCount = 11;          ///< the zooms offered: 1 to 2000 samples per pixel
     static constexpr std::int32_t kDivision = 100;     ///< pixels of one grid division
     static constexpr std::int32_t kScrollMax = 32767;  ///< the scroll bar's largest value
 

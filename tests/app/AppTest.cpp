@@ -41,9 +41,9 @@ TEST(MainLayout, NothingOverlapsOrLeavesTheWindow) {
             for (const auto& [listWidth, upper] : {std::pair{0, 0}, {1, 1}, {5000, 99}}) {
                 LayoutInput input{width * dpi / 96, height * dpi / 96, 22, 21, 24, dpi, listWidth, upper};
                 const MainLayout layout = ArrangeMain(input);
-                const PixelRect all[] = {layout.tabPath, layout.drive,  layout.folders, layout.tabFile, layout.fileType,
-                                         layout.files,   layout.scaleY, layout.graph,   layout.scrollY, layout.zoomX,
-                                         layout.scaleX,  layout.scrollX};
+                const PixelRect all[] = {layout.tabPath,  layout.drive, layout.folders, layout.tabFile,
+                                         layout.fileType, layout.files, layout.scaleY,  layout.graph,
+                                         layout.scrollY,  layout.zoomX, layout.scaleX,  layout.scrollX};
                 for (std::size_t a = 0; a < std::size(all); ++a) {
                     SCOPED_TRACE(::testing::Message() << dpi << ' ' << width << ' ' << listWidth << " control " << a);
                     EXPECT_GT(all[a].width, 14);

@@ -143,7 +143,8 @@ TEST_F(BlockLoaderTest, AFailingCallLeavesItsFieldEmptyAndTheLoadGoesOn) {
         EXPECT_EQ(m_block.sampleCount, call == std::string("SampleCount") ? 0 : 3);
         EXPECT_EQ(m_block.sampleRate, call == std::string("SampleRate") ? 0.0 : 100.0);
         EXPECT_EQ(m_block.marks.size(), call == std::string("MarkCount") ? 0U : 1U);
-        EXPECT_THAT(m_block.offsets, call == std::string("ChannelOffset") ? ElementsAre(0.0F, 0.0F) : ElementsAre(1.0F, 2.0F));
+        EXPECT_THAT(m_block.offsets,
+                    call == std::string("ChannelOffset") ? ElementsAre(0.0F, 0.0F) : ElementsAre(1.0F, 2.0F));
         EXPECT_EQ(m_slots[0].unit, call == std::string("ChannelUnit") ? u"" : u"V");
     }
 }

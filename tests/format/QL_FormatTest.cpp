@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -126,7 +127,7 @@ TEST(NumberText, Patterns) {
 TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
     EXPECT_EQ(Values({0, 0.05, -150, 1e5, -9.99999, 0.0001}, u""), " 0 V| 50 mV|-0.15 kV| 0.1 MV|-10 V| 0.1 mV|");
     EXPECT_EQ(Values({-0.0, 0.5, 2e-5, 100}, u"mV"), " 0 mV| 500 mV| 20000 nV| 100 V|");
-    EXPECT_EQ(Values({1.5, 2e-5, 3e5}, u"kHz"), " 0.0015 kHz| 20 mHz| 0.0003 GHz|");
+    EXPECT_EQ(Values({1.5, 2e-5, 3e5}, u"kHz"), " 0.0015 kHz| 0.02 mHz| 0.0003 GHz|");
     EXPECT_EQ(Values({2, 200}, u"m/s"), " 2000 m/s| 200 /s|");
     EXPECT_EQ(Values({2, 2e-5}, u"m"), " 2 m| 20 mkm|");
     for (const std::u16string unit : {u"K", u"\u00B0C", u"mmHg", u"%", u"mkV", u"MHz", u"FS", u"mK", u"v"}) {
@@ -139,6 +140,7 @@ TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
     plain.language = Language::Russian;
     EXPECT_EQ(Values({0.05, -2e5}, u"mV", plain), " 0,05 mV|-200000 mV|");
     EXPECT_EQ(ChoosePrefix(0.05F, u"", plain).unit, u"V");
+    EXPECT_EQ(ChoosePrefix(0.0F, u"A", {}).unit, u"mkA");
     EXPECT_FALSE(IsPrefixable(u"V", plain));
     EXPECT_TRUE(IsPrefixable(u"", {}));
     const std::pair<float, int> bounds[] = {{1e5F, -6}, {100.0F, -3}, {0.1F, 0}, {1e-4F, 3}};
@@ -156,8 +158,11 @@ TEST(FormatValue, DigitsFollowTheOptions) {
     EXPECT_EQ(Values({2.125, -0.004, 0.0625}, u"K", digits), " 2.12 K| 0 K| 0.06 K|");
     digits.digitsCount = std::numeric_limits<int>::max();
     EXPECT_EQ(Values({0.1, 1e-45}, u"K", digits), " 0.1 K| 1E-45 K|");
+    digits.digitsAreDecimals = false;
+    EXPECT_EQ(Values({0.1, 1e-45}, u"K", digits), " 0.1 K| 1E-45 K|");
+    digits.digitsAreDecimals = true;
     digits.digitsCount = -1;
-    EXPECT_EQ(Values({0.123456}, u"K", digits), " 0.12346 K|");
+    EXPECT_EQ(Values({12.34567}, u"K", digits), " 12.346 K|");
     // Any unit and magnitude: the text reads back as the value to half a unit of the fifth digit.
     std::mt19937 random(3);
     for (int round = 0; round < 50000; ++round) {
@@ -184,21 +189,19 @@ TEST(FormatTime, UnitFollowsTheTime) {
     for (int unit = 1; unit <= 6; ++unit) EXPECT_EQ(FormatTime(90, u";", Unit(unit)), fixed[unit - 1]);
     FormatOptions timeOfDay = Unit(4);
     timeOfDay.timeOfDay = true;
-    EXPECT_EQ(FormatTime(86400 + 0.5, u" ", timeOfDay), u"0:00:00.5");
-    EXPECT_EQ(FormatTimeNumber(86400 + 0.5, 1e-4, timeOfDay), u"0:00:00.5");
+    EXPECT_EQ(FormatTime(86400.5, u" ", timeOfDay) + FormatTimeNumber(86401, 1e-4, timeOfDay), u"0:00:00.50:00:01");
 }
 
 TEST(FormatTime, LabelsOfAScaleShareTheUnitOfTheStep) {
-    EXPECT_EQ(FormatTimeNumber(30, 60, {}), u"0:00:30");
-    EXPECT_EQ(FormatTimeNumber(120, std::nextafter(60.0, 0.0), {}), u"120");
-    EXPECT_EQ(FormatTimeNumber(0.3000004, 0.001, {}), u"0.3");
-    EXPECT_EQ(FormatTimeNumber(75, -0.0009, {}), u"75000");
-    EXPECT_EQ(FormatTimeNumber(0.1 + 0.2, 1e-4, {}), u"300");
-    EXPECT_EQ(FormatTimeNumber(-1e-7, 1, {}), u"0");
-    EXPECT_EQ(FormatTimeNumber(100, 1, Unit(2)), u"1.66667");
-    EXPECT_EQ(FormatTimeNumber(123456789.0123455, 1, Unit(3)), u"123456789.012346");  // no single precision here
-    EXPECT_EQ(FormatTimeNumber(0.12345678, 1, Unit(4)), u"123.4568");
-    EXPECT_EQ(FormatTimeNumber(0.0000123456, 1, Unit(5)), u"12.346");
+    const auto label = [](double step, int unit = 0) {
+        return [=](double seconds) { return FormatTimeNumber(seconds, step, Unit(unit)); };
+    };
+    EXPECT_EQ(Texts({30, -120.5}, label(60)), "0:00:30|-0:02:00.5|");
+    EXPECT_EQ(Texts({120, 0.3000004, -1e-7}, label(std::nextafter(60.0, 0.0))), "120|0.3|0|");
+    EXPECT_EQ(Texts({75, 123456789.0123455}, label(0.001)), "75|123456789.012346|");  // not in single precision
+    EXPECT_EQ(Texts({75, 0.1 + 0.2, 0.12345678}, label(-0.0009)), "75000|300|123.4568|");
+    EXPECT_EQ(Texts({100}, label(1, 2)) + Texts({0.0000123456}, label(1, 5)) + Texts({1}, label(1, -1)),
+              "1.66667|12.346|1|");
     EXPECT_EQ(FormatAxisValue(75, 1, AxisKind::Frequency, {}), u"75");
     EXPECT_EQ(FormatAxisValue(75, 60, AxisKind::Amplitude, {}), u"0:01:15");
     EXPECT_EQ(FormatAxisValueWithUnit(0.5, AxisKind::Frequency, u" ", {}), u"0.5 Hz");

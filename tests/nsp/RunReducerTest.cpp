@@ -144,5 +144,43 @@ TEST(RunReducerTest, SignalLibraryCallsFindTheFirstOccurrence) {
     EXPECT_EQ(at, -1);
 }
 
+TEST(PlanarSetReducer, EqualsTheNaiveRunsOfEveryChannel) {
+    std::mt19937 random(31);
+    for (int round = 0; round < 250; ++round) {
+        const std::size_t channels = 1 + random() % 35;
+        const std::size_t count = 1 + random() % 3000;
+        const std::size_t run = round % 2 == 0 ? 1 + random() % 40 : 1 + random() % 600;
+        std::vector<std::vector<std::int16_t>> samples;
+        std::vector<std::vector<ExtremePair>> results(channels);
+        std::vector<ExtremePair*> out;
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            const auto shape = static_cast<Shape>(random() % static_cast<unsigned>(Shape::kCount));
+            samples.push_back(MakeSamples(shape, count, random));
+            results[channel].resize((count + run - 1) / run);
+            out.push_back(results[channel].data());
+        }
+        PlanarSetReducer reducer(static_cast<std::int32_t>(run), out);
+        std::vector<std::vector<std::int16_t>> pieces(channels);
+        std::vector<const std::int16_t*> pointers(channels);
+        for (std::size_t at = 0; at < count;) {
+            const std::size_t size = std::min<std::size_t>(count - at, random() % (round % 5 == 0 ? 20 : 900));
+            for (std::size_t channel = 0; channel < channels; ++channel) {
+                // Copies of their own, so that reading past a piece is noticed.
+                const auto from = samples[channel].begin() + static_cast<std::ptrdiff_t>(at);
+                pieces[channel].assign(from, from + static_cast<std::ptrdiff_t>(size));
+                pieces[channel].shrink_to_fit();
+                pointers[channel] = pieces[channel].data();
+            }
+            reducer.Feed(pointers, size);
+            at += size;
+        }
+        reducer.Finish();
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            ASSERT_EQ(results[channel], NaiveRuns(samples[channel], 1, 0, run))
+                << channels << ' ' << count << ' ' << run;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace quillon::nsp

@@ -31,7 +31,9 @@ class FakeBlock : public RecordingBlock {
     std::int32_t SampleCount() const override {
         return Ask("SampleCount"), samples.empty() ? 0 : static_cast<std::int32_t>(samples[0].size());
     }
-    std::int16_t ChannelCount() const override { return Ask("ChannelCount"), static_cast<std::int16_t>(samples.size()); }
+    std::int16_t ChannelCount() const override {
+        return Ask("ChannelCount"), static_cast<std::int16_t>(samples.size());
+    }
     std::int16_t ChannelNumber(std::int16_t channel) const override {
         Ask("ChannelNumber");
         return numbers.empty() ? static_cast<std::int16_t>(channel - 1) : numbers.at(Index(channel));
@@ -44,8 +46,11 @@ class FakeBlock : public RecordingBlock {
     float ChannelScale(std::int16_t channel) const override {
         return Ask("ChannelScale"), scales.empty() ? 0.5F : scales.at(Index(channel));
     }
-    float ChannelOffset(std::int16_t channel) const override { return Ask("ChannelOffset"), static_cast<float>(channel); }
-    std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
+    float ChannelOffset(std::int16_t channel) const override {
+        return Ask("ChannelOffset"), static_cast<float>(channel);
+    }
+    std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
+                           std::int16_t* buffer) override {
         Ask("ReadCodes");
         const auto& data = samples.at(Index(channel));
         if (first < 0 || count < 0 || static_cast<std::size_t>(first) + static_cast<std::size_t>(count) > data.size()) {
@@ -67,8 +72,8 @@ class FakeBlock : public RecordingBlock {
     std::int16_t InputNumber(std::int16_t channel) const override { return channel; }
     std::int32_t ReadFrames(std::int32_t, std::int32_t, std::int16_t*) override { return 1; }
     bool FramesAreCheap() const override { return false; }
-    bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
-                        std::span<RunExtremes* const> out) override {
+    bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
+                        std::int32_t run, std::span<RunExtremes* const> out) override {
         Ask("ColumnExtremes");
         if (!offersExtremes) return false;
         for (std::size_t at = 0; at < channels.size(); ++at) {
@@ -131,7 +136,9 @@ class FakeServices : public UserServices {
     std::u16string status;
     void ShowMessage(const std::u16string& text) override { messages.push_back(text); }
     void SetStatus(const std::u16string& text) override { status = text; }
-    std::u16string Text(int id) const override { return id == 501 ? u"Канал" : u"#" + std::u16string(1, static_cast<char16_t>(id)); }
+    std::u16string Text(int id) const override {
+        return id == 501 ? u"Канал" : u"#" + std::u16string(1, static_cast<char16_t>(id));
+    }
     std::u16string DateAndTime(double) const override { return u"15.03.2023 12:00:00"; }
     std::u16string LongTime(double date) const override { return date == 45000.5 ? u"12:00:00" : u"?"; }
 };

@@ -124,7 +124,8 @@ TEST(MapTrace, PutsValuesAtTheirRows) {
                 const double rows = -40.0 * (code * static_cast<double>(scale)) / static_cast<double>(zoom) +
                                     std::nearbyint(static_cast<double>(-40.0F * 2.0F / zoom));
                 // Extents are whole numbers of at most 32000: half a unit of the smaller one is the error.
-                const double tolerance = std::fabs(rows) * (codesPerPixel > 1.0 ? codesPerPixel : 1 / codesPerPixel) / 64000 + 0.01;
+                const double tolerance =
+                    std::fabs(rows) * (codesPerPixel > 1.0 ? codesPerPixel : 1 / codesPerPixel) / 64000 + 0.01;
                 EXPECT_NEAR(RowOf(mapping, code), 200 + rows, tolerance) << scale << ' ' << zoom << ' ' << code;
             }
         }
@@ -171,7 +172,8 @@ TEST(MapTrace, FoldingKeepsEveryRow) {
                 const TraceMapping folded = MapTrace(geometry, invScale, base);
                 EXPECT_LT(std::abs(folded.viewportOriginY), 32768);
                 for (const int code : {0, 1000, -32768}) {
-                    EXPECT_NEAR(RowOf(folded, code), RowOf(plain, code), 1e-3) << invScale << ' ' << zeroRow << ' ' << base;
+                    EXPECT_NEAR(RowOf(folded, code), RowOf(plain, code), 1e-3)
+                        << invScale << ' ' << zeroRow << ' ' << base;
                 }
             }
         }

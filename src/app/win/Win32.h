@@ -24,7 +24,8 @@ namespace quillon {
 /// Text of a window or control.
 [[nodiscard]] inline std::wstring WindowText(HWND window) {
     std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)), L'\0');
-    if (!text.empty()) text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()) + 1)));
+    if (!text.empty())
+        text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()) + 1)));
     return text;
 }
 

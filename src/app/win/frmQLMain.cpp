@@ -51,8 +51,8 @@ void frmQLMain::Create(const std::wstring& folder) {
     RegisterClassExW(&windowClass);
     const int width = MulDiv(1060, m_dpi, 96);
     const int height = MulDiv(700, m_dpi, 96);
-    CreateWindowExW(0, kClassName, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, width,
-                    height, nullptr, nullptr, windowClass.hInstance, this);
+    CreateWindowExW(0, kClassName, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
+                    width, height, nullptr, nullptr, windowClass.hInstance, this);
     if (m_window == nullptr) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
     }
@@ -103,9 +103,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_MOUSEMOVE:
         case WM_LBUTTONUP:
         case WM_CAPTURECHANGED: OnMouse(message, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)); return 0;
-        case WM_NCDESTROY:
-            SetWindowLongPtrW(m_window, GWLP_USERDATA, 0);
-            break;
+        case WM_NCDESTROY: SetWindowLongPtrW(m_window, GWLP_USERDATA, 0); break;
         default: break;
     }
     return DefWindowProcW(m_window, message, wParam, lParam);
@@ -124,9 +122,10 @@ void frmQLMain::OnCreate() {
 }
 
 HWND frmQLMain::MakeControl(const wchar_t* className, DWORD style, DWORD extendedStyle, int id) {
-    const HWND control = CreateWindowExW(extendedStyle, className, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, m_window,
-                                         IdOf(id), GetModuleHandleW(nullptr), nullptr);
-    if (control == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "control");
+    const HWND control = CreateWindowExW(extendedStyle, className, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0,
+                                         m_window, IdOf(id), GetModuleHandleW(nullptr), nullptr);
+    if (control == nullptr)
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "control");
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
     return control;
 }
@@ -148,9 +147,9 @@ void frmQLMain::MakeControls() {
     MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS);
     const HWND drives = MakeControl(WC_COMBOBOXW, combo, 0, lstDrive);
     const HWND folders = MakeControl(WC_LISTBOXW, list, WS_EX_CLIENTEDGE, lstDir);
-    const HWND channels = MakeControl(WC_LISTVIEWW,
-                                      WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
-                                      WS_EX_CLIENTEDGE, lvCh);
+    const HWND channels =
+        MakeControl(WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                    WS_EX_CLIENTEDGE, lvCh);
     MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES);
     MakeControl(WC_COMBOBOXW, combo, 0, cboFileType);
     const HWND files = MakeControl(WC_LISTBOXW, list | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
@@ -227,11 +226,11 @@ void frmQLMain::ArrangeControls() {
         const PixelRect& rect;
     };
     const Place places[] = {
-        {tabPath, m_layout.tabPath},   {lstDrive, m_layout.drive}, {lstDir, m_layout.folders},
-        {lvCh, m_layout.channels},     {tabFile, m_layout.tabFile}, {cboFileType, m_layout.fileType},
-        {lstFile, m_layout.files},     {lstBlock, m_layout.blocks}, {pbScaleY, m_layout.scaleY},
-        {pbGraph, m_layout.graph},     {scScaleY, m_layout.scrollY}, {btnZoomX, m_layout.zoomX},
-        {pbScaleX, m_layout.scaleX},   {scScaleX, m_layout.scrollX},
+        {tabPath, m_layout.tabPath}, {lstDrive, m_layout.drive},   {lstDir, m_layout.folders},
+        {lvCh, m_layout.channels},   {tabFile, m_layout.tabFile},  {cboFileType, m_layout.fileType},
+        {lstFile, m_layout.files},   {lstBlock, m_layout.blocks},  {pbScaleY, m_layout.scaleY},
+        {pbGraph, m_layout.graph},   {scScaleY, m_layout.scrollY}, {btnZoomX, m_layout.zoomX},
+        {pbScaleX, m_layout.scaleX}, {scScaleX, m_layout.scrollX},
     };
     HDWP positions = BeginDeferWindowPos(static_cast<int>(std::size(places)));
     for (const Place& place : places) {

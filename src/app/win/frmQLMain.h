@@ -19,9 +19,9 @@ namespace quillon {
 
 /// The main window: lists on the left, the graph with its scales on the right, the status bar below.
 ///
-/// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and outlive
-/// it. Its member functions are spread over frmQLMain.cpp (life cycle and layout), frmQLMain_Browser.cpp (files, blocks,
-/// channels), frmQLMain_Commands.cpp (menu and keys) and frmQLMain_Graph.cpp (graph and scales).
+/// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and
+/// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle and layout), frmQLMain_Browser.cpp
+/// (files, blocks, channels), frmQLMain_Commands.cpp (menu and keys) and frmQLMain_Graph.cpp (graph and scales).
 class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
   public:
     frmQLMain(QL_Global& global, WinServices& services);
@@ -130,7 +130,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     int m_listWidth = 0;     ///< as the user dragged it; 0: the default
     int m_upperPercent = 0;  ///< likewise
     enum class Drag { None, Column, Lists } m_drag = Drag::None;
-    int m_wheelRest = 0;      ///< wheel movement below one notch
+    int m_wheelRest = 0;  ///< wheel movement below one notch
     bool m_activated = false;
     bool m_closing = false;
 };

@@ -16,7 +16,8 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     if (header->code == TCN_SELCHANGE) ShowPages();
     if (header->idFrom == lvCh && header->code == LVN_ITEMCHANGED && !m_channels.Filling()) {
         const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
-        if ((change->uChanged & LVIF_STATE) != 0 && ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
+        if ((change->uChanged & LVIF_STATE) != 0 &&
+            ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
             StoreShown(change->iItem);
             Refresh();
         }
@@ -26,7 +27,9 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
 
 void frmQLMain::ShowPages() {
     const auto page = [&](int tabs) { return TabCtrl_GetCurSel(GetDlgItem(m_window, tabs)); };
-    const auto show = [&](int id, bool visible) { ShowWindow(GetDlgItem(m_window, id), visible ? SW_SHOWNA : SW_HIDE); };
+    const auto show = [&](int id, bool visible) {
+        ShowWindow(GetDlgItem(m_window, id), visible ? SW_SHOWNA : SW_HIDE);
+    };
     show(lstDrive, page(tabPath) == 0);
     show(lstDir, page(tabPath) == 0);
     show(lvCh, page(tabPath) == 1);

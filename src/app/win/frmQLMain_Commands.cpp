@@ -18,13 +18,14 @@ void frmQLMain::MakeMenu() {
             AppendMenuW(parent, MF_SEPARATOR, 0, nullptr);
         } else if (entry.kind == MenuEntry::Kind::Popup) {
             const HMENU popup = CreatePopupMenu();
-            AppendMenuW(parent, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), Wide(m_services.Text(entry.captionId)).c_str());
+            AppendMenuW(parent, MF_POPUP, reinterpret_cast<UINT_PTR>(popup),
+                        Wide(m_services.Text(entry.captionId)).c_str());
             if (entry.captionId == IDS_MENU_XZOOM) m_zoomMenu = popup;
             parents.push_back(popup);
         } else {
             for (int index = 0; index < entry.count; ++index) {
-                const std::u16string caption = entry.captionId != 0 ? m_services.Text(entry.captionId + index)
-                                                                    : ComputedCaption(entry.id + index);
+                const std::u16string caption =
+                    entry.captionId != 0 ? m_services.Text(entry.captionId + index) : ComputedCaption(entry.id + index);
                 AppendMenuW(parent, MF_STRING, static_cast<UINT_PTR>(entry.id + index), Wide(caption).c_str());
             }
         }

@@ -22,8 +22,8 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_global.axis, m_global.block));
     if (id == pbScaleY) {
         const bool empty = m_global.block.sampleCount == 0;
-        m_scales.PaintAmplitude(dc, client,
-                                empty ? std::vector<ScaleLabel>() : AmplitudeLabels(m_global.amplitude, m_global.rawCodes));
+        m_scales.PaintAmplitude(
+            dc, client, empty ? std::vector<ScaleLabel>() : AmplitudeLabels(m_global.amplitude, m_global.rawCodes));
     }
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);

@@ -24,8 +24,8 @@ class BlockList {
     HWND m_list = nullptr;
 };
 
-/// The list of the block's channels, each with a check box that mirrors the slot's Shown flag, the colour of its trace as
-/// icon, its title and its unit.
+/// The list of the block's channels, each with a check box that mirrors the slot's Shown flag, the colour of its trace
+/// as icon, its title and its unit.
 class ChannelList {
   public:
     /// `colors` holds one icon per trace colour.

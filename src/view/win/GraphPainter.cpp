@@ -23,7 +23,8 @@ bool GraphPainter::Prepare(int width, int height) {
     m_width = 0;
     m_height = 0;
     if (width < 1 || height < 1) return false;
-    if (!m_surface.CreateBitmap(width, height) || !m_grid.CreateBitmap(width + TimeAxis::kDivision, height)) return false;
+    if (!m_surface.CreateBitmap(width, height) || !m_grid.CreateBitmap(width + TimeAxis::kDivision, height))
+        return false;
     m_width = width;
     m_height = height;
     return true;

@@ -96,8 +96,8 @@ std::vector<std::wstring> MainWindowTest::Lines(int id) const {
     std::vector<std::wstring> lines;
     const LRESULT count = SendMessageW(Control(id), LB_GETCOUNT, 0, 0);
     for (LRESULT line = 0; line < count; ++line) {
-        std::wstring text(static_cast<std::size_t>(SendMessageW(Control(id), LB_GETTEXTLEN, static_cast<WPARAM>(line), 0)),
-                          L'\0');
+        std::wstring text(
+            static_cast<std::size_t>(SendMessageW(Control(id), LB_GETTEXTLEN, static_cast<WPARAM>(line), 0)), L'\0');
         SendPointer(Control(id), LB_GETTEXT, static_cast<WPARAM>(line), text.data());
         lines.push_back(text);
     }

@@ -101,14 +101,16 @@ TEST_F(MainWindowTest, ARefusedFileLeavesTheListsEmptyAndSaysWhy) {
     EXPECT_EQ(Status(StatusPanel::Size), L"");
     EXPECT_EQ(Capture(pbGraph).Count(TraceColor(0)), 0);
     // Nothing is open: the commands have nothing to do, and nothing breaks.
-    for (const int command : {mnuZoomX + 0, mnuGoTo + 2, mnuZoomY + 1, mnuBaseLine + 1, mnuChShow + 2}) Command(command);
+    for (const int command : {mnuZoomX + 0, mnuGoTo + 2, mnuZoomY + 1, mnuBaseLine + 1, mnuChShow + 2})
+        Command(command);
     ClickLine(lstFile, 0);
     EXPECT_EQ(Status(StatusPanel::Status), L"");
     EXPECT_EQ(ItemCount(), 2);
 }
 
 TEST_F(MainWindowTest, EverySampleStandsAtItsPixel) {
-    // A staircase: sample n has the code 10 x (n mod 8); at one code per unit and 40 units per division a step is 10 rows.
+    // A staircase: sample n has the code 10 x (n mod 8); at one code per unit and 40 units per division a step is 10
+    // rows.
     std::vector<std::vector<std::int16_t>> frames;
     for (int frame = 0; frame < 4000; ++frame) frames.push_back({static_cast<std::int16_t>(10 * (frame % 8))});
     static_cast<void>(m_folder.Write(u"stairs.bin", BinRecording(100.0F, frames)));
