@@ -30,10 +30,13 @@ run_tests() {
 }
 
 echo "Building"
-quietly cmake --preset native
-quietly cmake --build build/native
-quietly cmake --preset windows
-quietly cmake --build build/windows
+build() {
+    quietly cmake --preset "$1" && quietly cmake --build "build/$1"
+}
+if ! build native || ! build windows; then
+    echo "0 passed, 1 failed"
+    exit 1
+fi
 
 run_tests unit_tests build/native/tests/unit_tests
 start_display
@@ -45,9 +48,6 @@ quietly wine build/windows/make-samples.exe build/samples
 run_tests unit_tests_windows wine build/windows/tests/unit_tests.exe
 run_tests win_tests wine build/windows/tests/win_tests.exe
 
-if [ "$skipped" -ne 0 ]; then
-    echo "$passed passed, $failed failed, $skipped skipped"
-else
-    echo "$passed passed, $failed failed"
-fi
+[ "$skipped" -eq 0 ] || echo "$skipped skipped: their recordings are not here"
+echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]

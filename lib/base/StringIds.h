@@ -16,6 +16,7 @@
 #define IDS_NO_CHANNEL 2011
 #define IDS_FOLDER_UNREADABLE 2013
 #define IDS_PER_DIVISION 2014
+#define IDS_COMMAND_FAILED 2015
 
 // Menu captions; those of an array follow each other.
 #define IDS_MENU_FILE 3000

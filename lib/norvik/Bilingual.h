@@ -22,7 +22,7 @@ struct Bilingual {
 [[nodiscard]] Bilingual Say(std::u16string_view english, std::u16string_view russian,
                             std::initializer_list<std::u16string> arguments = {});
 
-/// A file that is refused: says what is wrong and where.
+/// A file that is refused or cannot be read on: says what is wrong and where.
 class FormatError : public std::exception {
   public:
     explicit FormatError(Bilingual reason) : m_reason(std::move(reason)) {}

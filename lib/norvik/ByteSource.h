@@ -4,16 +4,17 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "norvik/Bilingual.h"
 
 namespace quillon {
 
 /// A read at a position that the file should have held failed (a stick pulled out, a file cut while open).
-class ReadError : public std::runtime_error {
+class ReadError : public FormatError {
   public:
-    using std::runtime_error::runtime_error;
+    using FormatError::FormatError;
 };
 
 /// Bytes that can be read at any position: an open file, or memory in tests and fuzzing.
@@ -34,7 +35,9 @@ class ByteSource {
 
     /// Reads exactly `count` bytes; throws ReadError when they are not all there.
     void ReadExactly(std::uint64_t offset, void* buffer, std::size_t count) {
-        if (ReadAt(offset, buffer, count) != count) throw ReadError("the file is shorter than when it was opened");
+        if (ReadAt(offset, buffer, count) != count) {
+            throw ReadError(Say(u"the file is shorter than when it was opened", u"файл короче, чем был при открытии"));
+        }
     }
 };
 

@@ -265,7 +265,9 @@ EdfHeader ReadEdfHeader(ByteSource& source) {
     ReadFixed(all, header);
     const Field count{all.substr(252, 4), 252};
     const std::optional<std::int64_t> signals = ParseWhole(count.text);
-    if (!signals || *signals < 1) RefuseField(u"signal count", u"число сигналов", count);
+    // Four digits is what the field holds; other spellings of a number ("33e3") could ask for far more signals than
+    // blocks can be numbered.
+    if (!signals || *signals < 1 || *signals > 9999) RefuseField(u"signal count", u"число сигналов", count);
     const auto signalCount = static_cast<std::size_t>(*signals);
     // The count has four characters; one that asks for more than the file has is told as a header cut short.
     header.dataStart = kFixedBytes + signalCount * kPerSignalBytes;

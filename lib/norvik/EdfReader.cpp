@@ -161,7 +161,8 @@ std::shared_ptr<FileBlock> MakeBlock(const std::shared_ptr<ByteSource>& source, 
         layout.offsets.push_back(signal.offset);
         layout.units.push_back({signal.unitsPerSample, signal.unitsOffset});
     }
-    block.marks = placer.Marks(stretch.onset, block.sampleRate, block.sampleCount);
+    block.marks = std::make_shared<const std::vector<MarkDescription>>(
+        placer.Marks(stretch.onset, block.sampleRate, block.sampleCount));
     return std::make_shared<RecordBlock>(std::move(block), source, std::move(layout));
 }
 

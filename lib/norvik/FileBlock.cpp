@@ -16,10 +16,10 @@ const ChannelDescription& FileBlock::Channel(std::int16_t channel) const {
 }
 
 const MarkDescription& FileBlock::Mark(std::int32_t mark) const {
-    if (mark < 1 || static_cast<std::size_t>(mark) > m_description.marks.size()) {
+    if (mark < 1 || mark > MarkCount()) {
         throw std::out_of_range("a mark outside the block");
     }
-    return m_description.marks[static_cast<std::size_t>(mark) - 1];
+    return (*m_description.marks)[static_cast<std::size_t>(mark) - 1];
 }
 
 void FileBlock::CheckRange(std::int32_t first, std::int32_t count) const {
@@ -82,7 +82,7 @@ std::int32_t FileBlock::ReadValues(std::int16_t channel, std::int32_t first, std
 }
 
 std::int32_t FileBlock::MarkCount() const {
-    return static_cast<std::int32_t>(m_description.marks.size());
+    return m_description.marks ? static_cast<std::int32_t>(m_description.marks->size()) : 0;
 }
 
 std::int32_t FileBlock::MarkPosition(std::int32_t mark) const {

@@ -40,7 +40,8 @@ struct BlockDescription {
     double sampleRate = 0.0;
     std::int32_t sampleCount = 0;
     std::vector<ChannelDescription> channels;
-    std::vector<MarkDescription> marks;  ///< in order of position
+    /// In order of position; the blocks of one stretch share them. Null: none.
+    std::shared_ptr<const std::vector<MarkDescription>> marks;
 };
 
 /// A block of a file: answers every question out of its description and checks every argument, so that a reader's own

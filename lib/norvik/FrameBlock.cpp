@@ -173,7 +173,7 @@ void FrameBlock::ReduceDecoded(std::span<const std::size_t> channels, std::int32
 void FrameBlock::ResolveScales() const {
     if (!IsWide(m_layout.kind) || !m_scaling.empty()) return;
     std::vector<SeenSamples> seen(m_description.channels.size());
-    ForEachPiece(0, m_description.sampleCount, [&](const std::uint8_t* bytes, std::size_t frames) {
+    const auto look = [&](const std::uint8_t* bytes, std::size_t frames) {
         for (std::size_t channel = 0; channel < seen.size(); ++channel) {
             const std::uint8_t* at = bytes + Place(channel);
             SeenSamples& samples = seen[channel];
@@ -183,7 +183,12 @@ void FrameBlock::ResolveScales() const {
                 }
             });
         }
-    });
+    };
+    try {
+        ForEachPiece(0, m_description.sampleCount, look);
+    } catch (const ReadError&) {
+        // What was seen up to there decides: looking again at every call would read a damaged file over and over.
+    }
     std::vector<ChannelScaling> scaling(seen.size());
     for (std::size_t channel = 0; channel < seen.size(); ++channel) {
         const bool recast = IsFloat(m_layout.kind) && seen[channel].sixteenBits;
@@ -240,7 +245,8 @@ std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<By
         description.startTime = recording.startTime + static_cast<double>(first) / recording.sampleRate / 86400.0;
         description.sampleRate = recording.sampleRate;
         description.sampleCount = static_cast<std::int32_t>(std::min(recording.frameCount - first, longest));
-        description.marks = MarksWithin(recording.marks, first, description.sampleCount);
+        description.marks = std::make_shared<const std::vector<MarkDescription>>(
+            MarksWithin(recording.marks, first, description.sampleCount));
         FrameLayout layout = recording.layout;
         layout.dataOffset += first * layout.frameBytes;
         for (std::size_t channel = 0; channel < channels; channel += kBlockChannels) {

@@ -32,8 +32,11 @@ void RecordBlock::ResolveScales() const {
         }
     };
     const auto samples = static_cast<std::uint64_t>(m_description.sampleCount);
-    m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
-
+    try {
+        m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
+    } catch (const ReadError&) {
+        // What was seen up to there decides: looking again at every call would read a damaged file over and over.
+    }
     std::vector<WideScale> scales;
     for (std::size_t channel = 0; channel < extremes.size(); ++channel) {
         const RecordLayout::Units& units = m_layout.units[channel];

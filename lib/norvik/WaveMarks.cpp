@@ -33,13 +33,14 @@ void WaveCueTexts::Add(std::span<const std::uint8_t> list) {
     }
 }
 
-std::u16string WaveCueTexts::TextOf(std::uint32_t cue) const {
-    if (const auto label = m_labels.find(cue); label != m_labels.end()) return label->second;
-    if (const auto note = m_notes.find(cue); note != m_notes.end()) return note->second;
+std::u16string WaveCueTexts::TakeTextOf(std::uint32_t cue) {
+    for (auto* texts : {&m_labels, &m_notes}) {
+        if (auto found = texts->extract(cue)) return std::move(found.mapped());
+    }
     return Decimal(cue);
 }
 
-std::vector<FrameMark> ReadWaveCues(std::span<const std::uint8_t> chunk, const WaveCueTexts& texts, bool playlist) {
+std::vector<FrameMark> ReadWaveCues(std::span<const std::uint8_t> chunk, WaveCueTexts& texts, bool playlist) {
     std::vector<FrameMark> marks;
     if (chunk.size() < 4) return marks;
     const std::size_t count = std::min<std::size_t>(Le32(chunk.data()), (chunk.size() - 4) / kCueBytes);
@@ -47,7 +48,7 @@ std::vector<FrameMark> ReadWaveCues(std::span<const std::uint8_t> chunk, const W
         const std::uint8_t* cue = chunk.data() + 4 + index * kCueBytes;
         const std::uint32_t sampleOffset = Le32(cue + 20);
         const std::uint32_t position = sampleOffset == 0 && !playlist ? Le32(cue + 4) : sampleOffset;
-        marks.push_back({position, texts.TextOf(Le32(cue))});
+        marks.push_back({position, texts.TakeTextOf(Le32(cue))});
     }
     std::stable_sort(marks.begin(), marks.end(),
                      [](const FrameMark& left, const FrameMark& right) { return left.position < right.position; });

@@ -11,7 +11,7 @@
 /// maximum comes first when both are the same sample. "Occurs" means the first occurrence of the value in the run.
 ///
 /// Data is fed in pieces of any size; state is carried across pieces, so runs need not line up with them.
-/// `Pair` is any type of two std::int16_t (first, second); results are written as they are finished, in run order.
+/// Results are written as they are finished, in run order.
 namespace quillon::nsp {
 
 struct ExtremePair {

@@ -54,9 +54,9 @@ std::span<const MenuEntry> MenuTree() {
     return kTree;
 }
 
-std::u16string ComputedCaption(int id) {
+std::u16string ComputedCaption(int id, char16_t separator) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return ZoomCaption(id - mnuScaleX);
-    return ScaleCaption(id - mnuScaleY);
+    return ScaleCaption(id - mnuScaleY, separator);
 }
 
 bool IsEnabled(int id, const QL_Global& global) {

@@ -27,15 +27,16 @@ struct MenuEntry {
     enum class Kind { Popup, Command, Separator };
     Kind kind;
     int depth;
-    int id = 0;         ///< first command; for a popup the identifier of its list, 0 when nobody asks for it
-    int count = 1;      ///< entries of an array
-    int captionId = 0;  ///< string of the first entry, further ones follow; 0: captions are computed, see CaptionOf
+    int id = 0;     ///< first command; 0 for a popup
+    int count = 1;  ///< entries of an array
+    int captionId =
+        0;  ///< string of the first entry, further ones follow; 0: captions are computed, see ComputedCaption
 };
 
 [[nodiscard]] std::span<const MenuEntry> MenuTree();
 
 /// Caption of an entry whose captions are computed (the zoom and scale lists).
-[[nodiscard]] std::u16string ComputedCaption(int id);
+[[nodiscard]] std::u16string ComputedCaption(int id, char16_t separator);
 
 /// Whether a command can do anything in the present state.
 [[nodiscard]] bool IsEnabled(int id, const QL_Global& global);

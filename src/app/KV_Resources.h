@@ -12,4 +12,7 @@ namespace quillon {
 /// Russian when that is the system's interface language, else English.
 [[nodiscard]] Language InterfaceLanguage();
 
+/// The system's decimal separator.
+[[nodiscard]] char16_t DecimalSeparator();
+
 }  // namespace quillon

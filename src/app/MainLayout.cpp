@@ -52,7 +52,7 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     const std::int32_t left = layout.splitColumn.Right();
     const std::int32_t bar = scaled(17);
     const std::int32_t scaleWidth = scaled(62);
-    const std::int32_t scaleHeight = scaled(24);
+    const std::int32_t scaleHeight = scaled(26);
     const std::int32_t right = std::max(input.clientWidth - gap, left + scaleWidth + bar);
     const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, gap);
     layout.scaleY = {left, gap, scaleWidth, graphBottom - gap};

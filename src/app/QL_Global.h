@@ -7,7 +7,9 @@
 #include "base/Language.h"
 #include "data/NorvikCore.h"
 #include "data/QL_Types.h"
+#include "format/QL_Format.h"
 #include "view/AmplitudeScale.h"
+#include "view/DataRange.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
@@ -25,7 +27,9 @@ struct QL_Global {
 
     TimeAxis axis;
     AmplitudeScale amplitude;
+    RangeRecords ranges;
     bool rawCodes = false;
+    FormatOptions format;
 };
 
 }  // namespace quillon

@@ -14,7 +14,7 @@ namespace quillon {
 enum class StatusPanel : std::size_t { Scale, XPart, Status, Size, Time, Rate, Volume, Date, Count };
 
 /// Share of the block that the graph shows: "100%", "37%", "1.25%"; empty without a block.
-[[nodiscard]] std::u16string VisiblePart(const TimeAxis& axis);
+[[nodiscard]] std::u16string VisiblePart(const TimeAxis& axis, char16_t separator);
 
 using PanelTexts = std::array<std::u16string, static_cast<std::size_t>(StatusPanel::Count)>;
 

@@ -41,7 +41,7 @@ std::string JsonChannels(const RecordingBlock& block) {
     std::string json = "[";
     for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
         if (channel > 1) json += ',';
-        json += "{\"number\":" + std::to_string(block.ChannelNumber(channel));
+        json += "{\"number\":" + std::to_string(channel);
         json += ",\"title\":" + JsonText(block.ChannelTitle(channel));
         json += ",\"unit\":" + JsonText(block.ChannelUnit(channel));
         json += ",\"scale\":" + JsonNumber(block.ChannelScale(channel));

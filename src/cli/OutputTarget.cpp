@@ -30,13 +30,18 @@ OutputTarget::~OutputTarget() {
     if (m_finished || !m_file.is_open()) return;
     m_file.close();
     std::error_code error;
-    std::filesystem::remove(std::filesystem::path(m_path), error);
+    std::filesystem::remove(std::filesystem::path(m_partPath), error);
 }
 
 std::ostream& OutputTarget::Stream() {
     if (m_path.empty()) return m_standard;
     if (!m_file.is_open()) {
-        m_file.open(std::filesystem::path(m_path), std::ios::binary | std::ios::trunc);
+        m_partPath = m_path + u".part";
+        std::error_code error;
+        for (int number = 2; std::filesystem::exists(std::filesystem::path(m_partPath), error); ++number) {
+            m_partPath = m_path + u".part" + Decimal(number);
+        }
+        m_file.open(std::filesystem::path(m_partPath), std::ios::binary | std::ios::trunc);
         if (!m_file) throw Refusal(u"the file cannot be created", m_path);
     }
     return m_file;
@@ -52,6 +57,15 @@ void OutputTarget::Finish() {
     std::ostream& stream = Stream();
     stream.flush();
     if (!stream) throw Refusal(std::u16string(kWriteFailed), m_path);
+    if (!m_path.empty()) {
+        m_file.close();
+        std::error_code error;
+        std::filesystem::rename(std::filesystem::path(m_partPath), std::filesystem::path(m_path), error);
+        if (error) {
+            std::filesystem::remove(std::filesystem::path(m_partPath), error);
+            throw Refusal(u"the file cannot be replaced", m_path);
+        }
+    }
     m_finished = true;
 }
 

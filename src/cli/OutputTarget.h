@@ -21,9 +21,9 @@ class Refusal : public std::runtime_error {
     std::u16string m_file;
 };
 
-/// Where a command's result goes: the standard output, or the file of --out. The file is made by the first write, so
-/// that a command that is refused leaves nothing behind and replaces nothing. A file that could not be written to its
-/// end is removed.
+/// Where a command's result goes: the standard output, or the file of --out. It is written beside its place under a
+/// name of its own and takes its place when it is complete, so that a command that is refused or fails leaves nothing
+/// behind and replaces nothing.
 class OutputTarget {
   public:
     /// Throws Refusal where --out is the recording itself under any spelling, or exists and --force is not given.
@@ -45,6 +45,7 @@ class OutputTarget {
 
     std::ostream& m_standard;
     std::u16string m_path;  ///< empty: the standard output
+    std::u16string m_partPath;
     std::ofstream m_file;
     bool m_finished = false;
 };

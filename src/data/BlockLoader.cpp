@@ -93,8 +93,8 @@ void BlockLoader::LoadBlock(std::int16_t index) {
     m_block = ViewBlock{};
     m_file.currentBlockIndex = -1;
     if (index >= 0 && m_file.recording) {
-        m_file.currentBlockIndex = index;
         Resume([&] { m_block.block = m_file.recording->GetBlock(static_cast<std::int16_t>(index + 1)); });
+        if (m_block.block) m_file.currentBlockIndex = index;
     }
     if (RecordingBlock* block = m_block.block.get()) {
         Resume([&] { m_block.sampleCount = block->SampleCount(); });
@@ -105,8 +105,8 @@ void BlockLoader::LoadBlock(std::int16_t index) {
         m_block.channelNumbers.resize(channels);
         m_block.invScale.resize(channels);
         m_block.offsets.resize(channels);
-        for (std::int16_t channel = 1; channel <= m_block.channelCount; ++channel) LoadChannel(channel);
-        LoadMarks();
+        for (std::size_t channel = 1; channel <= channels; ++channel) LoadChannel(static_cast<std::int16_t>(channel));
+        Resume([&] { LoadMarks(); });
     }
     m_host.ShowBlock();
 }
@@ -136,11 +136,15 @@ void BlockLoader::LoadMarks() {
         m_block.markCount = 0;
         return;
     }
-    m_block.marks.resize(static_cast<std::size_t>(m_block.markCount));
-    for (std::int32_t mark = 1; mark <= m_block.markCount; ++mark) {
-        BlockMark& entry = m_block.marks[static_cast<std::size_t>(mark) - 1];
-        Resume([&] { entry.position = m_block.block->MarkPosition(mark); });
-        Resume([&] { entry.text = m_block.block->MarkText(mark); });
+    const auto marks = static_cast<std::size_t>(m_block.markCount);
+    m_block.markCount = 0;  // in case there is no room for that many
+    m_block.marks.resize(marks);
+    m_block.markCount = static_cast<std::int32_t>(marks);
+    for (std::size_t mark = 0; mark < marks; ++mark) {
+        BlockMark& entry = m_block.marks[mark];
+        const auto number = static_cast<std::int32_t>(mark + 1);
+        Resume([&] { entry.position = m_block.block->MarkPosition(number); });
+        Resume([&] { entry.text = m_block.block->MarkText(number); });
     }
 }
 

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "base/Language.h"
 #include "format/NumberText.h"
 
 /// The short texts of the scales, the cursor readout and exported tables. Pure functions of their arguments; numbers
@@ -20,8 +19,6 @@ struct FormatOptions {
     int timeUnit = 0;                ///< 0 or less automatic, 1 clock time, 2 min, 3 s, 4 ms, 5 mks; others as 3
     bool timeOfDay = false;          ///< times are times of day, written as clock time
     char16_t decimalSeparator = u'.';
-    /// Of the interface. No text of this module depends on it: units are compared with those that recordings carry.
-    Language language = Language::English;
 };
 
 enum class AxisKind { Time = 0, Frequency = 1, Amplitude = 2 };

@@ -11,7 +11,7 @@ namespace quillon {
 namespace {
 
 /// Shifts beyond this many rows are of no use and would overflow when rows are added up.
-constexpr std::int32_t kFarthest = 1 << 28;
+constexpr std::int32_t kFarthest = 1 << 30;
 
 std::int32_t Rows(double value) {
     return RoundHalfEven(std::clamp(value, -static_cast<double>(kFarthest), static_cast<double>(kFarthest)));

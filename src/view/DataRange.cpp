@@ -1,7 +1,9 @@
 #include "view/DataRange.h"
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
+#include <iterator>
 #include <vector>
 
 #include "view/QL_ChUtils.h"
@@ -34,26 +36,59 @@ std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<s
 
 }  // namespace
 
+namespace {
+
+/// Range in units of a channel's two extreme codes; none where its scale makes no finite values.
+std::optional<ValueRange> InUnits(const ViewBlock& block, std::int16_t channel, RunExtremes codes) {
+    const auto at = static_cast<std::size_t>(channel - 1);
+    if (block.invScale[at] == 0.0F) return std::nullopt;
+    const float first = static_cast<float>(codes.first) / block.invScale[at] + block.offsets[at];
+    const float second = static_cast<float>(codes.second) / block.invScale[at] + block.offsets[at];
+    if (!std::isfinite(first) || !std::isfinite(second)) return std::nullopt;
+    return ValueRange{std::min(first, second), std::max(first, second)};
+}
+
+void Widen(std::optional<ValueRange>& range, const std::optional<ValueRange>& other) {
+    if (!other) return;
+    if (!range) range = other;
+    range->minimum = std::min(range->minimum, other->minimum);
+    range->maximum = std::max(range->maximum, other->maximum);
+}
+
+}  // namespace
+
 std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& slots, const VisibleRange& samples) {
     const std::vector<std::int16_t> channels = ShownChannels(block, slots);
     if (!block.block || channels.empty() || samples.Count() < 1) return std::nullopt;
+    std::optional<ValueRange> range;
     try {
         const std::vector<RunExtremes> extremes = ExtremeCodes(*block.block, channels, samples);
-        std::optional<ValueRange> range;
-        for (std::size_t at = 0; at < channels.size(); ++at) {
-            const auto channel = static_cast<std::size_t>(channels[at] - 1);
-            if (block.invScale[channel] == 0.0F) continue;
-            for (const std::int16_t code : {extremes[at].first, extremes[at].second}) {
-                const float value = static_cast<float>(code) / block.invScale[channel] + block.offsets[channel];
-                if (!range) range = ValueRange{value, value};
-                range->minimum = std::min(range->minimum, value);
-                range->maximum = std::max(range->maximum, value);
-            }
-        }
-        return range;
+        for (std::size_t at = 0; at < channels.size(); ++at) Widen(range, InUnits(block, channels[at], extremes[at]));
     } catch (const std::exception&) {
         return std::nullopt;
     }
+    return range;
+}
+
+std::optional<ValueRange> RangeRecords::OfShown(const ViewBlock& block, const ChannelSlots& slots) {
+    if (!block.block || block.sampleCount < 1) return std::nullopt;
+    m_ranges.resize(block.channelNumbers.size());
+    const std::vector<std::int16_t> shown = ShownChannels(block, slots);
+    const auto record = [&](std::int16_t channel) -> Record& { return m_ranges[static_cast<std::size_t>(channel - 1)]; };
+    std::vector<std::int16_t> unknown;
+    std::copy_if(shown.begin(), shown.end(), std::back_inserter(unknown),
+                 [&](std::int16_t channel) { return !record(channel).known; });
+    try {
+        const std::vector<RunExtremes> extremes = ExtremeCodes(*block.block, unknown, {1, block.sampleCount});
+        for (std::size_t at = 0; at < unknown.size(); ++at) {
+            record(unknown[at]) = {true, InUnits(block, unknown[at], extremes[at])};
+        }
+    } catch (const std::exception&) {
+        // What could not be read stays unknown and is tried again at the next need.
+    }
+    std::optional<ValueRange> range;
+    for (const std::int16_t channel : shown) Widen(range, record(channel).range);
+    return range;
 }
 
 std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots) {
@@ -67,11 +102,7 @@ std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlot
     for (std::int64_t stretch = 0; stretch < stretches; ++stretch) {
         const auto first =
             static_cast<std::int32_t>(stretch * (block.sampleCount - stretchSamples) / (stretches - 1)) + 1;
-        const std::optional<ValueRange> part = RangeOf(block, slots, {first, first + stretchSamples - 1});
-        if (!part) continue;
-        if (!range) range = part;
-        range->minimum = std::min(range->minimum, part->minimum);
-        range->maximum = std::max(range->maximum, part->maximum);
+        Widen(range, RangeOf(block, slots, {first, first + stretchSamples - 1}));
     }
     return range;
 }

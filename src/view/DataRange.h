@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "data/QL_Types.h"
 #include "view/AmplitudeScale.h"
@@ -14,6 +15,22 @@ inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
 /// Smallest and largest value of the shown channels over a range of samples; none where there is nothing to be read.
 [[nodiscard]] std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& slots,
                                                 const VisibleRange& samples);
+
+/// The ranges of whole blocks' channels, each found on first need and kept until Reset.
+class RangeRecords {
+  public:
+    /// Another block is loaded.
+    void Reset() { m_ranges.clear(); }
+    /// Smallest and largest value of the shown channels over the whole block; none where there is nothing to be read.
+    [[nodiscard]] std::optional<ValueRange> OfShown(const ViewBlock& block, const ChannelSlots& slots);
+
+  private:
+    struct Record {
+        bool known = false;
+        std::optional<ValueRange> range;  ///< none for a channel whose scale makes no finite values
+    };
+    std::vector<Record> m_ranges;  ///< per channel of the block
+};
 
 /// The range that a block's scale is chosen by when it is first shown: of all its samples where they are few enough to
 /// be read at once, else of stretches spread evenly over it, so that a recording of any length shows at once.

@@ -25,7 +25,7 @@ void AddRun(std::vector<TracePoint>& points, RunExtremes run) {
 }
 
 std::int32_t RunCount(std::int32_t count, std::int32_t samplesPerPixel) {
-    return (count - 1 + samplesPerPixel - 1) / samplesPerPixel;
+    return count > 1 ? (count - 2) / samplesPerPixel + 1 : 0;
 }
 
 }  // namespace

@@ -6,45 +6,46 @@
 
 #include "base/Rounding.h"
 #include "base/Text.h"
+#include "format/QL_Format.h"
 
 namespace quillon {
 
 namespace {
 
-/// A number rounded to some decimals and written without trailing zeros.
-std::u16string Rounded(double value, int decimals) {
-    const double power = std::pow(10.0, decimals);
-    const double rounded = std::nearbyint(value * power) / power;
-    return ShortestDecimal(rounded == 0.0 ? 0.0 : rounded);
-}
-
 /// Values nearer to zero than this are the rounding of a zero label.
 constexpr double kZero = 1e-6;
 
-std::u16string AmplitudeText(double value, double step, bool rawCodes) {
-    constexpr int decimals = 3;
+std::u16string AmplitudeText(double value, double step, bool rawCodes, char16_t separator) {
     if (std::fabs(value) < kZero) value = 0.0;
-    if (!rawCodes || step < 100.0) return Rounded(value, rawCodes ? 0 : decimals);
-    const bool mega = step >= 100000.0;
-    return Rounded(value / (mega ? 1e6 : 1e3), decimals) + (mega ? u" M" : u" k");
+    double divisor = 1.0;
+    std::u16string pattern = ScaleNumberPattern(static_cast<float>(step));
+    if (rawCodes && step < 100.0) {
+        pattern = u"#0";
+    } else if (rawCodes) {
+        const bool mega = step >= 100000.0;
+        divisor = mega ? 1e6 : 1e3;
+        pattern = ScaleNumberPattern(static_cast<float>(step / divisor)) + (mega ? u" M" : u" k");
+    }
+    return FormatPattern(value / divisor, pattern, separator);
 }
 
 }  // namespace
 
-std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block) {
+std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block, const FormatOptions& format) {
     std::vector<ScaleLabel> labels;
     if (block.sampleCount <= 0 || !(block.sampleRate > 0.0)) return labels;
-    constexpr int decimals = 6;
     const std::int64_t division = TimeAxis::kDivision;
+    const double step = static_cast<double>(division * axis.SamplesPerPixel()) / block.sampleRate;
     std::int64_t column = axis.FirstColumn() / division * division;
     for (; column < std::int64_t{axis.FirstColumn()} + axis.Width(); column += division) {
         const double seconds = static_cast<double>(column * axis.SamplesPerPixel()) / block.sampleRate;
-        labels.push_back({static_cast<std::int32_t>(column - axis.FirstColumn()), Rounded(seconds, decimals)});
+        labels.push_back(
+            {static_cast<std::int32_t>(column - axis.FirstColumn()), FormatTimeNumber(seconds, step, format)});
     }
     return labels;
 }
 
-std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes) {
+std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator) {
     constexpr std::int32_t division = AmplitudeScale::kDivision;
     const double step = static_cast<double>(scale.UnitsPerDivision()) * (rawCodes ? 1000.0 : 1.0);
     // The label rows are anchored on the zero row; n counts divisions above it.
@@ -55,7 +56,7 @@ std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCod
     std::vector<ScaleLabel> labels;
     for (; row < scale.Height() + division; row += division, --n) {
         labels.push_back(
-            {static_cast<std::int32_t>(row), AmplitudeText(static_cast<double>(n) * step, step, rawCodes)});
+            {static_cast<std::int32_t>(row), AmplitudeText(static_cast<double>(n) * step, step, rawCodes, separator)});
     }
     return labels;
 }
@@ -70,6 +71,10 @@ std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block)
     }
     std::stable_sort(lines.begin(), lines.end(),
                      [](const MarkLine& a, const MarkLine& b) { return a.column < b.column; });
+    // Where several marks share a column, the first one stands for them.
+    lines.erase(std::unique(lines.begin(), lines.end(),
+                            [](const MarkLine& a, const MarkLine& b) { return a.column == b.column; }),
+                lines.end());
     for (std::size_t at = 0; at < lines.size(); ++at) {
         const std::int32_t end = at + 1 < lines.size() ? lines[at + 1].column : axis.Width();
         lines[at].textWidth = end - lines[at].column;
@@ -82,8 +87,8 @@ std::u16string ZoomCaption(int index) {
     return perPixel < 1000 ? Decimal(perPixel) + u":1" : Decimal(perPixel / 1000) + u"k:1";
 }
 
-std::u16string ScaleCaption(int index) {
-    return Rounded(static_cast<double>(AmplitudeScale::TableEntry(index)), 3);
+std::u16string ScaleCaption(int index, char16_t separator) {
+    return SingleNumberText(static_cast<double>(AmplitudeScale::TableEntry(index)), separator);
 }
 
 }  // namespace quillon

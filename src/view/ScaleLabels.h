@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "data/QL_Types.h"
+#include "format/QL_Format.h"
 #include "view/AmplitudeScale.h"
 #include "view/TimeAxis.h"
 
@@ -18,11 +19,12 @@ struct ScaleLabel {
 
 /// Labels of the time scale: one per division, from the division at or left of the first visible column to the right
 /// edge; seconds from the start of the block. None without samples.
-[[nodiscard]] std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block);
+[[nodiscard]] std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
+                                                 const FormatOptions& format);
 
 /// Labels of the amplitude scale, one per division from the strip's top to its bottom; the position is the row of the
 /// text's baseline. With raw codes a label counts codes, 1000 to a unit.
-[[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes);
+[[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator);
 
 /// A vertical line of the graph with a text: a mark of the block inside the visible range.
 struct MarkLine {
@@ -31,13 +33,13 @@ struct MarkLine {
     std::int32_t markIndex = 0;  ///< index in ViewBlock::marks
 };
 
-/// The marks that the graph shows, by column.
+/// The marks that the graph shows, at most one per column.
 [[nodiscard]] std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block);
 
 /// "1:1", "500:1", "2k:1": the X zoom as the menu and the zoom button show it.
 [[nodiscard]] std::u16string ZoomCaption(int index);
 
 /// Units per division of a Y scale as the menu shows it.
-[[nodiscard]] std::u16string ScaleCaption(int index);
+[[nodiscard]] std::u16string ScaleCaption(int index, char16_t separator);
 
 }  // namespace quillon

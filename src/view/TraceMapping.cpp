@@ -45,7 +45,7 @@ void Fold(const Extents& extents, std::int32_t zeroRow, std::int32_t offset, Tra
         zeroRow += offset;
         offset = 0;
     }
-    const std::int32_t row = zeroRow + offset;
+    const std::int32_t row = zeroRow + offset;  // both within 2^30
     if (std::abs(row) >= kOriginLimit) {
         const std::int32_t step = std::abs(extents.device);
         const std::int32_t steps = (std::abs(row) - kOriginLimit) / step + 1;

@@ -67,8 +67,8 @@ TEST(MainLayout, NothingOverlapsOrLeavesTheWindow) {
 TEST(StatusPanels, TellTheVisibleShare) {
     TimeAxis axis;
     axis.SetWidth(1000);
-    EXPECT_EQ(VisiblePart(axis), u"");
-    const auto part = [&](std::int32_t samples) { return axis.SetBlock(samples), VisiblePart(axis); };
+    EXPECT_EQ(VisiblePart(axis, u'.'), u"");
+    const auto part = [&](std::int32_t samples) { return axis.SetBlock(samples), VisiblePart(axis, u'.'); };
     EXPECT_EQ(part(1000), u"100%");
     EXPECT_EQ(part(1001), u"100%");
     EXPECT_EQ(part(2667), u"37%");

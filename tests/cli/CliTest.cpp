@@ -62,8 +62,8 @@ TEST_F(CliTest, InfoIsOneJsonDocument) {
     EXPECT_EQ(answer.code, kDone) << answer.error;
     const std::string expected =
         "{\"number\":1,\"title\":\"\",\"start\":\"2011-04-04T12:57:02.000\",\"rate\":250,\"samples\":5,\"channels\":["
-        "{\"number\":0,\"title\":\"A \\\"1\\\"\",\"unit\":\"mV\",\"scale\":0.5,\"offset\":1},"
-        "{\"number\":1,\"title\":\"B\\\\\",\"unit\":\"\",\"scale\":0.1,\"offset\":0}],\"marks\":[]}\n]}\n";
+        "{\"number\":1,\"title\":\"A \\\"1\\\"\",\"unit\":\"mV\",\"scale\":0.5,\"offset\":1},"
+        "{\"number\":2,\"title\":\"B\\\\\",\"unit\":\"\",\"scale\":0.1,\"offset\":0}],\"marks\":[]}\n]}\n";
     EXPECT_TRUE(answer.out.ends_with(expected)) << answer.out;
     EXPECT_TRUE(answer.out.starts_with("{\"file\":" + JsonText(Recording()) + ",\"format\":\"")) << answer.out;
     EXPECT_EQ(JsonText(u"\u0001\t\n\"\\ж\U0001D11E"), "\"\\u0001\\t\\n\\\"\\\\\u0436\U0001D11E\"");

@@ -137,7 +137,6 @@ TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
     FormatOptions plain;
     plain.unitScaling = false;
     plain.decimalSeparator = u',';
-    plain.language = Language::Russian;
     EXPECT_EQ(Values({0.05, -2e5}, u"mV", plain), " 0,05 mV|-200000 mV|");
     EXPECT_EQ(ChoosePrefix(0.05F, u"", plain).unit, u"V");
     EXPECT_EQ(ChoosePrefix(0.0F, u"A", {}).unit, u"mkA");

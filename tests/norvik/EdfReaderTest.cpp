@@ -175,6 +175,7 @@ TEST(EdfReader, WhatCannotBeReadIsRefusedWithItsPlaceInBothLanguages) {
     };
     EXPECT_EQ(lie(0, "RIFF", 8), "not EDF or BDF: version 'RIFF' at byte 0");
     EXPECT_EQ(lie(252, "abcd", 4), "signal count 'abcd' at byte 252");
+    EXPECT_EQ(lie(252, "33e3", 4), "signal count '33e3' at byte 252");
     for (const char* count : {"0", "-3", "", "1.5", "nan"}) EXPECT_THAT(lie(252, count, 4), HasSubstr("at byte 252"));
     EXPECT_EQ(lie(252, "9999", 4), "the header ends at byte 828 of 2560000");
     for (const char* time : {"0", "-1", "inf", "1E300", "1e-300", "one", ""}) {

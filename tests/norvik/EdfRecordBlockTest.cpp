@@ -18,7 +18,7 @@ class CountingSource final : public ByteSource {
     explicit CountingSource(std::vector<std::uint8_t> bytes) : m_memory(std::move(bytes)) {}
     [[nodiscard]] std::uint64_t Size() const override { return m_memory.Size(); }
     std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) override {
-        if (broken) throw ReadError("pulled out");
+        if (broken) throw ReadError({u"pulled out", u"вынут"});
         largest = std::max(largest, count);
         total += count;
         return m_memory.ReadAt(offset, buffer, count);

@@ -168,6 +168,7 @@ TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
                                .Add(cue(2, 9, 9))
                                .Add(cue(7, 12, 0))
                                .Add(cue(8, 99, 99))
+                               .Add(cue(8, 50, 50))
                                .Add(cue(9, 0, 100));
     const FileBytes texts = FileBytes()
                                 .Text("adtl")
@@ -186,7 +187,8 @@ TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
     using Marks = std::vector<std::pair<int, std::u16string>>;
     const FileBytes lists = FileBytes().Chunk("LIST", FileBytes().Text("INFOlabl")).Chunk("LIST", texts);
     EXPECT_EQ(marks(Ramp(100, FileBytes().Chunk("cue ", cues), lists)),
-              (Marks{{9, u"note of 2"}, {12, u"7"}, {30, u"one"}, {99, u"\u00EF"}}));
+              (Marks{{9, u"note of 2"}, {12, u"7"}, {30, u"one"}, {50, u"8"}, {99, u"\u00EF"}}))
+        << "a text is handed out once";
     EXPECT_EQ(marks(Ramp(20, FileBytes().Chunk("plst", FileBytes().U32(0)).Chunk("cue ", cues))),
               (Marks{{0, u"7"}, {9, u"2"}}))
         << "with a playlist, positions count in playing order";

@@ -201,6 +201,22 @@ TEST(RangeOf, TakesTheShownChannelsInTheirUnits) {
     }
     EXPECT_FALSE(RangeOf(block, slots, {1, 0}).has_value());
 
+    // Records are read once per channel, and kept.
+    slots[1].shown = true;
+    RangeRecords records;
+    EXPECT_EQ(records.OfShown(block, slots)->minimum, -40.0F);
+    static_cast<FakeBlock&>(*block.block).failing = {"ReadCodes", "ColumnExtremes"};
+    EXPECT_EQ(records.OfShown(block, slots)->minimum, -40.0F);
+    slots[1].shown = false;
+    EXPECT_EQ(records.OfShown(block, slots)->minimum, -2.5F);
+    records.Reset();
+    EXPECT_FALSE(records.OfShown(block, slots).has_value());
+    static_cast<FakeBlock&>(*block.block).failing.clear();
+    // A scale so large that values overflow: no range, and Find Data leaves the scale alone.
+    block.invScale = {1e-36F, 0.0F};
+    EXPECT_FALSE(RangeOf(block, slots, {1, 4}).has_value() && !std::isfinite(RangeOf(block, slots, {1, 4})->minimum));
+    block.invScale = {2.0F, -1.0F};
+
     // A block too long to be read at once: its first and last samples count, and only stretches of it are read.
     auto& fake = static_cast<FakeBlock&>(*block.block);
     fake.samples = {std::vector<std::int16_t>(9000000, 0)};

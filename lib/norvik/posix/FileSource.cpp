@@ -31,7 +31,10 @@ class FileSource final : public ByteSource {
             const auto part = ::pread(m_descriptor, static_cast<char*>(buffer) + done, count - done,
                                       static_cast<off_t>(offset + done));
             if (part < 0 && errno == EINTR) continue;
-            if (part < 0) throw ReadError(std::generic_category().message(errno));
+            if (part < 0) {
+                const std::u16string reason = Utf16(std::generic_category().message(errno));
+                throw ReadError({reason, reason});
+            }
             if (part == 0) break;
             done += static_cast<std::size_t>(part);
         }

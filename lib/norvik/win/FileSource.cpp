@@ -57,7 +57,10 @@ class FileSource final : public ByteSource {
     }
 
   private:
-    [[noreturn]] static void Fail() { throw ReadError(Utf8(SystemText(::GetLastError()))); }
+    [[noreturn]] static void Fail() {
+        const std::u16string reason = SystemText(::GetLastError());
+        throw ReadError({reason, reason});
+    }
 
     HANDLE m_file;
     std::uint64_t m_size;

@@ -22,4 +22,10 @@ Language InterfaceLanguage() {
     return PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_RUSSIAN ? Language::Russian : Language::English;
 }
 
+char16_t DecimalSeparator() {
+    wchar_t text[8] = {};
+    GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, text, 8);
+    return text[0] != L'\0' ? static_cast<char16_t>(text[0]) : u'.';
+}
+
 }  // namespace quillon

@@ -32,7 +32,13 @@ LRESULT CALLBACK PictureBox::Procedure(HWND window, UINT message, WPARAM wParam,
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(box));
     }
     auto* box = reinterpret_cast<PictureBox*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    return box != nullptr ? box->Handle(message, wParam, lParam) : DefWindowProcW(window, message, wParam, lParam);
+    if (box == nullptr) return DefWindowProcW(window, message, wParam, lParam);
+    try {
+        return box->Handle(message, wParam, lParam);
+    } catch (const std::exception& error) {
+        box->m_owner->PictureFailed(error);
+        return 0;
+    }
 }
 
 LRESULT PictureBox::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -61,7 +67,12 @@ LRESULT PictureBox::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 void PictureBox::OnPaint() {
     PAINTSTRUCT paint{};
     const HDC dc = BeginPaint(m_window, &paint);
-    m_owner->PaintPicture(m_id, dc, paint.rcPaint);
+    try {
+        m_owner->PaintPicture(m_id, dc, paint.rcPaint);
+    } catch (const std::exception& error) {
+        m_owner->PictureFailed(error);
+    }
+    // Always, or the system asks for the same painting without end.
     EndPaint(m_window, &paint);
 }
 

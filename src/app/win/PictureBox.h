@@ -1,5 +1,7 @@
 #pragma once
 
+#include <exception>
+
 #include "app/win/Win32.h"
 
 namespace quillon {
@@ -12,6 +14,8 @@ class PictureOwner {
     virtual void PaintPicture(int id, HDC dc, const RECT& clip) = 0;
     /// A mouse message of the picture; true when it was handled.
     virtual bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) = 0;
+    /// One of the above threw; no exception leaves a window procedure.
+    virtual void PictureFailed(const std::exception& error) = 0;
 };
 
 /// A child window that shows a picture its owner paints. WM_PAINT and WM_PRINTCLIENT paint alike, so its pixels can be

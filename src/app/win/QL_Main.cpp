@@ -36,6 +36,7 @@ StartUpParts SystemParts() {
 int QL_Main(const StartUpParts& parts, int showCommand) {
     QL_Global global;
     global.language = InterfaceLanguage();
+    global.format.decimalSeparator = DecimalSeparator();
     WinServices services(global.language);
     if (!Init(global, parts, services)) return 1;
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
@@ -49,8 +50,10 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     } catch (const std::system_error& error) {
         services.ShowMessage(services.Text(IDS_NO_WINDOW) + u' ' + services.Text(IDS_ERROR_NUMBERED) + u' ' +
                              Decimal(error.code().value()));
-        return 1;
+    } catch (const std::exception& error) {
+        services.ShowMessage(services.Text(IDS_NO_WINDOW) + u' ' + Utf16(error.what()));
     }
+    return 1;
 }
 
 }  // namespace quillon

@@ -65,6 +65,13 @@ struct FindTraits {
 };
 using FindHandle = WinHandle<FindTraits>;
 
+struct MemoryDCTraits {
+    using Handle = HDC;
+    static Handle Invalid() { return nullptr; }
+    static void Close(Handle handle) { DeleteDC(handle); }
+};
+using MemoryDC = WinHandle<MemoryDCTraits>;
+
 /// Selects an object into a device context and puts the previous one back.
 class SelectScope {
   public:

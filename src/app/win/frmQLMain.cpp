@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 #include "app/Commands.h"
 #include "app/ControlIds.h"
@@ -53,6 +54,7 @@ void frmQLMain::Create(const std::wstring& folder) {
     const int height = MulDiv(700, m_dpi, 96);
     CreateWindowExW(0, kClassName, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
                     width, height, nullptr, nullptr, windowClass.hInstance, this);
+    if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
     if (m_window == nullptr) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
     }
@@ -71,8 +73,10 @@ LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, 
     try {
         return form->Handle(message, wParam, lParam);
     } catch (const std::exception& error) {
-        form->m_services.SetStatus(Utf16(error.what()));
-        return message == WM_CREATE ? -1 : 0;
+        if (message != WM_CREATE) return form->Failed(error), 0;
+        form->m_createFailure = std::current_exception();
+        form->m_services.SetWindow(nullptr, nullptr);
+        return -1;
     }
 }
 
@@ -103,10 +107,18 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_MOUSEMOVE:
         case WM_LBUTTONUP:
         case WM_CAPTURECHANGED: OnMouse(message, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)); return 0;
-        case WM_NCDESTROY: SetWindowLongPtrW(m_window, GWLP_USERDATA, 0); break;
+        case WM_NCDESTROY: {
+            const HWND window = std::exchange(m_window, nullptr);
+            SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+            return DefWindowProcW(window, message, wParam, lParam);
+        }
         default: break;
     }
     return DefWindowProcW(m_window, message, wParam, lParam);
+}
+
+void frmQLMain::Failed(const std::exception& error) {
+    m_services.SetStatus(m_services.Text(IDS_COMMAND_FAILED) + u": " + Utf16(error.what()));
 }
 
 void frmQLMain::OnCreate() {
@@ -180,7 +192,11 @@ void frmQLMain::FillTypes() {
 }
 
 void frmQLMain::OnActivate(UINT state) {
-    if (state == WA_INACTIVE || m_closing) return;
+    if (m_closing) return;
+    if (state == WA_INACTIVE) {
+        m_lastFocus = GetFocus();
+        return;
+    }
     if (!m_activated) {
         m_activated = true;
         if (m_browser.FileCount() > 0) {
@@ -191,7 +207,7 @@ void frmQLMain::OnActivate(UINT state) {
             ShowPages();
         }
     }
-    SetFocus(m_graphBox.Window());
+    SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
 }
 
 void frmQLMain::OnSize(UINT state) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <exception>
 #include <string>
 
+#include "app/Commands.h"
 #include "app/MainLayout.h"
 #include "app/QL_Global.h"
 #include "app/win/PictureBox.h"
@@ -47,6 +49,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    [[nodiscard]] bool TranslateKey(const MSG& message);
+    /// A command ended early (no memory, a failed library call): told in "Status".
+    void Failed(const std::exception& error);
 
     // Life cycle and layout.
     void OnCreate();
@@ -85,12 +90,15 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void SelectTabFile(int page);
     void GoTo(int index);
     [[nodiscard]] bool FocusKeepsItsKeys() const;
-    void ZoomDown(int index) override;
+    void ZoomDown(int index) override { OnCommand(mnuZoomX + index); }
     void ZoomButtonDown() override;
+    void ZoomFailed(const std::exception& error) override { Failed(error); }
+    void ZoomX(int index);
 
     // Graph.
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
     bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    void PictureFailed(const std::exception& error) override { Failed(error); }
     void OnHScroll(UINT code);
     void OnVScroll(UINT code);
     void OnWheel(WPARAM wParam);
@@ -103,7 +111,6 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void FitUnlessLegible();
     void UpdateScrollBars() const;
     void Refresh();
-    void RefreshAmplitude();
     void ShowPanels() const;
 
     QL_Global& m_global;
@@ -130,7 +137,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     int m_listWidth = 0;     ///< as the user dragged it; 0: the default
     int m_upperPercent = 0;  ///< likewise
     enum class Drag { None, Column, Lists } m_drag = Drag::None;
-    int m_wheelRest = 0;  ///< wheel movement below one notch
+    int m_wheelRest = 0;                 ///< wheel movement below one notch
+    HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
+    std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_activated = false;
     bool m_closing = false;
 };

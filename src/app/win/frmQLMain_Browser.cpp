@@ -74,6 +74,7 @@ void frmQLMain::SelectBlockItem(std::int32_t position) {
 }
 
 void frmQLMain::ResetViewState() {
+    m_global.ranges.Reset();
     if (!m_closing) m_graph.Clear(m_layout.graph.width, m_layout.graph.height);
 }
 
@@ -83,7 +84,7 @@ void frmQLMain::ShowBlock() {
     m_channels.Fill(m_global.block, m_global.slots);
     FitUnlessLegible();
     ShowCaption();
-    RefreshAmplitude();
+    Refresh();
 }
 
 void frmQLMain::ShowCaption() {

@@ -25,7 +25,8 @@ void frmQLMain::MakeMenu() {
         } else {
             for (int index = 0; index < entry.count; ++index) {
                 const std::u16string caption =
-                    entry.captionId != 0 ? m_services.Text(entry.captionId + index) : ComputedCaption(entry.id + index);
+                    entry.captionId != 0 ? m_services.Text(entry.captionId + index)
+                                         : ComputedCaption(entry.id + index, m_global.format.decimalSeparator);
                 AppendMenuW(parent, MF_STRING, static_cast<UINT_PTR>(entry.id + index), Wide(caption).c_str());
             }
         }
@@ -56,7 +57,7 @@ void frmQLMain::OnCommand(int id) {
         {mnuTabPath, mnuTabPath + 1, &frmQLMain::SelectTabPath},
         {mnuTabFile, mnuTabFile + 1, &frmQLMain::SelectTabFile},
         {mnuScaleX, mnuScaleX + TimeAxis::kMenuZoomCount - 1, &frmQLMain::SelectZoomX},
-        {mnuZoomX, mnuZoomX + 1, &frmQLMain::ZoomDown},
+        {mnuZoomX, mnuZoomX + 1, &frmQLMain::ZoomX},
         {mnuGoTo, mnuGoTo + 3, &frmQLMain::GoTo},
         {mnuScaleY, mnuScaleY + AmplitudeScale::kScaleCount - 1, &frmQLMain::SelectScaleY},
         {mnuZoomY, mnuZoomY + 1, &frmQLMain::ZoomY},
@@ -94,6 +95,15 @@ bool frmQLMain::FocusKeepsItsKeys() const {
 }
 
 bool frmQLMain::PreTranslate(const MSG& message) {
+    try {
+        return TranslateKey(message);
+    } catch (const std::exception& error) {
+        Failed(error);
+        return true;
+    }
+}
+
+bool frmQLMain::TranslateKey(const MSG& message) {
     if (message.message == WM_MOUSEWHEEL) {
         // The wheel belongs to what lies under the pointer, wherever the focus is.
         const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
@@ -141,10 +151,8 @@ bool frmQLMain::OnKey(WPARAM key) {
     return action.command != 0 || action.columns != 0 || action.rows != 0;
 }
 
-void frmQLMain::ZoomDown(int index) {
-    const int step = index == 0 ? 1 : -1;
-    const int target = m_global.axis.ZoomIndex() + step;
-    if (target >= 0 && target < TimeAxis::kMenuZoomCount) SelectZoomX(target);
+void frmQLMain::ZoomX(int index) {
+    SelectZoomX(m_global.axis.ZoomIndex() + (index == 0 ? 1 : -1));
 }
 
 void frmQLMain::ZoomButtonDown() {

@@ -19,11 +19,13 @@ constexpr int kBaseLineReach = 2000;
 void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     RECT client{};
     GetClientRect(GetDlgItem(m_window, id), &client);
-    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_global.axis, m_global.block));
+    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_global.axis, m_global.block, m_global.format));
     if (id == pbScaleY) {
         const bool empty = m_global.block.sampleCount == 0;
         m_scales.PaintAmplitude(
-            dc, client, empty ? std::vector<ScaleLabel>() : AmplitudeLabels(m_global.amplitude, m_global.rawCodes));
+            dc, client,
+            empty ? std::vector<ScaleLabel>()
+                  : AmplitudeLabels(m_global.amplitude, m_global.rawCodes, m_global.format.decimalSeparator));
     }
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);
@@ -134,12 +136,12 @@ void frmQLMain::ScrollBy(std::int32_t shift) {
 
 void frmQLMain::ZoomY(int index) {
     m_global.amplitude.ZoomY(index == 0 ? -1 : 1);
-    RefreshAmplitude();
+    Refresh();
 }
 
 void frmQLMain::SelectScaleY(int index) {
     m_global.amplitude.SelectScale(index);
-    RefreshAmplitude();
+    Refresh();
 }
 
 void frmQLMain::BaseLine(int index) {
@@ -148,26 +150,21 @@ void frmQLMain::BaseLine(int index) {
     } else if (m_global.rawCodes) {
         m_global.amplitude.FindData(kRawCodesRange);
     } else {
-        m_global.amplitude.FindData(RangeOf(m_global.block, m_global.slots, {1, m_global.block.sampleCount}));
+        m_global.amplitude.FindData(m_global.ranges.OfShown(m_global.block, m_global.slots));
     }
-    RefreshAmplitude();
+    Refresh();
 }
 
 void frmQLMain::MoveBaseLine(std::int32_t rows) {
     if (m_global.block.sampleCount == 0 || rows == 0) return;
     m_global.amplitude.MoveBaseLine(rows);
-    RefreshAmplitude();
+    Refresh();
 }
 
 void frmQLMain::FitUnlessLegible() {
-    // A scale that the user chose stays from block to block as long as it shows something of the new one.
+    // A scale that the user chose stays from block to block as long as the new one is legible at it.
     const std::optional<ValueRange> range = TypicalRange(m_global.block, m_global.slots);
     if (range && !m_global.amplitude.Shows(*range)) m_global.amplitude.FindData(range);
-}
-
-void frmQLMain::RefreshAmplitude() {
-    m_scaleYBox.Invalidate();
-    Refresh();
 }
 
 void frmQLMain::Refresh() {
@@ -186,6 +183,7 @@ void frmQLMain::Refresh() {
     ShowPanels();
     m_graphBox.Invalidate();
     m_scaleXBox.Invalidate();
+    m_scaleYBox.Invalidate();
 }
 
 void frmQLMain::ShowPanels() const {

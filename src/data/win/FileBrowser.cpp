@@ -14,6 +14,14 @@ std::wstring WithBackslash(std::wstring folder) {
     return folder;
 }
 
+/// Length of "C:\\" or of "\\\\server\\share".
+std::size_t RootLength(const std::wstring& folder) {
+    if (folder.rfind(L"\\\\", 0) != 0) return std::min<std::size_t>(folder.size(), 3);
+    const std::size_t share = folder.find(L'\\', 2);
+    const std::size_t end = share == std::wstring::npos ? share : folder.find(L'\\', share + 1);
+    return std::min(end, folder.size());
+}
+
 /// Absolute form without a trailing backslash, except for the root of a drive.
 std::wstring Normal(const std::wstring& folder) {
     std::wstring full(32768, L'\0');
@@ -100,14 +108,13 @@ void FileBrowser::FillFolders(const std::vector<std::wstring>& subfolders) {
         m_folderPaths.push_back(path);
     };
     // The way from the drive to the folder, one level deeper line by line, then what lies in the folder.
-    std::size_t start = 0;
-    while (start < m_folder.size()) {
-        std::size_t end = m_folder.find(L'\\', start);
+    for (std::size_t start = 0; start < m_folder.size();) {
+        // The first line is the drive with its backslash, or the server and share of a network folder.
+        std::size_t end = start == 0 ? RootLength(m_folder) : m_folder.find(L'\\', start);
         if (end == std::wstring::npos) end = m_folder.size();
-        const std::size_t length = start == 0 ? std::min<std::size_t>(end + 1, m_folder.size()) : end;
-        add(m_folder.substr(start, length - start), m_folder.substr(0, length));
+        add(m_folder.substr(start, end - start), m_folder.substr(0, end));
         ++depth;
-        start = end + 1;
+        start = end + (start == 0 && m_folder[end - 1] == L'\\' ? 0 : 1);
     }
     SendMessageW(m_folders, LB_SETCURSEL, m_folderPaths.size() - 1, 0);
     for (const std::wstring& name : subfolders) add(name, WithBackslash(m_folder) + name);

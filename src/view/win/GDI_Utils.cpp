@@ -34,7 +34,8 @@ void DrawTextAt(HDC dc, int x, int y, const std::u16string& text) {
 ImageList MakeTraceIcons(int size) {
     ImageList icons(ImageList_Create(size, size, ILC_COLOR32, kTraceColors, 0));
     const WindowDC screen(nullptr);
-    const HDC dc = CreateCompatibleDC(screen.Get());
+    const MemoryDC memory(CreateCompatibleDC(screen.Get()));
+    const HDC dc = memory.Get();
     for (int color = 0; color < kTraceColors; ++color) {
         const GdiBitmap bitmap(CreateCompatibleBitmap(screen.Get(), size, size));
         {
@@ -45,7 +46,6 @@ ImageList MakeTraceIcons(int size) {
         }
         ImageList_Add(icons.Get(), bitmap.Get(), nullptr);
     }
-    DeleteDC(dc);
     return icons;
 }
 

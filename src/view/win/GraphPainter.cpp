@@ -13,6 +13,22 @@ constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 
 static_assert(sizeof(TracePoint) == sizeof(POINT), "both are two 32-bit coordinates");
 
+/// Back to pixels with both origins at 0 at the end.
+class AnisotropicScope {
+  public:
+    explicit AnisotropicScope(HDC dc) : m_dc(dc) { SetMapMode(dc, MM_ANISOTROPIC); }
+    ~AnisotropicScope() {
+        SetMapMode(m_dc, MM_TEXT);
+        SetViewportOrgEx(m_dc, 0, 0, nullptr);
+        SetWindowOrgEx(m_dc, 0, 0, nullptr);
+    }
+    AnisotropicScope(const AnisotropicScope&) = delete;
+    AnisotropicScope& operator=(const AnisotropicScope&) = delete;
+
+  private:
+    HDC m_dc;
+};
+
 }  // namespace
 
 GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())) {}
@@ -83,17 +99,13 @@ void GraphPainter::DrawTraces(const GraphScene& scene) {
     geometry.rawCodes = scene.rawCodes;
     geometry.foldOrigin = !scene.strokePaths;
     m_reader.Read(*scene.block.block, shown, visible.first - 1, visible.Count(), geometry.samplesPerPixel);
-    const HDC dc = m_surface.Handle();
-    SetMapMode(dc, MM_ANISOTROPIC);
+    const AnisotropicScope mapping(m_surface.Handle());
     // The last channel comes first, so that the first one lies on top.
     for (std::size_t at = shown.size(); at-- > 0;) {
         const auto channel = static_cast<std::size_t>(shown[at] - 1);
-        const TraceMapping mapping = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
-        StrokeTrace(mapping, scene, channel, m_reader.points()[at], visible.Count());
+        const TraceMapping trace = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
+        StrokeTrace(trace, scene, channel, m_reader.points()[at], visible.Count());
     }
-    SetMapMode(dc, MM_TEXT);
-    SetViewportOrgEx(dc, 0, 0, nullptr);
-    SetWindowOrgEx(dc, 0, 0, nullptr);
 }
 
 void GraphPainter::StrokeTrace(const TraceMapping& mapping, const GraphScene& scene, std::size_t channel,

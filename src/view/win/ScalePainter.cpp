@@ -20,7 +20,7 @@ void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<Scale
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, kTextColor);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
-    constexpr int textTop = 7;
+    constexpr int textTop = 10;
     int free = 0;  // first column that no label covers yet
     for (const ScaleLabel& label : labels) {
         FillWith(dc, {label.position, 0, label.position + 1, kTick}, kTickColor);
@@ -43,14 +43,12 @@ void ScalePainter::PaintAmplitude(HDC dc, const RECT& client, const std::vector<
     GetTextMetricsW(dc, &metrics);
     SetTextAlign(dc, TA_RIGHT | TA_BASELINE);
     constexpr int textRight = 11;
-    // The text stands beside its grid line, half of the height of its digits below it.
-    const int digits = metrics.tmAscent - metrics.tmInternalLeading;
     for (const ScaleLabel& label : labels) {
         const int row = label.position - 1;
         FillWith(dc, {client.right - kTick, row, client.right, row + 1}, kTickColor);
-        const int baseline = row + digits / 2;
-        if (baseline - digits < 0 || baseline > client.bottom) continue;
-        DrawTextAt(dc, client.right - textRight, baseline, label.text);
+        // No label is cut at the top.
+        if (label.position < metrics.tmAscent - metrics.tmInternalLeading) continue;
+        DrawTextAt(dc, client.right - textRight, label.position, label.text);
     }
     SetTextAlign(dc, TA_LEFT | TA_TOP);
 }

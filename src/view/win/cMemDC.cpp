@@ -51,13 +51,12 @@ SIZE cMemDC::Size() const {
 HBITMAP cMemDC::CopyBitmap() const {
     const SIZE size = Size();
     const WindowDC screen(nullptr);
-    const HDC target = CreateCompatibleDC(m_dc);
+    const MemoryDC target(CreateCompatibleDC(m_dc));
     const HBITMAP copy = CreateCompatibleBitmap(screen.Get(), size.cx, size.cy);
     if (copy != nullptr) {
-        const SelectScope select(target, copy);
-        BitBlt(target, 0, 0, size.cx, size.cy, m_dc, 0, 0, SRCCOPY);
+        const SelectScope select(target.Get(), copy);
+        BitBlt(target.Get(), 0, 0, size.cx, size.cy, m_dc, 0, 0, SRCCOPY);
     }
-    DeleteDC(target);
     return copy;
 }
 

@@ -15,6 +15,8 @@ class ZoomXEvents {
     virtual void ZoomDown(int index) = 0;
     /// The caption was pressed: the list of zooms is asked for.
     virtual void ZoomButtonDown() = 0;
+    /// What an event started threw.
+    virtual void ZoomFailed(const std::exception& error) = 0;
 };
 
 /// The X zoom beside the time scale: minus, the present zoom, plus.
@@ -28,6 +30,7 @@ class ucZoomX final : public PictureOwner {
 
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
     bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    void PictureFailed(const std::exception& error) override { m_events->ZoomFailed(error); }
 
   private:
     struct Parts {

@@ -122,7 +122,8 @@ Pixels MainWindowTest::Capture(int id) const {
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     void* bits = nullptr;
-    const HDC dc = CreateCompatibleDC(nullptr);
+    const MemoryDC memory(CreateCompatibleDC(nullptr));
+    const HDC dc = memory.Get();
     const GdiBitmap bitmap(CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     {
         const SelectScope select(dc, bitmap.Get());
@@ -131,7 +132,6 @@ Pixels MainWindowTest::Capture(int id) const {
         const auto* first = static_cast<const std::uint32_t*>(bits);
         pixels.rgb.assign(first, first + static_cast<std::ptrdiff_t>(pixels.width) * pixels.height);
     }
-    DeleteDC(dc);
     // The fourth byte differs between drawing operations and means nothing.
     for (std::uint32_t& pixel : pixels.rgb) pixel &= 0xFFFFFF;
     return pixels;

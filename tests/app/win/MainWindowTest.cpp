@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "app/win/MainWindowFixture.h"
+#include "support/FakeRecording.h"
 
 namespace quillon {
 namespace {
@@ -108,6 +109,29 @@ TEST_F(MainWindowTest, ARefusedFileLeavesTheListsEmptyAndSaysWhy) {
     EXPECT_EQ(ItemCount(), 2);
 }
 
+TEST_F(MainWindowTest, AnImpossibleScaleBreaksNothing) {
+    FileBytes huge = BinRecording(100.0F, Waves(1, 1000));
+    huge.Patch(128 + 64, 0x7B4097CE, 4);  // 1e36
+    static_cast<void>(m_folder.Write(u"huge.bin", huge));
+    Start();
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"huge.bin"));
+    for (const WPARAM key : {WPARAM{'D'}, WPARAM{'B'}, WPARAM{VK_ADD}, WPARAM{VK_NEXT}}) Key(key);
+    EXPECT_EQ(Status(StatusPanel::Status), L"");
+}
+
+TEST_F(MainWindowTest, TheScaleIsPaintedAnewWithTheGraph) {
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Waves(2, 1000))));
+    Start();
+    UpdateWindow(m_form->Window());
+    RECT before{};
+    GetClientRect(Control(pbScaleY), &before);
+    SetWindowPos(m_form->Window(), nullptr, 0, 0, 1000, 760, SWP_NOZORDER | SWP_NOMOVE);
+    RECT stale{};
+    GetUpdateRect(Control(pbScaleY), &stale, FALSE);
+    EXPECT_EQ(stale.top, 0) << "its labels have moved with the zero level";
+    EXPECT_GT(stale.bottom, before.bottom);
+}
+
 TEST_F(MainWindowTest, EverySampleStandsAtItsPixel) {
     // A staircase: sample n has the code 10 x (n mod 8); at one code per unit and 40 units per division a step is 10
     // rows.
@@ -136,7 +160,7 @@ TEST_F(MainWindowTest, ZoomsAndScrolls) {
     const Pixels startScale = Capture(pbScaleX);
     Command(mnuScaleX + 5);
     EXPECT_EQ(m_global.axis.SamplesPerPixel(), 50);
-    EXPECT_EQ(Status(StatusPanel::XPart), Wide(VisiblePart(m_global.axis)));
+    EXPECT_EQ(Status(StatusPanel::XPart), Wide(VisiblePart(m_global.axis, u'.')));
     EXPECT_NE(Capture(pbGraph), start);
     EXPECT_NE(Capture(pbScaleX), startScale);
     Command(mnuZoomX + 1);
@@ -283,6 +307,17 @@ TEST(StartUp, AFailureShowsItsMessageAndEndsTheProcessWithoutAWindow) {
         text = answer.Text();
     }
     EXPECT_THAT(text, HasSubstr(L"126"));
+    // The window cannot be filled: it is told, too, and nothing stays behind.
+    struct BrokenLibrary : FakeLibrary {
+        std::int32_t FileTypeCount() const override { throw std::runtime_error("no types"); }
+    };
+    parts.makeLibrary = [](Language) { return std::make_shared<BrokenLibrary>(); };
+    {
+        BoxAnswer answer;
+        EXPECT_EQ(QL_Main(parts, SW_SHOW), 1);
+        text = answer.Text();
+    }
+    EXPECT_THAT(text, HasSubstr(L"no types"));
     DWORD process = 0;
     GetWindowThreadProcessId(FindWindowW(L"frmQLMain", nullptr), &process);
     EXPECT_NE(process, GetCurrentProcessId());
