@@ -27,6 +27,6 @@ else
     done
     [ -n "$window" ] || { echo "The window did not open."; exit 1; }
     sleep 1
-    import -window "$window" ../quillon.png
+    import -frame -window "$window" ../quillon.png
     echo "There is no display: a picture of the window is in build/quillon.png"
 fi

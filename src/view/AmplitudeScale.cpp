@@ -60,7 +60,7 @@ void AmplitudeScale::FindData(const std::optional<ValueRange>& range) {
 }
 
 bool AmplitudeScale::Shows(const ValueRange& range) const {
-    constexpr double leastRows = 8.0;
+    constexpr double leastRows = kDivision;
     constexpr double leastShare = 0.8;
     const double rowsPerUnit = kDivision / static_cast<double>(UnitsPerDivision());
     const double top = ZeroRow() - static_cast<double>(range.maximum) * rowsPerUnit;

@@ -140,6 +140,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
+    bool m_scaleFitted = false;  ///< to a block, since the start
     bool m_activated = false;
     bool m_closing = false;
 };

@@ -164,7 +164,9 @@ void frmQLMain::MoveBaseLine(std::int32_t rows) {
 void frmQLMain::FitUnlessLegible() {
     // A scale that the user chose stays from block to block as long as the new one is legible at it.
     const std::optional<ValueRange> range = TypicalRange(m_global.block, m_global.slots);
-    if (range && !m_global.amplitude.Shows(*range)) m_global.amplitude.FindData(range);
+    if (!range || (m_scaleFitted && m_global.amplitude.Shows(*range))) return;
+    m_global.amplitude.FindData(range);
+    m_scaleFitted = true;
 }
 
 void frmQLMain::Refresh() {

@@ -9,6 +9,7 @@ namespace {
 constexpr COLORREF kGridColor = RGB(0xE6, 0xE8, 0xEC);
 constexpr COLORREF kZeroColor = RGB(0xB4, 0xBA, 0xC4);
 constexpr COLORREF kMarkColor = RGB(0xB0, 0x2A, 0x2A);
+constexpr COLORREF kMarkLineColor = RGB(0xDF, 0xA6, 0xA6);
 constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 
 static_assert(sizeof(TracePoint) == sizeof(POINT), "both are two 32-bit coordinates");
@@ -78,9 +79,10 @@ void GraphPainter::DrawMarks(const GraphScene& scene) const {
     SetTextColor(dc, kMarkColor);
     SetBkMode(dc, TRANSPARENT);
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
-        FillWith(dc, {line.column, 0, line.column + 1, m_height}, kMarkColor);
+        FillWith(dc, {line.column, 0, line.column + 1, m_height}, kMarkLineColor);
         constexpr int gap = 3;
-        if (line.textWidth < 2 * gap) continue;
+        constexpr int leastText = 16;
+        if (line.textWidth < leastText) continue;
         const std::wstring text = Wide(scene.block.marks[static_cast<std::size_t>(line.markIndex)].text);
         RECT place{line.column + gap, 1, line.column + line.textWidth, m_height};
         DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,

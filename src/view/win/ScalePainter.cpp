@@ -46,8 +46,8 @@ void ScalePainter::PaintAmplitude(HDC dc, const RECT& client, const std::vector<
     for (const ScaleLabel& label : labels) {
         const int row = label.position - 1;
         FillWith(dc, {client.right - kTick, row, client.right, row + 1}, kTickColor);
-        // No label is cut at the top.
-        if (label.position < metrics.tmAscent - metrics.tmInternalLeading) continue;
+        // No label is cut at the top or bottom.
+        if (label.position < metrics.tmAscent - metrics.tmInternalLeading || label.position > client.bottom) continue;
         DrawTextAt(dc, client.right - textRight, label.position, label.text);
     }
     SetTextAlign(dc, TA_LEFT | TA_TOP);
