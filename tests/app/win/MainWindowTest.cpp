@@ -48,6 +48,9 @@ TEST_F(MainWindowTest, FirstActivationOpensTheFirstRecording) {
     EXPECT_EQ(ItemCount(), 3);
     EXPECT_GT(Capture(pbGraph).Count(TraceColor(2)), 200);
     ClickLine(lstFile, 0);
+    EXPECT_EQ(ItemCount(), 2);
+    // The scale of the file in between may have stayed; fitted to the same data the picture is the same.
+    Command(mnuBaseLine + 1);
     EXPECT_EQ(Capture(pbGraph), graph);
 }
 
