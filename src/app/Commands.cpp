@@ -1,5 +1,6 @@
 #include "app/Commands.h"
 
+#include <algorithm>
 #include <array>
 
 #include "base/StringIds.h"
@@ -23,11 +24,23 @@ constexpr MenuEntry Separator(int depth) {
 
 constexpr std::array kTree{
     Popup(0, IDS_MENU_FILE),
+    Entry(1, mnuSaveAs, IDS_SAVEAS),
+    Entry(1, mnuFastExport, IDS_FASTEXPORT),
+    Entry(1, mnuSplit, IDS_SPLIT),
+    Separator(1),
+    Entry(1, mnuFileOperation, IDS_FILEOPERATION_0, 2),
+    Separator(1),
+    Entry(1, mnuOptions, IDS_OPTIONS),
+    Separator(1),
     Entry(1, mnuExit, IDS_EXIT),
+    Popup(0, IDS_MENU_EDIT),
+    Entry(1, mnuCopy, IDS_COPY_0, 2),
     Popup(0, IDS_MENU_VIEW),
     Entry(1, mnuTabPath, IDS_TABPATH_0, 2),
     Separator(1),
     Entry(1, mnuTabFile, IDS_TABFILE_0, 2),
+    Separator(1),
+    Entry(1, mnuSpectrogram, IDS_SPECTROGRAM),
     Separator(1),
     Popup(1, IDS_MENU_XZOOM),
     Entry(2, mnuScaleX, 0, TimeAxis::kMenuZoomCount),
@@ -42,10 +55,52 @@ constexpr std::array kTree{
     Entry(1, mnuBaseLine, IDS_BASELINE_0, 2),
     Popup(0, IDS_MENU_CHANNELS),
     Entry(1, mnuChShow, IDS_CHSHOW_0, 3),
+    Popup(0, IDS_MENU_SOUND),
+    Entry(1, mnuSoundPlay, IDS_SOUNDPLAY_0, 3),
+    Separator(1),
+    Popup(1, IDS_MENU_SOUNDOUTPUT),
+    Entry(2, mnuSoundCard, IDS_SOUNDCARD_0),
+    Popup(0, IDS_MENU_HELP),
+    Entry(1, mnuHelp, IDS_HELP),
+    Popup(1, IDS_MENU_HELPLANG),
+    Entry(2, mnuHelpLang, IDS_HELPLANG_0, 3),
+};
+
+constexpr std::array kMainButtons{
+    ToolbarButton{u"ZoomY0", mnuZoomY, IDS_TIP_ZOOMY_0, Icon::ZoomYOut},
+    ToolbarButton{u"ZoomY1", mnuZoomY + 1, IDS_TIP_ZOOMY_0 + 1, Icon::ZoomYIn},
+    ToolbarButton{u"BaseLine0", mnuBaseLine, IDS_TIP_BASELINE_0, Icon::Bipolar},
+    ToolbarButton{u"BaseLine1", mnuBaseLine + 1, IDS_TIP_BASELINE_0 + 1, Icon::FindData},
+    ToolbarButton{u"Spectrogram", mnuSpectrogram, IDS_TIP_SPECTROGRAM, Icon::Spectrogram, true},
+    ToolbarButton{u"Options", mnuOptions, IDS_TIP_OPTIONS, Icon::Options},
+    ToolbarButton{u"SaveAs", mnuSaveAs, IDS_TIP_SAVEAS, Icon::SaveAs, true},
+    ToolbarButton{u"FastExport", mnuFastExport, IDS_TIP_FASTEXPORT, Icon::FastExport},
+    ToolbarButton{u"Split", mnuSplit, IDS_TIP_SPLIT, Icon::Split},
+    ToolbarButton{u"Copy0", mnuCopy, IDS_TIP_COPY_0, Icon::CopyData, true},
+    ToolbarButton{u"Copy1", mnuCopy + 1, IDS_TIP_COPY_0 + 1, Icon::CopyImage},
+    ToolbarButton{u"SoundPlay0", mnuSoundPlay, IDS_TIP_SOUNDPLAY_0, Icon::PlayChannel, true},
+    ToolbarButton{u"SoundPlay1", mnuSoundPlay + 1, IDS_TIP_SOUNDPLAY_0 + 1, Icon::PlayAll},
+    ToolbarButton{u"SoundPlay2", mnuSoundPlay + 2, IDS_TIP_SOUNDPLAY_0 + 2, Icon::StopPlay},
+    ToolbarButton{u"Help", mnuHelp, IDS_TIP_HELP, Icon::Help, true},
+};
+
+constexpr std::array kGoToButtons{
+    ToolbarButton{u"GoTo0", mnuGoTo, IDS_TIP_GOTO_0, Icon::GoToStart},
+    ToolbarButton{u"GoTo1", mnuGoTo + 1, IDS_TIP_GOTO_0 + 1, Icon::PreviousPage},
+    ToolbarButton{u"GoTo2", mnuGoTo + 2, IDS_TIP_GOTO_0 + 2, Icon::NextPage},
+    ToolbarButton{u"GoTo3", mnuGoTo + 3, IDS_TIP_GOTO_0 + 3, Icon::GoToEnd},
 };
 
 bool Within(int id, int first, int count) {
     return id >= first && id < first + count;
+}
+
+/// Commands whose part of the program does not exist in this version; they are shown, and cannot be chosen.
+bool IsAbsent(int id) {
+    constexpr std::array absent{mnuSaveAs + 0,    mnuFastExport + 0, mnuSplit + 0,       mnuOptions + 0,
+                                mnuCopy + 0,      mnuCopy + 1,       mnuSpectrogram + 0, mnuSoundPlay + 0,
+                                mnuSoundPlay + 1, mnuSoundPlay + 2,  mnuSoundCard + 0};
+    return std::find(absent.begin(), absent.end(), id) != absent.end();
 }
 
 }  // namespace
@@ -54,13 +109,26 @@ std::span<const MenuEntry> MenuTree() {
     return kTree;
 }
 
+std::span<const ToolbarButton> MainButtons() {
+    return kMainButtons;
+}
+
+std::span<const ToolbarButton> GoToButtons() {
+    return kGoToButtons;
+}
+
 std::u16string ComputedCaption(int id, char16_t separator) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return ZoomCaption(id - mnuScaleX);
     return ScaleCaption(id - mnuScaleY, separator);
 }
 
 bool IsEnabled(int id, const QL_Global& global) {
-    if (id == mnuExit || Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2)) return true;
+    if (IsAbsent(id)) return false;
+    if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
+    if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
+        return true;
+    // A file that was refused can be deleted and renamed as well.
+    if (Within(id, mnuFileOperation, 2)) return global.fileSelected;
     if (global.block.channelCount == 0) return false;
     if (id == mnuZoomX) return global.axis.ZoomIndex() < TimeAxis::kMenuZoomCount - 1;
     if (id == mnuZoomX + 1) return global.axis.ZoomIndex() > 0;
@@ -72,6 +140,7 @@ bool IsEnabled(int id, const QL_Global& global) {
 bool IsChecked(int id, const QL_Global& global) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == global.axis.ZoomIndex();
     if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == global.amplitude.Index();
+    if (Within(id, mnuHelpLang, 3)) return id - mnuHelpLang == global.settings.helpLanguage;
     return false;
 }
 

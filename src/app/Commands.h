@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "app/QL_Global.h"
 
@@ -10,9 +11,16 @@ namespace quillon {
 
 /// Command identifiers. An indexed entry of the menu takes its first identifier plus its index.
 enum CommandId : int {
-    mnuExit = 1000,
-    mnuTabPath = 1010,
-    mnuTabFile = 1020,
+    mnuSaveAs = 1000,
+    mnuFastExport,
+    mnuSplit,
+    mnuFileOperation = 1010,  ///< 0 delete, 1 rename
+    mnuOptions = 1020,
+    mnuExit,
+    mnuCopy = 1030,  ///< 0 data, 1 image
+    mnuTabPath = 1040,
+    mnuTabFile = 1050,
+    mnuSpectrogram = 1060,
     mnuScaleX = 1100,
     mnuZoomX = 1120,
     mnuGoTo = 1130,
@@ -20,7 +28,15 @@ enum CommandId : int {
     mnuZoomY = 1230,
     mnuBaseLine = 1240,
     mnuChShow = 1250,
+    mnuSoundPlay = 1260,  ///< 0 channel, 1 all, 2 stop
+    mnuSoundCard = 1300,
+    mnuHelp = 1400,
+    mnuHelpLang = 1410,
+    mnuPathList = 1500,
 };
+
+/// Folders that the path list offers at most.
+inline constexpr int kPathListEntries = 30;
 
 /// One line of the menu tree, in order. An entry of depth d belongs to the nearest popup of depth d-1 above it.
 struct MenuEntry {
@@ -37,6 +53,44 @@ struct MenuEntry {
 
 /// Caption of an entry whose captions are computed (the zoom and scale lists).
 [[nodiscard]] std::u16string ComputedCaption(int id, char16_t separator);
+
+/// What a picture on a button shows.
+enum class Icon {
+    ZoomYOut,
+    ZoomYIn,
+    Bipolar,
+    FindData,
+    Spectrogram,
+    Options,
+    SaveAs,
+    FastExport,
+    Split,
+    CopyData,
+    CopyImage,
+    PlayChannel,
+    PlayAll,
+    StopPlay,
+    Help,
+    GoToStart,
+    PreviousPage,
+    NextPage,
+    GoToEnd,
+    Folders,
+    Count
+};
+
+/// A button of a toolbar: its key and the menu command that it runs. A gap stands before the first of a group.
+struct ToolbarButton {
+    std::u16string_view key;
+    int command;
+    int tipId;
+    Icon icon;
+    bool startsGroup = false;
+};
+
+/// The buttons of tbMain and of tbGoTo, in order.
+[[nodiscard]] std::span<const ToolbarButton> MainButtons();
+[[nodiscard]] std::span<const ToolbarButton> GoToButtons();
 
 /// Whether a command can do anything in the present state.
 [[nodiscard]] bool IsEnabled(int id, const QL_Global& global);

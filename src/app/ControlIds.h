@@ -4,8 +4,11 @@ namespace quillon {
 
 /// Child windows of the main window, by their window identifier.
 enum ControlId : int {
-    tabPath = 100,
+    tbMain = 100,
+    tbGoTo,
+    tabPath,
     lstDrive,
+    pbPathList,
     lstDir,
     lvCh,
     tabFile,
@@ -18,6 +21,7 @@ enum ControlId : int {
     scScaleX,
     scScaleY,
     btnZoomX,
+    pnValues,
     sbInfo,
 };
 

@@ -28,7 +28,17 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     const std::int32_t widest = std::max(input.clientWidth * 45 / 100, scaled(150));
     layout.listWidth = std::clamp(input.listWidth > 0 ? input.listWidth : scaled(232), scaled(150), widest);
 
-    const PixelRect column{gap, gap, std::max(layout.listWidth - gap, 0), std::max(height - 2 * gap, 0)};
+    // The toolbars stand side by side; the second one is cut off where the window is too narrow for both.
+    const std::int32_t top = input.toolHeight + gap;
+    layout.tools = {gap, scaled(2), std::min(input.toolWidth, input.clientWidth), input.toolHeight - scaled(2)};
+    const std::int32_t goToLeft = layout.tools.Right() + gap;
+    layout.goTo = {goToLeft, scaled(2), std::clamp(input.clientWidth - goToLeft, 0, input.goToWidth),
+                   input.toolHeight - scaled(2)};
+
+    const std::int32_t columnHeight = std::max(height - gap - top, 0);
+    const std::int32_t valuesHeight = std::clamp(columnHeight / 5, std::min(scaled(48), columnHeight / 4), scaled(200));
+    const PixelRect column{gap, top, std::max(layout.listWidth - gap, 0), columnHeight - valuesHeight - gap};
+    layout.values = {gap, column.Bottom() + gap, column.width, valuesHeight};
     // Each half has room for its tabs, its drop-down list and at least two lines.
     const std::int32_t shared = std::max(column.height - splitter, 1);
     const std::int32_t least = std::min(input.tabHeight + 2 * gap + input.comboHeight + scaled(34), shared / 2);
@@ -42,22 +52,26 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     layout.channels = page(layout.tabPath);
     layout.channels.height = std::max(column.top + upper - layout.channels.top, 0);
     ArrangePage(layout.channels, input.comboHeight, gap, layout.drive, layout.folders);
+    layout.pathList = layout.drive;
+    layout.pathList.width = std::min(input.comboHeight, layout.drive.width / 3);
+    layout.pathList.left = layout.drive.Right() - layout.pathList.width;
+    layout.drive.width -= layout.pathList.width + gap / 2;
     layout.splitLists = {column.left, column.top + upper, column.width, splitter};
     layout.tabFile = {column.left, layout.splitLists.Bottom(), column.width, input.tabHeight};
     layout.blocks = page(layout.tabFile);
     layout.blocks.height = std::max(column.Bottom() - layout.blocks.top, 0);
     ArrangePage(layout.blocks, input.comboHeight, gap, layout.fileType, layout.files);
 
-    layout.splitColumn = {layout.listWidth, 0, splitter, height};
+    layout.splitColumn = {layout.listWidth, top, splitter, std::max(height - top, 0)};
     const std::int32_t left = layout.splitColumn.Right();
     const std::int32_t bar = scaled(17);
     const std::int32_t scaleWidth = scaled(62);
     const std::int32_t scaleHeight = scaled(26);
     const std::int32_t right = std::max(input.clientWidth - gap, left + scaleWidth + bar);
-    const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, gap);
-    layout.scaleY = {left, gap, scaleWidth, graphBottom - gap};
-    layout.graph = {layout.scaleY.Right(), gap, std::max(right - bar - layout.scaleY.Right(), 0), graphBottom - gap};
-    layout.scrollY = {layout.graph.Right(), gap, bar, layout.graph.height};
+    const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, top);
+    layout.scaleY = {left, top, scaleWidth, graphBottom - top};
+    layout.graph = {layout.scaleY.Right(), top, std::max(right - bar - layout.scaleY.Right(), 0), graphBottom - top};
+    layout.scrollY = {layout.graph.Right(), top, bar, layout.graph.height};
     layout.scaleX = {layout.graph.left, graphBottom, layout.graph.width, scaleHeight};
     layout.scrollX = {layout.graph.left, layout.scaleX.Bottom(), layout.graph.width, bar};
     layout.zoomX = {left, layout.scaleX.top + scaled(2), scaleWidth - gap, scaleHeight + bar - scaled(2)};

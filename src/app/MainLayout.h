@@ -20,6 +20,9 @@ struct LayoutInput {
     std::int32_t statusHeight = 0;
     std::int32_t comboHeight = 0;  ///< of a closed drop-down list
     std::int32_t tabHeight = 0;    ///< of a strip of tabs
+    std::int32_t toolHeight = 0;   ///< of a toolbar
+    std::int32_t toolWidth = 0;    ///< of the main toolbar
+    std::int32_t goToWidth = 0;    ///< of the toolbar of pages
     std::int32_t dpi = 96;
     std::int32_t listWidth = 0;     ///< of the lists' column; 0: the default
     std::int32_t upperPercent = 0;  ///< share of the upper list in the column; 0: the default
@@ -27,8 +30,10 @@ struct LayoutInput {
 
 /// One rectangle per control. The pages of a tab strip share its page rectangle.
 struct MainLayout {
-    PixelRect tabPath, drive, folders, channels;
+    PixelRect tools, goTo;
+    PixelRect tabPath, drive, pathList, folders, channels;
     PixelRect tabFile, fileType, files, blocks;
+    PixelRect values;
     PixelRect scaleY, graph, scrollY, zoomX, scaleX, scrollX;
     PixelRect splitColumn;          ///< between the lists and the graph
     PixelRect splitLists;           ///< between the upper and the lower list

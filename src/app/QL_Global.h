@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "app/Settings.h"
 #include "base/Language.h"
 #include "data/NorvikCore.h"
 #include "data/QL_Types.h"
@@ -21,7 +22,11 @@ struct QL_Global {
     /// Major version of the operating system. From 4 on traces are stroked as paths and origins are not folded.
     std::int32_t systemVersion = 0;
 
+    Settings settings;
+    std::u16string helpFile;  ///< path; empty when none is installed
+
     ViewFile file;
+    bool fileSelected = false;  ///< the file list has a selection, whether or not it could be opened
     ViewBlock block;
     ChannelSlots slots;
 

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "app/QL_Global.h"
+#include "data/TimerObject.h"
 #include "data/UserServices.h"
 
 namespace quillon {
@@ -11,6 +12,9 @@ namespace quillon {
 struct StartUpParts {
     std::function<std::shared_ptr<RecordingLibrary>(Language)> makeLibrary;
     std::function<std::int32_t()> systemVersion;
+    SettingsStore::MakeRegistry makeRegistry;
+    ProgramIdentity program;
+    TimerFactory makeTimer;
 };
 
 /// Creates the process-wide objects. On a failure the user is told (a numbered error by its number, any other as an

@@ -18,19 +18,20 @@ TEST(Init, AFailureIsToldOnceAndEndsTheStart) {
     QL_Global global;
     FakeServices services;
     const auto version = [] { return 6; };
-    EXPECT_TRUE(Init(global, {[](Language) { return std::make_shared<FakeLibrary>(); }, version}, services));
+    EXPECT_TRUE(
+        Init(global, {[](Language) { return std::make_shared<FakeLibrary>(); }, version, {}, {}, {}}, services));
     EXPECT_EQ(global.systemVersion, 6);
     EXPECT_TRUE(services.messages.empty());
 
     const auto broken = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("no class"); };
-    EXPECT_FALSE(Init(global, {broken, version}, services));
+    EXPECT_FALSE(Init(global, {broken, version, {}, {}, {}}, services));
     ASSERT_EQ(services.messages.size(), 1U);
     EXPECT_EQ(services.messages[0], services.Text(1010)) << "an error without a number";
 
     const auto numbered = [](Language) -> std::shared_ptr<RecordingLibrary> {
         throw std::system_error(5, std::generic_category(), "library");
     };
-    EXPECT_FALSE(Init(global, {numbered, version}, services));
+    EXPECT_FALSE(Init(global, {numbered, version, {}, {}, {}}, services));
     ASSERT_EQ(services.messages.size(), 2U);
     EXPECT_NE(services.messages[1].find(u" 5: library"), std::u16string::npos);
 }
@@ -39,7 +40,7 @@ TEST(MainLayout, NothingOverlapsOrLeavesTheWindow) {
     for (const int dpi : {96, 120, 192}) {
         for (const auto& [width, height] : {std::pair{560, 340}, {640, 480}, {1024, 700}, {1920, 1080}, {3840, 2160}}) {
             for (const auto& [listWidth, upper] : {std::pair{0, 0}, {1, 1}, {5000, 99}}) {
-                LayoutInput input{width * dpi / 96, height * dpi / 96, 22, 21, 24, dpi, listWidth, upper};
+                LayoutInput input{width * dpi / 96, height * dpi / 96, 22, 21, 24, 30, 380, 100, dpi, listWidth, upper};
                 const MainLayout layout = ArrangeMain(input);
                 const PixelRect all[] = {layout.tabPath,  layout.drive, layout.folders, layout.tabFile,
                                          layout.fileType, layout.files, layout.scaleY,  layout.graph,
@@ -81,7 +82,8 @@ TEST(Commands, AreAvailableWhenTheyCanDoSomething) {
     QL_Global global;
     for (const MenuEntry& entry : MenuTree()) {
         if (entry.kind != MenuEntry::Kind::Command) continue;
-        const bool always = entry.id == mnuExit || entry.id == mnuTabPath || entry.id == mnuTabFile;
+        const bool always = entry.id == mnuExit || entry.id == mnuTabPath || entry.id == mnuTabFile ||
+                            entry.id == mnuHelp || entry.id == mnuHelpLang;
         EXPECT_EQ(IsEnabled(entry.id, global), always) << entry.id;
     }
     global.block.channelCount = 1;

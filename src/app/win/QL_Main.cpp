@@ -7,6 +7,8 @@
 #include "base/StringIds.h"
 #include "base/Text.h"
 #include "norvik/RecordingLibrary.h"
+#include "norvik/win/Registry.h"
+#include "norvik/win/Timer.h"
 
 namespace quillon {
 
@@ -30,7 +32,7 @@ int RunMessages(frmQLMain& form) {
 }  // namespace
 
 StartUpParts SystemParts() {
-    return {MakeRecordingLibrary, SystemMajorVersion};
+    return {MakeRecordingLibrary, SystemMajorVersion, MakeRegistryObject, {}, MakeTimer};
 }
 
 int QL_Main(const StartUpParts& parts, int showCommand) {
@@ -41,10 +43,13 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     if (!Init(global, parts, services)) return 1;
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
+    SettingsStore store(parts.makeRegistry, parts.program);
+    store.Load(global.settings);
     try {
-        frmQLMain form(global, services);
-        form.Create({});
-        ShowWindow(form.Window(), showCommand);
+        frmQLMain form(global, services, parts.makeTimer, [&] { store.Save(global.settings); });
+        form.ChooseHelp();
+        form.Create();
+        form.Show(showCommand);
         UpdateWindow(form.Window());
         return RunMessages(form);
     } catch (const std::system_error& error) {

@@ -7,6 +7,7 @@
 #include "app/Commands.h"
 #include "app/ControlIds.h"
 #include "app/StatusPanels.h"
+#include "app/ToolbarIcons.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
 #include "view/win/GDI_Utils.h"
@@ -33,13 +34,14 @@ int HeightOf(HWND window) {
 
 }  // namespace
 
-frmQLMain::frmQLMain(QL_Global& global, WinServices& services)
+frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown)
     : m_global(global),
       m_services(services),
-      m_loader(*global.library, global.file, global.block, global.slots, services, *this) {}
+      m_loader(*global.library, global.file, global.block, global.slots, services, *this),
+      m_makeTimer(std::move(makeTimer)),
+      m_shutdown(std::move(shutdown)) {}
 
-void frmQLMain::Create(const std::wstring& folder) {
-    m_startFolder = folder;
+void frmQLMain::Create() {
     m_dpi = ScreenDpi();
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof windowClass;
@@ -58,6 +60,43 @@ void frmQLMain::Create(const std::wstring& folder) {
     if (m_window == nullptr) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
     }
+}
+
+void frmQLMain::Show(int showCommand) const {
+    const Settings& settings = m_global.settings;
+    if (settings.windowWidth > 0 && settings.windowHeight > 0) {
+        WINDOWPLACEMENT placement{};
+        placement.length = sizeof placement;
+        placement.showCmd = SW_HIDE;
+        RECT& place = placement.rcNormalPosition;
+        place = {settings.windowLeft, settings.windowTop, settings.windowLeft + settings.windowWidth,
+                 settings.windowTop + settings.windowHeight};
+        // A place outside all monitors is moved onto the nearest one.
+        MONITORINFO monitor{};
+        monitor.cbSize = sizeof monitor;
+        if (MonitorFromRect(&place, MONITOR_DEFAULTTONULL) == nullptr &&
+            GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &monitor)) {
+            OffsetRect(&place, monitor.rcWork.left - place.left, monitor.rcWork.top - place.top);
+        }
+        SetWindowPlacement(m_window, &placement);
+        if (settings.windowMaximized && showCommand != SW_SHOWMINIMIZED) showCommand = SW_SHOWMAXIMIZED;
+    }
+    ShowWindow(m_window, showCommand);
+}
+
+void frmQLMain::KeepSettings() {
+    Settings& settings = m_global.settings;
+    settings.filesPath = Narrow16(m_browser.Folder());
+    WINDOWPLACEMENT placement{};
+    placement.length = sizeof placement;
+    if (!GetWindowPlacement(m_window, &placement)) return;
+    const RECT& place = placement.rcNormalPosition;
+    settings.windowLeft = static_cast<std::int32_t>(place.left);
+    settings.windowTop = static_cast<std::int32_t>(place.top);
+    settings.windowWidth = static_cast<std::int32_t>(place.right - place.left);
+    settings.windowHeight = static_cast<std::int32_t>(place.bottom - place.top);
+    settings.windowMaximized =
+        IsZoomed(m_window) != FALSE || (IsIconic(m_window) && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0);
 }
 
 LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -91,10 +130,15 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND:
             if (lParam == 0) {
                 OnCommand(LOWORD(wParam));
+            } else if (LOWORD(wParam) >= mnuSaveAs) {
+                // A button of a toolbar. The keys go on working on the graph.
+                OnCommand(LOWORD(wParam));
+                SetFocus(m_graphBox.Window());
             } else {
                 OnListCommand(LOWORD(wParam), HIWORD(wParam));
             }
             return 0;
+        case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
         case WM_NOTIFY: return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
         case WM_INITMENUPOPUP: OnInitMenu(reinterpret_cast<HMENU>(wParam)); return 0;
         case WM_HSCROLL: OnHScroll(LOWORD(wParam)); return 0;
@@ -122,11 +166,15 @@ void frmQLMain::Failed(const std::exception& error) {
 }
 
 void frmQLMain::OnCreate() {
+    m_watch = std::make_unique<cFileNotification>(m_makeTimer, [this] { FilesChanged(); });
     MakeMenu();
     MakeControls();
     m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
     FillTypes();
-    if (m_startFolder.empty() || !m_browser.ShowFolder(m_startFolder)) m_browser.ShowFolder(L".");
+    const std::wstring folder = Wide(m_global.settings.filesPath);
+    if (folder.empty() || !m_browser.ShowFolder(folder)) m_browser.ShowFolder(L".");
+    StartWatch();
+    DragAcceptFiles(m_window, TRUE);
     ArrangeControls();
     ShowPages();
     m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
@@ -156,6 +204,8 @@ void frmQLMain::MakeControls() {
     m_font = MakeFont(m_dpi);
     constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
     constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
+    m_tools.Create(m_window, tbMain, MainButtons(), m_dpi);
+    m_goTo.Create(m_window, tbGoTo, GoToButtons(), m_dpi);
     MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS);
     const HWND drives = MakeControl(WC_COMBOBOXW, combo, 0, lstDrive);
     const HWND folders = MakeControl(WC_LISTBOXW, list, WS_EX_CLIENTEDGE, lstDir);
@@ -173,8 +223,13 @@ void frmQLMain::MakeControls() {
     MakeControl(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
     const bool made = m_graphBox.Create(m_window, pbGraph, *this, true) &&
                       m_scaleXBox.Create(m_window, pbScaleX, *this, false) &&
-                      m_scaleYBox.Create(m_window, pbScaleY, *this, false) && m_zoomX.Create(m_window, btnZoomX, *this);
+                      m_scaleYBox.Create(m_window, pbScaleY, *this, false) &&
+                      m_pathListBox.Create(m_window, pbPathList, *this, false) && m_values.Create(m_window, pnValues) &&
+                      m_zoomX.Create(m_window, btnZoomX, *this);
     if (!made) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
+    const int size = MulDiv(16, m_dpi, 96);
+    m_pathListIcon = ImageList(ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, 1, 0));
+    AddIcon(m_pathListIcon.Get(), DrawIcon(Icon::Folders, size), size);
 }
 
 void frmQLMain::FillTypes() {
@@ -232,9 +287,14 @@ void frmQLMain::ArrangeControls() {
     RECT page{0, 0, 200, 200};
     SendPointer(GetDlgItem(m_window, tabPath), TCM_ADJUSTRECT, FALSE, &page);
     input.tabHeight = static_cast<std::int32_t>(page.top);
+    const SIZE tools = m_tools.Size();
+    const SIZE goTo = m_goTo.Size();
+    input.toolHeight = static_cast<std::int32_t>(std::max(tools.cy, goTo.cy));
+    input.toolWidth = static_cast<std::int32_t>(tools.cx);
+    input.goToWidth = static_cast<std::int32_t>(goTo.cx);
     input.dpi = m_dpi;
-    input.listWidth = m_listWidth;
-    input.upperPercent = m_upperPercent;
+    input.listWidth = m_global.settings.listWidth;
+    input.upperPercent = m_global.settings.upperPercent;
     m_layout = ArrangeMain(input);
 
     struct Place {
@@ -242,11 +302,12 @@ void frmQLMain::ArrangeControls() {
         const PixelRect& rect;
     };
     const Place places[] = {
-        {tabPath, m_layout.tabPath}, {lstDrive, m_layout.drive},   {lstDir, m_layout.folders},
-        {lvCh, m_layout.channels},   {tabFile, m_layout.tabFile},  {cboFileType, m_layout.fileType},
-        {lstFile, m_layout.files},   {lstBlock, m_layout.blocks},  {pbScaleY, m_layout.scaleY},
-        {pbGraph, m_layout.graph},   {scScaleY, m_layout.scrollY}, {btnZoomX, m_layout.zoomX},
-        {pbScaleX, m_layout.scaleX}, {scScaleX, m_layout.scrollX},
+        {tbMain, m_layout.tools},    {tbGoTo, m_layout.goTo},         {tabPath, m_layout.tabPath},
+        {lstDrive, m_layout.drive},  {pbPathList, m_layout.pathList}, {lstDir, m_layout.folders},
+        {lvCh, m_layout.channels},   {tabFile, m_layout.tabFile},     {cboFileType, m_layout.fileType},
+        {lstFile, m_layout.files},   {lstBlock, m_layout.blocks},     {pnValues, m_layout.values},
+        {pbScaleY, m_layout.scaleY}, {pbGraph, m_layout.graph},       {scScaleY, m_layout.scrollY},
+        {btnZoomX, m_layout.zoomX},  {pbScaleX, m_layout.scaleX},     {scScaleX, m_layout.scrollX},
     };
     HDWP positions = BeginDeferWindowPos(static_cast<int>(std::size(places)));
     for (const Place& place : places) {
@@ -283,17 +344,24 @@ void frmQLMain::OnMouse(UINT message, int x, int y) {
     if (message == WM_MOUSEMOVE) {
         const int top = m_layout.tabPath.top;
         const int height = m_layout.blocks.Bottom() - top - m_layout.splitLists.height;
-        if (m_drag == Drag::Column) m_listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
-        if (m_drag == Drag::Lists && height > 0) m_upperPercent = std::max((y - top) * 100 / height, 1);
+        if (m_drag == Drag::Column) m_global.settings.listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
+        if (m_drag == Drag::Lists && height > 0) m_global.settings.upperPercent = std::max((y - top) * 100 / height, 1);
         ArrangeControls();
         // What was reached counts, so that dragging beyond a limit and back has no dead travel.
-        m_listWidth = m_layout.listWidth;
-        m_upperPercent = m_layout.upperPercent;
+        m_global.settings.listWidth = m_layout.listWidth;
+        m_global.settings.upperPercent = m_layout.upperPercent;
         Refresh();
         return;
     }
     m_drag = Drag::None;
     if (message == WM_LBUTTONUP) ReleaseCapture();
+}
+
+void frmQLMain::OnDropFiles(HDROP drop) {
+    std::wstring path(DragQueryFileW(drop, 0, nullptr, 0), L'\0');
+    DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size()) + 1);
+    DragFinish(drop);
+    if (!path.empty()) OpenPath(path);
 }
 
 void frmQLMain::OnClose() {
@@ -302,8 +370,11 @@ void frmQLMain::OnClose() {
 }
 
 void frmQLMain::OnDestroy() {
+    KeepSettings();
     m_closing = true;
+    m_watch.reset();
     m_loader.CloseCurrentFile();
+    if (m_shutdown) m_shutdown();
     m_services.SetWindow(nullptr, nullptr);
     PostQuitMessage(0);
 }

@@ -1,18 +1,22 @@
 #pragma once
 
 #include <exception>
+#include <functional>
 #include <string>
 
 #include "app/Commands.h"
 #include "app/MainLayout.h"
 #include "app/QL_Global.h"
+#include "app/win/Panel.h"
 #include "app/win/PictureBox.h"
+#include "app/win/Toolbar.h"
 #include "app/win/Win32.h"
 #include "app/win/WinHandle.h"
 #include "app/win/WinServices.h"
 #include "data/BlockLoader.h"
 #include "data/win/ChannelLists.h"
 #include "data/win/FileBrowser.h"
+#include "data/win/cFileNotification.h"
 #include "view/win/GraphPainter.h"
 #include "view/win/ScalePainter.h"
 #include "view/win/ucZoomX.h"
@@ -26,11 +30,16 @@ namespace quillon {
 /// (files, blocks, channels), frmQLMain_Commands.cpp (menu and keys) and frmQLMain_Graph.cpp (graph and scales).
 class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
   public:
-    frmQLMain(QL_Global& global, WinServices& services);
+    /// `shutdown` is called when the window is unloaded, after the recording was closed.
+    frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown = {});
 
-    /// Makes the window with all its controls, hidden, showing `folder` (the process's current folder where it is empty
-    /// or cannot be read). Throws std::system_error when the window cannot be made.
-    void Create(const std::wstring& folder);
+    /// Makes the window with all its controls, hidden, showing the folder of the settings (the process's current folder
+    /// where there is none or it cannot be read). Throws std::system_error when the window cannot be made.
+    void Create();
+    /// Sets the help file of the settings' language.
+    void ChooseHelp();
+    /// Shows it where the settings say, else as the system wants it.
+    void Show(int showCommand) const;
     [[nodiscard]] HWND Window() const { return m_window; }
     /// Handles a key of the graph or the focus's way through the controls; true when the message is done with.
     [[nodiscard]] bool PreTranslate(const MSG& message);
@@ -43,7 +52,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void SetBlockItem(std::int32_t position, const std::u16string& text) override;
     [[nodiscard]] std::int32_t SelectedBlockItem() const override { return m_blocks.Selected(); }
     void SelectBlockItem(std::int32_t position) override;
-    void OfferFolder(const std::u16string&) override {}
+    void OfferFolder(const std::u16string& folder) override;
     void ShowBlock() override;
 
   private:
@@ -56,6 +65,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     // Life cycle and layout.
     void OnCreate();
     void OnActivate(UINT state);
+    void OnDropFiles(HDROP drop);
+    void KeepSettings();
     void OnSize(UINT state);
     void OnGetMinMaxInfo(MINMAXINFO* info) const;
     void OnClose();
@@ -72,6 +83,17 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void OnListCommand(int id, int notification);
     LRESULT OnNotify(const NMHDR* header);
     void ShowFolder(const std::wstring& folder);
+    /// Opens a file or folder by its full path, as if it had been chosen in the lists.
+    void OpenPath(const std::wstring& path);
+    void ShowPathList();
+    void ChoosePath(int index);
+    void FileCommand(int index);
+    void DeleteSelected();
+    void RenameSelected();
+    /// Files were created, deleted or renamed in the folder by others.
+    void FilesChanged();
+    void StartWatch();
+    void RunPendingMessages() const;
     void ClickFile();
     void ClickBlock();
     void SelectType();
@@ -89,6 +111,11 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void SelectTabPath(int page);
     void SelectTabFile(int page);
     void GoTo(int index);
+    void Help(int);
+    void HelpLanguage(int index);
+    void UpdateCommands() const;
+    void OnToolTip(NMTTDISPINFOW* tip);
+    bool OnListKey(WPARAM key);
     [[nodiscard]] bool FocusKeepsItsKeys() const;
     void ZoomDown(int index) override { OnCommand(mnuZoomX + index); }
     void ZoomButtonDown() override;
@@ -116,12 +143,20 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     QL_Global& m_global;
     WinServices& m_services;
     BlockLoader m_loader;
-    std::wstring m_startFolder;
+    TimerFactory m_makeTimer;
+    std::function<void()> m_shutdown;
+    std::unique_ptr<cFileNotification> m_watch;  ///< made when the window loads
 
     HWND m_window = nullptr;
     Menu m_menu;
     HMENU m_zoomMenu = nullptr;  ///< the list of X zooms, part of m_menu
     GdiFont m_font;
+    Toolbar m_tools;
+    Toolbar m_goTo;
+    std::wstring m_tipText;  ///< of the tooltip shown, which keeps a pointer to it
+    Panel m_values;
+    PictureBox m_pathListBox;
+    ImageList m_pathListIcon;
     FileBrowser m_browser;
     BlockList m_blocks;
     ChannelList m_channels;
@@ -134,13 +169,11 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
 
     MainLayout m_layout;
     int m_dpi = 96;
-    int m_listWidth = 0;     ///< as the user dragged it; 0: the default
-    int m_upperPercent = 0;  ///< likewise
     enum class Drag { None, Column, Lists } m_drag = Drag::None;
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
-    bool m_scaleFitted = false;  ///< to a block, since the start
+    bool m_scaleFitted = false;          ///< to a block, since the start
     bool m_activated = false;
     bool m_closing = false;
 };

@@ -1,6 +1,10 @@
+#include <algorithm>
 #include "app/ControlIds.h"
+
+#include "app/win/InputBox.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
+#include "data/win/FileOperation.h"
 
 namespace quillon {
 
@@ -13,9 +17,16 @@ void frmQLMain::OnListCommand(int id, int notification) {
 }
 
 LRESULT frmQLMain::OnNotify(const NMHDR* header) {
+    if (header->code == TTN_GETDISPINFOW) {
+        OnToolTip(const_cast<NMTTDISPINFOW*>(reinterpret_cast<const NMTTDISPINFOW*>(header)));
+        return 0;
+    }
     if (header->code == TCN_SELCHANGE) ShowPages();
     if (header->idFrom == lvCh && header->code == LVN_ITEMCHANGED && !m_channels.Filling()) {
         const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
+        // A click on the item itself chooses the channel for what concerns one channel at a time.
+        const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
+        if ((change->uChanged & LVIF_STATE) != 0 && chosen) StopSound();
         if ((change->uChanged & LVIF_STATE) != 0 &&
             ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
             StoreShown(change->iItem);
@@ -31,6 +42,7 @@ void frmQLMain::ShowPages() {
         ShowWindow(GetDlgItem(m_window, id), visible ? SW_SHOWNA : SW_HIDE);
     };
     show(lstDrive, page(tabPath) == 0);
+    show(pbPathList, page(tabPath) == 0);
     show(lstDir, page(tabPath) == 0);
     show(lvCh, page(tabPath) == 1);
     show(cboFileType, page(tabFile) == 0);
@@ -47,6 +59,132 @@ void frmQLMain::ShowFolder(const std::wstring& folder) {
     }
     m_services.SetStatus({});
     ClickFile();
+    StartWatch();
+}
+
+void frmQLMain::OpenPath(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        ShowFolder(path);
+        return;
+    }
+    const std::size_t end = path.rfind(L'\\');
+    if (end == std::wstring::npos) return;
+    const std::wstring name = path.substr(end + 1);
+    // The root of a drive keeps its backslash.
+    ShowFolder(path.substr(0, end == 2 ? 3 : end));
+    if (m_browser.SelectFileNamed(name)) {
+        ClickFile();
+    } else {
+        // A name that the listed type leaves out: its content may be readable all the same.
+        m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(name), m_browser.Pattern());
+    }
+}
+
+void frmQLMain::OfferFolder(const std::u16string& folder) {
+    m_global.settings.pathList.Add(folder, [](const std::u16string& path) {
+        const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+        return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    });
+}
+
+void frmQLMain::ShowPathList() {
+    const Menu menu(CreatePopupMenu());
+    const auto& folders = m_global.settings.pathList.Folders();
+    for (std::size_t at = 0; at < folders.size(); ++at) {
+        std::wstring caption;
+        // An ampersand in a name is a letter, not a mnemonic.
+        for (const wchar_t letter : Wide(folders[at])) caption += letter == L'&' ? L"&&" : std::wstring(1, letter);
+        AppendMenuW(menu.Get(), MF_STRING, static_cast<UINT_PTR>(mnuPathList) + at, caption.c_str());
+    }
+    if (folders.empty()) AppendMenuW(menu.Get(), MF_GRAYED, 0, Wide(m_services.Text(IDS_PATHLIST_EMPTY)).c_str());
+    RECT box{};
+    GetWindowRect(m_pathListBox.Window(), &box);
+    TrackPopupMenu(menu.Get(), TPM_RIGHTALIGN | TPM_TOPALIGN, box.right, box.bottom, 0, m_window, nullptr);
+}
+
+void frmQLMain::ChoosePath(int index) {
+    const auto& folders = m_global.settings.pathList.Folders();
+    if (static_cast<std::size_t>(index) < folders.size()) ShowFolder(Wide(folders[static_cast<std::size_t>(index)]));
+}
+
+void frmQLMain::StartWatch() {
+    m_watch->StartWatch(m_browser.Folder());
+}
+
+void frmQLMain::FilesChanged() try {
+    m_browser.Refresh();
+    const std::wstring open = Wide(m_global.file.fileName);
+    if (!open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES) {
+        const std::u16string name = Narrow16(open.substr(open.rfind(L'\\') + 1));
+        m_browser.SelectFile(-1);
+        ClickFile();
+        m_services.SetStatus(name + u": " + m_services.Text(IDS_FILE_GONE));
+    }
+    m_global.fileSelected = !m_browser.SelectedFile().empty();
+    UpdateCommands();
+} catch (const std::exception& error) {
+    Failed(error);
+}
+
+void frmQLMain::FileCommand(int index) {
+    if (index == 0) {
+        DeleteSelected();
+    } else {
+        RenameSelected();
+    }
+}
+
+void frmQLMain::DeleteSelected() {
+    const std::wstring name = m_browser.SelectedFile();
+    const int position = m_browser.SelectedPosition();
+    if (name.empty()) return;
+    m_loader.CloseCurrentFile();
+    m_watch->StopWatch();
+    RunPendingMessages();
+    if (!DeleteToRecycleBin(m_browser.Folder(), name, m_window)) {
+        ClickFile();
+        StartWatch();
+        return;
+    }
+    m_browser.Refresh();
+    StartWatch();
+    m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
+    ClickFile();
+}
+
+void frmQLMain::RenameSelected() {
+    const std::wstring name = m_browser.SelectedFile();
+    if (name.empty()) return;
+    const std::optional<std::wstring> answer =
+        AskForText(m_window,
+                   {Wide(m_services.Text(IDS_RENAME)), Wide(m_services.Text(IDS_NEW_NAME)),
+                    Wide(m_services.Text(IDS_OK)), Wide(m_services.Text(IDS_CANCEL))},
+                   name);
+    if (!answer || answer->empty() || *answer == name) return;
+    m_loader.CloseCurrentFile();
+    m_watch->StopWatch();
+    RunPendingMessages();
+    const bool renamed = RenameFile(m_browser.Folder(), name, *answer, m_window);
+    if (renamed) {
+        m_browser.Refresh();
+        m_browser.SelectFileNamed(*answer);
+    }
+    StartWatch();
+    ClickFile();
+    if (!renamed) m_services.SetStatus(Narrow16(name) + u": " + m_services.Text(IDS_RENAME_FAILED));
+}
+
+void frmQLMain::RunPendingMessages() const {
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
 }
 
 void frmQLMain::SelectType() {
@@ -56,6 +194,7 @@ void frmQLMain::SelectType() {
 }
 
 void frmQLMain::ClickFile() {
+    m_global.fileSelected = !m_browser.SelectedFile().empty();
     m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(m_browser.SelectedFile()), m_browser.Pattern());
 }
 
@@ -82,6 +221,8 @@ void frmQLMain::ShowBlock() {
     m_global.axis.SetBlock(m_global.block.sampleCount);
     m_global.axis.SetWidth(m_layout.graph.width);
     m_channels.Fill(m_global.block, m_global.slots);
+    m_values.Text(m_global.file.fileInfo);
+    m_values.Refresh();
     FitUnlessLegible();
     ShowCaption();
     Refresh();

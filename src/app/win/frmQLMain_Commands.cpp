@@ -3,6 +3,8 @@
 #include "app/Commands.h"
 #include "app/ControlIds.h"
 #include "app/GraphKeys.h"
+#include "app/HelpFile.h"
+#include "app/win/HelpViewer.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
 
@@ -53,6 +55,7 @@ void frmQLMain::OnCommand(int id) {
         void (frmQLMain::*handler)(int index);
     };
     static constexpr Route routes[] = {
+        {mnuFileOperation, mnuFileOperation + 1, &frmQLMain::FileCommand},
         {mnuExit, mnuExit, &frmQLMain::Exit},
         {mnuTabPath, mnuTabPath + 1, &frmQLMain::SelectTabPath},
         {mnuTabFile, mnuTabFile + 1, &frmQLMain::SelectTabFile},
@@ -63,6 +66,9 @@ void frmQLMain::OnCommand(int id) {
         {mnuZoomY, mnuZoomY + 1, &frmQLMain::ZoomY},
         {mnuBaseLine, mnuBaseLine + 1, &frmQLMain::BaseLine},
         {mnuChShow, mnuChShow + 2, &frmQLMain::SetAllShown},
+        {mnuHelp, mnuHelp, &frmQLMain::Help},
+        {mnuHelpLang, mnuHelpLang + 2, &frmQLMain::HelpLanguage},
+        {mnuPathList, mnuPathList + kPathListEntries - 1, &frmQLMain::ChoosePath},
     };
     if (!IsEnabled(id, m_global)) return;
     for (const Route& route : routes) {
@@ -118,11 +124,28 @@ bool frmQLMain::TranslateKey(const MSG& message) {
         if (const HWND next = GetNextDlgTabItem(m_window, GetFocus(), back)) SetFocus(next);
         return true;
     }
-    if (message.wParam == VK_RETURN && GetFocus() == GetDlgItem(m_window, lstDir)) {
-        ShowFolder(m_browser.ChosenFolder());
+    if (message.wParam == VK_F1 || message.wParam == VK_F5) {
+        OnCommand(message.wParam == VK_F1 ? static_cast<int>(mnuHelp) : static_cast<int>(mnuTabFile));
         return true;
     }
-    return !FocusKeepsItsKeys() && OnKey(message.wParam);
+    return FocusKeepsItsKeys() ? OnListKey(message.wParam) : OnKey(message.wParam);
+}
+
+bool frmQLMain::OnListKey(WPARAM key) {
+    const HWND focus = GetFocus();
+    const bool control = GetKeyState(VK_CONTROL) < 0;
+    if (focus == GetDlgItem(m_window, lstDir) && key == VK_RETURN) {
+        ShowFolder(m_browser.ChosenFolder());
+    } else if (focus == GetDlgItem(m_window, lstFile) && (key == VK_DELETE || key == VK_F2)) {
+        OnCommand(mnuFileOperation + (key == VK_F2 ? 1 : 0));
+    } else if (focus == GetDlgItem(m_window, lvCh) && control && key == 'A') {
+        OnCommand(mnuChShow + (GetKeyState(VK_SHIFT) < 0 ? 1 : 0));
+    } else if (focus == GetDlgItem(m_window, lvCh) && control && key == 'I') {
+        OnCommand(mnuChShow + 2);
+    } else {
+        return false;
+    }
+    return true;
 }
 
 bool frmQLMain::OnKey(WPARAM key) {
@@ -149,6 +172,43 @@ bool frmQLMain::OnKey(WPARAM key) {
     if (action.columns != 0) ScrollBy(action.columns);
     if (action.rows != 0) MoveBaseLine(action.rows);
     return action.command != 0 || action.columns != 0 || action.rows != 0;
+}
+
+void frmQLMain::ChooseHelp() {
+    wchar_t program[32768] = {};
+    GetModuleFileNameW(nullptr, program, 32768);
+    const std::wstring path = program;
+    WinDirectoryLookup lookup;
+    m_global.helpFile = ChooseHelpFile(lookup, Narrow16(path.substr(0, path.rfind(L'\\'))),
+                                       m_global.settings.helpLanguage, m_services.Text(IDS_LANGUAGE_CODE));
+}
+
+void frmQLMain::Help(int) {
+    if (m_global.helpFile.empty()) {
+        m_services.SetStatus(m_services.Text(IDS_NO_HELP));
+    } else if (!ShowHelpFile(m_window, Wide(m_global.helpFile))) {
+        m_services.SetStatus(m_services.Text(IDS_HELP_IS_AT) + u' ' + m_global.helpFile);
+    }
+}
+
+void frmQLMain::HelpLanguage(int index) {
+    m_global.settings.helpLanguage = static_cast<std::int16_t>(index);
+    ChooseHelp();
+}
+
+void frmQLMain::UpdateCommands() const {
+    m_tools.Update(m_global);
+    m_goTo.Update(m_global);
+}
+
+void frmQLMain::OnToolTip(NMTTDISPINFOW* tip) {
+    for (const auto buttons : {MainButtons(), GoToButtons()}) {
+        for (const ToolbarButton& button : buttons) {
+            if (static_cast<UINT_PTR>(button.command) != tip->hdr.idFrom) continue;
+            m_tipText = Wide(m_services.Text(button.tipId));
+            tip->lpszText = m_tipText.data();
+        }
+    }
 }
 
 void frmQLMain::ZoomX(int index) {

@@ -27,6 +27,13 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
             empty ? std::vector<ScaleLabel>()
                   : AmplitudeLabels(m_global.amplitude, m_global.rawCodes, m_global.format.decimalSeparator));
     }
+    if (id == pbPathList) {
+        FillRect(dc, &clip, GetSysColorBrush(COLOR_BTNFACE));
+        DrawFrameControl(dc, &client, DFC_BUTTON, DFCS_BUTTONPUSH);
+        const int size = MulDiv(16, m_dpi, 96);
+        ImageList_Draw(m_pathListIcon.Get(), 0, dc, (static_cast<int>(client.right) - size) / 2,
+                       (static_cast<int>(client.bottom) - size) / 2, ILD_TRANSPARENT);
+    }
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);
     // An empty graph says why it is empty.
@@ -39,8 +46,12 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &client, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
 }
 
-bool frmQLMain::PictureMouse(int, UINT message, WPARAM, LPARAM) {
+bool frmQLMain::PictureMouse(int id, UINT message, WPARAM, LPARAM) {
     if (message != WM_LBUTTONDOWN) return false;
+    if (id == pbPathList) {
+        ShowPathList();
+        return true;
+    }
     SetFocus(m_graphBox.Window());
     return true;
 }
@@ -183,6 +194,7 @@ void frmQLMain::Refresh() {
     }
     UpdateScrollBars();
     ShowPanels();
+    UpdateCommands();
     m_graphBox.Invalidate();
     m_scaleXBox.Invalidate();
     m_scaleYBox.Invalidate();

@@ -158,6 +158,17 @@ std::wstring FileBrowser::SelectedFile() const {
     return name;
 }
 
+int FileBrowser::SelectedPosition() const {
+    return static_cast<int>(SendMessageW(m_files, LB_GETCURSEL, 0, 0));
+}
+
+bool FileBrowser::SelectFileNamed(const std::wstring& name) const {
+    const LRESULT position = SendPointer(m_files, LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), name.c_str());
+    if (position == LB_ERR) return false;
+    SelectFile(static_cast<int>(position));
+    return true;
+}
+
 void FileBrowser::SelectFile(int position) const {
     SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
 }

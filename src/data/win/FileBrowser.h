@@ -28,7 +28,12 @@ class FileBrowser {
     [[nodiscard]] int FileCount() const;
     /// Name of the selected file, empty when none is.
     [[nodiscard]] std::wstring SelectedFile() const;
+    /// -1 when no file is selected.
+    [[nodiscard]] int SelectedPosition() const;
+    /// -1: selects none.
     void SelectFile(int position) const;
+    /// Selects the file of that name in any letter case; false when it is not listed.
+    bool SelectFileNamed(const std::wstring& name) const;
 
     /// Folder of the drive chosen in the drive list, and of the line of the folder list: where a choice there leads.
     [[nodiscard]] std::wstring ChosenDrive() const;

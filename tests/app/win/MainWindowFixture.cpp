@@ -34,8 +34,9 @@ void MainWindowTest::Start() {
 void MainWindowTest::Start(const std::wstring& folder) {
     m_services = std::make_unique<WinServices>(Language::English);
     ASSERT_TRUE(Init(m_global, SystemParts(), *m_services));
-    m_form = std::make_unique<frmQLMain>(m_global, *m_services);
-    m_form->Create(folder);
+    m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer);
+    m_global.settings.filesPath = Narrow16(folder);
+    m_form->Create();
     SetWindowPos(m_form->Window(), nullptr, 20, 20, 1000, 640, SWP_NOZORDER);
     ShowWindow(m_form->Window(), SW_SHOW);
     // Without a window manager nobody may activate the window.

@@ -292,6 +292,7 @@ class BoxAnswer {
 
 TEST(StartUp, AFailureShowsItsMessageAndEndsTheProcessWithoutAWindow) {
     StartUpParts parts = SystemParts();
+    parts.program.name = u"Quillon test";
     parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("missing"); };
     std::wstring text;
     {

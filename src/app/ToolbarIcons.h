@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "app/Commands.h"
+
+namespace quillon {
+
+/// Draws the picture of a button, size x size pixels, top row first, as 0xAARRGGBB with straight (not premultiplied)
+/// alpha. The shapes are drawn at the size asked for, with smooth edges, so that they are crisp at any density.
+[[nodiscard]] std::vector<std::uint32_t> DrawIcon(Icon icon, int size);
+
+/// The same, greyed, for a button that cannot be used.
+[[nodiscard]] std::vector<std::uint32_t> DrawDisabledIcon(Icon icon, int size);
+
+}  // namespace quillon

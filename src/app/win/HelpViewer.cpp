@@ -1,0 +1,24 @@
+#include "app/win/HelpViewer.h"
+
+#include "app/win/WinHandle.h"
+
+namespace quillon {
+
+bool ShowHelpFile(HWND owner, const std::wstring& path) {
+    // Loaded on first use and kept: the viewer's window lives in it. Not every system has it.
+    const HMODULE viewer = LoadLibraryW(L"hhctrl.ocx");
+    if (viewer == nullptr) return false;
+    using Show = HWND(WINAPI*)(HWND, LPCWSTR, UINT, DWORD_PTR);
+    const auto show = reinterpret_cast<Show>(reinterpret_cast<void*>(GetProcAddress(viewer, "HtmlHelpW")));
+    constexpr UINT displayTopic = 0;
+    return show != nullptr && show(owner, path.c_str(), displayTopic, 0) != nullptr;
+}
+
+std::u16string WinDirectoryLookup::FirstMatch(const std::u16string& pattern) {
+    WIN32_FIND_DATAW found{};
+    const FindHandle search(FindFirstFileW(Wide(pattern).c_str(), &found));
+    if (!search || (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {};
+    return Narrow16(found.cFileName);
+}
+
+}  // namespace quillon

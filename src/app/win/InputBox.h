@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/win/Win32.h"
+
+namespace quillon {
+
+/// Texts of an input box, in the user's language.
+struct InputBoxTexts {
+    std::wstring title;
+    std::wstring prompt;
+    std::wstring ok;
+    std::wstring cancel;
+};
+
+/// Asks for a line of text, pre-filled with `value` and with the part before its extension selected. None when the user
+/// cancels. The box is laid out in dialog units, so that it is right at any density.
+[[nodiscard]] std::optional<std::wstring> AskForText(HWND owner, const InputBoxTexts& texts, const std::wstring& value);
+
+}  // namespace quillon

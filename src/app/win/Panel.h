@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "app/win/PictureBox.h"
+#include "app/win/WinHandle.h"
+
+namespace quillon {
+
+/// A panel that only displays the text it is given: lines separated by CR LF, columns by tabs.
+class Panel final : public PictureOwner {
+  public:
+    [[nodiscard]] bool Create(HWND parent, int id);
+    [[nodiscard]] HWND Window() const { return m_box.Window(); }
+    [[nodiscard]] const std::u16string& Text() const { return m_text; }
+    /// Shown by the next Refresh.
+    void Text(const std::u16string& text) { m_text = text; }
+    void FontBold(bool bold) { m_bold = bold; }
+    void Refresh() const { m_box.Invalidate(); }
+
+    void PaintPicture(int id, HDC dc, const RECT& clip) override;
+    bool PictureMouse(int, UINT, WPARAM, LPARAM) override { return false; }
+    void PictureFailed(const std::exception&) override {}
+
+  private:
+    PictureBox m_box;
+    std::u16string m_text;
+    bool m_bold = false;
+};
+
+}  // namespace quillon

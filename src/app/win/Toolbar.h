@@ -1,0 +1,32 @@
+#pragma once
+
+#include <span>
+
+#include "app/Commands.h"
+#include "app/win/Win32.h"
+#include "app/win/WinHandle.h"
+
+namespace quillon {
+
+/// A toolbar whose buttons send the commands of the menu. Owns its pictures.
+class Toolbar {
+  public:
+    /// Throws std::system_error when the control cannot be made.
+    void Create(HWND parent, int id, std::span<const ToolbarButton> buttons, int dpi);
+    [[nodiscard]] HWND Window() const { return m_window; }
+    /// Size that shows every button.
+    [[nodiscard]] SIZE Size() const;
+    /// Enables and presses the buttons as their commands are.
+    void Update(const QL_Global& global) const;
+
+  private:
+    HWND m_window = nullptr;
+    std::span<const ToolbarButton> m_buttons;
+    ImageList m_images;
+    ImageList m_disabledImages;
+};
+
+/// A picture of a button as an icon list's entry.
+void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size);
+
+}  // namespace quillon

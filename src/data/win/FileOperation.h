@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "app/win/Win32.h"
+
+namespace quillon {
+
+/// File operations of the shell, which can be undone there. They run the shell's own dialogs over `owner` and return
+/// when these are closed. `folder` is absolute.
+///
+/// Checked here, before the shell is asked: all that data/FileOperationPlan.h checks, that the file is there and is no
+/// folder, and that no file or folder has the new name already. Left to the shell: rights, files in use, read-only
+/// files and media, and whatever changes on the disk meanwhile; it never writes over a file that is there. Names
+/// outside the ANSI code page go through the shell's wide calls.
+
+/// Moves a file to the recycle bin once the user has confirmed it in the shell's dialog. False, with the file as it
+/// was, when the user declined or the shell failed.
+[[nodiscard]] bool DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner);
+
+/// Gives a file another name in the same folder; another letter case is one. False, with all files as they were, when
+/// that fails.
+[[nodiscard]] bool RenameFile(const std::wstring& folder, const std::wstring& oldName, const std::wstring& newName,
+                              HWND owner);
+
+}  // namespace quillon

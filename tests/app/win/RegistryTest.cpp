@@ -1,0 +1,263 @@
+#include "norvik/win/Registry.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "app/Settings.h"
+#include "app/win/Win32.h"
+#include "app/win/WinHandle.h"
+#include "base/Text.h"
+
+namespace quillon {
+namespace {
+
+struct KeyTraits {
+    using Handle = HKEY;
+    static Handle Invalid() { return nullptr; }
+    static void Close(Handle handle) { RegCloseKey(handle); }
+};
+using KeyHandle = WinHandle<KeyTraits>;
+
+/// What a value really is in the registry.
+struct RawValue {
+    DWORD type = REG_NONE;
+    std::vector<std::uint8_t> bytes;
+};
+
+std::vector<std::uint8_t> Bytes(std::wstring_view text) {
+    std::vector<std::uint8_t> bytes(text.size() * sizeof(wchar_t));
+    std::memcpy(bytes.data(), text.data(), bytes.size());
+    return bytes;
+}
+
+/// Gives everyone that access to a key and nobody any other.
+void Allow(HKEY key, DWORD access) {
+    SID everyone{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
+    alignas(ACL) std::array<std::uint8_t, 128> room{};
+    const auto acl = reinterpret_cast<ACL*>(room.data());
+    SECURITY_DESCRIPTOR descriptor{};
+    EXPECT_TRUE(InitializeAcl(acl, room.size(), ACL_REVISION));
+    EXPECT_TRUE(AddAccessAllowedAce(acl, ACL_REVISION, access, &everyone));
+    EXPECT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
+    EXPECT_TRUE(SetSecurityDescriptorDacl(&descriptor, TRUE, acl, FALSE));
+    EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &descriptor), ERROR_SUCCESS);
+}
+
+/// Works below a program name of its own, which is removed with everything in it.
+class RegistryTest : public ::testing::Test {
+  protected:
+    RegistryTest()
+        : m_program(u"QuillonTest" + Decimal(GetCurrentProcessId())), m_top(L"Software\\Norvik\\" + Wide(m_program)) {}
+
+    void TearDown() override {
+        m_registry.reset();
+        RegDeleteTreeW(HKEY_CURRENT_USER, m_top.c_str());
+        // Goes only when nothing else is in it.
+        RegDeleteKeyW(HKEY_CURRENT_USER, L"Software\\Norvik");
+    }
+
+    std::wstring MainPath() const { return m_top + L"\\1.x"; }
+    SettingsStore Store() const { return {MakeRegistryObject, {m_program, 1, 2, 3}}; }
+
+    /// The object under test, at the main key.
+    RegistryObject& Opened() {
+        m_registry = MakeRegistryObject();
+        m_registry->SetKeyPath(Narrow16(MainPath()));
+        EXPECT_TRUE(m_registry->OpenOrCreate());
+        return *m_registry;
+    }
+    KeyHandle Key(const std::wstring& path, REGSAM access = KEY_ALL_ACCESS, DWORD options = 0) const {
+        HKEY key = nullptr;
+        EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, options, access, nullptr, &key, nullptr),
+                  ERROR_SUCCESS);
+        return KeyHandle(key);
+    }
+    void Put(const wchar_t* name, DWORD type, std::vector<std::uint8_t> bytes) const {
+        const auto size = static_cast<DWORD>(bytes.size());
+        // The system takes a null character behind a text for its terminator.
+        bytes.insert(bytes.end(), 4, 'x');
+        EXPECT_EQ(RegSetValueExW(Key(MainPath()).Get(), name, 0, type, bytes.data(), size), ERROR_SUCCESS);
+    }
+    RawValue Get(const std::wstring& path, const wchar_t* name) const {
+        const KeyHandle key = Key(path);
+        RawValue value;
+        DWORD size = 0;
+        if (RegQueryValueExW(key.Get(), name, nullptr, &value.type, nullptr, &size) != ERROR_SUCCESS) return {};
+        value.bytes.resize(size);
+        RegQueryValueExW(key.Get(), name, nullptr, nullptr, value.bytes.data(), &size);
+        return value;
+    }
+    void ExpectText(const std::wstring& path, const wchar_t* name, const std::wstring& text) const {
+        const RawValue value = Get(path, name);
+        EXPECT_EQ(value.type, static_cast<DWORD>(REG_SZ));
+        EXPECT_EQ(value.bytes, Bytes(text + L'\0'));
+    }
+    void ExpectNumber(const std::wstring& path, const wchar_t* name, std::uint32_t number) const {
+        const RawValue value = Get(path, name);
+        EXPECT_EQ(value.type, static_cast<DWORD>(REG_DWORD));
+        ASSERT_EQ(value.bytes.size(), 4U);
+        std::uint32_t found = 0;
+        std::memcpy(&found, value.bytes.data(), 4);
+        EXPECT_EQ(found, number);
+    }
+
+    std::u16string m_program;
+    std::wstring m_top;
+    std::unique_ptr<RegistryObject> m_registry;
+};
+
+TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
+    Settings settings;
+    settings.filesPath = u"C:\\Записи\\Ночь";
+    settings.timeIndex = std::numeric_limits<std::int32_t>::min();
+    settings.waveformCursor = -3;
+    settings.splitTimeSize = 0.1F;
+    settings.amplitudeScale = 1234567.0F;
+    settings.decibelRange = 1e-7F;
+    settings.pathList = PathList({u"C:\\", u"\\\\server\\ecg"});
+    settings.windowLeft = -1200;
+    settings.windowMaximized = true;
+    EXPECT_TRUE(Store().Save(settings));
+    ExpectText(MainPath(), L"FilesPath", L"C:\\Записи\\Ночь");
+    ExpectText(MainPath(), L"ExpPath", L"");
+    ExpectNumber(MainPath(), L"TimeIndex", 0x80000000U);
+    ExpectNumber(MainPath(), L"WaveformCursor", 0xFFFFFFFDU);
+    ExpectText(MainPath(), L"SplitTmSize", L"0.1");
+    ExpectNumber(MainPath(), L"PathListCount", 2);
+    ExpectText(MainPath(), L"PathList2", L"\\\\server\\ecg");
+    ExpectNumber(MainPath(), L"Revision", 3);
+    ExpectText(MainPath() + L"\\Spectrogram", L"AmpScale", L"1234567");
+    ExpectText(MainPath() + L"\\Spectrogram", L"DBRange", L"0.0000001");
+    ExpectNumber(MainPath() + L"\\Window", L"Maximized", 1);
+
+    Settings loaded;
+    Store().Load(loaded);
+    EXPECT_EQ(loaded.filesPath, settings.filesPath);
+    EXPECT_EQ(loaded.timeIndex, settings.timeIndex);
+    EXPECT_EQ(loaded.waveformCursor, -3);
+    EXPECT_EQ(loaded.splitTimeSize, 0.1F);
+    EXPECT_EQ(loaded.decibelRange, 1e-7F);
+    EXPECT_EQ(loaded.pathList.Folders(), settings.pathList.Folders());
+    EXPECT_EQ(loaded.windowLeft, -1200);
+    EXPECT_TRUE(loaded.windowMaximized);
+}
+
+TEST_F(RegistryTest, NumbersThatDoNotFitOrAreOfAnotherTypeLeaveTheVariable) {
+    RegistryObject& registry = Opened();
+    const auto readInt16 = [&](DWORD type, const std::vector<std::uint8_t>& bytes) {
+        Put(L"v", type, bytes);
+        std::int16_t value = 77;
+        const bool found = registry.ReadInt16(u"v", value);
+        EXPECT_EQ(found, value != 77);
+        return value;
+    };
+    EXPECT_EQ(readInt16(REG_DWORD, {0xFF, 0x7F, 0, 0}), 32767);
+    EXPECT_EQ(readInt16(REG_DWORD, {0x00, 0x80, 0xFF, 0xFF}), -32768);
+    EXPECT_EQ(readInt16(REG_DWORD, {0x00, 0x80, 0, 0}), 77);
+    EXPECT_EQ(readInt16(REG_DWORD, {1, 0}), 77);
+    EXPECT_EQ(readInt16(REG_DWORD, {1, 0, 0, 0, 0}), 77);
+    EXPECT_EQ(readInt16(REG_QWORD, {1, 0, 0, 0, 0, 0, 0, 0}), 77);
+    EXPECT_EQ(readInt16(REG_BINARY, {1, 0, 0, 0}), 77);
+    EXPECT_EQ(readInt16(REG_SZ, Bytes(L"1")), 77);
+
+    const auto readSingle = [&](std::wstring_view text) {
+        Put(L"v", REG_SZ, Bytes(text));
+        float value = 77.0F;
+        const bool found = registry.ReadSingle(u"v", value);
+        EXPECT_EQ(found, value != 77.0F);
+        return value;
+    };
+    EXPECT_EQ(readSingle(L" -0.25 "), -0.25F);
+    EXPECT_EQ(readSingle(L"1.5e2"), 150.0F);
+    for (const std::wstring_view text : {L"", L" ", L"0,5", L"1.5 s", L"nan", L"inf", L"1e39", L"0x10", L"١"})
+        EXPECT_EQ(readSingle(text), 77.0F) << Utf8(Narrow16(text));
+    float single = 77.0F;
+    Put(L"v", REG_DWORD, {0, 0, 0x80, 0x3F});
+    EXPECT_FALSE(registry.ReadSingle(u"v", single));
+    EXPECT_FALSE(registry.WriteSingle(u"v", std::numeric_limits<float>::infinity()));
+    for (const float extreme : {std::numeric_limits<float>::max(), -std::numeric_limits<float>::denorm_min(), 0.1F}) {
+        EXPECT_TRUE(registry.WriteSingle(u"v", extreme));
+        EXPECT_TRUE(registry.ReadSingle(u"v", single));
+        EXPECT_EQ(single, extreme);
+    }
+}
+
+TEST_F(RegistryTest, TextsEndAtTheirTerminatorOrWithoutOneAndHaveALimit) {
+    RegistryObject& registry = Opened();
+    const auto read = [&](DWORD type, std::vector<std::uint8_t> bytes) {
+        Put(L"v", type, bytes);
+        std::u16string value = u"kept";
+        registry.ReadText(u"v", value);
+        return value;
+    };
+    EXPECT_EQ(read(REG_SZ, Bytes(L"abc")), u"abc");
+    EXPECT_EQ(read(REG_SZ, Bytes({L"ab\0c\0", 5})), u"ab");
+    EXPECT_EQ(read(REG_SZ, {}), u"");
+    EXPECT_EQ(read(REG_SZ, {'a', 0, 'b'}), u"a");
+    EXPECT_EQ(read(REG_EXPAND_SZ, Bytes(L"%PATH%")), u"kept");
+    EXPECT_EQ(read(REG_MULTI_SZ, Bytes(L"a")), u"kept");
+    EXPECT_EQ(read(REG_DWORD, {1, 0, 0, 0}), u"kept");
+    EXPECT_EQ(read(REG_SZ, Bytes(std::wstring(1 << 20, L'x'))), u"kept");
+    EXPECT_EQ(read(REG_SZ, Bytes(std::wstring(32768, L'x'))), u"kept");
+    EXPECT_FALSE(registry.WriteText(u"v", std::u16string(32768, u'x')));
+    EXPECT_FALSE(registry.WriteText(u"v", std::u16string(u"a\0b", 3)));
+    const std::u16string longest(32767, u'я');
+    EXPECT_TRUE(registry.WriteText(u"v", longest));
+    EXPECT_EQ(read(REG_SZ, Get(MainPath(), L"v").bytes), longest);
+}
+
+TEST_F(RegistryTest, DamagedValuesLeaveTheDefaultsOfALoad) {
+    Put(L"PathListCount", REG_DWORD, {0x00, 0x28, 0x6B, 0xEE});  // 4000000000
+    Put(L"PathList1", REG_SZ, Bytes(std::wstring(1 << 20, L'x')));
+    Put(L"UnitScaling", REG_DWORD, {0, 0, 1, 0});
+    Put(L"FilesPath", REG_BINARY, {1, 2, 3});
+    Put(L"GridStyle", REG_DWORD, {2, 0, 0, 0});
+    Settings settings;
+    settings.filesPath = u"before";
+    settings.unitScaling = true;
+    Store().Load(settings);
+    EXPECT_TRUE(settings.pathList.Folders().empty());
+    EXPECT_TRUE(settings.unitScaling);
+    EXPECT_EQ(settings.filesPath, u"before");
+    EXPECT_EQ(settings.gridStyle, 2);
+}
+
+TEST_F(RegistryTest, AKeyThatCannotBeMadeIsReportedAndCostsNoOther) {
+    m_registry = MakeRegistryObject();
+    m_registry->SetKeyPath(Narrow16(m_top) + u'\\' + std::u16string(300, u'k'));
+    std::int32_t number = 5;
+    EXPECT_FALSE(m_registry->OpenOrCreate());
+    EXPECT_FALSE(m_registry->WriteInt32(u"v", 1));
+    EXPECT_FALSE(m_registry->ReadInt32(u"v", number));
+    EXPECT_EQ(number, 5);
+
+    // Below a volatile key no lasting key can be made, so the subkeys fail.
+    const KeyHandle main = Key(MainPath(), KEY_ALL_ACCESS, REG_OPTION_VOLATILE);
+    Settings settings;
+    settings.gridStyle = 1;
+    EXPECT_FALSE(Store().Save(settings));
+    Settings loaded;
+    Store().Load(loaded);
+    EXPECT_EQ(loaded.gridStyle, 1);
+    EXPECT_EQ(loaded.fftOrder, 8);
+}
+
+TEST_F(RegistryTest, AKeyThatMayOnlyBeReadIsRead) {
+    Put(L"GridStyle", REG_DWORD, {2, 0, 0, 0});
+    const KeyHandle before = Key(MainPath());
+    Allow(before.Get(), KEY_READ);
+    Settings settings;
+    Store().Load(settings);
+    EXPECT_EQ(settings.gridStyle, 2);
+    settings.gridStyle = 1;
+    EXPECT_FALSE(Store().Save(settings));
+    Allow(before.Get(), KEY_ALL_ACCESS);
+    ExpectNumber(MainPath(), L"GridStyle", 2);
+}
+
+}  // namespace
+}  // namespace quillon
