@@ -9,7 +9,7 @@ packages=("${build_packages[@]}" "${wine_packages[@]}")
 install_missing "${packages[@]}"
 echo "Building"
 quietly cmake --preset windows
-quietly cmake --build build/windows --target quillon make-samples
+quietly cmake --build build/windows --target quillon make-samples help_files
 [ -n "$has_display" ] || start_display
 prepare_wine
 [ -e "build/samples/01 EEG.edf" ] || quietly wine build/windows/make-samples.exe build/samples

@@ -22,7 +22,7 @@ install_missing() {
     fi
 }
 
-build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64)
+build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 fp-utils-3.2.2)
 wine_packages=(wine wine64 fonts-wine xvfb openbox xdotool imagemagick)
 
 # Runs a command quietly; shows its output when it fails.
@@ -45,6 +45,9 @@ start_display() {
 prepare_wine() {
     export WINEPREFIX="$root/build/wine" WINEARCH=win64 WINEDEBUG=-all
     export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+    # The recycle bin lies in the home folder: tests must not fill the user's.
+    export HOME="$root/build/home"
+    mkdir -p "$HOME"
     # File names are mapped by the locale: without a UTF-8 one Cyrillic names are not found.
     export LC_ALL=${QUILLON_LOCALE:-C.UTF-8}
     if [ ! -e "$WINEPREFIX/ready" ]; then

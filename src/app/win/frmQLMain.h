@@ -41,6 +41,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// Shows it where the settings say, else as the system wants it.
     void Show(int showCommand) const;
     [[nodiscard]] HWND Window() const { return m_window; }
+    /// Opens a file or folder by its full path, as if it had been chosen in the lists.
+    void OpenPath(const std::wstring& path);
     /// Handles a key of the graph or the focus's way through the controls; true when the message is done with.
     [[nodiscard]] bool PreTranslate(const MSG& message);
 
@@ -83,8 +85,6 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void OnListCommand(int id, int notification);
     LRESULT OnNotify(const NMHDR* header);
     void ShowFolder(const std::wstring& folder);
-    /// Opens a file or folder by its full path, as if it had been chosen in the lists.
-    void OpenPath(const std::wstring& path);
     void ShowPathList();
     void ChoosePath(int index);
     void FileCommand(int index);

@@ -50,8 +50,8 @@ bool DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HW
 bool RenameFile(const std::wstring& folder, const std::wstring& oldName, const std::wstring& newName, HWND owner) {
     const std::optional<FileOperationPlan> plan = PlanRename(Narrow16(folder), Narrow16(oldName), Narrow16(newName));
     if (!plan || !IsFile(plan->from)) return false;
-    // The shell of some versions makes up another new name when this one is taken. A file found under the new name is
-    // the file itself when only letter case differs.
+    // Asked before the shell, which may offer the user yet another name instead. What is found under a name that
+    // differs in letter case only is the file itself.
     const bool taken = GetFileAttributesW(Wide(plan->to).c_str()) != INVALID_FILE_ATTRIBUTES;
     if (taken && !DiffersInCaseOnly(plan->from, plan->to)) return false;
     return Perform(FO_RENAME, *plan, owner);

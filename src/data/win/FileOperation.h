@@ -18,8 +18,8 @@ namespace quillon {
 /// was, when the user declined or the shell failed.
 [[nodiscard]] bool DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner);
 
-/// Gives a file another name in the same folder; another letter case is one. False, with all files as they were, when
-/// that fails.
+/// Gives a file another name in the same folder; whether another letter case is one, the shell decides. False, with all
+/// files as they were, when that fails.
 [[nodiscard]] bool RenameFile(const std::wstring& folder, const std::wstring& oldName, const std::wstring& newName,
                               HWND owner);
 

@@ -32,9 +32,9 @@ void MainWindowTest::Start() {
 }
 
 void MainWindowTest::Start(const std::wstring& folder) {
-    m_services = std::make_unique<WinServices>(Language::English);
+    m_services = std::make_unique<WinServices>(m_language);
     ASSERT_TRUE(Init(m_global, SystemParts(), *m_services));
-    m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer);
+    m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer, m_shutdown);
     m_global.settings.filesPath = Narrow16(folder);
     m_form->Create();
     SetWindowPos(m_form->Window(), nullptr, 20, 20, 1000, 640, SWP_NOZORDER);
@@ -58,6 +58,10 @@ void MainWindowTest::Pump() const {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
+}
+
+void MainWindowTest::ScrollTo(std::int32_t column) {
+    m_global.axis.ScrollBy(column - m_global.axis.FirstColumn());
 }
 
 void MainWindowTest::Command(int id) const {

@@ -57,6 +57,11 @@ class MainWindowTest : public ::testing::Test {
     [[nodiscard]] std::wstring Caption() const { return WindowText(m_form->Window()); }
     [[nodiscard]] Pixels Capture(int id) const;
 
+    /// Moves the view to a column.
+    void ScrollTo(std::int32_t column);
+
+    Language m_language = Language::English;
+    std::function<void()> m_shutdown;
     TemporaryFolder m_folder;
     QL_Global m_global;
     std::unique_ptr<WinServices> m_services;

@@ -1,0 +1,311 @@
+#include "data/win/cFileNotification.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "app/win/WinHandle.h"
+#include "norvik/TemporaryFolder.h"
+#include "norvik/win/Timer.h"
+
+namespace quillon {
+namespace {
+
+using testing::TemporaryFolder;
+namespace fs = std::filesystem;
+
+constexpr DWORD patience = 10'000;  ///< ms until a change that has to come counts as missing
+
+struct ChangeTraits {
+    using Handle = HANDLE;
+    static Handle Invalid() { return INVALID_HANDLE_VALUE; }
+    static void Close(Handle handle) { FindCloseChangeNotification(handle); }
+};
+
+/// Sees every kind of change in a folder. When it has seen one, another notification on the same folder has had its
+/// chance too, so what that one did not report then, it never will.
+class Witness {
+  public:
+    explicit Witness(const fs::path& folder)
+        : m_handle(FindFirstChangeNotificationW(folder.c_str(), FALSE,
+                                                FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_DIR_NAME |
+                                                    FILE_NOTIFY_CHANGE_SIZE | FILE_NOTIFY_CHANGE_LAST_WRITE)) {}
+    void Sees(const std::function<void()>& change) {
+        change();
+        EXPECT_EQ(WaitForSingleObject(m_handle.Get(), patience), WAIT_OBJECT_0);
+        EXPECT_TRUE(FindNextChangeNotification(m_handle.Get()));
+    }
+
+  private:
+    WinHandle<ChangeTraits> m_handle;
+};
+
+struct TimerState {
+    bool enabled = true;
+    std::int32_t interval = 0;
+    bool alive = true;
+    std::function<void()> tick;
+};
+
+class HandTimer final : public TimerObject {
+  public:
+    explicit HandTimer(TimerState& state) : m_state(state) {}
+    ~HandTimer() override { m_state.alive = false; }
+    void PutEnabled(bool enabled) override { m_state.enabled = enabled; }
+    void PutInterval(std::int32_t milliseconds) override { m_state.interval = milliseconds; }
+
+  private:
+    TimerState& m_state;
+};
+
+class FileNotification : public ::testing::Test {
+  protected:
+    [[nodiscard]] std::unique_ptr<cFileNotification> Make(std::function<void()> handler = {}) {
+        const TimerFactory factory = [this](std::function<void()> tick) {
+            m_timer = TimerState{};
+            m_timer.tick = std::move(tick);
+            return std::make_unique<HandTimer>(m_timer);
+        };
+        return std::make_unique<cFileNotification>(factory, [this, handler = std::move(handler)] {
+            ++m_events;
+            if (handler) handler();
+        });
+    }
+    /// Events of one tick of an enabled timer.
+    int Tick() {
+        const int before = m_events;
+        if (m_timer.enabled) m_timer.tick();
+        return m_events - before;
+    }
+    static void Touch(const fs::path& file) { std::ofstream(file).put('x'); }
+    static void Append(const fs::path& file) { std::ofstream(file, std::ios::app) << "more"; }
+
+    TemporaryFolder m_folder;
+    fs::path m_path = m_folder.Path();
+    TimerState m_timer;
+    int m_events = 0;
+};
+
+TEST_F(FileNotification, TellsNewDeletedAndRenamedFilesOnceAPeriod) {
+    const fs::path a = m_path / "a.edf";
+    const fs::path b = m_path / "b.edf";
+    const auto watch = Make();
+    EXPECT_EQ(m_timer.interval, 2000);
+    EXPECT_FALSE(m_timer.enabled);
+    ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
+    EXPECT_TRUE(m_timer.enabled);
+    EXPECT_EQ(Tick(), 0);
+    Witness witness(m_path);
+    witness.Sees([&] { Touch(a); });
+    EXPECT_EQ(Tick(), 1);
+    EXPECT_EQ(Tick(), 0);
+    witness.Sees([&] { fs::remove(a); });
+    EXPECT_EQ(Tick(), 1);
+    EXPECT_EQ(Tick(), 0);
+    // Many changes within one period.
+    witness.Sees([&] { Touch(a); });
+    witness.Sees([&] { fs::rename(a, b); });
+    witness.Sees([&] { Touch(a); });
+    witness.Sees([&] { fs::remove(a); });
+    EXPECT_EQ(Tick(), 1);
+    EXPECT_EQ(Tick(), 0);
+    witness.Sees([&] { fs::rename(b, a); });
+    EXPECT_EQ(Tick(), 1);
+}
+
+TEST_F(FileNotification, SaysNothingOfContentsAndSubfolders) {
+    const fs::path file = m_path / "a.edf";
+    const fs::path sub = m_path / "sub";
+    Touch(file);
+    fs::create_directory(sub);
+    const auto watch = Make();
+    ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
+    Witness witness(m_path);
+    Witness inside(sub);
+    witness.Sees([&] { Append(file); });
+    witness.Sees([&] { fs::create_directory(m_path / "new"); });
+    inside.Sees([&] { Touch(sub / "b.edf"); });
+    inside.Sees([&] { fs::remove(sub / "b.edf"); });
+    EXPECT_EQ(Tick(), 0);
+    witness.Sees([&] { Touch(m_path / "b.edf"); });
+    EXPECT_EQ(Tick(), 1);
+}
+
+TEST_F(FileNotification, AFolderThatCannotBeWatchedLeavesItIdle) {
+    const auto watch = Make();
+    for (const std::wstring& path : {(m_path / "missing").wstring(), std::wstring(), std::wstring(L"?:\\*")}) {
+        ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
+        EXPECT_FALSE(watch->StartWatch(path));
+        EXPECT_FALSE(m_timer.enabled);
+        EXPECT_EQ(watch->Path(), L"");
+    }
+    Witness(m_path).Sees([&] { Touch(m_path / "a.edf"); });
+    // Not even where the timer ticks on.
+    m_timer.enabled = true;
+    EXPECT_EQ(Tick(), 0);
+    EXPECT_FALSE(m_timer.enabled);
+}
+
+TEST_F(FileNotification, ANewWatchEndsTheOldOne) {
+    const fs::path first = m_path / "first";
+    const fs::path second = m_path / "second";
+    fs::create_directory(first);
+    fs::create_directory(second);
+    Witness inFirst(first);
+    Witness inSecond(second);
+    const auto watch = Make();
+    ASSERT_TRUE(watch->StartWatch(first.wstring()));
+    inFirst.Sees([&] { Touch(first / "a.edf"); });
+    ASSERT_TRUE(watch->StartWatch(second.wstring()));
+    EXPECT_EQ(watch->Path(), second.wstring());
+    inFirst.Sees([&] { Touch(first / "b.edf"); });
+    EXPECT_EQ(Tick(), 0);
+    inSecond.Sees([&] { Touch(second / "a.edf"); });
+    EXPECT_EQ(Tick(), 1);
+    EXPECT_FALSE(watch->StopWatch());
+    EXPECT_EQ(watch->Path(), L"");
+    EXPECT_FALSE(m_timer.enabled);
+    EXPECT_FALSE(watch->StopWatch());
+}
+
+/// The value that the system gives to the next handle of the process.
+std::intptr_t NextHandle() {
+    const HANDLE handle = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    CloseHandle(handle);
+    return reinterpret_cast<std::intptr_t>(handle);
+}
+
+TEST_F(FileNotification, ClosesEveryHandle) {
+    const std::intptr_t before = NextHandle();
+    for (int round = 0; round < 99; ++round) {
+        const auto watch = Make();
+        ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
+        ASSERT_TRUE(watch->StartWatch(watch->Path()));
+        // One of three ends while it watches, one after the end of a watch, one after a watch that failed.
+        if (round % 3 == 1) watch->StopWatch();
+        if (round % 3 == 2) static_cast<void>(watch->StartWatch((m_path / "missing").wstring()));
+    }
+    EXPECT_FALSE(m_timer.alive);
+    EXPECT_FALSE(m_timer.enabled);
+    // Handle values are used again, four apart: even one left over in three rounds would move the next by over 100.
+    EXPECT_LT(NextHandle() - before, 100);
+}
+
+TEST_F(FileNotification, AFailedReArmingEndsTheWatchAfterItsEvent) {
+    const auto watch = Make();
+    const std::intptr_t next = NextHandle();
+    ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
+    // A signalled event in the place of the notification: it can be waited for, but not armed.
+    CloseHandle(reinterpret_cast<HANDLE>(next));
+    ASSERT_EQ(reinterpret_cast<std::intptr_t>(CreateEventW(nullptr, TRUE, TRUE, nullptr)), next);
+    EXPECT_EQ(Tick(), 1);
+    EXPECT_EQ(watch->Path(), L"");
+    EXPECT_FALSE(m_timer.enabled);
+}
+
+TEST_F(FileNotification, TheOwnerMayRunMessagesAndChangeTheWatchInTheEvent) {
+    const fs::path other = m_path / "other";
+    fs::create_directory(other);
+    Witness witness(m_path);
+    Witness inOther(other);
+    std::function<void()> inEvent = [&] { m_timer.tick(); };
+    const auto watch = Make([&] { inEvent(); });
+    ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
+    witness.Sees([&] { Touch(m_path / "a.edf"); });
+    EXPECT_EQ(Tick(), 1);
+    // What happens in the folder that the owner changes to is not lost.
+    inEvent = [&] {
+        EXPECT_TRUE(watch->StartWatch(other.wstring()));
+        inOther.Sees([&] { Touch(other / "a.edf"); });
+    };
+    witness.Sees([&] { Touch(m_path / "b.edf"); });
+    EXPECT_EQ(Tick(), 1);
+    inEvent = [&] { watch->StopWatch(); };
+    EXPECT_EQ(Tick(), 1);
+    EXPECT_EQ(watch->Path(), L"");
+    EXPECT_FALSE(m_timer.enabled);
+}
+
+TEST_F(FileNotification, WatchesFoldersOutsideTheAnsiCodePage) {
+    const auto watch = Make();
+    for (const wchar_t* name : {L"Запись", L"Ārija", L"脳波"}) {
+        const fs::path folder = m_path / name;
+        fs::create_directory(folder);
+        ASSERT_TRUE(watch->StartWatch(folder.wstring()));
+        Witness(folder).Sees([&] { Touch(folder / L"Ночь.edf"); });
+        EXPECT_EQ(Tick(), 1);
+    }
+    // To a code page without it, A with macron looks like A.
+    fs::create_directory(m_path / L"A");
+    EXPECT_FALSE(watch->StartWatch((m_path / L"Ā").wstring()));
+}
+
+/// Handles messages until the condition holds.
+bool PumpUntil(const std::function<bool()>& condition) {
+    const ULONGLONG deadline = GetTickCount64() + patience;
+    while (!condition()) {
+        if (GetTickCount64() > deadline) return false;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 100, QS_ALLINPUT);
+        MSG message{};
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    }
+    return true;
+}
+
+TEST(Timer, TicksOnlyWhileEnabledAndMayEndInItsTick) {
+    int ticks = 0;
+    int clock = 0;
+    const auto timer = MakeTimer([&] { ++ticks; });
+    const auto reference = MakeTimer([&] { ++clock; });
+    reference->PutInterval(15);
+    reference->PutEnabled(true);
+    const auto ticksInAWhile = [&] {
+        ticks = 0;
+        clock = 0;
+        EXPECT_TRUE(PumpUntil([&] { return clock >= 5; }));
+        return ticks;
+    };
+    const auto waitForATick = [&] {
+        ticks = 0;
+        EXPECT_TRUE(PumpUntil([&] { return ticks > 0; }));
+    };
+    timer->PutEnabled(true);
+    EXPECT_EQ(ticksInAWhile(), 0) << "without an interval";
+    timer->PutInterval(10);
+    waitForATick();
+    waitForATick();
+    timer->PutInterval(3'600'000);
+    EXPECT_EQ(ticksInAWhile(), 0) << "within an hour";
+    timer->PutInterval(10);
+    waitForATick();
+    timer->PutEnabled(false);
+    EXPECT_EQ(ticksInAWhile(), 0) << "disabled";
+
+    std::unique_ptr<TimerObject> once;
+    once = MakeTimer([&] {
+        once.reset();
+        ++ticks;
+    });
+    once->PutInterval(10);
+    once->PutEnabled(true);
+    waitForATick();
+    EXPECT_EQ(ticksInAWhile(), 0) << "destroyed";
+
+    // Nor does a tick arrive that was on its way already.
+    reference->PutEnabled(false);
+    ticks = 0;
+    for (const bool destroyed : {false, true}) {
+        auto late = MakeTimer([&] { ++ticks; });
+        late->PutInterval(10);
+        late->PutEnabled(true);
+        MSG message{};
+        ASSERT_GT(GetMessageW(&message, nullptr, WM_TIMER, WM_TIMER), 0);
+        late->PutEnabled(false);
+        if (destroyed) late.reset();
+        DispatchMessageW(&message);
+        EXPECT_EQ(ticks, 0);
+    }
+}
+
+}  // namespace
+}  // namespace quillon
