@@ -4,6 +4,10 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 mkdir -p build
 
+# How to become root for what needs it.
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+
 # Installs the Debian packages among the arguments that are missing, quietly.
 install_missing() {
     local missing=() package
@@ -11,11 +15,9 @@ install_missing() {
         dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return
-    local as_root=()
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
     echo "Installing ${missing[*]}"
-    if ! { "${as_root[@]}" apt-get update -qq &&
-           "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"; } \
+    if ! { ${as_root[@]+"${as_root[@]}"} apt-get update -qq &&
+           ${as_root[@]+"${as_root[@]}"} env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"; } \
          > build/install.log 2>&1; then
         tail -n 20 build/install.log
         exit 1
@@ -28,7 +30,7 @@ wine_packages=(wine wine64 fonts-wine xvfb openbox xdotool imagemagick)
 # Runs a command quietly; shows its output when it fails.
 quietly() {
     local log=build/step.log
-    "$@" > "$log" 2>&1 || { cat "$log"; echo "Failed: $*"; return 1; }
+    "$@" > "$log" 2>&1 || { tail -n 60 "$log"; echo "Failed: $*"; return 1; }
 }
 
 # A virtual display of its own with a window manager: without one, hiding a window takes two seconds.

@@ -37,11 +37,16 @@ void AddStretch(const LaneSources& sources, std::size_t at, std::size_t count, L
         return;
     }
     __m128i tile[kLanes];
-    for (std::size_t done = 0; done < count; done += kLanes) {
-        // The last tile overlaps the one before: a sample seen twice changes nothing.
-        LoadTile(sources, at + std::min(done, count - kLanes), tile);
-        for (const __m128i samples : tile) extremes.Add(samples);
-    }
+    LaneExtremes running = extremes;
+    const auto add = [&](std::size_t from) {
+        LoadTile(sources, from, tile);
+        for (const __m128i samples : tile) running.Add(samples);
+    };
+    std::size_t done = 0;
+    for (; done + kLanes <= count; done += kLanes) add(at + done);
+    // The last tile overlaps the one before: a sample seen twice changes nothing.
+    if (done < count) add(at + count - kLanes);
+    extremes = running;
 }
 
 }  // namespace

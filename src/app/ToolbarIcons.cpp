@@ -77,7 +77,7 @@ class IconCanvas {
                 pixels.push_back(0);
                 continue;
             }
-            const std::uint32_t alpha = covered * 255 / kSamples;
+            const std::uint32_t alpha = covered * 255 / static_cast<std::uint32_t>(kSamples);
             pixels.push_back(alpha << 24 | sums[0] / covered << 16 | sums[1] / covered << 8 | sums[2] / covered);
         }
         return pixels;

@@ -93,7 +93,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// Files were created, deleted or renamed in the folder by others.
     void FilesChanged();
     void StartWatch();
-    void RunPendingMessages() const;
+    /// False when the window was closed by one of them.
+    [[nodiscard]] bool RunPendingMessages() const;
     void ClickFile();
     void ClickBlock();
     void SelectType();

@@ -141,7 +141,7 @@ void frmQLMain::DeleteSelected() {
     if (name.empty()) return;
     m_loader.CloseCurrentFile();
     m_watch->StopWatch();
-    RunPendingMessages();
+    if (!RunPendingMessages()) return;
     if (!DeleteToRecycleBin(m_browser.Folder(), name, m_window)) {
         ClickFile();
         StartWatch();
@@ -164,7 +164,7 @@ void frmQLMain::RenameSelected() {
     if (!answer || answer->empty() || *answer == name) return;
     m_loader.CloseCurrentFile();
     m_watch->StopWatch();
-    RunPendingMessages();
+    if (!RunPendingMessages()) return;
     const bool renamed = RenameFile(m_browser.Folder(), name, *answer, m_window);
     if (renamed) {
         m_browser.Refresh();
@@ -175,16 +175,17 @@ void frmQLMain::RenameSelected() {
     if (!renamed) m_services.SetStatus(Narrow16(name) + u": " + m_services.Text(IDS_RENAME_FAILED));
 }
 
-void frmQLMain::RunPendingMessages() const {
+bool frmQLMain::RunPendingMessages() const {
     MSG message{};
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
-            return;
+            break;
         }
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
+    return m_window != nullptr;
 }
 
 void frmQLMain::SelectType() {

@@ -124,12 +124,14 @@ void FileBrowser::FillFolders(const std::vector<std::wstring>& subfolders) {
 
 void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected) const {
     const FillScope fill(m_files);
+    const LRESULT top = selected.empty() ? 0 : SendMessageW(m_files, LB_GETTOPINDEX, 0, 0);
     SendMessageW(m_files, LB_RESETCONTENT, 0, 0);
     for (const std::wstring& name : names) {
         if (!MatchesMask(Narrow16(name), m_pattern)) continue;
         const LRESULT position = SendPointer(m_files, LB_ADDSTRING, 0, name.c_str());
         if (name == selected) SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
     }
+    SendMessageW(m_files, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
 }
 
 void FileBrowser::SetPattern(const std::u16string& pattern) {
