@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -56,7 +57,10 @@ double Median(std::vector<double> values) {
 
 }  // namespace
 
-int wmain(int argc, wchar_t** argv) {
+// A program with windows, as the viewer is: only such a one can be waited for.
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+    const int argc = __argc;
+    wchar_t** const argv = __wargv;
     if (argc == 2 && std::wstring(argv[1]) == L"--empty") return RunEmptyWindow();
     if (argc < 3) return 2;
     wchar_t self[32768] = {};

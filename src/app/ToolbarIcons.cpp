@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <functional>
 #include <initializer_list>
 
 namespace quillon {
@@ -94,7 +93,8 @@ class IconCanvas {
         return std::hypot(at.x - a.x - t * (b.x - a.x), at.y - a.y - t * (b.y - a.y));
     }
 
-    void Paint(std::uint32_t color, const std::function<bool(Point)>& covers) {
+    template <typename Covers>
+    void Paint(std::uint32_t color, const Covers& covers) {
         const double unit = 16.0 / m_size;
         std::size_t sample = 0;
         for (int row = 0; row < m_size; ++row) {
@@ -243,8 +243,7 @@ std::vector<std::uint32_t> DrawIcon(Icon icon, int size) {
     return canvas.Pixels();
 }
 
-std::vector<std::uint32_t> DrawDisabledIcon(Icon icon, int size) {
-    std::vector<std::uint32_t> pixels = DrawIcon(icon, size);
+std::vector<std::uint32_t> Greyed(std::vector<std::uint32_t> pixels) {
     for (std::uint32_t& pixel : pixels) {
         const std::uint32_t grey = ((pixel >> 16 & 0xFF) * 3 + (pixel >> 8 & 0xFF) * 6 + (pixel & 0xFF)) / 10;
         const std::uint32_t light = 120 + grey / 2;

@@ -8,24 +8,27 @@
 
 namespace quillon {
 
-void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size) {
+ImageList MakeIconList(const std::vector<std::vector<std::uint32_t>>& pictures, int size) {
+    const auto count = static_cast<int>(pictures.size());
+    ImageList list(ImageList_Create(size, size, ILC_COLOR32, count, 0));
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = size;
+    info.bmiHeader.biWidth = size * count;
     info.bmiHeader.biHeight = -size;
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     void* bits = nullptr;
-    const GdiBitmap color(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    if (!color) return;
-    std::copy(pixels.begin(), pixels.end(), static_cast<std::uint32_t*>(bits));
-    const std::vector<std::uint8_t> none(static_cast<std::size_t>((size + 15) / 16 * 2 * size), 0);
-    const GdiBitmap mask(CreateBitmap(size, size, 1, 1, none.data()));
-    ICONINFO icon{TRUE, 0, 0, mask.Get(), color.Get()};
-    if (const HICON handle = CreateIconIndirect(&icon)) {
-        ImageList_ReplaceIcon(list, -1, handle);
-        DestroyIcon(handle);
+    // One strip for all: added one by one, the pictures take longer than everything else at the start.
+    const GdiBitmap strip(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    if (!strip) return list;
+    auto* row = static_cast<std::uint32_t*>(bits);
+    for (std::ptrdiff_t y = 0; y < size; ++y) {
+        for (const std::vector<std::uint32_t>& picture : pictures) {
+            row = std::copy_n(picture.begin() + y * size, size, row);
+        }
     }
+    ImageList_Add(list.Get(), strip.Get(), nullptr);
+    return list;
 }
 
 void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons, int dpi) {
@@ -38,9 +41,8 @@ void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "toolbar");
     SendMessageW(m_window, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
     const int size = MulDiv(16, dpi, 96);
-    const auto count = static_cast<int>(buttons.size());
-    m_images = ImageList(ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, count, 0));
-    m_disabledImages = ImageList(ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, count, 0));
+    std::vector<std::vector<std::uint32_t>> pictures;
+    std::vector<std::vector<std::uint32_t>> disabled;
     std::vector<TBBUTTON> items;
     for (const ToolbarButton& button : buttons) {
         if (button.startsGroup) {
@@ -49,14 +51,16 @@ void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons
             items.push_back(gap);
         }
         TBBUTTON item{};
-        item.iBitmap = ImageList_GetImageCount(m_images.Get());
+        item.iBitmap = static_cast<int>(pictures.size());
         item.idCommand = button.command;
         item.fsState = TBSTATE_ENABLED;
         item.fsStyle = BTNS_BUTTON;
         items.push_back(item);
-        AddIcon(m_images.Get(), DrawIcon(button.icon, size), size);
-        AddIcon(m_disabledImages.Get(), DrawDisabledIcon(button.icon, size), size);
+        pictures.push_back(DrawIcon(button.icon, size));
+        disabled.push_back(Greyed(pictures.back()));
     }
+    m_images = MakeIconList(pictures, size);
+    m_disabledImages = MakeIconList(disabled, size);
     SendMessageW(m_window, TB_SETBITMAPSIZE, 0, MAKELPARAM(size, size));
     SendMessageW(m_window, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(m_images.Get()));
     SendMessageW(m_window, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(m_disabledImages.Get()));

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
+#include <vector>
 
 #include "app/Commands.h"
 #include "app/win/Win32.h"
@@ -26,7 +28,7 @@ class Toolbar {
     ImageList m_disabledImages;
 };
 
-/// A picture of a button as an icon list's entry.
-void AddIcon(HIMAGELIST list, const std::vector<std::uint32_t>& pixels, int size);
+/// A list of pictures as DrawIcon makes them, each size x size pixels.
+[[nodiscard]] ImageList MakeIconList(const std::vector<std::vector<std::uint32_t>>& pictures, int size);
 
 }  // namespace quillon

@@ -228,8 +228,7 @@ void frmQLMain::MakeControls() {
                       m_zoomX.Create(m_window, btnZoomX, *this);
     if (!made) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
     const int size = MulDiv(16, m_dpi, 96);
-    m_pathListIcon = ImageList(ImageList_Create(size, size, ILC_COLOR32 | ILC_MASK, 1, 0));
-    AddIcon(m_pathListIcon.Get(), DrawIcon(Icon::Folders, size), size);
+    m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size)}, size);
 }
 
 void frmQLMain::FillTypes() {
