@@ -314,9 +314,11 @@ void frmQLMain::ArrangeControls() {
         const bool isCombo = place.id == lstDrive || place.id == cboFileType;
         const int height = isCombo ? MulDiv(240, m_dpi, 96) : place.rect.height;
         positions = DeferWindowPos(positions, GetDlgItem(m_window, place.id), nullptr, place.rect.left, place.rect.top,
-                                   place.rect.width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+                                   place.rect.width, height, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     }
     EndDeferWindowPos(positions);
+    // Everything anew: pixels moved along with their controls were seen to stay behind in other controls.
+    RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     m_channels.FitColumns();
 }
 
