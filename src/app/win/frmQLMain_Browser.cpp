@@ -234,7 +234,7 @@ void frmQLMain::ShowCaption() {
     if (!m_global.file.fileName.empty()) {
         const std::wstring path = Wide(m_global.file.fileName);
         std::wstring block = m_blocks.Text(m_global.file.currentBlockIndex);
-        block = block.substr(0, block.find(L'\t'));
+        block.resize(std::min(block.find(L'\t'), block.size()));
         caption = path.substr(path.rfind(L'\\') + 1) + L" - [" + block + L"]";
     }
     SetWindowTextW(m_window, caption.c_str());
