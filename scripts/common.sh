@@ -37,7 +37,8 @@ quietly() {
 start_display() {
     Xvfb -displayfd 3 -screen 0 "${1:-1280x900x24}" -nolisten tcp 3> build/display > /dev/null 2>&1 &
     xvfb_pid=$!
-    for _ in $(seq 100); do [ -s build/display ] && break; sleep 0.05; done
+    for _ in $(seq 600); do [ -s build/display ] && break; sleep 0.05; done
+    [ -s build/display ] || { echo "The virtual display did not start."; return 1; }
     export DISPLAY=":$(cat build/display)"
     openbox > /dev/null 2>&1 &
     openbox_pid=$!

@@ -119,7 +119,6 @@ void DrawMagnifier(IconCanvas& canvas, bool plus) {
     canvas.Line({{10, 10}, {14.2, 14.2}}, kInk, 2.4);
     canvas.Disk({6.5, 6.5}, 5, kPaper);
     canvas.Ring({6.5, 6.5}, 5, kInk, 1.5);
-    // The arrow up or down beside the sign says that it is the amplitude.
     canvas.Line({{4, 6.5}, {9, 6.5}}, kBlue, 1.5);
     if (plus) canvas.Line({{6.5, 4}, {6.5, 9}}, kBlue, 1.5);
 }
