@@ -49,7 +49,7 @@ run_tests unit_tests_windows wine build/windows/tests/unit_tests.exe
 run_tests win_tests wine build/windows/tests/win_tests.exe
 # Once more as a Russian system: other code page, other separators, other interface language.
 locale -a | grep -qi '^ru_RU\.utf-\?8$' || ${as_root[@]+"${as_root[@]}"} localedef -i ru_RU -f UTF-8 ru_RU.UTF-8
-LC_ALL=ru_RU.UTF-8 run_tests win_tests_russian wine build/windows/tests/win_tests.exe
+run_tests win_tests_russian env LC_ALL=ru_RU.UTF-8 wine build/windows/tests/win_tests.exe
 
 [ "$skipped" -eq 0 ] || echo "$skipped skipped: their recordings are not here"
 echo "$passed passed, $failed failed"
