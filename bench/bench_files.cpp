@@ -52,21 +52,28 @@ int ReadPieces(ByteSource& source, std::vector<std::int16_t>& piece) {
     return sum;
 }
 
+/// All channels of a block, and room for the results of all their runs.
+struct Columns {
+    Columns(const RecordingBlock& block, std::int32_t run) {
+        for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+            channels.push_back(channel);
+            results.emplace_back(static_cast<std::size_t>(block.SampleCount() / run + 1));
+            out.push_back(results.back().data());
+        }
+    }
+    std::vector<std::int16_t> channels;
+    std::vector<std::vector<RunExtremes>> results;
+    std::vector<RunExtremes*> out;
+};
+
 void FileExtremes(benchmark::State& state, const BenchFile& file) {
     const auto run = static_cast<std::int32_t>(state.range(0));
     RecordingBlock& block = file.Block();
     const std::int32_t count = block.SampleCount();
-    std::vector<std::int16_t> channels;
-    std::vector<std::vector<RunExtremes>> results;
-    std::vector<RunExtremes*> out;
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        channels.push_back(channel);
-        results.emplace_back(static_cast<std::size_t>(count / run + 1));
-        out.push_back(results.back().data());
-    }
+    const Columns columns(block, run);
     std::vector<std::int16_t> piece(kPieceBytes / 2);
     Compare(
-        state, file.Source().Size(), false, [&] { block.ColumnExtremes(channels, 0, count, run, out); },
+        state, file.Source().Size(), false, [&] { block.ColumnExtremes(columns.channels, 0, count, run, columns.out); },
         [&] { benchmark::DoNotOptimize(ReadPieces(file.Source(), piece)); });
 }
 
@@ -87,17 +94,10 @@ void LiteralRoute(benchmark::State& state) {
     const auto run = static_cast<std::int32_t>(state.range(0));
     RecordingBlock& block = file.Block();
     const std::int32_t count = block.SampleCount();
-    std::vector<std::int16_t> channels;
-    std::vector<std::vector<RunExtremes>> results;
-    std::vector<RunExtremes*> out;
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        channels.push_back(channel);
-        results.emplace_back(static_cast<std::size_t>(count / run + 1));
-        out.push_back(results.back().data());
-    }
+    const Columns columns(block, run);
     std::vector<std::int16_t> samples(static_cast<std::size_t>(count));
     const auto literal = [&] {
-        for (const std::int16_t channel : channels) {
+        for (const std::int16_t channel : columns.channels) {
             block.ReadCodes(channel, 0, count, samples.data());
             for (std::int32_t at = 0; at < count; at += run) {
                 int position = 0;
@@ -107,7 +107,8 @@ void LiteralRoute(benchmark::State& state) {
             }
         }
     };
-    Compare(state, file.Source().Size(), false, literal, [&] { block.ColumnExtremes(channels, 0, count, run, out); });
+    Compare(state, file.Source().Size(), false, literal,
+            [&] { block.ColumnExtremes(columns.channels, 0, count, run, columns.out); });
 }
 
 void Rounds(benchmark::internal::Benchmark* it) {
