@@ -208,6 +208,23 @@ TEST_F(MainWindowTest, TheWholeScrollBarReachesTheWholeRecording) {
     EXPECT_EQ(m_global.axis.FirstColumn(), 100000);
 }
 
+TEST_F(MainWindowTest, AnotherBlockIsLoadedByAClick) {
+    // Forty channels are two blocks: channels 1 to 32 and 33 to 40, whose numbers start at 0 again.
+    static_cast<void>(m_folder.Write(u"wide.bin", BinRecording(100.0F, Waves(40, 1000))));
+    Start();
+    EXPECT_THAT(Lines(lstBlock), ElementsAre(L"1-32\t1", L"33-40\t2"));
+    EXPECT_EQ(ItemCount(), 32);
+    Command(mnuTabFile + 1);
+    ClickLine(lstBlock, 1);
+    EXPECT_EQ(ItemCount(), 8);
+    EXPECT_EQ(m_global.file.currentBlockIndex, 1);
+    EXPECT_EQ(Caption(), L"wide.bin - [33-40]");
+    EXPECT_EQ(Capture(pbGraph).Count(TraceColor(8)), 0);
+    ClickLine(lstBlock, 0);
+    EXPECT_EQ(ItemCount(), 32);
+    EXPECT_GT(Capture(pbGraph).Count(TraceColor(8)), 0);
+}
+
 TEST_F(MainWindowTest, NamesWithAnyLettersOpen) {
     static_cast<void>(m_folder.Write(u"Ночная запись №1.bin", BinRecording(100.0F, Waves(2, 1000))));
     Start();
