@@ -6,6 +6,7 @@
 #include "app/KV_Resources.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/StringIds.h"
+#include "base/Text.h"
 #include "norvik/win/Registry.h"
 
 namespace quillon {
@@ -56,6 +57,16 @@ class FrameTest : public MainWindowTest {
 
     [[nodiscard]] bool Exists(const std::u16string& name) const { return std::filesystem::exists(m_folder.File(name)); }
 };
+
+/// What a command prints.
+std::string OutputOf(const std::string& command) {
+    std::string output;
+    FILE* pipe = _popen(command.c_str(), "r");
+    for (int character = pipe == nullptr ? EOF : std::fgetc(pipe); character != EOF; character = std::fgetc(pipe))
+        output.push_back(static_cast<char>(character));
+    if (pipe != nullptr) _pclose(pipe);
+    return output;
+}
 
 /// Answers the next dialog of this process with that title from another thread.
 class DialogAnswer {
@@ -221,6 +232,23 @@ TEST_F(FrameTest, FoldersOfOpenedRecordingsAreRememberedWhileATypeIsListed) {
     EXPECT_EQ(folders.size(), 2U);
 }
 
+TEST_F(FrameTest, TheLastThirtyFoldersAreOffered) {
+    Start();
+    for (int number = 1; number <= 31; ++number) {
+        const std::u16string name = u"Папка " + Decimal(number);
+        const std::u16string file = Decimal(number) + u".bin";
+        std::filesystem::create_directory(m_folder.File(name));
+        static_cast<void>(m_folder.Write(name + u'/' + file, Recording(10)));
+        m_form->OpenPath(m_folder.File(name).wstring() + L'\\' + Wide(file));
+        ASSERT_THAT(Caption(), ::testing::StartsWith(Wide(file) + L" - ["));
+    }
+    ASSERT_EQ(m_global.settings.pathList.Folders().size(), 30U) << "the first one had to go";
+    Command(mnuPathList);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"2.bin"));
+    Command(mnuPathList + 29);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"31.bin"));
+}
+
 TEST_F(FrameTest, TheTypeBoxLimitsTheList) {
     static_cast<void>(m_folder.Write(u"a.bin", Recording()));
     static_cast<void>(m_folder.Write(u"b.wav", FileBytes().Text("RIFF")));
@@ -307,6 +335,11 @@ TEST_F(FrameTest, SettingsOutliveTheWindow) {
         Command(mnuHelpLang + 2);
         TearDown();
     }
+    // Another program finds them, as texts and numbers.
+    const std::string key = "reg query \"HKCU\\Software\\Norvik\\Quillon frame test\\1.x";
+    EXPECT_THAT(OutputOf(key + "\" /v HelpLanguage"), HasSubstr("HelpLanguage    REG_DWORD    0x"));
+    EXPECT_THAT(OutputOf(key + "\" /v FilesPath"), HasSubstr("FilesPath    REG_SZ    "));
+    EXPECT_THAT(OutputOf(key + "\\Window\" /v Top"), HasSubstr("REG_DWORD    0x37"));
     QL_Global second;
     SettingsStore(MakeRegistryObject, program).Load(second.settings);
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Norvik\\Quillon frame test");
