@@ -38,8 +38,8 @@ class BlockLoader {
         : m_library(library), m_file(file), m_block(block), m_slots(slots), m_services(services), m_host(host) {}
 
     /// What a click on a file does. `folder` with or without a trailing backslash; `name` empty when no file is
-    /// selected. Nothing at all happens when it is the open file. A refused file leaves the lists empty and says why in
-    /// "Status".
+    /// selected. Nothing at all happens when it is the open file. A refused file leaves blocks and channels empty and
+    /// says why in "Status".
     void OpenFile(const std::u16string& folder, const std::u16string& name, const std::u16string& pattern);
 
     /// Sets the no-file state and closes the recording.

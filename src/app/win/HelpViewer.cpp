@@ -6,7 +6,10 @@ namespace quillon {
 
 bool ShowHelpFile(HWND owner, const std::wstring& path) {
     // Loaded on first use and kept: the viewer's window lives in it. Not every system has it.
-    const HMODULE viewer = LoadLibraryW(L"hhctrl.ocx");
+    // Only the system's own: one in the program's folder could be anybody's.
+    wchar_t folder[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    const HMODULE viewer = LoadLibraryW((std::wstring(folder) + L"\\hhctrl.ocx").c_str());
     if (viewer == nullptr) return false;
     using Show = HWND(WINAPI*)(HWND, LPCWSTR, UINT, DWORD_PTR);
     const auto show = reinterpret_cast<Show>(reinterpret_cast<void*>(GetProcAddress(viewer, "HtmlHelpW")));

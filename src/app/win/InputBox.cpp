@@ -1,6 +1,7 @@
 #include "app/win/InputBox.h"
 
 #include <cstdint>
+#include <exception>
 #include <vector>
 
 namespace quillon {
@@ -68,10 +69,15 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         return FALSE;
     }
     if (message != WM_COMMAND || (LOWORD(wParam) != IDOK && LOWORD(wParam) != IDCANCEL)) return FALSE;
-    if (LOWORD(wParam) == IDOK) {
-        *reinterpret_cast<std::wstring*>(GetWindowLongPtrW(dialog, DWLP_USER)) = WindowText(GetDlgItem(dialog, kEdit));
+    int answer = LOWORD(wParam);
+    try {
+        if (answer == IDOK)
+            *reinterpret_cast<std::wstring*>(GetWindowLongPtrW(dialog, DWLP_USER)) =
+                WindowText(GetDlgItem(dialog, kEdit));
+    } catch (const std::exception&) {
+        answer = IDCANCEL;  // no memory for the text
     }
-    EndDialog(dialog, LOWORD(wParam));
+    EndDialog(dialog, answer);
     return TRUE;
 }
 

@@ -53,6 +53,8 @@ LRESULT PictureBox::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         case WM_GETDLGCODE: return DLGC_WANTARROWS;
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS: Invalidate(); return 0;
         case WM_NCDESTROY:
             SetWindowLongPtrW(window, GWLP_USERDATA, 0);
             m_window = nullptr;

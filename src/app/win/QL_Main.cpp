@@ -40,6 +40,8 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     global.language = InterfaceLanguage();
     global.format.decimalSeparator = DecimalSeparator();
     WinServices services(global.language);
+    // A drive without a medium is told in the status bar, not by a box of the system.
+    SetErrorMode(SEM_FAILCRITICALERRORS);
     if (!Init(global, parts, services)) return 1;
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);

@@ -17,6 +17,8 @@ namespace quillon {
 namespace {
 
 constexpr const wchar_t* kClassName = L"frmQLMain";
+/// No window lies further away or is larger, in pixels.
+constexpr std::int32_t kFarthest = 1 << 20;
 
 HMENU IdOf(int id) {
     return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
@@ -64,7 +66,9 @@ void frmQLMain::Create() {
 
 void frmQLMain::Show(int showCommand) const {
     const Settings& settings = m_global.settings;
-    if (settings.windowWidth > 0 && settings.windowHeight > 0) {
+    const auto sane = [](std::int32_t value) { return value > -kFarthest && value < kFarthest; };
+    if (settings.windowWidth > 0 && settings.windowHeight > 0 && sane(settings.windowLeft) &&
+        sane(settings.windowTop) && sane(settings.windowWidth) && sane(settings.windowHeight)) {
         WINDOWPLACEMENT placement{};
         placement.length = sizeof placement;
         placement.showCmd = SW_HIDE;
@@ -79,14 +83,17 @@ void frmQLMain::Show(int showCommand) const {
             OffsetRect(&place, monitor.rcWork.left - place.left, monitor.rcWork.top - place.top);
         }
         SetWindowPlacement(m_window, &placement);
-        if (settings.windowMaximized && showCommand != SW_SHOWMINIMIZED) showCommand = SW_SHOWMAXIMIZED;
+        const bool minimized =
+            showCommand == SW_SHOWMINIMIZED || showCommand == SW_MINIMIZE || showCommand == SW_SHOWMINNOACTIVE;
+        if (settings.windowMaximized && !minimized) showCommand = SW_SHOWMAXIMIZED;
     }
     ShowWindow(m_window, showCommand);
 }
 
 void frmQLMain::KeepSettings() {
     Settings& settings = m_global.settings;
-    settings.filesPath = Narrow16(m_browser.Folder());
+    // A folder that is only missing today, on a drive that is not there, is kept unless the user went elsewhere.
+    if (!m_folderMissing || m_browser.Folder() != m_firstFolder) settings.filesPath = Narrow16(m_browser.Folder());
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     if (!GetWindowPlacement(m_window, &placement)) return;
@@ -123,9 +130,13 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_CREATE: OnCreate(); return 0;
         case WM_ACTIVATE: OnActivate(LOWORD(wParam)); return 0;
+        case WM_SETFOCUS:
+            if (m_graphBox.Window() != nullptr) SetFocus(m_graphBox.Window());
+            return 0;
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
         case WM_GETMINMAXINFO: OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_CLOSE: OnClose(); return 0;
+        case WM_ENDSESSION: OnEndSession(wParam != FALSE); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_COMMAND:
             if (lParam == 0) {
@@ -140,7 +151,11 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
         case WM_NOTIFY: return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
-        case WM_INITMENUPOPUP: OnInitMenu(reinterpret_cast<HMENU>(wParam)); return 0;
+        case WM_INITMENUPOPUP:
+            // The window's own menu holds the system's commands.
+            if (HIWORD(lParam) != 0) break;
+            OnInitMenu(reinterpret_cast<HMENU>(wParam));
+            return 0;
         case WM_HSCROLL: OnHScroll(LOWORD(wParam)); return 0;
         case WM_VSCROLL: OnVScroll(LOWORD(wParam)); return 0;
         case WM_MOUSEWHEEL: OnWheel(wParam); return 0;
@@ -161,8 +176,12 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     return DefWindowProcW(m_window, message, wParam, lParam);
 }
 
-void frmQLMain::Failed(const std::exception& error) {
-    m_services.SetStatus(m_services.Text(IDS_COMMAND_FAILED) + u": " + Utf16(error.what()));
+void frmQLMain::Failed(const std::exception& error) noexcept {
+    try {
+        m_services.SetStatus(m_services.Text(IDS_COMMAND_FAILED) + u": " + Utf16(error.what()));
+    } catch (const std::exception&) {
+        // There is no memory even for the message.
+    }
 }
 
 void frmQLMain::OnCreate() {
@@ -172,7 +191,11 @@ void frmQLMain::OnCreate() {
     m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
     FillTypes();
     const std::wstring folder = Wide(m_global.settings.filesPath);
-    if (folder.empty() || !m_browser.ShowFolder(folder)) m_browser.ShowFolder(L".");
+    if (folder.empty() || !m_browser.ShowFolder(folder)) {
+        m_browser.ShowFolder(L".");
+        m_folderMissing = !folder.empty();
+    }
+    m_firstFolder = m_browser.Folder();
     StartWatch();
     DragAcceptFiles(m_window, TRUE);
     ArrangeControls();
@@ -209,9 +232,10 @@ void frmQLMain::MakeControls() {
     MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS);
     const HWND drives = MakeControl(WC_COMBOBOXW, combo, 0, lstDrive);
     const HWND folders = MakeControl(WC_LISTBOXW, list, WS_EX_CLIENTEDGE, lstDir);
-    const HWND channels =
-        MakeControl(WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
-                    WS_EX_CLIENTEDGE, lvCh);
+    const HWND channels = MakeControl(
+        WC_LISTVIEWW,
+        WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS,
+        WS_EX_CLIENTEDGE, lvCh);
     MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES);
     MakeControl(WC_COMBOBOXW, combo, 0, cboFileType);
     const HWND files = MakeControl(WC_LISTBOXW, list | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
@@ -224,11 +248,25 @@ void frmQLMain::MakeControls() {
     const bool made = m_graphBox.Create(m_window, pbGraph, *this, true) &&
                       m_scaleXBox.Create(m_window, pbScaleX, *this, false) &&
                       m_scaleYBox.Create(m_window, pbScaleY, *this, false) &&
-                      m_pathListBox.Create(m_window, pbPathList, *this, false) && m_values.Create(m_window, pnValues) &&
+                      m_pathListBox.Create(m_window, pbPathList, *this, true) && m_values.Create(m_window, pnValues) &&
                       m_zoomX.Create(m_window, btnZoomX, *this);
     if (!made) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
+    AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
     const int size = MulDiv(16, m_dpi, 96);
     m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size)}, size);
+}
+
+void frmQLMain::AddToolTip(HWND control, int textId) const {
+    const HWND tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0, 0,
+                                      m_window, nullptr, GetModuleHandleW(nullptr), nullptr);
+    std::wstring text = Wide(m_services.Text(textId));
+    TTTOOLINFOW tool{};
+    tool.cbSize = sizeof tool;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = m_window;
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    tool.lpszText = text.data();
+    SendPointer(tips, TTM_ADDTOOLW, 0, &tool);
 }
 
 void frmQLMain::FillTypes() {
@@ -260,6 +298,8 @@ void frmQLMain::OnActivate(UINT state) {
             if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
             ShowPages();
         }
+        if (m_folderMissing)
+            m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
     }
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
 }
@@ -366,16 +406,36 @@ void frmQLMain::OnDropFiles(HDROP drop) {
 }
 
 void frmQLMain::OnClose() {
+    // While a dialog is open the window waits for it, whoever asks it to close.
+    if (!IsWindowEnabled(m_window)) return;
     StopSound();
     DestroyWindow(m_window);
 }
 
-void frmQLMain::OnDestroy() {
+void frmQLMain::OnEndSession(bool ends) {
+    // The process may end without another message.
+    if (!ends) return;
     KeepSettings();
+    if (m_shutdown) m_shutdown();
+}
+
+void frmQLMain::OnDestroy() {
+    // The system destroys the menu with the window.
+    static_cast<void>(m_menu.Release());
+    // A window that could not be made has nothing to keep, and its message is still to be shown.
+    if (m_createFailure) return;
     m_closing = true;
     m_watch.reset();
-    m_loader.CloseCurrentFile();
-    if (m_shutdown) m_shutdown();
+    // Each step runs whatever becomes of the others, and the program ends in any case.
+    for (const auto& step :
+         std::initializer_list<std::function<void()>>{[&] { KeepSettings(); }, [&] { m_loader.CloseCurrentFile(); },
+                                                      [&] { m_shutdown ? m_shutdown() : void(); }}) {
+        try {
+            step();
+        } catch (const std::exception& error) {
+            Failed(error);
+        }
+    }
     m_services.SetWindow(nullptr, nullptr);
     PostQuitMessage(0);
 }

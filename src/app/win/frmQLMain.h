@@ -62,7 +62,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     [[nodiscard]] bool TranslateKey(const MSG& message);
     /// A command ended early (no memory, a failed library call): told in "Status".
-    void Failed(const std::exception& error);
+    void Failed(const std::exception& error) noexcept;
 
     // Life cycle and layout.
     void OnCreate();
@@ -72,19 +72,24 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void OnSize(UINT state);
     void OnGetMinMaxInfo(MINMAXINFO* info) const;
     void OnClose();
+    void OnEndSession(bool ends);
     void OnDestroy();
     bool OnSetCursor(HWND child) const;
     void OnMouse(UINT message, int x, int y);
     void MakeControls();
     HWND MakeControl(const wchar_t* className, DWORD style, DWORD extendedStyle, int id);
     void MakeTabs(HWND tabs, int firstCaption) const;
+    void AddToolTip(HWND control, int textId) const;
     void ArrangeControls();
     void FillTypes();
 
     // Browser, blocks and channels.
     void OnListCommand(int id, int notification);
     LRESULT OnNotify(const NMHDR* header);
-    void ShowFolder(const std::wstring& folder);
+    /// False when the folder cannot be read; then the old one stays.
+    bool ShowFolder(const std::wstring& folder);
+    /// Opens a file of the shown folder that the list leaves out.
+    void OpenUnlisted(const std::wstring& name);
     void ShowPathList();
     void ChoosePath(int index);
     void FileCommand(int index);
@@ -173,6 +178,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     enum class Drag { None, Column, Lists } m_drag = Drag::None;
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
+    std::wstring m_firstFolder;          ///< shown at the start
+    bool m_folderMissing = false;        ///< it stands for that of the settings, which could not be read
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_scaleFitted = false;          ///< to a block, since the start
     bool m_activated = false;

@@ -1,9 +1,10 @@
 #include <algorithm>
-#include "app/ControlIds.h"
 
+#include "app/ControlIds.h"
 #include "app/win/InputBox.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
+#include "data/FileOperationPlan.h"
 #include "data/win/FileOperation.h"
 
 namespace quillon {
@@ -13,6 +14,7 @@ void frmQLMain::OnListCommand(int id, int notification) {
     if (id == lstBlock && notification == LBN_SELCHANGE) ClickBlock();
     if (id == lstDir && notification == LBN_DBLCLK) ShowFolder(m_browser.ChosenFolder());
     if (id == lstDrive && notification == CBN_SELCHANGE) ShowFolder(m_browser.ChosenDrive());
+    if (id == lstDrive && notification == CBN_DROPDOWN) m_browser.ListDrives();
     if (id == cboFileType && notification == CBN_SELCHANGE) SelectType();
 }
 
@@ -22,9 +24,10 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
         return 0;
     }
     if (header->code == TCN_SELCHANGE) ShowPages();
+    // A click on the item itself, or the way to it by keys, chooses the channel for what concerns one at a time.
+    if (header->idFrom == lvCh && header->code == NM_CLICK && m_channels.IsOnItem(header)) StopSound();
     if (header->idFrom == lvCh && header->code == LVN_ITEMCHANGED && !m_channels.Filling()) {
         const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
-        // A click on the item itself chooses the channel for what concerns one channel at a time.
         const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
         if ((change->uChanged & LVIF_STATE) != 0 && chosen) StopSound();
         if ((change->uChanged & LVIF_STATE) != 0 &&
@@ -41,6 +44,14 @@ void frmQLMain::ShowPages() {
     const auto show = [&](int id, bool visible) {
         ShowWindow(GetDlgItem(m_window, id), visible ? SW_SHOWNA : SW_HIDE);
     };
+    // What is hidden loses the focus, which would leave it with no control at all.
+    const HWND focus = GetFocus();
+    for (const int id : {lstDrive, lstDir, lvCh, cboFileType, lstFile, lstBlock}) {
+        const bool upper = id == lstDrive || id == lstDir || id == lvCh;
+        const int shown = upper ? page(tabPath) : page(tabFile);
+        if (focus == GetDlgItem(m_window, id) && shown != (id == lvCh || id == lstBlock ? 1 : 0))
+            SetFocus(m_graphBox.Window());
+    }
     show(lstDrive, page(tabPath) == 0);
     show(pbPathList, page(tabPath) == 0);
     show(lstDir, page(tabPath) == 0);
@@ -50,16 +61,25 @@ void frmQLMain::ShowPages() {
     show(lstBlock, page(tabFile) == 1);
 }
 
-void frmQLMain::ShowFolder(const std::wstring& folder) {
-    if (folder == m_browser.Folder()) return;
+bool frmQLMain::ShowFolder(const std::wstring& folder) {
+    if (folder == m_browser.Folder()) return true;
     if (!m_browser.ShowFolder(folder)) {
         m_services.SetStatus(Narrow16(folder) + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
-        m_browser.ShowDrive();
-        return;
+        m_browser.ShowChoice();
+        return false;
     }
     m_services.SetStatus({});
     ClickFile();
     StartWatch();
+    return true;
+}
+
+void frmQLMain::OpenUnlisted(const std::wstring& name) {
+    // No line of the list stands for it, so none may look as if delete and rename would concern it.
+    m_browser.SelectFile(-1);
+    m_global.fileSelected = false;
+    m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(name), m_browser.Pattern());
+    UpdateCommands();
 }
 
 void frmQLMain::OpenPath(const std::wstring& path) {
@@ -72,12 +92,12 @@ void frmQLMain::OpenPath(const std::wstring& path) {
     if (end == std::wstring::npos) return;
     const std::wstring name = path.substr(end + 1);
     // The root of a drive keeps its backslash.
-    ShowFolder(path.substr(0, end == 2 ? 3 : end));
+    if (!ShowFolder(path.substr(0, end == 2 ? 3 : end))) return;
     if (m_browser.SelectFileNamed(name)) {
         ClickFile();
     } else {
         // A name that the listed type leaves out: its content may be readable all the same.
-        m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(name), m_browser.Pattern());
+        OpenUnlisted(name);
     }
 }
 
@@ -115,7 +135,10 @@ void frmQLMain::StartWatch() {
 void frmQLMain::FilesChanged() try {
     m_browser.Refresh();
     const std::wstring open = Wide(m_global.file.fileName);
-    if (!open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES) {
+    const bool unseen = !open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES;
+    const DWORD reason = GetLastError();
+    // Any other reason may pass, as a network's does.
+    if (unseen && (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND)) {
         const std::u16string name = Narrow16(open.substr(open.rfind(L'\\') + 1));
         m_browser.SelectFile(-1);
         ClickFile();
@@ -136,24 +159,29 @@ void frmQLMain::FileCommand(int index) {
 }
 
 void frmQLMain::DeleteSelected() {
+    const std::wstring folder = m_browser.Folder();
     const std::wstring name = m_browser.SelectedFile();
     const int position = m_browser.SelectedPosition();
     if (name.empty()) return;
     m_loader.CloseCurrentFile();
     m_watch->StopWatch();
     if (!RunPendingMessages()) return;
-    if (!DeleteToRecycleBin(m_browser.Folder(), name, m_window)) {
-        ClickFile();
-        StartWatch();
-        return;
-    }
-    m_browser.Refresh();
+    const FileOperationResult result = DeleteToRecycleBin(folder, name, m_window);
+    // The shell's dialog runs messages: the window may be closed by now, or show another folder.
+    if (m_window == nullptr || m_closing) return;
     StartWatch();
-    m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
+    if (m_browser.Folder() != folder) return;
+    if (result == FileOperationResult::Done) {
+        m_browser.Refresh();
+        m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
+    }
     ClickFile();
+    if (result == FileOperationResult::Failed)
+        m_services.SetStatus(Narrow16(name) + u": " + m_services.Text(IDS_DELETE_FAILED));
 }
 
 void frmQLMain::RenameSelected() {
+    const std::wstring folder = m_browser.Folder();
     const std::wstring name = m_browser.SelectedFile();
     if (name.empty()) return;
     const std::optional<std::wstring> answer =
@@ -161,18 +189,28 @@ void frmQLMain::RenameSelected() {
                    {Wide(m_services.Text(IDS_RENAME)), Wide(m_services.Text(IDS_NEW_NAME)),
                     Wide(m_services.Text(IDS_OK)), Wide(m_services.Text(IDS_CANCEL))},
                    name);
-    if (!answer || answer->empty() || *answer == name) return;
+    if (m_window == nullptr || m_closing || !answer || answer->empty() || *answer == name) return;
+    const std::u16string failure = Narrow16(name) + u": " + m_services.Text(IDS_RENAME_FAILED);
+    if (!PlanRename(Narrow16(folder), Narrow16(name), Narrow16(*answer))) {
+        // Nothing that the shell could do: the recording stays open as it is.
+        m_services.SetStatus(failure);
+        return;
+    }
     m_loader.CloseCurrentFile();
     m_watch->StopWatch();
     if (!RunPendingMessages()) return;
-    const bool renamed = RenameFile(m_browser.Folder(), name, *answer, m_window);
-    if (renamed) {
-        m_browser.Refresh();
-        m_browser.SelectFileNamed(*answer);
-    }
+    const FileOperationResult result = RenameFile(folder, name, *answer, m_window);
+    if (m_window == nullptr || m_closing) return;
     StartWatch();
+    if (m_browser.Folder() != folder) return;
+    const bool renamed = result == FileOperationResult::Done;
+    if (renamed) m_browser.Refresh();
+    if (renamed && !m_browser.SelectFileNamed(*answer)) {
+        OpenUnlisted(*answer);
+        return;
+    }
     ClickFile();
-    if (!renamed) m_services.SetStatus(Narrow16(name) + u": " + m_services.Text(IDS_RENAME_FAILED));
+    if (!renamed) m_services.SetStatus(failure);
 }
 
 bool frmQLMain::RunPendingMessages() const {
@@ -191,7 +229,10 @@ bool frmQLMain::RunPendingMessages() const {
 void frmQLMain::SelectType() {
     const auto type = SendMessageW(GetDlgItem(m_window, cboFileType), CB_GETCURSEL, 0, 0);
     m_browser.SetPattern(m_global.library->FileTypeMask(static_cast<std::int32_t>(type)));
-    if (!m_global.file.fileName.empty()) ClickFile();
+    const std::wstring open = Wide(m_global.file.fileName);
+    if (open.empty()) return;
+    m_browser.SelectFileNamed(open.substr(open.rfind(L'\\') + 1));
+    ClickFile();
 }
 
 void frmQLMain::ClickFile() {
@@ -235,7 +276,8 @@ void frmQLMain::ShowCaption() {
         const std::wstring path = Wide(m_global.file.fileName);
         std::wstring block = m_blocks.Text(m_global.file.currentBlockIndex);
         block.resize(std::min(block.find(L'\t'), block.size()));
-        caption = path.substr(path.rfind(L'\\') + 1) + L" - [" + block + L"]";
+        caption = path.substr(path.rfind(L'\\') + 1);
+        if (!block.empty()) caption += L" - [" + block + L"]";
     }
     SetWindowTextW(m_window, caption.c_str());
 }

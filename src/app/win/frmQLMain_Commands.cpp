@@ -87,7 +87,7 @@ void frmQLMain::SelectTabPath(int page) {
 
 void frmQLMain::SelectTabFile(int page) {
     TabCtrl_SetCurSel(GetDlgItem(m_window, tabFile), page);
-    if (page == 0) m_browser.Refresh();
+    if (page == 0) FilesChanged();
     ShowPages();
 }
 
@@ -118,7 +118,8 @@ bool frmQLMain::TranslateKey(const MSG& message) {
             return true;
         }
     }
-    if (message.message != WM_KEYDOWN || m_window == nullptr || !IsChild(m_window, message.hwnd)) return false;
+    if (message.message != WM_KEYDOWN || m_window == nullptr) return false;
+    if (message.hwnd != m_window && !IsChild(m_window, message.hwnd)) return false;
     if (message.wParam == VK_TAB) {
         const bool back = GetKeyState(VK_SHIFT) < 0;
         if (const HWND next = GetNextDlgTabItem(m_window, GetFocus(), back)) SetFocus(next);
@@ -136,6 +137,8 @@ bool frmQLMain::OnListKey(WPARAM key) {
     const bool control = GetKeyState(VK_CONTROL) < 0;
     if (focus == GetDlgItem(m_window, lstDir) && key == VK_RETURN) {
         ShowFolder(m_browser.ChosenFolder());
+    } else if (focus == m_pathListBox.Window() && (key == VK_RETURN || key == VK_SPACE || key == VK_DOWN)) {
+        ShowPathList();
     } else if (focus == GetDlgItem(m_window, lstFile) && (key == VK_DELETE || key == VK_F2)) {
         OnCommand(mnuFileOperation + (key == VK_F2 ? 1 : 0));
     } else if (focus == GetDlgItem(m_window, lvCh) && control && key == 'A') {

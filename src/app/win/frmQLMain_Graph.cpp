@@ -33,6 +33,8 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
         const int size = MulDiv(16, m_dpi, 96);
         ImageList_Draw(m_pathListIcon.Get(), 0, dc, (static_cast<int>(client.right) - size) / 2,
                        (static_cast<int>(client.bottom) - size) / 2, ILD_TRANSPARENT);
+        InflateRect(&client, -3, -3);
+        if (GetFocus() == m_pathListBox.Window()) DrawFocusRect(dc, &client);
     }
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);

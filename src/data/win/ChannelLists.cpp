@@ -1,6 +1,24 @@
 #include "data/win/ChannelLists.h"
 
+#include "data/win/FillScope.h"
+
 namespace quillon {
+
+namespace {
+
+/// Sets a flag for as long as it lasts.
+class QuietScope {
+  public:
+    explicit QuietScope(bool& flag) : m_flag(flag) { m_flag = true; }
+    ~QuietScope() { m_flag = false; }
+    QuietScope(const QuietScope&) = delete;
+    QuietScope& operator=(const QuietScope&) = delete;
+
+  private:
+    bool& m_flag;
+};
+
+}  // namespace
 
 void BlockList::Attach(HWND list) {
     m_list = list;
@@ -54,8 +72,8 @@ void ChannelList::Attach(HWND list, ImageList colors, int dpi) {
 }
 
 void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
-    m_filling = true;
-    SendMessageW(m_list, WM_SETREDRAW, FALSE, 0);
+    const QuietScope quiet(m_filling);
+    const FillScope fill(m_list);
     ListView_DeleteAllItems(m_list);
     for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
         const std::int16_t number = block.channelNumbers[at];
@@ -78,9 +96,6 @@ void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
         ListView_SetCheckState(m_list, item.iItem, slot.shown);
     }
     FitColumns();
-    SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
-    InvalidateRect(m_list, nullptr, TRUE);
-    m_filling = false;
 }
 
 void ChannelList::FitColumns() const {
@@ -92,14 +107,19 @@ void ChannelList::FitColumns() const {
     ListView_SetColumnWidth(m_list, 1, width > 2 * unit ? unit : width / 2);
 }
 
+bool ChannelList::IsOnItem(const NMHDR* notification) const {
+    LVHITTESTINFO hit{};
+    hit.pt = reinterpret_cast<const NMITEMACTIVATE*>(notification)->ptAction;
+    return ListView_HitTest(m_list, &hit) >= 0 && (hit.flags & LVHT_ONITEMSTATEICON) == 0;
+}
+
 bool ChannelList::IsChecked(int item) const {
     return ListView_GetCheckState(m_list, item) != 0;
 }
 
 void ChannelList::Check(int item, bool checked) {
-    m_filling = true;
+    const QuietScope quiet(m_filling);
     ListView_SetCheckState(m_list, item, checked);
-    m_filling = false;
 }
 
 }  // namespace quillon

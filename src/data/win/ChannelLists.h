@@ -34,6 +34,8 @@ class ChannelList {
     void Fill(const ViewBlock& block, const ChannelSlots& slots);
     void FitColumns() const;
     [[nodiscard]] bool IsChecked(int item) const;
+    /// Whether the mouse message that a notification tells of came to a line, its check box left aside.
+    [[nodiscard]] bool IsOnItem(const NMHDR* notification) const;
     /// Sets a check box without a change notification.
     void Check(int item, bool checked);
     /// True while this object itself changes the list, so that its notifications say nothing new.

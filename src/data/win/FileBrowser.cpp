@@ -4,6 +4,7 @@
 
 #include "app/win/WinHandle.h"
 #include "data/FileFilter.h"
+#include "data/win/FillScope.h"
 
 namespace quillon {
 
@@ -36,39 +37,34 @@ bool LessName(const std::wstring& a, const std::wstring& b) {
            CSTR_LESS_THAN;
 }
 
-/// Suspends painting of a list while it is filled.
-class FillScope {
-  public:
-    explicit FillScope(HWND list) : m_list(list) { SendMessageW(list, WM_SETREDRAW, FALSE, 0); }
-    ~FillScope() {
-        SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
-        InvalidateRect(m_list, nullptr, TRUE);
-    }
-    FillScope(const FillScope&) = delete;
-    FillScope& operator=(const FillScope&) = delete;
-
-  private:
-    HWND m_list;
-};
-
 }  // namespace
 
 void FileBrowser::Attach(HWND drives, HWND folders, HWND files) {
     m_drives = drives;
     m_folders = folders;
     m_files = files;
+    ListDrives();
+}
+
+void FileBrowser::ListDrives() const {
+    SendMessageW(m_drives, CB_RESETCONTENT, 0, 0);
     wchar_t roots[512] = {};
     GetLogicalDriveStringsW(511, roots);
     for (const wchar_t* root = roots; *root != L'\0'; root += lstrlenW(root) + 1) {
         const std::wstring drive = {static_cast<wchar_t>(towupper(root[0])), L':'};
         SendPointer(m_drives, CB_ADDSTRING, 0, drive.c_str());
     }
+    if (!m_folder.empty()) ShowChoice();
 }
 
 bool FileBrowser::Read(const std::wstring& folder, Names& names) {
     WIN32_FIND_DATAW found{};
     const FindHandle search(FindFirstFileW((WithBackslash(folder) + L"*").c_str(), &found));
-    if (!search) return false;
+    // The root of an empty drive holds not even itself.
+    if (!search) {
+        const bool nothingFound = GetLastError() == ERROR_FILE_NOT_FOUND;
+        return nothingFound && GetFileAttributesW(WithBackslash(folder).c_str()) != INVALID_FILE_ATTRIBUTES;
+    }
     do {
         const std::wstring name = found.cFileName;
         if ((found.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0 || name == L"." || name == L"..") continue;
@@ -85,16 +81,17 @@ bool FileBrowser::ShowFolder(const std::wstring& folder) {
     Names names;
     if (normal.empty() || !Read(normal, names)) return false;
     m_folder = normal;
-    ShowDrive();
     FillFolders(names.folders);
-    FillFiles(names.files, {});
+    FillFiles(names.files, {}, false);
+    ShowChoice();
     return true;
 }
 
-void FileBrowser::ShowDrive() const {
+void FileBrowser::ShowChoice() const {
     const std::wstring drive = {static_cast<wchar_t>(towupper(m_folder[0])), L':'};
     const LRESULT position = SendPointer(m_drives, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), drive.c_str());
     SendMessageW(m_drives, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+    SendMessageW(m_folders, LB_SETCURSEL, m_folderPaths.size() - m_subfolders.size() - 1, 0);
 }
 
 void FileBrowser::FillFolders(const std::vector<std::wstring>& subfolders) {
@@ -116,21 +113,30 @@ void FileBrowser::FillFolders(const std::vector<std::wstring>& subfolders) {
         ++depth;
         start = end + (start == 0 && m_folder[end - 1] == L'\\' ? 0 : 1);
     }
-    SendMessageW(m_folders, LB_SETCURSEL, m_folderPaths.size() - 1, 0);
+    m_subfolders = subfolders;
     for (const std::wstring& name : subfolders) add(name, WithBackslash(m_folder) + name);
     const auto top = static_cast<std::ptrdiff_t>(m_folderPaths.size() - subfolders.size()) - 2;
     SendMessageW(m_folders, LB_SETTOPINDEX, static_cast<WPARAM>(std::max<std::ptrdiff_t>(top, 0)), 0);
 }
 
-void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected) const {
+void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected,
+                            bool keepPlace) const {
     const FillScope fill(m_files);
-    const LRESULT top = selected.empty() ? 0 : SendMessageW(m_files, LB_GETTOPINDEX, 0, 0);
+    const LRESULT top = keepPlace ? SendMessageW(m_files, LB_GETTOPINDEX, 0, 0) : 0;
     SendMessageW(m_files, LB_RESETCONTENT, 0, 0);
+    const WindowDC dc(m_files);
+    const SelectScope font(dc.Get(), reinterpret_cast<HFONT>(SendMessageW(m_files, WM_GETFONT, 0, 0)));
+    LONG widest = 0;
     for (const std::wstring& name : names) {
         if (!MatchesMask(Narrow16(name), m_pattern)) continue;
         const LRESULT position = SendPointer(m_files, LB_ADDSTRING, 0, name.c_str());
         if (name == selected) SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+        SIZE size{};
+        GetTextExtentPoint32W(dc.Get(), name.c_str(), static_cast<int>(name.size()), &size);
+        widest = std::max(widest, size.cx);
     }
+    // Longer names than the list is wide are reached by scrolling.
+    SendMessageW(m_files, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest) + 6, 0);
     SendMessageW(m_files, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
 }
 
@@ -143,8 +149,12 @@ void FileBrowser::Refresh() {
     Names names;
     if (!Read(m_folder, names)) names = {};
     const std::wstring selected = SelectedFile();
-    FillFolders(names.folders);
-    FillFiles(names.files, selected);
+    // Others that write files leave the folder list, and the user's place in it, alone.
+    if (names.folders != m_subfolders) {
+        FillFolders(names.folders);
+        ShowChoice();
+    }
+    FillFiles(names.files, selected, true);
 }
 
 int FileBrowser::FileCount() const {

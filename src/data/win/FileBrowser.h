@@ -38,8 +38,10 @@ class FileBrowser {
     /// Folder of the drive chosen in the drive list, and of the line of the folder list: where a choice there leads.
     [[nodiscard]] std::wstring ChosenDrive() const;
     [[nodiscard]] std::wstring ChosenFolder() const;
-    /// Puts the drive list back on the drive of the shown folder.
-    void ShowDrive() const;
+    /// Puts the drive and folder lists back on the shown folder.
+    void ShowChoice() const;
+    /// Lists the drives that there are now.
+    void ListDrives() const;
 
   private:
     struct Names {
@@ -48,7 +50,7 @@ class FileBrowser {
     };
     [[nodiscard]] static bool Read(const std::wstring& folder, Names& names);
     void FillFolders(const std::vector<std::wstring>& subfolders);
-    void FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected) const;
+    void FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected, bool keepPlace) const;
 
     HWND m_drives = nullptr;
     HWND m_folders = nullptr;
@@ -56,6 +58,7 @@ class FileBrowser {
     std::wstring m_folder;
     std::u16string m_pattern = u"*.*";
     std::vector<std::wstring> m_folderPaths;  ///< full path of every line of the folder list
+    std::vector<std::wstring> m_subfolders;   ///< names of those in the shown folder
 };
 
 }  // namespace quillon

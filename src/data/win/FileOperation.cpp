@@ -11,17 +11,19 @@ namespace {
 
 /// The ANSI and the wide call differ in nothing but their character. The texts are lists that an empty one ends.
 template <typename Operation, typename List>
-bool Perform(int(WINAPI* call)(Operation*), UINT code, const List& from, const List& to, HWND owner) {
+FileOperationResult Perform(int(WINAPI* call)(Operation*), UINT code, const List& from, const List& to, HWND owner) {
     Operation operation{};
     operation.hwnd = owner;
     operation.wFunc = code;
     operation.pFrom = from.data();
     operation.pTo = to.data();
     operation.fFlags = FOF_ALLOWUNDO;
-    return call(&operation) == 0 && !operation.fAnyOperationsAborted;
+    const int failure = call(&operation);
+    if (operation.fAnyOperationsAborted || failure == ERROR_CANCELLED) return FileOperationResult::Declined;
+    return failure == 0 ? FileOperationResult::Done : FileOperationResult::Failed;
 }
 
-bool Perform(UINT code, const FileOperationPlan& plan, HWND owner) {
+FileOperationResult Perform(UINT code, const FileOperationPlan& plan, HWND owner) {
     const std::wstring from = Wide(plan.from) + std::wstring(2, L'\0');
     const std::wstring to = Wide(plan.to) + std::wstring(2, L'\0');
     const std::optional<std::string> ansiFrom = ExactAnsi(from);
@@ -42,18 +44,20 @@ bool DiffersInCaseOnly(const std::u16string& a, const std::u16string& b) {
 
 }  // namespace
 
-bool DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner) {
+FileOperationResult DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner) {
     const std::optional<FileOperationPlan> plan = PlanDelete(Narrow16(folder), Narrow16(name));
-    return plan && IsFile(plan->from) && Perform(FO_DELETE, *plan, owner);
+    if (!plan || !IsFile(plan->from)) return FileOperationResult::Failed;
+    return Perform(FO_DELETE, *plan, owner);
 }
 
-bool RenameFile(const std::wstring& folder, const std::wstring& oldName, const std::wstring& newName, HWND owner) {
+FileOperationResult RenameFile(const std::wstring& folder, const std::wstring& oldName, const std::wstring& newName,
+                               HWND owner) {
     const std::optional<FileOperationPlan> plan = PlanRename(Narrow16(folder), Narrow16(oldName), Narrow16(newName));
-    if (!plan || !IsFile(plan->from)) return false;
+    if (!plan || !IsFile(plan->from)) return FileOperationResult::Failed;
     // Asked before the shell, which may offer the user yet another name instead. What is found under a name that
     // differs in letter case only is the file itself.
     const bool taken = GetFileAttributesW(Wide(plan->to).c_str()) != INVALID_FILE_ATTRIBUTES;
-    if (taken && !DiffersInCaseOnly(plan->from, plan->to)) return false;
+    if (taken && !DiffersInCaseOnly(plan->from, plan->to)) return FileOperationResult::Failed;
     return Perform(FO_RENAME, *plan, owner);
 }
 

@@ -14,13 +14,17 @@ namespace quillon {
 /// files and media, and whatever changes on the disk meanwhile; it never writes over a file that is there. Names
 /// outside the ANSI code page go through the shell's wide calls.
 
-/// Moves a file to the recycle bin once the user has confirmed it in the shell's dialog. False, with the file as it
-/// was, when the user declined or the shell failed.
-[[nodiscard]] bool DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner);
+enum class FileOperationResult {
+    Done,
+    Declined,  ///< by the user; all files are as they were
+    Failed,    ///< before or by the shell; all files are as they were
+};
 
-/// Gives a file another name in the same folder; whether another letter case is one, the shell decides. False, with all
-/// files as they were, when that fails.
-[[nodiscard]] bool RenameFile(const std::wstring& folder, const std::wstring& oldName, const std::wstring& newName,
-                              HWND owner);
+/// Moves a file to the recycle bin once the user has confirmed it in the shell's dialog.
+[[nodiscard]] FileOperationResult DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner);
+
+/// Gives a file another name in the same folder; whether another letter case is one, the shell decides.
+[[nodiscard]] FileOperationResult RenameFile(const std::wstring& folder, const std::wstring& oldName,
+                                             const std::wstring& newName, HWND owner);
 
 }  // namespace quillon

@@ -100,7 +100,7 @@ void GraphPainter::DrawTraces(const GraphScene& scene) {
     geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
     geometry.rawCodes = scene.rawCodes;
     geometry.foldOrigin = !scene.strokePaths;
-    m_reader.Read(*scene.block.block, shown, visible.first - 1, visible.Count(), geometry.samplesPerPixel);
+    m_reader.Read(*scene.block.block, shown, {visible.first - 1, visible.Count(), geometry.samplesPerPixel});
     const AnisotropicScope mapping(m_surface.Handle());
     // The last channel comes first, so that the first one lies on top.
     for (std::size_t at = shown.size(); at-- > 0;) {

@@ -16,12 +16,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using namespace ::quillon::testing;
 
-FileBytes Recording(int frames = 2000) {
-    std::vector<std::vector<std::int16_t>> samples;
-    for (int frame = 0; frame < frames; ++frame) samples.push_back({static_cast<std::int16_t>(frame % 100), 5});
-    return BinRecording(100.0F, samples);
-}
-
 class FrameTest : public MainWindowTest {
   protected:
     /// Every entry of the window's real menu: identifier and text, separators as "-".
@@ -43,19 +37,6 @@ class FrameTest : public MainWindowTest {
         SendPointer(Control(toolbar), TB_GETITEMRECT, static_cast<WPARAM>(index), &button);
         Click(toolbar, (button.left + button.right) / 2, (button.top + button.bottom) / 2);
     }
-
-    /// Handles messages until the condition holds; false after some seconds.
-    [[nodiscard]] bool WaitFor(const std::function<bool()>& condition) const {
-        const ULONGLONG end = GetTickCount64() + 8000;
-        while (!condition()) {
-            if (GetTickCount64() > end) return false;
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
-            Pump();
-        }
-        return true;
-    }
-
-    [[nodiscard]] bool Exists(const std::u16string& name) const { return std::filesystem::exists(m_folder.File(name)); }
 };
 
 /// What a command prints.
@@ -67,31 +48,6 @@ std::string OutputOf(const std::string& command) {
     if (pipe != nullptr) _pclose(pipe);
     return output;
 }
-
-/// Answers the next dialog of this process with that title from another thread.
-class DialogAnswer {
-  public:
-    DialogAnswer(std::function<void(HWND)> answer)
-        : m_thread([answer = std::move(answer)] {
-              const ULONGLONG end = GetTickCount64() + 10000;
-              while (GetTickCount64() < end) {
-                  const HWND dialog = FindWindowW(L"#32770", nullptr);
-                  DWORD process = 0;
-                  GetWindowThreadProcessId(dialog, &process);
-                  if (dialog != nullptr && process == GetCurrentProcessId() && IsWindowVisible(dialog)) {
-                      answer(dialog);
-                      return;
-                  }
-                  SwitchToThread();
-              }
-          }) {}
-    ~DialogAnswer() { m_thread.join(); }
-    DialogAnswer(const DialogAnswer&) = delete;
-    DialogAnswer& operator=(const DialogAnswer&) = delete;
-
-  private:
-    std::thread m_thread;
-};
 
 TEST_F(FrameTest, TheMenuIsTheTree) {
     Start();
@@ -124,7 +80,7 @@ TEST_F(FrameTest, TheMenuIsTheTree) {
 }
 
 TEST_F(FrameTest, ButtonsDoWhatTheirMenuEntriesDo) {
-    static_cast<void>(m_folder.Write(u"a.bin", Recording(20000)));
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(20000)));
     Start();
     const auto state = [&] {
         return std::tuple(m_global.axis.FirstColumn(), m_global.amplitude.Index(), m_global.amplitude.Shift());
@@ -160,7 +116,7 @@ TEST_F(FrameTest, ButtonsDoWhatTheirMenuEntriesDo) {
 }
 
 TEST_F(FrameTest, ButtonsAreGreyWhereTheirCommandsCanDoNothing) {
-    static_cast<void>(m_folder.Write(u"a.bin", Recording()));
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
     static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
     Start();
     const auto enabled = [&](int command) {
@@ -210,122 +166,40 @@ TEST_F(FrameTest, BothLanguagesHoldTheSameStringsAndNoneIsTooLongForItsControl) 
     }
 }
 
-TEST_F(FrameTest, FoldersOfOpenedRecordingsAreRememberedWhileATypeIsListed) {
-    static_cast<void>(m_folder.Write(u"a.bin", Recording()));
+TEST_F(FrameTest, TheKeyboardIsNeverLost) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
     Start();
-    const auto& folders = m_global.settings.pathList.Folders();
-    ASSERT_EQ(folders.size(), 1U);
-    const std::wstring other = Wide(m_folder.Path()) + L"\\Другая папка";
-    CreateDirectoryW(other.c_str(), nullptr);
-    static_cast<void>(m_folder.Write(u"Другая папка/b.bin", Recording()));
-    m_form->OpenPath(other);
-    EXPECT_EQ(m_global.file.fileName, u"") << "another folder closes the recording";
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.bin"));
-    ClickLine(lstFile, 0);
-    ASSERT_EQ(folders.size(), 2U);
-    // Choosing a remembered folder leads there.
-    Command(mnuPathList);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
-    // A dropped file opens through the list.
-    m_form->OpenPath(other + L"\\b.bin");
-    EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.bin - ["));
-    EXPECT_EQ(folders.size(), 2U);
+    SetFocus(Control(lstFile));
+    Command(mnuTabFile + 1);
+    EXPECT_EQ(GetFocus(), Control(pbGraph)) << "the list that had the focus is hidden";
+    SetFocus(m_form->Window());
+    EXPECT_EQ(GetFocus(), Control(pbGraph));
+    // The window's own menu is left to the system.
+    const HMENU system = GetSystemMenu(m_form->Window(), FALSE);
+    const UINT before = GetMenuState(system, SC_CLOSE, MF_BYCOMMAND);
+    SendMessageW(m_form->Window(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(system), MAKELPARAM(0, TRUE));
+    EXPECT_EQ(GetMenuState(system, SC_CLOSE, MF_BYCOMMAND), before);
 }
 
-TEST_F(FrameTest, TheLastThirtyFoldersAreOffered) {
+TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
+    int saved = 0;
+    m_shutdown = [&] { ++saved; };
+    m_global.settings.filesPath.clear();
     Start();
-    for (int number = 1; number <= 31; ++number) {
-        const std::u16string name = u"Папка " + Decimal(number);
-        const std::u16string file = Decimal(number) + u".bin";
-        std::filesystem::create_directory(m_folder.File(name));
-        static_cast<void>(m_folder.Write(name + u'/' + file, Recording(10)));
-        m_form->OpenPath(m_folder.File(name).wstring() + L'\\' + Wide(file));
-        ASSERT_THAT(Caption(), ::testing::StartsWith(Wide(file) + L" - ["));
-    }
-    ASSERT_EQ(m_global.settings.pathList.Folders().size(), 30U) << "the first one had to go";
-    Command(mnuPathList);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"2.bin"));
-    Command(mnuPathList + 29);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"31.bin"));
-}
-
-TEST_F(FrameTest, TheTypeBoxLimitsTheList) {
-    static_cast<void>(m_folder.Write(u"a.bin", Recording()));
-    static_cast<void>(m_folder.Write(u"b.wav", FileBytes().Text("RIFF")));
-    Start();
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"b.wav"));
-    const HWND types = Control(cboFileType);
-    const auto choose = [&](WPARAM type) {
-        SendMessageW(types, CB_SETCURSEL, type, 0);
-        SendMessageW(m_form->Window(), WM_COMMAND, MAKEWPARAM(cboFileType, CBN_SELCHANGE),
-                     reinterpret_cast<LPARAM>(types));
-        Pump();
-    };
-    choose(1);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
-    EXPECT_EQ(ItemCount(), 2) << "the shown file still matches and stays open";
-    choose(2);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.wav"));
-    EXPECT_EQ(ItemCount(), 0);
-    wchar_t text[128] = {};
-    SendPointer(types, CB_GETLBTEXT, 1, text);
-    EXPECT_STREQ(text, L"Binary Files (*.bin)");
-}
-
-TEST_F(FrameTest, ChangesByOthersAppearAndARecordingThatIsGoneIsClosed) {
-    static_cast<void>(m_folder.Write(u"a.bin", Recording()));
-    Start();
-    static_cast<void>(m_folder.Write(u"Новый.bin", Recording()));
-    EXPECT_TRUE(WaitFor([&] { return Lines(lstFile).size() == 2; }));
-    EXPECT_EQ(ItemCount(), 2) << "the open recording stays open";
-    EXPECT_EQ(SendMessageW(Control(lstFile), LB_GETCURSEL, 0, 0), 0);
-    // Moved away, as into the recycle bin; a file that is only deleted keeps its name until everybody has closed it.
-    std::filesystem::create_directory(m_folder.File(u"bin"));
-    std::filesystem::rename(m_folder.File(u"a.bin"), m_folder.File(u"bin/a.bin"));
-    EXPECT_TRUE(WaitFor([&] { return Lines(lstFile).size() == 1; }));
-    EXPECT_EQ(ItemCount(), 0);
-    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"a.bin: "));
-    EXPECT_EQ(Caption(), L"Quillon");
-}
-
-TEST_F(FrameTest, DeletesAndRenames) {
-    for (const char16_t* name : {u"a.bin", u"b.bin", u"c.bin"}) static_cast<void>(m_folder.Write(name, Recording()));
-    Start();
-    ClickLine(lstFile, 1);
-    {
-        DialogAnswer answer([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDNO, 0); });
-        Command(mnuFileOperation);
-    }
-    EXPECT_TRUE(Exists(u"b.bin"));
-    EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.bin")) << "declined: the file is open again";
-    {
-        DialogAnswer answer([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDYES, 0); });
-        Command(mnuFileOperation);
-    }
-    EXPECT_FALSE(Exists(u"b.bin"));
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"c.bin"));
-    EXPECT_THAT(Caption(), ::testing::StartsWith(L"c.bin")) << "the same position is selected";
-
-    const auto rename = [&](const wchar_t* name) {
-        DialogAnswer answer([name](HWND dialog) {
-            SendMessageW(GetDlgItem(dialog, 101), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
-            PostMessageW(dialog, WM_COMMAND, name[0] == L'!' ? IDCANCEL : IDOK, 0);
-        });
-        Command(mnuFileOperation + 1);
-    };
-    rename(L"Переименован.bin");
-    EXPECT_TRUE(Exists(u"Переименован.bin"));
-    EXPECT_THAT(Caption(), ::testing::StartsWith(L"Переименован.bin"));
-    for (const wchar_t* unchanged : {L"!", L"", L"Переименован.bin"}) rename(unchanged);
-    EXPECT_TRUE(Exists(u"Переименован.bin"));
-    rename(L"a.bin");
-    EXPECT_TRUE(Exists(u"Переименован.bin")) << "another file has that name";
-    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"not renamed"));
-    EXPECT_EQ(ItemCount(), 2) << "and it is open again";
+    SendMessageW(m_form->Window(), WM_ENDSESSION, FALSE, 0);
+    EXPECT_EQ(saved, 0) << "called off";
+    SendMessageW(m_form->Window(), WM_ENDSESSION, TRUE, 0);
+    EXPECT_EQ(saved, 1);
+    // A folder on a drive that is not there today is remembered.
+    TearDown();
+    Start(L"C:\\no such folder");
+    EXPECT_NE(Status(StatusPanel::Status), L"");
+    TearDown();
+    EXPECT_EQ(m_global.settings.filesPath, u"C:\\no such folder");
 }
 
 TEST_F(FrameTest, SettingsOutliveTheWindow) {
-    static_cast<void>(m_folder.Write(u"a.bin", Recording()));
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
     const ProgramIdentity program{u"Quillon frame test", 1, 0, 0};
     {
         m_shutdown = [&] { SettingsStore(MakeRegistryObject, program).Save(m_global.settings); };

@@ -27,6 +27,12 @@ FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>&
     return bytes;
 }
 
+FileBytes SawRecording(int frames) {
+    std::vector<std::vector<std::int16_t>> samples;
+    for (int frame = 0; frame < frames; ++frame) samples.push_back({static_cast<std::int16_t>(frame % 100), 5});
+    return BinRecording(100.0F, samples);
+}
+
 void MainWindowTest::Start() {
     Start(Wide(m_folder.Path()));
 }

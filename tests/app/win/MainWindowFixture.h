@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,6 +31,33 @@ struct Pixels {
 
 /// A ".bin" recording with scale 1 for every channel; one inner vector per frame.
 [[nodiscard]] FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>& frames);
+/// Two channels, a saw of 0 to 99 and a constant, 100 samples a second.
+[[nodiscard]] FileBytes SawRecording(int frames = 2000);
+
+/// Answers the next dialog of this process with that title from another thread.
+class DialogAnswer {
+  public:
+    DialogAnswer(std::function<void(HWND)> answer)
+        : m_thread([answer = std::move(answer)] {
+              const ULONGLONG end = GetTickCount64() + 10000;
+              while (GetTickCount64() < end) {
+                  const HWND dialog = FindWindowW(L"#32770", nullptr);
+                  DWORD process = 0;
+                  GetWindowThreadProcessId(dialog, &process);
+                  if (dialog != nullptr && process == GetCurrentProcessId() && IsWindowVisible(dialog)) {
+                      answer(dialog);
+                      return;
+                  }
+                  SwitchToThread();
+              }
+          }) {}
+    ~DialogAnswer() { m_thread.join(); }
+    DialogAnswer(const DialogAnswer&) = delete;
+    DialogAnswer& operator=(const DialogAnswer&) = delete;
+
+  private:
+    std::thread m_thread;
+};
 
 /// The real main window over a folder of its own, driven by messages. Nothing waits: the window's thread is the test's.
 class MainWindowTest : public ::testing::Test {
@@ -56,6 +84,19 @@ class MainWindowTest : public ::testing::Test {
     [[nodiscard]] std::wstring Status(StatusPanel panel) const;
     [[nodiscard]] std::wstring Caption() const { return WindowText(m_form->Window()); }
     [[nodiscard]] Pixels Capture(int id) const;
+
+    /// Handles messages until the condition holds; false after some seconds.
+    [[nodiscard]] bool WaitFor(const std::function<bool()>& condition) const {
+        const ULONGLONG end = GetTickCount64() + 8000;
+        while (!condition()) {
+            if (GetTickCount64() > end) return false;
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 50, QS_ALLINPUT);
+            Pump();
+        }
+        return true;
+    }
+
+    [[nodiscard]] bool Exists(const std::u16string& name) const { return std::filesystem::exists(m_folder.File(name)); }
 
     /// Moves the view to a column.
     void ScrollTo(std::int32_t column);

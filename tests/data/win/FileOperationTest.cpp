@@ -63,10 +63,10 @@ class FileOperation : public ::testing::Test {
         return std::distance(fs::directory_iterator(m_path), fs::directory_iterator());
     }
     [[nodiscard]] bool Rename(const std::wstring& oldName, const std::wstring& newName) const {
-        return RenameFile(m_path.wstring(), oldName, newName, nullptr);
+        return RenameFile(m_path.wstring(), oldName, newName, nullptr) == FileOperationResult::Done;
     }
     [[nodiscard]] bool Delete(const std::wstring& name) const {
-        return DeleteToRecycleBin(m_path.wstring(), name, nullptr);
+        return DeleteToRecycleBin(m_path.wstring(), name, nullptr) == FileOperationResult::Done;
     }
     static std::string Content(const std::wstring& name) {
         return {reinterpret_cast<const char*>(name.data()), name.size() * sizeof(wchar_t)};
@@ -133,7 +133,7 @@ TEST_F(FileOperation, DeleteTouchesNothingButAFile) {
                                 L"folder\\", L"A.edf ", L"A.edf."}) {
         EXPECT_FALSE(Delete(name)) << Utf8(Narrow16(name));
     }
-    EXPECT_FALSE(DeleteToRecycleBin(m_path / L"missing", L"A.edf", nullptr));
+    EXPECT_EQ(DeleteToRecycleBin(m_path / L"missing", L"A.edf", nullptr), FileOperationResult::Failed);
     EXPECT_EQ(yes.Count(), 0);
     EXPECT_TRUE(Holds(L"A.edf"));
     EXPECT_EQ(FileCount(), 3);

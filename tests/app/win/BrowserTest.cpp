@@ -1,0 +1,176 @@
+#include <gmock/gmock.h>
+
+#include "app/win/MainWindowFixture.h"
+#include "base/Text.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using namespace ::quillon::testing;
+
+using BrowserTest = MainWindowTest;
+
+TEST_F(BrowserTest, FoldersOfOpenedRecordingsAreRememberedWhileATypeIsListed) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    Start();
+    const auto& folders = m_global.settings.pathList.Folders();
+    ASSERT_EQ(folders.size(), 1U);
+    const std::wstring other = Wide(m_folder.Path()) + L"\\Другая папка";
+    CreateDirectoryW(other.c_str(), nullptr);
+    static_cast<void>(m_folder.Write(u"Другая папка/b.bin", SawRecording()));
+    m_form->OpenPath(other);
+    EXPECT_EQ(m_global.file.fileName, u"") << "another folder closes the recording";
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.bin"));
+    ClickLine(lstFile, 0);
+    ASSERT_EQ(folders.size(), 2U);
+    // Choosing a remembered folder leads there.
+    Command(mnuPathList);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
+    // A dropped file opens through the list.
+    m_form->OpenPath(other + L"\\b.bin");
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.bin - ["));
+    EXPECT_EQ(folders.size(), 2U);
+}
+
+TEST_F(BrowserTest, TheLastThirtyFoldersAreOffered) {
+    Start();
+    for (int number = 1; number <= 31; ++number) {
+        const std::u16string name = u"Папка " + Decimal(number);
+        const std::u16string file = Decimal(number) + u".bin";
+        std::filesystem::create_directory(m_folder.File(name));
+        static_cast<void>(m_folder.Write(name + u'/' + file, SawRecording(10)));
+        m_form->OpenPath(m_folder.File(name).wstring() + L'\\' + Wide(file));
+        ASSERT_THAT(Caption(), ::testing::StartsWith(Wide(file) + L" - ["));
+    }
+    ASSERT_EQ(m_global.settings.pathList.Folders().size(), 30U) << "the first one had to go";
+    Command(mnuPathList);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"2.bin"));
+    Command(mnuPathList + 29);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"31.bin"));
+}
+
+TEST_F(BrowserTest, TheTypeBoxLimitsTheList) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    static_cast<void>(m_folder.Write(u"b.wav", FileBytes().Text("RIFF")));
+    Start();
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"b.wav"));
+    const HWND types = Control(cboFileType);
+    const auto choose = [&](WPARAM type) {
+        SendMessageW(types, CB_SETCURSEL, type, 0);
+        SendMessageW(m_form->Window(), WM_COMMAND, MAKEWPARAM(cboFileType, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(types));
+        Pump();
+    };
+    choose(1);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
+    EXPECT_EQ(ItemCount(), 2) << "the shown file still matches and stays open";
+    choose(2);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.wav"));
+    EXPECT_EQ(ItemCount(), 0);
+    wchar_t text[128] = {};
+    SendPointer(types, CB_GETLBTEXT, 1, text);
+    EXPECT_STREQ(text, L"Binary Files (*.bin)");
+}
+
+TEST_F(BrowserTest, ChangesByOthersAppearAndARecordingThatIsGoneIsClosed) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    Start();
+    static_cast<void>(m_folder.Write(u"Новый.bin", SawRecording()));
+    EXPECT_TRUE(WaitFor([&] { return Lines(lstFile).size() == 2; }));
+    EXPECT_EQ(ItemCount(), 2) << "the open recording stays open";
+    EXPECT_EQ(SendMessageW(Control(lstFile), LB_GETCURSEL, 0, 0), 0);
+    // Moved away, as into the recycle bin; a file that is only deleted keeps its name until everybody has closed it.
+    std::filesystem::create_directory(m_folder.File(u"bin"));
+    std::filesystem::rename(m_folder.File(u"a.bin"), m_folder.File(u"bin/a.bin"));
+    EXPECT_TRUE(WaitFor([&] { return Lines(lstFile).size() == 1; }));
+    EXPECT_EQ(ItemCount(), 0);
+    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"a.bin: "));
+    EXPECT_EQ(Caption(), L"Quillon");
+}
+
+TEST_F(BrowserTest, DeletesAndRenames) {
+    for (const char16_t* name : {u"a.bin", u"b.bin", u"c.bin"}) static_cast<void>(m_folder.Write(name, SawRecording()));
+    Start();
+    ClickLine(lstFile, 1);
+    {
+        DialogAnswer answer([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDNO, 0); });
+        Command(mnuFileOperation);
+    }
+    EXPECT_TRUE(Exists(u"b.bin"));
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.bin")) << "declined: the file is open again";
+    {
+        DialogAnswer answer([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDYES, 0); });
+        Command(mnuFileOperation);
+    }
+    EXPECT_FALSE(Exists(u"b.bin"));
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"c.bin"));
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"c.bin")) << "the same position is selected";
+
+    const auto rename = [&](const wchar_t* name) {
+        DialogAnswer answer([name](HWND dialog) {
+            SendMessageW(GetDlgItem(dialog, 101), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
+            PostMessageW(dialog, WM_COMMAND, name[0] == L'!' ? IDCANCEL : IDOK, 0);
+        });
+        Command(mnuFileOperation + 1);
+    };
+    rename(L"Переименован.bin");
+    EXPECT_TRUE(Exists(u"Переименован.bin"));
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"Переименован.bin"));
+    for (const wchar_t* unchanged : {L"!", L"", L"Переименован.bin"}) rename(unchanged);
+    EXPECT_TRUE(Exists(u"Переименован.bin"));
+    rename(L"a.bin");
+    EXPECT_TRUE(Exists(u"Переименован.bin")) << "another file has that name";
+    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"not renamed"));
+    EXPECT_EQ(ItemCount(), 2) << "and it is open again";
+    ScrollTo(300);
+    rename(L"a/b.bin");
+    EXPECT_EQ(m_global.axis.FirstColumn(), 300) << "not even closed for a name that no file can have";
+}
+
+TEST_F(BrowserTest, CommandsConcernTheFileThatWasChosen) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    std::filesystem::create_directory(m_folder.File(u"sub"));
+    static_cast<void>(m_folder.Write(u"sub/a.bin", SawRecording()));
+    static_cast<void>(m_folder.Write(u"b.dat", SawRecording()));
+    Start();
+    m_form->OpenPath(m_folder.File(u"sub").wstring() + L"\\a.bin");
+    m_form->OpenPath(m_folder.File(u"a.bin").wstring());
+    // While the new name is asked for, the other folder is chosen: it takes effect before the file is renamed.
+    {
+        DialogAnswer answer([this](HWND dialog) {
+            SendMessageW(GetDlgItem(dialog, 101), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"z.bin"));
+            PostMessageW(m_form->Window(), WM_COMMAND, mnuPathList + 1, 0);
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        });
+        Command(mnuFileOperation + 1);
+    }
+    EXPECT_TRUE(Exists(u"sub/a.bin"));
+    EXPECT_NE(Exists(u"a.bin"), Exists(u"z.bin"));
+    // A file that the list leaves out is open, so no line stands for delete and rename.
+    m_form->OpenPath(m_folder.File(u"b.dat").wstring());
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.dat - ["));
+    EXPECT_FALSE(IsEnabled(mnuFileOperation, m_global));
+    // A folder that is not there opens nothing of another one.
+    m_form->OpenPath(m_folder.File(u"no such").wstring() + L"\\z.bin");
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.dat - ["));
+    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"no such"));
+}
+
+TEST_F(BrowserTest, NothingEndsTheWindowWhileADialogAsks) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    Start();
+    {
+        DialogAnswer answer([this](HWND dialog) {
+            SendMessageW(m_form->Window(), WM_CLOSE, 0, 0);
+            PostMessageW(dialog, WM_COMMAND, IDNO, 0);
+        });
+        Command(mnuFileOperation);
+    }
+    ASSERT_TRUE(IsWindow(m_form->Window()));
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"a.bin"));
+}
+
+}  // namespace
+}  // namespace quillon
