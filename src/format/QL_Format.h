@@ -18,6 +18,7 @@ struct FormatOptions {
     bool digitsAreDecimals = false;  ///< digitsCount counts decimal places instead of significant digits
     int timeUnit = 0;                ///< 0 or less automatic, 1 clock time, 2 min, 3 s, 4 ms, 5 mks; others as 3
     bool timeOfDay = false;          ///< times are times of day, written as clock time
+    bool sampleIndexes = false;      ///< positions are told as sample numbers instead of times
     char16_t decimalSeparator = u'.';
 };
 

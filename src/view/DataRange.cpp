@@ -10,9 +10,6 @@
 
 namespace quillon {
 
-namespace {
-
-/// The two extreme codes of every channel, each in any order.
 std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
                                       const VisibleRange& samples) {
     std::vector<RunExtremes> extremes(channels.size());
@@ -33,8 +30,6 @@ std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<s
     }
     return extremes;
 }
-
-}  // namespace
 
 namespace {
 
@@ -74,7 +69,9 @@ std::optional<ValueRange> RangeRecords::OfShown(const ViewBlock& block, const Ch
     if (!block.block || block.sampleCount < 1) return std::nullopt;
     m_ranges.resize(block.channelNumbers.size());
     const std::vector<std::int16_t> shown = ShownChannels(block, slots);
-    const auto record = [&](std::int16_t channel) -> Record& { return m_ranges[static_cast<std::size_t>(channel - 1)]; };
+    const auto record = [&](std::int16_t channel) -> Record& {
+        return m_ranges[static_cast<std::size_t>(channel - 1)];
+    };
     std::vector<std::int16_t> unknown;
     std::copy_if(shown.begin(), shown.end(), std::back_inserter(unknown),
                  [&](std::int16_t channel) { return !record(channel).known; });

@@ -12,6 +12,11 @@ namespace quillon {
 /// The range that stands for the data when raw codes are shown: every code, 1000 to a unit.
 inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
 
+/// The two extreme codes of every channel over a range of samples, each pair in any order. Throws where a channel
+/// cannot be read.
+[[nodiscard]] std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
+                                                    const VisibleRange& samples);
+
 /// Smallest and largest value of the shown channels over a range of samples; none where there is nothing to be read.
 [[nodiscard]] std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& slots,
                                                 const VisibleRange& samples);

@@ -77,7 +77,10 @@ bool TraceReader::ReadExtremes(RecordingBlock& block, std::span<const std::int16
     m_extremes.resize(runs * channels.size());
     m_targets.resize(channels.size());
     for (std::size_t at = 0; at < channels.size(); ++at) m_targets[at] = m_extremes.data() + at * runs;
-    if (!block.ColumnExtremes(channels, first + 1, count - 1, samplesPerPixel, m_targets)) return false;
+    const bool cached = ExtremesCache::Serves(first + 1, samplesPerPixel);
+    if (!(cached ? m_cache.ColumnExtremes(block, channels, first + 1, count - 1, samplesPerPixel, m_targets)
+                 : block.ColumnExtremes(channels, first + 1, count - 1, samplesPerPixel, m_targets)))
+        return false;
     for (std::size_t at = 0; at < channels.size(); ++at) {
         std::vector<TracePoint>& points = m_points[at];
         std::int16_t start = 0;
@@ -90,12 +93,28 @@ bool TraceReader::ReadExtremes(RecordingBlock& block, std::span<const std::int16
     return true;
 }
 
-void TraceReader::Read(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                       std::int32_t count, std::int32_t samplesPerPixel) {
+void TraceReader::Read(RecordingBlock& block, std::span<const std::int16_t> channels, const TraceStretch& stretch) {
     m_used = channels.size();
     if (m_points.size() < m_used) m_points.resize(m_used);
     for (std::size_t at = 0; at < m_used; ++at) m_points[at].clear();
-    if (count < 1 || channels.empty()) return;
+    // A line into the part may start a column outside, and a run's points lie at its column's middle and right edge.
+    constexpr std::int64_t margin = 2;
+    const std::int64_t perPixel = stretch.samplesPerPixel;
+    const std::int64_t skipped = std::max<std::int64_t>(stretch.fromColumn - margin, 0) * perPixel;
+    const std::int64_t end = std::min<std::int64_t>((stretch.toColumn + margin) * perPixel + 1, stretch.count);
+    if (end <= skipped || channels.empty()) return;
+    const auto first = static_cast<std::int32_t>(stretch.first + skipped);
+    const auto count = static_cast<std::int32_t>(end - skipped);
+    const auto left = static_cast<std::int32_t>(perPixel > 2 ? 2 * skipped / perPixel : skipped);
+    ReadPoints(block, channels, first, count, stretch.samplesPerPixel);
+    if (left == 0) return;
+    for (std::size_t at = 0; at < m_used; ++at) {
+        for (TracePoint& point : m_points[at]) point.x += left;
+    }
+}
+
+void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                             std::int32_t count, std::int32_t samplesPerPixel) {
     try {
         if (samplesPerPixel > 2 && count > 1 && ReadExtremes(block, channels, first, count, samplesPerPixel)) return;
     } catch (const std::exception&) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
 #include "data/NorvikCore.h"
 #include "data/QL_Types.h"
+#include "view/ExtremesCache.h"
 
 namespace quillon {
 
@@ -33,19 +35,35 @@ std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::
                               std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
                               std::vector<TracePoint>& points);
 
-/// The same points for several channels. Where the block can reduce them in one pass over its data this reads it once
-/// for all channels, else channel by channel with DrawChannelTrace. A channel that cannot be read gets no points.
+/// The part of a trace that is wanted: samples first .. first+count-1 (from 0) fill the graph from its left edge on; of
+/// their points those that pixel columns fromColumn .. toColumn-1 need are enough.
+struct TraceStretch {
+    std::int32_t first = 0;
+    std::int32_t count = 0;
+    std::int32_t samplesPerPixel = 1;
+    std::int32_t fromColumn = 0;
+    std::int32_t toColumn = std::numeric_limits<std::int32_t>::max();
+};
+
+/// The same points for several channels, with x as it is in the whole trace. Runs that were once read are kept and not
+/// read again; what is read for several channels is read in one pass over the data where the block offers it, else
+/// channel by channel with DrawChannelTrace. A channel that cannot be read gets no points.
 class TraceReader {
   public:
-    /// points() then holds one list per entry of `channels`.
-    void Read(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
-              std::int32_t samplesPerPixel);
+    /// points() then holds one list per entry of `channels`. Of a part, each list begins and ends at least one column
+    /// outside; its first point stands for the line that leads to it from the left.
+    void Read(RecordingBlock& block, std::span<const std::int16_t> channels, const TraceStretch& stretch);
     [[nodiscard]] std::span<const std::vector<TracePoint>> points() const { return {m_points.data(), m_used}; }
+    /// Forgets what was read: another block is shown.
+    void Reset() { m_cache.Reset(); }
 
   private:
+    void ReadPoints(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                    std::int32_t count, std::int32_t samplesPerPixel);
     bool ReadExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                       std::int32_t count, std::int32_t samplesPerPixel);
 
+    ExtremesCache m_cache;
     std::vector<std::vector<TracePoint>> m_points;  ///< grows to the most channels ever drawn; buffers are reused
     std::size_t m_used = 0;
     std::vector<std::int16_t> m_samples;

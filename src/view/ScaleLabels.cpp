@@ -31,16 +31,28 @@ std::u16string AmplitudeText(double value, double step, bool rawCodes, char16_t 
 
 }  // namespace
 
+double AxisSeconds(const ViewBlock& block, double position, const FormatOptions& format) {
+    const double seconds = position / block.sampleRate;
+    if (!format.timeOfDay) return seconds;
+    constexpr double secondsOfDay = 86400.0;
+    // The date holds the time of day to about a microsecond; more digits of it mean nothing.
+    const double start = std::nearbyint((block.startTime - std::floor(block.startTime)) * secondsOfDay * 1e5) / 1e5;
+    return std::fmod(start + seconds, secondsOfDay);
+}
+
 std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block, const FormatOptions& format) {
     std::vector<ScaleLabel> labels;
-    if (block.sampleCount <= 0 || !(block.sampleRate > 0.0)) return labels;
+    if (block.sampleCount <= 0) return labels;
+    const bool indexes = format.sampleIndexes || !(block.sampleRate > 0.0);
     const std::int64_t division = TimeAxis::kDivision;
     const double step = static_cast<double>(division * axis.SamplesPerPixel()) / block.sampleRate;
     std::int64_t column = axis.FirstColumn() / division * division;
     for (; column < std::int64_t{axis.FirstColumn()} + axis.Width(); column += division) {
-        const double seconds = static_cast<double>(column * axis.SamplesPerPixel()) / block.sampleRate;
-        labels.push_back(
-            {static_cast<std::int32_t>(column - axis.FirstColumn()), FormatTimeNumber(seconds, step, format)});
+        const std::int64_t sample = column * axis.SamplesPerPixel();
+        labels.push_back({static_cast<std::int32_t>(column - axis.FirstColumn()),
+                          indexes ? NumberText(static_cast<double>(sample + 1), format.decimalSeparator)
+                                  : FormatAxisValue(AxisSeconds(block, static_cast<double>(sample), format), step,
+                                                    AxisKind::Time, format)});
     }
     return labels;
 }

@@ -17,8 +17,11 @@ struct ScaleLabel {
     std::u16string text;
 };
 
+/// Seconds at a position in samples (from 0) as the options want them: from the block's start, or from midnight.
+[[nodiscard]] double AxisSeconds(const ViewBlock& block, double position, const FormatOptions& format);
+
 /// Labels of the time scale: one per division, from the division at or left of the first visible column to the right
-/// edge; seconds from the start of the block. None without samples.
+/// edge: times, or the number (from 1) of the division's first sample. None without samples.
 [[nodiscard]] std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
                                                  const FormatOptions& format);
 

@@ -41,18 +41,55 @@ VisibleRange TimeAxis::Visible() const {
     return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
 }
 
+void TimeAxis::SetZoom(int index) {
+    m_zoom = index;
+    m_length = ColumnsOf(m_samples, SamplesPerPixel());
+}
+
 bool TimeAxis::SelectZoom(int index) {
     if (index == m_zoom || index < 0 || index >= kZoomCount) return false;
     const auto ratio = static_cast<float>(SamplesPerPixel()) / static_cast<float>(TableEntry(index));
     const double middle = m_first + m_width / 2.0;
     const bool sampleInMiddle = middle < m_length;
     const double first = std::nearbyint(ratio * middle - m_width / 2.0);
-    m_zoom = index;
-    m_length = ColumnsOf(m_samples, SamplesPerPixel());
+    SetZoom(index);
     // Where no sample was in the middle there is none to keep there: the view then must not run past the strip's end.
     const std::int32_t highest = sampleInMiddle ? m_length : std::max(m_length - m_width, 0);
     m_first = static_cast<std::int32_t>(std::clamp(first, 0.0, static_cast<double>(highest)));
     return true;
+}
+
+bool TimeAxis::SelectZoomAbout(int index, std::int32_t column) {
+    if (index == m_zoom || index < 0 || index >= kZoomCount) return false;
+    const std::int64_t sample = (std::int64_t{m_first} + column) * SamplesPerPixel();
+    const bool sampleThere = sample < m_samples;
+    SetZoom(index);
+    const std::int64_t first = sample / SamplesPerPixel() - column;
+    const std::int32_t highest = sampleThere ? m_length : std::max(m_length - m_width, 0);
+    m_first = static_cast<std::int32_t>(std::clamp<std::int64_t>(first, 0, highest));
+    return true;
+}
+
+void TimeAxis::ShowSamples(std::int32_t first, std::int32_t last) {
+    int index = 0;
+    const auto columns = [&] {
+        const std::int32_t perPixel = TableEntry(index);
+        return (last - 1) / perPixel - (first - 1) / perPixel + 1;
+    };
+    while (index < kZoomCount - 1 && columns() > m_width) ++index;
+    SetZoom(index);
+    const std::int32_t left = (first - 1) / SamplesPerPixel();
+    m_first = std::clamp(left - (m_width - columns()) / 2, 0, m_length);
+}
+
+void TimeAxis::Restore(int zoom, std::int32_t firstColumn) {
+    SetZoom(std::clamp(zoom, 0, kZoomCount - 1));
+    m_first = std::clamp(firstColumn, 0, m_length);
+}
+
+std::int32_t TimeAxis::ShiftTo(std::int32_t sample) const {
+    const std::int32_t first = (sample - 1) / SamplesPerPixel() - m_width / 2;
+    return std::clamp(first, 0, std::max(m_length - m_width, 0)) - m_first;
 }
 
 bool TimeAxis::MoveTo(std::int64_t column) {

@@ -33,15 +33,25 @@ class TimeAxis {
     [[nodiscard]] std::int32_t FirstColumn() const { return m_first; }
     [[nodiscard]] std::int32_t StripLength() const { return m_length; }
     [[nodiscard]] std::int32_t Width() const { return m_width; }
+    [[nodiscard]] std::int32_t SampleCount() const { return m_samples; }
     [[nodiscard]] VisibleRange Visible() const;
 
     /// Selects a zoom and keeps the sample at the middle of the graph where it is, as far as the strip allows.
     /// False when nothing changes.
     bool SelectZoom(int index);
+    /// Selects a zoom and keeps the sample under a pixel column where it is, as far as the strip allows.
+    bool SelectZoomAbout(int index, std::int32_t column);
+    /// Shows samples first .. last (from 1) as large as they fit, in the middle of the graph.
+    void ShowSamples(std::int32_t first, std::int32_t last);
+    /// Returns to a view; what is no longer possible is brought within limits.
+    void Restore(int zoom, std::int32_t firstColumn);
     /// Moves the view by columns, stopping at both ends of the strip; returns by how much it moved.
     std::int32_t ScrollBy(std::int32_t shift);
     /// Shift of a page command: 0 start, 1 previous page, 2 next page, 3 end. A page is a whole number of divisions.
     [[nodiscard]] std::int32_t PageShift(int command) const;
+
+    /// Shift that brings a sample (from 1) to the middle of the graph, without leaving the strip.
+    [[nodiscard]] std::int32_t ShiftTo(std::int32_t sample) const;
 
     /// The scroll bar's value for the current position: the position's share of the strip, 0 to kScrollMax.
     [[nodiscard]] std::int32_t ScrollValue() const;
@@ -54,6 +64,7 @@ class TimeAxis {
 
   private:
     bool MoveTo(std::int64_t column);
+    void SetZoom(int index);
 
     std::int32_t m_samples = 0;
     std::int32_t m_width = 1;

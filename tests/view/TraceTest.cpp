@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cmath>
 #include <random>
 
@@ -53,34 +54,119 @@ TEST(DrawChannelTrace, DrawsEverySampleAtOneOrTwoPerPixel) {
     EXPECT_TRUE(Trace({}, 5).empty());
 }
 
-/// The one-pass way and the reading of every sample give the same points, in a block that offers it and one that fails.
+/// Signals of few values, so that ties are common, with stretches that do not change.
+std::vector<std::vector<std::int16_t>> TiedSignals(std::mt19937& random, int channels, int count) {
+    std::vector<std::vector<std::int16_t>> signals(static_cast<std::size_t>(channels));
+    for (auto& signal : signals) {
+        for (int at = 0; at < count; ++at) {
+            const bool still = at % 1000 > 300 && at % 1000 < 700;
+            signal.push_back(still ? signal.back() : static_cast<std::int16_t>(random() % 7));
+        }
+    }
+    return signals;
+}
+
+/// The one-pass way, the cache and the reading of every sample give the same points, whatever the order of views, in a
+/// block that reduces runs itself, one that does not and one that fails; a part is what the whole has there.
 TEST(TraceReader, EqualsTheSampleBySampleWay) {
     std::mt19937 random(5);
     FakeBlock block;
-    block.samples.resize(3);
-    for (auto& channel : block.samples) {
-        for (int at = 0; at < 5000; ++at) channel.push_back(static_cast<std::int16_t>(random() % 7));
-    }
+    constexpr int samples = 250123;
+    block.samples = TiedSignals(random, 3, samples);
     const std::vector<std::int16_t> channels{3, 1};
     std::vector<std::int16_t> work;
     std::vector<TracePoint> expected;
     TraceReader reader;
-    for (int round = 0; round < 300; ++round) {
-        const auto first = static_cast<std::int32_t>(random() % 4990);
-        const auto count = static_cast<std::int32_t>(1 + random() % static_cast<unsigned>(5000 - first));
-        const auto perPixel = static_cast<std::int32_t>(1 + random() % 60);
+    for (int round = 0; round < 400; ++round) {
+        constexpr std::array<std::int32_t, 10> steps{1, 2, 5, 50, 100, 200, 500, 1000, 10000, 20000};
+        const std::int32_t perPixel = steps[random() % steps.size()];
+        const auto columns = static_cast<unsigned>(samples / perPixel);
+        const auto first = static_cast<std::int32_t>(random() % (columns + 1)) * perPixel;
+        const auto width = static_cast<std::int32_t>(1 + random() % std::min(columns + 5, 800U));
+        const std::int32_t count = std::min(width * perPixel, samples - first);
+        if (count < 1) continue;
         block.offersExtremes = round % 3 != 0;
         block.failing = round % 7 == 0 ? std::vector<std::string>{"ColumnExtremes"} : std::vector<std::string>{};
-        reader.Read(block, channels, first, count, perPixel);
+        TraceStretch stretch{first, count, perPixel};
+        if (round % 2 == 0) {
+            stretch.fromColumn = static_cast<std::int32_t>(random() % static_cast<unsigned>(width));
+            stretch.toColumn = stretch.fromColumn + 1 + static_cast<std::int32_t>(random() % 50);
+        }
+        reader.Read(block, channels, stretch);
         ASSERT_EQ(reader.points().size(), 2U);
         for (std::size_t at = 0; at < 2; ++at) {
+            SCOPED_TRACE(::testing::Message() << first << ' ' << count << ' ' << perPixel << ' ' << stretch.fromColumn);
             DrawChannelTrace(block, channels[at], first, count, perPixel, work, expected);
-            ASSERT_EQ(reader.points()[at], expected) << first << ' ' << count << ' ' << perPixel;
+            const auto& points = reader.points()[at];
+            if (round % 2 != 0) {
+                ASSERT_EQ(points, expected);
+                continue;
+            }
+            // Every point of the part's columns, and nothing that is not in the whole but the first, outer point.
+            const std::int32_t unitsPerColumn = perPixel == 1 ? 1 : 2;
+            std::size_t in = 0;
+            for (const TracePoint& point : expected) {
+                const bool wanted =
+                    point.x >= stretch.fromColumn * unitsPerColumn && point.x <= stretch.toColumn * unitsPerColumn;
+                while (in < points.size() && points[in].x < point.x) ++in;
+                if (wanted) {
+                    ASSERT_TRUE(in < points.size() && points[in] == point);
+                }
+                if (in > 0 && in < points.size() && points[in].x == point.x) {
+                    ASSERT_EQ(points[in], point);
+                }
+            }
+            ASSERT_LE(points.size(), static_cast<std::size_t>(stretch.toColumn - stretch.fromColumn + 6) * 2);
         }
     }
     block.failing = {"ReadCodes", "ColumnExtremes"};
-    reader.Read(block, channels, 0, 100, 5);
+    reader.Read(block, channels, {0, 100, 5});
     EXPECT_TRUE(reader.points()[0].empty()) << "what cannot be read is not drawn with old samples";
+}
+
+TEST(ExtremesCache, EqualsTheBlockWithinItsMemoryAndReadsNothingTwice) {
+    std::mt19937 random(6);
+    FakeBlock block;
+    constexpr int samples = 1200345;
+    block.samples = TiedSignals(random, 2, samples);
+    const std::vector<std::int16_t> channels{2, 1};
+    // Room for four chunks of both channels.
+    constexpr std::size_t limit = std::size_t{4} * 2 * 1000 * sizeof(RunExtremes) + 2000;
+    ExtremesCache cache(limit);
+    const auto check = [&](std::int32_t first, std::int32_t count, std::int32_t run) {
+        const auto runs = static_cast<std::size_t>((count + run - 1) / run);
+        std::vector<RunExtremes> actual(runs * 2);
+        std::vector<RunExtremes> expected(runs * 2);
+        const std::vector<RunExtremes*> out{actual.data(), actual.data() + runs};
+        const std::vector<RunExtremes*> expectedOut{expected.data(), expected.data() + runs};
+        ASSERT_TRUE(cache.ColumnExtremes(block, channels, first, count, run, out));
+        block.ColumnExtremes(channels, first, count, run, expectedOut);
+        ASSERT_TRUE(actual == expected) << first << ' ' << count << ' ' << run;
+        ASSERT_LE(cache.Bytes(), limit);
+    };
+    for (int round = 0; round < 300; ++round) {
+        constexpr std::array<std::int32_t, 7> runs{100, 200, 500, 2000, 10000, 50000, 1000000};
+        const std::int32_t run = runs[random() % runs.size()];
+        const std::int32_t first = static_cast<std::int32_t>(random() % (samples / 100)) * 100 + 1;
+        if (!ExtremesCache::Serves(first, run)) continue;
+        const auto count = static_cast<std::int32_t>(1 + random() % static_cast<unsigned>(samples - first));
+        check(first, round % 3 == 0 ? samples - first : count, run);
+    }
+    EXPECT_FALSE(ExtremesCache::Serves(1, 50));
+    EXPECT_FALSE(ExtremesCache::Serves(51, 100));
+
+    ExtremesCache roomy;
+    std::vector<RunExtremes> out(12100);
+    const std::vector<RunExtremes*> targets{out.data()};
+    const std::vector<std::int16_t> one{1};
+    ASSERT_TRUE(roomy.ColumnExtremes(block, one, 1, samples - 1, 200, targets));
+    // 2.5 % of the samples that the cells stand for.
+    EXPECT_LE(roomy.Bytes(), samples * 2 / 40);
+    block.failing = {"ColumnExtremes", "ReadCodes"};
+    EXPECT_TRUE(roomy.ColumnExtremes(block, one, 500001, 600000, 500, targets)) << "nothing is read again";
+    EXPECT_TRUE(roomy.ColumnExtremes(block, one, 1, samples - 1, 10000, targets));
+    roomy.Reset();
+    EXPECT_THROW(roomy.ColumnExtremes(block, one, 1, 200, 100, targets), std::exception);
 }
 
 TEST(ShownChannels, AreThoseWithASlotThatIsShown) {

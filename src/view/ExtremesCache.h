@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+#include "data/NorvikCore.h"
+
+namespace quillon {
+
+/// Extremes of a block's samples that were once read, so that scrolling and zooming out read nothing again.
+///
+/// The runs of a trace lie on a fixed grid: at n samples per pixel they start at samples 1, 1 + n, 1 + 2n, ... of the
+/// block (from 0), wherever the view is. The steps from 100 samples per pixel on are multiples of 100, so the runs of
+/// all of them are made of the same cells of 100 samples; from 10 000 on they are made of coarse cells of 10 000, which
+/// are kept for the whole block. Fine cells are kept in chunks, of which the least recently used go when all cells
+/// together would exceed the limit. Fine cells take 2 % of the size of the samples that they stand for, coarse ones a
+/// hundredth of that.
+///
+/// The results equal RecordingBlock::ColumnExtremes in value and order.
+class ExtremesCache {
+  public:
+    static constexpr std::int32_t kCell = 100;          ///< samples of a fine cell
+    static constexpr std::int32_t kCoarseCell = 10000;  ///< samples of a coarse cell
+    static constexpr std::int32_t kChunk = 100000;      ///< samples of a chunk
+    static constexpr std::size_t kDefaultLimit = 256U << 20U;
+
+    explicit ExtremesCache(std::size_t byteLimit = kDefaultLimit) : m_limit(byteLimit) {}
+
+    /// Forgets everything: another block is shown.
+    void Reset();
+    /// Whether runs of that length that start at that sample (from 0) are made of cells.
+    [[nodiscard]] static bool Serves(std::int32_t first, std::int32_t run) {
+        return run >= kCell && run % kCell == 0 && first % kCell == 1;
+    }
+    /// As RecordingBlock::ColumnExtremes, for what Serves; reads what it does not know yet. False, with undefined
+    /// results, where the block does not reduce runs itself.
+    bool ColumnExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                        std::int32_t count, std::int32_t run, std::span<RunExtremes* const> out);
+    /// Bytes that the cells take.
+    [[nodiscard]] std::size_t Bytes() const { return m_bytes; }
+
+  private:
+    /// Cells per channel of the block; a channel that was not read has none.
+    using Cells = std::vector<std::vector<RunExtremes>>;
+    struct Chunk {
+        Cells fine;
+        std::uint64_t used = 0;  ///< m_clock at its last use
+    };
+    struct Range {
+        std::int32_t first;
+        std::int32_t count;
+    };
+
+    void Prepare(const RecordingBlock& block);
+    [[nodiscard]] Range SamplesOf(std::int32_t chunk) const;
+    [[nodiscard]] bool Knows(std::int32_t chunk, std::span<const std::int16_t> channels, bool coarse) const;
+    bool Fill(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t firstChunk,
+              std::int32_t chunkCount);
+    void Store(std::int32_t chunk, std::size_t channel, std::span<const RunExtremes> cells);
+    void DropOldest();
+
+    std::size_t m_limit;
+    std::size_t m_bytes = 0;
+    std::uint64_t m_clock = 0;
+    std::int32_t m_samples = 0;
+    std::unordered_map<std::int32_t, Chunk> m_chunks;
+    Cells m_coarse;                                ///< of the whole block, unknown ones included
+    std::vector<std::vector<bool>> m_coarseKnown;  ///< per channel and chunk
+    std::vector<RunExtremes> m_buffer;             ///< of one pass, channel after channel
+};
+
+}  // namespace quillon

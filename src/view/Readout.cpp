@@ -1,0 +1,165 @@
+#include "view/Readout.h"
+
+#include <cmath>
+#include <exception>
+
+#include "base/Text.h"
+#include "view/DataRange.h"
+#include "view/QL_ChUtils.h"
+#include "view/ScaleLabels.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::u16string_view kLineEnd = u"\r\n";
+/// Character 135 of the family's ANSI code pages.
+constexpr char16_t kRangeSign = u'\u2021';
+
+std::size_t At(std::int16_t channel) {
+    return static_cast<std::size_t>(channel - 1);
+}
+
+/// A code as the value that is shown for it.
+double Shown(const ReadoutSource& source, std::int16_t channel, double code) {
+    if (source.rawCodes) return code;
+    const float inverse = source.block.invScale[At(channel)];
+    const double scaled = inverse == 0.0F ? 0.0 : code / static_cast<double>(inverse);
+    return scaled + static_cast<double>(source.block.offsets[At(channel)]);
+}
+
+std::u16string ValueText(const ReadoutSource& source, std::int16_t channel, double value) {
+    if (source.rawCodes) {
+        const std::u16string text = NumberText(value, source.format.decimalSeparator);
+        return value < 0.0 ? text : u' ' + text;
+    }
+    const auto slot = static_cast<std::size_t>(source.block.channelNumbers[At(channel)]);
+    return FormatValue(static_cast<float>(value), source.slots[slot].unit, source.format);
+}
+
+std::u16string Name(const ReadoutSource& source, std::int16_t channel) {
+    return u"Ch" + Decimal(source.block.channelNumbers[At(channel)] + 1) + u":\t";
+}
+
+std::int16_t CodeAt(const ReadoutSource& source, std::int16_t channel, std::int32_t sample) {
+    std::int16_t code = 0;
+    source.block.block->ReadCodes(channel, sample - 1, 1, &code);
+    return code;
+}
+
+/// Runs a step that reads samples; what cannot be read is left out.
+template <typename Step>
+void Attempt(Step step) {
+    try {
+        step();
+    } catch (const std::exception&) {
+    }
+}
+
+}  // namespace
+
+std::u16string PositionText(const ViewBlock& block, std::int32_t sample, std::u16string_view separator,
+                            const FormatOptions& format) {
+    if (format.sampleIndexes || !(block.sampleRate > 0.0)) return Decimal(sample);
+    return FormatAxisValueWithUnit(AxisSeconds(block, sample - 1.0, format), AxisKind::Time, separator, format);
+}
+
+std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample) {
+    std::u16string text = u"X:\t" + PositionText(source.block, sample, u" ", source.format);
+    text += kLineEnd;
+    for (const std::int16_t channel : ShownChannels(source.block, source.slots)) {
+        text += Name(source, channel);
+        Attempt([&] { text += ValueText(source, channel, Shown(source, channel, CodeAt(source, channel, sample))); });
+        text += kLineEnd;
+    }
+    return text;
+}
+
+std::u16string RangeReadout(const ReadoutSource& source, const Selection& range) {
+    FormatOptions duration = source.format;
+    duration.timeOfDay = false;
+    const std::int32_t steps = range.Last() - range.First();
+    const double seconds = source.block.sampleRate > 0.0 ? steps / source.block.sampleRate : 0.0;
+    const bool indexes = source.format.sampleIndexes || !(source.block.sampleRate > 0.0);
+    std::u16string text =
+        u"dX:\t" + (indexes ? Decimal(steps) : FormatAxisValueWithUnit(seconds, AxisKind::Time, u" ", duration));
+    text += kLineEnd;
+    const std::vector<std::int16_t> shown = ShownChannels(source.block, source.slots);
+    std::vector<RunExtremes> extremes;
+    Attempt([&] { extremes = ExtremeCodes(*source.block.block, shown, {range.First(), range.Last()}); });
+    for (std::size_t at = 0; at < shown.size(); ++at) {
+        const std::int16_t channel = shown[at];
+        text += Name(source, channel);
+        Attempt([&] {
+            if (extremes.empty()) return;
+            const double first = Shown(source, channel, extremes[at].first);
+            const double second = Shown(source, channel, extremes[at].second);
+            const double change = Shown(source, channel, CodeAt(source, channel, range.end)) -
+                                  Shown(source, channel, CodeAt(source, channel, range.start));
+            text += ValueText(source, channel, std::min(first, second)) + kRangeSign +
+                    ValueText(source, channel, std::max(first, second)) + u'\t' + ValueText(source, channel, change);
+        });
+        text += kLineEnd;
+    }
+    if (seconds > 0.0) text += u"1/dX:\t" + FormatFrequency(1.0 / seconds, u" ", false, source.format) + u"\r\n";
+    return text;
+}
+
+std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, std::int32_t first, std::int32_t last) {
+    struct Sums {
+        std::int16_t minimum = 32767;
+        std::int16_t maximum = -32768;
+        std::int64_t sum = 0;
+        std::int64_t squares = 0;  // at most 2^31 samples of 2^30: below 2^61
+        bool readable = true;
+    };
+    const std::vector<std::int16_t> shown = ShownChannels(source.block, source.slots);
+    std::vector<Sums> sums(shown.size());
+    RecordingBlock& block = *source.block.block;
+    const bool frames = block.FramesAreCheap();
+    const auto width = static_cast<std::size_t>(frames ? source.block.channelCount : 1);
+    constexpr std::int32_t piece = 65536;
+    std::vector<std::int16_t> codes(static_cast<std::size_t>(piece) * width);
+    for (std::int32_t from = first - 1; from < last; from += piece) {
+        const std::int32_t count = std::min(piece, last - from);
+        bool framesRead = true;
+        if (frames) {
+            framesRead = false;
+            Attempt([&] { framesRead = block.ReadFrames(from, count, codes.data()) == 0; });
+        }
+        for (std::size_t at = 0; at < shown.size(); ++at) {
+            Sums& sum = sums[at];
+            if (!frames && sum.readable) {
+                sum.readable = false;
+                Attempt([&] { sum.readable = block.ReadCodes(shown[at], from, count, codes.data()) == 0; });
+            }
+            sum.readable = sum.readable && framesRead;
+            const std::size_t offset = frames ? At(shown[at]) : 0;
+            for (std::size_t n = 0; sum.readable && n < static_cast<std::size_t>(count); ++n) {
+                const std::int16_t code = codes[n * width + offset];
+                sum.minimum = std::min(sum.minimum, code);
+                sum.maximum = std::max(sum.maximum, code);
+                sum.sum += code;
+                sum.squares += std::int64_t{code} * code;
+            }
+        }
+    }
+    std::vector<ChannelStatistics> statistics;
+    const double count = last - first + 1.0;
+    for (std::size_t at = 0; at < shown.size(); ++at) {
+        if (!sums[at].readable) continue;
+        const std::int16_t channel = shown[at];
+        const double low = Shown(source, channel, sums[at].minimum);
+        const double high = Shown(source, channel, sums[at].maximum);
+        const double meanCode = static_cast<double>(sums[at].sum) / count;
+        const double variance = std::max(static_cast<double>(sums[at].squares) / count - meanCode * meanCode, 0.0);
+        const double unit = std::fabs(Shown(source, channel, 1.0) - Shown(source, channel, 0.0));
+        const double mean = Shown(source, channel, meanCode);
+        const double deviation = std::sqrt(variance) * unit;
+        statistics.push_back(
+            {channel, std::min(low, high), std::max(low, high), mean, std::hypot(mean, deviation), deviation});
+    }
+    return statistics;
+}
+
+}  // namespace quillon

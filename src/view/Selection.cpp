@@ -1,0 +1,17 @@
+#include "view/Selection.h"
+
+namespace quillon {
+
+std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column) {
+    const std::int64_t sample = (std::int64_t{axis.FirstColumn()} + column) * axis.SamplesPerPixel() + 1;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(sample, 1, std::max(axis.SampleCount(), 1)));
+}
+
+std::optional<ColumnBand> BandOf(const TimeAxis& axis, std::int32_t first, std::int32_t last) {
+    const std::int32_t left = (first - 1) / axis.SamplesPerPixel() - axis.FirstColumn();
+    const std::int32_t right = (last - 1) / axis.SamplesPerPixel() - axis.FirstColumn();
+    if (right < 0 || left >= axis.Width()) return std::nullopt;
+    return ColumnBand{std::max(left, 0), std::min(right, axis.Width() - 1)};
+}
+
+}  // namespace quillon

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+
+#include "view/TimeAxis.h"
+
+namespace quillon {
+
+/// Pixel columns of the graph, both included.
+struct ColumnBand {
+    std::int32_t left = 0;
+    std::int32_t right = 0;
+    friend bool operator==(const ColumnBand&, const ColumnBand&) = default;
+};
+
+/// A range of samples that the user marked. Samples count from 1; the end lies before the start after a drag leftwards.
+struct Selection {
+    bool active = false;
+    std::int16_t channel = 1;  ///< position in the block, from 1, of the channel that it was started on
+    std::int32_t start = 0;
+    std::int32_t end = 0;
+
+    [[nodiscard]] std::int32_t First() const { return std::min(start, end); }
+    [[nodiscard]] std::int32_t Last() const { return std::max(start, end); }
+    [[nodiscard]] std::int32_t Count() const { return Last() - First() + 1; }
+};
+
+/// The first sample of a pixel column of the graph, which may lie outside it; clamped to the block's samples. The block
+/// has at least one.
+[[nodiscard]] std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column);
+
+/// The columns that show samples first .. last, cut to the graph; none where they lie outside it.
+[[nodiscard]] std::optional<ColumnBand> BandOf(const TimeAxis& axis, std::int32_t first, std::int32_t last);
+
+}  // namespace quillon

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace quillon {
+
+/// What part of a block was seen at which scale.
+struct ViewPlace {
+    int zoom = 0;
+    std::int32_t firstColumn = 0;
+    int scale = 0;
+    std::int32_t shift = 0;
+    friend bool operator==(const ViewPlace&, const ViewPlace&) = default;
+};
+
+/// The views that were left by a jump or a zoom, so that one can go back to them; the oldest one goes when it is full.
+class ViewHistory {
+  public:
+    static constexpr std::size_t kMost = 32;
+
+    void Push(const ViewPlace& place) {
+        if (m_count > 0 && m_places[(m_next + kMost - 1) % kMost] == place) return;
+        m_places[m_next] = place;
+        m_next = (m_next + 1) % kMost;
+        if (m_count < kMost) ++m_count;
+    }
+    [[nodiscard]] std::optional<ViewPlace> Pop() {
+        if (m_count == 0) return std::nullopt;
+        --m_count;
+        m_next = (m_next + kMost - 1) % kMost;
+        return m_places[m_next];
+    }
+    [[nodiscard]] bool IsEmpty() const { return m_count == 0; }
+    void Clear() { m_count = 0; }
+
+  private:
+    std::array<ViewPlace, kMost> m_places{};
+    std::size_t m_next = 0;
+    std::size_t m_count = 0;
+};
+
+}  // namespace quillon

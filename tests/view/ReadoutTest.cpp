@@ -1,0 +1,178 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <random>
+
+#include "support/FakeRecording.h"
+#include "view/Readout.h"
+#include "view/ScaleLabels.h"
+#include "view/ViewHistory.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using namespace ::quillon::testing;
+
+/// Two shown channels (acquisition numbers 0 and 4) of scale 0.5 and offset 1 and 2, 100 samples a second, noon.
+class ReadoutTest : public ::testing::Test {
+  protected:
+    ReadoutTest() {
+        fake->samples = {{2, 4, -6, 8, 10, 12}, {0, 1, 0, -3, 0, 0}};
+        block.block = fake;
+        block.sampleCount = 6;
+        block.sampleRate = 100.0;
+        block.startTime = 45000.5;
+        block.channelCount = 2;
+        block.channelNumbers = {0, 4};
+        block.invScale = {2.0F, 2.0F};
+        block.offsets = {1.0F, 2.0F};
+        slots[0].unit = u"mV";
+    }
+    [[nodiscard]] ReadoutSource Source() const { return {block, slots, format, rawCodes}; }
+
+    std::shared_ptr<FakeBlock> fake = std::make_shared<FakeBlock>();
+    ViewBlock block;
+    ChannelSlots slots;
+    FormatOptions format{false};
+    bool rawCodes = false;
+};
+
+TEST_F(ReadoutTest, HoverTellsThePositionAndEveryShownValue) {
+    EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t0.02 s\r\nCh1:\t-2 mV\r\nCh5:\t 2 V\r\n");
+    slots[4].shown = false;
+    rawCodes = true;
+    format.sampleIndexes = true;
+    EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t3\r\nCh1:\t-6\r\n");
+    format.sampleIndexes = false;
+    format.timeOfDay = true;
+    EXPECT_EQ(HoverReadout(Source(), 1), u"X:\t12:00:00\r\nCh1:\t 2\r\n");
+    fake->failing = {"ReadCodes"};
+    EXPECT_EQ(HoverReadout(Source(), 2), u"X:\t12:00:00.01\r\nCh1:\t\r\n");
+}
+
+TEST_F(ReadoutTest, RangeTellsLengthExtremesAndChange) {
+    const Selection leftwards{true, 1, 4, 2};
+    const std::u16string expected =
+        u"dX:\t0.02 s\r\nCh1:\t-2 mV\u2021 5 mV\t-2 mV\r\nCh5:\t 0.5 V\u2021 2.5 V\t 2 V\r\n1/dX:\t50 Hz\r\n";
+    EXPECT_EQ(RangeReadout(Source(), leftwards), expected);
+    format.timeOfDay = true;
+    EXPECT_EQ(RangeReadout(Source(), leftwards), expected) << "a length is no time of day";
+    format.sampleIndexes = true;
+    rawCodes = true;
+    slots[4].shown = false;
+    EXPECT_EQ(RangeReadout(Source(), {true, 1, 2, 4}), u"dX:\t2\r\nCh1:\t-6\u2021 8\t 4\r\n1/dX:\t50 Hz\r\n");
+}
+
+TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
+    std::mt19937 random(3);
+    for (auto& channel : fake->samples) {
+        channel.clear();
+        for (int at = 0; at < 70000; ++at) channel.push_back(static_cast<std::int16_t>(random() % 3000));
+    }
+    block.sampleCount = 70000;
+    const auto statistics = StatisticsOf(Source(), 1001, 69000);
+    ASSERT_EQ(statistics.size(), 2U);
+    double sum = 0.0;
+    double squares = 0.0;
+    for (int at = 1000; at < 69000; ++at) {
+        const double value = fake->samples[1][static_cast<std::size_t>(at)] * 0.5 + 2.0;
+        sum += value;
+        squares += value * value;
+    }
+    const double mean = sum / 68000;
+    EXPECT_NEAR(statistics[1].mean, mean, 1e-9);
+    EXPECT_NEAR(statistics[1].rms, std::sqrt(squares / 68000), 1e-6);
+    EXPECT_NEAR(statistics[1].deviation, std::sqrt(squares / 68000 - mean * mean), 1e-6);
+    EXPECT_GE(statistics[1].minimum, 2.0);
+    EXPECT_LE(statistics[1].maximum, 1501.5);
+    fake->failing = {"ReadCodes"};
+    EXPECT_TRUE(StatisticsOf(Source(), 1, 10).empty());
+}
+
+TEST(Selection, SamplesAndColumnsBelongTogether) {
+    TimeAxis axis;
+    axis.SetWidth(100);
+    axis.SetBlock(1000);
+    axis.SelectZoom(1);  // 2 samples per pixel
+    axis.ScrollBy(30);
+    EXPECT_EQ(SampleUnder(axis, 0), 61);
+    EXPECT_EQ(SampleUnder(axis, -100), 1) << "left of the block";
+    EXPECT_EQ(SampleUnder(axis, 100000), 1000);
+    EXPECT_EQ(BandOf(axis, 61, 64), (ColumnBand{0, 1}));
+    EXPECT_EQ(BandOf(axis, 1, 1000), (ColumnBand{0, 99})) << "cut to the graph";
+    EXPECT_FALSE(BandOf(axis, 1, 60));
+    for (std::int32_t column = 0; column < 100; ++column) {
+        const std::int32_t sample = SampleUnder(axis, column);
+        EXPECT_EQ(BandOf(axis, sample, sample), (ColumnBand{column, column}));
+    }
+}
+
+TEST(TimeAxis, KeepsTheSampleUnderThePointerAndShowsARangeInFull) {
+    std::mt19937 random(4);
+    TimeAxis axis;
+    axis.SetWidth(800);
+    axis.SetBlock(2000000000);
+    for (int round = 0; round < 2000; ++round) {
+        axis.Restore(static_cast<int>(random() % 11), static_cast<std::int32_t>(random() % 500000));
+        const auto column = static_cast<std::int32_t>(random() % 800);
+        const std::int32_t sample = SampleUnder(axis, column);
+        const int zoom = static_cast<int>(random() % 11);
+        if (!axis.SelectZoomAbout(zoom, column)) continue;
+        const std::int32_t now = BandOf(axis, sample, sample)->left;
+        // At the block's start the strip cannot move further.
+        if (axis.FirstColumn() > 0) {
+            ASSERT_EQ(now, column);
+        }
+        const std::int32_t first = sample;
+        const auto last = static_cast<std::int32_t>(std::min(2000000000LL, first + static_cast<long long>(random())));
+        axis.ShowSamples(first, last);
+        const VisibleRange visible = axis.Visible();
+        ASSERT_LE(visible.first, first);
+        ASSERT_GE(visible.last, last);
+        ASSERT_TRUE(axis.ZoomIndex() == 0 || last - first + 1 > 800 * (TimeAxis::TableEntry(axis.ZoomIndex() - 1) - 1))
+            << "no coarser than needed";
+    }
+    axis.Restore(0, 0);
+    axis.ScrollBy(axis.ShiftTo(5000));
+    EXPECT_EQ(BandOf(axis, 5000, 5000)->left, 400);
+    axis.ScrollBy(axis.ShiftTo(3));
+    EXPECT_EQ(axis.FirstColumn(), 0);
+}
+
+TEST(TimeLabels, TellTimesOfDayAcrossMidnightAndSampleNumbers) {
+    TimeAxis axis;
+    axis.SetWidth(250);
+    axis.SetBlock(100000);
+    ViewBlock block;
+    block.sampleCount = 100000;
+    block.sampleRate = 100.0;
+    block.startTime = 45000.0 + 86399.0 / 86400.0;
+    const auto texts = [&](const FormatOptions& format) {
+        std::vector<std::u16string> all;
+        for (const ScaleLabel& label : TimeLabels(axis, block, format)) all.push_back(label.text);
+        return all;
+    };
+    FormatOptions format;
+    EXPECT_THAT(texts(format), ElementsAre(u"0", u"1", u"2"));
+    format.sampleIndexes = true;
+    EXPECT_THAT(texts(format), ElementsAre(u"1", u"101", u"201"));
+    format.sampleIndexes = false;
+    format.timeOfDay = true;
+    EXPECT_THAT(texts(format), ElementsAre(u"23:59:59", u"0:00:00", u"0:00:01"));
+}
+
+TEST(ViewHistory, GoesBackThroughTheLastThirtyTwo) {
+    ViewHistory history;
+    EXPECT_FALSE(history.Pop());
+    for (int zoom = 0; zoom < 40; ++zoom) {
+        history.Push({zoom, 0, 0, 0});
+        history.Push({zoom, 0, 0, 0});
+    }
+    for (int zoom = 39; zoom >= 8; --zoom) EXPECT_EQ(history.Pop()->zoom, zoom);
+    EXPECT_TRUE(history.IsEmpty());
+    EXPECT_FALSE(history.Pop());
+}
+
+}  // namespace
+}  // namespace quillon
