@@ -8,6 +8,7 @@
 #include "norvik/ByteSource.h"
 #include "norvik/RecordingLibrary.h"
 #include "nsp/NspExtrema.h"
+#include "view/ExtremesCache.h"
 
 namespace quillon::bench {
 namespace {
@@ -44,9 +45,9 @@ class BenchFile {
 };
 
 /// The same reads and the least that can be done with what they bring.
-int ReadPieces(ByteSource& source, std::vector<std::int16_t>& piece) {
+int ReadPieces(ByteSource& source, std::vector<std::int16_t>& piece, std::uint64_t bytes) {
     int sum = 0;
-    for (std::uint64_t at = 0; at < source.Size(); at += kPieceBytes) {
+    for (std::uint64_t at = 0; at < bytes; at += kPieceBytes) {
         sum += ReadPass(piece.data(), source.ReadAt(at, piece.data(), kPieceBytes) / 2);
     }
     return sum;
@@ -74,7 +75,7 @@ void FileExtremes(benchmark::State& state, const BenchFile& file) {
     std::vector<std::int16_t> piece(kPieceBytes / 2);
     Compare(
         state, file.Source().Size(), false, [&] { block.ColumnExtremes(columns.channels, 0, count, run, columns.out); },
-        [&] { benchmark::DoNotOptimize(ReadPieces(file.Source(), piece)); });
+        [&] { benchmark::DoNotOptimize(ReadPieces(file.Source(), piece, file.Source().Size())); });
 }
 
 void BinFile(benchmark::State& state) {
@@ -111,12 +112,52 @@ void LiteralRoute(benchmark::State& state) {
             [&] { block.ColumnExtremes(columns.channels, 0, count, run, columns.out); });
 }
 
+/// A view of 1500 columns with the summary of what it shows (`ratio`: of the time without it), the first such view,
+/// which makes the summary (`ratio`: of reading the same part of the file), and what the summary takes of the data.
+constexpr std::int32_t kColumns = 1500;
+
+void SummaryMade(benchmark::State& state) {
+    const BenchFile file("quillon_bench.bin", [](std::ostream& to) { samples::WriteBenchBin(to, 4700); });
+    RecordingBlock& block = file.Block();
+    const std::int32_t run = static_cast<std::int32_t>(state.range(0));
+    const std::int32_t count = std::min(kColumns * run - 1, block.SampleCount() - 1);
+    const Columns columns(block, run);
+    ExtremesCache cache;
+    const std::size_t bytes = static_cast<std::size_t>(count) * columns.channels.size() * 2;
+    std::vector<std::int16_t> piece(kPieceBytes / 2);
+    Compare(
+        state, bytes, false,
+        [&] {
+            cache.Reset();
+            cache.ColumnExtremes(block, columns.channels, 1, count, run, columns.out);
+        },
+        [&] { benchmark::DoNotOptimize(ReadPieces(file.Source(), piece, bytes)); });
+    state.counters["percent"] = 100.0 * static_cast<double>(cache.Bytes()) / static_cast<double>(bytes);
+}
+
+void SummaryUsed(benchmark::State& state) {
+    const BenchFile file("quillon_bench.bin", [](std::ostream& to) { samples::WriteBenchBin(to, 4700); });
+    RecordingBlock& block = file.Block();
+    const std::int32_t run = static_cast<std::int32_t>(state.range(0));
+    const std::int32_t count = std::min(kColumns * run - 1, block.SampleCount() - 1);
+    const Columns columns(block, run);
+    ExtremesCache cache;
+    cache.ColumnExtremes(block, columns.channels, 1, count, run, columns.out);
+    Compare(
+        state, static_cast<std::size_t>(count) * columns.channels.size() * 2, false,
+        [&] { cache.ColumnExtremes(block, columns.channels, 1, count, run, columns.out); },
+        [&] { block.ColumnExtremes(columns.channels, 1, count, run, columns.out); });
+}
+
 void Rounds(benchmark::internal::Benchmark* it) {
     it->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(9)->ArgName("run");
 }
 
 BENCHMARK(BinFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
 BENCHMARK(EdfFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+
+BENCHMARK(SummaryMade)->Apply(Rounds)->Arg(2000);
+BENCHMARK(SummaryUsed)->Apply(Rounds)->Arg(100)->Arg(500)->Arg(2000);
 
 BENCHMARK(LiteralRoute)
     ->UseManualTime()

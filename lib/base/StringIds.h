@@ -76,3 +76,30 @@
 #define IDS_TIP_SOUNDPLAY_0 3211
 #define IDS_TIP_HELP 3214
 #define IDS_TIP_GOTO_0 3215
+
+// Commands of the graph's context menu and of keys.
+#define IDS_VIEW_0 3300
+#define IDS_GOTOPLACE 3303
+#define IDS_MARK_0 3304
+#define IDS_SELECT_0 3306
+#define IDS_STATISTICS 3309
+#define IDS_SOLO 3310
+#define IDS_KEYSANDMOUSE 3311
+#define IDS_OPENFOLDER 3312
+#define IDS_MOVE_0 3320
+
+// Names of keys, in the order of app/KeyMap.h; gestures of the mouse, each followed by what it does.
+#define IDS_KEY_0 3340
+#define IDS_MOUSE_0 3360
+#define IDS_MOUSE_COUNT 12
+
+// Tables and what is asked for.
+#define IDS_TABLE_KEY 3400
+#define IDS_TABLE_ACTION 3401
+#define IDS_CLOSE 3402
+#define IDS_COPY 3403
+#define IDS_STAT_0 3404
+#define IDS_SAMPLES 3411
+#define IDS_PLACE_PROMPT 3412
+#define IDS_PLACE_BAD 3413
+#define IDS_IN_LIST_0 3414

@@ -77,6 +77,7 @@ FrameRunReducer::FrameRunReducer(std::size_t channels, std::span<const std::size
         std::any_of(selected.begin(), selected.end(), [&](std::size_t channel) { return channel >= channels; })) {
         throw std::invalid_argument("runs of frames");
     }
+    if (selected.empty()) return;
     const auto length = static_cast<std::size_t>(run);
     switch (channels) {
         case 1: m_state = std::make_unique<PackedState<State, 1>>(selected, length, out); break;
@@ -89,11 +90,11 @@ FrameRunReducer::FrameRunReducer(std::size_t channels, std::span<const std::size
 FrameRunReducer::~FrameRunReducer() = default;
 
 void FrameRunReducer::Feed(const std::int16_t* frames, std::size_t frameCount) {
-    m_state->Feed(frames, frameCount);
+    if (m_state) m_state->Feed(frames, frameCount);
 }
 
 void FrameRunReducer::Finish() {
-    m_state->Finish();
+    if (m_state) m_state->Finish();
 }
 
 }  // namespace quillon::nsp

@@ -66,6 +66,27 @@ constexpr std::array kTree{
     Entry(2, mnuHelpLang, IDS_HELPLANG_0, 3),
 };
 
+constexpr std::array kContextMenu{
+    Entry(0, mnuCopy, IDS_COPY_0, 2),
+    Separator(0),
+    Entry(0, mnuSoundPlay, IDS_SOUNDPLAY_0),
+    Entry(0, mnuSoundPlay + 2, IDS_SOUNDPLAY_0 + 2),
+    Separator(0),
+    Entry(0, mnuView, IDS_VIEW_0, 3),
+    Entry(0, mnuGoToPlace, IDS_GOTOPLACE),
+    Entry(0, mnuMark, IDS_MARK_0, 2),
+    Separator(0),
+    Entry(0, mnuSelect, IDS_SELECT_0, 3),
+    Separator(0),
+    Entry(0, mnuStatistics, IDS_STATISTICS),
+    Entry(0, mnuSoloChannel, IDS_SOLO),
+    Separator(0),
+    Entry(0, mnuKeysAndMouse, IDS_KEYSANDMOUSE),
+};
+
+constexpr std::array kMoves{Move{-20, 0}, Move{20, 0}, Move{-100, 0}, Move{100, 0}, Move{-1, 0}, Move{1, 0},
+                            Move{0, -20}, Move{0, 20}, Move{0, -40},  Move{0, 40},  Move{0, -1}, Move{0, 1}};
+
 constexpr std::array kMainButtons{
     ToolbarButton{u"ZoomY0", mnuZoomY, IDS_TIP_ZOOMY_0, Icon::ZoomYOut},
     ToolbarButton{u"ZoomY1", mnuZoomY + 1, IDS_TIP_ZOOMY_0 + 1, Icon::ZoomYIn},
@@ -109,12 +130,32 @@ std::span<const MenuEntry> MenuTree() {
     return kTree;
 }
 
+std::span<const MenuEntry> ContextMenu() {
+    return kContextMenu;
+}
+
+std::span<const Move> Moves() {
+    return kMoves;
+}
+
 std::span<const ToolbarButton> MainButtons() {
     return kMainButtons;
 }
 
 std::span<const ToolbarButton> GoToButtons() {
     return kGoToButtons;
+}
+
+int CaptionId(int command) {
+    if (command == mnuOpenFolder) return IDS_OPENFOLDER;
+    if (Within(command, mnuMove, static_cast<int>(kMoves.size()))) return IDS_MOVE_0 + command - mnuMove;
+    for (const std::span<const MenuEntry> menu : {MenuTree(), ContextMenu()}) {
+        for (const MenuEntry& entry : menu) {
+            if (entry.captionId != 0 && entry.id != 0 && Within(command, entry.id, entry.count))
+                return entry.captionId + command - entry.id;
+        }
+    }
+    return 0;
 }
 
 std::u16string ComputedCaption(int id, char16_t separator) {
@@ -125,11 +166,18 @@ std::u16string ComputedCaption(int id, char16_t separator) {
 bool IsEnabled(int id, const QL_Global& global) {
     if (IsAbsent(id)) return false;
     if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
+    if (id == mnuKeysAndMouse || id == mnuOpenFolder) return true;
     if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
         return true;
     // A file that was refused can be deleted and renamed as well.
     if (Within(id, mnuFileOperation, 2)) return global.fileSelected;
     if (global.block.channelCount == 0) return false;
+    if (id == mnuView || id == mnuStatistics || id == mnuSelect + 2) return global.selection.active;
+    if (id == mnuView + 2) return !global.history.IsEmpty();
+    if (Within(id, mnuMark, 2)) return !global.block.marks.empty();
+    if (Within(id, mnuMove, static_cast<int>(kMoves.size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
+        id == mnuGoToPlace)
+        return global.block.sampleCount > 0;
     if (id == mnuZoomX) return global.axis.ZoomIndex() < TimeAxis::kMenuZoomCount - 1;
     if (id == mnuZoomX + 1) return global.axis.ZoomIndex() > 0;
     if (id == mnuZoomY) return global.amplitude.Index() > 0;
@@ -140,6 +188,7 @@ bool IsEnabled(int id, const QL_Global& global) {
 bool IsChecked(int id, const QL_Global& global) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == global.axis.ZoomIndex();
     if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == global.amplitude.Index();
+    if (id == mnuSoloChannel) return global.shownBeforeSolo.has_value();
     if (Within(id, mnuHelpLang, 3)) return id - mnuHelpLang == global.settings.helpLanguage;
     return false;
 }

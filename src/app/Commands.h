@@ -33,7 +33,25 @@ enum CommandId : int {
     mnuHelp = 1400,
     mnuHelpLang = 1410,
     mnuPathList = 1500,
+    // Commands of the graph's context menu and of keys.
+    mnuView = 1600,    ///< 0 zoom to the selection, 1 fit the block, 2 previous view
+    mnuMark = 1610,    ///< 0 previous mark, 1 next mark
+    mnuSelect = 1620,  ///< 0 the block, 1 the visible range, 2 nothing (and stop playing)
+    mnuGoToPlace = 1630,
+    mnuStatistics,
+    mnuSoloChannel,
+    mnuKeysAndMouse,
+    mnuOpenFolder,
+    mnuMove = 1640,  ///< by keys, see Moves
 };
+
+/// A move of the view by pixels: columns scroll it, rows move the base line (downwards positive).
+struct Move {
+    std::int32_t columns;
+    std::int32_t rows;
+};
+/// The moves of mnuMove, by index.
+[[nodiscard]] std::span<const Move> Moves();
 
 /// Folders that the path list offers at most.
 inline constexpr int kPathListEntries = 30;
@@ -50,6 +68,11 @@ struct MenuEntry {
 };
 
 [[nodiscard]] std::span<const MenuEntry> MenuTree();
+/// The graph's context menu, in the same form.
+[[nodiscard]] std::span<const MenuEntry> ContextMenu();
+
+/// String that names a command; 0 for one whose caption is computed.
+[[nodiscard]] int CaptionId(int command);
 
 /// Caption of an entry whose captions are computed (the zoom and scale lists).
 [[nodiscard]] std::u16string ComputedCaption(int id, char16_t separator);

@@ -36,7 +36,9 @@ MainLayout ArrangeMain(const LayoutInput& input) {
                    input.toolHeight - scaled(2)};
 
     const std::int32_t columnHeight = std::max(height - gap - top, 0);
-    const std::int32_t valuesHeight = std::clamp(columnHeight / 5, std::min(scaled(48), columnHeight / 4), scaled(200));
+    // Room for every line of the readout, as far as the lists keep the greater part of the column.
+    const std::int32_t wanted = std::max(input.valueRows, 4) * scaled(14) + scaled(6);
+    const std::int32_t valuesHeight = std::min(wanted, columnHeight * 2 / 5);
     const PixelRect column{gap, top, std::max(layout.listWidth - gap, 0), columnHeight - valuesHeight - gap};
     layout.values = {gap, column.Bottom() + gap, column.width, valuesHeight};
     // Each half has room for its tabs, its drop-down list and at least two lines.

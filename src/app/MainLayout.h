@@ -26,6 +26,7 @@ struct LayoutInput {
     std::int32_t dpi = 96;
     std::int32_t listWidth = 0;     ///< of the lists' column; 0: the default
     std::int32_t upperPercent = 0;  ///< share of the upper list in the column; 0: the default
+    std::int32_t valueRows = 0;     ///< lines that the values panel is to have room for
 };
 
 /// One rectangle per control. The pages of a tab strip share its page rectangle.

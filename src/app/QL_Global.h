@@ -1,7 +1,9 @@
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "app/Settings.h"
@@ -11,7 +13,9 @@
 #include "format/QL_Format.h"
 #include "view/AmplitudeScale.h"
 #include "view/DataRange.h"
+#include "view/Selection.h"
 #include "view/TimeAxis.h"
+#include "view/ViewHistory.h"
 
 namespace quillon {
 
@@ -33,8 +37,15 @@ struct QL_Global {
     TimeAxis axis;
     AmplitudeScale amplitude;
     RangeRecords ranges;
+    Selection selection;
+    ViewHistory history;
+    std::int16_t currentChannel = 1;  ///< position in the block, from 1, of the channel chosen in the list
+    std::optional<std::bitset<kSlotCount>> shownBeforeSolo;  ///< while one channel is shown alone
     bool rawCodes = false;
     FormatOptions format;
 };
+
+/// Makes what the user chose about scales and texts take effect.
+void ApplyDisplaySettings(QL_Global& global);
 
 }  // namespace quillon

@@ -7,44 +7,11 @@ namespace quillon {
 
 namespace {
 
-/// Adds up the cells of one run in their order.
-class Merger {
-  public:
-    void Add(RunExtremes cell) {
-        const std::int16_t maximum = std::max(cell.first, cell.second);
-        const std::int16_t minimum = std::min(cell.first, cell.second);
-        if (m_empty) {
-            m_empty = false;
-            m_maximum = maximum;
-            m_minimum = minimum;
-            m_minimumFirst = cell.first < cell.second;
-            return;
-        }
-        const bool higher = maximum > m_maximum;
-        const bool lower = minimum < m_minimum;
-        // The extreme that the cell does not exceed occurred earlier.
-        if (higher) m_minimumFirst = lower ? cell.first < cell.second : true;
-        if (lower && !higher) m_minimumFirst = false;
-        m_maximum = std::max(m_maximum, maximum);
-        m_minimum = std::min(m_minimum, minimum);
-    }
-    [[nodiscard]] RunExtremes Take() {
-        m_empty = true;
-        return m_minimumFirst ? RunExtremes{m_minimum, m_maximum} : RunExtremes{m_maximum, m_minimum};
-    }
-    [[nodiscard]] bool IsEmpty() const { return m_empty; }
-
-  private:
-    std::int16_t m_maximum = 0;
-    std::int16_t m_minimum = 0;
-    bool m_minimumFirst = false;
-    bool m_empty = true;
-};
-
-RunExtremes Merge(std::span<const RunExtremes> cells) {
-    Merger merger;
-    for (const RunExtremes cell : cells) merger.Add(cell);
-    return merger.Take();
+/// Cells as the samples that they hold. The extremes of a run of cells, and the order in which they occur, are those of
+/// the samples that the cells kept, one cell after the other.
+const std::int16_t* CodesOf(const RunExtremes* cells) {
+    static_assert(sizeof(RunExtremes) == 2 * sizeof(std::int16_t));
+    return &cells->first;
 }
 
 std::int32_t CeilDivide(std::int32_t value, std::int32_t divisor) {
@@ -116,16 +83,15 @@ void ExtremesCache::Store(std::int32_t chunk, std::size_t channel, std::span<con
     m_bytes += (cells.size() - fine.size()) * sizeof(RunExtremes);
     fine.assign(cells.begin(), cells.end());
 
-    constexpr auto perCoarse = static_cast<std::size_t>(kCoarseCell / kCell);
     std::vector<RunExtremes>& coarse = m_coarse[channel];
     if (coarse.empty()) {
         coarse.resize(static_cast<std::size_t>(CeilDivide(m_samples - 1, kCoarseCell)));
         m_bytes += coarse.size() * sizeof(RunExtremes);
     }
-    std::size_t target = static_cast<std::size_t>(chunk) * static_cast<std::size_t>(kChunk / kCoarseCell);
-    for (std::size_t from = 0; from < cells.size(); from += perCoarse, ++target) {
-        coarse[target] = Merge(cells.subspan(from, std::min(perCoarse, cells.size() - from)));
-    }
+    const std::size_t target = static_cast<std::size_t>(chunk) * static_cast<std::size_t>(kChunk / kCoarseCell);
+    nsp::PlanarRunReducer reducer(2 * kCoarseCell / kCell, coarse.data() + target);
+    reducer.Feed(CodesOf(cells.data()), 2 * cells.size());
+    reducer.Finish();
     m_coarseKnown[channel][static_cast<std::size_t>(chunk)] = true;
 }
 
@@ -148,9 +114,8 @@ bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::i
     const std::int32_t end = first + count;
     const std::int32_t rest = end == m_samples ? 0 : (count % cellSamples);
     const std::int32_t cellsEnd = end - rest;
-    std::vector<Merger> mergers(channels.size());
-    std::vector<RunExtremes*> targets(out.begin(), out.end());
-    std::int32_t filled = 0;  // samples of the run under way
+    std::vector<nsp::PlanarRunReducer> reducers;
+    for (RunExtremes* target : out) reducers.emplace_back(2 * (run / cellSamples), target);
     // Few chunks at a time, so that a view of any length needs no more memory than the limit.
     constexpr std::int32_t chunksAtOnce = 32;
     for (std::int32_t at = first; at < cellsEnd;) {
@@ -167,21 +132,12 @@ bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::i
         const std::int32_t stop = std::min(samples.first + samples.count, cellsEnd);
         const auto cells = static_cast<std::size_t>(CeilDivide(stop - at, cellSamples));
         if (!coarse) m_chunks.at(chunk).used = m_clock;
-        std::int32_t chunkFilled = 0;
         for (std::size_t channel = 0; channel < channels.size(); ++channel) {
             const auto index = static_cast<std::size_t>(channels[channel] - 1);
             const RunExtremes* cell = coarse ? m_coarse[index].data() + (at - 1) / kCoarseCell
                                              : m_chunks.at(chunk).fine[index].data() + (at - samples.first) / kCell;
-            chunkFilled = filled;
-            for (std::size_t n = 0; n < cells; ++n) {
-                mergers[channel].Add(cell[n]);
-                chunkFilled += cellSamples;
-                if (chunkFilled < run) continue;
-                *targets[channel]++ = mergers[channel].Take();
-                chunkFilled = 0;
-            }
+            reducers[channel].Feed(CodesOf(cell), 2 * cells);
         }
-        filled = chunkFilled;
         at = stop;
         DropOldest();
     }
@@ -190,11 +146,10 @@ bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::i
         std::vector<RunExtremes*> endTargets;
         for (RunExtremes& entry : ends) endTargets.push_back(&entry);
         if (!block.ColumnExtremes(channels, cellsEnd, rest, rest, endTargets)) return false;
-        for (std::size_t channel = 0; channel < channels.size(); ++channel) mergers[channel].Add(ends[channel]);
+        for (std::size_t channel = 0; channel < channels.size(); ++channel)
+            reducers[channel].Feed(CodesOf(&ends[channel]), 2);
     }
-    for (std::size_t channel = 0; channel < channels.size(); ++channel) {
-        if (!mergers[channel].IsEmpty()) *targets[channel] = mergers[channel].Take();
-    }
+    for (nsp::PlanarRunReducer& reducer : reducers) reducer.Finish();
     return true;
 }
 

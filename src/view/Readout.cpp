@@ -105,6 +105,30 @@ std::u16string RangeReadout(const ReadoutSource& source, const Selection& range)
     return text;
 }
 
+std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, double value) {
+    const std::u16string text = ValueText(source, channel, value);
+    return text.substr(text.front() == u' ' ? 1 : 0);
+}
+
+std::int16_t ChannelNear(const ReadoutSource& source, const AmplitudeScale& amplitude, std::int32_t sample,
+                         std::int32_t row) {
+    std::int16_t nearest = 0;
+    double least = 0.0;
+    for (const std::int16_t channel : ShownChannels(source.block, source.slots)) {
+        Attempt([&] {
+            double value = Shown(source, channel, CodeAt(source, channel, sample));
+            if (source.rawCodes) value /= 1000.0;
+            const double trace = amplitude.ZeroRow() -
+                                 value / static_cast<double>(amplitude.UnitsPerDivision()) * AmplitudeScale::kDivision;
+            const double distance = std::fabs(trace - row);
+            if (nearest != 0 && distance >= least) return;
+            nearest = channel;
+            least = distance;
+        });
+    }
+    return nearest;
+}
+
 std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, std::int32_t first, std::int32_t last) {
     struct Sums {
         std::int16_t minimum = 32767;

@@ -7,6 +7,7 @@
 
 #include "data/QL_Types.h"
 #include "format/QL_Format.h"
+#include "view/AmplitudeScale.h"
 #include "view/Selection.h"
 
 namespace quillon {
@@ -30,6 +31,13 @@ struct ReadoutSource {
 /// "dX:", the time from the range's first to its last sample; for every shown channel the smallest and the largest
 /// value of the range and the difference between the values at its end and its start; "1/dX:" as a frequency.
 [[nodiscard]] std::u16string RangeReadout(const ReadoutSource& source, const Selection& range);
+
+/// A value of a channel as the readouts write it, without the blank that stands for a sign.
+[[nodiscard]] std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, double value);
+
+/// The shown channel (from 1) whose trace passes nearest to a row of the graph at a sample; 0 when none is shown.
+[[nodiscard]] std::int16_t ChannelNear(const ReadoutSource& source, const AmplitudeScale& amplitude,
+                                       std::int32_t sample, std::int32_t row);
 
 /// Of the samples first .. last (from 1) of one channel, in its unit (codes where raw codes are shown).
 struct ChannelStatistics {

@@ -75,11 +75,12 @@ std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCod
 
 std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block) {
     std::vector<MarkLine> lines;
-    const VisibleRange visible = axis.Visible();
+    // Those whose text may reach in, and beyond the right edge those that end such a text.
+    const std::int32_t first = -kMarkTextWidth;
+    const std::int32_t last = axis.Width() + kMarkTextWidth;
     for (std::size_t at = 0; at < block.marks.size(); ++at) {
-        const std::int32_t position = block.marks[at].position;
-        if (position + std::int64_t{1} < visible.first || position >= visible.last) continue;
-        lines.push_back({position / axis.SamplesPerPixel() - axis.FirstColumn(), 0, static_cast<std::int32_t>(at)});
+        const std::int32_t column = block.marks[at].position / axis.SamplesPerPixel() - axis.FirstColumn();
+        if (column >= first && column < last) lines.push_back({column, 0, static_cast<std::int32_t>(at)});
     }
     std::stable_sort(lines.begin(), lines.end(),
                      [](const MarkLine& a, const MarkLine& b) { return a.column < b.column; });
@@ -88,9 +89,10 @@ std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block)
                             [](const MarkLine& a, const MarkLine& b) { return a.column == b.column; }),
                 lines.end());
     for (std::size_t at = 0; at < lines.size(); ++at) {
-        const std::int32_t end = at + 1 < lines.size() ? lines[at + 1].column : axis.Width();
-        lines[at].textWidth = end - lines[at].column;
+        const std::int32_t room = at + 1 < lines.size() ? lines[at + 1].column - lines[at].column : kMarkTextWidth;
+        lines[at].textWidth = std::min(room, kMarkTextWidth);
     }
+    std::erase_if(lines, [&](const MarkLine& line) { return line.column >= axis.Width(); });
     return lines;
 }
 

@@ -29,14 +29,18 @@ struct ScaleLabel {
 /// text's baseline. With raw codes a label counts codes, 1000 to a unit.
 [[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator);
 
-/// A vertical line of the graph with a text: a mark of the block inside the visible range.
+/// Pixels that the text of a mark takes at most.
+inline constexpr std::int32_t kMarkTextWidth = 300;
+
+/// A vertical line of the graph with a text: a mark of the block.
 struct MarkLine {
-    std::int32_t column = 0;     ///< pixel column of the graph
-    std::int32_t textWidth = 0;  ///< pixels to the next mark or the right edge
+    std::int32_t column = 0;     ///< pixel column of the graph; negative where only the text reaches into it
+    std::int32_t textWidth = 0;  ///< pixels to the next mark, at most kMarkTextWidth
     std::int32_t markIndex = 0;  ///< index in ViewBlock::marks
 };
 
-/// The marks that the graph shows, at most one per column.
+/// The marks that the graph shows, at most one per column. What is shown of a mark does not depend on where in the
+/// graph it lies.
 [[nodiscard]] std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block);
 
 /// "1:1", "500:1", "2k:1": the X zoom as the menu and the zoom button show it.

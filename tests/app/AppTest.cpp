@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
 
+#include <set>
+#include <tuple>
+
 #include <system_error>
 
 #include "app/Commands.h"
-#include "app/GraphKeys.h"
+#include "app/KeyMap.h"
 #include "app/MainLayout.h"
 #include "app/StartUp.h"
 #include "app/StatusPanels.h"
@@ -93,14 +96,39 @@ TEST(Commands, AreAvailableWhenTheyCanDoSomething) {
     EXPECT_FALSE(IsChecked(mnuScaleX + 1, global));
 }
 
-TEST(GraphKeys, ModifiersChooseTheStep) {
-    EXPECT_EQ(ActionOf(GraphKey::Left, false, false).columns, -20);
-    EXPECT_EQ(ActionOf(GraphKey::Right, true, false).columns, 100);
-    EXPECT_EQ(ActionOf(GraphKey::Right, false, true).columns, 1);
-    EXPECT_EQ(ActionOf(GraphKey::Up, true, false).rows, -40);
-    EXPECT_EQ(ActionOf(GraphKey::Plus, false, false).command, mnuZoomY + 1);
-    EXPECT_EQ(ActionOf(GraphKey::Minus, true, false).command, mnuZoomX);
-    EXPECT_EQ(ActionOf(GraphKey::B, true, false).command, 0);
+TEST(KeyMap, ModifiersAndFocusChooseTheCommand) {
+    const auto move = [](Key key, bool control, bool shift) {
+        return Moves()[static_cast<std::size_t>(CommandOf(KeyPlace::Graph, key, control, shift, false) - mnuMove)];
+    };
+    EXPECT_EQ(move(Key::Left, false, false).columns, -20);
+    EXPECT_EQ(move(Key::Right, true, false).columns, 100);
+    EXPECT_EQ(move(Key::Right, false, true).columns, 1);
+    EXPECT_EQ(move(Key::Up, true, false).rows, -40);
+    EXPECT_EQ(CommandOf(KeyPlace::Graph, Key::Left, false, false, true), mnuMark);
+    EXPECT_EQ(CommandOf(KeyPlace::Graph, Letter('A'), true, false, false), mnuSelect);
+    EXPECT_EQ(CommandOf(KeyPlace::ChannelList, Letter('A'), true, false, false), mnuChShow);
+    EXPECT_EQ(CommandOf(KeyPlace::FileList, Key::Left, false, false, false), 0) << "a list keeps its own keys";
+    EXPECT_EQ(CommandOf(KeyPlace::FileList, Letter('S'), true, false, false), mnuSaveAs);
+    std::set<std::tuple<KeyPlace, Key, bool, bool, bool>> keys;
+    for (const KeyBinding& binding : KeyBindings()) {
+        EXPECT_TRUE(keys.insert({binding.place, binding.key, binding.control, binding.shift, binding.alt}).second);
+        EXPECT_NE(CaptionId(binding.command), 0) << binding.command;
+        EXPECT_EQ(CommandOf(binding.place, binding.key, binding.control, binding.shift, binding.alt), binding.command);
+    }
+}
+
+TEST(DisplaySettings, DecideTextsAndCodes) {
+    QL_Global global;
+    ApplyDisplaySettings(global);
+    EXPECT_TRUE(global.format.timeOfDay);
+    EXPECT_FALSE(global.rawCodes);
+    global.settings.timeFormat = 2;
+    global.settings.scaleFormat = 1;
+    global.settings.digitsCount = 3;
+    global.settings.digitsType = 1;
+    ApplyDisplaySettings(global);
+    EXPECT_TRUE(global.format.sampleIndexes && !global.format.timeOfDay && global.format.digitsAreDecimals);
+    EXPECT_TRUE(global.rawCodes);
 }
 
 }  // namespace

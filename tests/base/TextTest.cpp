@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace quillon {
 namespace {
 
@@ -11,40 +9,25 @@ TEST(Text, EveryCodePointSurvivesTheWayToUtf8AndBack) {
     std::u16string text;
     for (char32_t point = 1; point < 0x110000; point += point < 0x1000 ? 1 : 61) {
         if (point >= 0xD800 && point < 0xE000) continue;
-        if (point < 0x10000) {
-            text.push_back(static_cast<char16_t>(point));
-        } else {
-            text.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
-            text.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
-        }
+        if (point >= 0x10000) text.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
+        text.push_back(static_cast<char16_t>(point < 0x10000 ? point : 0xDC00 + (point & 0x3FF)));
     }
-    const std::string utf8 = Utf8(text);
-    EXPECT_TRUE(IsValidUtf8(utf8));
-    EXPECT_EQ(Utf16(utf8), text);
+    EXPECT_TRUE(IsValidUtf8(Utf8(text)));
+    EXPECT_EQ(Utf16(Utf8(text)), text);
     EXPECT_EQ(Utf8(u"\u00B5\u20AC\U0001F600"), "\xC2\xB5\xE2\x82\xAC\xF0\x9F\x98\x80");
-}
-
-TEST(Text, LoneSurrogatesBecomeReplacements) {
-    const std::u16string high{u'a', char16_t{0xD83D}, u'b'};
-    const std::u16string lowFirst{char16_t{0xDE00}, char16_t{0xD83D}};
-    EXPECT_EQ(Utf8(high),
-              "a\xEF\xBF\xBD"
-              "b");
-    EXPECT_EQ(Utf8(lowFirst), "\xEF\xBF\xBD\xEF\xBF\xBD");
+    const std::u16string loneSurrogates{char16_t{0xDE00}, char16_t{0xD83D}, u'b'};
+    EXPECT_EQ(Utf16(Utf8(loneSurrogates)), u"\uFFFD\uFFFDb");
 }
 
 TEST(Text, BytesThatAreNoUtf8AreReplacedOneByOneAndReadAsLatin1InHeaders) {
-    const std::string overlong = "\xC0\x80", surrogate = "\xED\xA0\x80", beyond = "\xF4\x90\x80\x80", cut = "a\xE2\x82",
-                      stray = "\x80z", longestLead = "\xFF";
-    for (const std::string& bytes : {overlong, surrogate, beyond, cut, stray, longestLead}) {
+    for (const std::string bytes : {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\xE2\x82", "\x80z", "\xFF"}) {
         EXPECT_FALSE(IsValidUtf8(bytes));
         EXPECT_EQ(Utf16(bytes).size(), bytes.size());
-        EXPECT_EQ(FromUtf8OrLatin1(bytes).size(), bytes.size());
+        EXPECT_EQ(FromUtf8OrLatin1(bytes), FromLatin1(bytes));
     }
-    EXPECT_EQ(Utf16(cut), u"a\uFFFD\uFFFD");
-    EXPECT_EQ(FromUtf8OrLatin1("\xB5V"), u"\u00B5V");
+    EXPECT_EQ(Utf16("a\xE2\x82"), u"a\uFFFD\uFFFD");
+    EXPECT_EQ(FromUtf8OrLatin1("\xB5V \xC2"), u"\u00B5V \u00C2");
     EXPECT_EQ(FromUtf8OrLatin1("\xC2\xB5V"), u"\u00B5V");
-    EXPECT_EQ(FromLatin1("\xC2\xB5"), u"\u00C2\u00B5");
 }
 
 TEST(Text, LowerCaseCoversLatinGreekAndCyrillic) {
@@ -52,13 +35,6 @@ TEST(Text, LowerCaseCoversLatinGreekAndCyrillic) {
     EXPECT_EQ(LowerCase(u"\u00C0\u00D6\u00D7\u00DE\u00DF"), u"\u00E0\u00F6\u00D7\u00FE\u00DF");
     EXPECT_EQ(LowerCase(u"\u0100\u0101\u0139\u013A\u0178\u0179\u017E"), u"\u0101\u0101\u013A\u013A\u00FF\u017A\u017E");
     EXPECT_EQ(LowerCase(u"ПРИВЕТ Ёж ЇЏ Ґ Ω"), u"привет ёж їџ ґ ω");
-    EXPECT_EQ(LowerCase(u"привет"), u"привет");
-}
-
-TEST(Text, NumbersInTheirShortestForm) {
-    EXPECT_EQ(Decimal(std::numeric_limits<std::int64_t>::min()), u"-9223372036854775808");
-    EXPECT_EQ(ShortestDecimal(0.1), u"0.1");
-    EXPECT_EQ(ShortestDecimal(250.0), u"250");
 }
 
 TEST(Text, TrimTakesBlanksAndControlCharactersAtTheEndsOnly) {

@@ -21,20 +21,22 @@ using nlohmann::json;
 
 const std::filesystem::path kRecordings = "../shared/recordings";
 
-struct Output {
-    int exitCode = 0;
-    std::string out;
-    std::string error;
-};
-
-Output RunCommand(std::vector<std::u16string> words) {
+/// What a command writes.
+std::string Answer(std::vector<std::u16string> words, int exitCode = 0) {
     std::ostringstream out;
     std::ostringstream error;
     cli::CliIo io{out, error};
-    Output result{cli::RunCli(words, io), {}, {}};
-    result.out = out.str();
-    result.error = error.str();
-    return result;
+    EXPECT_EQ(cli::RunCli(words, io), exitCode) << error.str();
+    return exitCode == 0 ? out.str() : error.str();
+}
+
+bool IsAnnotation(const json& signal) {
+    return signal.at("label").get<std::string>().ends_with(" Annotations");
+}
+
+/// Equal for rates that differ by rounding only.
+double RateKey(const json& rate) {
+    return std::round(rate.get<double>() * 1e6);
 }
 
 /// Where a signal of the file is to be found: a block and a channel of it, counted from 1; several where it has gaps.
@@ -49,13 +51,9 @@ class RecordingFile {
         : m_path(path.u16string()), m_reference(std::move(reference)) {}
 
     void Compare() {
-        const Output info = RunCommand({u"info", m_path});
-        ASSERT_EQ(info.exitCode, 0) << info.error;
-        m_info = json::parse(info.out);
-        std::vector<json> expected;
-        for (const json& signal : m_reference.at("signals")) {
-            if (!signal.at("label").get<std::string>().ends_with(" Annotations")) expected.push_back(signal);
-        }
+        m_info = json::parse(Answer({u"info", m_path}));
+        std::vector<json> expected = m_reference.at("signals");
+        std::erase_if(expected, IsAnnotation);
         const auto signals = Signals(expected);
         ASSERT_EQ(signals.size(), expected.size());
         for (std::size_t signal = 0; signal < signals.size(); ++signal) {
@@ -78,13 +76,13 @@ class RecordingFile {
         std::map<double, std::vector<Place>> byRate;
         for (const json& block : m_info.at("blocks")) {
             for (const json& channel : block.at("channels")) {
-                byRate[std::round(block.at("rate").get<double>() * 1e6)].push_back({block, channel});
+                byRate[RateKey(block.at("rate"))].push_back({block, channel});
             }
         }
         std::map<double, std::size_t> taken;
         std::vector<Place> places;
         for (const json& signal : expected) {
-            const double rate = std::round(signal.at("rate_hz").get<double>() * 1e6);
+            const double rate = RateKey(signal.at("rate_hz"));
             if (taken[rate] < byRate[rate].size()) places.push_back(byRate[rate][taken[rate]++]);
         }
         return places;
@@ -94,9 +92,7 @@ class RecordingFile {
         std::vector<std::u16string> words{command, m_path, Decimal(place.block.at("number").get<int>()),
                                           Decimal(place.channel.at("number").get<int>())};
         words.insert(words.end(), range.begin(), range.end());
-        const Output output = RunCommand(words);
-        EXPECT_EQ(output.exitCode, 0) << output.error;
-        return output.out;
+        return Answer(words);
     }
 
     static std::string Crc32(const std::string& bytes) {
@@ -166,14 +162,6 @@ class RecordingFile {
     json m_info;
 };
 
-/// True when there is an ordinary signal to read.
-bool IsReadable(const json& reference) {
-    const json signals = reference.value("signals", json::array());
-    return std::any_of(signals.begin(), signals.end(), [](const json& signal) {
-        return !signal.at("label").get<std::string>().ends_with(" Annotations");
-    });
-}
-
 TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
     if (!std::filesystem::exists(kRecordings)) GTEST_SKIP() << "no reference recordings in " << kRecordings;
     int read = 0;
@@ -186,18 +174,15 @@ TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
             SCOPED_TRACE(entry.path().string());
             std::ifstream stream(reference);
             const json file = json::parse(stream);
-            if (IsReadable(file)) {
+            const json signals = file.value("signals", json::array());
+            if (!std::all_of(signals.begin(), signals.end(), IsAnnotation)) {
                 ++read;
                 RecordingFile(entry.path(), file).Compare();
-                continue;
+            } else {
+                ++refused;
+                const std::u16string path = entry.path().u16string();
+                EXPECT_NE(Answer({u"info", path}, 1), Answer({u"info", path, u"--language=ru"}, 1));
             }
-            ++refused;
-            const Output english = RunCommand({u"info", entry.path().u16string()});
-            const Output russian = RunCommand({u"info", entry.path().u16string(), u"--language=ru"});
-            EXPECT_EQ(english.exitCode, 1);
-            EXPECT_TRUE(english.out.empty());
-            EXPECT_FALSE(english.error.empty());
-            EXPECT_NE(english.error, russian.error);
         }
     }
     EXPECT_GE(read, 30);

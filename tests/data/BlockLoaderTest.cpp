@@ -15,13 +15,14 @@ class BlockLoaderTest : public ::testing::Test, public LoaderHost {
   protected:
     void SetUp() override {
         Add(u"C:\\data\\one.fake", {Block(u"first"), Block(u"")});
-        Add(u"C:\\data\\two.fake", {Block(u"only")});
+        Add(u"C:\\data\\Запись.fake", {Block(u"only")});
     }
 
     static std::shared_ptr<FakeBlock> Block(const std::u16string& title) {
         auto block = std::make_shared<FakeBlock>();
         block->title = title;
         block->samples = {{1, 2, 3}, {4, 5, 6}};
+        block->marks = {{2, u"blink"}};
         return block;
     }
 
@@ -33,10 +34,14 @@ class BlockLoaderTest : public ::testing::Test, public LoaderHost {
     }
 
     void Open(const std::u16string& name) { m_loader.OpenFile(u"C:\\data", name, m_pattern); }
+    void Open(std::vector<std::shared_ptr<FakeBlock>> blocks) {
+        Add(u"C:\\data\\three.fake", std::move(blocks));
+        Open(u"three.fake");
+    }
 
     // The window's side: a list whose programmatic selection raises its click.
-    void ResetViewState() override { ++m_resets; }
-    void StopSound() override { ++m_stops; }
+    void ResetViewState() override {}
+    void StopSound() override {}
     std::int32_t BlockItemCount() const override { return static_cast<std::int32_t>(m_items.size()); }
     void RemoveBlockItem(std::int32_t position) override { m_items.erase(m_items.begin() + position); }
     void SetBlockItem(std::int32_t position, const std::u16string& text) override {
@@ -61,8 +66,6 @@ class BlockLoaderTest : public ::testing::Test, public LoaderHost {
     std::int32_t m_selected = -1;
     std::vector<std::u16string> m_offered;
     std::vector<int> m_shown;
-    int m_resets = 0;
-    int m_stops = 0;
     BlockLoader m_loader{m_library, m_file, m_block, m_slots, m_services, *this};
 };
 
@@ -74,20 +77,14 @@ TEST_F(BlockLoaderTest, OpeningListsTheBlocksAndLoadsTheFirstOnce) {
     EXPECT_THAT(m_offered, ElementsAre(u"C:\\data"));
     // With the first item still selected no click would come from the list; the block is loaded all the same, once.
     m_pattern = u"*.*";
-    Open(u"two.fake");
+    Open(u"Запись.fake");
     EXPECT_THAT(m_items, ElementsAre(u"only\t1"));
     EXPECT_THAT(m_shown, ElementsAre(0, 0));
     EXPECT_EQ(m_library.closed, 1);
     EXPECT_EQ(m_offered.size(), 1U) << "with the catch-all pattern no folder is remembered";
-}
-
-TEST_F(BlockLoaderTest, ClickingTheOpenFileAgainDoesNothingWhateverItsCase) {
-    Add(u"C:\\data\\Запись.fake", {Block(u"x")});
-    Open(u"Запись.fake");
     m_loader.OpenFile(u"c:\\DATA\\", u"ЗАПИСЬ.FAKE", m_pattern);
-    EXPECT_EQ(m_library.opened, 1);
-    EXPECT_EQ(m_library.closed, 0);
-    EXPECT_EQ(m_shown.size(), 1U);
+    EXPECT_EQ(m_library.opened, 2) << "it is open already";
+    EXPECT_EQ(m_shown.size(), 2U);
 }
 
 TEST_F(BlockLoaderTest, ARefusedFileLeavesEverythingEmptyAndSaysWhy) {
@@ -100,7 +97,7 @@ TEST_F(BlockLoaderTest, ARefusedFileLeavesEverythingEmptyAndSaysWhy) {
     EXPECT_EQ(m_block.channelCount, 0);
     EXPECT_THAT(m_items, IsEmpty());
     EXPECT_EQ(m_shown.back(), -1);
-    Open(u"two.fake");
+    Open(u"one.fake");
     EXPECT_EQ(m_services.status, u"") << "the reason of the earlier refusal is gone";
     Open(u"");
     EXPECT_TRUE(m_file.fileName.empty());
@@ -109,53 +106,42 @@ TEST_F(BlockLoaderTest, ARefusedFileLeavesEverythingEmptyAndSaysWhy) {
 
 TEST_F(BlockLoaderTest, LoadingReadsChannelsSlotsAndMarks) {
     auto block = Block(u"b");
-    block->numbers = {7, 0};
-    block->titles = {u"Fp1", u""};
+    block->numbers = {7, 32};
     block->scales = {0.25F, 0.0F};
-    block->marks = {{2, u"blink"}};
-    Add(u"C:\\data\\three.fake", {block});
-    Open(u"three.fake");
-    EXPECT_THAT(m_block.channelNumbers, ElementsAre(7, 0));
+    block->titles = {u"Fp1", u""};
+    Open({block});
+    EXPECT_THAT(m_block.channelNumbers, ElementsAre(7, 32));
     EXPECT_THAT(m_block.invScale, ElementsAre(4.0F, 0.0F)) << "a scale of 0 has no reciprocal";
-    EXPECT_THAT(m_block.offsets, ElementsAre(1.0F, 2.0F));
+    EXPECT_THAT(m_block.offsets, ElementsAre(1.0F, 2.0F)) << "32 has no slot";
     EXPECT_EQ(m_slots[7].title, u"Fp1");
+    block->numbers = {0, -1};
+    block->titles = {u"", u""};
+    m_loader.CloseCurrentFile();
+    Open({block});
     EXPECT_EQ(m_slots[0].title, u"Канал 1");
     ASSERT_EQ(m_block.marks.size(), 1U);
     EXPECT_EQ(m_block.marks[0].position, 2);
     EXPECT_EQ(m_block.marks[0].text, u"blink");
-    EXPECT_THAT(block->calls, ::testing::IsSupersetOf({"Title", "SampleCount", "MarkText"}));
 }
 
-/// Whatever single call fails, the load goes on with the next step and the rest is there.
 TEST_F(BlockLoaderTest, AFailingCallLeavesItsFieldEmptyAndTheLoadGoesOn) {
-    for (const char* call : {"SampleCount", "SampleRate", "StartTime", "ChannelNumber", "ChannelTitle", "ChannelUnit",
-                             "ChannelScale", "ChannelOffset", "MarkCount", "MarkPosition", "MarkText"}) {
+    for (const std::string call :
+         {"SampleCount", "SampleRate", "StartTime", "ChannelNumber", "ChannelTitle", "ChannelUnit", "ChannelScale",
+          "ChannelOffset", "MarkCount", "MarkPosition", "MarkText"}) {
         SCOPED_TRACE(call);
         auto block = Block(u"b");
-        block->marks = {{2, u"blink"}};
         block->failing = {call};
-        Add(u"C:\\data\\failing.fake", {block});
         m_loader.CloseCurrentFile();
-        Open(u"failing.fake");
+        Open({block});
         EXPECT_TRUE(m_block.block);
         EXPECT_EQ(m_block.channelCount, 2);
         EXPECT_EQ(m_shown.back(), 0);
-        EXPECT_EQ(m_block.sampleCount, call == std::string("SampleCount") ? 0 : 3);
-        EXPECT_EQ(m_block.sampleRate, call == std::string("SampleRate") ? 0.0 : 100.0);
-        EXPECT_EQ(m_block.marks.size(), call == std::string("MarkCount") ? 0U : 1U);
-        EXPECT_THAT(m_block.offsets,
-                    call == std::string("ChannelOffset") ? ElementsAre(0.0F, 0.0F) : ElementsAre(1.0F, 2.0F));
-        EXPECT_EQ(m_slots[0].unit, call == std::string("ChannelUnit") ? u"" : u"V");
+        EXPECT_EQ(m_block.sampleCount, call == "SampleCount" ? 0 : 3);
+        EXPECT_EQ(m_block.sampleRate, call == "SampleRate" ? 0.0 : 100.0);
+        EXPECT_EQ(m_block.marks.size(), call == "MarkCount" ? 0U : 1U);
+        EXPECT_EQ(m_block.offsets[1], call == "ChannelOffset" ? 0.0F : 2.0F);
+        EXPECT_EQ(m_slots[0].unit, call == "ChannelUnit" ? u"" : u"V");
     }
-}
-
-TEST_F(BlockLoaderTest, AChannelNumberWithoutASlotIsSkipped) {
-    auto block = Block(u"b");
-    block->numbers = {32, -1};
-    Add(u"C:\\data\\numbers.fake", {block});
-    Open(u"numbers.fake");
-    EXPECT_THAT(m_block.channelNumbers, ElementsAre(32, -1));
-    EXPECT_THAT(m_block.offsets, ElementsAre(1.0F, 2.0F));
 }
 
 }  // namespace

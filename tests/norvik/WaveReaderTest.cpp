@@ -1,5 +1,6 @@
 #include "norvik/WaveReader.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,9 +16,12 @@ namespace quillon {
 namespace {
 
 using testing::AllCodes;
+using testing::Codes;
+using ::testing::ElementsAre;
 using testing::ExpectReads;
 using testing::ExpectRefusal;
 using testing::FileBytes;
+using testing::Marks;
 
 FileBytes Format(int tag, int channels, int bits, int frameBytes, std::uint32_t rate = 8000) {
     FileBytes format;
@@ -50,10 +54,6 @@ struct Coding {
     std::size_t bytes;
 };
 
-std::ostream& operator<<(std::ostream& out, const Coding& coding) {
-    return out << "tag " << coding.tag << ", " << coding.bits << " bits";
-}
-
 /// A file of random samples, and what each of them is worth at full scale 1.
 struct RandomWave {
     FileBytes file;
@@ -76,67 +76,84 @@ struct RandomWave {
         FileBytes format = Format(extensible ? 0xFFFE : coding.tag, static_cast<int>(channels), coding.bits,
                                   static_cast<int>(channels * coding.bytes));
         if (extensible) {
-            format.U16(22)
-                .U16(static_cast<std::uint16_t>(coding.bits))
-                .U32(0)
-                .U16(static_cast<std::uint16_t>(coding.tag));
-            format.U16(0).U32(0x00100000).U32(0xAA000080).U32(0x719B3800);
+            format.U16(22).U16(static_cast<std::uint16_t>(coding.bits)).U32(0);
+            format.U32(static_cast<std::uint32_t>(coding.tag)).U32(0x00100000).U32(0xAA000080).U32(0x719B3800);
         }
         file = Form(FileBytes().Chunk("fmt ", format).Chunk("data", data));
     }
 };
 
-class WaveCodings : public ::testing::TestWithParam<Coding> {};
+/// The codes stand for the values to the nearest code, and every call reads them alike.
+void ExpectNearest(RecordingBlock& block, const std::vector<std::vector<double>>& values, std::size_t firstChannel) {
+    std::vector<Codes> codes;
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        const std::size_t ordinal = firstChannel + static_cast<std::size_t>(channel) - 1;
+        codes.push_back(AllCodes(block, channel));
+        const auto scale = static_cast<double>(block.ChannelScale(channel));
+        const auto offset = static_cast<double>(block.ChannelOffset(channel));
+        // Half a code, and 32000 codes times the rounding of the scale to single precision.
+        const double allowed = scale * (0.5 + 32000.0 * 0x1p-24) + std::abs(offset) * 0x1p-24;
+        for (std::size_t at = 0; at < codes.back().size(); ++at) {
+            ASSERT_NEAR(codes.back()[at] * scale + offset, values[ordinal][at], allowed) << at;
+        }
+        EXPECT_EQ(block.ChannelNumber(channel), static_cast<int>(ordinal % 32));
+        EXPECT_EQ(block.InputNumber(channel), static_cast<int>(ordinal + 1));
+        EXPECT_EQ(block.ChannelUnit(channel), u"FS");
+    }
+    ExpectReads(block, codes);
+}
 
-TEST_P(WaveCodings, AreReadAlikeByEveryCallAndToTheNearestCode) {
-    for (const std::size_t channels : {1U, 2U, 3U, 8U, 40U}) {
-        const RandomWave wave(GetParam(), channels, channels == 2 ? 70000 : 1500, channels == 3);
-        const RecordingContent content = ReadWave(wave.file.Source());
-        ASSERT_EQ(content.blocks.size(), (channels + 31) / 32);
-        std::size_t ordinal = 0;
-        for (const auto& block : content.blocks) {
-            std::vector<std::vector<std::int16_t>> codes;
-            for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel, ++ordinal) {
-                codes.push_back(AllCodes(*block, channel));
-                const auto scale = static_cast<double>(block->ChannelScale(channel));
-                const auto offset = static_cast<double>(block->ChannelOffset(channel));
-                // Half a code, and 32000 codes times the rounding of the scale to single precision.
-                const double allowed = scale * (0.5 + 32000.0 * 0x1p-24) + std::abs(offset) * 0x1p-24;
-                for (std::size_t at = 0; at < codes.back().size(); ++at) {
-                    ASSERT_NEAR(codes.back()[at] * scale + offset, wave.values[ordinal][at], allowed) << at;
-                }
-                EXPECT_EQ(block->ChannelNumber(channel), static_cast<int>(ordinal % 32));
-                EXPECT_EQ(block->InputNumber(channel), static_cast<int>(ordinal + 1));
-                EXPECT_EQ(block->ChannelUnit(channel), u"FS");
+TEST(WaveReader, EveryCodingIsReadAlikeByEveryCallAndToTheNearestCode) {
+    for (const Coding& coding :
+         {Coding{1, 8, 1}, Coding{1, 16, 2}, Coding{1, 12, 2}, Coding{1, 24, 3}, Coding{1, 20, 3}, Coding{1, 24, 4},
+          Coding{1, 32, 4}, Coding{3, 32, 4}, Coding{3, 64, 8}}) {
+        for (const std::size_t channels : {1U, 2U, 3U, 8U, 40U}) {
+            SCOPED_TRACE(::testing::Message() << coding.tag << ", " << coding.bits << " bits, " << channels);
+            const RandomWave wave(coding, channels, channels == 2 ? 70000 : 1500, channels == 3);
+            const RecordingContent content = ReadWave(wave.file.Source());
+            ASSERT_EQ(content.blocks.size(), (channels + 31) / 32);
+            for (std::size_t at = 0; at < content.blocks.size(); ++at) {
+                ExpectNearest(*content.blocks[at], wave.values, 32 * at);
             }
-            ExpectReads(*block, codes);
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, WaveCodings,
-                         ::testing::Values(Coding{1, 8, 1}, Coding{1, 16, 2}, Coding{1, 12, 2}, Coding{1, 24, 3},
-                                           Coding{1, 20, 3}, Coding{1, 24, 4}, Coding{1, 32, 4}, Coding{3, 32, 4},
-                                           Coding{3, 64, 8}));
-
 TEST(WaveReader, NarrowSamplesKeepTheirCodes) {
-    const auto bytes =
-        OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(1, 1, 8, 1)).Chunk("data", FileBytes().U8(0).U8(255))));
-    EXPECT_EQ(AllCodes(*bytes, 1), (std::vector<std::int16_t>{-128, 127}));
+    const auto one = [](const FileBytes& format, const FileBytes& data) {
+        return OnlyBlock(Form(FileBytes().Chunk("fmt ", format).Chunk("data", data)));
+    };
+    const auto bytes = one(Format(1, 1, 8, 1), FileBytes().U8(0).U8(255));
+    EXPECT_EQ(AllCodes(*bytes, 1), (Codes{-128, 127}));
     EXPECT_EQ(bytes->ChannelScale(1), 1.0F / 128);
-    const auto words = OnlyBlock(Ramp(3));
-    EXPECT_EQ(words->ChannelScale(1), 1.0F / 32768);
-    EXPECT_EQ(words->Title(), u"");
+    EXPECT_EQ(OnlyBlock(Ramp(3))->ChannelScale(1), 1.0F / 32768);
     // Floats that were made from 16 bits come back as those 16 bits, one odd sample and they do not.
     FileBytes floats;
     for (const int code : {-32768, -3, 0, 32767}) floats.F32(static_cast<float>(code) / 32768.0F);
     floats.F32(std::numeric_limits<float>::quiet_NaN());
-    const auto recast = OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(3, 1, 32, 4)).Chunk("data", floats)));
-    EXPECT_EQ(AllCodes(*recast, 1), (std::vector<std::int16_t>{-32768, -3, 0, 32767, 0}));
+    const auto recast = one(Format(3, 1, 32, 4), floats);
+    EXPECT_EQ(AllCodes(*recast, 1), (Codes{-32768, -3, 0, 32767, 0}));
     EXPECT_EQ(recast->ChannelScale(1), 1.0F / 32768);
-    floats.F32(0.1F);
-    const auto scaled = OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(3, 1, 32, 4)).Chunk("data", floats)));
-    EXPECT_EQ(AllCodes(*scaled, 1).front(), -32000);
+    EXPECT_EQ(AllCodes(*one(Format(3, 1, 32, 4), floats.F32(0.1F)), 1).front(), -32000);
+}
+
+TEST(WaveReader, SamplesThatAreNoNumbersAndHugeOnesStayInRange) {
+    const double huge = std::numeric_limits<double>::max();
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::pair<std::vector<double>, Codes> cases[] = {
+        {{-huge, huge, nan}, {-32000, 32000, 0}},
+        {{5.0, 100000.0, nan, infinity, -infinity}, {-32000, 32000, -32003, 32767, -32768}},
+        {{0.0, 5e-324}, {0, 0}},  // a span too small for a step is none
+        {{7.25, 7.25}, {0, 0}},
+        {{nan, infinity}, {0, 32767}}};
+    for (const auto& [samples, codes] : cases) {
+        FileBytes data;
+        for (const double sample : samples) data.F64(sample);
+        const auto block = OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(3, 1, 64, 8)).Chunk("data", data)));
+        EXPECT_EQ(AllCodes(*block, 1), codes) << samples[0];
+        EXPECT_TRUE(std::isfinite(block->ChannelScale(1)));
+    }
 }
 
 TEST(WaveReader, PaddedFramesAreSteppedOver) {
@@ -148,14 +165,11 @@ TEST(WaveReader, PaddedFramesAreSteppedOver) {
 }
 
 TEST(WaveReader, ExtremesOfAChannelAskedForTwice) {
-    const auto block = OnlyBlock(Ramp(10));
     const std::vector<std::int16_t> channels{1, 1};
-    RunExtremes first;
-    RunExtremes second;
-    const std::vector<RunExtremes*> out{&first, &second};
-    ASSERT_TRUE(block->ColumnExtremes(channels, 2, 5, 5, out));
-    EXPECT_EQ(first, (RunExtremes{2, 6}));
-    EXPECT_EQ(second, first);
+    RunExtremes extremes[2];
+    const std::vector<RunExtremes*> out{&extremes[0], &extremes[1]};
+    ASSERT_TRUE(OnlyBlock(Ramp(10))->ColumnExtremes(channels, 2, 5, 5, out));
+    EXPECT_THAT(extremes, ::testing::Each(RunExtremes{2, 6}));
 }
 
 TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
@@ -177,20 +191,12 @@ TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
                                 .Chunk("labl", FileBytes().U32(1).Text("late"))
                                 .Chunk("note", FileBytes().U32(1).Text("no"))
                                 .Chunk("labl", FileBytes().U32(8).Text("\xEF"));
-    const auto marks = [](const FileBytes& file) {
-        const auto block = OnlyBlock(file);
-        std::vector<std::pair<int, std::u16string>> list;
-        for (int mark = 1; mark <= block->MarkCount(); ++mark)
-            list.emplace_back(block->MarkPosition(mark), block->MarkText(mark));
-        return list;
-    };
-    using Marks = std::vector<std::pair<int, std::u16string>>;
     const FileBytes lists = FileBytes().Chunk("LIST", FileBytes().Text("INFOlabl")).Chunk("LIST", texts);
-    EXPECT_EQ(marks(Ramp(100, FileBytes().Chunk("cue ", cues), lists)),
-              (Marks{{9, u"note of 2"}, {12, u"7"}, {30, u"one"}, {50, u"8"}, {99, u"\u00EF"}}))
+    EXPECT_THAT(Marks(*OnlyBlock(Ramp(100, FileBytes().Chunk("cue ", cues), lists))),
+                ElementsAre("9 note of 2", "12 7", "30 one", "50 8", "99 \u00EF"))
         << "a text is handed out once";
-    EXPECT_EQ(marks(Ramp(20, FileBytes().Chunk("plst", FileBytes().U32(0)).Chunk("cue ", cues))),
-              (Marks{{0, u"7"}, {9, u"2"}}))
+    const FileBytes playlist = FileBytes().Chunk("plst", FileBytes().U32(0)).Chunk("cue ", cues);
+    EXPECT_THAT(Marks(*OnlyBlock(Ramp(20, playlist))), ElementsAre("0 7", "9 2"))
         << "with a playlist, positions count in playing order";
 }
 
@@ -199,48 +205,43 @@ TEST(WaveReader, TheBroadcastExtensionTellsTheStart) {
         const FileBytes extension = FileBytes().Zeros(320).Text(date, 10).Text(time, 8).Zeros(264);
         return OnlyBlock(Ramp(4, FileBytes().Chunk("bext", extension)))->StartTime();
     };
-    EXPECT_EQ(Iso8601(started("2024-02-29", "23:59:58")), "2024-02-29T23:59:58.000");
     EXPECT_EQ(Iso8601(started("1999_12_31", "01-02-03")), "1999-12-31T01:02:03.000");
     EXPECT_EQ(Iso8601(started("2024-02-29", "")), "2024-02-29T00:00:00.000");
-    EXPECT_EQ(started("0000-00-00", "10:00:00"), 0.0);
-    EXPECT_EQ(started("2024-13-01", "10:00:00"), 0.0);
+    for (const std::string_view date : {"0000-00-00", "2024-13-01"}) EXPECT_EQ(started(date, "10:00:00"), 0.0);
     EXPECT_EQ(OnlyBlock(Ramp(4, FileBytes().Chunk("bext", FileBytes().Zeros(330))))->StartTime(), 0.0) << "cut short";
 }
 
 TEST(WaveReader, ChunksAreFoundInAnyOrderAndWithoutPadding) {
-    const FileBytes format = Format(1, 1, 16, 2);
-    const FileBytes data = FileBytes().U16(5).U16(6);
-    const std::vector<std::int16_t> codes{5, 6};
-    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes().Chunk("data", data).Chunk("fmt ", format))), 1), codes);
+    const FileBytes format = FileBytes().Chunk("fmt ", Format(1, 1, 16, 2));
+    const FileBytes data = FileBytes().Chunk("data", FileBytes().U16(5).U16(6));
     const FileBytes odd = FileBytes().Text("123456789");
-    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes().Chunk("junk", odd).Chunk("fmt ", format).Chunk("data", data))), 1),
-              codes);
-    const FileBytes unpadded = FileBytes().Text("junk").U32(9).Add(odd);
-    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes(unpadded).Chunk("fmt ", format).Chunk("data", data))), 1), codes);
-    const FileBytes twice = FileBytes().Chunk("fmt ", format).Chunk("fmt ", Format(1, 7, 8, 7)).Chunk("data", data);
-    EXPECT_EQ(AllCodes(*OnlyBlock(Form(FileBytes(twice).Chunk("data", odd))), 1), codes);
+    const FileBytes second = FileBytes().Chunk("fmt ", Format(1, 7, 8, 7));
+    for (const FileBytes& chunks : {FileBytes(data).Add(format), FileBytes().Chunk("junk", odd).Add(format).Add(data),
+                                    FileBytes().Text("junk").U32(9).Add(odd).Add(format).Add(data),
+                                    FileBytes(format).Add(second).Add(data).Chunk("data", odd)}) {
+        EXPECT_EQ(AllCodes(*OnlyBlock(Form(chunks)), 1), (Codes{5, 6}));
+    }
 }
 
 TEST(WaveReader, SizesThatLieAreCutToTheFile) {
-    const auto samples = [](FileBytes file, std::size_t offset, std::uint64_t value) {
-        return OnlyBlock(file.Patch(offset, value, 4))->SampleCount();
-    };
     const FileBytes list = FileBytes().Chunk("LIST", FileBytes().Text("INFOxxxx"));
     const FileBytes plain = Ramp(50);
-    const FileBytes followed = Ramp(50, {}, list);
-    EXPECT_EQ(samples(plain, 4, 0), 50) << "the size of the form is not needed";
-    EXPECT_EQ(samples(plain, kRampDataSize, 0xFFFFFFFE), 50);
-    EXPECT_EQ(samples(plain, kRampDataSize, 31), 15);
-    EXPECT_EQ(samples(plain, kRampDataSize, 0xFFFFFFFF), 50);
-    EXPECT_EQ(samples(plain, kRampDataSize, 0), 50) << "a stream that was not closed";
-    EXPECT_EQ(samples(followed, kRampDataSize, 101), 50) << "an odd rest is no sample";
-    EXPECT_EQ(OnlyBlock(Ramp(0))->SampleCount(), 0);
-    EXPECT_EQ(OnlyBlock(Ramp(0, {}, list))->SampleCount(), 0) << "empty, and another chunk follows";
-    EXPECT_EQ(OnlyBlock(FileBytes(plain).CutTo(plain.Size() - 33))->SampleCount(), 33);
+    const std::pair<FileBytes, int> cases[] = {
+        {FileBytes(plain).Patch(4, 0, 4), 50},  // the size of the form is not needed
+        {FileBytes(plain).Patch(kRampDataSize, 0xFFFFFFFE, 4), 50},
+        {FileBytes(plain).Patch(kRampDataSize, 31, 4), 15},
+        {FileBytes(plain).Patch(kRampDataSize, 0xFFFFFFFF, 4), 50},
+        {FileBytes(plain).Patch(kRampDataSize, 0, 4), 50},      // a stream that was not closed
+        {Ramp(50, {}, list).Patch(kRampDataSize, 101, 4), 50},  // an odd rest is no sample
+        {Ramp(0), 0},
+        {Ramp(0, {}, list), 0},
+        {Ramp(50, FileBytes().Text("LIST").U32(0)), 50}};
+    for (const auto& test : cases) {
+        EXPECT_EQ(OnlyBlock(test.first)->SampleCount(), test.second) << "case " << &test - cases;
+    }
     const RecordingContent cut = ReadWave(FileBytes(plain).CutTo(plain.Size() - 33).Source());
     EXPECT_EQ(cut.info.english, u"WAVE, PCM 16 bit, 1 channel at 8000 Hz, 33 samples; cut short: 33 of 50 samples");
     EXPECT_NE(cut.info.russian, cut.info.english);
-    EXPECT_EQ(OnlyBlock(Ramp(50, FileBytes().Text("LIST").U32(0)))->SampleCount(), 50);
     const FileBytes hugeCue = FileBytes().Text("cue ").U32(0x7FFFFFFF).U32(0x7FFFFFFF).Zeros(30);
     EXPECT_EQ(OnlyBlock(Ramp(50, {}, hugeCue))->MarkCount(), 1);
 }
@@ -262,31 +263,32 @@ TEST(WaveReader, LongSizesStandInForThoseOfAllOnes) {
 }
 
 TEST(WaveReader, RefusalsNameWhatAndWhere) {
-    const auto refuseFormat = [](const FileBytes& format, std::string_view part) {
+    const std::pair<FileBytes, std::string> formats[] = {
+        {Format(2, 1, 4, 256), "ADPCM (2), at byte 20"},
+        {Format(6, 1, 8, 1), "A-law (6)"},
+        {Format(7, 1, 8, 1), "mu-law (7)"},
+        {Format(80, 1, 0, 1), "MPEG (80)"},
+        {Format(1234, 1, 16, 2), "format tag 1234 at byte 20"},
+        {Format(0xFFFE, 1, 16, 2).U16(22).U16(16).U32(0).U16(85).Zeros(14), "MP3 (85), at byte 44"},
+        {Format(0xFFFE, 1, 16, 2), "26 bytes"},
+        {Format(1, 0, 16, 2), "channel count 0 at byte 22"},
+        {Format(1, 1, 16, 2, 0), "sample rate 0 at byte 24"},
+        {Format(1, 1, 16, 0), "block align 0 at byte 32"},
+        {Format(1, 2, 16, 3), "block align for the channels: 3 at byte 32"},
+        {Format(1, 1, 64, 8), "bits per sample 64 at byte 34"},
+        {Format(3, 1, 16, 2), "bits per sample 16 at byte 34"},
+        {FileBytes().U16(1).U16(1), "shorter than 16 bytes: 4 at byte 20"}};
+    for (const auto& [format, part] : formats) {
         ExpectRefusal(Form(FileBytes().Chunk("fmt ", format).Chunk("data", FileBytes().Zeros(64))).Source(), u"a.wav",
                       part);
-    };
-    refuseFormat(Format(2, 1, 4, 256), "ADPCM (2), at byte 20");
-    refuseFormat(Format(6, 1, 8, 1), "A-law (6)");
-    refuseFormat(Format(7, 1, 8, 1), "mu-law (7)");
-    refuseFormat(Format(80, 1, 0, 1), "MPEG (80)");
-    refuseFormat(Format(85, 1, 0, 1), "MP3 (85)");
-    refuseFormat(Format(1234, 1, 16, 2), "format tag 1234 at byte 20");
-    refuseFormat(Format(0xFFFE, 1, 16, 2).U16(22).U16(16).U32(0).U16(85).Zeros(14), "MP3 (85), at byte 44");
-    refuseFormat(Format(0xFFFE, 1, 16, 2), "26 bytes");
-    refuseFormat(Format(1, 0, 16, 2), "channel count 0 at byte 22");
-    refuseFormat(Format(1, 1, 16, 2, 0), "sample rate 0 at byte 24");
-    refuseFormat(Format(1, 1, 16, 0), "block align 0 at byte 32");
-    refuseFormat(Format(1, 2, 16, 3), "block align for the channels: 3 at byte 32");
-    refuseFormat(Format(1, 1, 64, 8), "bits per sample 64 at byte 34");
-    refuseFormat(Format(3, 1, 16, 2), "bits per sample 16 at byte 34");
-    refuseFormat(FileBytes().U16(1).U16(1), "shorter than 16 bytes: 4 at byte 20");
-    ExpectRefusal(Form(FileBytes().Chunk("data", FileBytes().Zeros(8))).Source(), u"", "no \"fmt \" chunk");
-    ExpectRefusal(Form(FileBytes().Chunk("fmt ", Format(1, 1, 16, 2))).Source(), u"",
-                  "no \"data\" chunk from byte 12 to 36");
-    ExpectRefusal(Form({}, "RIFX").Source(), u"", "RIFX");
-    ExpectRefusal(FileBytes().Text("RIFF").U32(4).Source(), u"a.WAV", "the header ends at byte 8 of 12");
-    ExpectRefusal(FileBytes().Text("GIF87a and more").Source(), u"a.wav", "at byte 0");
+    }
+    const std::pair<FileBytes, std::string> files[] = {
+        {Form(FileBytes().Chunk("data", FileBytes().Zeros(8))), "no \"fmt \" chunk"},
+        {Form(FileBytes().Chunk("fmt ", Format(1, 1, 16, 2))), "no \"data\" chunk from byte 12 to 36"},
+        {Form({}, "RIFX"), "RIFX"},
+        {FileBytes().Text("RIFF").U32(4), "the header ends at byte 8 of 12"},
+        {FileBytes().Text("GIF87a and more"), "at byte 0"}};
+    for (const auto& [file, part] : files) ExpectRefusal(file.Source(), u"a.WAV", part);
 }
 
 }  // namespace

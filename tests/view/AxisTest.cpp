@@ -152,21 +152,28 @@ TEST(ScaleLabels, StandAtTheirDivisions) {
     }
 }
 
-TEST(VisibleMarks, LieInTheirColumnsAndShareTheWidth) {
-    TimeAxis axis = Axis(10000, 100);
+TEST(VisibleMarks, LieInTheirColumnsAndLookTheSameWhereverTheyLie) {
+    TimeAxis axis = Axis(100000, 100);
     axis.SelectZoom(3);
     axis.ScrollBy(axis.PageShift(0));
     axis.ScrollBy(50);  // samples 501 to 1500, 10 per column
     ViewBlock block;
-    block.sampleCount = 10000;
-    block.marks = {{499, u"before"}, {1499, u"last"}, {500, u"first"}, {505, u"same column"}, {1500, u"after"}};
-    const std::vector<MarkLine> lines = VisibleMarks(axis, block);
-    ASSERT_EQ(lines.size(), 2U) << "one line stands for both marks of the first column";
-    EXPECT_EQ(lines[0].column, 0);
-    EXPECT_EQ(lines[0].markIndex, 2);
-    EXPECT_EQ(lines[0].textWidth, 99);
-    EXPECT_EQ(lines[1].column, 99);
-    EXPECT_EQ(lines[1].textWidth, 1);
+    block.sampleCount = 100000;
+    block.marks = {{9, u"text reaches in"}, {1499, u"last"},  {500, u"first"},
+                   {505, u"same column"},   {1520, u"after"}, {60000, u"far"}};
+    std::vector<MarkLine> lines = VisibleMarks(axis, block);
+    ASSERT_EQ(lines.size(), 3U) << "one line stands for both marks of the first column";
+    EXPECT_EQ(lines[0].column, -50);
+    EXPECT_EQ(lines[0].textWidth, 50);
+    EXPECT_EQ(lines[1].column, 0);
+    EXPECT_EQ(lines[1].markIndex, 2);
+    EXPECT_EQ(lines[1].textWidth, 99);
+    EXPECT_EQ(lines[2].column, 99);
+    EXPECT_EQ(lines[2].textWidth, 3) << "up to the next one, though it is out of view";
+    axis.ScrollBy(60);
+    lines = VisibleMarks(axis, block);
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(lines[3].textWidth, kMarkTextWidth);
 }
 
 }  // namespace

@@ -15,8 +15,9 @@ struct InputBoxTexts {
     std::wstring cancel;
 };
 
-/// Asks for a line of text, pre-filled with `value` and with the part before its extension selected. None when the user
-/// cancels. The box is laid out in dialog units, so that it is right at any density.
-[[nodiscard]] std::optional<std::wstring> AskForText(HWND owner, const InputBoxTexts& texts, const std::wstring& value);
+/// Asks for a line of text, pre-filled with `value`, of which the first `selected` characters are selected (0 or npos:
+/// all). None when the user cancels. The box is laid out in dialog units, so that it is right at any density.
+[[nodiscard]] std::optional<std::wstring> AskForText(HWND owner, const InputBoxTexts& texts, const std::wstring& value,
+                                                     std::size_t selected = std::wstring::npos);
 
 }  // namespace quillon

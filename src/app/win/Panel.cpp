@@ -1,5 +1,8 @@
 #include "app/win/Panel.h"
 
+#include <algorithm>
+#include <array>
+
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -7,6 +10,33 @@ namespace quillon {
 bool Panel::Create(HWND parent, int id) {
     return m_box.Create(parent, id, *this, false);
 }
+
+namespace {
+
+/// The lines of a text, each as its cells.
+std::vector<std::vector<std::wstring>> Cells(const std::wstring& text) {
+    std::vector<std::vector<std::wstring>> lines(1, std::vector<std::wstring>(1));
+    for (const wchar_t letter : text) {
+        if (letter == L'\r') continue;
+        if (letter == L'\n') {
+            lines.emplace_back(1);
+        } else if (letter == L'\t') {
+            lines.back().emplace_back();
+        } else {
+            lines.back().back().push_back(letter);
+        }
+    }
+    if (lines.back() == std::vector<std::wstring>(1)) lines.pop_back();
+    return lines;
+}
+
+int WidthOf(HDC dc, const std::wstring& text) {
+    SIZE size{};
+    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    return static_cast<int>(size.cx);
+}
+
+}  // namespace
 
 void Panel::PaintPicture(int, HDC dc, const RECT& clip) {
     FillRect(dc, &clip, GetSysColorBrush(COLOR_BTNFACE));
@@ -17,13 +47,43 @@ void Panel::PaintPicture(int, HDC dc, const RECT& clip) {
     const SelectScope select(dc, font.Get());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-    DRAWTEXTPARAMS tabs{};
-    tabs.cbSize = sizeof tabs;
-    tabs.iTabLength = 6;
     InflateRect(&client, -MulDiv(4, dpi, 96), -MulDiv(2, dpi, 96));
-    std::wstring text = Wide(m_text);
-    DrawTextExW(dc, text.data(), static_cast<int>(text.size()), &client,
-                DT_EXPANDTABS | DT_TABSTOP | DT_NOPREFIX | DT_WORDBREAK | DT_EDITCONTROL, &tabs);
+    const std::wstring text = Wide(m_text);
+    if (text.find(L'\t') == std::wstring::npos) {
+        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &client,
+                  DT_NOPREFIX | DT_WORDBREAK | DT_EDITCONTROL);
+        return;
+    }
+    PaintTable(dc, client, Cells(text));
+}
+
+void Panel::PaintTable(HDC dc, const RECT& place, const std::vector<std::vector<std::wstring>>& lines) {
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(dc, &metrics);
+    const int gap = static_cast<int>(metrics.tmAveCharWidth);
+    std::array<int, 2> widths{};
+    for (const auto& line : lines) {
+        for (std::size_t cell = 0; line.size() > 1 && cell < std::min(line.size() - 1, widths.size()); ++cell)
+            widths[cell] = std::max(widths[cell], WidthOf(dc, line[cell]) + gap);
+    }
+    // More lines than fit stand side by side.
+    const int rows = std::max(static_cast<int>((place.bottom - place.top) / metrics.tmHeight), 1);
+    const int count = static_cast<int>(lines.size());
+    const int columns = (count + rows - 1) / rows;
+    const int width = static_cast<int>(place.right - place.left) / std::max(columns, 1);
+    const int perColumn = (count + columns - 1) / std::max(columns, 1);
+    for (int at = 0; at < count; ++at) {
+        const auto& line = lines[static_cast<std::size_t>(at)];
+        const int left = static_cast<int>(place.left) + at / perColumn * width;
+        const int top = static_cast<int>(place.top + at % perColumn * metrics.tmHeight);
+        int x = left;
+        for (std::size_t cell = 0; cell < line.size(); ++cell) {
+            RECT box{x, top, left + width - gap / 2, top + static_cast<int>(metrics.tmHeight)};
+            DrawTextW(dc, line[cell].c_str(), static_cast<int>(line[cell].size()), &box,
+                      DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+            if (cell < widths.size()) x += widths[cell];
+        }
+    }
 }
 
 }  // namespace quillon

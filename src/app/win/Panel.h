@@ -1,13 +1,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "app/win/PictureBox.h"
 #include "app/win/WinHandle.h"
 
 namespace quillon {
 
-/// A panel that only displays the text it is given: lines separated by CR LF, columns by tabs.
+/// A panel that only displays the text it is given: lines separated by CR LF, cells by tabs. Lines of cells that do not
+/// fit below each other stand side by side; other text is wrapped.
 class Panel final : public PictureOwner {
   public:
     [[nodiscard]] bool Create(HWND parent, int id);
@@ -23,6 +25,8 @@ class Panel final : public PictureOwner {
     void PictureFailed(const std::exception&) override {}
 
   private:
+    static void PaintTable(HDC dc, const RECT& place, const std::vector<std::vector<std::wstring>>& lines);
+
     PictureBox m_box;
     std::u16string m_text;
     bool m_bold = false;

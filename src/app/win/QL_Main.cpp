@@ -47,6 +47,7 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     InitCommonControlsEx(&controls);
     SettingsStore store(parts.makeRegistry, parts.program);
     store.Load(global.settings);
+    ApplyDisplaySettings(global);
     try {
         frmQLMain form(global, services, parts.makeTimer, [&] { store.Save(global.settings); });
         form.ChooseHelp();

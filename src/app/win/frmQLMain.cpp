@@ -158,7 +158,8 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_HSCROLL: OnHScroll(LOWORD(wParam)); return 0;
         case WM_VSCROLL: OnVScroll(LOWORD(wParam)); return 0;
-        case WM_MOUSEWHEEL: OnWheel(wParam); return 0;
+        case WM_TIMER: OnTimer(wParam); return 0;
+        case WM_ENTERMENULOOP: EndHover(); break;
         case WM_SETCURSOR:
             if (OnSetCursor(reinterpret_cast<HWND>(wParam))) return TRUE;
             break;
@@ -200,7 +201,6 @@ void frmQLMain::OnCreate() {
     DragAcceptFiles(m_window, TRUE);
     ArrangeControls();
     ShowPages();
-    m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
     ShowBlock();
 }
 
@@ -286,6 +286,7 @@ void frmQLMain::FillTypes() {
 void frmQLMain::OnActivate(UINT state) {
     if (m_closing) return;
     if (state == WA_INACTIVE) {
+        EndHover();
         m_lastFocus = GetFocus();
         return;
     }
@@ -331,6 +332,8 @@ void frmQLMain::ArrangeControls() {
     input.toolHeight = static_cast<std::int32_t>(std::max(tools.cy, goTo.cy));
     input.toolWidth = static_cast<std::int32_t>(tools.cx);
     input.goToWidth = static_cast<std::int32_t>(goTo.cx);
+    m_arrangedFor = m_global.block.channelCount;
+    input.valueRows = m_global.block.channelCount + 2;
     input.dpi = m_dpi;
     input.listWidth = m_global.settings.listWidth;
     input.upperPercent = m_global.settings.upperPercent;

@@ -2,9 +2,11 @@
 
 #include <exception>
 #include <functional>
+#include <span>
 #include <string>
 
 #include "app/Commands.h"
+#include "app/KeyMap.h"
 #include "app/MainLayout.h"
 #include "app/QL_Global.h"
 #include "app/win/Panel.h"
@@ -17,6 +19,8 @@
 #include "data/win/ChannelLists.h"
 #include "data/win/FileBrowser.h"
 #include "data/win/cFileNotification.h"
+#include "view/Readout.h"
+#include "view/win/GraphCursor.h"
 #include "view/win/GraphPainter.h"
 #include "view/win/ScalePainter.h"
 #include "view/win/ucZoomX.h"
@@ -26,8 +30,9 @@ namespace quillon {
 /// The main window: lists on the left, the graph with its scales on the right, the status bar below.
 ///
 /// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and
-/// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle and layout), frmQLMain_Browser.cpp
-/// (files, blocks, channels), frmQLMain_Commands.cpp (menu and keys) and frmQLMain_Graph.cpp (graph and scales).
+/// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle and layout) and frmQLMain_*.cpp: Browser
+/// (files, blocks, channels), Commands (menu and keys), View (moves of the view), Mouse (hover, selection, wheel) and
+/// Graph (graph and scales).
 class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
   public:
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
@@ -41,6 +46,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// Shows it where the settings say, else as the system wants it.
     void Show(int showCommand) const;
     [[nodiscard]] HWND Window() const { return m_window; }
+    /// What the values panel shows.
+    [[nodiscard]] const std::u16string& ValuesText() const { return m_values.Text(); }
     /// Opens a file or folder by its full path, as if it had been chosen in the lists.
     void OpenPath(const std::wstring& path);
     /// Handles a key of the graph or the focus's way through the controls; true when the message is done with.
@@ -90,6 +97,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool ShowFolder(const std::wstring& folder);
     /// Opens a file of the shown folder that the list leaves out.
     void OpenUnlisted(const std::wstring& name);
+    void OpenFolder(int) { ShowFolder(m_browser.ChosenFolder()); }
     void ShowPathList();
     void ChoosePath(int index);
     void FileCommand(int index);
@@ -110,40 +118,79 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
 
     // Commands.
     void MakeMenu();
+    void FillMenu(HMENU menu, std::span<const MenuEntry> entries);
+    [[nodiscard]] std::wstring CaptionOf(const MenuEntry& entry, int index) const;
+    void ShowContextMenu(POINT screen);
     void OnCommand(int id);
     void OnInitMenu(HMENU menu) const;
-    bool OnKey(WPARAM key);
     void Exit(int);
     void SelectTabPath(int page);
     void SelectTabFile(int page);
-    void GoTo(int index);
     void Help(int);
     void HelpLanguage(int index);
     void UpdateCommands() const;
     void OnToolTip(NMTTDISPINFOW* tip);
-    bool OnListKey(WPARAM key);
-    [[nodiscard]] bool FocusKeepsItsKeys() const;
+    [[nodiscard]] KeyPlace FocusPlace() const;
     void ZoomDown(int index) override { OnCommand(mnuZoomX + index); }
     void ZoomButtonDown() override;
     void ZoomFailed(const std::exception& error) override { Failed(error); }
-    void ZoomX(int index);
 
-    // Graph.
-    void PaintPicture(int id, HDC dc, const RECT& clip) override;
-    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
-    void PictureFailed(const std::exception& error) override { Failed(error); }
-    void OnHScroll(UINT code);
-    void OnVScroll(UINT code);
-    void OnWheel(WPARAM wParam);
-    void SelectZoomX(int index);
+    // Moves of the view, and what the context menu offers.
+    /// Remembers the view that is about to be left.
+    void KeepView();
     void ScrollBy(std::int32_t shift);
+    void GoTo(int index);
+    void MoveView(int index);
+    void SelectZoomX(int index);
+    void ZoomX(int index);
+    /// One step of the X zoom that keeps the sample under a column of the graph there.
+    void ZoomAbout(int index, int column);
     void ZoomY(int index);
     void SelectScaleY(int index);
     void BaseLine(int index);
     void MoveBaseLine(std::int32_t rows);
+    void ChangeView(int index);
+    void ShowSample(std::int32_t sample);
+    void GoToMark(int index);
+    void GoToPlace(int);
+    void ShowStatistics(int);
+    void ShowKeys(int);
+    void ShowAlone(int);
+
+    // Mouse: hover readout, selection, wheel.
+    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    bool ScaleYMouse(UINT message, int y);
+    void EndGesture();
+    [[nodiscard]] HCURSOR GraphPointer();
+    [[nodiscard]] ReadoutSource Source() const;
+    void Hover(int x, int y);
+    /// Shows the cursor band at a column and the values of a sample.
+    void ShowHover(std::int32_t sample, std::int32_t column);
+    void HideCursorBand();
+    void EndHover();
+    void InvalidateGraph(const RECT& part) const;
+    void ShowSelection();
+    void ShowRange();
+    void StartSelection(int x, bool extend);
+    void DragSelection(int x);
+    void FinishSelection(int x);
+    void Select(int index);
+    void MoveSelectionEnd(std::int32_t columns);
+    void OnTimer(UINT_PTR timer);
+    [[nodiscard]] bool RouteWheel(const MSG& message);
+    void OnWheel(HWND under, int delta, UINT keys, bool alt, int column);
+
+    // Graph.
+    void PaintPicture(int id, HDC dc, const RECT& clip) override;
+    void PictureFailed(const std::exception& error) override { Failed(error); }
+    void OnHScroll(UINT code);
+    void OnVScroll(UINT code);
     void FitUnlessLegible();
     void UpdateScrollBars() const;
-    void Refresh();
+    [[nodiscard]] GraphScene Scene() const;
+    /// Draws the graph and brings scales, scroll bars, panels and buttons up to date. A shift says that the view was
+    /// only scrolled, by that many columns, since it was drawn.
+    void Refresh(std::int32_t shift = 0);
     void ShowPanels() const;
 
     QL_Global& m_global;
@@ -174,8 +221,23 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     ScalePainter m_scales;
 
     MainLayout m_layout;
+    std::int16_t m_arrangedFor = 0;  ///< channels that the layout has room for in the readout
     int m_dpi = 96;
     enum class Drag { None, Column, Lists } m_drag = Drag::None;
+    /// What the mouse drags, and where it began.
+    struct Gesture {
+        enum Kind { None, Select, Pan, BaseLine } kind = None;
+        int x = 0;
+        int y = 0;
+        std::int32_t column = 0;  ///< first column of the view
+        std::int32_t shift = 0;   ///< of the base line
+    };
+    Gesture m_gesture;
+    GraphCursor m_cursors;
+    bool m_hovering = false;  ///< the graph holds the mouse for the hover readout
+    POINT m_hoverPoint{};
+    std::int16_t m_menuChannel = 0;      ///< whose trace is nearest to where the context menu opened; 0: none
+    bool m_altUsed = false;              ///< the Alt key that is down was part of a gesture
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
     std::wstring m_firstFolder;          ///< shown at the start

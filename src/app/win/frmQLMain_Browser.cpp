@@ -29,7 +29,10 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     if (header->idFrom == lvCh && header->code == LVN_ITEMCHANGED && !m_channels.Filling()) {
         const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
         const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
-        if ((change->uChanged & LVIF_STATE) != 0 && chosen) StopSound();
+        if ((change->uChanged & LVIF_STATE) != 0 && chosen) {
+            m_global.currentChannel = static_cast<std::int16_t>(change->iItem + 1);
+            StopSound();
+        }
         if ((change->uChanged & LVIF_STATE) != 0 &&
             ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
             StoreShown(change->iItem);
@@ -188,7 +191,7 @@ void frmQLMain::RenameSelected() {
         AskForText(m_window,
                    {Wide(m_services.Text(IDS_RENAME)), Wide(m_services.Text(IDS_NEW_NAME)),
                     Wide(m_services.Text(IDS_OK)), Wide(m_services.Text(IDS_CANCEL))},
-                   name);
+                   name, name.rfind(L'.'));
     if (m_window == nullptr || m_closing || !answer || answer->empty() || *answer == name) return;
     const std::u16string failure = Narrow16(name) + u": " + m_services.Text(IDS_RENAME_FAILED);
     if (!PlanRename(Narrow16(folder), Narrow16(name), Narrow16(*answer))) {
@@ -256,10 +259,17 @@ void frmQLMain::SelectBlockItem(std::int32_t position) {
 
 void frmQLMain::ResetViewState() {
     m_global.ranges.Reset();
+    m_global.selection = {};
+    m_global.history.Clear();
+    m_global.currentChannel = 1;
+    m_global.shownBeforeSolo.reset();
+    m_graph.ForgetBlock();
     if (!m_closing) m_graph.Clear(m_layout.graph.width, m_layout.graph.height);
 }
 
 void frmQLMain::ShowBlock() {
+    // The readout of the block's channels needs its room.
+    if (m_global.block.channelCount != m_arrangedFor) ArrangeControls();
     m_global.axis.SetBlock(m_global.block.sampleCount);
     m_global.axis.SetWidth(m_layout.graph.width);
     m_channels.Fill(m_global.block, m_global.slots);

@@ -1,19 +1,57 @@
+#include <utility>
 #include <vector>
 
 #include "app/Commands.h"
 #include "app/ControlIds.h"
-#include "app/GraphKeys.h"
 #include "app/HelpFile.h"
+#include "app/KeyMap.h"
 #include "app/win/HelpViewer.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
 
 namespace quillon {
 
-void frmQLMain::MakeMenu() {
-    m_menu.Reset(CreateMenu());
-    std::vector<HMENU> parents{m_menu.Get()};
-    for (const MenuEntry& entry : MenuTree()) {
+namespace {
+
+Key KeyOf(WPARAM code) {
+    if ((code >= 'A' && code <= 'Z') || (code >= '0' && code <= '9')) return static_cast<Key>(code);
+    switch (code) {
+        case VK_LEFT: return Key::Left;
+        case VK_RIGHT: return Key::Right;
+        case VK_UP: return Key::Up;
+        case VK_DOWN: return Key::Down;
+        case VK_PRIOR: return Key::PageUp;
+        case VK_NEXT: return Key::PageDown;
+        case VK_HOME: return Key::Home;
+        case VK_END: return Key::End;
+        case VK_ADD:
+        case VK_OEM_PLUS: return Key::Plus;
+        case VK_SUBTRACT:
+        case VK_OEM_MINUS: return Key::Minus;
+        case VK_SPACE: return Key::Space;
+        case VK_RETURN: return Key::Enter;
+        case VK_ESCAPE: return Key::Escape;
+        case VK_BACK: return Key::Backspace;
+        case VK_DELETE: return Key::Delete;
+        case VK_F1: return Key::F1;
+        case VK_F2: return Key::F2;
+        case VK_F5: return Key::F5;
+        default: return Key::None;
+    }
+}
+
+}  // namespace
+
+std::wstring frmQLMain::CaptionOf(const MenuEntry& entry, int index) const {
+    if (entry.captionId == 0) return Wide(ComputedCaption(entry.id + index, m_global.format.decimalSeparator));
+    const std::u16string caption = m_services.Text(entry.captionId + index);
+    const std::u16string accelerator = AcceleratorText(entry.id + index, m_services);
+    return Wide(accelerator.empty() ? caption : caption + u'\t' + accelerator);
+}
+
+void frmQLMain::FillMenu(HMENU menu, std::span<const MenuEntry> entries) {
+    std::vector<HMENU> parents{menu};
+    for (const MenuEntry& entry : entries) {
         parents.resize(static_cast<std::size_t>(entry.depth) + 1);
         const HMENU parent = parents.back();
         if (entry.kind == MenuEntry::Kind::Separator) {
@@ -26,14 +64,24 @@ void frmQLMain::MakeMenu() {
             parents.push_back(popup);
         } else {
             for (int index = 0; index < entry.count; ++index) {
-                const std::u16string caption =
-                    entry.captionId != 0 ? m_services.Text(entry.captionId + index)
-                                         : ComputedCaption(entry.id + index, m_global.format.decimalSeparator);
-                AppendMenuW(parent, MF_STRING, static_cast<UINT_PTR>(entry.id + index), Wide(caption).c_str());
+                AppendMenuW(parent, MF_STRING, static_cast<UINT_PTR>(entry.id + index),
+                            CaptionOf(entry, index).c_str());
             }
         }
     }
+}
+
+void frmQLMain::MakeMenu() {
+    m_menu.Reset(CreateMenu());
+    FillMenu(m_menu.Get(), MenuTree());
     SetMenu(m_window, m_menu.Get());
+}
+
+void frmQLMain::ShowContextMenu(POINT screen) {
+    const Menu menu(CreatePopupMenu());
+    FillMenu(menu.Get(), ContextMenu());
+    TrackPopupMenu(menu.Get(), TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, static_cast<int>(screen.x),
+                   static_cast<int>(screen.y), 0, m_window, nullptr);
 }
 
 void frmQLMain::OnInitMenu(HMENU menu) const {
@@ -54,7 +102,7 @@ void frmQLMain::OnCommand(int id) {
         int last;
         void (frmQLMain::*handler)(int index);
     };
-    static constexpr Route routes[] = {
+    static const Route routes[] = {
         {mnuFileOperation, mnuFileOperation + 1, &frmQLMain::FileCommand},
         {mnuExit, mnuExit, &frmQLMain::Exit},
         {mnuTabPath, mnuTabPath + 1, &frmQLMain::SelectTabPath},
@@ -68,6 +116,15 @@ void frmQLMain::OnCommand(int id) {
         {mnuChShow, mnuChShow + 2, &frmQLMain::SetAllShown},
         {mnuHelp, mnuHelp, &frmQLMain::Help},
         {mnuHelpLang, mnuHelpLang + 2, &frmQLMain::HelpLanguage},
+        {mnuView, mnuView + 2, &frmQLMain::ChangeView},
+        {mnuMark, mnuMark + 1, &frmQLMain::GoToMark},
+        {mnuSelect, mnuSelect + 2, &frmQLMain::Select},
+        {mnuGoToPlace, mnuGoToPlace, &frmQLMain::GoToPlace},
+        {mnuStatistics, mnuStatistics, &frmQLMain::ShowStatistics},
+        {mnuSoloChannel, mnuSoloChannel, &frmQLMain::ShowAlone},
+        {mnuKeysAndMouse, mnuKeysAndMouse, &frmQLMain::ShowKeys},
+        {mnuOpenFolder, mnuOpenFolder, &frmQLMain::OpenFolder},
+        {mnuMove, mnuMove + static_cast<int>(Moves().size()) - 1, &frmQLMain::MoveView},
         {mnuPathList, mnuPathList + kPathListEntries - 1, &frmQLMain::ChoosePath},
     };
     if (!IsEnabled(id, m_global)) return;
@@ -91,13 +148,13 @@ void frmQLMain::SelectTabFile(int page) {
     ShowPages();
 }
 
-void frmQLMain::GoTo(int index) {
-    ScrollBy(m_global.axis.PageShift(index));
-}
-
-bool frmQLMain::FocusKeepsItsKeys() const {
+KeyPlace frmQLMain::FocusPlace() const {
     const HWND focus = GetFocus();
-    return focus != m_window && focus != m_graphBox.Window();
+    if (focus == m_window || focus == m_graphBox.Window()) return KeyPlace::Graph;
+    if (focus == GetDlgItem(m_window, lstDir)) return KeyPlace::FolderList;
+    if (focus == GetDlgItem(m_window, lstFile)) return KeyPlace::FileList;
+    if (focus == GetDlgItem(m_window, lvCh)) return KeyPlace::ChannelList;
+    return KeyPlace::Everywhere;
 }
 
 bool frmQLMain::PreTranslate(const MSG& message) {
@@ -110,71 +167,35 @@ bool frmQLMain::PreTranslate(const MSG& message) {
 }
 
 bool frmQLMain::TranslateKey(const MSG& message) {
-    if (message.message == WM_MOUSEWHEEL) {
-        // The wheel belongs to what lies under the pointer, wherever the focus is.
-        const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
-        if (under == m_graphBox.Window() || under == m_scaleXBox.Window() || under == m_scaleYBox.Window()) {
-            OnWheel(message.wParam);
-            return true;
-        }
-    }
-    if (message.message != WM_KEYDOWN || m_window == nullptr) return false;
+    if (m_window == nullptr) return false;
+    if (message.message == WM_MOUSEWHEEL) return RouteWheel(message);
+    if (message.message == WM_SYSKEYUP && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
+    if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     if (message.hwnd != m_window && !IsChild(m_window, message.hwnd)) return false;
-    if (message.wParam == VK_TAB) {
-        const bool back = GetKeyState(VK_SHIFT) < 0;
-        if (const HWND next = GetNextDlgTabItem(m_window, GetFocus(), back)) SetFocus(next);
-        return true;
-    }
-    if (message.wParam == VK_F1 || message.wParam == VK_F5) {
-        OnCommand(message.wParam == VK_F1 ? static_cast<int>(mnuHelp) : static_cast<int>(mnuTabFile));
-        return true;
-    }
-    return FocusKeepsItsKeys() ? OnListKey(message.wParam) : OnKey(message.wParam);
-}
-
-bool frmQLMain::OnListKey(WPARAM key) {
-    const HWND focus = GetFocus();
     const bool control = GetKeyState(VK_CONTROL) < 0;
-    if (focus == GetDlgItem(m_window, lstDir) && key == VK_RETURN) {
-        ShowFolder(m_browser.ChosenFolder());
-    } else if (focus == m_pathListBox.Window() && (key == VK_RETURN || key == VK_SPACE || key == VK_DOWN)) {
+    const bool shift = GetKeyState(VK_SHIFT) < 0;
+    const bool alt = GetKeyState(VK_MENU) < 0;
+    if (message.wParam == VK_TAB && !control && !alt) {
+        if (const HWND next = GetNextDlgTabItem(m_window, GetFocus(), shift)) SetFocus(next);
+        return true;
+    }
+    const HWND focus = GetFocus();
+    const WPARAM code = message.wParam;
+    if (focus == m_pathListBox.Window() && (code == VK_RETURN || code == VK_SPACE || code == VK_DOWN)) {
         ShowPathList();
-    } else if (focus == GetDlgItem(m_window, lstFile) && (key == VK_DELETE || key == VK_F2)) {
-        OnCommand(mnuFileOperation + (key == VK_F2 ? 1 : 0));
-    } else if (focus == GetDlgItem(m_window, lvCh) && control && key == 'A') {
-        OnCommand(mnuChShow + (GetKeyState(VK_SHIFT) < 0 ? 1 : 0));
-    } else if (focus == GetDlgItem(m_window, lvCh) && control && key == 'I') {
-        OnCommand(mnuChShow + 2);
-    } else {
-        return false;
+        return true;
     }
+    if (code == VK_APPS || (code == VK_F10 && shift)) {
+        if (focus != m_graphBox.Window()) return false;
+        RECT graph{};
+        GetWindowRect(focus, &graph);
+        ShowContextMenu({graph.left, graph.top});
+        return true;
+    }
+    const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
+    if (command == 0) return false;
+    OnCommand(command);
     return true;
-}
-
-bool frmQLMain::OnKey(WPARAM key) {
-    GraphKey name{};
-    switch (key) {
-        case VK_LEFT: name = GraphKey::Left; break;
-        case VK_RIGHT: name = GraphKey::Right; break;
-        case VK_UP: name = GraphKey::Up; break;
-        case VK_DOWN: name = GraphKey::Down; break;
-        case VK_PRIOR: name = GraphKey::PageUp; break;
-        case VK_NEXT: name = GraphKey::PageDown; break;
-        case VK_HOME: name = GraphKey::Home; break;
-        case VK_END: name = GraphKey::End; break;
-        case VK_ADD:
-        case VK_OEM_PLUS: name = GraphKey::Plus; break;
-        case VK_SUBTRACT:
-        case VK_OEM_MINUS: name = GraphKey::Minus; break;
-        case 'B': name = GraphKey::B; break;
-        case 'D': name = GraphKey::D; break;
-        default: return false;
-    }
-    const KeyAction action = ActionOf(name, GetKeyState(VK_CONTROL) < 0, GetKeyState(VK_SHIFT) < 0);
-    if (action.command != 0) OnCommand(action.command);
-    if (action.columns != 0) ScrollBy(action.columns);
-    if (action.rows != 0) MoveBaseLine(action.rows);
-    return action.command != 0 || action.columns != 0 || action.rows != 0;
 }
 
 void frmQLMain::ChooseHelp() {
@@ -212,10 +233,6 @@ void frmQLMain::OnToolTip(NMTTDISPINFOW* tip) {
             tip->lpszText = m_tipText.data();
         }
     }
-}
-
-void frmQLMain::ZoomX(int index) {
-    SelectZoomX(m_global.axis.ZoomIndex() + (index == 0 ? 1 : -1));
 }
 
 void frmQLMain::ZoomButtonDown() {

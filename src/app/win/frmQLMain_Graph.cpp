@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include "app/ControlIds.h"
 #include "app/StatusPanels.h"
@@ -48,16 +49,6 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &client, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
 }
 
-bool frmQLMain::PictureMouse(int id, UINT message, WPARAM, LPARAM) {
-    if (message != WM_LBUTTONDOWN) return false;
-    if (id == pbPathList) {
-        ShowPathList();
-        return true;
-    }
-    SetFocus(m_graphBox.Window());
-    return true;
-}
-
 void frmQLMain::UpdateScrollBars() const {
     const bool scrollable = m_global.axis.CanScroll() && m_global.axis.StripLength() > 0;
     SCROLLINFO info{};
@@ -97,7 +88,8 @@ void frmQLMain::OnHScroll(UINT code) {
     info.cbSize = sizeof info;
     info.fMask = SIF_TRACKPOS;
     GetScrollInfo(GetDlgItem(m_window, scScaleX), SB_CTL, &info);
-    if (m_global.axis.SetScrollValue(info.nTrackPos)) Refresh();
+    const std::int32_t before = m_global.axis.FirstColumn();
+    if (m_global.axis.SetScrollValue(info.nTrackPos)) Refresh(m_global.axis.FirstColumn() - before);
 }
 
 void frmQLMain::OnVScroll(UINT code) {
@@ -118,62 +110,6 @@ void frmQLMain::OnVScroll(UINT code) {
     MoveBaseLine(-info.nTrackPos - m_global.amplitude.Shift());
 }
 
-void frmQLMain::OnWheel(WPARAM wParam) {
-    const int delta = GET_WHEEL_DELTA_WPARAM(wParam);
-    // Movement below a notch adds up; a reversal clears the rest.
-    if ((m_wheelRest > 0) != (delta > 0)) m_wheelRest = 0;
-    m_wheelRest += delta;
-    const int notches = m_wheelRest / WHEEL_DELTA;
-    m_wheelRest -= notches * WHEEL_DELTA;
-    if (notches == 0 || m_global.block.sampleCount == 0) return;
-    const WORD keys = GET_KEYSTATE_WPARAM(wParam);
-    const int direction = notches > 0 ? 1 : 0;
-    if ((keys & MK_CONTROL) != 0 && (keys & MK_SHIFT) != 0) {
-        ZoomY(direction);
-    } else if ((keys & MK_CONTROL) != 0) {
-        ZoomDown(direction);
-    } else {
-        ScrollBy(-notches * ((keys & MK_SHIFT) != 0 ? 20 : 100));
-    }
-}
-
-void frmQLMain::SelectZoomX(int index) {
-    if (!m_global.axis.SelectZoom(index)) return;
-    m_zoomX.SetCaption(ZoomCaption(index));
-    Refresh();
-}
-
-void frmQLMain::ScrollBy(std::int32_t shift) {
-    if (m_global.axis.ScrollBy(shift) != 0) Refresh();
-}
-
-void frmQLMain::ZoomY(int index) {
-    m_global.amplitude.ZoomY(index == 0 ? -1 : 1);
-    Refresh();
-}
-
-void frmQLMain::SelectScaleY(int index) {
-    m_global.amplitude.SelectScale(index);
-    Refresh();
-}
-
-void frmQLMain::BaseLine(int index) {
-    if (index == 0) {
-        m_global.amplitude.SetBipolar();
-    } else if (m_global.rawCodes) {
-        m_global.amplitude.FindData(kRawCodesRange);
-    } else {
-        m_global.amplitude.FindData(m_global.ranges.OfShown(m_global.block, m_global.slots));
-    }
-    Refresh();
-}
-
-void frmQLMain::MoveBaseLine(std::int32_t rows) {
-    if (m_global.block.sampleCount == 0 || rows == 0) return;
-    m_global.amplitude.MoveBaseLine(rows);
-    Refresh();
-}
-
 void frmQLMain::FitUnlessLegible() {
     // A scale that the user chose stays from block to block as long as the new one is legible at it.
     const std::optional<ValueRange> range = TypicalRange(m_global.block, m_global.slots);
@@ -182,24 +118,44 @@ void frmQLMain::FitUnlessLegible() {
     m_scaleFitted = true;
 }
 
-void frmQLMain::Refresh() {
+GraphScene frmQLMain::Scene() const {
+    const Settings& settings = m_global.settings;
+    return {m_global.block,
+            m_global.slots,
+            m_global.axis,
+            m_global.amplitude,
+            m_global.rawCodes,
+            m_global.systemVersion >= 4,
+            static_cast<GridStyle>(std::clamp<int>(settings.gridStyle, 0, 2)),
+            TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(settings.gridColor))))};
+}
+
+void frmQLMain::Refresh(std::int32_t shift) {
     if (m_closing || IsIconic(m_window)) return;
     const PixelRect& graph = m_layout.graph;
     m_global.axis.SetWidth(graph.width);
     m_global.amplitude.SetGraph(graph.height, graph.height / 2);
     if (m_global.block.sampleCount > 0) {
-        m_graph.Draw({m_global.block, m_global.slots, m_global.axis, m_global.amplitude, m_global.rawCodes,
-                      m_global.systemVersion >= 4},
-                     graph.width, graph.height);
+        HideCursorBand();
+        ShowSelection();
+        if (shift != 0) {
+            m_graph.Scroll(Scene(), shift);
+        } else {
+            m_graph.Draw(Scene(), graph.width, graph.height);
+        }
     } else {
         m_graph.Clear(graph.width, graph.height);
     }
+    m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
     UpdateScrollBars();
     ShowPanels();
     UpdateCommands();
     m_graphBox.Invalidate();
     m_scaleXBox.Invalidate();
-    m_scaleYBox.Invalidate();
+    if (shift == 0) m_scaleYBox.Invalidate();
+    // Another sample lies under the pointer now.
+    if (m_hovering && m_gesture.kind == Gesture::None)
+        Hover(static_cast<int>(m_hoverPoint.x), static_cast<int>(m_hoverPoint.y));
 }
 
 void frmQLMain::ShowPanels() const {

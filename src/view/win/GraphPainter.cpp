@@ -1,16 +1,54 @@
 #include "view/win/GraphPainter.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace quillon {
 
 namespace {
 
-constexpr COLORREF kGridColor = RGB(0xE6, 0xE8, 0xEC);
 constexpr COLORREF kZeroColor = RGB(0xB4, 0xBA, 0xC4);
 constexpr COLORREF kMarkColor = RGB(0xB0, 0x2A, 0x2A);
 constexpr COLORREF kMarkLineColor = RGB(0xDF, 0xA6, 0xA6);
 constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
+
+/// Rows and columns between the dots of a dotted grid; a divisor of a division's width.
+constexpr int kDotStep = 4;
+/// Columns between the line of a mark and its text.
+constexpr int kMarkGap = 3;
+
+/// A colour mixed with white.
+COLORREF Lighter(std::uint32_t rgb) {
+    constexpr double share = 0.3;
+    const auto mixed = [&](std::uint32_t part) {
+        return static_cast<std::uint32_t>(255.0 - (255.0 - static_cast<double>(part & 0xFF)) * share);
+    };
+    return RGB(mixed(rgb >> 16), mixed(rgb >> 8), mixed(rgb));
+}
+
+/// A line one pixel wide, whole or of dots.
+void DrawDots(HDC dc, const RECT& line, int step, COLORREF color) {
+    if (step == 1) return FillWith(dc, line, color);
+    for (LONG y = line.top; y < line.bottom; y += step) {
+        for (LONG x = line.left; x < line.right; x += step)
+            SetPixelV(dc, static_cast<int>(x), static_cast<int>(y), color);
+    }
+}
+
+/// Limits drawing to a rectangle.
+class ClipScope {
+  public:
+    ClipScope(HDC dc, const RECT& rect) : m_dc(dc), m_saved(SaveDC(dc)) {
+        IntersectClipRect(dc, rect.left, rect.top, rect.right, rect.bottom);
+    }
+    ~ClipScope() { RestoreDC(m_dc, m_saved); }
+    ClipScope(const ClipScope&) = delete;
+    ClipScope& operator=(const ClipScope&) = delete;
+
+  private:
+    HDC m_dc;
+    int m_saved;
+};
 
 static_assert(sizeof(TracePoint) == sizeof(POINT), "both are two 32-bit coordinates");
 
@@ -36,7 +74,7 @@ GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())) {}
 
 bool GraphPainter::Prepare(int width, int height) {
     if (width == m_width && height == m_height) return true;
-    m_gridZeroRow.reset();
+    m_gridKey.reset();
     m_width = 0;
     m_height = 0;
     if (width < 1 || height < 1) return false;
@@ -47,30 +85,64 @@ bool GraphPainter::Prepare(int width, int height) {
     return true;
 }
 
-void GraphPainter::DrawGrid(int zeroRow) {
-    if (m_gridZeroRow == zeroRow) return;
-    m_gridZeroRow = zeroRow;
+void GraphPainter::DrawGrid(const GridKey& key) {
+    if (m_gridKey == key) return;
+    m_gridKey = key;
     const HDC dc = m_grid.Handle();
     const int width = m_width + TimeAxis::kDivision;
     FillWith(dc, {0, 0, width, m_height}, kWhite);
-    for (int x = 0; x < width; x += TimeAxis::kDivision) FillWith(dc, {x, 0, x + 1, m_height}, kGridColor);
     constexpr int division = AmplitudeScale::kDivision;
-    int y = zeroRow % division;
-    if (y < 0) y += division;
-    for (; y < m_height; y += division) FillWith(dc, {0, y, width, y + 1}, y == zeroRow ? kZeroColor : kGridColor);
+    int top = key.zeroRow % division;
+    if (top < 0) top += division;
+    if (key.style != GridStyle::None) {
+        const int step = key.style == GridStyle::Dots ? kDotStep : 1;
+        for (int x = 0; x < width; x += TimeAxis::kDivision)
+            DrawDots(dc, {x, top % kDotStep, x + 1, m_height}, step, Lighter(key.color));
+        for (int y = top; y < m_height; y += division) DrawDots(dc, {0, y, width, y + 1}, step, Lighter(key.color));
+    }
+    // The zero level is no part of the grid.
+    if (key.zeroRow >= 0) FillWith(dc, {0, key.zeroRow, width, key.zeroRow + 1}, kZeroColor);
 }
 
 void GraphPainter::Clear(int width, int height) {
+    m_bands = {};
     if (Prepare(width, height)) FillWith(m_surface.Handle(), {0, 0, m_width, m_height}, kWhite);
 }
 
 void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
     if (!Prepare(width, height)) return;
-    DrawGrid(scene.amplitude.ZeroRow());
-    BitBlt(m_surface.Handle(), 0, 0, m_width, m_height, m_grid.Handle(), scene.axis.FirstColumn() % TimeAxis::kDivision,
-           0, SRCCOPY);
+    DrawColumns(scene, 0, m_width);
+    InvertBands();
+}
+
+void GraphPainter::Scroll(const GraphScene& scene, std::int32_t shift) {
+    if (m_width == 0 || shift == 0) return;
+    if (shift >= m_width || shift <= -m_width) return Draw(scene, m_width, m_height);
+    InvertBands();
+    const HDC dc = m_surface.Handle();
+    BitBlt(dc, std::max(-shift, 0), 0, m_width - std::abs(shift), m_height, dc, std::max(shift, 0), 0, SRCCOPY);
+    // At both edges a trace begins and ends otherwise than it runs through: those columns are never copied.
+    constexpr int edge = 2;
+    const int left = std::min(std::max(-shift, 0) + edge, m_width);
+    const int right = std::max(m_width - std::max(shift, 0) - edge, left);
+    DrawColumns(scene, 0, left);
+    if (right < m_width) DrawColumns(scene, right, m_width);
+    InvertBands();
+}
+
+void GraphPainter::DrawColumns(const GraphScene& scene, int from, int to) {
+    DrawGrid({scene.amplitude.ZeroRow(), scene.gridStyle, scene.gridColor});
+    const ClipScope clip(m_surface.Handle(), {from, 0, to, m_height});
+    BitBlt(m_surface.Handle(), from, 0, to - from, m_height, m_grid.Handle(),
+           scene.axis.FirstColumn() % TimeAxis::kDivision + from, 0, SRCCOPY);
     DrawMarks(scene);
-    DrawTraces(scene);
+    DrawTraces(scene, from, to);
+}
+
+std::wstring GraphPainter::MarkText(const GraphScene& scene, const MarkLine& line) const {
+    constexpr int leastText = 16;
+    if (line.textWidth < leastText) return {};
+    return Wide(scene.block.marks[static_cast<std::size_t>(line.markIndex)].text);
 }
 
 void GraphPainter::DrawMarks(const GraphScene& scene) const {
@@ -80,17 +152,31 @@ void GraphPainter::DrawMarks(const GraphScene& scene) const {
     SetBkMode(dc, TRANSPARENT);
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
         FillWith(dc, {line.column, 0, line.column + 1, m_height}, kMarkLineColor);
-        constexpr int gap = 3;
-        constexpr int leastText = 16;
-        if (line.textWidth < leastText) continue;
-        const std::wstring text = Wide(scene.block.marks[static_cast<std::size_t>(line.markIndex)].text);
-        RECT place{line.column + gap, 1, line.column + line.textWidth, m_height};
+        const std::wstring text = MarkText(scene, line);
+        if (text.empty()) continue;
+        RECT place{line.column + kMarkGap, 1, line.column + line.textWidth, m_height};
         DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,
                   DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
     }
 }
 
-void GraphPainter::DrawTraces(const GraphScene& scene) {
+std::optional<std::size_t> GraphPainter::MarkAt(const GraphScene& scene, int x, int y) const {
+    constexpr int reach = 3;  // pixels beside a line that still mean it
+    const HDC dc = m_surface.Handle();
+    const SelectScope font(dc, m_font.Get());
+    std::optional<std::size_t> found;
+    for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
+        const std::wstring text = MarkText(scene, line);
+        SIZE size{};
+        GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+        const int width = std::min(static_cast<int>(size.cx) + kMarkGap, line.textWidth);
+        const bool onLabel = y <= size.cy && x >= line.column && x < line.column + width;
+        if (onLabel || std::abs(x - line.column) <= reach) found = static_cast<std::size_t>(line.markIndex);
+    }
+    return found;
+}
+
+void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
     const VisibleRange visible = scene.axis.Visible();
     if (visible.Count() < 1) return;
     const std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
@@ -100,7 +186,7 @@ void GraphPainter::DrawTraces(const GraphScene& scene) {
     geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
     geometry.rawCodes = scene.rawCodes;
     geometry.foldOrigin = !scene.strokePaths;
-    m_reader.Read(*scene.block.block, shown, {visible.first - 1, visible.Count(), geometry.samplesPerPixel});
+    m_reader.Read(*scene.block.block, shown, {visible.first - 1, visible.Count(), geometry.samplesPerPixel, from, to});
     const AnisotropicScope mapping(m_surface.Handle());
     // The last channel comes first, so that the first one lies on top.
     for (std::size_t at = shown.size(); at-- > 0;) {
@@ -108,6 +194,30 @@ void GraphPainter::DrawTraces(const GraphScene& scene) {
         const TraceMapping trace = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
         StrokeTrace(trace, scene, channel, m_reader.points()[at], visible.Count());
     }
+}
+
+RECT GraphPainter::Invert(const ColumnBand& band) {
+    const RECT rect{band.left, 0, band.right + 1, m_height};
+    PatBlt(m_surface.Handle(), rect.left, 0, rect.right - rect.left, m_height, DSTINVERT);
+    return rect;
+}
+
+void GraphPainter::InvertBands() {
+    for (const auto& band : m_bands) {
+        if (band) Invert(*band);
+    }
+}
+
+RECT GraphPainter::SetBand(GraphBand which, const std::optional<ColumnBand>& columns) {
+    std::optional<ColumnBand>& band = m_bands[static_cast<std::size_t>(which)];
+    RECT changed{};
+    if (m_width == 0 || band == columns) return changed;
+    if (band) changed = Invert(*band);
+    band = columns;
+    if (!columns) return changed;
+    const RECT appeared = Invert(*columns);
+    UnionRect(&changed, &changed, &appeared);
+    return changed;
 }
 
 void GraphPainter::StrokeTrace(const TraceMapping& mapping, const GraphScene& scene, std::size_t channel,

@@ -1,17 +1,21 @@
 #pragma once
 
+#include <array>
 #include <optional>
 
 #include "data/QL_Types.h"
 #include "view/AmplitudeScale.h"
 #include "view/QL_ChUtils.h"
 #include "view/ScaleLabels.h"
+#include "view/Selection.h"
 #include "view/TimeAxis.h"
 #include "view/TraceMapping.h"
 #include "view/win/GDI_Utils.h"
 #include "view/win/cMemDC.h"
 
 namespace quillon {
+
+enum class GridStyle { None = 0, Lines = 1, Dots = 2 };
 
 /// What one pass of the graph shows.
 struct GraphScene {
@@ -22,29 +26,61 @@ struct GraphScene {
     bool rawCodes = false;
     /// Stroke paths and leave the origin unfolded, as current systems do.
     bool strokePaths = true;
+    GridStyle gridStyle = GridStyle::None;
+    std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
 };
+
+/// The bands that lie inverted over the image.
+enum class GraphBand { Selection, Cursor, Count };
 
 /// Draws the graph off-screen and copies the finished image to its picture box.
 /// Owns the surface, the grid that is copied behind the traces, and the buffers of the traces' points.
+///
+/// The bands are part of the image: each is inverted once when it appears and once more when it goes, which leaves no
+/// trace of it.
 class GraphPainter {
   public:
     GraphPainter();
 
-    /// Draws background, marks and traces of the scene into a surface of that size.
+    /// Draws background, marks and traces of the scene into a surface of that size, the bands over them.
     void Draw(const GraphScene& scene, int width, int height);
-    /// An empty white surface.
+    /// The same image for a scene that differs from the drawn one only by its first column, which was moved by `shift`:
+    /// what stays visible is copied, the rest is drawn.
+    void Scroll(const GraphScene& scene, std::int32_t shift);
+    /// An empty white surface without bands.
     void Clear(int width, int height);
+    /// Another block is shown: what was read of the old one is of no use.
+    void ForgetBlock() { m_reader.Reset(); }
+    /// Moves, shows or hides a band; the returned rectangle holds what has changed.
+    RECT SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
+    [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const {
+        return m_bands[static_cast<std::size_t>(which)];
+    }
+    /// The mark whose line or label lies at a point of the graph; none where there is none.
+    [[nodiscard]] std::optional<std::size_t> MarkAt(const GraphScene& scene, int x, int y) const;
     /// Copies part of the image.
     void Paint(HDC target, const RECT& part) const;
-    [[nodiscard]] HDC Surface() const { return m_surface.Handle(); }
+    [[nodiscard]] const cMemDC& Surface() const { return m_surface; }
 
   private:
+    /// What the grid was drawn for.
+    struct GridKey {
+        int zeroRow;
+        GridStyle style;
+        std::uint32_t color;
+        friend bool operator==(const GridKey&, const GridKey&) = default;
+    };
+
     bool Prepare(int width, int height);
-    void DrawGrid(int zeroRow);
+    void DrawGrid(const GridKey& key);
+    void DrawColumns(const GraphScene& scene, int from, int to);
     void DrawMarks(const GraphScene& scene) const;
-    void DrawTraces(const GraphScene& scene);
+    void DrawTraces(const GraphScene& scene, int from, int to);
     void StrokeTrace(const TraceMapping& mapping, const GraphScene& scene, std::size_t channel,
                      const std::vector<TracePoint>& points, std::int32_t count);
+    void InvertBands();
+    RECT Invert(const ColumnBand& band);
+    [[nodiscard]] std::wstring MarkText(const GraphScene& scene, const MarkLine& line) const;
 
     cMemDC m_surface;
     cMemDC m_grid;  ///< one grid period wider than the surface, so that any horizontal position can be copied from it
@@ -52,7 +88,8 @@ class GraphPainter {
     TraceReader m_reader;
     int m_width = 0;
     int m_height = 0;
-    std::optional<int> m_gridZeroRow;  ///< what m_grid was drawn for
+    std::optional<GridKey> m_gridKey;
+    std::array<std::optional<ColumnBand>, static_cast<std::size_t>(GraphBand::Count)> m_bands;
 };
 
 }  // namespace quillon

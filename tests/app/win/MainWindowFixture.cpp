@@ -38,6 +38,8 @@ void MainWindowTest::Start() {
 }
 
 void MainWindowTest::Start(const std::wstring& folder) {
+    // The real pointer would show values of its own in the graph.
+    SetCursorPos(0, 0);
     m_services = std::make_unique<WinServices>(m_language);
     ASSERT_TRUE(Init(m_global, SystemParts(), *m_services));
     m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer, m_shutdown);

@@ -62,11 +62,18 @@ class FileOperation : public ::testing::Test {
     [[nodiscard]] std::ptrdiff_t FileCount() const {
         return std::distance(fs::directory_iterator(m_path), fs::directory_iterator());
     }
-    [[nodiscard]] bool Rename(const std::wstring& oldName, const std::wstring& newName) const {
-        return RenameFile(m_path.wstring(), oldName, newName, nullptr) == FileOperationResult::Done;
+    [[nodiscard]] FileOperationResult Rename(const std::wstring& oldName, const std::wstring& newName) const {
+        return RenameFile(m_path.wstring(), oldName, newName, nullptr);
     }
-    [[nodiscard]] bool Delete(const std::wstring& name) const {
-        return DeleteToRecycleBin(m_path.wstring(), name, nullptr) == FileOperationResult::Done;
+    [[nodiscard]] FileOperationResult Delete(const std::wstring& name) const {
+        return DeleteToRecycleBin(m_path.wstring(), name, nullptr);
+    }
+    /// Deletes a file, with one dialog that is answered with that button.
+    [[nodiscard]] FileOperationResult DeleteAnswering(WORD button, const std::wstring& name) const {
+        const Answers answers(button);
+        const FileOperationResult result = Delete(name);
+        EXPECT_EQ(answers.Count(), 1);
+        return result;
     }
     static std::string Content(const std::wstring& name) {
         return {reinterpret_cast<const char*>(name.data()), name.size() * sizeof(wchar_t)};
@@ -99,19 +106,13 @@ TEST_F(FileOperation, DeleteAsksAndMovesTheFileToTheRecycleBin) {
     for (const std::wstring& name : {unique + L".edf", unique + L" Ночь Ā.edf"}) {
         Make(name);
         Make(L"other.edf");
-        {
-            const Answers no(IDNO);
-            EXPECT_FALSE(Delete(name));
-            EXPECT_EQ(no.Count(), 1);
-        }
+        EXPECT_EQ(DeleteAnswering(IDNO, name), FileOperationResult::Declined);
         EXPECT_TRUE(Holds(name));
         // Wine cannot move a file to the trash of another file system, and a hard link cannot lead there either.
         std::error_code noLink;
         const fs::path link = trash / "files" / (name + L".link");
         fs::create_hard_link(m_path / name, link, noLink);
-        const Answers yes(IDYES);
-        EXPECT_TRUE(Delete(name));
-        EXPECT_EQ(yes.Count(), 1);
+        EXPECT_EQ(DeleteAnswering(IDYES, name), FileOperationResult::Done);
         EXPECT_FALSE(fs::exists(m_path / name));
         EXPECT_TRUE(Holds(L"other.edf"));
         EXPECT_EQ(FileCount(), 1);
@@ -123,65 +124,40 @@ TEST_F(FileOperation, DeleteAsksAndMovesTheFileToTheRecycleBin) {
     }
 }
 
-TEST_F(FileOperation, DeleteTouchesNothingButAFile) {
-    Make(L"A.edf");
-    Make(L"Ночь.edf");
+TEST_F(FileOperation, WhatIsRefusedTouchesNothing) {
+    for (const wchar_t* name : {L"A.edf", L"b.edf", L"Тень.edf"}) Make(name);
     fs::create_directory(m_path / "folder");
-    const Answers yes(IDYES);
+    const Answers none(IDYES);
     // To a code page without them, A with macron looks like A and Cyrillic letters like wildcards.
-    for (const wchar_t* name : {L"missing.edf", L"Ā.edf", L"Тень.edf", L"*", L"?.edf", L"", L".", L"folder",
-                                L"folder\\", L"A.edf ", L"A.edf."}) {
-        EXPECT_FALSE(Delete(name)) << Utf8(Narrow16(name));
+    for (const wchar_t* name : {L"missing.edf", L"Ā.edf", L"Ночь.edf", L"*", L"?.edf", L"", L"folder", L"A.edf "}) {
+        EXPECT_EQ(Delete(name), FileOperationResult::Failed) << Utf8(Narrow16(name));
+        EXPECT_EQ(Rename(name, L"c.edf"), FileOperationResult::Failed) << Utf8(Narrow16(name));
     }
     EXPECT_EQ(DeleteToRecycleBin(m_path / L"missing", L"A.edf", nullptr), FileOperationResult::Failed);
-    EXPECT_EQ(yes.Count(), 0);
-    EXPECT_TRUE(Holds(L"A.edf"));
-    EXPECT_EQ(FileCount(), 3);
+    for (const wchar_t* name : {L"b.edf", L"B.EDF", L"Тень.edf", L"folder", L"folder\\a.edf", L"..\\a.edf", L"c*.edf",
+                                L"nul.edf", L"c.edf.", L"", L"c:d", L"A.edf"}) {
+        EXPECT_EQ(Rename(L"A.edf", name), FileOperationResult::Failed) << Utf8(Narrow16(name));
+    }
+    EXPECT_EQ(none.Count(), 0);
+    for (const wchar_t* name : {L"A.edf", L"b.edf", L"Тень.edf"}) EXPECT_TRUE(Holds(name));
+    EXPECT_EQ(FileCount(), 4);
 }
 
 TEST_F(FileOperation, RenameKeepsTheContent) {
     const Answers none(IDCANCEL);
-    Make(L"a.edf");
-    EXPECT_TRUE(Rename(L"a.edf", L"b c.edf"));
-    EXPECT_TRUE(Holds(L"b c.edf", L"a.edf"));
     // By the ANSI call or the wide one, as the code page has it, from and to either.
-    EXPECT_TRUE(Rename(L"b c.edf", L"Ночь.edf"));
-    EXPECT_TRUE(Rename(L"Ночь.edf", L"Тень.edf"));
-    EXPECT_TRUE(Rename(L"Тень.edf", L"Ā.edf"));
-    EXPECT_TRUE(Rename(L"Ā.edf", L"Grün.edf"));
-    EXPECT_TRUE(Holds(L"Grün.edf", L"a.edf"));
-    EXPECT_EQ(FileCount(), 1);
-    EXPECT_EQ(none.Count(), 0);
-}
-
-TEST_F(FileOperation, ARefusedRenameTouchesNothing) {
-    Make(L"a.edf");
-    Make(L"b.edf");
-    Make(L"Тень.edf");
-    fs::create_directory(m_path / "folder");
-    const Answers none(IDCANCEL);
-    for (const wchar_t* name :
-         {L"b.edf", L"B.EDF", L"Тень.edf", L"folder", L"folder\\a.edf", L"..\\a.edf", L"C:\\a.edf", L"c*.edf", L"?",
-          L"nul.edf", L"COM1", L"c.edf.", L"c.edf ", L"", L"c:d", L"a.edf"}) {
-        EXPECT_FALSE(Rename(L"a.edf", name)) << Utf8(Narrow16(name));
+    const std::vector<std::wstring> names{L"a.edf", L"b c.edf", L"Ночь.edf", L"Тень.edf", L"Ā.edf", L"Grün.edf"};
+    Make(names[0]);
+    for (std::size_t at = 1; at < names.size(); ++at) {
+        EXPECT_EQ(Rename(names[at - 1], names[at]), FileOperationResult::Done) << at;
     }
-    EXPECT_FALSE(Rename(L"missing.edf", L"c.edf"));
-    EXPECT_FALSE(Rename(L"folder", L"c"));
-    EXPECT_FALSE(Rename(L"*.edf", L"c.edf"));
-    EXPECT_EQ(none.Count(), 0);
-    EXPECT_TRUE(Holds(L"a.edf"));
-    EXPECT_TRUE(Holds(L"b.edf"));
-    EXPECT_TRUE(Holds(L"Тень.edf"));
-    EXPECT_EQ(FileCount(), 4);
-}
-
-TEST_F(FileOperation, AnotherLetterCaseIsForTheShellToDecide) {
-    Make(L"a.edf");
-    const bool renamed = Rename(L"a.edf", L"A.EDF");
-    // Windows renames; Wine 8 takes the file for one that has the name already.
-    EXPECT_EQ(fs::directory_iterator(m_path)->path().filename().wstring(), renamed ? L"A.EDF" : L"a.edf");
-    EXPECT_TRUE(Holds(L"a.edf"));
+    EXPECT_TRUE(Holds(names.back(), names[0]));
+    // Windows renames to another letter case; Wine 8 takes the file for one that has the name already.
+    const bool renamed = Rename(names.back(), L"GRün.edf") == FileOperationResult::Done;
+    EXPECT_EQ(fs::directory_iterator(m_path)->path().filename().wstring(), renamed ? L"GRün.edf" : names.back());
+    EXPECT_TRUE(Holds(names.back(), names[0]));
     EXPECT_EQ(FileCount(), 1);
+    EXPECT_EQ(none.Count(), 0);
 }
 
 }  // namespace

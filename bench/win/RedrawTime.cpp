@@ -1,0 +1,79 @@
+// Time of a full redraw of the graph: 32 channels, 1500 columns, 2000 samples each, against reading those samples once:
+//     redraw-time RECORDING
+// "first" reads the samples, "again" has their summary, "page" scrolls by a page, "blit" copies the image once more.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <vector>
+
+#include "app/QL_Global.h"
+#include "norvik/RecordingLibrary.h"
+#include "view/win/GraphPainter.h"
+
+namespace {
+
+using namespace quillon;
+
+template <typename Work>
+double Milliseconds(Work work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    if (count < 2) return 2;
+    QL_Global global;
+    global.library = MakeRecordingLibrary(Language::English);
+    if (!global.library->OpenRecording(Narrow16(arguments[1]), global.file.recording)) return 1;
+    ViewBlock& block = global.block;
+    block.block = global.file.recording->GetBlock(1);
+    block.sampleCount = block.block->SampleCount();
+    block.channelCount = block.block->ChannelCount();
+    for (std::int16_t channel = 1; channel <= block.channelCount; ++channel) {
+        block.channelNumbers.push_back(block.block->ChannelNumber(channel));
+        block.invScale.push_back(1.0F / block.block->ChannelScale(channel));
+        block.offsets.push_back(block.block->ChannelOffset(channel));
+    }
+    constexpr int width = 1500;
+    constexpr int height = 800;
+    global.axis.SetWidth(width);
+    global.axis.SetBlock(block.sampleCount);
+    global.axis.Restore(10, 0);
+    global.amplitude.SetGraph(height, height / 2);
+    global.amplitude.FindData(TypicalRange(block, global.slots));
+    const GraphScene scene{block, global.slots, global.axis, global.amplitude, false, true, GridStyle::Lines, 0x808080};
+    GraphPainter painter;
+    cMemDC target;
+    target.CreateBitmap(width, height);
+    const auto show = [&] { painter.Paint(target.Handle(), {0, 0, width, height}); };
+    std::vector<double> read, first, again, page, blit;
+    std::vector<std::int16_t> frames(std::size_t{4096} * static_cast<std::size_t>(block.channelCount));
+    const std::int32_t samples = std::min(width * 2000, block.sampleCount);
+    for (int round = 0; round < 9; ++round) {
+        global.axis.Restore(10, 0);
+        read.push_back(Milliseconds([&] {
+            for (std::int32_t at = 0; at < samples; at += 4096)
+                block.block->ReadFrames(at, std::min(4096, samples - at), frames.data());
+        }));
+        painter.ForgetBlock();
+        first.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
+        again.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
+        const std::int32_t shift = global.axis.ScrollBy(global.axis.PageShift(2) / 15);
+        page.push_back(Milliseconds([&] { painter.Scroll(scene, shift), show(); }));
+        blit.push_back(Milliseconds(show));
+    }
+    std::printf(
+        "%d channels, %d samples: read %.1f ms, first %.1f ms (%.2f of it), again %.1f ms, "
+        "scrolled by a fifteenth of a page %.1f ms, blit %.2f ms\n",
+        block.channelCount, samples, Median(read), Median(first), Median(first) / Median(read), Median(again),
+        Median(page), Median(blit));
+    return 0;
+}

@@ -1,0 +1,111 @@
+#include "app/KeyMap.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/Commands.h"
+#include "base/StringIds.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr bool kControl = true;
+constexpr bool kShift = true;
+constexpr bool kAlt = true;
+constexpr bool kNo = false;
+
+constexpr std::array kBindings{
+    KeyBinding{KeyPlace::Graph, Key::Left, mnuMove + 0},
+    KeyBinding{KeyPlace::Graph, Key::Right, mnuMove + 1},
+    KeyBinding{KeyPlace::Graph, Key::Left, mnuMove + 2, kControl},
+    KeyBinding{KeyPlace::Graph, Key::Right, mnuMove + 3, kControl},
+    KeyBinding{KeyPlace::Graph, Key::Left, mnuMove + 4, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Key::Right, mnuMove + 5, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Key::Up, mnuMove + 6},
+    KeyBinding{KeyPlace::Graph, Key::Down, mnuMove + 7},
+    KeyBinding{KeyPlace::Graph, Key::Up, mnuMove + 8, kControl},
+    KeyBinding{KeyPlace::Graph, Key::Down, mnuMove + 9, kControl},
+    KeyBinding{KeyPlace::Graph, Key::Up, mnuMove + 10, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Key::Down, mnuMove + 11, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Key::PageUp, mnuGoTo + 1},
+    KeyBinding{KeyPlace::Graph, Key::PageDown, mnuGoTo + 2},
+    KeyBinding{KeyPlace::Graph, Key::Home, mnuGoTo + 0},
+    KeyBinding{KeyPlace::Graph, Key::End, mnuGoTo + 3},
+    KeyBinding{KeyPlace::Graph, Key::Plus, mnuZoomY + 1},
+    KeyBinding{KeyPlace::Graph, Key::Minus, mnuZoomY + 0},
+    KeyBinding{KeyPlace::Graph, Key::Plus, mnuZoomX + 1, kControl},
+    KeyBinding{KeyPlace::Graph, Key::Minus, mnuZoomX + 0, kControl},
+    KeyBinding{KeyPlace::Everywhere, Letter('E'), mnuView + 0, kControl},
+    KeyBinding{KeyPlace::Everywhere, Letter('F'), mnuView + 1, kControl},
+    KeyBinding{KeyPlace::Graph, Key::Backspace, mnuView + 2},
+    KeyBinding{KeyPlace::Graph, Letter('B'), mnuBaseLine + 0},
+    KeyBinding{KeyPlace::Graph, Letter('D'), mnuBaseLine + 1},
+    KeyBinding{KeyPlace::Graph, Letter('G'), mnuSpectrogram},
+    KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 0},
+    KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 1, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Key::Escape, mnuSelect + 2},
+    KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 0, kControl},
+    KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 1, kControl, kShift},
+    KeyBinding{KeyPlace::Everywhere, Letter('C'), mnuCopy + 0, kControl},
+    KeyBinding{KeyPlace::Everywhere, Letter('C'), mnuCopy + 1, kControl, kShift},
+    KeyBinding{KeyPlace::Everywhere, Letter('S'), mnuSaveAs, kControl},
+    KeyBinding{KeyPlace::Everywhere, Letter('E'), mnuFastExport, kControl, kShift},
+    KeyBinding{KeyPlace::Everywhere, Letter('S'), mnuSplit, kControl, kShift},
+    KeyBinding{KeyPlace::Everywhere, Key::Left, mnuMark + 0, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Everywhere, Key::Right, mnuMark + 1, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Everywhere, Letter('G'), mnuGoToPlace, kControl},
+    KeyBinding{KeyPlace::Everywhere, Key::F5, mnuTabFile + 0},
+    KeyBinding{KeyPlace::Everywhere, Key::F1, mnuHelp},
+    KeyBinding{KeyPlace::FolderList, Key::Enter, mnuOpenFolder},
+    KeyBinding{KeyPlace::FileList, Key::Delete, mnuFileOperation + 0},
+    KeyBinding{KeyPlace::FileList, Key::F2, mnuFileOperation + 1},
+    KeyBinding{KeyPlace::ChannelList, Letter('A'), mnuChShow + 0, kControl},
+    KeyBinding{KeyPlace::ChannelList, Letter('A'), mnuChShow + 1, kControl, kShift},
+    KeyBinding{KeyPlace::ChannelList, Letter('I'), mnuChShow + 2, kControl},
+};
+
+std::u16string NameOf(Key key, const UserServices& services) {
+    switch (key) {
+        case Key::Plus: return u"+";
+        case Key::Minus: return u"-";
+        case Key::F1: return u"F1";
+        case Key::F2: return u"F2";
+        case Key::F5: return u"F5";
+        default: break;
+    }
+    if (key < Key::Left) return std::u16string(1, static_cast<char16_t>(key));
+    return services.Text(IDS_KEY_0 + static_cast<int>(key) - static_cast<int>(Key::Left));
+}
+
+}  // namespace
+
+std::span<const KeyBinding> KeyBindings() {
+    return kBindings;
+}
+
+int CommandOf(KeyPlace place, Key key, bool control, bool shift, bool alt) {
+    const auto found = std::find_if(kBindings.begin(), kBindings.end(), [&](const KeyBinding& binding) {
+        return (binding.place == place || binding.place == KeyPlace::Everywhere) && binding.key == key &&
+               binding.control == control && binding.shift == shift && binding.alt == alt;
+    });
+    return found == kBindings.end() ? 0 : found->command;
+}
+
+std::u16string KeyText(const KeyBinding& binding, const UserServices& services) {
+    std::u16string text;
+    if (binding.control) text += u"Ctrl+";
+    if (binding.shift) text += u"Shift+";
+    if (binding.alt) text += u"Alt+";
+    return text + NameOf(binding.key, services);
+}
+
+std::u16string AcceleratorText(int command, const UserServices& services) {
+    const auto found = std::find_if(kBindings.begin(), kBindings.end(), [&](const KeyBinding& binding) {
+        return binding.command == command &&
+               (binding.place == KeyPlace::Everywhere || binding.place == KeyPlace::Graph);
+    });
+    return found == kBindings.end() ? std::u16string() : KeyText(*found, services);
+}
+
+}  // namespace quillon

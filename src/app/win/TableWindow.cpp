@@ -1,0 +1,270 @@
+#include "app/win/TableWindow.h"
+
+#include <algorithm>
+#include <cstring>
+#include <exception>
+
+#include "app/win/DialogTemplate.h"
+#include "app/win/WinHandle.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr int kList = 101;
+constexpr int kCopy = 102;
+
+struct MemoryTraits {
+    using Handle = HGLOBAL;
+    static Handle Invalid() { return nullptr; }
+    static void Close(Handle handle) { GlobalFree(handle); }
+};
+
+struct Table {
+    const TableTexts& texts;
+    const std::vector<std::vector<std::wstring>>& rows;
+
+    [[nodiscard]] const wchar_t* Cell(std::size_t row, std::size_t column) const {
+        return column < rows[row].size() ? rows[row][column].c_str() : L"";
+    }
+};
+
+/// A cell in a line of cells: what would end it becomes a blank.
+void AppendCell(std::wstring& line, std::wstring_view cell) {
+    for (const wchar_t letter : cell) line += letter == L'\t' || letter == L'\r' || letter == L'\n' ? L' ' : letter;
+}
+
+std::wstring TabbedText(const Table& table) {
+    std::wstring text;
+    const std::size_t columns = table.texts.columns.size();
+    for (std::size_t column = 0; column < columns; ++column) {
+        if (column != 0) text += L'\t';
+        AppendCell(text, table.texts.columns[column]);
+    }
+    text += L"\r\n";
+    for (std::size_t row = 0; row < table.rows.size(); ++row) {
+        for (std::size_t column = 0; column < columns; ++column) {
+            if (column != 0) text += L'\t';
+            AppendCell(text, table.Cell(row, column));
+        }
+        text += L"\r\n";
+    }
+    return text;
+}
+
+/// False where another program keeps the clipboard open or memory is short.
+bool PutOnClipboard(HWND owner, const std::wstring& text) {
+    const std::size_t size = (text.size() + 1) * sizeof(wchar_t);
+    WinHandle<MemoryTraits> memory(GlobalAlloc(GMEM_MOVEABLE, size));
+    if (!memory) return false;
+    void* const place = GlobalLock(memory.Get());
+    if (place == nullptr) return false;
+    std::memcpy(place, text.c_str(), size);
+    GlobalUnlock(memory.Get());
+    constexpr int attempts = 10;
+    constexpr DWORD pause = 20;  // milliseconds: others open it for moments only
+    bool open = OpenClipboard(owner) != FALSE;
+    for (int attempt = 1; !open && attempt < attempts; ++attempt) {
+        Sleep(pause);
+        open = OpenClipboard(owner) != FALSE;
+    }
+    if (!open) return false;
+    EmptyClipboard();
+    const bool done = SetClipboardData(CF_UNICODETEXT, memory.Get()) != nullptr;
+    CloseClipboard();
+    if (done) static_cast<void>(memory.Release());  // it is the system's now
+    return done;
+}
+
+const Table& TableOf(HWND dialog) {
+    return *reinterpret_cast<const Table*>(GetWindowLongPtrW(dialog, DWLP_USER));
+}
+
+void Copy(HWND dialog) {
+    try {
+        if (PutOnClipboard(dialog, TabbedText(TableOf(dialog)))) return;
+    } catch (const std::exception&) {  // no memory for the text
+    }
+    MessageBeep(MB_ICONWARNING);
+}
+
+/// Ctrl+C of the dialog's controls.
+LRESULT CALLBACK CopyKey(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id, DWORD_PTR) {
+    if (message == WM_KEYDOWN && wParam == 'C' && GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0) {
+        Copy(GetParent(control));
+        return 0;
+    }
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(control, CopyKey, id);
+    return DefSubclassProc(control, message, wParam, lParam);
+}
+
+/// Pixels of lengths in dialog units.
+SIZE Pixels(HWND dialog, int width, int height) {
+    RECT rect{0, 0, width, height};
+    MapDialogRect(dialog, &rect);
+    return {rect.right, rect.bottom};
+}
+
+SIZE SizeOf(const RECT& rect) {
+    return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+/// Puts the table into the list; the columns are as wide as their widest text.
+int FillList(HWND list, const Table& table, int cellMargins) {
+    ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
+    const auto width = [&](const wchar_t* text) {
+        return static_cast<int>(SendPointer(list, LVM_GETSTRINGWIDTHW, 0, text)) + cellMargins;
+    };
+    int all = 0;
+    for (std::size_t at = 0; at < table.texts.columns.size(); ++at) {
+        std::wstring caption = table.texts.columns[at];
+        LVCOLUMNW column{};
+        column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
+        column.fmt = at != 0 && table.texts.numeric ? LVCFMT_RIGHT : LVCFMT_LEFT;
+        column.pszText = caption.data();
+        column.cx = width(caption.c_str());
+        for (std::size_t row = 0; row < table.rows.size(); ++row)
+            column.cx = std::max(column.cx, width(table.Cell(row, at)));
+        SendPointer(list, LVM_INSERTCOLUMNW, at, &column);
+        all += column.cx;
+    }
+    for (std::size_t row = 0; row < table.rows.size(); ++row) {
+        for (std::size_t at = 0; at < table.texts.columns.size(); ++at) {
+            std::wstring cell = table.Cell(row, at);
+            LVITEMW item{};
+            item.mask = LVIF_TEXT;
+            item.iItem = static_cast<int>(row);
+            item.iSubItem = static_cast<int>(at);
+            item.pszText = cell.data();
+            SendPointer(list, at == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, &item);
+        }
+    }
+    return all;
+}
+
+/// Size of a list view that shows all rows and columns, with scroll bars where that exceeds the limit.
+SIZE ListSize(HWND list, int columnsWidth, SIZE limit) {
+    // Rows are of equal height; the first begins below the header.
+    RECT header{};
+    GetWindowRect(ListView_GetHeader(list), &header);
+    RECT first{0, SizeOf(header).cy, 0, 2 * SizeOf(header).cy};
+    ListView_GetItemRect(list, 0, &first, LVIR_BOUNDS);
+    const LONG rows = std::max(ListView_GetItemCount(list), 1);
+    const LONG height = first.top + rows * SizeOf(first).cy;
+    RECT frame{};
+    AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongW(list, GWL_STYLE)) & ~DWORD{WS_HSCROLL | WS_VSCROLL},
+                       FALSE, static_cast<DWORD>(GetWindowLongW(list, GWL_EXSTYLE)));
+    SIZE size{columnsWidth + SizeOf(frame).cx, height + SizeOf(frame).cy};
+    if (size.cx > limit.cx) size.cy += GetSystemMetrics(SM_CYHSCROLL);
+    if (size.cy > limit.cy) size.cx += GetSystemMetrics(SM_CXVSCROLL);
+    return {std::min(size.cx, limit.cx), std::min(size.cy, limit.cy)};
+}
+
+/// Pixels of a text in a font.
+int TextWidth(HWND window, HGDIOBJ font, const std::wstring& text) {
+    const WindowDC dc(window);
+    const SelectScope select(dc.Get(), font);
+    SIZE size{};
+    GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+    return size.cx;
+}
+
+/// Client width that leaves room for the title.
+int TitleWidth(HWND dialog) {
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    const GdiFont font(CreateFontIndirectW(&metrics.lfCaptionFont));
+    return TextWidth(dialog, font.Get(), WindowText(dialog)) + 4 * metrics.iCaptionWidth;
+}
+
+/// The middle of the owner, or of the work area, moved into the work area.
+POINT Centred(HWND dialog, const RECT& work, SIZE size) {
+    RECT about = work;
+    const HWND owner = GetWindow(dialog, GW_OWNER);
+    if (owner != nullptr && IsWindowVisible(owner) && !IsIconic(owner)) GetWindowRect(owner, &about);
+    return {std::clamp((about.left + about.right - size.cx) / 2, work.left, std::max(work.left, work.right - size.cx)),
+            std::clamp((about.top + about.bottom - size.cy) / 2, work.top, std::max(work.top, work.bottom - size.cy))};
+}
+
+void LayOut(HWND dialog, int columnsWidth) {
+    const SIZE margin = Pixels(dialog, 7, 7);
+    const SIZE gap = Pixels(dialog, 4, 7);
+    SIZE button = Pixels(dialog, 50, 14);
+    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(dialog, WM_GETFONT, 0, 0));
+    for (const int id : {kCopy, IDOK}) {
+        const HWND control = GetDlgItem(dialog, id);
+        button.cx = std::max(button.cx, TextWidth(control, font, WindowText(control)) + 2 * margin.cx);
+    }
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoW(MonitorFromWindow(dialog, MONITOR_DEFAULTTONEAREST), &monitor);
+    const SIZE work = SizeOf(monitor.rcWork);
+    RECT outer{};
+    RECT inner{};
+    GetWindowRect(dialog, &outer);
+    GetClientRect(dialog, &inner);
+    const SIZE around{SizeOf(outer).cx - inner.right + 2 * margin.cx,
+                      SizeOf(outer).cy - inner.bottom + 2 * margin.cy + gap.cy + button.cy};
+    const HWND list = GetDlgItem(dialog, kList);
+    SIZE size = ListSize(list, columnsWidth, {work.cx * 4 / 5 - around.cx, work.cy * 4 / 5 - around.cy});
+    const LONG least = std::max(2 * button.cx + gap.cx, static_cast<LONG>(TitleWidth(dialog)) - 2 * margin.cx);
+    size.cx = std::max(size.cx, std::min(least, work.cx - around.cx));
+    const SIZE whole{size.cx + around.cx, size.cy + around.cy};
+    const POINT place = Centred(dialog, monitor.rcWork, whole);
+    SetWindowPos(dialog, nullptr, place.x, place.y, whole.cx, whole.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+    MoveWindow(list, margin.cx, margin.cy, size.cx, size.cy, FALSE);
+    const LONG row = margin.cy + size.cy + gap.cy;
+    const LONG close = margin.cx + size.cx - button.cx;
+    MoveWindow(GetDlgItem(dialog, IDOK), close, row, button.cx, button.cy, FALSE);
+    MoveWindow(GetDlgItem(dialog, kCopy), close - gap.cx - button.cx, row, button.cx, button.cy, FALSE);
+}
+
+void Initialise(HWND dialog, LPARAM lParam) {
+    SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+    const HWND list = GetDlgItem(dialog, kList);
+    const int columnsWidth = FillList(list, TableOf(dialog), Pixels(dialog, 10, 0).cx);
+    LayOut(dialog, columnsWidth);
+    for (const int id : {kList, kCopy, IDOK}) SetWindowSubclass(GetDlgItem(dialog, id), CopyKey, 1, 0);
+    ListView_SetItemState(list, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
+    SetFocus(list);
+}
+
+INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        try {
+            Initialise(dialog, lParam);
+        } catch (const std::exception&) {
+            EndDialog(dialog, IDCANCEL);  // no memory for the texts
+        }
+        return FALSE;
+    }
+    if (message != WM_COMMAND) return FALSE;
+    switch (LOWORD(wParam)) {
+        case kCopy:
+            Copy(dialog);
+            // So that Enter closes again.
+            SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog, kList)), TRUE);
+            return TRUE;
+        case IDOK:
+        case IDCANCEL: EndDialog(dialog, LOWORD(wParam)); return TRUE;
+        default: return FALSE;
+    }
+}
+
+}  // namespace
+
+void ShowTable(HWND owner, const TableTexts& texts, const std::vector<std::vector<std::wstring>>& rows) {
+    const Table table{texts, rows};
+    // All get their sizes when the texts have been measured. Until then the list is larger than a screen: of two scroll
+    // bars that it once shows each would be a reason for the other.
+    DialogTemplate dialog(texts.title, 200, 100, 3);
+    dialog.Item(WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER, kList, 7,
+                7, 5000, 5000);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, texts.copy, 89, 79, 50, 14);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, texts.close, 143, 79, 50, 14);
+    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure,
+                            reinterpret_cast<LPARAM>(&table));
+}
+
+}  // namespace quillon

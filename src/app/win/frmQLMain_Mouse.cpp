@@ -1,0 +1,281 @@
+#include <algorithm>
+
+#include "app/ControlIds.h"
+#include "app/win/frmQLMain.h"
+#include "base/StringIds.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr UINT_PTR kAutoScroll = 1;
+constexpr UINT kAutoScrollPeriod = 40;  // ms
+
+}  // namespace
+
+ReadoutSource frmQLMain::Source() const {
+    return {m_global.block, m_global.slots, m_global.format, m_global.rawCodes};
+}
+
+bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) {
+    const int x = GET_X_LPARAM(lParam);
+    const int y = GET_Y_LPARAM(lParam);
+    if (id == pbPathList && message == WM_LBUTTONDOWN) return ShowPathList(), true;
+    if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN)
+        SetFocus(m_graphBox.Window());
+    if (id == pbScaleY) return ScaleYMouse(message, y);
+    if (id != pbGraph) return message == WM_LBUTTONDOWN;
+    if (message == WM_SETCURSOR) return SetCursor(GraphPointer()), true;
+    if (message == WM_CANCELMODE || message == WM_CAPTURECHANGED) {
+        // Taken by a menu, a dialog or another window.
+        EndGesture();
+        if (message == WM_CANCELMODE) EndHover();
+        return false;
+    }
+    if (m_global.block.sampleCount == 0) return message == WM_LBUTTONDOWN;
+    const bool control = (wParam & MK_CONTROL) != 0;
+    switch (message) {
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            if (control) {
+                Hover(x, y);
+            } else {
+                StartSelection(x, (wParam & MK_SHIFT) != 0);
+            }
+            return true;
+        case WM_MBUTTONDOWN:
+            EndHover();
+            m_gesture = {Gesture::Pan, x, y, m_global.axis.FirstColumn(), m_global.amplitude.Shift()};
+            SetCapture(m_graphBox.Window());
+            SetCursor(LoadCursorW(nullptr, IDC_SIZEALL));
+            return true;
+        case WM_MOUSEMOVE:
+            if (m_gesture.kind == Gesture::Select) {
+                DragSelection(x);
+            } else if (m_gesture.kind == Gesture::Pan) {
+                ScrollBy(m_gesture.column - (x - m_gesture.x) - m_global.axis.FirstColumn());
+                MoveBaseLine(m_gesture.shift + (y - m_gesture.y) - m_global.amplitude.Shift());
+            } else if ((wParam & MK_LBUTTON) == 0 || control) {
+                Hover(x, y);
+            }
+            return true;
+        case WM_LBUTTONUP:
+            if (m_gesture.kind == Gesture::Select) FinishSelection(x);
+            return true;
+        case WM_MBUTTONUP: ReleaseCapture(); return true;
+        case WM_RBUTTONUP: {
+            EndHover();
+            m_menuChannel = ChannelNear(Source(), m_global.amplitude, SampleUnder(m_global.axis, x), y);
+            POINT screen{x, y};
+            ClientToScreen(m_graphBox.Window(), &screen);
+            ShowContextMenu(screen);
+            return true;
+        }
+        default: return false;
+    }
+}
+
+bool frmQLMain::ScaleYMouse(UINT message, int y) {
+    if (message == WM_LBUTTONDOWN && m_global.block.sampleCount > 0) {
+        m_gesture = {Gesture::BaseLine, 0, y, 0, m_global.amplitude.Shift()};
+        SetCapture(m_scaleYBox.Window());
+    } else if (message == WM_MOUSEMOVE && m_gesture.kind == Gesture::BaseLine) {
+        MoveBaseLine(m_gesture.shift + (y - m_gesture.y) - m_global.amplitude.Shift());
+    } else if (message == WM_LBUTTONUP && m_gesture.kind == Gesture::BaseLine) {
+        ReleaseCapture();
+    } else if (message == WM_CAPTURECHANGED) {
+        EndGesture();
+    } else if (message == WM_SETCURSOR) {
+        SetCursor(LoadCursorW(nullptr, IDC_SIZENS));
+        return true;
+    }
+    return message == WM_LBUTTONDOWN;
+}
+
+void frmQLMain::EndGesture() {
+    if (m_gesture.kind == Gesture::None) return;
+    KillTimer(m_window, kAutoScroll);
+    // A selection that was taken away in mid-drag stays as far as it came.
+    if (m_gesture.kind == Gesture::Select && m_global.selection.start == m_global.selection.end)
+        m_global.selection.active = false;
+    m_gesture.kind = Gesture::None;
+    ShowSelection();
+    UpdateCommands();
+}
+
+HCURSOR frmQLMain::GraphPointer() {
+    return m_cursors.Get(m_global.settings.waveformCursor);
+}
+
+// The hover readout.
+
+void frmQLMain::Hover(int x, int y) {
+    const HWND graph = m_graphBox.Window();
+    if (GetCapture() != graph) {
+        // A window of another program or a dialog may be over ours.
+        if (!IsWindowEnabled(m_window)) return;
+        SetCapture(graph);
+        SetCursor(GraphPointer());
+    }
+    m_hovering = true;
+    POINT screen{};
+    GetCursorPos(&screen);
+    if (WindowFromPoint(screen) != graph) return EndHover();
+    m_hoverPoint = {x, y};
+    const TimeAxis& axis = m_global.axis;
+    const bool onStrip = x >= 0 && x < axis.Width() && axis.FirstColumn() + x < axis.StripLength();
+    if (!onStrip) return HideCursorBand();
+    ShowHover(SampleUnder(axis, x), x);
+}
+
+void frmQLMain::ShowHover(std::int32_t sample, std::int32_t column) {
+    InvalidateGraph(m_graph.SetBand(GraphBand::Cursor, ColumnBand{column, column}));
+    std::u16string text = HoverReadout(Source(), sample);
+    if (const auto mark = m_graph.MarkAt(Scene(), m_hovering ? static_cast<int>(m_hoverPoint.x) : column,
+                                         m_hovering ? static_cast<int>(m_hoverPoint.y) : 0))
+        text = m_global.block.marks[*mark].text + u"\r\n" + text;
+    m_values.Text(text);
+    m_values.Refresh();
+}
+
+void frmQLMain::HideCursorBand() {
+    InvalidateGraph(m_graph.SetBand(GraphBand::Cursor, std::nullopt));
+}
+
+void frmQLMain::EndHover() {
+    HideCursorBand();
+    if (!m_hovering) return;
+    m_hovering = false;
+    if (GetCapture() == m_graphBox.Window()) ReleaseCapture();
+    UpdateWindow(m_graphBox.Window());
+}
+
+void frmQLMain::InvalidateGraph(const RECT& part) const {
+    if (!IsRectEmpty(&part)) InvalidateRect(m_graphBox.Window(), &part, FALSE);
+}
+
+// The selection.
+
+void frmQLMain::ShowSelection() {
+    const Selection& selection = m_global.selection;
+    InvalidateGraph(
+        m_graph.SetBand(GraphBand::Selection,
+                        selection.active ? BandOf(m_global.axis, selection.First(), selection.Last()) : std::nullopt));
+}
+
+void frmQLMain::ShowRange() {
+    m_values.Text(RangeReadout(Source(), m_global.selection));
+    m_values.Refresh();
+}
+
+void frmQLMain::StartSelection(int x, bool extend) {
+    EndHover();
+    Selection& selection = m_global.selection;
+    m_gesture = {Gesture::Select, x, 0, 0, 0};
+    SetCapture(m_graphBox.Window());
+    if (extend && selection.active) return DragSelection(x);
+    const std::int32_t sample = SampleUnder(m_global.axis, x);
+    selection = {true, m_global.currentChannel, sample, sample};
+    ShowSelection();
+}
+
+void frmQLMain::DragSelection(int x) {
+    const bool outside = x < 0 || x >= m_global.axis.Width();
+    m_gesture.x = x;
+    if (outside) {
+        SetTimer(m_window, kAutoScroll, kAutoScrollPeriod, nullptr);
+    } else {
+        KillTimer(m_window, kAutoScroll);
+    }
+    m_global.selection.end = SampleUnder(m_global.axis, std::clamp(x, 0, m_global.axis.Width() - 1));
+    ShowSelection();
+    ShowRange();
+}
+
+void frmQLMain::OnTimer(UINT_PTR timer) {
+    if (timer != kAutoScroll || m_gesture.kind != Gesture::Select) return;
+    // The further outside the pointer is, the faster the view runs, up to a division a step.
+    const int beyond = m_gesture.x < 0 ? m_gesture.x : m_gesture.x - m_global.axis.Width() + 1;
+    const std::int32_t lastFirst = std::max(m_global.axis.StripLength() - m_global.axis.Width(), 0);
+    const std::int32_t shift = std::clamp(beyond, -TimeAxis::kDivision, TimeAxis::kDivision);
+    ScrollBy(std::min(shift, std::max(lastFirst - m_global.axis.FirstColumn(), 0)));
+    DragSelection(m_gesture.x);
+}
+
+void frmQLMain::FinishSelection(int x) {
+    KillTimer(m_window, kAutoScroll);
+    m_global.selection.end = SampleUnder(m_global.axis, x);
+    // Ends the gesture through the loss of the capture, and drops a selection of no length.
+    ReleaseCapture();
+    if (m_global.selection.active) ShowRange();
+}
+
+void frmQLMain::Select(int index) {
+    Selection& selection = m_global.selection;
+    const VisibleRange visible = m_global.axis.Visible();
+    if (index == 1 && visible.Count() < 1) return;
+    selection = index == 0   ? Selection{true, m_global.currentChannel, 1, m_global.block.sampleCount}
+                : index == 1 ? Selection{true, m_global.currentChannel, visible.first, visible.last}
+                             : Selection{};
+    ShowSelection();
+    if (selection.active) ShowRange();
+    UpdateCommands();
+}
+
+void frmQLMain::MoveSelectionEnd(std::int32_t columns) {
+    Selection& selection = m_global.selection;
+    const std::int64_t end = std::int64_t{selection.end} + std::int64_t{columns} * m_global.axis.SamplesPerPixel();
+    selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_global.block.sampleCount));
+    // The end stays in view.
+    const std::int32_t column = (selection.end - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
+    if (column < 0) ScrollBy(column);
+    if (column >= m_global.axis.Width()) ScrollBy(column - m_global.axis.Width() + 1);
+    ShowSelection();
+    ShowRange();
+}
+
+// The wheel.
+
+bool frmQLMain::RouteWheel(const MSG& message) {
+    // The wheel belongs to what lies under the pointer, wherever the focus is.
+    const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
+    if (under == nullptr || !IsWindowEnabled(m_window) || !IsChild(m_window, under)) return false;
+    if (under != m_graphBox.Window() && under != m_scaleXBox.Window() && under != m_scaleYBox.Window()) {
+        SendMessageW(under, WM_MOUSEWHEEL, message.wParam, message.lParam);
+        return true;
+    }
+    int delta = GET_WHEEL_DELTA_WPARAM(message.wParam);
+    // What has queued up while the last turn was drawn is one turn.
+    MSG next{};
+    while (PeekMessageW(&next, nullptr, WM_MOUSEWHEEL, WM_MOUSEWHEEL, PM_NOREMOVE) && next.hwnd == message.hwnd &&
+           LOWORD(next.wParam) == LOWORD(message.wParam)) {
+        PeekMessageW(&next, nullptr, WM_MOUSEWHEEL, WM_MOUSEWHEEL, PM_REMOVE);
+        delta += GET_WHEEL_DELTA_WPARAM(next.wParam);
+    }
+    POINT point{GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)};
+    ScreenToClient(m_graphBox.Window(), &point);
+    const bool alt = GetKeyState(VK_MENU) < 0;
+    // The release of the key would open the menu.
+    if (alt) m_altUsed = true;
+    OnWheel(under, delta, GET_KEYSTATE_WPARAM(message.wParam), alt, static_cast<int>(point.x));
+    return true;
+}
+
+void frmQLMain::OnWheel(HWND under, int delta, UINT keys, bool alt, int column) {
+    // Movement below a notch adds up; a reversal clears the rest.
+    if ((m_wheelRest > 0) != (delta > 0)) m_wheelRest = 0;
+    m_wheelRest += delta;
+    const int notches = m_wheelRest / WHEEL_DELTA;
+    m_wheelRest -= notches * WHEEL_DELTA;
+    if (notches == 0 || m_global.block.sampleCount == 0) return;
+    const bool control = (keys & MK_CONTROL) != 0;
+    const bool shift = (keys & MK_SHIFT) != 0;
+    const int direction = notches > 0 ? 1 : 0;
+    const bool zoomY = under == m_scaleYBox.Window() || alt || (control && shift);
+    const bool zoomX = under == m_scaleXBox.Window() || control;
+    for (int step = 0; zoomY && step < std::abs(notches); ++step) ZoomY(direction);
+    for (int step = 0; !zoomY && zoomX && step < std::abs(notches); ++step) ZoomAbout(direction, column);
+    if (!zoomX && !zoomY) ScrollBy(-notches * (shift ? 20 : 100));
+}
+
+}  // namespace quillon

@@ -1,0 +1,230 @@
+#include <algorithm>
+
+#include "app/ControlIds.h"
+#include "app/KeyMap.h"
+#include "app/win/InputBox.h"
+#include "app/win/TableWindow.h"
+#include "app/win/frmQLMain.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "view/DataRange.h"
+#include "view/PositionInput.h"
+
+namespace quillon {
+
+namespace {
+
+/// A caption without the mark of its mnemonic and its dots.
+std::wstring Plain(const std::u16string& caption) {
+    std::wstring text;
+    for (const wchar_t letter : Wide(caption)) {
+        if (letter != L'&' && letter != L'.') text.push_back(letter);
+    }
+    return text;
+}
+
+}  // namespace
+
+void frmQLMain::KeepView() {
+    m_global.history.Push({m_global.axis.ZoomIndex(), m_global.axis.FirstColumn(), m_global.amplitude.Index(),
+                           m_global.amplitude.Shift()});
+}
+
+void frmQLMain::ScrollBy(std::int32_t shift) {
+    const std::int32_t moved = m_global.axis.ScrollBy(shift);
+    if (moved != 0) Refresh(moved);
+}
+
+void frmQLMain::GoTo(int index) {
+    if (index == 0 || index == 3) KeepView();
+    ScrollBy(m_global.axis.PageShift(index));
+}
+
+void frmQLMain::MoveView(int index) {
+    const Move move = Moves()[static_cast<std::size_t>(index)];
+    if (std::abs(move.columns) == 1 && m_global.selection.active) return MoveSelectionEnd(move.columns);
+    ScrollBy(move.columns);
+    MoveBaseLine(move.rows);
+}
+
+void frmQLMain::SelectZoomX(int index) {
+    if (index == m_global.axis.ZoomIndex()) return;
+    KeepView();
+    m_global.axis.SelectZoom(index);
+    Refresh();
+}
+
+void frmQLMain::ZoomX(int index) {
+    // Beyond the menu's zooms, where a whole long block is shown, the way out ends and the way in goes on.
+    const int next = m_global.axis.ZoomIndex() + (index == 0 ? 1 : -1);
+    if (next >= 0 && (index != 0 || next < TimeAxis::kMenuZoomCount)) SelectZoomX(next);
+}
+
+void frmQLMain::ZoomAbout(int index, int column) {
+    const int next = m_global.axis.ZoomIndex() + (index == 0 ? 1 : -1);
+    if (next < 0 || (index == 0 && next >= TimeAxis::kMenuZoomCount)) return;
+    KeepView();
+    if (m_global.axis.SelectZoomAbout(next, column)) Refresh();
+}
+
+void frmQLMain::ZoomY(int index) {
+    KeepView();
+    m_global.amplitude.ZoomY(index == 0 ? -1 : 1);
+    Refresh();
+}
+
+void frmQLMain::SelectScaleY(int index) {
+    KeepView();
+    m_global.amplitude.SelectScale(index);
+    Refresh();
+}
+
+void frmQLMain::BaseLine(int index) {
+    KeepView();
+    if (index == 0) {
+        m_global.amplitude.SetBipolar();
+    } else if (m_global.rawCodes) {
+        m_global.amplitude.FindData(kRawCodesRange);
+    } else {
+        m_global.amplitude.FindData(m_global.ranges.OfShown(m_global.block, m_global.slots));
+    }
+    Refresh();
+}
+
+void frmQLMain::MoveBaseLine(std::int32_t rows) {
+    if (m_global.block.sampleCount == 0 || rows == 0) return;
+    m_global.amplitude.MoveBaseLine(rows);
+    Refresh();
+}
+
+void frmQLMain::ChangeView(int index) {
+    TimeAxis& axis = m_global.axis;
+    if (index == 2) {
+        const std::optional<ViewPlace> place = m_global.history.Pop();
+        if (!place) return;
+        axis.Restore(place->zoom, place->firstColumn);
+        m_global.amplitude.SelectScale(place->scale);
+        m_global.amplitude.MoveBaseLine(place->shift - m_global.amplitude.Shift());
+    } else {
+        KeepView();
+        const Selection& selection = m_global.selection;
+        axis.ShowSamples(index == 0 ? selection.First() : 1, index == 0 ? selection.Last() : axis.SampleCount());
+    }
+    Refresh();
+}
+
+void frmQLMain::ShowSample(std::int32_t sample) {
+    KeepView();
+    ScrollBy(m_global.axis.ShiftTo(sample));
+    // Where the view could not move, a hover readout says where the sample is.
+    const std::int32_t column = (sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
+    ShowHover(sample, column);
+}
+
+void frmQLMain::GoToMark(int index) {
+    // From the sample that was gone to last, as long as it is still in the middle; else from the middle.
+    const TimeAxis& axis = m_global.axis;
+    const auto& band = m_graph.Band(GraphBand::Cursor);
+    const std::int32_t from = band ? SampleUnder(axis, band->left) : SampleUnder(axis, axis.Width() / 2);
+    const std::int32_t step = axis.SamplesPerPixel();
+    const BlockMark* found = nullptr;
+    for (const BlockMark& mark : m_global.block.marks) {
+        const std::int32_t sample = mark.position + 1;
+        const bool further = index == 1 ? sample >= from + step : sample < from;
+        const bool nearer =
+            found == nullptr || (index == 1 ? mark.position < found->position : mark.position > found->position);
+        if (further && nearer) found = &mark;
+    }
+    if (found != nullptr) ShowSample(found->position + 1);
+}
+
+void frmQLMain::GoToPlace(int) {
+    const std::u16string here = PositionText(m_global.block, m_global.axis.Visible().first, u" ", m_global.format);
+    const std::optional<std::wstring> answer =
+        AskForText(m_window,
+                   {Plain(m_services.Text(IDS_GOTOPLACE)), Wide(m_services.Text(IDS_PLACE_PROMPT)),
+                    Wide(m_services.Text(IDS_OK)), Wide(m_services.Text(IDS_CANCEL))},
+                   Wide(here));
+    if (!answer || m_closing || m_global.block.sampleCount == 0) return;
+    const std::u16string text = Narrow16(*answer);
+    if (const std::optional<std::int32_t> sample = ParsePosition(text, m_global.block, m_global.format)) {
+        m_services.SetStatus({});
+        ShowSample(*sample);
+    } else {
+        m_services.SetStatus(text + u": " + m_services.Text(IDS_PLACE_BAD));
+    }
+}
+
+void frmQLMain::ShowStatistics(int) {
+    const Selection selection = m_global.selection;
+    const ReadoutSource source{m_global.block, m_global.slots, m_global.format, m_global.rawCodes};
+    SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    const std::vector<ChannelStatistics> statistics = StatisticsOf(source, selection.First(), selection.Last());
+    SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+    TableTexts texts;
+    texts.title = Plain(m_services.Text(IDS_STATISTICS)) + L": " +
+                  Wide(PositionText(m_global.block, selection.First(), u" ", m_global.format) + u" \u2013 " +
+                       PositionText(m_global.block, selection.Last(), u" ", m_global.format) + u", " +
+                       Decimal(selection.Count()) + u' ' + m_services.Text(IDS_SAMPLES));
+    constexpr int columns = 7;
+    for (int column = 0; column < columns; ++column)
+        texts.columns.push_back(Wide(m_services.Text(IDS_STAT_0 + column)));
+    texts.numeric = true;
+    texts.close = Wide(m_services.Text(IDS_CLOSE));
+    texts.copy = Wide(m_services.Text(IDS_COPY));
+    std::vector<std::vector<std::wstring>> rows;
+    for (const ChannelStatistics& channel : statistics) {
+        const auto at = static_cast<std::size_t>(channel.channel - 1);
+        std::vector<std::wstring> row{
+            Wide(m_global.slots[static_cast<std::size_t>(m_global.block.channelNumbers[at])].title)};
+        for (const double value : {channel.minimum, channel.maximum, channel.maximum - channel.minimum, channel.mean,
+                                   channel.rms, channel.deviation})
+            row.push_back(Wide(ReadoutValue(source, channel.channel, value)));
+        rows.push_back(std::move(row));
+    }
+    ShowTable(m_window, texts, rows);
+}
+
+void frmQLMain::ShowKeys(int) {
+    TableTexts texts;
+    texts.title = Plain(m_services.Text(IDS_KEYSANDMOUSE));
+    texts.columns = {Wide(m_services.Text(IDS_TABLE_KEY)), Wide(m_services.Text(IDS_TABLE_ACTION))};
+    texts.close = Wide(m_services.Text(IDS_CLOSE));
+    texts.copy = Wide(m_services.Text(IDS_COPY));
+    std::vector<std::vector<std::wstring>> rows;
+    for (const KeyBinding& binding : KeyBindings()) {
+        std::wstring action = Plain(m_services.Text(CaptionId(binding.command)));
+        if (binding.place != KeyPlace::Everywhere && binding.place != KeyPlace::Graph) {
+            const int list = static_cast<int>(binding.place) - static_cast<int>(KeyPlace::FolderList);
+            action += L" (" + Wide(m_services.Text(IDS_IN_LIST_0 + list)) + L")";
+        }
+        rows.push_back({Wide(KeyText(binding, m_services)), action});
+    }
+    for (int gesture = 0; gesture < IDS_MOUSE_COUNT; ++gesture)
+        rows.push_back(
+            {Wide(m_services.Text(IDS_MOUSE_0 + 2 * gesture)), Wide(m_services.Text(IDS_MOUSE_0 + 2 * gesture + 1))});
+    ShowTable(m_window, texts, rows);
+}
+
+void frmQLMain::ShowAlone(int) {
+    auto& before = m_global.shownBeforeSolo;
+    const auto& numbers = m_global.block.channelNumbers;
+    const bool back = before.has_value();
+    if (!back) {
+        before.emplace();
+        for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot) before->set(slot, m_global.slots[slot].shown);
+    }
+    const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_global.currentChannel;
+    for (std::size_t at = 0; at < numbers.size(); ++at) {
+        const std::int16_t number = numbers[at];
+        if (number < 0 || number >= kSlotCount) continue;
+        const int item = static_cast<int>(at);
+        const bool shown = back ? before->test(static_cast<std::size_t>(number)) : item + 1 == chosen;
+        m_channels.Check(item, shown);
+        StoreShown(item);
+    }
+    if (back) before.reset();
+    Refresh();
+}
+
+}  // namespace quillon

@@ -1,0 +1,176 @@
+#include "view/PositionInput.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <string>
+#include <system_error>
+
+#include "base/Text.h"
+#include "view/ScaleLabels.h"
+
+namespace quillon {
+
+namespace {
+
+struct TypedNumber {
+    double value = 0.0;
+    bool whole = true;  ///< nothing but digits
+};
+
+/// Takes a typed text apart; blanks in front of a part are passed over.
+class Scanner {
+  public:
+    Scanner(std::u16string_view text, char16_t separator) : m_text(LowerCase(text)), m_separator(separator) {}
+
+    [[nodiscard]] bool AtEnd() {
+        SkipBlanks();
+        return m_at == m_text.size();
+    }
+    [[nodiscard]] bool NextIs(char16_t letter) {
+        SkipBlanks();
+        return Peek() == letter;
+    }
+    [[nodiscard]] bool Take(char16_t letter) {
+        const bool there = NextIs(letter);
+        if (there) ++m_at;
+        return there;
+    }
+    /// None where no number stands, or one beyond the range of doubles.
+    [[nodiscard]] std::optional<TypedNumber> Number(bool withExponent) {
+        SkipBlanks();
+        TypedNumber number;
+        std::string text;
+        TakeDigits(text);
+        if (Peek() == u'.' || Peek() == u',' || Peek() == m_separator) {
+            number.whole = false;
+            text += '.';
+            ++m_at;
+            TakeDigits(text);
+        }
+        if (withExponent && TakeExponent(text)) number.whole = false;
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number.value);
+        if (error != std::errc() || stop != end) return std::nullopt;
+        return number;
+    }
+    /// What is left, without the blanks around it.
+    [[nodiscard]] std::u16string_view Rest() {
+        SkipBlanks();
+        std::u16string_view rest = std::u16string_view(m_text).substr(m_at);
+        while (!rest.empty() && IsBlank(rest.back())) rest.remove_suffix(1);
+        return rest;
+    }
+
+  private:
+    static bool IsBlank(char16_t letter) {
+        return letter == u' ' || letter == u'\t' || letter == u'\u00A0' || letter == u'\u202F';
+    }
+    static bool IsDigit(char16_t letter) { return letter >= u'0' && letter <= u'9'; }
+    /// 0 at the end.
+    [[nodiscard]] char16_t Peek(std::size_t ahead = 0) const {
+        return m_at + ahead < m_text.size() ? m_text[m_at + ahead] : u'\0';
+    }
+    void SkipBlanks() {
+        while (IsBlank(Peek())) ++m_at;
+    }
+    void TakeDigits(std::string& text) {
+        for (; IsDigit(Peek()); ++m_at) text += static_cast<char>(Peek());
+    }
+    /// An "e" without digits behind it is left for the unit.
+    bool TakeExponent(std::string& text) {
+        const bool sign = Peek(1) == u'+' || Peek(1) == u'-';
+        if (Peek() != u'e' || !IsDigit(Peek(sign ? 2 : 1))) return false;
+        text += Peek(1) == u'-' ? "e-" : "e";
+        m_at += sign ? 2 : 1;
+        TakeDigits(text);
+        return true;
+    }
+
+    std::u16string m_text;
+    std::size_t m_at = 0;
+    char16_t m_separator;
+};
+
+struct TimeUnit {
+    std::u16string_view name;
+    double seconds;
+};
+
+constexpr std::array<TimeUnit, 12> kTimeUnits{{{u"", 1.0},
+                                               {u"h", 3600.0},
+                                               {u"ч", 3600.0},
+                                               {u"min", 60.0},
+                                               {u"мин", 60.0},
+                                               {u"s", 1.0},
+                                               {u"с", 1.0},
+                                               {u"ms", 1e-3},
+                                               {u"мс", 1e-3},
+                                               {u"mks", 1e-6},
+                                               {u"us", 1e-6},
+                                               {u"мкс", 1e-6}}};
+
+/// Seconds of a clock time whose first number has been taken.
+std::optional<double> ClockSeconds(const TypedNumber& first, Scanner& input) {
+    constexpr int mostParts = 3;
+    constexpr double perPart = 60.0;
+    TypedNumber last = first;
+    double seconds = first.value;
+    for (int parts = 1; input.Take(u':'); ++parts) {
+        const std::optional<TypedNumber> part = input.Number(false);
+        if (!part || !last.whole || part->value >= perPart || parts == mostParts) return std::nullopt;
+        last = *part;
+        seconds = seconds * perPart + last.value;
+    }
+    if (!input.AtEnd()) return std::nullopt;
+    return seconds;
+}
+
+/// Seconds from the block's start to a time of day. Where the block does not reach it, its nearer end is taken.
+std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, const FormatOptions& format) {
+    constexpr double day = 86400.0;
+    constexpr double resolution = 1e-4;  // of the texts: a start may read a little earlier than it is
+    if (timeOfDay >= day) return std::nullopt;
+    double elapsed = timeOfDay - AxisSeconds(block, 0.0, format);
+    if (elapsed < 0.0) elapsed += day;  // past midnight
+    const double untilStart = day - elapsed;
+    const double pastEnd = elapsed - block.sampleCount / block.sampleRate;
+    return untilStart < resolution || pastEnd > untilStart ? 0.0 : elapsed;
+}
+
+std::optional<std::int32_t> ClampedSample(double number, const ViewBlock& block) {
+    if (!std::isfinite(number)) return std::nullopt;
+    return static_cast<std::int32_t>(std::clamp(std::nearbyint(number), 1.0, static_cast<double>(block.sampleCount)));
+}
+
+}  // namespace
+
+std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block,
+                                          const FormatOptions& format) {
+    if (block.sampleCount <= 0) return std::nullopt;
+    Scanner input(text, format.decimalSeparator);
+    const bool hasTimes = block.sampleRate > 0.0;
+    const bool marked = input.Take(u'#');
+    const std::optional<TypedNumber> number = input.Number(true);
+    if (!number) return std::nullopt;
+    if (marked || (input.AtEnd() && (format.sampleIndexes || !hasTimes))) {
+        if (!number->whole || !input.AtEnd()) return std::nullopt;
+        return ClampedSample(number->value, block);
+    }
+    if (!hasTimes) return std::nullopt;
+    std::optional<double> seconds;
+    if (input.NextIs(u':')) {
+        seconds = ClockSeconds(*number, input);
+        if (seconds && format.timeOfDay) seconds = ElapsedUntil(*seconds, block, format);
+    } else {
+        const std::u16string_view name = input.Rest();
+        const auto* const unit = std::find_if(kTimeUnits.begin(), kTimeUnits.end(),
+                                              [&](const TimeUnit& candidate) { return candidate.name == name; });
+        if (unit != kTimeUnits.end()) seconds = number->value * unit->seconds;
+    }
+    if (!seconds) return std::nullopt;
+    return ClampedSample(*seconds * block.sampleRate + 1.0, block);
+}
+
+}  // namespace quillon

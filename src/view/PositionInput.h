@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "data/QL_Types.h"
+#include "format/QL_Format.h"
+
+namespace quillon {
+
+/// The sample number (from 1) that a typed place of the block means; the inverse of PositionText. Understood are, with
+/// blanks between the parts and with a point or a comma before decimals:
+/// - "#123", and a plain whole number where positions are sample numbers: a sample;
+/// - a number without a unit otherwise, or in h, min, s, ms, mks, us (also by their Russian names): time from the
+///   block's start;
+/// - "h:mm:ss.fff", "m:ss": time from the block's start or, where times are times of day, the first such time in it.
+/// A place outside the block means its nearer end. None for what is not understood, and in a block without samples.
+[[nodiscard]] std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block,
+                                                        const FormatOptions& format);
+
+}  // namespace quillon

@@ -1,0 +1,269 @@
+#include <gmock/gmock.h>
+
+#include <random>
+
+#include "app/win/MainWindowFixture.h"
+#include "base/Text.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+using namespace ::quillon::testing;
+
+/// A window over one recording with marks: an EDF cannot have them without annotations, so a wave file with cues.
+class WaveformViewTest : public MainWindowTest {
+  protected:
+    void StartWith(const std::vector<std::vector<std::int16_t>>& frames) {
+        static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, frames)));
+        Start();
+    }
+    static std::vector<std::vector<std::int16_t>> Noise(int frames, int channels) {
+        std::mt19937 random(9);
+        std::vector<std::vector<std::int16_t>> samples;
+        for (int frame = 0; frame < frames; ++frame) {
+            std::vector<std::int16_t> values;
+            for (int channel = 0; channel < channels; ++channel)
+                values.push_back(static_cast<std::int16_t>(static_cast<int>(random() % 400) - 200 + 50 * channel));
+            samples.push_back(values);
+        }
+        return samples;
+    }
+    void Mouse(UINT message, int x, int y = 50, WPARAM keys = 0) const {
+        SendMessageW(Control(pbGraph), message, keys, MAKELPARAM(x, y));
+    }
+    void Drag(int from, int to, WPARAM keys = 0) const {
+        Mouse(WM_LBUTTONDOWN, from, 50, MK_LBUTTON | keys);
+        Mouse(WM_MOUSEMOVE, (from + to) / 2, 50, MK_LBUTTON | keys);
+        Mouse(WM_MOUSEMOVE, to, 50, MK_LBUTTON | keys);
+        Mouse(WM_LBUTTONUP, to, 50, keys);
+        Pump();
+    }
+    /// Moves the real pointer over the graph.
+    void Point(int x, int y) const {
+        POINT point{x, y};
+        ClientToScreen(Control(pbGraph), &point);
+        SetCursorPos(static_cast<int>(point.x), static_cast<int>(point.y));
+        Pump();
+        Mouse(WM_MOUSEMOVE, x, y);
+        Pump();
+    }
+    [[nodiscard]] std::wstring Values() const { return Wide(m_form->ValuesText()); }
+    /// The same view drawn anew.
+    [[nodiscard]] Pixels Redrawn() const {
+        SendMessageW(m_form->Window(), WM_SIZE, SIZE_RESTORED, 0);
+        return Capture(pbGraph);
+    }
+};
+
+TEST_F(WaveformViewTest, ScrollingByCopyingEqualsDrawingAnew) {
+    StartWith(Noise(60000, 3));
+    std::mt19937 random(10);
+    // Marks, a selection and a dotted grid take part.
+    m_global.settings.gridStyle = 2;
+    for (int mark = 0; mark < 300; ++mark)
+        m_global.block.marks.push_back({static_cast<std::int32_t>(random() % 60000), u"Mark " + Decimal(mark)});
+    Command(mnuScaleX + 3);
+    Drag(100, 180);
+    for (int round = 0; round < 60; ++round) {
+        if (round % 6 == 0) Command(mnuScaleX + static_cast<int>(random() % 8));
+        const int command =
+            round % 5 == 0 ? mnuGoTo + static_cast<int>(random() % 4) : mnuMove + static_cast<int>(random() % 6);
+        Command(command);
+        const Pixels scrolled = Capture(pbGraph);
+        ASSERT_TRUE(scrolled == Redrawn())
+            << "round " << round << ", zoom " << m_global.axis.ZoomIndex() << ", command " << command;
+    }
+}
+
+TEST_F(WaveformViewTest, ASpikeOfOneSampleIsSeenAtEveryZoom) {
+    std::vector<std::vector<std::int16_t>> frames(100000, {0});
+    frames[51234] = {100};
+    StartWith(frames);
+    m_global.amplitude.SelectScale(0);
+    Command(mnuBaseLine + 1);
+    for (int zoom = 0; zoom < TimeAxis::kMenuZoomCount; ++zoom) {
+        Command(mnuScaleX + zoom);
+        m_global.axis.ScrollBy(m_global.axis.ShiftTo(51235));
+        const Pixels pixels = Redrawn();
+        // At some column the trace leaves the zero level by most of the height.
+        const int column = 51234 / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
+        int rows = 0;
+        for (int y = 0; y < pixels.height; ++y) {
+            for (int x = std::max(column - 1, 0); x <= column + 1; ++x) {
+                if (pixels.At(x, y) == TraceColor(0)) {
+                    ++rows;
+                    break;
+                }
+            }
+        }
+        EXPECT_GT(rows, pixels.height / 3) << zoom;
+    }
+}
+
+TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
+    StartWith(Noise(5000, 1));
+    const Pixels before = Capture(pbGraph);
+    const Selection& selection = m_global.selection;
+    Drag(100, 149);
+    EXPECT_EQ(selection.Count(), 50) << "one sample per column";
+    EXPECT_EQ(selection.start, 101);
+    const Pixels selected = Capture(pbGraph);
+    for (int x = 95; x < 155; ++x) EXPECT_EQ(selected.At(x, 3) == before.At(x, 3), x < 100 || x > 149) << x;
+    EXPECT_THAT(Values(), StartsWith(L"dX:\t"));
+    EXPECT_TRUE(IsEnabled(mnuStatistics, m_global));
+    Drag(149, 100);
+    EXPECT_EQ(selection.Count(), 50);
+    EXPECT_EQ(selection.start, 150);
+    EXPECT_EQ(selection.end, 101) << "leftwards the end lies before the start";
+    EXPECT_TRUE(Capture(pbGraph) == selected);
+    // Shift moves the end, a click drops the selection, and the picture is what it was.
+    Drag(119, 119, MK_SHIFT);
+    EXPECT_EQ(selection.Count(), 31);
+    Command(mnuMove + 5);
+    EXPECT_EQ(selection.end, 121);
+    Drag(300, 300);
+    EXPECT_FALSE(selection.active);
+    EXPECT_TRUE(Capture(pbGraph) == before);
+    Command(mnuSelect);
+    EXPECT_EQ(selection.Count(), 5000);
+    Key(VK_ESCAPE);
+    EXPECT_FALSE(selection.active);
+    EXPECT_TRUE(Capture(pbGraph) == before);
+    // Past the edge the view scrolls on while the button is held.
+    Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
+    Mouse(WM_MOUSEMOVE, before.width + 60, 50, MK_LBUTTON);
+    EXPECT_TRUE(WaitFor([&] { return m_global.axis.FirstColumn() > 200; }));
+    Mouse(WM_LBUTTONUP, before.width - 1);
+    EXPECT_GT(selection.Count(), before.width - 100 + 200);
+    EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(WaveformViewTest, TheHoverReadsOutAndLeavesNoTrace) {
+    m_global.settings.timeFormat = 1;
+    StartWith({{10, -3}, {20, 5}, {30, 7}});
+    ApplyDisplaySettings(m_global);
+    const Pixels before = Redrawn();
+    Point(1, 40);
+    EXPECT_EQ(Values(), L"X:\t0.01 s\r\nCh1:\t 20 V\r\nCh2:\t 5 V\r\n");
+    EXPECT_EQ(GetCapture(), Control(pbGraph));
+    const Pixels band = Capture(pbGraph);
+    EXPECT_NE(band.At(1, 3), before.At(1, 3));
+    EXPECT_EQ(band.At(2, 3), before.At(2, 3));
+    m_global.block.marks.push_back({2, u"A long text of a mark"});
+    Point(2, 40);
+    EXPECT_THAT(Values(), StartsWith(L"A long text of a mark\r\nX:\t0.02 s"));
+    m_global.block.marks.clear();
+    // The pointer leaves the graph.
+    RECT list{};
+    GetWindowRect(Control(lstFile), &list);
+    SetCursorPos(static_cast<int>(list.left) + 5, static_cast<int>(list.top) + 5);
+    Mouse(WM_MOUSEMOVE, -300, 40);
+    EXPECT_EQ(GetCapture(), nullptr);
+    EXPECT_TRUE(Capture(pbGraph) == before);
+    Point(1, 40);
+    SendMessageW(Control(pbGraph), WM_CANCELMODE, 0, 0);
+    EXPECT_EQ(GetCapture(), nullptr) << "given up for a dialog";
+}
+
+TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
+    StartWith(Noise(100000, 2));
+    TimeAxis& axis = m_global.axis;
+    const auto view = [&] {
+        return std::tuple(axis.ZoomIndex(), axis.FirstColumn(), m_global.amplitude.Index(), m_global.amplitude.Shift());
+    };
+    const auto first = view();
+    Drag(100, 199);
+    Command(mnuView + 1);
+    EXPECT_EQ(axis.Visible().Count(), 100000) << "the whole block";
+    Command(mnuView);
+    EXPECT_EQ(axis.ZoomIndex(), 0) << "the selection fits at 1:1";
+    const auto selected = view();
+    Command(mnuZoomY + 1);
+    Key(VK_BACK);
+    EXPECT_EQ(view(), selected);
+    Key(VK_BACK);
+    Key(VK_BACK);
+    EXPECT_EQ(view(), first);
+    EXPECT_FALSE(IsEnabled(mnuView + 2, m_global));
+
+    m_global.block.marks = {{70000, u"two"}, {30000, u"one"}};
+    for (const int mark : {30001, 70001}) {
+        Command(mnuMark + 1);
+        EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), mark);
+        EXPECT_THAT(Values(), StartsWith(mark == 30001 ? L"one" : L"two"));
+    }
+    Command(mnuMark + 1);
+    EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 70001) << "there is no further one";
+    Command(mnuMark);
+    EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 30001);
+    {
+        DialogAnswer answer([](HWND dialog) {
+            SetDlgItemTextW(dialog, 101, L"#50000");
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        });
+        Command(mnuGoToPlace);
+    }
+    EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 50000);
+    {
+        DialogAnswer answer([](HWND dialog) {
+            SetDlgItemTextW(dialog, 101, L"somewhere");
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        });
+        Command(mnuGoToPlace);
+    }
+    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"somewhere"));
+
+    // The wheel: with Ctrl the sample under the pointer stays, the middle button moves the view.
+    const auto wheel = [&](int delta, WORD keys) {
+        POINT point{200, 60};
+        ClientToScreen(Control(pbGraph), &point);
+        SetCursorPos(static_cast<int>(point.x), static_cast<int>(point.y));
+        PostMessageW(Control(pbGraph), WM_MOUSEWHEEL, MAKEWPARAM(keys, delta), MAKELPARAM(point.x, point.y));
+        Pump();
+    };
+    const std::int32_t under = SampleUnder(axis, 200);
+    wheel(-240, MK_CONTROL);
+    EXPECT_EQ(axis.ZoomIndex(), 2);
+    EXPECT_NEAR(SampleUnder(axis, 200), under, 5);
+    const std::int32_t column = axis.FirstColumn();
+    wheel(-60, 0);
+    EXPECT_EQ(axis.FirstColumn(), column) << "half a notch";
+    wheel(-60, 0);
+    EXPECT_EQ(axis.FirstColumn(), column + 100);
+    Mouse(WM_MBUTTONDOWN, 300, 60, MK_MBUTTON);
+    Mouse(WM_MOUSEMOVE, 270, 75, MK_MBUTTON);
+    Mouse(WM_MBUTTONUP, 270, 75);
+    EXPECT_EQ(axis.FirstColumn(), column + 130);
+}
+
+TEST_F(WaveformViewTest, OneChannelIsShownAlone) {
+    StartWith(Noise(1000, 3));
+    ClickCheckBox(1);
+    Command(mnuSoloChannel);
+    EXPECT_TRUE(IsChecked(mnuSoloChannel, m_global));
+    EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1}));
+    Command(mnuSoloChannel);
+    EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1, 3}));
+}
+
+TEST_F(WaveformViewTest, TablesListKeysAndStatistics) {
+    StartWith(Noise(1000, 2));
+    Command(mnuSelect);
+    for (const int command : {int{mnuStatistics}, int{mnuKeysAndMouse}}) {
+        int rows = 0;
+        {
+            DialogAnswer answer([&](HWND dialog) {
+                const HWND list = FindWindowExW(dialog, nullptr, WC_LISTVIEWW, nullptr);
+                rows = ListView_GetItemCount(list);
+                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            });
+            Command(command);
+        }
+        EXPECT_GE(rows, command == mnuStatistics ? 2 : 50);
+    }
+}
+
+}  // namespace
+}  // namespace quillon
