@@ -49,7 +49,7 @@ int wmain(int count, wchar_t** arguments) {
     global.axis.Restore(10, 0);
     global.amplitude.SetGraph(height, height / 2);
     global.amplitude.FindData(TypicalRange(block, global.slots));
-    const GraphScene scene{block, global.slots, global.axis, global.amplitude, false, true, GridStyle::Lines, 0x808080};
+    const GraphScene scene{block, global.slots, global.axis, global.amplitude, false, false, GridStyle::Lines, 0x808080};
     GraphPainter painter;
     cMemDC target;
     target.CreateBitmap(width, height);

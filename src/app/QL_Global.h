@@ -23,7 +23,7 @@ namespace quillon {
 struct QL_Global {
     std::shared_ptr<RecordingLibrary> library;
     Language language = Language::English;
-    /// Major version of the operating system. From 4 on traces are stroked as paths and origins are not folded.
+    /// Major version of the operating system. From 4 on the origins of traces are not folded.
     std::int32_t systemVersion = 0;
 
     Settings settings;

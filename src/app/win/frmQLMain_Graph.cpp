@@ -125,7 +125,7 @@ GraphScene frmQLMain::Scene() const {
             m_global.axis,
             m_global.amplitude,
             m_global.rawCodes,
-            m_global.systemVersion >= 4,
+            m_global.systemVersion < 4,
             static_cast<GridStyle>(std::clamp<int>(settings.gridStyle, 0, 2)),
             TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(settings.gridColor))))};
 }

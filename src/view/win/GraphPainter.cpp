@@ -50,7 +50,7 @@ class ClipScope {
     int m_saved;
 };
 
-static_assert(sizeof(TracePoint) == sizeof(POINT), "both are two 32-bit coordinates");
+static_assert(sizeof(DevicePoint) == sizeof(POINT), "both are two 32-bit coordinates");
 
 /// Back to pixels with both origins at 0 at the end.
 class AnisotropicScope {
@@ -78,8 +78,8 @@ bool GraphPainter::Prepare(int width, int height) {
     m_width = 0;
     m_height = 0;
     if (width < 1 || height < 1) return false;
-    if (!m_surface.CreateBitmap(width, height) || !m_grid.CreateBitmap(width + TimeAxis::kDivision, height))
-        return false;
+    m_pixels = m_surface.CreatePixels(width, height);
+    if (m_pixels == nullptr || !m_grid.CreateBitmap(width + TimeAxis::kDivision, height)) return false;
     m_width = width;
     m_height = height;
     return true;
@@ -185,15 +185,42 @@ void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
     geometry.unitsPerDivision = scene.amplitude.UnitsPerDivision();
     geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
     geometry.rawCodes = scene.rawCodes;
-    geometry.foldOrigin = !scene.strokePaths;
+    geometry.foldOrigin = scene.foldOrigin;
     m_reader.Read(*scene.block.block, shown, {visible.first - 1, visible.Count(), geometry.samplesPerPixel, from, to});
-    const AnisotropicScope mapping(m_surface.Handle());
-    // The last channel comes first, so that the first one lies on top.
-    for (std::size_t at = shown.size(); at-- > 0;) {
-        const auto channel = static_cast<std::size_t>(shown[at] - 1);
-        const TraceMapping trace = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
-        StrokeTrace(trace, scene, channel, m_reader.points()[at], visible.Count());
+    m_canvas.Reset(from, to, m_height);
+    std::vector<std::uint32_t> colors(shown.size());
+    {
+        const AnisotropicScope mapping(m_surface.Handle());
+        // The last channel comes first, so that the first one lies on top.
+        for (std::size_t at = shown.size(); at-- > 0;) {
+            const auto channel = static_cast<std::size_t>(shown[at] - 1);
+            const TraceMapping trace = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
+            ToPixels(trace, geometry.samplesPerPixel, m_reader.points()[at], visible.Count());
+            m_canvas.Draw(m_trace, static_cast<std::uint8_t>(at + 1));
+            colors[at] = TraceColor(scene.block.channelNumbers[channel]);
+        }
     }
+    // The bits are written past the system, which may still have drawing of its own to do.
+    GdiFlush();
+    m_canvas.Compose(m_pixels, m_width, colors);
+}
+
+void GraphPainter::ToPixels(const TraceMapping& mapping, std::int32_t samplesPerPixel,
+                            const std::vector<TracePoint>& points, std::int32_t count) {
+    const HDC dc = m_surface.Handle();
+    SetWindowExtEx(dc, mapping.windowExtentX, mapping.windowExtentY, nullptr);
+    SetViewportExtEx(dc, mapping.viewportExtentX, mapping.viewportExtentY, nullptr);
+    SetViewportOrgEx(dc, mapping.viewportOriginX, mapping.viewportOriginY, nullptr);
+    SetWindowOrgEx(dc, 0, mapping.windowOriginY, nullptr);
+    m_trace.clear();
+    if (mapping.flat) {
+        const std::int32_t end =
+            samplesPerPixel == 1 ? count : static_cast<std::int32_t>(std::int64_t{2} * count / samplesPerPixel);
+        m_trace = {{0, 0}, {end, 0}};
+    } else {
+        for (const TracePoint& point : points) m_trace.push_back({point.x, point.y});
+    }
+    LPtoDP(dc, reinterpret_cast<POINT*>(m_trace.data()), static_cast<int>(m_trace.size()));
 }
 
 RECT GraphPainter::Invert(const ColumnBand& band) {
@@ -218,31 +245,6 @@ RECT GraphPainter::SetBand(GraphBand which, const std::optional<ColumnBand>& col
     const RECT appeared = Invert(*columns);
     UnionRect(&changed, &changed, &appeared);
     return changed;
-}
-
-void GraphPainter::StrokeTrace(const TraceMapping& mapping, const GraphScene& scene, std::size_t channel,
-                               const std::vector<TracePoint>& points, std::int32_t count) {
-    const HDC dc = m_surface.Handle();
-    SetWindowExtEx(dc, mapping.windowExtentX, mapping.windowExtentY, nullptr);
-    SetViewportExtEx(dc, mapping.viewportExtentX, mapping.viewportExtentY, nullptr);
-    SetViewportOrgEx(dc, mapping.viewportOriginX, mapping.viewportOriginY, nullptr);
-    SetWindowOrgEx(dc, 0, mapping.windowOriginY, nullptr);
-    // A pen of width 0 is one pixel wide whatever the mapping.
-    const GdiPen pen(CreatePen(PS_SOLID, 0, ColorOf(TraceColor(scene.block.channelNumbers[channel]))));
-    const SelectScope select(dc, pen.Get());
-    if (scene.strokePaths) BeginPath(dc);
-    if (mapping.flat) {
-        const std::int32_t perPixel = scene.axis.SamplesPerPixel();
-        const std::int32_t end = perPixel == 1 ? count : static_cast<std::int32_t>(std::int64_t{2} * count / perPixel);
-        MoveToEx(dc, 0, 0, nullptr);
-        LineTo(dc, end, 0);
-    } else if (points.size() > 1) {
-        Polyline(dc, reinterpret_cast<const POINT*>(points.data()), static_cast<int>(points.size()));
-    }
-    if (scene.strokePaths) {
-        EndPath(dc);
-        StrokePath(dc);
-    }
 }
 
 void GraphPainter::Paint(HDC target, const RECT& part) const {

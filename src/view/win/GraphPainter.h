@@ -9,6 +9,7 @@
 #include "view/ScaleLabels.h"
 #include "view/Selection.h"
 #include "view/TimeAxis.h"
+#include "view/TraceCanvas.h"
 #include "view/TraceMapping.h"
 #include "view/win/GDI_Utils.h"
 #include "view/win/cMemDC.h"
@@ -24,8 +25,7 @@ struct GraphScene {
     const TimeAxis& axis;
     const AmplitudeScale& amplitude;
     bool rawCodes = false;
-    /// Stroke paths and leave the origin unfolded, as current systems do.
-    bool strokePaths = true;
+    bool foldOrigin = false;  ///< for systems whose mapping has 16 bits, see TraceGeometry
     GridStyle gridStyle = GridStyle::None;
     std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
 };
@@ -76,8 +76,9 @@ class GraphPainter {
     void DrawColumns(const GraphScene& scene, int from, int to);
     void DrawMarks(const GraphScene& scene) const;
     void DrawTraces(const GraphScene& scene, int from, int to);
-    void StrokeTrace(const TraceMapping& mapping, const GraphScene& scene, std::size_t channel,
-                     const std::vector<TracePoint>& points, std::int32_t count);
+    /// Brings the points of a trace, or those of the straight line that stands for it, to pixels in m_trace.
+    void ToPixels(const TraceMapping& mapping, std::int32_t samplesPerPixel, const std::vector<TracePoint>& points,
+                  std::int32_t count);
     void InvertBands();
     RECT Invert(const ColumnBand& band);
     [[nodiscard]] std::wstring MarkText(const GraphScene& scene, const MarkLine& line) const;
@@ -86,6 +87,9 @@ class GraphPainter {
     cMemDC m_grid;  ///< one grid period wider than the surface, so that any horizontal position can be copied from it
     GdiFont m_font;
     TraceReader m_reader;
+    TraceCanvas m_canvas;
+    std::vector<DevicePoint> m_trace;
+    std::uint32_t* m_pixels = nullptr;  ///< of the surface, rows from the top
     int m_width = 0;
     int m_height = 0;
     std::optional<GridKey> m_gridKey;

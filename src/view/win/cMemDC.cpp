@@ -73,6 +73,20 @@ bool cMemDC::CreateBitmap(int width, int height) {
     return true;
 }
 
+std::uint32_t* cMemDC::CreatePixels(int width, int height) {
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    void* pixels = nullptr;
+    const HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
+    if (bitmap == nullptr) return nullptr;
+    Bitmap(bitmap);
+    return static_cast<std::uint32_t*>(pixels);
+}
+
 bool cMemDC::CreateMonochromeBitmap(int width, int height) {
     const HBITMAP bitmap = ::CreateBitmap(width, height, 1, 1, nullptr);
     if (bitmap == nullptr) return false;

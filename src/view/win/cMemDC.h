@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "app/win/Win32.h"
 
 namespace quillon {
@@ -34,6 +36,9 @@ class cMemDC {
     void Clear() const;
     /// A bitmap compatible with the screen, of undefined content. False when there is no memory for it.
     bool CreateBitmap(int width, int height);
+    /// A bitmap of 32 bits per pixel, 0x00RRGGBB, whose pixels can be reached: row after row from the top. Null when
+    /// there is no memory for it. The pixels live as long as the bitmap.
+    [[nodiscard]] std::uint32_t* CreatePixels(int width, int height);
     bool CreateMonochromeBitmap(int width, int height);
     void CreatePen(int style, int width, COLORREF color) { Pen(::CreatePen(style, width, color)); }
     void CreateBrush(COLORREF color) { Brush(::CreateSolidBrush(color)); }
