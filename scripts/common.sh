@@ -35,6 +35,8 @@ quietly() {
 
 # A virtual display of its own with a window manager: without one, hiding a window takes two seconds.
 start_display() {
+    # A number left by an earlier run must not be taken for that of this one.
+    rm -f build/display
     Xvfb -displayfd 3 -screen 0 "${1:-1280x900x24}" -nolisten tcp 3> build/display > /dev/null 2>&1 &
     xvfb_pid=$!
     for _ in $(seq 600); do [ -s build/display ] && break; sleep 0.05; done

@@ -194,6 +194,9 @@ void frmQLMain::ShowKeys(int) {
     std::vector<std::vector<std::wstring>> rows;
     for (const KeyBinding& binding : KeyBindings()) {
         std::wstring action = Plain(m_services.Text(CaptionId(binding.command)));
+        // Both zooms are called the same in their menus.
+        if (binding.command / 2 == mnuZoomX / 2) action = Plain(m_services.Text(IDS_MENU_XZOOM)) + L": " + action;
+        if (binding.command / 2 == mnuZoomY / 2) action = Plain(m_services.Text(IDS_MENU_YSCALE)) + L": " + action;
         if (binding.place != KeyPlace::Everywhere && binding.place != KeyPlace::Graph) {
             const int list = static_cast<int>(binding.place) - static_cast<int>(KeyPlace::FolderList);
             action += L" (" + Wide(m_services.Text(IDS_IN_LIST_0 + list)) + L")";
