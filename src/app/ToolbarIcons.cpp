@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <initializer_list>
 
 namespace quillon {
@@ -33,7 +32,7 @@ class IconCanvas {
         const std::vector<Point> corners(points);
         Paint(color, [&](Point at) {
             for (std::size_t i = 0; i + 1 < corners.size(); ++i) {
-                if (Distance(at, corners[i], corners[i + 1]) <= width / 2) return true;
+                if (SquaredDistance(at, corners[i], corners[i + 1]) <= width * width / 4) return true;
             }
             return false;
         });
@@ -55,11 +54,15 @@ class IconCanvas {
         Fill({{left, top}, {right, top}, {right, bottom}, {left, bottom}}, color);
     }
     void Ring(Point centre, double radius, std::uint32_t color, double width) {
-        Paint(color,
-              [&](Point at) { return std::fabs(std::hypot(at.x - centre.x, at.y - centre.y) - radius) <= width / 2; });
+        const double inner = radius - width / 2;
+        const double outer = radius + width / 2;
+        Paint(color, [&](Point at) {
+            const double squared = SquaredDistance(at, centre);
+            return squared >= inner * inner && squared <= outer * outer;
+        });
     }
     void Disk(Point centre, double radius, std::uint32_t color) {
-        Paint(color, [&](Point at) { return std::hypot(at.x - centre.x, at.y - centre.y) <= radius; });
+        Paint(color, [&](Point at) { return SquaredDistance(at, centre) <= radius * radius; });
     }
 
     [[nodiscard]] std::vector<std::uint32_t> Pixels() const {
@@ -86,11 +89,13 @@ class IconCanvas {
     static constexpr std::size_t kSide = 4;
     static constexpr std::size_t kSamples = kSide * kSide;
 
-    static double Distance(Point at, Point a, Point b) {
-        const double length = (b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y);
+    // Squares, for roots are what takes the time.
+    static double SquaredDistance(Point a, Point b) { return (a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y); }
+    static double SquaredDistance(Point at, Point a, Point b) {
+        const double length = SquaredDistance(a, b);
         const double along = length == 0 ? 0 : ((at.x - a.x) * (b.x - a.x) + (at.y - a.y) * (b.y - a.y)) / length;
         const double t = std::clamp(along, 0.0, 1.0);
-        return std::hypot(at.x - a.x - t * (b.x - a.x), at.y - a.y - t * (b.y - a.y));
+        return SquaredDistance(at, {a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)});
     }
 
     template <typename Covers>

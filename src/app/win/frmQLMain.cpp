@@ -10,6 +10,7 @@
 #include "app/ToolbarIcons.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "data/win/FillScope.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -56,8 +57,10 @@ void frmQLMain::Create() {
     RegisterClassExW(&windowClass);
     const int width = MulDiv(1060, m_dpi, 96);
     const int height = MulDiv(700, m_dpi, 96);
+    // A menu that comes later would resize the window.
+    MakeMenu();
     CreateWindowExW(0, kClassName, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                    width, height, nullptr, nullptr, windowClass.hInstance, this);
+                    width, height, nullptr, m_menu.Get(), windowClass.hInstance, this);
     if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
     if (m_window == nullptr) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
@@ -187,7 +190,6 @@ void frmQLMain::Failed(const std::exception& error) noexcept {
 
 void frmQLMain::OnCreate() {
     m_watch = std::make_unique<cFileNotification>(m_makeTimer, [this] { FilesChanged(); });
-    MakeMenu();
     MakeControls();
     m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
     FillTypes();
@@ -199,9 +201,9 @@ void frmQLMain::OnCreate() {
     m_firstFolder = m_browser.Folder();
     StartWatch();
     DragAcceptFiles(m_window, TRUE);
-    ArrangeControls();
     ShowPages();
-    ShowBlock();
+    // The rest is arranged and drawn when the first block or the first size comes; messages have their place already.
+    ShowPanels();
 }
 
 HWND frmQLMain::MakeControl(const wchar_t* className, DWORD style, DWORD extendedStyle, int id) {
@@ -251,7 +253,6 @@ void frmQLMain::MakeControls() {
                       m_pathListBox.Create(m_window, pbPathList, *this, true) && m_values.Create(m_window, pnValues) &&
                       m_zoomX.Create(m_window, btnZoomX, *this);
     if (!made) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
-    AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
     const int size = MulDiv(16, m_dpi, 96);
     m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size)}, size);
 }
@@ -292,21 +293,36 @@ void frmQLMain::OnActivate(UINT state) {
     }
     if (!m_activated) {
         m_activated = true;
-        if (m_browser.FileCount() > 0) {
-            m_browser.SelectFile(0);
-            ClickFile();
-            // With a recording open its channels are of more use than the way to its folder.
-            if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
-            ShowPages();
-        }
+        if (m_browser.FileCount() > 0) OpenFirstFile();
+        // The waveform is what the user waits for; the rest follows.
+        UpdateWindow(m_graphBox.Window());
+        AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
         if (m_folderMissing)
             m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
     }
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
 }
 
+void frmQLMain::OpenFirstFile() {
+    // Each control is drawn once, when everything is in its place, not by every step that changes it.
+    const FillScope fill(m_window);
+    m_browser.SelectFile(0);
+    ClickFile();
+    // With a recording open its channels are of more use than the way to its folder.
+    if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
+    ShowPages();
+}
+
 void frmQLMain::OnSize(UINT state) {
-    if (state == SIZE_MINIMIZED) return;
+    if (state == SIZE_MINIMIZED) {
+        // What changes meanwhile is drawn when the window is back.
+        m_arrangedSize = {};
+        return;
+    }
+    RECT client{};
+    GetClientRect(m_window, &client);
+    // When it is first shown the window is told the size that it was made with.
+    if (client.right == m_arrangedSize.cx && client.bottom == m_arrangedSize.cy) return;
     SendMessageW(GetDlgItem(m_window, sbInfo), WM_SIZE, 0, 0);
     ArrangeControls();
     Refresh();
@@ -319,6 +335,7 @@ void frmQLMain::OnGetMinMaxInfo(MINMAXINFO* info) const {
 void frmQLMain::ArrangeControls() {
     RECT client{};
     GetClientRect(m_window, &client);
+    m_arrangedSize = {client.right, client.bottom};
     LayoutInput input;
     input.clientWidth = client.right;
     input.clientHeight = client.bottom;

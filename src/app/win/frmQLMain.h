@@ -74,6 +74,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     // Life cycle and layout.
     void OnCreate();
     void OnActivate(UINT state);
+    void OpenFirstFile();
     void OnDropFiles(HDROP drop);
     void KeepSettings();
     void OnSize(UINT state);
@@ -221,7 +222,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     ScalePainter m_scales;
 
     MainLayout m_layout;
-    std::int16_t m_arrangedFor = 0;  ///< channels that the layout has room for in the readout
+    SIZE m_arrangedSize{};            ///< of the client area that it fills
+    std::int16_t m_arrangedFor = -1;  ///< channels that the layout has room for in the readout
     int m_dpi = 96;
     enum class Drag { None, Column, Lists } m_drag = Drag::None;
     /// What the mouse drags, and where it began.

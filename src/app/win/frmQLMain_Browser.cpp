@@ -272,6 +272,7 @@ void frmQLMain::ShowBlock() {
     if (m_global.block.channelCount != m_arrangedFor) ArrangeControls();
     m_global.axis.SetBlock(m_global.block.sampleCount);
     m_global.axis.SetWidth(m_layout.graph.width);
+    m_global.amplitude.SetGraph(m_layout.graph.height, m_layout.graph.height / 2);
     m_channels.Fill(m_global.block, m_global.slots);
     m_values.Text(m_global.file.fileInfo);
     m_values.Refresh();

@@ -74,7 +74,6 @@ void frmQLMain::FillMenu(HMENU menu, std::span<const MenuEntry> entries) {
 void frmQLMain::MakeMenu() {
     m_menu.Reset(CreateMenu());
     FillMenu(m_menu.Get(), MenuTree());
-    SetMenu(m_window, m_menu.Get());
 }
 
 void frmQLMain::ShowContextMenu(POINT screen) {

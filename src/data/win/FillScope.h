@@ -4,19 +4,19 @@
 
 namespace quillon {
 
-/// Suspends painting of a list while it is filled.
+/// Suspends painting of a window and what lies in it while it is filled.
 class FillScope {
   public:
-    explicit FillScope(HWND list) : m_list(list) { SendMessageW(list, WM_SETREDRAW, FALSE, 0); }
+    explicit FillScope(HWND window) : m_window(window) { SendMessageW(window, WM_SETREDRAW, FALSE, 0); }
     ~FillScope() {
-        SendMessageW(m_list, WM_SETREDRAW, TRUE, 0);
-        InvalidateRect(m_list, nullptr, TRUE);
+        SendMessageW(m_window, WM_SETREDRAW, TRUE, 0);
+        RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
     }
     FillScope(const FillScope&) = delete;
     FillScope& operator=(const FillScope&) = delete;
 
   private:
-    HWND m_list;
+    HWND m_window;
 };
 
 }  // namespace quillon

@@ -35,17 +35,20 @@ ImageList MakeTraceIcons(int size) {
     ImageList icons(ImageList_Create(size, size, ILC_COLOR32, kTraceColors, 0));
     const WindowDC screen(nullptr);
     const MemoryDC memory(CreateCompatibleDC(screen.Get()));
-    const HDC dc = memory.Get();
-    for (int color = 0; color < kTraceColors; ++color) {
-        const GdiBitmap bitmap(CreateCompatibleBitmap(screen.Get(), size, size));
-        {
-            const SelectScope select(dc, bitmap.Get());
-            FillWith(dc, {0, 0, size, size}, GetSysColor(COLOR_WINDOW));
-            const int edge = size / 5;
-            FillWith(dc, {edge, edge, size - edge, size - edge}, ColorOf(TraceColor(static_cast<std::int16_t>(color))));
+    // One strip for all: pictures added one by one are copied each time.
+    const GdiBitmap strip(CreateCompatibleBitmap(screen.Get(), size * kTraceColors, size));
+    {
+        const HDC dc = memory.Get();
+        const SelectScope select(dc, strip.Get());
+        FillWith(dc, {0, 0, size * kTraceColors, size}, GetSysColor(COLOR_WINDOW));
+        const int edge = size / 5;
+        for (int color = 0; color < kTraceColors; ++color) {
+            const int left = size * color;
+            FillWith(dc, {left + edge, edge, left + size - edge, size - edge},
+                     ColorOf(TraceColor(static_cast<std::int16_t>(color))));
         }
-        ImageList_Add(icons.Get(), bitmap.Get(), nullptr);
     }
+    ImageList_Add(icons.Get(), strip.Get(), nullptr);
     return icons;
 }
 

@@ -52,7 +52,9 @@ class WaveformViewTest : public MainWindowTest {
     [[nodiscard]] std::wstring Values() const { return Wide(m_form->ValuesText()); }
     /// The same view drawn anew.
     [[nodiscard]] Pixels Redrawn() const {
-        SendMessageW(m_form->Window(), WM_SIZE, SIZE_RESTORED, 0);
+        // A size that it has already is nothing to draw for, but coming back from an icon is.
+        for (const WPARAM state : {WPARAM{SIZE_MINIMIZED}, WPARAM{SIZE_RESTORED}})
+            SendMessageW(m_form->Window(), WM_SIZE, state, 0);
         return Capture(pbGraph);
     }
 };
