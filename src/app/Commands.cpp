@@ -118,9 +118,8 @@ bool Within(int id, int first, int count) {
 
 /// Commands whose part of the program does not exist in this version; they are shown, and cannot be chosen.
 bool IsAbsent(int id) {
-    constexpr std::array absent{mnuSaveAs + 0,    mnuFastExport + 0, mnuSplit + 0,       mnuOptions + 0,
-                                mnuCopy + 0,      mnuCopy + 1,       mnuSpectrogram + 0, mnuSoundPlay + 0,
-                                mnuSoundPlay + 1, mnuSoundPlay + 2,  mnuSoundCard + 0};
+    constexpr std::array absent{mnuSaveAs + 0, mnuFastExport + 0, mnuSplit + 0,     mnuOptions + 0,   mnuCopy + 0,
+                                mnuCopy + 1,   mnuSoundPlay + 0,  mnuSoundPlay + 1, mnuSoundPlay + 2, mnuSoundCard + 0};
     return std::find(absent.begin(), absent.end(), id) != absent.end();
 }
 
@@ -148,6 +147,7 @@ std::span<const ToolbarButton> GoToButtons() {
 
 int CaptionId(int command) {
     if (command == mnuOpenFolder) return IDS_OPENFOLDER;
+    if (command == mnuNextPalette) return IDS_NEXTPALETTE;
     if (Within(command, mnuMove, static_cast<int>(kMoves.size()))) return IDS_MOVE_0 + command - mnuMove;
     for (const std::span<const MenuEntry> menu : {MenuTree(), ContextMenu()}) {
         for (const MenuEntry& entry : menu) {
@@ -166,7 +166,8 @@ std::u16string ComputedCaption(int id, char16_t separator) {
 bool IsEnabled(int id, const QL_Global& global) {
     if (IsAbsent(id)) return false;
     if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
-    if (id == mnuKeysAndMouse || id == mnuOpenFolder) return true;
+    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram) return true;
+    if (id == mnuNextPalette) return global.settings.spectrogramShown;
     if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
         return true;
     // A file that was refused can be deleted and renamed as well.
@@ -188,6 +189,7 @@ bool IsEnabled(int id, const QL_Global& global) {
 bool IsChecked(int id, const QL_Global& global) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == global.axis.ZoomIndex();
     if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == global.amplitude.Index();
+    if (id == mnuSpectrogram) return global.settings.spectrogramShown;
     if (id == mnuSoloChannel) return global.shownBeforeSolo.has_value();
     if (Within(id, mnuHelpLang, 3)) return id - mnuHelpLang == global.settings.helpLanguage;
     return false;

@@ -42,6 +42,7 @@ enum CommandId : int {
     mnuSoloChannel,
     mnuKeysAndMouse,
     mnuOpenFolder,
+    mnuNextPalette,
     mnuMove = 1640,  ///< by keys, see Moves
 };
 

@@ -23,6 +23,9 @@ enum ControlId : int {
     btnZoomX,
     pnValues,
     sbInfo,
+    pbFFT,
+    pbPal,
+    pbScaleF,
 };
 
 }  // namespace quillon

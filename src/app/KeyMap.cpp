@@ -42,6 +42,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Letter('B'), mnuBaseLine + 0},
     KeyBinding{KeyPlace::Graph, Letter('D'), mnuBaseLine + 1},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuSpectrogram},
+    KeyBinding{KeyPlace::Graph, Letter('G'), mnuNextPalette, kNo, kShift},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 0},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 1, kNo, kShift},
     KeyBinding{KeyPlace::Graph, Key::Escape, mnuSelect + 2},

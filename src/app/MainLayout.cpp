@@ -7,6 +7,7 @@ namespace quillon {
 namespace {
 
 constexpr std::int32_t kDefaultUpperPercent = 42;
+constexpr std::int32_t kDefaultSpectrogramPercent = 45;
 
 /// Fills the page below a tab strip: one control above, the rest for the list.
 void ArrangePage(const PixelRect& page, std::int32_t comboHeight, std::int32_t gap, PixelRect& combo, PixelRect& list) {
@@ -71,9 +72,29 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     const std::int32_t scaleHeight = scaled(26);
     const std::int32_t right = std::max(input.clientWidth - gap, left + scaleWidth + bar);
     const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, top);
-    layout.scaleY = {left, top, scaleWidth, graphBottom - top};
-    layout.graph = {layout.scaleY.Right(), top, std::max(right - bar - layout.scaleY.Right(), 0), graphBottom - top};
+    // Graph and spectrogram share the height above the time scale.
+    const std::int32_t both = graphBottom - top;
+    std::int32_t graphHeight = both;
+    if (input.spectrogram && both > splitter + 2) {
+        const std::int32_t wantedShare =
+            input.spectrogramPercent > 0 ? input.spectrogramPercent : kDefaultSpectrogramPercent;
+        const std::int32_t shareable = both - splitter;
+        const std::int32_t leastHeight = std::min(scaled(60), shareable / 3);
+        const std::int32_t share =
+            std::clamp(shareable * std::min(wantedShare, 100) / 100, leastHeight, shareable - leastHeight);
+        graphHeight = shareable - share;
+        layout.spectrogramPercent = (share * 100 + shareable - 1) / shareable;
+    }
+    layout.scaleY = {left, top, scaleWidth, graphHeight};
+    layout.graph = {layout.scaleY.Right(), top, std::max(right - bar - layout.scaleY.Right(), 0), graphHeight};
     layout.scrollY = {layout.graph.Right(), top, bar, layout.graph.height};
+    if (layout.spectrogramPercent > 0) {
+        layout.splitSpectrogram = {left, layout.graph.Bottom(), layout.scrollY.Right() - left, splitter};
+        const std::int32_t below = layout.splitSpectrogram.Bottom();
+        layout.scaleF = {left, below, scaleWidth, graphBottom - below};
+        layout.spectrogram = {layout.graph.left, below, layout.graph.width, graphBottom - below};
+        layout.palette = {layout.scrollY.left, below, bar, graphBottom - below};
+    }
     layout.scaleX = {layout.graph.left, graphBottom, layout.graph.width, scaleHeight};
     layout.scrollX = {layout.graph.left, layout.scaleX.Bottom(), layout.graph.width, bar};
     layout.zoomX = {left, layout.scaleX.top + scaled(2), scaleWidth - gap, scaleHeight + bar - scaled(2)};

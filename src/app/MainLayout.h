@@ -24,9 +24,11 @@ struct LayoutInput {
     std::int32_t toolWidth = 0;    ///< of the main toolbar
     std::int32_t goToWidth = 0;    ///< of the toolbar of pages
     std::int32_t dpi = 96;
-    std::int32_t listWidth = 0;     ///< of the lists' column; 0: the default
-    std::int32_t upperPercent = 0;  ///< share of the upper list in the column; 0: the default
-    std::int32_t valueRows = 0;     ///< lines that the values panel is to have room for
+    std::int32_t listWidth = 0;           ///< of the lists' column; 0: the default
+    std::int32_t upperPercent = 0;        ///< share of the upper list in the column; 0: the default
+    bool spectrogram = false;             ///< it is shown
+    std::int32_t spectrogramPercent = 0;  ///< its share of the graph's height; 0: the default
+    std::int32_t valueRows = 0;           ///< lines that the values panel is to have room for
 };
 
 /// One rectangle per control. The pages of a tab strip share its page rectangle.
@@ -36,10 +38,13 @@ struct MainLayout {
     PixelRect tabFile, fileType, files, blocks;
     PixelRect values;
     PixelRect scaleY, graph, scrollY, zoomX, scaleX, scrollX;
-    PixelRect splitColumn;          ///< between the lists and the graph
-    PixelRect splitLists;           ///< between the upper and the lower list
-    std::int32_t listWidth = 0;     ///< as used, within its limits
-    std::int32_t upperPercent = 0;  ///< as used, within its limits
+    PixelRect scaleF, spectrogram, palette;  ///< below the graph, column for column; empty when it is not shown
+    PixelRect splitColumn;                   ///< between the lists and the graph
+    PixelRect splitLists;                    ///< between the upper and the lower list
+    PixelRect splitSpectrogram;              ///< between graph and spectrogram
+    std::int32_t listWidth = 0;              ///< as used, within its limits
+    std::int32_t upperPercent = 0;           ///< as used, within its limits
+    std::int32_t spectrogramPercent = 0;     ///< as used, within its limits; 0 when it is not shown
 };
 
 [[nodiscard]] MainLayout ArrangeMain(const LayoutInput& input);

@@ -68,23 +68,24 @@ Entries SplitEntries() {
 }
 
 Entries SpectrumEntries() {
-    static constexpr std::array<Entry, 6> entries{{{u"FFTOrder2", &Settings::fftOrder},
-                                                   {u"WindowType", &Settings::fftWindow},
+    static constexpr std::array<Entry, 6> entries{{{u"FFTOrder2", &Settings::order},
+                                                   {u"WindowType", &Settings::window},
                                                    {u"Palette", &Settings::palette},
-                                                   {u"SpectrumType", &Settings::spectrumType},
+                                                   {u"SpectrumType", &Settings::type},
                                                    {u"AmpScale", &Settings::amplitudeScale},
                                                    {u"DBRange", &Settings::decibelRange}}};
     return entries;
 }
 
 Entries WindowEntries() {
-    static constexpr std::array<Entry, 8> entries{{{u"Left", &Settings::windowLeft},
+    static constexpr std::array<Entry, 9> entries{{{u"Left", &Settings::windowLeft},
                                                    {u"Top", &Settings::windowTop},
                                                    {u"Width", &Settings::windowWidth},
                                                    {u"Height", &Settings::windowHeight},
                                                    {u"Maximized", &Settings::windowMaximized},
                                                    {u"ListWidth", &Settings::listWidth},
                                                    {u"UpperPercent", &Settings::upperPercent},
+                                                   {u"SpectrogramPercent", &Settings::spectrogramPercent},
                                                    {u"SpectrogramShown", &Settings::spectrogramShown}}};
     return entries;
 }

@@ -7,12 +7,13 @@
 
 #include "data/PathList.h"
 #include "data/RegistryObject.h"
+#include "spectrum/SpectrumSettings.h"
 
 namespace quillon {
 
 /// What the user chose, kept between runs. The default values are those of a first run. Numbers are kept as they were
 /// stored; who uses one applies its own limits. A flag of 16 bits is set when it is not zero.
-struct Settings {
+struct Settings : SpectrumSettings {
     std::u16string filesPath;           ///< folder shown last
     std::int16_t helpLanguage = 0;      ///< see ChooseHelpFile
     std::int16_t timeFormat = 0;        ///< 0 time of day, 1 from the start, 2 sample indexes
@@ -43,20 +44,14 @@ struct Settings {
     std::int16_t splitBaseName = 0;     ///< flag: names start with the base name
     PathList pathList;
 
-    std::int32_t fftOrder = 8;      ///< the transform has 2^order samples
-    std::int16_t fftWindow = 0;     ///< 0 Blackman, 1 triangular, 2 Hann, 3 Hamming
-    std::int16_t palette = 0;       ///< 0 colour, 1 green, 2 grey
-    std::int16_t spectrumType = 0;  ///< 1 linear, else logarithmic
-    float amplitudeScale = 100.0F;  ///< percent
-    float decibelRange = 120.0F;    ///< dB
-
     std::int32_t windowLeft = 0;  ///< px; the placement is that of the window when it is not maximized
     std::int32_t windowTop = 0;
     std::int32_t windowWidth = 0;  ///< 0: there is no placement yet
     std::int32_t windowHeight = 0;
     bool windowMaximized = false;
-    std::int32_t listWidth = 0;     ///< px; 0: the layout's own
-    std::int32_t upperPercent = 0;  ///< share of the upper list; 0: the layout's own
+    std::int32_t listWidth = 0;           ///< px; 0: the layout's own
+    std::int32_t upperPercent = 0;        ///< share of the upper list; 0: the layout's own
+    std::int32_t spectrogramPercent = 0;  ///< share of the graph's height; 0: the layout's own
     bool spectrogramShown = false;
 };
 

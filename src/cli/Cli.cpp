@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::array kOptions = {
     OptionRule{u"--out", true, u"write to PATH instead of the standard output", u"PATH"},
-    OptionRule{u"--force", false, u"let --out replace a file that exists", u""},
+    OptionRule{u"--force", false, u"let the file to write replace one that exists", u""},
     OptionRule{u"--language", true, u"language of reasons and names: en (the default) or ru", u"en|ru"},
     OptionRule{u"--help", false, u"show this text, or that of the command", u""},
     OptionRule{u"--version", false, u"show the version", u""},
@@ -28,15 +28,25 @@ constexpr std::string_view kExitCodes =
     "  1  refused: the file cannot be read or written, or the range lies outside it\n"
     "  2  the command line is wrong\n";
 
-void WriteOptionHelp(std::ostream& out) {
-    out << "Options (--name value or --name=value; -- ends the options):\n";
-    for (const OptionRule& rule : kOptions) {
+/// Those of the program that a command takes; --out, the first of them, only where no word names the output.
+std::span<const OptionRule> OptionsFor(const Command* command) {
+    return std::span(kOptions).subspan(command != nullptr && command->outputWord != 0 ? 1 : 0);
+}
+
+void WriteRules(std::ostream& out, std::span<const OptionRule> rules) {
+    for (const OptionRule& rule : rules) {
         std::string name = "  ";
         name += Utf8(rule.name);
         if (rule.takesValue) name.append(" ").append(Utf8(rule.values));
         name.resize(std::max<std::size_t>(name.size() + 2, 22), ' ');
         out << name << Utf8(rule.help) << '\n';
     }
+}
+
+void WriteOptionHelp(std::ostream& out, const Command* only) {
+    out << "Options (--name value or --name=value; -- ends the options):\n";
+    if (only != nullptr) WriteRules(out, only->options);
+    WriteRules(out, OptionsFor(only));
 }
 
 void WriteHelp(std::ostream& out, const Command* only) {
@@ -48,7 +58,7 @@ void WriteHelp(std::ostream& out, const Command* only) {
             out << "  " << Utf8(command.name) << ' ' << Utf8(command.usage) << '\n' << command.help << '\n';
         }
     }
-    WriteOptionHelp(out);
+    WriteOptionHelp(out, only);
     out << '\n' << kExitCodes << "\nExamples:\n";
     for (const Command& command : Commands()) {
         if (only == nullptr || only == &command) out << command.example;
@@ -74,6 +84,28 @@ const Command& FindCommand(const std::u16string& name) {
     throw UsageError(u"unknown command '" + name + u"'");
 }
 
+/// Those of the program and of all its commands.
+std::vector<OptionRule> AllOptions() {
+    std::vector<OptionRule> rules(kOptions.begin(), kOptions.end());
+    for (const Command& command : Commands()) rules.insert(rules.end(), command.options.begin(), command.options.end());
+    return rules;
+}
+
+/// The options of a command line, those of its output where a word names that. Throws UsageError for an option that
+/// belongs to another command.
+ParsedArguments ForCommand(const Command& command, ParsedArguments parsed) {
+    const auto names = [](std::span<const OptionRule> rules, const std::u16string& name) {
+        return std::any_of(rules.begin(), rules.end(), [&](const OptionRule& rule) { return rule.name == name; });
+    };
+    for (const auto& option : parsed.options) {
+        if (!names(OptionsFor(&command), option.first) && !names(command.options, option.first)) {
+            throw UsageError(u"'" + std::u16string(command.name) + u"' takes no option '" + option.first + u"'");
+        }
+    }
+    if (command.outputWord != 0) parsed.options.emplace(u"--out", parsed.words[command.outputWord]);
+    return parsed;
+}
+
 void RunCommand(const Command& command, const ParsedArguments& parsed, CliIo& io) {
     const std::size_t given = parsed.words.size() - 1;
     if (given < command.minimumWords) {
@@ -83,13 +115,14 @@ void RunCommand(const Command& command, const ParsedArguments& parsed, CliIo& io
         throw UsageError(u"unexpected word '" + parsed.words[command.maximumWords + 1] + u"'");
     }
     const Language language = LanguageOf(parsed);
-    OutputTarget target(io.out, parsed, parsed.words[1]);
-    command.run({parsed.words, language, target});
+    const ParsedArguments own = ForCommand(command, parsed);
+    OutputTarget target(io.out, own, own.words[1]);
+    command.run({own, language, target});
     target.Finish();
 }
 
 int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16string& file) {
-    const ParsedArguments parsed = ParseArguments(arguments, kOptions);
+    const ParsedArguments parsed = ParseArguments(arguments, AllOptions());
     const Command* command = parsed.words.empty() ? nullptr : &FindCommand(parsed.words[0]);
     if (parsed.Has(u"--help") || parsed.Has(u"--version")) {
         if (parsed.Has(u"--help")) {

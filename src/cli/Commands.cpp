@@ -6,36 +6,15 @@
 
 #include "base/DateTime.h"
 #include "base/Text.h"
+#include "cli/CommandSupport.h"
 #include "cli/Json.h"
-#include "norvik/Bilingual.h"
-#include "norvik/RecordingLibrary.h"
+#include "cli/SpectrumCommand.h"
 
 namespace quillon::cli {
 
 namespace {
 
 constexpr std::int32_t kPieceSamples = 65536;
-
-/// An open recording that is closed at the end of the command.
-class OpenFile {
-  public:
-    OpenFile(const std::u16string& file, Language language) : m_library(MakeRecordingLibrary(language)) {
-        if (!m_library->OpenRecording(file, m_recording)) throw Refusal(m_library->LastErrorText());
-    }
-    ~OpenFile() { m_library->CloseRecording(m_recording); }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    [[nodiscard]] Recording& Get() const { return *m_recording; }
-
-  private:
-    std::shared_ptr<RecordingLibrary> m_library;
-    std::shared_ptr<Recording> m_recording;
-};
-
-[[noreturn]] void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian,
-                              std::int64_t given, std::int64_t first, std::int64_t last) {
-    throw Refusal(Say(english, russian, {Decimal(given), Decimal(first), Decimal(last)}).In(language));
-}
 
 std::string JsonChannels(const RecordingBlock& block) {
     std::string json = "[";
@@ -71,7 +50,7 @@ std::string JsonBlock(std::int16_t number, const RecordingBlock& block) {
 }
 
 void RunInfo(const CommandContext& context) {
-    const OpenFile file(context.words[1], context.language);
+    const OpenFile file(context.parsed.words[1], context.language);
     Recording& recording = file.Get();
     const std::u16string info = recording.FileInfo();
     std::string json = "{\"file\":" + JsonText(recording.FileName());
@@ -93,22 +72,13 @@ struct SampleRange {
 };
 
 SampleRange FindRange(const CommandContext& context, Recording& recording) {
-    const auto& words = context.words;
+    const auto& words = context.parsed.words;
     const Language language = context.language;
     const std::int64_t number = WholeNumber(words[2], u"BLOCK");
     const std::int64_t channel = WholeNumber(words[3], u"CHANNEL");
     const std::int64_t first = words.size() > 4 ? WholeNumber(words[4], u"FIRST") : 0;
-    if (number < 1 || number > recording.BlockCount()) {
-        RefuseRange(language, u"there is no block %1 (blocks %2 to %3)", u"нет блока %1 (блоки с %2 по %3)", number, 1,
-                    recording.BlockCount());
-    }
-    SampleRange range;
-    range.block = recording.GetBlock(static_cast<std::int16_t>(number));
-    if (channel < 1 || channel > range.block->ChannelCount()) {
-        RefuseRange(language, u"there is no channel %1 (channels %2 to %3)", u"нет канала %1 (каналы с %2 по %3)",
-                    channel, 1, range.block->ChannelCount());
-    }
-    const std::int64_t samples = range.block->SampleCount();
+    const auto [block, position] = FindChannel(recording, number, channel, language);
+    const std::int64_t samples = block->SampleCount();
     if (first < 0 || first > std::max<std::int64_t>(samples - 1, 0)) {
         RefuseRange(language, u"there is no sample %1 (samples %2 to %3)", u"нет отсчёта %1 (отсчёты с %2 по %3)",
                     first, 0, samples - 1);
@@ -118,21 +88,13 @@ SampleRange FindRange(const CommandContext& context, Recording& recording) {
         RefuseRange(language, u"a count of %1 does not fit (counts %2 to %3 from there)",
                     u"количество %1 не помещается (отсюда от %2 до %3)", count, 0, samples - first);
     }
-    range.channel = static_cast<std::int16_t>(channel);
-    range.first = static_cast<std::int32_t>(first);
-    range.count = static_cast<std::int32_t>(count);
-    return range;
-}
-
-/// Appends the lowest `size` bytes of a number, the lowest first.
-void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size) {
-    for (unsigned byte = 0; byte < size; ++byte) bytes.push_back(static_cast<char>(number >> (8 * byte) & 0xFFU));
+    return {block, position, static_cast<std::int32_t>(first), static_cast<std::int32_t>(count)};
 }
 
 /// `read(range, first, count)` fills `bytes` with one piece.
 template <typename Read>
 void WriteSamples(const CommandContext& context, Read read) {
-    const OpenFile file(context.words[1], context.language);
+    const OpenFile file(context.parsed.words[1], context.language);
     const SampleRange range = FindRange(context, file.Get());
     std::vector<char> bytes;
     for (std::int32_t done = 0; done < range.count;) {
@@ -175,6 +137,11 @@ constexpr std::array kCommands = {
     Command{u"values", u"FILE BLOCK CHANNEL [FIRST [COUNT]]", 3, 5,
             "      As codes, but physical values as raw 32-bit floats, little-endian.\n",
             "  quillon-cli values night.edf 1 3 25600 512 > piece.f32\n", RunValues},
+    Command{u"spectrum", u"FILE OUT.bmp [options]", 2, 2,
+            "      Writes the spectrogram of one channel as a bitmap of 256 colours: a column per spectrum, a row per\n"
+            "      frequency from 0 Hz at the bottom to half the sampling rate. See quillon-cli spectrum --help.\n",
+            "  quillon-cli spectrum night.edf night.bmp --channel=3 --order=9 --palette=gray\n", RunSpectrum,
+            kSpectrumOptions, 2},
 };
 
 }  // namespace

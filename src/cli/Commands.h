@@ -1,18 +1,17 @@
 #pragma once
 
 #include <span>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "base/Language.h"
+#include "cli/Options.h"
 #include "cli/OutputTarget.h"
 
 namespace quillon::cli {
 
-/// What a command works with. `words` are the command's name, the file and the rest.
+/// What a command works with. The words are the command's name, the file and the rest.
 struct CommandContext {
-    const std::vector<std::u16string>& words;
+    const ParsedArguments& parsed;
     Language language;
     OutputTarget& target;
 };
@@ -25,6 +24,8 @@ struct Command {
     std::string_view help;     ///< indented lines
     std::string_view example;  ///< indented lines
     void (*run)(const CommandContext& context);
+    std::span<const OptionRule> options = {};  ///< those that this command alone takes
+    std::size_t outputWord = 0;                ///< which word names the file to write; 0: none, --out does
 };
 
 /// All commands, in the order of the help.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include "base/Text.h"
 
@@ -46,6 +47,20 @@ ParsedArguments ParseArguments(std::span<const std::u16string> arguments, std::s
         if (!parsed.options.emplace(name, value).second) throw UsageError(u"option '" + name + u"' is given twice");
     }
     return parsed;
+}
+
+std::u16string OutOfRange(const ParsedArguments& parsed, std::u16string_view name) {
+    return u"'" + parsed.Value(name) + u"' is out of range for " + std::u16string(name);
+}
+
+float RealNumber(const std::u16string& text, std::u16string_view what) {
+    const std::string digits = Utf8(text);
+    float number = 0.0F;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || end != digits.data() + digits.size() || !std::isfinite(number)) {
+        throw UsageError(u"'" + text + u"' is not a number for " + std::u16string(what));
+    }
+    return number;
 }
 
 std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what) {

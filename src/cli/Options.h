@@ -40,6 +40,12 @@ struct ParsedArguments {
 [[nodiscard]] ParsedArguments ParseArguments(std::span<const std::u16string> arguments,
                                              std::span<const OptionRule> rules);
 
+/// What is wrong with a number that an option does not take.
+[[nodiscard]] std::u16string OutOfRange(const ParsedArguments& parsed, std::u16string_view name);
+
+/// A finite number with a decimal point. Throws UsageError that calls it `what`.
+[[nodiscard]] float RealNumber(const std::u16string& text, std::u16string_view what);
+
 /// A whole number of decimal digits. Throws UsageError that calls it `what`.
 [[nodiscard]] std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what);
 

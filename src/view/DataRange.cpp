@@ -20,7 +20,8 @@ std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<s
     std::vector<std::int16_t> codes;
     constexpr std::int32_t piece = 65536;
     for (std::size_t at = 0; at < channels.size(); ++at) {
-        for (std::int32_t done = 0; done < samples.Count(); done += piece) {
+        for (std::int64_t start = 0; start < samples.Count(); start += piece) {
+            const auto done = static_cast<std::int32_t>(start);
             codes.resize(static_cast<std::size_t>(std::min(piece, samples.Count() - done)));
             block.ReadCodes(channels[at], first + done, static_cast<std::int32_t>(codes.size()), codes.data());
             const auto [low, high] = std::minmax_element(codes.begin(), codes.end());
@@ -65,27 +66,35 @@ std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& sl
     return range;
 }
 
-std::optional<ValueRange> RangeRecords::OfShown(const ViewBlock& block, const ChannelSlots& slots) {
-    if (!block.block || block.sampleCount < 1) return std::nullopt;
+void RangeRecords::Learn(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
     m_ranges.resize(block.channelNumbers.size());
-    const std::vector<std::int16_t> shown = ShownChannels(block, slots);
-    const auto record = [&](std::int16_t channel) -> Record& {
-        return m_ranges[static_cast<std::size_t>(channel - 1)];
-    };
     std::vector<std::int16_t> unknown;
-    std::copy_if(shown.begin(), shown.end(), std::back_inserter(unknown),
-                 [&](std::int16_t channel) { return !record(channel).known; });
+    std::copy_if(channels.begin(), channels.end(), std::back_inserter(unknown),
+                 [&](std::int16_t channel) { return !m_ranges[static_cast<std::size_t>(channel - 1)].known; });
+    if (unknown.empty()) return;
     try {
         const std::vector<RunExtremes> extremes = ExtremeCodes(*block.block, unknown, {1, block.sampleCount});
         for (std::size_t at = 0; at < unknown.size(); ++at) {
-            record(unknown[at]) = {true, InUnits(block, unknown[at], extremes[at])};
+            m_ranges[static_cast<std::size_t>(unknown[at] - 1)] = {true, InUnits(block, unknown[at], extremes[at])};
         }
     } catch (const std::exception&) {
         // What could not be read stays unknown and is tried again at the next need.
     }
+}
+
+std::optional<ValueRange> RangeRecords::OfShown(const ViewBlock& block, const ChannelSlots& slots) {
+    if (!block.block || block.sampleCount < 1) return std::nullopt;
+    const std::vector<std::int16_t> shown = ShownChannels(block, slots);
+    Learn(block, shown);
     std::optional<ValueRange> range;
-    for (const std::int16_t channel : shown) Widen(range, record(channel).range);
+    for (const std::int16_t channel : shown) Widen(range, m_ranges[static_cast<std::size_t>(channel - 1)].range);
     return range;
+}
+
+std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, std::int16_t channel) {
+    if (!block.block || block.sampleCount < 1 || channel < 1 || channel > block.channelCount) return std::nullopt;
+    Learn(block, {channel});
+    return m_ranges[static_cast<std::size_t>(channel - 1)].range;
 }
 
 std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots) {

@@ -29,7 +29,12 @@ class RangeRecords {
     /// Smallest and largest value of the shown channels over the whole block; none where there is nothing to be read.
     [[nodiscard]] std::optional<ValueRange> OfShown(const ViewBlock& block, const ChannelSlots& slots);
 
+    /// The same for one channel (from 1).
+    [[nodiscard]] std::optional<ValueRange> Of(const ViewBlock& block, std::int16_t channel);
+
   private:
+    void Learn(const ViewBlock& block, const std::vector<std::int16_t>& channels);
+
     struct Record {
         bool known = false;
         std::optional<ValueRange> range;  ///< none for a channel whose scale makes no finite values

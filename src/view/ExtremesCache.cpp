@@ -118,12 +118,13 @@ bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::i
     for (RunExtremes* target : out) reducers.emplace_back(2 * (run / cellSamples), target);
     // Few chunks at a time, so that a view of any length needs no more memory than the limit.
     constexpr std::int32_t chunksAtOnce = 32;
+    const auto chunks = static_cast<std::int32_t>(m_coarseKnown.front().size());
     for (std::int32_t at = first; at < cellsEnd;) {
         const std::int32_t chunk = (at - 1) / kChunk;
         ++m_clock;
         if (!Knows(chunk, channels, coarse)) {
             std::int32_t unknown = 1;
-            while (unknown < chunksAtOnce && SamplesOf(chunk + unknown).first < cellsEnd &&
+            while (unknown < chunksAtOnce && chunk + unknown < chunks && SamplesOf(chunk + unknown).first < cellsEnd &&
                    !Knows(chunk + unknown, channels, coarse))
                 ++unknown;
             if (!Fill(block, channels, chunk, unknown)) return false;

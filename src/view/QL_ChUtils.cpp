@@ -120,6 +120,9 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
     } catch (const std::exception&) {
         // A stretch of the data cannot be read: channel by channel, those that can be are still drawn.
     }
+    // Read sample by sample, more than this would take memory without bound.
+    constexpr std::int32_t most = 1 << 22;
+    if (count > most) return;
     for (std::size_t at = 0; at < m_used; ++at) {
         try {
             DrawChannelTrace(block, channels[at], first, count, samplesPerPixel, m_samples, m_points[at]);

@@ -144,7 +144,8 @@ std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, std::in
     const auto width = static_cast<std::size_t>(frames ? source.block.channelCount : 1);
     constexpr std::int32_t piece = 65536;
     std::vector<std::int16_t> codes(static_cast<std::size_t>(piece) * width);
-    for (std::int32_t from = first - 1; from < last; from += piece) {
+    for (std::int64_t start = first - 1; start < last; start += piece) {
+        const auto from = static_cast<std::int32_t>(start);
         const std::int32_t count = std::min(piece, last - from);
         bool framesRead = true;
         if (frames) {

@@ -25,6 +25,8 @@ std::int32_t TimeAxis::TableEntry(int index) {
 
 void TimeAxis::SetBlock(std::int32_t sampleCount) {
     m_samples = std::max(sampleCount, 0);
+    // A zoom beyond the menu's was for a longer block.
+    m_zoom = std::min(m_zoom, kMenuZoomCount - 1);
     m_length = ColumnsOf(m_samples, SamplesPerPixel());
     m_first = 0;
 }

@@ -24,7 +24,8 @@ class TimeAxis {
 
     [[nodiscard]] static std::int32_t TableEntry(int index);
 
-    /// A newly loaded block: its first column is shown, the zoom stays.
+    /// A newly loaded block: its first column is shown, the zoom stays if it is one of the menu's, else becomes the
+    /// coarsest of these.
     void SetBlock(std::int32_t sampleCount);
     void SetWidth(std::int32_t pixels);
 

@@ -119,7 +119,9 @@ TEST_F(SettingsTest, ReadsAndWritesEveryValueUnderItsNameTypeAndPlaceInTheOrder)
         "SplitType:s SplitPtStep:i SplitPtSize:i SplitTmStep:f SplitTmSize:f SplitFileIndex:s "
         "SplitBaseName:s PathListCount:i PathList1:t PathList2:t [user " +
         Utf8(kSpectrum) + "] FFTOrder2:i WindowType:s Palette:s SpectrumType:s AmpScale:f DBRange:f [user " +
-        Utf8(kWindow) + "] Left:i Top:i Width:i Height:i Maximized:s ListWidth:i UpperPercent:i SpectrogramShown:s ";
+        Utf8(kWindow) +
+        "] Left:i Top:i Width:i Height:i Maximized:s ListWidth:i UpperPercent:i SpectrogramPercent:i "
+        "SpectrogramShown:s ";
     const Settings settings = Loaded();
     EXPECT_EQ(m_hive.log, main + display + choices + paths + rest);
     EXPECT_EQ(settings.filesPath, u"текст 101");
@@ -164,7 +166,7 @@ TEST_F(SettingsTest, AValueOrKeyThatFailsCostsNoOther) {
     EXPECT_EQ(loaded.splitTimeSize, 2.5F);
     EXPECT_EQ(loaded.pathList.Folders(), std::vector<std::u16string>{u"C:\\b"});
     EXPECT_EQ(loaded.palette, 1);
-    EXPECT_EQ(loaded.fftOrder, 8);
+    EXPECT_EQ(loaded.order, 8);
 
     m_hive.throwing.clear();
     settings.palette = 2;
@@ -188,7 +190,7 @@ TEST_F(SettingsTest, WithoutARegistryTheProgramRunsOnItsDefaults) {
         {});
     Settings settings;
     store.Load(settings);
-    EXPECT_EQ(settings.fftOrder, 8);
+    EXPECT_EQ(settings.order, 8);
     EXPECT_EQ(settings.amplitudeScale, 100.0F);
     EXPECT_EQ(settings.decibelRange, 120.0F);
     EXPECT_TRUE(store.Save(settings)) << "a registry that comes later is used";

@@ -300,7 +300,8 @@ TEST(RangeOf, TakesTheShownChannelsInTheirUnits) {
     static_cast<FakeBlock&>(*block.block).failing.clear();
     // A scale so large that values overflow: no range, and Find Data leaves the scale alone.
     block.invScale = {1e-36F, 0.0F};
-    EXPECT_FALSE(RangeOf(block, slots, {1, 4}).has_value() && !std::isfinite(RangeOf(block, slots, {1, 4})->minimum));
+    const std::optional<ValueRange> finite = RangeOf(block, slots, {1, 4});
+    EXPECT_TRUE(!finite || (std::isfinite(finite->minimum) && std::isfinite(finite->maximum)));
     block.invScale = {2.0F, -1.0F};
 
     // A block too long to be read at once: its first and last samples count, and only stretches of it are read.

@@ -42,7 +42,8 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
       m_services(services),
       m_loader(*global.library, global.file, global.block, global.slots, services, *this),
       m_makeTimer(std::move(makeTimer)),
-      m_shutdown(std::move(shutdown)) {}
+      m_shutdown(std::move(shutdown)),
+      m_fft(global.settings) {}
 
 void frmQLMain::Create() {
     m_dpi = ScreenDpi();
@@ -247,11 +248,12 @@ void frmQLMain::MakeControls() {
     MakeControl(WC_SCROLLBARW, SBS_HORZ, 0, scScaleX);
     MakeControl(WC_SCROLLBARW, SBS_VERT, 0, scScaleY);
     MakeControl(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
-    const bool made = m_graphBox.Create(m_window, pbGraph, *this, true) &&
-                      m_scaleXBox.Create(m_window, pbScaleX, *this, false) &&
-                      m_scaleYBox.Create(m_window, pbScaleY, *this, false) &&
-                      m_pathListBox.Create(m_window, pbPathList, *this, true) && m_values.Create(m_window, pnValues) &&
-                      m_zoomX.Create(m_window, btnZoomX, *this);
+    const bool made =
+        m_graphBox.Create(m_window, pbGraph, *this, true) && m_scaleXBox.Create(m_window, pbScaleX, *this, false) &&
+        m_scaleYBox.Create(m_window, pbScaleY, *this, false) &&
+        m_pathListBox.Create(m_window, pbPathList, *this, true) && m_values.Create(m_window, pnValues) &&
+        m_zoomX.Create(m_window, btnZoomX, *this) && m_fftBox.Create(m_window, pbFFT, *this, false) &&
+        m_paletteBox.Create(m_window, pbPal, *this, false) && m_scaleFBox.Create(m_window, pbScaleF, *this, false);
     if (!made) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
     const int size = MulDiv(16, m_dpi, 96);
     m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size)}, size);
@@ -288,6 +290,7 @@ void frmQLMain::OnActivate(UINT state) {
     if (m_closing) return;
     if (state == WA_INACTIVE) {
         EndHover();
+        m_altUsed = false;
         m_lastFocus = GetFocus();
         return;
     }
@@ -354,6 +357,8 @@ void frmQLMain::ArrangeControls() {
     input.dpi = m_dpi;
     input.listWidth = m_global.settings.listWidth;
     input.upperPercent = m_global.settings.upperPercent;
+    input.spectrogram = m_global.settings.spectrogramShown;
+    input.spectrogramPercent = m_global.settings.spectrogramPercent;
     m_layout = ArrangeMain(input);
 
     struct Place {
@@ -361,12 +366,13 @@ void frmQLMain::ArrangeControls() {
         const PixelRect& rect;
     };
     const Place places[] = {
-        {tbMain, m_layout.tools},    {tbGoTo, m_layout.goTo},         {tabPath, m_layout.tabPath},
-        {lstDrive, m_layout.drive},  {pbPathList, m_layout.pathList}, {lstDir, m_layout.folders},
-        {lvCh, m_layout.channels},   {tabFile, m_layout.tabFile},     {cboFileType, m_layout.fileType},
-        {lstFile, m_layout.files},   {lstBlock, m_layout.blocks},     {pnValues, m_layout.values},
-        {pbScaleY, m_layout.scaleY}, {pbGraph, m_layout.graph},       {scScaleY, m_layout.scrollY},
-        {btnZoomX, m_layout.zoomX},  {pbScaleX, m_layout.scaleX},     {scScaleX, m_layout.scrollX},
+        {tbMain, m_layout.tools},      {tbGoTo, m_layout.goTo},         {tabPath, m_layout.tabPath},
+        {lstDrive, m_layout.drive},    {pbPathList, m_layout.pathList}, {lstDir, m_layout.folders},
+        {lvCh, m_layout.channels},     {tabFile, m_layout.tabFile},     {cboFileType, m_layout.fileType},
+        {lstFile, m_layout.files},     {lstBlock, m_layout.blocks},     {pnValues, m_layout.values},
+        {pbScaleY, m_layout.scaleY},   {pbGraph, m_layout.graph},       {scScaleY, m_layout.scrollY},
+        {btnZoomX, m_layout.zoomX},    {pbScaleX, m_layout.scaleX},     {scScaleX, m_layout.scrollX},
+        {pbFFT, m_layout.spectrogram}, {pbPal, m_layout.palette},       {pbScaleF, m_layout.scaleF},
     };
     HDWP positions = BeginDeferWindowPos(static_cast<int>(std::size(places)));
     for (const Place& place : places) {
@@ -389,7 +395,7 @@ bool frmQLMain::OnSetCursor(HWND child) const {
     if (child != m_window) return false;
     const bool column = Contains(m_layout.splitColumn, point.x, point.y);
     const bool lists = Contains(m_layout.splitLists, point.x, point.y);
-    if (!column && !lists) return false;
+    if (!column && !lists && !Contains(m_layout.splitSpectrogram, point.x, point.y)) return false;
     SetCursor(LoadCursorW(nullptr, column ? IDC_SIZEWE : IDC_SIZENS));
     return true;
 }
@@ -398,6 +404,7 @@ void frmQLMain::OnMouse(UINT message, int x, int y) {
     if (message == WM_LBUTTONDOWN) {
         if (Contains(m_layout.splitColumn, x, y)) m_drag = Drag::Column;
         if (Contains(m_layout.splitLists, x, y)) m_drag = Drag::Lists;
+        if (Contains(m_layout.splitSpectrogram, x, y)) m_drag = Drag::Spectrogram;
         if (m_drag != Drag::None) SetCapture(m_window);
         return;
     }
@@ -407,10 +414,15 @@ void frmQLMain::OnMouse(UINT message, int x, int y) {
         const int height = m_layout.blocks.Bottom() - top - m_layout.splitLists.height;
         if (m_drag == Drag::Column) m_global.settings.listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
         if (m_drag == Drag::Lists && height > 0) m_global.settings.upperPercent = std::max((y - top) * 100 / height, 1);
+        const int shared = m_layout.spectrogram.Bottom() - m_layout.graph.top - m_layout.splitSpectrogram.height;
+        if (m_drag == Drag::Spectrogram && shared > 0)
+            m_global.settings.spectrogramPercent =
+                std::max((m_layout.spectrogram.Bottom() - y - m_layout.splitSpectrogram.height / 2) * 100 / shared, 1);
         ArrangeControls();
         // What was reached counts, so that dragging beyond a limit and back has no dead travel.
         m_global.settings.listWidth = m_layout.listWidth;
         m_global.settings.upperPercent = m_layout.upperPercent;
+        if (m_drag == Drag::Spectrogram) m_global.settings.spectrogramPercent = m_layout.spectrogramPercent;
         Refresh();
         return;
     }

@@ -19,6 +19,8 @@
 #include "data/win/ChannelLists.h"
 #include "data/win/FileBrowser.h"
 #include "data/win/cFileNotification.h"
+#include "spectrum/QL_FFT.h"
+#include "spectrum/win/SpectrogramView.h"
 #include "view/Readout.h"
 #include "view/win/GraphCursor.h"
 #include "view/win/GraphPainter.h"
@@ -32,7 +34,7 @@ namespace quillon {
 /// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and
 /// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle and layout) and frmQLMain_*.cpp: Browser
 /// (files, blocks, channels), Commands (menu and keys), View (moves of the view), Mouse (hover, selection, wheel) and
-/// Graph (graph and scales).
+/// Graph (graph and scales) and Spectrogram.
 class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
   public:
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
@@ -137,6 +139,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void ZoomFailed(const std::exception& error) override { Failed(error); }
 
     // Moves of the view, and what the context menu offers.
+    [[nodiscard]] ViewPlace PresentView() const;
     /// Remembers the view that is about to be left.
     void KeepView();
     void ScrollBy(std::int32_t shift);
@@ -144,9 +147,11 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void MoveView(int index);
     void SelectZoomX(int index);
     void ZoomX(int index);
-    /// One step of the X zoom that keeps the sample under a column of the graph there.
-    void ZoomAbout(int index, int column);
-    void ZoomY(int index);
+    /// Steps of the X zoom, finer ones positive, that keep the sample under a column of the graph there.
+    void ZoomAbout(int steps, int column);
+    void ZoomY(int index) { StepScaleY(index == 0 ? -1 : 1); }
+    /// Steps of the Y scale, finer ones positive.
+    void StepScaleY(int steps);
     void SelectScaleY(int index);
     void BaseLine(int index);
     void MoveBaseLine(std::int32_t rows);
@@ -164,9 +169,14 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void EndGesture();
     [[nodiscard]] HCURSOR GraphPointer();
     [[nodiscard]] ReadoutSource Source() const;
+    /// Whether the pointer is over a picture that the hover readout is for, which then has the mouse; else the hover
+    /// ends.
+    bool HoverStays(HWND box);
+    [[nodiscard]] bool OnStrip(int x) const;
     void Hover(int x, int y);
+    void MoveCursorBand(const std::optional<ColumnBand>& band);
     /// Shows the cursor band at a column and the values of a sample.
-    void ShowHover(std::int32_t sample, std::int32_t column);
+    void ShowHover(std::int32_t sample, int column, int row);
     void HideCursorBand();
     void EndHover();
     void InvalidateGraph(const RECT& part) const;
@@ -180,6 +190,20 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void OnTimer(UINT_PTR timer);
     [[nodiscard]] bool RouteWheel(const MSG& message);
     void OnWheel(HWND under, int delta, UINT keys, bool alt, int column);
+
+    // Spectrogram.
+    void ShowSpectrogram(int);
+    /// Takes the chosen channel as the spectrogram's, and draws it anew where asked to.
+    void Spectrogram_Init(bool redraw);
+    /// Brings the picture up to date; `force` computes every column.
+    void Spectrogram_Draw(bool force);
+    void ChooseSpectrumChannel();
+    void NextPalette();
+    void NextPaletteKey(int) { NextPalette(); }
+    void PaintSpectrogram(int id, HDC dc, const RECT& client);
+    /// Time, frequency and level at a pixel of the spectrogram.
+    [[nodiscard]] std::u16string SpectrumReadout(int column, int row) const;
+    bool SpectrogramMouse(int id, UINT message, WPARAM wParam, int x, int y);
 
     // Graph.
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
@@ -218,14 +242,19 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     PictureBox m_scaleXBox;
     PictureBox m_scaleYBox;
     ucZoomX m_zoomX;
+    PictureBox m_fftBox;
+    PictureBox m_paletteBox;
+    PictureBox m_scaleFBox;
     GraphPainter m_graph;
+    QL_FFT m_fft;
+    SpectrogramView m_spectrogram;
     ScalePainter m_scales;
 
     MainLayout m_layout;
     SIZE m_arrangedSize{};            ///< of the client area that it fills
     std::int16_t m_arrangedFor = -1;  ///< channels that the layout has room for in the readout
     int m_dpi = 96;
-    enum class Drag { None, Column, Lists } m_drag = Drag::None;
+    enum class Drag { None, Column, Lists, Spectrogram } m_drag = Drag::None;
     /// What the mouse drags, and where it began.
     struct Gesture {
         enum Kind { None, Select, Pan, BaseLine } kind = None;
@@ -236,9 +265,10 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     };
     Gesture m_gesture;
     GraphCursor m_cursors;
-    bool m_hovering = false;  ///< the graph holds the mouse for the hover readout
+    HWND m_hovering = nullptr;  ///< graph or spectrogram, while it holds the mouse for the hover readout
     POINT m_hoverPoint{};
     std::int16_t m_menuChannel = 0;      ///< whose trace is nearest to where the context menu opened; 0: none
+    std::int32_t m_goneTo = 0;           ///< sample that was gone to, until the view changes; 0: none
     bool m_altUsed = false;              ///< the Alt key that is down was part of a gesture
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active

@@ -32,6 +32,8 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
         if ((change->uChanged & LVIF_STATE) != 0 && chosen) {
             m_global.currentChannel = static_cast<std::int16_t>(change->iItem + 1);
             StopSound();
+            ChooseSpectrumChannel();
+            Spectrogram_Draw(true);
         }
         if ((change->uChanged & LVIF_STATE) != 0 &&
             ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
@@ -258,12 +260,23 @@ void frmQLMain::SelectBlockItem(std::int32_t position) {
 }
 
 void frmQLMain::ResetViewState() {
+    // A gesture or readout under way concerns what is no longer there.
+    EndGesture();
+    EndHover();
+    const HWND capture = GetCapture();
+    if (capture != nullptr && (capture == m_graphBox.Window() || capture == m_scaleYBox.Window())) ReleaseCapture();
+    if (const auto& before = m_global.shownBeforeSolo) {
+        for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot)
+            m_global.slots[slot].shown = before->test(slot);
+    }
+    m_menuChannel = 0;
     m_global.ranges.Reset();
     m_global.selection = {};
     m_global.history.Clear();
     m_global.currentChannel = 1;
     m_global.shownBeforeSolo.reset();
     m_graph.ForgetBlock();
+    m_fft.FFT_ClearState();
     if (!m_closing) m_graph.Clear(m_layout.graph.width, m_layout.graph.height);
 }
 
@@ -277,6 +290,7 @@ void frmQLMain::ShowBlock() {
     m_values.Text(m_global.file.fileInfo);
     m_values.Refresh();
     FitUnlessLegible();
+    Spectrogram_Init(false);
     ShowCaption();
     Refresh();
 }

@@ -106,6 +106,8 @@ void frmQLMain::OnCommand(int id) {
         {mnuExit, mnuExit, &frmQLMain::Exit},
         {mnuTabPath, mnuTabPath + 1, &frmQLMain::SelectTabPath},
         {mnuTabFile, mnuTabFile + 1, &frmQLMain::SelectTabFile},
+        {mnuSpectrogram, mnuSpectrogram, &frmQLMain::ShowSpectrogram},
+        {mnuNextPalette, mnuNextPalette, &frmQLMain::NextPaletteKey},
         {mnuScaleX, mnuScaleX + TimeAxis::kMenuZoomCount - 1, &frmQLMain::SelectZoomX},
         {mnuZoomX, mnuZoomX + 1, &frmQLMain::ZoomX},
         {mnuGoTo, mnuGoTo + 3, &frmQLMain::GoTo},
@@ -172,7 +174,8 @@ bool frmQLMain::TranslateKey(const MSG& message) {
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     if (message.hwnd != m_window && !IsChild(m_window, message.hwnd)) return false;
     const bool control = GetKeyState(VK_CONTROL) < 0;
-    const bool shift = GetKeyState(VK_SHIFT) < 0;
+    // A plus needs it on most keyboards.
+    const bool shift = GetKeyState(VK_SHIFT) < 0 && message.wParam != VK_OEM_PLUS;
     const bool alt = GetKeyState(VK_MENU) < 0;
     if (message.wParam == VK_TAB && !control && !alt) {
         if (const HWND next = GetNextDlgTabItem(m_window, GetFocus(), shift)) SetFocus(next);
@@ -188,11 +191,13 @@ bool frmQLMain::TranslateKey(const MSG& message) {
         if (focus != m_graphBox.Window()) return false;
         RECT graph{};
         GetWindowRect(focus, &graph);
+        m_menuChannel = 0;
         ShowContextMenu({graph.left, graph.top});
         return true;
     }
     const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
     if (command == 0) return false;
+    if (alt) m_altUsed = true;
     OnCommand(command);
     return true;
 }

@@ -37,6 +37,7 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
         InflateRect(&client, -3, -3);
         if (GetFocus() == m_pathListBox.Window()) DrawFocusRect(dc, &client);
     }
+    if (id == pbFFT || id == pbPal || id == pbScaleF) PaintSpectrogram(id, dc, client);
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);
     // An empty graph says why it is empty.
@@ -68,7 +69,7 @@ void frmQLMain::UpdateScrollBars() const {
     info.nPos = std::clamp(-m_global.amplitude.Shift(), -kBaseLineReach, kBaseLineReach);
     const HWND vertical = GetDlgItem(m_window, scScaleY);
     SetScrollInfo(vertical, SB_CTL, &info, TRUE);
-    EnableWindow(vertical, scrollable);
+    EnableWindow(vertical, m_global.block.sampleCount > 0);
 }
 
 void frmQLMain::OnHScroll(UINT code) {
@@ -112,7 +113,9 @@ void frmQLMain::OnVScroll(UINT code) {
 
 void frmQLMain::FitUnlessLegible() {
     // A scale that the user chose stays from block to block as long as the new one is legible at it.
-    const std::optional<ValueRange> range = TypicalRange(m_global.block, m_global.slots);
+    const std::optional<ValueRange> range = m_global.rawCodes && m_global.block.sampleCount > 0
+                                                ? kRawCodesRange
+                                                : TypicalRange(m_global.block, m_global.slots);
     if (!range || (m_scaleFitted && m_global.amplitude.Shows(*range))) return;
     m_global.amplitude.FindData(range);
     m_scaleFitted = true;
@@ -132,6 +135,7 @@ GraphScene frmQLMain::Scene() const {
 
 void frmQLMain::Refresh(std::int32_t shift) {
     if (m_closing || IsIconic(m_window)) return;
+    m_goneTo = 0;
     const PixelRect& graph = m_layout.graph;
     m_global.axis.SetWidth(graph.width);
     m_global.amplitude.SetGraph(graph.height, graph.height / 2);
@@ -146,6 +150,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
     } else {
         m_graph.Clear(graph.width, graph.height);
     }
+    Spectrogram_Draw(false);
     m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
     UpdateScrollBars();
     ShowPanels();
@@ -154,8 +159,10 @@ void frmQLMain::Refresh(std::int32_t shift) {
     m_scaleXBox.Invalidate();
     if (shift == 0) m_scaleYBox.Invalidate();
     // Another sample lies under the pointer now.
-    if (m_hovering && m_gesture.kind == Gesture::None)
-        Hover(static_cast<int>(m_hoverPoint.x), static_cast<int>(m_hoverPoint.y));
+    const int x = static_cast<int>(m_hoverPoint.x);
+    const int y = static_cast<int>(m_hoverPoint.y);
+    if (m_hovering != nullptr && m_hovering == m_graphBox.Window() && m_gesture.kind == Gesture::None) Hover(x, y);
+    if (m_hovering != nullptr && m_hovering == m_fftBox.Window()) SpectrogramMouse(pbFFT, WM_MOUSEMOVE, 0, x, y);
 }
 
 void frmQLMain::ShowPanels() const {

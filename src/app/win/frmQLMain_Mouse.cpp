@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "app/ControlIds.h"
 #include "app/win/frmQLMain.h"
@@ -24,6 +25,8 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
     if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN)
         SetFocus(m_graphBox.Window());
     if (id == pbScaleY) return ScaleYMouse(message, y);
+    if (id == pbPal && (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK)) return NextPalette(), true;
+    if (id == pbFFT) return SpectrogramMouse(id, message, wParam, x, y);
     if (id != pbGraph) return message == WM_LBUTTONDOWN;
     if (message == WM_SETCURSOR) return SetCursor(GraphPointer()), true;
     if (message == WM_CANCELMODE || message == WM_CAPTURECHANGED) {
@@ -32,7 +35,14 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
         if (message == WM_CANCELMODE) EndHover();
         return false;
     }
-    if (m_global.block.sampleCount == 0) return message == WM_LBUTTONDOWN;
+    const bool starts = message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK || message == WM_MBUTTONDOWN ||
+                        message == WM_MBUTTONDBLCLK;
+    if (m_global.block.sampleCount == 0) {
+        EndHover();
+        return starts;
+    }
+    // One gesture at a time.
+    if (starts && m_gesture.kind != Gesture::None) return true;
     const bool control = (wParam & MK_CONTROL) != 0;
     switch (message) {
         case WM_LBUTTONDOWN:
@@ -44,6 +54,7 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
             }
             return true;
         case WM_MBUTTONDOWN:
+        case WM_MBUTTONDBLCLK:
             EndHover();
             m_gesture = {Gesture::Pan, x, y, m_global.axis.FirstColumn(), m_global.amplitude.Shift()};
             SetCapture(m_graphBox.Window());
@@ -62,8 +73,11 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
         case WM_LBUTTONUP:
             if (m_gesture.kind == Gesture::Select) FinishSelection(x);
             return true;
-        case WM_MBUTTONUP: ReleaseCapture(); return true;
+        case WM_MBUTTONUP:
+            if (m_gesture.kind == Gesture::Pan) ReleaseCapture();
+            return true;
         case WM_RBUTTONUP: {
+            if (m_gesture.kind != Gesture::None) return true;
             EndHover();
             m_menuChannel = ChannelNear(Source(), m_global.amplitude, SampleUnder(m_global.axis, x), y);
             POINT screen{x, y};
@@ -76,7 +90,7 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
 }
 
 bool frmQLMain::ScaleYMouse(UINT message, int y) {
-    if (message == WM_LBUTTONDOWN && m_global.block.sampleCount > 0) {
+    if ((message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) && m_global.block.sampleCount > 0) {
         m_gesture = {Gesture::BaseLine, 0, y, 0, m_global.amplitude.Shift()};
         SetCapture(m_scaleYBox.Window());
     } else if (message == WM_MOUSEMOVE && m_gesture.kind == Gesture::BaseLine) {
@@ -109,45 +123,74 @@ HCURSOR frmQLMain::GraphPointer() {
 
 // The hover readout.
 
-void frmQLMain::Hover(int x, int y) {
-    const HWND graph = m_graphBox.Window();
-    if (GetCapture() != graph) {
+bool frmQLMain::HoverStays(HWND box) {
+    if (GetCapture() != box) {
         // A window of another program or a dialog may be over ours.
-        if (!IsWindowEnabled(m_window)) return;
-        SetCapture(graph);
+        if (!IsWindowEnabled(m_window) || GetActiveWindow() != m_window) return false;
+        SetCapture(box);
         SetCursor(GraphPointer());
     }
-    m_hovering = true;
+    m_hovering = box;
     POINT screen{};
     GetCursorPos(&screen);
-    if (WindowFromPoint(screen) != graph) return EndHover();
-    m_hoverPoint = {x, y};
-    const TimeAxis& axis = m_global.axis;
-    const bool onStrip = x >= 0 && x < axis.Width() && axis.FirstColumn() + x < axis.StripLength();
-    if (!onStrip) return HideCursorBand();
-    ShowHover(SampleUnder(axis, x), x);
+    if (WindowFromPoint(screen) == box) return true;
+    EndHover();
+    return false;
 }
 
-void frmQLMain::ShowHover(std::int32_t sample, std::int32_t column) {
-    InvalidateGraph(m_graph.SetBand(GraphBand::Cursor, ColumnBand{column, column}));
+bool frmQLMain::OnStrip(int x) const {
+    const TimeAxis& axis = m_global.axis;
+    return x >= 0 && x < axis.Width() && axis.FirstColumn() + x < axis.StripLength();
+}
+
+void frmQLMain::Hover(int x, int y) {
+    if (!HoverStays(m_graphBox.Window())) return;
+    m_hoverPoint = {x, y};
+    if (!OnStrip(x)) return HideCursorBand();
+    ShowHover(SampleUnder(m_global.axis, x), x, y);
+}
+
+bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
+    if (message == WM_SETCURSOR) return SetCursor(GraphPointer()), true;
+    if (message == WM_CANCELMODE) EndHover();
+    if (message != WM_MOUSEMOVE || m_global.block.sampleCount == 0) return false;
+    if (!HoverStays(m_fftBox.Window())) return true;
+    m_hoverPoint = {x, y};
+    if (!OnStrip(x)) return HideCursorBand(), true;
+    MoveCursorBand(ColumnBand{x, x});
+    m_values.Text(SpectrumReadout(x, y));
+    m_values.Refresh();
+    return true;
+}
+
+void frmQLMain::MoveCursorBand(const std::optional<ColumnBand>& band) {
+    const RECT part = m_graph.SetBand(GraphBand::Cursor, band);
+    InvalidateGraph(part);
+    if (m_global.settings.spectrogramShown && !IsRectEmpty(&part)) {
+        const RECT columns{part.left, 0, part.right, m_layout.spectrogram.height};
+        InvalidateRect(m_fftBox.Window(), &columns, FALSE);
+    }
+}
+
+void frmQLMain::ShowHover(std::int32_t sample, int column, int row) {
+    MoveCursorBand(ColumnBand{column, column});
     std::u16string text = HoverReadout(Source(), sample);
-    if (const auto mark = m_graph.MarkAt(Scene(), m_hovering ? static_cast<int>(m_hoverPoint.x) : column,
-                                         m_hovering ? static_cast<int>(m_hoverPoint.y) : 0))
+    if (const auto mark = m_graph.MarkAt(Scene(), column, row))
         text = m_global.block.marks[*mark].text + u"\r\n" + text;
     m_values.Text(text);
     m_values.Refresh();
 }
 
 void frmQLMain::HideCursorBand() {
-    InvalidateGraph(m_graph.SetBand(GraphBand::Cursor, std::nullopt));
+    MoveCursorBand(std::nullopt);
 }
 
 void frmQLMain::EndHover() {
     HideCursorBand();
-    if (!m_hovering) return;
-    m_hovering = false;
-    if (GetCapture() == m_graphBox.Window()) ReleaseCapture();
+    if (m_hovering == nullptr) return;
+    if (GetCapture() == std::exchange(m_hovering, nullptr)) ReleaseCapture();
     UpdateWindow(m_graphBox.Window());
+    UpdateWindow(m_fftBox.Window());
 }
 
 void frmQLMain::InvalidateGraph(const RECT& part) const {
@@ -180,6 +223,7 @@ void frmQLMain::StartSelection(int x, bool extend) {
 }
 
 void frmQLMain::DragSelection(int x) {
+    if (!m_global.selection.active) return;
     const bool outside = x < 0 || x >= m_global.axis.Width();
     m_gesture.x = x;
     if (outside) {
@@ -193,7 +237,7 @@ void frmQLMain::DragSelection(int x) {
 }
 
 void frmQLMain::OnTimer(UINT_PTR timer) {
-    if (timer != kAutoScroll || m_gesture.kind != Gesture::Select) return;
+    if (timer != kAutoScroll || m_gesture.kind != Gesture::Select || !m_global.selection.active) return;
     // The further outside the pointer is, the faster the view runs, up to a division a step.
     const int beyond = m_gesture.x < 0 ? m_gesture.x : m_gesture.x - m_global.axis.Width() + 1;
     const std::int32_t lastFirst = std::max(m_global.axis.StripLength() - m_global.axis.Width(), 0);
@@ -204,13 +248,14 @@ void frmQLMain::OnTimer(UINT_PTR timer) {
 
 void frmQLMain::FinishSelection(int x) {
     KillTimer(m_window, kAutoScroll);
-    m_global.selection.end = SampleUnder(m_global.axis, x);
+    if (m_global.selection.active) m_global.selection.end = SampleUnder(m_global.axis, x);
     // Ends the gesture through the loss of the capture, and drops a selection of no length.
     ReleaseCapture();
     if (m_global.selection.active) ShowRange();
 }
 
 void frmQLMain::Select(int index) {
+    if (m_gesture.kind == Gesture::Select) ReleaseCapture();
     Selection& selection = m_global.selection;
     const VisibleRange visible = m_global.axis.Visible();
     if (index == 1 && visible.Count() < 1) return;
@@ -240,8 +285,11 @@ bool frmQLMain::RouteWheel(const MSG& message) {
     // The wheel belongs to what lies under the pointer, wherever the focus is.
     const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
     if (under == nullptr || !IsWindowEnabled(m_window) || !IsChild(m_window, under)) return false;
-    if (under != m_graphBox.Window() && under != m_scaleXBox.Window() && under != m_scaleYBox.Window()) {
-        SendMessageW(under, WM_MOUSEWHEEL, message.wParam, message.lParam);
+    if (under != m_graphBox.Window() && under != m_fftBox.Window() && under != m_scaleXBox.Window() &&
+        under != m_scaleYBox.Window()) {
+        // A closed drop-down list would choose another entry: it has to have the focus for that.
+        const bool choice = under == GetDlgItem(m_window, lstDrive) || under == GetDlgItem(m_window, cboFileType);
+        if (!choice || GetFocus() == under) SendMessageW(under, WM_MOUSEWHEEL, message.wParam, message.lParam);
         return true;
     }
     int delta = GET_WHEEL_DELTA_WPARAM(message.wParam);
@@ -270,12 +318,15 @@ void frmQLMain::OnWheel(HWND under, int delta, UINT keys, bool alt, int column) 
     if (notches == 0 || m_global.block.sampleCount == 0) return;
     const bool control = (keys & MK_CONTROL) != 0;
     const bool shift = (keys & MK_SHIFT) != 0;
-    const int direction = notches > 0 ? 1 : 0;
     const bool zoomY = under == m_scaleYBox.Window() || alt || (control && shift);
     const bool zoomX = under == m_scaleXBox.Window() || control;
-    for (int step = 0; zoomY && step < std::abs(notches); ++step) ZoomY(direction);
-    for (int step = 0; !zoomY && zoomX && step < std::abs(notches); ++step) ZoomAbout(direction, column);
-    if (!zoomX && !zoomY) ScrollBy(-notches * (shift ? 20 : 100));
+    if (zoomY) {
+        StepScaleY(notches);
+    } else if (zoomX) {
+        ZoomAbout(notches, column);
+    } else {
+        ScrollBy(-notches * (shift ? 20 : 100));
+    }
 }
 
 }  // namespace quillon

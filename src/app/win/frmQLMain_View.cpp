@@ -25,9 +25,13 @@ std::wstring Plain(const std::u16string& caption) {
 
 }  // namespace
 
+ViewPlace frmQLMain::PresentView() const {
+    return {m_global.axis.ZoomIndex(), m_global.axis.FirstColumn(), m_global.amplitude.Index(),
+            m_global.amplitude.Shift()};
+}
+
 void frmQLMain::KeepView() {
-    m_global.history.Push({m_global.axis.ZoomIndex(), m_global.axis.FirstColumn(), m_global.amplitude.Index(),
-                           m_global.amplitude.Shift()});
+    m_global.history.Push(PresentView());
 }
 
 void frmQLMain::ScrollBy(std::int32_t shift) {
@@ -60,16 +64,19 @@ void frmQLMain::ZoomX(int index) {
     if (next >= 0 && (index != 0 || next < TimeAxis::kMenuZoomCount)) SelectZoomX(next);
 }
 
-void frmQLMain::ZoomAbout(int index, int column) {
-    const int next = m_global.axis.ZoomIndex() + (index == 0 ? 1 : -1);
-    if (next < 0 || (index == 0 && next >= TimeAxis::kMenuZoomCount)) return;
+void frmQLMain::ZoomAbout(int steps, int column) {
+    const int now = m_global.axis.ZoomIndex();
+    const int coarsest = std::max(now, TimeAxis::kMenuZoomCount - 1);
+    const int next = std::clamp(now - steps, 0, coarsest);
+    if (next == now) return;
     KeepView();
-    if (m_global.axis.SelectZoomAbout(next, column)) Refresh();
+    m_global.axis.SelectZoomAbout(next, column);
+    Refresh();
 }
 
-void frmQLMain::ZoomY(int index) {
+void frmQLMain::StepScaleY(int steps) {
     KeepView();
-    m_global.amplitude.ZoomY(index == 0 ? -1 : 1);
+    m_global.amplitude.ZoomY(steps);
     Refresh();
 }
 
@@ -100,8 +107,12 @@ void frmQLMain::MoveBaseLine(std::int32_t rows) {
 void frmQLMain::ChangeView(int index) {
     TimeAxis& axis = m_global.axis;
     if (index == 2) {
-        const std::optional<ViewPlace> place = m_global.history.Pop();
-        if (!place) return;
+        // A view that is the present one is no way back.
+        std::optional<ViewPlace> place;
+        do {
+            place = m_global.history.Pop();
+            if (!place) return UpdateCommands();
+        } while (*place == PresentView());
         axis.Restore(place->zoom, place->firstColumn);
         m_global.amplitude.SelectScale(place->scale);
         m_global.amplitude.MoveBaseLine(place->shift - m_global.amplitude.Shift());
@@ -118,19 +129,18 @@ void frmQLMain::ShowSample(std::int32_t sample) {
     ScrollBy(m_global.axis.ShiftTo(sample));
     // Where the view could not move, a hover readout says where the sample is.
     const std::int32_t column = (sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
-    ShowHover(sample, column);
+    ShowHover(sample, column, 0);
+    m_goneTo = sample;
 }
 
 void frmQLMain::GoToMark(int index) {
-    // From the sample that was gone to last, as long as it is still in the middle; else from the middle.
+    // From the sample that was gone to last, as long as the view has not changed since; else from the middle.
     const TimeAxis& axis = m_global.axis;
-    const auto& band = m_graph.Band(GraphBand::Cursor);
-    const std::int32_t from = band ? SampleUnder(axis, band->left) : SampleUnder(axis, axis.Width() / 2);
-    const std::int32_t step = axis.SamplesPerPixel();
+    const std::int32_t from = m_goneTo != 0 ? m_goneTo : SampleUnder(axis, axis.Width() / 2);
     const BlockMark* found = nullptr;
     for (const BlockMark& mark : m_global.block.marks) {
         const std::int32_t sample = mark.position + 1;
-        const bool further = index == 1 ? sample >= from + step : sample < from;
+        const bool further = index == 1 ? sample > from : sample < from;
         const bool nearer =
             found == nullptr || (index == 1 ? mark.position < found->position : mark.position > found->position);
         if (further && nearer) found = &mark;
@@ -139,7 +149,7 @@ void frmQLMain::GoToMark(int index) {
 }
 
 void frmQLMain::GoToPlace(int) {
-    const std::u16string here = PositionText(m_global.block, m_global.axis.Visible().first, u" ", m_global.format);
+    const std::u16string here = PositionText(m_global.block, SampleUnder(m_global.axis, 0), u" ", m_global.format);
     const std::optional<std::wstring> answer =
         AskForText(m_window,
                    {Plain(m_services.Text(IDS_GOTOPLACE)), Wide(m_services.Text(IDS_PLACE_PROMPT)),

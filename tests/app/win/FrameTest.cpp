@@ -89,6 +89,13 @@ TEST_F(FrameTest, ButtonsDoWhatTheirMenuEntriesDo) {
         for (const ToolbarButton& button : buttons) {
             SCOPED_TRACE(std::string(button.key.begin(), button.key.end()));
             if (button.command == mnuHelp) continue;
+            if (button.command == mnuSpectrogram) {
+                for (const bool shown : {true, false}) {
+                    PressButton(toolbar, button.command);
+                    EXPECT_EQ(IsChecked(mnuSpectrogram, m_global), shown);
+                }
+                continue;
+            }
             // From the same place, away from all ends.
             const auto reset = [&] {
                 m_global.amplitude.SelectScale(8);

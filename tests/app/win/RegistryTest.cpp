@@ -206,7 +206,7 @@ TEST_F(RegistryTest, AKeyThatCannotBeMadeIsReportedAndCostsNoOther) {
     Settings loaded;
     Store().Load(loaded);
     EXPECT_EQ(loaded.gridStyle, 1);
-    EXPECT_EQ(loaded.fftOrder, 8);
+    EXPECT_EQ(loaded.order, 8);
 }
 
 TEST_F(RegistryTest, AKeyThatMayOnlyBeReadIsRead) {

@@ -12,7 +12,7 @@ using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using namespace ::quillon::testing;
 
-/// A window over one recording with marks: an EDF cannot have them without annotations, so a wave file with cues.
+/// A window over one recording.
 class WaveformViewTest : public MainWindowTest {
   protected:
     void StartWith(const std::vector<std::vector<std::int16_t>>& frames) {

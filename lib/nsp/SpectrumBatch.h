@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "nsp/Spectrum.h"
+
+/// Spectra of many frames as palette indices: the chain window, nspsRealFftNip, nspcbMag, level, nspsbFloatToInt of
+/// Spectrum.h, carried out for several frames side by side, one in each lane of the vector registers.
+namespace quillon::nsp {
+
+class SpectrumBatch {
+  public:
+    struct Scale {
+        bool linear = false;
+        float linearFactor = 0.0F;   ///< linear: index = magnitude x factor
+        float logMultiplier = 0.0F;  ///< else: index = (log10(max(magnitude, 1e-30)) + offset) x multiplier
+        float logOffset = 0.0F;
+    };
+
+    /// Frames of N = 2^order samples, order 5 .. 11 (std::invalid_argument otherwise), and as many window coefficients.
+    SpectrumBatch(int order, const float* window, const Scale& scale);
+
+    /// Bin k (0 .. N/2) of frame i goes to out[k*stride + i], rounded to the nearest index and saturated to 0 .. 255.
+    /// Frames may overlap. An index differs from that of the chain in double precision by at most 1, and only where
+    /// the level is within the transform's error of the border between two indices. Bins that a NaN or an infinity
+    /// reaches count as silent or as full. Not to be called from two threads at once: the object holds the work space.
+    void Compute(std::span<const float* const> frames, std::uint8_t* out, std::ptrdiff_t stride);
+
+  private:
+    static constexpr std::size_t kLanes = 4;
+
+    void ScaleWindow(int exponent);
+    void MakeThresholds();
+    void LoadFrames(const float* const* frames);
+    void LevelLinear(const float* work);
+    void LevelByTable(const float* work);
+    void LevelExactly(const float* work);
+
+    const SCplx* m_twiddles;  ///< of the order
+    std::size_t m_length;     ///< N
+    Scale m_scale;
+    std::vector<float> m_window;
+    std::vector<float> m_input;           ///< N samples of every lane, side by side
+    std::vector<float> m_work;            ///< as long
+    std::vector<std::uint8_t> m_indices;  ///< of every bin, the lanes side by side
+
+    /// The levels' table, over the powers (squares of the scaled magnitudes) from the first border between two indices
+    /// to the last. A cell is the powers that share the upper 16 bits of their single-precision form, 0.034 dB, which
+    /// is narrower than an index, so that it holds one border at most. Its entry is such that
+    /// (entry + lower 16 bits of the power) >> 16 is the index. Empty: levels out of its reach.
+    std::vector<std::uint32_t> m_cells;
+    float m_leastPower = 0.0F;  ///< powers are brought into these limits before they are looked up
+    float m_greatestPower = 0.0F;
+};
+
+}  // namespace quillon::nsp

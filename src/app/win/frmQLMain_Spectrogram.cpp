@@ -1,0 +1,96 @@
+#include <algorithm>
+
+#include "app/ControlIds.h"
+#include "app/win/frmQLMain.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+
+namespace quillon {
+
+void frmQLMain::ShowSpectrogram(int) {
+    m_global.settings.spectrogramShown = !m_global.settings.spectrogramShown;
+    Spectrogram_Init(false);
+    ArrangeControls();
+    Refresh();
+}
+
+void frmQLMain::Spectrogram_Init(bool redraw) {
+    if (!m_global.settings.spectrogramShown) return;
+    m_fft.FFT_Init(m_layout.graph.width);
+    if (m_global.block.sampleCount == 0) return Spectrogram_Draw(false);
+    ChooseSpectrumChannel();
+    if (redraw) Spectrogram_Draw(true);
+}
+
+void frmQLMain::ChooseSpectrumChannel() {
+    m_fft.FFT_Init(m_layout.graph.width);
+    const std::int16_t channel = m_global.currentChannel;
+    // A channel of no range stays blank; its range is looked for only when it will be seen.
+    const ValueRange limits = m_global.settings.spectrogramShown
+                                  ? m_global.ranges.Of(m_global.block, channel).value_or(ValueRange{})
+                                  : ValueRange{};
+    m_fft.FFT_SetChannel(m_global.block.block.get(), m_global.file.currentBlockIndex,
+                         static_cast<std::int16_t>(channel - 1), limits);
+    m_scaleFBox.Invalidate();
+    m_paletteBox.Invalidate();
+}
+
+void frmQLMain::Spectrogram_Draw(bool force) {
+    if (!m_global.settings.spectrogramShown) return;
+    if (m_global.block.sampleCount > 0) {
+        const TimeAxis& axis = m_global.axis;
+        const bool zoomed = m_fft.State().samplesPerColumn != axis.SamplesPerPixel();
+        m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), force || zoomed);
+    }
+    m_fftBox.Invalidate();
+}
+
+void frmQLMain::NextPalette() {
+    if (!m_global.settings.spectrogramShown) return;
+    m_fft.FFT_Init(m_layout.graph.width);
+    m_fft.FFT_NextPalette();
+    m_paletteBox.Invalidate();
+    m_fftBox.Invalidate();
+}
+
+void frmQLMain::PaintSpectrogram(int id, HDC dc, const RECT& client) {
+    const bool empty = m_global.block.sampleCount == 0;
+    if (id == pbPal) {
+        SpectrogramView::PaintBar(dc, client, m_fft);
+    } else if (id == pbScaleF && empty) {
+        SpectrogramView::PaintEmptyScale(dc, client);
+    } else if (id == pbScaleF) {
+        const FrequencyScaleMarks marks =
+            FrequencyMarks(static_cast<int>(client.bottom), m_global.block.sampleRate, m_global.format);
+        m_spectrogram.PaintScale(
+            dc, client, marks,
+            FrequencyCaption(m_services.Text(IDS_CHANNEL), m_fft.State().deviceChannel + 1, marks.unit));
+    } else if (empty) {
+        FillWith(dc, client, RGB(0xFF, 0xFF, 0xFF));
+    } else {
+        m_spectrogram.PaintImage(dc, client, m_fft);
+        // The cursor runs across both pictures.
+        if (const auto& band = m_graph.Band(GraphBand::Cursor))
+            PatBlt(dc, band->left, 0, band->right - band->left + 1, static_cast<int>(client.bottom), DSTINVERT);
+    }
+}
+
+std::u16string frmQLMain::SpectrumReadout(int column, int row) const {
+    const std::int32_t height = m_layout.spectrogram.height;
+    if (!m_fft.State().ready || height < 1 || m_fft.Image().empty()) return {};
+    // The row's bin, as the image is stretched.
+    const std::int32_t bins = m_fft.BinCount();
+    const std::int32_t bin = std::clamp((height - 1 - row) * bins / height, 0, bins - 1);
+    const std::int32_t at = std::clamp(column, 0, m_fft.ImageWidth() - 1);
+    const std::uint8_t index =
+        m_fft.Image()[static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_fft.ImageWidth()) +
+                      static_cast<std::size_t>(at)];
+    const double hertz = bin * m_global.block.sampleRate / m_fft.Length();
+    const bool linear = m_global.settings.type == 1;
+    const std::u16string level = NumberText(RoundToPlaces(m_fft.LevelOf(index), 1), m_global.format.decimalSeparator);
+    return u"X:\t" + PositionText(m_global.block, SampleUnder(m_global.axis, column), u" ", m_global.format) +
+           u"\r\nF:\t" + FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t" + level +
+           (linear ? u" %\r\n" : u" dB\r\n");
+}
+
+}  // namespace quillon

@@ -1,0 +1,42 @@
+#include "cli/CommandSupport.h"
+
+#include "base/Text.h"
+#include "cli/OutputTarget.h"
+#include "norvik/Bilingual.h"
+#include "norvik/RecordingLibrary.h"
+
+namespace quillon::cli {
+
+OpenFile::OpenFile(const std::u16string& file, Language language) : m_library(MakeRecordingLibrary(language)) {
+    if (!m_library->OpenRecording(file, m_recording)) throw Refusal(m_library->LastErrorText());
+}
+
+OpenFile::~OpenFile() {
+    m_library->CloseRecording(m_recording);
+}
+
+void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian, std::int64_t given,
+                 std::int64_t first, std::int64_t last) {
+    throw Refusal(Say(english, russian, {Decimal(given), Decimal(first), Decimal(last)}).In(language));
+}
+
+BlockChannel FindChannel(Recording& recording, std::int64_t block, std::int64_t channel, Language language) {
+    if (block < 1 || block > recording.BlockCount()) {
+        RefuseRange(language, u"there is no block %1 (blocks %2 to %3)", u"нет блока %1 (блоки с %2 по %3)", block, 1,
+                    recording.BlockCount());
+    }
+    BlockChannel found;
+    found.block = recording.GetBlock(static_cast<std::int16_t>(block));
+    if (channel < 1 || channel > found.block->ChannelCount()) {
+        RefuseRange(language, u"there is no channel %1 (channels %2 to %3)", u"нет канала %1 (каналы с %2 по %3)",
+                    channel, 1, found.block->ChannelCount());
+    }
+    found.channel = static_cast<std::int16_t>(channel);
+    return found;
+}
+
+void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size) {
+    for (unsigned byte = 0; byte < size; ++byte) bytes.push_back(static_cast<char>(number >> (8 * byte) & 0xFFU));
+}
+
+}  // namespace quillon::cli

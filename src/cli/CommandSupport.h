@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Language.h"
+#include "data/NorvikCore.h"
+
+/// What several commands need.
+namespace quillon::cli {
+
+/// An open recording that is closed at the end of the command. Throws Refusal where it cannot be opened.
+class OpenFile {
+  public:
+    OpenFile(const std::u16string& file, Language language);
+    ~OpenFile();
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    [[nodiscard]] Recording& Get() const { return *m_recording; }
+
+  private:
+    std::shared_ptr<RecordingLibrary> m_library;
+    std::shared_ptr<Recording> m_recording;
+};
+
+/// Throws a Refusal: %1 is the number given, %2 and %3 the first and last possible one.
+[[noreturn]] void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian,
+                              std::int64_t given, std::int64_t first, std::int64_t last);
+
+struct BlockChannel {
+    std::shared_ptr<RecordingBlock> block;
+    std::int16_t channel = 1;
+};
+
+/// Block and channel by their numbers, from 1. Throws Refusal where there is no such one.
+[[nodiscard]] BlockChannel FindChannel(Recording& recording, std::int64_t block, std::int64_t channel,
+                                       Language language);
+
+/// Appends the lowest `size` bytes of a number, the lowest first.
+void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size);
+
+}  // namespace quillon::cli

@@ -1,0 +1,164 @@
+#include "cli/SpectrumCommand.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <span>
+
+#include "cli/CommandSupport.h"
+#include "spectrum/QL_FFT.h"
+#include "view/DataRange.h"
+
+namespace quillon::cli {
+
+namespace {
+
+constexpr std::int32_t kMostColumns = 32768;
+
+/// What the options ask for.
+struct Request {
+    std::int64_t block = 1;
+    std::int64_t channel = 1;
+    SpectrumSettings settings;
+    std::optional<ValueRange> limits;
+    std::int32_t samplesPerColumn = 1;
+    std::int32_t firstColumn = 0;
+    std::optional<std::int32_t> columns;
+};
+
+std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name, std::int64_t otherwise,
+                         std::int64_t least, std::int64_t most) {
+    if (!parsed.Has(name)) return otherwise;
+    const std::int64_t number = WholeNumber(parsed.Value(name), name);
+    if (number < least || number > most) throw UsageError(OutOfRange(parsed, name));
+    return number;
+}
+
+float RealOption(const ParsedArguments& parsed, std::u16string_view name, float otherwise, float least, float most) {
+    if (!parsed.Has(name)) return otherwise;
+    const float number = RealNumber(parsed.Value(name), name);
+    if (number < least || number > most) throw UsageError(OutOfRange(parsed, name));
+    return number;
+}
+
+/// Position of the option's value among those that its rule lists, which are in the order of the settings' numbers.
+std::int16_t Choice(const ParsedArguments& parsed, std::u16string_view name) {
+    if (!parsed.Has(name)) return 0;
+    const std::u16string value = parsed.Value(name);
+    const auto rule = std::find_if(kSpectrumOptions.begin(), kSpectrumOptions.end(),
+                                   [&](const OptionRule& candidate) { return candidate.name == name; });
+    std::u16string_view rest = rule->values;
+    for (std::int16_t position = 0;; ++position) {
+        const std::size_t end = rest.find(u'|');
+        if (value == rest.substr(0, end)) return position;
+        if (end == std::u16string_view::npos) break;
+        rest.remove_prefix(end + 1);
+    }
+    throw UsageError(u"'" + value + u"' is none of " + std::u16string(rule->values) + u" for " + std::u16string(name));
+}
+
+std::optional<ValueRange> Limits(const ParsedArguments& parsed) {
+    constexpr std::u16string_view name = u"--limits";
+    if (!parsed.Has(name)) return std::nullopt;
+    const std::u16string value = parsed.Value(name);
+    const std::size_t comma = value.find(u',');
+    if (comma == std::u16string::npos) throw UsageError(u"'" + value + u"' is not LO,HI for --limits");
+    const ValueRange limits{RealNumber(value.substr(0, comma), name), RealNumber(value.substr(comma + 1), name)};
+    if (!(limits.minimum < limits.maximum)) throw UsageError(u"'" + value + u"' is an empty range for --limits");
+    return limits;
+}
+
+Request Understand(const ParsedArguments& parsed) {
+    constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int64_t any = std::numeric_limits<std::int64_t>::max();
+    Request request;
+    request.block = WholeOption(parsed, u"--block", 1, -any, any);
+    request.channel = WholeOption(parsed, u"--channel", 1, -any, any);
+    SpectrumSettings& settings = request.settings;
+    settings.type = Choice(parsed, u"--type");
+    settings.palette = Choice(parsed, u"--palette");
+    settings.window = Choice(parsed, u"--window");
+    settings.order = static_cast<std::int32_t>(
+        WholeOption(parsed, u"--order", settings.order, QL_FFT::kLeastOrder, QL_FFT::kMostOrder));
+    settings.decibelRange = RealOption(parsed, u"--range", settings.decibelRange, 10.0F, 200.0F);
+    settings.amplitudeScale = RealOption(parsed, u"--amplitude", settings.amplitudeScale,
+                                         std::numeric_limits<float>::min(), std::numeric_limits<float>::max());
+    request.limits = Limits(parsed);
+    request.samplesPerColumn =
+        static_cast<std::int32_t>(WholeOption(parsed, u"--samples-per-column", 1 << (settings.order - 1), 1, most));
+    request.firstColumn = static_cast<std::int32_t>(WholeOption(parsed, u"--first-column", 0, 0, most));
+    if (parsed.Has(u"--columns")) {
+        request.columns = static_cast<std::int32_t>(WholeOption(parsed, u"--columns", 1, 1, kMostColumns));
+    }
+    return request;
+}
+
+/// Extremes of a channel over the whole block.
+ValueRange WholeRange(RecordingBlock& block, std::int16_t channel) {
+    if (block.SampleCount() < 1) return {};
+    const RunExtremes codes = ExtremeCodes(block, {channel}, {1, block.SampleCount()}).front();
+    const auto value = [&](std::int16_t code) {
+        return static_cast<float>(code) * block.ChannelScale(channel) + block.ChannelOffset(channel);
+    };
+    const auto [low, high] = std::minmax({value(codes.first), value(codes.second)});
+    return {low, high};
+}
+
+/// The headers and the colour table of an uncompressed bitmap of 8 bits per pixel whose rows go upwards.
+std::vector<char> BitmapHeader(std::int32_t width, std::int32_t height, std::uint32_t rowBytes, const Palette& colors) {
+    constexpr std::uint32_t headers = 14 + 40;
+    constexpr auto entries = static_cast<std::uint32_t>(std::tuple_size_v<Palette>);
+    const std::uint32_t pixelBytes = rowBytes * static_cast<std::uint32_t>(height);
+    const std::uint32_t pixelsAt = headers + 4 * entries;
+    std::vector<char> bytes{'B', 'M'};
+    for (const std::uint32_t field : {pixelsAt + pixelBytes, 0U, pixelsAt, 40U, static_cast<std::uint32_t>(width),
+                                      static_cast<std::uint32_t>(height)}) {
+        AppendLittleEndian(bytes, field, 4);
+    }
+    AppendLittleEndian(bytes, 1, 2);
+    AppendLittleEndian(bytes, 8, 2);
+    for (const std::uint32_t field : {0U, pixelBytes, 0U, 0U, entries, entries}) AppendLittleEndian(bytes, field, 4);
+    for (const PaletteColor& color : colors) {
+        for (const std::uint8_t part : {color.blue, color.green, color.red, color.reserved}) {
+            bytes.push_back(static_cast<char>(part));
+        }
+    }
+    return bytes;
+}
+
+void WriteBitmap(OutputTarget& target, const QL_FFT& spectrum, std::int32_t columns) {
+    const auto rowBytes = static_cast<std::size_t>((columns + 3) / 4 * 4);
+    target.Write(BitmapHeader(columns, spectrum.BinCount(), static_cast<std::uint32_t>(rowBytes), spectrum.Colors()));
+    const auto width = static_cast<std::size_t>(spectrum.ImageWidth());
+    std::vector<char> row(rowBytes, 0);
+    for (std::size_t bin = 0; bin < static_cast<std::size_t>(spectrum.BinCount()); ++bin) {
+        const auto pixels = spectrum.Image().subspan(bin * width, static_cast<std::size_t>(columns));
+        std::copy(pixels.begin(), pixels.end(), row.begin());
+        target.Write(row);
+    }
+}
+
+}  // namespace
+
+void RunSpectrum(const CommandContext& context) {
+    Request request = Understand(context.parsed);
+    const OpenFile file(context.parsed.words[1], context.language);
+    const BlockChannel source = FindChannel(file.Get(), request.block, request.channel, context.language);
+    const std::int32_t lastColumn = std::max(source.block->SampleCount() - 1, 0) / request.samplesPerColumn;
+    if (request.firstColumn > lastColumn) {
+        RefuseRange(context.language, u"there is no column %1 (columns %2 to %3)",
+                    u"нет столбца %1 (столбцы с %2 по %3)", request.firstColumn, 0, lastColumn);
+    }
+    const std::int32_t columns =
+        request.columns.value_or(std::min(lastColumn - request.firstColumn, kMostColumns - 1) + 1);
+
+    QL_FFT spectrum(request.settings);
+    spectrum.FFT_Init(columns);
+    spectrum.FFT_SetChannel(source.block.get(), static_cast<std::int16_t>(request.block - 1),
+                            static_cast<std::int16_t>(source.channel - 1),
+                            request.limits ? *request.limits : WholeRange(*source.block, source.channel));
+    spectrum.FFT_Update(request.firstColumn, columns, request.samplesPerColumn, true);
+    WriteBitmap(context.target, spectrum, columns);
+}
+
+}  // namespace quillon::cli

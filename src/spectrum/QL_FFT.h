@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "data/NorvikCore.h"
+#include "nsp/SpectrumBatch.h"
+#include "spectrum/Palette.h"
+#include "spectrum/SpectrumSettings.h"
+#include "view/AmplitudeScale.h"
+
+namespace quillon {
+
+/// What the image shows.
+struct SpectrumState {
+    bool ready = false;              ///< a channel was accepted; nothing is drawn before
+    std::int16_t blockNumber = 0;    ///< of the recording, from 0
+    std::int16_t channelIndex = 0;   ///< position in the block, from 0
+    std::int16_t deviceChannel = 0;  ///< acquisition number
+    std::int32_t sampleCount = 0;
+    std::int32_t firstColumn = 0;       ///< of the strip that column 0 shows
+    std::int32_t columnCount = 0;       ///< columns that hold valid spectra; 0: none
+    std::int32_t samplesPerColumn = 0;  ///< hop from one spectrum to the next
+    std::int32_t cachedStart = 0;       ///< first sample (from 1) in the cache
+    std::int32_t cachedLength = 0;
+    float upperLimit = 0.0F;  ///< of the channel's values, in units
+    float lowerLimit = 0.0F;
+    float halfRange = 0.0F;
+    float linearFactor = 0.0F;
+    float logMultiplier = 0.0F;
+    float logOffset = 0.0F;
+};
+
+/// The spectrogram of one channel: a short-time spectrum per pixel column as palette indices.
+///
+/// Column c is the spectrum of the 2^order samples around sample (first column + c) x samples per column. With m the
+/// magnitude of a bin, N the transform's length and h half the channel's range, the logarithmic index is
+/// 255 (1 + 20 log10(m / (h N/2)) / decibel range), the linear one 255 x 1.2 m / (h N/2) x amplitude scale; the
+/// window's coefficients add up to N, so a sine of amplitude h has m = h N/2 whatever the window.
+///
+/// Owns the image, its colours and what it is computed with; refers to the block that it was given.
+class QL_FFT {
+  public:
+    static constexpr std::int32_t kLeastOrder = 5;
+    static constexpr std::int32_t kMostOrder = 11;
+
+    explicit QL_FFT(SpectrumSettings& settings) : m_settings(settings) {}
+
+    /// Once per run: repairs the settings, builds palette, window and an image for that many columns.
+    void FFT_Init(std::int32_t imageWidth);
+    /// Makes room for as many columns; the image is computed anew when there was less. Rounded up to a multiple of 4.
+    void FFT_SetImageWidth(std::int32_t columns);
+    /// An order below 5 becomes 8, one above 11 becomes 11. Everything is computed anew at the next update.
+    void FFT_SetOrder(std::int32_t order);
+    void FFT_BuildWindow();
+    void FFT_BuildPalette() { m_palette = BuildPalette(m_settings.palette); }
+    void FFT_NextPalette();
+    void FFT_ClearState();
+    /// Takes the channel at a position (from 0) as the source; without a block or such a channel there is none.
+    void FFT_SetChannel(RecordingBlock* block, std::int16_t blockNumber, std::int16_t channelIndex,
+                        const ValueRange& limits);
+    void FFT_ComputeScaling();
+    /// Brings the image up to date for a view: what it already holds is moved, the other columns are computed; all of
+    /// them when `force` is set, as it has to be after a change of samples per column. Returns how many were computed.
+    std::int32_t FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, std::int32_t samplesPerColumn,
+                            bool force);
+    /// Makes the cache hold exactly these samples (from 1), reading only what it does not hold yet.
+    void FFT_ReadSamples(std::int32_t start, std::int32_t count);
+
+    [[nodiscard]] const SpectrumState& State() const { return m_state; }
+    [[nodiscard]] std::span<const float> Cache() const { return m_cache; }
+    /// Row after row from 0 Hz up, ImageWidth() bytes each.
+    [[nodiscard]] std::span<const std::uint8_t> Image() const { return m_image; }
+    [[nodiscard]] std::int32_t ImageWidth() const { return m_imageWidth; }
+    [[nodiscard]] std::int32_t BinCount() const { return m_length / 2 + 1; }
+    [[nodiscard]] std::int32_t Length() const { return m_length; }
+    [[nodiscard]] const Palette& Colors() const { return m_palette; }
+    /// What an index stands for: dB below a full-scale sine, or percent of the linear plot's top.
+    [[nodiscard]] double LevelOf(std::uint8_t index) const;
+
+  private:
+    /// Samples of one column's frame, from 1; a length of 0 leaves the column blank.
+    struct Frame {
+        std::int32_t start;
+        std::int32_t length;
+    };
+    [[nodiscard]] Frame FrameOf(std::int32_t column) const;
+    void FFT_AllocImage();
+    void FFT_ComputeColumns(std::int32_t from, std::int32_t to);
+    void FFT_ShiftImage(std::int32_t source, std::int32_t destination, std::int32_t count);
+    void Blank(std::int32_t column);
+
+    SpectrumSettings& m_settings;
+    bool m_initialised = false;
+    RecordingBlock* m_block = nullptr;
+    SpectrumState m_state;
+    std::int32_t m_length = 0;  ///< N
+    std::int32_t m_imageWidth = 0;
+    std::vector<float> m_cache;
+    std::vector<float> m_window;
+    std::vector<float> m_frames;  ///< windowless frames of the columns computed together
+    std::vector<std::uint8_t> m_image;
+    std::unique_ptr<nsp::SpectrumBatch> m_batch;  ///< for the present order, window and scaling; made on need
+    Palette m_palette{};
+};
+
+}  // namespace quillon

@@ -1,0 +1,91 @@
+#include "spectrum/win/SpectrogramView.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "view/win/GDI_Utils.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
+constexpr int kTick = 8;
+
+GdiFont MakeVerticalFont() {
+    LOGFONTW font{};
+    const GdiFont upright = MakeFont(ScreenDpi());
+    GetObjectW(upright.Get(), sizeof font, &font);
+    font.lfEscapement = 900;  // tenths of a degree
+    font.lfOrientation = 900;
+    font.lfOutPrecision = OUT_TT_ONLY_PRECIS;
+    return GdiFont(CreateFontIndirectW(&font));
+}
+
+/// Header and colours of the image as the system takes them.
+struct ImageInfo {
+    BITMAPINFOHEADER header;
+    Palette colors;
+};
+static_assert(sizeof(PaletteColor) == sizeof(RGBQUAD));
+
+}  // namespace
+
+SpectrogramView::SpectrogramView() : m_font(MakeFont(ScreenDpi())), m_verticalFont(MakeVerticalFont()) {}
+
+void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) const {
+    const int width = static_cast<int>(client.right);
+    const int height = static_cast<int>(client.bottom);
+    if (!fft.State().ready || fft.Image().empty()) {
+        FillWith(dc, client, kWhite);
+        return;
+    }
+    ImageInfo info{};
+    info.header.biSize = sizeof info.header;
+    info.header.biWidth = fft.ImageWidth();
+    info.header.biHeight = fft.BinCount();
+    info.header.biPlanes = 1;
+    info.header.biBitCount = 8;
+    info.header.biClrUsed = 256;
+    info.header.biClrImportant = 256;
+    info.colors = fft.Colors();
+    // Indices are no colours that could be mixed: rows are dropped where there are more of them than pixels.
+    if (height < fft.BinCount()) SetStretchBltMode(dc, COLORONCOLOR);
+    StretchDIBits(dc, 0, 0, width, height, 0, 0, width, fft.BinCount(), fft.Image().data(),
+                  reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
+}
+
+void SpectrogramView::PaintBar(HDC dc, const RECT& client, const QL_FFT& fft) {
+    const int height = static_cast<int>(client.bottom);
+    for (int y = 0; y < height; ++y) {
+        const PaletteColor color = fft.Colors()[BarIndex(y, height)];
+        const int row = height - 1 - y;
+        FillWith(dc, {0, row, client.right, row + 1}, RGB(color.red, color.green, color.blue));
+    }
+}
+
+void SpectrogramView::PaintEmptyScale(HDC dc, const RECT& client) {
+    FillWith(dc, client, RGB(0, 0, 0));
+    FillWith(dc, {client.right - 2, 0, client.right - 1, client.bottom}, kWhite);
+}
+
+void SpectrogramView::PaintScale(HDC dc, const RECT& client, const FrequencyScaleMarks& marks,
+                                 const std::u16string& caption) const {
+    FillWith(dc, client, RGB(0, 0, 0));
+    FillWith(dc, {client.right - 1, 0, client.right, client.bottom}, kWhite);
+    FillWith(dc, {client.right - 1 - kTick, client.bottom - 1, client.right, client.bottom}, kWhite);
+    const SelectScope font(dc, m_font.Get());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, kWhite);
+    SetTextAlign(dc, TA_RIGHT | TA_TOP);
+    for (const FrequencyTick& tick : marks.ticks) {
+        FillWith(dc, {client.right - 1 - kTick, tick.row, client.right, tick.row + 1}, kWhite);
+        DrawTextAt(dc, static_cast<int>(client.right) - 11, tick.row - kFrequencyLabelRise, tick.text);
+    }
+    const SelectScope vertical(dc, m_verticalFont.Get());
+    SetTextAlign(dc, TA_CENTER | TA_TOP);
+    DrawTextAt(dc, 1, static_cast<int>(client.bottom) / 2, caption);
+    SetTextAlign(dc, TA_LEFT | TA_TOP);
+}
+
+}  // namespace quillon

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "app/win/WinHandle.h"
+#include "spectrum/FrequencyScale.h"
+#include "spectrum/QL_FFT.h"
+
+namespace quillon {
+
+/// Paints the three pictures of the spectrogram.
+class SpectrogramView {
+  public:
+    SpectrogramView();
+
+    /// The image, one spectrum per pixel column, 0 Hz at the bottom; white without a spectrum.
+    void PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) const;
+    /// The ramp of the colours, the strongest at the top.
+    static void PaintBar(HDC dc, const RECT& client, const QL_FFT& fft);
+    /// Ticks with their frequencies and the caption along the left edge, white on black.
+    void PaintScale(HDC dc, const RECT& client, const FrequencyScaleMarks& marks, const std::u16string& caption) const;
+    /// What the scale shows without a block: its line alone.
+    static void PaintEmptyScale(HDC dc, const RECT& client);
+
+  private:
+    GdiFont m_font;
+    GdiFont m_verticalFont;
+};
+
+}  // namespace quillon

@@ -1,0 +1,108 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <set>
+
+#include "app/win/MainWindowFixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::HasSubstr;
+using namespace ::quillon::testing;
+
+class SpectrogramTest : public MainWindowTest {
+  protected:
+    /// A tone of a quarter of the highest frequency, and one of half of it in the second channel.
+    void StartWithTones() {
+        std::vector<std::vector<std::int16_t>> frames;
+        for (int at = 0; at < 30000; ++at)
+            frames.push_back({static_cast<std::int16_t>(std::lround(1000.0 * std::sin(at * 0.785398))),
+                              static_cast<std::int16_t>(std::lround(1000.0 * std::sin(at * 1.570796)))});
+        static_cast<void>(m_folder.Write(u"a.bin", BinRecording(1000.0F, frames)));
+        Start();
+    }
+    /// Row of the brightest pixel of a column, as a share of the height from the bottom.
+    [[nodiscard]] double Brightest(int column) const {
+        const Pixels pixels = Capture(pbFFT);
+        int best = 0;
+        int brightest = -1;
+        for (int y = 0; y < pixels.height; ++y) {
+            const std::uint32_t pixel = pixels.At(column, y);
+            const int sum = static_cast<int>((pixel >> 16 & 255) + (pixel >> 8 & 255) + (pixel & 255));
+            if (sum > brightest) best = y;
+            brightest = std::max(brightest, sum);
+        }
+        return 1.0 - (best + 0.5) / pixels.height;
+    }
+};
+
+TEST_F(SpectrogramTest, ShowsTheChosenChannelColumnForColumn) {
+    StartWithTones();
+    EXPECT_FALSE(IsWindowVisible(Control(pbFFT)) && Capture(pbFFT).width > 0);
+    Command(mnuSpectrogram);
+    EXPECT_TRUE(IsChecked(mnuSpectrogram, m_global));
+    EXPECT_NE(SendMessageW(Control(tbMain), TB_GETSTATE, mnuSpectrogram, 0) & TBSTATE_CHECKED, 0);
+    RECT graph{};
+    RECT picture{};
+    GetWindowRect(Control(pbGraph), &graph);
+    GetWindowRect(Control(pbFFT), &picture);
+    EXPECT_EQ(graph.left, picture.left);
+    EXPECT_EQ(graph.right, picture.right);
+    EXPECT_NEAR(Brightest(200), 0.25, 0.02);
+    // The second channel is taken by a click on its line.
+    RECT line{};
+    line.left = LVIR_LABEL;
+    SendPointer(Control(lvCh), LVM_GETITEMRECT, 1, &line);
+    Click(lvCh, line.left + 10, (line.top + line.bottom) / 2);
+    EXPECT_NEAR(Brightest(200), 0.5, 0.02);
+    // What was scrolled is what is computed anew.
+    Command(mnuMove + 3);
+    Command(mnuMove + 0);
+    const Pixels scrolled = Capture(pbFFT);
+    Command(mnuSpectrogram);
+    Command(mnuSpectrogram);
+    EXPECT_TRUE(Capture(pbFFT) == scrolled);
+    Command(mnuScaleX + 3);
+    EXPECT_NEAR(Brightest(200), 0.5, 0.02) << "zoomed";
+}
+
+TEST_F(SpectrogramTest, PaletteReadoutAndNoBlock) {
+    StartWithTones();
+    const std::int16_t palette = m_global.settings.palette;
+    Click(pbPal, 3, 3);
+    EXPECT_EQ(m_global.settings.palette, palette) << "nothing while it is off";
+    Command(mnuSpectrogram);
+    const Pixels before = Capture(pbFFT);
+    Click(pbPal, 3, 3);
+    EXPECT_EQ(m_global.settings.palette, palette + 1);
+    EXPECT_FALSE(Capture(pbFFT) == before);
+    Click(pbPal, 3, 3);
+    Click(pbPal, 3, 3);
+    EXPECT_EQ(m_global.settings.palette, palette);
+    EXPECT_TRUE(Capture(pbFFT) == before);
+    // The pointer reads time, frequency and level, with the band across both pictures.
+    POINT point{200, before.height * 3 / 4};
+    const POINT place = point;
+    ClientToScreen(Control(pbFFT), &point);
+    SetCursorPos(static_cast<int>(point.x), static_cast<int>(point.y));
+    Pump();
+    SendMessageW(Control(pbFFT), WM_MOUSEMOVE, 0, MAKELPARAM(place.x, place.y));
+    EXPECT_THAT(Wide(m_form->ValuesText()), HasSubstr(L"F:\t12"));
+    EXPECT_THAT(Wide(m_form->ValuesText()), HasSubstr(L" dB"));
+    EXPECT_NE(Capture(pbFFT).At(200, 5), before.At(200, 5));
+    SetCursorPos(0, 0);
+    SendMessageW(Control(pbFFT), WM_MOUSEMOVE, 0, MAKELPARAM(-100, -100));
+    EXPECT_TRUE(Capture(pbFFT) == before);
+    // Without a block the scale shows its line alone.
+    static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
+    Command(mnuTabFile);
+    ClickLine(lstFile, 1);
+    const Pixels scale = Capture(pbScaleF);
+    EXPECT_EQ(scale.At(scale.width - 2, 5), 0xFFFFFFU);
+    EXPECT_EQ(scale.At(5, 5), 0U);
+    EXPECT_EQ(std::set(scale.rgb.begin(), scale.rgb.end()).size(), 2U);
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,182 @@
+#include "nsp/Spectrum.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <complex>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <stdexcept>
+#include <vector>
+
+#include "nsp/SpectrumBatch.h"
+
+namespace quillon::nsp {
+namespace {
+
+using Samples = std::vector<float>;
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+
+/// A sine in noise: bins of very different levels, all well above what rounding leaves.
+Samples Recording(std::size_t count, float amplitude) {
+    std::mt19937 random(7);
+    std::normal_distribution<float> noise(0.0F, 0.2F);
+    Samples samples(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        samples[i] = amplitude * (0.5F * std::sin(static_cast<float>(i) * 0.3F) + noise(random));
+    }
+    return samples;
+}
+
+/// By the definition, in double precision.
+std::vector<std::complex<double>> ExactBins(const float* samples, const Samples& window) {
+    const std::size_t length = window.size();
+    std::vector<std::complex<double>> turns(length);
+    for (std::size_t k = 0; k < length; ++k) {
+        turns[k] = std::polar(1.0, -2.0 * std::numbers::pi * static_cast<double>(k) / static_cast<double>(length));
+    }
+    std::vector<std::complex<double>> bins(length / 2 + 1);
+    for (std::size_t k = 0; k < bins.size(); ++k) {
+        for (std::size_t i = 0; i < length; ++i) {
+            bins[k] += turns[i * k % length] * (static_cast<double>(samples[i]) * static_cast<double>(window[i]));
+        }
+    }
+    return bins;
+}
+
+struct WindowKind {
+    void (*multiply)(float*, int);
+    double (*formula)(double cosine);
+};
+const WindowKind kWindows[] = {
+    {nspsWinBartlett, [](double cosine) { return std::acos(cosine) / std::numbers::pi; }},
+    {nspsWinHann, [](double cosine) { return 0.5 - 0.5 * cosine; }},
+    {nspsWinHamming, [](double cosine) { return 0.54 - 0.46 * cosine; }},
+    {nspsWinBlackmanStd, [](double cosine) { return 0.34 - 0.5 * cosine + 0.16 * cosine * cosine; }}};
+
+int ExactIndex(double magnitude, const SpectrumBatch::Scale& scale) {
+    const double level = std::log10(std::max(magnitude, 1e-30)) + static_cast<double>(scale.logOffset);
+    const double index = scale.linear ? magnitude * static_cast<double>(scale.linearFactor)
+                                      : level * static_cast<double>(scale.logMultiplier);
+    return static_cast<int>(std::nearbyint(std::clamp(index, 0.0, 255.0)));
+}
+
+/// Of a plot of so many decibels, 0 for the linear plot; a sine of amplitude h is at the top.
+SpectrumBatch::Scale ScaleOf(float decibels, float h, std::size_t length) {
+    const float full = h * static_cast<float>(length) / 2.0F;
+    if (decibels == 0.0F) return {true, 306.0F / full, 0.0F, 0.0F};
+    return {false, 0.0F, 255.0F * 20.0F / decibels, decibels / 20.0F - std::log10(full)};
+}
+
+TEST(Spectrum, WindowsAreSymmetricAndMultiplyWhatIsThere) {
+    for (const WindowKind& kind : kWindows) {
+        for (const int length : {1, 2, 3, 33, 2048}) {
+            Samples window(static_cast<std::size_t>(length));
+            nspsbSet(-8.0F, window.data(), length);
+            kind.multiply(window.data(), length);
+            for (int i = 0; i < length && length > 1; ++i) {
+                const double expected = -8.0 * kind.formula(std::cos(2.0 * std::numbers::pi * i / (length - 1)));
+                ASSERT_NEAR(*(window.begin() + i), expected, 1e-6) << length << " " << i;
+                ASSERT_EQ(*(window.begin() + i), *(window.end() - 1 - i));
+            }
+            ASSERT_TRUE(length > 1 || window[0] == -8.0F);
+        }
+    }
+}
+
+TEST(Spectrum, VectorRoutinesRoundOnceAndKeepNaN) {
+    const Samples a{1.0F, -2.5F, 0.0F, kNaN, 1e20F};
+    Samples b(a.size(), 0.1F);
+    nspsbMpy3(a.data(), b.data(), b.data(), 2);
+    nspsbMpy1(3.0F, b.data(), 1);
+    nspsbAdd1(1.0F, b.data(), 4);
+    EXPECT_EQ(b, (Samples{0.1F * 3.0F + 1.0F, -2.5F * 0.1F + 1.0F, 1.1F, 1.1F, 0.1F}));
+    EXPECT_EQ(nspsSum(Samples(100000, 0.1F).data(), 100000), static_cast<float>(100000 * static_cast<double>(0.1F)));
+    nspsbLg2(a.data(), b.data(), 5);
+    EXPECT_TRUE(b[0] == 0.0F && std::isnan(b[1]) && b[2] == -kInfinity && std::isnan(b[3]) && b[4] == 20.0F);
+    b = a;
+    nspsbThresh1(b.data(), 5, 0.5F);
+    EXPECT_TRUE(b[0] == 1.0F && b[1] == 0.5F && b[2] == 0.5F && std::isnan(b[3]) && b[4] == 1e20F);
+    const std::vector<SCplx> bins{{3.0F, -4.0F}, {1e-25F, 0.0F}, {3e30F, 4e30F}, {0.0F, -2.0F}, {kNaN, 0.0F}};
+    nspcbMag(bins.data(), b.data(), 5);
+    EXPECT_TRUE(b[0] == 5.0F && b[1] == 1e-25F && b[2] == 5e30F && b[3] == 2.0F && std::isnan(b[4]));
+
+    const Samples levels{-kInfinity, -0.6F, 0.5F, 1.5F, 2.5F, 254.4F, 254.5F, 255.5F, 1e30F, kNaN, kInfinity};
+    std::vector<std::uint8_t> indices(levels.size());
+    nspsbFloatToInt(levels.data(), indices.data(), static_cast<int>(levels.size()));
+    EXPECT_EQ(indices, (std::vector<std::uint8_t>{0, 0, 0, 2, 2, 254, 254, 255, 255, 0, 255}));
+}
+
+TEST(Spectrum, TransformAndIndicesAreThoseOfDoublePrecision) {
+    std::size_t cells = 0;
+    std::size_t differing = 0;
+    for (int order = kLeastFftOrder; order <= kMostFftOrder; ++order) {
+        const std::size_t length = std::size_t{1} << order;
+        // Among them ranges whose squared magnitudes would leave single precision.
+        const float h = order == 6 ? 1e-20F : order == 7 ? 1e20F : 1.0F;
+        const Samples recording = Recording(length + 450, h);
+        for (const WindowKind& kind : kWindows) {
+            Samples window(length, 1.0F);
+            kind.multiply(window.data(), static_cast<int>(length));
+            std::vector<const float*> frames;
+            std::vector<std::vector<std::complex<double>>> exact;
+            for (std::size_t i = 0; i < 9; ++i) {
+                frames.push_back(recording.data() + 50 * i + 1);
+                exact.push_back(ExactBins(frames.back(), window));
+            }
+            Samples frame(length);
+            nspsbMpy3(window.data(), frames[0], frame.data(), static_cast<int>(length));
+            std::vector<SCplx> bins(length / 2 + 1);
+            nspsRealFftNip(frame.data(), bins.data(), order);
+            for (std::size_t k = 0; k < bins.size(); ++k) {
+                const std::complex<double> bin(bins[k].re, bins[k].im);
+                const double sine = static_cast<double>(h) * static_cast<double>(length) / 10.0;
+                ASSERT_LT(std::abs(bin - exact[0][k]), 1e-6 * sine) << order << " " << k;
+            }
+            // A range of 1 dB is finer than the table's cells.
+            for (const float decibels : {0.0F, 1.0F, 10.0F, 120.0F, 200.0F}) {
+                const auto scale = ScaleOf(decibels, h, length);
+                SpectrumBatch batch(order, window.data(), scale);
+                for (std::size_t count = 1; count <= 9; ++count) {
+                    std::vector<std::uint8_t> image(bins.size() * 10, 77);
+                    batch.Compute({frames.data(), count}, image.data(), 10);
+                    for (std::size_t at = 0; at < image.size(); ++at) {
+                        const bool inside = at % 10 < count;
+                        const int expected = inside ? ExactIndex(std::abs(exact[at % 10][at / 10]), scale) : 77;
+                        ASSERT_LE(std::abs(image[at] - expected), inside ? 1 : 0) << order << " " << decibels;
+                        if (decibels < 10.0F) continue;
+                        cells += inside;
+                        differing += image[at] != expected;
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_LT(static_cast<double>(differing), 1e-4 * static_cast<double>(cells)) << differing << " of " << cells;
+    EXPECT_THROW(SpectrumBatch(kMostFftOrder + 1, nullptr, {}), std::invalid_argument);
+}
+
+TEST(Spectrum, SilenceIsBlankAndWhatIsNoNumberStaysInItsFrame) {
+    const Samples window(32, 1.0F);
+    const Samples noise = Recording(32, 1.0F);
+    for (const float decibels : {0.0F, 1.0F, 120.0F}) {
+        SpectrumBatch batch(5, window.data(), ScaleOf(decibels, 1.0F, 32));
+        std::vector<std::uint8_t> image(3 * 17);
+        for (const float value : {kNaN, kInfinity, 3e38F, 1e-45F, 0.0F}) {
+            const Samples frame(32, value);
+            const float* const frames[] = {noise.data(), frame.data(), noise.data()};
+            batch.Compute({frames + 2, 1}, image.data() + 2, 3);
+            batch.Compute({frames, 2}, image.data(), 3);
+            for (std::size_t k = 0; k < 17; ++k) {
+                ASSERT_EQ(image[3 * k], image[3 * k + 2]) << decibels << " " << value;
+                ASSERT_TRUE(!(std::abs(value) < 1.0F) || image[3 * k + 1] == 0) << decibels << " " << value;
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace quillon::nsp
