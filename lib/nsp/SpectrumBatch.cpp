@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <numbers>
 #include <utility>
 
 #include "nsp/FftLanes.h"
@@ -16,8 +17,13 @@ namespace {
 
 constexpr float kSilence = 1e-30F;  ///< magnitudes below count as this
 constexpr int kTopIndex = 255;
-constexpr double kLog2Of10 = 3.32192809488736234787;
+constexpr double kLog2Of10 = std::numbers::ln10 * std::numbers::log2e;
 constexpr int kMostExponent = 100;  ///< of the factors and powers in use: single precision ends at 126
+
+/// `value`, at least `least`; a NaN becomes `least`, for the instruction then gives its second operand.
+__m128 AtLeast(__m128 least, __m128 value) {
+    return _mm_max_ps(value, least);
+}
 
 __m128 PowerOf(const ComplexLanes<FourLanes>& bin) {
     return bin.re * bin.re + bin.im * bin.im;
@@ -155,8 +161,7 @@ void SpectrumBatch::LevelLinear(const float* work) {
     const __m128 top = _mm_set1_ps(static_cast<float>(kTopIndex));
     std::uint8_t* const indices = m_indices.data();
     SeparateReal<FourLanes>(work, m_length / 2, m_twiddles, [=](std::size_t k, const ComplexLanes<FourLanes>& bin) {
-        // Of a NaN, the maximum instruction gives its second operand.
-        const __m128 level = _mm_max_ps(_mm_sqrt_ps(PowerOf(bin)) * factor, _mm_setzero_ps());
+        const __m128 level = AtLeast(_mm_setzero_ps(), _mm_sqrt_ps(PowerOf(bin)) * factor);
         StoreFour(indices + k * kLanes, _mm_cvtps_epi32(_mm_min_ps(level, top)));
     });
 }
@@ -173,7 +178,7 @@ void SpectrumBatch::LevelByTable(const float* work) {
         return _mm_cvtsi32_si128(static_cast<int>(cells[static_cast<std::size_t>(cell) - firstCell]));
     };
     SeparateReal<FourLanes>(work, m_length / 2, m_twiddles, [=](std::size_t k, const ComplexLanes<FourLanes>& bin) {
-        const __m128 power = _mm_min_ps(_mm_max_ps(PowerOf(bin), least), greatest);
+        const __m128 power = _mm_min_ps(AtLeast(least, PowerOf(bin)), greatest);
         const __m128i bits = _mm_castps_si128(power);
         const __m128i even = _mm_unpacklo_epi32(entry(_mm_extract_epi16(bits, 1)), entry(_mm_extract_epi16(bits, 3)));
         const __m128i odd = _mm_unpacklo_epi32(entry(_mm_extract_epi16(bits, 5)), entry(_mm_extract_epi16(bits, 7)));

@@ -25,8 +25,8 @@ class SpectrumBatch {
 
     /// Bin k (0 .. N/2) of frame i goes to out[k*stride + i], rounded to the nearest index and saturated to 0 .. 255.
     /// Frames may overlap. An index differs from that of the chain in double precision by at most 1, and only where
-    /// the level is within the transform's error of the border between two indices. Bins that a NaN or an infinity
-    /// reaches count as silent or as full. Not to be called from two threads at once: the object holds the work space.
+    /// the level is within the transform's error of the border between two indices. A bin that comes out
+    /// as a NaN counts as silent. Not to be called from two threads at once: the object holds the work space.
     void Compute(std::span<const float* const> frames, std::uint8_t* out, std::ptrdiff_t stride);
 
   private:

@@ -169,6 +169,40 @@ TEST(ExtremesCache, EqualsTheBlockWithinItsMemoryAndReadsNothingTwice) {
     EXPECT_THROW(roomy.ColumnExtremes(block, one, 1, 200, 100, targets), std::exception);
 }
 
+/// A block as long as the contract allows, silent but for its last sample.
+class LongestBlock : public FakeBlock {
+  public:
+    static constexpr std::int32_t kSamples = 2147483647;
+    std::int32_t SampleCount() const override { return kSamples; }
+    std::int16_t ChannelCount() const override { return 1; }
+    std::int32_t ReadCodes(std::int16_t, std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
+        if (first < 0 || count < 0 || std::int64_t{first} + count > kSamples) throw std::out_of_range("samples");
+        std::fill_n(buffer, count, std::int16_t{0});
+        if (first + count == kSamples && count > 0) buffer[count - 1] = 9;
+        return 0;
+    }
+    bool ColumnExtremes(std::span<const std::int16_t>, std::int32_t first, std::int32_t count, std::int32_t run,
+                        std::span<RunExtremes* const> out) override {
+        if (first < 0 || count < 0 || std::int64_t{first} + count > kSamples) throw std::out_of_range("samples");
+        const std::int32_t runs = count / run + (count % run != 0 ? 1 : 0);
+        std::fill_n(out[0], runs, RunExtremes{});
+        if (first + count == kSamples) out[0][runs - 1] = {0, 9};
+        return true;
+    }
+};
+
+TEST(ExtremesCache, ReachesTheEndOfTheLongestBlock) {
+    LongestBlock block;
+    const std::vector<std::int16_t> channels{1};
+    TraceReader reader;
+    for (const std::int32_t perPixel : {1, 50, 100, 2000}) {
+        const std::int32_t first = LongestBlock::kSamples / perPixel * perPixel - 900 * perPixel;
+        reader.Read(block, channels, {first, LongestBlock::kSamples - first, perPixel});
+        ASSERT_FALSE(reader.points()[0].empty()) << perPixel;
+        EXPECT_EQ(reader.points()[0].back().y, 9) << perPixel;
+    }
+}
+
 TEST(ShownChannels, AreThoseWithASlotThatIsShown) {
     ViewBlock block;
     block.channelNumbers = {4, 0, 31, 32};
