@@ -240,6 +240,41 @@ TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
     EXPECT_EQ(axis.FirstColumn(), column + 130);
 }
 
+TEST_F(WaveformViewTest, GesturesAndReadoutEndWithTheirBlock) {
+    static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
+    StartWith(Noise(5000, 2));
+    const auto refuse = [&] { ClickLine(lstFile, 1); };
+    Point(100, 50);
+    EXPECT_EQ(GetCapture(), Control(pbGraph));
+    refuse();
+    EXPECT_NE(GetCapture(), Control(pbGraph)) << "nothing is left to be read out";
+    ClickLine(lstFile, 0);
+    ASSERT_EQ(ItemCount(), 2);
+    Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
+    Mouse(WM_MOUSEMOVE, 3000, 50, MK_LBUTTON);
+    refuse();
+    EXPECT_FALSE(m_global.selection.active);
+    Mouse(WM_MOUSEMOVE, 3100, 50, MK_LBUTTON);
+    Mouse(WM_LBUTTONUP, 3100);
+    EXPECT_NE(GetCapture(), Control(pbGraph));
+    ClickLine(lstFile, 0);
+    // Esc ends a drag under way.
+    Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
+    Mouse(WM_MOUSEMOVE, 200, 50, MK_LBUTTON);
+    Key(VK_ESCAPE);
+    Mouse(WM_MOUSEMOVE, 250, 50, MK_LBUTTON);
+    Mouse(WM_LBUTTONUP, 250);
+    EXPECT_FALSE(m_global.selection.active);
+    // One button at a time.
+    Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
+    Mouse(WM_MBUTTONDOWN, 100, 50, MK_LBUTTON | MK_MBUTTON);
+    Mouse(WM_MBUTTONUP, 100, 50, MK_LBUTTON);
+    Mouse(WM_MOUSEMOVE, 150, 50, MK_LBUTTON);
+    Mouse(WM_LBUTTONUP, 150);
+    EXPECT_EQ(m_global.selection.Count(), 51);
+    EXPECT_EQ(m_global.axis.FirstColumn(), 0);
+}
+
 TEST_F(WaveformViewTest, OneChannelIsShownAlone) {
     StartWith(Noise(1000, 3));
     ClickCheckBox(1);
@@ -248,6 +283,13 @@ TEST_F(WaveformViewTest, OneChannelIsShownAlone) {
     EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1}));
     Command(mnuSoloChannel);
     EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1, 3}));
+    // Another block shows what was shown before.
+    Command(mnuSoloChannel);
+    static_cast<void>(m_folder.Write(u"b.bin", BinRecording(100.0F, Noise(500, 3))));
+    Command(mnuTabFile);
+    ClickLine(lstFile, 1);
+    EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1, 3}));
+    EXPECT_FALSE(IsChecked(mnuSoloChannel, m_global));
 }
 
 TEST_F(WaveformViewTest, TablesListKeysAndStatistics) {
