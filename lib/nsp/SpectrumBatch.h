@@ -24,9 +24,10 @@ class SpectrumBatch {
     SpectrumBatch(int order, const float* window, const Scale& scale);
 
     /// Bin k (0 .. N/2) of frame i goes to out[k*stride + i], rounded to the nearest index and saturated to 0 .. 255.
-    /// Frames may overlap. An index differs from that of the chain in double precision by at most 1, and only where
-    /// the level is within the transform's error of the border between two indices. A bin that comes out
-    /// as a NaN counts as silent. Not to be called from two threads at once: the object holds the work space.
+    /// Frames may overlap. Within 90 dB of the largest bin of its frame an index differs from that of the chain in
+    /// double precision by at most 1. Weaker bins lie ever nearer to the transform's error, which is below 1e-6 of the
+    /// largest bin: beside a strong tone or a large offset they show that error. A bin that comes out as a NaN counts
+    /// as silent. Not to be called from two threads at once: the object holds the work space.
     void Compute(std::span<const float* const> frames, std::uint8_t* out, std::ptrdiff_t stride);
 
   private:

@@ -1,5 +1,6 @@
 #include "spectrum/FrequencyScale.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -31,15 +32,16 @@ bool LabelFits(double row) {
 
 }  // namespace
 
-FrequencyScaleMarks FrequencyMarks(int height, double sampleRate, const FormatOptions& options) {
+FrequencyScaleMarks FrequencyMarks(int height, double sampleRate, const FormatOptions& options, int labelHeight) {
     FrequencyScaleMarks marks;
     marks.unit = AxisUnit(AxisKind::Frequency);
     if (height < 1 || !(sampleRate > 0.0) || !std::isfinite(sampleRate)) return marks;
 
     const auto spacing = [&](int k) { return 2.0 * height * StepHertz(k) / sampleRate; };
+    const double closest = std::max(labelHeight, kFrequencyLabelSpacing);
     int k = 0;
-    while (spacing(k) < kWantedSpacing) ++k;
-    while (!LabelFits(std::nearbyint(height - spacing(k))) && spacing(k - 1) >= kFrequencyLabelSpacing) --k;
+    while (spacing(k) < std::max(kWantedSpacing, closest)) ++k;
+    while (!LabelFits(std::nearbyint(height - spacing(k))) && spacing(k - 1) >= closest) --k;
 
     FormatOptions scaled = options;
     scaled.unitScaling = true;

@@ -11,7 +11,7 @@ namespace quillon {
 
 /// Rows from the tick up to the upper edge of its label's text.
 inline constexpr std::int32_t kFrequencyLabelRise = 2;
-/// Labels are at least as far apart, so those of a text up to so many rows high never overlap.
+/// Labels are at least as far apart, or as their text is high, so that they never overlap.
 inline constexpr std::int32_t kFrequencyLabelSpacing = 15;
 
 /// One tick of the frequency scale.
@@ -30,7 +30,9 @@ struct FrequencyScaleMarks {
 /// Ticks of a box whose height spans 0 Hz to half the sampling rate. Steps are 1, 2 or 5 times a power of ten: the
 /// smallest, from 1 mHz on, that leaves 20 rows between ticks. Where that leaves no room for a label at all, a finer
 /// one is taken whose labels are still apart; so a box of 40 rows or more has at least one label.
-[[nodiscard]] FrequencyScaleMarks FrequencyMarks(int height, double sampleRate, const FormatOptions& options);
+/// `labelHeight` are the rows that a label's text takes.
+[[nodiscard]] FrequencyScaleMarks FrequencyMarks(int height, double sampleRate, const FormatOptions& options,
+                                                 int labelHeight = kFrequencyLabelSpacing);
 
 /// "Channel 3, kHz": the localised word for a channel, the device's number of the channel from 1, the labels' unit.
 [[nodiscard]] std::u16string FrequencyCaption(std::u16string_view channelWord, int channelNumber,

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <exception>
+#include <utility>
 
 #include "nsp/Spectrum.h"
 
@@ -30,9 +31,14 @@ void QL_FFT::FFT_Init(std::int32_t imageWidth) {
 void QL_FFT::FFT_SetImageWidth(std::int32_t columns) {
     const std::int32_t width = (std::max(columns, 1) + 3) / 4 * 4;
     if (width <= m_imageWidth) return;
-    m_imageWidth = width;
-    FFT_AllocImage();
     m_state.columnCount = 0;
+    const std::int32_t before = std::exchange(m_imageWidth, width);
+    try {
+        FFT_AllocImage();
+    } catch (...) {
+        m_imageWidth = before;
+        throw;
+    }
 }
 
 void QL_FFT::FFT_SetOrder(std::int32_t order) {
@@ -243,8 +249,10 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
     }
     m_state.samplesPerColumn = samplesPerColumn;
     m_state.firstColumn = firstColumn;
-    m_state.columnCount = visibleColumns;
+    // Until they are computed no column is valid.
+    m_state.columnCount = 0;
     if (from <= to) FFT_ComputeColumns(from, to);
+    m_state.columnCount = visibleColumns;
     return std::max(to - from + 1, 0);
 }
 

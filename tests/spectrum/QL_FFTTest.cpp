@@ -41,7 +41,7 @@ ValueBlock Tones(int samples) {
 
 constexpr ValueRange kLimits{-500.0F, 500.0F};
 
-/// One column by the definition, in double precision; -1 where the index depends on rounding alone.
+/// One column by the definition, in double precision, before rounding.
 std::vector<double> ExactColumn(ValueBlock& block, const SpectrumSettings& settings, std::int64_t column,
                                 std::int64_t hop) {
     const std::int64_t length = std::int64_t{1} << settings.order;

@@ -194,6 +194,7 @@ void frmQLMain::OnCreate() {
     MakeControls();
     m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
     FillTypes();
+    m_fft.FFT_BuildPalette();
     const std::wstring folder = Wide(m_global.settings.filesPath);
     if (folder.empty() || !m_browser.ShowFolder(folder)) {
         m_browser.ShowFolder(L".");
@@ -422,7 +423,8 @@ void frmQLMain::OnMouse(UINT message, int x, int y) {
         // What was reached counts, so that dragging beyond a limit and back has no dead travel.
         m_global.settings.listWidth = m_layout.listWidth;
         m_global.settings.upperPercent = m_layout.upperPercent;
-        if (m_drag == Drag::Spectrogram) m_global.settings.spectrogramPercent = m_layout.spectrogramPercent;
+        if (m_drag == Drag::Spectrogram && m_layout.spectrogramPercent > 0)
+            m_global.settings.spectrogramPercent = m_layout.spectrogramPercent;
         Refresh();
         return;
     }

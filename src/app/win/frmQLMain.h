@@ -179,6 +179,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void ShowHover(std::int32_t sample, int column, int row);
     void HideCursorBand();
     void EndHover();
+    void LoseHover(HWND box);
     void InvalidateGraph(const RECT& part) const;
     void ShowSelection();
     void ShowRange();
@@ -193,6 +194,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
 
     // Spectrogram.
     void ShowSpectrogram(int);
+    void InitSpectrum();
     /// Takes the chosen channel as the spectrogram's, and draws it anew where asked to.
     void Spectrogram_Init(bool redraw);
     /// Brings the picture up to date; `force` computes every column.

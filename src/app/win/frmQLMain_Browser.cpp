@@ -25,7 +25,11 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     }
     if (header->code == TCN_SELCHANGE) ShowPages();
     // A click on the item itself, or the way to it by keys, chooses the channel for what concerns one at a time.
-    if (header->idFrom == lvCh && header->code == NM_CLICK && m_channels.IsOnItem(header)) StopSound();
+    if (header->idFrom == lvCh && header->code == NM_CLICK && m_channels.IsOnItem(header)) {
+        StopSound();
+        ChooseSpectrumChannel();
+        Spectrogram_Draw(true);
+    }
     if (header->idFrom == lvCh && header->code == LVN_ITEMCHANGED && !m_channels.Filling()) {
         const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
         const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
@@ -270,6 +274,7 @@ void frmQLMain::ResetViewState() {
             m_global.slots[slot].shown = before->test(slot);
     }
     m_menuChannel = 0;
+    m_goneTo = 0;
     m_global.ranges.Reset();
     m_global.selection = {};
     m_global.history.Clear();
@@ -290,9 +295,14 @@ void frmQLMain::ShowBlock() {
     m_values.Text(m_global.file.fileInfo);
     m_values.Refresh();
     FitUnlessLegible();
-    Spectrogram_Init(false);
     ShowCaption();
     Refresh();
+    if (!m_global.settings.spectrogramShown) return;
+    // The range of the channel takes a look at the whole block: the waveform is seen before.
+    UpdateWindow(m_graphBox.Window());
+    SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    Spectrogram_Init(true);
+    SetCursor(LoadCursorW(nullptr, IDC_ARROW));
 }
 
 void frmQLMain::ShowCaption() {

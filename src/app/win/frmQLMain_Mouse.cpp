@@ -33,6 +33,7 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
         // Taken by a menu, a dialog or another window.
         EndGesture();
         if (message == WM_CANCELMODE) EndHover();
+        LoseHover(m_graphBox.Window());
         return false;
     }
     const bool starts = message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK || message == WM_MBUTTONDOWN ||
@@ -153,6 +154,7 @@ void frmQLMain::Hover(int x, int y) {
 bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
     if (message == WM_SETCURSOR) return SetCursor(GraphPointer()), true;
     if (message == WM_CANCELMODE) EndHover();
+    if (message == WM_CAPTURECHANGED) LoseHover(m_fftBox.Window());
     if (message != WM_MOUSEMOVE || m_global.block.sampleCount == 0) return false;
     if (!HoverStays(m_fftBox.Window())) return true;
     m_hoverPoint = {x, y};
@@ -183,6 +185,13 @@ void frmQLMain::ShowHover(std::int32_t sample, int column, int row) {
 
 void frmQLMain::HideCursorBand() {
     MoveCursorBand(std::nullopt);
+}
+
+void frmQLMain::LoseHover(HWND box) {
+    // Another window has taken the mouse.
+    if (m_hovering != box || GetCapture() == box) return;
+    m_hovering = nullptr;
+    HideCursorBand();
 }
 
 void frmQLMain::EndHover() {

@@ -14,16 +14,21 @@ void frmQLMain::ShowSpectrogram(int) {
     Refresh();
 }
 
+void frmQLMain::InitSpectrum() {
+    // As wide as the graph can ever be, so that making it wider computes only what is new.
+    m_fft.FFT_Init(std::max(GetSystemMetrics(SM_CXVIRTUALSCREEN), static_cast<int>(m_layout.graph.width)));
+}
+
 void frmQLMain::Spectrogram_Init(bool redraw) {
     if (!m_global.settings.spectrogramShown) return;
-    m_fft.FFT_Init(m_layout.graph.width);
+    InitSpectrum();
     if (m_global.block.sampleCount == 0) return Spectrogram_Draw(false);
     ChooseSpectrumChannel();
     if (redraw) Spectrogram_Draw(true);
 }
 
 void frmQLMain::ChooseSpectrumChannel() {
-    m_fft.FFT_Init(m_layout.graph.width);
+    InitSpectrum();
     const std::int16_t channel = m_global.currentChannel;
     // A channel of no range stays blank; its range is looked for only when it will be seen.
     const ValueRange limits = m_global.settings.spectrogramShown
@@ -37,17 +42,22 @@ void frmQLMain::ChooseSpectrumChannel() {
 
 void frmQLMain::Spectrogram_Draw(bool force) {
     if (!m_global.settings.spectrogramShown) return;
-    if (m_global.block.sampleCount > 0) {
-        const TimeAxis& axis = m_global.axis;
-        const bool zoomed = m_fft.State().samplesPerColumn != axis.SamplesPerPixel();
-        m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), force || zoomed);
+    if (m_global.block.sampleCount == 0) {
+        m_fftBox.Invalidate();
+        m_scaleFBox.Invalidate();
+        return;
     }
-    m_fftBox.Invalidate();
+    const TimeAxis& axis = m_global.axis;
+    const bool zoomed = m_fft.State().samplesPerColumn != axis.SamplesPerPixel();
+    const bool moved = m_fft.State().firstColumn != axis.FirstColumn();
+    const std::int32_t computed =
+        m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), force || zoomed);
+    if (computed > 0 || moved || force) m_fftBox.Invalidate();
 }
 
 void frmQLMain::NextPalette() {
     if (!m_global.settings.spectrogramShown) return;
-    m_fft.FFT_Init(m_layout.graph.width);
+    InitSpectrum();
     m_fft.FFT_NextPalette();
     m_paletteBox.Invalidate();
     m_fftBox.Invalidate();
@@ -60,8 +70,8 @@ void frmQLMain::PaintSpectrogram(int id, HDC dc, const RECT& client) {
     } else if (id == pbScaleF && empty) {
         SpectrogramView::PaintEmptyScale(dc, client);
     } else if (id == pbScaleF) {
-        const FrequencyScaleMarks marks =
-            FrequencyMarks(static_cast<int>(client.bottom), m_global.block.sampleRate, m_global.format);
+        const FrequencyScaleMarks marks = FrequencyMarks(static_cast<int>(client.bottom), m_global.block.sampleRate,
+                                                         m_global.format, m_spectrogram.LabelHeight());
         m_spectrogram.PaintScale(
             dc, client, marks,
             FrequencyCaption(m_services.Text(IDS_CHANNEL), m_fft.State().deviceChannel + 1, marks.unit));
@@ -87,9 +97,11 @@ std::u16string frmQLMain::SpectrumReadout(int column, int row) const {
                       static_cast<std::size_t>(at)];
     const double hertz = bin * m_global.block.sampleRate / m_fft.Length();
     const bool linear = m_global.settings.type == 1;
+    // The ends of the scale hold what lies beyond them too.
+    const std::u16string atEnd = index == 0 ? u"\u2264 " : index == 255 ? u"\u2265 " : u"";
     const std::u16string level = NumberText(RoundToPlaces(m_fft.LevelOf(index), 1), m_global.format.decimalSeparator);
     return u"X:\t" + PositionText(m_global.block, SampleUnder(m_global.axis, column), u" ", m_global.format) +
-           u"\r\nF:\t" + FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t" + level +
+           u"\r\nF:\t" + FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t" + atEnd + level +
            (linear ? u" %\r\n" : u" dB\r\n");
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/Rounding.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -32,6 +33,14 @@ static_assert(sizeof(PaletteColor) == sizeof(RGBQUAD));
 }  // namespace
 
 SpectrogramView::SpectrogramView() : m_font(MakeFont(ScreenDpi())), m_verticalFont(MakeVerticalFont()) {}
+
+int SpectrogramView::LabelHeight() const {
+    const WindowDC screen(nullptr);
+    const SelectScope font(screen.Get(), m_font.Get());
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(screen.Get(), &metrics);
+    return static_cast<int>(metrics.tmHeight) + 1;
+}
 
 void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) const {
     const int width = static_cast<int>(client.right);
@@ -73,18 +82,18 @@ void SpectrogramView::PaintScale(HDC dc, const RECT& client, const FrequencyScal
                                  const std::u16string& caption) const {
     FillWith(dc, client, RGB(0, 0, 0));
     FillWith(dc, {client.right - 1, 0, client.right, client.bottom}, kWhite);
-    FillWith(dc, {client.right - 1 - kTick, client.bottom - 1, client.right, client.bottom}, kWhite);
+    FillWith(dc, {client.right - kTick, client.bottom - 1, client.right, client.bottom}, kWhite);
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, kWhite);
     SetTextAlign(dc, TA_RIGHT | TA_TOP);
     for (const FrequencyTick& tick : marks.ticks) {
-        FillWith(dc, {client.right - 1 - kTick, tick.row, client.right, tick.row + 1}, kWhite);
+        FillWith(dc, {client.right - kTick, tick.row, client.right, tick.row + 1}, kWhite);
         DrawTextAt(dc, static_cast<int>(client.right) - 11, tick.row - kFrequencyLabelRise, tick.text);
     }
     const SelectScope vertical(dc, m_verticalFont.Get());
     SetTextAlign(dc, TA_CENTER | TA_TOP);
-    DrawTextAt(dc, 1, static_cast<int>(client.bottom) / 2, caption);
+    DrawTextAt(dc, 1, RoundHalfEven(static_cast<double>(client.bottom) / 2.0), caption);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
 }
 

@@ -13,6 +13,8 @@ class SpectrogramView {
   public:
     SpectrogramView();
 
+    /// Rows that a label of the scale needs.
+    [[nodiscard]] int LabelHeight() const;
     /// The image, one spectrum per pixel column, 0 Hz at the bottom; white without a spectrum.
     void PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) const;
     /// The ramp of the colours, the strongest at the top.
