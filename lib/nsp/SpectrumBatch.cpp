@@ -29,6 +29,12 @@ __m128 PowerOf(const ComplexLanes<FourLanes>& bin) {
     return bin.re * bin.re + bin.im * bin.im;
 }
 
+/// A bin of the samples without their means, and what the means add to it: their multiples of the window's bin.
+ComplexLanes<FourLanes> WithMean(const ComplexLanes<FourLanes>& bin, const float* means, float re, float im) {
+    const __m128 lanes = _mm_loadu_ps(means);
+    return {bin.re + lanes * _mm_set1_ps(re), bin.im + lanes * _mm_set1_ps(im)};
+}
+
 void StoreFour(std::uint8_t* to, __m128i indices) {
     const __m128i words = _mm_packs_epi32(indices, indices);
     const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
@@ -53,14 +59,39 @@ SpectrumBatch::SpectrumBatch(int order, const float* window, const Scale& scale)
       m_indices((m_length / 2 + 1) * kLanes) {
     if (!m_scale.linear) {
         MakeThresholds();
-        return;
+    } else {
+        // A factor of 1 to 2 is left for the magnitudes, so that their squares stay far from the ends of single
+        // precision.
+        int exponent = 0;
+        const float fraction = std::frexp(m_scale.linearFactor, &exponent);
+        if (!std::isfinite(fraction) || std::abs(exponent) > kMostExponent) exponent = 0;
+        m_scale.linearFactor = std::ldexp(m_scale.linearFactor, -exponent);
+        ScaleWindow(exponent);
     }
-    // A factor of 1 to 2 is left for the magnitudes, so that their squares stay far from the ends of single precision.
-    int exponent = 0;
-    const float fraction = std::frexp(m_scale.linearFactor, &exponent);
-    if (!std::isfinite(fraction) || std::abs(exponent) > kMostExponent) exponent = 0;
-    m_scale.linearFactor = std::ldexp(m_scale.linearFactor, -exponent);
-    ScaleWindow(exponent);
+    MakeWindowSpectrum();
+}
+
+/// Bins of the window itself, by the definition: beside the first few they are too small for the fast transform.
+void SpectrumBatch::MakeWindowSpectrum() {
+    std::vector<double> cosines(m_length);
+    std::vector<double> sines(m_length);
+    for (std::size_t i = 0; i < m_length; ++i) {
+        const double angle = 2.0 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(m_length);
+        cosines[i] = std::cos(angle);
+        sines[i] = std::sin(angle);
+    }
+    for (std::size_t k = 0; k <= m_length / 2; ++k) {
+        double re = 0.0;
+        double im = 0.0;
+        for (std::size_t i = 0; i < m_length; ++i) {
+            const auto coefficient = static_cast<double>(m_window[i]);
+            re += coefficient * cosines[k * i % m_length];
+            im -= coefficient * sines[k * i % m_length];
+        }
+        // The coefficients hold half of what the bins are to be.
+        m_windowRe.push_back(static_cast<float>(2.0 * re));
+        m_windowIm.push_back(static_cast<float>(2.0 * im));
+    }
 }
 
 /// Multiplies by 2^exponent, which is exact, and by the half that separating the bins leaves to be done.
@@ -140,14 +171,25 @@ void SpectrumBatch::Compute(std::span<const float* const> frames, std::uint8_t* 
     }
 }
 
+/// Without their means, so that a large offset does not bury weak bins under the transform's error; what the mean makes
+/// of every bin, its multiple of the window's own bin, is added behind the transform.
 void SpectrumBatch::LoadFrames(const float* const* frames) {
+    __m128 means[kLanes];
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        __m128 sums = _mm_setzero_ps();
+        for (std::size_t i = 0; i < m_length; i += 4) sums = sums + _mm_loadu_ps(frames[lane] + i);
+        float parts[4];
+        _mm_storeu_ps(parts, sums);
+        m_means[lane] = (parts[0] + parts[1] + parts[2] + parts[3]) / static_cast<float>(m_length);
+        means[lane] = _mm_set1_ps(m_means[lane]);
+    }
     float* to = m_input.data();
     for (std::size_t i = 0; i < m_length; i += 4, to += 4 * kLanes) {
         const __m128 window = _mm_loadu_ps(m_window.data() + i);
-        __m128 a = window * _mm_loadu_ps(frames[0] + i);
-        __m128 b = window * _mm_loadu_ps(frames[1] + i);
-        __m128 c = window * _mm_loadu_ps(frames[2] + i);
-        __m128 d = window * _mm_loadu_ps(frames[3] + i);
+        __m128 a = window * (_mm_loadu_ps(frames[0] + i) - means[0]);
+        __m128 b = window * (_mm_loadu_ps(frames[1] + i) - means[1]);
+        __m128 c = window * (_mm_loadu_ps(frames[2] + i) - means[2]);
+        __m128 d = window * (_mm_loadu_ps(frames[3] + i) - means[3]);
         _MM_TRANSPOSE4_PS(a, b, c, d);
         _mm_storeu_ps(to, a);
         _mm_storeu_ps(to + kLanes, b);
@@ -160,10 +202,13 @@ void SpectrumBatch::LevelLinear(const float* work) {
     const __m128 factor = _mm_set1_ps(m_scale.linearFactor);
     const __m128 top = _mm_set1_ps(static_cast<float>(kTopIndex));
     std::uint8_t* const indices = m_indices.data();
-    SeparateReal<FourLanes>(work, m_length / 2, m_twiddles, [=](std::size_t k, const ComplexLanes<FourLanes>& bin) {
-        const __m128 level = AtLeast(_mm_setzero_ps(), _mm_sqrt_ps(PowerOf(bin)) * factor);
-        StoreFour(indices + k * kLanes, _mm_cvtps_epi32(_mm_min_ps(level, top)));
-    });
+    SeparateReal<FourLanes>(
+        work, m_length / 2, m_twiddles, [=, this](std::size_t k, const ComplexLanes<FourLanes>& bin) {
+            const __m128 level =
+                AtLeast(_mm_setzero_ps(),
+                        _mm_sqrt_ps(PowerOf(WithMean(bin, m_means.data(), m_windowRe[k], m_windowIm[k]))) * factor);
+            StoreFour(indices + k * kLanes, _mm_cvtps_epi32(_mm_min_ps(level, top)));
+        });
 }
 
 void SpectrumBatch::LevelByTable(const float* work) {
@@ -177,14 +222,18 @@ void SpectrumBatch::LevelByTable(const float* work) {
     const auto entry = [=](int cell) {
         return _mm_cvtsi32_si128(static_cast<int>(cells[static_cast<std::size_t>(cell) - firstCell]));
     };
-    SeparateReal<FourLanes>(work, m_length / 2, m_twiddles, [=](std::size_t k, const ComplexLanes<FourLanes>& bin) {
-        const __m128 power = _mm_min_ps(AtLeast(least, PowerOf(bin)), greatest);
-        const __m128i bits = _mm_castps_si128(power);
-        const __m128i even = _mm_unpacklo_epi32(entry(_mm_extract_epi16(bits, 1)), entry(_mm_extract_epi16(bits, 3)));
-        const __m128i odd = _mm_unpacklo_epi32(entry(_mm_extract_epi16(bits, 5)), entry(_mm_extract_epi16(bits, 7)));
-        const __m128i sums = _mm_add_epi32(_mm_unpacklo_epi64(even, odd), _mm_and_si128(bits, lowerBits));
-        StoreFour(indices + k * kLanes, _mm_srli_epi32(sums, 16));
-    });
+    SeparateReal<FourLanes>(
+        work, m_length / 2, m_twiddles, [=, this](std::size_t k, const ComplexLanes<FourLanes>& bin) {
+            const __m128 power = _mm_min_ps(
+                AtLeast(least, PowerOf(WithMean(bin, m_means.data(), m_windowRe[k], m_windowIm[k]))), greatest);
+            const __m128i bits = _mm_castps_si128(power);
+            const __m128i even =
+                _mm_unpacklo_epi32(entry(_mm_extract_epi16(bits, 1)), entry(_mm_extract_epi16(bits, 3)));
+            const __m128i odd =
+                _mm_unpacklo_epi32(entry(_mm_extract_epi16(bits, 5)), entry(_mm_extract_epi16(bits, 7)));
+            const __m128i sums = _mm_add_epi32(_mm_unpacklo_epi64(even, odd), _mm_and_si128(bits, lowerBits));
+            StoreFour(indices + k * kLanes, _mm_srli_epi32(sums, 16));
+        });
 }
 
 /// For levels that the table does not reach: an index of less than 0.034 dB, or magnitudes at the ends of single
@@ -200,7 +249,8 @@ void SpectrumBatch::LevelExactly(const float* work) {
         nspsbFloatToInt(&rounded, &result, 1);
         return result;
     };
-    SeparateReal<FourLanes>(work, m_length / 2, m_twiddles, [&](std::size_t k, const ComplexLanes<FourLanes>& bin) {
+    SeparateReal<FourLanes>(work, m_length / 2, m_twiddles, [&](std::size_t k, const ComplexLanes<FourLanes>& rest) {
+        const ComplexLanes<FourLanes> bin = WithMean(rest, m_means.data(), m_windowRe[k], m_windowIm[k]);
         for (std::size_t lane = 0; lane < kLanes; ++lane) {
             m_indices[k * kLanes + lane] = index(bin.re[lane], bin.im[lane]);
         }

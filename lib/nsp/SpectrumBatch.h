@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -35,6 +36,7 @@ class SpectrumBatch {
 
     void ScaleWindow(int exponent);
     void MakeThresholds();
+    void MakeWindowSpectrum();
     void LoadFrames(const float* const* frames);
     void LevelLinear(const float* work);
     void LevelByTable(const float* work);
@@ -44,6 +46,9 @@ class SpectrumBatch {
     std::size_t m_length;     ///< N
     Scale m_scale;
     std::vector<float> m_window;
+    std::vector<float> m_windowRe;  ///< bins of the window
+    std::vector<float> m_windowIm;
+    std::array<float, kLanes> m_means{};  ///< of the frames at work
     std::vector<float> m_input;           ///< N samples of every lane, side by side
     std::vector<float> m_work;            ///< as long
     std::vector<std::uint8_t> m_indices;  ///< of every bin, the lanes side by side
