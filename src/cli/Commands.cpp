@@ -7,6 +7,7 @@
 #include "base/DateTime.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
+#include "cli/ExportCommand.h"
 #include "cli/Json.h"
 #include "cli/SpectrumCommand.h"
 
@@ -137,6 +138,11 @@ constexpr std::array kCommands = {
     Command{u"values", u"FILE BLOCK CHANNEL [FIRST [COUNT]]", 3, 5,
             "      As codes, but physical values as raw 32-bit floats, little-endian.\n",
             "  quillon-cli values night.edf 1 3 25600 512 > piece.f32\n", RunValues},
+    Command{u"export", u"FILE OUT [options]", 2, 2,
+            "      Writes a block or a stretch of it to a new file, all channels: .bin keeps samples, scales and "
+            "names, .edf\n"
+            "      whole records of them, .wav the samples only. See quillon-cli export --help.\n",
+            "  quillon-cli export night.edf piece.bin --first=25601 --count=512\n", RunExport, kExportOptions, 2},
     Command{u"spectrum", u"FILE OUT.bmp [options]", 2, 2,
             "      Writes the spectrogram of one channel as a bitmap of 256 colours: a column per spectrum, a row per\n"
             "      frequency from 0 Hz at the bottom to half the sampling rate. See quillon-cli spectrum --help.\n",

@@ -1,0 +1,85 @@
+#include "export/KVExport.h"
+
+#include <array>
+#include <exception>
+#include <string_view>
+
+#include "base/Text.h"
+
+namespace quillon {
+
+namespace {
+
+struct FileType {
+    std::u16string_view description;
+    std::u16string_view extension;
+    bool (KV_Export::*write)(RecordingBlock*, const std::u16string&, std::int32_t, std::int32_t);
+};
+
+constexpr std::array kFileTypes = {
+    FileType{u"Supported Files (*.bin;*.wav;*.edf)", u"", nullptr},
+    FileType{u"Binary Files", u"*.bin", &KV_Export::WriteBinFile},
+    FileType{u"Waveform Audio", u"*.wav", &KV_Export::WriteWavFile},
+    FileType{u"European Data Format", u"*.edf", &KV_Export::WriteEdfFile},
+};
+
+/// Null where there is none of that index.
+const FileType* TypeAt(std::int32_t index) {
+    const bool known = index >= 0 && index < static_cast<std::int32_t>(kFileTypes.size());
+    return known ? &kFileTypes[static_cast<std::size_t>(index)] : nullptr;
+}
+
+/// Null where the name ends like none. Capitals match nothing, as in the family's other programs.
+const FileType* TypeOfName(std::u16string_view fileName) {
+    for (const FileType& type : kFileTypes) {
+        if (type.write != nullptr && fileName.ends_with(type.extension.substr(1))) return &type;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+std::u16string KVExport::Version() {
+    return Decimal(VersionMajor()) + u"." + Decimal(VersionMinor()) + u"." + Decimal(VersionRevision());
+}
+
+std::u16string KVExport::FileTypeDescription(std::int32_t index) {
+    const FileType* type = TypeAt(index);
+    return type != nullptr ? std::u16string(type->description) : std::u16string();
+}
+
+std::u16string KVExport::FileTypeExtension(std::int32_t index) {
+    const FileType* type = TypeAt(index);
+    return type != nullptr ? std::u16string(type->extension) : std::u16string();
+}
+
+bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                      std::int32_t sampleCount, std::int32_t fileType) {
+    m_writers.Clear();
+    if (Run(block, fileName, firstSample, sampleCount, fileType)) return true;
+    if (LastError().empty()) m_writers.SetLastFailure(u"Error of file export!");
+    m_services.ShowMessage(LastError());
+    return false;
+}
+
+bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                   std::int32_t sampleCount, std::int32_t fileType) {
+    if (block == nullptr) {
+        m_writers.SetLastFailure(u"Block is nothing!");
+        return false;
+    }
+    const FileType* type = fileType > 0 ? TypeAt(fileType) : nullptr;
+    if (type == nullptr) type = TypeOfName(fileName);
+    if (type == nullptr) {
+        m_writers.SetLastFailure(u"File type is unknown!");
+        return false;
+    }
+    try {
+        return (m_writers.*type->write)(block, fileName, firstSample, sampleCount);
+    } catch (const std::exception&) {
+        // A block that cannot be read, or values that no header of the format can hold.
+        return false;
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "data/NorvikCore.h"
+#include "data/UserServices.h"
+#include "export/KV_Export.h"
+
+namespace quillon {
+
+/// Writes a block of a recording, or a stretch of it, to a new file; one object for the viewer's whole life.
+class KVExport {
+  public:
+    /// `services` must outlive the object.
+    KVExport(UserServices& services, ExportSystem system) : m_services(services), m_writers(std::move(system)) {}
+
+    /// Also the title of the failure message.
+    [[nodiscard]] static std::u16string LibraryName() { return u"KVExportLib"; }
+    /// "major.minor.revision" of the application.
+    [[nodiscard]] static std::u16string Version();
+    [[nodiscard]] static std::int16_t VersionMajor() { return QUILLON_VERSION_MAJOR; }
+    [[nodiscard]] static std::int16_t VersionMinor() { return QUILLON_VERSION_MINOR; }
+    [[nodiscard]] static std::int16_t VersionRevision() { return QUILLON_VERSION_REVISION; }
+
+    /// Type 0, which chooses by the extension, is not counted.
+    [[nodiscard]] static std::int32_t FileTypeCount() { return 3; }
+    /// Empty for an index that is no type.
+    [[nodiscard]] static std::u16string FileTypeDescription(std::int32_t index);
+    /// A wildcard pattern; empty for type 0 and for an index that is no type.
+    [[nodiscard]] static std::u16string FileTypeExtension(std::int32_t index);
+
+    /// Writes samples firstSample (from 1) and following of all channels; see KV_Export for ranges. `fileType` 1 to 3
+    /// names the format; with any other number the extension does, in lower case only. An existing file is replaced.
+    /// On failure shows LastError and returns false. True also when the disk filled up: FailedWrites tells.
+    bool Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                std::int32_t sampleCount, std::int32_t fileType);
+
+    /// Why the last Export failed; empty when it did not.
+    [[nodiscard]] std::u16string LastError() const { return m_writers.LastFailure(); }
+    /// Above 0 the file of the last Export is incomplete although that returned true.
+    [[nodiscard]] std::size_t FailedWrites() const { return m_writers.FailedWrites(); }
+
+  private:
+    bool Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample, std::int32_t sampleCount,
+             std::int32_t fileType);
+
+    UserServices& m_services;
+    KV_Export m_writers;
+};
+
+}  // namespace quillon

@@ -1,0 +1,268 @@
+#include "export/KV_Export.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <vector>
+
+#include "base/DateTime.h"
+#include "base/Rounding.h"
+#include "export/ByteWriter.h"
+#include "export/EdfText.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::int32_t kChunkFrames = 1024;
+constexpr double kSecondsPerDay = 86400.0;
+constexpr std::uint32_t kWaveBytesBeforeData = 36;  ///< of the RIFF chunk's content
+
+/// Bytes of the frames; throws std::length_error where `headerBytes` more do not fit the 32 bits of a size field.
+std::uint32_t DataBytes(const RecordingBlock& block, std::int32_t count, std::uint32_t headerBytes) {
+    const std::int64_t bytes = std::int64_t{2} * block.ChannelCount() * count;
+    if (bytes + headerBytes > std::numeric_limits<std::uint32_t>::max()) {
+        throw std::length_error("the data are too large for the format");
+    }
+    return static_cast<std::uint32_t>(bytes);
+}
+
+/// Sunday is 0.
+int DayOfWeek(double date) {
+    // Day 0 of automation dates, 30 December 1899, was a Saturday.
+    const int day = static_cast<int>(std::fmod(std::floor(date), 7.0));
+    return ((day + 6) % 7 + 7) % 7;
+}
+
+ByteWriter BinHeader(const RecordingBlock& block, std::int32_t first, std::int32_t count, const ExportSystem& system) {
+    const auto rate = static_cast<float>(block.SampleRate());
+    double start = block.StartTime();
+    if (first > 1) start += (first - 1) / static_cast<double>(rate) / kSecondsPerDay;
+    const CivilTime time = CivilFromDate(start);
+    // The day of the rounded time: a start a hair before midnight belongs to the next one.
+    const int weekday = DayOfWeek(DateFromCivil({time.year, time.month, time.day}));
+    // The family counts from 1 here, and from the system's first day, unlike the usual form of this record of a date.
+    const int day = (weekday - system.firstDayOfWeek + 7) % 7 + 1;
+
+    ByteWriter header;
+    header.Text("ABIN").U16(3).U16(3);
+    for (const int part : {time.year, time.month, day, time.day, time.hour, time.minute, time.second, 0}) {
+        header.U16(static_cast<std::uint16_t>(part));
+    }
+    header.Float(rate).U32(0).U16(static_cast<std::uint16_t>(block.ChannelCount())).Zeros(30);
+    header.Text(system.singleByteText(block.DeviceName()), 16, '\0').Zeros(48);
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        header.Text("ADCh").U32(static_cast<std::uint32_t>(block.InputNumber(channel) - 1));
+        header.Text(system.singleByteText(block.ChannelTitle(channel)), 32, '\0');
+        header.Text(system.singleByteText(block.ChannelUnit(channel)), 24, '\0');
+        header.Float(block.ChannelScale(channel)).Float(block.ChannelOffset(channel)).Zeros(8);
+    }
+    header.Text("data").U32(DataBytes(block, count, 0));
+    return header;
+}
+
+ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
+    const std::uint32_t dataBytes = DataBytes(block, count, kWaveBytesBeforeData);
+    const std::int32_t rate = RoundHalfEven(block.SampleRate());
+    const std::int64_t frameBytes = 16 * block.ChannelCount() / 8;
+    if (rate * frameBytes > std::numeric_limits<std::uint32_t>::max()) {
+        throw std::length_error("the rate is too high for the format");
+    }
+    ByteWriter header;
+    header.Text("RIFF").U32(kWaveBytesBeforeData + dataBytes).Text("WAVE");
+    header.Text("fmt ").U32(16).U16(1).U16(static_cast<std::uint16_t>(block.ChannelCount()));
+    header.U32(static_cast<std::uint32_t>(rate)).U32(static_cast<std::uint32_t>(rate * frameBytes));
+    header.U16(static_cast<std::uint16_t>(frameBytes)).U16(16);
+    header.Text("data").U32(dataBytes);
+    return header;
+}
+
+/// "dd.mm.yyhh.mm.ss"
+std::string EdfStart(double date) {
+    const CivilTime time = CivilFromDate(date);
+    std::string text;
+    for (const int part : {time.day, time.month, time.year % 100, time.hour, time.minute, time.second}) {
+        text += static_cast<char>('0' + part / 10);
+        text += static_cast<char>('0' + part % 10);
+        if (text.size() != 8) text += '.';
+    }
+    return text.substr(0, 16);
+}
+
+ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord, double recordSeconds,
+                     std::int32_t records) {
+    const std::int16_t channels = block.ChannelCount();
+    // Other programs of the family read the size as a signed 16-bit number, which ends at 126 channels.
+    const auto headerBytes = RoundHalfEven<std::int16_t>((channels + 1) * 256.0);
+    ByteWriter header;
+    const auto field = [&](std::string_view text, std::size_t width) { header.Text(text, width, ' '); };
+    field("0", 8);
+    field(EdfText(u"Kelvara Block: " + block.BlockName(), 80), 80);
+    field(EdfText(u"ADC: " + block.DeviceName(), 80), 80);
+    field(EdfStart(block.StartTime()), 16);
+    field(EdfCount(headerBytes, 8), 8);
+    field("", 44);
+    field(EdfCount(records, 8), 8);
+    field(EdfNumber(recordSeconds, 8), 8);
+    field(EdfCount(channels, 4), 4);
+
+    const auto column = [&](std::size_t width, auto text) {
+        for (std::int16_t channel = 1; channel <= channels; ++channel) field(text(channel), width);
+    };
+    const auto same = [](std::string_view text) { return [text](std::int16_t) { return text; }; };
+    const auto limit = [&](float code) {
+        return [&block, code](std::int16_t channel) {
+            return EdfNumber(code * block.ChannelScale(channel) + block.ChannelOffset(channel), 8);
+        };
+    };
+    column(16, [&](std::int16_t channel) { return EdfText(block.ChannelTitle(channel), 16); });
+    column(80, same(""));
+    column(8, [&](std::int16_t channel) {
+        const std::u16string unit = block.ChannelUnit(channel);
+        return unit.empty() ? std::string("V") : EdfText(unit, 8);
+    });
+    column(8, limit(-32000.0F));
+    column(8, limit(32000.0F));
+    column(8, same("-32000"));
+    column(8, same("32000"));
+    column(80, same(""));
+    const std::string samples = EdfCount(samplesPerRecord, 8);
+    column(8, same(samples));
+    column(32, same(""));
+    return header;
+}
+
+}  // namespace
+
+std::string Latin1Text(std::u16string_view text) {
+    std::string result;
+    for (const char16_t letter : text) result += letter < 256 ? static_cast<char>(letter) : '?';
+    return result;
+}
+
+void KV_Export::Clear() {
+    m_lastFailure.clear();
+    m_failedWrites = 0;
+}
+
+bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
+                          Range& range) {
+    if (block == nullptr) {
+        m_lastFailure = u"Block is nothing!";
+        return false;
+    }
+    const std::int32_t samples = block->SampleCount();
+    if (firstSample > samples) {
+        m_lastFailure = u"Data start is out!";
+        return false;
+    }
+    range.first = std::max(firstSample, 1);
+    const std::int32_t rest = samples - range.first + 1;
+    range.count = sampleCount >= 1 && sampleCount <= rest ? sampleCount : rest;
+    return true;
+}
+
+std::unique_ptr<OutputFile> KV_Export::Create(const std::u16string& fileName) {
+    std::unique_ptr<OutputFile> file = m_system.makeFile();
+    if (file->Create(fileName)) return file;
+    m_lastFailure = file->ErrorText();
+    return nullptr;
+}
+
+void KV_Export::Close(OutputFile& file) {
+    file.Close();
+    m_failedWrites = file.FailureCount();
+}
+
+void KV_Export::Report(std::int64_t done, std::int32_t total) const {
+    if (m_system.progress) m_system.progress(static_cast<std::int32_t>(done), total);
+}
+
+void KV_Export::WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file) {
+    const auto channels = static_cast<std::size_t>(block.ChannelCount());
+    std::vector<std::int16_t> buffer(channels * static_cast<std::size_t>(std::min(kChunkFrames, range.count)));
+    for (std::int32_t done = 0; done < range.count;) {
+        const std::int32_t size = std::min(kChunkFrames, range.count - done);
+        block.ReadFrames(range.first - 1 + done, size, buffer.data());
+        file.Write(std::as_bytes(std::span(buffer).first(channels * static_cast<std::size_t>(size))));
+        done += size;
+        Report(done, range.count);
+    }
+}
+
+bool KV_Export::WriteBinFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                             std::int32_t sampleCount) {
+    Range range;
+    if (!FindRange(block, firstSample, sampleCount, range)) return false;
+    const ByteWriter header = BinHeader(*block, range.first, range.count, m_system);
+    const std::unique_ptr<OutputFile> file = Create(fileName);
+    if (!file) return false;
+    file->Write(header.Bytes());
+    WriteFrames(*block, range, *file);
+    Close(*file);
+    return true;
+}
+
+bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                             std::int32_t sampleCount) {
+    Range range;
+    if (!FindRange(block, firstSample, sampleCount, range)) return false;
+    const ByteWriter header = WaveHeader(*block, range.count);
+    const std::unique_ptr<OutputFile> file = Create(fileName);
+    if (!file) return false;
+    file->Write(header.Bytes());
+    WriteFrames(*block, range, *file);
+    Close(*file);
+    return true;
+}
+
+KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::int32_t sampleCount) {
+    const double rate = block.SampleRate();
+    if (!std::isfinite(rate) || rate <= 0.0 || sampleCount < 1) throw std::range_error("no record can be made");
+    double samples = std::nearbyint(rate);
+    double seconds = 1.0;
+    if (rate < 10.0) {
+        // Slow recordings get long records, so that a record is not of a few samples only.
+        do {
+            seconds *= 10.0;
+            samples = std::nearbyint(seconds * rate);
+        } while (samples < 100.0);
+    }
+    if (sampleCount < samples) {
+        samples = sampleCount;
+        seconds = sampleCount / rate;
+    }
+    const std::int32_t whole = RoundHalfEven(samples);
+    return {whole, seconds, sampleCount / whole};
+}
+
+void KV_Export::WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file) {
+    const auto size = static_cast<std::size_t>(records.samples);
+    const std::int16_t channels = block.ChannelCount();
+    std::vector<std::int16_t> buffer(size);
+    for (std::int32_t record = 0; record < records.count; ++record) {
+        const std::int32_t done = record * records.samples;
+        for (std::int16_t channel = 1; channel <= channels; ++channel) {
+            block.ReadCodes(channel, range.first - 1 + done, records.samples, buffer.data());
+            file.Write(std::as_bytes(std::span(buffer)));
+        }
+        Report(std::int64_t{done} + records.samples, range.count);
+    }
+}
+
+bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                             std::int32_t sampleCount) {
+    Range range;
+    if (!FindRange(block, firstSample, sampleCount, range)) return false;
+    const Records records = CutIntoRecords(*block, range.count);
+    const ByteWriter header = EdfHeader(*block, records.samples, records.seconds, records.count);
+    const std::unique_ptr<OutputFile> file = Create(fileName);
+    if (!file) return false;
+    file->Write(header.Bytes());
+    WriteRecords(*block, range, records, *file);
+    Close(*file);
+    return true;
+}
+
+}  // namespace quillon

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "data/NorvikCore.h"
+#include "data/OutputFile.h"
+
+namespace quillon {
+
+/// Each character as its ISO 8859-1 byte, "?" for those that have none.
+[[nodiscard]] std::string Latin1Text(std::u16string_view text);
+
+/// What the writers need of the system.
+struct ExportSystem {
+    OutputFileFactory makeFile;
+    /// Text of ".bin" fields in the system's single-byte characters.
+    std::function<std::string(std::u16string_view)> singleByteText = Latin1Text;
+    /// The day that ".bin" files count as 1: 0 is Sunday, 1 Monday ... 6.
+    int firstDayOfWeek = 1;
+    /// Called after each chunk with the samples per channel done and to do. It may run pending messages as long as
+    /// these start no other export with the same object and close no recording; what it throws ends the export.
+    std::function<void(std::int32_t done, std::int32_t total)> progress = {};
+};
+
+/// The three writers. Each writes samples firstSample (from 1) to firstSample + sampleCount - 1 of all channels of a
+/// block as the 16-bit codes that they are. A first sample below 1 is 1; a count below 1 or beyond the end means: to
+/// the end.
+///
+/// False, with the reason in LastFailure, when there is no such range or the file cannot be created; where the reason
+/// stays empty the header cannot hold what it should. Then no file was touched. Exceptions of the block pass through
+/// and leave a half-written file. A failed write changes no result, only FailedWrites.
+class KV_Export {
+  public:
+    explicit KV_Export(ExportSystem system) : m_system(std::move(system)) {}
+
+    /// Forgets the last failure.
+    void Clear();
+    [[nodiscard]] const std::u16string& LastFailure() const { return m_lastFailure; }
+    void SetLastFailure(std::u16string_view text) { m_lastFailure = text; }
+    /// Of the last file; above 0 it is incomplete.
+    [[nodiscard]] std::size_t FailedWrites() const { return m_failedWrites; }
+
+    /// The family's binary block format, which loses nothing.
+    bool WriteBinFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                      std::int32_t sampleCount);
+    /// WAVE, PCM of 16 bits: samples, channel count and the rate as a whole number, nothing else.
+    bool WriteWavFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                      std::int32_t sampleCount);
+    /// European Data Format: as many whole data records as the range holds. The start is always that of the block.
+    bool WriteEdfFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
+                      std::int32_t sampleCount);
+
+  private:
+    struct Range {
+        std::int32_t first = 1;  ///< from 1
+        std::int32_t count = 0;
+    };
+    struct Records {
+        std::int32_t samples = 0;  ///< per channel and record
+        double seconds = 0.0;
+        std::int32_t count = 0;
+    };
+    static Records CutIntoRecords(const RecordingBlock& block, std::int32_t sampleCount);
+
+    bool FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount, Range& range);
+    [[nodiscard]] std::unique_ptr<OutputFile> Create(const std::u16string& fileName);
+    void Close(OutputFile& file);
+    void WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file);
+    void WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file);
+    void Report(std::int64_t done, std::int32_t total) const;
+
+    ExportSystem m_system;
+    std::u16string m_lastFailure;
+    std::size_t m_failedWrites = 0;
+};
+
+}  // namespace quillon
