@@ -1,0 +1,160 @@
+#include "export/QL_Export.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/Text.h"
+#include "export/TextRows.h"
+
+namespace quillon {
+
+namespace {
+
+std::vector<TextChannel> FindChannels(const RecordingBlock& block, const TextExportRequest& request,
+                                      const ChannelSlots& slots) {
+    std::vector<TextChannel> found;
+    for (const std::int16_t number : request.channels) {
+        if (number < 0 || number >= kSlotCount) continue;
+        for (std::int16_t position = 1; position <= block.ChannelCount(); ++position) {
+            if (block.ChannelNumber(position) != number) continue;
+            found.push_back({position, TextTitle(slots[static_cast<std::size_t>(number)].title, number),
+                             block.ChannelScale(position), block.ChannelOffset(position)});
+            break;
+        }
+    }
+    return found;
+}
+
+TextXColumn XColumnOf(const TextExportRequest& request) {
+    if (!request.xColumn) return TextXColumn::None;
+    return request.xFormat == 0 ? TextXColumn::Time : TextXColumn::SampleNumber;
+}
+
+/// Seconds since midnight of an automation date, whose fraction counts forward from midnight before 1900 too.
+double SecondsOfDay(double date) {
+    return std::fabs(date - std::trunc(date)) * 86400.0;
+}
+
+/// Reads the codes of a chunk in the order that is cheap for the block.
+class ChunkReader {
+  public:
+    ChunkReader(RecordingBlock& block, const std::vector<TextChannel>& channels)
+        : m_block(block),
+          m_channels(channels),
+          m_frames(channels.size() > 1 && block.FramesAreCheap()),
+          m_width(m_frames ? static_cast<std::size_t>(block.ChannelCount()) : channels.size()),
+          m_codes(m_width * static_cast<std::size_t>(kTextChunkRows)) {
+        for (std::size_t i = 0; i < channels.size(); ++i) {
+            const std::size_t start = m_frames ? static_cast<std::size_t>(channels[i].position) - 1
+                                               : i * static_cast<std::size_t>(kTextChunkRows);
+            m_columns.push_back({m_codes.data() + start, m_frames ? m_width : 1});
+        }
+    }
+
+    /// `first` counts from 0.
+    std::span<const TextCodes> Read(std::int32_t first, std::int32_t count) {
+        if (m_frames) {
+            m_block.ReadFrames(first, count, m_codes.data());
+            return m_columns;
+        }
+        for (std::size_t i = 0; i < m_channels.size(); ++i) {
+            std::int16_t* const codes = m_codes.data() + i * static_cast<std::size_t>(kTextChunkRows);
+            m_block.ReadCodes(m_channels[i].position, first, count, codes);
+        }
+        return m_columns;
+    }
+
+  private:
+    RecordingBlock& m_block;
+    const std::vector<TextChannel>& m_channels;
+    bool m_frames;
+    std::size_t m_width;
+    std::vector<std::int16_t> m_codes;
+    std::vector<TextCodes> m_columns;
+};
+
+std::string HeaderLines(const TextExportRequest& request, std::int32_t count, double rate, char separator) {
+    const auto general = static_cast<char16_t>(separator);
+    std::string lines;
+    const auto add = [&](bool wanted, const std::u16string& text) {
+        if (wanted) lines.append(Utf8(text)).append(kTextLineEnd);
+    };
+    add(request.rowOfSize, Decimal(count));
+    add(request.rowOfRate, NumberText(rate, general));
+    add(request.rowOfStep, NumberText(1.0 / rate, general));
+    return lines;
+}
+
+}  // namespace
+
+std::u16string ChannelFileName(const std::u16string& target, std::int16_t channelNumber) {
+    const std::size_t folder = target.find_last_of(u"\\/");
+    std::size_t dot = target.rfind(u'.');
+    if (dot == std::u16string::npos || (folder != std::u16string::npos && dot < folder)) dot = target.size();
+    return target.substr(0, dot) + Decimal(channelNumber + 1) + target.substr(dot);
+}
+
+bool ExportText(const std::u16string& target, RecordingBlock& block, std::int32_t first, std::int32_t count,
+                const TextExportSettings& settings, TextExportContext& context) {
+    TextExportRequest request{target,
+                              settings.rowSize != 0,
+                              settings.rowRate != 0,
+                              settings.rowStep != 0,
+                              settings.rowHead != 0,
+                              settings.xColumn != 0,
+                              settings.xFormat,
+                              context.rawCodes,
+                              {},
+                              first,
+                              count};
+    for (std::int16_t number = 0; number < kSlotCount; ++number) {
+        const bool shown = context.slots[static_cast<std::size_t>(number)].shown;
+        if (settings.channels <= 0 || shown) request.channels.push_back(number);
+    }
+    if (target == kClipboardTarget || settings.fileType != 0) return WriteTextExport(block, request, context);
+    bool any = false;
+    for (const std::int16_t number : std::vector<std::int16_t>(request.channels)) {
+        request.channels = {number};
+        request.target = ChannelFileName(target, number);
+        if (WriteTextExport(block, request, context)) any = true;
+        if (context.ended) return false;
+    }
+    return any;
+}
+
+bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, TextExportContext& context) {
+    context.ended = false;
+    const std::vector<TextChannel> channels = FindChannels(block, request, context.slots);
+    const std::int32_t samples = block.SampleCount();
+    if (channels.empty() || request.first < 1 || request.first > samples || request.count < 1) return false;
+    const std::int32_t count = std::min(request.count, samples - request.first + 1);
+    const std::int32_t chunks = (count - 1) / kTextChunkRows + 1;
+    const std::int32_t interval = std::max(chunks / 100, 1);
+    const double rate = block.SampleRate();
+    const char separator = TextSeparator(context.format);
+    const TextXValues x(XColumnOf(request), rate, SecondsOfDay(block.StartTime()), request.first, context.format);
+    TextRows rows(x, channels, request.rawCodes, separator);
+    ChunkReader reader(block, channels);
+
+    const std::unique_ptr<TextSink> sink = context.open(request.target);
+    if (!sink) return false;
+    sink->Write(HeaderLines(request, count, rate, separator));
+    if (request.titleRow) sink->Write(TextTitleLine(x.kind(), channels));
+    for (std::int32_t chunk = 0; chunk < chunks; ++chunk) {
+        if (chunk % interval == 0) {
+            const std::int64_t percent = std::int64_t{chunk} * 100 / chunks;
+            context.services.SetStatus(u"Export to text: " + Decimal(percent) + u"% ");
+        }
+        const std::int32_t done = chunk * kTextChunkRows;
+        const std::int32_t size = std::min(kTextChunkRows, count - done);
+        sink->Write(rows.Make(done, size, reader.Read(request.first - 1 + done, size)));
+        context.ended = context.runPending && !context.runPending();
+        if (context.ended) return false;
+    }
+    if (request.target == kClipboardTarget) context.services.SetStatus(u"Copy text...");
+    if (!sink->Close()) context.incomplete.push_back(request.target);
+    context.services.SetStatus({});
+    return true;
+}
+
+}  // namespace quillon

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "data/NorvikCore.h"
+#include "data/QL_Types.h"
+#include "data/UserServices.h"
+#include "format/QL_Format.h"
+
+/// Samples as text, into a file or onto the clipboard.
+namespace quillon {
+
+/// As a target: the text goes onto the clipboard.
+inline constexpr std::u16string_view kClipboardTarget = u"Clipboard";
+
+/// An open text file or clipboard buffer; destroying it closes it without completing it.
+class TextSink {
+  public:
+    virtual ~TextSink() = default;
+    /// UTF-8, lines with their ends. Never throws; a failure is kept for Close.
+    virtual void Write(std::string_view text) = 0;
+    /// Brings the text to its end: the clipboard gets it here. Returns whether all of it arrived.
+    virtual bool Close() = 0;
+};
+
+/// The stored settings of the export; 16-bit flags are set when not zero.
+struct TextExportSettings {
+    std::int16_t fileType = 0;  ///< 0 a file per channel, else a single file
+    std::int16_t channels = 0;  ///< 0 or less all channels, else the shown ones
+    std::int16_t rowSize = 0;
+    std::int16_t rowRate = 0;
+    std::int16_t rowStep = 0;
+    std::int16_t rowHead = 0;
+    std::int16_t xColumn = 0;
+    std::int16_t xFormat = 0;  ///< 0 time, else sample number
+};
+
+/// What one run writes.
+struct TextExportRequest {
+    std::u16string target;  ///< full file name, or kClipboardTarget
+    bool rowOfSize = false;
+    bool rowOfRate = false;
+    bool rowOfStep = false;
+    bool titleRow = false;
+    bool xColumn = false;
+    std::int16_t xFormat = 0;            ///< 0 time, else sample number
+    bool rawCodes = false;               ///< codes instead of values
+    std::vector<std::int16_t> channels;  ///< acquisition numbers, from 0
+    std::int32_t first = 1;              ///< sample, from 1
+    std::int32_t count = 0;
+};
+
+/// What the export needs of the program around it.
+struct TextExportContext {
+    const ChannelSlots& slots;
+    const FormatOptions& format;
+    bool rawCodes = false;  ///< the view shows codes
+    UserServices& services;
+    /// Opens a target; null when that fails.
+    std::function<std::unique_ptr<TextSink>(const std::u16string& target)> open;
+    /// Lets pending window messages run, between chunks; false ends the export. May be empty.
+    std::function<bool()> runPending{};
+    bool ended = false;  ///< runPending answered false
+    /// Files that could not be written completely, for the caller to name.
+    std::vector<std::u16string> incomplete{};
+};
+
+/// Name of the file of one channel: the number, from 1, before the extension.
+[[nodiscard]] std::u16string ChannelFileName(const std::u16string& target, std::int16_t channelNumber);
+
+/// Exports samples first .. first+count-1 (from 1) as the settings say. Returns whether any text was written.
+/// Exceptions of the block go through.
+bool ExportText(const std::u16string& target, RecordingBlock& block, std::int32_t first, std::int32_t count,
+                const TextExportSettings& settings, TextExportContext& context);
+
+/// Writes one text. False, with nothing opened, when the block has none of the channels or the range has no sample in
+/// it; false when the target does not open or the export is ended: then the last progress stays in the status.
+bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, TextExportContext& context);
+
+}  // namespace quillon

@@ -1,0 +1,160 @@
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cstdio>
+#include <limits>
+#include <random>
+#include <sstream>
+
+#include "export/QL_Export.h"
+#include "format/FixedText.h"
+#include "support/FakeRecording.h"
+
+namespace quillon::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::Key;
+
+/// Stores its samples as frames too, where asked.
+class TextBlock : public FakeBlock {
+  public:
+    bool framed = false;
+    bool FramesAreCheap() const override { return framed; }
+    std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
+        for (auto i = static_cast<std::size_t>(first); count-- > 0; ++i)
+            for (const auto& channel : samples) *buffer++ = channel.at(i);
+        return 0;
+    }
+};
+
+std::vector<std::string> Split(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    std::istringstream in(text);
+    for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
+    return parts;
+}
+
+class TextExportTest : public ::testing::Test {
+  protected:
+    struct Sink : TextSink {
+        explicit Sink(std::string& target) : written(target) {}
+        void Write(std::string_view text) override { written += text; }
+        bool Close() override { return false; }
+        std::string& written;
+    };
+
+    TextExportTest() {
+        block.samples.resize(3);
+        std::mt19937 random(1);
+        for (std::size_t i = 0; i < 450; ++i) block.samples[i % 3].push_back(static_cast<std::int16_t>(random()));
+        block.numbers = {4, 0, 7};
+        block.scales = {0.0125F, 3e-7F, 100.0F};
+    }
+
+    std::vector<std::string> Lines(std::int32_t first, std::int32_t count) {
+        texts.clear();
+        EXPECT_TRUE(ExportText(u"a.txt", block, first, count, settings, context));
+        return Split(texts.at(u"a.txt"), '\n');
+    }
+
+    TextBlock block;
+    ChannelSlots slots;
+    FormatOptions format;
+    FakeServices services;
+    TextExportSettings settings{1, 0, 0, 0, 0, 0, 0, 0};
+    std::map<std::u16string, std::string> texts;
+    TextExportContext context{slots, format, false, services,
+                              [this](const std::u16string& target) { return std::make_unique<Sink>(texts[target]); }};
+};
+
+TEST(FixedTextTest, EqualsPrintf) {
+    std::mt19937 random(7);
+    const auto check = [](float value, int decimals) {
+        std::array<char, FixedText::kRoom> ours{}, theirs{};
+        *FixedText(decimals, '.').Write(ours.data(), value) = '\0';
+        std::snprintf(theirs.data(), theirs.size(), "%.*f", decimals, static_cast<double>(value));
+        ASSERT_STREQ(theirs.data(), ours.data()) << decimals;
+    };
+    for (int decimals = 0; decimals <= 14; ++decimals) {
+        for (int i = 0; i < 20000; ++i) {
+            const auto any = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+            // Halves and their neighbours, and the places where the fast way ends.
+            const float half = (static_cast<float>(i) + 0.5F) / static_cast<float>(1 << i % 16);
+            const auto limit = static_cast<float>((2147480000.0 + i) / std::pow(10.0, decimals));
+            for (const float value : {half, -std::nextafter(half, 0.0F), static_cast<float>(i) * 0.001F, limit, any}) {
+                if (std::isfinite(value)) check(value, decimals);
+            }
+        }
+    }
+    check(std::numeric_limits<float>::max(), FixedText::kMostDecimals);
+    check(std::numeric_limits<float>::denorm_min(), 50);
+    std::string texts(512, ' ');
+    char* end = texts.data();
+    for (const float value : {1e10F, -2.5F, std::nanf(""), -HUGE_VALF}) end = FixedText(2, ',').Write(end, value);
+    EXPECT_EQ("10000000000,00-2,50NaN-Inf", std::string(texts.data(), end));
+}
+
+TEST_F(TextExportTest, RowsReadBackAsTheValuesFromEitherOrderOfSamples) {
+    const auto planar = Lines(1, 150);
+    ASSERT_EQ(150U, planar.size());
+    block.framed = true;
+    EXPECT_EQ(planar, Lines(1, 150));
+    // Columns follow the channel numbers: 0, 4, 7 are the second, first and third channel of the block.
+    constexpr std::array<std::size_t, 3> order{1, 0, 2};
+    constexpr std::array<double, 3> halfStep{0.5e-8, 0.5e-3, 0.5e-2};
+    for (std::size_t row = 0; row < 150; ++row) {
+        const auto cells = Split(planar[row], '\t');
+        ASSERT_EQ(3U, cells.size());
+        for (std::size_t i = 0; i < 3; ++i) {
+            const float value = static_cast<float>(block.samples[order[i]][row]) * block.scales[order[i]] +
+                                static_cast<float>(order[i] + 1);
+            EXPECT_NEAR(static_cast<double>(value), std::stod(cells[i]), halfStep[i] * 1.0001);
+        }
+    }
+    context.rawCodes = true;
+    EXPECT_EQ(std::to_string(block.samples[1][100]), Split(Lines(101, 1)[0], '\t')[0]);
+}
+
+TEST_F(TextExportTest, HeadersTitlesAndXColumn) {
+    slots[0].title = u"F\tp1";
+    slots[4].shown = false;
+    settings = {1, 1, 1, 1, 1, 1, 1, 0};
+    format.decimalSeparator = u',';
+    block.samples[1].assign(150, 0);
+    block.samples[2].assign(150, -3);
+    block.rate = 250.0;
+    EXPECT_THAT(Lines(149, 99), ElementsAre("2\r", "250\r", "0,004\r", "Time\tF p1\tCh8\r",
+                                            "0,0000\t2,00000000\t-297,00\r", "0,0040\t2,00000000\t-297,00\r"));
+    settings = {1, 1, 0, 0, 0, 0, 1, 0};
+    const auto xOfSecondRow = [&] { return Split(Lines(149, 2)[1], '\t')[0]; };
+    format.timeOfDay = true;  // the block starts at noon
+    std::vector<std::string> byUnit;
+    for (format.timeUnit = 0; format.timeUnit <= 6; ++format.timeUnit) byUnit.push_back(xOfSecondRow());
+    EXPECT_THAT(byUnit, ElementsAre("43200,5960", "12:00:00,596", "720,009933", "43200,5960", "43200596,0000",
+                                    "43200596000,000", "43200,596000"));
+    settings.xFormat = 1;
+    EXPECT_EQ("150", xOfSecondRow());
+}
+
+TEST_F(TextExportTest, FilesPerChannelAndWhatEndsAnExport) {
+    settings.fileType = 0;
+    EXPECT_TRUE(ExportText(u"c:\\x.y\\name.txt", block, 1, 3, settings, context));
+    EXPECT_THAT(texts, ElementsAre(Key(u"c:\\x.y\\name1.txt"), Key(u"c:\\x.y\\name5.txt"), Key(u"c:\\x.y\\name8.txt")));
+    EXPECT_EQ(u"c:\\x.y\\name3", ChannelFileName(u"c:\\x.y\\name", 2));
+    EXPECT_TRUE(ExportText(u"Clipboard", block, 1, 150, settings, context));
+    EXPECT_EQ(u"Clipboard", context.incomplete.back());
+    EXPECT_EQ(u"", services.status);
+    texts.clear();
+    context.runPending = [chunks = 0]() mutable { return ++chunks < 2; };
+    EXPECT_FALSE(ExportText(u"a.txt", block, 1, 150, settings, context));
+    EXPECT_EQ(1U, texts.size());
+    EXPECT_EQ(u"Export to text: 50% ", services.status);
+    EXPECT_FALSE(ExportText(u"b.txt", block, 151, 1, settings, context));
+    block.numbers = {40, 41, 42};
+    EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
+    EXPECT_EQ(1U, texts.size());
+}
+
+}  // namespace
+}  // namespace quillon::testing
