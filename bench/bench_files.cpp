@@ -116,37 +116,39 @@ void LiteralRoute(benchmark::State& state) {
 /// which makes the summary (`ratio`: of reading the same part of the file), and what the summary takes of the data.
 constexpr std::int32_t kColumns = 1500;
 
-void SummaryMade(benchmark::State& state) {
-    const BenchFile file("quillon_bench.bin", [](std::ostream& to) { samples::WriteBenchBin(to, 4700); });
+/// A view of kColumns runs on the recording, and the summary that serves it.
+struct SummaryView {
+    explicit SummaryView(std::int32_t samplesPerColumn) : run(samplesPerColumn) {}
+    void Draw() { cache.ColumnExtremes(block, columns.channels, 1, count, run, columns.out); }
+    void DrawDirectly() { block.ColumnExtremes(columns.channels, 1, count, run, columns.out); }
+    [[nodiscard]] std::size_t Bytes() const { return static_cast<std::size_t>(count) * columns.channels.size() * 2; }
+
+    const BenchFile file{"quillon_bench.bin", [](std::ostream& to) { samples::WriteBenchBin(to, 4700); }};
     RecordingBlock& block = file.Block();
-    const std::int32_t run = static_cast<std::int32_t>(state.range(0));
-    const std::int32_t count = std::min(kColumns * run - 1, block.SampleCount() - 1);
-    const Columns columns(block, run);
+    std::int32_t run;
+    std::int32_t count = std::min(kColumns * run - 1, block.SampleCount() - 1);
+    Columns columns{block, run};
     ExtremesCache cache;
-    const std::size_t bytes = static_cast<std::size_t>(count) * columns.channels.size() * 2;
+};
+
+void SummaryMade(benchmark::State& state) {
+    SummaryView view(static_cast<std::int32_t>(state.range(0)));
     std::vector<std::int16_t> piece(kPieceBytes / 2);
     Compare(
-        state, bytes, false,
+        state, view.Bytes(), false,
         [&] {
-            cache.Reset();
-            cache.ColumnExtremes(block, columns.channels, 1, count, run, columns.out);
+            view.cache.Reset();
+            view.Draw();
         },
-        [&] { benchmark::DoNotOptimize(ReadPieces(file.Source(), piece, bytes)); });
-    state.counters["percent"] = 100.0 * static_cast<double>(cache.Bytes()) / static_cast<double>(bytes);
+        [&] { benchmark::DoNotOptimize(ReadPieces(view.file.Source(), piece, view.Bytes())); });
+    state.counters["percent"] = 100.0 * static_cast<double>(view.cache.Bytes()) / static_cast<double>(view.Bytes());
 }
 
 void SummaryUsed(benchmark::State& state) {
-    const BenchFile file("quillon_bench.bin", [](std::ostream& to) { samples::WriteBenchBin(to, 4700); });
-    RecordingBlock& block = file.Block();
-    const std::int32_t run = static_cast<std::int32_t>(state.range(0));
-    const std::int32_t count = std::min(kColumns * run - 1, block.SampleCount() - 1);
-    const Columns columns(block, run);
-    ExtremesCache cache;
-    cache.ColumnExtremes(block, columns.channels, 1, count, run, columns.out);
+    SummaryView view(static_cast<std::int32_t>(state.range(0)));
+    view.Draw();
     Compare(
-        state, static_cast<std::size_t>(count) * columns.channels.size() * 2, false,
-        [&] { cache.ColumnExtremes(block, columns.channels, 1, count, run, columns.out); },
-        [&] { block.ColumnExtremes(columns.channels, 1, count, run, columns.out); });
+        state, view.Bytes(), false, [&] { view.Draw(); }, [&] { view.DrawDirectly(); });
 }
 
 void Rounds(benchmark::internal::Benchmark* it) {
