@@ -12,7 +12,7 @@ set(rules
   "src/export|base nsp format data view spectrum"
   "src/sound|base nsp format data view"
   "src/dialogs|base nsp format data view spectrum export sound"
-  "src/cli|base nsp format data view spectrum export norvik"
+  "src/cli|base nsp format data view spectrum export dialogs norvik"
   "src/app|base nsp format data view spectrum export sound dialogs")
 set(failed FALSE)
 foreach(rule IN LISTS rules)
@@ -27,7 +27,7 @@ foreach(rule IN LISTS rules)
     # procedure alone names the substitutes of the libraries.
     set(extra "")
     if(source MATCHES "/win/")
-      set(extra "app/win/Win32.h;app/win/WinHandle.h;app/win/PictureBox.h")
+      set(extra "app/win/Win32.h;app/win/WinHandle.h;app/win/PictureBox.h;app/win/DialogTemplate.h")
     endif()
     if(source MATCHES "/app/win/QL_Main\\.cpp$")
       list(APPEND extra norvik/RecordingLibrary.h norvik/win/Registry.h norvik/win/Timer.h)

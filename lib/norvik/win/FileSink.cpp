@@ -2,6 +2,7 @@
 
 #include "base/Text.h"
 #include "norvik/OutputFile.h"
+#include "norvik/win/SystemText.h"
 
 namespace quillon {
 
@@ -33,16 +34,6 @@ class FileSink final : public ByteSink {
   private:
     HANDLE m_file;
 };
-
-/// The system's text for an error number, in the system's language.
-std::u16string SystemText(DWORD error) {
-    wchar_t text[512];
-    const DWORD size = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
-                                        text, static_cast<DWORD>(std::size(text)), nullptr);
-    std::u16string copy(text, text + size);
-    while (!copy.empty() && copy.back() <= u' ') copy.pop_back();
-    return copy.empty() ? u"error " + Decimal(error) : copy;
-}
 
 }  // namespace
 

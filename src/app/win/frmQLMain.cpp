@@ -25,16 +25,6 @@ HMENU IdOf(int id) {
     return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
 }
 
-bool Contains(const PixelRect& rect, int x, int y) {
-    return x >= rect.left && x < rect.Right() && y >= rect.top && y < rect.Bottom();
-}
-
-int HeightOf(HWND window) {
-    RECT rect{};
-    GetWindowRect(window, &rect);
-    return static_cast<int>(rect.bottom - rect.top);
-}
-
 }  // namespace
 
 frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown)
@@ -315,121 +305,6 @@ void frmQLMain::OpenFirstFile() {
     // With a recording open its channels are of more use than the way to its folder.
     if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
     ShowPages();
-}
-
-void frmQLMain::OnSize(UINT state) {
-    if (state == SIZE_MINIMIZED) {
-        // What changes meanwhile is drawn when the window is back.
-        m_arrangedSize = {};
-        return;
-    }
-    RECT client{};
-    GetClientRect(m_window, &client);
-    // When it is first shown the window is told the size that it was made with.
-    if (client.right == m_arrangedSize.cx && client.bottom == m_arrangedSize.cy) return;
-    SendMessageW(GetDlgItem(m_window, sbInfo), WM_SIZE, 0, 0);
-    ArrangeControls();
-    Refresh();
-}
-
-void frmQLMain::OnGetMinMaxInfo(MINMAXINFO* info) const {
-    info->ptMinTrackSize = {MulDiv(560, m_dpi, 96), MulDiv(380, m_dpi, 96)};
-}
-
-void frmQLMain::ArrangeControls() {
-    RECT client{};
-    GetClientRect(m_window, &client);
-    m_arrangedSize = {client.right, client.bottom};
-    LayoutInput input;
-    input.clientWidth = client.right;
-    input.clientHeight = client.bottom;
-    input.statusHeight = HeightOf(GetDlgItem(m_window, sbInfo));
-    input.comboHeight = HeightOf(GetDlgItem(m_window, lstDrive));
-    RECT page{0, 0, 200, 200};
-    SendPointer(GetDlgItem(m_window, tabPath), TCM_ADJUSTRECT, FALSE, &page);
-    input.tabHeight = static_cast<std::int32_t>(page.top);
-    const SIZE tools = m_tools.Size();
-    const SIZE goTo = m_goTo.Size();
-    input.toolHeight = static_cast<std::int32_t>(std::max(tools.cy, goTo.cy));
-    input.toolWidth = static_cast<std::int32_t>(tools.cx);
-    input.goToWidth = static_cast<std::int32_t>(goTo.cx);
-    m_arrangedFor = m_global.block.channelCount;
-    input.valueRows = m_global.block.channelCount + 2;
-    input.dpi = m_dpi;
-    input.listWidth = m_global.settings.listWidth;
-    input.upperPercent = m_global.settings.upperPercent;
-    input.spectrogram = m_global.settings.spectrogramShown;
-    input.spectrogramPercent = m_global.settings.spectrogramPercent;
-    m_layout = ArrangeMain(input);
-
-    struct Place {
-        int id;
-        const PixelRect& rect;
-    };
-    const Place places[] = {
-        {tbMain, m_layout.tools},      {tbGoTo, m_layout.goTo},         {tabPath, m_layout.tabPath},
-        {lstDrive, m_layout.drive},    {pbPathList, m_layout.pathList}, {lstDir, m_layout.folders},
-        {lvCh, m_layout.channels},     {tabFile, m_layout.tabFile},     {cboFileType, m_layout.fileType},
-        {lstFile, m_layout.files},     {lstBlock, m_layout.blocks},     {pnValues, m_layout.values},
-        {pbScaleY, m_layout.scaleY},   {pbGraph, m_layout.graph},       {scScaleY, m_layout.scrollY},
-        {btnZoomX, m_layout.zoomX},    {pbScaleX, m_layout.scaleX},     {scScaleX, m_layout.scrollX},
-        {pbFFT, m_layout.spectrogram}, {pbPal, m_layout.palette},       {pbScaleF, m_layout.scaleF},
-    };
-    HDWP positions = BeginDeferWindowPos(static_cast<int>(std::size(places)));
-    for (const Place& place : places) {
-        // The height of a drop-down list is that of its open list.
-        const bool isCombo = place.id == lstDrive || place.id == cboFileType;
-        const int height = isCombo ? MulDiv(240, m_dpi, 96) : place.rect.height;
-        positions = DeferWindowPos(positions, GetDlgItem(m_window, place.id), nullptr, place.rect.left, place.rect.top,
-                                   place.rect.width, height, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
-    }
-    EndDeferWindowPos(positions);
-    // Everything anew: pixels moved along with their controls were seen to stay behind in other controls.
-    RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
-    m_channels.FitColumns();
-}
-
-bool frmQLMain::OnSetCursor(HWND child) const {
-    POINT point{};
-    GetCursorPos(&point);
-    ScreenToClient(m_window, &point);
-    if (child != m_window) return false;
-    const bool column = Contains(m_layout.splitColumn, point.x, point.y);
-    const bool lists = Contains(m_layout.splitLists, point.x, point.y);
-    if (!column && !lists && !Contains(m_layout.splitSpectrogram, point.x, point.y)) return false;
-    SetCursor(LoadCursorW(nullptr, column ? IDC_SIZEWE : IDC_SIZENS));
-    return true;
-}
-
-void frmQLMain::OnMouse(UINT message, int x, int y) {
-    if (message == WM_LBUTTONDOWN) {
-        if (Contains(m_layout.splitColumn, x, y)) m_drag = Drag::Column;
-        if (Contains(m_layout.splitLists, x, y)) m_drag = Drag::Lists;
-        if (Contains(m_layout.splitSpectrogram, x, y)) m_drag = Drag::Spectrogram;
-        if (m_drag != Drag::None) SetCapture(m_window);
-        return;
-    }
-    if (m_drag == Drag::None) return;
-    if (message == WM_MOUSEMOVE) {
-        const int top = m_layout.tabPath.top;
-        const int height = m_layout.blocks.Bottom() - top - m_layout.splitLists.height;
-        if (m_drag == Drag::Column) m_global.settings.listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
-        if (m_drag == Drag::Lists && height > 0) m_global.settings.upperPercent = std::max((y - top) * 100 / height, 1);
-        const int shared = m_layout.spectrogram.Bottom() - m_layout.graph.top - m_layout.splitSpectrogram.height;
-        if (m_drag == Drag::Spectrogram && shared > 0)
-            m_global.settings.spectrogramPercent =
-                std::max((m_layout.spectrogram.Bottom() - y - m_layout.splitSpectrogram.height / 2) * 100 / shared, 1);
-        ArrangeControls();
-        // What was reached counts, so that dragging beyond a limit and back has no dead travel.
-        m_global.settings.listWidth = m_layout.listWidth;
-        m_global.settings.upperPercent = m_layout.upperPercent;
-        if (m_drag == Drag::Spectrogram && m_layout.spectrogramPercent > 0)
-            m_global.settings.spectrogramPercent = m_layout.spectrogramPercent;
-        Refresh();
-        return;
-    }
-    m_drag = Drag::None;
-    if (message == WM_LBUTTONUP) ReleaseCapture();
 }
 
 void frmQLMain::OnDropFiles(HDROP drop) {

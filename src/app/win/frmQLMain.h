@@ -32,7 +32,7 @@ namespace quillon {
 /// The main window: lists on the left, the graph with its scales on the right, the status bar below.
 ///
 /// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and
-/// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle and layout) and frmQLMain_*.cpp: Browser
+/// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle) and frmQLMain_*.cpp: Layout, Browser
 /// (files, blocks, channels), Commands (menu and keys), View (moves of the view), Mouse (hover, selection, wheel) and
 /// Graph (graph and scales) and Spectrogram.
 class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
@@ -200,8 +200,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// Brings the picture up to date; `force` computes every column.
     void Spectrogram_Draw(bool force);
     void ChooseSpectrumChannel();
-    void NextPalette();
-    void NextPaletteKey(int) { NextPalette(); }
+    void NextPalette(int = 0);
     void PaintSpectrogram(int id, HDC dc, const RECT& client);
     /// Time, frequency and level at a pixel of the spectrogram.
     [[nodiscard]] std::u16string SpectrumReadout(int column, int row) const;

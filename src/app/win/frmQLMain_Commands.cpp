@@ -107,7 +107,7 @@ void frmQLMain::OnCommand(int id) {
         {mnuTabPath, mnuTabPath + 1, &frmQLMain::SelectTabPath},
         {mnuTabFile, mnuTabFile + 1, &frmQLMain::SelectTabFile},
         {mnuSpectrogram, mnuSpectrogram, &frmQLMain::ShowSpectrogram},
-        {mnuNextPalette, mnuNextPalette, &frmQLMain::NextPaletteKey},
+        {mnuNextPalette, mnuNextPalette, &frmQLMain::NextPalette},
         {mnuScaleX, mnuScaleX + TimeAxis::kMenuZoomCount - 1, &frmQLMain::SelectZoomX},
         {mnuZoomX, mnuZoomX + 1, &frmQLMain::ZoomX},
         {mnuGoTo, mnuGoTo + 3, &frmQLMain::GoTo},

@@ -55,7 +55,7 @@ void frmQLMain::Spectrogram_Draw(bool force) {
     if (computed > 0 || moved || force) m_fftBox.Invalidate();
 }
 
-void frmQLMain::NextPalette() {
+void frmQLMain::NextPalette(int) {
     if (!m_global.settings.spectrogramShown) return;
     InitSpectrum();
     m_fft.FFT_NextPalette();
