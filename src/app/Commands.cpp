@@ -118,8 +118,8 @@ bool Within(int id, int first, int count) {
 
 /// Commands whose part of the program does not exist in this version; they are shown, and cannot be chosen.
 bool IsAbsent(int id) {
-    constexpr std::array absent{mnuSaveAs + 0, mnuFastExport + 0, mnuSplit + 0,     mnuOptions + 0,   mnuCopy + 0,
-                                mnuCopy + 1,   mnuSoundPlay + 0,  mnuSoundPlay + 1, mnuSoundPlay + 2, mnuSoundCard + 0};
+    constexpr std::array absent{mnuSplit + 0,     mnuOptions + 0,   mnuSoundPlay + 0,
+                                mnuSoundPlay + 1, mnuSoundPlay + 2, mnuSoundCard + 0};
     return std::find(absent.begin(), absent.end(), id) != absent.end();
 }
 

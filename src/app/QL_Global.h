@@ -10,6 +10,10 @@
 #include "base/Language.h"
 #include "data/NorvikCore.h"
 #include "data/QL_Types.h"
+#include "data/SaveFileDialog.h"
+#include "data/TextSink.h"
+#include "export/KVExport.h"
+#include "export/QL_Export.h"
 #include "format/QL_Format.h"
 #include "view/AmplitudeScale.h"
 #include "view/DataRange.h"
@@ -22,6 +26,9 @@ namespace quillon {
 /// The state that the whole program shares; one object, made by the start-up procedure.
 struct QL_Global {
     std::shared_ptr<RecordingLibrary> library;
+    std::unique_ptr<KVExport> exporter;
+    TextSinkFactory openText;
+    std::unique_ptr<SaveFileDialog> saveDialog;  ///< shared by all commands that ask for a name
     Language language = Language::English;
     /// Major version of the operating system. From 4 on the origins of traces are not folded.
     std::int32_t systemVersion = 0;
@@ -44,6 +51,9 @@ struct QL_Global {
     bool rawCodes = false;
     FormatOptions format;
 };
+
+/// What the settings say about text exports.
+[[nodiscard]] TextExportSettings TextSettings(const Settings& settings);
 
 /// Makes what the user chose about scales and texts take effect.
 void ApplyDisplaySettings(QL_Global& global);

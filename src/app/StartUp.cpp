@@ -13,6 +13,9 @@ bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) 
     try {
         global.library = parts.makeLibrary(global.language);
         if (!global.library) throw std::runtime_error("no core library");
+        global.exporter = std::make_unique<KVExport>(services, parts.exportSystem);
+        global.openText = parts.openText;
+        global.saveDialog = parts.makeSaveDialog();
         global.systemVersion = parts.systemVersion();
         return true;
     } catch (const std::system_error& error) {

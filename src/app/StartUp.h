@@ -15,6 +15,9 @@ struct StartUpParts {
     SettingsStore::MakeRegistry makeRegistry;
     ProgramIdentity program;
     TimerFactory makeTimer;
+    ExportSystem exportSystem;
+    TextSinkFactory openText;
+    std::function<std::unique_ptr<SaveFileDialog>()> makeSaveDialog;
 };
 
 /// Creates the process-wide objects. On a failure the user is told (a numbered error by its number, any other as an

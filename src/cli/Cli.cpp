@@ -103,6 +103,7 @@ ParsedArguments ForCommand(const Command& command, ParsedArguments parsed) {
         }
     }
     if (command.outputWord != 0) parsed.options.emplace(u"--out", parsed.words[command.outputWord]);
+    if (parsed.Value(u"--out") == u"-") parsed.options.erase(u"--out");
     return parsed;
 }
 

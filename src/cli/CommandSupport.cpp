@@ -27,12 +27,35 @@ BlockChannel FindChannel(Recording& recording, std::int64_t block, std::int64_t 
     }
     BlockChannel found;
     found.block = recording.GetBlock(static_cast<std::int16_t>(block));
-    if (channel < 1 || channel > found.block->ChannelCount()) {
-        RefuseRange(language, u"there is no channel %1 (channels %2 to %3)", u"нет канала %1 (каналы с %2 по %3)",
-                    channel, 1, found.block->ChannelCount());
-    }
-    found.channel = static_cast<std::int16_t>(channel);
+    found.channel = CheckChannel(*found.block, channel, language);
     return found;
+}
+
+std::int16_t CheckChannel(const RecordingBlock& block, std::int64_t channel, Language language) {
+    if (channel < 1 || channel > block.ChannelCount()) {
+        RefuseRange(language, u"there is no channel %1 (channels %2 to %3)", u"нет канала %1 (каналы с %2 по %3)",
+                    channel, 1, block.ChannelCount());
+    }
+    return static_cast<std::int16_t>(channel);
+}
+
+BlockRange FindRange(Recording& recording, const ParsedArguments& parsed, Language language) {
+    const auto option = [&](std::u16string_view name, std::int64_t otherwise) {
+        return parsed.Has(name) ? WholeNumber(parsed.Value(name), name) : otherwise;
+    };
+    const std::int64_t first = option(u"--first", 1);
+    const std::shared_ptr<RecordingBlock> block = FindChannel(recording, option(u"--block", 1), 1, language).block;
+    const std::int64_t samples = block->SampleCount();
+    if (first < 1 || first > samples) {
+        RefuseRange(language, u"there is no sample %1 (samples %2 to %3)", u"нет отсчёта %1 (отсчёты с %2 по %3)",
+                    first, 1, samples);
+    }
+    const std::int64_t count = option(u"--count", samples - first + 1);
+    if (count < 1 || count > samples - first + 1) {
+        RefuseRange(language, u"a count of %1 does not fit (counts %2 to %3 from there)",
+                    u"количество %1 не помещается (отсюда от %2 до %3)", count, 1, samples - first + 1);
+    }
+    return {block, static_cast<std::int32_t>(first), static_cast<std::int32_t>(count)};
 }
 
 void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size) {

@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "base/Language.h"
+#include "cli/Options.h"
 #include "data/NorvikCore.h"
+#include "data/UserServices.h"
 
 /// What several commands need.
 namespace quillon::cli {
@@ -38,6 +40,30 @@ struct BlockChannel {
 /// Block and channel by their numbers, from 1. Throws Refusal where there is no such one.
 [[nodiscard]] BlockChannel FindChannel(Recording& recording, std::int64_t block, std::int64_t channel,
                                        Language language);
+
+/// The channel of that number, from 1. Throws Refusal where the block has none.
+[[nodiscard]] std::int16_t CheckChannel(const RecordingBlock& block, std::int64_t channel, Language language);
+
+/// A stretch of a block; samples count from 1.
+struct BlockRange {
+    std::shared_ptr<RecordingBlock> block;
+    std::int32_t first = 1;
+    std::int32_t count = 0;
+};
+
+/// What --block, --first and --count ask for. A script that asks for samples that are not there has a mistake in it:
+/// throws Refusal, where the viewer's own rules would take what there is.
+[[nodiscard]] BlockRange FindRange(Recording& recording, const ParsedArguments& parsed, Language language);
+
+/// For code that also speaks to a user: there is nobody here, what matters becomes a Refusal.
+class SilentServices final : public UserServices {
+  public:
+    void ShowMessage(const std::u16string&, const std::u16string&) override {}
+    void SetStatus(const std::u16string&) override {}
+    [[nodiscard]] std::u16string Text(int) const override { return {}; }
+    [[nodiscard]] std::u16string LongTime(double) const override { return {}; }
+    [[nodiscard]] std::u16string DateAndTime(double) const override { return {}; }
+};
 
 /// Appends the lowest `size` bytes of a number, the lowest first.
 void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size);

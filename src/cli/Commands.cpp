@@ -10,6 +10,7 @@
 #include "cli/ExportCommand.h"
 #include "cli/Json.h"
 #include "cli/SpectrumCommand.h"
+#include "cli/TextCommand.h"
 
 namespace quillon::cli {
 
@@ -143,6 +144,12 @@ constexpr std::array kCommands = {
             "names, .edf\n"
             "      whole records of them, .wav the samples only. See quillon-cli export --help.\n",
             "  quillon-cli export night.edf piece.bin --first=25601 --count=512\n", RunExport, kExportOptions, 2},
+    Command{u"text", u"FILE OUT|- [options]", 2, 2,
+            "      Writes samples as text in UTF-8, a line per sample, the channels in columns between tabs; - stands "
+            "for\n"
+            "      the standard output. See quillon-cli text --help.\n",
+            "  quillon-cli text night.edf - --channels=1,3 --header=titles --x=time --first=25601 --count=512\n",
+            RunText, kTextOptions, 2},
     Command{u"spectrum", u"FILE OUT.bmp [options]", 2, 2,
             "      Writes the spectrogram of one channel as a bitmap of 256 colours: a column per spectrum, a row per\n"
             "      frequency from 0 Hz at the bottom to half the sampling rate. See quillon-cli spectrum --help.\n",

@@ -9,7 +9,8 @@ class UserServices {
   public:
     virtual ~UserServices() = default;
     /// A message box with the exclamation icon.
-    virtual void ShowMessage(const std::u16string& text) = 0;
+    virtual void ShowMessage(const std::u16string& text, const std::u16string& title) = 0;
+    void ShowMessage(const std::u16string& text) { ShowMessage(text, u"Quillon"); }
     /// Text of the status bar's panel "Status".
     virtual void SetStatus(const std::u16string& text) = 0;
     /// Localised string of base/StringIds.h; empty when there is none of that number.

@@ -58,8 +58,13 @@ bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std
     m_writers.Clear();
     if (Run(block, fileName, firstSample, sampleCount, fileType)) return true;
     if (LastError().empty()) m_writers.SetLastFailure(u"Error of file export!");
-    m_services.ShowMessage(LastError());
+    m_services.ShowMessage(LastError(), LibraryName());
     return false;
+}
+
+bool KVExport::ExportWithDialog(RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
+                                SaveFileDialog& dialog) {
+    return dialog.Show() && Export(block, dialog.fileName, firstSample, sampleCount, dialog.filterIndex);
 }
 
 bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "data/NorvikCore.h"
+#include "data/SaveFileDialog.h"
 #include "data/UserServices.h"
 #include "export/KV_Export.h"
 
@@ -36,10 +39,20 @@ class KVExport {
     bool Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                 std::int32_t sampleCount, std::int32_t fileType);
 
+    /// Asks for name and type with the dialog as it is set up, then exports; false also when the user cancels. The
+    /// dialog's filter is that of BuildSaveFilter.
+    bool ExportWithDialog(RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
+                          SaveFileDialog& dialog);
+
     /// Why the last Export failed; empty when it did not.
     [[nodiscard]] std::u16string LastError() const { return m_writers.LastFailure(); }
     /// Above 0 the file of the last Export is incomplete although that returned true.
     [[nodiscard]] std::size_t FailedWrites() const { return m_writers.FailedWrites(); }
+
+    /// Told after each chunk from now on; see ExportSystem.
+    void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
+        m_writers.SetProgress(std::move(progress));
+    }
 
   private:
     bool Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample, std::int32_t sampleCount,

@@ -42,6 +42,9 @@ class KV_Export {
     void Clear();
     [[nodiscard]] const std::u16string& LastFailure() const { return m_lastFailure; }
     void SetLastFailure(std::u16string_view text) { m_lastFailure = text; }
+    void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
+        m_system.progress = std::move(progress);
+    }
     /// Of the last file; above 0 it is incomplete.
     [[nodiscard]] std::size_t FailedWrites() const { return m_failedWrites; }
 

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/StringIds.h"
 #include "base/Text.h"
+#include "export/KVExport.h"
 #include "export/TextRows.h"
 
 namespace quillon {
@@ -85,6 +87,19 @@ std::string HeaderLines(const TextExportRequest& request, std::int32_t count, do
     return lines;
 }
 
+/// Numbers of the channel table, in its order.
+std::vector<std::int16_t> ChannelList(const TextExportSettings& settings, const ChannelSlots& slots) {
+    std::vector<std::int16_t> numbers;
+    for (std::int16_t number = 0; number < kSlotCount; ++number) {
+        if (settings.channels <= 0 || slots[static_cast<std::size_t>(number)].shown) numbers.push_back(number);
+    }
+    return numbers;
+}
+
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char letter) { return static_cast<unsigned char>(letter) < 128; });
+}
+
 }  // namespace
 
 std::u16string ChannelFileName(const std::u16string& target, std::int16_t channelNumber) {
@@ -107,10 +122,7 @@ bool ExportText(const std::u16string& target, RecordingBlock& block, std::int32_
                               {},
                               first,
                               count};
-    for (std::int16_t number = 0; number < kSlotCount; ++number) {
-        const bool shown = context.slots[static_cast<std::size_t>(number)].shown;
-        if (settings.channels <= 0 || shown) request.channels.push_back(number);
-    }
+    request.channels = ChannelList(settings, context.slots);
     if (target == kClipboardTarget || settings.fileType != 0) return WriteTextExport(block, request, context);
     bool any = false;
     for (const std::int16_t number : std::vector<std::int16_t>(request.channels)) {
@@ -136,10 +148,17 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     TextRows rows(x, channels, request.rawCodes, separator);
     ChunkReader reader(block, channels);
 
-    const std::unique_ptr<TextSink> sink = context.open(request.target);
-    if (!sink) return false;
+    const std::unique_ptr<TextSink> sink = context.open(request.target, context.refusal);
+    if (!sink) {
+        context.refused = request.target;
+        return false;
+    }
+    const bool file = request.target != kClipboardTarget;
+    const std::string titles = request.titleRow ? TextTitleLine(x.kind(), channels) : std::string();
+    // Programs that would take a file for one of the system's code page are told that it is UTF-8.
+    if (file && !IsAscii(titles)) sink->Write("\xEF\xBB\xBF");
     sink->Write(HeaderLines(request, count, rate, separator));
-    if (request.titleRow) sink->Write(TextTitleLine(x.kind(), channels));
+    sink->Write(titles);
     for (std::int32_t chunk = 0; chunk < chunks; ++chunk) {
         if (chunk % interval == 0) {
             const std::int64_t percent = std::int64_t{chunk} * 100 / chunks;
@@ -151,9 +170,44 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
         context.ended = context.runPending && !context.runPending();
         if (context.ended) return false;
     }
-    if (request.target == kClipboardTarget) context.services.SetStatus(u"Copy text...");
-    if (!sink->Close()) context.incomplete.push_back(request.target);
+    if (!file) context.services.SetStatus(u"Copy text...");
+    (sink->Close() ? context.written : context.incomplete).push_back(request.target);
     context.services.SetStatus({});
+    return true;
+}
+
+std::vector<std::u16string> TextExportFiles(const std::u16string& target, const RecordingBlock& block,
+                                            const TextExportSettings& settings, const ChannelSlots& slots) {
+    if (settings.fileType != 0) return {target};
+    std::vector<std::u16string> files;
+    for (const std::int16_t number : ChannelList(settings, slots)) {
+        for (std::int16_t position = 1; position <= block.ChannelCount(); ++position) {
+            if (block.ChannelNumber(position) == number) files.push_back(ChannelFileName(target, number));
+        }
+    }
+    return files;
+}
+
+std::u16string BuildSaveFilter() {
+    std::u16string filter;
+    for (std::int32_t type = 1; type <= KVExport::FileTypeCount(); ++type) {
+        const std::u16string extension = KVExport::FileTypeExtension(type);
+        filter += KVExport::FileTypeDescription(type) + u" (" + extension + u")|" + extension + u"|";
+    }
+    return filter + u"Text files (*.txt)|*.txt";
+}
+
+bool FastExportDialog(SaveFileDialog& dialog, const UserServices& services, std::u16string& fileName) {
+    dialog.title = services.Text(IDS_FAST_FILE);
+    dialog.filter = u"Text files (*.txt)|*.txt|All files (*.*)|*.*";
+    const std::size_t folder = fileName.find_last_of(u"\\/");
+    const std::size_t name = folder == std::u16string::npos ? 0 : folder + 1;
+    dialog.folder = fileName.substr(0, name);
+    dialog.fileName = fileName.substr(name);
+    const bool text = fileName.size() > 4 && LowerCase(fileName).ends_with(u".txt");
+    dialog.filterIndex = fileName.empty() || text ? 1 : 2;
+    if (!dialog.Show()) return false;
+    fileName = dialog.fileName;
     return true;
 }
 

@@ -9,24 +9,13 @@
 
 #include "data/NorvikCore.h"
 #include "data/QL_Types.h"
+#include "data/SaveFileDialog.h"
+#include "data/TextSink.h"
 #include "data/UserServices.h"
 #include "format/QL_Format.h"
 
 /// Samples as text, into a file or onto the clipboard.
 namespace quillon {
-
-/// As a target: the text goes onto the clipboard.
-inline constexpr std::u16string_view kClipboardTarget = u"Clipboard";
-
-/// An open text file or clipboard buffer; destroying it closes it without completing it.
-class TextSink {
-  public:
-    virtual ~TextSink() = default;
-    /// UTF-8, lines with their ends. Never throws; a failure is kept for Close.
-    virtual void Write(std::string_view text) = 0;
-    /// Brings the text to its end: the clipboard gets it here. Returns whether all of it arrived.
-    virtual bool Close() = 0;
-};
 
 /// The stored settings of the export; 16-bit flags are set when not zero.
 struct TextExportSettings {
@@ -61,13 +50,16 @@ struct TextExportContext {
     const FormatOptions& format;
     bool rawCodes = false;  ///< the view shows codes
     UserServices& services;
-    /// Opens a target; null when that fails.
-    std::function<std::unique_ptr<TextSink>(const std::u16string& target)> open;
+    TextSinkFactory open;
     /// Lets pending window messages run, between chunks; false ends the export. May be empty.
     std::function<bool()> runPending{};
     bool ended = false;  ///< runPending answered false
-    /// Files that could not be written completely, for the caller to name.
+    // For the caller to tell: targets written to the end, those that could not be written completely, and why the last
+    // one that could not be opened could not.
+    std::vector<std::u16string> written{};
     std::vector<std::u16string> incomplete{};
+    std::u16string refused{};
+    std::u16string refusal{};
 };
 
 /// Name of the file of one channel: the number, from 1, before the extension.
@@ -81,5 +73,17 @@ bool ExportText(const std::u16string& target, RecordingBlock& block, std::int32_
 /// Writes one text. False, with nothing opened, when the block has none of the channels or the range has no sample in
 /// it; false when the target does not open or the export is ended: then the last progress stays in the status.
 bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, TextExportContext& context);
+
+/// The files that ExportText with these settings would write for a target that is a file.
+[[nodiscard]] std::vector<std::u16string> TextExportFiles(const std::u16string& target, const RecordingBlock& block,
+                                                          const TextExportSettings& settings,
+                                                          const ChannelSlots& slots);
+
+/// Filter of the dialog that saves recordings: the types of KVExport in their order, so that an index is the type, and
+/// text.
+[[nodiscard]] std::u16string BuildSaveFilter();
+
+/// Asks for the file of the fast export, `fileName` in and out; false when the user cancels.
+bool FastExportDialog(SaveFileDialog& dialog, const UserServices& services, std::u16string& fileName);
 
 }  // namespace quillon

@@ -20,21 +20,23 @@ using namespace ::quillon::testing;
 TEST(Init, AFailureIsToldOnceAndEndsTheStart) {
     QL_Global global;
     FakeServices services;
-    const auto version = [] { return 6; };
-    EXPECT_TRUE(
-        Init(global, {[](Language) { return std::make_shared<FakeLibrary>(); }, version, {}, {}, {}}, services));
+    StartUpParts parts;
+    parts.systemVersion = [] { return 6; };
+    parts.makeSaveDialog = [] { return nullptr; };
+    parts.makeLibrary = [](Language) { return std::make_shared<FakeLibrary>(); };
+    EXPECT_TRUE(Init(global, parts, services));
     EXPECT_EQ(global.systemVersion, 6);
     EXPECT_TRUE(services.messages.empty());
 
-    const auto broken = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("no class"); };
-    EXPECT_FALSE(Init(global, {broken, version, {}, {}, {}}, services));
+    parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("no class"); };
+    EXPECT_FALSE(Init(global, parts, services));
     ASSERT_EQ(services.messages.size(), 1U);
     EXPECT_EQ(services.messages[0], services.Text(1010)) << "an error without a number";
 
-    const auto numbered = [](Language) -> std::shared_ptr<RecordingLibrary> {
+    parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> {
         throw std::system_error(5, std::generic_category(), "library");
     };
-    EXPECT_FALSE(Init(global, {numbered, version, {}, {}, {}}, services));
+    EXPECT_FALSE(Init(global, parts, services));
     ASSERT_EQ(services.messages.size(), 2U);
     EXPECT_NE(services.messages[1].find(u" 5: library"), std::u16string::npos);
 }

@@ -11,6 +11,7 @@
 #include "cli/Cli.h"
 #include "export/EdfText.h"
 #include "export/KVExport.h"
+#include "export/QL_Export.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
@@ -197,6 +198,19 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
     EXPECT_TRUE(Export(block.get(), 1, 1400, u"a.bin"));
     EXPECT_EQ(exporter.FailedWrites(), 1U);
     EXPECT_EQ(exporter.LastError(), u"");
+}
+
+TEST_F(ExportTest, TheDialogsFilterHoldsTheTypesInTheirOrder) {
+    EXPECT_EQ(BuildSaveFilter(),
+              u"Binary Files (*.bin)|*.bin|Waveform Audio (*.wav)|*.wav|"
+              u"European Data Format (*.edf)|*.edf|Text files (*.txt)|*.txt");
+    const auto block = MakeBlock(300, 100.0);
+    quillon::testing::FakeSaveDialog dialog;
+    EXPECT_FALSE(exporter.ExportWithDialog(block.get(), 1, 0, dialog));
+    EXPECT_TRUE(services.messages.empty());
+    dialog.answer = [](auto& shown) { return shown.fileName = u"x.bin", shown.filterIndex = 2, true; };
+    EXPECT_TRUE(exporter.ExportWithDialog(block.get(), 1, 0, dialog));
+    EXPECT_EQ(bytes.substr(0, 4), "RIFF");
 }
 
 TEST_F(ExportTest, OurReadersReadBackWhatIsWritten) {

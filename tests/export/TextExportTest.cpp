@@ -64,8 +64,9 @@ class TextExportTest : public ::testing::Test {
     FakeServices services;
     TextExportSettings settings{1, 0, 0, 0, 0, 0, 0, 0};
     std::map<std::u16string, std::string> texts;
-    TextExportContext context{slots, format, false, services,
-                              [this](const std::u16string& target) { return std::make_unique<Sink>(texts[target]); }};
+    TextExportContext context{slots, format, false, services, [this](const std::u16string& target, std::u16string&) {
+                                  return std::make_unique<Sink>(texts[target]);
+                              }};
 };
 
 TEST(FixedTextTest, EqualsPrintf) {
@@ -154,6 +155,46 @@ TEST_F(TextExportTest, FilesPerChannelAndWhatEndsAnExport) {
     block.numbers = {40, 41, 42};
     EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
     EXPECT_EQ(1U, texts.size());
+}
+
+TEST_F(TextExportTest, FilesAreAnnouncedAndRefusalsKept) {
+    settings.fileType = 0;
+    settings.channels = 1;
+    slots[0].shown = false;
+    EXPECT_THAT(TextExportFiles(u"d\\a.txt", block, settings, slots), ElementsAre(u"d\\a5.txt", u"d\\a8.txt"));
+    ASSERT_TRUE(ExportText(u"d\\a.txt", block, 1, 3, settings, context));
+    EXPECT_THAT(texts, ElementsAre(Key(u"d\\a5.txt"), Key(u"d\\a8.txt")));
+    context.open = [](const std::u16string&, std::u16string& error) { return error = u"full", nullptr; };
+    EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
+    EXPECT_EQ(context.refused + u": " + context.refusal, u"b8.txt: full");
+}
+
+TEST_F(TextExportTest, OnlyAFileWithForeignLettersIsMarkedAsUtf8) {
+    settings = {1, 0, 0, 0, 0, 1, 0, 0};
+    EXPECT_EQ(Lines(1, 1)[0], "Ch1\tCh5\tCh8\r");
+    slots[0].title = u"\u042d\u042d\u0413";
+    EXPECT_EQ(Lines(1, 1)[0], "\xEF\xBB\xBF\xD0\xAD\xD0\xAD\xD0\x93\tCh5\tCh8\r");
+    ExportText(u"Clipboard", block, 1, 1, settings, context);
+    EXPECT_EQ(texts[u"Clipboard"].substr(0, 2), "\xD0\xAD");
+}
+
+TEST_F(TextExportTest, TheFastFileIsAskedForFromWhereItLies) {
+    FakeSaveDialog dialog;
+    std::u16string name;
+    EXPECT_FALSE(FastExportDialog(dialog, services, name));
+    EXPECT_EQ(dialog.filterIndex, 1);
+    EXPECT_EQ(dialog.title, services.Text(5341));
+    for (const auto& [given, index] : {std::pair<std::u16string, int>{u"c:\\d.e\\Fast.TXT", 1},
+                                       {u"c:\\d.e\\fast.dat", 2},
+                                       {u"c:\\d.e\\a.txt.x", 2}}) {
+        name = given;
+        dialog.answer = [](FakeSaveDialog& shown) {
+            return shown.fileName = shown.folder + u"*" + shown.fileName, true;
+        };
+        EXPECT_TRUE(FastExportDialog(dialog, services, name));
+        EXPECT_EQ(name, u"c:\\d.e\\*" + given.substr(7));
+        EXPECT_EQ(dialog.filterIndex, index);
+    }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "data/NorvikCore.h"
+#include "data/SaveFileDialog.h"
 #include "data/UserServices.h"
 
 namespace quillon::testing {
@@ -134,13 +135,21 @@ class FakeServices : public UserServices {
   public:
     std::vector<std::u16string> messages;
     std::u16string status;
-    void ShowMessage(const std::u16string& text) override { messages.push_back(text); }
+    using UserServices::ShowMessage;
+    void ShowMessage(const std::u16string& text, const std::u16string&) override { messages.push_back(text); }
     void SetStatus(const std::u16string& text) override { status = text; }
     std::u16string Text(int id) const override {
         return id == 501 ? u"Канал" : u"#" + std::u16string(1, static_cast<char16_t>(id));
     }
     std::u16string DateAndTime(double) const override { return u"15.03.2023 12:00:00"; }
     std::u16string LongTime(double date) const override { return date == 45000.5 ? u"12:00:00" : u"?"; }
+};
+
+/// Answers with what a test set up.
+class FakeSaveDialog : public SaveFileDialog {
+  public:
+    std::function<bool(FakeSaveDialog&)> answer = [](FakeSaveDialog&) { return false; };
+    bool Show() override { return answer(*this); }
 };
 
 }  // namespace quillon::testing

@@ -6,8 +6,12 @@
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
+#include "norvik/TextWriter.h"
+#include "norvik/win/ClipboardWriter.h"
 #include "norvik/win/Registry.h"
+#include "norvik/win/SaveDialog.h"
 #include "norvik/win/Timer.h"
 
 namespace quillon {
@@ -17,6 +21,27 @@ namespace {
 std::int32_t SystemMajorVersion() {
     // GetVersion tells the version that the program's manifest asks for, which is what decides how drawing behaves.
     return static_cast<std::int32_t>(LOBYTE(LOWORD(GetVersion())));
+}
+
+/// Sunday is 0.
+int FirstDayOfWeek() {
+    wchar_t day[4] = {};
+    GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_IFIRSTDAYOFWEEK, day, 4);
+    return day[0] < L'0' || day[0] > L'6' ? 0 : (day[0] - L'0' + 1) % 7;  // the system's Monday is 0
+}
+
+/// In the system's single-byte characters, "?" for those that it has not.
+std::string AnsiText(std::u16string_view text) {
+    const std::wstring wide = Wide(text);
+    std::string ansi(wide.size() * 2, '\0');
+    ansi.resize(
+        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), ansi.data(),
+                                                     static_cast<int>(ansi.size()), "?", nullptr)));
+    return ansi;
+}
+
+std::unique_ptr<TextSink> OpenText(const std::u16string& target, std::u16string& error) {
+    return target == kClipboardTarget ? MakeClipboardText() : CreateTextFile(target, error);
 }
 
 int RunMessages(frmQLMain& form) {
@@ -32,7 +57,14 @@ int RunMessages(frmQLMain& form) {
 }  // namespace
 
 StartUpParts SystemParts() {
-    return {MakeRecordingLibrary, SystemMajorVersion, MakeRegistryObject, {}, MakeTimer};
+    return {MakeRecordingLibrary,
+            SystemMajorVersion,
+            MakeRegistryObject,
+            {},
+            MakeTimer,
+            {MakeOutputFile, AnsiText, FirstDayOfWeek()},
+            OpenText,
+            MakeSaveDialog};
 }
 
 int QL_Main(const StartUpParts& parts, int showCommand) {

@@ -28,8 +28,8 @@ void WinServices::SetWindow(HWND window, HWND statusBar) {
     m_statusBar = statusBar;
 }
 
-void WinServices::ShowMessage(const std::u16string& text) {
-    MessageBoxW(m_window, Wide(text).c_str(), L"Quillon", MB_OK | MB_ICONEXCLAMATION);
+void WinServices::ShowMessage(const std::u16string& text, const std::u16string& title) {
+    MessageBoxW(m_window, Wide(text).c_str(), Wide(title).c_str(), MB_OK | MB_ICONEXCLAMATION);
 }
 
 void WinServices::SetStatus(const std::u16string& text) {

@@ -14,7 +14,8 @@ class WinServices final : public UserServices {
     /// From then on message boxes belong to the window and status texts go to its status bar.
     void SetWindow(HWND window, HWND statusBar);
 
-    void ShowMessage(const std::u16string& text) override;
+    using UserServices::ShowMessage;
+    void ShowMessage(const std::u16string& text, const std::u16string& title) override;
     void SetStatus(const std::u16string& text) override;
     [[nodiscard]] std::u16string Text(int id) const override;
     [[nodiscard]] std::u16string LongTime(double date) const override;

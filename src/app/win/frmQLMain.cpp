@@ -139,7 +139,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
                 // A button of a toolbar. The keys go on working on the graph.
                 OnCommand(LOWORD(wParam));
                 SetFocus(m_graphBox.Window());
-            } else {
+            } else if (!m_busy) {
                 OnListCommand(LOWORD(wParam), HIWORD(wParam));
             }
             return 0;
@@ -311,12 +311,12 @@ void frmQLMain::OnDropFiles(HDROP drop) {
     std::wstring path(DragQueryFileW(drop, 0, nullptr, 0), L'\0');
     DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size()) + 1);
     DragFinish(drop);
-    if (!path.empty()) OpenPath(path);
+    if (!path.empty() && !m_busy) OpenPath(path);
 }
 
 void frmQLMain::OnClose() {
-    // While a dialog is open the window waits for it, whoever asks it to close.
-    if (!IsWindowEnabled(m_window)) return;
+    // While a dialog is open or a long command runs the window waits for it, whoever asks it to close.
+    if (!IsWindowEnabled(m_window) || m_busy) return;
     StopSound();
     DestroyWindow(m_window);
 }

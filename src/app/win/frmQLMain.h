@@ -33,8 +33,8 @@ namespace quillon {
 ///
 /// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and
 /// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle) and frmQLMain_*.cpp: Layout, Browser
-/// (files, blocks, channels), Commands (menu and keys), View (moves of the view), Mouse (hover, selection, wheel) and
-/// Graph (graph and scales) and Spectrogram.
+/// (files, blocks, channels), Commands (menu and keys), Export, View (moves of the view), Mouse (hover, selection,
+/// wheel), Graph (graph and scales) and Spectrogram.
 class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
   public:
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
@@ -192,6 +192,27 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     [[nodiscard]] bool RouteWheel(const MSG& message);
     void OnWheel(HWND under, int delta, UINT keys, bool alt, int column);
 
+    // Export and copy.
+    /// A stretch of the block; samples count from 1.
+    struct SampleRange {
+        std::int32_t first = 1;
+        std::int32_t count = 0;
+    };
+    /// Runs what takes long: until it ends the window takes no input and other commands are refused.
+    void RunLong(const std::function<void()>& work);
+    /// Called now and then meanwhile, lets messages run; false when the window was closed by one of them.
+    bool StayAlive();
+    /// The selection, or the whole block.
+    [[nodiscard]] SampleRange ExportRange() const;
+    void SaveAs(int);
+    void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range, std::int32_t type);
+    /// Asks the user where files of single channels would be replaced.
+    [[nodiscard]] bool MayReplaceChannelFiles(const std::u16string& target) const;
+    void WriteText(const std::u16string& target, const SampleRange& range);
+    void FastExport(int);
+    void Copy(int index);
+    void CopyImage(std::u16string_view target);
+
     // Spectrogram.
     void ShowSpectrogram(int);
     void InitSpectrum();
@@ -277,6 +298,10 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_folderMissing = false;        ///< it stands for that of the settings, which could not be read
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_scaleFitted = false;          ///< to a block, since the start
+    std::int32_t m_saveType = 1;         ///< chosen last in the Save As dialog
+    bool m_busy = false;                 ///< a long command runs
+    bool m_changedMeanwhile = false;     ///< files did, while it ran
+    ULONGLONG m_lastPump = 0;
     bool m_activated = false;
     bool m_closing = false;
 };

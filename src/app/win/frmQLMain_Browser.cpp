@@ -142,6 +142,8 @@ void frmQLMain::StartWatch() {
 }
 
 void frmQLMain::FilesChanged() try {
+    m_changedMeanwhile = m_busy;
+    if (m_busy) return;
     m_browser.Refresh();
     const std::wstring open = Wide(m_global.file.fileName);
     const bool unseen = !open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES;
@@ -229,6 +231,11 @@ bool frmQLMain::RunPendingMessages() const {
             PostQuitMessage(static_cast<int>(message.wParam));
             break;
         }
+        // While a long command runs input goes nowhere, so that it starts nothing else.
+        const bool input = (message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST) ||
+                           (message.message >= WM_MOUSEFIRST && message.message <= WM_MOUSELAST) ||
+                           (message.message >= WM_NCMOUSEMOVE && message.message <= WM_NCXBUTTONDBLCLK);
+        if (m_busy && input) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }

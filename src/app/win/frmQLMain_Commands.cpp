@@ -102,6 +102,9 @@ void frmQLMain::OnCommand(int id) {
         void (frmQLMain::*handler)(int index);
     };
     static const Route routes[] = {
+        {mnuSaveAs, mnuSaveAs, &frmQLMain::SaveAs},
+        {mnuFastExport, mnuFastExport, &frmQLMain::FastExport},
+        {mnuCopy, mnuCopy + 1, &frmQLMain::Copy},
         {mnuFileOperation, mnuFileOperation + 1, &frmQLMain::FileCommand},
         {mnuExit, mnuExit, &frmQLMain::Exit},
         {mnuTabPath, mnuTabPath + 1, &frmQLMain::SelectTabPath},
@@ -128,7 +131,7 @@ void frmQLMain::OnCommand(int id) {
         {mnuMove, mnuMove + static_cast<int>(Moves().size()) - 1, &frmQLMain::MoveView},
         {mnuPathList, mnuPathList + kPathListEntries - 1, &frmQLMain::ChoosePath},
     };
-    if (!IsEnabled(id, m_global)) return;
+    if (m_busy || !IsEnabled(id, m_global)) return;
     for (const Route& route : routes) {
         if (id >= route.first && id <= route.last) (this->*route.handler)(id - route.first);
     }

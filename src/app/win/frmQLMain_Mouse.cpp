@@ -21,6 +21,7 @@ ReadoutSource frmQLMain::Source() const {
 bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) {
     const int x = GET_X_LPARAM(lParam);
     const int y = GET_Y_LPARAM(lParam);
+    if (m_busy) return message == WM_SETCURSOR && (SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true);
     if (id == pbPathList && message == WM_LBUTTONDOWN) return ShowPathList(), true;
     if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN)
         SetFocus(m_graphBox.Window());

@@ -1,0 +1,92 @@
+#include "norvik/win/SaveDialog.h"
+
+#include <windows.h>
+// After windows.h, on which it depends.
+#include <commdlg.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "base/Text.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::size_t kNameRoom = 32768;
+
+std::wstring Wide(const std::u16string& text) {
+    return {text.begin(), text.end()};
+}
+
+/// The extensions of a filter's pairs with their points; empty where a pattern is not that of one extension.
+std::vector<std::u16string> ExtensionsOf(const std::u16string& filter) {
+    std::vector<std::u16string> parts(1);
+    for (const char16_t letter : filter) {
+        if (letter == u'|') {
+            parts.emplace_back();
+        } else {
+            parts.back() += letter;
+        }
+    }
+    std::vector<std::u16string> extensions;
+    for (std::size_t part = 1; part < parts.size(); part += 2) {
+        const std::u16string& pattern = parts[part];
+        const bool one = pattern.starts_with(u"*.") && pattern.find_first_of(u"*?;", 1) == std::u16string::npos;
+        extensions.push_back(one ? LowerCase(pattern.substr(1)) : std::u16string());
+    }
+    return extensions;
+}
+
+class SystemSaveDialog final : public SaveFileDialog {
+  public:
+    bool Show() override {
+        const std::vector<std::u16string> extensions = ExtensionsOf(filter);
+        std::wstring pairs = Wide(filter) + L'|';
+        for (wchar_t& letter : pairs) {
+            if (letter == L'|') letter = 0;
+        }
+        std::vector<wchar_t> name(kNameRoom);
+        std::copy_n(fileName.begin(), std::min(fileName.size(), kNameRoom - 1), name.begin());
+        const std::wstring caption = Wide(title);
+        const std::wstring start = Wide(folder);
+        OPENFILENAMEW request{};
+        request.lStructSize = sizeof request;
+        request.hwndOwner = GetActiveWindow();
+        request.lpstrFilter = pairs.c_str();
+        request.nFilterIndex = static_cast<DWORD>(filterIndex);
+        request.lpstrFile = name.data();
+        request.nMaxFile = static_cast<DWORD>(name.size());
+        request.lpstrTitle = caption.c_str();
+        request.lpstrInitialDir = start.empty() ? nullptr : start.c_str();
+        request.Flags = OFN_EXPLORER | OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
+                        OFN_NOREADONLYRETURN;
+        // Any extension here makes the dialog add that of the chosen pair to a name without one.
+        request.lpstrDefExt = L"txt";
+        if (!GetSaveFileNameW(&request)) return false;
+        fileName.assign(name.data(), name.data() + std::char_traits<wchar_t>::length(name.data()));
+        filterIndex = static_cast<std::int32_t>(request.nFilterIndex);
+        // A name typed with the extension of another pair means that one.
+        const std::u16string lower = LowerCase(fileName);
+        const auto ends = [&](std::size_t pair) {
+            return !extensions[pair].empty() && lower.ends_with(extensions[pair]);
+        };
+        const std::size_t chosen = static_cast<std::size_t>(filterIndex) - 1;
+        if (chosen < extensions.size() && ends(chosen)) return true;
+        for (std::size_t pair = 0; pair < extensions.size(); ++pair) {
+            if (!ends(pair)) continue;
+            filterIndex = static_cast<std::int32_t>(pair) + 1;
+            break;
+        }
+        return true;
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<SaveFileDialog> MakeSaveDialog() {
+    return std::make_unique<SystemSaveDialog>();
+}
+
+}  // namespace quillon

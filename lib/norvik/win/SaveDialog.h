@@ -1,0 +1,12 @@
+#pragma once
+
+#include <memory>
+
+#include "data/SaveFileDialog.h"
+
+namespace quillon {
+
+/// The system's own dialog. Names up to 32767 characters.
+[[nodiscard]] std::unique_ptr<SaveFileDialog> MakeSaveDialog();
+
+}  // namespace quillon

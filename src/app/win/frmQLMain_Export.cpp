@@ -1,0 +1,185 @@
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "app/win/frmQLMain.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "export/ImagePlan.h"
+#include "export/win/ImageCopy.h"
+#include "view/Readout.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr ULONGLONG kPumpMilliseconds = 30;
+/// File names that the question about replacing shows.
+constexpr std::size_t kNamesShown = 8;
+
+std::u16string FolderOf(const std::u16string& path) {
+    return path.substr(0, path.find_last_of(u"\\/") + 1);
+}
+
+std::u16string NameOf(const std::u16string& path) {
+    return path.substr(path.find_last_of(u"\\/") + 1);
+}
+
+bool FileExists(const std::u16string& path) {
+    return GetFileAttributesW(Wide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+}  // namespace
+
+void frmQLMain::RunLong(const std::function<void()>& work) {
+    EndHover();
+    EndGesture();
+    const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    m_busy = true;
+    std::exception_ptr failure;
+    try {
+        work();
+    } catch (const std::exception&) {
+        failure = std::current_exception();
+    }
+    m_busy = false;
+    SetCursor(pointer);
+    if (m_window == nullptr || m_closing) return;
+    if (std::exchange(m_changedMeanwhile, false)) FilesChanged();
+    if (failure) std::rethrow_exception(failure);
+}
+
+bool frmQLMain::StayAlive() {
+    const ULONGLONG now = GetTickCount64();
+    if (now - m_lastPump < kPumpMilliseconds) return m_window != nullptr;
+    m_lastPump = now;
+    return RunPendingMessages();
+}
+
+frmQLMain::SampleRange frmQLMain::ExportRange() const {
+    const Selection& selection = m_global.selection;
+    if (selection.active) return {selection.First(), selection.Count()};
+    return {1, m_global.block.sampleCount};
+}
+
+void frmQLMain::SaveAs(int) {
+    SaveFileDialog& dialog = *m_global.saveDialog;
+    const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+    const SampleRange range = ExportRange();
+    dialog.title = m_services.Text(IDS_SAVE_AS_TITLE);
+    dialog.filter = BuildSaveFilter();
+    dialog.filterIndex = m_saveType;
+    const std::u16string open = NameOf(m_global.file.fileName);
+    dialog.fileName = open.substr(0, open.rfind(u'.'));
+    const std::u16string& last = m_global.settings.exportPath;
+    dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_global.file.fileName) : last;
+    EndHover();
+    if (!dialog.Show() || m_window == nullptr || m_closing) return;
+    // Its messages may have closed the recording, which another program can take away.
+    if (m_global.block.block != block) return;
+    m_saveType = dialog.filterIndex;
+    const std::u16string name = dialog.fileName;
+    if (LowerCase(name).ends_with(u".txt")) {
+        if (!MayReplaceChannelFiles(name)) return;
+        m_global.settings.exportPath = FolderOf(name);
+        WriteText(name, range);
+    } else {
+        WriteRecording(*block, name, range, dialog.filterIndex);
+    }
+}
+
+void frmQLMain::WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range,
+                               std::int32_t type) {
+    KVExport& exporter = *m_global.exporter;
+    bool done = false;
+    RunLong([&] {
+        std::int32_t shown = -1;
+        exporter.SetProgress([&](std::int32_t samples, std::int32_t total) {
+            const auto percent = static_cast<std::int32_t>(std::int64_t{100} * samples / std::max(total, 1));
+            if (percent != std::exchange(shown, percent))
+                m_services.SetStatus(m_services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
+            StayAlive();
+        });
+        m_services.SetStatus({});
+        done = exporter.Export(&block, name, range.first, range.count, type);
+    });
+    exporter.SetProgress({});
+    if (m_window == nullptr) return;
+    // What went wrong was told in a box.
+    const int text = exporter.FailedWrites() > 0 ? IDS_INCOMPLETE : IDS_WRITTEN;
+    m_services.SetStatus(done ? m_services.Text(text) + u": " + name : std::u16string());
+}
+
+bool frmQLMain::MayReplaceChannelFiles(const std::u16string& target) const {
+    // The dialog has asked about the target itself, which a file per channel leaves alone.
+    std::vector<std::u16string> files =
+        TextExportFiles(target, *m_global.block.block, TextSettings(m_global.settings), m_global.slots);
+    std::erase_if(files, [&](const std::u16string& file) { return file == target || !FileExists(file); });
+    if (files.empty()) return true;
+    std::u16string question = m_services.Text(IDS_REPLACE_FILES) + u"\n";
+    for (std::size_t i = 0; i < std::min(files.size(), kNamesShown); ++i) question += u"\n" + NameOf(files[i]);
+    if (files.size() > kNamesShown) question += u"\n... (" + Decimal(static_cast<std::int64_t>(files.size())) + u")";
+    return MessageBoxW(m_window, Wide(question).c_str(), L"Quillon", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) ==
+           IDYES;
+}
+
+void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range) {
+    TextExportContext context{m_global.slots, m_global.format, m_global.rawCodes, m_services, m_global.openText};
+    context.runPending = [this] { return StayAlive(); };
+    const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+    RunLong([&] { ExportText(target, *block, range.first, range.count, TextSettings(m_global.settings), context); });
+    if (m_window == nullptr) return;
+    const bool file = target != kClipboardTarget;
+    const auto tell = [&](int text, const std::u16string& name) {
+        m_services.SetStatus(m_services.Text(text) + (name.empty() ? name : u": " + name));
+    };
+    if (!context.incomplete.empty()) {
+        file ? tell(IDS_INCOMPLETE, context.incomplete.front()) : tell(IDS_CLIPBOARD_FAILED, {});
+    } else if (!context.refused.empty()) {
+        tell(IDS_CANNOT_WRITE, context.refused + u": " + context.refusal);
+    } else if (context.written.empty()) {
+        tell(IDS_NO_SHOWN_CHANNEL, {});
+    } else if (!file) {
+        tell(IDS_COPIED, {});
+    } else {
+        const bool several = context.written.size() > 1;
+        tell(IDS_WRITTEN, context.written.front() + (several ? u" ... " + NameOf(context.written.back()) : u""));
+    }
+}
+
+void frmQLMain::FastExport(int) {
+    const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+    if (m_global.settings.exportFastFile.empty()) {
+        std::u16string name;
+        EndHover();
+        if (!FastExportDialog(*m_global.saveDialog, m_services, name)) return;
+        if (m_window == nullptr || m_closing) return;
+        m_global.settings.exportFastFile = name;
+    }
+    if (m_global.block.block == block) WriteText(m_global.settings.exportFastFile, ExportRange());
+}
+
+void frmQLMain::Copy(int index) {
+    if (index == 0) {
+        WriteText(std::u16string(kClipboardTarget), ExportRange());
+    } else {
+        CopyImage(kClipboardTarget);
+    }
+}
+
+void frmQLMain::CopyImage(std::u16string_view target) {
+    EndHover();
+    const bool spectrogram = m_global.settings.spectrogramShown;
+    const ImageWindows windows{m_scaleYBox.Window(), m_graphBox.Window(), spectrogram ? m_scaleFBox.Window() : nullptr,
+                               spectrogram ? m_fftBox.Window() : nullptr, m_scaleXBox.Window()};
+    const TimeAxis& axis = m_global.axis;
+    const std::int32_t last = SampleUnder(axis, std::max<std::int32_t>(m_layout.graph.width - 1, 0));
+    const auto place = [&](std::int32_t sample) { return PositionText(m_global.block, sample, u" ", m_global.format); };
+    const std::u16string caption = Narrow16(WindowText(m_window)) + u"    " + place(SampleUnder(axis, 0)) +
+                                   u" \u2013 " + place(last) + u"    " +
+                                   m_services.DateAndTime(m_global.block.startTime);
+    const bool done = ImageCopy(windows, m_font.Get(), caption, target);
+    m_services.SetStatus(m_services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
+}
+
+}  // namespace quillon

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// The contract between the text export and the core library's text writer: an open text file or clipboard buffer.
+/// Destroying it closes it without completing it.
+class TextSink {
+  public:
+    virtual ~TextSink() = default;
+    /// UTF-8, lines with their ends. Never throws; a failure is kept for Close.
+    virtual void Write(std::string_view text) = 0;
+    /// Brings the text to its end: the clipboard gets it here. Returns whether all of it arrived.
+    virtual bool Close() = 0;
+};
+
+/// Opens a file of that full name, replacing one that exists, or the clipboard for kClipboardTarget; null with the
+/// reason in `error` when that fails.
+using TextSinkFactory = std::function<std::unique_ptr<TextSink>(const std::u16string& target, std::u16string& error)>;
+
+/// As a target: the text goes onto the clipboard.
+inline constexpr std::u16string_view kClipboardTarget = u"Clipboard";
+
+}  // namespace quillon

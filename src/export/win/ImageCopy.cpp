@@ -1,0 +1,170 @@
+#include "export/win/ImageCopy.h"
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "app/win/WinHandle.h"
+#include "data/TextSink.h"
+#include "export/ByteWriter.h"
+#include "export/ImagePlan.h"
+#include "view/win/cMemDC.h"
+
+namespace quillon {
+
+namespace {
+
+SIZE SizeOf(HWND window) {
+    RECT client{};
+    if (window != nullptr) GetClientRect(window, &client);
+    return {client.right, client.bottom};
+}
+
+/// Device-independent pixels of 24 bits: rows from the bottom, each filled up to whole 32-bit words.
+struct DibPixels {
+    BITMAPINFOHEADER header{};
+    std::vector<std::uint8_t> bytes;
+};
+
+class Picture {
+  public:
+    bool Draw(const ImageWindows& windows, HFONT font, const std::u16string& caption);
+    [[nodiscard]] bool ToClipboard() const;
+    [[nodiscard]] bool ToFile(const std::wstring& name) const;
+
+  private:
+    bool CopyWindow(HWND window, const ImagePart& part, DWORD operation) const;
+    bool CopyBlackAndWhite(HWND window, const ImagePart& part) const;
+    void DrawCaption(HFONT font, const std::u16string& caption, const ImagePart& strip) const;
+    [[nodiscard]] DibPixels Pixels() const;
+
+    cMemDC m_canvas;
+};
+
+/// The content of a window as it paints itself.
+bool Print(HWND window, cMemDC& canvas) {
+    const SIZE size = SizeOf(window);
+    if (!canvas.CreateBitmap(size.cx, size.cy)) return false;
+    canvas.Clear();
+    SendMessageW(window, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(canvas.Handle()), PRF_CLIENT);
+    return true;
+}
+
+bool Picture::Draw(const ImageWindows& windows, HFONT font, const std::u16string& caption) {
+    const SIZE graph = SizeOf(windows.graph);
+    const ImagePlan plan = PlanImage(graph.cx, graph.cy, SizeOf(windows.scaleY).cx, SizeOf(windows.spectrogram).cy,
+                                     SizeOf(windows.scaleX).cy);
+    if (!m_canvas.CreateBitmap(plan.width, plan.height)) return false;
+    m_canvas.Clear();
+    DrawCaption(font, caption, plan.caption);
+    bool done = CopyWindow(windows.graph, plan.graph, SRCCOPY) && CopyBlackAndWhite(windows.scaleY, plan.scaleY);
+    if (windows.spectrogram != nullptr) {
+        done = done && CopyWindow(windows.spectrogram, plan.spectrogram, SRCCOPY);
+        // White on black on the screen; against the white of the picture it becomes black on white.
+        done = done && CopyWindow(windows.scaleF, plan.scaleF, SRCINVERT);
+    }
+    return done && CopyWindow(windows.scaleX, plan.scaleX, SRCCOPY);
+}
+
+void Picture::DrawCaption(HFONT font, const std::u16string& caption, const ImagePart& strip) const {
+    const SelectScope select(m_canvas.Handle(), font);
+    SetBkMode(m_canvas.Handle(), TRANSPARENT);
+    RECT place{strip.left + 2, strip.top + 1, strip.left + strip.width, strip.top + strip.height};
+    const std::wstring text = Wide(caption);
+    DrawTextW(m_canvas.Handle(), text.c_str(), static_cast<int>(text.size()), &place,
+              DT_LEFT | DT_TOP | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+bool Picture::CopyWindow(HWND window, const ImagePart& part, DWORD operation) const {
+    cMemDC source;
+    if (!Print(window, source)) return false;
+    return BitBlt(m_canvas.Handle(), part.left, part.top, part.width, part.height, source.Handle(), 0, 0, operation) !=
+           FALSE;
+}
+
+bool Picture::CopyBlackAndWhite(HWND window, const ImagePart& part) const {
+    cMemDC source;
+    cMemDC monochrome;
+    if (!Print(window, source) || !monochrome.CreateMonochromeBitmap(part.width, part.height + 1)) return false;
+    // The background turns white, everything else black.
+    SetBkColor(source.Handle(), GetPixel(source.Handle(), 0, 0));
+    return BitBlt(monochrome.Handle(), 0, 0, part.width, part.height, source.Handle(), 0, 0, SRCCOPY) != FALSE &&
+           BitBlt(m_canvas.Handle(), part.left, part.top, part.width, part.height, monochrome.Handle(), 0, 0,
+                  SRCCOPY) != FALSE;
+}
+
+DibPixels Picture::Pixels() const {
+    const SIZE size = m_canvas.Size();
+    DibPixels pixels;
+    pixels.header.biSize = sizeof pixels.header;
+    pixels.header.biWidth = size.cx;
+    pixels.header.biHeight = size.cy;
+    pixels.header.biPlanes = 1;
+    pixels.header.biBitCount = 24;
+    pixels.header.biCompression = BI_RGB;
+    const std::size_t row = (static_cast<std::size_t>(size.cx) * 3 + 3) / 4 * 4;
+    pixels.bytes.resize(row * static_cast<std::size_t>(size.cy));
+    pixels.header.biSizeImage = static_cast<DWORD>(pixels.bytes.size());
+    BITMAPINFO info{};
+    info.bmiHeader = pixels.header;
+    const HBITMAP bitmap = m_canvas.CopyBitmap();  // one that no context holds
+    const WindowDC screen(nullptr);
+    const int rows =
+        GetDIBits(screen.Get(), bitmap, 0, static_cast<UINT>(size.cy), pixels.bytes.data(), &info, DIB_RGB_COLORS);
+    DeleteObject(bitmap);
+    if (rows != size.cy) pixels.bytes.clear();
+    return pixels;
+}
+
+bool Picture::ToClipboard() const {
+    const DibPixels pixels = Pixels();
+    const HBITMAP bitmap = m_canvas.CopyBitmap();
+    const HGLOBAL dib = GlobalAlloc(GMEM_MOVEABLE, sizeof pixels.header + pixels.bytes.size());
+    bool bitmapTaken = false;
+    bool dibTaken = false;
+    if (bitmap != nullptr && dib != nullptr && !pixels.bytes.empty()) {
+        auto* bytes = static_cast<std::uint8_t*>(GlobalLock(dib));
+        std::memcpy(bytes, &pixels.header, sizeof pixels.header);
+        std::memcpy(bytes + sizeof pixels.header, pixels.bytes.data(), pixels.bytes.size());
+        GlobalUnlock(dib);
+        if (OpenClipboard(GetActiveWindow())) {
+            EmptyClipboard();
+            bitmapTaken = SetClipboardData(CF_BITMAP, bitmap) != nullptr;
+            dibTaken = SetClipboardData(CF_DIB, dib) != nullptr;
+            CloseClipboard();
+        }
+    }
+    if (!bitmapTaken && bitmap != nullptr) DeleteObject(bitmap);
+    if (!dibTaken && dib != nullptr) GlobalFree(dib);
+    return bitmapTaken && dibTaken;
+}
+
+bool Picture::ToFile(const std::wstring& name) const {
+    const DibPixels pixels = Pixels();
+    if (pixels.bytes.empty()) return false;
+    const BITMAPINFOHEADER& info = pixels.header;
+    constexpr std::uint32_t headers = 14 + 40;
+    ByteWriter header;
+    header.Text("BM").U32(headers + info.biSizeImage).U32(0).U32(headers);
+    header.U32(40).U32(static_cast<std::uint32_t>(info.biWidth)).U32(static_cast<std::uint32_t>(info.biHeight));
+    header.U16(1).U16(24).U32(0).U32(info.biSizeImage).Zeros(16);
+    const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    const auto write = [&](const void* bytes, std::size_t size) {
+        DWORD done = 0;
+        return WriteFile(file, bytes, static_cast<DWORD>(size), &done, nullptr) && done == size;
+    };
+    const bool written =
+        write(header.Bytes().data(), header.Bytes().size()) && write(pixels.bytes.data(), pixels.bytes.size());
+    return CloseHandle(file) && written;
+}
+
+}  // namespace
+
+bool ImageCopy(const ImageWindows& windows, HFONT font, const std::u16string& caption, std::u16string_view target) {
+    Picture picture;
+    if (!picture.Draw(windows, font, caption)) return false;
+    return target == kClipboardTarget ? picture.ToClipboard() : picture.ToFile(Wide(target));
+}
+
+}  // namespace quillon

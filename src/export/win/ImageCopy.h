@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "app/win/Win32.h"
+
+namespace quillon {
+
+/// The windows whose content makes the picture; each paints itself on WM_PRINTCLIENT.
+struct ImageWindows {
+    HWND scaleY;
+    HWND graph;
+    HWND scaleF;       ///< null where the spectrogram is not shown
+    HWND spectrogram;  ///< null where it is not shown
+    HWND scaleX;
+};
+
+/// Puts a picture of the view under a caption line onto the clipboard (kClipboardTarget), as a bitmap and as
+/// device-independent pixels, or into a file of that name, as a BMP of 24 bits per pixel. False when there is no memory
+/// for it, or the clipboard or the file does not take it.
+bool ImageCopy(const ImageWindows& windows, HFONT font, const std::u16string& caption, std::u16string_view target);
+
+}  // namespace quillon

@@ -1,0 +1,295 @@
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <thread>
+
+#include "app/win/MainWindowFixture.h"
+#include "app/win/WinHandle.h"
+#include "export/win/ImageCopy.h"
+#include "norvik/BlockChecks.h"
+#include "norvik/OutputFile.h"
+#include "norvik/RecordingLibrary.h"
+#include "norvik/win/ClipboardWriter.h"
+#include "support/FakeRecording.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+using namespace ::quillon::testing;
+
+std::string ContentOf(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Types a name into the system's save dialog and agrees to it, and to replacing a file.
+void SaveUnder(HWND dialog, const std::u16string& name, int filter = -1) {
+    // The edit control inside the combo box of names.
+    SendDlgItemMessageW(dialog, 0x47C, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(Wide(name).c_str()));
+    if (filter >= 0) {
+        const HWND types = GetDlgItem(dialog, 0x470);
+        SendMessageW(types, CB_SETCURSEL, static_cast<WPARAM>(filter), 0);
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(0x470, CBN_SELENDOK), reinterpret_cast<LPARAM>(types));
+    }
+    PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+}
+
+/// What the clipboard holds in a format.
+template <typename Element>
+std::vector<Element> Clipboard(UINT format) {
+    std::vector<Element> content;
+    if (!OpenClipboard(nullptr)) return content;
+    if (const HANDLE memory = GetClipboardData(format)) {
+        const auto* data = static_cast<const Element*>(GlobalLock(memory));
+        content.assign(data, data + GlobalSize(memory) / sizeof(Element));
+        GlobalUnlock(memory);
+    }
+    CloseClipboard();
+    return content;
+}
+
+class ExportWindowTest : public MainWindowTest {
+  protected:
+    void SetUp() override { m_source = m_folder.Write(u"saw.bin", SawRecording(250)); }
+    std::u16string Path(const std::u16string& name) const { return m_folder.Path() + u"\\" + name; }
+    std::wstring Status() const { return MainWindowTest::Status(StatusPanel::Status); }
+    void SaveAs(const std::u16string& name, int filter = -1) {
+        const DialogAnswer answer([=](HWND dialog) { SaveUnder(dialog, name, filter); });
+        Command(mnuSaveAs);
+    }
+    std::u16string m_source;
+};
+
+TEST_F(ExportWindowTest, SaveAsWritesEveryTypeTheChoiceOrTheNameTells) {
+    Start();
+    const auto library = MakeRecordingLibrary(Language::English);
+    // The type by the name where that tells one, else by the choice; Cyrillic names are names like others.
+    for (const auto& [name, filter, written] :
+         {std::tuple<std::u16string, int, std::u16string>{u"one.bin", -1, u"one.bin"},
+          {u"\u0437\u0432\u0443\u043a.wav", 0, u"\u0437\u0432\u0443\u043a.wav"},
+          {u"three", 2, u"three.edf"}}) {
+        SaveAs(Path(name), filter);
+        EXPECT_EQ(Status(), L"Written: " + Wide(Path(written)));
+        std::shared_ptr<Recording> recording;
+        ASSERT_TRUE(library->OpenRecording(Path(written), recording)) << Utf8(written);
+        const auto block = recording->GetBlock(1);
+        const std::int32_t expected = written.ends_with(u".edf") ? 200 : 250;
+        EXPECT_EQ(block->SampleCount(), expected);
+        std::vector<std::int16_t> codes(static_cast<std::size_t>(expected));
+        block->ReadCodes(1, 0, expected, codes.data());
+        for (std::size_t i = 0; i < codes.size(); ++i) ASSERT_EQ(codes[i], static_cast<std::int16_t>(i % 100));
+    }
+    // A selection is what is saved, and a name of text is text, here as one file.
+    m_global.selection = {true, 1, 120, 101};
+    m_global.settings.exportFileType = 1;
+    SaveAs(Path(u"part.TXT"));
+    const std::string text = ContentOf(Path(u"part.TXT"));
+    EXPECT_THAT(text, StartsWith("0.0\t5.0\r\n1.0\t5.0\r\n"));
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 20);
+    EXPECT_EQ(m_global.settings.exportPath, Path(u""));
+}
+
+TEST_F(ExportWindowTest, NothingOfTheUsersIsLost) {
+    Start();
+    const std::string before = ContentOf(m_source);
+    // The recording itself: the dialog asks, the system refuses, and a box says why.
+    std::wstring title;
+    std::wstring text;
+    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
+    auto& dialog = static_cast<FakeSaveDialog&>(*m_global.saveDialog);
+    const auto choose = [&](const std::u16string& name, std::int32_t type) {
+        dialog.answer = [=](FakeSaveDialog& shown) { return shown.fileName = name, shown.filterIndex = type, true; };
+    };
+    for (const std::u16string& name : {m_source, Path(std::u16string(300, u'n') + u".bin"), Path(u"none\\x.bin")}) {
+        choose(name, 1);
+        const DialogAnswer answer([&](HWND box) {
+            title = WindowText(box);
+            text = WindowText(GetDlgItem(box, 0xFFFF));
+            PostMessageW(box, WM_COMMAND, IDOK, 0);
+        });
+        Command(mnuSaveAs);
+    }
+    EXPECT_EQ(title, L"KVExportLib");
+    EXPECT_FALSE(text.empty());
+    EXPECT_EQ(ContentOf(m_source), before);
+    // A file per channel: those that exist are only replaced when the user agrees.
+    std::ofstream(m_folder.File(u"text2.txt")) << "mine";
+    choose(Path(u"text.txt"), 4);
+    {
+        const DialogAnswer no([](HWND box) { PostMessageW(box, WM_COMMAND, IDNO, 0); });
+        Command(mnuSaveAs);
+    }
+    EXPECT_EQ(ContentOf(Path(u"text2.txt")), "mine");
+    EXPECT_FALSE(Exists(u"text1.txt"));
+    {
+        const DialogAnswer yes([](HWND box) { PostMessageW(box, WM_COMMAND, IDYES, 0); });
+        Command(mnuSaveAs);
+    }
+    EXPECT_THAT(ContentOf(Path(u"text2.txt")), StartsWith("5.0\r\n"));
+    EXPECT_THAT(ContentOf(Path(u"text1.txt")), StartsWith("0.0\r\n1.0\r\n"));
+    EXPECT_THAT(Status(), HasSubstr(L"text1.txt ... text2.txt"));
+}
+
+TEST_F(ExportWindowTest, FastExportAsksOnceAndTellsWhatItCannotWrite) {
+    m_global.settings.exportFileType = 1;
+    Start();
+    {
+        const DialogAnswer answer([&](HWND dialog) { SaveUnder(dialog, Path(u"fast.txt")); });
+        Command(mnuFastExport);
+    }
+    EXPECT_EQ(m_global.settings.exportFastFile, Path(u"fast.txt"));
+    EXPECT_EQ(Status(), L"Written: " + Wide(Path(u"fast.txt")));
+    m_global.settings.exportRowSize = 1;
+    Command(mnuFastExport);
+    EXPECT_THAT(ContentOf(Path(u"fast.txt")), StartsWith("250\r\n0.0\t5.0\r\n"));
+    m_global.settings.exportFastFile = m_source;
+    Command(mnuFastExport);
+    EXPECT_THAT(Status(), StartsWith(L"The file cannot be written: " + Wide(m_source) + L": "));
+    EXPECT_EQ(std::filesystem::file_size(m_source), 128U + 160U + 8U + 1000U);
+    m_global.settings.exportChannels = 1;
+    Command(mnuChShow + 1);
+    Command(mnuFastExport);
+    EXPECT_EQ(Status(), L"No channel of the block is shown");
+}
+
+TEST_F(ExportWindowTest, AFullDiskIsToldWithTheFile) {
+    Start();
+    // Writing to it fails as on a full disk.
+    const std::u16string full = u"Z:\\dev\\full";
+    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
+    static_cast<FakeSaveDialog&>(*m_global.saveDialog).answer = [&](FakeSaveDialog& shown) {
+        return shown.fileName = full, shown.filterIndex = 1, true;
+    };
+    Command(mnuSaveAs);
+    EXPECT_EQ(Status(), L"The file is incomplete: " + Wide(full));
+    m_global.settings.exportFileType = 1;
+    m_global.settings.exportFastFile = full;
+    Command(mnuFastExport);
+    EXPECT_EQ(Status(), L"The file is incomplete: " + Wide(full));
+}
+
+TEST_F(ExportWindowTest, CopiedDataAreTheTextOfTheSelection) {
+    Start();
+    m_global.settings.exportRowHead = 1;
+    m_global.settings.exportXColumn = 1;
+    m_global.settings.exportXFormat = 1;
+    m_global.selection = {true, 1, 99, 101};
+    Command(mnuCopy);
+    const auto text = Clipboard<wchar_t>(CF_UNICODETEXT);
+    const std::wstring copied(text.data());
+    EXPECT_EQ(copied, L"N\tSignal 1\tSignal 2\r\n99\t98.0\t5.0\r\n100\t99.0\t5.0\r\n101\t0.0\t5.0\r\n");
+    EXPECT_EQ(Status(), L"Copied");
+    // Another program holds the clipboard for too long: told, and its content stays.
+    ASSERT_TRUE(OpenClipboard(m_form->Window()));
+    bool done = true;
+    std::thread other([&] { done = MakeClipboardText()->Close(); });
+    other.join();
+    CloseClipboard();
+    EXPECT_FALSE(done);
+    EXPECT_EQ(Clipboard<wchar_t>(CF_UNICODETEXT), text);
+}
+
+TEST_F(ExportWindowTest, MessagesRunMeanwhileAndStartNothing) {
+    Start();
+    int seen = 0;
+    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
+    static_cast<FakeSaveDialog&>(*m_global.saveDialog).answer = [&](FakeSaveDialog& shown) {
+        PostMessageW(m_form->Window(), WM_COMMAND, mnuExit, 0);
+        PostMessageW(m_form->Window(), WM_CLOSE, 0, 0);
+        PostMessageW(Control(pbGraph), WM_KEYDOWN, VK_END, 0);
+        PostMessageW(Control(pbGraph), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 50));
+        InvalidateRect(Control(pbGraph), nullptr, FALSE);
+        seen = 1;
+        return shown.fileName = Path(u"out.wav"), shown.filterIndex = 2, true;
+    };
+    SendMessageW(m_form->Window(), WM_COMMAND, mnuSaveAs, 0);
+    ASSERT_EQ(seen, 1);
+    ASSERT_NE(m_form->Window(), nullptr);
+    EXPECT_EQ(std::filesystem::file_size(Path(u"out.wav")), 44U + 1000U);
+    EXPECT_FALSE(GetUpdateRect(Control(pbGraph), nullptr, FALSE)) << "it was painted in between";
+    EXPECT_EQ(GetCapture(), nullptr);
+    EXPECT_EQ(m_global.axis.FirstColumn(), 0);
+    Pump();
+    EXPECT_NE(m_form->Window(), nullptr);
+}
+
+/// The clipboard's device-independent pixels as the picture box tests have theirs.
+Pixels CopiedImage() {
+    const auto bytes = Clipboard<std::uint8_t>(CF_DIB);
+    BITMAPINFOHEADER header{};
+    if (bytes.size() < sizeof header) return {};
+    std::memcpy(&header, bytes.data(), sizeof header);
+    Pixels image{static_cast<int>(header.biWidth), static_cast<int>(header.biHeight), {}};
+    const int row = (image.width * 3 + 3) / 4 * 4;
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            const std::uint8_t* at = bytes.data() + header.biSize + (image.height - 1 - y) * row + 3 * x;
+            image.rgb.push_back(static_cast<std::uint32_t>(at[2] << 16 | at[1] << 8 | at[0]));
+        }
+    }
+    return image;
+}
+
+/// Pixels of a part of the picture that differ from those of a window, as `expected` makes them.
+int Differences(const Pixels& image, int left, int top, const Pixels& part,
+                const std::function<bool(std::uint32_t pixel, std::uint32_t shown)>& same) {
+    int count = 0;
+    for (int y = 0; y < part.height; ++y) {
+        for (int x = 0; x < part.width; ++x) {
+            if (!same(image.At(left + x, top + y), part.At(x, y))) ++count;
+        }
+    }
+    return count;
+}
+
+TEST_F(ExportWindowTest, AnImageFileHoldsWhatTheClipboardGets) {
+    Start();
+    const ImageWindows windows{Control(pbScaleY), Control(pbGraph), nullptr, nullptr, Control(pbScaleX)};
+    const auto font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
+    ASSERT_TRUE(ImageCopy(windows, font, u"caption", kClipboardTarget));
+    ASSERT_TRUE(ImageCopy(windows, font, u"caption", Path(u"view.bmp")));
+    const auto bytes = Clipboard<char>(CF_DIB);
+    const std::string file = ContentOf(Path(u"view.bmp"));
+    const FileBytes header = FileBytes().Text("BM").U32(static_cast<std::uint32_t>(file.size())).U32(0).U32(54);
+    EXPECT_EQ(file.substr(0, 14), std::string(header.Bytes().begin(), header.Bytes().end()));
+    EXPECT_EQ(file.substr(14), std::string(bytes.data(), file.size() - 14));
+    EXPECT_FALSE(ImageCopy(windows, font, u"caption", Path(u"none\\view.bmp")));
+}
+
+TEST_F(ExportWindowTest, TheCopiedImageHoldsTheView) {
+    Start();
+    const auto equal = [](std::uint32_t pixel, std::uint32_t shown) { return pixel == shown; };
+    for (const bool spectrogram : {false, true}) {
+        if (spectrogram) Command(mnuSpectrogram);
+        Command(mnuCopy + 1);
+        EXPECT_TRUE(IsClipboardFormatAvailable(CF_BITMAP));
+        const Pixels image = CopiedImage();
+        const Pixels graph = Capture(pbGraph);
+        const Pixels scaleY = Capture(pbScaleY);
+        const Pixels scaleX = Capture(pbScaleX);
+        const Pixels fft = spectrogram ? Capture(pbFFT) : Pixels{};
+        ASSERT_EQ(image.width, scaleY.width + graph.width);
+        ASSERT_EQ(image.height, 20 + graph.height + fft.height + scaleX.height);
+        EXPECT_EQ(Differences(image, scaleY.width, 20, graph, equal), 0);
+        EXPECT_EQ(Differences(image, scaleY.width, 20 + graph.height, fft, equal), 0);
+        EXPECT_EQ(Differences(image, scaleY.width, 20 + graph.height + fft.height, scaleX, equal), 0);
+        const std::uint32_t background = scaleY.At(0, 0);
+        EXPECT_EQ(Differences(image, 0, 20, scaleY,
+                              [&](std::uint32_t pixel, std::uint32_t shown) {
+                                  return pixel == (shown == background ? 0xFFFFFFU : 0U);
+                              }),
+                  0);
+        if (!spectrogram) continue;
+        Pixels scaleF = Capture(pbScaleF);
+        EXPECT_EQ(Differences(image, 0, 20 + graph.height, scaleF,
+                              [](std::uint32_t pixel, std::uint32_t shown) { return pixel == (shown ^ 0xFFFFFFU); }),
+                  0);
+    }
+}
+
+}  // namespace
+}  // namespace quillon
