@@ -45,6 +45,10 @@ prepare_wine
 wineserver -p
 rm -rf build/samples
 quietly wine build/windows/make-samples.exe build/samples
+# On demand, what is exported is read by programs of others too.
+if [ -n "${QUILLON_REFERENCE:-}" ]; then
+    if scripts/check-exports.sh; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
+fi
 run_tests unit_tests_windows wine build/windows/tests/unit_tests.exe
 run_tests win_tests wine build/windows/tests/win_tests.exe
 # Once more as a Russian system: other code page, other separators, other interface language.

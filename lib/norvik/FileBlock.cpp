@@ -104,6 +104,13 @@ std::int32_t FileBlock::ReadFrames(std::int32_t first, std::int32_t count, std::
     return 0;
 }
 
+std::int32_t FileBlock::ReadRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    CheckRange(first, count);
+    ResolveScales();
+    if (count > 0 && !m_description.channels.empty()) FetchRows(first, count, buffer);
+    return 0;
+}
+
 bool FileBlock::ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
                                std::int32_t run, std::span<RunExtremes* const> out) {
     CheckRange(first, count);

@@ -69,6 +69,7 @@ class FileBlock : public RecordingBlock {
     [[nodiscard]] std::u16string BlockName() const final { return m_description.blockName; }
     [[nodiscard]] std::int16_t InputNumber(std::int16_t channel) const final;
     std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
+    std::int32_t ReadRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
     bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
                         std::int32_t run, std::span<RunExtremes* const> out) final;
 
@@ -76,6 +77,7 @@ class FileBlock : public RecordingBlock {
     // Arguments are checked and channels count from 0 in what follows; counts are above 0.
     virtual void FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) = 0;
     virtual void FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) = 0;
+    virtual void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) = 0;
     /// `channels` is not empty. Every sample of the range is reduced as RecordingBlock::ColumnExtremes says.
     virtual bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                std::int32_t run, std::span<RunExtremes* const> out) = 0;

@@ -128,6 +128,20 @@ void FrameBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_
     });
 }
 
+void FrameBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    // As many frames at a time as stay in the first cache while every channel takes its samples from them.
+    constexpr std::size_t tile = 128;
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
+        for (std::size_t start = 0; start < frames; start += tile) {
+            for (std::size_t channel = 0; channel < m_description.channels.size(); ++channel) {
+                Decode(channel, bytes + start * m_layout.frameBytes, std::min(tile, frames - start),
+                       buffer + channel * static_cast<std::size_t>(count) + start, 1);
+            }
+        }
+        buffer += frames;
+    });
+}
+
 bool FrameBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                std::int32_t run, std::span<RunExtremes* const> out) {
     std::vector<std::size_t> sorted(channels.begin(), channels.end());

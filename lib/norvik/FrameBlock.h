@@ -41,6 +41,7 @@ class FrameBlock final : public FileBlock {
   private:
     void FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
     void FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
+    void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
     bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
                        std::span<RunExtremes* const> out) override;
     void ResolveScales() const override;

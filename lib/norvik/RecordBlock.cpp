@@ -91,10 +91,26 @@ void RecordBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16
     std::iota(channels.begin(), channels.end(), std::size_t{0});
     VisitCodes(channels, first, count,
                [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
-                   for (std::size_t channel = 0; channel < width; ++channel) {
-                       std::int16_t* out = buffer + position * width + channel;
-                       for (std::size_t at = 0; at < samples; ++at) out[at * width] = codes[channel][at];
+                   // As many frames at a time as stay in the first cache while every channel adds its samples.
+                   constexpr std::size_t tile = 128;
+                   for (std::size_t start = 0; start < samples; start += tile) {
+                       const std::size_t end = std::min(start + tile, samples);
+                       for (std::size_t channel = 0; channel < width; ++channel) {
+                           std::int16_t* out = buffer + position * width + channel;
+                           for (std::size_t at = start; at < end; ++at) out[at * width] = codes[channel][at];
+                       }
                    }
+               });
+}
+
+void RecordBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    std::vector<std::size_t> channels(m_layout.offsets.size());
+    std::iota(channels.begin(), channels.end(), std::size_t{0});
+    VisitCodes(channels, first, count,
+               [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   for (std::size_t channel = 0; channel < codes.size(); ++channel)
+                       std::copy_n(codes[channel], samples,
+                                   buffer + channel * static_cast<std::size_t>(count) + position);
                });
 }
 

@@ -61,6 +61,12 @@ class RecordingBlock {
     [[nodiscard]] virtual std::int16_t InputNumber(std::int16_t channel) const = 0;
     /// Fills buffer[0 .. count*ChannelCount-1] with frames: one code of every channel, in channel order, per sample.
     virtual std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) = 0;
+    /// Fills buffer[0 .. count*ChannelCount-1] with `count` codes of the first channel, then those of the second ...
+    virtual std::int32_t ReadRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+        for (std::int16_t channel = 1; channel <= ChannelCount(); ++channel, buffer += count)
+            ReadCodes(channel, first, count, buffer);
+        return 0;
+    }
     /// True when the samples are stored as frames, so that ReadFrames is the cheap order; false when the samples of one
     /// channel lie together, so that ReadCodes is.
     [[nodiscard]] virtual bool FramesAreCheap() const = 0;

@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::int32_t kChunkFrames = 1024;
 constexpr double kSecondsPerDay = 86400.0;
+constexpr std::size_t kRecordCodes = std::size_t{1} << 20;
 constexpr std::uint32_t kWaveBytesBeforeData = 36;  ///< of the RIFF chunk's content
 
 /// Bytes of the frames; throws std::length_error where `headerBytes` more do not fit the 32 bits of a size field.
@@ -133,6 +134,18 @@ ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord,
     return header;
 }
 
+void WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t samples, std::span<std::int16_t> buffer,
+                      OutputFile& file) {
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        for (std::size_t done = 0; done < samples; done += buffer.size()) {
+            const std::span<std::int16_t> part = buffer.first(std::min(buffer.size(), samples - done));
+            block.ReadCodes(channel, first + static_cast<std::int32_t>(done), static_cast<std::int32_t>(part.size()),
+                            part.data());
+            file.Write(std::as_bytes(part));
+        }
+    }
+}
+
 }  // namespace
 
 std::string Latin1Text(std::u16string_view text) {
@@ -238,16 +251,19 @@ KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::i
 }
 
 void KV_Export::WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file) {
-    const auto size = static_cast<std::size_t>(records.samples);
-    const std::int16_t channels = block.ChannelCount();
-    std::vector<std::int16_t> buffer(size);
-    for (std::int32_t record = 0; record < records.count; ++record) {
-        const std::int32_t done = record * records.samples;
-        for (std::int16_t channel = 1; channel <= channels; ++channel) {
-            block.ReadCodes(channel, range.first - 1 + done, records.samples, buffer.data());
+    const auto samples = static_cast<std::size_t>(records.samples);
+    const std::size_t codes = samples * static_cast<std::size_t>(block.ChannelCount());
+    // A record of a usual size is read at once, a larger one channel by channel in pieces.
+    std::vector<std::int16_t> buffer(std::min(codes, kRecordCodes));
+    for (std::int32_t number = 0; number < records.count; ++number) {
+        const std::int32_t first = range.first - 1 + number * records.samples;
+        if (codes <= kRecordCodes) {
+            block.ReadRows(first, records.samples, buffer.data());
             file.Write(std::as_bytes(std::span(buffer)));
+        } else {
+            WriteLargeRecord(block, first, samples, buffer, file);
         }
-        Report(std::int64_t{done} + records.samples, range.count);
+        Report((number + std::int64_t{1}) * records.samples, range.count);
     }
 }
 

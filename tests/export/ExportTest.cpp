@@ -41,6 +41,9 @@ class MemoryBlock final : public FileBlock {
         for (std::int32_t at = first; at < first + count; ++at)
             for (const Codes& channel : m_codes) *buffer++ = channel[static_cast<std::size_t>(at)];
     }
+    void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
+        for (const Codes& channel : m_codes) buffer = std::copy_n(channel.begin() + first, count, buffer);
+    }
     bool FetchExtremes(std::span<const std::size_t>, std::int32_t, std::int32_t, std::int32_t,
                        std::span<RunExtremes* const>) override {
         return false;
