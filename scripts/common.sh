@@ -52,7 +52,8 @@ prepare_wine() {
     export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
     # The recycle bin lies in the home folder: tests must not fill the user's.
     export HOME="$root/build/home"
-    mkdir -p "$HOME"
+    # Wine makes no recycle bin where its parent folder is missing, and looks for it once in the life of a process.
+    mkdir -p "$HOME/.local/share"
     # File names are mapped by the locale: without a UTF-8 one Cyrillic names are not found.
     export LC_ALL=${QUILLON_LOCALE:-C.UTF-8}
     if [ ! -e "$WINEPREFIX/ready" ]; then

@@ -108,9 +108,9 @@ std::u16string FromUtf8OrLatin1(std::string_view text) {
 std::u16string LowerCase(std::u16string_view text) {
     std::u16string out(text);
     for (char16_t& letter : out) {
-        const bool plus32 = (letter >= u'A' && letter <= u'Z') || (letter >= 0xC0 && letter <= 0xDE && letter != 0xD7) ||
-                            (letter >= 0x391 && letter <= 0x3A9 && letter != 0x3A2) ||
-                            (letter >= 0x410 && letter <= 0x42F);
+        const bool plus32 =
+            (letter >= u'A' && letter <= u'Z') || (letter >= 0xC0 && letter <= 0xDE && letter != 0xD7) ||
+            (letter >= 0x391 && letter <= 0x3A9 && letter != 0x3A2) || (letter >= 0x410 && letter <= 0x42F);
         const bool plus80 = letter >= 0x400 && letter <= 0x40F;
         const bool evenUpper = (letter >= 0x100 && letter <= 0x137 && letter != 0x130) ||
                                (letter >= 0x14A && letter <= 0x177) || (letter >= 0x460 && letter <= 0x481) ||
@@ -134,6 +134,21 @@ std::u16string ShortestDecimal(double number) {
     std::array<char, 400> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed).ptr;
     return {digits.data(), end};
+}
+
+std::u16string FillPlaces(std::u16string_view text, std::initializer_list<std::u16string> arguments) {
+    std::u16string out;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const bool place = text[at] == u'%' && at + 1 < text.size() && text[at + 1] >= u'1' && text[at + 1] <= u'9';
+        const auto index = place ? static_cast<std::size_t>(text[at + 1] - u'1') : arguments.size();
+        if (index < arguments.size()) {
+            out += arguments.begin()[index];
+            ++at;
+        } else {
+            out.push_back(text[at]);
+        }
+    }
+    return out;
 }
 
 std::string_view Trim(std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,9 @@ namespace quillon {
 
 /// The fewest decimal digits that read back as the number, with a point and without an exponent.
 [[nodiscard]] std::u16string ShortestDecimal(double number);
+
+/// The text with "%1", "%2", ... "%9" replaced by the arguments; those without an argument stay.
+[[nodiscard]] std::u16string FillPlaces(std::u16string_view text, std::initializer_list<std::u16string> arguments);
 
 /// Without blanks and control characters at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text);

@@ -7,13 +7,14 @@
 
 #include "data/PathList.h"
 #include "data/RegistryObject.h"
+#include "dialogs/SplitSettings.h"
 #include "spectrum/SpectrumSettings.h"
 
 namespace quillon {
 
 /// What the user chose, kept between runs. The default values are those of a first run. Numbers are kept as they were
 /// stored; who uses one applies its own limits. A flag of 16 bits is set when it is not zero.
-struct Settings : SpectrumSettings {
+struct Settings : SpectrumSettings, SplitSettings {
     std::u16string filesPath;           ///< folder shown last
     std::int16_t helpLanguage = 0;      ///< see ChooseHelpFile
     std::int16_t timeFormat = 0;        ///< 0 time of day, 1 from the start, 2 sample indexes
@@ -35,13 +36,6 @@ struct Settings : SpectrumSettings {
     std::int16_t exportXFormat = 0;     ///< 0 time, else sample number
     std::u16string exportPath;          ///< folder of the last text export
     std::u16string exportFastFile;      ///< file name of the fast export
-    std::int16_t splitType = 0;         ///< 0 by time, 1 by samples
-    std::int32_t splitSamplesStep = 0;  ///< samples
-    std::int32_t splitSamplesSize = 0;  ///< samples
-    float splitTimeStep = 0.0F;         ///< s
-    float splitTimeSize = 0.0F;         ///< s
-    std::int16_t splitFileIndex = 0;    ///< 0 names by number of piece, 1 by sample indexes
-    std::int16_t splitBaseName = 0;     ///< flag: names start with the base name
     PathList pathList;
 
     std::int32_t windowLeft = 0;  ///< px; the placement is that of the window when it is not maximized

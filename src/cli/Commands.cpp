@@ -10,6 +10,7 @@
 #include "cli/ExportCommand.h"
 #include "cli/Json.h"
 #include "cli/SpectrumCommand.h"
+#include "cli/SplitCommand.h"
 #include "cli/TextCommand.h"
 
 namespace quillon::cli {
@@ -155,6 +156,13 @@ constexpr std::array kCommands = {
             "      frequency from 0 Hz at the bottom to half the sampling rate. See quillon-cli spectrum --help.\n",
             "  quillon-cli spectrum night.edf night.bmp --channel=3 --order=9 --palette=gray\n", RunSpectrum,
             kSpectrumOptions, 2},
+    Command{u"split", u"FILE --folder DIR --size S [options]", 1, 1,
+            "      Cuts a block into pieces of equal length, each a file of its own: .wav where FILE is one and names "
+            "go by\n"
+            "      number, else .bin. A rest shorter than a piece is left out. Lists the files, each with its first "
+            "sample\n"
+            "      (from 1) and its samples per channel. See quillon-cli split --help.\n",
+            "  quillon-cli split night.edf --folder=pieces --size=30 --seconds\n", RunSplitCommand, kSplitOptions},
 };
 
 }  // namespace

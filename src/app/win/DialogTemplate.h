@@ -16,6 +16,7 @@ class DialogTemplate {
     static constexpr std::uint16_t kButton = 0x80;
     static constexpr std::uint16_t kEdit = 0x81;
     static constexpr std::uint16_t kStatic = 0x82;
+    static constexpr std::uint16_t kComboBox = 0x85;
 
     DialogTemplate(const std::wstring& title, short width, short height, std::uint16_t items) {
         Number32(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFONT | DS_CENTER);

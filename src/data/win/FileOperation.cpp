@@ -11,25 +11,31 @@ namespace {
 
 /// The ANSI and the wide call differ in nothing but their character. The texts are lists that an empty one ends.
 template <typename Operation, typename List>
-FileOperationResult Perform(int(WINAPI* call)(Operation*), UINT code, const List& from, const List& to, HWND owner) {
+FileOperationResult Perform(int(WINAPI* call)(Operation*), UINT code, FILEOP_FLAGS flags, const List& from,
+                            const List& to, HWND owner) {
     Operation operation{};
     operation.hwnd = owner;
     operation.wFunc = code;
     operation.pFrom = from.data();
     operation.pTo = to.data();
-    operation.fFlags = FOF_ALLOWUNDO;
+    operation.fFlags = flags;
     const int failure = call(&operation);
     if (operation.fAnyOperationsAborted || failure == ERROR_CANCELLED) return FileOperationResult::Declined;
     return failure == 0 ? FileOperationResult::Done : FileOperationResult::Failed;
 }
 
-FileOperationResult Perform(UINT code, const FileOperationPlan& plan, HWND owner) {
-    const std::wstring from = Wide(plan.from) + std::wstring(2, L'\0');
-    const std::wstring to = Wide(plan.to) + std::wstring(2, L'\0');
+/// Paths that are each ended by a NUL.
+FileOperationResult Perform(UINT code, FILEOP_FLAGS flags, std::wstring from, std::wstring to, HWND owner) {
+    from.push_back(L'\0');
+    to.push_back(L'\0');
     const std::optional<std::string> ansiFrom = ExactAnsi(from);
     const std::optional<std::string> ansiTo = ExactAnsi(to);
-    return ansiFrom && ansiTo ? Perform(SHFileOperationA, code, *ansiFrom, *ansiTo, owner)
-                              : Perform(SHFileOperationW, code, from, to, owner);
+    return ansiFrom && ansiTo ? Perform(SHFileOperationA, code, flags, *ansiFrom, *ansiTo, owner)
+                              : Perform(SHFileOperationW, code, flags, from, to, owner);
+}
+
+FileOperationResult Perform(UINT code, const FileOperationPlan& plan, HWND owner) {
+    return Perform(code, FOF_ALLOWUNDO, Wide(plan.from) + L'\0', Wide(plan.to) + L'\0', owner);
 }
 
 /// Asked before the shell, which answers a missing file with dialogs.
@@ -48,6 +54,18 @@ FileOperationResult DeleteToRecycleBin(const std::wstring& folder, const std::ws
     const std::optional<FileOperationPlan> plan = PlanDelete(Narrow16(folder), Narrow16(name));
     if (!plan || !IsFile(plan->from)) return FileOperationResult::Failed;
     return Perform(FO_DELETE, *plan, owner);
+}
+
+FileOperationResult DeleteAllToRecycleBin(const std::wstring& folder, const std::vector<std::wstring>& names,
+                                          HWND owner) {
+    std::wstring from;
+    for (const std::wstring& name : names) {
+        const std::optional<FileOperationPlan> plan = PlanDelete(Narrow16(folder), Narrow16(name));
+        if (!plan || !IsFile(plan->from)) return FileOperationResult::Failed;
+        from += Wide(plan->from) + L'\0';
+    }
+    if (from.empty()) return FileOperationResult::Done;
+    return Perform(FO_DELETE, FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_NOERRORUI, from, std::wstring(1, L'\0'), owner);
 }
 
 FileOperationResult RenameFile(const std::wstring& folder, const std::wstring& oldName, const std::wstring& newName,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "app/win/Win32.h"
 
@@ -22,6 +23,10 @@ enum class FileOperationResult {
 
 /// Moves a file to the recycle bin once the user has confirmed it in the shell's dialog.
 [[nodiscard]] FileOperationResult DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner);
+
+/// Moves files of a folder to the recycle bin in one step and without asking. Declined and Failed: some may be gone.
+[[nodiscard]] FileOperationResult DeleteAllToRecycleBin(const std::wstring& folder,
+                                                        const std::vector<std::wstring>& names, HWND owner);
 
 /// Gives a file another name in the same folder; whether another letter case is one, the shell decides.
 [[nodiscard]] FileOperationResult RenameFile(const std::wstring& folder, const std::wstring& oldName,

@@ -1,0 +1,121 @@
+#include "cli/SplitCommand.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "base/Text.h"
+#include "cli/CommandSupport.h"
+#include "dialogs/SplitPlan.h"
+#include "dialogs/SplitRun.h"
+#include "norvik/Bilingual.h"
+#include "norvik/OutputFile.h"
+
+namespace quillon::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::u16string& Required(const ParsedArguments& parsed, const std::u16string& name) {
+    const auto found = parsed.options.find(name);
+    if (found == parsed.options.end()) throw UsageError(u"'split' needs " + name);
+    return found->second;
+}
+
+std::int32_t Samples(const ParsedArguments& parsed, const std::u16string& name, const std::u16string& text,
+                     double rate) {
+    const bool seconds = parsed.Has(u"--seconds");
+    const SplitEntry entry = seconds ? ParseSplitSeconds(text, rate) : ParseSplitSamples(text);
+    if (entry.fault == EntryFault::TooLarge) throw UsageError(u"'" + text + u"' is too large for " + name);
+    if (entry.fault == EntryFault::None) return entry.samples;
+    throw UsageError(u"'" + text + u"' is not a positive " + (seconds ? u"number" : u"whole number") + u" for " + name);
+}
+
+SplitPlan MakePlan(const ParsedArguments& parsed, const RecordingBlock& block) {
+    SplitPlan plan;
+    const std::u16string& size = Required(parsed, u"--size");
+    const std::u16string names = parsed.Value(u"--names", u"index");
+    const std::u16string base = parsed.Value(u"--base");
+    if (names != u"index" && names != u"samples") {
+        throw UsageError(u"'" + names + u"' is none of index|samples for --names");
+    }
+    if (base.find_first_of(u"/\\:") != std::u16string::npos) {
+        throw UsageError(u"'" + base + u"' is a path, not a name for --base");
+    }
+    plan.blockSamples = block.SampleCount();
+    plan.size = Samples(parsed, u"--size", size, block.SampleRate());
+    plan.step = Samples(parsed, u"--step", parsed.Value(u"--step", size), block.SampleRate());
+    plan.sampleNames = names == u"samples";
+    if (!base.empty()) plan.prefix = base + u'_';
+    plan.extension = SplitExtension(parsed.words[1]);
+    return plan;
+}
+
+/// Throws Refusal where a piece's file exists that must not or may not be replaced.
+void CheckReplaced(const CommandContext& context, const SplitPlan& plan, const fs::path& folder) {
+    std::error_code error;
+    if (!fs::exists(folder, error)) return;
+    if (!fs::is_directory(folder, error)) throw Refusal(u"this is not a folder", folder.u16string());
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        const std::optional<std::int64_t> piece = plan.PieceOf(entry->path().filename().u16string());
+        if (!piece) continue;
+        // Another letter case is another file on some systems.
+        const fs::path path = folder / plan.Name(*piece);
+        std::error_code ignored;
+        if (!fs::exists(path, ignored)) continue;
+        if (fs::equivalent(path, fs::path(context.parsed.words[1]), ignored)) {
+            throw Refusal(u"this is the recording itself; it is never written over", path.u16string());
+        }
+        if (!context.parsed.Has(u"--force")) {
+            throw Refusal(u"the file exists (--force replaces it)", path.u16string());
+        }
+    }
+    if (error) throw Refusal(u"the folder cannot be read", folder.u16string());
+}
+
+void ThrowWhereFailed(const SplitResult& result, const KVExport& exporter, const fs::path& folder) {
+    const std::u16string path = (folder / result.name).u16string();
+    if (result.end == SplitEnd::FolderFailed) throw Refusal(u"the folder cannot be created", folder.u16string());
+    if (result.end == SplitEnd::PieceFailed) throw Refusal(exporter.LastError(), path);
+    if (result.end == SplitEnd::Incomplete) throw Refusal(u"the file is incomplete (is the disk full?)", path);
+}
+
+}  // namespace
+
+void RunSplitCommand(const CommandContext& context) {
+    const ParsedArguments& parsed = context.parsed;
+    const fs::path folder(Required(parsed, u"--folder"));
+    const std::int64_t number = WholeOption(parsed, u"--block", 1);
+    Required(parsed, u"--size");
+    const OpenFile file(parsed.words[1], context.language);
+    const std::shared_ptr<RecordingBlock> block = FindChannel(file.Get(), number, 1, context.language).block;
+    const SplitPlan plan = MakePlan(parsed, *block);
+    if (plan.PieceCount() < 1) {
+        throw Refusal(Say(u"the block is too short for a piece of %1 samples: it has %2",
+                          u"блок короче части из %1 отсчётов: в нём их %2",
+                          {Decimal(plan.size), Decimal(plan.blockSamples)})
+                          .In(context.language));
+    }
+    CheckReplaced(context, plan, folder);
+
+    SilentServices services;
+    KVExport exporter(services, {MakeOutputFile});
+    SplitSystem system;
+    system.createFolder = [&] {
+        std::error_code error;
+        fs::create_directories(folder, error);
+        return fs::is_directory(folder, error);
+    };
+    system.exportPiece = [&](std::int64_t piece, const std::u16string& name) {
+        const PieceResult result = ExportPiece(exporter, *block, plan, piece, (folder / name).u16string());
+        if (result == PieceResult::Written) {
+            context.target.Write(Utf8(name + u'\t' + Decimal(plan.FirstSample(piece)) + u'\t' +
+                                      Decimal(plan.SampleCount(piece)) + u'\n'));
+        }
+        return result;
+    };
+    ThrowWhereFailed(RunSplit(plan, system), exporter, folder);
+}
+
+}  // namespace quillon::cli

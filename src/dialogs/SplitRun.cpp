@@ -1,0 +1,49 @@
+#include "dialogs/SplitRun.h"
+
+namespace quillon {
+
+SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system) {
+    const auto stopped = [&] { return system.runPending && !system.runPending(); };
+    SplitResult result;
+    if (system.deleteFiles) {
+        result.name = system.deleteFiles();
+        if (!result.name.empty()) {
+            result.end = SplitEnd::DeleteFailed;
+            return result;
+        }
+        if (stopped()) {
+            result.end = SplitEnd::Stopped;
+            return result;
+        }
+    }
+    if (!system.createFolder()) {
+        result.end = SplitEnd::FolderFailed;
+        return result;
+    }
+    const std::int64_t pieces = plan.PieceCount();
+    for (std::int64_t piece = 0; piece < pieces; ++piece) {
+        result.name = plan.Name(piece);
+        if (system.status) system.status(piece, result.name);
+        const PieceResult written = system.exportPiece(piece, result.name);
+        if (written != PieceResult::Written) {
+            result.end = written == PieceResult::Failed ? SplitEnd::PieceFailed : SplitEnd::Incomplete;
+            return result;
+        }
+        ++result.written;
+        // The last piece makes the run complete whatever the program is about to do.
+        if (stopped() && result.written < pieces) {
+            result.end = SplitEnd::Stopped;
+            return result;
+        }
+    }
+    return result;
+}
+
+PieceResult ExportPiece(KVExport& exporter, RecordingBlock& block, const SplitPlan& plan, std::int64_t piece,
+                        const std::u16string& path) {
+    constexpr std::int32_t byExtension = 0;
+    if (!exporter.Export(&block, path, plan.FirstSample(piece), plan.size, byExtension)) return PieceResult::Failed;
+    return exporter.FailedWrites() > 0 ? PieceResult::Incomplete : PieceResult::Written;
+}
+
+}  // namespace quillon

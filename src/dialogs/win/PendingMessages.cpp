@@ -1,0 +1,21 @@
+#include "dialogs/win/PendingMessages.h"
+
+namespace quillon {
+
+bool RunPendingMessages(HWND dialog) {
+    // Messages that make new ones must not keep the caller from its work.
+    constexpr int most = 1000;
+    MSG message{};
+    for (int count = 0; count < most && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++count) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return false;
+        }
+        if (dialog != nullptr && IsDialogMessageW(dialog, &message) != FALSE) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return true;
+}
+
+}  // namespace quillon

@@ -1,0 +1,362 @@
+#include "dialogs/win/dlgSplit.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "RecordingWriters.h"
+#include "app/KV_Resources.h"
+#include "app/win/MainWindowFixture.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "norvik/OutputFile.h"
+#include "norvik/RecordingLibrary.h"
+#include "support/FakeRecording.h"
+
+namespace quillon {
+namespace {
+
+using namespace ::quillon::testing;
+namespace fs = std::filesystem;
+
+class Services final : public FakeServices {
+  public:
+    Language language = Language::English;
+    std::u16string Text(int id) const override { return ResourceText(language, id); }
+};
+
+/// A file that takes the first bytes only.
+class FullDisk final : public OutputFile {
+  public:
+    bool Create(const std::u16string&) override { return true; }
+    bool Write(std::span<const std::byte>) override { return false; }
+    bool Close() override { return true; }
+    [[nodiscard]] std::u16string ErrorText() const override { return {}; }
+    [[nodiscard]] std::size_t FailureCount() const override { return 1; }
+};
+
+/// The real dialog over a recording of 1000 samples at 100 Hz. Scripts run in another thread and close it at their end.
+class SplitDialog : public ::testing::Test {
+  protected:
+    void SetUp() override { Open(u"Ночь.bin"); }
+
+    void Open(const std::u16string& name) {
+        std::vector<std::int16_t> codes(1000, 7);
+        samples::Bytes bytes;
+        bytes.Text(samples::BinHeader(100.0F, "", {{"A", "mV", 1.0F, 0.0F}}, 1000)).Codes(codes);
+        std::ofstream(m_folder.File(name), std::ios::binary) << bytes.Get();
+        m_library = MakeRecordingLibrary(Language::English);
+        m_path = fs::path(m_folder.Path()).make_preferred() / name;
+        ASSERT_TRUE(m_library->OpenRecording(m_path.u16string(), m_recording));
+        m_pieces = m_path.parent_path() / m_path.stem();
+    }
+
+    void Show(const std::function<void()>& script, HWND owner = nullptr) {
+        KVExport exporter(m_services, {m_makeFile});
+        const DialogAnswer answer([&](HWND dialog) {
+            m_dialog = dialog;
+            script();
+            PostMessageW(dialog, WM_COMMAND, cmdCancel, 0);
+        });
+        ShowSplitDialog(owner, {m_recording->GetBlock(1), m_path.u16string(), m_settings, exporter, m_services});
+    }
+
+    [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_dialog, id); }
+    void Click(int id) const { SendMessageW(Control(id), BM_CLICK, 0, 0); }
+    void Type(int id, const wchar_t* text) const {
+        const HWND edit = GetWindow(Control(id), GW_CHILD);
+        SendMessageW(edit, EM_SETSEL, 0, -1);
+        SendPointer(edit, EM_REPLACESEL, FALSE, text);
+    }
+    [[nodiscard]] std::string Label(int id) const { return Utf8(Narrow16(WindowText(Control(id)))); }
+    [[nodiscard]] bool StatusHolds(const std::string& text) const {
+        return Label(lblStatus).find(text) != std::string::npos;
+    }
+    [[nodiscard]] static bool WaitFor(const std::function<bool()>& condition) {
+        for (const ULONGLONG end = GetTickCount64() + 8000; GetTickCount64() < end; SwitchToThread())
+            if (condition()) return true;
+        return false;
+    }
+    /// Presses cmdSplit and, where the dialog asks, a button of the message box; waits for that status.
+    [[nodiscard]] bool Run(const std::string& status, WORD answer = 0) const {
+        PostMessageW(Control(cmdSplit), BM_CLICK, 0, 0);
+        if (answer != 0) {
+            if (!WaitFor([&] { return !IsWindowEnabled(m_dialog); })) return false;
+            HWND box = nullptr;
+            if (!WaitFor([&] { return (box = GetLastActivePopup(m_dialog)) != m_dialog && IsWindowVisible(box); }))
+                return false;
+            PostMessageW(box, WM_COMMAND, answer, 0);
+        }
+        const bool shown = WaitFor(
+            [&] { return IsWindowEnabled(m_dialog) && IsWindowEnabled(Control(cmdSplit)) && StatusHolds(status); });
+        EXPECT_TRUE(shown) << status << " / " << Label(lblStatus);
+        return shown;
+    }
+    void BySamples(const wchar_t* size, const wchar_t* step) const {
+        Click(optSplit + 1);
+        Type(cboSize + 1, size);
+        Type(cboStep + 1, step);
+    }
+
+    void Make(const std::u16string& name) const {
+        fs::create_directories(m_pieces);
+        std::ofstream(m_pieces / name) << "foreign";
+    }
+    [[nodiscard]] bool IsForeign(const std::u16string& name) const {
+        return fs::exists(m_pieces / name) && fs::file_size(m_pieces / name) == 7;
+    }
+    [[nodiscard]] std::vector<std::u16string> Files() const {
+        std::vector<std::u16string> names;
+        if (!fs::is_directory(m_pieces)) return names;
+        for (const auto& entry : fs::directory_iterator(m_pieces)) names.push_back(entry.path().filename().u16string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    using Names = std::vector<std::u16string>;
+
+    TemporaryFolder m_folder;
+    fs::path m_path;
+    fs::path m_pieces;
+    std::shared_ptr<RecordingLibrary> m_library;
+    std::shared_ptr<Recording> m_recording;
+    SplitSettings m_settings;
+    Services m_services;
+    OutputFileFactory m_makeFile = MakeOutputFile;
+    HWND m_dialog = nullptr;
+};
+
+TEST_F(SplitDialog, WritesThePiecesAndKeepsTheChoices) {
+    Show([&] {
+        EXPECT_EQ(Label(lblStatus), "Files: \"#.bin\"");
+        EXPECT_EQ(Label(lblPieces), "Pieces: 10") << "of one second each";
+        EXPECT_FALSE(IsWindowEnabled(Control(cboSize + 1)));
+        BySamples(L"300", L"200");
+        Click(chkBaseName);
+        Click(optFileIndex + 1);
+        EXPECT_FALSE(IsWindowEnabled(Control(cboSize)));
+        EXPECT_EQ(Label(lblStatus), "Files: \"Ночь_###-###.bin\"");
+        EXPECT_EQ(Label(lblPieces), "Pieces: 4");
+        Type(cboSize, L"abc");
+        EXPECT_TRUE(Run("Files written: 4"));
+        EXPECT_EQ(Files(),
+                  (Names{u"Ночь_0000-0299.bin", u"Ночь_0200-0499.bin", u"Ночь_0400-0699.bin", u"Ночь_0600-0899.bin"}));
+        EXPECT_EQ(m_settings.splitSamplesSize, 300);
+        Type(cboSize + 1, L"50");
+    });
+    EXPECT_EQ(m_settings.splitType, 1);
+    EXPECT_EQ(m_settings.splitSamplesSize, 300) << "what no run was started with is not kept";
+    EXPECT_EQ(m_settings.splitSamplesStep, 200);
+    EXPECT_EQ(m_settings.splitFileIndex, 1);
+    EXPECT_NE(m_settings.splitBaseName, 0);
+    EXPECT_EQ(m_settings.splitTimeSize, 0.0F) << "no number";
+    EXPECT_EQ(m_settings.splitTimeStep, 1.0F);
+    std::shared_ptr<Recording> piece;
+    ASSERT_TRUE(m_library->OpenRecording((m_pieces / u"Ночь_0600-0899.bin").u16string(), piece));
+    EXPECT_EQ(piece->GetBlock(1)->SampleCount(), 300);
+
+    m_settings.splitTimeSize = 2.5F;
+    m_settings.splitType = 0;
+    Show([&] {
+        EXPECT_EQ(Label(cboSize), "2.5");
+        EXPECT_EQ(Label(cboSize + 1), "300");
+        EXPECT_EQ(Label(lblPieces), "Pieces: 8");
+        SendMessageW(Control(cboStep), CB_SETCURSEL, 2, 0);
+        SendMessageW(m_dialog, WM_COMMAND, MAKEWPARAM(cboStep, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(Control(cboStep)));
+        EXPECT_EQ(Label(lblPieces), "Pieces: 2") << "steps of 5 s";
+    });
+    EXPECT_EQ(m_settings.splitTimeStep, 1.0F);
+}
+
+TEST_F(SplitDialog, ChecksEverythingBeforeAnythingIsDeleted) {
+    Make(u"a.txt");
+    Make(u"b.txt");
+    const auto focus = [&] {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof info;
+        GetGUIThreadInfo(GetWindowThreadProcessId(m_dialog, nullptr), &info);
+        return GetParent(info.hwndFocus);
+    };
+    Show([&] {
+        Click(chkDelFiles);
+        EXPECT_TRUE(StatusHolds("Files to be deleted: 2"));
+        for (const wchar_t* text : {L"abc", L"0", L"-1", L"1e9"}) {
+            BySamples(L"100", text);
+            EXPECT_TRUE(Run("Step: \"" + Utf8(Narrow16(text)) + "\" is not a positive"));
+            EXPECT_EQ(focus(), Control(cboStep + 1));
+        }
+        BySamples(L"2147483648", L"0");
+        EXPECT_TRUE(Run("Size: \"2147483648\" is too large"));
+        BySamples(L"1100", L"100");
+        EXPECT_TRUE(Run("it has 1000 samples"));
+        BySamples(L"500", L"500");
+        SetFileAttributesW((m_pieces / u"b.txt").c_str(), FILE_ATTRIBUTE_READONLY);
+        EXPECT_TRUE(Run("\"b.txt\" cannot be deleted"));
+        SetFileAttributesW((m_pieces / u"b.txt").c_str(), FILE_ATTRIBUTE_NORMAL);
+        const HANDLE open = CreateFileW((m_pieces / u"b.txt").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                        OPEN_EXISTING, 0, nullptr);
+        EXPECT_TRUE(Run("\"b.txt\" cannot be deleted"));
+        CloseHandle(open);
+        fs::create_hard_link(m_path, m_pieces / u"link.dat");
+        EXPECT_TRUE(Run("holds the open recording"));
+        Click(chkDelFiles);
+        EXPECT_TRUE(Run("holds the open recording"));
+        EXPECT_EQ(Files(), (Names{u"a.txt", u"b.txt", u"link.dat"}));
+    });
+    EXPECT_EQ(m_settings.splitType, 0) << "nothing was run";
+    EXPECT_TRUE(m_services.messages.empty());
+}
+
+TEST_F(SplitDialog, TakesNoFileForItsFolder) {
+    Open(u"no extension");
+    Show([&] {
+        EXPECT_TRUE(Run("A file stands where"));
+        Click(chkDelFiles);
+        EXPECT_TRUE(Run("A file stands where"));
+    });
+    EXPECT_GT(fs::file_size(m_path), 2000U);
+}
+
+TEST_F(SplitDialog, DeletesTheFilesThatItHasCounted) {
+    Make(u"a.txt");
+    Make(u"1.bin");
+    fs::create_directories(m_pieces / u"folder.x");
+    Show([&] {
+        BySamples(L"500", L"500");
+        EXPECT_TRUE(StatusHolds("Existing files to be replaced: 1"));
+        Click(chkDelFiles);
+        EXPECT_TRUE(StatusHolds("Files to be deleted: 2"));
+        Make(u"Ā.txt");
+        EXPECT_TRUE(Run("Files to be deleted: 3"));
+        EXPECT_TRUE(IsForeign(u"a.txt"));
+        EXPECT_TRUE(Run("Files written: 2"));
+        EXPECT_EQ(Files(), (Names{u"1.bin", u"2.bin", u"folder.x"}));
+        EXPECT_FALSE(IsForeign(u"1.bin"));
+        // What the run wrote is not deleted by the next one unannounced.
+        EXPECT_TRUE(Run("Files to be deleted: 2"));
+    });
+}
+
+TEST_F(SplitDialog, ReplacesFilesWhenAllowedOnly) {
+    Make(u"2.bin");
+    Make(u"notes.txt");
+    Show([&] {
+        BySamples(L"500", L"500");
+        EXPECT_TRUE(Run("Existing files to be replaced: 1", IDNO));
+        EXPECT_EQ(Files(), (Names{u"2.bin", u"notes.txt"}));
+        EXPECT_TRUE(IsForeign(u"2.bin"));
+        EXPECT_TRUE(Run("Files written: 2", IDYES));
+        EXPECT_EQ(Files(), (Names{u"1.bin", u"2.bin", u"notes.txt"}));
+        EXPECT_FALSE(IsForeign(u"2.bin"));
+        EXPECT_TRUE(IsForeign(u"notes.txt"));
+    });
+}
+
+TEST_F(SplitDialog, TakesLongAndForeignNames) {
+    Open(std::u16string(110, u'Ж') + u".x & y.bin");
+    Make(u"x.txt");
+    Show([&] {
+        BySamples(L"500", L"500");
+        Click(chkBaseName);
+        Click(chkDelFiles);
+        EXPECT_TRUE(Run("Files written: 2"));
+    });
+    const std::u16string base = m_path.stem().u16string() + u'_';
+    // Longer than what the library behind std::filesystem lists.
+    EXPECT_GT(m_pieces.wstring().size() + base.size(), 260U);
+    for (const char16_t* number : {u"1.bin", u"2.bin"}) {
+        const std::wstring path = L"\\\\?\\" + (m_pieces / (base + number)).wstring();
+        EXPECT_NE(GetFileAttributesW(path.c_str()), INVALID_FILE_ATTRIBUTES) << Utf8(number);
+        EXPECT_NE(DeleteFileW(path.c_str()), FALSE);
+    }
+    EXPECT_FALSE(fs::exists(m_pieces / u"x.txt"));
+}
+
+TEST_F(SplitDialog, TellsOfFullDisksAndRefusedFiles) {
+    int files = 0;
+    m_makeFile = [&]() -> std::unique_ptr<OutputFile> {
+        if (++files == 2) return std::make_unique<FullDisk>();
+        return MakeOutputFile();
+    };
+    fs::create_directories(m_pieces / u"02.bin");
+    Show([&] {
+        BySamples(L"100", L"100");
+        EXPECT_TRUE(Run("\"02.bin\" is incomplete"));
+        EXPECT_NE(m_services.status.find(u"02.bin"), std::u16string::npos);
+        EXPECT_TRUE(Run("\"02.bin\" was not written. Files written before it: 1", IDYES));
+        EXPECT_EQ(m_services.messages.size(), 1U);
+    });
+    EXPECT_EQ(Files(), (Names{u"01.bin", u"02.bin"}));
+    EXPECT_TRUE(fs::is_directory(m_pieces / u"02.bin"));
+}
+
+TEST_F(SplitDialog, ClosesOnlyAfterTheRunOrWithTheProgram) {
+    int files = 0;
+    std::function<void()> disturb;
+    m_makeFile = [&] {
+        if (++files == 3) disturb();
+        return MakeOutputFile();
+    };
+    disturb = [&] {
+        EXPECT_FALSE(IsWindowEnabled(Control(cmdCancel)));
+        for (const UINT message : {UINT{WM_CLOSE}, UINT{WM_HELP}}) PostMessageW(m_dialog, message, 0, 0);
+        for (const int command : {cmdCancel, cmdSplit})
+            PostMessageW(m_dialog, WM_COMMAND, static_cast<WPARAM>(command), 0);
+    };
+    Show([&] {
+        BySamples(L"100", L"100");
+        EXPECT_TRUE(Run("Files written: 10"));
+    });
+    EXPECT_EQ(files, 10) << "run once";
+
+    fs::remove_all(m_pieces);
+    files = 0;
+    disturb = [] { PostQuitMessage(5); };
+    const auto press = [&] {
+        BySamples(L"100", L"100");
+        PostMessageW(Control(cmdSplit), BM_CLICK, 0, 0);
+        EXPECT_TRUE(WaitFor([&] { return !IsWindow(m_dialog); }));
+    };
+    Show(press);
+    EXPECT_EQ(Files(), (Names{u"01.bin", u"02.bin", u"03.bin"}));
+    MSG message{};
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE && message.wParam == 5);
+
+    fs::remove_all(m_pieces);
+    files = 0;
+    const HWND owner =
+        CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    disturb = [&] { DestroyWindow(owner); };
+    Show(press, owner);
+    EXPECT_EQ(Files(), (Names{u"01.bin", u"02.bin", u"03.bin"}));
+}
+
+TEST_F(SplitDialog, TextsFitTheirControls) {
+    for (const Language language : {Language::English, Language::Russian}) {
+        m_services.language = language;
+        Show([&] {
+            const HDC dc = GetDC(m_dialog);
+            const HGDIOBJ old = SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(m_dialog, WM_GETFONT, 0, 0)));
+            for (const int id : {int{lblSize}, int{lblStep}, int{optSplit}, optSplit + 1, int{chkBaseName},
+                                 int{optFileIndex}, optFileIndex + 1, int{lblFileIndex}, lblFileIndex + 1,
+                                 int{chkDelFiles}, int{lblStatusTitle}, int{cmdSplit}, int{cmdCancel}, int{cmdHelp}}) {
+                const std::wstring text = WindowText(Control(id));
+                SIZE size{};
+                RECT rect{};
+                GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+                GetClientRect(Control(id), &rect);
+                const bool boxed =
+                    (id >= optSplit && id < cboSize) || (id >= chkBaseName && id < lblFileIndex) || id == chkDelFiles;
+                EXPECT_FALSE(text.empty()) << id;
+                EXPECT_LE(size.cx + (boxed ? 18 : 0), rect.right) << Utf8(Narrow16(text));
+            }
+            SelectObject(dc, old);
+            ReleaseDC(m_dialog, dc);
+        });
+    }
+}
+
+}  // namespace
+}  // namespace quillon
