@@ -11,6 +11,7 @@
 #include "app/win/MainWindowFixture.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "dialogs/win/SplitFolder.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
 #include "support/FakeRecording.h"
@@ -128,6 +129,7 @@ class SplitDialog : public ::testing::Test {
 };
 
 TEST_F(SplitDialog, WritesThePiecesAndKeepsTheChoices) {
+    m_settings.splitTimeSize = 1.0F;
     Show([&] {
         EXPECT_EQ(Label(lblStatus), "Files: \"#.bin\"");
         EXPECT_EQ(Label(lblPieces), "Pieces: 10") << "of one second each";
@@ -150,7 +152,7 @@ TEST_F(SplitDialog, WritesThePiecesAndKeepsTheChoices) {
     EXPECT_EQ(m_settings.splitSamplesStep, 200);
     EXPECT_EQ(m_settings.splitFileIndex, 1);
     EXPECT_NE(m_settings.splitBaseName, 0);
-    EXPECT_EQ(m_settings.splitTimeSize, 0.0F) << "no number";
+    EXPECT_EQ(m_settings.splitTimeSize, 1.0F) << "kept where the entry is no number";
     EXPECT_EQ(m_settings.splitTimeStep, 1.0F);
     std::shared_ptr<Recording> piece;
     ASSERT_TRUE(m_library->OpenRecording((m_pieces / u"Ночь_0600-0899.bin").u16string(), piece));
@@ -272,6 +274,12 @@ TEST_F(SplitDialog, TakesLongAndForeignNames) {
         EXPECT_NE(DeleteFileW(path.c_str()), FALSE);
     }
     EXPECT_FALSE(fs::exists(m_pieces / u"x.txt"));
+    // Wine takes long paths in any form, Windows in these only.
+    const std::u16string deep(260, u'd');
+    EXPECT_EQ(SplitFilePath(u"C:\\a/" + deep, u"1.bin"), u"\\\\?\\C:\\a\\" + deep + u"\\1.bin");
+    EXPECT_EQ(SplitFilePath(u"\\\\server\\" + deep, u"1.bin"), u"\\\\?\\UNC\\server\\" + deep + u"\\1.bin");
+    EXPECT_EQ(SplitFilePath(u"\\\\?\\C:\\" + deep, u"1.bin"), u"\\\\?\\C:\\" + deep + u"\\1.bin");
+    EXPECT_EQ(SplitFilePath(u"C:\\a", u"1.bin"), u"C:\\a\\1.bin");
 }
 
 TEST_F(SplitDialog, TellsOfFullDisksAndRefusedFiles) {
