@@ -86,7 +86,7 @@ void ThrowWhereFailed(const SplitResult& result, const KVExport& exporter, const
 void RunSplitCommand(const CommandContext& context) {
     const ParsedArguments& parsed = context.parsed;
     const fs::path folder(Required(parsed, u"--folder"));
-    const std::int64_t number = WholeOption(parsed, u"--block", 1);
+    const std::int64_t number = parsed.Has(u"--block") ? WholeNumber(parsed.Value(u"--block"), u"--block") : 1;
     Required(parsed, u"--size");
     const OpenFile file(parsed.words[1], context.language);
     const std::shared_ptr<RecordingBlock> block = FindChannel(file.Get(), number, 1, context.language).block;

@@ -341,8 +341,13 @@ SplitResult SplitDialog::Run(const SplitPlan& plan) {
         explicit Scope(SplitDialog& split) : dialog(split) {
             dialog.m_running = true;
             dialog.EnableControls(false);
+            // Long pieces too leave the windows alive; the end of the program is seen after the piece.
+            dialog.m_context.exporter.SetProgress([window = split.m_dialog](std::int32_t, std::int32_t) {
+                static_cast<void>(RunPendingMessages(window));
+            });
         }
         ~Scope() {
+            dialog.m_context.exporter.SetProgress({});
             dialog.m_running = false;
             if (!dialog.m_destroyed) dialog.EnableControls(true);
         }

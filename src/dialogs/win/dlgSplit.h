@@ -42,7 +42,7 @@ struct SplitDialogContext {
     std::shared_ptr<RecordingBlock> block;
     std::u16string recording;  ///< full path
     SplitSettings& settings;   ///< written when a run starts
-    KVExport& exporter;        ///< its progress may run pending messages, see RunPendingMessages
+    KVExport& exporter;        ///< its progress is the dialog's during a run, and then none
     UserServices& services;
     char16_t decimalSeparator = u'.';
     std::function<void()> showHelp = {};
