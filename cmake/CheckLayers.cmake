@@ -11,6 +11,7 @@ set(rules
   "src/spectrum|base nsp format data view"
   "src/export|base nsp format data view spectrum"
   "src/sound|base nsp format data view"
+  "lib/kvsound|base sound"
   "src/dialogs|base nsp format data view spectrum export sound"
   "src/cli|base nsp format data view spectrum export dialogs norvik"
   "src/app|base nsp format data view spectrum export sound dialogs")
@@ -30,7 +31,7 @@ foreach(rule IN LISTS rules)
       set(extra "app/win/Win32.h;app/win/WinHandle.h;app/win/PictureBox.h;app/win/DialogTemplate.h")
     endif()
     if(source MATCHES "/app/win/QL_Main\\.cpp$")
-      list(APPEND extra norvik/OutputFile.h norvik/RecordingLibrary.h norvik/TextWriter.h
+      list(APPEND extra kvsound/win/WaveOut.h norvik/OutputFile.h norvik/RecordingLibrary.h norvik/TextWriter.h
         norvik/win/ClipboardWriter.h norvik/win/Registry.h norvik/win/SaveDialog.h norvik/win/Timer.h)
     endif()
     file(STRINGS ${source} includes REGEX "^#include \"")

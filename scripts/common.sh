@@ -68,6 +68,18 @@ prepare_wine() {
     fi
 }
 
+# Sound of test programs run with the words of $captured_sound before them goes into a file instead of a loudspeaker;
+# those run with $no_sound have no device. Both keep to themselves: no sound server of the user takes part.
+prepare_sound() {
+    local file="$root/build/sound.raw"
+    printf '%s\n' '</usr/share/alsa/alsa.conf>' \
+        "pcm.!default { type file slave.pcm { type null } file \"$file\" format raw }" > build/sound.conf
+    : > build/no-sound.conf
+    local own=(env PULSE_SERVER=unix:/nonexistent)
+    captured_sound=("${own[@]}" ALSA_CONFIG_PATH="$root/build/sound.conf" QUILLON_SOUND_FILE="$file")
+    no_sound=("${own[@]}" ALSA_CONFIG_PATH="$root/build/no-sound.conf")
+}
+
 # Ends what this script started.
 end_all() {
     [ -n "${WINEPREFIX:-}" ] && wineserver -k 2> /dev/null

@@ -71,7 +71,13 @@ class FakeBlock : public RecordingBlock {
     std::u16string DeviceName() const override { return {}; }
     std::u16string BlockName() const override { return {}; }
     std::int16_t InputNumber(std::int16_t channel) const override { return channel; }
-    std::int32_t ReadFrames(std::int32_t, std::int32_t, std::int16_t*) override { return 1; }
+    std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
+        Ask("ReadFrames");
+        for (std::int32_t at = first; at < first + count; ++at) {
+            for (const auto& channel : samples) *buffer++ = channel.at(static_cast<std::size_t>(at));
+        }
+        return 0;
+    }
     bool FramesAreCheap() const override { return false; }
     bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
                         std::int32_t run, std::span<RunExtremes* const> out) override {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "sound/SoundOutput.h"
+
+namespace quillon {
+
+/// The sound library: plays through the system's wave devices, on the calling thread, which must handle messages.
+/// Throws std::system_error when its window cannot be made.
+[[nodiscard]] std::unique_ptr<SoundOutput> MakeSoundOutput(SoundOutputEvents events);
+
+}  // namespace quillon

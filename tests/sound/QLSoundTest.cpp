@@ -1,0 +1,264 @@
+#include "sound/QLSound.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <optional>
+
+#include "base/Text.h"
+#include "kvsound/PlayPosition.h"
+#include "support/FakeRecording.h"
+
+namespace quillon::testing {
+namespace {
+
+/// A device whose events the test raises. Outlives the QLSound, which owns only a share in it.
+struct DeviceState {
+    SoundOutputEvents events;
+    std::int16_t count = 1;
+    std::int16_t chosen = 0;
+    std::int32_t maximumRate = 192000;
+    std::u16string errorText;
+    std::u16string refusal;  ///< Open refuses when not empty
+    std::vector<std::string> calls;
+    std::vector<std::int16_t> written;
+    std::vector<std::int32_t> writes;
+};
+
+class FakeOutput : public SoundOutput {
+  public:
+    explicit FakeOutput(DeviceState& device) : m_device(device) {}
+    std::int16_t DeviceCount() const override { return m_device.count; }
+    std::u16string DeviceName(std::int16_t) const override { return u"card"; }
+    std::int16_t Device() const override { return m_device.chosen; }
+    void PutDevice(std::int16_t index) override { m_device.chosen = index; }
+    std::u16string ErrorText() const override { return m_device.errorText; }
+    std::int32_t MaximumRate() const override { return m_device.maximumRate; }
+    void Stop() override {
+        m_device.calls.emplace_back("stop");
+        m_device.errorText.clear();
+    }
+    bool Open(std::int16_t channelCount, std::int32_t rate) override {
+        m_device.calls.push_back("open " + std::to_string(channelCount) + " " + std::to_string(rate));
+        m_device.errorText = m_device.refusal;
+        m_channels = channelCount;
+        return m_device.refusal.empty();
+    }
+    void Write(const std::int16_t* samples, std::int32_t count) override {
+        m_device.written.insert(m_device.written.end(), samples, samples + m_channels * count);
+        m_device.writes.push_back(count);
+    }
+
+  private:
+    DeviceState& m_device;
+    std::ptrdiff_t m_channels = 0;
+};
+
+class QLSoundTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        Load(10000);
+        sound.emplace(view, services, [this](SoundOutputEvents events) {
+            device.events = std::move(events);
+            return std::make_unique<FakeOutput>(device);
+        });
+        sound->onStarted = [this] { told.emplace_back("started"); };
+        sound->onStopped = [this] { told.emplace_back("stopped"); };
+        sound->onPlayProgress = [this](std::int32_t sample) { told.push_back(std::to_string(sample)); };
+    }
+
+    /// Two channels: 0, 1, 2 ... and 0, -1, -2 ...
+    void Load(int count) {
+        fake = std::make_shared<FakeBlock>();
+        fake->samples.resize(2);
+        for (int at = 0; at < count; ++at) {
+            fake->samples[0].push_back(static_cast<std::int16_t>(at));
+            fake->samples[1].push_back(static_cast<std::int16_t>(-at));
+        }
+        view.block = fake;
+        view.sampleCount = count;
+        view.sampleRate = 100.0;
+        view.channelCount = 2;
+    }
+
+    std::vector<std::string> TakeCalls() { return std::exchange(device.calls, {}); }
+
+    using Lines = std::vector<std::string>;
+    std::shared_ptr<FakeBlock> fake;
+    ViewBlock view;
+    FakeServices services;
+    DeviceState device;
+    std::vector<std::string> told;
+    std::optional<QLSound> sound;
+};
+
+TEST_F(QLSoundTest, FeedsTheRangeOnDemandInPieces) {
+    sound->Play(2, 1001, 8500);
+    EXPECT_TRUE(sound->Playing());
+    EXPECT_EQ(TakeCalls(), Lines({"open 1 100"}));
+    EXPECT_EQ(device.writes, std::vector<std::int32_t>({4096})) << "nothing is read ahead of demand";
+    for (int wanted = 0; wanted < 4; ++wanted) device.events.moreWanted();
+    EXPECT_EQ(device.writes, std::vector<std::int32_t>({4096, 4096, 308})) << "and nothing past the end";
+    ASSERT_EQ(device.written.size(), 8500U);
+    EXPECT_TRUE(std::equal(device.written.begin(), device.written.end(), fake->samples[1].begin() + 1000));
+
+    // All channels, interleaved; what the block does not have is left out.
+    device.written.clear();
+    sound->Play(0, 9998, std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(TakeCalls(), Lines({"stop", "open 2 100"})) << "what was playing ends first";
+    EXPECT_EQ(device.written, std::vector<std::int16_t>({9997, -9997, 9998, -9998, 9999, -9999}));
+}
+
+TEST_F(QLSoundTest, RateIsRoundedAndLimitedByTheDevice) {
+    const auto opened = [this](double rate, std::int32_t maximum) {
+        view.sampleRate = rate;
+        device.maximumRate = maximum;
+        TakeCalls();
+        sound->Play(1, 1, 100);
+        return device.calls.back();
+    };
+    EXPECT_EQ(opened(250.5, 192000), "open 1 250");
+    EXPECT_EQ(opened(251.5, 192000), "open 1 252");
+    EXPECT_EQ(opened(250000.0, 192000), "open 1 192000");
+    EXPECT_EQ(opened(1e300, 192000), "open 1 192000");
+    EXPECT_EQ(opened(9.5, 8), "open 1 8");
+    EXPECT_EQ(opened(9.4, 8), "open 1 9") << "a rate below 10 is tried as it is";
+    for (const double none : {0.5, 0.0, -3.0, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(opened(none, 192000), "open 1 0") << none;
+}
+
+TEST_F(QLSoundTest, WhatCannotBePlayedLeavesItIdleWithAReason) {
+    const std::u16string noData = services.Text(5400);
+    sound->Play(3, 1, 100);
+    EXPECT_TRUE(device.calls.empty()) << "no such channel";
+    EXPECT_EQ(sound->ErrorText(), u"");
+
+    device.refusal = u"no such format";
+    sound->Play(1, 1, 100);
+    EXPECT_FALSE(sound->Playing());
+    EXPECT_EQ(sound->ErrorText(), u"no such format");
+    sound->Stop();
+    EXPECT_EQ(sound->ErrorText(), u"");
+    device.refusal.clear();
+
+    constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+    const std::pair<std::int32_t, std::int32_t> empty[] = {{1, 2},  {9999, 100},     {10001, 10},          {1, 0},
+                                                           {1, -5}, {kLowest, 5000}, {kHighest, kHighest}, {0, 100}};
+    for (const auto& [first, count] : empty) {
+        TakeCalls();
+        sound->Play(1, first, count);
+        EXPECT_FALSE(sound->Playing());
+        EXPECT_EQ(sound->ErrorText(), noData) << first << ' ' << count;
+        EXPECT_EQ(TakeCalls(), Lines({"open 1 100", "stop"})) << "the device is freed";
+    }
+    sound->Play(1, 9998, 100);
+    EXPECT_TRUE(sound->Playing()) << "three samples are enough";
+    EXPECT_EQ(sound->ErrorText(), u"");
+
+    view = {};
+    TakeCalls();
+    sound->Play(0, 1, 100);
+    EXPECT_EQ(TakeCalls(), Lines({"stop"})) << "no block";
+}
+
+TEST_F(QLSoundTest, AReadErrorEndsThePlaybackAndFreesTheRecording) {
+    fake->failing = {"ReadFrames", "ReadCodes"};
+    sound->Play(0, 1, 10000);
+    EXPECT_FALSE(sound->Playing());
+    EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadFrames");
+
+    fake->failing.clear();
+    sound->Play(1, 1, 10000);
+    fake->failing = {"ReadCodes"};
+    TakeCalls();
+    device.events.moreWanted();
+    EXPECT_EQ(TakeCalls(), Lines({"stop"}));
+    EXPECT_FALSE(sound->Playing());
+    device.events.stopped();
+    EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadCodes") << "kept for the window";
+    EXPECT_EQ(told, Lines({"stopped"}));
+    EXPECT_EQ(fake.use_count(), 2) << "held by the view and the test alone";
+}
+
+TEST_F(QLSoundTest, EventsTellWhereItIsAndHowItEnded) {
+    sound->Play(1, 101, 200);
+    device.events.started();
+    for (const std::int64_t played : {0, 50, 40, 199, 100000}) device.events.writeProgress(played);
+    EXPECT_EQ(std::exchange(told, {}), Lines({"started", "101", "151", "151", "300", "300"}));
+    // The viewer may load another block meanwhile.
+    view = {};
+    EXPECT_EQ(fake.use_count(), 2);
+    device.errorText = u"pulled out";
+    device.events.stopped();
+    EXPECT_FALSE(sound->Playing());
+    EXPECT_EQ(sound->ErrorText(), u"pulled out");
+    EXPECT_EQ(fake.use_count(), 1);
+
+    device.events.writeProgress(7);
+    EXPECT_EQ(told, Lines({"stopped"})) << "a late position says nothing";
+}
+
+TEST_F(QLSoundTest, EventsMayCallBack) {
+    sound->onPlayProgress = [this](std::int32_t) { sound->Stop(); };
+    sound->onStopped = [this] { sound->Play(2, 1, 50); };
+    sound->Play(1, 1, 10000);
+    device.events.writeProgress(5);
+    EXPECT_FALSE(sound->Playing());
+    device.events.moreWanted();
+    EXPECT_EQ(device.writes.size(), 1U) << "stopped means no more";
+    device.events.stopped();
+    EXPECT_TRUE(sound->Playing());
+    EXPECT_EQ(TakeCalls(), Lines({"open 1 100", "stop", "open 1 100"}));
+    sound.reset();
+    EXPECT_EQ(TakeCalls(), Lines({"stop"})) << "its end stops it";
+}
+
+TEST_F(QLSoundTest, WithoutADeviceNothingHappens) {
+    device.count = 0;
+    const SoundOutputFactory factories[] = {
+        [](SoundOutputEvents) -> std::unique_ptr<SoundOutput> { throw std::runtime_error("no sound system"); },
+        [](SoundOutputEvents) { return nullptr; },
+        [this](SoundOutputEvents) { return std::make_unique<FakeOutput>(device); }};
+    for (const auto& factory : factories) {
+        QLSound silent(view, services, factory);
+        silent.PutDevice(3);
+        silent.Play(0, 1, 100);
+        silent.Stop();
+        EXPECT_FALSE(silent.Available() || silent.Playing() || silent.Refresh());
+        EXPECT_EQ(silent.DeviceCount() + silent.Device(), 0);
+        EXPECT_EQ(silent.DeviceName(0) + silent.ErrorText(), u"");
+    }
+    EXPECT_TRUE(device.calls.empty());
+
+    QLSound plugged(view, services, factories[2]);
+    device.count = 1;
+    EXPECT_FALSE(plugged.Available());
+    EXPECT_TRUE(plugged.Refresh());
+    plugged.PutDevice(3);
+    EXPECT_EQ(plugged.Device(), 3);
+    EXPECT_EQ(plugged.DeviceName(0), u"card");
+    plugged.Play(1, 1, 100);
+    // The only device goes: what plays still has to be stopped.
+    device.count = 0;
+    plugged.Refresh();
+    TakeCalls();
+    plugged.Stop();
+    EXPECT_EQ(TakeCalls(), Lines({"stop"}));
+}
+
+TEST(PlayPosition, CountsOnWhenTheDeviceStartsAgainAndNeverBack) {
+    PlayPosition position;
+    EXPECT_EQ(position.Advance(1000), 1000);
+    EXPECT_EQ(position.Advance(990), 1000);
+    std::int64_t at = 1000;
+    // Three times round, in steps of an odd size.
+    while (at < (std::int64_t{3} << 32)) {
+        at += 1'234'567'891;
+        ASSERT_EQ(position.Advance(static_cast<std::uint32_t>(at)), at);
+        ASSERT_EQ(position.Advance(static_cast<std::uint32_t>(at - 500)), at);
+    }
+}
+
+}  // namespace
+}  // namespace quillon::testing
