@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
-#include <stdexcept>
 #include <utility>
 
 #include "base/StringIds.h"
@@ -130,9 +129,11 @@ void QLSound::WriteNext() {
     const std::int32_t count = std::min(m_end - m_next, kFramesPerBuffer);
     if (count == 0) return;
     m_buffer.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(m_channelCount));
-    const std::int32_t status = m_allChannels ? m_source->ReadFrames(m_next, count, m_buffer.data())
-                                              : m_source->ReadCodes(m_firstChannel, m_next, count, m_buffer.data());
-    if (status != 0) throw std::runtime_error(std::to_string(status));
+    if (m_allChannels) {
+        m_source->ReadFrames(m_next, count, m_buffer.data());
+    } else {
+        m_source->ReadCodes(m_firstChannel, m_next, count, m_buffer.data());
+    }
     m_objOut->Write(m_buffer.data(), count);
     m_next += count;
 }

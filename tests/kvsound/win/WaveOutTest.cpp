@@ -140,9 +140,9 @@ TEST_F(WaveOutCapture, TheDeviceGetsTheCodesAsTheyAre) {
 
 TEST_F(WaveOutCapture, HoursStartAtOnceAndStopAtOnce) {
     const auto block = std::make_shared<EndlessBlock>();
-    constexpr std::int32_t kHours = 8000 * 3600 * 24;
-    Show(block, kHours, 1, 8000);
-    sound->Play(1, 1, kHours);
+    constexpr std::int32_t kDay = 8000 * 3600 * 24;
+    Show(block, kDay, 1, 8000);
+    sound->Play(1, 1, kDay);
     ASSERT_TRUE(PumpUntil([&] { return heard.size() > 20; }));
     EXPECT_LE(block->readTo, heard.back() + 8000 + 5 * 4096) << "a second and a few buffers ahead, not more";
     // Another device takes nothing from the present playback, and the next one is not disturbed by the end of it.
@@ -161,16 +161,18 @@ TEST_F(WaveOutCapture, HoursStartAtOnceAndStopAtOnce) {
         ASSERT_EQ(codes[static_cast<std::size_t>(at)], EndlessBlock::CodeAt(5000 + at));
     }
 
-    // Stopped by the user: told later, once.
-    sound->Play(1, 1, kHours);
+    // Stopped by the user: told later, once. And a playback replaced at once says nothing at all.
+    sound->Play(1, 9001, kDay);
+    sound->Play(1, 1, kDay);
     const std::size_t before = heard.size();
     ASSERT_TRUE(PumpUntil([&] { return heard.size() > before; }));
+    EXPECT_EQ(started, 3);
     sound->Stop();
     EXPECT_EQ(stopped, 1);
     ASSERT_TRUE(PumpUntil([&] { return stopped == 2; }));
 
     // Unloaded while it plays: nothing comes any more.
-    sound->Play(1, 1, kHours);
+    sound->Play(1, 1, kDay);
     ASSERT_TRUE(PumpUntil([&] { return started == 4; }));
     sound.reset();
     const std::size_t told = heard.size();
@@ -198,11 +200,21 @@ TEST_F(WaveOutCapture, EventsMayStopAndStart) {
     sound->Play(1, 1, 50000);
     ASSERT_TRUE(PumpUntil([&] { return rounds == 4 && !sound->Playing() && stopped == 3; }));
     EXPECT_EQ(Captured().size(), 9000U);
+
+    // The progress that tells the end, too: so short a sound is over before the timer asks for its position.
+    sound->onStarted = nullptr;
+    sound->onPlayProgress = [&](std::int32_t sample) {
+        if (sample == 3) sound->Play(1, 4, 9000);
+    };
+    sound->Play(1, 1, 3);
+    ASSERT_TRUE(PumpUntil([&] { return stopped == 4; }));
+    EXPECT_EQ(Captured().size(), 9000U);
 }
 
-TEST_F(WaveOutCapture, RefusesWhatNoDeviceTakes) {
+TEST_F(WaveOutCapture, RefusesWhatNoDeviceTakesAndTakesWhatItDoes) {
     int ended = 0;
-    const auto output = MakeSoundOutput({[] {}, [](std::int64_t) {}, [] {}, [&] { ++ended; }});
+    std::unique_ptr<SoundOutput> output;
+    output = MakeSoundOutput({[&] { output->Stop(); }, [](std::int64_t) {}, [] {}, [&] { ++ended; }});
     EXPECT_FALSE(output->DeviceName(0).empty());
     EXPECT_TRUE(output->DeviceName(-1).empty());
     EXPECT_TRUE(output->DeviceName(output->DeviceCount()).empty());
@@ -219,6 +231,13 @@ TEST_F(WaveOutCapture, RefusesWhatNoDeviceTakes) {
     output->Stop();
     PumpQueued();
     EXPECT_EQ(ended, 0) << "nothing was played";
+
+    // Stopped in its first event, a playback is over and nothing more is asked of the device.
+    const std::int16_t codes[] = {1, 2, 3};
+    ASSERT_TRUE(output->Open(1, 8000));
+    output->Write(codes, 3);
+    ASSERT_TRUE(PumpUntil([&] { return ended == 1; }));
+    EXPECT_EQ(output->ErrorText(), u"");
 }
 
 /// Without any device.
