@@ -30,7 +30,7 @@ class Shape {
     [[nodiscard]] int Length(int length) const { return static_cast<int>(std::lround(length * m_scale)); }
     /// Parts of the two axes.
     [[nodiscard]] bool Ticks(int x, int y, int from, int to) const {
-        const auto [across, along] = std::minmax(std::abs(x), std::abs(y));
+        const auto [across, along] = std::minmax({std::abs(x), std::abs(y)});
         return across <= m_half && along >= Length(from) && along <= Length(to);
     }
     [[nodiscard]] bool Ring(int x, int y, int radius) const {
