@@ -18,8 +18,12 @@ class DialogTemplate {
     static constexpr std::uint16_t kStatic = 0x82;
     static constexpr std::uint16_t kComboBox = 0x85;
 
-    DialogTemplate(const std::wstring& title, short width, short height, std::uint16_t items) {
-        Number32(WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFONT | DS_CENTER);
+    /// A dialog of its own, and one that is part of another.
+    static constexpr DWORD kWindow = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER;
+    static constexpr DWORD kPage = WS_CHILD | DS_CONTROL;
+
+    DialogTemplate(const std::wstring& title, short width, short height, std::uint16_t items, DWORD style = kWindow) {
+        Number32(style | DS_SETFONT);
         Number32(0);
         m_words.push_back(items);
         Box(0, 0, width, height);
@@ -36,9 +40,10 @@ class DialogTemplate {
         m_words.push_back(windowClass);
         EndItem(text);
     }
-    /// An item with a client edge of a class that has a name.
-    void Item(const std::wstring& windowClass, DWORD style, int id, short x, short y, short width, short height) {
-        StartItem(style, WS_EX_CLIENTEDGE, id, x, y, width, height);
+    /// An item of a class that has a name.
+    void Item(const std::wstring& windowClass, DWORD style, int id, short x, short y, short width, short height,
+              DWORD extendedStyle = WS_EX_CLIENTEDGE) {
+        StartItem(style, extendedStyle, id, x, y, width, height);
         Text(windowClass);
         EndItem({});
     }

@@ -5,6 +5,7 @@
 // After windows.h, on which they depend.
 #include <commctrl.h>
 #include <shellapi.h>
+#include <uxtheme.h>
 #include <windowsx.h>
 
 #include <string>
