@@ -12,6 +12,7 @@ struct SpectrumSettings {
     float amplitudeScale = 100.0F;  ///< percent, gain of the linear plot; above 0
     float decibelRange = 120.0F;    ///< dB from the top colour to the bottom one; 10 .. 200
     std::int32_t order = 8;         ///< the transform has 2^order samples; 5 .. 11
+    friend bool operator==(const SpectrumSettings&, const SpectrumSettings&) = default;
 };
 
 }  // namespace quillon

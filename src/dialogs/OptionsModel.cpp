@@ -1,0 +1,158 @@
+#include "dialogs/OptionsModel.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <optional>
+#include <system_error>
+
+#include "spectrum/QL_FFT.h"
+#include "view/QL_ChUtils.h"
+
+namespace quillon {
+
+namespace {
+
+static_assert(kLeastFftOrder == QL_FFT::kLeastOrder && kLeastFftOrder + kFftSizes - 1 == QL_FFT::kMostOrder);
+
+constexpr int kCursorStyles = 4;
+constexpr float kLeastRange = 10.0F;
+constexpr float kMostRange = 200.0F;
+
+/// Position of a stored number among that many; -1 where it is none of them.
+int PositionOf(std::int32_t value, int count) {
+    return value >= 0 && value < count ? value : -1;
+}
+
+bool IsBlank(char16_t letter) {
+    return letter <= u' ' || letter == u'\u00A0' || letter == u'\u202F';
+}
+
+/// A number with a point, a comma or the given separator, and nothing else but blanks around it. None beyond the range
+/// of singles, and for what is no number.
+std::optional<float> ParseSingle(std::u16string_view text, char16_t separator) {
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    std::string digits;
+    for (const char16_t letter : text) {
+        const bool point = letter == u',' || letter == separator;
+        if (!point && letter > u'~') return std::nullopt;
+        digits += point ? '.' : static_cast<char>(letter);
+    }
+    float value = 0.0F;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    if (error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
+    return value;
+}
+
+/// Takes a choice over; a position of the list stands for the number at `first` on. Whether the value changes.
+template <typename Number>
+bool TakeChoice(Number& value, int shown, int chosen, int first = 0) {
+    if (chosen < 0 || chosen == shown) return false;
+    value = static_cast<Number>(first + chosen);
+    return true;
+}
+
+void TakeFlag(std::int16_t& value, bool ticked) {
+    if ((value != 0) != ticked) value = ticked ? 1 : 0;
+}
+
+/// Takes a typed number over if it was edited and is acceptable.
+template <typename IsAcceptable>
+bool TakeNumber(float& value, const std::u16string& shown, const std::u16string& typed, char16_t separator,
+                IsAcceptable acceptable) {
+    if (typed == shown) return false;
+    const std::optional<float> number = ParseSingle(typed, separator);
+    if (!number || !acceptable(*number) || *number == value) return false;
+    value = *number;
+    return true;
+}
+
+void ApplyGeneral(const OptionEntries& shown, const OptionEntries& entries, OptionValues& values) {
+    TakeChoice(values.timeFormat, shown.timeFormat, entries.timeFormat);
+    TakeChoice(values.timeIndex, shown.timeIndex, entries.timeIndex);
+    TakeChoice(values.scaleFormat, shown.scaleFormat, entries.scaleFormat);
+    values.unitScaling = entries.unitScaling;
+    TakeChoice(values.digitsType, shown.digitsType, entries.digitsType);
+    TakeChoice(values.digitsCount, shown.digitsCount, entries.digitsCount);
+    TakeChoice(values.gridColor, shown.gridColor, entries.gridColor);
+    TakeChoice(values.gridStyle, shown.gridStyle, entries.gridStyle);
+    TakeChoice(values.waveformCursor, shown.waveformCursor, entries.waveformCursor);
+}
+
+OptionChanges ApplySpectrum(const OptionEntries& shown, const OptionEntries& entries, char16_t separator,
+                            SpectrumSettings& spectrum) {
+    OptionChanges changes;
+    bool changed = TakeChoice(spectrum.type, shown.spectrumType, entries.spectrumType);
+    changed |= TakeNumber(spectrum.amplitudeScale, shown.amplitudeScale, entries.amplitudeScale, separator,
+                          [](float percent) { return percent > 0.0F; });
+    changed |= TakeNumber(spectrum.decibelRange, shown.decibelRange, entries.decibelRange, separator,
+                          [](float range) { return range >= kLeastRange && range <= kMostRange; });
+    changes.buildPalette = TakeChoice(spectrum.palette, shown.palette, entries.palette);
+    changes.buildWindow = TakeChoice(spectrum.window, shown.window, entries.window);
+    changes.setOrder = TakeChoice(spectrum.order, shown.fftSize, entries.fftSize, kLeastFftOrder);
+    changes.initSpectrogram = changed || changes.buildPalette || changes.buildWindow || changes.setOrder;
+    return changes;
+}
+
+void ApplyExport(const OptionEntries& shown, const OptionEntries& entries, OptionValues& values) {
+    TakeFlag(values.exportXColumn, entries.xColumn);
+    TakeChoice(values.exportXFormat, shown.xFormat, entries.xFormat);
+    TakeFlag(values.exportRowHead, entries.rowHead);
+    TakeFlag(values.exportRowSize, entries.rowSize);
+    TakeFlag(values.exportRowRate, entries.rowRate);
+    TakeFlag(values.exportRowStep, entries.rowStep);
+    TakeChoice(values.exportFileType, shown.fileType, entries.fileType);
+    TakeChoice(values.exportChannels, shown.channels, entries.channels);
+    values.exportFastFile = entries.fastFile;
+}
+
+}  // namespace
+
+OptionEntries ShowOptions(const OptionValues& values, char16_t separator) {
+    const SpectrumSettings& spectrum = values.spectrum;
+    OptionEntries entries;
+    entries.timeFormat = PositionOf(values.timeFormat, 3);
+    entries.timeIndex = PositionOf(values.timeIndex, kTimeUnits);
+    entries.scaleFormat = PositionOf(values.scaleFormat, 2);
+    entries.unitScaling = values.unitScaling;
+    entries.digitsType = PositionOf(values.digitsType, 2);
+    entries.digitsCount = PositionOf(values.digitsCount, kDigitCounts);
+    entries.gridColor = std::abs(static_cast<int>(values.gridColor)) % kTraceColors;
+    entries.gridStyle = PositionOf(values.gridStyle, 3);
+    entries.waveformCursor = std::abs(static_cast<int>(values.waveformCursor)) % kCursorStyles;
+    entries.palette = PositionOf(spectrum.palette, 3);
+    entries.spectrumType = PositionOf(spectrum.type, 2);
+    entries.amplitudeScale = SingleNumberText(static_cast<double>(spectrum.amplitudeScale), separator);
+    entries.decibelRange = SingleNumberText(static_cast<double>(spectrum.decibelRange), separator);
+    entries.window = PositionOf(spectrum.window, 4);
+    const bool hasSize = spectrum.order >= kLeastFftOrder && spectrum.order < kLeastFftOrder + kFftSizes;
+    entries.fftSize = hasSize ? spectrum.order - kLeastFftOrder : -1;
+    entries.xColumn = values.exportXColumn != 0;
+    entries.xFormat = PositionOf(values.exportXFormat, 2);
+    entries.rowHead = values.exportRowHead != 0;
+    entries.rowSize = values.exportRowSize != 0;
+    entries.rowRate = values.exportRowRate != 0;
+    entries.rowStep = values.exportRowStep != 0;
+    entries.fileType = PositionOf(values.exportFileType, 2);
+    entries.channels = PositionOf(values.exportChannels, 2);
+    entries.fastFile = values.exportFastFile;
+    return entries;
+}
+
+OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, OptionValues& values) {
+    const OptionEntries shown = ShowOptions(values, separator);
+    ApplyGeneral(shown, entries, values);
+    const OptionChanges changes = ApplySpectrum(shown, entries, separator, values.spectrum);
+    ApplyExport(shown, entries, values);
+    return changes;
+}
+
+std::u16string BinWidthText(double sampleRate, int position, const FormatOptions& format) {
+    if (!(sampleRate > 0.0) || position < 0 || position >= kFftSizes) return {};
+    return FormatFrequency(sampleRate / FftSize(position), u" ", true, format);
+}
+
+}  // namespace quillon

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "format/QL_Format.h"
+#include "spectrum/SpectrumSettings.h"
+
+/// What the options dialog shows of the settings and what its entries do to them, without a window.
+namespace quillon {
+
+/// The settings that the dialog edits, as they are stored.
+struct OptionValues {
+    std::int16_t timeFormat = 0;  ///< 0 time of day, 1 from the start, 2 sample indexes
+    std::int32_t timeIndex = 0;   ///< FormatOptions::timeUnit
+    std::int16_t scaleFormat = 0;
+    bool unitScaling = false;
+    std::int16_t digitsType = 0;  ///< 0 significant digits, 1 decimal places
+    std::int16_t digitsCount = 0;
+    std::int16_t gridColor = 0;  ///< index of a trace colour, by its magnitude
+    std::int16_t gridStyle = 0;
+    std::int16_t waveformCursor = 0;  ///< style of GraphCursor, by its magnitude
+    SpectrumSettings spectrum;
+    std::int16_t exportXColumn = 0;  ///< flag, as those of the rows
+    std::int16_t exportXFormat = 0;
+    std::int16_t exportRowHead = 0;
+    std::int16_t exportRowSize = 0;
+    std::int16_t exportRowRate = 0;
+    std::int16_t exportRowStep = 0;
+    std::int16_t exportFileType = 0;
+    std::int16_t exportChannels = 0;
+    std::u16string exportFastFile;
+    friend bool operator==(const OptionValues&, const OptionValues&) = default;
+};
+
+/// What the dialog's controls hold. Option buttons and lists by position from 0, -1 where none is chosen.
+struct OptionEntries {
+    int timeFormat = -1;
+    int timeIndex = -1;
+    int scaleFormat = -1;
+    bool unitScaling = false;
+    int digitsType = -1;
+    int digitsCount = -1;
+    int gridColor = -1;
+    int gridStyle = -1;
+    int waveformCursor = -1;
+    int palette = -1;
+    int spectrumType = -1;
+    std::u16string amplitudeScale;  ///< percent, as typed
+    std::u16string decibelRange;    ///< dB, as typed
+    int window = -1;
+    int fftSize = -1;
+    bool xColumn = false;
+    int xFormat = -1;
+    bool rowHead = false;
+    bool rowSize = false;
+    bool rowRate = false;
+    bool rowStep = false;
+    int fileType = -1;
+    int channels = -1;
+    std::u16string fastFile;
+};
+
+/// What of the spectrogram has to be made anew, in this order, once the values are stored.
+struct OptionChanges {
+    bool buildPalette = false;     ///< FFT_BuildPalette
+    bool buildWindow = false;      ///< FFT_BuildWindow
+    bool setOrder = false;         ///< FFT_SetOrder with the stored order
+    bool initSpectrogram = false;  ///< Spectrogram_Init with redraw, after any change of the spectrum's settings
+    friend bool operator==(const OptionChanges&, const OptionChanges&) = default;
+};
+
+inline constexpr int kTimeUnits = 6;
+inline constexpr int kDigitCounts = 10;  ///< 0 is automatic
+inline constexpr std::int32_t kLeastFftOrder = 5;
+inline constexpr int kFftSizes = 7;
+inline constexpr std::array<std::u16string_view, 9> kAmplitudeScales{u"10",  u"20",  u"50",  u"80",  u"100",
+                                                                     u"150", u"200", u"500", u"1000"};
+inline constexpr std::array<std::u16string_view, 5> kDecibelRanges{u"30", u"60", u"90", u"120", u"160"};
+
+/// What the controls show of the values.
+[[nodiscard]] OptionEntries ShowOptions(const OptionValues& values, char16_t separator);
+
+/// Takes the entries over into the values that were shown. An entry that the user left as it was shown keeps its value,
+/// also one that the control cannot show; so does a number that cannot be read or lies outside its limits.
+OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, OptionValues& values);
+
+/// Number of samples of a transform.
+[[nodiscard]] constexpr std::int32_t FftSize(int position) {
+    return 1 << (kLeastFftOrder + position);
+}
+
+/// Distance between the frequencies of a transform of the size at that position; empty without a position or, with a
+/// rate of 0, without a block.
+[[nodiscard]] std::u16string BinWidthText(double sampleRate, int position, const FormatOptions& format);
+
+}  // namespace quillon

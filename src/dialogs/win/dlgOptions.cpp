@@ -1,0 +1,344 @@
+#include "dialogs/win/dlgOptions.h"
+
+#include <utility>
+
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "dialogs/win/ColorChooser.h"
+
+namespace quillon {
+
+namespace {
+
+bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
+
+/// Pages on for Ctrl+Tab and Ctrl+PgDn, back for Ctrl+Shift+Tab and Ctrl+PgUp; 0 for other keys.
+int PageDirection(WPARAM key) {
+    if (!IsDown(VK_CONTROL) || IsDown(VK_MENU)) return 0;
+    if (key == VK_TAB) return IsDown(VK_SHIFT) ? -1 : 1;
+    return key == VK_NEXT ? 1 : key == VK_PRIOR ? -1 : 0;
+}
+
+}  // namespace
+
+dlgOptions::dlgOptions(const UserServices& services, OptionsCalls calls, const FormatOptions& format, double sampleRate)
+    : m_services(services), m_calls(std::move(calls)), m_format(format), m_sampleRate(sampleRate) {}
+
+std::optional<OptionChanges> dlgOptions::Show(HWND owner, OptionValues& values) {
+    m_values = &values;
+    m_changes.reset();
+    m_failure = nullptr;
+    const DialogTemplate dialog = OptionsFrame(m_services);
+    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
+    if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
+    return m_changes;
+}
+
+INT_PTR CALLBACK dlgOptions::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+        reinterpret_cast<dlgOptions*>(lParam)->m_dialog = dialog;
+    }
+    auto* self = reinterpret_cast<dlgOptions*>(GetWindowLongPtrW(dialog, DWLP_USER));
+    if (self == nullptr) return FALSE;
+    try {
+        return self->Handle(message, wParam, lParam);
+    } catch (...) {
+        // No exception leaves a window procedure; the one that called Show gets it.
+        self->m_failure = std::current_exception();
+        EndDialog(dialog, IDCANCEL);
+        return TRUE;
+    }
+}
+
+INT_PTR CALLBACK dlgOptions::PageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_INITDIALOG: return FALSE;
+        case WM_COMMAND:
+        case WM_DRAWITEM: SendMessageW(GetParent(page), message, wParam, lParam); return TRUE;
+        default: return FALSE;
+    }
+}
+
+LRESULT CALLBACK dlgOptions::PageKeys(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                      DWORD_PTR self) {
+    auto& dialog = *reinterpret_cast<dlgOptions*>(self);
+    // The swatch is no push button to the system, so Enter would press OK.
+    const auto opensColors = [&](WPARAM key) { return key == VK_RETURN && GetDlgCtrlID(control) == pbGridColor; };
+    if (message == WM_NCDESTROY) RemoveWindowSubclass(control, PageKeys, id);
+    if (message == WM_GETDLGCODE && lParam != 0) {
+        const MSG& key = *reinterpret_cast<const MSG*>(lParam);
+        if (key.message == WM_KEYDOWN && (PageDirection(key.wParam) != 0 || opensColors(key.wParam)))
+            return DefSubclassProc(control, message, wParam, lParam) | DLGC_WANTMESSAGE;
+    }
+    if (message == WM_KEYDOWN && opensColors(wParam)) return SendMessageW(control, BM_CLICK, 0, 0);
+    if (message == WM_KEYDOWN && PageDirection(wParam) != 0) {
+        dialog.SwitchPage(PageDirection(wParam));
+        return 0;
+    }
+    return DefSubclassProc(control, message, wParam, lParam);
+}
+
+INT_PTR dlgOptions::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case WM_INITDIALOG: Initialise(); return FALSE;
+        case WM_COMMAND: OnCommand(LOWORD(wParam), HIWORD(wParam)); return TRUE;
+        case WM_DRAWITEM: Draw(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
+        case WM_NOTIFY:
+            if (reinterpret_cast<const NMHDR*>(lParam)->code == TCN_SELCHANGE)
+                ShowPage(TabCtrl_GetCurSel(GetDlgItem(m_dialog, tabOptions)));
+            return TRUE;
+        case WM_HELP:
+            if (m_calls.help) m_calls.help(m_dialog);
+            return TRUE;
+        default: return FALSE;
+    }
+}
+
+void dlgOptions::Initialise() {
+    MakePages();
+    FillLists();
+    const OptionEntries entries = ShowOptions(*m_values, m_format.decimalSeparator);
+    FillGeneral(entries);
+    FillSpectrogram(entries);
+    FillExport(entries);
+    const auto listen = [](HWND control, LPARAM self) -> BOOL {
+        SetWindowSubclass(control, PageKeys, 1, static_cast<DWORD_PTR>(self));
+        return TRUE;
+    };
+    EnumChildWindows(m_dialog, listen, reinterpret_cast<LPARAM>(this));
+    m_page = 0;
+    ShowWindow(m_pages[0], SW_SHOW);
+    SetFocus(GetNextDlgTabItem(m_pages[0], nullptr, FALSE));
+}
+
+void dlgOptions::MakePages() {
+    const HWND tabs = GetDlgItem(m_dialog, tabOptions);
+    for (int page = 0; page < kOptionPages; ++page) {
+        std::wstring caption = Wide(m_services.Text(IDS_OPT_TAB_0 + page));
+        TCITEMW item{};
+        item.mask = TCIF_TEXT;
+        item.pszText = caption.data();
+        SendPointer(tabs, TCM_INSERTITEMW, static_cast<WPARAM>(page), &item);
+    }
+    RECT inner{};
+    GetClientRect(tabs, &inner);
+    SendPointer(tabs, TCM_ADJUSTRECT, FALSE, &inner);
+    MapWindowPoints(tabs, m_dialog, reinterpret_cast<POINT*>(&inner), 2);
+    for (int page = 0; page < kOptionPages; ++page) {
+        const DialogTemplate controls = OptionsPage(m_services, page);
+        const HWND window =
+            CreateDialogIndirectParamW(GetModuleHandleW(nullptr), controls.Get(), m_dialog, PageProcedure, 0);
+        m_pages[static_cast<std::size_t>(page)] = window;
+        SetWindowLongPtrW(window, GWLP_ID, pbTab + page);
+        // In front of the strip, and so first in the order of keys.
+        SetWindowPos(window, HWND_TOP, inner.left, inner.top, inner.right - inner.left, inner.bottom - inner.top,
+                     SWP_NOACTIVATE);
+        EnableThemeDialogTexture(window, ETDT_ENABLETAB);
+    }
+}
+
+void dlgOptions::FillLists() {
+    for (int unit = 0; unit < kTimeUnits; ++unit) AddLine(cboTime, m_services.Text(IDS_OPT_TIMEUNIT_0 + unit));
+    AddLine(cboDigits, m_services.Text(IDS_OPT_AUTO));
+    for (int digits = 1; digits < kDigitCounts; ++digits) AddLine(cboDigits, Decimal(digits));
+    for (const std::u16string_view scale : kAmplitudeScales) AddLine(cboAmpScale, scale);
+    for (const std::u16string_view range : kDecibelRanges) AddLine(cboDBRange, range);
+    for (int window = 0; window < 4; ++window) AddLine(cboFFTWindow, m_services.Text(IDS_OPT_WINDOW_0 + window));
+    for (int size = 0; size < kFftSizes; ++size) AddLine(cboFFTSize, Decimal(FftSize(size)));
+}
+
+void dlgOptions::Draw(const DRAWITEMSTRUCT& item) {
+    if (item.CtlID == pbGridColor) return DrawSwatch(item, m_gridColor);
+    // A static control with an image would do, but not every version of the common controls shows cursors.
+    DrawThemeParentBackground(item.hwndItem, item.hDC, nullptr);
+    const SIZE size = GraphCursor::Size();
+    m_cursors.Draw(item.hDC, (item.rcItem.right - size.cx) / 2, (item.rcItem.bottom - size.cy) / 2,
+                   static_cast<int>(item.CtlID) - imgCur);
+}
+
+void dlgOptions::FillGeneral(const OptionEntries& entries) {
+    Choose(optTime, 3, entries.timeFormat);
+    SetPosition(cboTime, entries.timeIndex);
+    Choose(optScale, 2, entries.scaleFormat);
+    Tick(chkUnitScaling, entries.unitScaling);
+    Choose(optDigits, 2, entries.digitsType);
+    SetPosition(cboDigits, entries.digitsCount);
+    m_gridColor = entries.gridColor;
+    Choose(optGridStyle, 3, entries.gridStyle);
+    Choose(optCursor, 4, entries.waveformCursor);
+}
+
+void dlgOptions::FillSpectrogram(const OptionEntries& entries) {
+    Choose(optFFTPalette, 3, entries.palette);
+    Choose(optSpectrumType, 2, entries.spectrumType);
+    SetWindowTextW(Control(cboAmpScale), Wide(entries.amplitudeScale).c_str());
+    SetWindowTextW(Control(cboDBRange), Wide(entries.decibelRange).c_str());
+    SetPosition(cboFFTWindow, entries.window);
+    SetPosition(cboFFTSize, entries.fftSize);
+    ShowBinWidth();
+}
+
+void dlgOptions::FillExport(const OptionEntries& entries) {
+    Tick(chkXColumn, entries.xColumn);
+    Choose(optXFormat, 2, entries.xFormat);
+    EnableXFormat();
+    Tick(chkRowHead, entries.rowHead);
+    Tick(chkRowSize, entries.rowSize);
+    Tick(chkRowRate, entries.rowRate);
+    Tick(chkRowStep, entries.rowStep);
+    Choose(optFile, 2, entries.fileType);
+    Choose(optCh, 2, entries.channels);
+    SetWindowTextW(Control(txtFastFile), Wide(entries.fastFile).c_str());
+}
+
+OptionEntries dlgOptions::Entries() const {
+    OptionEntries entries;
+    entries.timeFormat = Chosen(optTime, 3);
+    entries.timeIndex = Position(cboTime);
+    entries.scaleFormat = Chosen(optScale, 2);
+    entries.unitScaling = IsTicked(chkUnitScaling);
+    entries.digitsType = Chosen(optDigits, 2);
+    entries.digitsCount = Position(cboDigits);
+    entries.gridColor = m_gridColor;
+    entries.gridStyle = Chosen(optGridStyle, 3);
+    entries.waveformCursor = Chosen(optCursor, 4);
+    entries.palette = Chosen(optFFTPalette, 3);
+    entries.spectrumType = Chosen(optSpectrumType, 2);
+    entries.amplitudeScale = Typed(cboAmpScale);
+    entries.decibelRange = Typed(cboDBRange);
+    entries.window = Position(cboFFTWindow);
+    entries.fftSize = Position(cboFFTSize);
+    entries.xColumn = IsTicked(chkXColumn);
+    entries.xFormat = Chosen(optXFormat, 2);
+    entries.rowHead = IsTicked(chkRowHead);
+    entries.rowSize = IsTicked(chkRowSize);
+    entries.rowRate = IsTicked(chkRowRate);
+    entries.rowStep = IsTicked(chkRowStep);
+    entries.fileType = Chosen(optFile, 2);
+    entries.channels = Chosen(optCh, 2);
+    entries.fastFile = Typed(txtFastFile);
+    return entries;
+}
+
+void dlgOptions::ShowPage(int page) {
+    if (page < 0 || page >= kOptionPages || page == m_page) return;
+    const HWND before = m_pages[static_cast<std::size_t>(std::exchange(m_page, page))];
+    const HWND window = m_pages[static_cast<std::size_t>(page)];
+    ShowWindow(window, SW_SHOW);
+    // Keys must not go on to what is hidden.
+    if (IsChild(before, GetFocus()))
+        SendMessageW(m_dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetNextDlgTabItem(window, nullptr, FALSE)),
+                     TRUE);
+    ShowWindow(before, SW_HIDE);
+}
+
+void dlgOptions::SwitchPage(int direction) {
+    const int page = (m_page + direction + kOptionPages) % kOptionPages;
+    TabCtrl_SetCurSel(GetDlgItem(m_dialog, tabOptions), page);
+    ShowPage(page);
+}
+
+void dlgOptions::OnCommand(int id, int notification) {
+    if (id == cboFFTSize && notification == CBN_SELCHANGE) ShowBinWidth();
+    // Also the number of STN_CLICKED and of a command by a key.
+    if (notification != BN_CLICKED) return;
+    if (id >= imgCur && id < imgCur + GraphCursor::kStyles) return Choose(optCursor, GraphCursor::kStyles, id - imgCur);
+    switch (id) {
+        case cmdOk:
+            m_changes = ApplyOptions(Entries(), m_format.decimalSeparator, *m_values);
+            EndDialog(m_dialog, IDOK);
+            break;
+        case cmdCancel: EndDialog(m_dialog, IDCANCEL); break;
+        case cmdHelp: SendHelpKey(); break;
+        case chkXColumn: EnableXFormat(); break;
+        case pbGridColor: ChooseColor(); break;
+        case cmdBrowse: Browse(); break;
+        default: break;
+    }
+}
+
+void dlgOptions::ChooseColor() {
+    const std::wstring title = Wide(m_services.Text(IDS_OPT_COLOR));
+    m_gridColor = ChooseTraceColor(m_dialog, title, m_gridColor).value_or(m_gridColor);
+    InvalidateRect(Control(pbGridColor), nullptr, FALSE);
+}
+
+void dlgOptions::Browse() {
+    std::u16string name = Typed(txtFastFile);
+    if (m_calls.chooseFastFile && m_calls.chooseFastFile(m_dialog, name))
+        SetWindowTextW(Control(txtFastFile), Wide(name).c_str());
+}
+
+void dlgOptions::ShowBinWidth() {
+    SetWindowTextW(Control(lblFFTPersent), Wide(BinWidthText(m_sampleRate, Position(cboFFTSize), m_format)).c_str());
+}
+
+void dlgOptions::EnableXFormat() {
+    for (int button = 0; button < 2; ++button) EnableWindow(Control(optXFormat + button), IsTicked(chkXColumn));
+}
+
+void dlgOptions::SendHelpKey() {
+    RunPendingMessages();
+    if (!IsWindowVisible(m_dialog)) return;  // one of them closed it
+    INPUT keys[2]{};
+    keys[0].type = keys[1].type = INPUT_KEYBOARD;
+    keys[0].ki.wVk = keys[1].ki.wVk = VK_F1;
+    keys[1].ki.dwFlags = KEYEVENTF_KEYUP;
+    // The key goes to the window in front, whichever that is.
+    const bool sent = GetForegroundWindow() == m_dialog && SendInput(2, keys, sizeof keys[0]) == 2;
+    if (!sent) SendMessageW(m_dialog, WM_HELP, 0, 0);
+}
+
+void dlgOptions::RunPendingMessages() {
+    // Not without end where messages keep coming.
+    constexpr int most = 1000;
+    MSG message{};
+    for (int count = 0; count < most && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++count) {
+        if (message.message == WM_QUIT) return PostQuitMessage(static_cast<int>(message.wParam));
+        if (IsDialogMessageW(m_dialog, &message) != FALSE) continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+HWND dlgOptions::Control(int id) const {
+    constexpr int perPage = 100;
+    return GetDlgItem(m_pages[static_cast<std::size_t>(id / perPage - 1)], id);
+}
+
+int dlgOptions::Chosen(int firstButton, int count) const {
+    for (int position = 0; position < count; ++position)
+        if (IsTicked(firstButton + position)) return position;
+    return -1;
+}
+
+void dlgOptions::Choose(int firstButton, int count, int position) {
+    // Without a choice the first button stays the one that Tab leads to.
+    if (position < 0) return;
+    CheckRadioButton(GetParent(Control(firstButton)), firstButton, firstButton + count - 1, firstButton + position);
+}
+
+bool dlgOptions::IsTicked(int id) const {
+    return SendMessageW(Control(id), BM_GETCHECK, 0, 0) == BST_CHECKED;
+}
+
+void dlgOptions::Tick(int id, bool ticked) {
+    SendMessageW(Control(id), BM_SETCHECK, ticked ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+int dlgOptions::Position(int list) const {
+    return static_cast<int>(SendMessageW(Control(list), CB_GETCURSEL, 0, 0));
+}
+
+void dlgOptions::SetPosition(int list, int position) {
+    SendMessageW(Control(list), CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+}
+
+void dlgOptions::AddLine(int list, std::u16string_view text) {
+    SendPointer(Control(list), CB_ADDSTRING, 0, Wide(text).c_str());
+}
+
+}  // namespace quillon

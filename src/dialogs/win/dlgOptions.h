@@ -1,0 +1,85 @@
+#pragma once
+
+#include <array>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "data/UserServices.h"
+#include "dialogs/OptionsModel.h"
+#include "dialogs/win/OptionsLayout.h"
+#include "view/win/GraphCursor.h"
+
+namespace quillon {
+
+/// What the options dialog asks of its owner. Both may throw.
+struct OptionsCalls {
+    /// Lets the user choose the file of the fast export; true with the name changed when the user confirms.
+    std::function<bool(HWND dialog, std::u16string& name)> chooseFastFile;
+    /// Opens the help for the dialog.
+    std::function<void(HWND dialog)> help;
+};
+
+/// The modal dialog of the display, spectrogram and text-export settings. OK stores all entries at once, Cancel none;
+/// numbers out of range are passed over without a message and their settings stay.
+class dlgOptions {
+  public:
+    /// The sampling rate, in Hz, is that of the loaded block; 0 without one.
+    dlgOptions(const UserServices& services, OptionsCalls calls, const FormatOptions& format, double sampleRate);
+    dlgOptions(const dlgOptions&) = delete;
+    dlgOptions& operator=(const dlgOptions&) = delete;
+
+    /// Returns what the stored values ask of the spectrogram, none when the user cancels. What a call threw closes the
+    /// dialog as Cancel does and is thrown on.
+    [[nodiscard]] std::optional<OptionChanges> Show(HWND owner, OptionValues& values);
+
+  private:
+    static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    static INT_PTR CALLBACK PageProcedure(HWND page, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK PageKeys(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                     DWORD_PTR self);
+    INT_PTR Handle(UINT message, WPARAM wParam, LPARAM lParam);
+    void Initialise();
+    void MakePages();
+    void FillLists();
+    void Draw(const DRAWITEMSTRUCT& item);
+    void FillGeneral(const OptionEntries& entries);
+    void FillSpectrogram(const OptionEntries& entries);
+    void FillExport(const OptionEntries& entries);
+    [[nodiscard]] OptionEntries Entries() const;
+    void ShowPage(int page);
+    void SwitchPage(int direction);
+    void OnCommand(int id, int notification);
+    void ChooseColor();
+    void Browse();
+    void ShowBinWidth();
+    void EnableXFormat();
+    void SendHelpKey();
+    void RunPendingMessages();
+
+    [[nodiscard]] HWND Control(int id) const;
+    [[nodiscard]] int Chosen(int firstButton, int count) const;
+    void Choose(int firstButton, int count, int position);
+    [[nodiscard]] bool IsTicked(int id) const;
+    void Tick(int id, bool ticked);
+    [[nodiscard]] int Position(int list) const;
+    void SetPosition(int list, int position);
+    [[nodiscard]] std::u16string Typed(int id) const { return Narrow16(WindowText(Control(id))); }
+    void AddLine(int list, std::u16string_view text);
+
+    const UserServices& m_services;
+    OptionsCalls m_calls;
+    FormatOptions m_format;
+    double m_sampleRate;
+    OptionValues* m_values = nullptr;
+    std::optional<OptionChanges> m_changes;
+    std::exception_ptr m_failure;
+    HWND m_dialog = nullptr;
+    std::array<HWND, kOptionPages> m_pages{};
+    int m_page = 0;
+    int m_gridColor = 0;
+    GraphCursor m_cursors;
+};
+
+}  // namespace quillon

@@ -1,0 +1,138 @@
+#include "dialogs/OptionsModel.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "app/OptionSettings.h"
+
+namespace quillon {
+namespace {
+
+/// What OK does after some entries were edited.
+template <typename Edit>
+OptionChanges Apply(OptionValues& values, char16_t separator, Edit edit) {
+    OptionEntries entries = ShowOptions(values, separator);
+    edit(entries);
+    return ApplyOptions(entries, separator, values);
+}
+
+TEST(OptionsModel, ShowsStoredNumbersByPosition) {
+    OptionValues values;
+    values.waveformCursor = 6;
+    values.gridColor = -17;
+    values.spectrum.order = 11;
+    values.spectrum.amplitudeScale = 33.3F;
+    OptionEntries entries = ShowOptions(values, u',');
+    EXPECT_EQ(entries.waveformCursor, 2);
+    EXPECT_EQ(entries.gridColor, 1) << "as the grid is drawn";
+    EXPECT_EQ(FftSize(entries.fftSize), 2048);
+    EXPECT_EQ(entries.amplitudeScale, u"33,3");
+    EXPECT_EQ(entries.decibelRange, u"120");
+    values.waveformCursor = values.gridColor = std::numeric_limits<std::int16_t>::min();
+    entries = ShowOptions(values, u'.');
+    EXPECT_EQ(entries.waveformCursor, 0);
+    EXPECT_EQ(entries.gridColor, 0);
+}
+
+TEST(OptionsModel, KeepsWhatItCannotShow) {
+    OptionValues values;
+    values.timeFormat = values.scaleFormat = values.digitsType = values.gridStyle = 9;
+    values.timeIndex = -4;
+    values.digitsCount = 12;
+    values.gridColor = 35;
+    values.waveformCursor = -6;
+    values.spectrum = {9, -1, 9, std::numeric_limits<float>::infinity(), 3000.0F, 14};
+    values.exportXColumn = values.exportRowStep = -1;
+    values.exportXFormat = values.exportFileType = values.exportChannels = -2;
+    const OptionEntries shown = ShowOptions(values, u'.');
+    for (const int none : {shown.timeFormat, shown.timeIndex, shown.scaleFormat, shown.digitsType, shown.digitsCount,
+                           shown.gridStyle, shown.palette, shown.spectrumType, shown.window, shown.fftSize,
+                           shown.xFormat, shown.fileType, shown.channels})
+        EXPECT_EQ(none, -1);
+    EXPECT_TRUE(shown.xColumn && shown.rowStep);
+
+    OptionValues expected = values;
+    EXPECT_EQ(Apply(values, u'.', [](OptionEntries&) {}), OptionChanges{});
+    EXPECT_EQ(values, expected);
+    const OptionChanges changes = Apply(values, u'.', [](OptionEntries& entries) {
+        entries.window = 0;
+        entries.rowStep = false;
+        entries.waveformCursor = 3;
+    });
+    EXPECT_EQ(changes, (OptionChanges{false, true, false, true}));
+    expected.spectrum.window = 0;
+    expected.exportRowStep = 0;
+    expected.waveformCursor = 3;
+    EXPECT_EQ(values, expected);
+}
+
+TEST(OptionsModel, TellsWhatOfTheSpectrogramIsToBeMadeAnew) {
+    const auto changesOf = [](auto edit) {
+        OptionValues values;
+        return Apply(values, u'.', edit);
+    };
+    const auto sameNumbers = [](OptionEntries& entries) {
+        entries.timeFormat = 2;
+        entries.fastFile = u"fast.txt";
+        entries.amplitudeScale = u" 100,0 ";
+        entries.decibelRange = u"1.2e2";
+    };
+    const OptionChanges redrawn{false, false, false, true};
+    EXPECT_EQ(changesOf(sameNumbers), OptionChanges{});
+    EXPECT_EQ(changesOf([](auto& entries) { entries.palette = 2; }), (OptionChanges{true, false, false, true}));
+    EXPECT_EQ(changesOf([](auto& entries) { entries.window = 2; }), (OptionChanges{false, true, false, true}));
+    EXPECT_EQ(changesOf([](auto& entries) { entries.fftSize = 6; }), (OptionChanges{false, false, true, true}));
+    EXPECT_EQ(changesOf([](auto& entries) { entries.spectrumType = 1; }), redrawn);
+    EXPECT_EQ(changesOf([](auto& entries) { entries.amplitudeScale = u"50"; }), redrawn);
+    EXPECT_EQ(changesOf([](auto& entries) { entries.decibelRange = u"60"; }), redrawn);
+    OptionValues values;
+    Apply(values, u'.', [](OptionEntries& entries) { entries.fftSize = 6; });
+    EXPECT_EQ(values.spectrum.order, 11);
+}
+
+TEST(OptionsModel, TakesNumbersWithinTheirLimitsOnly) {
+    const auto typed = [](const char16_t* scaling, const char16_t* range, char16_t separator = u'.') {
+        OptionValues values;
+        Apply(values, separator, [&](OptionEntries& entries) {
+            entries.amplitudeScale = scaling;
+            entries.decibelRange = range;
+        });
+        return std::pair(values.spectrum.amplitudeScale, values.spectrum.decibelRange);
+    };
+    const std::pair kept(100.0F, 120.0F);
+    for (const char16_t* number : {u"0", u"-5", u"abc", u"", u" ", u"1e999", u"1e39", u"1e-60", u"nan", u"inf", u"1 %",
+                                   u"1,000.5", u"5 0", u"٣"})
+        EXPECT_EQ(typed(number, number), kept);
+    for (const char16_t* range : {u"250", u"9.9", u"200.1", u"-60"}) EXPECT_EQ(typed(u"100", range), kept);
+    EXPECT_EQ(typed(u"12.5", u"10"), std::pair(12.5F, 10.0F));
+    EXPECT_EQ(typed(u"12,5", u"200"), std::pair(12.5F, 200.0F));
+    EXPECT_EQ(typed(u"12.5", u"\u00A0 1e2 ", u','), std::pair(12.5F, 100.0F));
+    EXPECT_EQ(typed(u"12\u066B5", u"60", u'\u066B'), std::pair(12.5F, 60.0F));
+}
+
+TEST(OptionsModel, TellsTheWidthOfABin) {
+    FormatOptions format;
+    format.decimalSeparator = u',';
+    EXPECT_EQ(BinWidthText(250.0, 3, format), u"0,977 Hz");
+    EXPECT_EQ(BinWidthText(0.0, 3, format), u"") << "no block";
+    EXPECT_EQ(BinWidthText(250.0, -1, format), u"") << "no size";
+}
+
+// Each setting has a number of its own, so that none can be taken for another.
+TEST(OptionSettings, GoToTheDialogAndBack) {
+    OptionValues values{1,  2,  3,  true, 4,  5,  6,  7,  8,   {9, 10, 11, 12.0F, 13.0F, 14},
+                        15, 16, 17, 18,   19, 20, 21, 22, u"f"};
+    Settings settings;
+    settings.helpLanguage = 2;
+    StoreOptions(values, settings);
+    EXPECT_EQ(OptionsOf(settings), values);
+    EXPECT_EQ(settings.helpLanguage, 2);
+    EXPECT_EQ(settings.digitsCount, values.digitsCount);
+    EXPECT_EQ(settings.exportXFormat, values.exportXFormat);
+    EXPECT_EQ(settings.exportRowRate, values.exportRowRate);
+    EXPECT_EQ(settings.exportFileType, values.exportFileType);
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,369 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <stdexcept>
+
+#include "app/win/MainWindowFixture.h"
+#include "app/win/WinHandle.h"
+#include "app/win/WinServices.h"
+#include "base/Text.h"
+#include "dialogs/win/ColorChooser.h"
+#include "dialogs/win/dlgOptions.h"
+#include "view/win/GDI_Utils.h"
+
+namespace quillon::testing {
+namespace {
+
+bool WaitUntil(const std::function<bool()>& condition) {
+    const ULONGLONG end = GetTickCount64() + 8000;
+    while (!condition()) {
+        if (GetTickCount64() > end) return false;
+        SwitchToThread();
+    }
+    return true;
+}
+
+std::vector<HWND> Descendants(HWND window) {
+    std::vector<HWND> all;
+    const auto add = [](HWND child, LPARAM list) -> BOOL {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+    };
+    EnumChildWindows(window, add, reinterpret_cast<LPARAM>(&all));
+    return all;
+}
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    return name;
+}
+
+/// The dialog as a user sees it, driven from another thread through its own controls.
+class OptionsUser {
+  public:
+    explicit OptionsUser(HWND dialog) : m_dialog(dialog) {}
+    [[nodiscard]] HWND Control(int id) const {
+        for (const HWND window : Descendants(m_dialog))
+            if (GetDlgCtrlID(window) == id && GetParent(GetParent(window)) != nullptr) return window;
+        return GetDlgItem(m_dialog, id);
+    }
+    void Click(int id) const { SendMessageW(Control(id), BM_CLICK, 0, 0); }
+    [[nodiscard]] bool IsTicked(int id) const { return SendMessageW(Control(id), BM_GETCHECK, 0, 0) == BST_CHECKED; }
+    [[nodiscard]] int Position(int id) const { return static_cast<int>(SendMessageW(Control(id), CB_GETCURSEL, 0, 0)); }
+    void SetPosition(int id, int position) const {
+        SendMessageW(Control(id), CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+        SendMessageW(GetParent(Control(id)), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(Control(id)));
+    }
+    void Type(int id, const wchar_t* text) const { SendPointer(Control(id), WM_SETTEXT, 0, text); }
+    [[nodiscard]] std::wstring Text(int id) const {
+        wchar_t text[260] = {};
+        SendPointer(Control(id), WM_GETTEXT, 260, text);
+        return text;
+    }
+    void Press(int button) const { PostMessageW(m_dialog, WM_COMMAND, static_cast<WPARAM>(button), 0); }
+    /// A key of the keyboard, with a modifier or 0.
+    static void Key(WORD key, WORD modifier = 0) {
+        INPUT inputs[4]{};
+        UINT count = 0;
+        const auto add = [&](WORD code, DWORD flags) {
+            if (code == 0) return;
+            inputs[count].type = INPUT_KEYBOARD;
+            inputs[count].ki.wVk = code;
+            inputs[count++].ki.dwFlags = flags;
+        };
+        add(modifier, 0);
+        add(key, 0);
+        add(key, KEYEVENTF_KEYUP);
+        add(modifier, KEYEVENTF_KEYUP);
+        SendInput(count, inputs, sizeof(INPUT));
+    }
+    [[nodiscard]] bool IsShown(int page) const { return IsWindowVisible(GetDlgItem(m_dialog, pbTab + page)) != FALSE; }
+    /// The focus of the dialog's thread.
+    [[nodiscard]] HWND Focus() const {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof info;
+        GetGUIThreadInfo(GetWindowThreadProcessId(m_dialog, nullptr), &info);
+        return info.hwndFocus;
+    }
+    [[nodiscard]] HWND Dialog() const { return m_dialog; }
+
+  private:
+    HWND m_dialog;
+};
+
+class OptionsDialog : public ::testing::Test {
+  protected:
+    /// Opens the dialog and lets the user act on it.
+    std::optional<OptionChanges> Show(const std::function<void(const OptionsUser&)>& act,
+                                      Language language = Language::English, double sampleRate = 250.0) {
+        const WinServices services(language);
+        dlgOptions dialog(services, m_calls, {}, sampleRate);
+        const DialogAnswer answer([&](HWND window) {
+            act(OptionsUser(window));
+            // A test that has failed must not wait for ever.
+            PostMessageW(window, WM_COMMAND, cmdCancel, 0);
+        });
+        return dialog.Show(nullptr, m_values);
+    }
+
+    OptionValues m_values;
+    OptionsCalls m_calls;
+};
+
+TEST_F(OptionsDialog, OkStoresWhatTheControlsHold) {
+    m_values.waveformCursor = 6;
+    m_calls.chooseFastFile = [](HWND, std::u16string& name) {
+        name += u"\\fast.txt";
+        return true;
+    };
+    const auto changes = Show([](const OptionsUser& user) {
+        EXPECT_TRUE(user.IsTicked(optCursor + 2));
+        EXPECT_EQ(user.Text(cboAmpScale), L"100");
+        EXPECT_EQ(user.Text(lblFFTPersent), L"0.977 Hz");
+        EXPECT_FALSE(IsWindowEnabled(user.Control(optXFormat)));
+        user.Click(optTime + 2);
+        user.SetPosition(cboTime, 4);
+        user.Click(optScale + 1);
+        user.Click(chkUnitScaling);
+        user.Click(optDigits + 1);
+        user.SetPosition(cboDigits, 3);
+        user.Click(optGridStyle + 2);
+        SendMessageW(GetParent(user.Control(imgCur)), WM_COMMAND, MAKEWPARAM(imgCur + 1, STN_CLICKED), 0);
+        user.Click(optSpectrumType + 1);
+        user.Click(optFFTPalette + 2);
+        user.Type(cboAmpScale, L"12,5");
+        user.Type(cboDBRange, L"250");
+        user.SetPosition(cboFFTWindow, 2);
+        user.SetPosition(cboFFTSize, 6);
+        EXPECT_EQ(user.Text(lblFFTPersent), L"0.122 Hz");
+        user.Click(chkXColumn);
+        EXPECT_TRUE(IsWindowEnabled(user.Control(optXFormat)));
+        user.Click(optXFormat + 1);
+        for (const int row : {chkRowHead, chkRowSize, chkRowRate, chkRowStep}) user.Click(row);
+        user.Click(optFile + 1);
+        user.Click(optCh + 1);
+        user.Type(txtFastFile, L"C:");
+        user.Click(cmdBrowse);
+        EXPECT_EQ(user.Text(txtFastFile), L"C:\\fast.txt");
+        user.Press(cmdOk);
+    });
+    EXPECT_EQ(changes, (OptionChanges{true, true, true, true}));
+    const SpectrumSettings spectrum{1, 2, 2, 12.5F, 120.0F, 11};
+    EXPECT_EQ(m_values,
+              (OptionValues{2, 4, 1, true, 1, 3, 0, 2, 1, spectrum, 1, 1, 1, 1, 1, 1, 1, 1, u"C:\\fast.txt"}));
+
+    const auto again = Show([](const OptionsUser& user) {
+        EXPECT_EQ(user.Text(cboAmpScale), L"12.5");
+        EXPECT_EQ(user.Text(cboDBRange), L"120") << "the refused entry is gone";
+        user.Press(cmdOk);
+    });
+    EXPECT_EQ(again, OptionChanges{});
+}
+
+TEST_F(OptionsDialog, CancelAndEscapeStoreNothing) {
+    for (const bool escape : {false, true}) {
+        const auto changes = Show([&](const OptionsUser& user) {
+            user.Click(optTime + 1);
+            user.Type(cboAmpScale, L"50");
+            user.Click(chkXColumn);
+            if (escape) PostMessageW(user.Control(optTime), WM_KEYDOWN, VK_ESCAPE, 0);
+        });
+        EXPECT_FALSE(changes);
+        EXPECT_EQ(m_values, OptionValues{});
+    }
+}
+
+TEST_F(OptionsDialog, LeavesNumbersThatItCannotShow) {
+    m_values.timeFormat = 7;
+    m_values.timeIndex = -1;
+    m_values.spectrum.window = 9;
+    m_values.spectrum.order = 20;
+    const OptionValues stored = m_values;
+    const auto changes = Show(
+        [](const OptionsUser& user) {
+            for (int button = 0; button < 3; ++button) EXPECT_FALSE(user.IsTicked(optTime + button));
+            EXPECT_EQ(user.Position(cboFFTWindow), -1);
+            EXPECT_EQ(user.Text(lblFFTPersent), L"");
+            // Passing over a group of which none is chosen chooses none.
+            for (int tab = 0; tab < 3; ++tab) PostMessageW(user.Focus(), WM_KEYDOWN, VK_TAB, 0);
+            PostMessageW(user.Focus(), WM_KEYDOWN, VK_RETURN, 0);
+        },
+        Language::Russian, 0.0);
+    EXPECT_EQ(changes, OptionChanges{});
+    EXPECT_EQ(m_values, stored);
+}
+
+TEST_F(OptionsDialog, SwatchOffersTheTraceColors) {
+    HWND chooser = nullptr;
+    const auto isOpen = [&] {
+        chooser = FindWindowW(L"#32770", L"Select color");
+        return chooser != nullptr && IsWindowVisible(chooser);
+    };
+    Show([&](const OptionsUser& user) {
+        const HWND swatch = user.Control(pbGridColor);
+        PostMessageW(swatch, WM_KEYDOWN, VK_RETURN, 0);
+        ASSERT_TRUE(WaitUntil(isOpen)) << "Enter opens the colours, not OK";
+        EXPECT_EQ(Descendants(chooser).size(), 16U);
+        // Right, down, Enter: the second colour of the second row.
+        const auto focused = [&](int color) {
+            return WaitUntil([&] { return user.Focus() == GetDlgItem(chooser, kFirstColorButton + color); });
+        };
+        EXPECT_TRUE(focused(0));
+        PostMessageW(user.Focus(), WM_KEYDOWN, VK_RIGHT, 0);
+        EXPECT_TRUE(focused(1));
+        PostMessageW(user.Focus(), WM_KEYDOWN, VK_DOWN, 0);
+        EXPECT_TRUE(focused(9));
+        PostMessageW(user.Focus(), WM_KEYDOWN, VK_RETURN, 0);
+        EXPECT_TRUE(WaitUntil([&] { return !isOpen(); }));
+        PostMessageW(swatch, WM_KEYDOWN, VK_RETURN, 0);
+        ASSERT_TRUE(WaitUntil(isOpen));
+        EXPECT_TRUE(focused(9)) << "the present one";
+        PostMessageW(chooser, WM_COMMAND, IDCANCEL, 0);
+        EXPECT_TRUE(WaitUntil([&] { return !isOpen(); }));
+        user.Press(cmdOk);
+    });
+    EXPECT_EQ(m_values.gridColor, 9);
+}
+
+TEST_F(OptionsDialog, KeysAndTabsChangePages) {
+    Show([](const OptionsUser& user) {
+        SetForegroundWindow(user.Dialog());
+        ASSERT_TRUE(WaitUntil([&] { return GetForegroundWindow() == user.Dialog(); }));
+        const auto isOn = [&](int page) {
+            return WaitUntil([&] {
+                return user.IsShown(page) && !user.IsShown((page + 1) % 3) && !user.IsShown((page + 2) % 3) &&
+                       IsChild(GetDlgItem(user.Dialog(), pbTab + page), user.Focus()) &&
+                       SendMessageW(user.Control(tabOptions), TCM_GETCURSEL, 0, 0) == page;
+            });
+        };
+        EXPECT_TRUE(isOn(0));
+        OptionsUser::Key(VK_TAB, VK_CONTROL);
+        EXPECT_TRUE(isOn(1));
+        OptionsUser::Key('N', VK_MENU);
+        EXPECT_TRUE(WaitUntil([&] { return user.IsTicked(optSpectrumType + 1); })) << "mnemonics of the page shown";
+        OptionsUser::Key(VK_NEXT, VK_CONTROL);
+        EXPECT_TRUE(isOn(2));
+        OptionsUser::Key(VK_NEXT, VK_CONTROL);
+        EXPECT_TRUE(isOn(0));
+        OptionsUser::Key(VK_PRIOR, VK_CONTROL);
+        EXPECT_TRUE(isOn(2));
+        RECT tab{};
+        SendPointer(user.Control(tabOptions), TCM_GETITEMRECT, 1, &tab);
+        const LPARAM place = MAKELPARAM((tab.left + tab.right) / 2, (tab.top + tab.bottom) / 2);
+        PostMessageW(user.Control(tabOptions), WM_LBUTTONDOWN, MK_LBUTTON, place);
+        PostMessageW(user.Control(tabOptions), WM_LBUTTONUP, 0, place);
+        EXPECT_TRUE(WaitUntil([&] { return user.IsShown(1) && !user.IsShown(2); }));
+        OptionsUser::Key(VK_ESCAPE);
+        EXPECT_TRUE(WaitUntil([&] { return IsWindow(user.Dialog()) == FALSE; }));
+    });
+}
+
+TEST_F(OptionsDialog, HelpOpensByButtonAndKey) {
+    m_calls.help = [](HWND) { throw std::runtime_error("no help"); };
+    EXPECT_THROW(Show([](const OptionsUser& user) { SendMessageW(user.Dialog(), WM_HELP, 0, 0); }), std::runtime_error);
+    std::atomic<int> asked = 0;
+    std::atomic<HWND> about = nullptr;
+    m_calls.help = [&](HWND dialog) {
+        about = dialog;
+        ++asked;
+    };
+    Show([&](const OptionsUser& user) {
+        SetForegroundWindow(user.Dialog());
+        ASSERT_TRUE(WaitUntil([&] { return GetForegroundWindow() == user.Dialog(); }));
+        user.Press(cmdHelp);
+        EXPECT_TRUE(WaitUntil([&] { return asked == 1; }));
+        OptionsUser::Key(VK_F1);
+        EXPECT_TRUE(WaitUntil([&] { return asked == 2; }));
+        EXPECT_EQ(about, user.Dialog());
+        user.Press(cmdCancel);
+    });
+}
+
+/// Pixels of a text in a window's font.
+SIZE TextSize(HWND window, std::wstring text) {
+    const WindowDC dc(window);
+    const SelectScope select(dc.Get(), reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0)));
+    std::erase(text, L'&');
+    SIZE size{};
+    GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+    return size;
+}
+
+/// What a control needs besides its text.
+int Surroundings(HWND window) {
+    const int dpi = ScreenDpi();
+    if (ClassOf(window) == L"ComboBox") return GetSystemMetrics(SM_CXVSCROLL) + MulDiv(8, dpi, 96);
+    return ClassOf(window) == L"Button" ? MulDiv(18, dpi, 96) : 0;
+}
+
+void ExpectRoomForTexts(HWND window) {
+    std::vector<std::wstring> texts{WindowText(window)};
+    const LRESULT lines = ClassOf(window) == L"ComboBox" ? SendMessageW(window, CB_GETCOUNT, 0, 0) : 0;
+    for (LRESULT line = 0; line < lines; ++line) {
+        wchar_t text[64] = {};
+        SendPointer(window, CB_GETLBTEXT, static_cast<WPARAM>(line), text);
+        texts.emplace_back(text);
+    }
+    RECT client{};
+    GetClientRect(window, &client);
+    for (const std::wstring& text : texts) {
+        const SIZE size = TextSize(window, text);
+        EXPECT_LE(size.cx + Surroundings(window), client.right) << Utf8(Narrow16(text));
+        EXPECT_LE(text.empty() ? 0 : size.cy, client.bottom) << Utf8(Narrow16(text));
+    }
+}
+
+/// Neighbours may not cover each other, and none may reach over its page's edge.
+void ExpectOwnPlaces(HWND page) {
+    RECT area{};
+    GetWindowRect(page, &area);
+    std::vector<RECT> places;
+    for (HWND window = GetWindow(page, GW_CHILD); window != nullptr; window = GetWindow(window, GW_HWNDNEXT)) {
+        RECT place{};
+        GetWindowRect(window, &place);
+        RECT common{};
+        IntersectRect(&common, &area, &place);
+        EXPECT_TRUE(EqualRect(&common, &place)) << GetDlgCtrlID(window);
+        if ((GetWindowLongW(window, GWL_STYLE) & 0xF) == BS_GROUPBOX && ClassOf(window) == L"Button") continue;
+        for (const RECT& other : places) EXPECT_FALSE(IntersectRect(&common, &other, &place)) << GetDlgCtrlID(window);
+        places.push_back(place);
+    }
+}
+
+std::wstring RepeatedMnemonics(HWND page) {
+    std::wstring seen;
+    std::wstring repeated;
+    for (const HWND window : Descendants(page)) {
+        const std::wstring text = WindowText(window);
+        const std::size_t mark = text.find(L'&');
+        if (mark == std::wstring::npos) continue;
+        wchar_t letter[2] = {text[mark + 1], L'\0'};
+        CharUpperW(letter);
+        (seen.find(letter[0]) == std::wstring::npos ? seen : repeated) += letter[0];
+    }
+    std::sort(repeated.begin(), repeated.end());
+    return repeated;
+}
+
+TEST_F(OptionsDialog, CaptionsFitAndMnemonicsDiffer) {
+    for (const Language language : {Language::English, Language::Russian}) {
+        Show(
+            [&](const OptionsUser& user) {
+                EXPECT_EQ(WindowText(user.Dialog()), language == Language::English ? L"Options" : L"Настройки");
+                for (const HWND window : Descendants(user.Dialog())) ExpectRoomForTexts(window);
+                for (int page = 0; page < kOptionPages; ++page) {
+                    const HWND window = GetDlgItem(user.Dialog(), pbTab + page);
+                    ExpectOwnPlaces(window);
+                    // The family's English captions share two letters; Alt with one goes from the first to the next.
+                    EXPECT_EQ(RepeatedMnemonics(window), language == Language::English && page == 0 ? L"DS" : L"");
+                }
+            },
+            language);
+    }
+}
+
+}  // namespace
+}  // namespace quillon::testing
