@@ -116,13 +116,6 @@ bool Within(int id, int first, int count) {
     return id >= first && id < first + count;
 }
 
-/// Commands whose part of the program does not exist in this version; they are shown, and cannot be chosen.
-bool IsAbsent(int id) {
-    constexpr std::array absent{mnuSplit + 0,     mnuOptions + 0,   mnuSoundPlay + 0,
-                                mnuSoundPlay + 1, mnuSoundPlay + 2, mnuSoundCard + 0};
-    return std::find(absent.begin(), absent.end(), id) != absent.end();
-}
-
 }  // namespace
 
 std::span<const MenuEntry> MenuTree() {
@@ -164,16 +157,19 @@ std::u16string ComputedCaption(int id, char16_t separator) {
 }
 
 bool IsEnabled(int id, const QL_Global& global) {
-    if (IsAbsent(id)) return false;
     if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
-    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram) return true;
+    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuOptions) return true;
     if (id == mnuNextPalette) return global.settings.spectrogramShown;
     if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
         return true;
     // A file that was refused can be deleted and renamed as well.
     if (Within(id, mnuFileOperation, 2)) return global.fileSelected;
+    if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard < global.sound.devices;
+    if (id == mnuSoundPlay + 2) return global.sound.playing;
     if (global.block.channelCount == 0) return false;
-    if (id == mnuView || id == mnuStatistics || id == mnuSelect + 2) return global.selection.active;
+    if (Within(id, mnuSoundPlay, 2)) return global.sound.devices > 0 && global.block.sampleCount > 0;
+    if (id == mnuSelect + 2) return global.selection.active || global.sound.playing;
+    if (id == mnuView || id == mnuStatistics) return global.selection.active;
     if (id == mnuView + 2) return !global.history.IsEmpty();
     if (Within(id, mnuMark, 2)) return !global.block.marks.empty();
     if (Within(id, mnuMove, static_cast<int>(kMoves.size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
@@ -191,6 +187,7 @@ bool IsChecked(int id, const QL_Global& global) {
     if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == global.amplitude.Index();
     if (id == mnuSpectrogram) return global.settings.spectrogramShown;
     if (id == mnuSoloChannel) return global.shownBeforeSolo.has_value();
+    if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard == global.sound.device && IsEnabled(id, global);
     if (Within(id, mnuHelpLang, 3)) return id - mnuHelpLang == global.settings.helpLanguage;
     return false;
 }

@@ -29,7 +29,7 @@ enum CommandId : int {
     mnuBaseLine = 1240,
     mnuChShow = 1250,
     mnuSoundPlay = 1260,  ///< 0 channel, 1 all, 2 stop
-    mnuSoundCard = 1300,
+    mnuSoundCard = 1300,  ///< by device
     mnuHelp = 1400,
     mnuHelpLang = 1410,
     mnuPathList = 1500,
@@ -53,6 +53,9 @@ struct Move {
 };
 /// The moves of mnuMove, by index.
 [[nodiscard]] std::span<const Move> Moves();
+
+/// Sound devices that the menu offers at most.
+inline constexpr int kSoundCards = 64;
 
 /// Folders that the path list offers at most.
 inline constexpr int kPathListEntries = 30;

@@ -15,6 +15,7 @@ bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) 
         if (!global.library) throw std::runtime_error("no core library");
         global.exporter = std::make_unique<KVExport>(services, parts.exportSystem);
         global.openText = parts.openText;
+        global.makeSoundOutput = parts.makeSoundOutput;
         global.saveDialog = parts.makeSaveDialog();
         global.systemVersion = parts.systemVersion();
         return true;

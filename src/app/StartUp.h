@@ -18,6 +18,7 @@ struct StartUpParts {
     ExportSystem exportSystem;
     TextSinkFactory openText;
     std::function<std::unique_ptr<SaveFileDialog>()> makeSaveDialog;
+    SoundOutputFactory makeSoundOutput;
 };
 
 /// Creates the process-wide objects. On a failure the user is told (a numbered error by its number, any other as an

@@ -6,6 +6,7 @@
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "kvsound/win/WaveOut.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
 #include "norvik/TextWriter.h"
@@ -64,7 +65,8 @@ StartUpParts SystemParts() {
             MakeTimer,
             {MakeOutputFile, AnsiText, FirstDayOfWeek()},
             OpenText,
-            MakeSaveDialog};
+            MakeSaveDialog,
+            MakeSoundOutput};
 }
 
 int QL_Main(const StartUpParts& parts, int showCommand) {

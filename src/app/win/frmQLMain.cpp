@@ -291,6 +291,7 @@ void frmQLMain::OnActivate(UINT state) {
         // The waveform is what the user waits for; the rest follows.
         UpdateWindow(m_graphBox.Window());
         AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
+        MakeSound();
         if (m_folderMissing)
             m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
     }
@@ -335,6 +336,7 @@ void frmQLMain::OnDestroy() {
     if (m_createFailure) return;
     m_closing = true;
     m_watch.reset();
+    m_sound.reset();
     // Each step runs whatever becomes of the others, and the program ends in any case.
     for (const auto& step :
          std::initializer_list<std::function<void()>>{[&] { KeepSettings(); }, [&] { m_loader.CloseCurrentFile(); },

@@ -19,6 +19,7 @@
 #include "data/win/ChannelLists.h"
 #include "data/win/FileBrowser.h"
 #include "data/win/cFileNotification.h"
+#include "sound/QLSound.h"
 #include "spectrum/QL_FFT.h"
 #include "spectrum/win/SpectrogramView.h"
 #include "view/Readout.h"
@@ -33,8 +34,8 @@ namespace quillon {
 ///
 /// It owns its controls and the painters. The shared state and the services belong to the start-up procedure and
 /// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle) and frmQLMain_*.cpp: Layout, Browser
-/// (files, blocks, channels), Commands (menu and keys), Export, View (moves of the view), Mouse (hover, selection,
-/// wheel), Graph (graph and scales) and Spectrogram.
+/// (files, blocks, channels), Commands (menu and keys), Export, Sound, View (moves of the view), Mouse (hover,
+/// selection, wheel), Graph (graph and scales) and Spectrogram.
 class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
   public:
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
@@ -57,7 +58,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
 
     // What the loader asks for.
     void ResetViewState() override;
-    void StopSound() override {}
+    void StopSound() override;
     [[nodiscard]] std::int32_t BlockItemCount() const override { return m_blocks.Count(); }
     void RemoveBlockItem(std::int32_t position) override { m_blocks.Remove(position); }
     void SetBlockItem(std::int32_t position, const std::u16string& text) override;
@@ -125,7 +126,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     [[nodiscard]] std::wstring CaptionOf(const MenuEntry& entry, int index) const;
     void ShowContextMenu(POINT screen);
     void OnCommand(int id);
-    void OnInitMenu(HMENU menu) const;
+    void OnInitMenu(HMENU menu);
     void Exit(int);
     void SelectTabPath(int page);
     void SelectTabFile(int page);
@@ -174,6 +175,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool HoverStays(HWND box);
     [[nodiscard]] bool OnStrip(int x) const;
     void Hover(int x, int y);
+    /// A band changed in that part of the graph; it runs across the spectrogram too.
+    void InvalidateBand(const RECT& part) const;
     void MoveCursorBand(const std::optional<ColumnBand>& band);
     /// Shows the cursor band at a column and the values of a sample.
     void ShowHover(std::int32_t sample, int column, int row);
@@ -212,6 +215,21 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void FastExport(int);
     void Copy(int index);
     void CopyImage(std::u16string_view target);
+
+    void Split(int);
+    void Options(int);
+
+    // Sound.
+    void MakeSound();
+    void KeepSoundState();
+    void SoundPlay(int index);
+    void SoundCard(int device);
+    void FillSoundCards(HMENU menu);
+    void EndPlayback();
+    void objSound_Started();
+    void objSound_Stopped();
+    void objSound_PlayProgress(std::int32_t sample);
+    void ShowPlayLine();
 
     // Spectrogram.
     void ShowSpectrogram(int);
@@ -298,6 +316,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_folderMissing = false;        ///< it stands for that of the settings, which could not be read
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_scaleFitted = false;          ///< to a block, since the start
+    std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
+    bool m_soundInStatus = false;        ///< "Status" shows the position of the sound
     std::int32_t m_saveType = 1;         ///< chosen last in the Save As dialog
     bool m_busy = false;                 ///< a long command runs
     bool m_changedMeanwhile = false;     ///< files did, while it ran

@@ -271,6 +271,7 @@ void frmQLMain::SelectBlockItem(std::int32_t position) {
 }
 
 void frmQLMain::ResetViewState() {
+    StopSound();
     // A gesture or readout under way concerns what is no longer there.
     EndGesture();
     EndHover();

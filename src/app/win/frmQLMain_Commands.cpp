@@ -79,11 +79,16 @@ void frmQLMain::MakeMenu() {
 void frmQLMain::ShowContextMenu(POINT screen) {
     const Menu menu(CreatePopupMenu());
     FillMenu(menu.Get(), ContextMenu());
-    TrackPopupMenu(menu.Get(), TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, static_cast<int>(screen.x),
-                   static_cast<int>(screen.y), 0, m_window, nullptr);
+    const int chosen = TrackPopupMenu(menu.Get(), TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON | TPM_RETURNCMD,
+                                      static_cast<int>(screen.x), static_cast<int>(screen.y), 0, m_window, nullptr);
+    if (m_window == nullptr) return;
+    if (chosen != 0) OnCommand(chosen);
+    // From elsewhere a command concerns the channel chosen in the list.
+    m_menuChannel = 0;
 }
 
-void frmQLMain::OnInitMenu(HMENU menu) const {
+void frmQLMain::OnInitMenu(HMENU menu) {
+    if (GetMenuItemID(menu, 0) == mnuSoundCard && m_sound) FillSoundCards(menu);
     const int count = GetMenuItemCount(menu);
     for (int position = 0; position < count; ++position) {
         const UINT id = GetMenuItemID(menu, position);
@@ -105,6 +110,10 @@ void frmQLMain::OnCommand(int id) {
         {mnuSaveAs, mnuSaveAs, &frmQLMain::SaveAs},
         {mnuFastExport, mnuFastExport, &frmQLMain::FastExport},
         {mnuCopy, mnuCopy + 1, &frmQLMain::Copy},
+        {mnuSplit, mnuSplit, &frmQLMain::Split},
+        {mnuOptions, mnuOptions, &frmQLMain::Options},
+        {mnuSoundPlay, mnuSoundPlay + 2, &frmQLMain::SoundPlay},
+        {mnuSoundCard, mnuSoundCard + kSoundCards - 1, &frmQLMain::SoundCard},
         {mnuFileOperation, mnuFileOperation + 1, &frmQLMain::FileCommand},
         {mnuExit, mnuExit, &frmQLMain::Exit},
         {mnuTabPath, mnuTabPath + 1, &frmQLMain::SelectTabPath},
@@ -198,8 +207,10 @@ bool frmQLMain::TranslateKey(const MSG& message) {
         ShowContextMenu({graph.left, graph.top});
         return true;
     }
-    const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
+    int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
     if (command == 0) return false;
+    // The key that plays a channel also stops.
+    if (command == mnuSoundPlay && m_global.sound.playing) command = mnuSoundPlay + 2;
     if (alt) m_altUsed = true;
     OnCommand(command);
     return true;

@@ -142,6 +142,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
     if (m_global.block.sampleCount > 0) {
         HideCursorBand();
         ShowSelection();
+        ShowPlayLine();
         if (shift != 0) {
             m_graph.Scroll(Scene(), shift);
         } else {

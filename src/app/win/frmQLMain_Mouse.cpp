@@ -167,7 +167,10 @@ bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
 }
 
 void frmQLMain::MoveCursorBand(const std::optional<ColumnBand>& band) {
-    const RECT part = m_graph.SetBand(GraphBand::Cursor, band);
+    InvalidateBand(m_graph.SetBand(GraphBand::Cursor, band));
+}
+
+void frmQLMain::InvalidateBand(const RECT& part) const {
     InvalidateGraph(part);
     if (m_global.settings.spectrogramShown && !IsRectEmpty(&part)) {
         const RECT columns{part.left, 0, part.right, m_layout.spectrogram.height};
@@ -265,6 +268,7 @@ void frmQLMain::FinishSelection(int x) {
 }
 
 void frmQLMain::Select(int index) {
+    if (index == 2 && m_global.sound.playing) return StopSound();
     if (m_gesture.kind == Gesture::Select) ReleaseCapture();
     Selection& selection = m_global.selection;
     const VisibleRange visible = m_global.axis.Visible();

@@ -79,9 +79,11 @@ void frmQLMain::PaintSpectrogram(int id, HDC dc, const RECT& client) {
         FillWith(dc, client, RGB(0xFF, 0xFF, 0xFF));
     } else {
         m_spectrogram.PaintImage(dc, client, m_fft);
-        // The cursor runs across both pictures.
-        if (const auto& band = m_graph.Band(GraphBand::Cursor))
-            PatBlt(dc, band->left, 0, band->right - band->left + 1, static_cast<int>(client.bottom), DSTINVERT);
+        // These run across both pictures.
+        for (const GraphBand which : {GraphBand::Cursor, GraphBand::Play}) {
+            if (const auto& band = m_graph.Band(which))
+                PatBlt(dc, band->left, 0, band->right - band->left + 1, static_cast<int>(client.bottom), DSTINVERT);
+        }
     }
 }
 

@@ -5,6 +5,8 @@
 
 namespace quillon {
 
+using namespace split_controls;
+
 DialogTemplate MakeSplitTemplate(const UserServices& services, const std::u16string& baseName,
                                  const std::u16string& folder) {
     constexpr DWORD group = BS_GROUPBOX;

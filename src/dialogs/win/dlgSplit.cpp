@@ -18,6 +18,8 @@
 
 namespace quillon {
 
+using namespace split_controls;
+
 namespace {
 
 class SplitDialog {

@@ -13,6 +13,8 @@
 
 namespace quillon {
 
+namespace split_controls {
+
 /// The dialog's controls. Those of an array have consecutive numbers: the first is of the mode by time and of names by
 /// number, the second of the mode by samples and of names by samples.
 enum SplitControl : int {
@@ -37,6 +39,8 @@ enum SplitControl : int {
     lblPieces = 121,
     lblStatus = 122,
 };
+
+}  // namespace split_controls
 
 struct SplitDialogContext {
     std::shared_ptr<RecordingBlock> block;

@@ -31,7 +31,7 @@ struct GraphScene {
 };
 
 /// The bands that lie inverted over the image.
-enum class GraphBand { Selection, Cursor, Count };
+enum class GraphBand { Selection, Cursor, Play, Count };
 
 /// Draws the graph off-screen and copies the finished image to its picture box.
 /// Owns the surface, the grid that is copied behind the traces, and the buffers of the traces' points.

@@ -17,6 +17,8 @@
 #include "support/FakeRecording.h"
 
 namespace quillon {
+
+using namespace split_controls;
 namespace {
 
 using namespace ::quillon::testing;

@@ -1,0 +1,103 @@
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "app/win/frmQLMain.h"
+#include "base/StringIds.h"
+#include "view/Readout.h"
+
+namespace quillon {
+
+void frmQLMain::MakeSound() {
+    m_sound = std::make_unique<QLSound>(m_global.block, m_services, m_global.makeSoundOutput);
+    m_sound->onStarted = [this] { objSound_Started(); };
+    m_sound->onStopped = [this] { objSound_Stopped(); };
+    m_sound->onPlayProgress = [this](std::int32_t sample) { objSound_PlayProgress(sample); };
+    KeepSoundState();
+}
+
+void frmQLMain::KeepSoundState() {
+    m_global.sound.devices = m_sound->DeviceCount();
+    m_global.sound.device = m_sound->Device();
+    m_global.sound.playing = m_sound->Playing();
+    UpdateCommands();
+}
+
+void frmQLMain::SoundPlay(int index) {
+    if (index == 2) return StopSound();
+    // Without a selection the part of the block that is seen is heard.
+    const VisibleRange visible = m_global.axis.Visible();
+    const SampleRange range =
+        m_global.selection.active ? ExportRange() : SampleRange{visible.first, visible.last - visible.first + 1};
+    const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_global.currentChannel;
+    m_sound->Play(index == 1 ? std::int16_t{0} : chosen, range.first, range.count);
+    KeepSoundState();
+    if (m_sound->Playing()) return;
+    m_services.SetStatus(m_sound->ErrorText());
+}
+
+void frmQLMain::StopSound() {
+    if (!m_sound) return;
+    m_sound->Stop();
+    EndPlayback();
+}
+
+void frmQLMain::EndPlayback() {
+    m_global.sound.position = 0;
+    if (std::exchange(m_soundInStatus, false)) m_services.SetStatus({});
+    ShowPlayLine();
+    KeepSoundState();
+}
+
+void frmQLMain::objSound_Started() {
+    KeepSoundState();
+}
+
+void frmQLMain::objSound_Stopped() {
+    const std::u16string error = m_sound->ErrorText();
+    EndPlayback();
+    if (!error.empty()) m_services.SetStatus(error);
+}
+
+void frmQLMain::objSound_PlayProgress(std::int32_t sample) {
+    m_global.sound.position = sample;
+    m_soundInStatus = true;
+    m_services.SetStatus(m_services.Text(IDS_PLAYING) + u' ' +
+                         PositionText(m_global.block, sample, u" ", m_global.format));
+    const bool seen = m_graph.Band(GraphBand::Play).has_value();
+    ShowPlayLine();
+    // The line went over the edge of the view, which follows; it does not when the user has left it behind.
+    if (!seen || m_graph.Band(GraphBand::Play)) return;
+    ScrollBy((sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn());
+}
+
+void frmQLMain::ShowPlayLine() {
+    const std::int32_t sample = m_global.sound.position;
+    const RECT changed =
+        m_graph.SetBand(GraphBand::Play, sample > 0 ? BandOf(m_global.axis, sample, sample) : std::nullopt);
+    InvalidateBand(changed);
+}
+
+void frmQLMain::FillSoundCards(HMENU menu) {
+    m_sound->Refresh();
+    KeepSoundState();
+    while (DeleteMenu(menu, 0, MF_BYPOSITION)) {
+    }
+    const int devices = std::min<int>(m_global.sound.devices, kSoundCards);
+    for (int device = 0; device < devices; ++device) {
+        std::wstring name;
+        for (const char16_t letter : m_sound->DeviceName(static_cast<std::int16_t>(device))) {
+            name.append(letter == u'&' ? 2 : 1, static_cast<wchar_t>(letter));
+        }
+        AppendMenuW(menu, MF_STRING, static_cast<UINT_PTR>(mnuSoundCard + device), name.c_str());
+    }
+    // A menu without an entry would not open.
+    if (devices == 0) AppendMenuW(menu, MF_STRING, mnuSoundCard, Wide(m_services.Text(IDS_SOUNDCARD_0)).c_str());
+}
+
+void frmQLMain::SoundCard(int device) {
+    m_sound->PutDevice(static_cast<std::int16_t>(device));
+    KeepSoundState();
+}
+
+}  // namespace quillon
