@@ -95,7 +95,10 @@ class WaveDevice {
     void Close() {
         if (m_device == nullptr) return;
         ::waveOutReset(m_device);
-        for (const auto& buffer : m_queued) Unprepare(*buffer);
+        for (auto& buffer : m_queued) {
+            // What a broken driver still holds must not be freed under it.
+            if (Unprepare(*buffer) == WAVERR_STILLPLAYING) static_cast<void>(buffer.release());
+        }
         ::waveOutClose(m_device);
         m_device = nullptr;
         m_queued.clear();
@@ -175,7 +178,9 @@ class WaveDevice {
         return buffer;
     }
 
-    void Unprepare(Buffer& buffer) { ::waveOutUnprepareHeader(m_device, &buffer.header, sizeof buffer.header); }
+    MMRESULT Unprepare(Buffer& buffer) {
+        return ::waveOutUnprepareHeader(m_device, &buffer.header, sizeof buffer.header);
+    }
 
     HWAVEOUT m_device = nullptr;
     std::size_t m_frameSize = 0;  ///< bytes
