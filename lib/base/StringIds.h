@@ -117,6 +117,7 @@
 #define IDS_REPLACE_FILES 5349
 #define IDS_SAVE_AS_TITLE 5350
 #define IDS_PLAYING 5351
+#define IDS_COPY_LARGE 5352
 
 // The dialog that splits a block into files; options of an array follow each other.
 #define IDS_SPLIT_TITLE 5300

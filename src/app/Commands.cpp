@@ -167,6 +167,8 @@ bool IsEnabled(int id, const QL_Global& global) {
     if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard < global.sound.devices;
     if (id == mnuSoundPlay + 2) return global.sound.playing;
     if (global.block.channelCount == 0) return false;
+    if (id == mnuSaveAs || id == mnuFastExport || id == mnuSplit || Within(id, mnuCopy, 2))
+        return global.block.sampleCount > 0;
     if (Within(id, mnuSoundPlay, 2)) return global.sound.devices > 0 && global.block.sampleCount > 0;
     if (id == mnuSelect + 2) return global.selection.active || global.sound.playing;
     if (id == mnuView || id == mnuStatistics) return global.selection.active;

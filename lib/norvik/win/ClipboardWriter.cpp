@@ -1,11 +1,11 @@
 #include "norvik/win/ClipboardWriter.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <exception>
 #include <string>
 #include <vector>
+
+#include "data/win/Clipboard.h"
 
 namespace quillon {
 
@@ -44,7 +44,7 @@ class ClipboardText final : public TextSink {
         }
         *text = 0;
         GlobalUnlock(memory);
-        const bool done = Hand(memory);
+        const bool done = ClipboardScope().Put(CF_UNICODETEXT, memory);
         if (!done) GlobalFree(memory);
         return done;
     }
@@ -54,18 +54,6 @@ class ClipboardText final : public TextSink {
     static std::size_t Convert(const std::string& piece, wchar_t* out, std::size_t room) {
         return static_cast<std::size_t>(
             MultiByteToWideChar(CP_UTF8, 0, piece.data(), static_cast<int>(piece.size()), out, static_cast<int>(room)));
-    }
-
-    static bool Hand(HGLOBAL memory) {
-        bool open = false;
-        for (int attempt = 0; attempt < 50 && !open; ++attempt) {
-            if (attempt > 0) Sleep(20);
-            open = OpenClipboard(GetActiveWindow()) != FALSE;
-        }
-        if (!open) return false;
-        const bool done = EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
-        CloseClipboard();
-        return done;
     }
 
     std::vector<std::string> m_pieces;

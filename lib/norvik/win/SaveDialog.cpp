@@ -1,7 +1,8 @@
 #include "norvik/win/SaveDialog.h"
 
 #include <windows.h>
-// After windows.h, on which it depends.
+// After windows.h, on which they depend.
+#include <cderr.h>
 #include <commdlg.h>
 
 #include <algorithm>
@@ -64,7 +65,11 @@ class SystemSaveDialog final : public SaveFileDialog {
                         OFN_NOREADONLYRETURN;
         // Any extension here makes the dialog add that of the chosen pair to a name without one.
         request.lpstrDefExt = L"txt";
-        if (!GetSaveFileNameW(&request)) return false;
+        while (!GetSaveFileNameW(&request)) {
+            // A name that cannot be one is no reason not to ask.
+            if (CommDlgExtendedError() != FNERR_INVALIDFILENAME || name[0] == 0) return false;
+            name[0] = 0;
+        }
         fileName.assign(name.data(), name.data() + std::char_traits<wchar_t>::length(name.data()));
         filterIndex = static_cast<std::int32_t>(request.nFilterIndex);
         // A name typed with the extension of another pair means that one.

@@ -50,7 +50,7 @@ LRESULT PictureBox::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             RECT client{};
             GetClientRect(window, &client);
             m_owner->PaintPicture(m_id, reinterpret_cast<HDC>(wParam), client);
-            return 0;
+            return 1;
         }
         case WM_GETDLGCODE: return DLGC_WANTARROWS;
         case WM_SETFOCUS:

@@ -19,7 +19,8 @@ class PictureOwner {
 };
 
 /// A child window that shows a picture its owner paints. WM_PAINT and WM_PRINTCLIENT paint alike, so its pixels can be
-/// had without a screen. It can take the keyboard focus; keys go to the main window, which looks at them first.
+/// had without a screen; the latter answers 0 when that failed. It can take the keyboard focus; keys go to the main
+/// window, which looks at them first.
 class PictureBox {
   public:
     PictureBox() = default;

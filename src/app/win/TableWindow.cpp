@@ -6,6 +6,7 @@
 
 #include "app/win/DialogTemplate.h"
 #include "app/win/WinHandle.h"
+#include "data/win/Clipboard.h"
 
 namespace quillon {
 
@@ -53,7 +54,7 @@ std::wstring TabbedText(const Table& table) {
 }
 
 /// False where another program keeps the clipboard open or memory is short.
-bool PutOnClipboard(HWND owner, const std::wstring& text) {
+bool PutOnClipboard(const std::wstring& text) {
     const std::size_t size = (text.size() + 1) * sizeof(wchar_t);
     WinHandle<MemoryTraits> memory(GlobalAlloc(GMEM_MOVEABLE, size));
     if (!memory) return false;
@@ -61,17 +62,7 @@ bool PutOnClipboard(HWND owner, const std::wstring& text) {
     if (place == nullptr) return false;
     std::memcpy(place, text.c_str(), size);
     GlobalUnlock(memory.Get());
-    constexpr int attempts = 10;
-    constexpr DWORD pause = 20;  // milliseconds: others open it for moments only
-    bool open = OpenClipboard(owner) != FALSE;
-    for (int attempt = 1; !open && attempt < attempts; ++attempt) {
-        Sleep(pause);
-        open = OpenClipboard(owner) != FALSE;
-    }
-    if (!open) return false;
-    EmptyClipboard();
-    const bool done = SetClipboardData(CF_UNICODETEXT, memory.Get()) != nullptr;
-    CloseClipboard();
+    const bool done = ClipboardScope().Put(CF_UNICODETEXT, memory.Get());
     if (done) static_cast<void>(memory.Release());  // it is the system's now
     return done;
 }
@@ -82,7 +73,7 @@ const Table& TableOf(HWND dialog) {
 
 void Copy(HWND dialog) {
     try {
-        if (PutOnClipboard(dialog, TabbedText(TableOf(dialog)))) return;
+        if (PutOnClipboard(TabbedText(TableOf(dialog)))) return;
     } catch (const std::exception&) {  // no memory for the text
     }
     MessageBeep(MB_ICONWARNING);

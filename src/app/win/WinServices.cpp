@@ -29,7 +29,9 @@ void WinServices::SetWindow(HWND window, HWND statusBar) {
 }
 
 void WinServices::ShowMessage(const std::u16string& text, const std::u16string& title) {
-    MessageBoxW(m_window, Wide(text).c_str(), Wide(title).c_str(), MB_OK | MB_ICONEXCLAMATION);
+    // Of a dialog that is open, where there is one.
+    const HWND owner = m_window == nullptr ? nullptr : GetLastActivePopup(m_window);
+    MessageBoxW(owner, Wide(text).c_str(), Wide(title).c_str(), MB_OK | MB_ICONEXCLAMATION);
 }
 
 void WinServices::SetStatus(const std::u16string& text) {

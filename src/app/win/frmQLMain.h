@@ -201,7 +201,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
         std::int32_t first = 1;
         std::int32_t count = 0;
     };
-    /// Runs what takes long: until it ends the window takes no input and other commands are refused.
+    /// Runs what no other command, file or closing may disturb.
+    void RunBusy(const std::function<void()>& work);
+    /// Runs what takes long; meanwhile the window takes no input.
     void RunLong(const std::function<void()>& work);
     /// Called now and then meanwhile, lets messages run; false when the window was closed by one of them.
     bool StayAlive();
@@ -210,7 +212,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void SaveAs(int);
     void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range, std::int32_t type);
     /// Asks the user where files of single channels would be replaced.
-    [[nodiscard]] bool MayReplaceChannelFiles(const std::u16string& target) const;
+    [[nodiscard]] bool MayReplaceChannelFiles(const RecordingBlock& block, const std::u16string& target) const;
+    /// Asks the user where so much text would hardly find room.
+    [[nodiscard]] bool MayCopy(std::int32_t samples) const;
     void WriteText(const std::u16string& target, const SampleRange& range);
     void FastExport(int);
     void Copy(int index);

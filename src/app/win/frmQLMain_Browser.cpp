@@ -225,8 +225,10 @@ void frmQLMain::RenameSelected() {
 }
 
 bool frmQLMain::RunPendingMessages() const {
+    // Messages that make new ones must not keep the caller from its work.
+    constexpr int most = 1000;
     MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    for (int count = 0; count < most && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++count) {
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
             break;

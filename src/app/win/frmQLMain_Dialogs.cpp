@@ -33,10 +33,12 @@ void frmQLMain::Split(int) {
     EndHover();
     if (m_global.sound.playing) StopSound();
     Settings& settings = m_global.settings;
-    m_busy = true;
-    ShowSplitDialog(m_window, {m_global.block.block, m_global.file.fileName, settings, *m_global.exporter, m_services,
-                               m_global.format.decimalSeparator, [this] { Help(0); }});
-    m_busy = false;
+    RunBusy([&] {
+        ShowSplitDialog(m_window, {m_global.block.block, m_global.file.fileName, settings, *m_global.exporter,
+                                   m_services, m_global.format.decimalSeparator, [this] { Help(0); }});
+    });
+    // The folder that was made is not among what the watch tells.
+    if (m_window != nullptr && !m_closing) FilesChanged();
 }
 
 }  // namespace quillon

@@ -25,16 +25,25 @@ std::u16string NameOf(const std::u16string& path) {
     return path.substr(path.find_last_of(u"\\/") + 1);
 }
 
+/// The name without its extension, and without those that the save dialog would take for the type that is meant.
+std::u16string BareName(const std::u16string& path) {
+    std::u16string name = NameOf(path);
+    name.resize(std::min(name.rfind(u'.'), name.size()));
+    for (bool more = true; more && name.size() > 4;) {
+        const std::u16string end = LowerCase(name.substr(name.size() - 4));
+        more = end == u".bin" || end == u".wav" || end == u".edf" || end == u".txt";
+        if (more) name.resize(name.size() - 4);
+    }
+    return name;
+}
+
 bool FileExists(const std::u16string& path) {
     return GetFileAttributesW(Wide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 }  // namespace
 
-void frmQLMain::RunLong(const std::function<void()>& work) {
-    EndHover();
-    EndGesture();
-    const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+void frmQLMain::RunBusy(const std::function<void()>& work) {
     m_busy = true;
     std::exception_ptr failure;
     try {
@@ -43,10 +52,17 @@ void frmQLMain::RunLong(const std::function<void()>& work) {
         failure = std::current_exception();
     }
     m_busy = false;
-    SetCursor(pointer);
     if (m_window == nullptr || m_closing) return;
     if (std::exchange(m_changedMeanwhile, false)) FilesChanged();
     if (failure) std::rethrow_exception(failure);
+}
+
+void frmQLMain::RunLong(const std::function<void()>& work) {
+    EndHover();
+    EndGesture();
+    const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    RunBusy(work);
+    SetCursor(pointer);
 }
 
 bool frmQLMain::StayAlive() {
@@ -69,8 +85,7 @@ void frmQLMain::SaveAs(int) {
     dialog.title = m_services.Text(IDS_SAVE_AS_TITLE);
     dialog.filter = BuildSaveFilter();
     dialog.filterIndex = m_saveType;
-    const std::u16string open = NameOf(m_global.file.fileName);
-    dialog.fileName = open.substr(0, open.rfind(u'.'));
+    dialog.fileName = BareName(m_global.file.fileName);
     const std::u16string& last = m_global.settings.exportPath;
     dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_global.file.fileName) : last;
     EndHover();
@@ -80,7 +95,8 @@ void frmQLMain::SaveAs(int) {
     m_saveType = dialog.filterIndex;
     const std::u16string name = dialog.fileName;
     if (LowerCase(name).ends_with(u".txt")) {
-        if (!MayReplaceChannelFiles(name)) return;
+        if (!MayReplaceChannelFiles(*block, name) || m_window == nullptr || m_closing) return;
+        if (m_global.block.block != block) return;
         m_global.settings.exportPath = FolderOf(name);
         WriteText(name, range);
     } else {
@@ -110,10 +126,9 @@ void frmQLMain::WriteRecording(RecordingBlock& block, const std::u16string& name
     m_services.SetStatus(done ? m_services.Text(text) + u": " + name : std::u16string());
 }
 
-bool frmQLMain::MayReplaceChannelFiles(const std::u16string& target) const {
+bool frmQLMain::MayReplaceChannelFiles(const RecordingBlock& block, const std::u16string& target) const {
     // The dialog has asked about the target itself, which a file per channel leaves alone.
-    std::vector<std::u16string> files =
-        TextExportFiles(target, *m_global.block.block, TextSettings(m_global.settings), m_global.slots);
+    std::vector<std::u16string> files = TextExportFiles(target, block, TextSettings(m_global.settings), m_global.slots);
     std::erase_if(files, [&](const std::u16string& file) { return file == target || !FileExists(file); });
     if (files.empty()) return true;
     std::u16string question = m_services.Text(IDS_REPLACE_FILES) + u"\n";
@@ -159,8 +174,19 @@ void frmQLMain::FastExport(int) {
     if (m_global.block.block == block) WriteText(m_global.settings.exportFastFile, ExportRange());
 }
 
+bool frmQLMain::MayCopy(std::int32_t samples) const {
+    constexpr std::int64_t bytesPerValue = 16;  // about, as the clipboard holds them
+    constexpr std::int64_t usual = 512;         // MB
+    const std::int64_t megabytes = samples * bytesPerValue * m_global.block.channelCount / 1000000;
+    if (megabytes <= usual) return true;
+    const std::u16string question = m_services.Text(IDS_COPY_LARGE) + u"\n\n" + Decimal(megabytes) + u" MB";
+    return MessageBoxW(m_window, Wide(question).c_str(), L"Quillon", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) ==
+           IDYES;
+}
+
 void frmQLMain::Copy(int index) {
     if (index == 0) {
+        if (!MayCopy(ExportRange().count)) return;
         WriteText(std::u16string(kClipboardTarget), ExportRange());
     } else {
         CopyImage(kClipboardTarget);
@@ -178,7 +204,9 @@ void frmQLMain::CopyImage(std::u16string_view target) {
     const std::u16string caption = Narrow16(WindowText(m_window)) + u"    " + place(SampleUnder(axis, 0)) +
                                    u" \u2013 " + place(last) + u"    " +
                                    m_services.DateAndTime(m_global.block.startTime);
-    const bool done = ImageCopy(windows, m_font.Get(), caption, target);
+    // Its strip is as high at any density.
+    const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
+    const bool done = ImageCopy(windows, font.Get(), caption, target);
     m_services.SetStatus(m_services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
 }
 

@@ -92,7 +92,7 @@ void frmQLMain::ArrangeControls() {
 }
 
 bool frmQLMain::OnSetCursor(HWND child) const {
-    if (m_busy) return SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true;
+    if (m_busy && IsWindowEnabled(m_window)) return SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true;
     POINT point{};
     GetCursorPos(&point);
     ScreenToClient(m_window, &point);

@@ -6,6 +6,7 @@
 
 #include "app/win/WinHandle.h"
 #include "data/TextSink.h"
+#include "data/win/Clipboard.h"
 #include "export/ByteWriter.h"
 #include "export/ImagePlan.h"
 #include "view/win/cMemDC.h"
@@ -46,8 +47,7 @@ bool Print(HWND window, cMemDC& canvas) {
     const SIZE size = SizeOf(window);
     if (!canvas.CreateBitmap(size.cx, size.cy)) return false;
     canvas.Clear();
-    SendMessageW(window, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(canvas.Handle()), PRF_CLIENT);
-    return true;
+    return SendMessageW(window, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(canvas.Handle()), PRF_CLIENT) != 0;
 }
 
 bool Picture::Draw(const ImageWindows& windows, HFONT font, const std::u16string& caption) {
@@ -127,12 +127,9 @@ bool Picture::ToClipboard() const {
         std::memcpy(bytes, &pixels.header, sizeof pixels.header);
         std::memcpy(bytes + sizeof pixels.header, pixels.bytes.data(), pixels.bytes.size());
         GlobalUnlock(dib);
-        if (OpenClipboard(GetActiveWindow())) {
-            EmptyClipboard();
-            bitmapTaken = SetClipboardData(CF_BITMAP, bitmap) != nullptr;
-            dibTaken = SetClipboardData(CF_DIB, dib) != nullptr;
-            CloseClipboard();
-        }
+        const ClipboardScope clipboard;
+        bitmapTaken = clipboard.Put(CF_BITMAP, bitmap);
+        dibTaken = clipboard.Put(CF_DIB, dib);
     }
     if (!bitmapTaken && bitmap != nullptr) DeleteObject(bitmap);
     if (!dibTaken && dib != nullptr) GlobalFree(dib);

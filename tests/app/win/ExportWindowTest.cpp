@@ -156,6 +156,39 @@ TEST_F(ExportWindowTest, FastExportAsksOnceAndTellsWhatItCannotWrite) {
     EXPECT_EQ(Status(), L"No channel of the block is shown");
 }
 
+TEST_F(ExportWindowTest, ARecordingThatGoesWhileTheUserIsAskedEndsTheCommand) {
+    Start();
+    std::ofstream(m_folder.File(u"text1.txt")) << "mine";
+    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
+    static_cast<FakeSaveDialog&>(*m_global.saveDialog).answer = [&](FakeSaveDialog& shown) {
+        return shown.fileName = Path(u"text.txt"), shown.filterIndex = 4, true;
+    };
+    {
+        const DialogAnswer yes([&](HWND box) {
+            std::filesystem::rename(m_source, m_folder.File(u"gone.bin"));
+            // Answered once the window has seen it.
+            while (!Caption().empty() && Caption() != L"Quillon") SwitchToThread();
+            PostMessageW(box, WM_COMMAND, IDYES, 0);
+        });
+        Command(mnuSaveAs);
+    }
+    EXPECT_EQ(ContentOf(m_folder.File(u"text1.txt")), "mine");
+}
+
+TEST_F(ExportWindowTest, FilesThatComeWhileTheSplitDialogIsOpenAreListedAfterIt) {
+    Start();
+    {
+        const DialogAnswer answer([&](HWND dialog) {
+            static_cast<void>(m_folder.Write(u"b.bin", SawRecording()));
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        });
+        Command(mnuSplit);
+    }
+    EXPECT_THAT(Lines(lstFile), ::testing::ElementsAre(L"b.bin", L"saw.bin"));
+    ClickLine(lstFile, 0);
+    EXPECT_THAT(Caption(), StartsWith(L"b.bin"));
+}
+
 TEST_F(ExportWindowTest, AFullDiskIsToldWithTheFile) {
     Start();
     // Writing to it fails as on a full disk.
