@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <map>
-#include <mutex>
 #include <set>
 #include <thread>
 
@@ -81,44 +79,6 @@ TEST_F(FrameTest, TheMenuIsTheTree) {
                    L"&Sound/Sound Output/Sound Card 1", L"&Help", L"&Help/&Help", L"&Help/Help &Language",
                    L"&Help/Help &Language/Auto", L"&Help/Help &Language/Russian", L"&Help/Help &Language/English"));
 }
-
-/// Closes every dialog of this process as soon as it appears and keeps their titles.
-class DialogCloser {
-  public:
-    ~DialogCloser() {
-        m_ends = true;
-        m_thread.join();
-    }
-    std::wstring Titles() {
-        const std::scoped_lock lock(m_lock);
-        return std::exchange(m_titles, {});
-    }
-
-  private:
-    void Run() {
-        for (HWND last = nullptr; !m_ends; SwitchToThread()) {
-            const HWND dialog = FindWindowW(L"#32770", nullptr);
-            DWORD process = 0;
-            GetWindowThreadProcessId(dialog, &process);
-            if (dialog == nullptr || process != GetCurrentProcessId() || !IsWindowVisible(dialog)) {
-                last = nullptr;
-                continue;
-            }
-            if (dialog != last) {
-                const std::scoped_lock lock(m_lock);
-                m_titles += WindowText(dialog) + L';';
-            }
-            last = dialog;
-            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-            PostMessageW(dialog, WM_COMMAND, IDNO, 0);
-            Sleep(20);
-        }
-    }
-    std::mutex m_lock;
-    std::wstring m_titles;
-    std::atomic<bool> m_ends = false;
-    std::thread m_thread{[this] { Run(); }};
-};
 
 TEST_F(FrameTest, EveryMenuEntryAndButtonReachesItsHandler) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(20000)));

@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "app/Commands.h"
@@ -57,6 +61,49 @@ class DialogAnswer {
 
   private:
     std::thread m_thread;
+};
+
+/// Closes every dialog of this process as soon as it appears, and every menu, and keeps the dialogs' titles.
+class DialogCloser {
+  public:
+    ~DialogCloser() {
+        m_ends = true;
+        m_thread.join();
+    }
+    std::wstring Titles() {
+        const std::scoped_lock lock(m_lock);
+        return std::exchange(m_titles, {});
+    }
+
+  private:
+    void Run() {
+        for (HWND last = nullptr; !m_ends; SwitchToThread()) {
+            // Menus too, which hold the window's thread as long as they are open.
+            if (const HWND menu = FindWindowW(L"#32768", nullptr); menu != nullptr && IsWindowVisible(menu)) {
+                PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 0);
+                Sleep(20);
+            }
+            const HWND dialog = FindWindowW(L"#32770", nullptr);
+            DWORD process = 0;
+            GetWindowThreadProcessId(dialog, &process);
+            if (dialog == nullptr || process != GetCurrentProcessId() || !IsWindowVisible(dialog)) {
+                last = nullptr;
+                continue;
+            }
+            if (dialog != last) {
+                const std::scoped_lock lock(m_lock);
+                m_titles += WindowText(dialog) + L';';
+            }
+            last = dialog;
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            PostMessageW(dialog, WM_COMMAND, IDNO, 0);
+            Sleep(20);
+        }
+    }
+    std::mutex m_lock;
+    std::wstring m_titles;
+    std::atomic<bool> m_ends = false;
+    std::thread m_thread{[this] { Run(); }};
 };
 
 /// The real main window over a folder of its own, driven by messages. Nothing waits: the window's thread is the test's.

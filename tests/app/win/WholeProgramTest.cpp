@@ -1,0 +1,303 @@
+// The program as its users have it: from its start to its end, and under whatever they may do.
+#include <gmock/gmock.h>
+
+#include <random>
+
+#include "app/win/Win32.h"
+// After windows.h, on which it depends.
+#include <mmsystem.h>
+
+#include "app/KeyMap.h"
+#include "app/win/MainWindowFixture.h"
+#include "base/Text.h"
+#include "dialogs/win/OptionsLayout.h"
+#include "norvik/win/Registry.h"
+#include "support/FakeRecording.h"
+#include "view/ScaleLabels.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::StartsWith;
+using namespace ::quillon::testing;
+
+/// Someone at the keyboard and mouse, in a thread of their own.
+class User {
+  public:
+    explicit User(std::function<void(User&)> acts) : m_thread([this, acts = std::move(acts)] { Run(acts); }) {}
+    ~User() { m_thread.join(); }
+
+    template <typename Condition>
+    bool Sees(Condition condition) {
+        const ULONGLONG end = GetTickCount64() + 10000;
+        while (!condition()) {
+            if (GetTickCount64() > end) return false;
+            Sleep(5);
+        }
+        return true;
+    }
+    [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
+    [[nodiscard]] std::wstring Caption() const { return WindowText(m_window); }
+    [[nodiscard]] std::wstring Status(StatusPanel panel) const {
+        wchar_t text[512] = {};
+        SendPointer(Control(sbInfo), SB_GETTEXTW, static_cast<WPARAM>(panel), text);
+        return text;
+    }
+    [[nodiscard]] LRESULT Files() const { return SendMessageW(Control(lstFile), LB_GETCOUNT, 0, 0); }
+    void Command(int id) const { SendMessageW(m_window, WM_COMMAND, static_cast<WPARAM>(id), 0); }
+    /// Commands that open a dialog come back only after it.
+    void PostCommand(int id) const { PostMessageW(m_window, WM_COMMAND, static_cast<WPARAM>(id), 0); }
+    void Key(WPARAM key) const { PostMessageW(Control(pbGraph), WM_KEYDOWN, key, 0); }
+    void Choose(int list, const wchar_t* text, int notification) const {
+        // Folders are indented.
+        wchar_t entry[512] = {};
+        LRESULT line = SendMessageW(Control(list), LB_GETCOUNT, 0, 0) - 1;
+        for (; line >= 0; --line) {
+            SendPointer(Control(list), LB_GETTEXT, static_cast<WPARAM>(line), entry);
+            if (std::wstring_view(entry).ends_with(text)) break;
+        }
+        SendMessageW(Control(list), LB_SETCURSEL, static_cast<WPARAM>(line), 0);
+        SendMessageW(m_window, WM_COMMAND, MAKEWPARAM(list, notification), reinterpret_cast<LPARAM>(Control(list)));
+    }
+    void Drag(int fromX, int toX) const {
+        const HWND graph = Control(pbGraph);
+        SendMessageW(graph, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(fromX, 60));
+        SendMessageW(graph, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(toX, 60));
+        SendMessageW(graph, WM_LBUTTONUP, 0, MAKELPARAM(toX, 60));
+    }
+    /// The dialog that is open, once it is.
+    HWND Dialog() {
+        HWND dialog = nullptr;
+        EXPECT_TRUE(Sees([&] {
+            dialog = GetLastActivePopup(m_window);
+            return dialog != m_window && dialog != nullptr && IsWindowVisible(dialog);
+        }));
+        return dialog;
+    }
+    void Press(HWND dialog, int button) { PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0); }
+
+  private:
+    void Run(const std::function<void(User&)>& acts) {
+        EXPECT_TRUE(Sees([&] {
+            m_window = FindWindowW(L"frmQLMain", nullptr);
+            return m_window != nullptr && IsWindowVisible(m_window);
+        }));
+        acts(*this);
+        PostCommand(mnuExit);
+    }
+    HWND m_window = nullptr;
+    std::thread m_thread;
+};
+
+/// The first of the dialog's descendants with that number.
+HWND FindChild(HWND dialog, int id) {
+    struct Search {
+        int id;
+        HWND found;
+    } search{id, nullptr};
+    EnumChildWindows(
+        dialog,
+        [](HWND child, LPARAM data) -> BOOL {
+            auto* wanted = reinterpret_cast<Search*>(data);
+            if (GetDlgCtrlID(child) == wanted->id) wanted->found = child;
+            return wanted->found == nullptr;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+std::wstring ClipboardText() {
+    std::wstring text;
+    if (!OpenClipboard(nullptr)) return text;
+    if (const HANDLE memory = GetClipboardData(CF_UNICODETEXT)) {
+        text = static_cast<const wchar_t*>(GlobalLock(memory));
+        GlobalUnlock(memory);
+    }
+    CloseClipboard();
+    return text;
+}
+
+TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.File(u"samples"));
+    for (const char16_t* name : {u"samples/a.bin", u"samples/b.bin", u"samples/c.bin"})
+        static_cast<void>(folder.Write(name, SawRecording(6000)));
+    StartUpParts parts = SystemParts();
+    parts.program.name = u"Quillon day test";
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Norvik\\Quillon day test");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.File(u""));
+    const std::u16string fast = folder.File(u"fast.txt").u16string();
+    {
+        const User user([&](User& me) {
+            me.Choose(lstDir, L"samples", LBN_DBLCLK);
+            EXPECT_TRUE(me.Sees([&] { return me.Files() == 3; }));
+            for (const wchar_t* name : {L"b.bin", L"c.bin", L"a.bin"}) {
+                me.Choose(lstFile, name, LBN_SELCHANGE);
+                EXPECT_THAT(me.Caption(), StartsWith(name));
+            }
+            const std::wstring scale = me.Status(StatusPanel::Scale);
+            me.Key(VK_ADD);
+            EXPECT_TRUE(me.Sees([&] { return me.Status(StatusPanel::Scale) != scale; }));
+            me.Key('G');
+            EXPECT_TRUE(me.Sees([&] { return IsWindowVisible(me.Control(pbFFT)) != FALSE; }));
+            me.Command(mnuScaleX);
+            // 40 columns at one sample per column.
+            me.Drag(100, 139);
+            me.Command(mnuCopy);
+            const std::wstring copied = ClipboardText();
+            EXPECT_EQ(std::count(copied.begin(), copied.end(), L'\n'), 40);
+            me.Command(mnuCopy + 1);
+            EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
+            me.PostCommand(mnuFastExport);
+            const HWND save = me.Dialog();
+            SendDlgItemMessageW(save, 0x47C, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(Wide(fast).c_str()));
+            me.Press(save, IDOK);
+            // A file per channel is the layout of a first run.
+            EXPECT_TRUE(me.Sees([&] { return std::filesystem::exists(folder.File(u"fast2.txt")); }));
+            EXPECT_TRUE(me.Sees([&] { return !IsWindow(save); }));
+            me.PostCommand(mnuSplit);
+            const HWND split = me.Dialog();
+            me.Press(split, IDOK);
+            EXPECT_TRUE(me.Sees([&] { return std::filesystem::exists(folder.File(u"samples/a/12.bin")); }));
+            EXPECT_TRUE(me.Sees([&] { return IsWindowEnabled(GetDlgItem(split, IDCANCEL)) != FALSE; }));
+            me.Press(split, IDCANCEL);
+            EXPECT_TRUE(me.Sees([&] { return !IsWindow(split); }));
+            me.Command(mnuSelect + 2);
+            if (waveOutGetNumDevs() > 0) {
+                me.Key(VK_SPACE);
+                EXPECT_TRUE(me.Sees([&] { return me.Status(StatusPanel::Status).starts_with(L"Playing"); }) ||
+                            GetUserDefaultUILanguage() != MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US));
+                me.Key(VK_SPACE);
+                EXPECT_TRUE(me.Sees([&] { return me.Status(StatusPanel::Status).empty(); }));
+            }
+            me.PostCommand(mnuOptions);
+            const HWND options = me.Dialog();
+            SendMessageW(FindChild(options, optTime + 2), BM_CLICK, 0, 0);
+            SendMessageW(FindChild(options, optGridStyle + 1), BM_CLICK, 0, 0);
+            SendMessageW(FindChild(options, cboFFTSize), CB_SETCURSEL, 6, 0);
+            SendMessageW(FindChild(options, optFile + 1), BM_CLICK, 0, 0);
+            me.Press(options, IDOK);
+            EXPECT_TRUE(me.Sees([&] { return !IsWindow(options); }));
+        });
+        EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
+    }
+    std::filesystem::current_path(before);
+    Settings stored;
+    SettingsStore(MakeRegistryObject, parts.program).Load(stored);
+    EXPECT_EQ(stored.filesPath, folder.File(u"samples").u16string());
+    EXPECT_EQ(stored.exportFastFile, fast);
+    EXPECT_EQ(stored.timeFormat, 2);
+    EXPECT_EQ(stored.gridStyle, 1);
+    EXPECT_EQ(stored.order, 11);
+    EXPECT_EQ(stored.exportFileType, 1);
+    EXPECT_TRUE(stored.spectrogramShown);
+    {
+        const User user([&](User& me) {
+            EXPECT_TRUE(me.Sees([&] { return me.Caption().starts_with(L"a.bin"); }));
+            EXPECT_EQ(me.Files(), 3);
+            EXPECT_TRUE(IsWindowVisible(me.Control(pbFFT)));
+            me.Command(mnuFastExport);
+            EXPECT_EQ(std::filesystem::file_size(folder.File(u"fast.txt")) > 6000U * 7, true);
+        });
+        EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
+    }
+    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Norvik\\Quillon day test");
+}
+
+class RandomActions : public MainWindowTest {
+  protected:
+    int Below(int limit) { return std::uniform_int_distribution(0, limit - 1)(m_random); }
+
+    void MouseAction() {
+        constexpr std::array boxes{pbGraph, pbGraph, pbScaleY, pbScaleX, pbFFT, pbPal, pbScaleF, btnZoomX};
+        constexpr std::array<UINT, 9> messages{WM_LBUTTONDOWN, WM_LBUTTONUP,   WM_MOUSEMOVE,
+                                               WM_MOUSEMOVE,   WM_MBUTTONDOWN, WM_MBUTTONUP,
+                                               WM_CANCELMODE,  WM_MOUSEWHEEL,  WM_LBUTTONDBLCLK};
+        const HWND box = Control(boxes[static_cast<std::size_t>(Below(static_cast<int>(boxes.size())))]);
+        const UINT message = messages[static_cast<std::size_t>(Below(static_cast<int>(messages.size())))];
+        const WPARAM keys = message == WM_MOUSEWHEEL ? MAKEWPARAM(Below(16), 120 - 240 * Below(2))
+                                                     : static_cast<WPARAM>(MK_LBUTTON * Below(2));
+        PostMessageW(box, message, keys, MAKELPARAM(Below(900) - 100, Below(500) - 50));
+    }
+
+    void Act() {
+        switch (Below(8)) {
+            case 0:
+            case 1: MouseAction(); break;
+            case 2: {
+                const auto bindings = KeyBindings();
+                const KeyBinding& binding =
+                    bindings[static_cast<std::size_t>(Below(static_cast<int>(bindings.size())))];
+                if (binding.command != mnuFileOperation) Command(binding.command);
+                break;
+            }
+            case 3: {
+                const auto menu = MenuTree();
+                const MenuEntry& entry = menu[static_cast<std::size_t>(Below(static_cast<int>(menu.size())))];
+                // The window and its files are to stay; a dialog now and then is enough.
+                const bool dialog = entry.id == mnuOptions || entry.id == mnuSplit;
+                if (entry.id == 0 || entry.id == mnuExit || entry.id == mnuFileOperation || (dialog && Below(8) != 0))
+                    break;
+                Command(entry.id + Below(entry.count));
+                break;
+            }
+            case 4: ClickLine(lstFile, Below(4)); break;
+            case 5:
+                if (ItemCount() > 0) ClickCheckBox(Below(ItemCount()));
+                break;
+            case 6: {
+                constexpr std::array keys{VK_LEFT, VK_RIGHT, VK_UP,  VK_DOWN,     VK_PRIOR, VK_NEXT,
+                                          VK_HOME, VK_END,   VK_ADD, VK_SUBTRACT, VK_BACK,  VK_ESCAPE};
+                Key(static_cast<WPARAM>(keys[static_cast<std::size_t>(Below(static_cast<int>(keys.size())))]));
+                break;
+            }
+            default:
+                if (Below(4) == 0)
+                    SetWindowPos(m_form->Window(), nullptr, 0, 0, 500 + Below(700), 300 + Below(500),
+                                 SWP_NOMOVE | SWP_NOZORDER);
+        }
+    }
+
+    static long Handles() {
+        return static_cast<long>(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) +
+                                 GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS));
+    }
+
+    std::mt19937 m_random;
+};
+
+TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
+    const auto seed = static_cast<std::uint32_t>(GetTickCount64());
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    m_random.seed(seed);
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(50000)));
+    static_cast<void>(m_folder.Write(u"b.bin", SawRecording(1)));
+    static_cast<void>(m_folder.Write(u"c.bin", FileBytes().Text("no recording")));
+    static_cast<void>(
+        m_folder.Write(u"d.bin", BinRecording(0.5F, {{1, -32768, 32767, 0}, {7, 0, 0, 0}, {9, 1, 2, 3}})));
+    Start();
+    DialogCloser closer;
+    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
+    m_global.settings.exportFastFile = m_folder.File(u"fast.txt").u16string();
+    long handles = 0;
+    for (int action = 0; action < 1000; ++action) {
+        Act();
+        Pump();
+        ASSERT_NE(m_form->Window(), nullptr) << "action " << action;
+        if (action == 300) handles = Handles();
+    }
+    EXPECT_LE(Handles(), handles + 100);
+    // It still shows what it is asked for.
+    ReleaseCapture();
+    m_global.settings.gridStyle = 0;
+    ClickLine(lstFile, 0);
+    Command(mnuChShow);
+    Command(mnuBaseLine + 1);
+    EXPECT_THAT(Caption(), StartsWith(L"a.bin"));
+    SetWindowPos(m_form->Window(), nullptr, 0, 0, 1000, 640, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 100);
+}
+
+}  // namespace
+}  // namespace quillon
