@@ -25,6 +25,12 @@ std::u16string_view WithoutBlanks(std::u16string_view text) {
     return text;
 }
 
+/// Without the blanks and points at the end, which name the same file on Windows.
+std::u16string_view WithoutTail(std::u16string_view path) {
+    while (!path.empty() && (path.back() == u' ' || path.back() == u'.')) path.remove_suffix(1);
+    return path;
+}
+
 /// Where the name without its folder begins.
 std::size_t NameStart(std::u16string_view path) {
     const std::size_t separator = path.find_last_of(u"\\/");
@@ -63,7 +69,7 @@ std::int32_t FirstSplitSize(std::span<const std::int32_t> offered, double length
     return size;
 }
 
-SplitEntry ParseSplitSeconds(std::u16string_view text, double rate) {
+SplitEntry ParseSplitSeconds(std::u16string_view text, double rate, char16_t separator) {
     std::string digits;
     bool whole = true;
     bool positive = false;
@@ -71,7 +77,7 @@ SplitEntry ParseSplitSeconds(std::u16string_view text, double rate) {
         if (IsDigit(character)) {
             positive |= character != u'0';
             digits.push_back(static_cast<char>(character));
-        } else if (whole && (character == u'.' || character == u',')) {
+        } else if (whole && (character == u'.' || character == u',' || character == separator)) {
             whole = false;
             digits.push_back('.');
         } else {
@@ -108,9 +114,8 @@ std::u16string SplitBaseName(std::u16string_view recording) {
 }
 
 std::u16string SplitFolderName(std::u16string_view recording) {
-    std::u16string_view folder = recording.substr(0, ExtensionStart(recording));
-    while (!folder.empty() && (folder.back() == u' ' || folder.back() == u'.')) folder.remove_suffix(1);
-    return std::u16string(folder);
+    const std::u16string folder(WithoutTail(recording.substr(0, ExtensionStart(recording))));
+    return folder == WithoutTail(recording) ? folder + u"_pieces" : folder;
 }
 
 std::u16string SplitExtension(std::u16string_view recording) {

@@ -33,14 +33,16 @@ struct SplitEntry {
     EntryFault fault = EntryFault::None;
 };
 
-/// Seconds have a point or a comma before decimals and become the nearest whole number of samples at the block's rate.
-[[nodiscard]] SplitEntry ParseSplitSeconds(std::u16string_view text, double rate);
+/// Seconds have a point, a comma or the system's separator before decimals and become the nearest whole number of
+/// samples at the block's rate.
+[[nodiscard]] SplitEntry ParseSplitSeconds(std::u16string_view text, double rate, char16_t separator = u'.');
 [[nodiscard]] SplitEntry ParseSplitSamples(std::u16string_view text);
 
 /// Name of the recording without folder and extension.
 [[nodiscard]] std::u16string SplitBaseName(std::u16string_view recording);
 /// The folder that the pieces of a recording go to: beside it, called as its base name. Blanks and points at the end
-/// are left out, which Windows drops in some places only.
+/// are left out, which Windows drops in some places only. A name without an extension gets "_pieces", as the recording
+/// itself stands in the place.
 [[nodiscard]] std::u16string SplitFolderName(std::u16string_view recording);
 /// "wav" for a recording with that extension in any letter case, else "bin".
 [[nodiscard]] std::u16string SplitExtension(std::u16string_view recording);

@@ -92,6 +92,8 @@ TEST(SplitPlan, TakesPositiveNumbersOnly) {
         EXPECT_EQ(ParseSplitSeconds(text, rate).samples, samples) << Utf8(text);
         EXPECT_EQ(ParseSplitSeconds(text, rate).fault, EntryFault::None) << Utf8(text);
     }
+    EXPECT_EQ(ParseSplitSeconds(u"1\u066B5", 100.0).fault, EntryFault::NotPositive);
+    EXPECT_EQ(ParseSplitSeconds(u"1\u066B5", 100.0, u'\u066B').samples, 150) << "the system's separator";
     EXPECT_EQ(ParseSplitSeconds(u"21474836.48", 100.0).fault, EntryFault::TooLarge);
     EXPECT_EQ(ParseSplitSeconds(u"21474836.47", 100.0).samples, 2147483647);
     EXPECT_EQ(ParseSplitSeconds(huge, 100.0).fault, EntryFault::TooLarge);
@@ -111,8 +113,9 @@ TEST(SplitPlan, TakesFolderAndNamesFromTheRecording) {
     };
     for (const Case& one :
          {Case{u"C:\\Записи\\Ночь 1.EDF", u"C:\\Записи\\Ночь 1", u"Ночь 1", u"bin"},
-          Case{u"C:\\data.2026\\rec", u"C:\\data.2026\\rec", u"rec", u"bin"},
-          Case{u"/data.d/a.b.WaV", u"/data.d/a.b", u"a.b", u"wav"}, Case{u"D:\\.wav", u"D:\\.wav", u".wav", u"bin"},
+          Case{u"C:\\data.2026\\rec", u"C:\\data.2026\\rec_pieces", u"rec", u"bin"},
+          Case{u"/data.d/a.b.WaV", u"/data.d/a.b", u"a.b", u"wav"},
+          Case{u"D:\\.wav", u"D:\\.wav_pieces", u".wav", u"bin"}, Case{u"D:\\a. .", u"D:\\a_pieces", u"a. ", u"bin"},
           Case{u"\\\\server\\share\\x. .wav", u"\\\\server\\share\\x", u"x. ", u"wav"},
           Case{u"D:\\a.wave", u"D:\\a", u"a", u"bin"}}) {
         EXPECT_EQ(SplitFolderName(one.recording), one.folder);

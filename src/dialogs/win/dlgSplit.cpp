@@ -230,7 +230,7 @@ void SplitDialog::KeepSettings() {
 
 SplitEntry SplitDialog::Entry(int id, bool samples) const {
     const std::u16string text = Narrow16(WindowText(Control(id + (samples ? 1 : 0))));
-    return samples ? ParseSplitSamples(text) : ParseSplitSeconds(text, m_rate);
+    return samples ? ParseSplitSamples(text) : ParseSplitSeconds(text, m_rate, m_context.decimalSeparator);
 }
 
 SplitPlan SplitDialog::Plan() const {
@@ -344,9 +344,13 @@ SplitResult SplitDialog::Run(const SplitPlan& plan) {
             dialog.m_running = true;
             dialog.EnableControls(false);
             // Long pieces too leave the windows alive; the end of the program is seen after the piece.
-            dialog.m_context.exporter.SetProgress([window = split.m_dialog](std::int32_t, std::int32_t) {
-                static_cast<void>(RunPendingMessages(window));
-            });
+            constexpr ULONGLONG interval = 30;  // ms; what is written between costs far less than looking for messages
+            dialog.m_context.exporter.SetProgress(
+                [window = split.m_dialog, last = GetTickCount64()](std::int32_t, std::int32_t) mutable {
+                    if (GetTickCount64() - last < interval) return;
+                    static_cast<void>(RunPendingMessages(window));
+                    last = GetTickCount64();
+                });
         }
         ~Scope() {
             dialog.m_context.exporter.SetProgress({});
