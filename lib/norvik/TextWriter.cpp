@@ -15,6 +15,7 @@ class TextFile final : public TextSink {
     void Write(std::string_view text) override {
         m_file->Write(std::as_bytes(std::span<const char>(text.data(), text.size())));
     }
+    [[nodiscard]] bool Failed() const override { return m_file->FailureCount() != 0; }
     bool Close() override { return m_file->Close() && m_file->FailureCount() == 0; }
 
   private:

@@ -14,6 +14,8 @@ class TextSink {
     virtual ~TextSink() = default;
     /// UTF-8, lines with their ends. Never throws; a failure is kept for Close.
     virtual void Write(std::string_view text) = 0;
+    /// Whether a failure is kept already, so that Close can only say no and further text is lost.
+    [[nodiscard]] virtual bool Failed() const { return false; }
     /// Brings the text to its end: the clipboard gets it here. Returns whether all of it arrived.
     virtual bool Close() = 0;
 };

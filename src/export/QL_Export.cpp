@@ -155,11 +155,10 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     }
     const bool file = request.target != kClipboardTarget;
     const std::string titles = request.titleRow ? TextTitleLine(x.kind(), channels) : std::string();
-    // Programs that would take a file for one of the system's code page are told that it is UTF-8.
-    if (file && !IsAscii(titles)) sink->Write("\xEF\xBB\xBF");
+    if (file && context.utf8Mark && !IsAscii(titles)) sink->Write("\xEF\xBB\xBF");
     sink->Write(HeaderLines(request, count, rate, separator));
     sink->Write(titles);
-    for (std::int32_t chunk = 0; chunk < chunks; ++chunk) {
+    for (std::int32_t chunk = 0; chunk < chunks && !sink->Failed(); ++chunk) {
         if (chunk % interval == 0) {
             const std::int64_t percent = std::int64_t{chunk} * 100 / chunks;
             context.services.SetStatus(u"Export to text: " + Decimal(percent) + u"% ");

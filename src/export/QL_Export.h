@@ -53,6 +53,8 @@ struct TextExportContext {
     TextSinkFactory open;
     /// Lets pending window messages run, between chunks; false ends the export. May be empty.
     std::function<bool()> runPending{};
+    /// Programs that would take a file for one of the system's code page are told that it is UTF-8.
+    bool utf8Mark = true;
     bool ended = false;  ///< runPending answered false
     // For the caller to tell: targets written to the end, those that could not be written completely, and why the last
     // one that could not be opened could not.

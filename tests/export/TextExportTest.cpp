@@ -38,10 +38,12 @@ std::vector<std::string> Split(const std::string& text, char separator) {
 class TextExportTest : public ::testing::Test {
   protected:
     struct Sink : TextSink {
-        explicit Sink(std::string& target) : written(target) {}
+        Sink(std::string& target, std::size_t bytes) : written(target), room(bytes) {}
         void Write(std::string_view text) override { written += text; }
+        bool Failed() const override { return written.size() > room; }
         bool Close() override { return false; }
         std::string& written;
+        std::size_t room;
     };
 
     TextExportTest() {
@@ -61,11 +63,12 @@ class TextExportTest : public ::testing::Test {
     TextBlock block;
     ChannelSlots slots;
     FormatOptions format;
+    std::size_t room = std::string::npos;
     FakeServices services;
     TextExportSettings settings{1, 0, 0, 0, 0, 0, 0, 0};
     std::map<std::u16string, std::string> texts;
     TextExportContext context{slots, format, false, services, [this](const std::u16string& target, std::u16string&) {
-                                  return std::make_unique<Sink>(texts[target]);
+                                  return std::make_unique<Sink>(texts[target], room);
                               }};
 };
 
@@ -169,6 +172,13 @@ TEST_F(TextExportTest, FilesAreAnnouncedAndRefusalsKept) {
     EXPECT_EQ(context.refused + u": " + context.refusal, u"b8.txt: full");
 }
 
+TEST_F(TextExportTest, NothingIsFormattedForAFullDisk) {
+    room = 0;
+    EXPECT_EQ(Lines(1, 150).size(), 100U) << "the first chunk";
+    EXPECT_THAT(context.incomplete, ElementsAre(u"a.txt"));
+    EXPECT_EQ(services.status, u"");
+}
+
 TEST_F(TextExportTest, OnlyAFileWithForeignLettersIsMarkedAsUtf8) {
     settings = {1, 0, 0, 0, 0, 1, 0, 0};
     EXPECT_EQ(Lines(1, 1)[0], "Ch1\tCh5\tCh8\r");
@@ -176,6 +186,8 @@ TEST_F(TextExportTest, OnlyAFileWithForeignLettersIsMarkedAsUtf8) {
     EXPECT_EQ(Lines(1, 1)[0], "\xEF\xBB\xBF\xD0\xAD\xD0\xAD\xD0\x93\tCh5\tCh8\r");
     ExportText(u"Clipboard", block, 1, 1, settings, context);
     EXPECT_EQ(texts[u"Clipboard"].substr(0, 2), "\xD0\xAD");
+    context.utf8Mark = false;
+    EXPECT_EQ(Lines(1, 1)[0].substr(0, 2), "\xD0\xAD");
 }
 
 TEST_F(TextExportTest, TheFastFileIsAskedForFromWhereItLies) {
