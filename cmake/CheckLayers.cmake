@@ -31,8 +31,8 @@ foreach(rule IN LISTS rules)
       set(extra "app/win/Win32.h;app/win/WinHandle.h;app/win/PictureBox.h;app/win/DialogTemplate.h")
     endif()
     if(source MATCHES "/app/win/QL_Main\\.cpp$")
-      list(APPEND extra kvsound/win/WaveOut.h norvik/OutputFile.h norvik/RecordingLibrary.h norvik/TextWriter.h
-        norvik/win/ClipboardWriter.h norvik/win/Registry.h norvik/win/SaveDialog.h norvik/win/Timer.h)
+      list(APPEND extra kvsound/win/WaveOut.h norvik/OutputFile.h norvik/RecordingLibrary.h norvik/SystemBytes.h
+        norvik/TextWriter.h norvik/win/ClipboardWriter.h norvik/win/Registry.h norvik/win/SaveDialog.h norvik/win/Timer.h)
     endif()
     file(STRINGS ${source} includes REGEX "^#include \"")
     foreach(include IN LISTS includes)

@@ -69,6 +69,15 @@ std::string Utf8(std::u16string_view text) {
     return out;
 }
 
+std::string Utf8Within(std::u16string_view text, std::size_t size) {
+    std::string out = Utf8(text);
+    if (out.size() <= size) return out;
+    const auto continues = [&](std::size_t at) { return (static_cast<std::uint8_t>(out[at]) & 0xC0) == 0x80; };
+    while (size > 0 && continues(size)) --size;
+    out.resize(size);
+    return out;
+}
+
 std::u16string Utf16(std::string_view text) {
     std::u16string out;
     out.reserve(text.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -10,6 +11,9 @@ namespace quillon {
 
 /// UTF-16 to UTF-8. A lone surrogate becomes U+FFFD.
 [[nodiscard]] std::string Utf8(std::u16string_view text);
+
+/// The same, at most `size` bytes, ended behind a whole character.
+[[nodiscard]] std::string Utf8Within(std::u16string_view text, std::size_t size);
 
 /// UTF-8 to UTF-16. Each byte that is not part of a valid sequence becomes U+FFFD.
 [[nodiscard]] std::u16string Utf16(std::string_view text);

@@ -4,6 +4,8 @@
 
 namespace quillon {
 
+FormatError::FormatError(Bilingual reason) : m_reason(std::move(reason)), m_what(Utf8(m_reason.english)) {}
+
 Bilingual Say(std::u16string_view english, std::u16string_view russian,
               std::initializer_list<std::u16string> arguments) {
     return {FillPlaces(english, arguments), FillPlaces(russian, arguments)};

@@ -25,12 +25,14 @@ struct Bilingual {
 /// A file that is refused or cannot be read on: says what is wrong and where.
 class FormatError : public std::exception {
   public:
-    explicit FormatError(Bilingual reason) : m_reason(std::move(reason)) {}
+    explicit FormatError(Bilingual reason);
     [[nodiscard]] const Bilingual& Reason() const { return m_reason; }
-    [[nodiscard]] const char* what() const noexcept override { return "the file is refused"; }
+    /// In English, UTF-8.
+    [[nodiscard]] const char* what() const noexcept override { return m_what.c_str(); }
 
   private:
     Bilingual m_reason;
+    std::string m_what;
 };
 
 }  // namespace quillon

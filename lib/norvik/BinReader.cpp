@@ -10,6 +10,7 @@
 #include "base/Text.h"
 #include "norvik/FrameBlock.h"
 #include "norvik/FrameCount.h"
+#include "norvik/SystemBytes.h"
 
 namespace quillon {
 
@@ -35,7 +36,7 @@ void RequireSignature(const std::uint8_t* header, std::size_t offset, std::strin
 std::u16string FixedText(const std::uint8_t* bytes, std::size_t size) {
     std::string text;
     for (std::size_t at = 0; at < size && bytes[at] != 0; ++at) text.push_back(static_cast<char>(bytes[at]));
-    return FromUtf8OrLatin1(Trim(text));
+    return FromUtf8OrSystemBytes(Trim(text));
 }
 
 /// False where the header holds no possible date.

@@ -4,6 +4,7 @@
 
 #include "cli/CommandSupport.h"
 #include "export/KVExport.h"
+#include "norvik/SystemBytes.h"
 
 namespace quillon::cli {
 
@@ -56,7 +57,7 @@ void RunExport(const CommandContext& context) {
     const BlockRange range = FindRange(file.Get(), parsed, context.language);
     SilentServices services;
     std::exception_ptr refusal;
-    KVExport exporter(services, {[&] { return std::make_unique<TargetFile>(context.target, refusal); }});
+    KVExport exporter(services, {[&] { return std::make_unique<TargetFile>(context.target, refusal); }, SystemBytes});
     const bool done = exporter.Export(range.block.get(), parsed.words[2], range.first, range.count, type);
     if (refusal) std::rethrow_exception(refusal);
     if (!done) throw Refusal(exporter.LastError(), parsed.words[2]);

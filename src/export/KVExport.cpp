@@ -2,6 +2,7 @@
 
 #include <array>
 #include <exception>
+#include <new>
 #include <string_view>
 
 #include "base/Text.h"
@@ -57,7 +58,7 @@ bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std
                       std::int32_t sampleCount, std::int32_t fileType) {
     m_writers.Clear();
     if (Run(block, fileName, firstSample, sampleCount, fileType)) return true;
-    if (LastError().empty()) m_writers.SetLastFailure(u"Error of file export!");
+    if (LastError().empty()) FailWith({});
     m_services.ShowMessage(LastError(), LibraryName());
     return false;
 }
@@ -65,6 +66,11 @@ bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std
 bool KVExport::ExportWithDialog(RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
                                 SaveFileDialog& dialog) {
     return dialog.Show() && Export(block, dialog.fileName, firstSample, sampleCount, dialog.filterIndex);
+}
+
+void KVExport::FailWith(const std::u16string& reason) {
+    const std::u16string sentence = u"Error of file export!";
+    m_writers.SetLastFailure(reason.empty() ? sentence : sentence + u' ' + reason);
 }
 
 bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
@@ -81,10 +87,13 @@ bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::i
     }
     try {
         return (m_writers.*type->write)(block, fileName, firstSample, sampleCount);
-    } catch (const std::exception&) {
+    } catch (const std::bad_alloc&) {
+        FailWith(u"there is not enough memory");
+    } catch (const std::exception& error) {
         // A block that cannot be read, or values that no header of the format can hold.
-        return false;
+        FailWith(Utf16(error.what()));
     }
+    return false;
 }
 
 }  // namespace quillon

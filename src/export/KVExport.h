@@ -57,6 +57,7 @@ class KVExport {
   private:
     bool Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample, std::int32_t sampleCount,
              std::int32_t fileType);
+    void FailWith(const std::u16string& reason);
 
     UserServices& m_services;
     KV_Export m_writers;

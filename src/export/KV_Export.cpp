@@ -18,6 +18,7 @@ namespace {
 constexpr std::int32_t kChunkFrames = 1024;
 constexpr double kSecondsPerDay = 86400.0;
 constexpr std::size_t kRecordCodes = std::size_t{1} << 20;
+constexpr float kEdfLimit = 32000.0F;               ///< of the codes, either side of 0
 constexpr std::uint32_t kWaveBytesBeforeData = 36;  ///< of the RIFF chunk's content
 
 /// Bytes of the frames; throws std::length_error where `headerBytes` more do not fit the 32 bits of a size field.
@@ -52,11 +53,15 @@ ByteWriter BinHeader(const RecordingBlock& block, std::int32_t first, std::int32
         header.U16(static_cast<std::uint16_t>(part));
     }
     header.Float(rate).U32(0).U16(static_cast<std::uint16_t>(block.ChannelCount())).Zeros(30);
-    header.Text(system.singleByteText(block.DeviceName()), 16, '\0').Zeros(48);
+    const auto field = [&](std::u16string_view text, std::size_t size) {
+        header.Text(system.fieldText(text, size), size, '\0');
+    };
+    field(block.DeviceName(), 16);
+    header.Zeros(48);
     for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
         header.Text("ADCh").U32(static_cast<std::uint32_t>(block.InputNumber(channel) - 1));
-        header.Text(system.singleByteText(block.ChannelTitle(channel)), 32, '\0');
-        header.Text(system.singleByteText(block.ChannelUnit(channel)), 24, '\0');
+        field(block.ChannelTitle(channel), 32);
+        field(block.ChannelUnit(channel), 24);
         header.Float(block.ChannelScale(channel)).Float(block.ChannelOffset(channel)).Zeros(8);
     }
     header.Text("data").U32(DataBytes(block, count, 0));
@@ -91,6 +96,20 @@ std::string EdfStart(double date) {
     return text.substr(0, 16);
 }
 
+/// Physical value of a digital limit.
+std::string EdfLimit(const RecordingBlock& block, std::int16_t channel, float code) {
+    return EdfNumber(code * block.ChannelScale(channel) + block.ChannelOffset(channel), 8);
+}
+
+/// The first channel whose physical limits come out as one number, which leaves a reader without its scale; 0 where
+/// there is none.
+std::int16_t TooFineChannel(const RecordingBlock& block) {
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        if (EdfLimit(block, channel, -kEdfLimit) == EdfLimit(block, channel, kEdfLimit)) return channel;
+    }
+    return 0;
+}
+
 ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord, double recordSeconds,
                      std::int32_t records) {
     const std::int16_t channels = block.ChannelCount();
@@ -113,9 +132,7 @@ ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord,
     };
     const auto same = [](std::string_view text) { return [text](std::int16_t) { return text; }; };
     const auto limit = [&](float code) {
-        return [&block, code](std::int16_t channel) {
-            return EdfNumber(code * block.ChannelScale(channel) + block.ChannelOffset(channel), 8);
-        };
+        return [&block, code](std::int16_t channel) { return EdfLimit(block, channel, code); };
     };
     column(16, [&](std::int16_t channel) { return EdfText(block.ChannelTitle(channel), 16); });
     column(80, same(""));
@@ -123,8 +140,8 @@ ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord,
         const std::u16string unit = block.ChannelUnit(channel);
         return unit.empty() ? std::string("V") : EdfText(unit, 8);
     });
-    column(8, limit(-32000.0F));
-    column(8, limit(32000.0F));
+    column(8, limit(-kEdfLimit));
+    column(8, limit(kEdfLimit));
     column(8, same("-32000"));
     column(8, same("32000"));
     column(80, same(""));
@@ -147,12 +164,6 @@ void WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t sam
 }
 
 }  // namespace
-
-std::string Latin1Text(std::u16string_view text) {
-    std::string result;
-    for (const char16_t letter : text) result += letter < 256 ? static_cast<char>(letter) : '?';
-    return result;
-}
 
 void KV_Export::Clear() {
     m_lastFailure.clear();
@@ -272,6 +283,11 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
     Range range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     const Records records = CutIntoRecords(*block, range.count);
+    if (const std::int16_t channel = TooFineChannel(*block); channel > 0) {
+        const std::u16string title = block->ChannelTitle(channel);
+        m_lastFailure = u"The channel's scale is too fine for EDF: " + (title.empty() ? Decimal(channel) : title);
+        return false;
+    }
     const ByteWriter header = EdfHeader(*block, records.samples, records.seconds, records.count);
     const std::unique_ptr<OutputFile> file = Create(fileName);
     if (!file) return false;

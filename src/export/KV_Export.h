@@ -7,19 +7,17 @@
 #include <string>
 #include <string_view>
 
+#include "base/Text.h"
 #include "data/NorvikCore.h"
 #include "data/OutputFile.h"
 
 namespace quillon {
 
-/// Each character as its ISO 8859-1 byte, "?" for those that have none.
-[[nodiscard]] std::string Latin1Text(std::u16string_view text);
-
 /// What the writers need of the system.
 struct ExportSystem {
     OutputFileFactory makeFile;
-    /// Text of ".bin" fields in the system's single-byte characters.
-    std::function<std::string(std::u16string_view)> singleByteText = Latin1Text;
+    /// Text of ".bin" fields in the system's bytes: at most `size` of them, ended behind a whole character.
+    std::function<std::string(std::u16string_view text, std::size_t size)> fieldText = Utf8Within;
     /// The day that ".bin" files count as 1: 0 is Sunday, 1 Monday ... 6.
     int firstDayOfWeek = 1;
     /// Called after each chunk with the samples per channel done and to do. It may run pending messages as long as
@@ -31,9 +29,9 @@ struct ExportSystem {
 /// block as the 16-bit codes that they are. A first sample below 1 is 1; a count below 1 or beyond the end means: to
 /// the end.
 ///
-/// False, with the reason in LastFailure, when there is no such range or the file cannot be created; where the reason
-/// stays empty the header cannot hold what it should. Then no file was touched. Exceptions of the block pass through
-/// and leave a half-written file. A failed write changes no result, only FailedWrites.
+/// False, with the reason in LastFailure, when there is no such range, the format cannot hold a channel's scale or the
+/// file cannot be created; std::exception says what else the header cannot hold. Then no file was touched. Exceptions
+/// of the block pass through and leave a half-written file. A failed write changes no result, only FailedWrites.
 class KV_Export {
   public:
     explicit KV_Export(ExportSystem system) : m_system(std::move(system)) {}

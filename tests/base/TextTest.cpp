@@ -19,6 +19,13 @@ TEST(Text, EveryCodePointSurvivesTheWayToUtf8AndBack) {
     EXPECT_EQ(Utf16(Utf8(loneSurrogates)), u"\uFFFD\uFFFDb");
 }
 
+TEST(Text, FieldsEndBehindAWholeCharacter) {
+    const std::u16string text = u"aµ€\U0001D11E";  // characters of 1 to 4 bytes
+    for (const auto& [size, fitting] :
+         {std::pair{11U, 10U}, {10U, 10U}, {9U, 6U}, {7U, 6U}, {5U, 3U}, {2U, 1U}, {0U, 0U}})
+        EXPECT_EQ(Utf8Within(text, size), Utf8(text).substr(0, fitting)) << size;
+}
+
 TEST(Text, BytesThatAreNoUtf8AreReplacedOneByOneAndReadAsLatin1InHeaders) {
     for (const std::string bytes : {"\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\xE2\x82", "\x80z", "\xFF"}) {
         EXPECT_FALSE(IsValidUtf8(bytes));

@@ -93,7 +93,7 @@ class ExportTest : public ::testing::Test {
     std::vector<std::int32_t> progress;
     quillon::testing::FakeServices services;
     KVExport exporter{services,
-                      {[this] { return std::make_unique<MemoryFile>(bytes, room); }, Latin1Text, 0,
+                      {[this] { return std::make_unique<MemoryFile>(bytes, room); }, Utf8Within, 0,
                        [this](std::int32_t done, std::int32_t) { progress.push_back(done); }}};
 };
 
@@ -110,7 +110,7 @@ TEST_F(ExportTest, HeadersAreExactToTheByte) {
     // Monday is day 2 where weeks begin on Sunday; 1.5 s later than the block, of which the milliseconds are not kept.
     for (const std::uint32_t part : {2011U, 4U, 2U, 4U, 12U, 57U, 3U, 0U}) bin.U16(part);
     bin.U32(0x41200000).U32(0).U16(2).Text("", 30, '\0').Text("Device 1", 16, '\0').Text("", 48, '\0');
-    bin.Text("ADCh").U32(4).Text("??? Fp1", 32, '\0').Text("\xB5V", 24, '\0').Float(0.25F).Float(1.0F).U32(0).U32(0);
+    bin.Text("ADCh").U32(4).Text("ЭЭГ Fp1", 32, '\0').Text("µV", 24, '\0').Float(0.25F).Float(1.0F).U32(0).U32(0);
     bin.Text("ADCh").U32(1).Text("ECG", 32, '\0').Text("", 24, '\0').Float(0.0001234567F).Float(0.0F).U32(0).U32(0);
     bin.Text("data").U32(20).Text(tail.Get());
     EXPECT_EQ(bytes, bin.Get());
@@ -145,6 +145,14 @@ TEST_F(ExportTest, EdfRecordsSuitTheRate) {
         EXPECT_EQ(bytes.size(), 768 + 4 * std::stoul(records) * std::stoul(samples)) << rate;
     }
     EXPECT_FALSE(Export(MakeBlock(0, 1000.0).get(), 0, 0, u"a.edf")) << "a record of nothing";
+    BlockDescription fine;
+    fine.sampleRate = fine.sampleCount = 10;
+    fine.channels = {{0, 1, u"A", u"V", 1e-4F, 101325.0F}, {1, 2, u"B", u"V", 1e-9F, 101325.0F}};
+    bytes = "kept";
+    MemoryBlock pressure(fine, {Codes(10), Codes(10)});
+    EXPECT_FALSE(Export(&pressure, 1, 0, u"a.edf")) << "no reader could tell its codes apart";
+    EXPECT_EQ(exporter.LastError(), u"The channel's scale is too fine for EDF: B");
+    EXPECT_EQ(bytes, "kept");
     BlockDescription wide;
     wide.sampleRate = wide.sampleCount = 10;
     for (const std::size_t channels : {126U, 127U}) {
@@ -196,7 +204,17 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
     EXPECT_FALSE(Export(block.get(), 1, 0, u"a.bin"));
     EXPECT_EQ(services.messages,
               (std::vector<std::u16string>{u"Block is nothing!", u"File type is unknown!", u"Data start is out!",
-                                           u"write-protected", u"Error of file export!"}));
+                                           u"write-protected", u"Error of file export! pulled out"}));
+    struct LongBlock : quillon::testing::FakeBlock {
+        std::int32_t SampleCount() const override { return most; }
+        std::int32_t ReadFrames(std::int32_t, std::int32_t, std::int16_t*) override { throw std::runtime_error(""); }
+    } gigabytes;
+    gigabytes.samples.resize(1);
+    EXPECT_FALSE(Export(&gigabytes, 1, 0, u"a.bin"));
+    EXPECT_EQ(exporter.LastError(), u"Error of file export!") << "nothing to say";
+    gigabytes.samples.resize(2);
+    EXPECT_FALSE(Export(&gigabytes, 1, 0, u"a.bin"));
+    EXPECT_EQ(exporter.LastError(), u"Error of file export! the data are too large for the format");
     room = 296 + 4096;  // the header and the first chunk
     EXPECT_TRUE(Export(block.get(), 1, 1400, u"a.bin"));
     EXPECT_EQ(exporter.FailedWrites(), 1U);

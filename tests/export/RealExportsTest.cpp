@@ -53,7 +53,7 @@ class RealExports : public ::testing::Test {
         for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
             EXPECT_EQ(read->ChannelScale(channel), block.ChannelScale(channel));
             EXPECT_EQ(read->ChannelOffset(channel), block.ChannelOffset(channel));
-            EXPECT_EQ(Latin1Text(read->ChannelUnit(channel)), Latin1Text(block.ChannelUnit(channel)).substr(0, 24));
+            EXPECT_EQ(read->ChannelUnit(channel), Utf16(Utf8Within(block.ChannelUnit(channel), 24)));
         }
     }
 

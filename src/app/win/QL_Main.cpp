@@ -9,6 +9,7 @@
 #include "kvsound/win/WaveOut.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
+#include "norvik/SystemBytes.h"
 #include "norvik/TextWriter.h"
 #include "norvik/win/ClipboardWriter.h"
 #include "norvik/win/Registry.h"
@@ -29,16 +30,6 @@ int FirstDayOfWeek() {
     wchar_t day[4] = {};
     GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_IFIRSTDAYOFWEEK, day, 4);
     return day[0] < L'0' || day[0] > L'6' ? 0 : (day[0] - L'0' + 1) % 7;  // the system's Monday is 0
-}
-
-/// In the system's single-byte characters, "?" for those that it has not.
-std::string AnsiText(std::u16string_view text) {
-    const std::wstring wide = Wide(text);
-    std::string ansi(wide.size() * 2, '\0');
-    ansi.resize(
-        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), ansi.data(),
-                                                     static_cast<int>(ansi.size()), "?", nullptr)));
-    return ansi;
 }
 
 std::unique_ptr<TextSink> OpenText(const std::u16string& target, std::u16string& error) {
@@ -63,7 +54,7 @@ StartUpParts SystemParts() {
             MakeRegistryObject,
             {},
             MakeTimer,
-            {MakeOutputFile, AnsiText, FirstDayOfWeek()},
+            {MakeOutputFile, SystemBytes, FirstDayOfWeek()},
             OpenText,
             MakeSaveDialog,
             MakeSoundOutput};
