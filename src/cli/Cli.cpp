@@ -102,6 +102,9 @@ ParsedArguments ForCommand(const Command& command, ParsedArguments parsed) {
             throw UsageError(u"'" + std::u16string(command.name) + u"' takes no option '" + option.first + u"'");
         }
     }
+    if (command.outputWord != 0 && parsed.words[command.outputWord].empty()) {
+        throw UsageError(u"'" + std::u16string(command.name) + u"' needs a name for OUT");
+    }
     if (command.outputWord != 0) parsed.options.emplace(u"--out", parsed.words[command.outputWord]);
     if (parsed.Value(u"--out") == u"-") parsed.options.erase(u"--out");
     return parsed;

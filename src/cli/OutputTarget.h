@@ -26,12 +26,15 @@ class Refusal : public std::runtime_error {
 /// behind and replaces nothing.
 class OutputTarget {
   public:
-    /// Throws Refusal where --out is the recording itself under any spelling, or exists and --force is not given.
+    /// Throws Refusal where --out is the recording itself under any spelling or exists and --force is not given. A
+    /// device such as /dev/null is written where it is.
     OutputTarget(std::ostream& standard, const ParsedArguments& parsed, const std::u16string& recording);
     ~OutputTarget();
     OutputTarget(const OutputTarget&) = delete;
     OutputTarget& operator=(const OutputTarget&) = delete;
 
+    /// Whether this is the standard output.
+    [[nodiscard]] bool IsStandard() const { return m_path.empty(); }
     /// Throws Refusal when the bytes cannot be written.
     void Write(std::span<const char> bytes);
     /// Everything is written; throws Refusal when it cannot be brought to its end.
@@ -41,12 +44,16 @@ class OutputTarget {
     static void CheckStream(std::ostream& stream);
 
   private:
+    /// Throws Refusal where something stands in the place that may not be replaced.
+    void CheckPlace() const;
     [[nodiscard]] std::ostream& Stream();
 
     std::ostream& m_standard;
     std::u16string m_path;  ///< empty: the standard output
     std::u16string m_partPath;
     std::ofstream m_file;
+    bool m_device = false;
+    bool m_force;
     bool m_finished = false;
 };
 

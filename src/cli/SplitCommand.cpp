@@ -9,6 +9,7 @@
 #include "dialogs/SplitRun.h"
 #include "norvik/Bilingual.h"
 #include "norvik/OutputFile.h"
+#include "norvik/SystemBytes.h"
 
 namespace quillon::cli {
 
@@ -51,9 +52,25 @@ SplitPlan MakePlan(const ParsedArguments& parsed, const RecordingBlock& block) {
     return plan;
 }
 
+/// Throws Refusal where the list of the pieces would go to the place of one of them.
+void CheckList(const CommandContext& context, const SplitPlan& plan, const fs::path& folder) {
+    if (context.target.IsStandard()) return;
+    const fs::path list(context.parsed.Value(u"--out"));
+    std::error_code error;
+    // Letter case apart, as on some systems: the folder need not be there yet, so that the system cannot be asked.
+    const auto place = [&](const fs::path& path) {
+        return LowerCase(fs::weakly_canonical(fs::absolute(path, error), error).u16string());
+    };
+    const fs::path name = list.filename();
+    if (plan.PieceOf(name.u16string()) && place(list) == place(folder / name)) {
+        throw Refusal(u"this is the place of a piece", list.u16string());
+    }
+}
+
 /// Throws Refusal where a piece's file exists that must not or may not be replaced.
 void CheckReplaced(const CommandContext& context, const SplitPlan& plan, const fs::path& folder) {
     std::error_code error;
+    CheckList(context, plan, folder);
     if (!fs::exists(folder, error)) return;
     if (!fs::is_directory(folder, error)) throw Refusal(u"this is not a folder", folder.u16string());
     fs::directory_iterator entry(folder, error);
@@ -63,10 +80,13 @@ void CheckReplaced(const CommandContext& context, const SplitPlan& plan, const f
         // Another letter case is another file on some systems.
         const fs::path path = folder / plan.Name(*piece);
         std::error_code ignored;
-        if (!fs::exists(path, ignored)) continue;
+        const fs::file_status status = fs::symlink_status(path, ignored);
+        if (!fs::exists(status)) continue;
         if (fs::equivalent(path, fs::path(context.parsed.words[1]), ignored)) {
             throw Refusal(u"this is the recording itself; it is never written over", path.u16string());
         }
+        // The writer would follow a link, wherever it leads.
+        if (!fs::is_regular_file(status)) throw Refusal(u"this is not a file", path.u16string());
         if (!context.parsed.Has(u"--force")) {
             throw Refusal(u"the file exists (--force replaces it)", path.u16string());
         }
@@ -100,7 +120,7 @@ void RunSplitCommand(const CommandContext& context) {
     CheckReplaced(context, plan, folder);
 
     SilentServices services;
-    KVExport exporter(services, {MakeOutputFile});
+    KVExport exporter(services, {MakeOutputFile, SystemBytes});
     SplitSystem system;
     system.createFolder = [&] {
         std::error_code error;

@@ -21,6 +21,7 @@ class TargetText final : public TextSink {
             m_refusal = std::current_exception();
         }
     }
+    [[nodiscard]] bool Failed() const override { return m_refusal != nullptr; }
     bool Close() override { return !m_refusal; }
 
   private:
@@ -95,6 +96,7 @@ void RunText(const CommandContext& context) {
     TextExportContext text{slots, format, request.rawCodes, services, [&](const std::u16string&, std::u16string&) {
                                return std::make_unique<TargetText>(context.target, refusal);
                            }};
+    text.utf8Mark = !context.target.IsStandard();
     WriteTextExport(*range.block, request, text);
     if (refusal) std::rethrow_exception(refusal);
 }

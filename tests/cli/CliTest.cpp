@@ -11,6 +11,7 @@
 #include "SampleRecordings.h"
 #include "base/Text.h"
 #include "cli/Json.h"
+#include "cli/OutputTarget.h"
 #include "norvik/TemporaryFolder.h"
 
 namespace quillon::cli {
@@ -133,6 +134,7 @@ TEST_F(CliTest, WrongCommandLinesNameTheWrongWord) {
         {{u"info", u"a", u"--language", u"de"}, "'de'"},
         {Codes({u"1x", u"1"}), "'1x'"},
         {Codes({u"1", u""}), "CHANNEL"},
+        {{u"export", u"a.bin", u""}, "OUT"},
         {Codes({u"1", u"1", u"99999999999999999999"}), "FIRST"}};
     for (const auto& [words, named] : cases) ExpectRefused(kUsage, words, named);
     // After "--" a word is no option, even if it looks like one.
@@ -155,6 +157,47 @@ TEST_F(CliTest, OutWritesAFileAndReplacesNoneUnasked) {
     EXPECT_EQ(Run(Codes({u"1", u"1", u"--force", u"--out=" + target.u16string()})).code, kDone);
     EXPECT_EQ(FileBytes(target), expected);
     ExpectRefused(kRefused, Codes({u"1", u"1", u"--out", (m_folder.File(u"no") / "x").u16string()}), "x");
+}
+
+TEST_F(CliTest, OutTakesNoLinkUnaskedAndWritesDevicesWhereTheyAre) {
+    const fs::path link = m_folder.File(u"link.raw");
+    std::error_code error;
+    fs::create_symlink(m_folder.File(u"nowhere"), link, error);
+    if (!error) {
+        ExpectRefused(kRefused, Codes({u"1", u"1", u"--out", link.u16string()}), "--force");
+        EXPECT_TRUE(fs::is_symlink(link));
+        EXPECT_EQ(Run(Codes({u"1", u"1", u"--force", u"--out", link.u16string()})).code, kDone);
+        EXPECT_FALSE(fs::exists(m_folder.File(u"nowhere")));
+        EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(link)));
+    }
+    if (!fs::is_character_file("/dev/full", error)) return;
+    EXPECT_EQ(Run({u"text", Recording(), u"/dev/null"}).code, kDone);
+    ExpectRefused(kRefused, {u"text", Recording(), u"/dev/full"}, "writing failed");
+    EXPECT_TRUE(fs::is_character_file("/dev/null") && fs::is_character_file("/dev/full"));
+}
+
+TEST_F(CliTest, WhatComesIntoThePlaceMeanwhileStays) {
+    const fs::path place = m_folder.File(u"codes.raw");
+    const ParsedArguments parsed{{}, {{u"--out", place.u16string()}}};
+    std::ostringstream standard;
+    {
+        OutputTarget target(standard, parsed, Recording());
+        target.Write(std::string_view("new"));
+        ASSERT_EQ(Write(u"codes.raw", "kept"), place);
+        EXPECT_THROW(target.Finish(), Refusal);
+    }
+    EXPECT_EQ(FileBytes(place), "kept");
+    EXPECT_EQ(std::distance(fs::directory_iterator(place.parent_path()), fs::directory_iterator()), 2);
+}
+
+TEST_F(CliTest, OnlyATextFileIsMarkedAsUtf8) {
+    samples::Bytes bytes;
+    bytes.Text(samples::BinHeader(250.0F, "", {{"ЭЭГ", "V", 1.0F, 0.0F}}, 1)).Codes({0});
+    const std::u16string recording = Write(u"eeg.bin", bytes.Get()).u16string();
+    const fs::path file = m_folder.File(u"a.txt");
+    EXPECT_EQ(Run({u"text", recording, u"-", u"--header=titles"}).out.substr(0, 8), "ЭЭГ\r\n");
+    EXPECT_EQ(Run({u"text", recording, file.u16string(), u"--header=titles"}).code, kDone);
+    EXPECT_EQ(FileBytes(file).substr(0, 9), "\xEF\xBB\xBFЭЭГ");
 }
 
 TEST_F(CliTest, TheRecordingItselfIsNeverWrittenOver) {

@@ -94,6 +94,34 @@ TEST_F(SplitCommand, ReplacesNothingUnaskedAndTheRecordingNever) {
     EXPECT_EQ(Bytes(m_recording), recording);
 }
 
+TEST_F(SplitCommand, WritesIntoNoFolderAndThroughNoLink) {
+    fs::create_directories(m_pieces / "07.bin");
+    for (const char16_t* option : {u"--step=100", u"--force"}) {
+        EXPECT_EQ(Run({u"--size=100", option}, m_pieces), kRefused);
+        EXPECT_NE(m_error.find("07.bin: this is not a file"), std::string::npos) << m_error;
+        EXPECT_FALSE(fs::exists(m_pieces / "01.bin")) << "told before anything is written";
+    }
+    fs::remove(m_pieces / "07.bin");
+    std::error_code error;
+    fs::create_symlink(m_folder.File(u"elsewhere.bin"), m_pieces / "07.bin", error);
+    if (error) GTEST_SKIP() << "links need a privilege here";
+    for (const char16_t* option : {u"--step=100", u"--force"}) {
+        EXPECT_EQ(Run({u"--size=100", option}, m_pieces), kRefused);
+        EXPECT_FALSE(fs::exists(m_folder.File(u"elsewhere.bin")) || fs::exists(m_pieces / "01.bin"));
+    }
+}
+
+TEST_F(SplitCommand, TheListOfThePiecesReplacesNone) {
+    for (const fs::path& list : {m_pieces / "07.bin", m_pieces / ".." / "2" / "07.BIN"}) {
+        EXPECT_EQ(Run({u"--size=100", u"--force", u"--out", list.u16string()}, m_pieces / ""), kRefused);
+        EXPECT_NE(m_error.find("the place of a piece"), std::string::npos) << m_error;
+        EXPECT_FALSE(fs::exists(m_pieces));
+    }
+    const fs::path beside = m_folder.File(u"07.bin");
+    EXPECT_EQ(Run({u"--size=100", u"--out", beside.u16string()}, m_pieces), kDone) << m_error;
+    EXPECT_EQ(Bytes(beside).substr(0, 9), "01.bin\t1\t");
+}
+
 TEST_F(SplitCommand, RefusesWhatItCannotDo) {
     const std::tuple<std::vector<std::u16string>, int, std::string> cases[] = {
         {{}, kUsage, "--size"},
