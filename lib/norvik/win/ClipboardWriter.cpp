@@ -30,6 +30,8 @@ class ClipboardText final : public TextSink {
         }
     }
 
+    [[nodiscard]] bool Failed() const override { return m_failed; }
+
     bool Close() override {
         if (m_failed) return false;
         std::size_t length = 1;
