@@ -12,6 +12,7 @@
 #include "base/Text.h"
 #include "cli/Json.h"
 #include "cli/OutputTarget.h"
+#include "norvik/SystemBytes.h"
 #include "norvik/TemporaryFolder.h"
 
 namespace quillon::cli {
@@ -190,7 +191,7 @@ TEST_F(CliTest, WhatComesIntoThePlaceMeanwhileStays) {
     EXPECT_EQ(std::distance(fs::directory_iterator(place.parent_path()), fs::directory_iterator()), 2);
 }
 
-TEST_F(CliTest, OnlyATextFileIsMarkedAsUtf8) {
+TEST_F(CliTest, ForeignLettersArriveAndOnlyATextFileIsMarkedAsUtf8) {
     samples::Bytes bytes;
     bytes.Text(samples::BinHeader(250.0F, "", {{"ЭЭГ", "V", 1.0F, 0.0F}}, 1)).Codes({0});
     const std::u16string recording = Write(u"eeg.bin", bytes.Get()).u16string();
@@ -198,6 +199,10 @@ TEST_F(CliTest, OnlyATextFileIsMarkedAsUtf8) {
     EXPECT_EQ(Run({u"text", recording, u"-", u"--header=titles"}).out.substr(0, 8), "ЭЭГ\r\n");
     EXPECT_EQ(Run({u"text", recording, file.u16string(), u"--header=titles"}).code, kDone);
     EXPECT_EQ(FileBytes(file).substr(0, 9), "\xEF\xBB\xBFЭЭГ");
+    const std::u16string copy = m_folder.File(u"copy.bin").u16string();
+    EXPECT_EQ(Run({u"export", recording, copy}).code, kDone);
+    const std::string title = Utf8(FromUtf8OrSystemBytes(SystemBytes(u"ЭЭГ", 32)));
+    EXPECT_NE(Run({u"info", copy}).out.find("\"title\":\"" + title + '"'), std::string::npos);
 }
 
 TEST_F(CliTest, TheRecordingItselfIsNeverWrittenOver) {
