@@ -344,7 +344,7 @@ SplitResult SplitDialog::Run(const SplitPlan& plan) {
             dialog.m_running = true;
             dialog.EnableControls(false);
             // Long pieces too leave the windows alive; the end of the program is seen after the piece.
-            constexpr ULONGLONG interval = 30;  // ms; what is written between costs far less than looking for messages
+            constexpr ULONGLONG interval = 30;  // ms, too short to be seen
             dialog.m_context.exporter.SetProgress(
                 [window = split.m_dialog, last = GetTickCount64()](std::int32_t, std::int32_t) mutable {
                     if (GetTickCount64() - last < interval) return;
