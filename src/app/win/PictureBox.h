@@ -30,7 +30,10 @@ class PictureBox {
     /// `owner` outlives the window. False when the window cannot be made.
     [[nodiscard]] bool Create(HWND parent, int id, PictureOwner& owner, bool tabStop);
     [[nodiscard]] HWND Window() const { return m_window; }
-    void Invalidate() const { InvalidateRect(m_window, nullptr, FALSE); }
+    void Invalidate() const {
+        // Without a window the system would draw the whole screen anew.
+        if (m_window != nullptr) InvalidateRect(m_window, nullptr, FALSE);
+    }
 
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -1,5 +1,7 @@
 #include "app/win/WinServices.h"
 
+#include <utility>
+
 #include "app/KV_Resources.h"
 #include "app/StatusPanels.h"
 #include "base/DateTime.h"
@@ -26,6 +28,7 @@ SYSTEMTIME SystemTimeOf(double date) {
 void WinServices::SetWindow(HWND window, HWND statusBar) {
     m_window = window;
     m_statusBar = statusBar;
+    if (m_statusBar != nullptr && !m_status.empty()) SetStatus(std::exchange(m_status, {}));
 }
 
 void WinServices::ShowMessage(const std::u16string& text, const std::u16string& title) {
@@ -35,7 +38,10 @@ void WinServices::ShowMessage(const std::u16string& text, const std::u16string& 
 }
 
 void WinServices::SetStatus(const std::u16string& text) {
-    if (m_statusBar == nullptr) return;
+    if (m_statusBar == nullptr) {
+        m_status = text;
+        return;
+    }
     SendPointer(m_statusBar, SB_SETTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());
     // The whole text where the panel is too narrow for it.
     SendPointer(m_statusBar, SB_SETTIPTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());

@@ -11,7 +11,8 @@ class WinServices final : public UserServices {
   public:
     explicit WinServices(Language language) : m_language(language) {}
 
-    /// From then on message boxes belong to the window and status texts go to its status bar.
+    /// From then on message boxes belong to the window and status texts go to its status bar, beginning with the last
+    /// one told when there was none.
     void SetWindow(HWND window, HWND statusBar);
 
     using UserServices::ShowMessage;
@@ -25,6 +26,7 @@ class WinServices final : public UserServices {
     Language m_language;
     HWND m_window = nullptr;
     HWND m_statusBar = nullptr;
+    std::u16string m_status;  ///< waits for a status bar
 };
 
 }  // namespace quillon

@@ -24,37 +24,44 @@ void BlockList::Attach(HWND list) {
     m_list = list;
     const int tabStop = 90;  // in quarters of a character's width
     SendPointer(m_list, LB_SETTABSTOPS, 1, &tabStop);
+    for (const std::wstring& line : m_lines) SendPointer(m_list, LB_ADDSTRING, 0, line.c_str());
+    Select(m_selected);
 }
 
-int BlockList::Count() const {
-    return static_cast<int>(SendMessageW(m_list, LB_GETCOUNT, 0, 0));
+void BlockList::Remove(int position) {
+    m_lines.erase(m_lines.begin() + position);
+    if (m_list != nullptr) {
+        SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
+    } else if (m_selected >= position) {
+        m_selected = m_selected == position ? -1 : m_selected - 1;
+    }
 }
 
-void BlockList::Remove(int position) const {
-    SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
-}
-
-void BlockList::Set(int position, const std::wstring& text) const {
+void BlockList::Set(int position, const std::wstring& text) {
     const int selected = Selected();
-    if (position < Count()) SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
+    const bool replaced = position < Count();
+    if (replaced) {
+        m_lines[static_cast<std::size_t>(position)] = text;
+    } else {
+        m_lines.push_back(text);
+    }
+    if (m_list == nullptr) return;
+    if (replaced) SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
     SendPointer(m_list, LB_INSERTSTRING, static_cast<WPARAM>(position), text.c_str());
     if (selected == position) Select(position);
 }
 
 int BlockList::Selected() const {
-    return static_cast<int>(SendMessageW(m_list, LB_GETCURSEL, 0, 0));
+    return m_list == nullptr ? m_selected : static_cast<int>(SendMessageW(m_list, LB_GETCURSEL, 0, 0));
 }
 
-void BlockList::Select(int position) const {
-    SendMessageW(m_list, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+void BlockList::Select(int position) {
+    m_selected = position;
+    if (m_list != nullptr) SendMessageW(m_list, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
 }
 
 std::wstring BlockList::Text(int position) const {
-    const LRESULT length = SendMessageW(m_list, LB_GETTEXTLEN, static_cast<WPARAM>(position), 0);
-    if (length < 0) return {};
-    std::wstring text(static_cast<std::size_t>(length), L'\0');
-    SendPointer(m_list, LB_GETTEXT, static_cast<WPARAM>(position), text.data());
-    return text;
+    return position >= 0 && position < Count() ? m_lines[static_cast<std::size_t>(position)] : std::wstring();
 }
 
 void ChannelList::Attach(HWND list, ImageList colors, int dpi) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "app/win/Win32.h"
 #include "app/win/WinHandle.h"
@@ -8,20 +9,23 @@
 
 namespace quillon {
 
-/// The list of blocks: one line per block, its text and its number in a second column.
+/// The list of blocks: one line per block, its text and its number in a second column. It can be filled before there is
+/// a control that shows it.
 class BlockList {
   public:
     void Attach(HWND list);
-    [[nodiscard]] int Count() const;
-    void Remove(int position) const;
+    [[nodiscard]] int Count() const { return static_cast<int>(m_lines.size()); }
+    void Remove(int position);
     /// Rewrites a line in place, keeping the selection, or adds it at the end.
-    void Set(int position, const std::wstring& text) const;
+    void Set(int position, const std::wstring& text);
     [[nodiscard]] int Selected() const;
-    void Select(int position) const;
+    void Select(int position);
     [[nodiscard]] std::wstring Text(int position) const;
 
   private:
     HWND m_list = nullptr;
+    std::vector<std::wstring> m_lines;
+    int m_selected = -1;  ///< as long as there is no control
 };
 
 /// The list of the block's channels, each with a check box that mirrors the slot's Shown flag, the colour of its trace

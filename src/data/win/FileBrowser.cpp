@@ -1,6 +1,7 @@
 #include "data/win/FileBrowser.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "app/win/WinHandle.h"
 #include "data/FileFilter.h"
@@ -44,6 +45,13 @@ void FileBrowser::Attach(HWND drives, HWND folders, HWND files) {
     m_folders = folders;
     m_files = files;
     ListDrives();
+    if (m_folder.empty()) return;
+    const std::vector<std::wstring> names = m_listed;
+    const int selected = m_selected;
+    FillFolders();
+    FillFiles(names, {}, false);
+    ShowChoice();
+    SelectFile(selected);
 }
 
 void FileBrowser::ListDrives() const {
@@ -81,20 +89,23 @@ bool FileBrowser::ShowFolder(const std::wstring& folder) {
     Names names;
     if (normal.empty() || !Read(normal, names)) return false;
     m_folder = normal;
-    FillFolders(names.folders);
+    m_subfolders = names.folders;
+    FillFolders();
     FillFiles(names.files, {}, false);
     ShowChoice();
     return true;
 }
 
 void FileBrowser::ShowChoice() const {
+    if (m_folders == nullptr) return;
     const std::wstring drive = {static_cast<wchar_t>(towupper(m_folder[0])), L':'};
     const LRESULT position = SendPointer(m_drives, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), drive.c_str());
     SendMessageW(m_drives, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
     SendMessageW(m_folders, LB_SETCURSEL, m_folderPaths.size() - m_subfolders.size() - 1, 0);
 }
 
-void FileBrowser::FillFolders(const std::vector<std::wstring>& subfolders) {
+void FileBrowser::FillFolders() {
+    if (m_folders == nullptr) return;
     const FillScope fill(m_folders);
     SendMessageW(m_folders, LB_RESETCONTENT, 0, 0);
     m_folderPaths.clear();
@@ -113,22 +124,24 @@ void FileBrowser::FillFolders(const std::vector<std::wstring>& subfolders) {
         ++depth;
         start = end + (start == 0 && m_folder[end - 1] == L'\\' ? 0 : 1);
     }
-    m_subfolders = subfolders;
-    for (const std::wstring& name : subfolders) add(name, WithBackslash(m_folder) + name);
-    const auto top = static_cast<std::ptrdiff_t>(m_folderPaths.size() - subfolders.size()) - 2;
+    for (const std::wstring& name : m_subfolders) add(name, WithBackslash(m_folder) + name);
+    const auto top = static_cast<std::ptrdiff_t>(m_folderPaths.size() - m_subfolders.size()) - 2;
     SendMessageW(m_folders, LB_SETTOPINDEX, static_cast<WPARAM>(std::max<std::ptrdiff_t>(top, 0)), 0);
 }
 
-void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected,
-                            bool keepPlace) const {
+void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected, bool keepPlace) {
+    m_listed.clear();
+    m_selected = -1;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(m_listed),
+                 [&](const std::wstring& name) { return MatchesMask(Narrow16(name), m_pattern); });
+    if (m_files == nullptr) return;
     const FillScope fill(m_files);
     const LRESULT top = keepPlace ? SendMessageW(m_files, LB_GETTOPINDEX, 0, 0) : 0;
     SendMessageW(m_files, LB_RESETCONTENT, 0, 0);
     const WindowDC dc(m_files);
     const SelectScope font(dc.Get(), reinterpret_cast<HFONT>(SendMessageW(m_files, WM_GETFONT, 0, 0)));
     LONG widest = 0;
-    for (const std::wstring& name : names) {
-        if (!MatchesMask(Narrow16(name), m_pattern)) continue;
+    for (const std::wstring& name : m_listed) {
         const LRESULT position = SendPointer(m_files, LB_ADDSTRING, 0, name.c_str());
         if (name == selected) SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
         SIZE size{};
@@ -151,38 +164,32 @@ void FileBrowser::Refresh() {
     const std::wstring selected = SelectedFile();
     // Others that write files leave the folder list, and the user's place in it, alone.
     if (names.folders != m_subfolders) {
-        FillFolders(names.folders);
+        m_subfolders = names.folders;
+        FillFolders();
         ShowChoice();
     }
     FillFiles(names.files, selected, true);
 }
 
-int FileBrowser::FileCount() const {
-    return static_cast<int>(SendMessageW(m_files, LB_GETCOUNT, 0, 0));
-}
-
 std::wstring FileBrowser::SelectedFile() const {
-    const LRESULT position = SendMessageW(m_files, LB_GETCURSEL, 0, 0);
-    if (position == LB_ERR) return {};
-    const LRESULT length = SendMessageW(m_files, LB_GETTEXTLEN, static_cast<WPARAM>(position), 0);
-    std::wstring name(static_cast<std::size_t>(std::max<LRESULT>(length, 0)), L'\0');
-    SendPointer(m_files, LB_GETTEXT, static_cast<WPARAM>(position), name.data());
-    return name;
+    const auto position = static_cast<std::size_t>(SelectedPosition());
+    return position < m_listed.size() ? m_listed[position] : std::wstring();
 }
 
 int FileBrowser::SelectedPosition() const {
-    return static_cast<int>(SendMessageW(m_files, LB_GETCURSEL, 0, 0));
+    return m_files == nullptr ? m_selected : static_cast<int>(SendMessageW(m_files, LB_GETCURSEL, 0, 0));
 }
 
-bool FileBrowser::SelectFileNamed(const std::wstring& name) const {
+bool FileBrowser::SelectFileNamed(const std::wstring& name) {
     const LRESULT position = SendPointer(m_files, LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), name.c_str());
     if (position == LB_ERR) return false;
     SelectFile(static_cast<int>(position));
     return true;
 }
 
-void FileBrowser::SelectFile(int position) const {
-    SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+void FileBrowser::SelectFile(int position) {
+    m_selected = position;
+    if (m_files != nullptr) SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
 }
 
 std::wstring FileBrowser::ChosenDrive() const {

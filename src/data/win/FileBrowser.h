@@ -8,7 +8,8 @@
 namespace quillon {
 
 /// The drive, folder and file lists: a folder that they all show, and the names in it.
-/// The controls belong to the window that made them; this fills and reads them.
+/// The controls belong to the window that made them; this fills and reads them. A folder can be shown and a file
+/// selected before they are there.
 class FileBrowser {
   public:
     void Attach(HWND drives, HWND folders, HWND files);
@@ -25,15 +26,15 @@ class FileBrowser {
     /// Reads the folder again; the selected file stays selected when it is still there.
     void Refresh();
 
-    [[nodiscard]] int FileCount() const;
+    [[nodiscard]] int FileCount() const { return static_cast<int>(m_listed.size()); }
     /// Name of the selected file, empty when none is.
     [[nodiscard]] std::wstring SelectedFile() const;
     /// -1 when no file is selected.
     [[nodiscard]] int SelectedPosition() const;
     /// -1: selects none.
-    void SelectFile(int position) const;
+    void SelectFile(int position);
     /// Selects the file of that name in any letter case; false when it is not listed.
-    bool SelectFileNamed(const std::wstring& name) const;
+    bool SelectFileNamed(const std::wstring& name);
 
     /// Folder of the drive chosen in the drive list, and of the line of the folder list: where a choice there leads.
     [[nodiscard]] std::wstring ChosenDrive() const;
@@ -49,8 +50,8 @@ class FileBrowser {
         std::vector<std::wstring> files;
     };
     [[nodiscard]] static bool Read(const std::wstring& folder, Names& names);
-    void FillFolders(const std::vector<std::wstring>& subfolders);
-    void FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected, bool keepPlace) const;
+    void FillFolders();
+    void FillFiles(const std::vector<std::wstring>& names, const std::wstring& selected, bool keepPlace);
 
     HWND m_drives = nullptr;
     HWND m_folders = nullptr;
@@ -59,6 +60,8 @@ class FileBrowser {
     std::u16string m_pattern = u"*.*";
     std::vector<std::wstring> m_folderPaths;  ///< full path of every line of the folder list
     std::vector<std::wstring> m_subfolders;   ///< names of those in the shown folder
+    std::vector<std::wstring> m_listed;       ///< names in the file list
+    int m_selected = -1;                      ///< position of the selected file, as long as there are no lists
 };
 
 }  // namespace quillon
