@@ -68,8 +68,6 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     // A drive without a medium is told in the status bar, not by a box of the system.
     SetErrorMode(SEM_FAILCRITICALERRORS);
     if (!Init(global, parts, services)) return 1;
-    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
-    InitCommonControlsEx(&controls);
     SettingsStore store(parts.makeRegistry, parts.program);
     store.Load(global.settings);
     ApplyDisplaySettings(global);

@@ -10,7 +10,6 @@
 #include "app/ToolbarIcons.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
-#include "data/win/FillScope.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -58,7 +57,7 @@ void frmQLMain::Create() {
     }
 }
 
-void frmQLMain::Show(int showCommand) const {
+void frmQLMain::Show(int showCommand) {
     const Settings& settings = m_global.settings;
     const auto sane = [](std::int32_t value) { return value > -kFarthest && value < kFarthest; };
     if (settings.windowWidth > 0 && settings.windowHeight > 0 && sane(settings.windowLeft) &&
@@ -82,6 +81,9 @@ void frmQLMain::Show(int showCommand) const {
         if (settings.windowMaximized && !minimized) showCommand = SW_SHOWMAXIMIZED;
     }
     ShowWindow(m_window, showCommand);
+    // Nobody has activated it.
+    if (m_window != nullptr && !m_complete) Complete();
+    if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
 }
 
 void frmQLMain::KeepSettings() {
@@ -180,10 +182,13 @@ void frmQLMain::Failed(const std::exception& error) noexcept {
 }
 
 void frmQLMain::OnCreate() {
+    // Only what the first waveform needs; Complete() makes the rest.
     m_watch = std::make_unique<cFileNotification>(m_makeTimer, [this] { FilesChanged(); });
-    MakeControls();
-    m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
-    FillTypes();
+    m_font = MakeFont(m_dpi);
+    if (!m_graphBox.Create(m_window, pbGraph, *this, true))
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "graph");
+    m_services.SetWindow(m_window, nullptr);
+    m_browser.SetPattern(m_global.library->FileTypeMask(0));
     m_fft.FFT_BuildPalette();
     const std::wstring folder = Wide(m_global.settings.filesPath);
     if (folder.empty() || !m_browser.ShowFolder(folder)) {
@@ -192,10 +197,33 @@ void frmQLMain::OnCreate() {
     }
     m_firstFolder = m_browser.Folder();
     StartWatch();
-    DragAcceptFiles(m_window, TRUE);
-    ShowPages();
-    // The rest is arranged and drawn when the first block or the first size comes; messages have their place already.
+}
+
+void frmQLMain::Complete() try {
+    MakeControls();
+    m_complete = true;
+    FillTypes();
+    // Messages have their place from here on.
     ShowPanels();
+    m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
+    // With a recording open its channels are of more use than the way to its folder.
+    if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
+    ShowPages();
+    DragAcceptFiles(m_window, TRUE);
+    if (!IsIconic(m_window)) ArrangeControls();
+    ShowBlockDetails();
+    Refresh();
+    ShowBlockSpectrum();
+    AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
+    MakeSound();
+    if (m_folderMissing)
+        m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
+} catch (const std::exception& error) {
+    if (m_complete) return Failed(error);
+    // As without the window itself.
+    m_createFailure = std::current_exception();
+    m_services.SetWindow(nullptr, nullptr);
+    DestroyWindow(m_window);
 }
 
 HWND frmQLMain::MakeControl(const wchar_t* className, DWORD style, DWORD extendedStyle, int id) {
@@ -218,7 +246,8 @@ void frmQLMain::MakeTabs(HWND tabs, int firstCaption) const {
 }
 
 void frmQLMain::MakeControls() {
-    m_font = MakeFont(m_dpi);
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&controls);
     constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
     constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
     m_tools.Create(m_window, tbMain, MainButtons(), m_dpi);
@@ -239,9 +268,10 @@ void frmQLMain::MakeControls() {
     MakeControl(WC_SCROLLBARW, SBS_HORZ, 0, scScaleX);
     MakeControl(WC_SCROLLBARW, SBS_VERT, 0, scScaleY);
     MakeControl(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
+    // The order of the controls is that of the Tab key.
+    SetWindowPos(m_graphBox.Window(), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     const bool made =
-        m_graphBox.Create(m_window, pbGraph, *this, true) && m_scaleXBox.Create(m_window, pbScaleX, *this, false) &&
-        m_scaleYBox.Create(m_window, pbScaleY, *this, false) &&
+        m_scaleXBox.Create(m_window, pbScaleX, *this, false) && m_scaleYBox.Create(m_window, pbScaleY, *this, false) &&
         m_pathListBox.Create(m_window, pbPathList, *this, true) && m_values.Create(m_window, pnValues) &&
         m_zoomX.Create(m_window, btnZoomX, *this) && m_fftBox.Create(m_window, pbFFT, *this, false) &&
         m_paletteBox.Create(m_window, pbPal, *this, false) && m_scaleFBox.Create(m_window, pbScaleF, *this, false);
@@ -273,7 +303,6 @@ void frmQLMain::FillTypes() {
         const std::u16string name = library.FileTypeName(type);
         add(name + u" (" + library.FileTypeMask(type) + u')');
     }
-    m_browser.SetPattern(library.FileTypeMask(0));
     SendMessageW(types, CB_SETCURSEL, 0, 0);
 }
 
@@ -287,24 +316,25 @@ void frmQLMain::OnActivate(UINT state) {
     }
     if (!m_activated) {
         m_activated = true;
-        if (m_browser.FileCount() > 0) OpenFirstFile();
-        // The waveform is what the user waits for; the rest follows.
-        UpdateWindow(m_graphBox.Window());
-        AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
-        MakeSound();
-        if (m_folderMissing)
-            m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
+        // The waveform is what the user waits for; the rest follows, whatever becomes of it.
+        try {
+            if (m_browser.FileCount() > 0) OpenFirstFile();
+            UpdateWindow(m_graphBox.Window());
+            GdiFlush();
+        } catch (const std::exception& error) {
+            Failed(error);
+        }
+        if (!m_complete) Complete();
+        if (m_window == nullptr) return;
     }
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
 }
 
 void frmQLMain::OpenFirstFile() {
-    // Each control is drawn once, when everything is in its place, not by every step that changes it.
-    const FillScope fill(m_window);
     m_browser.SelectFile(0);
     ClickFile();
-    // With a recording open its channels are of more use than the way to its folder.
-    if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
+    if (!m_complete || !m_global.block.block) return;
+    TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
     ShowPages();
 }
 
@@ -332,10 +362,10 @@ void frmQLMain::OnEndSession(bool ends) {
 void frmQLMain::OnDestroy() {
     // The system destroys the menu with the window.
     static_cast<void>(m_menu.Release());
-    // A window that could not be made has nothing to keep, and its message is still to be shown.
-    if (m_createFailure) return;
     m_closing = true;
     m_watch.reset();
+    // A window that could not be made has nothing to keep, and its message is still to be shown.
+    if (m_createFailure) return;
     m_sound.reset();
     // Each step runs whatever becomes of the others, and the program ends in any case.
     for (const auto& step :

@@ -41,13 +41,14 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
     frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown = {});
 
-    /// Makes the window with all its controls, hidden, showing the folder of the settings (the process's current folder
-    /// where there is none or it cannot be read). Throws std::system_error when the window cannot be made.
+    /// Makes the window, hidden, for the folder of the settings (the process's current folder where there is none or it
+    /// cannot be read). Throws std::system_error when the window cannot be made.
     void Create();
     /// Sets the help file of the settings' language.
     void ChooseHelp();
-    /// Shows it where the settings say, else as the system wants it.
-    void Show(int showCommand) const;
+    /// Shows it where the settings say, else as the system wants it. When it is first activated it opens the first file
+    /// of the folder and shows its waveform, then all its controls. Throws when they cannot be made.
+    void Show(int showCommand);
     [[nodiscard]] HWND Window() const { return m_window; }
     /// What the values panel shows.
     [[nodiscard]] const std::u16string& ValuesText() const { return m_values.Text(); }
@@ -76,6 +77,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
 
     // Life cycle and layout.
     void OnCreate();
+    /// Makes all that the first waveform does not need, and shows in it what has been loaded.
+    void Complete();
     void OnActivate(UINT state);
     void OpenFirstFile();
     void OnDropFiles(HDROP drop);
@@ -92,6 +95,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void MakeTabs(HWND tabs, int firstCaption) const;
     void AddToolTip(HWND control, int textId) const;
     void ArrangeControls();
+    /// Heights and widths that the controls have, and those of the bars that they are going to have.
+    void MeasureControls(LayoutInput& input) const;
+    void ExpectBars(LayoutInput& input) const;
     void FillTypes();
 
     // Browser, blocks and channels.
@@ -119,6 +125,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void StoreShown(int item);
     void SetAllShown(int index);
     void ShowCaption();
+    /// The channels and the description of the recording.
+    void ShowBlockDetails();
+    void ShowBlockSpectrum();
 
     // Commands.
     void MakeMenu();
@@ -327,6 +336,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_changedMeanwhile = false;     ///< files did, while it ran
     ULONGLONG m_lastPump = 0;
     bool m_activated = false;
+    bool m_complete = false;  ///< every control is there, not only the graph
     bool m_closing = false;
 };
 

@@ -301,12 +301,20 @@ void frmQLMain::ShowBlock() {
     m_global.axis.SetBlock(m_global.block.sampleCount);
     m_global.axis.SetWidth(m_layout.graph.width);
     m_global.amplitude.SetGraph(m_layout.graph.height, m_layout.graph.height / 2);
-    m_channels.Fill(m_global.block, m_global.slots);
-    m_values.Text(m_global.file.fileInfo);
-    m_values.Refresh();
+    if (m_complete) ShowBlockDetails();
     FitUnlessLegible();
     ShowCaption();
     Refresh();
+    if (m_complete) ShowBlockSpectrum();
+}
+
+void frmQLMain::ShowBlockDetails() {
+    m_channels.Fill(m_global.block, m_global.slots);
+    m_values.Text(m_global.file.fileInfo);
+    m_values.Refresh();
+}
+
+void frmQLMain::ShowBlockSpectrum() {
     if (!m_global.settings.spectrogramShown) return;
     // The range of the channel takes a look at the whole block: the waveform is seen before.
     UpdateWindow(m_graphBox.Window());

@@ -151,12 +151,13 @@ void frmQLMain::Refresh(std::int32_t shift) {
     } else {
         m_graph.Clear(graph.width, graph.height);
     }
+    m_graphBox.Invalidate();
+    if (!m_complete) return;
     Spectrogram_Draw(false);
     m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
     UpdateScrollBars();
     ShowPanels();
     UpdateCommands();
-    m_graphBox.Invalidate();
     m_scaleXBox.Invalidate();
     if (shift == 0) m_scaleYBox.Invalidate();
     // Another sample lies under the pointer now.

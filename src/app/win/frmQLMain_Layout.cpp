@@ -29,7 +29,7 @@ void frmQLMain::OnSize(UINT state) {
     GetClientRect(m_window, &client);
     // When it is first shown the window is told the size that it was made with.
     if (client.right == m_arrangedSize.cx && client.bottom == m_arrangedSize.cy) return;
-    SendMessageW(GetDlgItem(m_window, sbInfo), WM_SIZE, 0, 0);
+    if (m_complete) SendMessageW(GetDlgItem(m_window, sbInfo), WM_SIZE, 0, 0);
     ArrangeControls();
     Refresh();
 }
@@ -38,13 +38,7 @@ void frmQLMain::OnGetMinMaxInfo(MINMAXINFO* info) const {
     info->ptMinTrackSize = {MulDiv(560, m_dpi, 96), MulDiv(380, m_dpi, 96)};
 }
 
-void frmQLMain::ArrangeControls() {
-    RECT client{};
-    GetClientRect(m_window, &client);
-    m_arrangedSize = {client.right, client.bottom};
-    LayoutInput input;
-    input.clientWidth = client.right;
-    input.clientHeight = client.bottom;
+void frmQLMain::MeasureControls(LayoutInput& input) const {
     input.statusHeight = HeightOf(GetDlgItem(m_window, sbInfo));
     input.comboHeight = HeightOf(GetDlgItem(m_window, lstDrive));
     RECT page{0, 0, 200, 200};
@@ -55,6 +49,32 @@ void frmQLMain::ArrangeControls() {
     input.toolHeight = static_cast<std::int32_t>(std::max(tools.cy, goTo.cy));
     input.toolWidth = static_cast<std::int32_t>(tools.cx);
     input.goToWidth = static_cast<std::int32_t>(goTo.cx);
+}
+
+void frmQLMain::ExpectBars(LayoutInput& input) const {
+    // The graph stands between the toolbars and the status bar: as high as their controls make them, or it is moved
+    // when they are there.
+    const WindowDC dc(m_window);
+    const SelectScope font(dc.Get(), m_font.Get());
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(dc.Get(), &metrics);
+    const int leading = metrics.tmInternalLeading > 0 ? static_cast<int>(metrics.tmInternalLeading) : 2;
+    input.statusHeight = std::max(static_cast<int>(metrics.tmHeight) + leading + 4, 20);
+    input.toolHeight = MulDiv(16, m_dpi, 96) + 8;
+}
+
+void frmQLMain::ArrangeControls() {
+    RECT client{};
+    GetClientRect(m_window, &client);
+    m_arrangedSize = {client.right, client.bottom};
+    LayoutInput input;
+    input.clientWidth = client.right;
+    input.clientHeight = client.bottom;
+    if (m_complete) {
+        MeasureControls(input);
+    } else {
+        ExpectBars(input);
+    }
     m_arrangedFor = m_global.block.channelCount;
     input.valueRows = m_global.block.channelCount + 2;
     input.dpi = m_dpi;
@@ -77,6 +97,11 @@ void frmQLMain::ArrangeControls() {
         {btnZoomX, m_layout.zoomX},    {pbScaleX, m_layout.scaleX},     {scScaleX, m_layout.scrollX},
         {pbFFT, m_layout.spectrogram}, {pbPal, m_layout.palette},       {pbScaleF, m_layout.scaleF},
     };
+    if (!m_complete) {
+        MoveWindow(m_graphBox.Window(), m_layout.graph.left, m_layout.graph.top, m_layout.graph.width,
+                   m_layout.graph.height, FALSE);
+        return;
+    }
     HDWP positions = BeginDeferWindowPos(static_cast<int>(std::size(places)));
     for (const Place& place : places) {
         // The height of a drop-down list is that of its open list.
