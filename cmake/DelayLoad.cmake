@@ -1,0 +1,25 @@
+# Import libraries for DLLs that are loaded when a function of theirs is first called. A DLL that is named in the program's
+# import table is loaded, along with those that it needs itself, before the program's first line, and the first waveform
+# needs none of these.
+#
+# delay_load(TARGET DLL FUNCTION...) makes the library TARGET out of the functions that the program calls.
+function(delay_load target dll)
+  string(REPLACE ";" "\n" functions "${ARGN}")
+  set(definition ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
+  set(archive ${CMAKE_CURRENT_BINARY_DIR}/lib${target}.a)
+  file(CONFIGURE OUTPUT ${definition} CONTENT "LIBRARY ${dll}\nEXPORTS\n${functions}\n")
+  add_custom_command(OUTPUT ${archive} DEPENDS ${definition} VERBATIM
+    COMMAND ${CMAKE_DLLTOOL} --input-def ${definition} --output-delaylib ${archive})
+  add_custom_target(${target}_archive DEPENDS ${archive})
+  add_library(${target} STATIC IMPORTED GLOBAL)
+  set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${archive})
+  add_dependencies(${target} ${target}_archive)
+endfunction()
+
+delay_load(delayed_comctl32 comctl32.dll DefSubclassProc ImageList_Add ImageList_Create ImageList_Destroy ImageList_Draw
+  ImageList_GetImageCount InitCommonControlsEx RemoveWindowSubclass SetWindowSubclass)
+delay_load(delayed_comdlg32 comdlg32.dll GetSaveFileNameW)
+delay_load(delayed_shell32 shell32.dll DragAcceptFiles DragFinish DragQueryFileW SHFileOperationA SHFileOperationW)
+delay_load(delayed_uxtheme uxtheme.dll DrawThemeParentBackground EnableThemeDialogTexture)
+delay_load(delayed_winmm winmm.dll waveOutClose waveOutGetDevCapsW waveOutGetErrorTextW waveOutGetNumDevs waveOutGetPosition
+  waveOutOpen waveOutPause waveOutPrepareHeader waveOutReset waveOutRestart waveOutUnprepareHeader waveOutWrite)
