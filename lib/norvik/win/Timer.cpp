@@ -16,7 +16,8 @@ class Timer final : public TimerObject {
   public:
     explicit Timer(std::function<void()> tick)
         : m_tick(std::move(tick)),
-          m_window(::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
+          m_window(::CreateWindowExW(0, ClassName(), L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                     ::GetModuleHandleW(nullptr), nullptr)) {
         if (m_window == nullptr) {
             throw std::system_error(static_cast<int>(::GetLastError()), std::system_category(), "Timer window");
         }
@@ -38,6 +39,17 @@ class Timer final : public TimerObject {
 
   private:
     static constexpr UINT_PTR timerId = 1;
+
+    /// A class of its own: the system's first control would load the library of all of them.
+    static const wchar_t* ClassName() {
+        static constexpr const wchar_t* name = L"NorvikTimer";
+        WNDCLASSW windowClass{};
+        windowClass.lpfnWndProc = ::DefWindowProcW;
+        windowClass.hInstance = ::GetModuleHandleW(nullptr);
+        windowClass.lpszClassName = name;
+        ::RegisterClassW(&windowClass);  // fails harmlessly from the second timer on
+        return name;
+    }
 
     [[nodiscard]] bool Runs() const { return m_enabled && m_interval > 0; }
 
