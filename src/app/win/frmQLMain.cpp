@@ -201,8 +201,8 @@ void frmQLMain::OnCreate() {
 
 void frmQLMain::Complete() try {
     MakeControls();
-    m_complete = true;
     FillTypes();
+    m_complete = true;
     // Messages have their place from here on.
     ShowPanels();
     m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
@@ -216,8 +216,6 @@ void frmQLMain::Complete() try {
     ShowBlockSpectrum();
     AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
     MakeSound();
-    if (m_folderMissing)
-        m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
 } catch (const std::exception& error) {
     if (m_complete) return Failed(error);
     // As without the window itself.
@@ -326,6 +324,8 @@ void frmQLMain::OnActivate(UINT state) {
         }
         if (!m_complete) Complete();
         if (m_window == nullptr) return;
+        if (m_folderMissing)
+            m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
     }
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
 }

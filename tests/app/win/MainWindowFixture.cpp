@@ -38,6 +38,14 @@ void MainWindowTest::Start() {
 }
 
 void MainWindowTest::Start(const std::wstring& folder) {
+    Create(folder);
+    ShowWindow(m_form->Window(), SW_SHOW);
+    // Without a window manager nobody may activate the window.
+    SetForegroundWindow(m_form->Window());
+    Pump();
+}
+
+void MainWindowTest::Create(const std::wstring& folder) {
     // The real pointer would show values of its own in the graph.
     SetCursorPos(0, 0);
     m_services = std::make_unique<WinServices>(m_language);
@@ -45,11 +53,7 @@ void MainWindowTest::Start(const std::wstring& folder) {
     m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer, m_shutdown);
     m_global.settings.filesPath = Narrow16(folder);
     m_form->Create();
-    SetWindowPos(m_form->Window(), nullptr, 20, 20, 1000, 640, SWP_NOZORDER);
-    ShowWindow(m_form->Window(), SW_SHOW);
-    // Without a window manager nobody may activate the window.
-    SetForegroundWindow(m_form->Window());
-    Pump();
+    SetWindowPos(m_form->Window(), nullptr, 20, 20, 1000, 640, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void MainWindowTest::TearDown() {

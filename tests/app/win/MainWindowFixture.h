@@ -112,6 +112,8 @@ class MainWindowTest : public ::testing::Test {
     /// Shows the window; the first file of the folder opens.
     void Start();
     void Start(const std::wstring& folder);
+    /// The window as it is before it is shown.
+    void Create(const std::wstring& folder);
     void TearDown() override;
 
     /// Handles every message that is waiting.
