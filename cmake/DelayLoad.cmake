@@ -2,7 +2,9 @@
 # import table is loaded, along with those that it needs itself, before the program's first line, and the first waveform
 # needs none of these.
 #
-# delay_load(TARGET DLL FUNCTION...) makes the library TARGET out of the functions that the program calls.
+# delay_load(TARGET DLL FUNCTION...) makes the library TARGET out of the functions that the program calls. All of them: one
+# that is left out is missing when the program is linked, or, where CMake links the DLL by default, has it loaded at the
+# start again.
 function(delay_load target dll)
   string(REPLACE ";" "\n" functions "${ARGN}")
   set(definition ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)

@@ -318,6 +318,7 @@ void frmQLMain::OnActivate(UINT state) {
         try {
             if (m_browser.FileCount() > 0) OpenFirstFile();
             UpdateWindow(m_graphBox.Window());
+            // What is drawn may be held back until the next message is waited for.
             GdiFlush();
         } catch (const std::exception& error) {
             Failed(error);
@@ -333,6 +334,7 @@ void frmQLMain::OnActivate(UINT state) {
 void frmQLMain::OpenFirstFile() {
     m_browser.SelectFile(0);
     ClickFile();
+    // Complete() does the same for a window that was active from the start.
     if (!m_complete || !m_global.block.block) return;
     TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
     ShowPages();

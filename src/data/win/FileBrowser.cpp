@@ -44,14 +44,14 @@ void FileBrowser::Attach(HWND drives, HWND folders, HWND files) {
     m_drives = drives;
     m_folders = folders;
     m_files = files;
+    if (!m_folder.empty()) {
+        const std::vector<std::wstring> names = m_listed;
+        const int selected = m_selected;
+        FillFolders();
+        FillFiles(names, {}, false);
+        SelectFile(selected);
+    }
     ListDrives();
-    if (m_folder.empty()) return;
-    const std::vector<std::wstring> names = m_listed;
-    const int selected = m_selected;
-    FillFolders();
-    FillFiles(names, {}, false);
-    ShowChoice();
-    SelectFile(selected);
 }
 
 void FileBrowser::ListDrives() const {
