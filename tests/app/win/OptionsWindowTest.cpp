@@ -1,0 +1,82 @@
+#include <gmock/gmock.h>
+
+#include "app/win/MainWindowFixture.h"
+#include "dialogs/win/OptionsLayout.h"
+
+namespace quillon {
+namespace {
+
+using namespace ::quillon::testing;
+
+/// The descendant of the dialog with that number.
+HWND FindChild(HWND dialog, int id) {
+    HWND found = GetDlgItem(dialog, id);
+    for (int page = 0; found == nullptr && page < kOptionPages; ++page)
+        found = GetDlgItem(GetDlgItem(dialog, pbTab + page), id);
+    return found;
+}
+
+class OptionsWindowTest : public MainWindowTest {
+  protected:
+    /// Sets one control of the options dialog as a user does and closes it by a button.
+    void Set(int id, int position, int button = IDOK) {
+        const DialogAnswer answer([=](HWND dialog) {
+            const HWND control = FindChild(dialog, id);
+            if (position < 0) {
+                SendMessageW(control, BM_CLICK, 0, 0);
+            } else {
+                SendMessageW(control, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+                SendMessageW(GetParent(control), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE),
+                             reinterpret_cast<LPARAM>(control));
+            }
+            PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
+        });
+        Command(mnuOptions);
+    }
+};
+
+TEST_F(OptionsWindowTest, EveryOptionIsSeenAtOnceAndCancelChangesNothing) {
+    std::vector<std::vector<std::int16_t>> frames;
+    for (int frame = 0; frame < 5000; ++frame)
+        frames.push_back({static_cast<std::int16_t>(frame * 37 % 1000 - 500 + frame % 7 * 30)});
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, frames)));
+    Start();
+    Command(mnuSpectrogram);
+    struct Change {
+        int control;
+        int position;  ///< in a list; -1: a button
+        int seenIn;    ///< picture box
+    };
+    for (const Change& change :
+         {Change{optTime + 1, -1, pbScaleX}, Change{cboTime, 4, pbScaleX}, Change{optTime + 2, -1, pbScaleX},
+          Change{optScale + 1, -1, pbScaleY}, Change{optGridStyle + 1, -1, pbGraph},
+          Change{optGridStyle + 2, -1, pbGraph}, Change{optFFTPalette + 1, -1, pbPal},
+          Change{optFFTPalette + 2, -1, pbFFT}, Change{cboFFTWindow, 1, pbFFT}, Change{cboFFTSize, 6, pbFFT},
+          Change{cboDBRange, 1, pbFFT}, Change{optSpectrumType + 1, -1, pbFFT}, Change{cboAmpScale, 0, pbFFT}}) {
+        SCOPED_TRACE(change.control);
+        const Pixels before = Capture(change.seenIn);
+        const Settings settings = m_global.settings;
+        Set(change.control, change.position, IDCANCEL);
+        EXPECT_EQ(Capture(change.seenIn), before);
+        Set(change.control, change.position);
+        Pump();
+        EXPECT_NE(Capture(change.seenIn), before);
+    }
+    // Those of the readout.
+    m_global.settings.scaleFormat = 0;
+    m_global.rawCodes = false;
+    for (const Change& change :
+         {Change{chkUnitScaling, -1, 0}, Change{cboDigits, 2, 0}, Change{optDigits + 1, -1, 0}}) {
+        SCOPED_TRACE(change.control);
+        Command(mnuSelect);
+        const std::u16string before = m_form->ValuesText();
+        Set(change.control, change.position);
+        Command(mnuSelect);
+        EXPECT_NE(m_form->ValuesText(), before);
+    }
+    Set(optCursor + 3, -1);
+    EXPECT_EQ(m_global.settings.waveformCursor, 3);
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,156 @@
+#include <gmock/gmock.h>
+
+#include "app/win/MainWindowFixture.h"
+#include "support/FakeSound.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::StartsWith;
+using namespace ::quillon::testing;
+
+/// The main window over a device whose events the test raises.
+class SoundWindowTest : public MainWindowTest {
+  protected:
+    void SetUp() override {
+        static_cast<void>(m_folder.Write(u"a.bin", SawRecording(20000)));
+        static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
+        Create(Wide(m_folder.Path()));
+        m_device.count = 2;
+        m_global.makeSoundOutput = [this](SoundOutputEvents events) {
+            m_device.events = std::move(events);
+            return std::make_unique<FakeOutput>(m_device);
+        };
+        ShowWindow(m_form->Window(), SW_SHOW);
+        SetForegroundWindow(m_form->Window());
+        Pump();
+    }
+    std::wstring Status() const { return MainWindowTest::Status(StatusPanel::Status); }
+    /// What the last command made the device play.
+    std::vector<std::string> Calls(int command) {
+        m_device.calls.clear();
+        m_device.written.clear();
+        Command(command);
+        while (m_device.written.size() < 40000) {
+            const std::size_t before = m_device.written.size();
+            m_device.events.moreWanted();
+            if (m_device.written.size() == before) break;
+        }
+        return m_device.calls;
+    }
+    /// Pixels of a column that a band inverts.
+    bool LineAt(int column) const {
+        const Pixels graph = Capture(pbGraph);
+        int black = 0;
+        for (int y = 0; y < graph.height; ++y) black += graph.At(column, y) == 0 ? 1 : 0;
+        return black > graph.height / 2;
+    }
+    DeviceState m_device;
+};
+
+TEST_F(SoundWindowTest, WhatIsSeenOrSelectedIsPlayed) {
+    EXPECT_THAT(Calls(mnuSoundPlay), ElementsAre("open 1 100"));
+    const auto visible = static_cast<std::size_t>(m_global.axis.Visible().Count());
+    ASSERT_EQ(m_device.written.size(), visible);
+    EXPECT_EQ(m_device.written[99], 99);
+    // The second channel, of a selection; then all channels of it.
+    m_global.currentChannel = 2;
+    m_global.selection = {true, 1, 310, 301};
+    EXPECT_THAT(Calls(mnuSoundPlay), ElementsAre("stop", "open 1 100"));
+    EXPECT_THAT(m_device.written, ElementsAre(5, 5, 5, 5, 5, 5, 5, 5, 5, 5));
+    EXPECT_THAT(Calls(mnuSoundPlay + 1), ElementsAre("stop", "open 2 100"));
+    ASSERT_EQ(m_device.written.size(), 20U);
+    EXPECT_EQ(m_device.written[18], 9);
+    EXPECT_EQ(m_device.written[19], 5);
+    EXPECT_THAT(Calls(mnuSoundPlay + 2), ElementsAre("stop"));
+}
+
+TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
+    m_global.selection = {true, 1, 1, 20000};
+    Command(mnuSoundPlay);
+    EXPECT_TRUE(IsEnabled(mnuSoundPlay + 2, m_global));
+    m_device.events.started();
+    m_device.events.writeProgress(200);
+    EXPECT_TRUE(m_global.sound.position == 200 || m_global.sound.position == 201);
+    EXPECT_FALSE(Status().empty());
+    const int column = m_global.sound.position - 1;
+    Command(mnuSelect + 2);  // stops first ...
+    EXPECT_EQ(m_device.calls.back(), "stop");
+    EXPECT_TRUE(m_global.selection.active);
+    EXPECT_EQ(Status(), L"");
+    Command(mnuSelect + 2);  // ... then clears the selection
+    EXPECT_FALSE(m_global.selection.active);
+    const Pixels without = Capture(pbGraph);
+    EXPECT_FALSE(LineAt(column));
+    m_global.selection = {true, 1, 1, 20000};
+    Command(mnuSoundPlay);
+    m_global.selection = {};
+    m_device.events.writeProgress(200);
+    EXPECT_TRUE(LineAt(column));
+    // Beyond the edge the view follows.
+    const int width = without.width;
+    m_device.events.writeProgress(width + 50);
+    EXPECT_GE(m_global.axis.FirstColumn(), width);
+    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.axis.FirstColumn()));
+    // Where the user has looked elsewhere it does not.
+    Command(mnuGoTo);
+    m_device.events.writeProgress(width + 100);
+    EXPECT_EQ(m_global.axis.FirstColumn(), 0);
+    EXPECT_EQ(Capture(pbGraph), without);
+    m_device.events.stopped();
+    EXPECT_FALSE(m_global.sound.playing);
+    EXPECT_EQ(Status(), L"");
+}
+
+TEST_F(SoundWindowTest, RefusalsAreToldAndNothingPlaysOn) {
+    m_device.refusal = u"bad format";
+    Command(mnuSoundPlay);
+    EXPECT_EQ(Status(), L"bad format");
+    EXPECT_FALSE(IsEnabled(mnuSoundPlay + 2, m_global));
+    m_device.refusal.clear();
+    Key(VK_SPACE);
+    EXPECT_TRUE(m_global.sound.playing);
+    Key(VK_SPACE);
+    EXPECT_FALSE(m_global.sound.playing);
+    // Another file ends it, and what is told of the file stays when the device's word comes late.
+    Command(mnuSoundPlay);
+    m_device.events.writeProgress(10);
+    m_device.calls.clear();
+    ClickLine(lstFile, 1);
+    EXPECT_THAT(m_device.calls, ElementsAre("stop"));
+    m_device.events.stopped();
+    EXPECT_THAT(Status(), StartsWith(L"b.bin: "));
+    ClickLine(lstFile, 0);
+    Command(mnuSoundPlay);
+    m_device.calls.clear();
+    SendMessageW(m_form->Window(), WM_CLOSE, 0, 0);
+    EXPECT_THAT(m_device.calls, ElementsAre("stop"));
+}
+
+TEST_F(SoundWindowTest, TheMenuListsTheDevices) {
+    HMENU sound = nullptr;
+    const HMENU menu = GetMenu(m_form->Window());
+    for (int top = 0; top < GetMenuItemCount(menu); ++top) {
+        const HMENU popup = GetSubMenu(menu, top);
+        for (int at = 0; at < GetMenuItemCount(popup); ++at) {
+            const HMENU inner = GetSubMenu(popup, at);
+            if (inner != nullptr && GetMenuItemID(inner, 0) == mnuSoundCard) sound = inner;
+        }
+    }
+    ASSERT_NE(sound, nullptr);
+    const auto open = [&] { SendMessageW(m_form->Window(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(sound), 0); };
+    open();
+    EXPECT_EQ(GetMenuItemCount(sound), 2);
+    EXPECT_TRUE(GetMenuState(sound, mnuSoundCard, MF_BYCOMMAND) & MF_CHECKED);
+    Command(mnuSoundCard + 1);
+    EXPECT_EQ(m_device.chosen, 1);
+    m_device.count = 0;
+    open();
+    EXPECT_EQ(GetMenuItemCount(sound), 1);
+    EXPECT_TRUE(GetMenuState(sound, mnuSoundCard, MF_BYCOMMAND) & MF_GRAYED);
+    EXPECT_FALSE(IsEnabled(mnuSoundPlay, m_global));
+}
+
+}  // namespace
+}  // namespace quillon
