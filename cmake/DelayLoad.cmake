@@ -1,10 +1,8 @@
-# Import libraries for DLLs that are loaded when a function of theirs is first called. A DLL that is named in the program's
-# import table is loaded, along with those that it needs itself, before the program's first line, and the first waveform
-# needs none of these.
+# Import libraries for DLLs that are loaded when a function of theirs is first called. A DLL that is named in the
+# program's import table is loaded, along with those that it needs itself, before the program's first line, and the
+# first waveform needs none of these.
 #
-# delay_load(TARGET DLL FUNCTION...) makes the library TARGET out of the functions that the program calls. All of them: one
-# that is left out is missing when the program is linked, or, where CMake links the DLL by default, has it loaded at the
-# start again.
+# delay_load(TARGET DLL FUNCTION...) makes the library TARGET out of the functions that the program calls.
 function(delay_load target dll)
   string(REPLACE ";" "\n" functions "${ARGN}")
   set(definition ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
@@ -20,8 +18,17 @@ endfunction()
 
 delay_load(delayed_comctl32 comctl32.dll DefSubclassProc ImageList_Add ImageList_Create ImageList_Destroy ImageList_Draw
   ImageList_GetImageCount InitCommonControlsEx RemoveWindowSubclass SetWindowSubclass)
-delay_load(delayed_comdlg32 comdlg32.dll GetSaveFileNameW)
+delay_load(delayed_comdlg32 comdlg32.dll CommDlgExtendedError GetSaveFileNameW)
 delay_load(delayed_shell32 shell32.dll DragAcceptFiles DragFinish DragQueryFileW SHFileOperationA SHFileOperationW)
 delay_load(delayed_uxtheme uxtheme.dll DrawThemeParentBackground EnableThemeDialogTexture)
-delay_load(delayed_winmm winmm.dll waveOutClose waveOutGetDevCapsW waveOutGetErrorTextW waveOutGetNumDevs waveOutGetPosition
-  waveOutOpen waveOutPause waveOutPrepareHeader waveOutReset waveOutRestart waveOutUnprepareHeader waveOutWrite)
+delay_load(delayed_winmm winmm.dll waveOutClose waveOutGetDevCapsW waveOutGetErrorTextW waveOutGetNumDevs
+  waveOutGetPosition waveOutOpen waveOutPause waveOutPrepareHeader waveOutReset waveOutRestart waveOutUnprepareHeader
+  waveOutWrite)
+
+# The compiler links some of these DLLs by itself: a function that is left out above is taken from there unnoticed. So the
+# program's import table is looked at.
+function(check_delay_loaded target)
+  add_custom_command(TARGET ${target} POST_BUILD VERBATIM
+    COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP} -DPROGRAM=$<TARGET_FILE:${target}>
+      -P ${CMAKE_SOURCE_DIR}/cmake/CheckImports.cmake)
+endfunction()
