@@ -25,8 +25,8 @@ delay_load(delayed_winmm winmm.dll waveOutClose waveOutGetDevCapsW waveOutGetErr
   waveOutGetPosition waveOutOpen waveOutPause waveOutPrepareHeader waveOutReset waveOutRestart waveOutUnprepareHeader
   waveOutWrite)
 
-# The compiler links some of these DLLs by itself: a function that is left out above is taken from there unnoticed. So the
-# program's import table is looked at.
+# The compiler links some of these DLLs by itself: a function that is left out above is taken from there unnoticed. So
+# the program's import table is looked at.
 function(check_delay_loaded target)
   add_custom_command(TARGET ${target} POST_BUILD VERBATIM
     COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP} -DPROGRAM=$<TARGET_FILE:${target}>
