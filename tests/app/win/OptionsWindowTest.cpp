@@ -33,14 +33,23 @@ class OptionsWindowTest : public MainWindowTest {
         });
         Command(mnuOptions);
     }
+    /// Without the readout of a pointer that lies over the pictures when a dialog closes.
+    Pixels Seen(int id) {
+        Pump();
+        for (const int box : {pbGraph, pbFFT}) SendMessageW(Control(box), WM_CANCELMODE, 0, 0);
+        return Capture(id);
+    }
 };
 
 TEST_F(OptionsWindowTest, EveryOptionIsSeenAtOnceAndCancelChangesNothing) {
     std::vector<std::vector<std::int16_t>> frames;
     for (int frame = 0; frame < 5000; ++frame)
-        frames.push_back({static_cast<std::int16_t>(frame * 37 % 1000 - 500 + frame % 7 * 30)});
-    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, frames)));
+        frames.push_back({static_cast<std::int16_t>(frame * 37 % 1000 - 500 + frame % 7 * 31 + 3)});
+    FileBytes recording = BinRecording(100.0F, frames);
+    recording.Patch(128 + 64, 0x3C4A2DB6, 4);  // a scale of 0.01234
+    static_cast<void>(m_folder.Write(u"a.bin", recording));
     Start();
+    ApplyDisplaySettings(m_global);
     Command(mnuSpectrogram);
     struct Change {
         int control;
@@ -54,19 +63,17 @@ TEST_F(OptionsWindowTest, EveryOptionIsSeenAtOnceAndCancelChangesNothing) {
           Change{optFFTPalette + 2, -1, pbFFT}, Change{cboFFTWindow, 1, pbFFT}, Change{cboFFTSize, 6, pbFFT},
           Change{cboDBRange, 1, pbFFT}, Change{optSpectrumType + 1, -1, pbFFT}, Change{cboAmpScale, 0, pbFFT}}) {
         SCOPED_TRACE(change.control);
-        const Pixels before = Capture(change.seenIn);
+        const Pixels before = Seen(change.seenIn);
         const Settings settings = m_global.settings;
         Set(change.control, change.position, IDCANCEL);
-        EXPECT_EQ(Capture(change.seenIn), before);
+        EXPECT_EQ(Seen(change.seenIn), before);
         Set(change.control, change.position);
-        Pump();
-        EXPECT_NE(Capture(change.seenIn), before);
+        EXPECT_NE(Seen(change.seenIn), before);
     }
     // Those of the readout.
     m_global.settings.scaleFormat = 0;
     m_global.rawCodes = false;
-    for (const Change& change :
-         {Change{chkUnitScaling, -1, 0}, Change{cboDigits, 2, 0}, Change{optDigits + 1, -1, 0}}) {
+    for (const Change& change : {Change{cboDigits, 2, 0}, Change{optDigits + 1, -1, 0}}) {
         SCOPED_TRACE(change.control);
         Command(mnuSelect);
         const std::u16string before = m_form->ValuesText();
