@@ -8,6 +8,7 @@
 #include "base/LittleEndian.h"
 #include "base/Text.h"
 #include "nsp/RunReducer.h"
+#include "nsp/SplitFrames.h"
 
 namespace quillon {
 
@@ -129,14 +130,14 @@ void FrameBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_
 }
 
 void FrameBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
-    // As many frames at a time as stay in the first cache while every channel takes its samples from them.
-    constexpr std::size_t tile = 128;
+    const std::size_t channels = m_description.channels.size();
+    const auto rowLength = static_cast<std::size_t>(count);
     ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
-        for (std::size_t start = 0; start < frames; start += tile) {
-            for (std::size_t channel = 0; channel < m_description.channels.size(); ++channel) {
-                Decode(channel, bytes + start * m_layout.frameBytes, std::min(tile, frames - start),
-                       buffer + channel * static_cast<std::size_t>(count) + start, 1);
-            }
+        if (m_layout.kind == SampleKind::Int16) {
+            nsp::SplitFrames(bytes + Place(0), m_layout.frameBytes, channels, frames, buffer, rowLength);
+        } else {
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                Decode(channel, bytes, frames, buffer + channel * rowLength, 1);
         }
         buffer += frames;
     });

@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "base/LittleEndian.h"
+#include "nsp/SplitFrames.h"
 
 namespace quillon {
 
@@ -91,15 +92,7 @@ void RecordBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16
     std::iota(channels.begin(), channels.end(), std::size_t{0});
     VisitCodes(channels, first, count,
                [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
-                   // As many frames at a time as stay in the first cache while every channel adds its samples.
-                   constexpr std::size_t tile = 128;
-                   for (std::size_t start = 0; start < samples; start += tile) {
-                       const std::size_t end = std::min(start + tile, samples);
-                       for (std::size_t channel = 0; channel < width; ++channel) {
-                           std::int16_t* out = buffer + position * width + channel;
-                           for (std::size_t at = start; at < end; ++at) out[at * width] = codes[channel][at];
-                       }
-                   }
+                   nsp::JoinRows(codes, samples, buffer + position * width, width);
                });
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "base/Rounding.h"
 
@@ -60,11 +62,7 @@ class FixedText {
         out += std::signbit(value) ? 1 : 0;
         const auto units = static_cast<std::uint32_t>(rounded < 0 ? -rounded : rounded);
         const auto whole = static_cast<std::uint32_t>(units * m_reciprocal >> m_shift);
-        if (whole < 10) {
-            *out++ = static_cast<char>('0' + whole);
-        } else {
-            out = WriteWhole32(out, whole);
-        }
+        out = whole < 10000 ? WriteUpToFour(out, whole) : WriteWhole(out, whole);
         return m_decimals == 0 ? out : WriteFraction(out, units - whole * m_divisor);
     }
 
@@ -75,21 +73,28 @@ class FixedText {
   private:
     static constexpr double kFastLimit = 2147483647.0;
 
-    static char* WriteWhole32(char* out, std::uint32_t whole) {
-        const int count = whole < 100 ? 2 : whole < 1000 ? 3 : whole < 10000 ? 4 : whole < 100000 ? 5 : 0;
-        if (count == 0) return WriteWhole(out, whole);
-        char* const end = out + count;
-        WriteDigits(end, whole, count);
-        return end;
+    /// The two digits of a number below 100, the first one in the lower byte.
+    static std::uint32_t PairOf(std::uint32_t number) {
+        std::uint16_t pair = 0;
+        std::memcpy(&pair, &kDigitPairs[2 * static_cast<std::size_t>(number)], sizeof pair);
+        return pair;
+    }
+    /// A number below 10000. Its length is as good as random, so no branch depends on it.
+    static char* WriteUpToFour(char* out, std::uint32_t number) {
+        const std::uint32_t digits = PairOf(number / 100) | PairOf(number % 100) << 16;
+        // A zero is all bits clear once '0' is taken off; the last digit stays whatever it is.
+        const int zeros = std::countr_zero((digits ^ 0x30303030U) | 0x01000000U) / 8;
+        const std::uint32_t text = digits >> (8 * zeros);
+        std::memcpy(out, &text, sizeof text);
+        return out + 4 - zeros;
     }
 
     /// The last `count` digits of a number, ending before `end`.
     static void WriteDigits(char* end, std::uint32_t number, int count) {
         for (; count >= 2; count -= 2) {
-            const std::size_t pair = 2 * static_cast<std::size_t>(number % 100);
+            end -= 2;
+            std::memcpy(end, &kDigitPairs[2 * static_cast<std::size_t>(number % 100)], 2);
             number /= 100;
-            *--end = kDigitPairs[pair + 1];
-            *--end = kDigitPairs[pair];
         }
         if (count > 0) *--end = static_cast<char>('0' + number % 10);
     }

@@ -88,7 +88,8 @@ TEST(Commands, AreAvailableWhenTheyCanDoSomething) {
     for (const MenuEntry& entry : MenuTree()) {
         if (entry.kind != MenuEntry::Kind::Command) continue;
         const bool always = entry.id == mnuExit || entry.id == mnuTabPath || entry.id == mnuTabFile ||
-                            entry.id == mnuHelp || entry.id == mnuHelpLang || entry.id == mnuSpectrogram;
+                            entry.id == mnuHelp || entry.id == mnuHelpLang || entry.id == mnuSpectrogram ||
+                            entry.id == mnuOptions;
         EXPECT_EQ(IsEnabled(entry.id, global), always) << entry.id;
     }
     global.block.channelCount = 1;

@@ -43,6 +43,8 @@ inline void ExpectRangeReads(RecordingBlock& block, const std::vector<Codes>& co
     const auto size = static_cast<std::size_t>(count);
     Codes frames(size * channels);
     block.ReadFrames(first, count, frames.data());
+    Codes rows(frames.size());
+    block.ReadRows(first, count, rows.data());
     const std::size_t runs = (size + static_cast<std::size_t>(run) - 1) / static_cast<std::size_t>(run);
     Codes numbers;
     std::vector<std::vector<RunExtremes>> extremes(channels, std::vector<RunExtremes>(runs));
@@ -58,6 +60,8 @@ inline void ExpectRangeReads(RecordingBlock& block, const std::vector<Codes>& co
         Codes read(size);
         block.ReadCodes(number, first, count, read.data());
         ASSERT_EQ(read, expected) << "channel " << number << " from " << first;
+        ASSERT_TRUE(
+            std::equal(expected.begin(), expected.end(), rows.begin() + static_cast<std::ptrdiff_t>(channel * size)));
         std::vector<float> values(size);
         block.ReadValues(number, first, count, values.data());
         const float scale = block.ChannelScale(number);
