@@ -1,4 +1,8 @@
-# Every header compiles alone: one generated file per header includes it and nothing else.
+# Every header compiles alone: one generated file per header includes it and nothing else. Once is enough, and the
+# Windows build sees them all.
+if(NOT WIN32)
+  return()
+endif()
 file(GLOB_RECURSE headers RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS lib/*.h src/*.h)
 set(portable_checks "")
 set(win_checks "")
@@ -15,8 +19,6 @@ foreach(header IN LISTS headers)
 endforeach()
 add_library(headers_alone OBJECT ${portable_checks})
 target_link_libraries(headers_alone PRIVATE quillon_options)
-if(WIN32)
-  target_compile_options(headers_alone PRIVATE -include ${CMAKE_SOURCE_DIR}/cmake/PoisonWindows.h)
-  add_library(win_headers_alone OBJECT ${win_checks})
-  target_link_libraries(win_headers_alone PRIVATE quillon_options)
-endif()
+target_compile_options(headers_alone PRIVATE -include ${CMAKE_SOURCE_DIR}/cmake/PoisonWindows.h)
+add_library(win_headers_alone OBJECT ${win_checks})
+target_link_libraries(win_headers_alone PRIVATE quillon_options)

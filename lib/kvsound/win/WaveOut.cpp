@@ -243,6 +243,8 @@ class WaveOut final : public SoundOutput {
 
     [[nodiscard]] bool Open(std::int16_t channelCount, std::int32_t rate) override {
         Stop();
+        // The chosen device may be gone.
+        if (m_index >= DeviceCount()) m_index = 0;
         // Not left to the system: some of its parts answer a rate without sense by ending the process.
         const bool sane = channelCount > 0 && rate > 0 && rate <= kMaximumRate;
         const MMRESULT result =

@@ -155,6 +155,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_HSCROLL: OnHScroll(LOWORD(wParam)); return 0;
         case WM_VSCROLL: OnVScroll(LOWORD(wParam)); return 0;
         case WM_TIMER: OnTimer(wParam); return 0;
+        case WM_DEVICECHANGE: LookForSound(); break;
         case WM_ENTERMENULOOP: EndHover(); break;
         case WM_SETCURSOR:
             if (OnSetCursor(reinterpret_cast<HWND>(wParam))) return TRUE;

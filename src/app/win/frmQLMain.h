@@ -237,6 +237,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void KeepSoundState();
     void SoundPlay(int index);
     void SoundCard(int device);
+    /// Devices come and go.
+    void LookForSound();
     void FillSoundCards(HMENU menu);
     void EndPlayback();
     void objSound_Started();

@@ -89,6 +89,7 @@ void frmQLMain::ShowContextMenu(POINT screen) {
 
 void frmQLMain::OnInitMenu(HMENU menu) {
     if (GetMenuItemID(menu, 0) == mnuSoundCard && m_sound) FillSoundCards(menu);
+    if (GetMenuItemID(menu, 0) == mnuSoundPlay) LookForSound();
     const int count = GetMenuItemCount(menu);
     for (int position = 0; position < count; ++position) {
         const UINT id = GetMenuItemID(menu, position);
@@ -209,7 +210,8 @@ bool frmQLMain::TranslateKey(const MSG& message) {
     }
     int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
     if (command == 0) return false;
-    // The key that plays a channel also stops.
+    // The key that plays a channel also stops; held down it does neither again.
+    if (command == mnuSoundPlay && (message.lParam & (1 << 30)) != 0) return true;
     if (command == mnuSoundPlay && m_global.sound.playing) command = mnuSoundPlay + 2;
     if (alt) m_altUsed = true;
     OnCommand(command);

@@ -6,6 +6,7 @@
 #include "dialogs/win/dlgOptions.h"
 #include "dialogs/win/dlgSplit.h"
 #include "export/QL_Export.h"
+#include "view/Readout.h"
 
 namespace quillon {
 
@@ -20,13 +21,18 @@ void frmQLMain::Options(int) {
     const std::optional<OptionChanges> changes = dialog.Show(m_window, values);
     if (!changes || m_window == nullptr || m_closing) return;
     StoreOptions(values, settings);
+    const bool codesBefore = m_global.rawCodes;
+    const std::u16string rangeBefore = m_global.selection.active ? RangeReadout(Source(), m_global.selection) : u"";
     ApplyDisplaySettings(m_global);
+    // Codes and values have scales of their own.
+    if (m_global.rawCodes != codesBefore) FitUnlessLegible();
     if (changes->initSpectrogram) InitSpectrum();
     if (changes->buildPalette) m_fft.FFT_BuildPalette();
     if (changes->buildWindow) m_fft.FFT_BuildWindow();
     if (changes->setOrder) m_fft.FFT_SetOrder(settings.order);
     if (changes->initSpectrogram) Spectrogram_Init(true);
     Refresh();
+    if (!rangeBefore.empty() && m_values.Text() == rangeBefore) ShowRange();
 }
 
 void frmQLMain::Split(int) {

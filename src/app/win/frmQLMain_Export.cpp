@@ -60,6 +60,8 @@ void frmQLMain::RunBusy(const std::function<void()>& work) {
 void frmQLMain::RunLong(const std::function<void()>& work) {
     EndHover();
     EndGesture();
+    // Its position would take the place of what is told about the work.
+    StopSound();
     const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     RunBusy(work);
     SetCursor(pointer);
@@ -186,8 +188,10 @@ bool frmQLMain::MayCopy(std::int32_t samples) const {
 
 void frmQLMain::Copy(int index) {
     if (index == 0) {
-        if (!MayCopy(ExportRange().count)) return;
-        WriteText(std::u16string(kClipboardTarget), ExportRange());
+        const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+        const SampleRange range = ExportRange();
+        if (!MayCopy(range.count) || m_window == nullptr || m_closing || m_global.block.block != block) return;
+        WriteText(std::u16string(kClipboardTarget), range);
     } else {
         CopyImage(kClipboardTarget);
     }
@@ -195,6 +199,8 @@ void frmQLMain::Copy(int index) {
 
 void frmQLMain::CopyImage(std::u16string_view target) {
     EndHover();
+    // The line of the sound is no part of the view.
+    InvalidateBand(m_graph.SetBand(GraphBand::Play, std::nullopt));
     const bool spectrogram = m_global.settings.spectrogramShown;
     const ImageWindows windows{m_scaleYBox.Window(), m_graphBox.Window(), spectrogram ? m_scaleFBox.Window() : nullptr,
                                spectrogram ? m_fftBox.Window() : nullptr, m_scaleXBox.Window()};
@@ -207,6 +213,7 @@ void frmQLMain::CopyImage(std::u16string_view target) {
     // Its strip is as high at any density.
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
     const bool done = ImageCopy(windows, font.Get(), caption, target);
+    ShowPlayLine();
     m_services.SetStatus(m_services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
 }
 

@@ -10,9 +10,19 @@ namespace quillon {
 
 void frmQLMain::MakeSound() {
     m_sound = std::make_unique<QLSound>(m_global.block, m_services, m_global.makeSoundOutput);
-    m_sound->onStarted = [this] { objSound_Started(); };
-    m_sound->onStopped = [this] { objSound_Stopped(); };
-    m_sound->onPlayProgress = [this](std::int32_t sample) { objSound_PlayProgress(sample); };
+    // No event may throw.
+    const auto guarded = [this](auto handle) {
+        try {
+            handle();
+        } catch (const std::exception& error) {
+            Failed(error);
+        }
+    };
+    m_sound->onStarted = [this, guarded] { guarded([this] { objSound_Started(); }); };
+    m_sound->onStopped = [this, guarded] { guarded([this] { objSound_Stopped(); }); };
+    m_sound->onPlayProgress = [this, guarded](std::int32_t sample) {
+        guarded([this, sample] { objSound_PlayProgress(sample); });
+    };
     KeepSoundState();
 }
 
@@ -30,6 +40,8 @@ void frmQLMain::SoundPlay(int index) {
     const SampleRange range =
         m_global.selection.active ? ExportRange() : SampleRange{visible.first, visible.last - visible.first + 1};
     const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_global.currentChannel;
+    m_global.sound.position = 0;
+    ShowPlayLine();
     m_sound->Play(index == 1 ? std::int16_t{0} : chosen, range.first, range.count);
     KeepSoundState();
     if (m_sound->Playing()) return;
@@ -78,9 +90,14 @@ void frmQLMain::ShowPlayLine() {
     InvalidateBand(changed);
 }
 
-void frmQLMain::FillSoundCards(HMENU menu) {
+void frmQLMain::LookForSound() {
+    if (!m_sound) return;
     m_sound->Refresh();
     KeepSoundState();
+}
+
+void frmQLMain::FillSoundCards(HMENU menu) {
+    LookForSound();
     while (DeleteMenu(menu, 0, MF_BYPOSITION)) {
     }
     const int devices = std::min<int>(m_global.sound.devices, kSoundCards);

@@ -45,6 +45,7 @@ void frmQLMain::Spectrogram_Draw(bool force) {
     if (m_global.block.sampleCount == 0) {
         m_fftBox.Invalidate();
         m_scaleFBox.Invalidate();
+        m_paletteBox.Invalidate();
         return;
     }
     const TimeAxis& axis = m_global.axis;

@@ -104,7 +104,9 @@ TEST_F(ExportWindowTest, NothingOfTheUsersIsLost) {
     const auto choose = [&](const std::u16string& name, std::int32_t type) {
         dialog.answer = [=](FakeSaveDialog& shown) { return shown.fileName = name, shown.filterIndex = type, true; };
     };
-    for (const std::u16string& name : {m_source, Path(std::u16string(300, u'n') + u".bin"), Path(u"none\\x.bin")}) {
+    std::filesystem::create_directory(m_folder.File(u"folder.bin"));
+    for (const std::u16string& name :
+         {m_source, Path(std::u16string(300, u'n') + u".bin"), Path(u"none\\x.bin"), Path(u"folder.bin")}) {
         choose(name, 1);
         const DialogAnswer answer([&](HWND box) {
             title = WindowText(box);

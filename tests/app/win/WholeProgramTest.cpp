@@ -32,7 +32,7 @@ class User {
         const ULONGLONG end = GetTickCount64() + 10000;
         while (!condition()) {
             if (GetTickCount64() > end) return false;
-            Sleep(5);
+            SwitchToThread();
         }
         return true;
     }
