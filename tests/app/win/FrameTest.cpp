@@ -122,15 +122,17 @@ TEST_F(FrameTest, EveryMenuEntryAndButtonReachesItsHandler) {
         for (int id = entry.id; id != 0 && id < entry.id + entry.count; ++id) {
             SCOPED_TRACE(id);
             if (id == mnuExit) continue;  // ends the window; tested elsewhere
+            const bool sound = id >= mnuSoundPlay && id < mnuSoundPlay + 3;
             const auto byMenu = effect(id, [&] { Command(id); });
             if (buttons.contains(id)) {
                 ++pressed;
                 SetFocus(Control(lstFile));
                 EXPECT_EQ(byMenu, effect(id, [&] { PressButton(buttons[id], id); }));
-                EXPECT_EQ(GetFocus(), Control(pbGraph)) << "the keys work on the graph again";
+                if (!sound || !silent) {
+                    EXPECT_EQ(GetFocus(), Control(pbGraph)) << "the keys work on the graph again";
+                }
             }
             const bool chosen = id == mnuScaleX + 3 || id == mnuScaleY + 8 || id == mnuSoundCard;
-            const bool sound = id >= mnuSoundPlay && id < mnuSoundPlay + 3;
             if (chosen || (sound && silent)) continue;
             EXPECT_NE(byMenu, effect(id, [] {}));
         }
