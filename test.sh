@@ -57,6 +57,6 @@ locale -a | grep -qi '^ru_RU\.utf-\?8$' || ${as_root[@]+"${as_root[@]}"} localed
 run_tests win_tests_russian "${no_sound[@]}" LC_ALL=ru_RU.UTF-8 wine build/windows/tests/win_tests.exe \
     '--gtest_filter=-WaveOutCapture.*'
 
-[ "$skipped" -eq 0 ] || echo "$skipped skipped: their recordings are not here"
+[ "$skipped" -eq 0 ] || echo "$skipped skipped: what they need is not here"
 echo "$passed passed, $failed failed"
 [ "$failed" -eq 0 ]
