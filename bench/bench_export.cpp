@@ -5,6 +5,7 @@
 
 #include "../samples/BenchRecordings.h"
 #include "BenchData.h"
+#include "cli/CommandSupport.h"
 #include "export/KVExport.h"
 #include "export/QL_Export.h"
 #include "norvik/OutputFile.h"
@@ -16,15 +17,6 @@ namespace quillon::bench {
 namespace {
 
 namespace fs = std::filesystem;
-
-class Silence final : public UserServices {
-  public:
-    void ShowMessage(const std::u16string&, const std::u16string&) override {}
-    void SetStatus(const std::u16string&) override {}
-    [[nodiscard]] std::u16string Text(int) const override { return {}; }
-    [[nodiscard]] std::u16string LongTime(double) const override { return {}; }
-    [[nodiscard]] std::u16string DateAndTime(double) const override { return {}; }
-};
 
 /// A folder of its own, removed at the end.
 struct Folder {
@@ -57,7 +49,7 @@ void ExportAgainstCopy(benchmark::State& state, bool edfSource, const char* targ
         std::ofstream file(fs::path(source), std::ios::binary);
         edfSource ? samples::WriteBenchEdf(file, 3600) : samples::WriteBenchBin(file, 3600);
     }
-    Silence services;
+    cli::SilentServices services;
     KVExport exporter(services, {MakeOutputFile});
     const auto library = MakeRecordingLibrary(Language::English);
     std::shared_ptr<Recording> recording;
@@ -84,7 +76,7 @@ void TextAgainstWrite(benchmark::State& state) {
         std::ofstream file(fs::path(source), std::ios::binary);
         samples::WriteBenchBin(file, 240);
     }
-    Silence services;
+    cli::SilentServices services;
     const auto library = MakeRecordingLibrary(Language::English);
     std::shared_ptr<Recording> recording;
     if (!library->OpenRecording(source, recording)) return state.SkipWithError("the recording cannot be opened");

@@ -19,6 +19,7 @@ class GatheringFile final : public OutputFile {
         m_failed = false;
         m_error.clear();
         m_sink = CreateFileSink(fileName, m_error);
+        if (!m_sink) m_error = fileName + u": " + m_error;
         if (m_sink) m_gathered.reserve(kGatheredBytes);
         return m_sink != nullptr;
     }

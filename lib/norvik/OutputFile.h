@@ -26,7 +26,7 @@ class ByteSink {
 /// file that anyone has open is refused, and with it the recording that is being exported.
 [[nodiscard]] std::unique_ptr<ByteSink> CreateFileSink(const std::u16string& path, std::u16string& error);
 
-/// An output file that gathers what it is given into pieces of 256 KiB.
+/// An output file that gathers what it is given into pieces of 256 KiB. Its error text names the file and the reason.
 [[nodiscard]] std::unique_ptr<OutputFile> MakeOutputFile();
 
 }  // namespace quillon

@@ -8,7 +8,6 @@
 
 #include "base/DateTime.h"
 #include "base/Rounding.h"
-#include "export/ByteWriter.h"
 #include "export/EdfText.h"
 
 namespace quillon {
@@ -187,16 +186,18 @@ bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample,
     return true;
 }
 
-std::unique_ptr<OutputFile> KV_Export::Create(const std::u16string& fileName) {
-    std::unique_ptr<OutputFile> file = m_system.makeFile();
-    if (file->Create(fileName)) return file;
-    m_lastFailure = file->ErrorText();
-    return nullptr;
-}
-
-void KV_Export::Close(OutputFile& file) {
-    file.Close();
-    m_failedWrites = file.FailureCount();
+bool KV_Export::WriteFile(const std::u16string& fileName, const ByteWriter& header,
+                          const std::function<void(OutputFile&)>& writeSamples) {
+    const std::unique_ptr<OutputFile> file = m_system.makeFile();
+    if (!file->Create(fileName)) {
+        m_lastFailure = file->ErrorText();
+        return false;
+    }
+    file->Write(header.Bytes());
+    writeSamples(*file);
+    file->Close();
+    m_failedWrites = file->FailureCount();
+    return true;
 }
 
 void KV_Export::Report(std::int64_t done, std::int32_t total) const {
@@ -219,26 +220,16 @@ bool KV_Export::WriteBinFile(RecordingBlock* block, const std::u16string& fileNa
                              std::int32_t sampleCount) {
     Range range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
-    const ByteWriter header = BinHeader(*block, range.first, range.count, m_system);
-    const std::unique_ptr<OutputFile> file = Create(fileName);
-    if (!file) return false;
-    file->Write(header.Bytes());
-    WriteFrames(*block, range, *file);
-    Close(*file);
-    return true;
+    return WriteFile(fileName, BinHeader(*block, range.first, range.count, m_system),
+                     [&](OutputFile& file) { WriteFrames(*block, range, file); });
 }
 
 bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                              std::int32_t sampleCount) {
     Range range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
-    const ByteWriter header = WaveHeader(*block, range.count);
-    const std::unique_ptr<OutputFile> file = Create(fileName);
-    if (!file) return false;
-    file->Write(header.Bytes());
-    WriteFrames(*block, range, *file);
-    Close(*file);
-    return true;
+    return WriteFile(fileName, WaveHeader(*block, range.count),
+                     [&](OutputFile& file) { WriteFrames(*block, range, file); });
 }
 
 KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::int32_t sampleCount) {
@@ -288,13 +279,8 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
         m_lastFailure = u"The channel's scale is too fine for EDF: " + (title.empty() ? Decimal(channel) : title);
         return false;
     }
-    const ByteWriter header = EdfHeader(*block, records.samples, records.seconds, records.count);
-    const std::unique_ptr<OutputFile> file = Create(fileName);
-    if (!file) return false;
-    file->Write(header.Bytes());
-    WriteRecords(*block, range, records, *file);
-    Close(*file);
-    return true;
+    return WriteFile(fileName, EdfHeader(*block, records.samples, records.seconds, records.count),
+                     [&](OutputFile& file) { WriteRecords(*block, range, records, file); });
 }
 
 }  // namespace quillon

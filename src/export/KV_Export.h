@@ -10,6 +10,7 @@
 #include "base/Text.h"
 #include "data/NorvikCore.h"
 #include "data/OutputFile.h"
+#include "export/ByteWriter.h"
 
 namespace quillon {
 
@@ -69,8 +70,8 @@ class KV_Export {
     static Records CutIntoRecords(const RecordingBlock& block, std::int32_t sampleCount);
 
     bool FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount, Range& range);
-    [[nodiscard]] std::unique_ptr<OutputFile> Create(const std::u16string& fileName);
-    void Close(OutputFile& file);
+    bool WriteFile(const std::u16string& fileName, const ByteWriter& header,
+                   const std::function<void(OutputFile&)>& writeSamples);
     void WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file);
     void WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file);
     void Report(std::int64_t done, std::int32_t total) const;

@@ -149,10 +149,7 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     ChunkReader reader(block, channels);
 
     const std::unique_ptr<TextSink> sink = context.open(request.target, context.refusal);
-    if (!sink) {
-        context.refused = request.target;
-        return false;
-    }
+    if (!sink) return false;
     const bool file = request.target != kClipboardTarget;
     const std::string titles = request.titleRow ? TextTitleLine(x.kind(), channels) : std::string();
     if (file && context.utf8Mark && !IsAscii(titles)) sink->Write("\xEF\xBB\xBF");

@@ -60,7 +60,6 @@ struct TextExportContext {
     // one that could not be opened could not.
     std::vector<std::u16string> written{};
     std::vector<std::u16string> incomplete{};
-    std::u16string refused{};
     std::u16string refusal{};
 };
 

@@ -152,8 +152,8 @@ void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range
     };
     if (!context.incomplete.empty()) {
         file ? tell(IDS_INCOMPLETE, context.incomplete.front()) : tell(IDS_CLIPBOARD_FAILED, {});
-    } else if (!context.refused.empty()) {
-        tell(IDS_CANNOT_WRITE, context.refused + u": " + context.refusal);
+    } else if (!context.refusal.empty()) {
+        tell(IDS_CANNOT_WRITE, context.refusal);
     } else if (context.written.empty()) {
         tell(IDS_NO_SHOWN_CHANNEL, {});
     } else if (!file) {

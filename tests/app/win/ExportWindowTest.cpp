@@ -116,7 +116,7 @@ TEST_F(ExportWindowTest, NothingOfTheUsersIsLost) {
         Command(mnuSaveAs);
     }
     EXPECT_EQ(title, L"KVExportLib");
-    EXPECT_FALSE(text.empty());
+    EXPECT_THAT(text, StartsWith(Wide(Path(u"folder.bin")) + L": ")) << "what and where";
     EXPECT_EQ(ContentOf(m_source), before);
     // A file per channel: those that exist are only replaced when the user agrees.
     std::ofstream(m_folder.File(u"text2.txt")) << "mine";
