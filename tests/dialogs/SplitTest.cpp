@@ -8,6 +8,7 @@
 #include "dialogs/SplitPlan.h"
 #include "dialogs/SplitRun.h"
 #include "support/FakeRecording.h"
+#include "support/MemoryFile.h"
 
 namespace quillon {
 namespace {
@@ -190,34 +191,16 @@ TEST(SplitRun, EndsWhereSomethingFails) {
     }
 }
 
-/// A file that takes a number of bytes.
-class SmallDisk final : public OutputFile {
-  public:
-    explicit SmallDisk(std::size_t& room) : m_room(room) {}
-    bool Create(const std::u16string& name) override { return name != u"forbidden.bin"; }
-    bool Write(std::span<const std::byte> bytes) override {
-        if (bytes.size() > m_room) return ++m_failures, false;
-        m_room -= bytes.size();
-        return true;
-    }
-    bool Close() override { return true; }
-    [[nodiscard]] std::u16string ErrorText() const override { return u"forbidden"; }
-    [[nodiscard]] std::size_t FailureCount() const override { return m_failures; }
-
-  private:
-    std::size_t& m_room;
-    std::size_t m_failures = 0;
-};
-
 TEST(SplitRun, TellsFullDisksFromRefusedFiles) {
     std::size_t room = 1000000;
+    std::string bytes;
     testing::FakeServices services;
-    KVExport exporter(services, {[&] { return std::make_unique<SmallDisk>(room); }});
+    KVExport exporter(services, {[&] { return std::make_unique<testing::MemoryFile>(bytes, room); }});
     testing::FakeBlock block;
     block.samples.assign(1, std::vector<std::int16_t>(1000));
     const SplitPlan plan = Plan(1000, 300, 200);
     EXPECT_EQ(ExportPiece(exporter, block, plan, 3, u"4.bin"), PieceResult::Written);
-    EXPECT_EQ(ExportPiece(exporter, block, plan, 3, u"forbidden.bin"), PieceResult::Failed);
+    EXPECT_EQ(ExportPiece(exporter, block, plan, 3, u"no.bin"), PieceResult::Failed);
     EXPECT_EQ(services.messages.size(), 1U);
     room = 500;
     EXPECT_EQ(ExportPiece(exporter, block, plan, 3, u"4.bin"), PieceResult::Incomplete);

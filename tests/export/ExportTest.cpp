@@ -17,11 +17,13 @@
 #include "norvik/RecordingLibrary.h"
 #include "norvik/TemporaryFolder.h"
 #include "support/FakeRecording.h"
+#include "support/MemoryFile.h"
 
 namespace quillon {
 namespace {
 
 using quillon::testing::Codes;
+using quillon::testing::MemoryFile;
 using samples::Bytes;
 
 /// A block in memory, one array of codes per channel.
@@ -61,26 +63,6 @@ std::shared_ptr<MemoryBlock> MakeBlock(std::int32_t count, double rate) {
         for (std::int16_t& code : channel) code = static_cast<std::int16_t>(random());
     return std::make_shared<MemoryBlock>(block, std::move(codes));
 }
-
-/// A file that takes `room` bytes and refuses the rest.
-class MemoryFile final : public OutputFile {
-  public:
-    MemoryFile(std::string& bytes, std::size_t room) : m_bytes(bytes), m_room(room) {}
-    bool Create(const std::u16string& fileName) override { return m_bytes.clear(), fileName != u"no.bin"; }
-    bool Write(std::span<const std::byte> bytes) override {
-        if (m_failures > 0 || m_bytes.size() + bytes.size() > m_room) return ++m_failures, false;
-        m_bytes.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-        return true;
-    }
-    bool Close() override { return true; }
-    std::u16string ErrorText() const override { return u"write-protected"; }
-    std::size_t FailureCount() const override { return m_failures; }
-
-  private:
-    std::string& m_bytes;
-    std::size_t m_room;
-    std::size_t m_failures = 0;
-};
 
 class ExportTest : public ::testing::Test {
   protected:

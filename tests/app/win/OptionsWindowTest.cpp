@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "app/win/DialogUser.h"
 #include "app/win/MainWindowFixture.h"
 #include "dialogs/win/OptionsLayout.h"
 
@@ -8,27 +9,13 @@ namespace {
 
 using namespace ::quillon::testing;
 
-/// The descendant of the dialog with that number.
-HWND FindChild(HWND dialog, int id) {
-    HWND found = GetDlgItem(dialog, id);
-    for (int page = 0; found == nullptr && page < kOptionPages; ++page)
-        found = GetDlgItem(GetDlgItem(dialog, pbTab + page), id);
-    return found;
-}
-
 class OptionsWindowTest : public MainWindowTest {
   protected:
     /// Sets one control of the options dialog as a user does and closes it by a button.
     void Set(int id, int position, int button = IDOK) {
         const DialogAnswer answer([=](HWND dialog) {
             const HWND control = FindChild(dialog, id);
-            if (position < 0) {
-                SendMessageW(control, BM_CLICK, 0, 0);
-            } else {
-                SendMessageW(control, CB_SETCURSEL, static_cast<WPARAM>(position), 0);
-                SendMessageW(GetParent(control), WM_COMMAND, MAKEWPARAM(id, CBN_SELCHANGE),
-                             reinterpret_cast<LPARAM>(control));
-            }
+            position < 0 ? static_cast<void>(SendMessageW(control, BM_CLICK, 0, 0)) : ChooseLine(control, position);
             PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
         });
         Command(mnuOptions);

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstring>
 #include <limits>
 #include <vector>
@@ -26,19 +25,6 @@ std::vector<std::uint8_t> Bytes(std::wstring_view text) {
     std::vector<std::uint8_t> bytes(text.size() * sizeof(wchar_t));
     std::memcpy(bytes.data(), text.data(), bytes.size());
     return bytes;
-}
-
-/// Gives everyone that access to a key and nobody any other.
-void Allow(HKEY key, DWORD access) {
-    SID everyone{SID_REVISION, 1, SECURITY_WORLD_SID_AUTHORITY, {SECURITY_WORLD_RID}};
-    alignas(ACL) std::array<std::uint8_t, 128> room{};
-    const auto acl = reinterpret_cast<ACL*>(room.data());
-    SECURITY_DESCRIPTOR descriptor{};
-    EXPECT_TRUE(InitializeAcl(acl, room.size(), ACL_REVISION));
-    EXPECT_TRUE(AddAccessAllowedAce(acl, ACL_REVISION, access, &everyone));
-    EXPECT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
-    EXPECT_TRUE(SetSecurityDescriptorDacl(&descriptor, TRUE, acl, FALSE));
-    EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, &descriptor), ERROR_SUCCESS);
 }
 
 /// Works below a program name of its own, which is removed with everything in it.
@@ -207,19 +193,6 @@ TEST_F(RegistryTest, AKeyThatCannotBeMadeIsReportedAndCostsNoOther) {
     Store().Load(loaded);
     EXPECT_EQ(loaded.gridStyle, 1);
     EXPECT_EQ(loaded.order, 8);
-}
-
-TEST_F(RegistryTest, AKeyThatMayOnlyBeReadIsRead) {
-    Put(L"GridStyle", REG_DWORD, {2, 0, 0, 0});
-    const KeyHandle before = Key(MainPath());
-    Allow(before.Get(), KEY_READ);
-    Settings settings;
-    Store().Load(settings);
-    EXPECT_EQ(settings.gridStyle, 2);
-    settings.gridStyle = 1;
-    EXPECT_FALSE(Store().Save(settings));
-    Allow(before.Get(), KEY_ALL_ACCESS);
-    ExpectNumber(MainPath(), L"GridStyle", 2);
 }
 
 }  // namespace

@@ -1,17 +1,9 @@
+#include "app/win/DialogUser.h"
 #include "app/win/MainWindowFixture.h"
 #include "app/win/TableWindow.h"
 
 namespace quillon::testing {
 namespace {
-
-std::wstring ClipboardText(HWND window) {
-    if (OpenClipboard(window) == FALSE) return {};
-    const HANDLE memory = GetClipboardData(CF_UNICODETEXT);
-    const std::wstring text = memory == nullptr ? L"" : static_cast<const wchar_t*>(GlobalLock(memory));
-    GlobalUnlock(memory);
-    CloseClipboard();
-    return text;
-}
 
 TEST(TableWindow, ShowsAndCopiesTheTable) {
     const TableTexts texts{L"T", {L"Канал", L"Среднее значение", L"Единица"}, L"Закрыть", L"Копировать", true};
@@ -33,7 +25,7 @@ TEST(TableWindow, ShowsAndCopiesTheTable) {
             EXPECT_EQ(column.fmt & LVCFMT_JUSTIFYMASK, LVCFMT_RIGHT);
             EXPECT_EQ(GetWindowLongW(list, GWL_STYLE) & (WS_HSCROLL | WS_VSCROLL), 0) << "all of it is seen";
             SendMessageW(dialog, WM_COMMAND, 102, 0);
-            EXPECT_EQ(ClipboardText(dialog), all);
+            EXPECT_EQ(ClipboardText(), all);
             PostMessageW(list, WM_KEYDOWN, static_cast<WPARAM>(key), 0);
         });
         ShowTable(nullptr, texts, {{L"C3\tA1", L"-1.5", L"мкВ"}, {L"O2", L"20"}});

@@ -8,6 +8,7 @@
 #include <mmsystem.h>
 
 #include "app/KeyMap.h"
+#include "app/win/DialogUser.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "dialogs/win/OptionsLayout.h"
@@ -27,15 +28,6 @@ class User {
     explicit User(std::function<void(User&)> acts) : m_thread([this, acts = std::move(acts)] { Run(acts); }) {}
     ~User() { m_thread.join(); }
 
-    template <typename Condition>
-    bool Sees(Condition condition) {
-        const ULONGLONG end = GetTickCount64() + 10000;
-        while (!condition()) {
-            if (GetTickCount64() > end) return false;
-            SwitchToThread();
-        }
-        return true;
-    }
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
     [[nodiscard]] std::wstring Caption() const { return WindowText(m_window); }
     [[nodiscard]] std::wstring Status(StatusPanel panel) const {
@@ -68,7 +60,7 @@ class User {
     /// The dialog that is open, once it is.
     HWND Dialog() {
         HWND dialog = nullptr;
-        EXPECT_TRUE(Sees([&] {
+        EXPECT_TRUE(WaitUntil([&] {
             dialog = GetLastActivePopup(m_window);
             return dialog != m_window && dialog != nullptr && IsWindowVisible(dialog);
         }));
@@ -78,7 +70,7 @@ class User {
 
   private:
     void Run(const std::function<void(User&)>& acts) {
-        EXPECT_TRUE(Sees([&] {
+        EXPECT_TRUE(WaitUntil([&] {
             m_window = FindWindowW(L"frmQLMain", nullptr);
             // The status bar is made last.
             return m_window != nullptr && IsWindowVisible(m_window) && Control(sbInfo) != nullptr;
@@ -89,34 +81,6 @@ class User {
     HWND m_window = nullptr;
     std::thread m_thread;
 };
-
-/// The first of the dialog's descendants with that number.
-HWND FindChild(HWND dialog, int id) {
-    struct Search {
-        int id;
-        HWND found;
-    } search{id, nullptr};
-    EnumChildWindows(
-        dialog,
-        [](HWND child, LPARAM data) -> BOOL {
-            auto* wanted = reinterpret_cast<Search*>(data);
-            if (GetDlgCtrlID(child) == wanted->id) wanted->found = child;
-            return wanted->found == nullptr;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
-}
-
-std::wstring ClipboardText() {
-    std::wstring text;
-    if (!OpenClipboard(nullptr)) return text;
-    if (const HANDLE memory = GetClipboardData(CF_UNICODETEXT)) {
-        text = static_cast<const wchar_t*>(GlobalLock(memory));
-        GlobalUnlock(memory);
-    }
-    CloseClipboard();
-    return text;
-}
 
 TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     const TemporaryFolder folder;
@@ -132,16 +96,16 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     {
         const User user([&](User& me) {
             me.Choose(lstDir, L"samples", LBN_DBLCLK);
-            EXPECT_TRUE(me.Sees([&] { return me.Files() == 3; }));
+            EXPECT_TRUE(WaitUntil([&] { return me.Files() == 3; }));
             for (const wchar_t* name : {L"b.bin", L"c.bin", L"a.bin"}) {
                 me.Choose(lstFile, name, LBN_SELCHANGE);
                 EXPECT_THAT(me.Caption(), StartsWith(name));
             }
             const std::wstring scale = me.Status(StatusPanel::Scale);
             me.Key(VK_ADD);
-            EXPECT_TRUE(me.Sees([&] { return me.Status(StatusPanel::Scale) != scale; }));
+            EXPECT_TRUE(WaitUntil([&] { return me.Status(StatusPanel::Scale) != scale; }));
             me.Key('G');
-            EXPECT_TRUE(me.Sees([&] { return IsWindowVisible(me.Control(pbFFT)) != FALSE; }));
+            EXPECT_TRUE(WaitUntil([&] { return IsWindowVisible(me.Control(pbFFT)) != FALSE; }));
             me.Command(mnuScaleX);
             // 40 columns at one sample per column.
             me.Drag(100, 139);
@@ -155,22 +119,22 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
             SendDlgItemMessageW(save, 0x47C, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(Wide(fast).c_str()));
             me.Press(save, IDOK);
             // A file per channel is the layout of a first run.
-            EXPECT_TRUE(me.Sees([&] { return std::filesystem::exists(folder.File(u"fast2.txt")); }));
-            EXPECT_TRUE(me.Sees([&] { return !IsWindow(save); }));
+            EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(folder.File(u"fast2.txt")); }));
+            EXPECT_TRUE(WaitUntil([&] { return !IsWindow(save); }));
             me.PostCommand(mnuSplit);
             const HWND split = me.Dialog();
             me.Press(split, IDOK);
-            EXPECT_TRUE(me.Sees([&] { return std::filesystem::exists(folder.File(u"samples/a/12.bin")); }));
-            EXPECT_TRUE(me.Sees([&] { return IsWindowEnabled(GetDlgItem(split, IDCANCEL)) != FALSE; }));
+            EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(folder.File(u"samples/a/12.bin")); }));
+            EXPECT_TRUE(WaitUntil([&] { return IsWindowEnabled(GetDlgItem(split, IDCANCEL)) != FALSE; }));
             me.Press(split, IDCANCEL);
-            EXPECT_TRUE(me.Sees([&] { return !IsWindow(split); }));
+            EXPECT_TRUE(WaitUntil([&] { return !IsWindow(split); }));
             me.Command(mnuSelect + 2);
             if (waveOutGetNumDevs() > 0) {
                 me.Key(VK_SPACE);
-                EXPECT_TRUE(me.Sees([&] { return me.Status(StatusPanel::Status).starts_with(L"Playing"); }) ||
+                EXPECT_TRUE(WaitUntil([&] { return me.Status(StatusPanel::Status).starts_with(L"Playing"); }) ||
                             GetUserDefaultUILanguage() != MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US));
                 me.Key(VK_SPACE);
-                EXPECT_TRUE(me.Sees([&] { return me.Status(StatusPanel::Status).empty(); }));
+                EXPECT_TRUE(WaitUntil([&] { return me.Status(StatusPanel::Status).empty(); }));
             }
             me.PostCommand(mnuOptions);
             const HWND options = me.Dialog();
@@ -179,7 +143,7 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
             SendMessageW(FindChild(options, cboFFTSize), CB_SETCURSEL, 6, 0);
             SendMessageW(FindChild(options, optFile + 1), BM_CLICK, 0, 0);
             me.Press(options, IDOK);
-            EXPECT_TRUE(me.Sees([&] { return !IsWindow(options); }));
+            EXPECT_TRUE(WaitUntil([&] { return !IsWindow(options); }));
         });
         EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
     }
@@ -195,7 +159,7 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     EXPECT_TRUE(stored.spectrogramShown);
     {
         const User user([&](User& me) {
-            EXPECT_TRUE(me.Sees([&] { return me.Caption().starts_with(L"a.bin"); }));
+            EXPECT_TRUE(WaitUntil([&] { return me.Caption().starts_with(L"a.bin"); }));
             EXPECT_EQ(me.Files(), 3);
             EXPECT_TRUE(IsWindowVisible(me.Control(pbFFT)));
             me.Command(mnuFastExport);
@@ -262,9 +226,38 @@ class RandomActions : public MainWindowTest {
         }
     }
 
-    static long Handles() {
-        return static_cast<long>(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) +
-                                 GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS));
+    /// Objects of the graphics system, windows, and handles of other kinds that this process has. The functions that
+    /// are made for it count nothing where there is no real Windows.
+    static std::size_t Handles() {
+        struct Object {
+            std::uint64_t object;
+            std::uint32_t owner;
+            std::uint16_t unique;
+            std::uint8_t type;
+            std::uint8_t flags;
+            std::uint64_t user;
+        };
+        struct Handle {
+            std::uint32_t process;
+            std::uint32_t kind;
+            std::uint64_t object;
+            std::uint64_t access;
+        };
+        const auto function = [](const char* name) {
+            return reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name));
+        };
+        const auto currentPeb = reinterpret_cast<const std::uint8_t* (*)()>(function("RtlGetCurrentPeb"));
+        const auto query = reinterpret_cast<LONG (*)(int, void*, ULONG, ULONG*)>(function("NtQuerySystemInformation"));
+        const auto* objects = *reinterpret_cast<const Object* const*>(currentPeb() + 0xF8);
+        const auto graphics = std::count_if(objects, objects + 65536, [](const Object& at) { return at.type != 0; });
+        // The first entry holds the number of the others in its first field; handles of the whole system follow.
+        std::vector<Handle> handles(1 << 16);
+        EXPECT_EQ(query(16, handles.data(), static_cast<ULONG>(handles.size() * sizeof(Handle)), nullptr), 0);
+        const auto* first = reinterpret_cast<const Handle*>(reinterpret_cast<const std::uint64_t*>(handles.data()) + 1);
+        const auto own = std::count_if(first, first + handles[0].process,
+                                       [](const Handle& at) { return at.process == GetCurrentProcessId(); });
+        EXPECT_GT(own, 0);
+        return static_cast<std::size_t>(graphics + own) + Descendants(GetDesktopWindow()).size();
     }
 
     std::mt19937 m_random;
@@ -283,7 +276,7 @@ TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
     DialogCloser closer;
     m_global.saveDialog = std::make_unique<FakeSaveDialog>();
     m_global.settings.exportFastFile = m_folder.File(u"fast.txt").u16string();
-    long handles = 0;
+    std::size_t handles = 0;
     for (int action = 0; action < 1000; ++action) {
         Act();
         Pump();
