@@ -96,18 +96,17 @@ TEST_F(SplitCommand, ReplacesNothingUnaskedAndTheRecordingNever) {
 
 TEST_F(SplitCommand, WritesIntoNoFolderAndThroughNoLink) {
     fs::create_directories(m_pieces / "07.bin");
-    for (const char16_t* option : {u"--step=100", u"--force"}) {
-        EXPECT_EQ(Run({u"--size=100", option}, m_pieces), kRefused);
-        EXPECT_NE(m_error.find("07.bin: this is not a file"), std::string::npos) << m_error;
-        EXPECT_FALSE(fs::exists(m_pieces / "01.bin")) << "told before anything is written";
-    }
-    fs::remove(m_pieces / "07.bin");
-    std::error_code error;
-    fs::create_symlink(m_folder.File(u"elsewhere.bin"), m_pieces / "07.bin", error);
-    if (error) GTEST_SKIP() << "links need a privilege here";
-    for (const char16_t* option : {u"--step=100", u"--force"}) {
-        EXPECT_EQ(Run({u"--size=100", option}, m_pieces), kRefused);
-        EXPECT_FALSE(fs::exists(m_folder.File(u"elsewhere.bin")) || fs::exists(m_pieces / "01.bin"));
+    for (const char* kind : {"folder", "link"}) {
+        for (const char16_t* option : {u"--step=100", u"--force"}) {
+            EXPECT_EQ(Run({u"--size=100", option}, m_pieces), kRefused) << kind;
+            EXPECT_NE(m_error.find("07.bin: "), std::string::npos) << m_error;
+            EXPECT_FALSE(fs::exists(m_pieces / "01.bin")) << "told before anything is written";
+        }
+        EXPECT_FALSE(fs::exists(m_folder.File(u"elsewhere.bin")));
+        fs::remove(m_pieces / "07.bin");
+        std::error_code error;
+        fs::create_symlink(m_folder.File(u"elsewhere.bin"), m_pieces / "07.bin", error);
+        if (error) break;  // links need a privilege here
     }
 }
 

@@ -111,14 +111,6 @@ TEST(OptionsModel, TakesNumbersWithinTheirLimitsOnly) {
     EXPECT_EQ(typed(u"12\u066B5", u"60", u'\u066B'), std::pair(12.5F, 60.0F));
 }
 
-TEST(OptionsModel, TellsTheWidthOfABin) {
-    FormatOptions format;
-    format.decimalSeparator = u',';
-    EXPECT_EQ(BinWidthText(250.0, 3, format), u"0,977 Hz");
-    EXPECT_EQ(BinWidthText(0.0, 3, format), u"") << "no block";
-    EXPECT_EQ(BinWidthText(250.0, -1, format), u"") << "no size";
-}
-
 // Each setting has a number of its own, so that none can be taken for another.
 TEST(OptionSettings, GoToTheDialogAndBack) {
     OptionValues values{1,  2,  3,  true, 4,  5,  6,  7,  8,   {9, 10, 11, 12.0F, 13.0F, 14},

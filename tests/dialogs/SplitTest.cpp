@@ -8,7 +8,6 @@
 #include "dialogs/SplitPlan.h"
 #include "dialogs/SplitRun.h"
 #include "support/FakeRecording.h"
-#include "support/MemoryFile.h"
 
 namespace quillon {
 namespace {
@@ -189,22 +188,6 @@ TEST(SplitRun, EndsWhereSomethingFails) {
         EXPECT_EQ(result.written, one.written) << one.failing;
         EXPECT_EQ(result.name, one.name) << one.failing;
     }
-}
-
-TEST(SplitRun, TellsFullDisksFromRefusedFiles) {
-    std::size_t room = 1000000;
-    std::string bytes;
-    testing::FakeServices services;
-    KVExport exporter(services, {[&] { return std::make_unique<testing::MemoryFile>(bytes, room); }});
-    testing::FakeBlock block;
-    block.samples.assign(1, std::vector<std::int16_t>(1000));
-    const SplitPlan plan = Plan(1000, 300, 200);
-    EXPECT_EQ(ExportPiece(exporter, block, plan, 3, u"4.bin"), PieceResult::Written);
-    EXPECT_EQ(ExportPiece(exporter, block, plan, 3, u"no.bin"), PieceResult::Failed);
-    EXPECT_EQ(services.messages.size(), 1U);
-    room = 500;
-    EXPECT_EQ(ExportPiece(exporter, block, plan, 3, u"4.bin"), PieceResult::Incomplete);
-    EXPECT_EQ(services.messages.size(), 1U);
 }
 
 }  // namespace

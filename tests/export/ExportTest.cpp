@@ -203,19 +203,6 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
     EXPECT_EQ(exporter.LastError(), u"");
 }
 
-TEST_F(ExportTest, TheDialogsFilterHoldsTheTypesInTheirOrder) {
-    EXPECT_EQ(BuildSaveFilter(),
-              u"Binary Files (*.bin)|*.bin|Waveform Audio (*.wav)|*.wav|"
-              u"European Data Format (*.edf)|*.edf|Text files (*.txt)|*.txt");
-    const auto block = MakeBlock(300, 100.0);
-    quillon::testing::FakeSaveDialog dialog;
-    EXPECT_FALSE(exporter.ExportWithDialog(block.get(), 1, 0, dialog));
-    EXPECT_TRUE(services.messages.empty());
-    dialog.answer = [](auto& shown) { return shown.fileName = u"x.bin", shown.filterIndex = 2, true; };
-    EXPECT_TRUE(exporter.ExportWithDialog(block.get(), 1, 0, dialog));
-    EXPECT_EQ(bytes.substr(0, 4), "RIFF");
-}
-
 TEST_F(ExportTest, OurReadersReadBackWhatIsWritten) {
     const quillon::testing::TemporaryFolder folder;
     const auto block = MakeBlock(70000, 250.0);  // more than the output file gathers

@@ -190,24 +190,5 @@ TEST_F(TextExportTest, OnlyAFileWithForeignLettersIsMarkedAsUtf8) {
     EXPECT_EQ(Lines(1, 1)[0].substr(0, 2), "\xD0\xAD");
 }
 
-TEST_F(TextExportTest, TheFastFileIsAskedForFromWhereItLies) {
-    FakeSaveDialog dialog;
-    std::u16string name;
-    EXPECT_FALSE(FastExportDialog(dialog, services, name));
-    EXPECT_EQ(dialog.filterIndex, 1);
-    EXPECT_EQ(dialog.title, services.Text(5341));
-    for (const auto& [given, index] : {std::pair<std::u16string, int>{u"c:\\d.e\\Fast.TXT", 1},
-                                       {u"c:\\d.e\\fast.dat", 2},
-                                       {u"c:\\d.e\\a.txt.x", 2}}) {
-        name = given;
-        dialog.answer = [](FakeSaveDialog& shown) {
-            return shown.fileName = shown.folder + u"*" + shown.fileName, true;
-        };
-        EXPECT_TRUE(FastExportDialog(dialog, services, name));
-        EXPECT_EQ(name, u"c:\\d.e\\*" + given.substr(7));
-        EXPECT_EQ(dialog.filterIndex, index);
-    }
-}
-
 }  // namespace
 }  // namespace quillon::testing

@@ -61,6 +61,20 @@ class ExportWindowTest : public MainWindowTest {
         const DialogAnswer answer([=](HWND dialog) { SaveUnder(dialog, name, filter); });
         Command(mnuSaveAs);
     }
+    /// From now on the save dialog is not shown, and gives this.
+    void Choose(const std::u16string& name, std::int32_t type, std::function<void()> meanwhile = {}) {
+        auto dialog = std::make_unique<FakeSaveDialog>();
+        dialog->answer = [=](FakeSaveDialog& shown) {
+            if (meanwhile) meanwhile();
+            return shown.fileName = name, shown.filterIndex = type, true;
+        };
+        m_global.saveDialog = std::move(dialog);
+    }
+    /// Save As, where a box asks or tells something and is answered.
+    void SaveAsAnswering(std::function<void(HWND)> answer) {
+        const DialogAnswer user(std::move(answer));
+        Command(mnuSaveAs);
+    }
     std::u16string m_source;
 };
 
@@ -99,38 +113,26 @@ TEST_F(ExportWindowTest, NothingOfTheUsersIsLost) {
     // The recording itself: the dialog asks, the system refuses, and a box says why.
     std::wstring title;
     std::wstring text;
-    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
-    auto& dialog = static_cast<FakeSaveDialog&>(*m_global.saveDialog);
-    const auto choose = [&](const std::u16string& name, std::int32_t type) {
-        dialog.answer = [=](FakeSaveDialog& shown) { return shown.fileName = name, shown.filterIndex = type, true; };
-    };
     std::filesystem::create_directory(m_folder.File(u"folder.bin"));
     for (const std::u16string& name :
          {m_source, Path(std::u16string(300, u'n') + u".bin"), Path(u"none\\x.bin"), Path(u"folder.bin")}) {
-        choose(name, 1);
-        const DialogAnswer answer([&](HWND box) {
+        Choose(name, 1);
+        SaveAsAnswering([&](HWND box) {
             title = WindowText(box);
             text = WindowText(GetDlgItem(box, 0xFFFF));
             PostMessageW(box, WM_COMMAND, IDOK, 0);
         });
-        Command(mnuSaveAs);
     }
     EXPECT_EQ(title, L"KVExportLib");
     EXPECT_THAT(text, StartsWith(Wide(Path(u"folder.bin")) + L": ")) << "what and where";
     EXPECT_EQ(ContentOf(m_source), before);
     // A file per channel: those that exist are only replaced when the user agrees.
     std::ofstream(m_folder.File(u"text2.txt")) << "mine";
-    choose(Path(u"text.txt"), 4);
-    {
-        const DialogAnswer no([](HWND box) { PostMessageW(box, WM_COMMAND, IDNO, 0); });
-        Command(mnuSaveAs);
-    }
+    Choose(Path(u"text.txt"), 4);
+    SaveAsAnswering([](HWND box) { PostMessageW(box, WM_COMMAND, IDNO, 0); });
     EXPECT_EQ(ContentOf(Path(u"text2.txt")), "mine");
     EXPECT_FALSE(Exists(u"text1.txt"));
-    {
-        const DialogAnswer yes([](HWND box) { PostMessageW(box, WM_COMMAND, IDYES, 0); });
-        Command(mnuSaveAs);
-    }
+    SaveAsAnswering([](HWND box) { PostMessageW(box, WM_COMMAND, IDYES, 0); });
     EXPECT_THAT(ContentOf(Path(u"text2.txt")), StartsWith("5.0\r\n"));
     EXPECT_THAT(ContentOf(Path(u"text1.txt")), StartsWith("0.0\r\n1.0\r\n"));
     EXPECT_THAT(Status(), HasSubstr(L"text1.txt ... text2.txt"));
@@ -161,19 +163,13 @@ TEST_F(ExportWindowTest, FastExportAsksOnceAndTellsWhatItCannotWrite) {
 TEST_F(ExportWindowTest, ARecordingThatGoesWhileTheUserIsAskedEndsTheCommand) {
     Start();
     std::ofstream(m_folder.File(u"text1.txt")) << "mine";
-    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
-    static_cast<FakeSaveDialog&>(*m_global.saveDialog).answer = [&](FakeSaveDialog& shown) {
-        return shown.fileName = Path(u"text.txt"), shown.filterIndex = 4, true;
-    };
-    {
-        const DialogAnswer yes([&](HWND box) {
-            std::filesystem::rename(m_source, m_folder.File(u"gone.bin"));
-            // Answered once the window has seen it.
-            while (!Caption().empty() && Caption() != L"Quillon") SwitchToThread();
-            PostMessageW(box, WM_COMMAND, IDYES, 0);
-        });
-        Command(mnuSaveAs);
-    }
+    Choose(Path(u"text.txt"), 4);
+    SaveAsAnswering([&](HWND box) {
+        std::filesystem::rename(m_source, m_folder.File(u"gone.bin"));
+        // Answered once the window has seen it.
+        while (!Caption().empty() && Caption() != L"Quillon") SwitchToThread();
+        PostMessageW(box, WM_COMMAND, IDYES, 0);
+    });
     EXPECT_EQ(ContentOf(m_folder.File(u"text1.txt")), "mine");
 }
 
@@ -195,10 +191,7 @@ TEST_F(ExportWindowTest, AFullDiskIsToldWithTheFile) {
     Start();
     // Writing to it fails as on a full disk.
     const std::u16string full = u"Z:\\dev\\full";
-    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
-    static_cast<FakeSaveDialog&>(*m_global.saveDialog).answer = [&](FakeSaveDialog& shown) {
-        return shown.fileName = full, shown.filterIndex = 1, true;
-    };
+    Choose(full, 1);
     Command(mnuSaveAs);
     EXPECT_EQ(Status(), L"The file is incomplete: " + Wide(full));
     m_global.settings.exportFileType = 1;
@@ -231,16 +224,14 @@ TEST_F(ExportWindowTest, CopiedDataAreTheTextOfTheSelection) {
 TEST_F(ExportWindowTest, MessagesRunMeanwhileAndStartNothing) {
     Start();
     int seen = 0;
-    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
-    static_cast<FakeSaveDialog&>(*m_global.saveDialog).answer = [&](FakeSaveDialog& shown) {
+    Choose(Path(u"out.wav"), 2, [&] {
         PostMessageW(m_form->Window(), WM_COMMAND, mnuExit, 0);
         PostMessageW(m_form->Window(), WM_CLOSE, 0, 0);
         PostMessageW(Control(pbGraph), WM_KEYDOWN, VK_END, 0);
         PostMessageW(Control(pbGraph), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 50));
         InvalidateRect(Control(pbGraph), nullptr, FALSE);
         seen = 1;
-        return shown.fileName = Path(u"out.wav"), shown.filterIndex = 2, true;
-    };
+    });
     SendMessageW(m_form->Window(), WM_COMMAND, mnuSaveAs, 0);
     ASSERT_EQ(seen, 1);
     ASSERT_NE(m_form->Window(), nullptr);

@@ -200,20 +200,13 @@ TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
     EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 70001) << "there is no further one";
     Command(mnuMark);
     EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 30001);
-    {
-        DialogAnswer answer([](HWND dialog) {
-            SetDlgItemTextW(dialog, 101, L"#50000");
+    for (const wchar_t* place : {L"#50000", L"somewhere"}) {
+        const DialogAnswer answer([place](HWND dialog) {
+            SetDlgItemTextW(dialog, 101, place);
             PostMessageW(dialog, WM_COMMAND, IDOK, 0);
         });
         Command(mnuGoToPlace);
-    }
-    EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 50000);
-    {
-        DialogAnswer answer([](HWND dialog) {
-            SetDlgItemTextW(dialog, 101, L"somewhere");
-            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-        });
-        Command(mnuGoToPlace);
+        EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 50000);
     }
     EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"somewhere"));
 
