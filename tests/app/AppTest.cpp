@@ -120,19 +120,5 @@ TEST(KeyMap, ModifiersAndFocusChooseTheCommand) {
     }
 }
 
-TEST(DisplaySettings, DecideTextsAndCodes) {
-    QL_Global global;
-    ApplyDisplaySettings(global);
-    EXPECT_TRUE(global.format.timeOfDay);
-    EXPECT_FALSE(global.rawCodes);
-    global.settings.timeFormat = 2;
-    global.settings.scaleFormat = 1;
-    global.settings.digitsCount = 3;
-    global.settings.digitsType = 1;
-    ApplyDisplaySettings(global);
-    EXPECT_TRUE(global.format.sampleIndexes && !global.format.timeOfDay && global.format.digitsAreDecimals);
-    EXPECT_TRUE(global.rawCodes);
-}
-
 }  // namespace
 }  // namespace quillon

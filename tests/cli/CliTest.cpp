@@ -227,16 +227,6 @@ TEST_F(CliTest, AFailedWriteIsRefused) {
     EXPECT_EQ(RunCli({u"--help"}, io), kRefused);
 }
 
-TEST_F(CliTest, HelpTellsAllCommandsOrOne) {
-    const std::string all = Run({u"--help"}).out;
-    const std::string one = Run({u"codes", u"--help"}).out;
-    for (const char* word : {"info FILE", "values FILE", "codes FILE"}) {
-        EXPECT_NE(all.find(word), std::string::npos) << word;
-        EXPECT_EQ(one.find(word) == std::string::npos, word != std::string("codes FILE")) << word;
-    }
-    EXPECT_TRUE(Run({u"--version"}).out.starts_with("quillon-cli "));
-}
-
 TEST_F(CliTest, SampleRecordingsOpen) {
     const std::pair<std::string, std::string> cases[] = {
         {samples::EegFile(), "\"samples\":61440"},

@@ -3,11 +3,9 @@
 
 #include <cmath>
 #include <filesystem>
-#include <sstream>
 
 #include "base/Text.h"
 #include "export/KVExport.h"
-#include "export/QL_Export.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
@@ -78,43 +76,6 @@ class RealExports : public ::testing::Test {
         }
     }
 
-    /// The text parsed back, against the values.
-    void ToText(RecordingBlock& block, std::int32_t samples) {
-        struct Sink : TextSink {
-            explicit Sink(std::ostringstream& out) : text(out) {}
-            void Write(std::string_view part) override { text << part; }
-            bool Close() override { return true; }
-            std::ostringstream& text;
-        };
-        std::ostringstream text;
-        const ChannelSlots slots;
-        const FormatOptions format;
-        TextExportContext context{slots, format, false, m_services,
-                                  [&](const std::u16string&, std::u16string&) { return std::make_unique<Sink>(text); }};
-        ASSERT_TRUE(ExportText(u"a.txt", block, 1, samples, {1, 0, 0, 0, 0, 0, 0, 0}, context));
-        std::istringstream in(text.str());
-        std::vector<std::vector<float>> values(static_cast<std::size_t>(block.ChannelCount()));
-        for (std::size_t channel = 0; channel < values.size(); ++channel) {
-            values[channel].resize(static_cast<std::size_t>(samples));
-            block.ReadValues(static_cast<std::int16_t>(channel + 1), 0, samples, values[channel].data());
-        }
-        for (std::size_t row = 0; row < static_cast<std::size_t>(samples); ++row) {
-            std::string line;
-            ASSERT_TRUE(std::getline(in, line));
-            std::istringstream cells(line);
-            for (const auto& channel : values) {
-                std::string cell;
-                ASSERT_TRUE(cells >> cell);
-                const std::size_t point = cell.find('.');
-                ASSERT_NE(point, std::string::npos);
-                const double half = 0.5000001 * std::pow(10.0, -static_cast<double>(cell.size() - point - 1));
-                const double value = static_cast<double>(channel[row]);
-                ASSERT_NEAR(std::stod(cell), value, half + std::fabs(value) * 1e-15);
-            }
-        }
-        EXPECT_EQ(in.peek(), std::char_traits<char>::eof());
-    }
-
     FakeServices m_services;
     TemporaryFolder m_folder;
     KVExport m_exporter{m_services, {MakeOutputFile}};
@@ -136,7 +97,6 @@ TEST_F(RealExports, AreReadBackWithNothingLost) {
             ToBin(*block);
             ToWave(*block);
             ToEdf(*block);
-            ToText(*block, std::min(block->SampleCount(), 1000));
             if (HasFatalFailure()) return;
         }
     }

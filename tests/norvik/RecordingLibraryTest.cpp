@@ -70,17 +70,5 @@ TEST(RecordingLibrary, TheExtensionDecidesWhoTellsTheFaultOfAFileThatBeginsLikeN
     for (const auto& [name, part] : cases) ExpectRefusal(FileBytes().Text("\x01\x02\x03").Source(), name, part);
 }
 
-TEST(RecordingLibrary, FileTypesHaveNamesAndMasks) {
-    const auto english = MakeRecordingLibrary(Language::English);
-    const auto russian = MakeRecordingLibrary(Language::Russian);
-    EXPECT_EQ(english->FileTypeMask(0), u"*.bin;*.wav;*.rf64;*.edf;*.bdf");
-    for (std::int32_t type = 0; type <= english->FileTypeCount(); ++type) {
-        EXPECT_EQ(english->FileTypeMask(type), russian->FileTypeMask(type));
-        EXPECT_NE(english->FileTypeName(type), russian->FileTypeName(type));
-    }
-    EXPECT_THROW(static_cast<void>(english->FileTypeMask(english->FileTypeCount() + 1)), std::out_of_range);
-    EXPECT_THROW(static_cast<void>(english->FileTypeName(-1)), std::out_of_range);
-}
-
 }  // namespace
 }  // namespace quillon

@@ -164,14 +164,6 @@ TEST(WaveReader, PaddedFramesAreSteppedOver) {
     ExpectReads(*block, {{1, 2, 3}, {-1, -2, -3}});
 }
 
-TEST(WaveReader, ExtremesOfAChannelAskedForTwice) {
-    const std::vector<std::int16_t> channels{1, 1};
-    RunExtremes extremes[2];
-    const std::vector<RunExtremes*> out{&extremes[0], &extremes[1]};
-    ASSERT_TRUE(OnlyBlock(Ramp(10))->ColumnExtremes(channels, 2, 5, 5, out));
-    EXPECT_THAT(extremes, ::testing::Each(RunExtremes{2, 6}));
-}
-
 TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
     const auto cue = [](std::uint32_t id, std::uint32_t position, std::uint32_t offset) {
         return FileBytes().U32(id).U32(position).Text("data").U32(0).U32(0).U32(offset);

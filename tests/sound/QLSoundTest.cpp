@@ -158,21 +158,6 @@ TEST_F(QLSoundTest, EventsTellWhereItIsAndHowItEnded) {
     EXPECT_EQ(told, Lines({"stopped"})) << "a late position says nothing";
 }
 
-TEST_F(QLSoundTest, EventsMayCallBack) {
-    sound->onPlayProgress = [this](std::int32_t) { sound->Stop(); };
-    sound->onStopped = [this] { sound->Play(2, 1, 50); };
-    sound->Play(1, 1, 10000);
-    device.events.writeProgress(5);
-    EXPECT_FALSE(sound->Playing());
-    device.events.moreWanted();
-    EXPECT_EQ(device.writes.size(), 1U) << "stopped means no more";
-    device.events.stopped();
-    EXPECT_TRUE(sound->Playing());
-    EXPECT_EQ(TakeCalls(), Lines({"open 1 100", "stop", "open 1 100"}));
-    sound.reset();
-    EXPECT_EQ(TakeCalls(), Lines({"stop"})) << "its end stops it";
-}
-
 TEST_F(QLSoundTest, WithoutADeviceNothingHappens) {
     device.count = 0;
     const SoundOutputFactory factories[] = {

@@ -16,15 +16,6 @@ TimeAxis Axis(std::int32_t samples, std::int32_t width) {
     return axis;
 }
 
-TEST(TimeAxis, TableRunsInOneTwoFiveSteps) {
-    EXPECT_EQ(TimeAxis::TableEntry(0), 1);
-    EXPECT_EQ(TimeAxis::TableEntry(4), 20);
-    EXPECT_EQ(TimeAxis::TableEntry(10), 2000);
-    EXPECT_EQ(TimeAxis::TableEntry(27), 1000000000);
-    EXPECT_EQ(ZoomCaption(8), u"500:1");
-    EXPECT_EQ(ZoomCaption(10), u"2k:1");
-}
-
 TEST(TimeAxis, ZoomKeepsTheMiddleSample) {
     TimeAxis axis = Axis(1000000, 1000);
     EXPECT_FALSE(axis.SelectZoom(0));

@@ -6,7 +6,6 @@
 #include "support/FakeRecording.h"
 #include "view/Readout.h"
 #include "view/ScaleLabels.h"
-#include "view/ViewHistory.h"
 
 namespace quillon {
 namespace {
@@ -160,18 +159,6 @@ TEST(TimeLabels, TellTimesOfDayAcrossMidnightAndSampleNumbers) {
     format.sampleIndexes = false;
     format.timeOfDay = true;
     EXPECT_THAT(texts(format), ElementsAre(u"23:59:59", u"0:00:00", u"0:00:01"));
-}
-
-TEST(ViewHistory, GoesBackThroughTheLastThirtyTwo) {
-    ViewHistory history;
-    EXPECT_FALSE(history.Pop());
-    for (int zoom = 0; zoom < 40; ++zoom) {
-        history.Push({zoom, 0, 0, 0});
-        history.Push({zoom, 0, 0, 0});
-    }
-    for (int zoom = 39; zoom >= 8; --zoom) EXPECT_EQ(history.Pop()->zoom, zoom);
-    EXPECT_TRUE(history.IsEmpty());
-    EXPECT_FALSE(history.Pop());
 }
 
 }  // namespace

@@ -203,14 +203,6 @@ TEST(ExtremesCache, ReachesTheEndOfTheLongestBlock) {
     }
 }
 
-TEST(ShownChannels, AreThoseWithASlotThatIsShown) {
-    ViewBlock block;
-    block.channelNumbers = {4, 0, 31, 32};
-    ChannelSlots slots;
-    slots[0].shown = false;
-    EXPECT_THAT(ShownChannels(block, slots), ElementsAre(1, 3));
-}
-
 TEST(TraceColor, IsLegibleOnWhiteAndRepeatsEverySixteenChannels) {
     const auto linear = [](std::uint32_t part) {
         const double share = part / 255.0;

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
+#include <numeric>
 #include <vector>
 
 #include "app/Settings.h"
@@ -82,6 +84,20 @@ class RegistryTest : public ::testing::Test {
         ExpectRaw(path, name, REG_DWORD, bytes);
     }
 
+    /// The names in a key, in their order.
+    std::wstring NamesIn(const std::wstring& path) const {
+        std::vector<std::wstring> names;
+        wchar_t name[64] = {};
+        const KeyHandle key = Key(path);
+        for (DWORD size = 64; RegEnumValueW(key.Get(), static_cast<DWORD>(names.size()), name, &size, nullptr, nullptr,
+                                            nullptr, nullptr) == ERROR_SUCCESS;
+             size = 64)
+            names.emplace_back(name);
+        std::sort(names.begin(), names.end());
+        return std::accumulate(names.begin(), names.end(), std::wstring(),
+                               [](const std::wstring& all, const std::wstring& one) { return all + one + L' '; });
+    }
+
     std::u16string m_program;
     std::wstring m_top;
     std::unique_ptr<RegistryObject> m_registry;
@@ -107,6 +123,14 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     ExpectText(MainPath() + L"\\Spectrogram", L"DBRange", L"0.0000001");
     ExpectNumber(MainPath() + L"\\Window", L"Maximized", 1);
 
+    EXPECT_EQ(NamesIn(MainPath()),
+              L"DigitsCount DigitsType ExpChType ExpFastFile ExpFileType ExpPath ExpRowHead ExpRowRate ExpRowSize "
+              L"ExpRowStep ExpXColumn ExpXFormat FilesPath GridColor GridStyle HelpLanguage Major Minor PathList1 "
+              L"PathList2 PathListCount Revision ScaleFormat SplitBaseName SplitFileIndex SplitPtSize SplitPtStep "
+              L"SplitTmSize SplitTmStep SplitType TimeFormat TimeIndex UnitScaling WaveformCursor ");
+    EXPECT_EQ(NamesIn(MainPath() + L"\\Spectrogram"), L"AmpScale DBRange FFTOrder2 Palette SpectrumType WindowType ");
+
+    Put(L"PathListCount", REG_DWORD, {0xFF, 0xFF, 0xFF, 0x7F});
     Settings loaded;
     Store().Load(loaded);
     EXPECT_EQ(loaded.filesPath, settings.filesPath);

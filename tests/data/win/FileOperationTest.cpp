@@ -5,50 +5,15 @@
 #include <fstream>
 #include <iterator>
 
+#include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "norvik/TemporaryFolder.h"
-#include "norvik/win/Timer.h"
 
 namespace quillon {
 namespace {
 
 using testing::TemporaryFolder;
 namespace fs = std::filesystem;
-
-/// Presses a button in every dialog that the shell shows while it lives; the dialogs' own message loop drives it.
-class Answers {
-  public:
-    explicit Answers(WORD button) : m_button(button), m_timer(MakeTimer([this] { Press(); })) {
-        m_timer->PutInterval(10);
-        m_timer->PutEnabled(true);
-    }
-    /// Number of dialogs answered.
-    [[nodiscard]] int Count() const { return m_count; }
-
-  private:
-    void Press() {
-        HWND dialog = nullptr;
-        EnumThreadWindows(
-            GetCurrentThreadId(),
-            [](HWND window, LPARAM found) -> BOOL {
-                wchar_t name[16] = {};
-                GetClassNameW(window, name, 16);
-                if (std::wstring_view(name) != L"#32770" || !IsWindowVisible(window)) return TRUE;
-                *reinterpret_cast<HWND*>(found) = window;
-                return FALSE;
-            },
-            reinterpret_cast<LPARAM>(&dialog));
-        if (dialog == nullptr || dialog == m_answered) return;
-        m_answered = dialog;
-        ++m_count;
-        PostMessageW(dialog, WM_COMMAND, m_button, 0);
-    }
-
-    WORD m_button;
-    HWND m_answered = nullptr;
-    int m_count = 0;
-    std::unique_ptr<TimerObject> m_timer;
-};
 
 class FileOperation : public ::testing::Test {
   protected:
@@ -70,9 +35,13 @@ class FileOperation : public ::testing::Test {
     }
     /// Deletes a file, with one dialog that is answered with that button.
     [[nodiscard]] FileOperationResult DeleteAnswering(WORD button, const std::wstring& name) const {
-        const Answers answers(button);
+        bool asked = false;
+        const testing::DialogAnswer answer([&](HWND dialog) {
+            asked = true;
+            PostMessageW(dialog, WM_COMMAND, button, 0);
+        });
         const FileOperationResult result = Delete(name);
-        EXPECT_EQ(answers.Count(), 1);
+        EXPECT_TRUE(asked);
         return result;
     }
     static std::string Content(const std::wstring& name) {
@@ -127,7 +96,7 @@ TEST_F(FileOperation, DeleteAsksAndMovesTheFileToTheRecycleBin) {
 TEST_F(FileOperation, WhatIsRefusedTouchesNothing) {
     for (const wchar_t* name : {L"A.edf", L"b.edf", L"Тень.edf"}) Make(name);
     fs::create_directory(m_path / "folder");
-    const Answers none(IDYES);
+    testing::DialogCloser dialogs;
     // To a code page without them, A with macron looks like A and Cyrillic letters like wildcards.
     for (const wchar_t* name : {L"missing.edf", L"Ā.edf", L"Ночь.edf", L"*", L"?.edf", L"", L"folder", L"A.edf "}) {
         EXPECT_EQ(Delete(name), FileOperationResult::Failed) << Utf8(Narrow16(name));
@@ -138,13 +107,13 @@ TEST_F(FileOperation, WhatIsRefusedTouchesNothing) {
                                 L"nul.edf", L"c.edf.", L"", L"c:d", L"A.edf"}) {
         EXPECT_EQ(Rename(L"A.edf", name), FileOperationResult::Failed) << Utf8(Narrow16(name));
     }
-    EXPECT_EQ(none.Count(), 0);
+    EXPECT_EQ(dialogs.Titles(), L"");
     for (const wchar_t* name : {L"A.edf", L"b.edf", L"Тень.edf"}) EXPECT_TRUE(Holds(name));
     EXPECT_EQ(FileCount(), 4);
 }
 
 TEST_F(FileOperation, RenameKeepsTheContent) {
-    const Answers none(IDCANCEL);
+    testing::DialogCloser dialogs;
     // By the ANSI call or the wide one, as the code page has it, from and to either.
     const std::vector<std::wstring> names{L"a.edf", L"b c.edf", L"Ночь.edf", L"Тень.edf", L"Ā.edf", L"Grün.edf"};
     Make(names[0]);
@@ -157,7 +126,7 @@ TEST_F(FileOperation, RenameKeepsTheContent) {
     EXPECT_EQ(fs::directory_iterator(m_path)->path().filename().wstring(), renamed ? L"GRün.edf" : names.back());
     EXPECT_TRUE(Holds(names.back(), names[0]));
     EXPECT_EQ(FileCount(), 1);
-    EXPECT_EQ(none.Count(), 0);
+    EXPECT_EQ(dialogs.Titles(), L"");
 }
 
 }  // namespace

@@ -175,18 +175,6 @@ TEST_F(FileNotification, ClosesEveryHandle) {
     EXPECT_LT(NextHandle() - before, 100);
 }
 
-TEST_F(FileNotification, AFailedReArmingEndsTheWatchAfterItsEvent) {
-    const auto watch = Make();
-    const std::intptr_t next = NextHandle();
-    ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
-    // A signalled event in the place of the notification: it can be waited for, but not armed.
-    CloseHandle(reinterpret_cast<HANDLE>(next));
-    ASSERT_EQ(reinterpret_cast<std::intptr_t>(CreateEventW(nullptr, TRUE, TRUE, nullptr)), next);
-    EXPECT_EQ(Tick(), 1);
-    EXPECT_EQ(watch->Path(), L"");
-    EXPECT_FALSE(m_timer.enabled);
-}
-
 TEST_F(FileNotification, TheOwnerMayRunMessagesAndChangeTheWatchInTheEvent) {
     const fs::path other = Folder("other");
     Witness witness(m_path);
