@@ -113,8 +113,8 @@ void QLSound::Play(std::int16_t channel, std::int32_t first, std::int32_t sample
 void QLSound::Start(std::int32_t first, std::int32_t sampleCount) {
     const std::int64_t begin = std::int64_t{first} - 1;
     const std::int64_t end = std::min<std::int64_t>(begin + sampleCount, m_block.sampleCount);
-    // Two samples make no sound.
-    if (begin < 0 || end - begin < 3) {
+    // Two samples, of all channels together, make no sound.
+    if (begin < 0 || (end - begin) * m_channelCount < 3) {
         Fail(m_services.Text(IDS_SOUND_NO_DATA));
         return;
     }

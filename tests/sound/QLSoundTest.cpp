@@ -113,6 +113,8 @@ TEST_F(QLSoundTest, WhatCannotBePlayedLeavesItIdleWithAReason) {
     }
     sound->Play(1, 9998, 100);
     EXPECT_TRUE(sound->Playing()) << "three samples are enough";
+    sound->Play(0, 9999, 100);
+    EXPECT_TRUE(sound->Playing()) << "of all channels together";
     EXPECT_EQ(sound->ErrorText(), u"");
 
     view = {};

@@ -333,6 +333,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_scaleFitted = false;          ///< to a block, since the start
     std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
     bool m_soundInStatus = false;        ///< "Status" shows the position of the sound
+    bool m_followsSound = false;         ///< the line of the sound was in view, and the user has not scrolled it away
     std::int32_t m_saveType = 1;         ///< chosen last in the Save As dialog
     bool m_busy = false;                 ///< a long command runs
     bool m_changedMeanwhile = false;     ///< files did, while it ran

@@ -41,6 +41,7 @@ void frmQLMain::SoundPlay(int index) {
         m_global.selection.active ? ExportRange() : SampleRange{visible.first, visible.last - visible.first + 1};
     const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_global.currentChannel;
     m_global.sound.position = 0;
+    m_followsSound = false;
     ShowPlayLine();
     m_sound->Play(index == 1 ? std::int16_t{0} : chosen, range.first, range.count);
     KeepSoundState();
@@ -76,11 +77,10 @@ void frmQLMain::objSound_PlayProgress(std::int32_t sample) {
     m_soundInStatus = true;
     m_services.SetStatus(m_services.Text(IDS_PLAYING) + u' ' +
                          PositionText(m_global.block, sample, u" ", m_global.format));
-    const bool seen = m_graph.Band(GraphBand::Play).has_value();
     ShowPlayLine();
-    // The line went over the edge of the view, which follows; it does not when the user has left it behind.
-    if (!seen || m_graph.Band(GraphBand::Play)) return;
-    ScrollBy((sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn());
+    if (m_graph.Band(GraphBand::Play)) m_followsSound = true;
+    // The line went over the edge of the view, or a zoom left it there.
+    else if (m_followsSound) ScrollBy((sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn());
 }
 
 void frmQLMain::ShowPlayLine() {

@@ -36,7 +36,9 @@ void frmQLMain::KeepView() {
 
 void frmQLMain::ScrollBy(std::int32_t shift) {
     const std::int32_t moved = m_global.axis.ScrollBy(shift);
-    if (moved != 0) Refresh(moved);
+    if (moved == 0) return;
+    Refresh(moved);
+    m_followsSound = m_graph.Band(GraphBand::Play).has_value();
 }
 
 void frmQLMain::GoTo(int index) {
@@ -72,6 +74,7 @@ void frmQLMain::ZoomAbout(int steps, int column) {
     KeepView();
     m_global.axis.SelectZoomAbout(next, column);
     Refresh();
+    m_followsSound = m_graph.Band(GraphBand::Play).has_value();
 }
 
 void frmQLMain::StepScaleY(int steps) {
@@ -122,6 +125,7 @@ void frmQLMain::ChangeView(int index) {
         axis.ShowSamples(index == 0 ? selection.First() : 1, index == 0 ? selection.Last() : axis.SampleCount());
     }
     Refresh();
+    m_followsSound = m_graph.Band(GraphBand::Play).has_value();
 }
 
 void frmQLMain::ShowSample(std::int32_t sample) {

@@ -93,6 +93,14 @@ TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
     m_device.events.writeProgress(width + 50);
     EXPECT_GE(m_global.axis.FirstColumn(), width);
     EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.axis.FirstColumn()));
+    // A zoom about the middle may leave the line outside; the view comes back to it.
+    Command(mnuZoomX);
+    ScrollTo(width / 2);
+    m_device.events.writeProgress(width + 52);
+    Command(mnuZoomX + 1);
+    EXPECT_GT(m_global.axis.FirstColumn(), width + 60);
+    m_device.events.writeProgress(width + 60);
+    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.axis.FirstColumn()));
     // Where the user has looked elsewhere it does not.
     Command(mnuGoTo);
     m_device.events.writeProgress(width + 100);
