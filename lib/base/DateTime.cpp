@@ -22,8 +22,7 @@ double DateFromCivil(const CivilTime& time) {
     using namespace std::chrono;
     const auto month0 = year_month{year{time.year}, January} + months{time.month - 1};
     const sys_days date = sys_days{month0 / 1} + days{time.day - 1};
-    const double milliseconds =
-        ((time.hour * 60.0 + time.minute) * 60.0 + time.second) * 1000.0 + time.millisecond;
+    const double milliseconds = ((time.hour * 60.0 + time.minute) * 60.0 + time.second) * 1000.0 + time.millisecond;
     return static_cast<double>((date - Epoch()).count()) + milliseconds / kMillisecondsPerDay;
 }
 

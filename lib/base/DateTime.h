@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Dates as the automation date format keeps them: days since 30 December 1899 00:00 as a double, with the time of day as
-/// the fraction. No time zone: every date is the recording's own local time.
+/// Dates as the automation date format keeps them: days since 30 December 1899 00:00 as a double, with the time of day
+/// as the fraction. No time zone: every date is the recording's own local time.
 namespace quillon {
 
 struct CivilTime {

@@ -31,6 +31,8 @@
 #define IDS_PATHLIST_EMPTY 2023
 #define IDS_TIP_PATHLIST 2024
 #define IDS_FILE_GONE 2025
+#define IDS_NO_SAMPLES 2026
+#define IDS_UNREADABLE 2027
 
 // Menu captions; those of an array follow each other.
 #define IDS_MENU_FILE 3000

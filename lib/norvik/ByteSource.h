@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "norvik/Bilingual.h"
+#include "base/Bilingual.h"
 
 namespace quillon {
 
@@ -36,9 +36,16 @@ class ByteSource {
     /// Reads exactly `count` bytes; throws ReadError when they are not all there.
     void ReadExactly(std::uint64_t offset, void* buffer, std::size_t count) {
         if (ReadAt(offset, buffer, count) != count) {
-            throw ReadError(Say(u"the file is shorter than when it was opened", u"файл короче, чем был при открытии"));
+            throw ReadError(Say(u"the file is shorter than when it was opened", u"файл короче, чем был при открытии"),
+                            m_language);
         }
     }
+
+    /// Language of what() of the errors from now on; at first English.
+    void TellIn(Language language) { m_language = language; }
+
+  private:
+    Language m_language = Language::English;
 };
 
 /// Opens a file for shared reading: other programs may go on writing, renaming and deleting it.

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "norvik/Bilingual.h"
+#include "base/Bilingual.h"
 #include "norvik/ByteSource.h"
 
 /// The header of EDF and EDF+ (16-bit samples) and of BDF and BDF+ (24-bit samples) files.

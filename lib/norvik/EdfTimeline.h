@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "norvik/Bilingual.h"
+#include "base/Bilingual.h"
 #include "norvik/ByteSource.h"
 #include "norvik/EdfAnnotations.h"
 #include "norvik/EdfHeader.h"

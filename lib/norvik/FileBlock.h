@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "base/Bilingual.h"
 #include "data/NorvikCore.h"
-#include "norvik/Bilingual.h"
 #include "norvik/ByteSource.h"
 
 namespace quillon {

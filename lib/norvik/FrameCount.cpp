@@ -33,7 +33,8 @@ bool SizeWrapped(std::uint32_t declared, std::uint64_t available) {
 Bilingual DescribeFrames(const Bilingual& format, const FrameRecording& recording) {
     const bool single = recording.channels.size() == 1;
     const Bilingual counts =
-        Say(single ? u", %1 channel at %2 Hz, %3 samples" : u", %1 channels at %2 Hz, %3 samples",
+        Say(std::u16string(single ? u", %1 channel at %2 Hz, %3 sample" : u", %1 channels at %2 Hz, %3 sample") +
+                (recording.frameCount == 1 ? u"" : u"s"),
             u", каналов: %1, частота %2 Гц, отсчётов: %3",
             {Number(recording.channels.size()), ShortestDecimal(recording.sampleRate), Number(recording.frameCount)});
     return {format.english + counts.english, format.russian + counts.russian};

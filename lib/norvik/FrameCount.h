@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "norvik/Bilingual.h"
+#include "base/Bilingual.h"
 #include "norvik/FrameBlock.h"
 
 namespace quillon {

@@ -79,6 +79,7 @@ class FileLibrary final : public RecordingLibrary {
         try {
             const std::shared_ptr<ByteSource> source = OpenFileSource(fileName, m_lastError);
             if (!source) return false;
+            source->TellIn(m_language);
             RecordingContent content = ReadRecording(source, fileName);
             recording = std::make_shared<FileRecording>(fileName, std::move(content), m_language);
             return true;

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include "norvik/Bilingual.h"
+#include "base/Bilingual.h"
 #include "norvik/FrameBlock.h"
 
 namespace quillon {

@@ -151,9 +151,9 @@ int CaptionId(int command) {
     return 0;
 }
 
-std::u16string ComputedCaption(int id, char16_t separator) {
+std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return ZoomCaption(id - mnuScaleX);
-    return ScaleCaption(id - mnuScaleY, separator);
+    return ScaleCaption(id - mnuScaleY, rawCodes, separator);
 }
 
 bool IsEnabled(int id, const QL_Global& global) {

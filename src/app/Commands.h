@@ -79,7 +79,7 @@ struct MenuEntry {
 [[nodiscard]] int CaptionId(int command);
 
 /// Caption of an entry whose captions are computed (the zoom and scale lists).
-[[nodiscard]] std::u16string ComputedCaption(int id, char16_t separator);
+[[nodiscard]] std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator);
 
 /// What a picture on a button shows.
 enum class Icon {

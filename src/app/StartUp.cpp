@@ -13,7 +13,9 @@ bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) 
     try {
         global.library = parts.makeLibrary(global.language);
         if (!global.library) throw std::runtime_error("no core library");
-        global.exporter = std::make_unique<KVExport>(services, parts.exportSystem);
+        ExportSystem system = parts.exportSystem;
+        system.language = global.language;
+        global.exporter = std::make_unique<KVExport>(services, std::move(system));
         global.openText = parts.openText;
         global.makeSoundOutput = parts.makeSoundOutput;
         global.saveDialog = parts.makeSaveDialog();

@@ -36,12 +36,14 @@ PanelTexts BlockPanels(const QL_Global& global, const UserServices& services) {
     const ViewBlock& block = global.block;
     const FormatOptions& format = global.format;
     if (!block.block) return texts;
-    panel(StatusPanel::Scale) =
-        ScaleCaption(global.amplitude.Index(), format.decimalSeparator) + services.Text(IDS_PER_DIVISION);
+    panel(StatusPanel::Scale) = ScaleCaption(global.amplitude.Index(), global.rawCodes, format.decimalSeparator) +
+                                services.Text(IDS_PER_DIVISION);
     panel(StatusPanel::XPart) = VisiblePart(global.axis, format.decimalSeparator);
     panel(StatusPanel::Size) = u"S: " + Decimal(block.sampleCount);
     if (block.sampleRate > 0.0) {
-        panel(StatusPanel::Time) = u"T: " + FormatTime(block.sampleCount / block.sampleRate, u" ", format);
+        FormatOptions length = format;
+        length.timeOfDay = false;  // which would begin anew every day
+        panel(StatusPanel::Time) = u"T: " + FormatTime(block.sampleCount / block.sampleRate, u" ", length);
     }
     panel(StatusPanel::Rate) = u"Fs: " + FormatFrequency(block.sampleRate, u" ", false, format);
     panel(StatusPanel::Volume) = u"V: " + Bytes(2.0 * block.sampleCount * block.channelCount, format.decimalSeparator);

@@ -1,8 +1,8 @@
 #include "cli/CommandSupport.h"
 
+#include "base/Bilingual.h"
 #include "base/Text.h"
 #include "cli/OutputTarget.h"
-#include "norvik/Bilingual.h"
 #include "norvik/RecordingLibrary.h"
 
 namespace quillon::cli {
@@ -13,6 +13,10 @@ OpenFile::OpenFile(const std::u16string& file, Language language) : m_library(Ma
 
 OpenFile::~OpenFile() {
     m_library->CloseRecording(m_recording);
+}
+
+std::u16string FailureText(const KVExport& exporter) {
+    return exporter.Reason().empty() ? exporter.LastError() : exporter.LastError() + u' ' + exporter.Reason();
 }
 
 void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian, std::int64_t given,

@@ -10,6 +10,7 @@
 #include "cli/Options.h"
 #include "data/NorvikCore.h"
 #include "data/UserServices.h"
+#include "export/KVExport.h"
 
 /// What several commands need.
 namespace quillon::cli {
@@ -64,6 +65,9 @@ class SilentServices final : public UserServices {
     [[nodiscard]] std::u16string LongTime(double) const override { return {}; }
     [[nodiscard]] std::u16string DateAndTime(double) const override { return {}; }
 };
+
+/// Why an export failed, in one line.
+[[nodiscard]] std::u16string FailureText(const KVExport& exporter);
 
 /// Appends the lowest `size` bytes of a number, the lowest first.
 void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size);

@@ -57,10 +57,12 @@ void RunExport(const CommandContext& context) {
     const BlockRange range = FindRange(file.Get(), parsed, context.language);
     SilentServices services;
     std::exception_ptr refusal;
-    KVExport exporter(services, {[&] { return std::make_unique<TargetFile>(context.target, refusal); }, SystemBytes});
+    KVExport exporter(services, {.makeFile = [&] { return std::make_unique<TargetFile>(context.target, refusal); },
+                                 .fieldText = SystemBytes,
+                                 .language = context.language});
     const bool done = exporter.Export(range.block.get(), parsed.words[2], range.first, range.count, type);
     if (refusal) std::rethrow_exception(refusal);
-    if (!done) throw Refusal(exporter.LastError(), parsed.words[2]);
+    if (!done) throw Refusal(FailureText(exporter), parsed.words[2]);
 }
 
 }  // namespace quillon::cli

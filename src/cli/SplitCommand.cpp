@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <system_error>
 
+#include "base/Bilingual.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
 #include "dialogs/SplitPlan.h"
 #include "dialogs/SplitRun.h"
-#include "norvik/Bilingual.h"
 #include "norvik/OutputFile.h"
 #include "norvik/SystemBytes.h"
 
@@ -97,7 +97,7 @@ void CheckReplaced(const CommandContext& context, const SplitPlan& plan, const f
 void ThrowWhereFailed(const SplitResult& result, const KVExport& exporter, const fs::path& folder) {
     const std::u16string path = (folder / result.name).u16string();
     if (result.end == SplitEnd::FolderFailed) throw Refusal(u"the folder cannot be created", folder.u16string());
-    if (result.end == SplitEnd::PieceFailed) throw Refusal(exporter.LastError(), path);
+    if (result.end == SplitEnd::PieceFailed) throw Refusal(FailureText(exporter), path);
     if (result.end == SplitEnd::Incomplete) throw Refusal(u"the file is incomplete (is the disk full?)", path);
 }
 
@@ -120,7 +120,7 @@ void RunSplitCommand(const CommandContext& context) {
     CheckReplaced(context, plan, folder);
 
     SilentServices services;
-    KVExport exporter(services, {MakeOutputFile, SystemBytes});
+    KVExport exporter(services, {.makeFile = MakeOutputFile, .fieldText = SystemBytes, .language = context.language});
     SplitSystem system;
     system.createFolder = [&] {
         std::error_code error;

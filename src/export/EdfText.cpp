@@ -3,7 +3,8 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <stdexcept>
+
+#include "base/Bilingual.h"
 
 namespace quillon {
 
@@ -12,7 +13,7 @@ namespace {
 constexpr std::size_t kLongestNumber = 400;
 
 [[noreturn]] void RefuseNumber() {
-    throw std::length_error("a number does not fit its field");
+    throw FormatError(Say(u"a number does not fit its field", u"число не помещается в поле"));
 }
 
 double ValueOf(const std::string& digits) {

@@ -5,6 +5,7 @@
 #include <new>
 #include <string_view>
 
+#include "base/Bilingual.h"
 #include "base/Text.h"
 
 namespace quillon {
@@ -57,9 +58,10 @@ std::u16string KVExport::FileTypeExtension(std::int32_t index) {
 bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                       std::int32_t sampleCount, std::int32_t fileType) {
     m_writers.Clear();
+    m_reason.clear();
     if (Run(block, fileName, firstSample, sampleCount, fileType)) return true;
     if (LastError().empty()) FailWith({});
-    m_services.ShowMessage(LastError(), LibraryName());
+    m_services.ShowMessage(m_reason.empty() ? LastError() : LastError() + u"\n\n" + m_reason, LibraryName());
     return false;
 }
 
@@ -69,8 +71,8 @@ bool KVExport::ExportWithDialog(RecordingBlock* block, std::int32_t firstSample,
 }
 
 void KVExport::FailWith(const std::u16string& reason) {
-    const std::u16string sentence = u"Error of file export!";
-    m_writers.SetLastFailure(reason.empty() ? sentence : sentence + u' ' + reason);
+    m_writers.SetLastFailure(u"Error of file export!");
+    m_reason = reason;
 }
 
 bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
@@ -88,7 +90,9 @@ bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::i
     try {
         return (m_writers.*type->write)(block, fileName, firstSample, sampleCount);
     } catch (const std::bad_alloc&) {
-        FailWith(u"there is not enough memory");
+        FailWith(Say(u"there is not enough memory", u"не хватает памяти").In(m_writers.TextLanguage()));
+    } catch (const FormatError& error) {
+        FailWith(error.Reason().In(m_writers.TextLanguage()));
     } catch (const std::exception& error) {
         // A block that cannot be read, or values that no header of the format can hold.
         FailWith(Utf16(error.what()));

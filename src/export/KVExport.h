@@ -35,7 +35,7 @@ class KVExport {
 
     /// Writes samples firstSample (from 1) and following of all channels; see KV_Export for ranges. `fileType` 1 to 3
     /// names the format; with any other number the extension does, in lower case only. An existing file is replaced.
-    /// On failure shows LastError and returns false. True also when the disk filled up: FailedWrites tells.
+    /// On failure shows LastError and Reason and returns false. True also when the disk filled up: FailedWrites tells.
     bool Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                 std::int32_t sampleCount, std::int32_t fileType);
 
@@ -46,6 +46,8 @@ class KVExport {
 
     /// Why the last Export failed; empty when it did not.
     [[nodiscard]] std::u16string LastError() const { return m_writers.LastFailure(); }
+    /// What LastError leaves open, in the user's language; mostly empty.
+    [[nodiscard]] const std::u16string& Reason() const { return m_reason; }
     /// Above 0 the file of the last Export is incomplete although that returned true.
     [[nodiscard]] std::size_t FailedWrites() const { return m_writers.FailedWrites(); }
 
@@ -61,6 +63,7 @@ class KVExport {
 
     UserServices& m_services;
     KV_Export m_writers;
+    std::u16string m_reason;
 };
 
 }  // namespace quillon

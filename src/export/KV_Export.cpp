@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <stdexcept>
 #include <vector>
 
+#include "base/Bilingual.h"
 #include "base/DateTime.h"
 #include "base/Rounding.h"
 #include "export/EdfText.h"
@@ -20,11 +20,11 @@ constexpr std::size_t kRecordCodes = std::size_t{1} << 20;
 constexpr float kEdfLimit = 32000.0F;               ///< of the codes, either side of 0
 constexpr std::uint32_t kWaveBytesBeforeData = 36;  ///< of the RIFF chunk's content
 
-/// Bytes of the frames; throws std::length_error where `headerBytes` more do not fit the 32 bits of a size field.
+/// Bytes of the frames; throws FormatError where `headerBytes` more do not fit the 32 bits of a size field.
 std::uint32_t DataBytes(const RecordingBlock& block, std::int32_t count, std::uint32_t headerBytes) {
     const std::int64_t bytes = std::int64_t{2} * block.ChannelCount() * count;
     if (bytes + headerBytes > std::numeric_limits<std::uint32_t>::max()) {
-        throw std::length_error("the data are too large for the format");
+        throw FormatError(Say(u"the data are too large for the format", u"данных больше, чем вмещает формат"));
     }
     return static_cast<std::uint32_t>(bytes);
 }
@@ -72,7 +72,7 @@ ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
     const std::int32_t rate = RoundHalfEven(block.SampleRate());
     const std::int64_t frameBytes = 16 * block.ChannelCount() / 8;
     if (rate * frameBytes > std::numeric_limits<std::uint32_t>::max()) {
-        throw std::length_error("the rate is too high for the format");
+        throw FormatError(Say(u"the rate is too high for the format", u"частота выше, чем допускает формат"));
     }
     ByteWriter header;
     header.Text("RIFF").U32(kWaveBytesBeforeData + dataBytes).Text("WAVE");
@@ -234,7 +234,9 @@ bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileNa
 
 KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::int32_t sampleCount) {
     const double rate = block.SampleRate();
-    if (!std::isfinite(rate) || rate <= 0.0 || sampleCount < 1) throw std::range_error("no record can be made");
+    if (!std::isfinite(rate) || rate <= 0.0 || sampleCount < 1)
+        throw FormatError(
+            Say(u"without samples and a rate there is no data record", u"без отсчётов и частоты нет записи данных"));
     double samples = std::nearbyint(rate);
     double seconds = 1.0;
     if (rate < 10.0) {
@@ -276,7 +278,9 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
     const Records records = CutIntoRecords(*block, range.count);
     if (const std::int16_t channel = TooFineChannel(*block); channel > 0) {
         const std::u16string title = block->ChannelTitle(channel);
-        m_lastFailure = u"The channel's scale is too fine for EDF: " + (title.empty() ? Decimal(channel) : title);
+        m_lastFailure = Say(u"The channel's scale is too fine for EDF: %1", u"Шаг канала слишком мал для EDF: %1",
+                            {title.empty() ? Decimal(channel) : title})
+                            .In(m_system.language);
         return false;
     }
     return WriteFile(fileName, EdfHeader(*block, records.samples, records.seconds, records.count),

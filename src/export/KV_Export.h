@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/Language.h"
 #include "base/Text.h"
 #include "data/NorvikCore.h"
 #include "data/OutputFile.h"
@@ -24,6 +25,8 @@ struct ExportSystem {
     /// Called after each chunk with the samples per channel done and to do. It may run pending messages as long as
     /// these start no other export with the same object and close no recording; what it throws ends the export.
     std::function<void(std::int32_t done, std::int32_t total)> progress = {};
+    /// Of the reasons that are not the family's own texts.
+    Language language = Language::English;
 };
 
 /// The three writers. Each writes samples firstSample (from 1) to firstSample + sampleCount - 1 of all channels of a
@@ -31,7 +34,7 @@ struct ExportSystem {
 /// the end.
 ///
 /// False, with the reason in LastFailure, when there is no such range, the format cannot hold a channel's scale or the
-/// file cannot be created; std::exception says what else the header cannot hold. Then no file was touched. Exceptions
+/// file cannot be created; FormatError says what else the header cannot hold. Then no file was touched. Exceptions
 /// of the block pass through and leave a half-written file. A failed write changes no result, only FailedWrites.
 class KV_Export {
   public:
@@ -41,6 +44,7 @@ class KV_Export {
     void Clear();
     [[nodiscard]] const std::u16string& LastFailure() const { return m_lastFailure; }
     void SetLastFailure(std::u16string_view text) { m_lastFailure = text; }
+    [[nodiscard]] Language TextLanguage() const { return m_system.language; }
     void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
         m_system.progress = std::move(progress);
     }

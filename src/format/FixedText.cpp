@@ -45,7 +45,8 @@ char* FixedText::WriteLong(char* out, double value) const {
     // Only a double of more than 60 digits does not fit.
     if (error != std::errc()) return std::to_chars(out, out + kRoom, value, std::chars_format::scientific).ptr;
     if (m_separator != '.') std::replace(out, end, '.', m_separator);
-    return end;
+    const bool isZero = std::none_of(out, end, [](char digit) { return digit >= '1' && digit <= '9'; });
+    return isZero && *out == '-' ? std::copy(out + 1, end, out) : end;
 }
 
 char* FixedText::WriteTime(char* out, double value) const {

@@ -38,8 +38,8 @@ inline char* WriteWhole(char* out, std::uint64_t number) {
 }
 
 /// Numbers with a fixed count of decimals, many per second. The text is that of the exact binary value rounded half to
-/// even, digit for digit what printf's "%.*f" writes, a minus before a zero included; "NaN", "Inf" and "-Inf" stand for
-/// what is no number.
+/// even, digit for digit what printf's "%.*f" writes but without the minus before a zero; "NaN", "Inf" and "-Inf" stand
+/// for what is no number.
 class FixedText {
   public:
     static constexpr int kMostDecimals = 60;
@@ -59,7 +59,7 @@ class FixedText {
         if (!(std::fabs(scaled) < kFastLimit)) return WriteLong(out, value);
         const std::int32_t rounded = RoundHalfEvenInRange(scaled);
         *out = '-';
-        out += std::signbit(value) ? 1 : 0;
+        out += rounded < 0 ? 1 : 0;
         const auto units = static_cast<std::uint32_t>(rounded < 0 ? -rounded : rounded);
         const auto whole = static_cast<std::uint32_t>(units * m_reciprocal >> m_shift);
         out = whole < 10000 ? WriteUpToFour(out, whole) : WriteWhole(out, whole);

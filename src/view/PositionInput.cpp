@@ -127,8 +127,10 @@ std::optional<double> ClockSeconds(const TypedNumber& first, Scanner& input) {
     return seconds;
 }
 
-/// Seconds from the block's start to a time of day. Where the block does not reach it, its nearer end is taken.
-std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, const FormatOptions& format) {
+/// Seconds from the block's start to a time of day, of several the one next to `present`. Where the block does not
+/// reach it, its nearer end is taken.
+std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, const FormatOptions& format,
+                                   double present) {
     constexpr double day = 86400.0;
     constexpr double resolution = 1e-4;  // of the texts: a start may read a little earlier than it is
     if (timeOfDay >= day) return std::nullopt;
@@ -136,7 +138,10 @@ std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, con
     if (elapsed < 0.0) elapsed += day;  // past midnight
     const double untilStart = day - elapsed;
     const double pastEnd = elapsed - block.sampleCount / block.sampleRate;
-    return untilStart < resolution || pastEnd > untilStart ? 0.0 : elapsed;
+    const double first = untilStart < resolution ? elapsed - day : elapsed;
+    if (pastEnd > untilStart) return 0.0;
+    const double last = std::floor((block.sampleCount / block.sampleRate - first) / day);
+    return std::max(first + day * std::clamp(std::nearbyint((present - first) / day), 0.0, std::max(last, 0.0)), 0.0);
 }
 
 std::optional<std::int32_t> ClampedSample(double number, const ViewBlock& block) {
@@ -146,8 +151,8 @@ std::optional<std::int32_t> ClampedSample(double number, const ViewBlock& block)
 
 }  // namespace
 
-std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block,
-                                          const FormatOptions& format) {
+std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block, const FormatOptions& format,
+                                          std::int32_t present) {
     if (block.sampleCount <= 0) return std::nullopt;
     Scanner input(text, format.decimalSeparator);
     const bool hasTimes = block.sampleRate > 0.0;
@@ -162,7 +167,8 @@ std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBl
     std::optional<double> seconds;
     if (input.NextIs(u':')) {
         seconds = ClockSeconds(*number, input);
-        if (seconds && format.timeOfDay) seconds = ElapsedUntil(*seconds, block, format);
+        if (seconds && format.timeOfDay)
+            seconds = ElapsedUntil(*seconds, block, format, (present - 1) / block.sampleRate);
     } else {
         const std::u16string_view name = input.Rest();
         const auto* const unit = std::find_if(kTimeUnits.begin(), kTimeUnits.end(),

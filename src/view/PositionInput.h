@@ -14,9 +14,10 @@ namespace quillon {
 /// - "#123", and a plain whole number where positions are sample numbers: a sample;
 /// - a number without a unit otherwise, or in h, min, s, ms, mks, us (also by their Russian names): time from the
 ///   block's start;
-/// - "h:mm:ss.fff", "m:ss": time from the block's start or, where times are times of day, the first such time in it.
+/// - "h:mm:ss.fff", "m:ss": time from the block's start or, where times are times of day, of those in the block the one
+///   next to the sample `present`.
 /// A place outside the block means its nearer end. None for what is not understood, and in a block without samples.
 [[nodiscard]] std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block,
-                                                        const FormatOptions& format);
+                                                        const FormatOptions& format, std::int32_t present = 1);
 
 }  // namespace quillon

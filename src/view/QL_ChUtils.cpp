@@ -24,6 +24,22 @@ void AddRun(std::vector<TracePoint>& points, RunExtremes run) {
     points.push_back({x + 1, run.second});
 }
 
+/// How many samples from `first` on can be read, of at most `count`.
+std::int32_t ReadableCount(RecordingBlock& block, std::int16_t channel, std::int32_t first, std::int32_t count) {
+    std::int32_t readable = 0;
+    for (std::int32_t end = count; readable < end;) {
+        const std::int32_t middle = readable + (end - readable) / 2;
+        std::int16_t code = 0;
+        try {
+            block.ReadCodes(channel, first + middle, 1, &code);
+            readable = middle + 1;
+        } catch (const std::exception&) {
+            end = middle;
+        }
+    }
+    return readable;
+}
+
 std::int32_t RunCount(std::int32_t count, std::int32_t samplesPerPixel) {
     return count > 1 ? (count - 2) / samplesPerPixel + 1 : 0;
 }
@@ -97,6 +113,7 @@ void TraceReader::Read(RecordingBlock& block, std::span<const std::int16_t> chan
     m_used = channels.size();
     if (m_points.size() < m_used) m_points.resize(m_used);
     for (std::size_t at = 0; at < m_used; ++at) m_points[at].clear();
+    m_failure.clear();
     // A line into the part may start a column outside, and a run's points lie at its column's middle and right edge.
     constexpr std::int64_t margin = 2;
     const std::int64_t perPixel = stretch.samplesPerPixel;
@@ -117,8 +134,15 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
                              std::int32_t count, std::int32_t samplesPerPixel) {
     try {
         if (samplesPerPixel > 2 && count > 1 && ReadExtremes(block, channels, first, count, samplesPerPixel)) return;
-    } catch (const std::exception&) {
-        // A stretch of the data cannot be read: channel by channel, those that can be are still drawn.
+    } catch (const std::exception& error) {
+        // The last channel is the first to miss a sample of a file that was cut.
+        const std::int32_t readable = ReadableCount(block, channels.back(), first, count);
+        if (readable < count) {
+            ReadPoints(block, channels, first, readable, samplesPerPixel);
+            m_failure = error.what();
+            return;
+        }
+        // Channel by channel those that can be read are still drawn.
     }
     // Read sample by sample, more than this would take memory without bound.
     constexpr std::int32_t most = 1 << 22;
@@ -126,8 +150,9 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
     for (std::size_t at = 0; at < m_used; ++at) {
         try {
             DrawChannelTrace(block, channels[at], first, count, samplesPerPixel, m_samples, m_points[at]);
-        } catch (const std::exception&) {
+        } catch (const std::exception& error) {
             m_points[at].clear();
+            m_failure = error.what();
         }
     }
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "data/NorvikCore.h"
@@ -47,15 +48,21 @@ struct TraceStretch {
 
 /// The same points for several channels, with x as it is in the whole trace. Runs that were once read are kept and not
 /// read again; what is read for several channels is read in one pass over the data where the block offers it, else
-/// channel by channel with DrawChannelTrace. A channel that cannot be read gets no points.
+/// channel by channel with DrawChannelTrace. Where the data can be read up to some sample only (a file that was cut
+/// while open), the traces end there; a channel that cannot be read at all gets no points.
 class TraceReader {
   public:
     /// points() then holds one list per entry of `channels`. Of a part, each list begins and ends at least one column
     /// outside; its first point stands for the line that leads to it from the left.
     void Read(RecordingBlock& block, std::span<const std::int16_t> channels, const TraceStretch& stretch);
     [[nodiscard]] std::span<const std::vector<TracePoint>> points() const { return {m_points.data(), m_used}; }
+    /// What the last Read could not read, as the block said it; empty when it read everything.
+    [[nodiscard]] const std::string& Failure() const { return m_failure; }
     /// Forgets what was read: another block is shown.
-    void Reset() { m_cache.Reset(); }
+    void Reset() {
+        m_cache.Reset();
+        m_failure.clear();
+    }
 
   private:
     void ReadPoints(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
@@ -64,6 +71,7 @@ class TraceReader {
                       std::int32_t count, std::int32_t samplesPerPixel);
 
     ExtremesCache m_cache;
+    std::string m_failure;
     std::vector<std::vector<TracePoint>> m_points;  ///< grows to the most channels ever drawn; buffers are reused
     std::size_t m_used = 0;
     std::vector<std::int16_t> m_samples;

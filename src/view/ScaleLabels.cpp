@@ -14,6 +14,8 @@ namespace {
 
 /// Values nearer to zero than this are the rounding of a zero label.
 constexpr double kZero = 1e-6;
+/// Where codes are shown, a unit of the scale stands for that many.
+constexpr double kCodesPerUnit = 1000.0;
 
 std::u16string AmplitudeText(double value, double step, bool rawCodes, char16_t separator) {
     if (std::fabs(value) < kZero) value = 0.0;
@@ -59,7 +61,7 @@ std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
 
 std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator) {
     constexpr std::int32_t division = AmplitudeScale::kDivision;
-    const double step = static_cast<double>(scale.UnitsPerDivision()) * (rawCodes ? 1000.0 : 1.0);
+    const double step = static_cast<double>(scale.UnitsPerDivision()) * (rawCodes ? kCodesPerUnit : 1.0);
     // The label rows are anchored on the zero row; n counts divisions above it.
     std::int64_t n = RoundHalfEven(static_cast<double>(scale.ZeroRow()) / division + 0.5);
     std::int64_t row = scale.ZeroRow() + 1 - division * n;
@@ -101,8 +103,10 @@ std::u16string ZoomCaption(int index) {
     return perPixel < 1000 ? Decimal(perPixel) + u":1" : Decimal(perPixel / 1000) + u"k:1";
 }
 
-std::u16string ScaleCaption(int index, char16_t separator) {
-    return SingleNumberText(static_cast<double>(AmplitudeScale::TableEntry(index)), separator);
+std::u16string ScaleCaption(int index, bool rawCodes, char16_t separator) {
+    const auto units = static_cast<double>(AmplitudeScale::TableEntry(index));
+    if (!rawCodes) return SingleNumberText(units, separator);
+    return AmplitudeText(units * kCodesPerUnit, units * kCodesPerUnit, true, separator);
 }
 
 }  // namespace quillon

@@ -83,6 +83,21 @@ TEST(StatusPanels, TellTheVisibleShare) {
     EXPECT_EQ(part(80000), u"1.25%");
 }
 
+TEST(StatusPanels, TellLengthsBeyondADayAndCodes) {
+    QL_Global global;
+    FakeServices services;
+    global.block.block = std::make_shared<FakeBlock>();
+    global.block.sampleCount = 187200;
+    global.block.sampleRate = 2.0;
+    global.format.timeOfDay = true;
+    const auto panel = [&](StatusPanel key) { return BlockPanels(global, services)[static_cast<std::size_t>(key)]; };
+    EXPECT_EQ(panel(StatusPanel::Time), u"T: 26:00:00");
+    global.amplitude.SelectScale(6);
+    EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10#"));
+    global.rawCodes = true;
+    EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10 k#"));
+}
+
 TEST(Commands, AreAvailableWhenTheyCanDoSomething) {
     QL_Global global;
     for (const MenuEntry& entry : MenuTree()) {

@@ -40,6 +40,18 @@ std::vector<std::u16string> ExtensionsOf(const std::u16string& filter) {
     return extensions;
 }
 
+/// The active window of the thread, or its first one that is seen while another program is in front.
+HWND Owner() {
+    HWND owner = GetActiveWindow();
+    const auto firstVisible = [](HWND window, LPARAM found) -> BOOL {
+        if (!IsWindowVisible(window)) return TRUE;
+        *reinterpret_cast<HWND*>(found) = window;
+        return FALSE;
+    };
+    if (owner == nullptr) EnumThreadWindows(GetCurrentThreadId(), firstVisible, reinterpret_cast<LPARAM>(&owner));
+    return owner;
+}
+
 class SystemSaveDialog final : public SaveFileDialog {
   public:
     bool Show() override {
@@ -54,7 +66,7 @@ class SystemSaveDialog final : public SaveFileDialog {
         const std::wstring start = Wide(folder);
         OPENFILENAMEW request{};
         request.lStructSize = sizeof request;
-        request.hwndOwner = GetActiveWindow();
+        request.hwndOwner = Owner();
         request.lpstrFilter = pairs.c_str();
         request.nFilterIndex = static_cast<DWORD>(filterIndex);
         request.lpstrFile = name.data();

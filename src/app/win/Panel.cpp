@@ -62,18 +62,27 @@ void Panel::PaintTable(HDC dc, const RECT& place, const std::vector<std::vector<
     GetTextMetricsW(dc, &metrics);
     const int gap = static_cast<int>(metrics.tmAveCharWidth);
     std::array<int, 2> widths{};
+    int last = 0;
     for (const auto& line : lines) {
-        for (std::size_t cell = 0; line.size() > 1 && cell < std::min(line.size() - 1, widths.size()); ++cell)
+        if (line.size() < 2) continue;
+        const std::size_t aligned = std::min(line.size() - 1, widths.size());
+        for (std::size_t cell = 0; cell < aligned; ++cell)
             widths[cell] = std::max(widths[cell], WidthOf(dc, line[cell]) + gap);
+        last = std::max(last, WidthOf(dc, line[aligned]) + gap);
     }
-    // More lines than fit stand side by side.
+    // More lines than fit stand side by side, unless they would be cut.
     const int rows = std::max(static_cast<int>((place.bottom - place.top) / metrics.tmHeight), 1);
-    const int count = static_cast<int>(lines.size());
-    const int columns = (count + rows - 1) / rows;
-    const int width = static_cast<int>(place.right - place.left) / std::max(columns, 1);
-    const int perColumn = (count + columns - 1) / std::max(columns, 1);
+    const int total = static_cast<int>(lines.size());
+    const int room = static_cast<int>(place.right - place.left);
+    const bool threeCells = std::any_of(lines.begin(), lines.end(), [](const auto& line) { return line.size() > 2; });
+    const int widest = widths[0] + (threeCells ? widths[1] : 0) + last;
+    const int columns = std::clamp(room / std::max(widest, 1), 1, std::max((total + rows - 1) / rows, 1));
+    m_first = std::clamp(m_first, 0, std::max(total - rows * columns, 0));
+    const int count = std::min(total - m_first, rows * columns);
+    const int width = room / columns;
+    const int perColumn = (count + columns - 1) / columns;
     for (int at = 0; at < count; ++at) {
-        const auto& line = lines[static_cast<std::size_t>(at)];
+        const auto& line = lines[static_cast<std::size_t>(m_first + at)];
         const int left = static_cast<int>(place.left) + at / perColumn * width;
         const int top = static_cast<int>(place.top + at % perColumn * metrics.tmHeight);
         int x = left;
@@ -84,6 +93,18 @@ void Panel::PaintTable(HDC dc, const RECT& place, const std::vector<std::vector<
             if (cell < widths.size()) x += widths[cell];
         }
     }
+    if (count == total) return;
+    // There is more, above or below.
+    const std::wstring more = std::wstring(m_first > 0 ? L"\u25B2" : L"") + (m_first + count < total ? L"\u25BC" : L"");
+    RECT corner{place.left, place.bottom - metrics.tmHeight, place.right, place.bottom};
+    DrawTextW(dc, more.c_str(), static_cast<int>(more.size()), &corner, DT_SINGLELINE | DT_RIGHT | DT_BOTTOM);
+}
+
+bool Panel::PictureMouse(int, UINT message, WPARAM wParam, LPARAM) {
+    if (message != WM_MOUSEWHEEL) return false;
+    m_first -= 3 * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA;
+    Refresh();
+    return true;
 }
 
 }  // namespace quillon

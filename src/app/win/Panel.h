@@ -9,7 +9,8 @@
 namespace quillon {
 
 /// A panel that only displays the text it is given: lines separated by CR LF, cells by tabs. Lines of cells that do not
-/// fit below each other stand side by side; other text is wrapped.
+/// fit below each other stand side by side as far as there is room for them whole; the wheel moves through the others.
+/// Other text is wrapped.
 class Panel final : public PictureOwner {
   public:
     [[nodiscard]] bool Create(HWND parent, int id);
@@ -21,15 +22,16 @@ class Panel final : public PictureOwner {
     void Refresh() const { m_box.Invalidate(); }
 
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
-    bool PictureMouse(int, UINT, WPARAM, LPARAM) override { return false; }
+    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
     void PictureFailed(const std::exception&) override {}
 
   private:
-    static void PaintTable(HDC dc, const RECT& place, const std::vector<std::vector<std::wstring>>& lines);
+    void PaintTable(HDC dc, const RECT& place, const std::vector<std::vector<std::wstring>>& lines);
 
     PictureBox m_box;
     std::u16string m_text;
     bool m_bold = false;
+    int m_first = 0;  ///< line that stands at the top
 };
 
 }  // namespace quillon

@@ -61,8 +61,9 @@ std::u16string WinServices::LongTime(double date) const {
 std::u16string WinServices::DateAndTime(double date) const {
     const SYSTEMTIME time = SystemTimeOf(date);
     wchar_t text[128] = {};
-    GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, text, 128);
-    return Narrow16(text) + u' ' + LongTime(date);
+    // The system knows no dates before 1601, which a recording's header can hold.
+    const bool known = GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, text, 128) != 0;
+    return (known ? Narrow16(text) : Utf16(Iso8601(date).substr(0, 10))) + u' ' + LongTime(date);
 }
 
 }  // namespace quillon

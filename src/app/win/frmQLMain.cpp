@@ -132,6 +132,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
         case WM_GETMINMAXINFO: OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_CLOSE: OnClose(); return 0;
+        case WM_ENABLE: OnDialogEnd(wParam != FALSE); return 0;
         case WM_ENDSESSION: OnEndSession(wParam != FALSE); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_COMMAND:
@@ -313,6 +314,8 @@ void frmQLMain::OnActivate(UINT state) {
         m_lastFocus = GetFocus();
         return;
     }
+    // An icon has no graph to which a scale could be fitted; the window's first size comes later.
+    if (IsIconic(m_window)) return;
     if (!m_activated) {
         m_activated = true;
         // The waveform is what the user waits for; the rest follows, whatever becomes of it.
@@ -326,7 +329,9 @@ void frmQLMain::OnActivate(UINT state) {
         }
         if (!m_complete) Complete();
         if (m_window == nullptr) return;
-        if (m_folderMissing)
+        // Why the first file was refused is of more use.
+        const bool refused = m_global.fileSelected && !m_global.block.block;
+        if (m_folderMissing && !refused)
             m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
     }
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
@@ -350,26 +355,24 @@ void frmQLMain::OnDropFiles(HDROP drop) {
 
 void frmQLMain::OnClose() {
     // While a dialog is open or a long command runs the window waits for it, whoever asks it to close.
-    if (!IsWindowEnabled(m_window) || m_busy) return;
+    m_closeAsked = !IsWindowEnabled(m_window) || m_busy;
+    if (m_closeAsked) return;
     StopSound();
     DestroyWindow(m_window);
+}
+
+void frmQLMain::OnDialogEnd(bool enabled) {
+    if (enabled && !m_busy && m_closeAsked) PostMessageW(m_window, WM_CLOSE, 0, 0);
 }
 
 void frmQLMain::OnEndSession(bool ends) {
     // The process may end without another message.
     if (!ends) return;
-    KeepSettings();
-    if (m_shutdown) m_shutdown();
+    StopSound();
+    EndSession();
 }
 
-void frmQLMain::OnDestroy() {
-    // The system destroys the menu with the window.
-    static_cast<void>(m_menu.Release());
-    m_closing = true;
-    m_watch.reset();
-    // A window that could not be made has nothing to keep, and its message is still to be shown.
-    if (m_createFailure) return;
-    m_sound.reset();
+void frmQLMain::EndSession() {
     // Each step runs whatever becomes of the others, and the program ends in any case.
     for (const auto& step :
          std::initializer_list<std::function<void()>>{[&] { KeepSettings(); }, [&] { m_loader.CloseCurrentFile(); },
@@ -380,6 +383,17 @@ void frmQLMain::OnDestroy() {
             Failed(error);
         }
     }
+}
+
+void frmQLMain::OnDestroy() {
+    // The system destroys the menu with the window.
+    static_cast<void>(m_menu.Release());
+    m_closing = true;
+    m_watch.reset();
+    // A window that could not be made has nothing to keep, and its message is still to be shown.
+    if (m_createFailure) return;
+    m_sound.reset();
+    EndSession();
     m_services.SetWindow(nullptr, nullptr);
     PostQuitMessage(0);
 }

@@ -86,7 +86,11 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void OnSize(UINT state);
     void OnGetMinMaxInfo(MINMAXINFO* info) const;
     void OnClose();
+    /// Closes the window when that was asked for meanwhile.
+    void OnDialogEnd(bool enabled);
     void OnEndSession(bool ends);
+    /// Keeps what is to be kept and closes the recording.
+    void EndSession();
     void OnDestroy();
     bool OnSetCursor(HWND child) const;
     void OnMouse(UINT message, int x, int y);
@@ -116,11 +120,16 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// Files were created, deleted or renamed in the folder by others.
     void FilesChanged();
     void StartWatch();
+    /// Reads the folder and watches it anew; the open recording stays open.
+    void RefreshFiles();
     /// False when the window was closed by one of them.
     [[nodiscard]] bool RunPendingMessages() const;
     void ClickFile();
     void ClickBlock();
     void SelectType();
+    void SelectDrive();
+    /// The current channel becomes that of the spectrogram.
+    void ChooseChannel();
     void ShowPages();
     void StoreShown(int item);
     void SetAllShown(int index);
@@ -268,6 +277,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void FitUnlessLegible();
     void UpdateScrollBars() const;
     [[nodiscard]] GraphScene Scene() const;
+    /// Tells in "Status" when what is seen cannot be read, and when it can be again.
+    void TellUnreadable(bool scrolled);
     /// Draws the graph and brings scales, scroll bars, panels and buttons up to date. A shift says that the view was
     /// only scrolled, by that many columns, since it was drawn.
     void Refresh(std::int32_t shift = 0);
@@ -324,6 +335,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     POINT m_hoverPoint{};
     std::int16_t m_menuChannel = 0;      ///< whose trace is nearest to where the context menu opened; 0: none
     std::int32_t m_goneTo = 0;           ///< sample that was gone to, until the view changes; 0: none
+    std::optional<POINT> m_releasedAt;   ///< where the pointer was when a selection was finished
     bool m_altUsed = false;              ///< the Alt key that is down was part of a gesture
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
@@ -332,10 +344,12 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_scaleFitted = false;          ///< to a block, since the start
     std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
+    std::string m_unreadable;            ///< why a part of the view could not be read, as told in "Status"
     bool m_soundInStatus = false;        ///< "Status" shows the position of the sound
     bool m_followsSound = false;         ///< the line of the sound was in view, and the user has not scrolled it away
     std::int32_t m_saveType = 1;         ///< chosen last in the Save As dialog
     bool m_busy = false;                 ///< a long command runs
+    bool m_closeAsked = false;           ///< the window closes after the dialog or the long command
     bool m_changedMeanwhile = false;     ///< files did, while it ran
     ULONGLONG m_lastPump = 0;
     bool m_activated = false;

@@ -13,7 +13,7 @@ void frmQLMain::OnListCommand(int id, int notification) {
     if (id == lstFile && notification == LBN_SELCHANGE) ClickFile();
     if (id == lstBlock && notification == LBN_SELCHANGE) ClickBlock();
     if (id == lstDir && notification == LBN_DBLCLK) ShowFolder(m_browser.ChosenFolder());
-    if (id == lstDrive && notification == CBN_SELCHANGE) ShowFolder(m_browser.ChosenDrive());
+    if (id == lstDrive && notification == CBN_SELCHANGE) SelectDrive();
     if (id == lstDrive && notification == CBN_DROPDOWN) m_browser.ListDrives();
     if (id == cboFileType && notification == CBN_SELCHANGE) SelectType();
 }
@@ -25,19 +25,13 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     }
     if (header->code == TCN_SELCHANGE) ShowPages();
     // A click on the item itself, or the way to it by keys, chooses the channel for what concerns one at a time.
-    if (header->idFrom == lvCh && header->code == NM_CLICK && m_channels.IsOnItem(header)) {
-        StopSound();
-        ChooseSpectrumChannel();
-        Spectrogram_Draw(true);
-    }
+    if (header->idFrom == lvCh && header->code == NM_CLICK && m_channels.IsOnItem(header)) ChooseChannel();
     if (header->idFrom == lvCh && header->code == LVN_ITEMCHANGED && !m_channels.Filling()) {
         const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
         const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
         if ((change->uChanged & LVIF_STATE) != 0 && chosen) {
             m_global.currentChannel = static_cast<std::int16_t>(change->iItem + 1);
-            StopSound();
-            ChooseSpectrumChannel();
-            Spectrogram_Draw(true);
+            ChooseChannel();
         }
         if ((change->uChanged & LVIF_STATE) != 0 &&
             ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
@@ -46,6 +40,16 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
         }
     }
     return 0;
+}
+
+void frmQLMain::ChooseChannel() {
+    StopSound();
+    // A click tells it twice, by the change of the selection and by itself.
+    if (m_global.settings.spectrogramShown && m_fft.State().ready &&
+        m_fft.State().channelIndex == m_global.currentChannel - 1)
+        return;
+    ChooseSpectrumChannel();
+    Spectrogram_Draw(true);
 }
 
 void frmQLMain::ShowPages() {
@@ -71,7 +75,11 @@ void frmQLMain::ShowPages() {
 }
 
 bool frmQLMain::ShowFolder(const std::wstring& folder) {
-    if (folder == m_browser.Folder()) return true;
+    if (m_browser.Shows(folder)) {
+        // It may have been away in between.
+        RefreshFiles();
+        return true;
+    }
     if (!m_browser.ShowFolder(folder)) {
         m_services.SetStatus(Narrow16(folder) + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
         m_browser.ShowChoice();
@@ -141,6 +149,14 @@ void frmQLMain::StartWatch() {
     m_watch->StartWatch(m_browser.Folder());
 }
 
+void frmQLMain::RefreshFiles() {
+    // The watch first: what comes between the two is told by it.
+    StartWatch();
+    m_browser.Refresh();
+    m_global.fileSelected = !m_browser.SelectedFile().empty();
+    UpdateCommands();
+}
+
 void frmQLMain::FilesChanged() try {
     m_changedMeanwhile = m_busy;
     if (m_busy) return;
@@ -180,12 +196,10 @@ void frmQLMain::DeleteSelected() {
     const FileOperationResult result = DeleteToRecycleBin(folder, name, m_window);
     // The shell's dialog runs messages: the window may be closed by now, or show another folder.
     if (m_window == nullptr || m_closing) return;
-    StartWatch();
+    // Whatever came of it: others may have changed the folder meanwhile.
+    RefreshFiles();
     if (m_browser.Folder() != folder) return;
-    if (result == FileOperationResult::Done) {
-        m_browser.Refresh();
-        m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
-    }
+    if (result == FileOperationResult::Done) m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
     ClickFile();
     if (result == FileOperationResult::Failed)
         m_services.SetStatus(Narrow16(name) + u": " + m_services.Text(IDS_DELETE_FAILED));
@@ -212,10 +226,9 @@ void frmQLMain::RenameSelected() {
     if (!RunPendingMessages()) return;
     const FileOperationResult result = RenameFile(folder, name, *answer, m_window);
     if (m_window == nullptr || m_closing) return;
-    StartWatch();
+    RefreshFiles();
     if (m_browser.Folder() != folder) return;
     const bool renamed = result == FileOperationResult::Done;
-    if (renamed) m_browser.Refresh();
     if (renamed && !m_browser.SelectFileNamed(*answer)) {
         OpenUnlisted(*answer);
         return;
@@ -244,9 +257,17 @@ bool frmQLMain::RunPendingMessages() const {
     return m_window != nullptr;
 }
 
+void frmQLMain::SelectDrive() {
+    const std::wstring drive = m_browser.ChosenDrive();
+    // The drive that is shown already leaves the folder as it is.
+    if (towupper(m_browser.Folder().empty() ? 0 : m_browser.Folder()[0]) != towupper(drive[0])) ShowFolder(drive);
+}
+
 void frmQLMain::SelectType() {
     const auto type = SendMessageW(GetDlgItem(m_window, cboFileType), CB_GETCURSEL, 0, 0);
     m_browser.SetPattern(m_global.library->FileTypeMask(static_cast<std::int32_t>(type)));
+    m_global.fileSelected = !m_browser.SelectedFile().empty();
+    UpdateCommands();
     const std::wstring open = Wide(m_global.file.fileName);
     if (open.empty()) return;
     m_browser.SelectFileNamed(open.substr(open.rfind(L'\\') + 1));

@@ -43,7 +43,8 @@ Key KeyOf(WPARAM code) {
 }  // namespace
 
 std::wstring frmQLMain::CaptionOf(const MenuEntry& entry, int index) const {
-    if (entry.captionId == 0) return Wide(ComputedCaption(entry.id + index, m_global.format.decimalSeparator));
+    if (entry.captionId == 0)
+        return Wide(ComputedCaption(entry.id + index, m_global.rawCodes, m_global.format.decimalSeparator));
     const std::u16string caption = m_services.Text(entry.captionId + index);
     const std::u16string accelerator = AcceleratorText(entry.id + index, m_services);
     return Wide(accelerator.empty() ? caption : caption + u'\t' + accelerator);
@@ -94,6 +95,12 @@ void frmQLMain::OnInitMenu(HMENU menu) {
     for (int position = 0; position < count; ++position) {
         const UINT id = GetMenuItemID(menu, position);
         if (id == 0 || id == static_cast<UINT>(-1)) continue;
+        if (id >= mnuScaleY && id < mnuScaleY + AmplitudeScale::kScaleCount) {
+            // Units or codes, as the options have it now.
+            const std::u16string caption =
+                ComputedCaption(static_cast<int>(id), m_global.rawCodes, m_global.format.decimalSeparator);
+            ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
+        }
         const bool enabled = IsEnabled(static_cast<int>(id), m_global);
         const bool checked = IsChecked(static_cast<int>(id), m_global);
         EnableMenuItem(menu, id, enabled ? MF_ENABLED : MF_GRAYED);
@@ -158,7 +165,11 @@ void frmQLMain::SelectTabPath(int page) {
 
 void frmQLMain::SelectTabFile(int page) {
     TabCtrl_SetCurSel(GetDlgItem(m_window, tabFile), page);
-    if (page == 0) FilesChanged();
+    if (page == 0) {
+        // The watch ends with a folder that goes, and does not know when it is back.
+        StartWatch();
+        FilesChanged();
+    }
     ShowPages();
 }
 
@@ -183,7 +194,11 @@ bool frmQLMain::PreTranslate(const MSG& message) {
 bool frmQLMain::TranslateKey(const MSG& message) {
     if (m_window == nullptr) return false;
     if (message.message == WM_MOUSEWHEEL) return RouteWheel(message);
-    if (message.message == WM_SYSKEYUP && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
+    // After another key its release comes as that of an ordinary one.
+    const bool released = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
+    if (released && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
+    const bool pressedAgain = message.wParam == VK_MENU && (message.lParam & (1 << 30)) == 0;
+    if (message.message == WM_SYSKEYDOWN && pressedAgain) m_altUsed = false;
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     if (message.hwnd != m_window && !IsChild(m_window, message.hwnd)) return false;
     const bool control = GetKeyState(VK_CONTROL) < 0;

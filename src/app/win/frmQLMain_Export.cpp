@@ -53,6 +53,7 @@ void frmQLMain::RunBusy(const std::function<void()>& work) {
     }
     m_busy = false;
     if (m_window == nullptr || m_closing) return;
+    OnDialogEnd(IsWindowEnabled(m_window) != FALSE);
     if (std::exchange(m_changedMeanwhile, false)) FilesChanged();
     if (failure) std::rethrow_exception(failure);
 }
@@ -173,7 +174,11 @@ void frmQLMain::FastExport(int) {
         if (m_window == nullptr || m_closing) return;
         m_global.settings.exportFastFile = name;
     }
-    if (m_global.block.block == block) WriteText(m_global.settings.exportFastFile, ExportRange());
+    if (m_global.block.block != block) return;
+    const std::u16string& name = m_global.settings.exportFastFile;
+    // A name without a folder means the recording's own.
+    const bool bare = name.find_first_of(u":\\/") == std::u16string::npos;
+    WriteText(bare ? FolderOf(m_global.file.fileName) + name : name, ExportRange());
 }
 
 bool frmQLMain::MayCopy(std::int32_t samples) const {

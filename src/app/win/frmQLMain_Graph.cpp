@@ -41,9 +41,10 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);
     // An empty graph says why it is empty.
-    const bool noBlock = m_global.block.sampleCount == 0;
-    if (!noBlock && !ShownChannels(m_global.block, m_global.slots).empty()) return;
-    const std::wstring text = Wide(m_services.Text(noBlock ? IDS_NO_RECORDING : IDS_NO_CHANNEL));
+    const bool noSamples = m_global.block.sampleCount == 0;
+    if (!noSamples && !ShownChannels(m_global.block, m_global.slots).empty()) return;
+    const int reason = !m_global.block.block ? IDS_NO_RECORDING : noSamples ? IDS_NO_SAMPLES : IDS_NO_CHANNEL;
+    const std::wstring text = Wide(m_services.Text(reason));
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, RGB(0x70, 0x78, 0x84));
@@ -133,6 +134,17 @@ GraphScene frmQLMain::Scene() const {
             TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(settings.gridColor))))};
 }
 
+void frmQLMain::TellUnreadable(bool scrolled) {
+    const std::string reason = m_global.block.sampleCount > 0 ? m_graph.ReadFailure() : std::string();
+    // What a scroll did not have to read may be unreadable still.
+    if (m_unreadable == reason || (scrolled && reason.empty())) return;
+    m_unreadable = reason;
+    const std::wstring path = Wide(m_global.file.fileName);
+    m_services.SetStatus(reason.empty() ? std::u16string()
+                                        : Narrow16(path.substr(path.rfind(L'\\') + 1)) + u": " +
+                                              m_services.Text(IDS_UNREADABLE) + u": " + Utf16(reason));
+}
+
 void frmQLMain::Refresh(std::int32_t shift) {
     if (m_closing || IsIconic(m_window)) return;
     m_goneTo = 0;
@@ -152,6 +164,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
         m_graph.Clear(graph.width, graph.height);
     }
     m_graphBox.Invalidate();
+    TellUnreadable(shift != 0);
     if (!m_complete) return;
     Spectrogram_Draw(false);
     m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));

@@ -32,6 +32,8 @@ void frmQLMain::OnSize(UINT state) {
     if (m_complete) SendMessageW(GetDlgItem(m_window, sbInfo), WM_SIZE, 0, 0);
     ArrangeControls();
     Refresh();
+    // Started as an icon, it was activated before it had a size.
+    if (!m_activated && m_complete && GetActiveWindow() == m_window) OnActivate(WA_ACTIVE);
 }
 
 void frmQLMain::OnGetMinMaxInfo(MINMAXINFO* info) const {

@@ -126,6 +126,11 @@ HCURSOR frmQLMain::GraphPointer() {
 // The hover readout.
 
 bool frmQLMain::HoverStays(HWND box) {
+    // The readout of a selection stays until the mouse is moved; letting the button go makes a move of no length.
+    POINT now{};
+    GetCursorPos(&now);
+    if (m_releasedAt && m_releasedAt->x == now.x && m_releasedAt->y == now.y) return false;
+    m_releasedAt.reset();
     if (GetCapture() != box) {
         // A window of another program or a dialog may be over ours.
         if (!IsWindowEnabled(m_window) || GetActiveWindow() != m_window) return false;
@@ -142,7 +147,7 @@ bool frmQLMain::HoverStays(HWND box) {
 
 bool frmQLMain::OnStrip(int x) const {
     const TimeAxis& axis = m_global.axis;
-    return x >= 0 && x < axis.Width() && axis.FirstColumn() + x < axis.StripLength();
+    return x >= 0 && x < axis.Width() && std::int64_t{axis.FirstColumn()} + x < axis.StripLength();
 }
 
 void frmQLMain::Hover(int x, int y) {
@@ -264,7 +269,9 @@ void frmQLMain::FinishSelection(int x) {
     if (m_global.selection.active) m_global.selection.end = SampleUnder(m_global.axis, x);
     // Ends the gesture through the loss of the capture, and drops a selection of no length.
     ReleaseCapture();
-    if (m_global.selection.active) ShowRange();
+    if (!m_global.selection.active) return;
+    ShowRange();
+    GetCursorPos(&m_releasedAt.emplace());
 }
 
 void frmQLMain::Select(int index) {

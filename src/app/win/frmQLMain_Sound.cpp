@@ -80,7 +80,8 @@ void frmQLMain::objSound_PlayProgress(std::int32_t sample) {
     ShowPlayLine();
     if (m_graph.Band(GraphBand::Play)) m_followsSound = true;
     // The line went over the edge of the view, or a zoom left it there.
-    else if (m_followsSound) ScrollBy((sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn());
+    else if (m_followsSound)
+        ScrollBy((sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn());
 }
 
 void frmQLMain::ShowPlayLine() {

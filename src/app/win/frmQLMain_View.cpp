@@ -153,7 +153,8 @@ void frmQLMain::GoToMark(int index) {
 }
 
 void frmQLMain::GoToPlace(int) {
-    const std::u16string here = PositionText(m_global.block, SampleUnder(m_global.axis, 0), u" ", m_global.format);
+    const std::int32_t present = SampleUnder(m_global.axis, 0);
+    const std::u16string here = PositionText(m_global.block, present, u" ", m_global.format);
     const std::optional<std::wstring> answer =
         AskForText(m_window,
                    {Plain(m_services.Text(IDS_GOTOPLACE)), Wide(m_services.Text(IDS_PLACE_PROMPT)),
@@ -161,7 +162,7 @@ void frmQLMain::GoToPlace(int) {
                    Wide(here));
     if (!answer || m_closing || m_global.block.sampleCount == 0) return;
     const std::u16string text = Narrow16(*answer);
-    if (const std::optional<std::int32_t> sample = ParsePosition(text, m_global.block, m_global.format)) {
+    if (const std::optional<std::int32_t> sample = ParsePosition(text, m_global.block, m_global.format, present)) {
         m_services.SetStatus({});
         ShowSample(*sample);
     } else {

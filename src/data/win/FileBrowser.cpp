@@ -33,6 +33,10 @@ std::wstring Normal(const std::wstring& folder) {
     return full;
 }
 
+bool IsSameName(const std::wstring& a, const std::wstring& b) {
+    return CompareStringOrdinal(a.c_str(), -1, b.c_str(), -1, TRUE) == CSTR_EQUAL;
+}
+
 bool LessName(const std::wstring& a, const std::wstring& b) {
     return CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE | SORT_STRINGSORT, a.c_str(), -1, b.c_str(), -1) ==
            CSTR_LESS_THAN;
@@ -155,10 +159,15 @@ void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::w
 
 void FileBrowser::SetPattern(const std::u16string& pattern) {
     m_pattern = pattern;
-    if (!m_folder.empty()) Refresh();
+    Refresh();
+}
+
+bool FileBrowser::Shows(const std::wstring& folder) const {
+    return !m_folder.empty() && IsSameName(Normal(folder), m_folder);
 }
 
 void FileBrowser::Refresh() {
+    if (m_folder.empty()) return;
     Names names;
     if (!Read(m_folder, names)) names = {};
     const std::wstring selected = SelectedFile();
@@ -181,9 +190,13 @@ int FileBrowser::SelectedPosition() const {
 }
 
 bool FileBrowser::SelectFileNamed(const std::wstring& name) {
-    const LRESULT position = SendPointer(m_files, LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), name.c_str());
-    if (position == LB_ERR) return false;
-    SelectFile(static_cast<int>(position));
+    // Letter by letter: the list box itself takes names for equal that name two files.
+    auto found = std::find(m_listed.begin(), m_listed.end(), name);
+    if (found == m_listed.end())
+        found = std::find_if(m_listed.begin(), m_listed.end(),
+                             [&](const std::wstring& listed) { return IsSameName(listed, name); });
+    if (found == m_listed.end()) return false;
+    SelectFile(static_cast<int>(found - m_listed.begin()));
     return true;
 }
 

@@ -19,6 +19,9 @@ class FileBrowser {
     /// With a trailing backslash only for the root of a drive; empty before the first ShowFolder.
     [[nodiscard]] const std::wstring& Folder() const { return m_folder; }
 
+    /// Whether that is the folder, in any letter case and form.
+    [[nodiscard]] bool Shows(const std::wstring& folder) const;
+
     /// Wildcard patterns of the files listed.
     void SetPattern(const std::u16string& pattern);
     [[nodiscard]] const std::u16string& Pattern() const { return m_pattern; }

@@ -49,6 +49,8 @@ class GraphPainter {
     void Scroll(const GraphScene& scene, std::int32_t shift);
     /// An empty white surface without bands.
     void Clear(int width, int height);
+    /// Why a part of what was drawn last could not be read; empty when all could.
+    [[nodiscard]] const std::string& ReadFailure() const { return m_reader.Failure(); }
     /// Another block is shown: what was read of the old one is of no use.
     void ForgetBlock() { m_reader.Reset(); }
     /// Moves, shows or hides a band; the returned rectangle holds what has changed.

@@ -90,22 +90,54 @@ TEST_F(BrowserTest, ChangesByOthersAppearAndARecordingThatIsGoneIsClosed) {
     EXPECT_EQ(Caption(), L"Quillon");
 }
 
+TEST_F(BrowserTest, AFolderThatWasAwayIsListedAndWatchedAgain) {
+    const std::filesystem::path stick = m_folder.File(u"stick");
+    std::filesystem::create_directory(stick);
+    static_cast<void>(m_folder.Write(u"stick/a.bin", SawRecording()));
+    Start(stick.wstring());
+    std::filesystem::rename(stick, m_folder.File(u"away"));
+    std::filesystem::create_directory(stick);
+    static_cast<void>(m_folder.Write(u"stick/b.bin", SawRecording()));
+    Command(mnuPathList);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.bin"));
+    static_cast<void>(m_folder.Write(u"stick/c.bin", SawRecording()));
+    EXPECT_TRUE(WaitFor([&] { return Lines(lstFile).size() == 2; }));
+}
+
+TEST_F(BrowserTest, NamesThatLookAlikeAreTwoFiles) {
+    const std::wstring composed = L"caf\u00E9.bin";
+    const std::wstring decomposed = L"cafe\u0301.bin";
+    static_cast<void>(m_folder.Write(Narrow16(composed), SawRecording()));
+    static_cast<void>(m_folder.Write(Narrow16(decomposed), SawRecording(300)));
+    Start();
+    for (const std::wstring& name : {composed, decomposed}) {
+        m_form->OpenPath(Wide(m_folder.Path()) + L'\\' + name);
+        SendMessageW(m_form->Window(), WM_COMMAND, MAKEWPARAM(cboFileType, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(Control(cboFileType)));
+        EXPECT_EQ(m_global.block.sampleCount, name == composed ? 2000 : 300);
+    }
+}
+
 TEST_F(BrowserTest, DeletesAndRenames) {
     for (const char16_t* name : {u"a.bin", u"b.bin", u"c.bin"}) static_cast<void>(m_folder.Write(name, SawRecording()));
     Start();
     ClickLine(lstFile, 1);
     {
-        DialogAnswer answer([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDNO, 0); });
+        DialogAnswer answer([this](HWND dialog) {
+            static_cast<void>(m_folder.Write(u"aa.bin", SawRecording()));
+            PostMessageW(dialog, WM_COMMAND, IDNO, 0);
+        });
         Command(mnuFileOperation);
     }
     EXPECT_TRUE(Exists(u"b.bin"));
+    EXPECT_EQ(Lines(lstFile).size(), 4U) << "what came while it was asked is listed";
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.bin")) << "declined: the file is open again";
     {
         DialogAnswer answer([](HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDYES, 0); });
         Command(mnuFileOperation);
     }
     EXPECT_FALSE(Exists(u"b.bin"));
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"c.bin"));
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"aa.bin", L"c.bin"));
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"c.bin")) << "the same position is selected";
 
     const auto rename = [&](const wchar_t* name) {
@@ -158,18 +190,17 @@ TEST_F(BrowserTest, CommandsConcernTheFileThatWasChosen) {
     EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"no such"));
 }
 
-TEST_F(BrowserTest, NothingEndsTheWindowWhileADialogAsks) {
+TEST_F(BrowserTest, AWindowThatIsToCloseWhileADialogAsksClosesAfterIt) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
     Start();
-    {
-        DialogAnswer answer([this](HWND dialog) {
-            SendMessageW(m_form->Window(), WM_CLOSE, 0, 0);
-            PostMessageW(dialog, WM_COMMAND, IDNO, 0);
-        });
-        Command(mnuFileOperation);
-    }
-    ASSERT_TRUE(IsWindow(m_form->Window()));
-    EXPECT_THAT(Caption(), ::testing::StartsWith(L"a.bin"));
+    DialogAnswer answer([this](HWND dialog) {
+        SendMessageW(m_form->Window(), WM_CLOSE, 0, 0);
+        EXPECT_TRUE(IsWindow(m_form->Window()));
+        PostMessageW(dialog, WM_COMMAND, IDNO, 0);
+    });
+    Command(mnuFileOperation);
+    EXPECT_TRUE(Exists(u"a.bin"));
+    EXPECT_EQ(m_form->Window(), nullptr);
 }
 
 }  // namespace

@@ -226,7 +226,6 @@ TEST_F(ExportWindowTest, MessagesRunMeanwhileAndStartNothing) {
     int seen = 0;
     Choose(Path(u"out.wav"), 2, [&] {
         PostMessageW(m_form->Window(), WM_COMMAND, mnuExit, 0);
-        PostMessageW(m_form->Window(), WM_CLOSE, 0, 0);
         PostMessageW(Control(pbGraph), WM_KEYDOWN, VK_END, 0);
         PostMessageW(Control(pbGraph), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 50));
         InvalidateRect(Control(pbGraph), nullptr, FALSE);

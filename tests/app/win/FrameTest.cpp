@@ -149,6 +149,15 @@ TEST_F(FrameTest, TheKeyboardIsNeverLost) {
     EXPECT_EQ(GetFocus(), Control(pbGraph)) << "the list that had the focus is hidden";
     SetFocus(m_form->Window());
     EXPECT_EQ(GetFocus(), Control(pbGraph));
+    // The release of a key that was part of a command opens no menu, whichever way it is told.
+    BYTE keys[256]{};
+    keys[VK_MENU] = 0x80;
+    SetKeyboardState(keys);
+    EXPECT_TRUE(m_form->PreTranslate({Control(pbGraph), WM_SYSKEYDOWN, VK_RIGHT, 0, 0, {}}));
+    EXPECT_TRUE(m_form->PreTranslate({Control(pbGraph), WM_KEYUP, VK_MENU, 0, 0, {}}));
+    EXPECT_FALSE(m_form->PreTranslate({Control(pbGraph), WM_KEYUP, VK_MENU, 0, 0, {}}));
+    keys[VK_MENU] = 0;
+    SetKeyboardState(keys);
     // The window's own menu is left to the system.
     const HMENU system = GetSystemMenu(m_form->Window(), FALSE);
     const UINT before = GetMenuState(system, SC_CLOSE, MF_BYCOMMAND);

@@ -48,18 +48,23 @@ TEST_F(StartTest, TheGraphIsInItsPlaceBeforeTheOtherControlsCome) {
     EXPECT_THAT(TabOrder(), ElementsAre(tabPath, lstDrive, lstDir, tabFile, cboFileType, lstFile, pbGraph, pbPathList));
 }
 
-TEST_F(StartTest, AWindowThatIsShownInactiveHasItsControlsAndOpensTheFirstRecordingLater) {
+TEST_F(StartTest, AWindowThatStartsAsAnIconOpensTheFirstRecordingWhenItIsSeen) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(5000)));
-    Create();
-    m_form->Show(SW_SHOWMINNOACTIVE);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
-    EXPECT_THAT(Lines(lstBlock), IsEmpty());
-    ShowWindow(m_form->Window(), SW_RESTORE);
-    SetForegroundWindow(m_form->Window());
-    ASSERT_TRUE(WaitFor([&] { return !Lines(lstBlock).empty(); }));
-    EXPECT_EQ(ItemCount(), m_global.block.channelCount);
-    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 200);
-    EXPECT_EQ(TabCtrl_GetCurSel(Control(tabPath)), 1);
+    for (const int command : {SW_SHOWMINNOACTIVE, SW_SHOWMINIMIZED}) {
+        m_global = {};
+        Create();
+        m_form->Show(command);
+        EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
+        EXPECT_THAT(Lines(lstBlock), IsEmpty());
+        ShowWindow(m_form->Window(), SW_RESTORE);
+        SetForegroundWindow(m_form->Window());
+        ASSERT_TRUE(WaitFor([&] { return !Lines(lstBlock).empty(); }));
+        EXPECT_EQ(ItemCount(), m_global.block.channelCount);
+        EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 200);
+        EXPECT_LE(m_global.amplitude.UnitsPerDivision(), 20.0F) << "fitted to the graph as it is seen";
+        EXPECT_EQ(TabCtrl_GetCurSel(Control(tabPath)), 1);
+        TearDown();
+    }
 }
 
 TEST_F(StartTest, WhyTheFirstFileIsRefusedIsStillToldWhenTheStatusBarComes) {

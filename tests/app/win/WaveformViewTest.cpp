@@ -113,7 +113,8 @@ TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
     EXPECT_EQ(selection.start, 101);
     const Pixels selected = Capture(pbGraph);
     for (int x = 95; x < 155; ++x) EXPECT_EQ(selected.At(x, 3) == before.At(x, 3), x < 100 || x > 149) << x;
-    EXPECT_THAT(Values(), StartsWith(L"dX:\t"));
+    Mouse(WM_MOUSEMOVE, 149);
+    EXPECT_THAT(Values(), StartsWith(L"dX:\t")) << "letting go moves the pointer nowhere";
     EXPECT_TRUE(IsEnabled(mnuStatistics, m_global));
     Drag(149, 100);
     EXPECT_EQ(selection.Count(), 50);
@@ -266,6 +267,19 @@ TEST_F(WaveformViewTest, GesturesAndReadoutEndWithTheirBlock) {
     Mouse(WM_LBUTTONUP, 150);
     EXPECT_EQ(m_global.selection.Count(), 51);
     EXPECT_EQ(m_global.axis.FirstColumn(), 0);
+}
+
+TEST_F(WaveformViewTest, WhatCannotBeReadAnyMoreIsTold) {
+    StartWith(Noise(50000, 2));
+    std::filesystem::resize_file(m_folder.File(u"a.bin"), 60000);
+    Command(mnuScaleX + 5);
+    EXPECT_THAT(Status(StatusPanel::Status), StartsWith(L"a.bin: "));
+    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"shorter"));
+    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 100) << "as far as it goes";
+    Command(mnuScaleX);
+    Command(mnuGoTo);
+    Key(VK_ADD);
+    EXPECT_EQ(Status(StatusPanel::Status), L"");
 }
 
 TEST_F(WaveformViewTest, OneChannelIsShownAlone) {

@@ -22,12 +22,12 @@ struct Bilingual {
 [[nodiscard]] Bilingual Say(std::u16string_view english, std::u16string_view russian,
                             std::initializer_list<std::u16string> arguments = {});
 
-/// A file that is refused or cannot be read on: says what is wrong and where.
+/// A file that is refused, cannot be read on or cannot hold what is to be written: says what is wrong and where.
 class FormatError : public std::exception {
   public:
-    explicit FormatError(Bilingual reason);
+    explicit FormatError(Bilingual reason, Language language = Language::English);
     [[nodiscard]] const Bilingual& Reason() const { return m_reason; }
-    /// In English, UTF-8.
+    /// In the language given, UTF-8.
     [[nodiscard]] const char* what() const noexcept override { return m_what.c_str(); }
 
   private:
