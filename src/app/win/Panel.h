@@ -9,8 +9,8 @@
 namespace quillon {
 
 /// A panel that only displays the text it is given: lines separated by CR LF, cells by tabs. Lines of cells that do not
-/// fit below each other stand side by side as far as there is room for them whole; the wheel moves through the others.
-/// Other text is wrapped.
+/// fit below each other stand side by side as far as there is room for them whole, and are written smaller; the wheel
+/// moves through what is left out. Other text is wrapped.
 class Panel final : public PictureOwner {
   public:
     [[nodiscard]] bool Create(HWND parent, int id);
@@ -26,7 +26,7 @@ class Panel final : public PictureOwner {
     void PictureFailed(const std::exception&) override {}
 
   private:
-    void PaintTable(HDC dc, const RECT& place, const std::vector<std::vector<std::wstring>>& lines);
+    void PaintTable(HDC dc, const RECT& place, const std::wstring& text);
 
     PictureBox m_box;
     std::u16string m_text;
