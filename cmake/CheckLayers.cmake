@@ -24,12 +24,8 @@ foreach(rule IN LISTS rules)
   list(APPEND allowed ${own})
   file(GLOB_RECURSE sources ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
   foreach(source IN LISTS sources)
-    # Drawing and windows of the other folders start from the one header that includes Windows, and the start-up
-    # procedure alone names the substitutes of the libraries.
+    # The start-up procedure alone names the substitutes of the libraries.
     set(extra "")
-    if(source MATCHES "/win/")
-      set(extra "app/win/Win32.h;app/win/WinHandle.h;app/win/PictureBox.h;app/win/DialogTemplate.h")
-    endif()
     if(source MATCHES "/app/win/QL_Main\\.cpp$")
       list(APPEND extra kvsound/win/WaveOut.h norvik/OutputFile.h norvik/RecordingLibrary.h norvik/SystemBytes.h
         norvik/TextWriter.h norvik/win/ClipboardWriter.h norvik/win/Registry.h norvik/win/SaveDialog.h norvik/win/Timer.h)

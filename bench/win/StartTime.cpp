@@ -3,7 +3,7 @@
 // Both are started in turn; medians are told. A start has two ends: the program waits for input, and the user sees what
 // it shows. The viewer shows the first recording of the folder, so the graph must hold pixels of a trace; the empty
 // window is filled with a colour of its own.
-#include <windows.h>
+#include "base/win/Win32.h"
 
 #include <psapi.h>
 

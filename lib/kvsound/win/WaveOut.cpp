@@ -1,6 +1,6 @@
 #include "kvsound/win/WaveOut.h"
 
-#include <windows.h>
+#include "base/win/Win32.h"
 // After windows.h, on which they depend.
 #include <mmsystem.h>
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "data/win/Clipboard.h"
+#include "base/win/Clipboard.h"
 
 namespace quillon {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <windows.h>
-
 #include <cstddef>
 #include <string>
 #include <string_view>
+
+#include "base/win/Win32.h"
 
 namespace quillon {
 

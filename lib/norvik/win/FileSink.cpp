@@ -1,6 +1,5 @@
-#include <windows.h>
-
 #include "base/Text.h"
+#include "base/win/Win32.h"
 #include "norvik/OutputFile.h"
 #include "norvik/win/SystemText.h"
 

@@ -1,9 +1,8 @@
-#include <windows.h>
-
 #include <algorithm>
 
 #include "base/DateTime.h"
 #include "base/Text.h"
+#include "base/win/Win32.h"
 #include "norvik/ByteSource.h"
 #include "norvik/win/SystemText.h"
 

@@ -1,7 +1,5 @@
 #include "norvik/win/Registry.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -11,6 +9,7 @@
 #include <vector>
 
 #include "base/Text.h"
+#include "base/win/Win32.h"
 
 namespace quillon {
 

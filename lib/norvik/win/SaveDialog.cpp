@@ -1,6 +1,6 @@
 #include "norvik/win/SaveDialog.h"
 
-#include <windows.h>
+#include "base/win/Win32.h"
 // After windows.h, on which they depend.
 #include <cderr.h>
 #include <commdlg.h>
@@ -16,10 +16,6 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t kNameRoom = 32768;
-
-std::wstring Wide(const std::u16string& text) {
-    return {text.begin(), text.end()};
-}
 
 /// The extensions of a filter's pairs with their points; empty where a pattern is not that of one extension.
 std::vector<std::u16string> ExtensionsOf(const std::u16string& filter) {

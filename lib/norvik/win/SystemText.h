@@ -1,8 +1,8 @@
 #pragma once
 
-#include <windows.h>
-
 #include <string>
+
+#include "base/win/Win32.h"
 
 namespace quillon {
 

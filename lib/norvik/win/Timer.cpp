@@ -1,9 +1,9 @@
 #include "norvik/win/Timer.h"
 
-#include <windows.h>
-
 #include <system_error>
 #include <utility>
+
+#include "base/win/Win32.h"
 
 namespace quillon {
 

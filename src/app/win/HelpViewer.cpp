@@ -1,6 +1,6 @@
 #include "app/win/HelpViewer.h"
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 

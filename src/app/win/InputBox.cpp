@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "app/win/DialogTemplate.h"
+#include "dialogs/win/DialogTemplate.h"
 
 namespace quillon {
 

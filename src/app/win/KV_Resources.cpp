@@ -1,6 +1,6 @@
 #include "app/KV_Resources.h"
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 
 namespace quillon {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "app/win/PictureBox.h"
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
+#include "view/win/PictureBox.h"
 
 namespace quillon {
 

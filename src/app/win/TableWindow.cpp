@@ -4,9 +4,9 @@
 #include <cstring>
 #include <exception>
 
-#include "app/win/DialogTemplate.h"
-#include "app/win/WinHandle.h"
-#include "data/win/Clipboard.h"
+#include "base/win/Clipboard.h"
+#include "base/win/WinHandle.h"
+#include "dialogs/win/DialogTemplate.h"
 
 namespace quillon {
 

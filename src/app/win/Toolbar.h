@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "app/Commands.h"
-#include "app/win/Win32.h"
-#include "app/win/WinHandle.h"
+#include "base/win/Win32.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/win/Win32.h"
 #include "base/Language.h"
+#include "base/win/Win32.h"
 #include "data/UserServices.h"
 
 namespace quillon {

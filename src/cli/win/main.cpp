@@ -1,12 +1,12 @@
 #include <fcntl.h>
 #include <io.h>
-#include <windows.h>
 
 #include <cstdio>
 #include <iostream>
 #include <string>
 #include <vector>
 
+#include "base/win/Win32.h"
 #include "cli/Cli.h"
 
 int wmain(int argc, wchar_t** argv) {

@@ -1,6 +1,6 @@
 #include "data/win/AnsiText.h"
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 
 namespace quillon {
 

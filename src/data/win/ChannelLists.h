@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "app/win/Win32.h"
-#include "app/win/WinHandle.h"
+#include "base/win/Win32.h"
+#include "base/win/WinHandle.h"
 #include "data/QL_Types.h"
 
 namespace quillon {

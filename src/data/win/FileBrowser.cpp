@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 #include "data/FileFilter.h"
 #include "data/win/FillScope.h"
 

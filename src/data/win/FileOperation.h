@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 
 namespace quillon {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 #include "data/TimerObject.h"
 
 namespace quillon {

@@ -1,6 +1,6 @@
 #include "dialogs/win/ColorChooser.h"
 
-#include "app/win/DialogTemplate.h"
+#include "dialogs/win/DialogTemplate.h"
 #include "view/QL_ChUtils.h"
 #include "view/win/GDI_Utils.h"
 

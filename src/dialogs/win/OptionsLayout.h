@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/win/DialogTemplate.h"
 #include "data/UserServices.h"
+#include "dialogs/win/DialogTemplate.h"
 
 namespace quillon {
 

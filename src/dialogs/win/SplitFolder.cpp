@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 #include "data/FileOperationPlan.h"
 #include "data/win/FileOperation.h"
 

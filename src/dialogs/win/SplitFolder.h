@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 #include "dialogs/SplitPlan.h"
 
 /// The output folder on the disk. Paths may be longer than the system's usual 260 characters.

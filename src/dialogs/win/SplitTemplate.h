@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "app/win/DialogTemplate.h"
 #include "data/UserServices.h"
+#include "dialogs/win/DialogTemplate.h"
 
 namespace quillon {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 #include "data/NorvikCore.h"
 #include "data/UserServices.h"
 #include "dialogs/SplitSettings.h"

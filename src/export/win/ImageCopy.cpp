@@ -4,9 +4,9 @@
 #include <cstring>
 #include <vector>
 
-#include "app/win/WinHandle.h"
+#include "base/win/Clipboard.h"
+#include "base/win/WinHandle.h"
 #include "data/TextSink.h"
-#include "data/win/Clipboard.h"
 #include "export/ByteWriter.h"
 #include "export/ImagePlan.h"
 #include "view/win/cMemDC.h"

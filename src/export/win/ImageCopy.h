@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 
 namespace quillon {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 #include "spectrum/FrequencyScale.h"
 #include "spectrum/QL_FFT.h"
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "app/win/Win32.h"
-#include "app/win/WinHandle.h"
+#include "base/win/Win32.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 

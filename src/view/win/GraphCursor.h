@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "app/win/Win32.h"
-#include "app/win/WinHandle.h"
+#include "base/win/Win32.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 

@@ -1,6 +1,6 @@
 #include "view/win/cMemDC.h"
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "app/win/WinHandle.h"
 #include "base/Text.h"
+#include "base/win/WinHandle.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon::testing {

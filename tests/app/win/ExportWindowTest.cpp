@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "app/win/MainWindowFixture.h"
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 #include "export/win/ImageCopy.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/OutputFile.h"

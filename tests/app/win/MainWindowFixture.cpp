@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon::testing {
 

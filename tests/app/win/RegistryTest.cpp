@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "app/Settings.h"
-#include "app/win/Win32.h"
-#include "app/win/WinHandle.h"
 #include "base/Text.h"
+#include "base/win/Win32.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 namespace {

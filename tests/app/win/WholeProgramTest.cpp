@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 // After windows.h, on which it depends.
 #include <mmsystem.h>
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);

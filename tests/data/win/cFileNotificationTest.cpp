@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 #include "norvik/TemporaryFolder.h"
 #include "norvik/win/Timer.h"
 

@@ -10,8 +10,8 @@
 #include <optional>
 #include <random>
 
-#include "app/win/Win32.h"
 #include "base/Text.h"
+#include "base/win/Win32.h"
 #include "sound/QLSound.h"
 #include "support/FakeRecording.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/win/WinHandle.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 namespace {

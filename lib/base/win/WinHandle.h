@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 
 namespace quillon {
 

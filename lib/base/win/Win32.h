@@ -1,6 +1,6 @@
 #pragma once
 
-// The only include of the Windows headers by the viewer.
+// The only include of windows.h. What single files need beyond it they include after this.
 #include <windows.h>
 // After windows.h, on which they depend.
 #include <commctrl.h>

@@ -1,4 +1,4 @@
-#include "app/win/PictureBox.h"
+#include "view/win/PictureBox.h"
 
 namespace quillon {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/win/Win32.h"
+#include "base/win/Win32.h"
 
 namespace quillon {
 

@@ -1,4 +1,4 @@
-#include "data/win/Clipboard.h"
+#include "base/win/Clipboard.h"
 
 namespace quillon {
 
