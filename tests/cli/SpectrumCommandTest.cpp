@@ -1,45 +1,37 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <iterator>
 #include <numbers>
-#include <sstream>
 
 #include "RecordingWriters.h"
 #include "base/LittleEndian.h"
-#include "cli/Cli.h"
+#include "cli/CommandLine.h"
 #include "norvik/TemporaryFolder.h"
 
 namespace quillon::cli {
 
 TEST(SpectrumCommandTest, WritesTheSineIntoItsRowAndReplacesNothingUnasked) {
     const quillon::testing::TemporaryFolder folder;
-    const std::filesystem::path recording = folder.File(u"sine.bin");
     const std::filesystem::path picture = folder.File(u"синус.bmp");
-    std::vector<std::int16_t> codes;  // 24 periods in 128 samples
+    samples::Bytes sine;  // 24 periods in 128 samples
+    sine.Text(samples::BinHeader(256.0F, "", {{"A", "mV", 0.5F, 0.0F}}, 1000));
     for (int i = 0; i < 1000; ++i)
-        codes.push_back(static_cast<std::int16_t>(std::lround(8000.0 * std::sin(std::numbers::pi * 0.375 * i))));
-    const std::string header = samples::BinHeader(256.0F, "", {{"A", "mV", 0.5F, 0.0F}}, 1000);
-    std::ofstream(recording, std::ios::binary) << header << samples::Bytes().Codes(codes).Get();
-    const auto run = [&](std::vector<std::u16string> words) {
-        words.insert(words.begin(), {u"spectrum", recording.u16string(), picture.u16string()});
-        std::ostringstream streams[2];
-        CliIo io{streams[0], streams[1]};
-        return RunCli(words, io);
+        sine.Codes({static_cast<std::int16_t>(std::lround(8000.0 * std::sin(std::numbers::pi * 0.375 * i)))});
+    const std::filesystem::path recording = folder.Write(u"sine.bin", sine.Get());
+    const auto run = [&](const std::string& options) {
+        return quillon::testing::RunLine("spectrum % % " + options, {recording, picture}).code;
     };
     for (const char* wrong : {"order=4", "order=12", "window=kaiser", "range=9", "range=nan", "amplitude=0", "limits=1",
                               "limits=2,1", "columns=0", "first-column=-1", "palette=gre", "out=x.bmp"})
-        EXPECT_EQ(run({u"--" + std::filesystem::path(wrong).u16string()}), kUsage) << wrong;
-    EXPECT_EQ(run({u"--channel=2"}), kRefused);
-    EXPECT_EQ(run({u"--first-column=10", u"--samples-per-column=100"}), kRefused);
+        EXPECT_EQ(run(std::string("--") + wrong), kUsage) << wrong;
+    EXPECT_EQ(run("--channel=2"), kRefused);
+    EXPECT_EQ(run("--first-column=10 --samples-per-column=100"), kRefused);
     EXPECT_FALSE(exists(picture)) << "nothing is left behind";
     // At the sine's own extremes, which are the limits unless they are given, it has the top colour; 20 dB below, less.
-    for (const auto& [limits, peak] : {std::pair(u"--range=100", 255), {u"--limits=-40000,40000", 212}}) {
-        ASSERT_EQ(
-            run({u"--order=7", u"--samples-per-column=100", u"--columns=11", u"--palette=gray", u"--force", limits}),
-            kDone);
-        std::ifstream file(picture, std::ios::binary);
-        const std::string content{std::istreambuf_iterator<char>(file), {}};
+    for (const auto& [limits, peak] : {std::pair("--range=100", 255), {"--limits=-40000,40000", 212}}) {
+        ASSERT_EQ(run(std::string("--order=7 --samples-per-column=100 --columns=11 --palette=gray --force ") + limits),
+                  kDone);
+        const std::string content = quillon::testing::Contents(picture);
         const auto* image = reinterpret_cast<const std::uint8_t*>(content.data());
         ASSERT_EQ(content.size(), 1078U + 65U * 12U);
         for (const auto& [at, value] : {std::pair(10, 1078), {18, 11}, {22, 65}, {28, 8}, {454, 0x646464}})
@@ -49,7 +41,7 @@ TEST(SpectrumCommandTest, WritesTheSineIntoItsRowAndReplacesNothingUnasked) {
         EXPECT_NEAR(cell(24), peak, 1);
         EXPECT_EQ(image[1078 + 24 * 12 + 10], 0) << "beyond the end";
     }
-    EXPECT_EQ(run({}), kRefused) << "it exists and --force is not given";
+    EXPECT_EQ(run(""), kRefused) << "it exists and --force is not given";
 }
 
 }  // namespace quillon::cli

@@ -60,8 +60,7 @@ inline void ExpectRangeReads(RecordingBlock& block, const std::vector<Codes>& co
         Codes read(size);
         block.ReadCodes(number, first, count, read.data());
         ASSERT_EQ(read, expected) << "channel " << number << " from " << first;
-        ASSERT_TRUE(
-            std::equal(expected.begin(), expected.end(), rows.begin() + static_cast<std::ptrdiff_t>(channel * size)));
+        ASSERT_TRUE(std::equal(expected.begin(), expected.end(), rows.data() + channel * size));
         std::vector<float> values(size);
         block.ReadValues(number, first, count, values.data());
         const float scale = block.ChannelScale(number);
@@ -70,6 +69,11 @@ inline void ExpectRangeReads(RecordingBlock& block, const std::vector<Codes>& co
             ASSERT_EQ(frames[at * channels + channel], expected[at]) << "frame " << at << " from " << first;
             ASSERT_EQ(values[at], static_cast<float>(expected[at]) * scale + offset);
         }
+        // One channel of many is read in a way of its own.
+        std::vector<RunExtremes> alone(runs);
+        RunExtremes* const only = alone.data();
+        ASSERT_EQ(block.ColumnExtremes({&number, 1}, first, count, run, {&only, 1}), reduced);
+        ASSERT_EQ(alone, extremes[channel]);
         for (std::size_t at = 0; reduced && at < runs; ++at) {
             const std::size_t from = at * static_cast<std::size_t>(run);
             const std::size_t to = std::min(from + static_cast<std::size_t>(run), size);
@@ -88,9 +92,10 @@ inline void ExpectReads(RecordingBlock& block, const std::vector<Codes>& codes) 
     const auto below = [&](std::int32_t bound) {
         return static_cast<std::int32_t>(random() % static_cast<std::uint32_t>(bound));
     };
-    for (int round = 0; round < 8; ++round) {
+    for (int round = 0; round < 12; ++round) {
         const std::int32_t first = below(samples + 1);
-        ExpectRangeReads(block, codes, first, std::min(below(701), samples - first), 1 + below(97));
+        const std::int32_t count = below(std::min(round % 2 == 0 ? samples : 700, samples - first) + 1);
+        ExpectRangeReads(block, codes, first, count, 1 + below(round % 3 == 0 ? samples + 1 : 97));
     }
     ExpectRangeReads(block, codes, 0, samples, 1000);
 }

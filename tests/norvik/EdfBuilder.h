@@ -31,17 +31,14 @@ struct EdfBuilder {
     std::string reserved{};
     std::string records{};  ///< empty: the true count
     std::string seconds = "1";
-    std::string signalCount{};  ///< empty: the true count
     std::size_t recordCount = 1;
     std::vector<Signal> signals{};
 
     /// Adds an annotation signal; `lists` holds the bytes of each record.
     void Annotate(std::vector<std::string> lists, std::size_t samplesPerRecord = 30) {
-        Signal signal;
-        signal.label = bdf ? "BDF Annotations" : "EDF Annotations";
-        signal.samplesPerRecord = samplesPerRecord;
-        signal.lists = std::move(lists);
-        signals.push_back(std::move(signal));
+        signals.push_back({.label = bdf ? "BDF Annotations" : "EDF Annotations",
+                           .samplesPerRecord = samplesPerRecord,
+                           .lists = std::move(lists)});
     }
 
     [[nodiscard]] std::string Header() const {
@@ -49,20 +46,20 @@ struct EdfBuilder {
         out += Field(patient, 80) + Field(recording, 80) + Field(date, 8) + Field(time, 8);
         out += Field(std::to_string(256 * (signals.size() + 1)), 8) + Field(reserved, 44);
         out += Field(records.empty() ? std::to_string(recordCount) : records, 8) + Field(seconds, 8);
-        out += Field(signalCount.empty() ? std::to_string(signals.size()) : signalCount, 4);
-        const auto every = [&](auto&& text, std::size_t width) {
-            for (const Signal& signal : signals) out += Field(text(signal), width);
+        out += Field(std::to_string(signals.size()), 4);
+        const auto every = [&](std::string Signal::*text, std::size_t width) {
+            for (const Signal& signal : signals) out += Field(signal.*text, width);
         };
-        every([](const Signal& signal) { return signal.label; }, 16);
-        every([](const Signal&) { return std::string("sensor"); }, 80);
-        every([](const Signal& signal) { return signal.unit; }, 8);
-        every([](const Signal& signal) { return signal.physicalMinimum; }, 8);
-        every([](const Signal& signal) { return signal.physicalMaximum; }, 8);
-        every([](const Signal& signal) { return signal.digitalMinimum; }, 8);
-        every([](const Signal& signal) { return signal.digitalMaximum; }, 8);
-        every([](const Signal&) { return std::string("HP:0.1Hz"); }, 80);
-        every([](const Signal& signal) { return std::to_string(signal.samplesPerRecord); }, 8);
-        every([](const Signal&) { return std::string(); }, 32);
+        every(&Signal::label, 16);
+        out.append(80 * signals.size(), ' ');
+        every(&Signal::unit, 8);
+        every(&Signal::physicalMinimum, 8);
+        every(&Signal::physicalMaximum, 8);
+        every(&Signal::digitalMinimum, 8);
+        every(&Signal::digitalMaximum, 8);
+        out.append(80 * signals.size(), ' ');
+        for (const Signal& signal : signals) out += Field(std::to_string(signal.samplesPerRecord), 8);
+        out.append(32 * signals.size(), ' ');
         return out;
     }
 
@@ -71,19 +68,14 @@ struct EdfBuilder {
         const std::size_t width = bdf ? 3 : 2;
         for (std::size_t record = 0; record < recordCount; ++record) {
             for (const Signal& signal : signals) {
-                if (!signal.lists.empty()) {
-                    std::string list = record < signal.lists.size() ? signal.lists[record] : std::string();
-                    list.resize(signal.samplesPerRecord * width, '\0');
-                    out += list;
-                    continue;
-                }
-                for (std::size_t at = 0; at < signal.samplesPerRecord; ++at) {
-                    const std::size_t index = record * signal.samplesPerRecord + at;
+                std::string part = record < signal.lists.size() ? signal.lists[record] : std::string();
+                for (std::size_t at = 0; signal.lists.empty() && at < signal.samplesPerRecord * width; ++at) {
+                    const std::size_t index = record * signal.samplesPerRecord + at / width;
                     const std::int32_t sample = index < signal.samples.size() ? signal.samples[index] : 0;
-                    for (std::size_t byte = 0; byte < width; ++byte) {
-                        out.push_back(static_cast<char>(static_cast<std::uint8_t>(sample >> (8 * byte) & 0xFF)));
-                    }
+                    part.push_back(static_cast<char>(sample >> (8 * (at % width)) & 0xFF));
                 }
+                part.resize(signal.samplesPerRecord * width, '\0');
+                out += part;
             }
         }
         return {out.begin(), out.end()};

@@ -3,11 +3,18 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "norvik/FileBytes.h"
 
 namespace quillon::testing {
+
+/// All bytes of a file.
+inline std::string Contents(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
 
 /// A folder of its own, removed with all that is in it.
 class TemporaryFolder {
@@ -23,10 +30,12 @@ class TemporaryFolder {
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     [[nodiscard]] std::filesystem::path File(const std::u16string& name) const { return m_path / name; }
-    [[nodiscard]] std::u16string Write(const std::u16string& name, const FileBytes& bytes) const {
-        std::ofstream stream(File(name), std::ios::binary);
-        stream.write(reinterpret_cast<const char*>(bytes.Bytes().data()), static_cast<std::streamsize>(bytes.Size()));
+    std::u16string Write(const std::u16string& name, std::string_view bytes) const {
+        std::ofstream(File(name), std::ios::binary) << bytes;
         return File(name).u16string();
+    }
+    [[nodiscard]] std::u16string Write(const std::u16string& name, const FileBytes& bytes) const {
+        return Write(name, std::string_view(reinterpret_cast<const char*>(bytes.Bytes().data()), bytes.Size()));
     }
     [[nodiscard]] std::u16string Path() const { return m_path.u16string(); }
 
