@@ -39,84 +39,75 @@ std::string Crc32(const std::string& bytes) {
     return text;
 }
 
-class RecordingFile {
-  public:
-    RecordingFile(std::filesystem::path path, json reference)
-        : m_path(std::move(path)), m_reference(std::move(reference)) {}
-
-    void Compare() {
-        const auto info = RunLine("info %", {m_path});
-        ASSERT_EQ(info.code, cli::kDone) << info.error;
-        const json blocks = json::parse(info.out).at("blocks");
-        // Signals keep their order inside the blocks of one rate; none of these files has gaps.
-        std::vector<std::size_t> taken(blocks.size());
-        const auto offers = [&](std::size_t at, const json& signal) {
-            return RateKey(blocks[at].at("rate")) == RateKey(signal.at("rate_hz")) &&
-                   taken[at] < blocks[at].at("channels").size();
-        };
-        for (const json& signal : m_reference.at("signals")) {
-            if (IsAnnotation(signal)) continue;
-            SCOPED_TRACE(signal.at("label").get<std::string>());
-            std::size_t at = 0;
-            while (at < blocks.size() && !offers(at, signal)) ++at;
-            ASSERT_LT(at, blocks.size()) << "a signal without a place";
-            CompareSignal(signal, blocks[at], blocks[at].at("channels")[taken[at]++]);
-        }
-        for (std::size_t at = 0; at < blocks.size(); ++at) {
-            EXPECT_EQ(taken[at], blocks[at].at("channels").size());
-            EXPECT_LE(taken[at], 32U);
-            CompareMarks(blocks[at]);
-            const std::string start = blocks[at].at("start");
-            EXPECT_EQ(start.substr(0, 19), m_reference.value("start", start).substr(0, 19));
-        }
+void CompareSignal(const std::filesystem::path& path, const json& file, const json& expected, const json& block,
+                   const json& channel) {
+    const bool wave = file.contains("container");
+    EXPECT_EQ(channel.at("title"), expected.at("label"));
+    EXPECT_EQ(channel.at("unit"), wave ? json("FS") : expected.at("unit"));
+    EXPECT_EQ(block.at("samples"), expected.at("samples"));
+    const float scale = channel.at("scale");
+    const std::string place = " % " + block.at("number").dump() + ' ' + channel.at("number").dump();
+    if (expected.contains("crc32_int16le")) {
+        EXPECT_EQ(Crc32(RunLine("codes" + place, {path}).out), expected.at("crc32_int16le").get<std::string>());
+        const float full = file.value("bits_per_sample", 16) == 8 ? 128.0F : 32768.0F;
+        EXPECT_EQ(scale, wave ? 1.0F / full : expected.at("scale_K").get<float>());
+        EXPECT_EQ(channel.at("offset").get<float>(), wave ? 0.0F : expected.at("offset_B").get<float>());
+        return;
     }
-
-  private:
-    void CompareSignal(const json& expected, const json& block, const json& channel) const {
-        const bool wave = m_reference.contains("container");
-        EXPECT_EQ(channel.at("title"), expected.at("label"));
-        EXPECT_EQ(channel.at("unit"), wave ? json("FS") : expected.at("unit"));
-        EXPECT_EQ(block.at("samples"), expected.at("samples"));
-        const float scale = channel.at("scale").get<float>();
-        const std::string place = " % " + block.at("number").dump() + ' ' + channel.at("number").dump();
-        if (expected.contains("crc32_int16le")) {
-            EXPECT_EQ(Crc32(RunLine("codes" + place, {m_path}).out), expected.at("crc32_int16le").get<std::string>());
-            const float full = m_reference.value("bits_per_sample", 16) == 8 ? 128.0F : 32768.0F;
-            EXPECT_EQ(scale, wave ? 1.0F / full : expected.at("scale_K").get<float>());
-            EXPECT_EQ(channel.at("offset").get<float>(), wave ? 0.0F : expected.at("offset_B").get<float>());
-            return;
-        }
-        // Wider samples: values within one step of the scale that was chosen for them.
-        for (std::size_t at = 0; expected.contains("physical") && at < expected.at("positions").size(); ++at) {
-            const std::string bytes =
-                RunLine("values" + place + ' ' + expected["positions"][at].dump() + " 1", {m_path}).out;
-            float value = 0.0F;
-            ASSERT_EQ(bytes.size(), sizeof value);
-            std::memcpy(&value, bytes.data(), sizeof value);
-            EXPECT_NEAR(value, expected["physical"][at].get<double>(), std::fabs(scale));
-        }
+    // Wider samples: values within one step of the scale that was chosen for them.
+    for (std::size_t at = 0; expected.contains("physical") && at < expected.at("positions").size(); ++at) {
+        const std::string bytes = RunLine("values" + place + ' ' + expected["positions"][at].dump() + " 1", {path}).out;
+        float value = 0.0F;
+        ASSERT_EQ(bytes.size(), sizeof value);
+        std::memcpy(&value, bytes.data(), sizeof value);
+        EXPECT_NEAR(value, expected["physical"][at].get<double>(), std::fabs(scale));
     }
+}
 
-    void CompareMarks(const json& block) const {
-        std::multiset<std::pair<double, std::string>> expected;
-        std::multiset<std::pair<double, std::string>> read;
-        const double onset = m_reference.value("first_record_onset", 0.0);
-        for (const json& annotation : m_reference.value("annotations", json::array())) {
-            const double position =
-                std::nearbyint((annotation.at("onset").get<double>() - onset) * block.at("rate").get<double>());
-            if (position >= 0.0 && position < block.at("samples"))
-                expected.emplace(position, annotation.at("text").get<std::string>());
-        }
-        for (const json& cue : m_reference.value("cue_points", json::array()))
-            expected.emplace(cue.at("sample_offset").get<double>(), cue.at("labl").get<std::string>());
-        for (const json& mark : block.at("marks"))
-            read.emplace(mark.at("position").get<double>(), mark.at("text").get<std::string>());
-        EXPECT_EQ(read, expected);
+void CompareMarks(const json& file, const json& block) {
+    std::multiset<std::pair<double, std::string>> expected;
+    std::multiset<std::pair<double, std::string>> read;
+    const double onset = file.value("first_record_onset", 0.0);
+    for (const json& annotation : file.value("annotations", json::array())) {
+        const double position =
+            std::nearbyint((annotation.at("onset").get<double>() - onset) * block.at("rate").get<double>());
+        if (position < 0.0 || position >= block.at("samples")) continue;
+        expected.emplace(position, annotation.at("text").get<std::string>());
     }
+    for (const json& cue : file.value("cue_points", json::array()))
+        expected.emplace(cue.at("sample_offset").get<double>(), cue.at("labl").get<std::string>());
+    for (const json& mark : block.at("marks"))
+        read.emplace(mark.at("position").get<double>(), mark.at("text").get<std::string>());
+    EXPECT_EQ(read, expected);
+}
 
-    std::filesystem::path m_path;
-    json m_reference;
-};
+/// `file` is what the other program reads.
+void Compare(const std::filesystem::path& path, const json& file) {
+    const auto info = RunLine("info %", {path});
+    ASSERT_EQ(info.code, cli::kDone) << info.error;
+    const json blocks = json::parse(info.out).at("blocks");
+    // Signals keep their order inside the blocks of one rate; none of these files has gaps.
+    std::vector<std::size_t> taken(blocks.size());
+    const auto offers = [&](std::size_t at, const json& signal) {
+        return RateKey(blocks[at].at("rate")) == RateKey(signal.at("rate_hz")) &&
+               taken[at] < blocks[at].at("channels").size();
+    };
+    for (const json& signal : file.at("signals")) {
+        if (IsAnnotation(signal)) continue;
+        SCOPED_TRACE(signal.at("label").get<std::string>());
+        std::size_t at = 0;
+        while (at < blocks.size() && !offers(at, signal)) ++at;
+        ASSERT_LT(at, blocks.size()) << "a signal without a place";
+        CompareSignal(path, file, signal, blocks[at], blocks[at].at("channels")[taken[at]++]);
+    }
+    for (std::size_t at = 0; at < blocks.size(); ++at) {
+        EXPECT_EQ(taken[at], blocks[at].at("channels").size());
+        EXPECT_LE(taken[at], 32U);
+        CompareMarks(file, blocks[at]);
+        const std::string start = blocks[at].at("start");
+        EXPECT_EQ(start.substr(0, 19), file.value("start", start).substr(0, 19));
+    }
+}
 
 TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
     if (!std::filesystem::exists(kRecordings)) GTEST_SKIP() << "no reference recordings in " << kRecordings;
@@ -133,7 +124,7 @@ TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
             const json signals = file.value("signals", json::array());
             if (!std::all_of(signals.begin(), signals.end(), IsAnnotation)) {
                 ++read;
-                RecordingFile(entry.path(), file).Compare();
+                Compare(entry.path(), file);
             } else {
                 ++refused;
                 const auto english = RunLine("info %", {entry.path()});

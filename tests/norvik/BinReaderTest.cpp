@@ -10,14 +10,11 @@
 #include "base/DateTime.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/FileBytes.h"
-#include "norvik/Refusal.h"
 
 namespace quillon {
 namespace {
 
-using testing::ExpectReads;
-using testing::ExpectRefusal;
-using testing::FileBytes;
+using namespace ::quillon::testing;
 
 /// A file of random codes at 250 Hz.
 struct BinFile {
@@ -36,7 +33,7 @@ struct BinFile {
     }
     [[nodiscard]] RecordingContent Read() const { return ReadBin(file.Source()); }
     FileBytes file;
-    std::vector<testing::Codes> codes;
+    std::vector<Codes> codes;
 };
 
 TEST(BinReader, AcquisitionNumbersAreKeptAndOthersGiveWayToThePosition) {
@@ -104,12 +101,10 @@ TEST(BinReader, RefusalsNameThePlace) {
          {Case(0, 'x', 1, "no \"ABIN\" at byte 0"), Case(32, 0, 2, "channel count 0 at byte 32"),
           Case(24, 0, 4, "sample rate 0 at byte 24"), Case(24, 0xBF800000, 4, "sample rate -1 at byte 24"),
           Case(24, 0x7F800000, 4, "sample rate inf at byte 24"), Case(208, 0, 1, "no \"ADCh\" at byte 208"),
-          Case(288, 0, 1, "no \"data\" at byte 288"), Case(32, 0xFFFF, 2, "the header ends at byte 312 of 5242936")}) {
+          Case(288, 0, 1, "no \"data\" at byte 288"), Case(32, 0xFFFF, 2, "the header ends at byte 312 of 5242936")})
         ExpectRefusal(FileBytes(good).Patch(place, number, size).Source(), u"a.bin", part);
-    }
-    for (const auto& [size, of] : {std::pair{5U, "5 of 128"}, {127U, "127 of 128"}, {295U, "295 of 296"}}) {
+    for (const auto& [size, of] : {std::pair{5U, "5 of 128"}, {127U, "127 of 128"}, {295U, "295 of 296"}})
         ExpectRefusal(FileBytes(good).CutTo(size).Source(), u"a.bin", std::string("the header ends at byte ") + of);
-    }
 }
 
 }  // namespace

@@ -35,13 +35,12 @@ struct EdfBuilder {
     std::vector<Signal> signals{};
 
     /// Adds an annotation signal; `lists` holds the bytes of each record.
-    void Annotate(std::vector<std::string> lists, std::size_t samplesPerRecord = 30) {
-        signals.push_back({.label = bdf ? "BDF Annotations" : "EDF Annotations",
-                           .samplesPerRecord = samplesPerRecord,
-                           .lists = std::move(lists)});
+    void Annotate(std::vector<std::string> lists) {
+        const char* const label = bdf ? "BDF Annotations" : "EDF Annotations";
+        signals.push_back({.label = label, .samplesPerRecord = 30, .lists = std::move(lists)});
     }
 
-    [[nodiscard]] std::string Header() const {
+    [[nodiscard]] std::vector<std::uint8_t> Bytes() const {
         std::string out = bdf ? "\377BIOSEMI" : Field("0", 8);
         out += Field(patient, 80) + Field(recording, 80) + Field(date, 8) + Field(time, 8);
         out += Field(std::to_string(256 * (signals.size() + 1)), 8) + Field(reserved, 44);
@@ -60,11 +59,6 @@ struct EdfBuilder {
         out.append(80 * signals.size(), ' ');
         for (const Signal& signal : signals) out += Field(std::to_string(signal.samplesPerRecord), 8);
         out.append(32 * signals.size(), ' ');
-        return out;
-    }
-
-    [[nodiscard]] std::vector<std::uint8_t> Bytes() const {
-        std::string out = Header();
         const std::size_t width = bdf ? 3 : 2;
         for (std::size_t record = 0; record < recordCount; ++record) {
             for (const Signal& signal : signals) {

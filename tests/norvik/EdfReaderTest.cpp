@@ -6,15 +6,15 @@
 #include "base/DateTime.h"
 #include "base/Text.h"
 #include "norvik/BlockChecks.h"
+#include "norvik/EdfAnnotations.h"
 #include "norvik/EdfBuilder.h"
-#include "norvik/Refusal.h"
 
 namespace quillon {
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using testing::Marks;
+using namespace ::quillon::testing;
 using namespace std::string_literals;
 
 std::vector<std::string> Titles(const RecordingContent& content) {
@@ -50,15 +50,13 @@ TEST(EdfReader, AGapStartsABlockAndMarksFallIntoTheBlockOfTheirTime) {
     EXPECT_THAT(Marks(*content.blocks[2]), ElementsAre("3 twice"));
     EXPECT_THAT(Marks(*content.blocks[3]), ElementsAre("1 twice"));
     EXPECT_EQ(Iso8601(content.blocks[1]->StartTime()), "2020-02-01T12:00:10.500");
-    EXPECT_EQ(testing::AllCodes(*content.blocks[1], 1), (testing::Codes{8, 9, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(AllCodes(*content.blocks[1], 1), (Codes{8, 9, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(Info(file), "EDF+D, 1 signal, 6 records of 1 s; 4 stretches");
 }
 
 TEST(EdfReader, OnsetsWithinHalfASampleOfTheFastestSignalAreNoGap) {
-    EdfBuilder file{.bdf = true,
-                    .reserved = "BDF+D",
-                    .recordCount = 4,
-                    .signals = {{.samplesPerRecord = 2}, {.samplesPerRecord = 10}}};
+    EdfBuilder file{.bdf = true, .reserved = "BDF+D", .recordCount = 4, .signals = {{.samplesPerRecord = 2}, {}}};
+    file.signals[1].samplesPerRecord = 10;
     file.Annotate({Onset("+0"), Onset("+1.05"), Onset("+1.95"), Onset("+3.04")});
     EXPECT_EQ(ReadEdf(file.Source()).blocks.size(), 2U) << "two rates, one stretch";
     file.signals.back().lists[3] = Onset("+3.06");
@@ -85,16 +83,14 @@ TEST(EdfReader, RatesAndGroupsOf32MakeBlocksWithUniqueChannelNumbers) {
     const RecordingContent content = ReadEdf(file.Source());
     EXPECT_THAT(Titles(content),
                 ElementsAre("256 Hz, 1-31", "2 Hz, 2-32", "256 Hz, 33-64", "2 Hz, 34-48", "256 Hz, 65-70"));
-    int channels = 0;
     for (const auto& block : content.blocks) {
-        for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel, ++channels) {
+        for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel) {
             const int input = block->InputNumber(channel);
-            EXPECT_EQ(testing::AllCodes(*block, channel).at(0), input);
+            EXPECT_EQ(AllCodes(*block, channel).at(0), input);
             EXPECT_EQ(Utf8(block->ChannelTitle(channel)), "S" + std::to_string(input));
             EXPECT_EQ(block->ChannelNumber(channel), (input - 1) % 32);
         }
     }
-    EXPECT_EQ(channels, 70);
     EXPECT_THAT(Marks(*content.blocks[1]), ElementsAre("0 mark")) << "half a sample rounds to even";
     EXPECT_THAT(Marks(*content.blocks[4]), ElementsAre("64 mark"));
 }
@@ -132,37 +128,28 @@ TEST(EdfReader, RecordsAreCountedFromTheSizeWhereTheHeaderDoesNotTell) {
 
 TEST(EdfReader, WhatCannotBeReadIsRefusedWithItsPlace) {
     const auto refusal = [](const std::vector<std::uint8_t>& bytes) {
-        return testing::Refusal(std::make_shared<MemorySource>(bytes), u"a.edf");
+        return Refusal(std::make_shared<MemorySource>(bytes), u"a.edf");
     };
-    const std::vector<std::uint8_t> bytes =
-        EdfBuilder{.recordCount = 3, .signals = {{}, {.samplesPerRecord = 6}}}.Bytes();
-    ASSERT_EQ(refusal(bytes), "read");
-    const std::pair<int, std::string> cuts[] = {
-        {100, "the header ends at byte 100 of 256"},
-        {767, "the header ends at byte 767 of 768"},
-        {787, "no whole record: the first one takes bytes 768 to 788, the file ends at byte 787"}};
-    for (const auto& [size, reason] : cuts) EXPECT_EQ(refusal({bytes.begin(), bytes.begin() + size}), reason);
-
-    const auto lie = [&](std::size_t place, std::string text, std::size_t width) {
+    const auto bytes = EdfBuilder{.recordCount = 3, .signals = {{}, {.samplesPerRecord = 6}}}.Bytes();
+    const auto cut = [&](int size) { return refusal({bytes.begin(), bytes.begin() + size}); };
+    EXPECT_EQ(cut(100), "the header ends at byte 100 of 256");
+    EXPECT_EQ(cut(767), "the header ends at byte 767 of 768");
+    EXPECT_EQ(cut(787), "no whole record: the first one takes bytes 768 to 788, the file ends at byte 787");
+    const auto lie = [&](int place, std::string text, std::size_t width) {
         text.resize(width, ' ');
         std::vector<std::uint8_t> changed = bytes;
-        std::copy(text.begin(), text.end(), changed.begin() + static_cast<int>(place));
+        std::copy(text.begin(), text.end(), changed.begin() + place);
         return refusal(changed);
     };
     EXPECT_EQ(lie(0, "1", 8), "not EDF or BDF: version '1' at byte 0");
-    for (const std::string count : {"abcd", "33e3", "0", "-3", "", "1.5", "nan"}) {
+    for (const std::string count : {"abcd", "33e3", "0", "-3", "", "1.5", "nan"})
         EXPECT_EQ(lie(252, count, 4), "signal count '" + count + "' at byte 252");
-    }
     EXPECT_EQ(lie(252, "9999", 4), "the header ends at byte 828 of 2560000");
-    for (const std::string time : {"0", "-1", "inf", "1E300", "1e-300", "one", ""}) {
+    for (const std::string time : {"0", "-1", "inf", "1E300", "1e-300", "one", ""})
         EXPECT_EQ(lie(244, time, 8), "record duration '" + time + "' at byte 244");
-    }
-    const std::size_t samples = 256 + 216 * 2 + 8;
-    for (const std::string count : {"0", "-4", "x", "2.5", "1e300", ""}) {
-        EXPECT_EQ(lie(samples, count, 8), "samples per record '" + count + "' at byte 696");
-    }
-    EXPECT_THAT(lie(samples, "99999999", 8), HasSubstr("the first one takes bytes 768 to 200000774"));
-
+    for (const std::string count : {"0", "-4", "x", "2.5", "1e300", ""})
+        EXPECT_EQ(lie(696, count, 8), "samples per record '" + count + "' at byte 696");
+    EXPECT_THAT(lie(696, "99999999", 8), HasSubstr("the first one takes bytes 768 to 200000774"));
     EdfBuilder annotations{.seconds = "0"};
     annotations.Annotate({Onset("+0")});
     EXPECT_THAT(refusal(annotations.Bytes()), HasSubstr("annotations only"));
@@ -211,6 +198,53 @@ TEST(EdfReader, TextsAndDates) {
     file.time = "25.00.00";
     EXPECT_EQ(start("02.03.02", ""), "2002-03-02T00:00:00.000");
     EXPECT_THAT(Info(file), HasSubstr("start time '25.00.00' at byte 176 cannot be read"));
+}
+
+/// Bytes of lists: "|" ends a text, "~" begins a duration, "_" is a zero.
+std::string Lists(std::string text) {
+    for (char& sign : text) sign = sign == '|' ? '\x14' : sign == '~' ? '\x15' : sign == '_' ? '\0' : sign;
+    return text;
+}
+
+/// What one record gives: "onset;" when it tells one, "at text;" of every annotation, "!" for every damaged list.
+std::string Parse(const std::string& bytes, std::size_t piece) {
+    EdfAnnotations annotations;
+    for (std::size_t at = 0; at < bytes.size(); at += piece)
+        annotations.Feed(std::string_view(bytes).substr(at, piece));
+    const std::optional<double> onset = annotations.EndRecord();
+    std::string out = onset ? Utf8(ShortestDecimal(*onset)) + ";" : "";
+    for (const EdfAnnotation& annotation : annotations.All())
+        out += Utf8(ShortestDecimal(annotation.onset)) + " " + Utf8(annotation.text) + ";";
+    return out + std::string(annotations.Malformed(), '!');
+}
+
+TEST(EdfAnnotations, ListsHoldToTheirFormOrAreCounted) {
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"-0.065||Recording starts|___", "-0.065;-0.065 Recording starts;"},
+        {"+1||_+1.5~2.25|a|b|__+2|c|", "1;1.5 a;1.5 b;2 c;"},
+        {"+3|text first|_+4||_", "3 text first;"},  // tells no onset of the record
+        {"+1||_+2|caf\xE9 |_+3|caf\xC3\xA9|_", "1;2 caf\xC3\xA9 ;3 caf\xC3\xA9;"},
+        {"+12345678.000000001|a|_", "12345678.000000002 a;"},
+        // No sign, no digits, an exponent, two points, a number that is none, no end, not even a stamp.
+        {"5|a|_+|a|_+1e3|a|_+1.2.3|a|_+nan|a|_+5|a_+5", "!!!!!!!"},
+        {"+99999999999999|a|_--1|a|_||_~~_ +1|a|_", "!!!!!"},
+        {"+1||" + std::string(2000000, 'x') + "|_+2|b|_", "2 b;!"},
+        {"___", ""}};
+    for (const auto& [text, expected] : cases)
+        for (const std::size_t piece : {1U, 3U, 1000000U}) EXPECT_EQ(Parse(Lists(text), piece), expected) << piece;
+}
+
+TEST(EdfAnnotations, RecordsDoNotRunIntoEachOther) {
+    EdfAnnotations annotations;
+    const auto record = [&](const std::string& text) {
+        annotations.Feed(Lists(text));
+        return annotations.EndRecord();
+    };
+    EXPECT_EQ(record("+1||"), 1.0);
+    EXPECT_EQ(record("|a|"), std::nullopt);
+    EXPECT_EQ(record("+3||"), 3.0);
+    EXPECT_EQ(record(""), std::nullopt);
+    EXPECT_EQ(annotations.Malformed(), 1U);
 }
 
 }  // namespace

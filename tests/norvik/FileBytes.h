@@ -14,7 +14,6 @@ namespace quillon::testing {
 /// The bytes of a file under construction; numbers are little-endian.
 class FileBytes {
   public:
-    FileBytes& U8(std::uint8_t value) { return Number(value, 1); }
     FileBytes& U16(std::uint16_t value) { return Number(value, 2); }
     FileBytes& U32(std::uint32_t value) { return Number(value, 4); }
     FileBytes& U64(std::uint64_t value) { return Number(value, 8); }
@@ -25,7 +24,7 @@ class FileBytes {
         return *this;
     }
     FileBytes& Text(std::string_view text) {
-        for (const char letter : text) m_bytes.push_back(static_cast<std::uint8_t>(letter));
+        m_bytes.insert(m_bytes.end(), text.begin(), text.end());
         return *this;
     }
     /// Text in a field of `size` bytes, filled up with zeros.
@@ -48,8 +47,8 @@ class FileBytes {
     }
     /// Overwrites what is there.
     FileBytes& Patch(std::size_t offset, std::uint64_t value, std::size_t size) {
-        for (std::size_t at = 0; at < size; ++at)
-            m_bytes.at(offset + at) = static_cast<std::uint8_t>(value >> (8 * at));
+        const FileBytes number = FileBytes().Number(value, size);
+        std::copy(number.m_bytes.begin(), number.m_bytes.end(), &m_bytes.at(offset));
         return *this;
     }
     FileBytes& CutTo(std::size_t size) {

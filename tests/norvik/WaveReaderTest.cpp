@@ -10,7 +10,6 @@
 #include "base/DateTime.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/FileBytes.h"
-#include "norvik/Refusal.h"
 
 namespace quillon {
 namespace {
@@ -29,6 +28,10 @@ FileBytes Form(const FileBytes& chunks, std::string_view id = "RIFF") {
     return FileBytes().Text(id).U32(static_cast<std::uint32_t>(chunks.Size() + 4)).Text("WAVE").Add(chunks);
 }
 
+FileBytes File(const FileBytes& format, const FileBytes& data) {
+    return Form(FileBytes().Chunk("fmt ", format).Chunk("data", data));
+}
+
 /// A file of the samples 0, 1, 2, ... in one channel of 16 bits, with chunks before and after the data.
 FileBytes Ramp(std::size_t samples, const FileBytes& before = {}, const FileBytes& after = {}) {
     FileBytes data;
@@ -44,76 +47,61 @@ std::shared_ptr<FileBlock> OnlyBlock(const FileBytes& file) {
     return content.blocks.at(0);
 }
 
-struct Coding {
-    int tag;
-    int bits;
-    std::size_t bytes;
-};
+using Coding = std::tuple<int, int, std::size_t>;  // format tag, bits of a sample, its bytes
 
-/// A file of random samples, and what each of them is worth at full scale 1.
-struct RandomWave {
-    FileBytes file;
-    std::vector<std::vector<double>> values;
-
-    RandomWave(const Coding& coding, std::size_t channels, std::size_t frames, bool extensible) {
-        // A frame may be longer than its samples where these fill their bytes.
-        const std::size_t padding = extensible && coding.bits > static_cast<int>(8 * coding.bytes - 8) ? 1 : 0;
-        std::mt19937_64 random(channels);
-        values.assign(channels, {});
-        FileBytes data;
-        const int containerBits = static_cast<int>(8 * coding.bytes);
-        for (std::size_t at = 0; at < frames * channels; ++at) {
-            const auto raw = static_cast<std::int64_t>(random()) >> (64 - containerBits);
-            const double value = std::ldexp(static_cast<double>(raw), 1 - containerBits);
-            values[at % channels].push_back(coding.bytes == 4 && coding.tag == 3 ? static_cast<float>(value) : value);
-            if (coding.tag == 3 && coding.bytes == 4) data.F32(static_cast<float>(value));
-            if (coding.tag == 3 && coding.bytes == 8) data.F64(value);
-            const auto whole = static_cast<std::uint64_t>(coding.bytes == 1 ? raw + 128 : raw);
-            if (coding.tag == 1) data.Number(whole, coding.bytes);
-            if (at % channels == channels - 1) data.Number(0x55, padding);
-        }
-        FileBytes format = Format(extensible ? 0xFFFE : coding.tag, static_cast<int>(channels), coding.bits,
-                                  static_cast<int>(channels * coding.bytes + padding));
-        if (extensible) {
-            format.U16(22).U16(static_cast<std::uint16_t>(coding.bits)).U32(0);
-            format.U32(static_cast<std::uint32_t>(coding.tag)).U32(0x00100000).U32(0xAA000080).U32(0x719B3800);
-        }
-        file = Form(FileBytes().Chunk("fmt ", format).Chunk("data", data));
+/// A file of random samples is read to the nearest code, and alike by every call.
+void ExpectNearest(const Coding& coding, std::size_t channels, std::size_t frames, bool extensible) {
+    const auto [tag, bits, bytes] = coding;
+    const int container = static_cast<int>(8 * bytes);
+    // A frame may be longer than its samples where these fill their bytes.
+    const std::size_t padding = extensible && bits > container - 8 ? 1 : 0;
+    std::mt19937_64 random(channels);
+    std::vector<std::vector<double>> values(channels);
+    FileBytes data;
+    for (std::size_t at = 0; at < frames * channels; ++at) {
+        const auto raw = static_cast<std::int64_t>(random()) >> (64 - container);
+        double value = std::ldexp(static_cast<double>(raw), 1 - container);
+        const auto single = static_cast<float>(value);
+        if (tag == 3 && bytes == 4) value = static_cast<double>(single);
+        values[at % channels].push_back(value);
+        const auto whole = static_cast<std::uint64_t>(bytes == 1 ? raw + 128 : raw);
+        data.Add(tag == 1     ? FileBytes().Number(whole, bytes)
+                 : bytes == 4 ? FileBytes().F32(single)
+                              : FileBytes().F64(value));
+        if (at % channels == channels - 1) data.Number(0x55, padding);
     }
-};
-
-/// The codes stand for the values to the nearest code, and every call reads them alike.
-void ExpectNearest(RecordingBlock& block, const std::vector<std::vector<double>>& values, std::size_t firstChannel) {
-    std::vector<Codes> codes;
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        const std::size_t ordinal = firstChannel + static_cast<std::size_t>(channel) - 1;
-        codes.push_back(AllCodes(block, channel));
-        const auto scale = static_cast<double>(block.ChannelScale(channel));
-        const auto offset = static_cast<double>(block.ChannelOffset(channel));
-        // Half a code, and 32000 codes times the rounding of the scale to single precision.
-        const double allowed = scale * (0.5 + 32000.0 * 0x1p-24) + std::abs(offset) * 0x1p-24;
-        for (std::size_t at = 0; at < codes.back().size(); ++at) {
-            ASSERT_NEAR(codes.back()[at] * scale + offset, values[ordinal][at], allowed) << at;
+    FileBytes format = Format(extensible ? 0xFFFE : tag, static_cast<int>(channels), bits,
+                              static_cast<int>(channels * bytes + padding));
+    if (extensible)
+        format.U16(22).U16(16).U32(0).U32(static_cast<std::uint32_t>(tag)).U32(0x00100000).U64(0x719B3800AA000080);
+    const RecordingContent content = ReadWave(File(format, data).Source());
+    ASSERT_EQ(content.blocks.size(), (channels + 31) / 32);
+    std::size_t ordinal = 0;
+    for (const auto& block : content.blocks) {
+        std::vector<Codes> codes;
+        for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel, ++ordinal) {
+            codes.push_back(AllCodes(*block, channel));
+            const auto scale = static_cast<double>(block->ChannelScale(channel));
+            const auto offset = static_cast<double>(block->ChannelOffset(channel));
+            // Half a code, and 32000 codes times the rounding of the scale to single precision.
+            const double allowed = scale * (0.5 + 32000.0 * 0x1p-24) + std::abs(offset) * 0x1p-24;
+            for (std::size_t at = 0; at < codes.back().size(); ++at)
+                ASSERT_NEAR(codes.back()[at] * scale + offset, values[ordinal][at], allowed) << at;
+            EXPECT_EQ(block->ChannelNumber(channel), static_cast<int>(ordinal % 32));
+            EXPECT_EQ(block->InputNumber(channel), static_cast<int>(ordinal + 1));
+            EXPECT_EQ(block->ChannelUnit(channel), u"FS");
         }
-        EXPECT_EQ(block.ChannelNumber(channel), static_cast<int>(ordinal % 32));
-        EXPECT_EQ(block.InputNumber(channel), static_cast<int>(ordinal + 1));
-        EXPECT_EQ(block.ChannelUnit(channel), u"FS");
+        ExpectReads(*block, codes);
     }
-    ExpectReads(block, codes);
 }
 
 TEST(WaveReader, EveryCodingIsReadAlikeByEveryCallAndToTheNearestCode) {
     for (const Coding& coding :
-         {Coding{1, 8, 1}, Coding{1, 16, 2}, Coding{1, 12, 2}, Coding{1, 24, 3}, Coding{1, 20, 3}, Coding{1, 24, 4},
-          Coding{1, 32, 4}, Coding{3, 32, 4}, Coding{3, 64, 8}}) {
+         {Coding(1, 8, 1), Coding(1, 16, 2), Coding(1, 12, 2), Coding(1, 24, 3), Coding(1, 20, 3), Coding(1, 24, 4),
+          Coding(1, 32, 4), Coding(3, 32, 4), Coding(3, 64, 8)}) {
         for (const std::size_t channels : {1U, 2U, 3U, 8U, 40U}) {
-            SCOPED_TRACE(::testing::Message() << coding.tag << ", " << coding.bits << " bits, " << channels);
-            const RandomWave wave(coding, channels, channels == 2 ? 70000 : 1500, channels == 3);
-            const RecordingContent content = ReadWave(wave.file.Source());
-            ASSERT_EQ(content.blocks.size(), (channels + 31) / 32);
-            for (std::size_t at = 0; at < content.blocks.size(); ++at) {
-                ExpectNearest(*content.blocks[at], wave.values, 32 * at);
-            }
+            SCOPED_TRACE(::testing::PrintToString(coding));
+            ExpectNearest(coding, channels, channels == 2 ? 70000 : 1500, channels == 3);
         }
     }
 }
@@ -122,9 +110,7 @@ TEST(WaveReader, FloatsMadeFromSixteenBitsComeBackAsThem) {
     FileBytes floats;
     for (const int code : {-32768, -3, 0, 32767}) floats.F32(static_cast<float>(code) / 32768.0F);
     floats.F32(std::numeric_limits<float>::quiet_NaN());
-    const auto read = [&] {
-        return OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(3, 1, 32, 4)).Chunk("data", floats)));
-    };
+    const auto read = [&] { return OnlyBlock(File(Format(3, 1, 32, 4), floats)); };
     EXPECT_EQ(AllCodes(*read(), 1), (Codes{-32768, -3, 0, 32767, 0}));
     EXPECT_EQ(read()->ChannelScale(1), 1.0F / 32768);
     floats.F32(0.1F);
@@ -135,16 +121,15 @@ TEST(WaveReader, SamplesThatAreNoNumbersAndHugeOnesStayInRange) {
     const double huge = std::numeric_limits<double>::max();
     const double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    const std::pair<std::vector<double>, Codes> cases[] = {
-        {{-huge, huge, nan}, {-32000, 32000, 0}},
-        {{5.0, 100000.0, nan, infinity, -infinity}, {-32000, 32000, -32003, 32767, -32768}},
-        {{0.0, 5e-324}, {0, 0}},  // a span too small for a step is none
-        {{7.25, 7.25}, {0, 0}},
-        {{nan, infinity}, {0, 32767}}};
-    for (const auto& [samples, codes] : cases) {
+    using Case = std::pair<std::vector<double>, Codes>;
+    for (const auto& [samples, codes] :
+         {Case({-huge, huge, nan}, {-32000, 32000, 0}),
+          Case({5.0, 100000.0, nan, infinity, -infinity}, {-32000, 32000, -32003, 32767, -32768}),
+          Case({0.0, 5e-324}, {0, 0}),  // a span too small for a step is none
+          Case({7.25, 7.25}, {0, 0}), Case({nan, infinity}, {0, 32767})}) {
         FileBytes data;
         for (const double sample : samples) data.F64(sample);
-        const auto block = OnlyBlock(Form(FileBytes().Chunk("fmt ", Format(3, 1, 64, 8)).Chunk("data", data)));
+        const auto block = OnlyBlock(File(Format(3, 1, 64, 8), data));
         EXPECT_EQ(AllCodes(*block, 1), codes) << samples[0];
         EXPECT_TRUE(std::isfinite(block->ChannelScale(1)));
     }
@@ -153,15 +138,13 @@ TEST(WaveReader, SamplesThatAreNoNumbersAndHugeOnesStayInRange) {
 TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
     FileBytes cues = FileBytes().U32(0xFFFF);
     for (const auto& [id, position, offset] :
-         {std::tuple{1U, 0U, 30U}, {2U, 9U, 9U}, {7U, 12U, 0U}, {8U, 99U, 99U}, {8U, 50U, 50U}, {9U, 0U, 100U}}) {
+         {std::tuple{1U, 0U, 30U}, {2U, 9U, 9U}, {7U, 12U, 0U}, {8U, 99U, 99U}, {8U, 50U, 50U}, {9U, 0U, 100U}})
         cues.U32(id).U32(position).Text("data").U32(0).U32(0).U32(offset);
-    }
     FileBytes texts = FileBytes().Text("adtl");
     using Text = std::tuple<const char*, std::uint32_t, std::string_view>;
     for (const auto& [kind, id, text] : {Text("note", 2, "note of 2\0"sv), Text("labl", 1, "one \0hidden"sv),
-                                         Text("labl", 1, "late"), Text("note", 1, "no"), Text("labl", 8, "\xEF")}) {
+                                         Text("labl", 1, "late"), Text("note", 1, "no"), Text("labl", 8, "\xEF")})
         texts.Chunk(kind, FileBytes().U32(id).Text(text));
-    }
     const FileBytes lists = FileBytes().Chunk("LIST", FileBytes().Text("INFOlabl")).Chunk("LIST", texts);
     EXPECT_THAT(Marks(*OnlyBlock(Ramp(100, FileBytes().Chunk("cue ", cues), lists))),
                 ElementsAre("9 note of 2", "12 7", "30 one", "50 8", "99 \u00EF"))
@@ -189,9 +172,8 @@ TEST(WaveReader, ChunksAreFoundInAnyOrderAndWithoutPadding) {
     const FileBytes second = FileBytes().Chunk("fmt ", Format(1, 7, 8, 7));
     for (const FileBytes& chunks : {FileBytes(data).Add(format), FileBytes().Chunk("junk", odd).Add(format).Add(data),
                                     FileBytes().Text("junk").U32(9).Add(odd).Add(format).Add(data),
-                                    FileBytes(format).Add(second).Add(data).Chunk("data", odd)}) {
+                                    FileBytes(format).Add(second).Add(data).Chunk("data", odd)})
         EXPECT_EQ(AllCodes(*OnlyBlock(Form(chunks)), 1), (Codes{5, 6}));
-    }
 }
 
 TEST(WaveReader, SizesThatLieAreCutToTheFile) {
@@ -229,8 +211,7 @@ TEST(WaveReader, LongSizesStandInForThoseOfAllOnes) {
 
 TEST(WaveReader, RefusalsNameWhatAndWhere) {
     const auto refused = [](const FileBytes& format, const std::string& part) {
-        const FileBytes data = FileBytes().Chunk("data", FileBytes().Zeros(64));
-        ExpectRefusal(Form(FileBytes().Chunk("fmt ", format).Add(data)).Source(), u"a.wav", part);
+        ExpectRefusal(File(format, FileBytes().Zeros(64)).Source(), u"a.wav", part);
     };
     using Case = std::tuple<int, int, int, int, std::string>;
     for (const auto& [tag, channels, bits, bytes, part] :

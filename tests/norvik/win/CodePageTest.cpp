@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "norvik/SystemBytes.h"
-
 namespace quillon {
 namespace {
 
@@ -22,11 +20,6 @@ TEST(CodePageTest, FieldsEndBehindAWholeCharacter) {
     EXPECT_EQ(ToCodePage(CP_UTF8, u"\U0001D11E\U0001D11E", 7), "\xF0\x9D\x84\x9E");
     EXPECT_EQ(ToCodePage(932, u"脳波", 3), ToCodePage(932, u"脳", 32));
     EXPECT_EQ(ToCodePage(1251, u"ЭЭГ", 2), "\xDD\xDD");
-}
-
-TEST(CodePageTest, TheSystemsOwnBytesAreReadBack) {
-    EXPECT_EQ(FromUtf8OrSystemBytes(SystemBytes(u"\u00B5V", 24)), u"\u00B5V");
-    EXPECT_EQ(FromUtf8OrSystemBytes("\xD0\xAD"), u"Э") << "UTF-8 comes first";
 }
 
 }  // namespace
