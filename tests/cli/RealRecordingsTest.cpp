@@ -23,11 +23,6 @@ bool IsAnnotation(const json& signal) {
     return signal.at("label").get<std::string>().ends_with(" Annotations");
 }
 
-/// Equal for rates that differ by rounding only.
-double RateKey(const json& rate) {
-    return std::round(rate.get<double>() * 1e6);
-}
-
 std::string Crc32(const std::string& bytes) {
     std::uint32_t state = 0xFFFFFFFFU;
     for (const char byte : bytes) {
@@ -89,8 +84,8 @@ void Compare(const std::filesystem::path& path, const json& file) {
     // Signals keep their order inside the blocks of one rate; none of these files has gaps.
     std::vector<std::size_t> taken(blocks.size());
     const auto offers = [&](std::size_t at, const json& signal) {
-        return RateKey(blocks[at].at("rate")) == RateKey(signal.at("rate_hz")) &&
-               taken[at] < blocks[at].at("channels").size();
+        const double difference = blocks[at].at("rate").get<double>() - signal.at("rate_hz").get<double>();
+        return std::fabs(difference) < 1e-6 && taken[at] < blocks[at].at("channels").size();
     };
     for (const json& signal : file.at("signals")) {
         if (IsAnnotation(signal)) continue;
