@@ -1,4 +1,4 @@
-// Sparse files: elsewhere a file that grows may be filled with written zeros, here 5 GiB of them.
+// Sparse files: elsewhere a file that grows may be filled with written zeros, here 9 GiB of them.
 #include <gtest/gtest.h>
 
 #include "RecordingWriters.h"
@@ -13,16 +13,15 @@ using testing::FileBytes;
 
 TEST(LargeFile, SamplesBeyondFourGibibytesAreReached) {
     const testing::TemporaryFolder folder;
-    constexpr std::uint64_t size = 5ULL << 30;
+    constexpr std::uint64_t size = 9ULL << 30;  // so that the second block, too, begins beyond 32 bits
     // The size has wrapped in the first and the third file; in the second the long size tells it.
     FileBytes wrapped;
-    wrapped.Text("RIFF").U32(0).Text("WAVEfmt ").U32(16).U16(1).U16(1).U32(100).U32(200).U16(2).U16(16);
+    wrapped.Text("RIFF").U32(0).Text("WAVEfmt ").U32(16).U16(1).U16(2).U32(100).U32(400).U16(4).U16(16);
     wrapped.Text("data").U32(static_cast<std::uint32_t>(size - 44));
     FileBytes longer;
     longer.Text("RF64").U32(0xFFFFFFFF).Text("WAVEds64").U32(28).U64(size - 8).U64(size - 80).U64(0).U32(0);
-    longer.Text("fmt ").U32(16).U16(1).U16(1).U32(100).U32(200).U16(2).U16(16).Text("data").U32(0xFFFFFFFF);
-    const FileBytes binary =
-        FileBytes().Text(samples::BinHeader(100.0F, "", {{"A", "V"}}, (size - 216) / 2 % (1U << 31)));
+    longer.Text("fmt ").U32(16).U16(1).U16(2).U32(100).U32(400).U16(4).U16(16).Text("data").U32(0xFFFFFFFF);
+    const FileBytes binary = FileBytes().Text(samples::BinHeader(100.0F, "", {{"A", ""}, {"B", ""}}, (size - 296) / 4));
     samples::EdfSignal signal;
     signal.samplesPerRecord = 1000000;
     const FileBytes edf = FileBytes().Text(samples::EdfHeader({signal, signal}, 2500));
