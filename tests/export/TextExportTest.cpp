@@ -16,16 +16,10 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::Key;
 
-/// Stores its samples as frames too, where asked.
-class TextBlock : public FakeBlock {
-  public:
+/// Stores its samples as frames, where asked.
+struct TextBlock : FakeBlock {
     bool framed = false;
     bool FramesAreCheap() const override { return framed; }
-    std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
-        for (auto i = static_cast<std::size_t>(first); count-- > 0; ++i)
-            for (const auto& channel : samples) *buffer++ = channel.at(i);
-        return 0;
-    }
 };
 
 std::vector<std::string> Split(const std::string& text, char separator) {
@@ -93,10 +87,10 @@ TEST(FixedTextTest, EqualsPrintf) {
     }
     check(std::numeric_limits<float>::max(), FixedText::kMostDecimals);
     check(std::numeric_limits<float>::denorm_min(), 50);
-    std::string texts(512, ' ');
+    std::array<char, 4 * FixedText::kRoom> texts{};
     char* end = texts.data();
     for (const float value : {1e10F, -2.5F, std::nanf(""), -HUGE_VALF}) end = FixedText(2, ',').Write(end, value);
-    EXPECT_EQ("10000000000,00-2,50NaN-Inf", std::string(texts.data(), end));
+    EXPECT_STREQ("10000000000,00-2,50NaN-Inf", texts.data());
 }
 
 TEST_F(TextExportTest, RowsReadBackAsTheValuesFromEitherOrderOfSamples) {
@@ -141,53 +135,45 @@ TEST_F(TextExportTest, HeadersTitlesAndXColumn) {
     EXPECT_EQ("150", xOfSecondRow());
 }
 
-TEST_F(TextExportTest, FilesPerChannelAndWhatEndsAnExport) {
+TEST_F(TextExportTest, FilesPerChannelAreAnnounced) {
     settings.fileType = 0;
     EXPECT_TRUE(ExportText(u"c:\\x.y\\name.txt", block, 1, 3, settings, context));
     EXPECT_THAT(texts, ElementsAre(Key(u"c:\\x.y\\name1.txt"), Key(u"c:\\x.y\\name5.txt"), Key(u"c:\\x.y\\name8.txt")));
     EXPECT_EQ(u"c:\\x.y\\name3", ChannelFileName(u"c:\\x.y\\name", 2));
-    EXPECT_TRUE(ExportText(u"Clipboard", block, 1, 150, settings, context));
-    EXPECT_EQ(u"Clipboard", context.incomplete.back());
-    EXPECT_EQ(u"", services.status);
     texts.clear();
-    context.runPending = [chunks = 0]() mutable { return ++chunks < 2; };
-    EXPECT_FALSE(ExportText(u"a.txt", block, 1, 150, settings, context));
-    EXPECT_EQ(1U, texts.size());
-    EXPECT_EQ(u"Export to text: 50% ", services.status);
-    EXPECT_FALSE(ExportText(u"b.txt", block, 151, 1, settings, context));
-    block.numbers = {40, 41, 42};
-    EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
-    EXPECT_EQ(1U, texts.size());
-}
-
-TEST_F(TextExportTest, FilesAreAnnouncedAndRefusalsKept) {
-    settings.fileType = 0;
     settings.channels = 1;
     slots[0].shown = false;
     EXPECT_THAT(TextExportFiles(u"d\\a.txt", block, settings, slots), ElementsAre(u"d\\a5.txt", u"d\\a8.txt"));
     ASSERT_TRUE(ExportText(u"d\\a.txt", block, 1, 3, settings, context));
     EXPECT_THAT(texts, ElementsAre(Key(u"d\\a5.txt"), Key(u"d\\a8.txt")));
+}
+
+TEST_F(TextExportTest, WhatEndsAnExport) {
+    room = 0;
+    EXPECT_EQ(Lines(1, 150).size(), 100U) << "the first chunk: nothing more is formatted for a full disk";
+    EXPECT_THAT(context.incomplete, ElementsAre(u"a.txt"));
+    EXPECT_EQ(u"", services.status);
+    room = std::string::npos;
+    texts.clear();
+    context.runPending = [chunks = 0]() mutable { return ++chunks < 2; };
+    EXPECT_FALSE(ExportText(u"a.txt", block, 1, 150, settings, context));
+    EXPECT_EQ(u"Export to text: 50% ", services.status);
+    EXPECT_FALSE(ExportText(u"b.txt", block, 151, 1, settings, context));
+    block.numbers = {40, 41, 42};
+    EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
+    EXPECT_EQ(1U, texts.size());
+    block.numbers = {0, 1, 2};
     context.open = [](const std::u16string&, std::u16string& error) { return error = u"full", nullptr; };
     EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
     EXPECT_EQ(context.refusal, u"full");
 }
 
-TEST_F(TextExportTest, NothingIsFormattedForAFullDisk) {
-    room = 0;
-    EXPECT_EQ(Lines(1, 150).size(), 100U) << "the first chunk";
-    EXPECT_THAT(context.incomplete, ElementsAre(u"a.txt"));
-    EXPECT_EQ(services.status, u"");
-}
-
-TEST_F(TextExportTest, OnlyAFileWithForeignLettersIsMarkedAsUtf8) {
+TEST_F(TextExportTest, TheClipboardsTextIsNotMarkedAsUtf8) {
     settings = {1, 0, 0, 0, 0, 1, 0, 0};
-    EXPECT_EQ(Lines(1, 1)[0], "Ch1\tCh5\tCh8\r");
     slots[0].title = u"\u042d\u042d\u0413";
     EXPECT_EQ(Lines(1, 1)[0], "\xEF\xBB\xBF\xD0\xAD\xD0\xAD\xD0\x93\tCh5\tCh8\r");
     ExportText(u"Clipboard", block, 1, 1, settings, context);
     EXPECT_EQ(texts[u"Clipboard"].substr(0, 2), "\xD0\xAD");
-    context.utf8Mark = false;
-    EXPECT_EQ(Lines(1, 1)[0].substr(0, 2), "\xD0\xAD");
 }
 
 }  // namespace

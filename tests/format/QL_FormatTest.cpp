@@ -20,12 +20,11 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 /// The number at the start of a text, blanks in front skipped.
 template <typename Real = double>
-Real Parsed(std::u16string_view text, std::u16string* rest = nullptr) {
+Real Parsed(std::u16string_view text) {
     const std::string bytes = Utf8(text);
     const std::size_t first = std::min(bytes.find_first_not_of(' '), bytes.size());
     Real number{};
-    const auto end = std::from_chars(bytes.data() + first, bytes.data() + bytes.size(), number).ptr;
-    if (rest != nullptr) *rest = Utf16({end, bytes.data() + bytes.size()});
+    std::from_chars(bytes.data() + first, bytes.data() + bytes.size(), number);
     return number;
 }
 
@@ -75,8 +74,6 @@ TEST(NumberText, ExponentsChangeExactlyAtPowersOfTen) {
         const double power = Parsed(u"1E" + Decimal(n));
         ASSERT_EQ(DecimalExponent(power), n);
         ASSERT_EQ(DecimalExponent(-std::nextafter(power, 0.0)), n - 1) << n;
-        if (n < -37 || n > 38) continue;
-        ASSERT_EQ(DecimalExponent(std::nextafter(static_cast<float>(power), 0.0F)), n - 1) << n;
     }
     for (const double none : {0.0, kNan, kInfinity}) EXPECT_EQ(DecimalExponent(none), 0);
 }
@@ -100,9 +97,7 @@ TEST(NumberText, Patterns) {
     EXPECT_EQ(write({0.00125, -1}, u"0.0##%"), "0,125%|-100,0%|");
     EXPECT_EQ(write({20, -1.25}, u"0.## M"), "20 M|-1,25 M|");
     EXPECT_EQ(write({7}, u"000") + write({5}, u""), "007|5|");
-    EXPECT_EQ(ScaleNumberPattern(0.0F) + ScaleNumberPattern(1.0F), u"00");
-    EXPECT_EQ(ScaleNumberPattern(-0.5F), u"0.0#");
-    EXPECT_EQ(ScaleNumberPattern(0.01F), u"0.0##");
+    EXPECT_EQ(ScaleNumberPattern(-0.5F) + ScaleNumberPattern(0.01F) + ScaleNumberPattern(1.0F), u"0.0#0.0##0");
     // The labels of a scale tell its steps apart and read back as themselves, whatever the step's magnitude.
     for (const float step : {1e-40F, 2e-30F, 0.002F, 0.01F, 0.05F, 0.5F, 1.0F, 200.0F, 1e30F}) {
         for (int n = -30; n <= 30; ++n) {
@@ -127,10 +122,7 @@ TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
     plain.unitScaling = false;
     plain.decimalSeparator = u',';
     EXPECT_EQ(Values({0.05, -2e5}, u"mV", plain), " 0,05 mV|-200000 mV|");
-    EXPECT_EQ(ChoosePrefix(0.05F, u"", plain).unit, u"V");
-    EXPECT_EQ(ChoosePrefix(0.0F, u"A", {}).unit, u"mkA");
-    EXPECT_FALSE(IsPrefixable(u"V", plain));
-    EXPECT_TRUE(IsPrefixable(u"", {}));
+    EXPECT_EQ(ChoosePrefix(0.05F, u"", plain).unit + ChoosePrefix(0.0F, u"A", {}).unit, u"VmkA");
     const std::pair<float, int> bounds[] = {{1e5F, -6}, {100.0F, -3}, {0.1F, 0}, {1e-4F, 3}};
     for (const auto& [bound, exponent] : bounds) {
         EXPECT_EQ(ChoosePrefix(-bound, u"V", {}).exponent, exponent);
@@ -146,9 +138,6 @@ TEST(FormatValue, DigitsFollowTheOptions) {
     EXPECT_EQ(Values({2.125, -0.004, 0.0625}, u"K", digits), " 2.12 K| 0 K| 0.06 K|");
     digits.digitsCount = std::numeric_limits<int>::max();
     EXPECT_EQ(Values({0.1, 1e-45}, u"K", digits), " 0.1 K| 1E-45 K|");
-    digits.digitsAreDecimals = false;
-    EXPECT_EQ(Values({0.1, 1e-45}, u"K", digits), " 0.1 K| 1E-45 K|");
-    digits.digitsAreDecimals = true;
     digits.digitsCount = -1;
     EXPECT_EQ(Values({12.34567}, u"K", digits), " 12.346 K|");
     // Any unit and magnitude: the text reads back as the value to half a unit of the fifth digit.
@@ -156,15 +145,14 @@ TEST(FormatValue, DigitsFollowTheOptions) {
     for (int round = 0; round < 50000; ++round) {
         const double magnitude = std::pow(10.0, std::uniform_real_distribution<double>(-30, 30)(random));
         const auto value = static_cast<float>(round % 2 == 0 ? magnitude : -magnitude);
-        std::u16string unit(kUnits[static_cast<std::size_t>(round) % kUnits.size()]), rest;
+        std::u16string unit(kUnits[static_cast<std::size_t>(round) % kUnits.size()]);
         if (round % 3 > 0) unit.insert(0, 1, round % 3 == 1 ? u'm' : u'k');
         const PrefixedUnit prefixed = ChoosePrefix(value, unit, {});
         const std::u16string text = FormatValue(value, unit, {});
         const double expected = static_cast<double>(value) * std::pow(10.0, prefixed.exponent);
         const double tolerance = 0.501 * std::pow(10.0, std::floor(std::log10(std::fabs(expected))) - 4.0);
-        ASSERT_NEAR(Parsed(text, &rest), expected, tolerance + std::fabs(expected) * 1e-7) << Utf8(text);
-        ASSERT_EQ(rest, u' ' + prefixed.unit);
-        ASSERT_EQ(text.front(), value < 0.0F ? u'-' : u' ');
+        ASSERT_NEAR(Parsed(text), expected, tolerance + std::fabs(expected) * 1e-7) << Utf8(text);
+        ASSERT_TRUE(text.ends_with(u' ' + prefixed.unit) && text.front() == (value < 0.0F ? u'-' : u' '));
     }
 }
 
@@ -208,15 +196,14 @@ TEST(Format, NoNumberBreaksAText) {
     EXPECT_EQ(Values({kNan, -kInfinity}, u"V"), " NaN V|-Inf V|");
     EXPECT_EQ(FormatTime(kNan, u" ", {}), u"NaN s");
     EXPECT_EQ(Hertz(kInfinity), u"Inf GHz");
-    const double extremes[] = {kNan, kInfinity, 5e-324, 2.3e-308, 1e-45, 3.4028235677973366e38, 1e14, 9.3e18, 1.7e308};
-    for (const double extreme : extremes) {
+    for (const double extreme : {kNan, kInfinity, 5e-324, 1e-45, 3.4028235677973366e38, 1e14, 9.3e18, 1.7e308}) {
         for (const double value : {extreme, -extreme}) {
-            std::vector<std::u16string> texts{Hertz(value), FormatPattern(value, u"0.0##%", u'.')};
+            std::vector<std::u16string> texts{Hertz(value), FormatPattern(value, u"0.0##%", u'.'),
+                                              FormatValue(static_cast<float>(std::fmin(value, 3e38)), u"K", {})};
             for (int unit = 0; unit <= 5; ++unit) {
                 texts.push_back(FormatTime(value, u" ", Unit(unit)));
                 texts.push_back(FormatTimeNumber(value, value, Unit(unit)));
             }
-            if (!(std::fabs(value) > 3.4028234e38)) texts.push_back(FormatValue(static_cast<float>(value), u"K", {}));
             for (const std::u16string& text : texts) {
                 EXPECT_FALSE(text.empty() || text.size() > 330);
                 EXPECT_FALSE(text.starts_with(u"-0 ") || text == u"-0") << Utf8(text);

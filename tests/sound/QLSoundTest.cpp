@@ -15,8 +15,17 @@ namespace {
 
 class QLSoundTest : public ::testing::Test {
   protected:
+    /// Two channels: 0, 1, 2 ... and 0, -1, -2 ...
     void SetUp() override {
-        Load(10000);
+        fake->samples.resize(2);
+        for (int at = 0; at < 10000; ++at) {
+            fake->samples[0].push_back(static_cast<std::int16_t>(at));
+            fake->samples[1].push_back(static_cast<std::int16_t>(-at));
+        }
+        view.block = fake;
+        view.sampleCount = 10000;
+        view.sampleRate = 100.0;
+        view.channelCount = 2;
         sound.emplace(view, services, [this](SoundOutputEvents events) {
             device.events = std::move(events);
             return std::make_unique<FakeOutput>(device);
@@ -26,24 +35,10 @@ class QLSoundTest : public ::testing::Test {
         sound->onPlayProgress = [this](std::int32_t sample) { told.push_back(std::to_string(sample)); };
     }
 
-    /// Two channels: 0, 1, 2 ... and 0, -1, -2 ...
-    void Load(int count) {
-        fake = std::make_shared<FakeBlock>();
-        fake->samples.resize(2);
-        for (int at = 0; at < count; ++at) {
-            fake->samples[0].push_back(static_cast<std::int16_t>(at));
-            fake->samples[1].push_back(static_cast<std::int16_t>(-at));
-        }
-        view.block = fake;
-        view.sampleCount = count;
-        view.sampleRate = 100.0;
-        view.channelCount = 2;
-    }
-
     std::vector<std::string> TakeCalls() { return std::exchange(device.calls, {}); }
 
     using Lines = std::vector<std::string>;
-    std::shared_ptr<FakeBlock> fake;
+    std::shared_ptr<FakeBlock> fake = std::make_shared<FakeBlock>();
     ViewBlock view;
     FakeServices services;
     DeviceState device;
@@ -69,25 +64,24 @@ TEST_F(QLSoundTest, FeedsTheRangeOnDemandInPieces) {
 }
 
 TEST_F(QLSoundTest, RateIsRoundedAndLimitedByTheDevice) {
-    const auto opened = [this](double rate, std::int32_t maximum) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    using Case = std::tuple<double, std::int32_t, std::int32_t>;  // rate, the device's maximum, rate opened
+    for (const auto& [rate, maximum, opened] : {Case{250.5, 192000, 250},
+                                                {251.5, 192000, 252},
+                                                {1e300, 192000, 192000},
+                                                {9.5, 8, 8},
+                                                {9.4, 8, 9},  // a rate below 10 is tried as it is
+                                                {0.5, 192000, 0},
+                                                {-3.0, 192000, 0},
+                                                {nan, 192000, 0}}) {
         view.sampleRate = rate;
         device.maximumRate = maximum;
-        TakeCalls();
         sound->Play(1, 1, 100);
-        return device.calls.back();
-    };
-    EXPECT_EQ(opened(250.5, 192000), "open 1 250");
-    EXPECT_EQ(opened(251.5, 192000), "open 1 252");
-    EXPECT_EQ(opened(250000.0, 192000), "open 1 192000");
-    EXPECT_EQ(opened(1e300, 192000), "open 1 192000");
-    EXPECT_EQ(opened(9.5, 8), "open 1 8");
-    EXPECT_EQ(opened(9.4, 8), "open 1 9") << "a rate below 10 is tried as it is";
-    for (const double none : {0.5, 0.0, -3.0, std::numeric_limits<double>::quiet_NaN()})
-        EXPECT_EQ(opened(none, 192000), "open 1 0") << none;
+        EXPECT_EQ(device.calls.back(), "open 1 " + std::to_string(opened)) << rate;
+    }
 }
 
 TEST_F(QLSoundTest, WhatCannotBePlayedLeavesItIdleWithAReason) {
-    const std::u16string noData = services.Text(5400);
     sound->Play(3, 1, 100);
     EXPECT_TRUE(device.calls.empty()) << "no such channel";
     EXPECT_EQ(sound->ErrorText(), u"");
@@ -102,13 +96,13 @@ TEST_F(QLSoundTest, WhatCannotBePlayedLeavesItIdleWithAReason) {
 
     constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
-    const std::pair<std::int32_t, std::int32_t> empty[] = {{1, 2},  {9999, 100},     {10001, 10},          {1, 0},
-                                                           {1, -5}, {kLowest, 5000}, {kHighest, kHighest}, {0, 100}};
+    const std::pair<std::int32_t, std::int32_t> empty[] = {{1, 2},          {9999, 100},          {1, -5},
+                                                           {kLowest, 5000}, {kHighest, kHighest}, {0, 100}};
     for (const auto& [first, count] : empty) {
         TakeCalls();
         sound->Play(1, first, count);
         EXPECT_FALSE(sound->Playing());
-        EXPECT_EQ(sound->ErrorText(), noData) << first << ' ' << count;
+        EXPECT_EQ(sound->ErrorText(), services.Text(5400)) << first << ' ' << count;
         EXPECT_EQ(TakeCalls(), Lines({"open 1 100", "stop"})) << "the device is freed";
     }
     sound->Play(1, 9998, 100);
@@ -124,14 +118,8 @@ TEST_F(QLSoundTest, WhatCannotBePlayedLeavesItIdleWithAReason) {
 }
 
 TEST_F(QLSoundTest, AReadErrorEndsThePlaybackAndFreesTheRecording) {
-    fake->failing = {"ReadFrames", "ReadCodes"};
-    sound->Play(0, 1, 10000);
-    EXPECT_FALSE(sound->Playing());
-    EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadFrames");
-
-    fake->failing.clear();
     sound->Play(1, 1, 10000);
-    fake->failing = {"ReadCodes"};
+    fake->failing = {"ReadFrames", "ReadCodes"};
     TakeCalls();
     device.events.moreWanted();
     EXPECT_EQ(TakeCalls(), Lines({"stop"}));
@@ -139,6 +127,9 @@ TEST_F(QLSoundTest, AReadErrorEndsThePlaybackAndFreesTheRecording) {
     device.events.stopped();
     EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadCodes") << "kept for the window";
     EXPECT_EQ(told, Lines({"stopped"}));
+    sound->Play(0, 1, 10000);
+    EXPECT_FALSE(sound->Playing());
+    EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadFrames");
     EXPECT_EQ(fake.use_count(), 2) << "held by the view and the test alone";
 }
 
@@ -177,20 +168,17 @@ TEST_F(QLSoundTest, WithoutADeviceNothingHappens) {
     }
     EXPECT_TRUE(device.calls.empty());
 
-    QLSound plugged(view, services, factories[2]);
     device.count = 1;
-    EXPECT_FALSE(plugged.Available());
-    EXPECT_TRUE(plugged.Refresh());
-    plugged.PutDevice(3);
-    EXPECT_EQ(plugged.Device(), 3);
-    EXPECT_EQ(plugged.DeviceName(0), u"card");
-    plugged.Play(1, 1, 100);
-    // The only device goes: what plays still has to be stopped.
+    EXPECT_TRUE(sound->Refresh());
+    sound->PutDevice(3);
+    EXPECT_EQ(sound->Device(), 3);
+    EXPECT_EQ(sound->DeviceName(0), u"card");
+    sound->Play(1, 1, 100);
     device.count = 0;
-    plugged.Refresh();
+    EXPECT_FALSE(sound->Refresh());
     TakeCalls();
-    plugged.Stop();
-    EXPECT_EQ(TakeCalls(), Lines({"stop"}));
+    sound->Stop();
+    EXPECT_EQ(TakeCalls(), Lines({"stop"})) << "the only device is gone, but what plays has to be stopped";
 }
 
 TEST(PlayPosition, CountsOnWhenTheDeviceStartsAgainAndNeverBack) {

@@ -20,9 +20,7 @@ TEST(PaletteTest, LandmarksOfEveryPaletteAndOfTheBar) {
     EXPECT_EQ(Rgb(2, 128), (std::array{128, 128, 128}));
     // Halves but for the quotient's rounding to a single: 76.5 lies above, 229.5 below.
     EXPECT_EQ(Rgb(1, 60), (std::array{0, 77, 0}));
-    EXPECT_EQ(Rgb(1, 180)[1], 229);
-    for (std::int16_t kind = 0; kind <= 2; ++kind) EXPECT_EQ(Rgb(kind, 255), (std::array{255, 255, 255}));
-    EXPECT_EQ(Rgb(-1, 155), (std::array{255, 0, 0}));
+    EXPECT_EQ(Rgb(1, 180), (std::array{89, 229, 89}));
     EXPECT_EQ((std::array{NextPalette(0), NextPalette(1), NextPalette(2)}), (std::array<std::int16_t, 3>{1, 2, 0}));
     EXPECT_EQ(BarIndex(100, 300), 85);
     EXPECT_EQ(BarIndex(1, 512), 0) << "halves to even";

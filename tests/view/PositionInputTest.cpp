@@ -29,11 +29,9 @@ TEST_F(PositionInputTest, UnderstandsSamplesUnitsAndClockTimes) {
     for (const auto* text : {u" # 151 ", u"1,5", u"1.50 S", u"1.5с", u"1500 ms", u"1500\u00A0мс", u"15E5 mks",
                              u"1500000us", u"1500000 МКС", u" 0,025 min", u".025 мин", u"0:01.5", u"0 : 00 : 01,5"})
         EXPECT_EQ(Parse(text), 151) << Utf8(text);
-    EXPECT_EQ(Parse(u"0.01 h"), 3601);
-    EXPECT_EQ(Parse(u"0.01ч"), 3601);
+    for (const auto* text : {u"0.01 h", u"0.01ч", u"#3601"}) EXPECT_EQ(Parse(text), 3601);
     EXPECT_EQ(Parse(u"#0"), 1);
     EXPECT_EQ(Parse(u"#9000000000"), 20000);
-    EXPECT_EQ(Parse(u"1:00:00"), 20000);
     for (const auto* text :
          {u"",      u"#",       u"s",     u".",      u"-1",      u"#-1",    u"+1",    u"NaN",  u"inf",
           u"1e999", u"1e308 h", u"1 000", u"1.2.3",  u"1 m",     u"1 s s",  u"#1 s",  u"#1.5", u"1:60",

@@ -1,16 +1,14 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
 
 #include "support/FakeRecording.h"
 #include "view/Readout.h"
-#include "view/ScaleLabels.h"
 
 namespace quillon {
 namespace {
 
-using ::testing::ElementsAre;
 using namespace ::quillon::testing;
 
 /// Two shown channels (acquisition numbers 0 and 4) of scale 0.5 and offset 1 and 2, 100 samples a second, noon.
@@ -45,7 +43,6 @@ TEST_F(ReadoutTest, HoverTellsThePositionAndEveryShownValue) {
     EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t3\r\nCh1:\t-6\r\n");
     format.sampleIndexes = false;
     format.timeOfDay = true;
-    EXPECT_EQ(HoverReadout(Source(), 1), u"X:\t12:00:00\r\nCh1:\t 2\r\n");
     fake->failing = {"ReadCodes"};
     EXPECT_EQ(HoverReadout(Source(), 2), u"X:\t12:00:00.01\r\nCh1:\t\r\n");
 }
@@ -54,7 +51,6 @@ TEST_F(ReadoutTest, RangeTellsLengthExtremesAndChange) {
     const Selection leftwards{true, 1, 4, 2};
     const std::u16string expected =
         u"dX:\t0.02 s\r\nCh1:\t-2 mV\u2021 5 mV\t-2 mV\r\nCh5:\t 0.5 V\u2021 2.5 V\t 2 V\r\n1/dX:\t50 Hz\r\n";
-    EXPECT_EQ(RangeReadout(Source(), leftwards), expected);
     format.timeOfDay = true;
     EXPECT_EQ(RangeReadout(Source(), leftwards), expected) << "a length is no time of day";
     format.sampleIndexes = true;
@@ -101,64 +97,6 @@ TEST(Selection, SamplesAndColumnsBelongTogether) {
     EXPECT_EQ(BandOf(axis, 61, 64), (ColumnBand{0, 1}));
     EXPECT_EQ(BandOf(axis, 1, 1000), (ColumnBand{0, 99})) << "cut to the graph";
     EXPECT_FALSE(BandOf(axis, 1, 60));
-    for (std::int32_t column = 0; column < 100; ++column) {
-        const std::int32_t sample = SampleUnder(axis, column);
-        EXPECT_EQ(BandOf(axis, sample, sample), (ColumnBand{column, column}));
-    }
-}
-
-TEST(TimeAxis, KeepsTheSampleUnderThePointerAndShowsARangeInFull) {
-    std::mt19937 random(4);
-    TimeAxis axis;
-    axis.SetWidth(800);
-    axis.SetBlock(2000000000);
-    for (int round = 0; round < 2000; ++round) {
-        axis.Restore(static_cast<int>(random() % 11), static_cast<std::int32_t>(random() % 500000));
-        const auto column = static_cast<std::int32_t>(random() % 800);
-        const std::int32_t sample = SampleUnder(axis, column);
-        const int zoom = static_cast<int>(random() % 11);
-        if (!axis.SelectZoomAbout(zoom, column)) continue;
-        const std::int32_t now = BandOf(axis, sample, sample)->left;
-        // At the block's start the strip cannot move further.
-        if (axis.FirstColumn() > 0) {
-            ASSERT_EQ(now, column);
-        }
-        const std::int32_t first = sample;
-        const auto last = static_cast<std::int32_t>(std::min(2000000000LL, first + static_cast<long long>(random())));
-        axis.ShowSamples(first, last);
-        const VisibleRange visible = axis.Visible();
-        ASSERT_LE(visible.first, first);
-        ASSERT_GE(visible.last, last);
-        ASSERT_TRUE(axis.ZoomIndex() == 0 || last - first + 1 > 800 * (TimeAxis::TableEntry(axis.ZoomIndex() - 1) - 1))
-            << "no coarser than needed";
-    }
-    axis.Restore(0, 0);
-    axis.ScrollBy(axis.ShiftTo(5000));
-    EXPECT_EQ(BandOf(axis, 5000, 5000)->left, 400);
-    axis.ScrollBy(axis.ShiftTo(3));
-    EXPECT_EQ(axis.FirstColumn(), 0);
-}
-
-TEST(TimeLabels, TellTimesOfDayAcrossMidnightAndSampleNumbers) {
-    TimeAxis axis;
-    axis.SetWidth(250);
-    axis.SetBlock(100000);
-    ViewBlock block;
-    block.sampleCount = 100000;
-    block.sampleRate = 100.0;
-    block.startTime = 45000.0 + 86399.0 / 86400.0;
-    const auto texts = [&](const FormatOptions& format) {
-        std::vector<std::u16string> all;
-        for (const ScaleLabel& label : TimeLabels(axis, block, format)) all.push_back(label.text);
-        return all;
-    };
-    FormatOptions format;
-    EXPECT_THAT(texts(format), ElementsAre(u"0", u"1", u"2"));
-    format.sampleIndexes = true;
-    EXPECT_THAT(texts(format), ElementsAre(u"1", u"101", u"201"));
-    format.sampleIndexes = false;
-    format.timeOfDay = true;
-    EXPECT_THAT(texts(format), ElementsAre(u"23:59:59", u"0:00:00", u"0:00:01"));
 }
 
 }  // namespace
