@@ -124,17 +124,11 @@ TEST_F(ExportTest, EdfRecordsSuitTheRate) {
 }
 
 TEST(EdfTextTest, NumbersAreNeverCutAndTextsArePrintable) {
-    using Case = std::pair<double, const char*>;
-    for (const auto& [number, text] : {Case{-0.9765625, "-0.97656"},
-                                       {-0.0, "0"},
-                                       {1e-7, "1E-7"},
-                                       {-1.23456e-12, "-1.2E-12"},
-                                       {123456789012.0, "1.235E11"},
-                                       {99999999.6, "1E8"},
-                                       {0.0012345678, "0.001235"},
-                                       {-1234567.8, "-1234568"}}) {
-        EXPECT_EQ(EdfNumber(number, 8), text);
-    }
+    std::string texts;
+    for (const double number :
+         {-0.9765625, -0.0, 1e-7, -1.23456e-12, 123456789012.0, 99999999.6, 0.0012345678, -1234567.8})
+        texts += EdfNumber(number, 8) + '|';
+    EXPECT_EQ(texts, "-0.97656|0|1E-7|-1.2E-12|1.235E11|1E8|0.001235|-1234568|");
     EXPECT_EQ(EdfNumber(0.1F, 8), "0.1");
     EXPECT_THROW(static_cast<void>(EdfNumber(std::nan(""), 8)), std::length_error);
     EXPECT_THROW(static_cast<void>(EdfCount(123456789, 8)), std::length_error);

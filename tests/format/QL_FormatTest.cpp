@@ -41,9 +41,7 @@ std::string Values(std::initializer_list<double> values, std::u16string_view uni
 }
 
 FormatOptions Unit(int timeUnit) {
-    FormatOptions options;
-    options.timeUnit = timeUnit;
-    return options;
+    return {.timeUnit = timeUnit};
 }
 
 std::u16string Hertz(double hertz) {
@@ -118,9 +116,7 @@ TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
         const std::string end = " " + Utf8(unit) + "|";
         EXPECT_EQ(Values({123456, -2e-5}, unit), " 123456" + end + "-0.00002" + end);
     }
-    FormatOptions plain;
-    plain.unitScaling = false;
-    plain.decimalSeparator = u',';
+    const FormatOptions plain{.unitScaling = false, .decimalSeparator = u','};
     EXPECT_EQ(Values({0.05, -2e5}, u"mV", plain), " 0,05 mV|-200000 mV|");
     EXPECT_EQ(ChoosePrefix(0.05F, u"", plain).unit + ChoosePrefix(0.0F, u"A", {}).unit, u"VmkA");
     const std::pair<float, int> bounds[] = {{1e5F, -6}, {100.0F, -3}, {0.1F, 0}, {1e-4F, 3}};
@@ -131,8 +127,7 @@ TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
 }
 
 TEST(FormatValue, DigitsFollowTheOptions) {
-    FormatOptions digits;
-    digits.digitsCount = 2;
+    FormatOptions digits{.digitsCount = 2};
     EXPECT_EQ(Values({12.5, -13.5, 123456, 0.0001171875}, u"K", digits), " 12 K|-14 K| 123456 K| 0.00012 K|");
     digits.digitsAreDecimals = true;
     EXPECT_EQ(Values({2.125, -0.004, 0.0625}, u"K", digits), " 2.12 K| 0 K| 0.06 K|");
@@ -163,8 +158,7 @@ TEST(FormatTime, UnitFollowsTheTime) {
     EXPECT_EQ(Texts({1e-5, -9.5e-6, 1e-300}, write), "0.01 ms|-9.5 mks|0 mks|");
     const std::u16string_view fixed[] = {u"0:01:30", u"1.5;min", u"90;s", u"90000;ms", u"90000000;mks", u"90;s"};
     for (int unit = 1; unit <= 6; ++unit) EXPECT_EQ(FormatTime(90, u";", Unit(unit)), fixed[unit - 1]);
-    FormatOptions timeOfDay = Unit(4);
-    timeOfDay.timeOfDay = true;
+    const FormatOptions timeOfDay{.timeUnit = 4, .timeOfDay = true};
     EXPECT_EQ(FormatTime(86400.5, u" ", timeOfDay) + FormatTimeNumber(86401, 1e-4, timeOfDay), u"0:00:00.50:00:01");
 }
 
@@ -198,8 +192,9 @@ TEST(Format, NoNumberBreaksAText) {
     EXPECT_EQ(Hertz(kInfinity), u"Inf GHz");
     for (const double extreme : {kNan, kInfinity, 5e-324, 1e-45, 3.4028235677973366e38, 1e14, 9.3e18, 1.7e308}) {
         for (const double value : {extreme, -extreme}) {
-            std::vector<std::u16string> texts{Hertz(value), FormatPattern(value, u"0.0##%", u'.'),
-                                              FormatValue(static_cast<float>(std::fmin(value, 3e38)), u"K", {})};
+            std::vector<std::u16string> texts{
+                Hertz(value), FormatPattern(value, u"0.0##%", u'.'),
+                FormatValue(static_cast<float>(std::clamp(value, -3e38, 3e38)), u"K", {})};
             for (int unit = 0; unit <= 5; ++unit) {
                 texts.push_back(FormatTime(value, u" ", Unit(unit)));
                 texts.push_back(FormatTimeNumber(value, value, Unit(unit)));

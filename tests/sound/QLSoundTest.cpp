@@ -64,21 +64,19 @@ TEST_F(QLSoundTest, FeedsTheRangeOnDemandInPieces) {
 }
 
 TEST_F(QLSoundTest, RateIsRoundedAndLimitedByTheDevice) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    using Case = std::tuple<double, std::int32_t, std::int32_t>;  // rate, the device's maximum, rate opened
-    for (const auto& [rate, maximum, opened] : {Case{250.5, 192000, 250},
-                                                {251.5, 192000, 252},
-                                                {1e300, 192000, 192000},
-                                                {9.5, 8, 8},
-                                                {9.4, 8, 9},  // a rate below 10 is tried as it is
-                                                {0.5, 192000, 0},
-                                                {-3.0, 192000, 0},
-                                                {nan, 192000, 0}}) {
+    const auto opened = [this](double rate, std::int32_t maximum) {
         view.sampleRate = rate;
         device.maximumRate = maximum;
         sound->Play(1, 1, 100);
-        EXPECT_EQ(device.calls.back(), "open 1 " + std::to_string(opened)) << rate;
-    }
+        return device.calls.back();
+    };
+    EXPECT_EQ(opened(250.5, 192000), "open 1 250");
+    EXPECT_EQ(opened(251.5, 192000), "open 1 252");
+    EXPECT_EQ(opened(1e300, 192000), "open 1 192000");
+    EXPECT_EQ(opened(9.5, 8), "open 1 8");
+    EXPECT_EQ(opened(9.4, 8), "open 1 9") << "a rate below 10 is tried as it is";
+    for (const double none : {0.5, -3.0, std::numeric_limits<double>::quiet_NaN()})
+        EXPECT_EQ(opened(none, 192000), "open 1 0") << none;
 }
 
 TEST_F(QLSoundTest, WhatCannotBePlayedLeavesItIdleWithAReason) {

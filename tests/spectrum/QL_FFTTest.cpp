@@ -73,10 +73,9 @@ TEST(QL_FFT, ColumnsAreWhatEveryOneIsAlone) {
     for (const int samples : {5000, 700, 150}) {
         ValueBlock block = Tones(samples);
         for (int round = 0; round < 12; ++round) {
-            SpectrumSettings settings;
-            settings.order = 5 + round % 3 * 3;
-            settings.window = static_cast<std::int16_t>(round / 3);
-            settings.type = static_cast<std::int16_t>(round / 3 % 2);
+            const auto window = static_cast<std::int16_t>(round / 3);
+            SpectrumSettings settings{
+                .type = static_cast<std::int16_t>(window % 2), .window = window, .order = 5 + round % 3 * 3};
             QL_FFT fft(settings);
             fft.FFT_Init(30);
             fft.FFT_SetChannel(&block, 0, 0, kLimits);
@@ -97,8 +96,7 @@ TEST(QL_FFT, ColumnsAreWhatEveryOneIsAlone) {
 TEST(QL_FFT, AnyWayOfScrollingGivesTheSameImage) {
     std::mt19937 random(18);
     ValueBlock block = Tones(60000);
-    SpectrumSettings settings;
-    settings.order = 6;
+    SpectrumSettings settings{.order = 6};
     QL_FFT scrolled(settings);
     QL_FFT fresh(settings);
     scrolled.FFT_Init(120);
@@ -137,12 +135,10 @@ TEST(QL_FFT, SettingsAreRepairedAndWhatCannotBeShownStaysBlank) {
         EXPECT_EQ(settings.amplitudeScale, 100.0F);
         EXPECT_EQ(settings.decibelRange, 120.0F);
     }
-    SpectrumSettings settings;
-    settings.decibelRange = 200.0F;
+    SpectrumSettings settings{.decibelRange = 200.0F};
     QL_FFT fft(settings);
     fft.FFT_Init(10);
-    EXPECT_EQ(fft.LevelOf(255), 0.0);
-    EXPECT_EQ(fft.LevelOf(0), -200.0);
+    EXPECT_EQ(std::pair(fft.LevelOf(255), fft.LevelOf(0)), std::pair(0.0, -200.0));
     ValueBlock block = Tones(1000);
     EXPECT_EQ(fft.FFT_Update(0, 10, 10, true), 0) << "no channel";
     fft.FFT_SetChannel(&block, 0, 2, kLimits);

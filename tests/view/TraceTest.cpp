@@ -158,9 +158,7 @@ double RowOf(const TraceMapping& mapping, double code) {
 TEST(MapTrace, PutsValuesAtTheirRowsWhereverTheOriginIs) {
     const auto check = [](float scale, float zoom, std::int32_t zeroRow, float base) {
         SCOPED_TRACE(::testing::Message() << scale << ' ' << zoom << ' ' << zeroRow << ' ' << base);
-        TraceGeometry geometry;
-        geometry.zeroRow = zeroRow;
-        geometry.unitsPerDivision = zoom;
+        TraceGeometry geometry{.zeroRow = zeroRow, .unitsPerDivision = zoom};
         const TraceMapping mapping = MapTrace(geometry, 1.0F / scale, base);
         if (mapping.flat) return;
         geometry.foldOrigin = true;
@@ -185,8 +183,7 @@ TEST(MapTrace, PutsValuesAtTheirRowsWhereverTheOriginIs) {
 }
 
 TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {
-    TraceGeometry geometry;
-    geometry.unitsPerDivision = 40.0F;
+    TraceGeometry geometry{.unitsPerDivision = 40.0F};
     const auto map = [&](float codesPerPixel) { return MapTrace(geometry, codesPerPixel, 0.0F); };
     using Case = std::tuple<float, int, int>;  // codes per pixel, logical and device extent
     for (const auto& [factor, logical, device] : {Case{1.0F, -32000, 32000},
@@ -210,12 +207,12 @@ TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {
 TEST(RangeOf, TakesTheShownChannelsInTheirUnits) {
     const auto fake = std::make_shared<FakeBlock>();
     fake->samples = {{1, -7, 3, 4}, {10, 20, 30, 40}};
-    ViewBlock block;
-    block.block = fake;
-    block.sampleCount = 4;
-    block.channelNumbers = {0, 1};
-    block.invScale = {2.0F, -1.0F};
-    block.offsets = {1.0F, 0.0F};
+    ViewBlock block{.block = fake,
+                    .sampleCount = 4,
+                    .channelNumbers = {0, 1},
+                    .invScale = {2.0F, -1.0F},
+                    .offsets = {1.0F, 0.0F},
+                    .marks = {}};
     ChannelSlots slots;
     const auto expect = [](const std::optional<ValueRange>& range, float minimum, float maximum) {
         ASSERT_TRUE(range);
