@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -15,22 +17,17 @@ TEST(GraphCursor, DrawsAxesRingsAndSquare) {
     const SelectScope select(memory.Get(), bitmap.Get());
     GraphCursor cursors;
     // Black at the hot spot; on the axis at a quarter of the width (the ring and half-way along the cross) and beyond.
-    struct Case {
-        int style;
-        bool middle;
-        bool quarter;
-        bool outside;
-    };
-    for (const Case& expected :
+    using Case = std::tuple<int, bool, bool, bool>;
+    for (const auto& [style, middle, quarter, outside] :
          {Case{0, false, true, true}, {1, true, true, true}, {2, false, true, true}, {3, true, false, false}}) {
         FillWith(memory.Get(), {0, 0, size.cx, size.cy}, RGB(255, 255, 0));
-        cursors.Draw(memory.Get(), 0, 0, expected.style);
+        cursors.Draw(memory.Get(), 0, 0, style);
         const auto isBlack = [&](LONG distance) {
             return GetPixel(memory.Get(), size.cx / 2 + distance, size.cy / 2) == RGB(0, 0, 0);
         };
-        EXPECT_EQ(isBlack(0), expected.middle) << expected.style;
-        EXPECT_EQ(isBlack(size.cx / 4), expected.quarter) << expected.style;
-        EXPECT_EQ(isBlack(size.cx * 3 / 8), expected.outside) << expected.style;
+        EXPECT_EQ(isBlack(0), middle) << style;
+        EXPECT_EQ(isBlack(size.cx / 4), quarter) << style;
+        EXPECT_EQ(isBlack(size.cx * 3 / 8), outside) << style;
     }
 }
 
