@@ -176,8 +176,7 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
 }
 
 /// Exports blocks to each format and reads them back.
-class ReadBackTest : public ::testing::Test {
-  protected:
+struct ReadBackTest : ::testing::Test {
     void Expect(RecordingBlock& block, std::int32_t first) {
         for (const std::u16string name : {u"запись.bin", u"a.wav", u"a.edf"}) {
             const std::u16string path = folder.File(name).u16string();
