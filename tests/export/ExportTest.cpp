@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "RecordingWriters.h"
+#include "base/Bilingual.h"
 #include "base/DateTime.h"
 #include "base/Text.h"
 #include "cli/Cli.h"
@@ -130,8 +131,8 @@ TEST(EdfTextTest, NumbersAreNeverCutAndTextsArePrintable) {
         texts += EdfNumber(number, 8) + '|';
     EXPECT_EQ(texts, "-0.97656|0|1E-7|-1.2E-12|1.235E11|1E8|0.001235|-1234568|");
     EXPECT_EQ(EdfNumber(0.1F, 8), "0.1");
-    EXPECT_THROW(static_cast<void>(EdfNumber(std::nan(""), 8)), std::length_error);
-    EXPECT_THROW(static_cast<void>(EdfCount(123456789, 8)), std::length_error);
+    EXPECT_THROW(static_cast<void>(EdfNumber(std::nan(""), 8)), FormatError);
+    EXPECT_THROW(static_cast<void>(EdfCount(123456789, 8)), FormatError);
     EXPECT_EQ(EdfText(u"a\tж~\u007F", 7), "a??~?  ");
     EXPECT_EQ(EdfText(u"longer", 3), "longer");
 }
@@ -170,9 +171,10 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
     }
     EXPECT_EQ(services.messages,
               (std::vector<std::u16string>{u"Block is nothing!", u"File type is unknown!", u"Data start is out!",
-                                           u"write-protected", u"Error of file export! ReadFrames",
+                                           u"write-protected", u"Error of file export!\n\nReadFrames",
                                            u"Error of file export!",  // nothing to say
-                                           u"Error of file export! the data are too large for the format"}));
+                                           u"Error of file export!\n\nthe data are too large for the format"}));
+    EXPECT_EQ(exporter.LastError(), u"Error of file export!");
 }
 
 /// Exports blocks to each format and reads them back.

@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <sstream>
@@ -66,13 +67,15 @@ class TextExportTest : public ::testing::Test {
                               }};
 };
 
-TEST(FixedTextTest, EqualsPrintf) {
+TEST(FixedTextTest, EqualsPrintfButForTheSignOfZero) {
     std::mt19937 random(7);
     const auto check = [](float value, int decimals) {
         std::array<char, FixedText::kRoom> ours{}, theirs{};
         *FixedText(decimals, '.').Write(ours.data(), value) = '\0';
         std::snprintf(theirs.data(), theirs.size(), "%.*f", decimals, static_cast<double>(value));
-        ASSERT_STREQ(theirs.data(), ours.data()) << decimals;
+        // A zero has no sign.
+        const bool isZero = std::strpbrk(theirs.data(), "123456789") == nullptr;
+        ASSERT_STREQ(theirs.data() + (isZero && theirs[0] == '-' ? 1 : 0), ours.data()) << decimals;
     };
     for (int decimals = 0; decimals <= 14; ++decimals) {
         for (int i = 0; i < 20000; ++i) {

@@ -31,6 +31,12 @@ inline std::vector<std::string> Marks(RecordingBlock& block) {
     return marks;
 }
 
+inline RunExtremes PlainExtremes(const std::int16_t* from, const std::int16_t* to) {
+    const auto* maximum = std::max_element(from, to);
+    const auto* minimum = std::min_element(from, to);
+    return minimum < maximum ? RunExtremes{*minimum, *maximum} : RunExtremes{*maximum, *minimum};
+}
+
 /// Every way of reading samples first .. first+count-1 gives what `codes`, one array per channel, holds.
 inline void ExpectRangeReads(RecordingBlock& block, const std::vector<Codes>& codes, std::int32_t first,
                              std::int32_t count, std::int32_t run) {
@@ -70,12 +76,9 @@ inline void ExpectRangeReads(RecordingBlock& block, const std::vector<Codes>& co
         ASSERT_EQ(block.ColumnExtremes({&number, 1}, first, count, run, {&only, 1}), reduced);
         ASSERT_EQ(alone, extremes[channel]);
         for (std::size_t at = 0; reduced && at < runs; ++at) {
-            const auto from = expected.begin() + static_cast<std::ptrdiff_t>(at) * run;
-            const auto to = expected.end() - from > run ? from + run : expected.end();
-            const auto minimum = std::min_element(from, to);
-            const auto maximum = std::max_element(from, to);
-            ASSERT_EQ(alone[at].first, minimum < maximum ? *minimum : *maximum) << "run " << at;
-            ASSERT_EQ(alone[at].second, minimum < maximum ? *maximum : *minimum) << "run " << at;
+            const std::int16_t* const from = expected.data() + static_cast<std::ptrdiff_t>(at) * run;
+            const std::int16_t* const end = expected.data() + size;
+            ASSERT_EQ(alone[at], PlainExtremes(from, end - from > run ? from + run : end)) << "run " << at;
         }
     }
 }
