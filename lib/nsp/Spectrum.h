@@ -5,6 +5,9 @@
 /// The vector routines of a short-time spectrum, in single precision. Lengths are counts of elements; one of 0 or less
 /// does nothing. Nothing is assumed about alignment. In the error bounds u is half a unit in the last place, 2^-24
 /// relative.
+///
+/// The viewer computes many columns at a time by SpectrumBatch. It uses of these the windows and what scales them; the
+/// others are the same steps one frame at a time.
 namespace quillon::nsp {
 
 struct SCplx {

@@ -148,12 +148,16 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
     constexpr std::int32_t most = 1 << 22;
     if (count > most) return;
     for (std::size_t at = 0; at < m_used; ++at) {
-        try {
-            DrawChannelTrace(block, channels[at], first, count, samplesPerPixel, m_samples, m_points[at]);
-        } catch (const std::exception& error) {
-            m_points[at].clear();
-            m_failure = error.what();
-        }
+        const auto draw = [&](std::int32_t samples) {
+            try {
+                DrawChannelTrace(block, channels[at], first, samples, samplesPerPixel, m_samples, m_points[at]);
+                return true;
+            } catch (const std::exception& error) {
+                m_failure = error.what();
+                return false;
+            }
+        };
+        if (!draw(count)) draw(ReadableCount(block, channels[at], first, count));
     }
 }
 

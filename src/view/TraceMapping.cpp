@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "base/Rounding.h"
 #include "view/AmplitudeScale.h"
@@ -50,7 +51,10 @@ void Fold(const Extents& extents, std::int32_t zeroRow, std::int32_t offset, Tra
         const std::int32_t step = std::abs(extents.device);
         const std::int32_t steps = (std::abs(row) - kOriginLimit) / step + 1;
         zeroRow -= Sign(row) * steps * step;
-        mapping.windowOriginY = Sign(row) * Sign(extents.device) * steps * extents.logical;
+        // As far as the number goes: beyond it the trace lies outside any graph.
+        constexpr std::int64_t limit = std::numeric_limits<std::int32_t>::max();
+        const std::int64_t origin = std::int64_t{Sign(row) * Sign(extents.device)} * steps * extents.logical;
+        mapping.windowOriginY = static_cast<std::int32_t>(std::clamp(origin, -limit, limit));
     }
     mapping.viewportOriginY = zeroRow + offset;
 }

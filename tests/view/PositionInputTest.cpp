@@ -48,6 +48,11 @@ TEST_F(PositionInputTest, UnderstandsSamplesUnitsAndClockTimes) {
     EXPECT_EQ(Parse(u"23:00:00"), 1) << "the nearer end";
     EXPECT_EQ(Parse(u"0:30:00"), 20000) << "the nearer end";
     EXPECT_EQ(Parse(u"24:00:00"), -1);
+    // Of several such times in a long block the one next to the present place.
+    block.sampleCount = 100 * 86400 * 3;
+    for (const std::int32_t day : {0, 1, 2})
+        EXPECT_EQ(ParsePosition(u"23:59:51", block, format, 4000000 + 8640000 * day), 101 + 8640000 * day);
+    EXPECT_EQ(ParsePosition(u"23:59:50", block, format, 8640000 * 2 + 5), 1 + 8640000 * 2);
 }
 
 TEST_F(PositionInputTest, ReadsBackEveryTextOfThePosition) {

@@ -87,6 +87,27 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
     EXPECT_TRUE(reader.points()[0].empty()) << "what cannot be read is not drawn with old samples";
 }
 
+TEST(TraceReader, ATraceEndsWhereItCannotBeReadOn) {
+    struct CutBlock : FakeBlock {
+        std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
+                               std::int16_t* to) override {
+            if (first + count > 700) throw std::runtime_error("cut");
+            return FakeBlock::ReadCodes(channel, first, count, to);
+        }
+    } block;
+    block.offersExtremes = false;
+    block.samples = {std::vector<std::int16_t>(1000, 3)};
+    const std::vector<std::int16_t> channels{1};
+    TraceReader reader;
+    for (const std::int32_t perPixel : {1, 5}) {
+        reader.Read(block, channels, {300, 600, perPixel});
+        EXPECT_EQ(reader.points()[0].size(), perPixel == 1 ? 400U : 161U);
+        EXPECT_EQ(reader.Failure(), "cut");
+        reader.Read(block, channels, {300, 400, perPixel});
+        EXPECT_EQ(reader.Failure(), "");
+    }
+}
+
 TEST(ExtremesCache, EqualsTheBlockWithinItsMemoryAndReadsNothingTwice) {
     std::mt19937 random(6);
     FakeBlock block;

@@ -16,6 +16,16 @@ bool WaitUntil(const std::function<bool()>& condition) {
     return false;
 }
 
+bool PumpUntil(const std::function<bool()>& condition) {
+    for (const ULONGLONG end = GetTickCount64() + 60000; GetTickCount64() < end;) {
+        if (condition()) return true;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        MSG message{};
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    }
+    return false;
+}
+
 std::vector<HWND> Descendants(HWND window) {
     std::vector<HWND> all;
     const auto add = [](HWND child, LPARAM list) -> BOOL {

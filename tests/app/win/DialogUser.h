@@ -11,6 +11,9 @@ namespace quillon::testing {
 /// Waits in a thread that handles no messages, as one that acts as the user; false after some seconds.
 [[nodiscard]] bool WaitUntil(const std::function<bool()>& condition);
 
+/// Handles messages until the condition holds; false when it does not within a minute.
+[[nodiscard]] bool PumpUntil(const std::function<bool()>& condition);
+
 /// All windows inside one.
 [[nodiscard]] std::vector<HWND> Descendants(HWND window);
 /// The window with that number inside a dialog, on a page of it or directly; null: none.

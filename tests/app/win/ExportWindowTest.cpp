@@ -173,20 +173,6 @@ TEST_F(ExportWindowTest, ARecordingThatGoesWhileTheUserIsAskedEndsTheCommand) {
     EXPECT_EQ(ContentOf(m_folder.File(u"text1.txt")), "mine");
 }
 
-TEST_F(ExportWindowTest, FilesThatComeWhileTheSplitDialogIsOpenAreListedAfterIt) {
-    Start();
-    {
-        const DialogAnswer answer([&](HWND dialog) {
-            static_cast<void>(m_folder.Write(u"b.bin", SawRecording()));
-            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-        });
-        Command(mnuSplit);
-    }
-    EXPECT_THAT(Lines(lstFile), ::testing::ElementsAre(L"b.bin", L"saw.bin"));
-    ClickLine(lstFile, 0);
-    EXPECT_THAT(Caption(), StartsWith(L"b.bin"));
-}
-
 TEST_F(ExportWindowTest, AFullDiskIsToldWithTheFile) {
     Start();
     // Writing to it fails as on a full disk.

@@ -122,19 +122,6 @@ TEST_F(MainWindowTest, AnImpossibleScaleBreaksNothing) {
     EXPECT_EQ(Status(StatusPanel::Status), L"");
 }
 
-TEST_F(MainWindowTest, TheScaleIsPaintedAnewWithTheGraph) {
-    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Waves(2, 1000))));
-    Start();
-    UpdateWindow(m_form->Window());
-    RECT before{};
-    GetClientRect(Control(pbScaleY), &before);
-    SetWindowPos(m_form->Window(), nullptr, 0, 0, 1000, 760, SWP_NOZORDER | SWP_NOMOVE);
-    RECT stale{};
-    GetUpdateRect(Control(pbScaleY), &stale, FALSE);
-    EXPECT_EQ(stale.top, 0) << "its labels have moved with the zero level";
-    EXPECT_GT(stale.bottom, before.bottom);
-}
-
 TEST_F(MainWindowTest, EverySampleStandsAtItsPixel) {
     // A staircase: sample n has the code 10 x (n mod 8); at one code per unit and 40 units per division a step is 10
     // rows.

@@ -130,10 +130,13 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
               L"SplitTmSize SplitTmStep SplitType TimeFormat TimeIndex UnitScaling WaveformCursor ");
     EXPECT_EQ(NamesIn(MainPath() + L"\\Spectrogram"), L"AmpScale DBRange FFTOrder2 Palette SpectrumType WindowType ");
 
+    // Values that others spoiled cost no other.
     Put(L"PathListCount", REG_DWORD, {0xFF, 0xFF, 0xFF, 0x7F});
+    Put(L"HelpLanguage", REG_SZ, Bytes(L"2"));
     Settings loaded;
     Store().Load(loaded);
     EXPECT_EQ(loaded.filesPath, settings.filesPath);
+    EXPECT_EQ(loaded.helpLanguage, 0);
     EXPECT_EQ(loaded.timeIndex, settings.timeIndex);
     EXPECT_EQ(loaded.waveformCursor, -3);
     EXPECT_EQ(loaded.decibelRange, 1e-7F);

@@ -259,14 +259,6 @@ TEST_F(WaveformViewTest, GesturesAndReadoutEndWithTheirBlock) {
     Mouse(WM_MOUSEMOVE, 250, 50, MK_LBUTTON);
     Mouse(WM_LBUTTONUP, 250);
     EXPECT_FALSE(m_global.selection.active);
-    // One button at a time.
-    Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
-    Mouse(WM_MBUTTONDOWN, 100, 50, MK_LBUTTON | MK_MBUTTON);
-    Mouse(WM_MBUTTONUP, 100, 50, MK_LBUTTON);
-    Mouse(WM_MOUSEMOVE, 150, 50, MK_LBUTTON);
-    Mouse(WM_LBUTTONUP, 150);
-    EXPECT_EQ(m_global.selection.Count(), 51);
-    EXPECT_EQ(m_global.axis.FirstColumn(), 0);
 }
 
 TEST_F(WaveformViewTest, WhatCannotBeReadAnyMoreIsTold) {

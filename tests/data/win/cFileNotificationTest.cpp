@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "app/win/DialogUser.h"
 #include "base/win/WinHandle.h"
 #include "norvik/TemporaryFolder.h"
 #include "norvik/win/Timer.h"
@@ -11,6 +12,7 @@
 namespace quillon {
 namespace {
 
+using testing::PumpUntil;
 using testing::TemporaryFolder;
 namespace fs = std::filesystem;
 
@@ -152,29 +154,6 @@ TEST_F(FileNotification, ANewOrFailedWatchEndsTheOldOne) {
     EXPECT_FALSE(m_timer.enabled);
 }
 
-/// The value that the system gives to the next handle of the process.
-std::intptr_t NextHandle() {
-    const HANDLE handle = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    CloseHandle(handle);
-    return reinterpret_cast<std::intptr_t>(handle);
-}
-
-TEST_F(FileNotification, ClosesEveryHandle) {
-    const std::intptr_t before = NextHandle();
-    for (int round = 0; round < 99; ++round) {
-        const auto watch = Make();
-        ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
-        ASSERT_TRUE(watch->StartWatch(watch->Path()));
-        // One of three ends while it watches, one after the end of a watch, one after a watch that failed.
-        if (round % 3 == 1) watch->StopWatch();
-        if (round % 3 == 2) static_cast<void>(watch->StartWatch((m_path / "missing").wstring()));
-    }
-    EXPECT_FALSE(m_timer.alive);
-    EXPECT_FALSE(m_timer.enabled);
-    // Handle values are used again, four apart: even one left over in three rounds would move the next by over 100.
-    EXPECT_LT(NextHandle() - before, 100);
-}
-
 TEST_F(FileNotification, TheOwnerMayRunMessagesAndChangeTheWatchInTheEvent) {
     const fs::path other = Folder("other");
     Witness witness(m_path);
@@ -195,18 +174,6 @@ TEST_F(FileNotification, TheOwnerMayRunMessagesAndChangeTheWatchInTheEvent) {
     EXPECT_EQ(Tick(), 1);
     EXPECT_EQ(watch->Path(), L"");
     EXPECT_FALSE(m_timer.enabled);
-}
-
-/// Handles messages until the condition holds.
-bool PumpUntil(const std::function<bool()>& condition) {
-    const ULONGLONG deadline = GetTickCount64() + patience;
-    while (!condition()) {
-        if (GetTickCount64() > deadline) return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, 100, QS_ALLINPUT);
-        MSG message{};
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
-    }
-    return true;
 }
 
 TEST(Timer, TicksOnlyWhileEnabledAndMayEndInItsTick) {

@@ -192,22 +192,6 @@ TEST_F(SplitDialog, ChecksEverythingBeforeAnythingIsDeleted) {
     EXPECT_TRUE(m_services.messages.empty());
 }
 
-TEST_F(SplitDialog, TakesNoFileForItsFolder) {
-    Open(u"no extension");
-    const fs::path file = m_folder.File(u"no extension_pieces");
-    std::ofstream(file) << "kept";
-    Show([&] {
-        EXPECT_TRUE(Run("A file stands where"));
-        Click(chkDelFiles);
-        EXPECT_TRUE(Run("A file stands where"));
-    });
-    EXPECT_EQ(fs::file_size(file), 4U);
-    fs::remove(file);
-    Show([&] { EXPECT_TRUE(Run("Files written: ")); });
-    EXPECT_GT(fs::file_size(m_path), 2000U);
-    EXPECT_TRUE(fs::is_directory(file));
-}
-
 TEST_F(SplitDialog, DeletesTheFilesThatItHasCounted) {
     Make(u"a.txt");
     Make(u"1.bin");

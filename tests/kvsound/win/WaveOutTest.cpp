@@ -10,8 +10,8 @@
 #include <optional>
 #include <random>
 
+#include "app/win/DialogUser.h"
 #include "base/Text.h"
-#include "base/win/Win32.h"
 #include "sound/QLSound.h"
 #include "support/FakeRecording.h"
 
@@ -44,18 +44,6 @@ class SoundTest : public ::testing::Test {
         view.sampleCount = sampleCount;
         view.channelCount = channelCount;
         view.sampleRate = rate;
-    }
-
-    /// Handles messages until the condition holds; false when it does not within a minute.
-    template <typename Condition>
-    static bool PumpUntil(Condition condition) {
-        const ULONGLONG deadline = GetTickCount64() + 60000;
-        while (!condition()) {
-            if (GetTickCount64() > deadline) return false;
-            MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-            PumpQueued();
-        }
-        return true;
     }
 
     static void PumpQueued() {
