@@ -98,22 +98,6 @@ TEST(StatusPanels, TellLengthsBeyondADayAndCodes) {
     EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10 k#"));
 }
 
-TEST(Commands, AreAvailableWhenTheyCanDoSomething) {
-    QL_Global global;
-    for (const MenuEntry& entry : MenuTree()) {
-        if (entry.kind != MenuEntry::Kind::Command) continue;
-        const bool always = entry.id == mnuExit || entry.id == mnuTabPath || entry.id == mnuTabFile ||
-                            entry.id == mnuHelp || entry.id == mnuHelpLang || entry.id == mnuSpectrogram ||
-                            entry.id == mnuOptions;
-        EXPECT_EQ(IsEnabled(entry.id, global), always) << entry.id;
-    }
-    global.block.channelCount = 1;
-    EXPECT_FALSE(IsEnabled(mnuZoomX + 1, global)) << "at 1:1 there is nothing to zoom into";
-    EXPECT_TRUE(IsEnabled(mnuZoomX, global));
-    EXPECT_TRUE(IsChecked(mnuScaleX, global));
-    EXPECT_FALSE(IsChecked(mnuScaleX + 1, global));
-}
-
 TEST(KeyMap, ModifiersAndFocusChooseTheCommand) {
     const auto move = [](Key key, bool control, bool shift) {
         return Moves()[static_cast<std::size_t>(CommandOf(KeyPlace::Graph, key, control, shift, false) - mnuMove)];

@@ -17,24 +17,6 @@ OptionChanges Apply(OptionValues& values, char16_t separator, Edit edit) {
     return ApplyOptions(entries, separator, values);
 }
 
-TEST(OptionsModel, ShowsStoredNumbersByPosition) {
-    OptionValues values;
-    values.waveformCursor = 6;
-    values.gridColor = -17;
-    values.spectrum.order = 11;
-    values.spectrum.amplitudeScale = 33.3F;
-    OptionEntries entries = ShowOptions(values, u',');
-    EXPECT_EQ(entries.waveformCursor, 2);
-    EXPECT_EQ(entries.gridColor, 1) << "as the grid is drawn";
-    EXPECT_EQ(FftSize(entries.fftSize), 2048);
-    EXPECT_EQ(entries.amplitudeScale, u"33,3");
-    EXPECT_EQ(entries.decibelRange, u"120");
-    values.waveformCursor = values.gridColor = std::numeric_limits<std::int16_t>::min();
-    entries = ShowOptions(values, u'.');
-    EXPECT_EQ(entries.waveformCursor, 0);
-    EXPECT_EQ(entries.gridColor, 0);
-}
-
 TEST(OptionsModel, KeepsWhatItCannotShow) {
     OptionValues values;
     values.timeFormat = values.scaleFormat = values.digitsType = values.gridStyle = 9;

@@ -157,12 +157,9 @@ TEST_F(QLSoundTest, WithoutADeviceNothingHappens) {
         [this](SoundOutputEvents) { return std::make_unique<FakeOutput>(device); }};
     for (const auto& factory : factories) {
         QLSound silent(view, services, factory);
-        silent.PutDevice(3);
         silent.Play(0, 1, 100);
-        silent.Stop();
         EXPECT_FALSE(silent.Available() || silent.Playing() || silent.Refresh());
-        EXPECT_EQ(silent.DeviceCount() + silent.Device(), 0);
-        EXPECT_EQ(silent.DeviceName(0) + silent.ErrorText(), u"");
+        EXPECT_EQ(silent.DeviceCount(), 0);
     }
     EXPECT_TRUE(device.calls.empty());
 

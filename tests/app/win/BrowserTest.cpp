@@ -69,9 +69,7 @@ TEST_F(BrowserTest, TheTypeBoxLimitsTheList) {
     choose(2);
     EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.wav"));
     EXPECT_EQ(ItemCount(), 0);
-    wchar_t text[128] = {};
-    SendPointer(types, CB_GETLBTEXT, 1, text);
-    EXPECT_STREQ(text, L"Binary Files (*.bin)");
+    EXPECT_EQ(SendMessageW(types, CB_GETCOUNT, 0, 0), 5);
 }
 
 TEST_F(BrowserTest, ChangesByOthersAppearAndARecordingThatIsGoneIsClosed) {

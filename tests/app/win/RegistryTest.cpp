@@ -203,14 +203,6 @@ TEST_F(RegistryTest, TextsEndAtTheirTerminatorOrWithoutOneAndHaveALimit) {
 }
 
 TEST_F(RegistryTest, AKeyThatCannotBeMadeIsReportedAndCostsNoOther) {
-    m_registry = MakeRegistryObject();
-    m_registry->SetKeyPath(Narrow16(m_top) + u'\\' + std::u16string(300, u'k'));
-    std::int32_t number = 5;
-    EXPECT_FALSE(m_registry->OpenOrCreate());
-    EXPECT_FALSE(m_registry->WriteInt32(u"v", 1));
-    EXPECT_FALSE(m_registry->ReadInt32(u"v", number));
-    EXPECT_EQ(number, 5);
-
     // Below a volatile key no lasting key can be made, so the subkeys fail.
     const KeyHandle main = Key(MainPath(), KEY_ALL_ACCESS, REG_OPTION_VOLATILE);
     Settings settings;

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <set>
 
 #include "app/win/MainWindowFixture.h"
 
@@ -94,14 +93,6 @@ TEST_F(SpectrogramTest, PaletteReadoutAndNoBlock) {
     SetCursorPos(0, 0);
     SendMessageW(Control(pbFFT), WM_MOUSEMOVE, 0, MAKELPARAM(-100, -100));
     EXPECT_TRUE(Capture(pbFFT) == before);
-    // Without a block the scale shows its line alone.
-    static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
-    Command(mnuTabFile);
-    ClickLine(lstFile, 1);
-    const Pixels scale = Capture(pbScaleF);
-    EXPECT_EQ(scale.At(scale.width - 2, 5), 0xFFFFFFU);
-    EXPECT_EQ(scale.At(5, 5), 0U);
-    EXPECT_EQ(std::set(scale.rgb.begin(), scale.rgb.end()).size(), 2U);
 }
 
 }  // namespace

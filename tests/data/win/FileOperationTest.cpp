@@ -121,10 +121,6 @@ TEST_F(FileOperation, RenameKeepsTheContent) {
         EXPECT_EQ(Rename(names[at - 1], names[at]), FileOperationResult::Done) << at;
     }
     EXPECT_TRUE(Holds(names.back(), names[0]));
-    // Windows renames to another letter case; Wine 8 takes the file for one that has the name already.
-    const bool renamed = Rename(names.back(), L"GRün.edf") == FileOperationResult::Done;
-    EXPECT_EQ(fs::directory_iterator(m_path)->path().filename().wstring(), renamed ? L"GRün.edf" : names.back());
-    EXPECT_TRUE(Holds(names.back(), names[0]));
     EXPECT_EQ(FileCount(), 1);
     EXPECT_EQ(dialogs.Titles(), L"");
 }

@@ -190,7 +190,6 @@ TEST(Timer, TicksOnlyWhileEnabledAndMayEndInItsTick) {
         return ticks;
     };
     timer->PutEnabled(true);
-    EXPECT_EQ(ticksInAWhile(), 0) << "without an interval";
     timer->PutInterval(10);
     EXPECT_TRUE(PumpUntil([&] { return ticks > 1; }));
     timer->PutInterval(3'600'000);
