@@ -11,7 +11,7 @@
 namespace quillon::testing {
 
 bool WaitUntil(const std::function<bool()>& condition) {
-    for (const ULONGLONG end = GetTickCount64() + 10000; GetTickCount64() < end; SwitchToThread())
+    for (const ULONGLONG end = GetTickCount64() + 10000; GetTickCount64() < end; Sleep(1))
         if (condition()) return true;
     return false;
 }

@@ -167,7 +167,7 @@ TEST_F(ExportWindowTest, ARecordingThatGoesWhileTheUserIsAskedEndsTheCommand) {
     SaveAsAnswering([&](HWND box) {
         std::filesystem::rename(m_source, m_folder.File(u"gone.bin"));
         // Answered once the window has seen it.
-        while (!Caption().empty() && Caption() != L"Quillon") SwitchToThread();
+        while (!Caption().empty() && Caption() != L"Quillon") Sleep(1);
         PostMessageW(box, WM_COMMAND, IDYES, 0);
     });
     EXPECT_EQ(ContentOf(m_folder.File(u"text1.txt")), "mine");

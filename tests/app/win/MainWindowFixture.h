@@ -52,7 +52,7 @@ class DialogAnswer {
                       answer(dialog);
                       return;
                   }
-                  SwitchToThread();
+                  Sleep(1);
               }
           }) {}
     ~DialogAnswer() { m_thread.join(); }
@@ -77,7 +77,7 @@ class DialogCloser {
 
   private:
     void Run() {
-        for (HWND last = nullptr; !m_ends; SwitchToThread()) {
+        for (HWND last = nullptr; !m_ends; Sleep(1)) {
             // Menus too, which hold the window's thread as long as they are open.
             if (const HWND menu = FindWindowW(L"#32768", nullptr); menu != nullptr && IsWindowVisible(menu)) {
                 PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 0);
