@@ -187,6 +187,11 @@ void Rounds(benchmark::internal::Benchmark* it) {
     it->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(7);
 }
 
+void UsualRuns(benchmark::internal::Benchmark* it) {
+    it->ArgName("run");
+    for (const int run : {3, 10, 100, 500, 2000}) it->Arg(run);
+}
+
 void FewRounds(benchmark::internal::Benchmark* it) {
     it->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 }
@@ -199,31 +204,10 @@ BENCHMARK(Interleaved)
     ->Apply(Rounds);
 BENCHMARK(LiteralRoute<PlainCalls>)->ArgName("run")->Arg(10)->Arg(2000)->Apply(FewRounds);
 BENCHMARK(LiteralRoute<OwnCalls>)->ArgName("run")->Arg(10)->Arg(2000)->Apply(FewRounds);
-BENCHMARK(PlanarRead)->ArgName("run")->Arg(3)->Arg(10)->Arg(100)->Arg(500)->Arg(2000)->Apply(Rounds);
-BENCHMARK_CAPTURE(Planar, index_lanes, ByIndexLanes)
-    ->ArgName("run")
-    ->Arg(3)
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(500)
-    ->Arg(2000)
-    ->Apply(FewRounds);
-BENCHMARK_CAPTURE(Planar, values_then_find, ByTwoCalls<OwnCalls>)
-    ->ArgName("run")
-    ->Arg(3)
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(500)
-    ->Arg(2000)
-    ->Apply(FewRounds);
-BENCHMARK_CAPTURE(Planar, scalar_loop, ByOneScalarLoop)
-    ->ArgName("run")
-    ->Arg(3)
-    ->Arg(10)
-    ->Arg(100)
-    ->Arg(500)
-    ->Arg(2000)
-    ->Apply(FewRounds);
+BENCHMARK(PlanarRead)->Apply(UsualRuns)->Apply(Rounds);
+BENCHMARK_CAPTURE(Planar, index_lanes, ByIndexLanes)->Apply(UsualRuns)->Apply(FewRounds);
+BENCHMARK_CAPTURE(Planar, values_then_find, ByTwoCalls<OwnCalls>)->Apply(UsualRuns)->Apply(FewRounds);
+BENCHMARK_CAPTURE(Planar, scalar_loop, ByOneScalarLoop)->Apply(UsualRuns)->Apply(FewRounds);
 
 }  // namespace
 }  // namespace quillon::bench

@@ -23,6 +23,6 @@ target_compile_options(headers_alone PRIVATE -include ${CMAKE_SOURCE_DIR}/cmake/
 add_library(win_headers_alone OBJECT ${win_checks})
 target_link_libraries(win_headers_alone PRIVATE quillon_options)
 # What is compiled is thrown away.
-set_target_properties(headers_alone win_headers_alone PROPERTIES QUILLON_IS_CHECK ON)
+set_target_properties(headers_alone win_headers_alone PROPERTIES QUILLON_IS_TEST ON)
 target_compile_options(headers_alone PRIVATE -O0)
 target_compile_options(win_headers_alone PRIVATE -O0)

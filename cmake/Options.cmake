@@ -9,8 +9,7 @@ target_compile_options(quillon_options INTERFACE -Werror -Wall -Wextra -Wpedanti
 if(WIN32)
   target_compile_definitions(quillon_options INTERFACE UNICODE _UNICODE STRICT NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
   # The debugger of Wine 8 reads DWARF 4.
-  target_compile_options(quillon_options INTERFACE $<$<NOT:$<BOOL:$<TARGET_PROPERTY:QUILLON_IS_CHECK>>>:-g>
-    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:QUILLON_IS_CHECK>>>:-gdwarf-4>)
+  target_compile_options(quillon_options INTERFACE -gdwarf-4 -g$<$<BOOL:$<TARGET_PROPERTY:QUILLON_IS_TEST>>:1>)
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # When it optimises, GCC 12 warns of these inside its own library headers.

@@ -16,35 +16,37 @@ void ArrangePage(const PixelRect& page, std::int32_t comboHeight, std::int32_t g
     list = {page.left, top, page.width, std::max(page.Bottom() - top, 0)};
 }
 
-}  // namespace
+/// Sizes that all parts of the window share, in pixels.
+struct Measures {
+    explicit Measures(const LayoutInput& from)
+        : input(from),
+          gap(Scaled(4)),
+          splitter(Scaled(5)),
+          height(std::max(from.clientHeight - from.statusHeight, 0)),
+          top(from.toolHeight + gap) {}
+    /// Pixels at 96 dots per inch as they are on this screen.
+    [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return (pixels * input.dpi + 48) / 96; }
 
-MainLayout ArrangeMain(const LayoutInput& input) {
-    const auto scaled = [&](std::int32_t pixels) { return (pixels * input.dpi + 48) / 96; };
-    const std::int32_t gap = scaled(4);
-    const std::int32_t splitter = scaled(5);
-    const std::int32_t height = std::max(input.clientHeight - input.statusHeight, 0);
+    const LayoutInput& input;
+    std::int32_t gap;
+    std::int32_t splitter;
+    std::int32_t height;  ///< above the status bar
+    std::int32_t top;     ///< below the toolbars
+};
 
-    MainLayout layout;
-    // The column keeps between 150 pixels and less than half of the window.
-    const std::int32_t widest = std::max(input.clientWidth * 45 / 100, scaled(150));
-    layout.listWidth = std::clamp(input.listWidth > 0 ? input.listWidth : scaled(232), scaled(150), widest);
-
-    // The toolbars stand side by side; the second one is cut off where the window is too narrow for both.
-    const std::int32_t top = input.toolHeight + gap;
-    layout.tools = {gap, scaled(2), std::min(input.toolWidth, input.clientWidth), input.toolHeight - scaled(2)};
-    const std::int32_t goToLeft = layout.tools.Right() + gap;
-    layout.goTo = {goToLeft, scaled(2), std::clamp(input.clientWidth - goToLeft, 0, input.goToWidth),
-                   input.toolHeight - scaled(2)};
-
+/// The column on the left: folders or channels, files or blocks, the values.
+void ArrangeColumn(const Measures& measures, MainLayout& layout) {
+    const auto& [input, gap, splitter, height, top] = measures;
     const std::int32_t columnHeight = std::max(height - gap - top, 0);
     // Room for every line of the readout, as far as the lists keep the greater part of the column.
-    const std::int32_t wanted = std::max(input.valueRows, 4) * scaled(14) + scaled(6);
+    const std::int32_t wanted = std::max(input.valueRows, 4) * measures.Scaled(14) + measures.Scaled(6);
     const std::int32_t valuesHeight = std::min(wanted, columnHeight * 2 / 5);
     const PixelRect column{gap, top, std::max(layout.listWidth - gap, 0), columnHeight - valuesHeight - gap};
     layout.values = {gap, column.Bottom() + gap, column.width, valuesHeight};
     // Each half has room for its tabs, its drop-down list and at least two lines.
     const std::int32_t shared = std::max(column.height - splitter, 1);
-    const std::int32_t least = std::min(input.tabHeight + 2 * gap + input.comboHeight + scaled(34), shared / 2);
+    const std::int32_t least =
+        std::min(input.tabHeight + 2 * gap + input.comboHeight + measures.Scaled(34), shared / 2);
     const std::int32_t percent = input.upperPercent > 0 ? input.upperPercent : kDefaultUpperPercent;
     const std::int32_t upper = std::clamp(shared * std::min(percent, 100) / 100, least, shared - least);
     layout.upperPercent = (upper * 100 + shared - 1) / shared;
@@ -64,12 +66,16 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     layout.blocks = page(layout.tabFile);
     layout.blocks.height = std::max(column.Bottom() - layout.blocks.top, 0);
     ArrangePage(layout.blocks, input.comboHeight, gap, layout.fileType, layout.files);
+}
 
+/// Graph, spectrogram, scales and scroll bars.
+void ArrangePictures(const Measures& measures, MainLayout& layout) {
+    const auto& [input, gap, splitter, height, top] = measures;
     layout.splitColumn = {layout.listWidth, top, splitter, std::max(height - top, 0)};
     const std::int32_t left = layout.splitColumn.Right();
-    const std::int32_t bar = scaled(17);
-    const std::int32_t scaleWidth = scaled(62);
-    const std::int32_t scaleHeight = scaled(26);
+    const std::int32_t bar = measures.Scaled(17);
+    const std::int32_t scaleWidth = measures.Scaled(62);
+    const std::int32_t scaleHeight = measures.Scaled(26);
     const std::int32_t right = std::max(input.clientWidth - gap, left + scaleWidth + bar);
     const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, top);
     // Graph and spectrogram share the height above the time scale.
@@ -79,7 +85,7 @@ MainLayout ArrangeMain(const LayoutInput& input) {
         const std::int32_t wantedShare =
             input.spectrogramPercent > 0 ? input.spectrogramPercent : kDefaultSpectrogramPercent;
         const std::int32_t shareable = both - splitter;
-        const std::int32_t leastHeight = std::min(scaled(60), shareable / 3);
+        const std::int32_t leastHeight = std::min(measures.Scaled(60), shareable / 3);
         const std::int32_t share =
             std::clamp(shareable * std::min(wantedShare, 100) / 100, leastHeight, shareable - leastHeight);
         graphHeight = shareable - share;
@@ -97,7 +103,28 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     }
     layout.scaleX = {layout.graph.left, graphBottom, layout.graph.width, scaleHeight};
     layout.scrollX = {layout.graph.left, layout.scaleX.Bottom(), layout.graph.width, bar};
-    layout.zoomX = {left, layout.scaleX.top + scaled(2), scaleWidth - gap, scaleHeight + bar - scaled(2)};
+    layout.zoomX = {left, layout.scaleX.top + measures.Scaled(2), scaleWidth - gap,
+                    scaleHeight + bar - measures.Scaled(2)};
+}
+
+}  // namespace
+
+MainLayout ArrangeMain(const LayoutInput& input) {
+    const Measures measures(input);
+    MainLayout layout;
+    // The column keeps between 150 pixels and less than half of the window.
+    const std::int32_t least = measures.Scaled(150);
+    const std::int32_t widest = std::max(input.clientWidth * 45 / 100, least);
+    layout.listWidth = std::clamp(input.listWidth > 0 ? input.listWidth : measures.Scaled(232), least, widest);
+
+    // The toolbars stand side by side; the second one is cut off where the window is too narrow for both.
+    const std::int32_t edge = measures.Scaled(2);
+    layout.tools = {measures.gap, edge, std::min(input.toolWidth, input.clientWidth), input.toolHeight - edge};
+    const std::int32_t goToLeft = layout.tools.Right() + measures.gap;
+    layout.goTo = {goToLeft, edge, std::clamp(input.clientWidth - goToLeft, 0, input.goToWidth),
+                   input.toolHeight - edge};
+    ArrangeColumn(measures, layout);
+    ArrangePictures(measures, layout);
     return layout;
 }
 

@@ -17,6 +17,7 @@ class LoaderHost {
     virtual void ResetViewState() = 0;
     virtual void StopSound() = 0;
     [[nodiscard]] virtual std::int32_t BlockItemCount() const = 0;
+    /// Positions in the list count from 0.
     virtual void RemoveBlockItem(std::int32_t position) = 0;
     /// Rewrites the item in place; adds it when `position` equals the number of items.
     virtual void SetBlockItem(std::int32_t position, const std::u16string& text) = 0;

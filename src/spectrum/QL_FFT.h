@@ -57,10 +57,12 @@ class QL_FFT {
     void FFT_BuildWindow();
     void FFT_BuildPalette() { m_palette = BuildPalette(m_settings.palette); }
     void FFT_NextPalette();
+    /// Nothing is drawn until a channel is set.
     void FFT_ClearState();
     /// Takes the channel at a position (from 0) as the source; without a block or such a channel there is none.
     void FFT_SetChannel(RecordingBlock* block, std::int16_t blockNumber, std::int16_t channelIndex,
                         const ValueRange& limits);
+    /// The factors from a bin's magnitude to a palette index, from the settings and the channel's limits.
     void FFT_ComputeScaling();
     /// Brings the image up to date for a view: what it already holds is moved, the other columns are computed; all of
     /// them when `force` is set, as it has to be after a change of samples per column. Returns how many were computed.

@@ -306,6 +306,7 @@ void frmQLMain::ResetViewState() {
     }
     m_menuChannel = 0;
     m_goneTo = 0;
+    m_unreadable.clear();
     m_global.ranges.Reset();
     m_global.selection = {};
     m_global.history.Clear();

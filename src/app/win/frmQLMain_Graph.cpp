@@ -73,6 +73,19 @@ void frmQLMain::UpdateScrollBars() const {
     EnableWindow(vertical, m_global.block.sampleCount > 0);
 }
 
+namespace {
+
+/// Where the user holds the thumb of a scroll bar; the message itself has only 16 bits for it.
+int TrackPosition(HWND scrollBar) {
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    GetScrollInfo(scrollBar, SB_CTL, &info);
+    return info.nTrackPos;
+}
+
+}  // namespace
+
 void frmQLMain::OnHScroll(UINT code) {
     const std::int32_t width = m_global.axis.Width();
     switch (code) {
@@ -86,12 +99,9 @@ void frmQLMain::OnHScroll(UINT code) {
         case SB_THUMBPOSITION: break;
         default: return;
     }
-    SCROLLINFO info{};
-    info.cbSize = sizeof info;
-    info.fMask = SIF_TRACKPOS;
-    GetScrollInfo(GetDlgItem(m_window, scScaleX), SB_CTL, &info);
     const std::int32_t before = m_global.axis.FirstColumn();
-    if (m_global.axis.SetScrollValue(info.nTrackPos)) Refresh(m_global.axis.FirstColumn() - before);
+    if (m_global.axis.SetScrollValue(TrackPosition(GetDlgItem(m_window, scScaleX))))
+        Refresh(m_global.axis.FirstColumn() - before);
 }
 
 void frmQLMain::OnVScroll(UINT code) {
@@ -105,11 +115,7 @@ void frmQLMain::OnVScroll(UINT code) {
         case SB_THUMBPOSITION: break;
         default: return;
     }
-    SCROLLINFO info{};
-    info.cbSize = sizeof info;
-    info.fMask = SIF_TRACKPOS;
-    GetScrollInfo(GetDlgItem(m_window, scScaleY), SB_CTL, &info);
-    MoveBaseLine(-info.nTrackPos - m_global.amplitude.Shift());
+    MoveBaseLine(-TrackPosition(GetDlgItem(m_window, scScaleY)) - m_global.amplitude.Shift());
 }
 
 void frmQLMain::FitUnlessLegible() {

@@ -10,7 +10,8 @@
 namespace quillon {
 
 /// The list of blocks: one line per block, its text and its number in a second column. It can be filled before there is
-/// a control that shows it.
+/// a control that shows it. Positions count from 0; only a line that there is may be removed or selected, and the text of
+/// any other is empty.
 class BlockList {
   public:
     void Attach(HWND list);
@@ -18,6 +19,7 @@ class BlockList {
     void Remove(int position);
     /// Rewrites a line in place, keeping the selection, or adds it at the end.
     void Set(int position, const std::wstring& text);
+    /// -1: none.
     [[nodiscard]] int Selected() const;
     void Select(int position);
     [[nodiscard]] std::wstring Text(int position) const;
@@ -37,6 +39,7 @@ class ChannelList {
     /// One line per channel of the block, in block order.
     void Fill(const ViewBlock& block, const ChannelSlots& slots);
     void FitColumns() const;
+    /// Items are the channels' positions in the block, from 0.
     [[nodiscard]] bool IsChecked(int item) const;
     /// Whether the mouse message that a notification tells of came to a line, its check box left aside.
     [[nodiscard]] bool IsOnItem(const NMHDR* notification) const;

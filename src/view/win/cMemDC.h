@@ -39,6 +39,7 @@ class cMemDC {
     /// A bitmap of 32 bits per pixel, 0x00RRGGBB, whose pixels can be reached: row after row from the top. Null when
     /// there is no memory for it. The pixels live as long as the bitmap.
     [[nodiscard]] std::uint32_t* CreatePixels(int width, int height);
+    /// A bitmap of one bit per pixel, of no particular content; false when there is no memory for it.
     bool CreateMonochromeBitmap(int width, int height);
     void CreatePen(int style, int width, COLORREF color) { Pen(::CreatePen(style, width, color)); }
     void CreateBrush(COLORREF color) { Brush(::CreateSolidBrush(color)); }
