@@ -97,7 +97,9 @@ void CheckReplaced(const CommandContext& context, const SplitPlan& plan, const f
 void ThrowWhereFailed(const SplitResult& result, const KVExport& exporter, const fs::path& folder) {
     const std::u16string path = (folder / result.name).u16string();
     if (result.end == SplitEnd::FolderFailed) throw Refusal(u"the folder cannot be created", folder.u16string());
-    if (result.end == SplitEnd::PieceFailed) throw Refusal(FailureText(exporter), path);
+    // What the system says of a file that it does not make begins with its name.
+    const std::u16string reason = FailureText(exporter);
+    if (result.end == SplitEnd::PieceFailed) throw Refusal(reason, reason.starts_with(path) ? std::u16string() : path);
     if (result.end == SplitEnd::Incomplete) throw Refusal(u"the file is incomplete (is the disk full?)", path);
 }
 

@@ -88,12 +88,11 @@ std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::
 }
 
 bool TraceReader::ReadExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                               std::int32_t count, std::int32_t samplesPerPixel) {
+                               std::int32_t count, std::int32_t samplesPerPixel, bool cached) {
     const auto runs = static_cast<std::size_t>(RunCount(count, samplesPerPixel));
     m_extremes.resize(runs * channels.size());
     m_targets.resize(channels.size());
     for (std::size_t at = 0; at < channels.size(); ++at) m_targets[at] = m_extremes.data() + at * runs;
-    const bool cached = ExtremesCache::Serves(first + 1, samplesPerPixel);
     if (!(cached ? m_cache.ColumnExtremes(block, channels, first + 1, count - 1, samplesPerPixel, m_targets)
                  : block.ColumnExtremes(channels, first + 1, count - 1, samplesPerPixel, m_targets)))
         return false;
@@ -132,21 +131,30 @@ void TraceReader::Read(RecordingBlock& block, std::span<const std::int16_t> chan
 
 void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                              std::int32_t count, std::int32_t samplesPerPixel) {
-    try {
-        if (samplesPerPixel > 2 && count > 1 && ReadExtremes(block, channels, first, count, samplesPerPixel)) return;
-    } catch (const std::exception& error) {
-        // The last channel is the first to miss a sample of a file that was cut.
-        const std::int32_t readable = ReadableCount(block, channels.back(), first, count);
-        if (readable < count) {
-            ReadPoints(block, channels, first, readable, samplesPerPixel);
-            m_failure = error.what();
-            return;
+    if (samplesPerPixel > 2 && count > 1) {
+        const auto reduced = [&](std::int32_t samples, bool cached) {
+            try {
+                return ReadExtremes(block, channels, first, samples, samplesPerPixel, cached);
+            } catch (const std::exception& error) {
+                m_failure = error.what();
+                return false;
+            }
+        };
+        if (reduced(count, ExtremesCache::Serves(first + 1, samplesPerPixel))) return;
+        if (!m_failure.empty()) {
+            // The cache reads more than is asked for. Of a file that was cut the last channel is the first to miss a
+            // sample.
+            const std::int32_t readable = ReadableCount(block, channels.back(), first, count);
+            if (readable > 1 && reduced(readable, false)) {
+                if (readable == count) m_failure.clear();
+                return;
+            }
         }
-        // Channel by channel those that can be read are still drawn.
     }
     // Read sample by sample, more than this would take memory without bound.
     constexpr std::int32_t most = 1 << 22;
     if (count > most) return;
+    m_failure.clear();
     for (std::size_t at = 0; at < m_used; ++at) {
         const auto draw = [&](std::int32_t samples) {
             try {

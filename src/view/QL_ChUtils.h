@@ -68,7 +68,7 @@ class TraceReader {
     void ReadPoints(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                     std::int32_t count, std::int32_t samplesPerPixel);
     bool ReadExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                      std::int32_t count, std::int32_t samplesPerPixel);
+                      std::int32_t count, std::int32_t samplesPerPixel, bool cached);
 
     ExtremesCache m_cache;
     std::string m_failure;

@@ -89,22 +89,31 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
 
 TEST(TraceReader, ATraceEndsWhereItCannotBeReadOn) {
     struct CutBlock : FakeBlock {
+        static void Check(std::int32_t end) {
+            if (end > 250000) throw std::runtime_error("cut");
+        }
         std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
                                std::int16_t* to) override {
-            if (first + count > 700) throw std::runtime_error("cut");
-            return FakeBlock::ReadCodes(channel, first, count, to);
+            return Check(first + count), FakeBlock::ReadCodes(channel, first, count, to);
+        }
+        bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
+                            std::int32_t run, std::span<RunExtremes* const> out) override {
+            return Check(first + count), FakeBlock::ColumnExtremes(channels, first, count, run, out);
         }
     } block;
-    block.offersExtremes = false;
-    block.samples = {std::vector<std::int16_t>(1000, 3)};
+    block.samples = {std::vector<std::int16_t>(6000000, 3)};
     const std::vector<std::int16_t> channels{1};
-    TraceReader reader;
-    for (const std::int32_t perPixel : {1, 5}) {
-        reader.Read(block, channels, {300, 600, perPixel});
-        EXPECT_EQ(reader.points()[0].size(), perPixel == 1 ? 400U : 161U);
-        EXPECT_EQ(reader.Failure(), "cut");
-        reader.Read(block, channels, {300, 400, perPixel});
-        EXPECT_EQ(reader.Failure(), "");
+    for (const std::int32_t perPixel : {1, 5, 100}) {
+        // The last stretch ends before the cut, but not before that of the chunk which the cache would read.
+        for (const std::int32_t count : {300000, perPixel == 1 ? 300000 : 6000000, 240000}) {
+            block.offersExtremes = count > 300000 || perPixel > 5;
+            TraceReader reader;
+            reader.Read(block, channels, {0, count, perPixel});
+            const auto readable = static_cast<std::size_t>(std::min(count, 250000));
+            const auto run = static_cast<std::size_t>(perPixel);
+            EXPECT_EQ(reader.points()[0].size(), perPixel == 1 ? readable : 3 + (readable - 2) / run * 2);
+            EXPECT_EQ(reader.Failure(), count > 250000 ? "cut" : "") << count << ' ' << perPixel;
+        }
     }
 }
 

@@ -125,9 +125,19 @@ void Panel::PaintTable(HDC dc, const RECT& place, const std::wstring& text) {
     }
 }
 
+void Panel::Text(const std::u16string& text) {
+    m_text = text;
+    // The description of another recording ends what was looked for in the readout of this one.
+    if (text.find(u'\t') == std::u16string::npos) m_first = m_wheelRest = 0;
+}
+
 bool Panel::PictureMouse(int, UINT message, WPARAM wParam, LPARAM) {
     if (message != WM_MOUSEWHEEL) return false;
-    m_first -= 3 * GET_WHEEL_DELTA_WPARAM(wParam) / WHEEL_DELTA;
+    if (m_text.find(u'\t') == std::u16string::npos) return true;
+    constexpr int line = WHEEL_DELTA / 3;
+    m_wheelRest += GET_WHEEL_DELTA_WPARAM(wParam);
+    m_first -= m_wheelRest / line;
+    m_wheelRest %= line;
     Refresh();
     return true;
 }

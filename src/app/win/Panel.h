@@ -17,7 +17,7 @@ class Panel final : public PictureOwner {
     [[nodiscard]] HWND Window() const { return m_box.Window(); }
     [[nodiscard]] const std::u16string& Text() const { return m_text; }
     /// Shown by the next Refresh.
-    void Text(const std::u16string& text) { m_text = text; }
+    void Text(const std::u16string& text);
     void FontBold(bool bold) { m_bold = bold; }
     void Refresh() const { m_box.Invalidate(); }
 
@@ -31,7 +31,8 @@ class Panel final : public PictureOwner {
     PictureBox m_box;
     std::u16string m_text;
     bool m_bold = false;
-    int m_first = 0;  ///< line that stands at the top
+    int m_first = 0;      ///< line that stands at the top
+    int m_wheelRest = 0;  ///< of turns that make no whole line
 };
 
 }  // namespace quillon

@@ -28,7 +28,7 @@ SYSTEMTIME SystemTimeOf(double date) {
 void WinServices::SetWindow(HWND window, HWND statusBar) {
     m_window = window;
     m_statusBar = statusBar;
-    if (m_statusBar != nullptr && !m_status.empty()) SetStatus(std::exchange(m_status, {}));
+    if (m_statusBar != nullptr && !m_status.empty()) SetStatus(m_status);
 }
 
 void WinServices::ShowMessage(const std::u16string& text, const std::u16string& title) {
@@ -38,10 +38,8 @@ void WinServices::ShowMessage(const std::u16string& text, const std::u16string& 
 }
 
 void WinServices::SetStatus(const std::u16string& text) {
-    if (m_statusBar == nullptr) {
-        m_status = text;
-        return;
-    }
+    m_status = text;
+    if (m_statusBar == nullptr) return;
     SendPointer(m_statusBar, SB_SETTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());
     // The whole text where the panel is too narrow for it.
     SendPointer(m_statusBar, SB_SETTIPTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());

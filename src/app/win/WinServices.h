@@ -18,6 +18,8 @@ class WinServices final : public UserServices {
     using UserServices::ShowMessage;
     void ShowMessage(const std::u16string& text, const std::u16string& title) override;
     void SetStatus(const std::u16string& text) override;
+    /// The last text of "Status".
+    [[nodiscard]] const std::u16string& Status() const { return m_status; }
     [[nodiscard]] std::u16string Text(int id) const override;
     [[nodiscard]] std::u16string LongTime(double date) const override;
     [[nodiscard]] std::u16string DateAndTime(double date) const override;
@@ -26,7 +28,7 @@ class WinServices final : public UserServices {
     Language m_language;
     HWND m_window = nullptr;
     HWND m_statusBar = nullptr;
-    std::u16string m_status;  ///< waits for a status bar
+    std::u16string m_status;  ///< told last, also before there is a status bar
 };
 
 }  // namespace quillon

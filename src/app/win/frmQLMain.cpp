@@ -315,7 +315,7 @@ void frmQLMain::OnActivate(UINT state) {
         return;
     }
     // An icon has no graph to which a scale could be fitted; the window's first size comes later.
-    if (IsIconic(m_window)) return;
+    if (!m_activated && IsIconic(m_window)) return;
     if (!m_activated) {
         m_activated = true;
         // The waveform is what the user waits for; the rest follows, whatever becomes of it.
@@ -368,8 +368,13 @@ void frmQLMain::OnDialogEnd(bool enabled) {
 void frmQLMain::OnEndSession(bool ends) {
     // The process may end without another message.
     if (!ends) return;
-    StopSound();
-    EndSession();
+    if (!m_busy) {
+        StopSound();
+        return EndSession();
+    }
+    // The command that runs has use for the recording as long as it can.
+    KeepSettings();
+    if (m_shutdown) m_shutdown();
 }
 
 void frmQLMain::EndSession() {

@@ -162,6 +162,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// Remembers the view that is about to be left.
     void KeepView();
     void ScrollBy(std::int32_t shift);
+    /// The user, or the line of the sound, has moved the view by that many columns.
+    void Scrolled(std::int32_t shift);
     void GoTo(int index);
     void MoveView(int index);
     void SelectZoomX(int index);
@@ -278,7 +280,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void UpdateScrollBars() const;
     [[nodiscard]] GraphScene Scene() const;
     /// Tells in "Status" when what is seen cannot be read, and when it can be again.
-    void TellUnreadable(bool scrolled);
+    void TellUnreadable(bool wholeView);
     /// Draws the graph and brings scales, scroll bars, panels and buttons up to date. A shift says that the view was
     /// only scrolled, by that many columns, since it was drawn.
     void Refresh(std::int32_t shift = 0);
@@ -344,7 +346,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_scaleFitted = false;          ///< to a block, since the start
     std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
-    std::string m_unreadable;            ///< why a part of the view could not be read, as told in "Status"
+    std::u16string m_unreadable;         ///< what "Status" was told of a part of the view that cannot be read
     bool m_soundInStatus = false;        ///< "Status" shows the position of the sound
     bool m_followsSound = false;         ///< the line of the sound was in view, and the user has not scrolled it away
     std::int32_t m_saveType = 1;         ///< chosen last in the Save As dialog

@@ -150,11 +150,10 @@ void frmQLMain::StartWatch() {
 }
 
 void frmQLMain::RefreshFiles() {
-    // The watch first: what comes between the two is told by it.
+    // The watch ends with a folder that goes, and does not know when it is back. It comes first, so that what happens
+    // between the two is told by it.
     StartWatch();
-    m_browser.Refresh();
-    m_global.fileSelected = !m_browser.SelectedFile().empty();
-    UpdateCommands();
+    FilesChanged();
 }
 
 void frmQLMain::FilesChanged() try {
@@ -259,8 +258,11 @@ bool frmQLMain::RunPendingMessages() const {
 
 void frmQLMain::SelectDrive() {
     const std::wstring drive = m_browser.ChosenDrive();
-    // The drive that is shown already leaves the folder as it is.
-    if (towupper(m_browser.Folder().empty() ? 0 : m_browser.Folder()[0]) != towupper(drive[0])) ShowFolder(drive);
+    // The drive that is shown already leaves the folder as it is, unless that has gone.
+    const std::wstring& shown = m_browser.Folder();
+    const bool stays = !shown.empty() && towupper(shown[0]) == towupper(drive[0]) &&
+                       GetFileAttributesW(shown.c_str()) != INVALID_FILE_ATTRIBUTES;
+    stays ? RefreshFiles() : static_cast<void>(ShowFolder(drive));
 }
 
 void frmQLMain::SelectType() {
@@ -306,7 +308,7 @@ void frmQLMain::ResetViewState() {
     }
     m_menuChannel = 0;
     m_goneTo = 0;
-    m_unreadable.clear();
+    if (!m_unreadable.empty() && m_services.Status() == std::exchange(m_unreadable, {})) m_services.SetStatus({});
     m_global.ranges.Reset();
     m_global.selection = {};
     m_global.history.Clear();

@@ -165,11 +165,7 @@ void frmQLMain::SelectTabPath(int page) {
 
 void frmQLMain::SelectTabFile(int page) {
     TabCtrl_SetCurSel(GetDlgItem(m_window, tabFile), page);
-    if (page == 0) {
-        // The watch ends with a folder that goes, and does not know when it is back.
-        StartWatch();
-        FilesChanged();
-    }
+    if (page == 0) RefreshFiles();
     ShowPages();
 }
 

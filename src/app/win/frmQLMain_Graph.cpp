@@ -101,7 +101,7 @@ void frmQLMain::OnHScroll(UINT code) {
     }
     const std::int32_t before = m_global.axis.FirstColumn();
     if (m_global.axis.SetScrollValue(TrackPosition(GetDlgItem(m_window, scScaleX))))
-        Refresh(m_global.axis.FirstColumn() - before);
+        Scrolled(m_global.axis.FirstColumn() - before);
 }
 
 void frmQLMain::OnVScroll(UINT code) {
@@ -140,15 +140,18 @@ GraphScene frmQLMain::Scene() const {
             TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(settings.gridColor))))};
 }
 
-void frmQLMain::TellUnreadable(bool scrolled) {
+void frmQLMain::TellUnreadable(bool wholeView) {
     const std::string reason = m_global.block.sampleCount > 0 ? m_graph.ReadFailure() : std::string();
-    // What a scroll did not have to read may be unreadable still.
-    if (m_unreadable == reason || (scrolled && reason.empty())) return;
-    m_unreadable = reason;
-    const std::wstring path = Wide(m_global.file.fileName);
-    m_services.SetStatus(reason.empty() ? std::u16string()
-                                        : Narrow16(path.substr(path.rfind(L'\\') + 1)) + u": " +
-                                              m_services.Text(IDS_UNREADABLE) + u": " + Utf16(reason));
+    if (!reason.empty()) {
+        const std::wstring path = Wide(m_global.file.fileName);
+        m_unreadable = Narrow16(path.substr(path.rfind(L'\\') + 1)) + u": " + m_services.Text(IDS_UNREADABLE) + u": " +
+                       Utf16(reason);
+        m_services.SetStatus(m_unreadable);
+    } else if (wholeView && !m_unreadable.empty()) {
+        // What was told of something else since then stays.
+        if (m_services.Status() == m_unreadable) m_services.SetStatus({});
+        m_unreadable.clear();
+    }
 }
 
 void frmQLMain::Refresh(std::int32_t shift) {
@@ -170,7 +173,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
         m_graph.Clear(graph.width, graph.height);
     }
     m_graphBox.Invalidate();
-    TellUnreadable(shift != 0);
+    TellUnreadable(shift == 0 || std::abs(shift) >= graph.width);
     if (!m_complete) return;
     Spectrogram_Draw(false);
     m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));

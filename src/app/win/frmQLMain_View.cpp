@@ -35,9 +35,11 @@ void frmQLMain::KeepView() {
 }
 
 void frmQLMain::ScrollBy(std::int32_t shift) {
-    const std::int32_t moved = m_global.axis.ScrollBy(shift);
-    if (moved == 0) return;
-    Refresh(moved);
+    if (const std::int32_t moved = m_global.axis.ScrollBy(shift); moved != 0) Scrolled(moved);
+}
+
+void frmQLMain::Scrolled(std::int32_t shift) {
+    Refresh(shift);
     m_followsSound = m_graph.Band(GraphBand::Play).has_value();
 }
 

@@ -106,10 +106,12 @@ void GraphPainter::DrawGrid(const GridKey& key) {
 
 void GraphPainter::Clear(int width, int height) {
     m_bands = {};
+    m_failure.clear();
     if (Prepare(width, height)) FillWith(m_surface.Handle(), {0, 0, m_width, m_height}, kWhite);
 }
 
 void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
+    m_failure.clear();
     if (!Prepare(width, height)) return;
     DrawColumns(scene, 0, m_width);
     InvertBands();
@@ -118,6 +120,7 @@ void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
 void GraphPainter::Scroll(const GraphScene& scene, std::int32_t shift) {
     if (m_width == 0 || shift == 0) return;
     if (shift >= m_width || shift <= -m_width) return Draw(scene, m_width, m_height);
+    m_failure.clear();
     InvertBands();
     const HDC dc = m_surface.Handle();
     BitBlt(dc, std::max(-shift, 0), 0, m_width - std::abs(shift), m_height, dc, std::max(shift, 0), 0, SRCCOPY);
@@ -187,6 +190,7 @@ void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
     geometry.rawCodes = scene.rawCodes;
     geometry.foldOrigin = scene.foldOrigin;
     m_reader.Read(*scene.block.block, shown, {visible.first - 1, visible.Count(), geometry.samplesPerPixel, from, to});
+    if (m_failure.empty()) m_failure = m_reader.Failure();
     m_canvas.Reset(from, to, m_height);
     std::vector<std::uint32_t> colors(shown.size());
     {

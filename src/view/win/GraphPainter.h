@@ -50,7 +50,7 @@ class GraphPainter {
     /// An empty white surface without bands.
     void Clear(int width, int height);
     /// Why a part of what was drawn last could not be read; empty when all could.
-    [[nodiscard]] const std::string& ReadFailure() const { return m_reader.Failure(); }
+    [[nodiscard]] const std::string& ReadFailure() const { return m_failure; }
     /// Another block is shown: what was read of the old one is of no use.
     void ForgetBlock() { m_reader.Reset(); }
     /// Moves, shows or hides a band; the returned rectangle holds what has changed.
@@ -89,6 +89,7 @@ class GraphPainter {
     cMemDC m_grid;  ///< one grid period wider than the surface, so that any horizontal position can be copied from it
     GdiFont m_font;
     TraceReader m_reader;
+    std::string m_failure;
     TraceCanvas m_canvas;
     std::vector<DevicePoint> m_trace;
     std::uint32_t* m_pixels = nullptr;  ///< of the surface, rows from the top
