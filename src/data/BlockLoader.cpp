@@ -6,6 +6,7 @@
 
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "data/ChannelSelection.h"
 
 namespace quillon {
 
@@ -121,8 +122,9 @@ void BlockLoader::LoadChannel(std::int16_t channel) {
     });
     Resume([&] { m_block.offsets[at] = block.ChannelOffset(channel); });
     const std::int16_t number = m_block.channelNumbers[at];
-    if (number < 0 || number >= kSlotCount) return;
-    ChannelSlot& slot = m_slots[static_cast<std::size_t>(number)];
+    ChannelSlot* const found = SlotOf(m_slots, number);
+    if (found == nullptr) return;
+    ChannelSlot& slot = *found;
     slot.title.clear();
     slot.unit.clear();
     Resume([&] { slot.title = block.ChannelTitle(channel); });

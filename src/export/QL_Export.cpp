@@ -5,6 +5,7 @@
 
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "data/ChannelSelection.h"
 #include "export/KVExport.h"
 #include "export/TextRows.h"
 
@@ -16,11 +17,12 @@ std::vector<TextChannel> FindChannels(const RecordingBlock& block, const TextExp
                                       const ChannelSlots& slots) {
     std::vector<TextChannel> found;
     for (const std::int16_t number : request.channels) {
-        if (number < 0 || number >= kSlotCount) continue;
+        const ChannelSlot* slot = SlotOf(slots, number);
+        if (slot == nullptr) continue;
         for (std::int16_t position = 1; position <= block.ChannelCount(); ++position) {
             if (block.ChannelNumber(position) != number) continue;
-            found.push_back({position, TextTitle(slots[static_cast<std::size_t>(number)].title, number),
-                             block.ChannelScale(position), block.ChannelOffset(position)});
+            found.push_back({position, TextTitle(slot->title, number), block.ChannelScale(position),
+                             block.ChannelOffset(position)});
             break;
         }
     }

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <vector>
 
-#include "view/QL_ChUtils.h"
+#include "data/ChannelSelection.h"
 
 namespace quillon {
 

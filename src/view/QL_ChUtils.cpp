@@ -56,17 +56,6 @@ std::uint32_t TraceColor(std::int16_t channelNumber) {
     return colors[static_cast<std::size_t>(channelNumber) % kTraceColors];
 }
 
-std::vector<std::int16_t> ShownChannels(const ViewBlock& block, const ChannelSlots& slots) {
-    std::vector<std::int16_t> shown;
-    for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
-        const std::int16_t number = block.channelNumbers[at];
-        if (number >= 0 && number < kSlotCount && slots[static_cast<std::size_t>(number)].shown) {
-            shown.push_back(static_cast<std::int16_t>(at + 1));
-        }
-    }
-    return shown;
-}
-
 std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::int32_t first, std::int32_t count,
                               std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
                               std::vector<TracePoint>& points) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "data/NorvikCore.h"
-#include "data/QL_Types.h"
 #include "view/ExtremesCache.h"
 
 namespace quillon {
@@ -24,9 +23,6 @@ struct TracePoint {
 inline constexpr int kTraceColors = 16;
 /// Colour as 0xRRGGBB of a channel number.
 [[nodiscard]] std::uint32_t TraceColor(std::int16_t channelNumber);
-
-/// Positions in the block (from 1) of the channels to be drawn, in block order: those whose slot is shown.
-[[nodiscard]] std::vector<std::int16_t> ShownChannels(const ViewBlock& block, const ChannelSlots& slots);
 
 /// Computes the points of a channel's trace over samples first .. first+count-1 (from 0) by reading every one of them,
 /// and returns the last sample. With more than 2 samples per pixel each further pixel column gets the two extremes of

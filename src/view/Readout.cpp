@@ -4,8 +4,8 @@
 #include <exception>
 
 #include "base/Text.h"
+#include "data/ChannelSelection.h"
 #include "view/DataRange.h"
-#include "view/QL_ChUtils.h"
 #include "view/ScaleLabels.h"
 
 namespace quillon {

@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "app/Commands.h"
-#include "app/KeyMap.h"
+#include "app/GraphKeys.h"
 #include "app/MainLayout.h"
 #include "app/StartUp.h"
 #include "app/StatusPanels.h"
@@ -98,7 +98,7 @@ TEST(StatusPanels, TellLengthsBeyondADayAndCodes) {
     EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10 k#"));
 }
 
-TEST(KeyMap, ModifiersAndFocusChooseTheCommand) {
+TEST(GraphKeys, ModifiersAndFocusChooseTheCommand) {
     const auto move = [](Key key, bool control, bool shift) {
         return Moves()[static_cast<std::size_t>(CommandOf(KeyPlace::Graph, key, control, shift, false) - mnuMove)];
     };

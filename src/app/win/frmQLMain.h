@@ -6,7 +6,7 @@
 #include <string>
 
 #include "app/Commands.h"
-#include "app/KeyMap.h"
+#include "app/GraphKeys.h"
 #include "app/MainLayout.h"
 #include "app/QL_Global.h"
 #include "app/win/Panel.h"

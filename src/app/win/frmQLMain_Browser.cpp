@@ -4,6 +4,7 @@
 #include "app/win/InputBox.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
+#include "data/ChannelSelection.h"
 #include "data/FileOperationPlan.h"
 #include "data/win/FileOperation.h"
 
@@ -362,9 +363,8 @@ void frmQLMain::ShowCaption() {
 void frmQLMain::StoreShown(int item) {
     const auto at = static_cast<std::size_t>(item);
     if (at >= m_global.block.channelNumbers.size()) return;
-    const std::int16_t number = m_global.block.channelNumbers[at];
-    if (number < 0 || number >= kSlotCount) return;
-    m_global.slots[static_cast<std::size_t>(number)].shown = m_channels.IsChecked(item);
+    ChannelSlot* slot = SlotOf(m_global.slots, m_global.block.channelNumbers[at]);
+    if (slot != nullptr) slot->shown = m_channels.IsChecked(item);
 }
 
 void frmQLMain::SetAllShown(int index) {

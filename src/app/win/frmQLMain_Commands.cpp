@@ -3,8 +3,8 @@
 
 #include "app/Commands.h"
 #include "app/ControlIds.h"
+#include "app/GraphKeys.h"
 #include "app/HelpFile.h"
-#include "app/KeyMap.h"
 #include "app/win/HelpViewer.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"

@@ -6,6 +6,7 @@
 #include "app/StatusPanels.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
+#include "data/ChannelSelection.h"
 #include "view/DataRange.h"
 
 namespace quillon {

@@ -1,12 +1,13 @@
 #include <algorithm>
 
 #include "app/ControlIds.h"
-#include "app/KeyMap.h"
+#include "app/GraphKeys.h"
 #include "app/win/InputBox.h"
 #include "app/win/TableWindow.h"
 #include "app/win/frmQLMain.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "data/ChannelSelection.h"
 #include "view/DataRange.h"
 #include "view/PositionInput.h"
 
@@ -237,7 +238,7 @@ void frmQLMain::ShowAlone(int) {
     const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_global.currentChannel;
     for (std::size_t at = 0; at < numbers.size(); ++at) {
         const std::int16_t number = numbers[at];
-        if (number < 0 || number >= kSlotCount) continue;
+        if (SlotOf(m_global.slots, number) == nullptr) continue;
         const int item = static_cast<int>(at);
         const bool shown = back ? before->test(static_cast<std::size_t>(number)) : item + 1 == chosen;
         m_channels.Check(item, shown);

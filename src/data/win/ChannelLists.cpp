@@ -1,5 +1,6 @@
 #include "data/win/ChannelLists.h"
 
+#include "data/ChannelSelection.h"
 #include "data/win/FillScope.h"
 
 namespace quillon {
@@ -84,8 +85,8 @@ void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
     ListView_DeleteAllItems(m_list);
     for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
         const std::int16_t number = block.channelNumbers[at];
-        const bool hasSlot = number >= 0 && number < kSlotCount;
-        const ChannelSlot slot = hasSlot ? slots[static_cast<std::size_t>(number)] : ChannelSlot{{}, {}, false};
+        const ChannelSlot* found = SlotOf(slots, number);
+        const ChannelSlot slot = found != nullptr ? *found : ChannelSlot{{}, {}, false};
         std::wstring title = Wide(slot.title);
         LVITEMW item{};
         item.mask = LVIF_TEXT | LVIF_IMAGE;

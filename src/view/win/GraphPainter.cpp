@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "data/ChannelSelection.h"
+
 namespace quillon {
 
 namespace {

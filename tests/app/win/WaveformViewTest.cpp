@@ -4,6 +4,7 @@
 
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
+#include "data/ChannelSelection.h"
 
 namespace quillon {
 namespace {

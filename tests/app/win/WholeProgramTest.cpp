@@ -7,7 +7,7 @@
 // After windows.h, on which it depends.
 #include <mmsystem.h>
 
-#include "app/KeyMap.h"
+#include "app/GraphKeys.h"
 #include "app/OptionSettings.h"
 #include "app/win/DialogUser.h"
 #include "app/win/MainWindowFixture.h"

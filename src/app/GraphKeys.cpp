@@ -1,4 +1,4 @@
-#include "app/KeyMap.h"
+#include "app/GraphKeys.h"
 
 #include <algorithm>
 #include <array>
