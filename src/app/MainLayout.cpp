@@ -51,7 +51,7 @@ void ArrangeColumn(const Measures& measures, MainLayout& layout) {
     const std::int32_t upper = std::clamp(shared * std::min(percent, 100) / 100, least, shared - least);
     layout.upperPercent = (upper * 100 + shared - 1) / shared;
     const auto page = [&](const PixelRect& strip) {
-        return PixelRect{strip.left, strip.Bottom() + gap, strip.width, 0};
+        return PixelRect{strip.left, strip.Bottom() + measures.gap, strip.width, 0};
     };
     layout.tabPath = {column.left, column.top, column.width, input.tabHeight};
     layout.channels = page(layout.tabPath);
