@@ -14,6 +14,8 @@ struct ValueRange {
 /// How many physical units one vertical division stands for, and where the zero level lies.
 class AmplitudeScale {
   public:
+    static constexpr float kCodesPerUnit =
+        1000.0F;                                   ///< where codes are shown, a unit of the scale stands for that many
     static constexpr int kScaleCount = 19;         ///< 1000, 500, 200, ... 0.002, 0.001 units per division
     static constexpr std::int32_t kDivision = 40;  ///< pixels of one division
 

@@ -97,7 +97,14 @@ std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, std::int16_t 
     return m_ranges[static_cast<std::size_t>(channel - 1)].range;
 }
 
-std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots) {
+std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots, bool rawCodes) {
+    if (rawCodes) {
+        // As a block of channels whose unit is the one in which the scale counts codes.
+        ViewBlock codes = block;
+        codes.invScale.assign(block.invScale.size(), AmplitudeScale::kCodesPerUnit);
+        codes.offsets.assign(block.offsets.size(), 0.0F);
+        return TypicalRange(codes, slots, false);
+    }
     constexpr std::int64_t fewBytes = 16 << 20;
     constexpr std::int32_t stretches = 16;
     constexpr std::int32_t stretchSamples = 16384;

@@ -44,6 +44,7 @@ class RangeRecords {
 
 /// The range that a block's scale is chosen by when it is first shown: of all its samples where they are few enough to
 /// be read at once, else of stretches spread evenly over it, so that a recording of any length shows at once.
-[[nodiscard]] std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots);
+/// With raw codes it is that of the codes, 1000 to a unit.
+[[nodiscard]] std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots, bool rawCodes);
 
 }  // namespace quillon

@@ -14,8 +14,7 @@ namespace {
 
 /// Values nearer to zero than this are the rounding of a zero label.
 constexpr double kZero = 1e-6;
-/// Where codes are shown, a unit of the scale stands for that many.
-constexpr double kCodesPerUnit = 1000.0;
+constexpr auto kCodesPerUnit = static_cast<double>(AmplitudeScale::kCodesPerUnit);
 
 std::u16string AmplitudeText(double value, double step, bool rawCodes, char16_t separator) {
     if (std::fabs(value) < kZero) value = 0.0;

@@ -64,7 +64,7 @@ void Fold(const Extents& extents, std::int32_t zeroRow, std::int32_t offset, Tra
 TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseLine) {
     constexpr float division = AmplitudeScale::kDivision;
     const float zoom = geometry.unitsPerDivision;
-    float factor = geometry.rawCodes ? zoom * 1000.0F / division : zoom * invScale / division;
+    float factor = geometry.rawCodes ? zoom * AmplitudeScale::kCodesPerUnit / division : zoom * invScale / division;
     double offset = geometry.rawCodes ? 0.0 : std::nearbyint(-static_cast<double>(division * baseLine / zoom));
     if (!std::isfinite(offset)) offset = 0.0;
     offset = std::clamp(offset, -kFarthest, kFarthest);

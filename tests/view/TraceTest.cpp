@@ -286,7 +286,8 @@ TEST(RangeOf, TakesTheShownChannelsInTheirUnits) {
     block.channelNumbers = {0};
     block.channelCount = 1;
     block.sampleCount = 9000000;
-    expect(TypicalRange(block, slots), -24.0F, 36.0F);
+    expect(TypicalRange(block, slots, false), -24.0F, 36.0F);
+    expect(TypicalRange(block, slots, true), -0.05F, 0.07F);
     expect(RangeOf(block, slots, {1, 9000000}), -24.0F, 501.0F);
 }
 

@@ -121,9 +121,7 @@ void frmQLMain::OnVScroll(UINT code) {
 
 void frmQLMain::FitUnlessLegible() {
     // A scale that the user chose stays from block to block as long as the new one is legible at it.
-    const std::optional<ValueRange> range = m_global.rawCodes && m_global.block.sampleCount > 0
-                                                ? kRawCodesRange
-                                                : TypicalRange(m_global.block, m_global.slots);
+    const std::optional<ValueRange> range = TypicalRange(m_global.block, m_global.slots, m_global.rawCodes);
     if (!range || (m_scaleFitted && m_global.amplitude.Shows(*range))) return;
     m_global.amplitude.FindData(range);
     m_scaleFitted = true;
