@@ -5,6 +5,7 @@
 #include <limits>
 #include <system_error>
 
+#include "base/FilePath.h"
 #include "base/Rounding.h"
 #include "base/Text.h"
 
@@ -29,12 +30,6 @@ std::u16string_view WithoutBlanks(std::u16string_view text) {
 std::u16string_view WithoutTail(std::u16string_view path) {
     while (!path.empty() && (path.back() == u' ' || path.back() == u'.')) path.remove_suffix(1);
     return path;
-}
-
-/// Where the name without its folder begins.
-std::size_t NameStart(std::u16string_view path) {
-    const std::size_t separator = path.find_last_of(u"\\/");
-    return separator == std::u16string_view::npos ? 0 : separator + 1;
 }
 
 /// Where the point before the extension stands; the end where there is none. A point at the front begins none.

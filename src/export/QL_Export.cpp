@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/FilePath.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
@@ -105,9 +106,8 @@ bool IsAscii(std::string_view text) {
 }  // namespace
 
 std::u16string ChannelFileName(const std::u16string& target, std::int16_t channelNumber) {
-    const std::size_t folder = target.find_last_of(u"\\/");
     std::size_t dot = target.rfind(u'.');
-    if (dot == std::u16string::npos || (folder != std::u16string::npos && dot < folder)) dot = target.size();
+    if (dot == std::u16string::npos || dot < NameStart(target)) dot = target.size();
     return target.substr(0, dot) + Decimal(channelNumber + 1) + target.substr(dot);
 }
 
@@ -198,10 +198,8 @@ std::u16string BuildSaveFilter() {
 bool FastExportDialog(SaveFileDialog& dialog, const UserServices& services, std::u16string& fileName) {
     dialog.title = services.Text(IDS_FAST_FILE);
     dialog.filter = u"Text files (*.txt)|*.txt|All files (*.*)|*.*";
-    const std::size_t folder = fileName.find_last_of(u"\\/");
-    const std::size_t name = folder == std::u16string::npos ? 0 : folder + 1;
-    dialog.folder = fileName.substr(0, name);
-    dialog.fileName = fileName.substr(name);
+    dialog.folder = FolderOf(fileName);
+    dialog.fileName = FileNameOf(fileName);
     const bool text = fileName.size() > 4 && LowerCase(fileName).ends_with(u".txt");
     dialog.filterIndex = fileName.empty() || text ? 1 : 2;
     if (!dialog.Show()) return false;

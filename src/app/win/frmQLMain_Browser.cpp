@@ -3,6 +3,7 @@
 #include "app/ControlIds.h"
 #include "app/win/InputBox.h"
 #include "app/win/frmQLMain.h"
+#include "base/FilePath.h"
 #include "base/StringIds.h"
 #include "data/ChannelSelection.h"
 #include "data/FileOperationPlan.h"
@@ -166,7 +167,7 @@ void frmQLMain::FilesChanged() try {
     const DWORD reason = GetLastError();
     // Any other reason may pass, as a network's does.
     if (unseen && (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND)) {
-        const std::u16string name = Narrow16(open.substr(open.rfind(L'\\') + 1));
+        const std::u16string name = FileNameOf(m_global.file.fileName);
         m_browser.SelectFile(-1);
         ClickFile();
         m_services.SetStatus(name + u": " + m_services.Text(IDS_FILE_GONE));
@@ -271,9 +272,8 @@ void frmQLMain::SelectType() {
     m_browser.SetPattern(m_global.library->FileTypeMask(static_cast<std::int32_t>(type)));
     m_global.fileSelected = !m_browser.SelectedFile().empty();
     UpdateCommands();
-    const std::wstring open = Wide(m_global.file.fileName);
-    if (open.empty()) return;
-    m_browser.SelectFileNamed(open.substr(open.rfind(L'\\') + 1));
+    if (m_global.file.fileName.empty()) return;
+    m_browser.SelectFileNamed(Wide(FileNameOf(m_global.file.fileName)));
     ClickFile();
 }
 
@@ -351,10 +351,9 @@ void frmQLMain::ShowBlockSpectrum() {
 void frmQLMain::ShowCaption() {
     std::wstring caption = L"Quillon";
     if (!m_global.file.fileName.empty()) {
-        const std::wstring path = Wide(m_global.file.fileName);
         std::wstring block = m_blocks.Text(m_global.file.currentBlockIndex);
         block.resize(std::min(block.find(L'\t'), block.size()));
-        caption = path.substr(path.rfind(L'\\') + 1);
+        caption = Wide(FileNameOf(m_global.file.fileName));
         if (!block.empty()) caption += L" - [" + block + L"]";
     }
     SetWindowTextW(m_window, caption.c_str());

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/win/frmQLMain.h"
+#include "base/FilePath.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
 #include "export/ImagePlan.h"
@@ -17,17 +18,9 @@ constexpr ULONGLONG kPumpMilliseconds = 30;
 /// File names that the question about replacing shows.
 constexpr std::size_t kNamesShown = 8;
 
-std::u16string FolderOf(const std::u16string& path) {
-    return path.substr(0, path.find_last_of(u"\\/") + 1);
-}
-
-std::u16string NameOf(const std::u16string& path) {
-    return path.substr(path.find_last_of(u"\\/") + 1);
-}
-
 /// The name without its extension, and without those that the save dialog would take for the type that is meant.
 std::u16string BareName(const std::u16string& path) {
-    std::u16string name = NameOf(path);
+    std::u16string name = FileNameOf(path);
     name.resize(std::min(name.rfind(u'.'), name.size()));
     for (bool more = true; more && name.size() > 4;) {
         const std::u16string end = LowerCase(name.substr(name.size() - 4));
@@ -135,7 +128,7 @@ bool frmQLMain::MayReplaceChannelFiles(const RecordingBlock& block, const std::u
     std::erase_if(files, [&](const std::u16string& file) { return file == target || !FileExists(file); });
     if (files.empty()) return true;
     std::u16string question = m_services.Text(IDS_REPLACE_FILES) + u"\n";
-    for (std::size_t i = 0; i < std::min(files.size(), kNamesShown); ++i) question += u"\n" + NameOf(files[i]);
+    for (std::size_t i = 0; i < std::min(files.size(), kNamesShown); ++i) question += u"\n" + FileNameOf(files[i]);
     if (files.size() > kNamesShown) question += u"\n... (" + Decimal(static_cast<std::int64_t>(files.size())) + u")";
     return MessageBoxW(m_window, Wide(question).c_str(), L"Quillon", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) ==
            IDYES;
@@ -161,7 +154,7 @@ void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range
         tell(IDS_COPIED, {});
     } else {
         const bool several = context.written.size() > 1;
-        tell(IDS_WRITTEN, context.written.front() + (several ? u" ... " + NameOf(context.written.back()) : u""));
+        tell(IDS_WRITTEN, context.written.front() + (several ? u" ... " + FileNameOf(context.written.back()) : u""));
     }
 }
 

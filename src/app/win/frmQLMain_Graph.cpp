@@ -5,6 +5,7 @@
 #include "app/ControlIds.h"
 #include "app/StatusPanels.h"
 #include "app/win/frmQLMain.h"
+#include "base/FilePath.h"
 #include "base/StringIds.h"
 #include "data/ChannelSelection.h"
 #include "view/DataRange.h"
@@ -142,9 +143,8 @@ GraphScene frmQLMain::Scene() const {
 void frmQLMain::TellUnreadable(bool wholeView) {
     const std::string reason = m_global.block.sampleCount > 0 ? m_graph.ReadFailure() : std::string();
     if (!reason.empty()) {
-        const std::wstring path = Wide(m_global.file.fileName);
-        m_unreadable = Narrow16(path.substr(path.rfind(L'\\') + 1)) + u": " + m_services.Text(IDS_UNREADABLE) + u": " +
-                       Utf16(reason);
+        m_unreadable =
+            FileNameOf(m_global.file.fileName) + u": " + m_services.Text(IDS_UNREADABLE) + u": " + Utf16(reason);
         m_services.SetStatus(m_unreadable);
     } else if (wholeView && !m_unreadable.empty()) {
         // What was told of something else since then stays.

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/FilePath.h"
 #include "base/win/WinHandle.h"
 #include "data/FileOperationPlan.h"
 #include "data/win/FileOperation.h"
@@ -51,9 +52,9 @@ std::optional<Identity> IdentityOf(const std::wstring& path) {
 }
 
 std::u16string ParentOf(const std::u16string& path) {
-    const std::size_t separator = path.find_last_of(u"\\/");
     // With its separator: "C:" alone is the current folder of the drive.
-    return separator == std::u16string::npos ? u"." : path.substr(0, separator + 1);
+    const std::u16string folder = FolderOf(path);
+    return folder.empty() ? u"." : folder;
 }
 
 bool IsSameFolder(const std::u16string& a, const std::u16string& b) {

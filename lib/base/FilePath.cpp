@@ -1,0 +1,18 @@
+#include "base/FilePath.h"
+
+namespace quillon {
+
+std::size_t NameStart(std::u16string_view path) {
+    const std::size_t separator = path.find_last_of(u"\\/");
+    return separator == std::u16string_view::npos ? 0 : separator + 1;
+}
+
+std::u16string FolderOf(std::u16string_view path) {
+    return std::u16string(path.substr(0, NameStart(path)));
+}
+
+std::u16string FileNameOf(std::u16string_view path) {
+    return std::u16string(path.substr(NameStart(path)));
+}
+
+}  // namespace quillon

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// The two parts of a path, whose last separator is "\" or "/". None of these asks the system.
+namespace quillon {
+
+/// Where the name begins: behind the last separator, at 0 without one.
+[[nodiscard]] std::size_t NameStart(std::u16string_view path);
+/// With its separator at the end; empty for a name alone.
+[[nodiscard]] std::u16string FolderOf(std::u16string_view path);
+[[nodiscard]] std::u16string FileNameOf(std::u16string_view path);
+
+}  // namespace quillon
