@@ -4,7 +4,7 @@ set -euo pipefail
 source "$(dirname "$0")/scripts/common.sh"
 trap end_all EXIT
 
-packages=("${build_packages[@]}" "${wine_packages[@]}" g++ googletest nlohmann-json3-dev locales)
+packages=("${build_packages[@]}" "${wine_packages[@]}" "${test_packages[@]}" locales)
 install_missing "${packages[@]}"
 
 passed=0 failed=0 skipped=0
@@ -35,7 +35,7 @@ run_tests() {
 
 echo "Building"
 build() {
-    quietly cmake --preset "$1" && quietly cmake --build "build/$1"
+    quietly cmake --preset "$1" && quietly cmake --build --preset "$1"
 }
 not_built() {
     echo "0 passed, 1 failed"
@@ -44,7 +44,9 @@ not_built() {
 build native || not_built
 timeout 900 build/native/tests/unit_tests < /dev/null > build/unit_tests.log 2>&1 &
 native=$! native_status=0
-build windows || not_built
+build windows-tests || not_built
+# What the fuzzers check is among the unit tests; they themselves are only built.
+if command -v clang++ > /dev/null; then build fuzz || not_built; fi
 wait "$native" || native_status=$?
 count_tests unit_tests "$native_status"
 

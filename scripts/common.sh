@@ -25,6 +25,7 @@ install_missing() {
 }
 
 build_packages=(cmake ninja-build g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 fp-utils-3.2.2)
+test_packages=(g++ googletest nlohmann-json3-dev libbenchmark-dev)
 wine_packages=(wine wine64 fonts-wine xvfb openbox xdotool imagemagick)
 
 # Runs a command quietly; shows its output when it fails.

@@ -12,7 +12,7 @@
 namespace quillon {
 
 /// Readers fetch stored data in pieces of about this many bytes, into one reused buffer.
-inline constexpr std::size_t kPieceBytes = 256 * 1024;
+inline constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;
 /// Channels of one block at most; further signals form further blocks.
 inline constexpr std::size_t kBlockChannels = 32;
 /// Samples per channel of one block at most; further samples form further blocks.

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "base/DateTime.h"
+#include "base/FilePath.h"
 #include "base/Rounding.h"
 #include "base/Text.h"
 
@@ -43,6 +44,15 @@ TEST(Rounding, HalvesGoToTheEvenNeighbourAndWhatDoesNotFitIsAnError) {
         EXPECT_THROW(static_cast<void>(RoundHalfEven(number)), std::range_error) << number;
     EXPECT_EQ(RoundHalfEven<std::int16_t>(32767.4), 32767);
     EXPECT_THROW(static_cast<void>(RoundHalfEven<std::int16_t>(32767.5)), std::range_error);
+}
+
+TEST(FilePath, FolderAndNameMakeUpThePath) {
+    for (const std::u16string_view path :
+         {u"C:\\a\\b.edf", u"/a/b", u"b.edf", u"C:\\", u"\\\\s\\share/x", u"", u"a/"}) {
+        EXPECT_EQ(FolderOf(path) + FileNameOf(path), path);
+        EXPECT_EQ(FileNameOf(path).find_first_of(u"\\/"), std::u16string::npos);
+        EXPECT_TRUE(FolderOf(path).empty() || FolderOf(path).find_last_of(u"\\/") + 1 == FolderOf(path).size());
+    }
 }
 
 TEST(Text, EveryCodePointSurvivesTheWayToUtf8AndBack) {

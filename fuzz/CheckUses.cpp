@@ -1,0 +1,116 @@
+#include <algorithm>
+#include <vector>
+
+#include "data/QL_Types.h"
+#include "fuzz/Checks.h"
+#include "fuzz/FuzzedRecording.h"
+#include "spectrum/QL_FFT.h"
+#include "view/DataRange.h"
+#include "view/QL_ChUtils.h"
+#include "view/Readout.h"
+
+namespace quillon::fuzz {
+
+namespace {
+
+/// The block as the viewer keeps it.
+ViewBlock Loaded(const std::shared_ptr<FileBlock>& block) {
+    ViewBlock loaded;
+    loaded.block = block;
+    loaded.sampleCount = block->SampleCount();
+    loaded.sampleRate = block->SampleRate();
+    loaded.startTime = block->StartTime();
+    loaded.channelCount = block->ChannelCount();
+    for (std::int16_t channel = 1; channel <= loaded.channelCount; ++channel) {
+        const float scale = block->ChannelScale(channel);
+        loaded.channelNumbers.push_back(block->ChannelNumber(channel));
+        loaded.invScale.push_back(scale == 0.0F ? 0.0F : 1.0F / scale);
+        loaded.offsets.push_back(block->ChannelOffset(channel));
+    }
+    return loaded;
+}
+
+/// Traces of cached extremes are those of reading every sample, whatever is seen first.
+void CheckTraces(RecordingBlock& block, std::uint32_t choice) {
+    TraceReader cached;
+    std::vector<std::int16_t> work;
+    std::vector<TracePoint> points;
+    const std::vector<std::int16_t> channels{1, block.ChannelCount()};
+    for (const std::int32_t samplesPerPixel : {1, 2, 5, 500, 100}) {
+        const std::int32_t first =
+            block.SampleCount() > 0 ? static_cast<std::int32_t>(choice) % block.SampleCount() / 2 : 0;
+        const std::int32_t aligned = first / samplesPerPixel * samplesPerPixel;
+        const std::int32_t count = std::min(block.SampleCount() - aligned, samplesPerPixel * 60 + 3);
+        cached.Read(block, channels, {aligned, count, samplesPerPixel});
+        // What could not be read ends the trace early.
+        if (!cached.Failure().empty()) return;
+        for (std::size_t at = 0; at < channels.size(); ++at) {
+            DrawChannelTrace(block, channels[at], aligned, count, samplesPerPixel, work, points);
+            Require(cached.points()[at] == points, "a cached trace is the trace");
+        }
+    }
+}
+
+/// Any way of scrolling shows the spectra of their columns.
+void CheckSpectra(const ViewBlock& block, std::uint32_t choice, bool shrinks) {
+    SpectrumSettings settings;
+    settings.order = 5 + static_cast<std::int32_t>(choice % 4);
+    settings.window = static_cast<std::int16_t>(choice / 4 % 4);
+    settings.type = static_cast<std::int16_t>(choice / 16 % 2);
+    SpectrumSettings same = settings;
+    QL_FFT scrolled(settings);
+    QL_FFT direct(same);
+    RangeRecords ranges;
+    const ValueRange limits = ranges.Of(block, 1).value_or(ValueRange{});
+    constexpr std::int32_t columns = 40;
+    const std::int32_t hop = 1 + static_cast<std::int32_t>(choice / 32 % 50);
+    for (QL_FFT* spectrum : {&scrolled, &direct}) {
+        spectrum->FFT_Init(columns);
+        spectrum->FFT_SetChannel(block.block.get(), 0, 0, limits);
+    }
+    for (const std::int32_t first : {0, 13, 5}) scrolled.FFT_Update(first, columns, hop, false);
+    direct.FFT_Update(5, columns, hop, true);
+    // What was read before the file became shorter stays in the image.
+    Require(shrinks || std::ranges::equal(scrolled.Image(), direct.Image()),
+            "a scrolled spectrogram is the spectrogram");
+}
+
+void CheckReadouts(const ViewBlock& block, std::uint32_t choice) {
+    const ChannelSlots slots;
+    FormatOptions format;
+    format.timeOfDay = choice % 2 == 1;
+    format.sampleIndexes = choice % 3 == 1;
+    const ReadoutSource source{block, slots, format, choice % 5 == 1};
+    const std::int32_t last = block.sampleCount;
+    const std::int32_t first = std::max(last - 2000, 1);
+    Require(HoverReadout(source, last).starts_with(u"X:\t"), "a readout begins with the position");
+    Require(RangeReadout(source, {true, 1, last, first}).starts_with(u"dX:\t"), "a range begins with its length");
+    for (const ChannelStatistics& channel : StatisticsOf(source, first, last)) {
+        Require(!(channel.minimum > channel.maximum), "the minimum is not above the maximum");
+        Require(!(channel.deviation < 0.0), "no negative deviation");
+    }
+    static_cast<void>(TypicalRange(block, slots, false));
+}
+
+}  // namespace
+
+void CheckUses(std::span<const std::uint8_t> bytes) {
+    const std::optional<FuzzedRecording> recording = OpenFuzzed(bytes);
+    if (!recording) return;
+    const std::uint32_t choice = bytes.size() < 2 ? 0U : bytes[0] * 256U + bytes[bytes.size() / 2];
+    std::size_t left = 4;
+    for (const std::size_t at : BlocksToCheck(recording->content)) {
+        if (left-- == 0) return;
+        try {
+            const ViewBlock block = Loaded(recording->content.blocks[at]);
+            if (block.sampleCount == 0) continue;
+            CheckTraces(*block.block, choice);
+            CheckSpectra(block, choice, recording->shrinks);
+            CheckReadouts(block, choice);
+        } catch (const ReadError&) {
+            // The file has become shorter.
+        }
+    }
+}
+
+}  // namespace quillon::fuzz

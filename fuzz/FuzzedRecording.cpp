@@ -1,0 +1,76 @@
+#include "fuzz/FuzzedRecording.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quillon::fuzz {
+
+namespace {
+
+constexpr std::size_t kChoiceBytes = 4;
+constexpr std::size_t kMostBlocks = 24;
+constexpr std::size_t kRepeatedBytes = 4096;
+constexpr std::size_t kMostRepeats = 100;
+
+/// Bytes in memory that lose their end after a number of reads.
+class ShrinkingSource final : public ByteSource {
+  public:
+    ShrinkingSource(std::vector<std::uint8_t> bytes, std::size_t reads, std::size_t lost)
+        : m_size(bytes.size()),
+          m_whole(bytes),
+          m_rest({bytes.begin(), bytes.end() - std::ptrdiff_t(lost)}),
+          m_reads(reads) {}
+
+    [[nodiscard]] std::uint64_t Size() const override { return m_size; }
+    std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) override {
+        if (m_reads > 0) return --m_reads, m_whole.ReadAt(offset, buffer, count);
+        return m_rest.ReadAt(offset, buffer, count);
+    }
+
+  private:
+    std::uint64_t m_size;
+    MemorySource m_whole;
+    MemorySource m_rest;
+    std::size_t m_reads;
+};
+
+}  // namespace
+
+std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes) {
+    constexpr std::array<std::u16string_view, 6> names{u"a.edf", u"a.bdf", u"a.wav", u"a.rf64", u"a.bin", u"a"};
+    std::array<std::uint8_t, kChoiceBytes> choice{};
+    if (bytes.size() >= kChoiceBytes) std::copy(bytes.end() - kChoiceBytes, bytes.end(), choice.begin());
+    std::vector<std::uint8_t> file(bytes.begin(), bytes.end());
+    // An odd byte asks for it, so that seeds which end with silence stay what they are.
+    const bool isLong = choice[1] % 2 == 1;
+    const auto tail = bytes.last(std::min(bytes.size(), kRepeatedBytes));
+    for (std::size_t repeat = 0; isLong && repeat < choice[1] % kMostRepeats; ++repeat)
+        file.insert(file.end(), tail.begin(), tail.end());
+    std::shared_ptr<ByteSource> source;
+    const bool shrinks = choice[2] % 2 == 1;
+    if (shrinks) {
+        const std::size_t lost = file.size() * (choice[3] + std::size_t{1}) / 256;
+        source = std::make_shared<ShrinkingSource>(std::move(file), choice[2] / std::size_t{2}, lost);
+    } else {
+        source = std::make_shared<MemorySource>(std::move(file));
+    }
+    try {
+        FuzzedRecording recording{ReadRecording(source, names[choice[0] % names.size()]), isLong, shrinks};
+        const RecordingContent& content = recording.content;
+        Require(!content.blocks.empty(), "a recording has a block");
+        Require(!content.info.english.empty() && !content.info.russian.empty(), "a recording is described");
+        return recording;
+    } catch (const FormatError& error) {
+        Require(!error.Reason().english.empty() && !error.Reason().russian.empty(), "a refusal has a reason");
+        return std::nullopt;
+    }
+}
+
+std::vector<std::size_t> BlocksToCheck(const RecordingContent& content) {
+    std::vector<std::size_t> positions;
+    const std::size_t step = std::max<std::size_t>(content.blocks.size() / kMostBlocks, 1);
+    for (std::size_t at = 0; at < content.blocks.size(); at += step) positions.push_back(at);
+    return positions;
+}
+
+}  // namespace quillon::fuzz
