@@ -1,5 +1,5 @@
 # Every header compiles alone: one generated file per header includes it and nothing else. Once is enough, and the
-# Windows build sees them all.
+# Windows build sees them all. scripts/check builds these targets.
 if(NOT WIN32)
   return()
 endif()
@@ -17,10 +17,10 @@ foreach(header IN LISTS headers)
     list(APPEND portable_checks ${check})
   endif()
 endforeach()
-add_library(headers_alone OBJECT ${portable_checks})
+add_library(headers_alone OBJECT EXCLUDE_FROM_ALL ${portable_checks})
 target_link_libraries(headers_alone PRIVATE quillon_options)
 target_compile_options(headers_alone PRIVATE -include ${CMAKE_SOURCE_DIR}/cmake/PoisonWindows.h)
-add_library(win_headers_alone OBJECT ${win_checks})
+add_library(win_headers_alone OBJECT EXCLUDE_FROM_ALL ${win_checks})
 target_link_libraries(win_headers_alone PRIVATE quillon_options)
 # What is compiled is thrown away.
 set_target_properties(headers_alone win_headers_alone PROPERTIES QUILLON_IS_TEST ON)

@@ -186,7 +186,7 @@ Bilingual Describe(const EdfHeader& header, const std::vector<Bilingual>& timeli
 
 }  // namespace
 
-RecordingContent ReadEdf(std::shared_ptr<ByteSource> source) {
+RecordingContent ReadEdf(const std::shared_ptr<ByteSource>& source) {
     const EdfHeader header = ReadEdfHeader(*source);
     const std::vector<SignalGroup> groups = GroupSignals(header);
     // Blocks are counted in 16 bits.

@@ -11,6 +11,6 @@ namespace quillon {
 
 /// Reads the header and the annotations; samples are read when they are asked for.
 /// Throws FormatError that says what is wrong and at which byte, ReadError when the device fails.
-[[nodiscard]] RecordingContent ReadEdf(std::shared_ptr<ByteSource> source);
+[[nodiscard]] RecordingContent ReadEdf(const std::shared_ptr<ByteSource>& source);
 
 }  // namespace quillon

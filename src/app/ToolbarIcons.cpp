@@ -105,8 +105,9 @@ class IconCanvas {
         for (int row = 0; row < m_size; ++row) {
             for (int column = 0; column < m_size; ++column) {
                 for (std::size_t place = 0; place < kSamples; ++place, ++sample) {
+                    const std::size_t down = place / kSide;
                     const double x = column + (static_cast<double>(place % kSide) + 0.5) / kSide;
-                    const double y = row + (static_cast<double>(place / kSide) + 0.5) / kSide;
+                    const double y = row + (static_cast<double>(down) + 0.5) / kSide;
                     if (!covers({x * unit, y * unit})) continue;
                     m_colors[sample] = color;
                     m_covered[sample] = true;

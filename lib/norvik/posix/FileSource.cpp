@@ -45,8 +45,8 @@ class FileSource final : public ByteSource {
     static double LocalDate(std::time_t time) {
         std::tm local{};
         if (::localtime_r(&time, &local) == nullptr) return 0.0;
-        return DateFromCivil({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
-                              local.tm_sec, 0});
+        return DateFromCivil(
+            {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec, 0});
     }
 
     int m_descriptor;

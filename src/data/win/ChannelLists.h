@@ -10,8 +10,8 @@
 namespace quillon {
 
 /// The list of blocks: one line per block, its text and its number in a second column. It can be filled before there is
-/// a control that shows it. Positions count from 0; only a line that there is may be removed or selected, and the text of
-/// any other is empty.
+/// a control that shows it. Positions count from 0; only a line that there is may be removed or selected, and the text
+/// of any other is empty.
 class BlockList {
   public:
     void Attach(HWND list);
