@@ -109,7 +109,7 @@ FrameRuns::FrameRuns(std::size_t channels, std::span<const std::size_t> selected
     }
     m_extremes.resize(m_channelOf.size());
     m_staged.resize(m_out.size() * kStagedRuns);
-    if (!m_channelOf.empty() && channels < kLanes) m_unreadable = (kLanes - 1) / channels;
+    if (channels > 0 && channels < kLanes) m_unreadable = (kLanes - 1) / channels;
 }
 
 void FrameRuns::Feed(const std::int16_t* frames, std::size_t frameCount) {
