@@ -94,13 +94,18 @@ std::u16string Utf16(std::string_view text) {
     return out;
 }
 
-bool IsValidUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const Decoded decoded = DecodeUtf8(text);
-        if (!decoded.valid) return false;
-        text.remove_prefix(decoded.size);
+std::size_t ValidUtf8Size(std::string_view text) {
+    std::size_t size = 0;
+    while (size < text.size()) {
+        const Decoded decoded = DecodeUtf8(text.substr(size));
+        if (!decoded.valid) break;
+        size += decoded.size;
     }
-    return true;
+    return size;
+}
+
+bool IsValidUtf8(std::string_view text) {
+    return ValidUtf8Size(text) == text.size();
 }
 
 std::u16string FromLatin1(std::string_view text) {

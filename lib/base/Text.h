@@ -18,6 +18,8 @@ namespace quillon {
 /// UTF-8 to UTF-16. Each byte that is not part of a valid sequence becomes U+FFFD.
 [[nodiscard]] std::u16string Utf16(std::string_view text);
 
+/// Bytes at the front that are valid UTF-8.
+[[nodiscard]] std::size_t ValidUtf8Size(std::string_view text);
 [[nodiscard]] bool IsValidUtf8(std::string_view text);
 
 /// Bytes of ISO 8859-1 to UTF-16.

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "base/DateTime.h"
+#include "base/NativePath.h"
 #include "base/Text.h"
 #include "norvik/ByteSource.h"
 
@@ -58,7 +59,7 @@ class FileSource final : public ByteSource {
 
 std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, std::u16string& error) {
     // Without O_NONBLOCK, opening a named pipe would wait for its other end.
-    const int descriptor = ::open(Utf8(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int descriptor = ::open(NativeBytes(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) {
         error = Utf16(std::generic_category().message(errno));
         return nullptr;

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "base/Text.h"
+#include "base/NativePath.h"
 #include "cli/Cli.h"
 
 int main(int argc, char** argv) {
@@ -12,7 +12,7 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     const std::vector<std::string> words(argv + 1, argv + argc);
     std::vector<std::u16string> arguments;
-    for (const std::string& word : words) arguments.push_back(quillon::Utf16(word));
+    for (const std::string& word : words) arguments.push_back(quillon::FromNativeBytes(word));
     quillon::cli::CliIo io{std::cout, std::cerr};
     return quillon::cli::RunCli(arguments, io);
 }
