@@ -36,6 +36,25 @@ std::vector<std::u16string> ExtensionsOf(const std::u16string& filter) {
     return extensions;
 }
 
+/// The folder that the dialog may begin in. The system's dialogs take longer ones for none or, in some versions, end
+/// the program.
+std::u16string StartFolder(const std::u16string& folder) {
+    return folder.size() < MAX_PATH - 1 ? folder : std::u16string();
+}
+
+/// The proposed name cut so that with the folder and an extension it is a path that the dialog takes.
+std::u16string ProposedName(const std::u16string& name, const std::u16string& folder) {
+    constexpr std::size_t extension = 8;  // with the separator and the end
+    constexpr std::size_t least = 16;
+    constexpr std::size_t most = 200;
+    const std::u16string start = StartFolder(folder);
+    const std::size_t taken = start.size() + extension;
+    std::size_t room = taken + least > MAX_PATH ? least : std::min(MAX_PATH - taken, most);
+    // A name of two halves of a character ends before them.
+    if (room < name.size() && (name[room] & 0xFC00U) == 0xDC00U) --room;
+    return name.substr(0, room);
+}
+
 /// The active window of the thread, or its first one that is seen while another program is in front.
 HWND Owner() {
     HWND owner = GetActiveWindow();
@@ -57,9 +76,10 @@ class SystemSaveDialog final : public SaveFileDialog {
             if (letter == L'|') letter = 0;
         }
         std::vector<wchar_t> name(kNameRoom);
-        std::copy_n(fileName.begin(), std::min(fileName.size(), kNameRoom - 1), name.begin());
+        const std::u16string proposed = ProposedName(fileName, folder);
+        std::copy(proposed.begin(), proposed.end(), name.begin());
         const std::wstring caption = Wide(title);
-        const std::wstring start = Wide(folder);
+        const std::wstring start = Wide(StartFolder(folder));
         OPENFILENAMEW request{};
         request.lStructSize = sizeof request;
         request.hwndOwner = Owner();
