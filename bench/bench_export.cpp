@@ -62,8 +62,7 @@ void ExportAgainstCopy(benchmark::State& state, bool edfSource, const char* targ
     Compare(
         state, fs::file_size(model), true,
         [&] {
-            if (!exporter.Export(block.get(), written, 1, 0, 0) || exporter.FailedWrites() > 0)
-                throw std::runtime_error("the export failed");
+            if (!exporter.Export(block.get(), written, 1, 0, 0)) throw std::runtime_error("the export failed");
         },
         [&] { CopyFile(model, folder.File("copy")); });
 }
@@ -87,7 +86,7 @@ void TextAgainstWrite(benchmark::State& state) {
     TextExportContext context{slots, format, false, services, CreateTextFile};
     const TextExportSettings settings{1, 0, 1, 1, 1, 1, 1, 0};
     const auto write = [&] {
-        if (!ExportText(written, *block, 1, block->SampleCount(), settings, context) || !context.incomplete.empty())
+        if (!ExportText(written, *block, 1, block->SampleCount(), settings, context) || !context.failures.empty())
             throw std::runtime_error("the export failed");
     };
     write();

@@ -110,7 +110,6 @@
 // Export and copy.
 #define IDS_FAST_FILE 5341
 #define IDS_WRITTEN 5342
-#define IDS_INCOMPLETE 5343
 #define IDS_CANNOT_WRITE 5344
 #define IDS_NO_SHOWN_CHANNEL 5345
 #define IDS_EXPORTING 5346
@@ -120,6 +119,8 @@
 #define IDS_SAVE_AS_TITLE 5350
 #define IDS_PLAYING 5351
 #define IDS_COPY_LARGE 5352
+#define IDS_WHOLE_RECORDS 5353
+#define IDS_BLOCK_START 5354
 
 // The dialog that splits a block into files; options of an array follow each other.
 #define IDS_SPLIT_TITLE 5300
@@ -153,8 +154,8 @@
 #define IDS_SPLIT_NOT_DELETED 5330
 #define IDS_SPLIT_NO_FOLDER 5331
 #define IDS_SPLIT_FAILED 5332
-#define IDS_SPLIT_INCOMPLETE 5333
 #define IDS_SPLIT_STOPPED 5334
+#define IDS_SPLIT_MANY 5335
 
 // Why nothing is played.
 #define IDS_SOUND_NO_DATA 5400

@@ -194,6 +194,11 @@ void ReadStart(std::string_view fixed, std::string_view recording, EdfHeader& he
         header.notes.push_back(Say(u"start time '%1' at byte 176 cannot be read",
                                    u"время начала «%1», байт 176, не читается", {clock.Shown()}));
     }
+    // The first moment that the short form can tell stands for one that nobody knows.
+    if (Trim(date.text) == "01.01.85" && start.clock == 0.0) {
+        header.notes.push_back(Say(u"start not known", u"начало неизвестно"));
+        return;
+    }
     constexpr double secondsPerDay = 86400.0;
     header.startDate = *start.date + start.clock.value_or(0.0) / secondsPerDay;
 }

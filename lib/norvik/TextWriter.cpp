@@ -13,24 +13,28 @@ class TextFile final : public TextSink {
     explicit TextFile(std::unique_ptr<OutputFile> file) : m_file(std::move(file)) {}
 
     void Write(std::string_view text) override {
-        m_file->Write(std::as_bytes(std::span<const char>(text.data(), text.size())));
+        if (!m_failed) m_failed = !m_file->Write(std::as_bytes(std::span<const char>(text.data(), text.size())));
     }
-    [[nodiscard]] bool Failed() const override { return m_file->FailureCount() != 0; }
-    bool Close() override { return m_file->Close() && m_file->FailureCount() == 0; }
+    [[nodiscard]] bool Failed() const override { return m_failed; }
+    bool Close() override { return !m_failed && m_file->Close(); }
+    [[nodiscard]] std::u16string ErrorText() const override { return m_file->ErrorText(); }
 
   private:
     std::unique_ptr<OutputFile> m_file;
+    bool m_failed = false;
 };
 
 }  // namespace
 
 std::unique_ptr<TextSink> CreateTextFile(const std::u16string& fileName, std::u16string& error) {
-    std::unique_ptr<OutputFile> file = MakeOutputFile();
-    if (!file->Create(fileName)) {
-        error = file->ErrorText();
-        return nullptr;
-    }
-    return std::make_unique<TextFile>(std::move(file));
+    return BeginTextFile(MakeOutputFile(), fileName, error);
+}
+
+std::unique_ptr<TextSink> BeginTextFile(std::unique_ptr<OutputFile> file, const std::u16string& fileName,
+                                        std::u16string& error) {
+    if (file->Create(fileName)) return std::make_unique<TextFile>(std::move(file));
+    error = file->ErrorText();
+    return nullptr;
 }
 
 }  // namespace quillon

@@ -120,8 +120,8 @@ void RunCommand(const Command& command, const ParsedArguments& parsed, CliIo& io
     }
     const Language language = LanguageOf(parsed);
     const ParsedArguments own = ForCommand(command, parsed);
-    OutputTarget target(io.out, own, own.words[1]);
-    command.run({own, language, target});
+    OutputTarget target(io.out, own, own.words[1], language);
+    command.run({own, language, target, io.lineEnd});
     target.Finish();
 }
 
@@ -134,7 +134,7 @@ int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16st
         } else {
             WriteVersion(io.out);
         }
-        OutputTarget::CheckStream(io.out);
+        OutputTarget::CheckStream(io.out, LanguageOf(parsed));
         return kDone;
     }
     if (command == nullptr) throw UsageError(u"no command given");
@@ -157,6 +157,7 @@ int RunCli(const std::vector<std::u16string>& arguments, CliIo& io) {
         io.error << "quillon-cli: " << error.what() << "\nTry 'quillon-cli --help'.\n";
         return kUsage;
     } catch (const Refusal& refusal) {
+        if (refusal.IsWhole()) file.clear();
         if (!refusal.File().empty()) file = refusal.File();
         return refuse(refusal.what());
     } catch (const std::bad_alloc&) {

@@ -2,6 +2,7 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillon::cli {
@@ -13,6 +14,8 @@ enum ExitCode { kDone = 0, kRefused = 1, kUsage = 2 };
 struct CliIo {
     std::ostream& out;
     std::ostream& error;
+    /// Of text on `out`, as the system's programs end theirs.
+    std::string_view lineEnd = "\n";
 };
 
 /// The whole program but for the system's way of passing arguments and streams. `arguments` are the words after the

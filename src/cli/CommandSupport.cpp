@@ -15,8 +15,12 @@ OpenFile::~OpenFile() {
     m_library->CloseRecording(m_recording);
 }
 
-std::u16string FailureText(const KVExport& exporter) {
-    return exporter.Reason().empty() ? exporter.LastError() : exporter.LastError() + u' ' + exporter.Reason();
+void RefuseExport(const KVExport& exporter, const std::u16string& target) {
+    const std::u16string& reason = exporter.Reason().empty() ? exporter.LastError() : exporter.Reason();
+    if (exporter.SourceFailed()) throw Refusal(reason);
+    // What the system says of a file begins with its name.
+    if (reason.starts_with(target + u": ")) throw Refusal::Whole(reason);
+    throw Refusal(reason, target);
 }
 
 void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian, std::int64_t given,

@@ -66,8 +66,8 @@ class SilentServices final : public UserServices {
     [[nodiscard]] std::u16string DateAndTime(double) const override { return {}; }
 };
 
-/// Why an export failed, in one line.
-[[nodiscard]] std::u16string FailureText(const KVExport& exporter);
+/// Throws the Refusal for an export to `target` that has failed.
+[[noreturn]] void RefuseExport(const KVExport& exporter, const std::u16string& target);
 
 /// Appends the lowest `size` bytes of a number, the lowest first.
 void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size);

@@ -24,6 +24,7 @@ std::string JsonChannels(const RecordingBlock& block) {
     for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
         if (channel > 1) json += ',';
         json += "{\"number\":" + std::to_string(channel);
+        json += ",\"acquisition\":" + std::to_string(block.ChannelNumber(channel));
         json += ",\"title\":" + JsonText(block.ChannelTitle(channel));
         json += ",\"unit\":" + JsonText(block.ChannelUnit(channel));
         json += ",\"scale\":" + JsonNumber(block.ChannelScale(channel));
@@ -59,11 +60,13 @@ void RunInfo(const CommandContext& context) {
     std::string json = "{\"file\":" + JsonText(recording.FileName());
     json += ",\"format\":" + JsonText(info.substr(0, info.find(u',')));
     json += ",\"fileInfo\":" + JsonText(info) + ",\"blocks\":[";
-    for (std::int16_t number = 1; number <= recording.BlockCount(); ++number) {
-        json += (number > 1 ? ",\n" : "\n") + JsonBlock(number, *recording.GetBlock(number));
+    const std::int16_t blocks = recording.BlockCount();
+    for (std::int32_t number = 1; number <= blocks; ++number) {
+        const auto block = static_cast<std::int16_t>(number);
+        context.target.Write(json + (number > 1 ? ",\n" : "\n") + JsonBlock(block, *recording.GetBlock(block)));
+        json.clear();
     }
-    json += "\n]}\n";
-    context.target.Write(json);
+    context.target.Write(json + "\n]}\n");
 }
 
 /// The samples that the words BLOCK CHANNEL [FIRST [COUNT]] name; all of them are inside the recording.

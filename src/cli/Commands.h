@@ -14,6 +14,7 @@ struct CommandContext {
     const ParsedArguments& parsed;
     Language language;
     OutputTarget& target;
+    std::string_view lineEnd;  ///< of text on the standard output
 };
 
 struct Command {

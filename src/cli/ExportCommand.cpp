@@ -1,7 +1,9 @@
 #include "cli/ExportCommand.h"
 
+#include <algorithm>
 #include <exception>
 
+#include "base/Bilingual.h"
 #include "cli/CommandSupport.h"
 #include "export/KVExport.h"
 #include "norvik/SystemBytes.h"
@@ -10,49 +12,58 @@ namespace quillon::cli {
 
 namespace {
 
-/// The command's target as the file that the exporter writes. Keeps the first refusal of the target.
+/// The command's target as the file that the exporter writes, which is completed with the command. Keeps the refusal of
+/// the target.
 class TargetFile final : public OutputFile {
   public:
     TargetFile(OutputTarget& target, std::exception_ptr& refusal) : m_target(target), m_refusal(refusal) {}
 
-    bool Create(const std::u16string&) override { return true; }
-    bool Write(std::span<const std::byte> bytes) override {
-        if (!m_refusal) {
-            try {
-                m_target.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-                return true;
-            } catch (const Refusal&) {
-                m_refusal = std::current_exception();
-            }
-        }
-        ++m_failures;
-        return false;
+    bool Create(const std::u16string&) override {
+        return Try([&] { m_target.Open(); });
     }
-    bool Close() override { return true; }
+    bool Write(std::span<const std::byte> bytes) override {
+        return Try([&] { m_target.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()}); });
+    }
+    bool Close() override { return !m_refusal; }
     [[nodiscard]] std::u16string ErrorText() const override { return {}; }
-    [[nodiscard]] std::size_t FailureCount() const override { return m_failures; }
 
   private:
+    template <typename Call>
+    bool Try(Call call) {
+        try {
+            if (!m_refusal) call();
+        } catch (const Refusal&) {
+            m_refusal = std::current_exception();
+        }
+        return !m_refusal;
+    }
+
     OutputTarget& m_target;
     std::exception_ptr& m_refusal;
-    std::size_t m_failures = 0;
 };
 
-/// 0 where --type is not given.
-std::int32_t FileType(const ParsedArguments& parsed) {
-    if (!parsed.Has(u"--type")) return 0;
-    const std::u16string pattern = u"*." + parsed.Value(u"--type");
+/// What --type or else the extension of the output tells.
+std::int32_t FileType(const ParsedArguments& parsed, Language language) {
+    const std::u16string& name = parsed.words[2];
+    const std::u16string extension =
+        parsed.Has(u"--type") ? u"." + parsed.Value(u"--type") : name.substr(std::min(name.rfind(u'.'), name.size()));
     for (std::int32_t type = 1; type <= KVExport::FileTypeCount(); ++type) {
-        if (KVExport::FileTypeExtension(type) == pattern) return type;
+        if (KVExport::FileTypeExtension(type) == u"*" + extension) return type;
     }
-    throw UsageError(u"'" + parsed.Value(u"--type") + u"' is none of bin|wav|edf for --type");
+    if (parsed.Has(u"--type")) {
+        throw UsageError(u"'" + parsed.Value(u"--type") + u"' is none of bin|wav|edf for --type");
+    }
+    throw Refusal(Say(u"the extension is none of .bin, .wav, .edf (--type tells the format)",
+                      u"расширение не .bin, .wav или .edf (формат задаёт --type)")
+                      .In(language),
+                  name);
 }
 
 }  // namespace
 
 void RunExport(const CommandContext& context) {
     const ParsedArguments& parsed = context.parsed;
-    const std::int32_t type = FileType(parsed);
+    const std::int32_t type = FileType(parsed, context.language);
     const OpenFile file(parsed.words[1], context.language);
     const BlockRange range = FindRange(file.Get(), parsed, context.language);
     SilentServices services;
@@ -62,7 +73,7 @@ void RunExport(const CommandContext& context) {
                                  .language = context.language});
     const bool done = exporter.Export(range.block.get(), parsed.words[2], range.first, range.count, type);
     if (refusal) std::rethrow_exception(refusal);
-    if (!done) throw Refusal(FailureText(exporter), parsed.words[2]);
+    if (!done) RefuseExport(exporter, parsed.words[2]);
 }
 
 }  // namespace quillon::cli

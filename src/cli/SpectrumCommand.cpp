@@ -152,6 +152,8 @@ void RunSpectrum(const CommandContext& context) {
     const std::int32_t columns =
         request.columns.value_or(std::min(lastColumn - request.firstColumn, kMostColumns - 1) + 1);
 
+    // A target that cannot be written is told before the work.
+    context.target.Open();
     QL_FFT spectrum(request.settings);
     spectrum.FFT_Init(columns);
     spectrum.FFT_SetChannel(source.block.get(), static_cast<std::int16_t>(request.block - 1),

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "base/Bilingual.h"
+#include "base/NativePath.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
 #include "dialogs/SplitPlan.h"
@@ -52,18 +53,29 @@ SplitPlan MakePlan(const ParsedArguments& parsed, const RecordingBlock& block) {
     return plan;
 }
 
+[[noreturn]] void Refuse(const CommandContext& context, const Bilingual& reason, const fs::path& path) {
+    throw Refusal(reason.In(context.language), FromNativePath(path));
+}
+
+/// With the system's reason.
+[[noreturn]] void RefuseFolder(const CommandContext& context, std::u16string_view english, std::u16string_view russian,
+                               const std::error_code& error, const fs::path& folder) {
+    const std::u16string reason = u": " + Utf16(error.message());
+    Refuse(context, {std::u16string(english) + reason, std::u16string(russian) + reason}, folder);
+}
+
 /// Throws Refusal where the list of the pieces would go to the place of one of them.
 void CheckList(const CommandContext& context, const SplitPlan& plan, const fs::path& folder) {
     if (context.target.IsStandard()) return;
-    const fs::path list(context.parsed.Value(u"--out"));
+    const fs::path list = NativePath(context.parsed.Value(u"--out"));
     std::error_code error;
     // Letter case apart, as on some systems: the folder need not be there yet, so that the system cannot be asked.
     const auto place = [&](const fs::path& path) {
-        return LowerCase(fs::weakly_canonical(fs::absolute(path, error), error).u16string());
+        return LowerCase(FromNativePath(fs::weakly_canonical(fs::absolute(path, error), error)));
     };
     const fs::path name = list.filename();
-    if (plan.PieceOf(name.u16string()) && place(list) == place(folder / name)) {
-        throw Refusal(u"this is the place of a piece", list.u16string());
+    if (plan.PieceOf(FromNativePath(name)) && place(list) == place(folder / name)) {
+        Refuse(context, Say(u"this is the place of a piece", u"это место одной из частей"), list);
     }
 }
 
@@ -72,42 +84,37 @@ void CheckReplaced(const CommandContext& context, const SplitPlan& plan, const f
     std::error_code error;
     CheckList(context, plan, folder);
     if (!fs::exists(folder, error)) return;
-    if (!fs::is_directory(folder, error)) throw Refusal(u"this is not a folder", folder.u16string());
+    if (!fs::is_directory(folder, error)) Refuse(context, Say(u"this is not a folder", u"это не папка"), folder);
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::optional<std::int64_t> piece = plan.PieceOf(entry->path().filename().u16string());
+        const std::optional<std::int64_t> piece = plan.PieceOf(FromNativePath(entry->path().filename()));
         if (!piece) continue;
         // Another letter case is another file on some systems.
-        const fs::path path = folder / plan.Name(*piece);
+        const fs::path path = folder / NativePath(plan.Name(*piece));
         std::error_code ignored;
         const fs::file_status status = fs::symlink_status(path, ignored);
         if (!fs::exists(status)) continue;
-        if (fs::equivalent(path, fs::path(context.parsed.words[1]), ignored)) {
-            throw Refusal(u"this is the recording itself; it is never written over", path.u16string());
+        if (fs::equivalent(path, NativePath(context.parsed.words[1]), ignored)) {
+            Refuse(context,
+                   Say(u"this is the recording itself; it is never written over",
+                       u"это сама запись; она никогда не заменяется"),
+                   path);
         }
         // The writer would follow a link, wherever it leads.
-        if (!fs::is_regular_file(status)) throw Refusal(u"this is not a file", path.u16string());
+        if (!fs::is_regular_file(status)) Refuse(context, Say(u"this is not a file", u"это не файл"), path);
         if (!context.parsed.Has(u"--force")) {
-            throw Refusal(u"the file exists (--force replaces it)", path.u16string());
+            Refuse(context, Say(u"the file exists (--force replaces it)", u"файл уже есть (--force заменит его)"),
+                   path);
         }
     }
-    if (error) throw Refusal(u"the folder cannot be read", folder.u16string());
-}
-
-void ThrowWhereFailed(const SplitResult& result, const KVExport& exporter, const fs::path& folder) {
-    const std::u16string path = (folder / result.name).u16string();
-    if (result.end == SplitEnd::FolderFailed) throw Refusal(u"the folder cannot be created", folder.u16string());
-    // What the system says of a file that it does not make begins with its name.
-    const std::u16string reason = FailureText(exporter);
-    if (result.end == SplitEnd::PieceFailed) throw Refusal(reason, reason.starts_with(path) ? std::u16string() : path);
-    if (result.end == SplitEnd::Incomplete) throw Refusal(u"the file is incomplete (is the disk full?)", path);
+    if (error) RefuseFolder(context, u"the folder cannot be read", u"папка не читается", error, folder);
 }
 
 }  // namespace
 
 void RunSplitCommand(const CommandContext& context) {
     const ParsedArguments& parsed = context.parsed;
-    const fs::path folder(Required(parsed, u"--folder"));
+    const fs::path folder = NativePath(Required(parsed, u"--folder"));
     const std::int64_t number = parsed.Has(u"--block") ? WholeNumber(parsed.Value(u"--block"), u"--block") : 1;
     Required(parsed, u"--size");
     const OpenFile file(parsed.words[1], context.language);
@@ -124,20 +131,27 @@ void RunSplitCommand(const CommandContext& context) {
     SilentServices services;
     KVExport exporter(services, {.makeFile = MakeOutputFile, .fieldText = SystemBytes, .language = context.language});
     SplitSystem system;
+    std::u16string path;  // of the last piece
+    std::error_code folderError;
     system.createFolder = [&] {
-        std::error_code error;
-        fs::create_directories(folder, error);
-        return fs::is_directory(folder, error);
+        std::error_code ignored;
+        fs::create_directories(folder, folderError);
+        return fs::is_directory(folder, ignored);
     };
     system.exportPiece = [&](std::int64_t piece, const std::u16string& name) {
-        const PieceResult result = ExportPiece(exporter, *block, plan, piece, (folder / name).u16string());
-        if (result == PieceResult::Written) {
+        path = FromNativePath(folder / NativePath(name));
+        const bool written = ExportPiece(exporter, *block, plan, piece, path);
+        if (written) {
             context.target.Write(Utf8(name + u'\t' + Decimal(plan.FirstSample(piece)) + u'\t' +
                                       Decimal(plan.SampleCount(piece)) + u'\n'));
         }
-        return result;
+        return written;
     };
-    ThrowWhereFailed(RunSplit(plan, system), exporter, folder);
+    const SplitEnd end = RunSplit(plan, system).end;
+    if (end == SplitEnd::FolderFailed) {
+        RefuseFolder(context, u"the folder cannot be created", u"папка не создаётся", folderError, folder);
+    }
+    if (end == SplitEnd::PieceFailed) RefuseExport(exporter, path);
 }
 
 }  // namespace quillon::cli

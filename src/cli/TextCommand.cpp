@@ -97,6 +97,7 @@ void RunText(const CommandContext& context) {
                                return std::make_unique<TargetText>(context.target, refusal);
                            }};
     text.utf8Mark = !context.target.IsStandard();
+    if (context.target.IsStandard()) text.lineEnd = context.lineEnd;
     WriteTextExport(*range.block, request, text);
     if (refusal) std::rethrow_exception(refusal);
 }

@@ -8,7 +8,7 @@
 namespace quillon {
 
 /// The contract between the text export and the core library's text writer: an open text file or clipboard buffer.
-/// Destroying it closes it without completing it.
+/// Destroying it without that leaves file and clipboard as they were.
 class TextSink {
   public:
     virtual ~TextSink() = default;
@@ -16,8 +16,11 @@ class TextSink {
     virtual void Write(std::string_view text) = 0;
     /// Whether a failure is kept already, so that Close can only say no and further text is lost.
     [[nodiscard]] virtual bool Failed() const { return false; }
-    /// Brings the text to its end: the clipboard gets it here. Returns whether all of it arrived.
+    /// Brings the text to its end: the file takes its place, the clipboard gets it here. Returns whether all of it
+    /// arrived.
     virtual bool Close() = 0;
+    /// What failed and why; may be empty.
+    [[nodiscard]] virtual std::u16string ErrorText() const { return {}; }
 };
 
 /// Opens a file of that full name, replacing one that exists, or the clipboard for kClipboardTarget; null with the

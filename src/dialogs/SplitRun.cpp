@@ -24,9 +24,8 @@ SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system) {
     for (std::int64_t piece = 0; piece < pieces; ++piece) {
         result.name = plan.Name(piece);
         if (system.status) system.status(piece, result.name);
-        const PieceResult written = system.exportPiece(piece, result.name);
-        if (written != PieceResult::Written) {
-            result.end = written == PieceResult::Failed ? SplitEnd::PieceFailed : SplitEnd::Incomplete;
+        if (!system.exportPiece(piece, result.name)) {
+            result.end = SplitEnd::PieceFailed;
             return result;
         }
         ++result.written;
@@ -39,11 +38,10 @@ SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system) {
     return result;
 }
 
-PieceResult ExportPiece(KVExport& exporter, RecordingBlock& block, const SplitPlan& plan, std::int64_t piece,
-                        const std::u16string& path) {
+bool ExportPiece(KVExport& exporter, RecordingBlock& block, const SplitPlan& plan, std::int64_t piece,
+                 const std::u16string& path) {
     constexpr std::int32_t byExtension = 0;
-    if (!exporter.Export(&block, path, plan.FirstSample(piece), plan.size, byExtension)) return PieceResult::Failed;
-    return exporter.FailedWrites() > 0 ? PieceResult::Incomplete : PieceResult::Written;
+    return exporter.Export(&block, path, plan.FirstSample(piece), plan.size, byExtension);
 }
 
 }  // namespace quillon

@@ -9,12 +9,6 @@
 
 namespace quillon {
 
-enum class PieceResult {
-    Written,
-    Failed,      ///< the user has been told why
-    Incomplete,  ///< the disk filled up
-};
-
 /// What a run needs of its surroundings.
 struct SplitSystem {
     /// Empties the output folder. Returns which file could not be deleted, or nothing when all are gone. None: the
@@ -22,7 +16,8 @@ struct SplitSystem {
     std::function<std::u16string()> deleteFiles = {};
     /// False when the folder neither exists nor can be made.
     std::function<bool()> createFolder = {};
-    std::function<PieceResult(std::int64_t piece, const std::u16string& name)> exportPiece = {};
+    /// False when a piece could not be written; the user has been told why.
+    std::function<bool(std::int64_t piece, const std::u16string& name)> exportPiece = {};
     /// Called before each piece. May be none.
     std::function<void(std::int64_t piece, const std::u16string& name)> status = {};
     /// Lets the program answer its windows; false ends the run. May be none.
@@ -34,7 +29,6 @@ enum class SplitEnd {
     DeleteFailed,  ///< nothing was written
     FolderFailed,  ///< nothing was written
     PieceFailed,
-    Incomplete,
     Stopped,  ///< because the program ends
 };
 
@@ -48,7 +42,7 @@ struct SplitResult {
 [[nodiscard]] SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system);
 
 /// Writes one piece to a file whose extension names its format.
-[[nodiscard]] PieceResult ExportPiece(KVExport& exporter, RecordingBlock& block, const SplitPlan& plan,
-                                      std::int64_t piece, const std::u16string& path);
+[[nodiscard]] bool ExportPiece(KVExport& exporter, RecordingBlock& block, const SplitPlan& plan, std::int64_t piece,
+                               const std::u16string& path);
 
 }  // namespace quillon

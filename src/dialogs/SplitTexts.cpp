@@ -42,7 +42,6 @@ std::u16string SplitResultText(const UserServices& services, const SplitResult& 
         case SplitEnd::DeleteFailed: return FillPlaces(services.Text(IDS_SPLIT_NOT_DELETED), {result.name});
         case SplitEnd::FolderFailed: return FillPlaces(services.Text(IDS_SPLIT_NO_FOLDER), {folder});
         case SplitEnd::PieceFailed: return FillPlaces(services.Text(IDS_SPLIT_FAILED), {result.name, written});
-        case SplitEnd::Incomplete: return FillPlaces(services.Text(IDS_SPLIT_INCOMPLETE), {result.name, written});
         case SplitEnd::Stopped: return FillPlaces(services.Text(IDS_SPLIT_STOPPED), {written});
     }
     return {};

@@ -59,8 +59,9 @@ bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std
                       std::int32_t sampleCount, std::int32_t fileType) {
     m_writers.Clear();
     m_reason.clear();
+    m_sourceFailed = false;
     if (Run(block, fileName, firstSample, sampleCount, fileType)) return true;
-    if (LastError().empty()) FailWith({});
+    if (LastError().empty()) FailWith(m_writers.WriteFailure());
     m_services.ShowMessage(m_reason.empty() ? LastError() : LastError() + u"\n\n" + m_reason, LibraryName());
     return false;
 }
@@ -72,7 +73,8 @@ bool KVExport::ExportWithDialog(RecordingBlock* block, std::int32_t firstSample,
 
 void KVExport::FailWith(const std::u16string& reason) {
     m_writers.SetLastFailure(u"Error of file export!");
-    m_reason = reason;
+    m_sourceFailed = m_writers.SourceFailed();
+    m_reason = m_sourceFailed && !m_recording.empty() ? m_recording + u": " + reason : reason;
 }
 
 bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,

@@ -34,8 +34,9 @@ class KVExport {
     [[nodiscard]] static std::u16string FileTypeExtension(std::int32_t index);
 
     /// Writes samples firstSample (from 1) and following of all channels; see KV_Export for ranges. `fileType` 1 to 3
-    /// names the format; with any other number the extension does, in lower case only. An existing file is replaced.
-    /// On failure shows LastError and Reason and returns false. True also when the disk filled up: FailedWrites tells.
+    /// names the format; with any other number the extension does, in lower case only. An existing file is replaced
+    /// when the new one is complete. On failure shows LastError and Reason, leaves every file as it was and returns
+    /// false.
     bool Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                 std::int32_t sampleCount, std::int32_t fileType);
 
@@ -46,10 +47,16 @@ class KVExport {
 
     /// Why the last Export failed; empty when it did not.
     [[nodiscard]] std::u16string LastError() const { return m_writers.LastFailure(); }
-    /// What LastError leaves open, in the user's language; mostly empty.
+    /// What LastError leaves open, in the user's language: where writing or reading failed the file's name and the
+    /// reason. Mostly empty.
     [[nodiscard]] const std::u16string& Reason() const { return m_reason; }
-    /// Above 0 the file of the last Export is incomplete although that returned true.
-    [[nodiscard]] std::size_t FailedWrites() const { return m_writers.FailedWrites(); }
+    /// Whether the last Export failed because the recording could not be read.
+    [[nodiscard]] bool SourceFailed() const { return m_sourceFailed; }
+    /// Of the last Export that succeeded.
+    [[nodiscard]] const ExportOutcome& Outcome() const { return m_writers.Outcome(); }
+
+    /// Full name of the recording whose blocks are exported from now on; reasons why it cannot be read begin with it.
+    void SetRecording(std::u16string fileName) { m_recording = std::move(fileName); }
 
     /// Told after each chunk from now on; see ExportSystem.
     void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
@@ -64,6 +71,8 @@ class KVExport {
     UserServices& m_services;
     KV_Export m_writers;
     std::u16string m_reason;
+    bool m_sourceFailed = false;
+    std::u16string m_recording;
 };
 
 }  // namespace quillon

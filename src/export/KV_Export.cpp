@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "base/Bilingual.h"
 #include "base/DateTime.h"
 #include "base/Rounding.h"
+#include "export/EdfLimits.h"
 #include "export/EdfText.h"
 
 namespace quillon {
@@ -17,7 +19,8 @@ namespace {
 constexpr std::int32_t kChunkFrames = 1024;
 constexpr double kSecondsPerDay = 86400.0;
 constexpr std::size_t kRecordCodes = std::size_t{1} << 20;
-constexpr float kEdfLimit = 32000.0F;               ///< of the codes, either side of 0
+constexpr double kShortestRecord = 1e-9;  ///< seconds that readers take
+constexpr double kLongestRecord = 1e9;
 constexpr std::uint32_t kWaveBytesBeforeData = 36;  ///< of the RIFF chunk's content
 
 /// Bytes of the frames; throws FormatError where `headerBytes` more do not fit the 32 bits of a size field.
@@ -29,6 +32,11 @@ std::uint32_t DataBytes(const RecordingBlock& block, std::int32_t count, std::ui
     return static_cast<std::uint32_t>(bytes);
 }
 
+[[noreturn]] void RefuseRate(const RecordingBlock& block) {
+    throw FormatError(Say(u"the format cannot hold the sampling rate of %1 Hz",
+                          u"формат не вмещает частоту дискретизации %1 Гц", {ShortestDecimal(block.SampleRate())}));
+}
+
 /// Sunday is 0.
 int DayOfWeek(double date) {
     // Day 0 of automation dates, 30 December 1899, was a Saturday.
@@ -38,6 +46,7 @@ int DayOfWeek(double date) {
 
 ByteWriter BinHeader(const RecordingBlock& block, std::int32_t first, std::int32_t count, const ExportSystem& system) {
     const auto rate = static_cast<float>(block.SampleRate());
+    if (!std::isfinite(rate) || rate <= 0.0F) RefuseRate(block);
     double start = block.StartTime();
     if (first > 1) start += (first - 1) / static_cast<double>(rate) / kSecondsPerDay;
     const CivilTime time = CivilFromDate(start);
@@ -70,6 +79,7 @@ ByteWriter BinHeader(const RecordingBlock& block, std::int32_t first, std::int32
 ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
     const std::uint32_t dataBytes = DataBytes(block, count, kWaveBytesBeforeData);
     const std::int32_t rate = RoundHalfEven(block.SampleRate());
+    if (rate < 1) RefuseRate(block);
     const std::int64_t frameBytes = 16 * block.ChannelCount() / 8;
     if (rate * frameBytes > std::numeric_limits<std::uint32_t>::max()) {
         throw FormatError(Say(u"the rate is too high for the format", u"частота выше, чем допускает формат"));
@@ -85,7 +95,12 @@ ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
 
 /// "dd.mm.yyhh.mm.ss"
 std::string EdfStart(double date) {
-    const CivilTime time = CivilFromDate(date);
+    CivilTime time = CivilFromDate(date);
+    // Two digits tell the years 1985 to 2084. The first day of these stands for one that is not known.
+    if (time.year < 1985 || time.year > 2084) {
+        time.year = 1985;
+        time.month = time.day = 1;
+    }
     std::string text;
     for (const int part : {time.day, time.month, time.year % 100, time.hour, time.minute, time.second}) {
         text += static_cast<char>('0' + part / 10);
@@ -95,22 +110,8 @@ std::string EdfStart(double date) {
     return text.substr(0, 16);
 }
 
-/// Physical value of a digital limit.
-std::string EdfLimit(const RecordingBlock& block, std::int16_t channel, float code) {
-    return EdfNumber(code * block.ChannelScale(channel) + block.ChannelOffset(channel), 8);
-}
-
-/// The first channel whose physical limits come out as one number, which leaves a reader without its scale; 0 where
-/// there is none.
-std::int16_t TooFineChannel(const RecordingBlock& block) {
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        if (EdfLimit(block, channel, -kEdfLimit) == EdfLimit(block, channel, kEdfLimit)) return channel;
-    }
-    return 0;
-}
-
 ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord, double recordSeconds,
-                     std::int32_t records) {
+                     std::int32_t records, std::span<const EdfLimits> limits) {
     const std::int16_t channels = block.ChannelCount();
     // Other programs of the family read the size as a signed 16-bit number, which ends at 126 channels.
     const auto headerBytes = RoundHalfEven<std::int16_t>((channels + 1) * 256.0);
@@ -130,8 +131,8 @@ ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord,
         for (std::int16_t channel = 1; channel <= channels; ++channel) field(text(channel), width);
     };
     const auto same = [](std::string_view text) { return [text](std::int16_t) { return text; }; };
-    const auto limit = [&](float code) {
-        return [&block, code](std::int16_t channel) { return EdfLimit(block, channel, code); };
+    const auto limitsOf = [&](std::int16_t channel) -> const EdfLimits& {
+        return limits[static_cast<std::size_t>(channel) - 1];
     };
     column(16, [&](std::int16_t channel) { return EdfText(block.ChannelTitle(channel), 16); });
     column(80, same(""));
@@ -139,10 +140,10 @@ ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord,
         const std::u16string unit = block.ChannelUnit(channel);
         return unit.empty() ? std::string("V") : EdfText(unit, 8);
     });
-    column(8, limit(-kEdfLimit));
-    column(8, limit(kEdfLimit));
-    column(8, same("-32000"));
-    column(8, same("32000"));
+    column(8, [&](std::int16_t channel) { return limitsOf(channel).physicalMinimum; });
+    column(8, [&](std::int16_t channel) { return limitsOf(channel).physicalMaximum; });
+    column(8, [&](std::int16_t channel) { return EdfCount(limitsOf(channel).digitalMinimum, 8); });
+    column(8, [&](std::int16_t channel) { return EdfCount(limitsOf(channel).digitalMaximum, 8); });
     column(80, same(""));
     const std::string samples = EdfCount(samplesPerRecord, 8);
     column(8, same(samples));
@@ -150,23 +151,13 @@ ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord,
     return header;
 }
 
-void WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t samples, std::span<std::int16_t> buffer,
-                      OutputFile& file) {
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        for (std::size_t done = 0; done < samples; done += buffer.size()) {
-            const std::span<std::int16_t> part = buffer.first(std::min(buffer.size(), samples - done));
-            block.ReadCodes(channel, first + static_cast<std::int32_t>(done), static_cast<std::int32_t>(part.size()),
-                            part.data());
-            file.Write(std::as_bytes(part));
-        }
-    }
-}
-
 }  // namespace
 
 void KV_Export::Clear() {
     m_lastFailure.clear();
-    m_failedWrites = 0;
+    m_writeFailure.clear();
+    m_reading = false;
+    m_outcome = {};
 }
 
 bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
@@ -183,37 +174,38 @@ bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample,
     range.first = std::max(firstSample, 1);
     const std::int32_t rest = samples - range.first + 1;
     range.count = sampleCount >= 1 && sampleCount <= rest ? sampleCount : rest;
+    m_outcome = {range.count, range.count, false};
     return true;
 }
 
 bool KV_Export::WriteFile(const std::u16string& fileName, const ByteWriter& header,
-                          const std::function<void(OutputFile&)>& writeSamples) {
+                          const std::function<bool(OutputFile&)>& writeSamples) {
     const std::unique_ptr<OutputFile> file = m_system.makeFile();
     if (!file->Create(fileName)) {
         m_lastFailure = file->ErrorText();
         return false;
     }
-    file->Write(header.Bytes());
-    writeSamples(*file);
-    file->Close();
-    m_failedWrites = file->FailureCount();
-    return true;
+    if (file->Write(header.Bytes()) && writeSamples(*file) && file->Close()) return true;
+    m_writeFailure = file->ErrorText();
+    return false;
 }
 
 void KV_Export::Report(std::int64_t done, std::int32_t total) const {
     if (m_system.progress) m_system.progress(static_cast<std::int32_t>(done), total);
 }
 
-void KV_Export::WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file) {
+bool KV_Export::WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file) {
     const auto channels = static_cast<std::size_t>(block.ChannelCount());
     std::vector<std::int16_t> buffer(channels * static_cast<std::size_t>(std::min(kChunkFrames, range.count)));
     for (std::int32_t done = 0; done < range.count;) {
         const std::int32_t size = std::min(kChunkFrames, range.count - done);
-        block.ReadFrames(range.first - 1 + done, size, buffer.data());
-        file.Write(std::as_bytes(std::span(buffer).first(channels * static_cast<std::size_t>(size))));
+        Read([&] { block.ReadFrames(range.first - 1 + done, size, buffer.data()); });
+        if (!file.Write(std::as_bytes(std::span(buffer).first(channels * static_cast<std::size_t>(size)))))
+            return false;
         done += size;
         Report(done, range.count);
     }
+    return true;
 }
 
 bool KV_Export::WriteBinFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
@@ -221,7 +213,7 @@ bool KV_Export::WriteBinFile(RecordingBlock* block, const std::u16string& fileNa
     Range range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     return WriteFile(fileName, BinHeader(*block, range.first, range.count, m_system),
-                     [&](OutputFile& file) { WriteFrames(*block, range, file); });
+                     [&](OutputFile& file) { return WriteFrames(*block, range, file); });
 }
 
 bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
@@ -229,7 +221,7 @@ bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileNa
     Range range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     return WriteFile(fileName, WaveHeader(*block, range.count),
-                     [&](OutputFile& file) { WriteFrames(*block, range, file); });
+                     [&](OutputFile& file) { return WriteFrames(*block, range, file); });
 }
 
 KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::int32_t sampleCount) {
@@ -251,10 +243,26 @@ KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::i
         seconds = sampleCount / rate;
     }
     const std::int32_t whole = RoundHalfEven(samples);
+    if (!(seconds >= kShortestRecord && seconds <= kLongestRecord)) RefuseRate(block);
     return {whole, seconds, sampleCount / whole};
 }
 
-void KV_Export::WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file) {
+bool KV_Export::WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t samples,
+                                 std::span<std::int16_t> buffer, OutputFile& file) {
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        for (std::size_t done = 0; done < samples; done += buffer.size()) {
+            const std::span<std::int16_t> part = buffer.first(std::min(buffer.size(), samples - done));
+            Read([&] {
+                block.ReadCodes(channel, first + static_cast<std::int32_t>(done),
+                                static_cast<std::int32_t>(part.size()), part.data());
+            });
+            if (!file.Write(std::as_bytes(part))) return false;
+        }
+    }
+    return true;
+}
+
+bool KV_Export::WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file) {
     const auto samples = static_cast<std::size_t>(records.samples);
     const std::size_t codes = samples * static_cast<std::size_t>(block.ChannelCount());
     // A record of a usual size is read at once, a larger one channel by channel in pieces.
@@ -262,13 +270,14 @@ void KV_Export::WriteRecords(RecordingBlock& block, const Range& range, const Re
     for (std::int32_t number = 0; number < records.count; ++number) {
         const std::int32_t first = range.first - 1 + number * records.samples;
         if (codes <= kRecordCodes) {
-            block.ReadRows(first, records.samples, buffer.data());
-            file.Write(std::as_bytes(std::span(buffer)));
-        } else {
-            WriteLargeRecord(block, first, samples, buffer, file);
+            Read([&] { block.ReadRows(first, records.samples, buffer.data()); });
+            if (!file.Write(std::as_bytes(std::span(buffer)))) return false;
+        } else if (!WriteLargeRecord(block, first, samples, buffer, file)) {
+            return false;
         }
         Report((number + std::int64_t{1}) * records.samples, range.count);
     }
+    return true;
 }
 
 bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
@@ -276,15 +285,26 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
     Range range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     const Records records = CutIntoRecords(*block, range.count);
-    if (const std::int16_t channel = TooFineChannel(*block); channel > 0) {
-        const std::u16string title = block->ChannelTitle(channel);
-        m_lastFailure = Say(u"The channel's scale is too fine for EDF: %1", u"Шаг канала слишком мал для EDF: %1",
-                            {title.empty() ? Decimal(channel) : title})
-                            .In(m_system.language);
-        return false;
+    std::vector<EdfLimits> limits;
+    for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel) {
+        const float scale = block->ChannelScale(channel);
+        const float offset = block->ChannelOffset(channel);
+        // The search takes long where the scale is fine, and channels are mostly alike.
+        const bool alike = channel > 1 && scale == block->ChannelScale(static_cast<std::int16_t>(channel - 1)) &&
+                           offset == block->ChannelOffset(static_cast<std::int16_t>(channel - 1));
+        std::optional<EdfLimits> found = alike ? limits.back() : FindEdfLimits(scale, offset);
+        if (!found) {
+            const std::u16string title = block->ChannelTitle(channel);
+            m_lastFailure = Say(u"The channel's scale is too fine for EDF: %1", u"Шаг канала слишком мал для EDF: %1",
+                                {title.empty() ? Decimal(channel) : title})
+                                .In(m_system.language);
+            return false;
+        }
+        limits.push_back(std::move(*found));
     }
-    return WriteFile(fileName, EdfHeader(*block, records.samples, records.seconds, records.count),
-                     [&](OutputFile& file) { WriteRecords(*block, range, records, file); });
+    m_outcome = {range.count, records.count * records.samples, range.first > 1};
+    return WriteFile(fileName, EdfHeader(*block, records.samples, records.seconds, records.count, limits),
+                     [&](OutputFile& file) { return WriteRecords(*block, range, records, file); });
 }
 
 }  // namespace quillon

@@ -29,13 +29,21 @@ struct ExportSystem {
     Language language = Language::English;
 };
 
+/// What a format left out.
+struct ExportOutcome {
+    std::int32_t asked = 0;    ///< samples per channel of the range
+    std::int32_t written = 0;  ///< of these; EDF keeps whole records only
+    bool earlier = false;      ///< the file tells the block's start, which is before that of the range
+};
+
 /// The three writers. Each writes samples firstSample (from 1) to firstSample + sampleCount - 1 of all channels of a
 /// block as the 16-bit codes that they are. A first sample below 1 is 1; a count below 1 or beyond the end means: to
 /// the end.
 ///
 /// False, with the reason in LastFailure, when there is no such range, the format cannot hold a channel's scale or the
-/// file cannot be created; FormatError says what else the header cannot hold. Then no file was touched. Exceptions
-/// of the block pass through and leave a half-written file. A failed write changes no result, only FailedWrites.
+/// file cannot be created; with the reason in WriteFailure when a write fails, which ends the export at once.
+/// FormatError says what else the header cannot hold. Exceptions of the block pass through; SourceFailed tells them
+/// from the others. Whatever fails, no file was touched.
 class KV_Export {
   public:
     explicit KV_Export(ExportSystem system) : m_system(std::move(system)) {}
@@ -48,8 +56,12 @@ class KV_Export {
     void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
         m_system.progress = std::move(progress);
     }
-    /// Of the last file; above 0 it is incomplete.
-    [[nodiscard]] std::size_t FailedWrites() const { return m_failedWrites; }
+    /// What could not be written, and why; empty when nothing failed so.
+    [[nodiscard]] const std::u16string& WriteFailure() const { return m_writeFailure; }
+    /// Whether an exception came from reading the block's samples.
+    [[nodiscard]] bool SourceFailed() const { return m_reading; }
+    /// Of the last file that was written.
+    [[nodiscard]] const ExportOutcome& Outcome() const { return m_outcome; }
 
     /// The family's binary block format, which loses nothing.
     bool WriteBinFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
@@ -75,14 +87,26 @@ class KV_Export {
 
     bool FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount, Range& range);
     bool WriteFile(const std::u16string& fileName, const ByteWriter& header,
-                   const std::function<void(OutputFile&)>& writeSamples);
-    void WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file);
-    void WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file);
+                   const std::function<bool(OutputFile&)>& writeSamples);
+    [[nodiscard]] bool WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file);
+    [[nodiscard]] bool WriteRecords(RecordingBlock& block, const Range& range, const Records& records,
+                                    OutputFile& file);
+    [[nodiscard]] bool WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t samples,
+                                        std::span<std::int16_t> buffer, OutputFile& file);
+    /// Runs a call of the block that reads samples.
+    template <typename Call>
+    void Read(Call call) {
+        m_reading = true;
+        call();
+        m_reading = false;
+    }
     void Report(std::int64_t done, std::int32_t total) const;
 
     ExportSystem m_system;
     std::u16string m_lastFailure;
-    std::size_t m_failedWrites = 0;
+    std::u16string m_writeFailure;
+    bool m_reading = false;
+    ExportOutcome m_outcome;
 };
 
 }  // namespace quillon

@@ -78,11 +78,12 @@ class ChunkReader {
     std::vector<TextCodes> m_columns;
 };
 
-std::string HeaderLines(const TextExportRequest& request, std::int32_t count, double rate, char separator) {
+std::string HeaderLines(const TextExportRequest& request, std::int32_t count, double rate, char separator,
+                        std::string_view lineEnd) {
     const auto general = static_cast<char16_t>(separator);
     std::string lines;
     const auto add = [&](bool wanted, const std::u16string& text) {
-        if (wanted) lines.append(Utf8(text)).append(kTextLineEnd);
+        if (wanted) lines.append(Utf8(text)).append(lineEnd);
     };
     add(request.rowOfSize, Decimal(count));
     add(request.rowOfRate, NumberText(rate, general));
@@ -147,15 +148,19 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     const double rate = block.SampleRate();
     const char separator = TextSeparator(context.format);
     const TextXValues x(XColumnOf(request), rate, SecondsOfDay(block.StartTime()), request.first, context.format);
-    TextRows rows(x, channels, request.rawCodes, separator);
+    TextRows rows(x, channels, request.rawCodes, separator, context.lineEnd);
     ChunkReader reader(block, channels);
 
-    const std::unique_ptr<TextSink> sink = context.open(request.target, context.refusal);
-    if (!sink) return false;
+    std::u16string failure;
+    const std::unique_ptr<TextSink> sink = context.open(request.target, failure);
+    if (!sink) {
+        context.failures.push_back(failure);
+        return false;
+    }
     const bool file = request.target != kClipboardTarget;
-    const std::string titles = request.titleRow ? TextTitleLine(x.kind(), channels) : std::string();
+    const std::string titles = request.titleRow ? TextTitleLine(x.kind(), channels, context.lineEnd) : std::string();
     if (file && context.utf8Mark && !IsAscii(titles)) sink->Write("\xEF\xBB\xBF");
-    sink->Write(HeaderLines(request, count, rate, separator));
+    sink->Write(HeaderLines(request, count, rate, separator, context.lineEnd));
     sink->Write(titles);
     for (std::int32_t chunk = 0; chunk < chunks && !sink->Failed(); ++chunk) {
         if (chunk % interval == 0) {
@@ -169,7 +174,12 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
         if (context.ended) return false;
     }
     if (!file) context.services.SetStatus(u"Copy text...");
-    (sink->Close() ? context.written : context.incomplete).push_back(request.target);
+    if (!sink->Close()) {
+        context.failures.push_back(sink->ErrorText());
+        context.ended = true;
+        return false;
+    }
+    context.written.push_back(request.target);
     context.services.SetStatus({});
     return true;
 }

@@ -12,6 +12,7 @@
 #include "data/SaveFileDialog.h"
 #include "data/TextSink.h"
 #include "data/UserServices.h"
+#include "export/TextRows.h"
 #include "format/QL_Format.h"
 
 /// Samples as text, into a file or onto the clipboard.
@@ -55,24 +56,25 @@ struct TextExportContext {
     std::function<bool()> runPending{};
     /// Programs that would take a file for one of the system's code page are told that it is UTF-8.
     bool utf8Mark = true;
-    bool ended = false;  ///< runPending answered false
-    // For the caller to tell: targets written to the end, those that could not be written completely, and why the last
-    // one that could not be opened could not.
+    std::string_view lineEnd = kTextLineEnd;
+    bool ended = false;  ///< runPending answered false, or a write has failed
+    // For the caller to tell: targets written to the end, and what was not written, each with the reason.
     std::vector<std::u16string> written{};
-    std::vector<std::u16string> incomplete{};
-    std::u16string refusal{};
+    std::vector<std::u16string> failures{};
 };
 
 /// Name of the file of one channel: the number, from 1, before the extension.
 [[nodiscard]] std::u16string ChannelFileName(const std::u16string& target, std::int16_t channelNumber);
 
-/// Exports samples first .. first+count-1 (from 1) as the settings say. Returns whether any text was written.
-/// Exceptions of the block go through.
+/// Exports samples first .. first+count-1 (from 1) as the settings say. Returns whether any text was written. A file
+/// that cannot be opened leaves the others to be written; a write that fails ends the export. Exceptions of the block
+/// go through. Files that are not completed are as they were before.
 bool ExportText(const std::u16string& target, RecordingBlock& block, std::int32_t first, std::int32_t count,
                 const TextExportSettings& settings, TextExportContext& context);
 
 /// Writes one text. False, with nothing opened, when the block has none of the channels or the range has no sample in
-/// it; false when the target does not open or the export is ended: then the last progress stays in the status.
+/// it; false when the target does not open or cannot be written, or the export is ended: then the last progress stays
+/// in the status.
 bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, TextExportContext& context);
 
 /// The files that ExportText with these settings would write for a target that is a file.

@@ -83,22 +83,23 @@ std::string TextTitle(std::u16string_view title, std::int16_t channelNumber) {
     return text;
 }
 
-std::string TextTitleLine(TextXColumn x, std::span<const TextChannel> channels) {
+std::string TextTitleLine(TextXColumn x, std::span<const TextChannel> channels, std::string_view lineEnd) {
     std::string line = x == TextXColumn::Time ? "Time" : x == TextXColumn::SampleNumber ? "N" : "";
     for (const TextChannel& channel : channels) {
         if (!line.empty()) line += '\t';
         line += channel.title;
     }
-    return line.append(kTextLineEnd);
+    return line.append(lineEnd);
 }
 
-TextRows::TextRows(const TextXValues& x, std::span<const TextChannel> channels, bool rawCodes, char separator)
-    : m_x(x), m_rawCodes(rawCodes) {
+TextRows::TextRows(const TextXValues& x, std::span<const TextChannel> channels, bool rawCodes, char separator,
+                   std::string_view lineEnd)
+    : m_x(x), m_rawCodes(rawCodes), m_lineEnd(lineEnd) {
     for (const TextChannel& channel : channels) {
         m_columns.push_back({channel.scale, channel.offset, FixedText(DecimalsOfResolution(channel.scale), separator)});
     }
     // The room of a column counts its tab or line end; only what is really written is ever touched.
-    const std::size_t rowRoom = (m_columns.size() + 1) * (FixedText::kRoom + kTextLineEnd.size());
+    const std::size_t rowRoom = (m_columns.size() + 1) * (FixedText::kRoom + lineEnd.size());
     m_buffer.resize(rowRoom * static_cast<std::size_t>(kTextChunkRows));
 }
 
@@ -112,7 +113,7 @@ std::string_view TextRows::Make(std::int32_t first, std::int32_t count, std::spa
         const auto at = static_cast<std::size_t>(row);
         out = m_rawCodes ? WriteCodes(out, at, columns) : WriteValues(out, at, columns);
         // Every column wrote a tab behind it; the last one's gives way to the line's end.
-        out = Copy(kTextLineEnd, out - 1);
+        out = Copy(m_lineEnd, out - 1);
     }
     return {m_buffer.data(), static_cast<std::size_t>(out - m_buffer.data())};
 }

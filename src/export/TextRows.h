@@ -71,13 +71,16 @@ struct TextCodes {
 [[nodiscard]] char TextSeparator(const FormatOptions& options);
 
 /// The title line with its end.
-[[nodiscard]] std::string TextTitleLine(TextXColumn x, std::span<const TextChannel> channels);
+[[nodiscard]] std::string TextTitleLine(TextXColumn x, std::span<const TextChannel> channels,
+                                        std::string_view lineEnd = kTextLineEnd);
 
 /// Makes rows, chunk by chunk, in a buffer that it owns and reuses.
 class TextRows {
   public:
-    /// Values with the decimals of the channels' scales, or with `rawCodes` the codes as they are.
-    TextRows(const TextXValues& x, std::span<const TextChannel> channels, bool rawCodes, char separator);
+    /// Values with the decimals of the channels' scales, or with `rawCodes` the codes as they are. The text of
+    /// `lineEnd` is not copied.
+    TextRows(const TextXValues& x, std::span<const TextChannel> channels, bool rawCodes, char separator,
+             std::string_view lineEnd = kTextLineEnd);
 
     /// `count` rows from row `first` on, at most kTextChunkRows; `columns` has one entry per channel. Valid until the
     /// next call.
@@ -94,6 +97,7 @@ class TextRows {
 
     TextXValues m_x;
     bool m_rawCodes;
+    std::string_view m_lineEnd;
     std::vector<Column> m_columns;
     std::vector<char> m_buffer;
 };

@@ -36,7 +36,8 @@ class TextExportTest : public ::testing::Test {
         Sink(std::string& target, std::size_t bytes) : written(target), room(bytes) {}
         void Write(std::string_view text) override { written += text; }
         bool Failed() const override { return written.size() > room; }
-        bool Close() override { return false; }
+        bool Close() override { return !Failed(); }
+        std::u16string ErrorText() const override { return u"full"; }
         std::string& written;
         std::size_t room;
     };
@@ -153,9 +154,12 @@ TEST_F(TextExportTest, FilesPerChannelAreAnnounced) {
 
 TEST_F(TextExportTest, WhatEndsAnExport) {
     room = 0;
-    EXPECT_EQ(Lines(1, 150).size(), 100U) << "the first chunk: nothing more is formatted for a full disk";
-    EXPECT_THAT(context.incomplete, ElementsAre(u"a.txt"));
-    EXPECT_EQ(u"", services.status);
+    settings.fileType = 0;
+    EXPECT_FALSE(ExportText(u"a.txt", block, 1, 150, settings, context));
+    EXPECT_EQ(Split(texts.at(u"a1.txt"), '\n').size(), 100U) << "nothing more is formatted for a full disk";
+    EXPECT_EQ(texts.size(), 1U) << "nor another file begun";
+    EXPECT_THAT(context.failures, ElementsAre(u"full"));
+    settings.fileType = 1;
     room = std::string::npos;
     texts.clear();
     context.runPending = [chunks = 0]() mutable { return ++chunks < 2; };
@@ -166,9 +170,11 @@ TEST_F(TextExportTest, WhatEndsAnExport) {
     EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
     EXPECT_EQ(1U, texts.size());
     block.numbers = {0, 1, 2};
-    context.open = [](const std::u16string&, std::u16string& error) { return error = u"full", nullptr; };
+    context.failures.clear();
+    settings.fileType = 0;
+    context.open = [](const std::u16string& name, std::u16string& error) { return error = name, nullptr; };
     EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
-    EXPECT_EQ(context.refusal, u"full");
+    EXPECT_THAT(context.failures, ElementsAre(u"b1.txt", u"b2.txt", u"b3.txt")) << "all are told";
 }
 
 TEST_F(TextExportTest, TheClipboardsTextIsNotMarkedAsUtf8) {

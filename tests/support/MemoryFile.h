@@ -13,18 +13,17 @@ class MemoryFile final : public OutputFile {
     MemoryFile(std::string& bytes, std::size_t room) : m_bytes(bytes), m_room(room) {}
     bool Create(const std::u16string& fileName) override { return m_bytes.clear(), fileName != u"no.bin"; }
     bool Write(std::span<const std::byte> bytes) override {
-        if (m_failures > 0 || m_bytes.size() + bytes.size() > m_room) return ++m_failures, false;
+        if (m_failed || m_bytes.size() + bytes.size() > m_room) return m_failed = true, false;
         m_bytes.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         return true;
     }
-    bool Close() override { return true; }
-    std::u16string ErrorText() const override { return u"write-protected"; }
-    std::size_t FailureCount() const override { return m_failures; }
+    bool Close() override { return !m_failed; }
+    std::u16string ErrorText() const override { return m_failed ? u"full" : u"write-protected"; }
 
   private:
     std::string& m_bytes;
     std::size_t m_room;
-    std::size_t m_failures = 0;
+    bool m_failed = false;
 };
 
 }  // namespace quillon::testing

@@ -2,6 +2,7 @@
 
 #include "base/DateTime.h"
 #include "base/Text.h"
+#include "base/win/SystemPath.h"
 #include "base/win/Win32.h"
 #include "norvik/ByteSource.h"
 #include "norvik/win/SystemText.h"
@@ -58,11 +59,10 @@ class FileSource final : public ByteSource {
 }  // namespace
 
 std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, std::u16string& error) {
-    const std::wstring wide(path.begin(), path.end());
     // A folder opened this way is refused by the system: "access is denied".
     const HANDLE file =
-        ::CreateFileW(wide.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        ::CreateFileW(SystemPath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         error = SystemText(::GetLastError());
         return nullptr;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "app/Commands.h"
 #include "app/GraphKeys.h"
@@ -231,8 +232,13 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     [[nodiscard]] SampleRange ExportRange() const;
     void SaveAs(int);
     void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range, std::int32_t type);
-    /// Asks the user where files of single channels would be replaced.
-    [[nodiscard]] bool MayReplaceChannelFiles(const RecordingBlock& block, const std::u16string& target) const;
+    /// What the format did not keep; empty when it kept everything.
+    [[nodiscard]] std::u16string LeftOut(const ExportOutcome& outcome) const;
+    /// Asks the user once about those of the files that exist.
+    [[nodiscard]] bool MayReplace(std::vector<std::u16string> files) const;
+    /// The same about files that the fast export would replace and nobody has named for it.
+    [[nodiscard]] bool MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target);
+    [[nodiscard]] bool IsRecording(const std::u16string& path) const;
     /// Asks the user where so much text would hardly find room.
     [[nodiscard]] bool MayCopy(std::int32_t samples) const;
     void WriteText(const std::u16string& target, const SampleRange& range);
@@ -350,9 +356,10 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_soundInStatus = false;        ///< "Status" shows the position of the sound
     bool m_followsSound = false;         ///< the line of the sound was in view, and the user has not scrolled it away
     std::int32_t m_saveType = 1;         ///< chosen last in the Save As dialog
-    bool m_busy = false;                 ///< a long command runs
-    bool m_closeAsked = false;           ///< the window closes after the dialog or the long command
-    bool m_changedMeanwhile = false;     ///< files did, while it ran
+    std::vector<std::u16string> m_fastFiles;  ///< that the fast export may replace unasked
+    bool m_busy = false;                      ///< a long command runs
+    bool m_closeAsked = false;                ///< the window closes after the dialog or the long command
+    bool m_changedMeanwhile = false;          ///< files did, while it ran
     ULONGLONG m_lastPump = 0;
     bool m_activated = false;
     bool m_complete = false;  ///< every control is there, not only the graph

@@ -6,6 +6,7 @@
 #include "base/FilePath.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "base/win/SystemPath.h"
 #include "export/ImagePlan.h"
 #include "export/win/ImageCopy.h"
 #include "view/Readout.h"
@@ -31,7 +32,13 @@ std::u16string BareName(const std::u16string& path) {
 }
 
 bool FileExists(const std::u16string& path) {
-    return GetFileAttributesW(Wide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+    return GetFileAttributesW(SystemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::u16string Joined(const std::vector<std::u16string>& texts) {
+    std::u16string joined;
+    for (const std::u16string& text : texts) joined += (joined.empty() ? u"" : u"; ") + text;
+    return joined;
 }
 
 }  // namespace
@@ -91,7 +98,11 @@ void frmQLMain::SaveAs(int) {
     m_saveType = dialog.filterIndex;
     const std::u16string name = dialog.fileName;
     if (LowerCase(name).ends_with(u".txt")) {
-        if (!MayReplaceChannelFiles(*block, name) || m_window == nullptr || m_closing) return;
+        // The dialog has asked about the target itself, which a file per channel leaves alone.
+        std::vector<std::u16string> files =
+            TextExportFiles(name, *block, TextSettings(m_global.settings), m_global.slots);
+        std::erase(files, name);
+        if (!MayReplace(std::move(files)) || m_window == nullptr || m_closing) return;
         if (m_global.block.block != block) return;
         m_global.settings.exportPath = FolderOf(name);
         WriteText(name, range);
@@ -113,19 +124,28 @@ void frmQLMain::WriteRecording(RecordingBlock& block, const std::u16string& name
             StayAlive();
         });
         m_services.SetStatus({});
+        exporter.SetRecording(m_global.file.fileName);
         done = exporter.Export(&block, name, range.first, range.count, type);
     });
     exporter.SetProgress({});
     if (m_window == nullptr) return;
     // What went wrong was told in a box.
-    const int text = exporter.FailedWrites() > 0 ? IDS_INCOMPLETE : IDS_WRITTEN;
-    m_services.SetStatus(done ? m_services.Text(text) + u": " + name : std::u16string());
+    m_services.SetStatus(done ? m_services.Text(IDS_WRITTEN) + u": " + name + LeftOut(exporter.Outcome())
+                              : std::u16string());
 }
 
-bool frmQLMain::MayReplaceChannelFiles(const RecordingBlock& block, const std::u16string& target) const {
-    // The dialog has asked about the target itself, which a file per channel leaves alone.
-    std::vector<std::u16string> files = TextExportFiles(target, block, TextSettings(m_global.settings), m_global.slots);
-    std::erase_if(files, [&](const std::u16string& file) { return file == target || !FileExists(file); });
+std::u16string frmQLMain::LeftOut(const ExportOutcome& outcome) const {
+    std::u16string text;
+    if (outcome.written < outcome.asked) {
+        text =
+            u": " + FillPlaces(m_services.Text(IDS_WHOLE_RECORDS), {Decimal(outcome.written), Decimal(outcome.asked)});
+    }
+    if (outcome.earlier) text += (text.empty() ? u": " : u", ") + m_services.Text(IDS_BLOCK_START);
+    return text;
+}
+
+bool frmQLMain::MayReplace(std::vector<std::u16string> files) const {
+    std::erase_if(files, [](const std::u16string& file) { return !FileExists(file); });
     if (files.empty()) return true;
     std::u16string question = m_services.Text(IDS_REPLACE_FILES) + u"\n";
     for (std::size_t i = 0; i < std::min(files.size(), kNamesShown); ++i) question += u"\n" + FileNameOf(files[i]);
@@ -138,16 +158,23 @@ void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range
     TextExportContext context{m_global.slots, m_global.format, m_global.rawCodes, m_services, m_global.openText};
     context.runPending = [this] { return StayAlive(); };
     const std::shared_ptr<RecordingBlock> block = m_global.block.block;
-    RunLong([&] { ExportText(target, *block, range.first, range.count, TextSettings(m_global.settings), context); });
+    std::u16string unread;
+    RunLong([&] {
+        try {
+            ExportText(target, *block, range.first, range.count, TextSettings(m_global.settings), context);
+        } catch (const std::exception& error) {
+            unread = m_global.file.fileName + u": " + Utf16(error.what());
+        }
+    });
     if (m_window == nullptr) return;
     const bool file = target != kClipboardTarget;
     const auto tell = [&](int text, const std::u16string& name) {
         m_services.SetStatus(m_services.Text(text) + (name.empty() ? name : u": " + name));
     };
-    if (!context.incomplete.empty()) {
-        file ? tell(IDS_INCOMPLETE, context.incomplete.front()) : tell(IDS_CLIPBOARD_FAILED, {});
-    } else if (!context.refusal.empty()) {
-        tell(IDS_CANNOT_WRITE, context.refusal);
+    if (!unread.empty()) {
+        tell(IDS_SOUND_UNREADABLE, unread);
+    } else if (!context.failures.empty()) {
+        tell(file ? IDS_CANNOT_WRITE : IDS_CLIPBOARD_FAILED, Joined(context.failures));
     } else if (context.written.empty()) {
         tell(IDS_NO_SHOWN_CHANNEL, {});
     } else if (!file) {
@@ -168,10 +195,29 @@ void frmQLMain::FastExport(int) {
         m_global.settings.exportFastFile = name;
     }
     if (m_global.block.block != block) return;
-    const std::u16string& name = m_global.settings.exportFastFile;
+    std::u16string target = m_global.settings.exportFastFile;
     // A name without a folder means the recording's own.
-    const bool bare = name.find_first_of(u":\\/") == std::u16string::npos;
-    WriteText(bare ? FolderOf(m_global.file.fileName) + name : name, ExportRange());
+    if (target.find_first_of(u":\\/") == std::u16string::npos) target.insert(0, FolderOf(m_global.file.fileName));
+    if (!MayReplaceFastFiles(*block, target) || m_window == nullptr || m_closing) return;
+    if (m_global.block.block == block) WriteText(target, ExportRange());
+}
+
+bool frmQLMain::MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target) {
+    std::vector<std::u16string> files = TextExportFiles(target, block, TextSettings(m_global.settings), m_global.slots);
+    std::erase_if(files, [&](const std::u16string& file) {
+        if (std::find(m_fastFiles.begin(), m_fastFiles.end(), file) != m_fastFiles.end()) return true;
+        // The one that the user has named is not asked about, unless it is what nobody would replace by a text.
+        return file == target && (file == m_global.file.fileName || !IsRecording(file));
+    });
+    if (!MayReplace(files)) return false;
+    // What has been agreed to, or is written now, is not asked about again.
+    m_fastFiles.insert(m_fastFiles.end(), files.begin(), files.end());
+    return true;
+}
+
+bool frmQLMain::IsRecording(const std::u16string& path) const {
+    std::shared_ptr<Recording> recording;
+    return m_global.library->OpenRecording(path, recording);
 }
 
 bool frmQLMain::MayCopy(std::int32_t samples) const {

@@ -19,6 +19,6 @@ int wmain(int argc, wchar_t** argv) {
         const std::wstring word(argv[i]);
         arguments.emplace_back(word.begin(), word.end());
     }
-    quillon::cli::CliIo io{std::cout, std::cerr};
+    quillon::cli::CliIo io{std::cout, std::cerr, "\r\n"};
     return quillon::cli::RunCli(arguments, io);
 }

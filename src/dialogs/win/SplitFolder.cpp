@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/FilePath.h"
+#include "base/win/SystemPath.h"
 #include "base/win/WinHandle.h"
 #include "data/FileOperationPlan.h"
 #include "data/win/FileOperation.h"
@@ -19,15 +20,6 @@ struct FileTraits {
     static void Close(Handle handle) { CloseHandle(handle); }
 };
 using File = WinHandle<FileTraits>;
-
-/// A path in the form that has no limit of 260 characters, where it comes near that. Folders have to stay below 248.
-std::wstring SystemPath(const std::u16string& path) {
-    constexpr std::size_t shortest = 248;
-    std::wstring wide = Wide(path);
-    if (wide.size() < shortest || wide.rfind(L"\\\\?\\", 0) == 0) return wide;
-    std::replace(wide.begin(), wide.end(), L'/', L'\\');
-    return wide.rfind(L"\\\\", 0) == 0 ? L"\\\\?\\UNC" + wide.substr(1) : L"\\\\?\\" + wide;
-}
 
 std::u16string PathIn(const std::u16string& folder, const std::u16string& name) {
     return folder + u'\\' + name;
@@ -96,7 +88,7 @@ void ListFiles(const std::u16string& folder, const std::u16string& recording, Sp
 }  // namespace
 
 std::u16string SplitFilePath(const std::u16string& folder, const std::u16string& name) {
-    return Narrow16(SystemPath(PathIn(folder, name)));
+    return PathIn(folder, name);
 }
 
 SplitFolderState ReadSplitFolder(const std::u16string& folder, const std::u16string& recording) {

@@ -64,6 +64,9 @@ class SplitDialog {
     /// Whether nothing stands against the run, now that the folder has been read anew.
     [[nodiscard]] bool CheckFolder(const SplitPlan& plan);
     [[nodiscard]] bool MayReplace(const SplitPlan& plan);
+    /// Asks the user where that many files are hardly meant.
+    [[nodiscard]] bool MayWriteSoMany(const SplitPlan& plan);
+    [[nodiscard]] bool Agrees(const std::u16string& question) const;
     void Split();
     [[nodiscard]] SplitResult Run(const SplitPlan& plan);
 
@@ -298,6 +301,7 @@ bool SplitDialog::CheckFolder(const SplitPlan& plan) {
         SetStatus(SplitObstacleText(m_context.services, obstacle, plan, m_folder));
         return false;
     }
+    if (!MayWriteSoMany(plan)) return false;
     if (!IsChecked(chkDelFiles)) return MayReplace(plan);
     if (m_announced != m_state.files) {
         // Other files than the user was told of: they go with the next press.
@@ -314,7 +318,16 @@ bool SplitDialog::MayReplace(const SplitPlan& plan) {
     const std::int64_t replaced = CountReplaced(plan, m_state);
     if (replaced == 0) return true;
     Refresh();
-    const std::u16string question = FillPlaces(Text(IDS_SPLIT_REPLACE), {Decimal(replaced)});
+    return Agrees(FillPlaces(Text(IDS_SPLIT_REPLACE), {Decimal(replaced)}));
+}
+
+bool SplitDialog::MayWriteSoMany(const SplitPlan& plan) {
+    constexpr std::int64_t usual = 10000;
+    if (plan.PieceCount() <= usual) return true;
+    return Agrees(FillPlaces(Text(IDS_SPLIT_MANY), {Decimal(plan.PieceCount())}));
+}
+
+bool SplitDialog::Agrees(const std::u16string& question) const {
     return MessageBoxW(m_dialog, Wide(question).c_str(), Wide(Text(IDS_SPLIT_TITLE)).c_str(),
                        MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
 }
@@ -325,9 +338,9 @@ void SplitDialog::Split() {
     ReadFolder();
     if (!CheckFolder(plan) || m_destroyed) return;
     KeepSettings();
+    m_context.exporter.SetRecording(m_context.recording);
     const SplitResult result = Run(plan);
     const std::u16string text = SplitResultText(m_context.services, result, m_folder);
-    if (result.end == SplitEnd::Incomplete) m_context.services.SetStatus(text);
     if (m_destroyed) return;
     ReadFolder();
     // What is there now was not announced.

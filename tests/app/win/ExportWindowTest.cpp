@@ -87,11 +87,12 @@ TEST_F(ExportWindowTest, SaveAsWritesEveryTypeTheChoiceOrTheNameTells) {
           {u"\u0437\u0432\u0443\u043a.wav", 0, u"\u0437\u0432\u0443\u043a.wav"},
           {u"three", 2, u"three.edf"}}) {
         SaveAs(Path(name), filter);
-        EXPECT_EQ(Status(), L"Written: " + Wide(Path(written)));
+        const bool edf = written.ends_with(u".edf");
+        EXPECT_EQ(Status(), L"Written: " + Wide(Path(written)) + (edf ? L": 200 of 250 samples (whole records)" : L""));
         std::shared_ptr<Recording> recording;
         ASSERT_TRUE(library->OpenRecording(Path(written), recording)) << Utf8(written);
         const auto block = recording->GetBlock(1);
-        const std::int32_t expected = written.ends_with(u".edf") ? 200 : 250;
+        const std::int32_t expected = edf ? 200 : 250;
         EXPECT_EQ(block->SampleCount(), expected);
         std::vector<std::int16_t> codes(static_cast<std::size_t>(expected));
         block->ReadCodes(1, 0, expected, codes.data());
@@ -99,6 +100,8 @@ TEST_F(ExportWindowTest, SaveAsWritesEveryTypeTheChoiceOrTheNameTells) {
     }
     // A selection is what is saved, and a name of text is text, here as one file.
     m_global.selection = {true, 1, 120, 101};
+    SaveAs(Path(u"later.edf"));
+    EXPECT_EQ(Status(), L"Written: " + Wide(Path(u"later.edf")) + L": starts at the block's start");
     m_global.settings.exportFileType = 1;
     SaveAs(Path(u"part.TXT"));
     const std::string text = ContentOf(Path(u"part.TXT"));
@@ -160,6 +163,40 @@ TEST_F(ExportWindowTest, FastExportAsksOnceAndTellsWhatItCannotWrite) {
     EXPECT_EQ(Status(), L"No channel of the block is shown");
 }
 
+TEST_F(ExportWindowTest, FastExportAsksBeforeItReplacesWhatNobodyNamed) {
+    Start();
+    const auto answering = [&](WORD button) {
+        const DialogAnswer user([=](HWND box) { PostMessageW(box, WM_COMMAND, button, 0); });
+        Command(mnuFastExport);
+    };
+    m_global.settings.exportFastFile = Path(u"out.txt");
+    std::ofstream(m_folder.File(u"out1.txt")) << "mine";
+    answering(IDNO);
+    EXPECT_EQ(ContentOf(Path(u"out1.txt")), "mine");
+    EXPECT_FALSE(Exists(u"out2.txt"));
+    answering(IDYES);
+    m_global.settings.exportRowSize = 1;
+    Command(mnuFastExport);  // not asked again, nor about what it has written itself
+    EXPECT_THAT(ContentOf(Path(u"out1.txt")), StartsWith("250\r\n0.0"));
+    EXPECT_THAT(ContentOf(Path(u"out2.txt")), StartsWith("250\r\n5.0"));
+    // A recording is hardly meant; what is no recording is what the user has named.
+    m_global.settings.exportFileType = 1;
+    m_global.settings.exportFastFile = m_folder.Write(u"other.bin", SawRecording(20));
+    const std::string other = ContentOf(Path(u"other.bin"));
+    answering(IDNO);
+    EXPECT_EQ(ContentOf(Path(u"other.bin")), other);
+    answering(IDYES);
+    EXPECT_THAT(ContentOf(Path(u"other.bin")), StartsWith("250\r\n"));
+    // All that cannot be written is told.
+    m_global.settings.exportFileType = 0;
+    std::filesystem::create_directory(m_folder.File(u"dir1.txt"));
+    std::filesystem::create_directory(m_folder.File(u"dir2.txt"));
+    m_global.settings.exportFastFile = Path(u"dir.txt");
+    answering(IDYES);
+    EXPECT_THAT(Status(), HasSubstr(Wide(Path(u"dir1.txt"))));
+    EXPECT_THAT(Status(), HasSubstr(Wide(Path(u"dir2.txt"))));
+}
+
 TEST_F(ExportWindowTest, ARecordingThatGoesWhileTheUserIsAskedEndsTheCommand) {
     Start();
     std::ofstream(m_folder.File(u"text1.txt")) << "mine";
@@ -178,12 +215,16 @@ TEST_F(ExportWindowTest, AFullDiskIsToldWithTheFile) {
     // Writing to it fails as on a full disk.
     const std::u16string full = u"Z:\\dev\\full";
     Choose(full, 1);
-    Command(mnuSaveAs);
-    EXPECT_EQ(Status(), L"The file is incomplete: " + Wide(full));
+    std::wstring text;
+    SaveAsAnswering([&](HWND box) {
+        text = WindowText(GetDlgItem(box, 0xFFFF));
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    });
+    EXPECT_THAT(text, StartsWith(L"Error of file export!\n\n" + Wide(full) + L": "));
     m_global.settings.exportFileType = 1;
     m_global.settings.exportFastFile = full;
     Command(mnuFastExport);
-    EXPECT_EQ(Status(), L"The file is incomplete: " + Wide(full));
+    EXPECT_THAT(Status(), StartsWith(L"The file cannot be written: " + Wide(full) + L": "));
 }
 
 TEST_F(ExportWindowTest, CopiedDataAreTheTextOfTheSelection) {

@@ -12,6 +12,7 @@
 #include "app/win/MainWindowFixture.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "base/win/SystemPath.h"
 #include "dialogs/win/SplitFolder.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
@@ -37,10 +38,10 @@ class SplitDialog : public ::testing::Test {
   protected:
     void SetUp() override { Open(u"Ночь.bin"); }
 
-    void Open(const std::u16string& name) {
-        std::vector<std::int16_t> codes(1000, 7);
+    void Open(const std::u16string& name, std::uint32_t count = 1000) {
+        std::vector<std::int16_t> codes(count, 7);
         samples::Bytes bytes;
-        bytes.Text(samples::BinHeader(100.0F, "", {{"A", "mV", 1.0F, 0.0F}}, 1000)).Codes(codes);
+        bytes.Text(samples::BinHeader(100.0F, "", {{"A", "mV", 1.0F, 0.0F}}, count)).Codes(codes);
         std::ofstream(m_folder.File(name), std::ios::binary) << bytes.Get();
         m_library = MakeRecordingLibrary(Language::English);
         m_path = fs::path(m_folder.Path()).make_preferred() / name;
@@ -226,6 +227,17 @@ TEST_F(SplitDialog, ReplacesFilesWhenAllowedOnly) {
     });
 }
 
+TEST_F(SplitDialog, AsksBeforeItWritesThousandsOfFiles) {
+    Open(u"long.bin", 10001);
+    Show([&] {
+        BySamples(L"1", L"1");
+        EXPECT_TRUE(Run("Files: ", IDNO));
+        BySamples(L"5000", L"5000");
+        EXPECT_TRUE(Run("Files written: 2"));
+    });
+    EXPECT_EQ(Files(), (Names{u"1.bin", u"2.bin"}));
+}
+
 TEST_F(SplitDialog, TakesLongAndForeignNames) {
     Open(std::u16string(110, u'Ж') + u".x & y.bin");
     Make(u"x.txt");
@@ -246,10 +258,11 @@ TEST_F(SplitDialog, TakesLongAndForeignNames) {
     EXPECT_FALSE(fs::exists(m_pieces / u"x.txt"));
     // Wine takes long paths in any form, Windows in these only.
     const std::u16string deep(260, u'd');
-    EXPECT_EQ(SplitFilePath(u"C:\\a/" + deep, u"1.bin"), u"\\\\?\\C:\\a\\" + deep + u"\\1.bin");
-    EXPECT_EQ(SplitFilePath(u"\\\\server\\" + deep, u"1.bin"), u"\\\\?\\UNC\\server\\" + deep + u"\\1.bin");
-    EXPECT_EQ(SplitFilePath(u"\\\\?\\C:\\" + deep, u"1.bin"), u"\\\\?\\C:\\" + deep + u"\\1.bin");
-    EXPECT_EQ(SplitFilePath(u"C:\\a", u"1.bin"), u"C:\\a\\1.bin");
+    const std::wstring wide = Wide(deep);
+    EXPECT_EQ(SystemPath(u"C:\\a/x\\../" + deep), L"\\\\?\\C:\\a\\" + wide);
+    EXPECT_EQ(SystemPath(u"\\\\server\\share\\" + deep), L"\\\\?\\UNC\\server\\share\\" + wide);
+    EXPECT_EQ(SystemPath(u"\\\\?\\C:\\" + deep), L"\\\\?\\C:\\" + wide);
+    EXPECT_EQ(SystemPath(u"C:/a"), L"C:/a");
 }
 
 TEST_F(SplitDialog, TellsOfFullDisksAndRefusedFiles) {
@@ -262,10 +275,12 @@ TEST_F(SplitDialog, TellsOfFullDisksAndRefusedFiles) {
     fs::create_directories(m_pieces / u"02.bin");
     Show([&] {
         BySamples(L"100", L"100");
-        EXPECT_TRUE(Run("\"02.bin\" is incomplete"));
-        EXPECT_NE(m_services.status.find(u"02.bin"), std::u16string::npos);
+        EXPECT_TRUE(Run("\"02.bin\" was not written. Files written before it: 1"));
+        EXPECT_EQ(m_services.messages.back(), u"Error of file export!\n\nfull");
+        BySamples(L"100", L"100");
+        EXPECT_TRUE(StatusHolds("Existing files to be replaced: 1"));
         EXPECT_TRUE(Run("\"02.bin\" was not written. Files written before it: 1", IDYES));
-        EXPECT_EQ(m_services.messages.size(), 1U);
+        EXPECT_EQ(m_services.messages.size(), 2U);
     });
     EXPECT_EQ(Files(), (Names{u"01.bin", u"02.bin"}));
     EXPECT_TRUE(fs::is_directory(m_pieces / u"02.bin"));

@@ -1,0 +1,97 @@
+#include "norvik/FileSystem.h"
+
+#include "base/Text.h"
+#include "base/win/SystemPath.h"
+#include "base/win/Win32.h"
+#include "norvik/win/SystemText.h"
+
+namespace quillon {
+
+namespace {
+
+class FileSink final : public ByteSink {
+  public:
+    /// Takes the handle over.
+    explicit FileSink(HANDLE file) : m_file(file) {}
+    ~FileSink() override {
+        if (m_file != INVALID_HANDLE_VALUE) ::CloseHandle(m_file);
+    }
+
+    [[nodiscard]] bool Write(std::span<const std::byte> bytes, std::u16string& error) override {
+        while (!bytes.empty()) {
+            DWORD part = 0;
+            const bool done = ::WriteFile(m_file, bytes.data(), static_cast<DWORD>(bytes.size()), &part, nullptr) != 0;
+            if (!done || part == 0) {
+                error = SystemText(done ? ERROR_DISK_FULL : ::GetLastError());
+                return false;
+            }
+            bytes = bytes.subspan(part);
+        }
+        return true;
+    }
+
+    [[nodiscard]] bool Close(std::u16string& error) override {
+        const HANDLE file = m_file;
+        m_file = INVALID_HANDLE_VALUE;
+        if (file == INVALID_HANDLE_VALUE || ::CloseHandle(file) != 0) return true;
+        error = SystemText(::GetLastError());
+        return false;
+    }
+
+  private:
+    HANDLE m_file;
+};
+
+class WindowsFiles final : public FileSystem {
+  public:
+    [[nodiscard]] std::optional<Place> Look(const std::u16string& path, std::u16string& error) override {
+        Place place;
+        place.path = path;
+        // Shared with nobody: a file that is open for reading, as the recording itself is, is refused. Renaming over it
+        // could succeed, as our readers let files be renamed and deleted.
+        const HANDLE file = ::CreateFileW(SystemPath(path).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE) {
+            const DWORD number = ::GetLastError();
+            if (number == ERROR_FILE_NOT_FOUND) return place;
+            error = SystemText(number);
+            return std::nullopt;
+        }
+        if (::GetFileType(file) == FILE_TYPE_DISK) {
+            place.replaces = true;
+            ::CloseHandle(file);
+        } else {
+            place.device = std::make_unique<FileSink>(file);
+        }
+        return place;
+    }
+
+    [[nodiscard]] std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place&, bool& taken,
+                                                      std::u16string& error) override {
+        const HANDLE file = ::CreateFileW(SystemPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr);
+        taken = file == INVALID_HANDLE_VALUE && ::GetLastError() == ERROR_FILE_EXISTS;
+        if (file == INVALID_HANDLE_VALUE) {
+            error = SystemText(::GetLastError());
+            return nullptr;
+        }
+        return std::make_unique<FileSink>(file);
+    }
+
+    [[nodiscard]] bool Rename(const std::u16string& from, const std::u16string& to, std::u16string& error) override {
+        if (::MoveFileExW(SystemPath(from).c_str(), SystemPath(to).c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
+        error = SystemText(::GetLastError());
+        return false;
+    }
+
+    void Remove(const std::u16string& path) override { ::DeleteFileW(SystemPath(path).c_str()); }
+};
+
+}  // namespace
+
+FileSystem& SystemFiles() {
+    static WindowsFiles files;
+    return files;
+}
+
+}  // namespace quillon

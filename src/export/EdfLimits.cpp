@@ -1,0 +1,137 @@
+#include "export/EdfLimits.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "base/Bilingual.h"
+#include "export/EdfText.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::size_t kWidth = 8;
+constexpr int kLowest = -32768;
+constexpr int kHighest = 32767;
+constexpr double kMostMiss = 0.499;  // of a code
+
+/// A code and the text that is nearest to its value.
+struct Point {
+    int code = 0;
+    std::string text;
+    double miss = 0.0;  ///< of the text's value, in codes
+};
+
+class Search {
+  public:
+    Search(float scale, float offset) : m_scale(static_cast<double>(scale)), m_offset(static_cast<double>(offset)) {}
+
+    [[nodiscard]] std::optional<EdfLimits> Usual() const {
+        const EdfLimits usual;
+        const auto single = [&](int code) {
+            return EdfNumber(static_cast<float>(code) * static_cast<float>(m_scale) + static_cast<float>(m_offset),
+                             kWidth);
+        };
+        for (const bool exact : {false, true}) {
+            EdfLimits limits = usual;
+            limits.physicalMinimum = exact ? Text(usual.digitalMinimum) : single(usual.digitalMinimum);
+            limits.physicalMaximum = exact ? Text(usual.digitalMaximum) : single(usual.digitalMaximum);
+            if (IsNear(limits)) return limits;
+        }
+        return std::nullopt;
+    }
+
+    /// The widest near both ends of the codes.
+    [[nodiscard]] std::optional<EdfLimits> Wide() const {
+        constexpr int most = 768;
+        std::vector<Point> low;
+        std::vector<Point> high;
+        for (int inset = 0; inset < most; ++inset) {
+            low.push_back(At(kLowest + inset));
+            high.push_back(At(kHighest - inset));
+            for (int left = 0; left <= inset; ++left) {
+                const EdfLimits limits =
+                    Between(low[static_cast<std::size_t>(left)], high[static_cast<std::size_t>(inset - left)]);
+                if (IsNear(limits)) return limits;
+            }
+        }
+        return std::nullopt;
+    }
+
+    /// The widest of any codes. Few have a near text where this is needed.
+    [[nodiscard]] std::optional<EdfLimits> Any() const {
+        constexpr std::size_t most = 500;  // from each end, and of the nearest
+        std::vector<Point> points;
+        for (int code = kLowest; code <= kHighest; ++code) {
+            Point point = At(code);
+            if (std::abs(point.miss) <= kMostMiss) points.push_back(std::move(point));
+        }
+        if (points.size() > 3 * most) {
+            const auto inner = std::ptrdiff_t{most};
+            std::nth_element(points.begin() + inner, points.begin() + 2 * inner, points.end() - inner,
+                             [](const Point& a, const Point& b) { return std::abs(a.miss) < std::abs(b.miss); });
+            points.erase(points.begin() + 2 * inner, points.end() - inner);
+            std::sort(points.begin(), points.end(), [](const Point& a, const Point& b) { return a.code < b.code; });
+        }
+        std::optional<EdfLimits> best;
+        int width = 0;
+        for (std::size_t a = 0; a < points.size(); ++a) {
+            for (std::size_t b = points.size(); b-- > a + 1;) {
+                if (points[b].code - points[a].code <= width) break;
+                const EdfLimits limits = Between(points[a], points[b]);
+                if (!IsNear(limits)) continue;
+                best = limits;
+                width = points[b].code - points[a].code;
+            }
+        }
+        return best;
+    }
+
+  private:
+    static double Number(const std::string& text) {
+        double number = 0.0;
+        std::from_chars(text.data(), text.data() + text.size(), number);
+        return number;
+    }
+    [[nodiscard]] double Value(double code) const { return code * m_scale + m_offset; }
+    [[nodiscard]] std::string Text(int code) const { return EdfNumber(Value(code), kWidth); }
+    [[nodiscard]] Point At(int code) const {
+        std::string text = Text(code);
+        const double miss = (Number(text) - Value(code)) / m_scale;
+        return {code, std::move(text), miss};
+    }
+    static EdfLimits Between(const Point& low, const Point& high) { return {low.code, high.code, low.text, high.text}; }
+
+    /// Whether a reader's values are near those of all codes: what is wrong with a line is most at one of its ends.
+    [[nodiscard]] bool IsNear(const EdfLimits& limits) const {
+        const double low = Number(limits.physicalMinimum);
+        const double scale = (Number(limits.physicalMaximum) - low) / (limits.digitalMaximum - limits.digitalMinimum);
+        const double offset = low - scale * limits.digitalMinimum;
+        // Readers that keep both in single precision need something of the scale there too.
+        if (static_cast<float>(scale) == 0.0F) return false;
+        const auto miss = [&](int code) { return std::abs(scale * code + offset - Value(code)); };
+        return std::max(miss(kLowest), miss(kHighest)) <= kMostMiss * std::abs(m_scale);
+    }
+
+    double m_scale;
+    double m_offset;
+};
+
+}  // namespace
+
+std::optional<EdfLimits> FindEdfLimits(float scale, float offset) {
+    const Search search(scale, offset);
+    try {
+        if (std::optional<EdfLimits> limits = search.Usual()) return limits;
+        if (std::optional<EdfLimits> limits = search.Wide()) return limits;
+        return search.Any();
+    } catch (const FormatError&) {
+        // Values that no text of 8 characters holds, as of infinite scales.
+        return std::nullopt;
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace quillon {
+
+/// The two points of the line from codes to values that a header of European Data Format holds: two codes, and their
+/// values as texts of at most 8 characters.
+struct EdfLimits {
+    int digitalMinimum = -32000;
+    int digitalMaximum = 32000;
+    std::string physicalMinimum;
+    std::string physicalMaximum;
+};
+
+/// Limits from which a reader, in double precision, computes code x scale + offset to half a code for every code of 16
+/// bits: those of codes -32000 and 32000 where they do, else of codes as far apart as can be. Nothing where no limits
+/// do: a large offset leaves too few of the 8 characters to a fine scale.
+[[nodiscard]] std::optional<EdfLimits> FindEdfLimits(float scale, float offset);
+
+}  // namespace quillon
