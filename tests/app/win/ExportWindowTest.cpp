@@ -7,11 +7,13 @@
 
 #include "app/win/MainWindowFixture.h"
 #include "base/win/WinHandle.h"
+#include "export/QL_Export.h"
 #include "export/win/ImageCopy.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
 #include "norvik/win/ClipboardWriter.h"
+#include "norvik/win/SaveDialog.h"
 #include "support/FakeRecording.h"
 
 namespace quillon {
@@ -161,6 +163,28 @@ TEST_F(ExportWindowTest, FastExportAsksOnceAndTellsWhatItCannotWrite) {
     Command(mnuChShow + 1);
     Command(mnuFastExport);
     EXPECT_EQ(Status(), L"No channel of the block is shown");
+}
+
+TEST_F(ExportWindowTest, TheSystemsDialogTakesAnyFolderAndName) {
+    Start();
+    const auto dialog = MakeSaveDialog();
+    const std::u16string deep = Path(std::u16string(120, u'd')) + u"\\" + std::u16string(120, u'e');
+    std::filesystem::create_directories(deep);
+    for (const auto& [folder, name] : {std::pair{deep + u"\\" + std::u16string(40, u'f'), std::u16string(u"a")},
+                                       {deep, std::u16string(250, u'n')},
+                                       {Path(u""), std::u16string(250, u'n')}}) {
+        dialog->folder = folder;
+        dialog->fileName = name;
+        dialog->filter = BuildSaveFilter();
+        std::wstring proposed;
+        const DialogAnswer answer([&](HWND shown) {
+            proposed = WindowText(GetDlgItem(shown, 0x47C));
+            SaveUnder(shown, Path(u"typed.bin"));
+        });
+        EXPECT_TRUE(dialog->Show());
+        EXPECT_EQ(dialog->fileName, Path(u"typed.bin"));
+        EXPECT_TRUE(Wide(name).starts_with(proposed) && proposed.size() > (name.size() > 1 ? 9U : 0U));
+    }
 }
 
 TEST_F(ExportWindowTest, FastExportAsksBeforeItReplacesWhatNobodyNamed) {
