@@ -22,7 +22,8 @@ constexpr double kMostMiss = 0.499;  // of a code
 struct Point {
     int code = 0;
     std::string text;
-    double miss = 0.0;  ///< of the text's value, in codes
+    double value = 0.0;  ///< of the text
+    double miss = 0.0;   ///< of it, in codes
 };
 
 class Search {
@@ -31,15 +32,14 @@ class Search {
 
     [[nodiscard]] std::optional<EdfLimits> Usual() const {
         const EdfLimits usual;
-        const auto single = [&](int code) {
-            return EdfNumber(static_cast<float>(code) * static_cast<float>(m_scale) + static_cast<float>(m_offset),
-                             kWidth);
-        };
         for (const bool exact : {false, true}) {
-            EdfLimits limits = usual;
-            limits.physicalMinimum = exact ? Text(usual.digitalMinimum) : single(usual.digitalMinimum);
-            limits.physicalMaximum = exact ? Text(usual.digitalMaximum) : single(usual.digitalMaximum);
-            if (IsNear(limits)) return limits;
+            const auto at = [&](int code) {
+                const auto single = static_cast<float>(code) * static_cast<float>(m_scale);
+                return exact ? At(code) : Told(code, EdfNumber(single + static_cast<float>(m_offset), kWidth));
+            };
+            const Point low = at(usual.digitalMinimum);
+            const Point high = at(usual.digitalMaximum);
+            if (AreNear(low, high)) return Between(low, high);
         }
         return std::nullopt;
     }
@@ -53,9 +53,9 @@ class Search {
             low.push_back(At(kLowest + inset));
             high.push_back(At(kHighest - inset));
             for (int left = 0; left <= inset; ++left) {
-                const EdfLimits limits =
-                    Between(low[static_cast<std::size_t>(left)], high[static_cast<std::size_t>(inset - left)]);
-                if (IsNear(limits)) return limits;
+                const Point& first = low[static_cast<std::size_t>(left)];
+                const Point& last = high[static_cast<std::size_t>(inset - left)];
+                if (AreNear(first, last)) return Between(first, last);
             }
         }
         return std::nullopt;
@@ -81,9 +81,8 @@ class Search {
         for (std::size_t a = 0; a < points.size(); ++a) {
             for (std::size_t b = points.size(); b-- > a + 1;) {
                 if (points[b].code - points[a].code <= width) break;
-                const EdfLimits limits = Between(points[a], points[b]);
-                if (!IsNear(limits)) continue;
-                best = limits;
+                if (!AreNear(points[a], points[b])) continue;
+                best = Between(points[a], points[b]);
                 width = points[b].code - points[a].code;
             }
         }
@@ -97,19 +96,17 @@ class Search {
         return number;
     }
     [[nodiscard]] double Value(double code) const { return code * m_scale + m_offset; }
-    [[nodiscard]] std::string Text(int code) const { return EdfNumber(Value(code), kWidth); }
-    [[nodiscard]] Point At(int code) const {
-        std::string text = Text(code);
-        const double miss = (Number(text) - Value(code)) / m_scale;
-        return {code, std::move(text), miss};
+    [[nodiscard]] Point Told(int code, std::string text) const {
+        const double value = Number(text);
+        return {code, std::move(text), value, (value - Value(code)) / m_scale};
     }
+    [[nodiscard]] Point At(int code) const { return Told(code, EdfNumber(Value(code), kWidth)); }
     static EdfLimits Between(const Point& low, const Point& high) { return {low.code, high.code, low.text, high.text}; }
 
     /// Whether a reader's values are near those of all codes: what is wrong with a line is most at one of its ends.
-    [[nodiscard]] bool IsNear(const EdfLimits& limits) const {
-        const double low = Number(limits.physicalMinimum);
-        const double scale = (Number(limits.physicalMaximum) - low) / (limits.digitalMaximum - limits.digitalMinimum);
-        const double offset = low - scale * limits.digitalMinimum;
+    [[nodiscard]] bool AreNear(const Point& low, const Point& high) const {
+        const double scale = (high.value - low.value) / (high.code - low.code);
+        const double offset = low.value - scale * low.code;
         // Readers that keep both in single precision need something of the scale there too.
         if (static_cast<float>(scale) == 0.0F) return false;
         const auto miss = [&](int code) { return std::abs(scale * code + offset - Value(code)); };

@@ -31,7 +31,7 @@ class Picture {
   public:
     bool Draw(const ImageWindows& windows, HFONT font, const std::u16string& caption);
     [[nodiscard]] bool ToClipboard() const;
-    [[nodiscard]] bool ToFile(const std::wstring& name) const;
+    [[nodiscard]] bool ToFile(const std::u16string& name, const OutputFileFactory& makeFile) const;
 
   private:
     bool CopyWindow(HWND window, const ImagePart& part, DWORD operation) const;
@@ -136,7 +136,7 @@ bool Picture::ToClipboard() const {
     return bitmapTaken && dibTaken;
 }
 
-bool Picture::ToFile(const std::wstring& name) const {
+bool Picture::ToFile(const std::u16string& name, const OutputFileFactory& makeFile) const {
     const DibPixels pixels = Pixels();
     if (pixels.bytes.empty()) return false;
     const BITMAPINFOHEADER& info = pixels.header;
@@ -145,23 +145,18 @@ bool Picture::ToFile(const std::wstring& name) const {
     header.Text("BM").U32(headers + info.biSizeImage).U32(0).U32(headers);
     header.U32(40).U32(static_cast<std::uint32_t>(info.biWidth)).U32(static_cast<std::uint32_t>(info.biHeight));
     header.U16(1).U16(24).U32(0).U32(info.biSizeImage).Zeros(16);
-    const HANDLE file = CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    const auto write = [&](const void* bytes, std::size_t size) {
-        DWORD done = 0;
-        return WriteFile(file, bytes, static_cast<DWORD>(size), &done, nullptr) && done == size;
-    };
-    const bool written =
-        write(header.Bytes().data(), header.Bytes().size()) && write(pixels.bytes.data(), pixels.bytes.size());
-    return CloseHandle(file) && written;
+    const std::unique_ptr<OutputFile> file = makeFile();
+    return file->Create(name) && file->Write(header.Bytes()) && file->Write(std::as_bytes(std::span(pixels.bytes))) &&
+           file->Close();
 }
 
 }  // namespace
 
-bool ImageCopy(const ImageWindows& windows, HFONT font, const std::u16string& caption, std::u16string_view target) {
+bool ImageCopy(const ImageWindows& windows, HFONT font, const std::u16string& caption, std::u16string_view target,
+               const OutputFileFactory& makeFile) {
     Picture picture;
     if (!picture.Draw(windows, font, caption)) return false;
-    return target == kClipboardTarget ? picture.ToClipboard() : picture.ToFile(Wide(target));
+    return target == kClipboardTarget ? picture.ToClipboard() : picture.ToFile(std::u16string(target), makeFile);
 }
 
 }  // namespace quillon

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/win/Win32.h"
+#include "data/OutputFile.h"
 
 namespace quillon {
 
@@ -18,7 +19,8 @@ struct ImageWindows {
 
 /// Puts a picture of the view under a caption line onto the clipboard (kClipboardTarget), as a bitmap and as
 /// device-independent pixels, or into a file of that name, as a BMP of 24 bits per pixel. False when there is no memory
-/// for it, or the clipboard or the file does not take it.
-bool ImageCopy(const ImageWindows& windows, HFONT font, const std::u16string& caption, std::u16string_view target);
+/// for it, or the clipboard or the file, which `makeFile` makes, does not take it.
+bool ImageCopy(const ImageWindows& windows, HFONT font, const std::u16string& caption, std::u16string_view target,
+               const OutputFileFactory& makeFile = {});
 
 }  // namespace quillon

@@ -327,13 +327,13 @@ TEST_F(ExportWindowTest, AnImageFileHoldsWhatTheClipboardGets) {
     const ImageWindows windows{Control(pbScaleY), Control(pbGraph), nullptr, nullptr, Control(pbScaleX)};
     const auto font = static_cast<HFONT>(GetStockObject(DEFAULT_GUI_FONT));
     ASSERT_TRUE(ImageCopy(windows, font, u"caption", kClipboardTarget));
-    ASSERT_TRUE(ImageCopy(windows, font, u"caption", Path(u"view.bmp")));
+    ASSERT_TRUE(ImageCopy(windows, font, u"caption", Path(u"view.bmp"), MakeOutputFile));
     const auto bytes = Clipboard<char>(CF_DIB);
     const std::string file = ContentOf(Path(u"view.bmp"));
     const FileBytes header = FileBytes().Text("BM").U32(static_cast<std::uint32_t>(file.size())).U32(0).U32(54);
     EXPECT_EQ(file.substr(0, 14), std::string(header.Bytes().begin(), header.Bytes().end()));
     EXPECT_EQ(file.substr(14), std::string(bytes.data(), file.size() - 14));
-    EXPECT_FALSE(ImageCopy(windows, font, u"caption", Path(u"none\\view.bmp")));
+    EXPECT_FALSE(ImageCopy(windows, font, u"caption", Path(u"none\\view.bmp"), MakeOutputFile));
 }
 
 TEST_F(ExportWindowTest, TheCopiedImageHoldsTheView) {
