@@ -45,8 +45,8 @@ void OutputTarget::CheckPlace() const {
     std::error_code error;
     // A link stands in the place even if it leads nowhere.
     if (m_force || !fs::exists(fs::symlink_status(path, error))) return;
-    const fs::file_type type = fs::status(path, error).type();
-    if (type == fs::file_type::character || type == fs::file_type::fifo) return;
+    // Devices are written where they are; of a folder the system says what it is.
+    if (fs::exists(path, error) && !fs::is_regular_file(path, error)) return;
     throw Refusal(Say(u"the file exists (--force replaces it)", u"файл уже есть (--force заменит его)").In(m_language),
                   m_path);
 }
