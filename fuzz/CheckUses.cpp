@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "data/OutputFile.h"
 #include "data/QL_Types.h"
+#include "export/KV_Export.h"
 #include "fuzz/Checks.h"
 #include "fuzz/FuzzedRecording.h"
 #include "spectrum/QL_FFT.h"
@@ -28,6 +30,60 @@ ViewBlock Loaded(const std::shared_ptr<FileBlock>& block) {
         loaded.offsets.push_back(block->ChannelOffset(channel));
     }
     return loaded;
+}
+
+/// Keeps what is written.
+class FileInMemory final : public OutputFile {
+  public:
+    explicit FileInMemory(std::vector<std::uint8_t>& bytes) : m_bytes(bytes) {}
+    bool Create(const std::u16string&) override { return m_bytes.clear(), true; }
+    bool Write(std::span<const std::byte> bytes) override {
+        const auto* from = reinterpret_cast<const std::uint8_t*>(bytes.data());
+        m_bytes.insert(m_bytes.end(), from, from + bytes.size());
+        return true;
+    }
+    bool Close() override { return true; }
+    [[nodiscard]] std::u16string ErrorText() const override { return {}; }
+
+  private:
+    std::vector<std::uint8_t>& m_bytes;
+};
+
+/// What is exported comes back with the same codes, or is refused with a reason.
+void CheckExports(RecordingBlock& block, std::uint32_t choice) {
+    const std::int32_t first = static_cast<std::int32_t>(choice % 7) * block.SampleCount() / 14 + 1;
+    const std::int32_t count = std::min(block.SampleCount() - first + 1, 5000 / block.ChannelCount());
+    std::vector<std::uint8_t> bytes;
+    KV_Export writers({[&] { return std::make_unique<FileInMemory>(bytes); }});
+    const std::pair<bool (KV_Export::*)(RecordingBlock*, const std::u16string&, std::int32_t, std::int32_t),
+                    std::u16string_view>
+        formats[] = {{&KV_Export::WriteBinFile, u"a.bin"},
+                     {&KV_Export::WriteWavFile, u"a.wav"},
+                     {&KV_Export::WriteEdfFile, u"a.edf"}};
+    for (const auto& [write, name] : formats) {
+        try {
+            if (!(writers.*write)(&block, std::u16string(name), first, count)) {
+                Require(!writers.LastFailure().empty(), "a refused export has a reason");
+                continue;
+            }
+        } catch (const ReadError&) {
+            throw;
+        } catch (const FormatError& error) {
+            Require(!error.Reason().english.empty(), "a format that cannot hold the block says why");
+            continue;
+        }
+        const RecordingContent read = ReadRecording(std::make_shared<MemorySource>(bytes), name);
+        RecordingBlock& copy = *read.blocks.front();
+        Require(copy.ChannelCount() == block.ChannelCount(), "an export keeps the channels");
+        Require(copy.SampleCount() == writers.Outcome().written, "an export keeps the samples that it tells");
+        std::vector<std::int16_t> codes(static_cast<std::size_t>(copy.SampleCount()));
+        std::vector<std::int16_t> written(codes.size());
+        for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+            block.ReadCodes(channel, first - 1, copy.SampleCount(), codes.data());
+            copy.ReadCodes(channel, 0, copy.SampleCount(), written.data());
+            Require(codes == written, "an export keeps the codes");
+        }
+    }
 }
 
 /// Traces of cached extremes are those of reading every sample, whatever is seen first.
@@ -104,6 +160,7 @@ void CheckUses(std::span<const std::uint8_t> bytes) {
         try {
             const ViewBlock block = Loaded(recording->content.blocks[at]);
             if (block.sampleCount == 0) continue;
+            CheckExports(*block.block, choice);
             CheckTraces(*block.block, choice);
             CheckSpectra(block, choice, recording->shrinks);
             CheckReadouts(block, choice);

@@ -78,12 +78,14 @@ ByteWriter BinHeader(const RecordingBlock& block, std::int32_t first, std::int32
 
 ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
     const std::uint32_t dataBytes = DataBytes(block, count, kWaveBytesBeforeData);
-    const std::int32_t rate = RoundHalfEven(block.SampleRate());
-    if (rate < 1) RefuseRate(block);
+    const double exact = std::nearbyint(block.SampleRate());
+    if (!(exact >= 1.0)) RefuseRate(block);
     const std::int64_t frameBytes = 16 * block.ChannelCount() / 8;
-    if (rate * frameBytes > std::numeric_limits<std::uint32_t>::max()) {
+    // Bytes per second have 32 bits.
+    if (exact * static_cast<double>(frameBytes) > std::numeric_limits<std::uint32_t>::max()) {
         throw FormatError(Say(u"the rate is too high for the format", u"частота выше, чем допускает формат"));
     }
+    const auto rate = static_cast<std::int64_t>(exact);
     ByteWriter header;
     header.Text("RIFF").U32(kWaveBytesBeforeData + dataBytes).Text("WAVE");
     header.Text("fmt ").U32(16).U16(1).U16(static_cast<std::uint16_t>(block.ChannelCount()));
