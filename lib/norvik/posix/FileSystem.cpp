@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "base/NativePath.h"
 #include "base/Text.h"
@@ -23,8 +24,8 @@ std::u16string Reason(int number) {
 
 class FileSink final : public ByteSink {
   public:
-    /// Takes the descriptor over.
-    explicit FileSink(int descriptor) : m_descriptor(descriptor) {}
+    /// Takes the descriptor over. With `durable` Close waits until the disk has everything.
+    explicit FileSink(int descriptor, bool durable = false) : m_descriptor(descriptor), m_durable(durable) {}
     ~FileSink() override {
         if (m_descriptor >= 0) ::close(m_descriptor);
     }
@@ -43,15 +44,18 @@ class FileSink final : public ByteSink {
     }
 
     [[nodiscard]] bool Close(std::u16string& error) override {
-        const int descriptor = m_descriptor;
-        m_descriptor = -1;
-        if (descriptor < 0 || ::close(descriptor) == 0) return true;
-        error = Reason(errno);
+        const int descriptor = std::exchange(m_descriptor, -1);
+        if (descriptor < 0) return true;
+        const int synced = m_durable && ::fsync(descriptor) != 0 ? errno : 0;
+        const int closed = ::close(descriptor) != 0 ? errno : 0;
+        if (synced == 0 && closed == 0) return true;
+        error = Reason(synced != 0 ? synced : closed);
         return false;
     }
 
   private:
     int m_descriptor;
+    bool m_durable;
 };
 
 /// Follows links, also one that leads to nothing yet, as opening a file for writing would. False, with the reason in
@@ -120,7 +124,7 @@ class PosixFiles final : public FileSystem {
             static_cast<void>(given || ::fchown(descriptor, static_cast<uid_t>(-1), place.group) == 0);
             static_cast<void>(::fchmod(descriptor, place.mode));
         }
-        return std::make_unique<FileSink>(descriptor);
+        return std::make_unique<FileSink>(descriptor, place.replaces);
     }
 
     [[nodiscard]] bool Rename(const std::u16string& from, const std::u16string& to, std::u16string& error) override {

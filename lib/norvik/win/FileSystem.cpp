@@ -1,5 +1,7 @@
 #include "norvik/FileSystem.h"
 
+#include <utility>
+
 #include "base/Text.h"
 #include "base/win/SystemPath.h"
 #include "base/win/Win32.h"
@@ -11,8 +13,8 @@ namespace {
 
 class FileSink final : public ByteSink {
   public:
-    /// Takes the handle over.
-    explicit FileSink(HANDLE file) : m_file(file) {}
+    /// Takes the handle over. With `durable` Close waits until the disk has everything.
+    explicit FileSink(HANDLE file, bool durable = false) : m_file(file), m_durable(durable) {}
     ~FileSink() override {
         if (m_file != INVALID_HANDLE_VALUE) ::CloseHandle(m_file);
     }
@@ -31,15 +33,18 @@ class FileSink final : public ByteSink {
     }
 
     [[nodiscard]] bool Close(std::u16string& error) override {
-        const HANDLE file = m_file;
-        m_file = INVALID_HANDLE_VALUE;
-        if (file == INVALID_HANDLE_VALUE || ::CloseHandle(file) != 0) return true;
-        error = SystemText(::GetLastError());
+        const HANDLE file = std::exchange(m_file, INVALID_HANDLE_VALUE);
+        if (file == INVALID_HANDLE_VALUE) return true;
+        const DWORD flushed = m_durable && !::FlushFileBuffers(file) ? ::GetLastError() : ERROR_SUCCESS;
+        const DWORD closed = ::CloseHandle(file) == 0 ? ::GetLastError() : ERROR_SUCCESS;
+        if (flushed == ERROR_SUCCESS && closed == ERROR_SUCCESS) return true;
+        error = SystemText(flushed != ERROR_SUCCESS ? flushed : closed);
         return false;
     }
 
   private:
     HANDLE m_file;
+    bool m_durable;
 };
 
 class WindowsFiles final : public FileSystem {
@@ -66,7 +71,7 @@ class WindowsFiles final : public FileSystem {
         return place;
     }
 
-    [[nodiscard]] std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place&, bool& taken,
+    [[nodiscard]] std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place, bool& taken,
                                                       std::u16string& error) override {
         const HANDLE file = ::CreateFileW(SystemPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                                           FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -75,7 +80,7 @@ class WindowsFiles final : public FileSystem {
             error = SystemText(::GetLastError());
             return nullptr;
         }
-        return std::make_unique<FileSink>(file);
+        return std::make_unique<FileSink>(file, place.replaces);
     }
 
     [[nodiscard]] bool Rename(const std::u16string& from, const std::u16string& to, std::u16string& error) override {
