@@ -1,3 +1,4 @@
+#include "view/InvertLightness.h"
 #include "view/TraceCanvas.h"
 
 #include <gtest/gtest.h>
@@ -36,6 +37,26 @@ TEST(TraceCanvas, NothingLeavesTheImage) {
         canvas.Compose(empty.data(), width, {&color, 1});
         ASSERT_EQ(empty, std::vector<std::uint32_t>(pixels.size(), 7));
     }
+}
+
+TEST(InvertLightness, MovesEveryPartByTheSameAndUndoesItself) {
+    std::vector<std::uint32_t> pixels;
+    for (std::uint32_t red = 0; red < 256; red += 15)
+        for (std::uint32_t green = 0; green < 256; green += 3)
+            for (std::uint32_t blue = 0; blue < 256; blue += 5)
+                pixels.push_back((red * 7 & 0xFF) << 24 | red << 16 | green << 8 | blue);
+    std::vector<std::uint32_t> inverted = pixels;
+    InvertLightness(inverted);
+    for (std::size_t at = 0; at < pixels.size(); ++at) {
+        const auto part = [](std::uint32_t pixel, int shift) { return static_cast<int>(pixel >> shift & 0xFF); };
+        const std::uint32_t old = pixels[at];
+        const int most = std::max({part(old, 0), part(old, 8), part(old, 16)});
+        const int least = std::min({part(old, 0), part(old, 8), part(old, 16)});
+        for (const int shift : {0, 8, 16}) ASSERT_EQ(part(inverted[at], shift), part(old, shift) + 255 - most - least);
+        ASSERT_EQ(inverted[at] >> 24, old >> 24);
+    }
+    InvertLightness(inverted);
+    EXPECT_TRUE(inverted == pixels);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "data/ChannelSelection.h"
+#include "view/InvertLightness.h"
 
 namespace quillon {
 
@@ -230,8 +231,14 @@ void GraphPainter::ToPixels(const TraceMapping& mapping, std::int32_t samplesPer
 }
 
 RECT GraphPainter::Invert(const ColumnBand& band) {
-    const RECT rect{band.left, 0, band.right + 1, m_height};
-    PatBlt(m_surface.Handle(), rect.left, 0, rect.right - rect.left, m_height, DSTINVERT);
+    const RECT rect{std::max(band.left, 0), 0, std::min(band.right + 1, m_width), m_height};
+    if (rect.left >= rect.right) return {};
+    // The bits are changed past the system, which may still have drawing of its own to do.
+    GdiFlush();
+    for (int row = 0; row < m_height; ++row) {
+        std::uint32_t* const pixels = m_pixels + static_cast<std::ptrdiff_t>(row) * m_width;
+        InvertLightness({pixels + rect.left, pixels + rect.right});
+    }
     return rect;
 }
 
