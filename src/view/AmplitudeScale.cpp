@@ -4,25 +4,24 @@
 #include <array>
 #include <cmath>
 
-#include "base/Rounding.h"
-
 namespace quillon {
 
 namespace {
 
-/// Shifts beyond this many rows are of no use and would overflow when rows are added up.
-constexpr std::int32_t kFarthest = 1 << 30;
+/// Shifts beyond this many rows would lose whole rows in a double. The largest single at the finest scale lies beyond.
+constexpr std::int64_t kFarthest = std::int64_t{1} << 52;
 
-std::int32_t Rows(double value) {
-    return RoundHalfEven(std::clamp(value, -static_cast<double>(kFarthest), static_cast<double>(kFarthest)));
+std::int64_t Rows(double value) {
+    constexpr auto farthest = static_cast<double>(kFarthest);
+    return static_cast<std::int64_t>(std::nearbyint(std::clamp(value, -farthest, farthest)));
 }
 
 }  // namespace
 
-float AmplitudeScale::TableEntry(int index) {
+double AmplitudeScale::TableEntry(int index) {
     constexpr std::array<std::int32_t, kScaleCount> thousandths{
         1000000, 500000, 200000, 100000, 50000, 20000, 10000, 5000, 2000, 1000, 500, 200, 100, 50, 20, 10, 5, 2, 1};
-    return static_cast<float>(thousandths[static_cast<std::size_t>(index)] / 1000.0);
+    return thousandths[static_cast<std::size_t>(index)] / 1000.0;
 }
 
 void AmplitudeScale::SetGraph(std::int32_t height, std::int32_t centreLine) {
@@ -35,13 +34,13 @@ void AmplitudeScale::ZoomY(int step) {
 }
 
 void AmplitudeScale::SelectScale(int index) {
-    const double value = static_cast<double>(UnitsPerDivision()) * m_shift / kDivision;
+    const double value = UnitsPerDivision() * static_cast<double>(m_shift) / kDivision;
     m_index = std::clamp(index, 0, kScaleCount - 1);
-    m_shift = Rows(value / static_cast<double>(UnitsPerDivision()) * kDivision);
+    m_shift = Rows(value / UnitsPerDivision() * kDivision);
 }
 
-void AmplitudeScale::MoveBaseLine(std::int32_t rows) {
-    m_shift = std::clamp(m_shift + rows, -kFarthest, kFarthest);
+void AmplitudeScale::MoveBaseLine(std::int64_t rows) {
+    m_shift = std::clamp(m_shift + std::clamp(rows, -kFarthest, kFarthest), -kFarthest, kFarthest);
 }
 
 void AmplitudeScale::FindData(const std::optional<ValueRange>& range) {
@@ -52,19 +51,19 @@ void AmplitudeScale::FindData(const std::optional<ValueRange>& range) {
     const double span = static_cast<double>(range->maximum) - static_cast<double>(range->minimum);
     const int divisions = (m_height - 2) / kDivision;
     int index = kScaleCount - 1;
-    while (index > 0 && static_cast<double>(TableEntry(index)) * divisions < span) --index;
+    while (index > 0 && TableEntry(index) * divisions < span) --index;
     m_index = index;
     const double middle = (static_cast<double>(range->maximum) + static_cast<double>(range->minimum)) / 2.0;
-    m_shift = Rows(middle * kDivision / static_cast<double>(UnitsPerDivision()));
-    m_shift = Rows(m_height / 2.0 - m_centreLine + m_shift);
+    m_shift = Rows(middle * kDivision / UnitsPerDivision());
+    m_shift = Rows(m_height / 2.0 - m_centreLine + static_cast<double>(m_shift));
 }
 
 bool AmplitudeScale::Shows(const ValueRange& range) const {
     constexpr double leastRows = kDivision;
     constexpr double leastShare = 0.8;
-    const double rowsPerUnit = kDivision / static_cast<double>(UnitsPerDivision());
-    const double top = ZeroRow() - static_cast<double>(range.maximum) * rowsPerUnit;
-    const double bottom = ZeroRow() - static_cast<double>(range.minimum) * rowsPerUnit;
+    const double rowsPerUnit = kDivision / UnitsPerDivision();
+    const double top = static_cast<double>(ZeroRow()) - static_cast<double>(range.maximum) * rowsPerUnit;
+    const double bottom = static_cast<double>(ZeroRow()) - static_cast<double>(range.minimum) * rowsPerUnit;
     const double inside = std::min(bottom, static_cast<double>(m_height)) - std::max(top, 0.0);
     return bottom - top >= leastRows && inside >= leastShare * (bottom - top);
 }

@@ -20,16 +20,17 @@ class AmplitudeScale {
     static constexpr std::int32_t kDivision = 40;  ///< pixels of one division
 
     /// Units per division of a table index, 0 .. kScaleCount-1.
-    [[nodiscard]] static float TableEntry(int index);
+    [[nodiscard]] static double TableEntry(int index);
 
     /// Height of the graph and the row of its middle, in pixels.
     void SetGraph(std::int32_t height, std::int32_t centreLine);
 
     [[nodiscard]] int Index() const { return m_index; }
-    [[nodiscard]] float UnitsPerDivision() const { return TableEntry(m_index); }
-    /// Pixels by which the zero level lies below the centre line.
-    [[nodiscard]] std::int32_t Shift() const { return m_shift; }
-    [[nodiscard]] std::int32_t ZeroRow() const { return m_centreLine + m_shift; }
+    [[nodiscard]] double UnitsPerDivision() const { return TableEntry(m_index); }
+    /// Pixels by which the zero level lies below the centre line. At a fine scale the zero level of data around a large
+    /// value lies far beyond what 32 bits hold.
+    [[nodiscard]] std::int64_t Shift() const { return m_shift; }
+    [[nodiscard]] std::int64_t ZeroRow() const { return m_centreLine + m_shift; }
     [[nodiscard]] std::int32_t Height() const { return m_height; }
 
     /// Steps to a finer (+) or coarser (-) scale and keeps the value of the base line where it is; the index stops at
@@ -39,7 +40,7 @@ class AmplitudeScale {
     void SelectScale(int index);
     void SetBipolar() { m_shift = 0; }
     /// Moves the zero level by rows.
-    void MoveBaseLine(std::int32_t rows);
+    void MoveBaseLine(std::int64_t rows);
     /// Chooses the finest scale at which the range fits the graph and centres the range. No range, or one whose maximum
     /// is not above its minimum, only sets the zero level to the centre line.
     void FindData(const std::optional<ValueRange>& range);
@@ -49,7 +50,7 @@ class AmplitudeScale {
 
   private:
     int m_index = 0;
-    std::int32_t m_shift = 0;
+    std::int64_t m_shift = 0;
     std::int32_t m_height = 1;
     std::int32_t m_centreLine = 0;
 };

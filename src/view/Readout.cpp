@@ -118,8 +118,8 @@ std::int16_t ChannelNear(const ReadoutSource& source, const AmplitudeScale& ampl
         Attempt([&] {
             double value = Shown(source, channel, CodeAt(source, channel, sample));
             if (source.rawCodes) value /= 1000.0;
-            const double trace = amplitude.ZeroRow() -
-                                 value / static_cast<double>(amplitude.UnitsPerDivision()) * AmplitudeScale::kDivision;
+            const double trace = static_cast<double>(amplitude.ZeroRow()) -
+                                 value / amplitude.UnitsPerDivision() * AmplitudeScale::kDivision;
             const double distance = std::fabs(trace - row);
             if (nearest != 0 && distance >= least) return;
             nearest = channel;

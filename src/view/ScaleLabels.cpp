@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 
-#include "base/Rounding.h"
 #include "base/Text.h"
 #include "format/QL_Format.h"
 
@@ -60,9 +59,9 @@ std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
 
 std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator) {
     constexpr std::int32_t division = AmplitudeScale::kDivision;
-    const double step = static_cast<double>(scale.UnitsPerDivision()) * (rawCodes ? kCodesPerUnit : 1.0);
+    const double step = scale.UnitsPerDivision() * (rawCodes ? kCodesPerUnit : 1.0);
     // The label rows are anchored on the zero row; n counts divisions above it.
-    std::int64_t n = RoundHalfEven(static_cast<double>(scale.ZeroRow()) / division + 0.5);
+    auto n = static_cast<std::int64_t>(std::nearbyint(static_cast<double>(scale.ZeroRow()) / division + 0.5));
     std::int64_t row = scale.ZeroRow() + 1 - division * n;
     for (; row > 0; row -= division) ++n;
     for (; row < -division; row += division) --n;
@@ -103,7 +102,7 @@ std::u16string ZoomCaption(int index) {
 }
 
 std::u16string ScaleCaption(int index, bool rawCodes, char16_t separator) {
-    const auto units = static_cast<double>(AmplitudeScale::TableEntry(index));
+    const double units = AmplitudeScale::TableEntry(index);
     if (!rawCodes) return SingleNumberText(units, separator);
     return AmplitudeText(units * kCodesPerUnit, units * kCodesPerUnit, true, separator);
 }

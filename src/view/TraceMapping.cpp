@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "base/Rounding.h"
 #include "view/AmplitudeScale.h"
@@ -14,8 +13,8 @@ namespace {
 /// Both extents stay within 16 bits, which is what the mapping mode guarantees on every system.
 constexpr std::int32_t kExtent = 32000;
 constexpr std::int32_t kOriginLimit = 32768;
-/// Offsets farther than this are out of sight at any zoom and would overflow when rows are added up.
-constexpr double kFarthest = 1 << 28;
+/// Origins farther away than this are out of sight at any zoom and would overflow when codes are added.
+constexpr std::int64_t kFarthest = 1 << 28;
 
 std::int32_t Sign(double value) {
     return value < 0.0 ? -1 : 1;
@@ -41,33 +40,41 @@ Extents ChooseExtents(float factor) {
 }
 
 /// Moves the device origin into 16 bits by whole extents, which the logical origin takes back.
-void Fold(const Extents& extents, std::int32_t zeroRow, std::int32_t offset, TraceMapping& mapping) {
-    if (std::abs(zeroRow + offset) >= kOriginLimit && offset != 0 && (zeroRow < 0) != (offset < 0)) {
-        zeroRow += offset;
-        offset = 0;
-    }
-    const std::int32_t row = zeroRow + offset;  // both within 2^30
-    if (std::abs(row) >= kOriginLimit) {
-        const std::int32_t step = std::abs(extents.device);
-        const std::int32_t steps = (std::abs(row) - kOriginLimit) / step + 1;
-        zeroRow -= Sign(row) * steps * step;
+void Fold(const Extents& extents, std::int64_t origin, TraceMapping& mapping) {
+    if (std::abs(origin) >= kOriginLimit) {
+        const std::int64_t sign = origin < 0 ? -1 : 1;
+        const std::int64_t step = std::abs(extents.device);
+        const std::int64_t steps = (std::abs(origin) - kOriginLimit) / step + 1;
+        origin -= sign * steps * step;
         // As far as the number goes: beyond it the trace lies outside any graph.
-        constexpr std::int64_t limit = std::numeric_limits<std::int32_t>::max();
-        const std::int64_t origin = std::int64_t{Sign(row) * Sign(extents.device)} * steps * extents.logical;
-        mapping.windowOriginY = static_cast<std::int32_t>(std::clamp(origin, -limit, limit));
+        constexpr std::int64_t limit = 1 << 30;
+        const std::int64_t logical = sign * Sign(extents.device) * steps * extents.logical;
+        mapping.windowOriginY = static_cast<std::int32_t>(std::clamp(logical, -limit, limit));
     }
-    mapping.viewportOriginY = zeroRow + offset;
+    mapping.viewportOriginY = static_cast<std::int32_t>(origin);
+}
+
+/// Whether the whole numbers of the extents, over as many codes as lie between that of the base line and that in the
+/// middle of the graph, put the latter at the wrong row.
+bool Strays(const Extents& extents, double rowsPerCode, double middleCode) {
+    const double taken = static_cast<double>(extents.device) / extents.logical;
+    return std::fabs(middleCode * (taken - rowsPerCode)) >= 0.5;
 }
 
 }  // namespace
 
 TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseLine) {
-    constexpr float division = AmplitudeScale::kDivision;
-    const float zoom = geometry.unitsPerDivision;
-    float factor = geometry.rawCodes ? zoom * AmplitudeScale::kCodesPerUnit / division : zoom * invScale / division;
-    double offset = geometry.rawCodes ? 0.0 : std::nearbyint(-static_cast<double>(division * baseLine / zoom));
+    constexpr double division = AmplitudeScale::kDivision;
+    const double zoom = geometry.unitsPerDivision;
+    const double codesPerUnit =
+        geometry.rawCodes ? static_cast<double>(AmplitudeScale::kCodesPerUnit) : static_cast<double>(invScale);
+    const double exact = zoom * codesPerUnit / division;
+    auto factor = static_cast<float>(exact);
+    double offset = geometry.rawCodes ? 0.0 : std::nearbyint(-division * static_cast<double>(baseLine) / zoom);
     if (!std::isfinite(offset)) offset = 0.0;
-    offset = std::clamp(offset, -kFarthest, kFarthest);
+    // Singles at the finest scale can be farther away than a whole number tells.
+    constexpr double whole = 4503599627370496.0;
+    const std::int64_t origin = geometry.zeroRow + static_cast<std::int64_t>(std::clamp(offset, -whole, whole));
 
     TraceMapping mapping;
     mapping.windowExtentX = geometry.samplesPerPixel == 1 ? 1 : 2;
@@ -78,11 +85,24 @@ TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseL
     mapping.flat = mapping.flat || std::fabs(extents.factor) >= static_cast<float>(kExtent);
     mapping.windowExtentY = -extents.logical;
     mapping.viewportExtentY = extents.device;
-    if (geometry.foldOrigin) {
-        Fold(extents, geometry.zeroRow, static_cast<std::int32_t>(offset), mapping);
+    const auto near = [](double row) {
+        constexpr auto farthest = static_cast<double>(kFarthest);
+        return static_cast<std::int32_t>(std::nearbyint(std::clamp(row, -farthest, farthest)));
+    };
+    const double middle = (static_cast<double>(origin) - geometry.height / 2.0) * exact;
+    const double middleCode = std::nearbyint(std::clamp(middle, -32768.0, 32767.0));
+    if (!mapping.flat && (Strays(extents, 1.0 / exact, middleCode) || std::abs(origin) > kFarthest)) {
+        // The code that is seen is the one that the mapping starts from.
+        mapping.windowOriginY = static_cast<std::int32_t>(middleCode);
+        mapping.viewportOriginY = near(static_cast<double>(origin) - middleCode / exact);
+    } else if (geometry.foldOrigin && !mapping.flat) {
+        Fold(extents, origin, mapping);
     } else {
-        mapping.viewportOriginY = geometry.zeroRow + static_cast<std::int32_t>(offset);
+        mapping.viewportOriginY = near(static_cast<double>(origin));
     }
+    // What still lies beyond 16 bits is out of sight.
+    if (geometry.foldOrigin)
+        mapping.viewportOriginY = std::clamp(mapping.viewportOriginY, 1 - kOriginLimit, kOriginLimit - 1);
     return mapping;
 }
 

@@ -12,7 +12,7 @@ struct ViewPlace {
     int zoom = 0;
     std::int32_t firstColumn = 0;
     int scale = 0;
-    std::int32_t shift = 0;
+    std::int64_t shift = 0;
     friend bool operator==(const ViewPlace&, const ViewPlace&) = default;
 };
 

@@ -123,10 +123,10 @@ TEST(AmplitudeScale, FindDataTakesTheFinestScaleThatHoldsTheRange) {
     AmplitudeScale scale;
     scale.SetGraph(402, 201);  // ten divisions
     scale.FindData(ValueRange{-5.0F, 5.0F});
-    EXPECT_EQ(scale.UnitsPerDivision(), 1.0F);
+    EXPECT_EQ(scale.UnitsPerDivision(), 1.0);
     EXPECT_EQ(scale.Shift(), 0);
     scale.FindData(ValueRange{10.0F, 20.5F});
-    EXPECT_EQ(scale.UnitsPerDivision(), 2.0F);
+    EXPECT_EQ(scale.UnitsPerDivision(), 2.0);
     EXPECT_EQ(scale.Shift(), 305) << "15.25 units are 305 rows: the middle of the data lies in the middle";
     EXPECT_TRUE(scale.Shows({10.0F, 20.5F}));
     EXPECT_FALSE(scale.Shows({100.0F, 120.0F}));
@@ -166,11 +166,12 @@ TEST(AmplitudeLabels, StandAtTheirDivisions) {
     AmplitudeScale scale;
     scale.SetGraph(100, 50);
     scale.SelectScale(10);  // 0.5 units per division
-    for (const std::int32_t rows : {0, 17, 5000, -7003}) {
+    // 3000000000 rows stand for 37.5 million units.
+    for (const std::int64_t rows : {0LL, 17LL, 5000LL, -7003LL, 3000000000LL}) {
         scale.SetBipolar();
         scale.MoveBaseLine(rows);
         for (const ScaleLabel& label : AmplitudeLabels(scale, false, u'.')) {
-            const double value = (scale.ZeroRow() + 1 - label.position) / 40.0 * 0.5;
+            const double value = static_cast<double>(scale.ZeroRow() + 1 - label.position) / 40.0 * 0.5;
             EXPECT_NEAR(std::stod(std::string(label.text.begin(), label.text.end())), value, 1e-9);
             EXPECT_GE(label.position, -40);
         }

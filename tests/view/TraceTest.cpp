@@ -195,31 +195,54 @@ double RowOf(const TraceMapping& mapping, double code) {
     return mapping.viewportOriginY + (code - mapping.windowOriginY) * mapping.viewportExtentY / mapping.windowExtentY;
 }
 
-TEST(MapTrace, PutsValuesAtTheirRowsWhereverTheOriginIs) {
-    const auto check = [](float scale, float zoom, std::int32_t zeroRow, float base) {
-        SCOPED_TRACE(::testing::Message() << scale << ' ' << zoom << ' ' << zeroRow << ' ' << base);
-        TraceGeometry geometry{.zeroRow = zeroRow, .unitsPerDivision = zoom};
-        const TraceMapping mapping = MapTrace(geometry, 1.0F / scale, base);
-        if (mapping.flat) return;
-        geometry.foldOrigin = true;
-        const TraceMapping folded = MapTrace(geometry, 1.0F / scale, base);
-        EXPECT_LT(std::abs(folded.viewportOriginY), 32768);
-        const double codesPerPixel = std::fabs(static_cast<double>(zoom / scale / 40.0F));
-        for (const int code : {0, 100, -32768}) {
-            // value = code x scale + offset; a division is 40 rows; larger values go up.
-            const double rows = -40.0 * code * static_cast<double>(scale) / static_cast<double>(zoom);
-            // Extents are whole numbers of at most 32000: half a unit of the smaller one is the error.
-            const double error = std::max(codesPerPixel, 1 / codesPerPixel) / 64000;
-            EXPECT_NEAR(RowOf(mapping, code),
-                        zeroRow + rows + std::nearbyint(static_cast<double>(-40.0F * base / zoom)),
-                        std::fabs(rows) * error + 0.01);
-            EXPECT_NEAR(RowOf(folded, code), RowOf(mapping, code), 1e-3) << "folding moves no row";
-        }
+TEST(MapTrace, PutsWhatIsSeenAtItsRowWhateverScaleOffsetZoomAndOrigin) {
+    std::mt19937 random(21);
+    const auto power = [&](double from, double to) {
+        const double magnitude = std::pow(10.0, std::uniform_real_distribution<double>(from, to)(random));
+        return random() % 2 == 0 ? magnitude : -magnitude;
     };
-    for (const float scale : {0.5F, -0.5F, 0.001F, 3.0F, 20.0F})
-        for (const float zoom : {0.001F, 0.5F, 10.0F, 1000.0F})
-            for (const std::int32_t zeroRow : {200, -33000, 32767, 32768, 70001})
-                for (const float base : {0.0F, 2.0F, -900.0F}) check(scale, zoom, zeroRow, base);
+    constexpr int height = 600;
+    int seen = 0;
+    for (int round = 0; round < 200000; ++round) {
+        const auto invScale = static_cast<float>(1.0 / power(-6, 4));
+        const auto base = static_cast<float>(round % 4 == 0 ? 0.0 : power(-3, 8));
+        AmplitudeScale amplitude;
+        amplitude.SetGraph(height, height / 2);
+        amplitude.SelectScale(static_cast<int>(random() % AmplitudeScale::kScaleCount));
+        // The base line where Find Data would put it for values around that of some code, or anywhere.
+        const auto code = static_cast<int>(random() % 65536) - 32768;
+        const double unit = 1.0 / static_cast<double>(invScale);
+        const double rowsPerUnit = 40.0 / amplitude.UnitsPerDivision();
+        const double wanted = (code * unit + static_cast<double>(base)) * rowsPerUnit;
+        amplitude.MoveBaseLine(round % 3 == 0 ? static_cast<std::int64_t>(power(0, 9))
+                                              : static_cast<std::int64_t>(wanted) + static_cast<int>(random() % 300));
+        TraceGeometry geometry{
+            .zeroRow = amplitude.ZeroRow(), .height = height, .unitsPerDivision = amplitude.UnitsPerDivision()};
+        const TraceMapping plain = MapTrace(geometry, invScale, base);
+        geometry.foldOrigin = true;
+        const TraceMapping folded = MapTrace(geometry, invScale, base);
+        ASSERT_LT(std::abs(folded.viewportOriginY), 32768);
+        const double rowsPerCode = std::fabs(unit * rowsPerUnit);
+        // Extents are whole numbers of at most 32000, so steeper traces than one unit of them a code are drawn less
+        // steep, and flatter ones as lines.
+        if (plain.flat || rowsPerCode > 16000) continue;
+        for (const int near : {code, code - 7, code + 300, 0}) {
+            const double value = near * unit + static_cast<double>(base);
+            const double row = static_cast<double>(amplitude.ZeroRow()) - value * rowsPerUnit;
+            if (row < 0 || row >= height) continue;
+            ++seen;
+            // What is left is the rounding of the base line to a row, and that of the extents across the graph.
+            const double error = 1.1 + height * std::max(rowsPerCode, 1 / rowsPerCode) / 64000;
+            ASSERT_NEAR(RowOf(plain, near), row, error) << unit << ' ' << base << ' ' << geometry.unitsPerDivision;
+            ASSERT_NEAR(RowOf(folded, near), row, error) << "folding moves no row";
+        }
+    }
+    EXPECT_GT(seen, 100000);
+    TraceGeometry far{.zeroRow = 280000000, .height = height, .unitsPerDivision = 0.001};
+    EXPECT_NEAR(RowOf(MapTrace(far, 1000.0F, 7000.0F), 3), -120, 0.01) << "7000.003 three divisions above 7000";
+    // Folding by whole extents is exact.
+    far = {.zeroRow = 70001, .height = height, .unitsPerDivision = 10.0, .foldOrigin = true};
+    EXPECT_NEAR(RowOf(MapTrace(far, 2.0F, 0.0F), -32768), 70001 + 65536, 1e-3);
 }
 
 TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {

@@ -176,7 +176,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void StepScaleY(int steps);
     void SelectScaleY(int index);
     void BaseLine(int index);
-    void MoveBaseLine(std::int32_t rows);
+    void MoveBaseLine(std::int64_t rows);
     void ChangeView(int index);
     void ShowSample(std::int32_t sample);
     void GoToMark(int index);
@@ -283,7 +283,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void OnHScroll(UINT code);
     void OnVScroll(UINT code);
     void FitUnlessLegible();
-    void UpdateScrollBars() const;
+    void UpdateScrollBars();
     [[nodiscard]] GraphScene Scene() const;
     /// Tells in "Status" when what is seen cannot be read, and when it can be again.
     void TellUnreadable(bool wholeView);
@@ -335,7 +335,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
         int x = 0;
         int y = 0;
         std::int32_t column = 0;  ///< first column of the view
-        std::int32_t shift = 0;   ///< of the base line
+        std::int64_t shift = 0;   ///< of the base line
     };
     Gesture m_gesture;
     GraphCursor m_cursors;
@@ -351,6 +351,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_folderMissing = false;        ///< it stands for that of the settings, which could not be read
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_scaleFitted = false;          ///< to a block, since the start
+    std::int64_t m_baseLineMiddle = 0;   ///< shift of the base line at which the amplitude scroll bar is in its middle
     std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
     std::u16string m_unreadable;         ///< what "Status" was told of a part of the view that cannot be read
     bool m_soundInStatus = false;        ///< "Status" shows the position of the sound

@@ -15,7 +15,7 @@ namespace quillon {
 namespace {
 
 /// The amplitude scroll bar moves the base line this many rows up or down at most.
-constexpr int kBaseLineReach = 2000;
+constexpr std::int64_t kBaseLineReach = 2000;
 
 }  // namespace
 
@@ -53,7 +53,7 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &client, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
 }
 
-void frmQLMain::UpdateScrollBars() const {
+void frmQLMain::UpdateScrollBars() {
     const bool scrollable = m_global.axis.CanScroll() && m_global.axis.StripLength() > 0;
     SCROLLINFO info{};
     info.cbSize = sizeof info;
@@ -66,10 +66,15 @@ void frmQLMain::UpdateScrollBars() const {
     SetScrollInfo(horizontal, SB_CTL, &info, TRUE);
     EnableWindow(horizontal, scrollable);
 
-    info.nMin = -kBaseLineReach;
+    // A base line that lies farther away is the middle of the bar, so that the thumb moves it from where it is.
+    const std::int64_t shift = m_global.amplitude.Shift();
+    if (std::abs(shift - m_baseLineMiddle) > kBaseLineReach) m_baseLineMiddle = shift;
+    if (std::abs(shift) <= kBaseLineReach) m_baseLineMiddle = 0;
+    constexpr auto reach = static_cast<int>(kBaseLineReach);
+    info.nMin = -reach;
     info.nPage = static_cast<UINT>(std::max(m_layout.graph.height, 1));
-    info.nMax = kBaseLineReach + static_cast<int>(info.nPage) - 1;
-    info.nPos = std::clamp(-m_global.amplitude.Shift(), -kBaseLineReach, kBaseLineReach);
+    info.nMax = reach + static_cast<int>(info.nPage) - 1;
+    info.nPos = static_cast<int>(m_baseLineMiddle - shift);
     const HWND vertical = GetDlgItem(m_window, scScaleY);
     SetScrollInfo(vertical, SB_CTL, &info, TRUE);
     EnableWindow(vertical, m_global.block.sampleCount > 0);
@@ -117,7 +122,7 @@ void frmQLMain::OnVScroll(UINT code) {
         case SB_THUMBPOSITION: break;
         default: return;
     }
-    MoveBaseLine(-TrackPosition(GetDlgItem(m_window, scScaleY)) - m_global.amplitude.Shift());
+    MoveBaseLine(m_baseLineMiddle - TrackPosition(GetDlgItem(m_window, scScaleY)) - m_global.amplitude.Shift());
 }
 
 void frmQLMain::FitUnlessLegible() {

@@ -104,7 +104,7 @@ void frmQLMain::BaseLine(int index) {
     Refresh();
 }
 
-void frmQLMain::MoveBaseLine(std::int32_t rows) {
+void frmQLMain::MoveBaseLine(std::int64_t rows) {
     if (m_global.block.sampleCount == 0 || rows == 0) return;
     m_global.amplitude.MoveBaseLine(rows);
     Refresh();

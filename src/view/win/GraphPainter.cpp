@@ -95,7 +95,7 @@ void GraphPainter::DrawGrid(const GridKey& key) {
     const int width = m_width + TimeAxis::kDivision;
     FillWith(dc, {0, 0, width, m_height}, kWhite);
     constexpr int division = AmplitudeScale::kDivision;
-    int top = key.zeroRow % division;
+    int top = static_cast<int>(key.zeroRow % division);
     if (top < 0) top += division;
     if (key.style != GridStyle::None) {
         const int step = key.style == GridStyle::Dots ? kDotStep : 1;
@@ -104,7 +104,10 @@ void GraphPainter::DrawGrid(const GridKey& key) {
         for (int y = top; y < m_height; y += division) DrawDots(dc, {0, y, width, y + 1}, step, Lighter(key.color));
     }
     // The zero level is no part of the grid.
-    if (key.zeroRow >= 0) FillWith(dc, {0, key.zeroRow, width, key.zeroRow + 1}, kZeroColor);
+    if (key.zeroRow >= 0 && key.zeroRow < m_height) {
+        const int row = static_cast<int>(key.zeroRow);
+        FillWith(dc, {0, row, width, row + 1}, kZeroColor);
+    }
 }
 
 void GraphPainter::Clear(int width, int height) {
@@ -188,6 +191,7 @@ void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
     const std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
     TraceGeometry geometry;
     geometry.zeroRow = scene.amplitude.ZeroRow();
+    geometry.height = m_height;
     geometry.unitsPerDivision = scene.amplitude.UnitsPerDivision();
     geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
     geometry.rawCodes = scene.rawCodes;
@@ -218,14 +222,13 @@ void GraphPainter::ToPixels(const TraceMapping& mapping, std::int32_t samplesPer
     SetWindowExtEx(dc, mapping.windowExtentX, mapping.windowExtentY, nullptr);
     SetViewportExtEx(dc, mapping.viewportExtentX, mapping.viewportExtentY, nullptr);
     SetViewportOrgEx(dc, mapping.viewportOriginX, mapping.viewportOriginY, nullptr);
-    SetWindowOrgEx(dc, 0, mapping.windowOriginY, nullptr);
     m_trace.clear();
     if (mapping.flat) {
         const std::int32_t end =
             samplesPerPixel == 1 ? count : static_cast<std::int32_t>(std::int64_t{2} * count / samplesPerPixel);
-        m_trace = {{0, 0}, {end, 0}};
+        m_trace = {{0, -mapping.windowOriginY}, {end, -mapping.windowOriginY}};
     } else {
-        for (const TracePoint& point : points) m_trace.push_back({point.x, point.y});
+        for (const TracePoint& point : points) m_trace.push_back({point.x, point.y - mapping.windowOriginY});
     }
     LPtoDP(dc, reinterpret_cast<POINT*>(m_trace.data()), static_cast<int>(m_trace.size()));
 }

@@ -30,7 +30,7 @@ struct GraphScene {
     std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
 };
 
-/// The bands that lie inverted over the image.
+/// The bands that lie over the image with its lightness inverted.
 enum class GraphBand { Selection, Cursor, Play, Count };
 
 /// Draws the graph off-screen and copies the finished image to its picture box.
@@ -67,7 +67,7 @@ class GraphPainter {
   private:
     /// What the grid was drawn for.
     struct GridKey {
-        int zeroRow;
+        std::int64_t zeroRow;
         GridStyle style;
         std::uint32_t color;
         friend bool operator==(const GridKey&, const GridKey&) = default;

@@ -106,6 +106,31 @@ TEST_F(WaveformViewTest, ASpikeOfOneSampleIsSeenAtEveryZoom) {
     }
 }
 
+TEST_F(WaveformViewTest, DataAroundALargeValueStayInSightAtEveryScale) {
+    std::vector<std::vector<std::int16_t>> frames(3000, {5});
+    for (std::size_t at = 0; at < frames.size(); at += 2) frames[at] = {-5};
+    StartWith(frames);
+    // 7000.005 and 6999.995.
+    m_global.block.invScale = {1000.0F};
+    m_global.block.offsets = {7000.0F};
+    m_global.ranges.Reset();
+    Command(mnuBaseLine + 1);
+    const auto shift = m_global.amplitude.Shift();
+    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 10000);
+    EXPECT_THAT(Wide(AmplitudeLabels(m_global.amplitude, false, u'.')[4].text), StartsWith(L"7000"));
+    // The scroll bar moves it from where it is.
+    SendMessageW(m_form->Window(), WM_VSCROLL, SB_LINEDOWN, reinterpret_cast<LPARAM>(Control(scScaleY)));
+    EXPECT_EQ(m_global.amplitude.Shift(), shift - 20);
+    SCROLLINFO info{sizeof(SCROLLINFO), SIF_ALL, 0, 0, 0, 0, 0};
+    GetScrollInfo(Control(scScaleY), SB_CTL, &info);
+    EXPECT_EQ(info.nPos, 20);
+    Command(mnuBaseLine);
+    EXPECT_EQ(Capture(pbGraph).Count(TraceColor(0)) > 1000, false);
+    Key(VK_BACK);
+    EXPECT_EQ(m_global.amplitude.Shift(), shift - 20);
+    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 10000) << "the view before";
+}
+
 TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
     StartWith(Noise(5000, 1));
     const Pixels before = Capture(pbGraph);
