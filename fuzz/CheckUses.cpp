@@ -145,7 +145,11 @@ void CheckReadouts(const ViewBlock& block, std::uint32_t choice) {
         Require(!(channel.minimum > channel.maximum), "the minimum is not above the maximum");
         Require(!(channel.deviation < 0.0), "no negative deviation");
     }
-    static_cast<void>(TypicalRange(block, slots, false));
+    TraceReader reader;
+    const std::vector<std::int16_t> one{1};
+    reader.Read(*block.block, one, {first - 1, last - first + 1, 1});
+    const std::optional<ValueRange> range = CentralRange(block, one, reader.points(), choice % 5 == 1);
+    Require(!range || !(range->minimum > range->maximum), "the lower end of a range is not above the upper one");
 }
 
 }  // namespace

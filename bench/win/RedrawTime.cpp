@@ -48,9 +48,10 @@ int wmain(int count, wchar_t** arguments) {
     global.axis.SetBlock(block.sampleCount);
     global.axis.Restore(10, 0);
     global.amplitude.SetGraph(height, height / 2);
-    global.amplitude.FindData(TypicalRange(block, global.slots));
-    const GraphScene scene{block, global.slots, global.axis, global.amplitude, false, false, GridStyle::Lines, 0x808080};
+    const GraphScene scene{block, global.slots, global.axis,      global.amplitude,
+                           false, false,        GridStyle::Lines, 0x808080};
     GraphPainter painter;
+    global.amplitude.FindData(painter.SeenRange(scene));
     cMemDC target;
     target.CreateBitmap(width, height);
     const auto show = [&] { painter.Paint(target.Handle(), {0, 0, width, height}); };

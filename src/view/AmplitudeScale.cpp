@@ -59,7 +59,7 @@ void AmplitudeScale::FindData(const std::optional<ValueRange>& range) {
 }
 
 bool AmplitudeScale::Shows(const ValueRange& range) const {
-    constexpr double leastRows = kDivision;
+    const double leastRows = m_height / 8.0;
     constexpr double leastShare = 0.8;
     const double rowsPerUnit = kDivision / UnitsPerDivision();
     const double top = static_cast<double>(ZeroRow()) - static_cast<double>(range.maximum) * rowsPerUnit;

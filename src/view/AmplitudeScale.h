@@ -44,8 +44,8 @@ class AmplitudeScale {
     /// Chooses the finest scale at which the range fits the graph and centres the range. No range, or one whose maximum
     /// is not above its minimum, only sets the zero level to the centre line.
     void FindData(const std::optional<ValueRange>& range);
-    /// Whether a range is legible at the present scale: at least a division high and at least four fifths of it inside
-    /// the graph.
+    /// Whether a range is legible at the present scale: it fills at least an eighth of the graph, and at least four
+    /// fifths of it lie inside.
     [[nodiscard]] bool Shows(const ValueRange& range) const;
 
   private:

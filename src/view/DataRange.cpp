@@ -4,6 +4,7 @@
 #include <cmath>
 #include <exception>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 #include "data/ChannelSelection.h"
@@ -34,6 +35,51 @@ std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<s
 
 namespace {
 
+/// Gathers the extremes of what can be read by halving what cannot.
+class ReadableGatherer {
+  public:
+    ReadableGatherer(RecordingBlock& block, const std::vector<std::int16_t>& channels)
+        : m_block(block), m_channels(channels) {
+        m_result.codes.resize(channels.size());
+    }
+
+    /// Samples count from 1.
+    void Gather(std::int32_t first, std::int32_t count) {
+        try {
+            Widen(ExtremeCodes(m_block, m_channels, {first, first + count - 1}));
+        } catch (const std::exception& error) {
+            m_result.failure = error.what();
+            // Between two samples that cannot be read lies mostly a hole or the missing end of a file.
+            if (count == 1 || m_halvings == 0 || !(CanRead(first) || CanRead(first + count - 1))) return;
+            --m_halvings;
+            Gather(first, count / 2);
+            Gather(first + count / 2, count - count / 2);
+        }
+    }
+    [[nodiscard]] ReadableExtremes& Result() { return m_result; }
+
+  private:
+    [[nodiscard]] bool CanRead(std::int32_t sample) const try {
+        std::int16_t code = 0;
+        return m_block.ReadCodes(m_channels.back(), sample - 1, 1, &code) == 0;
+    } catch (const std::exception&) {
+        return false;
+    }
+    void Widen(const std::vector<RunExtremes>& extremes) {
+        for (std::size_t at = 0; at < extremes.size(); ++at) {
+            const auto [low, high] = std::minmax(extremes[at].first, extremes[at].second);
+            std::optional<RunExtremes>& codes = m_result.codes[at];
+            if (!codes) codes = {low, high};
+            codes = {std::min(codes->first, low), std::max(codes->second, high)};
+        }
+    }
+
+    RecordingBlock& m_block;
+    const std::vector<std::int16_t>& m_channels;
+    ReadableExtremes m_result;
+    int m_halvings = 10000;  ///< left, so that a file full of holes takes no time without bound
+};
+
 /// Range in units of a channel's two extreme codes; none where its scale makes no finite values.
 std::optional<ValueRange> InUnits(const ViewBlock& block, std::int16_t channel, RunExtremes codes) {
     const auto at = static_cast<std::size_t>(channel - 1);
@@ -53,33 +99,42 @@ void Widen(std::optional<ValueRange>& range, const std::optional<ValueRange>& ot
 
 }  // namespace
 
-std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& slots, const VisibleRange& samples) {
-    const std::vector<std::int16_t> channels = ShownChannels(block, slots);
-    if (!block.block || channels.empty() || samples.Count() < 1) return std::nullopt;
-    std::optional<ValueRange> range;
+ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
+                                      const VisibleRange& samples) {
+    ReadableGatherer gatherer(block, channels);
     try {
-        const std::vector<RunExtremes> extremes = ExtremeCodes(*block.block, channels, samples);
-        for (std::size_t at = 0; at < channels.size(); ++at) Widen(range, InUnits(block, channels[at], extremes[at]));
+        const std::vector<RunExtremes> extremes = ExtremeCodes(block, channels, samples);
+        return {{extremes.begin(), extremes.end()}, {}};
     } catch (const std::exception&) {
-        return std::nullopt;
+        // Then in pieces, so that little is lost where halving has an end.
+        constexpr std::int32_t piece = 65536;
+        for (std::int64_t first = samples.first; first <= samples.last; first += piece) {
+            const auto from = static_cast<std::int32_t>(first);
+            gatherer.Gather(from, std::min(piece, samples.last - from + 1));
+        }
     }
-    return range;
+    return std::move(gatherer.Result());
 }
 
 void RangeRecords::Learn(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
     m_ranges.resize(block.channelNumbers.size());
     std::vector<std::int16_t> unknown;
     std::copy_if(channels.begin(), channels.end(), std::back_inserter(unknown),
-                 [&](std::int16_t channel) { return !m_ranges[static_cast<std::size_t>(channel - 1)].known; });
+                 [&](std::int16_t channel) { return !m_ranges[static_cast<std::size_t>(channel - 1)].whole; });
     if (unknown.empty()) return;
-    try {
-        const std::vector<RunExtremes> extremes = ExtremeCodes(*block.block, unknown, {1, block.sampleCount});
-        for (std::size_t at = 0; at < unknown.size(); ++at) {
-            m_ranges[static_cast<std::size_t>(unknown[at] - 1)] = {true, InUnits(block, unknown[at], extremes[at])};
-        }
-    } catch (const std::exception&) {
-        // What could not be read stays unknown and is tried again at the next need.
+    const ReadableExtremes extremes = ReadableExtremeCodes(*block.block, unknown, {1, block.sampleCount});
+    for (std::size_t at = 0; at < unknown.size(); ++at) {
+        Record& record = m_ranges[static_cast<std::size_t>(unknown[at] - 1)];
+        record = {extremes.failure.empty(), extremes.failure, std::nullopt};
+        if (extremes.codes[at]) record.range = InUnits(block, unknown[at], *extremes.codes[at]);
     }
+}
+
+std::string RangeRecords::Failure() const {
+    for (const Record& record : m_ranges) {
+        if (!record.failure.empty()) return record.failure;
+    }
+    return {};
 }
 
 std::optional<ValueRange> RangeRecords::OfShown(const ViewBlock& block, const ChannelSlots& slots) {
@@ -97,27 +152,30 @@ std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, std::int16_t 
     return m_ranges[static_cast<std::size_t>(channel - 1)].range;
 }
 
-std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots, bool rawCodes) {
-    if (rawCodes) {
-        // As a block of channels whose unit is the one in which the scale counts codes.
-        ViewBlock codes = block;
-        codes.invScale.assign(block.invScale.size(), AmplitudeScale::kCodesPerUnit);
-        codes.offsets.assign(block.offsets.size(), 0.0F);
-        return TypicalRange(codes, slots, false);
+std::optional<ValueRange> CentralRange(const ViewBlock& block, std::span<const std::int16_t> channels,
+                                       std::span<const std::vector<TracePoint>> points, bool rawCodes) {
+    std::vector<float> values;
+    for (std::size_t at = 0; at < channels.size(); ++at) {
+        for (const TracePoint& point : points[at]) {
+            const auto code = static_cast<std::int16_t>(point.y);
+            if (rawCodes) {
+                values.push_back(static_cast<float>(code) / AmplitudeScale::kCodesPerUnit);
+            } else if (const auto value = InUnits(block, channels[at], {code, code})) {
+                values.push_back(value->minimum);
+            }
+        }
     }
-    constexpr std::int64_t fewBytes = 16 << 20;
-    constexpr std::int32_t stretches = 16;
-    constexpr std::int32_t stretchSamples = 16384;
-    const std::int64_t bytes = std::int64_t{2} * block.sampleCount * block.channelCount;
-    const bool few = bytes <= fewBytes || block.sampleCount <= stretches * stretchSamples;
-    if (few) return RangeOf(block, slots, {1, block.sampleCount});
-    std::optional<ValueRange> range;
-    for (std::int64_t stretch = 0; stretch < stretches; ++stretch) {
-        const auto first =
-            static_cast<std::int32_t>(stretch * (block.sampleCount - stretchSamples) / (stretches - 1)) + 1;
-        Widen(range, RangeOf(block, slots, {first, first + stretchSamples - 1}));
-    }
-    return range;
+    if (values.empty()) return std::nullopt;
+    // Half of one percent is left out at either end.
+    const auto outside = static_cast<std::ptrdiff_t>(values.size() / 200);
+    const auto low = values.begin() + outside;
+    const auto high = values.end() - 1 - outside;
+    std::nth_element(values.begin(), low, values.end());
+    const float minimum = *low;
+    std::nth_element(low, high, values.end());
+    if (minimum < *high) return ValueRange{minimum, *high};
+    const auto [least, most] = std::minmax_element(values.begin(), values.end());
+    return ValueRange{*least, *most};
 }
 
 }  // namespace quillon

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <optional>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "data/QL_Types.h"
 #include "view/AmplitudeScale.h"
+#include "view/QL_ChUtils.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
@@ -17,11 +20,16 @@ inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
 [[nodiscard]] std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
                                                     const VisibleRange& samples);
 
-/// Smallest and largest value of the shown channels over a range of samples; none where there is nothing to be read.
-[[nodiscard]] std::optional<ValueRange> RangeOf(const ViewBlock& block, const ChannelSlots& slots,
-                                                const VisibleRange& samples);
+/// The same for what can be read of them.
+struct ReadableExtremes {
+    std::vector<std::optional<RunExtremes>> codes;  ///< per channel; none where no sample can be read
+    std::string failure;                            ///< why some samples are not counted; empty when all are
+};
+[[nodiscard]] ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
+                                                    const VisibleRange& samples);
 
-/// The ranges of whole blocks' channels, each found on first need and kept until Reset.
+/// The ranges of whole blocks' channels, each found on first need and kept until Reset. Samples that cannot be read are
+/// left out; such a range is looked for again at every need.
 class RangeRecords {
   public:
     /// Another block is loaded.
@@ -31,20 +39,25 @@ class RangeRecords {
 
     /// The same for one channel (from 1).
     [[nodiscard]] std::optional<ValueRange> Of(const ViewBlock& block, std::int16_t channel);
+    /// Why some range leaves out samples, as the block said it; empty when none does.
+    [[nodiscard]] std::string Failure() const;
 
   private:
     void Learn(const ViewBlock& block, const std::vector<std::int16_t>& channels);
 
     struct Record {
-        bool known = false;
+        bool whole = false;  ///< of every sample
+        std::string failure;
         std::optional<ValueRange> range;  ///< none for a channel whose scale makes no finite values
     };
     std::vector<Record> m_ranges;  ///< per channel of the block
 };
 
-/// The range that a block's scale is chosen by when it is first shown: of all its samples where they are few enough to
-/// be read at once, else of stretches spread evenly over it, so that a recording of any length shows at once.
-/// With raw codes it is that of the codes, 1000 to a unit.
-[[nodiscard]] std::optional<ValueRange> TypicalRange(const ViewBlock& block, const ChannelSlots& slots, bool rawCodes);
+/// The range that a block's scale is chosen by when it is first shown: that of the central 99 % of the points of what
+/// is seen, so that no single artefact decides; of all of them where the central ones are all the same. `points` are
+/// those of `channels` (from 1), as TraceReader gives them. With raw codes it is the range of the codes, 1000 to a
+/// unit. None where there is no point of a finite value.
+[[nodiscard]] std::optional<ValueRange> CentralRange(const ViewBlock& block, std::span<const std::int16_t> channels,
+                                                     std::span<const std::vector<TracePoint>> points, bool rawCodes);
 
 }  // namespace quillon

@@ -40,6 +40,7 @@ struct TraceStretch {
     std::int32_t samplesPerPixel = 1;
     std::int32_t fromColumn = 0;
     std::int32_t toColumn = std::numeric_limits<std::int32_t>::max();
+    friend bool operator==(const TraceStretch&, const TraceStretch&) = default;
 };
 
 /// The same points for several channels, with x as it is in the whole trace. Runs that were once read are kept and not

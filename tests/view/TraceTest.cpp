@@ -8,6 +8,7 @@
 #include "view/DataRange.h"
 #include "view/QL_ChUtils.h"
 #include "view/TraceMapping.h"
+#include "view/TraceSides.h"
 
 namespace quillon {
 namespace {
@@ -267,51 +268,161 @@ TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {
     EXPECT_EQ(raw.viewportOriginY, 0);
 }
 
-TEST(RangeOf, TakesTheShownChannelsInTheirUnits) {
-    const auto fake = std::make_shared<FakeBlock>();
-    fake->samples = {{1, -7, 3, 4}, {10, 20, 30, 40}};
+/// Two shown channels of scale 0.5 and -1.
+class RangeTest : public ::testing::Test {
+  protected:
+    RangeTest() { fake->samples = {{1, -7, 3, 4}, {10, 20, 30, 40}}; }
+    static void Expect(const std::optional<ValueRange>& range, float minimum, float maximum) {
+        ASSERT_TRUE(range);
+        EXPECT_EQ(std::pair(range->minimum, range->maximum), std::pair(minimum, maximum));
+    }
+    std::shared_ptr<FakeBlock> fake = std::make_shared<FakeBlock>();
     ViewBlock block{.block = fake,
                     .sampleCount = 4,
+                    .channelCount = 2,
                     .channelNumbers = {0, 1},
                     .invScale = {2.0F, -1.0F},
                     .offsets = {1.0F, 0.0F},
                     .marks = {}};
     ChannelSlots slots;
-    const auto expect = [](const std::optional<ValueRange>& range, float minimum, float maximum) {
-        ASSERT_TRUE(range);
-        EXPECT_EQ(std::pair(range->minimum, range->maximum), std::pair(minimum, maximum));
-    };
+};
+
+TEST_F(RangeTest, RecordsTakeTheShownChannelsInTheirUnitsAndKeepThem) {
     RangeRecords records;
-    expect(records.OfShown(block, slots), -40.0F, 3.0F);
     for (const bool onePass : {true, false}) {
         fake->offersExtremes = onePass;
+        records.Reset();
         slots[1].shown = true;
-        expect(RangeOf(block, slots, {2, 3}), -30.0F, 2.5F);
+        Expect(records.OfShown(block, slots), -40.0F, 3.0F);
         slots[1].shown = false;
-        expect(RangeOf(block, slots, {3, 4}), 2.5F, 3.0F);
+        Expect(records.OfShown(block, slots), -2.5F, 3.0F);
     }
-    EXPECT_FALSE(RangeOf(block, slots, {1, 0}).has_value());
+    Expect(records.Of(block, 2), -40.0F, -10.0F);
+    for (const std::int16_t none : {std::int16_t{0}, std::int16_t{3}}) EXPECT_FALSE(records.Of(block, none));
     fake->failing = {"ReadCodes", "ColumnExtremes"};
-    expect(records.OfShown(block, slots), -2.5F, 3.0F);  // read once per channel, and kept
+    Expect(records.OfShown(block, slots), -2.5F, 3.0F);  // read once per channel, and kept
     records.Reset();
     EXPECT_FALSE(records.OfShown(block, slots).has_value());
+    EXPECT_EQ(records.Failure(), "ColumnExtremes");
     fake->failing.clear();
+    Expect(records.OfShown(block, slots), -2.5F, 3.0F);
+    EXPECT_EQ(records.Failure(), "");
     // A scale so large that values overflow: no range, and Find Data leaves the scale alone.
     block.invScale[0] = 1e-38F;
-    EXPECT_FALSE(RangeOf(block, slots, {1, 4}).has_value());
-    block.invScale[0] = 2.0F;
+    records.Reset();
+    EXPECT_FALSE(records.OfShown(block, slots));
+}
 
-    // A block too long to be read at once: its first and last samples count, and only stretches of it are read.
-    fake->samples = {std::vector<std::int16_t>(9000000, 0)};
-    fake->samples[0].front() = -50;
-    fake->samples[0].back() = 70;
-    fake->samples[0][20000] = 1000;
-    block.channelNumbers = {0};
-    block.channelCount = 1;
-    block.sampleCount = 9000000;
-    expect(TypicalRange(block, slots, false), -24.0F, 36.0F);
-    expect(TypicalRange(block, slots, true), -0.05F, 0.07F);
-    expect(RangeOf(block, slots, {1, 9000000}), -24.0F, 501.0F);
+TEST_F(RangeTest, WhatCannotBeReadIsLeftOutUntilItCanBe) {
+    struct HoleyBlock : FakeBlock {
+        std::int32_t from = 0, to = 0;  // cannot be read
+        void Check(std::int32_t first, std::int32_t count) const {
+            if (first < to && first + count > from) throw std::runtime_error("hole");
+        }
+        std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
+                               std::int16_t* buffer) override {
+            return Check(first, count), FakeBlock::ReadCodes(channel, first, count, buffer);
+        }
+        bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
+                            std::int32_t run, std::span<RunExtremes* const> out) override {
+            return Check(first, count), FakeBlock::ColumnExtremes(channels, first, count, run, out);
+        }
+    };
+    const auto holey = std::make_shared<HoleyBlock>();
+    block.block = holey;
+    block.sampleCount = 300000;
+    holey->samples.assign(2, std::vector<std::int16_t>(300000, 0));
+    const auto put = [&](int at, std::int16_t code) { holey->samples[0][static_cast<std::size_t>(at)] = code; };
+    put(150000, 2000);  // the only one that is lost at first
+    put(149999, 200);
+    put(150001, -300);
+    put(299999, 600);
+    holey->from = 150000;
+    holey->to = 150001;
+    RangeRecords records;
+    for (const bool onePass : {true, false}) {
+        holey->offersExtremes = onePass;
+        records.Reset();
+        Expect(records.Of(block, 1), -149.0F, 301.0F);
+        EXPECT_EQ(records.Failure(), "hole");
+    }
+    // Whatever is lost, nothing that lies far from it is.
+    holey->from = 70000;
+    holey->to = 280000;
+    Expect(records.Of(block, 1), 1.0F, 301.0F);
+    holey->from = holey->to = 0;
+    Expect(records.Of(block, 1), -149.0F, 1001.0F);
+    EXPECT_EQ(records.Failure(), "");
+}
+
+TEST_F(RangeTest, TheCentralOneLeavesOutOneHundredthOfThePoints) {
+    std::mt19937 random(4);
+    for (const int count : {1, 2, 100, 199, 200, 1000, 1999}) {
+        std::vector<std::vector<TracePoint>> points(2);
+        std::vector<float> values;
+        for (int at = 0; at < count; ++at) {
+            const auto code = static_cast<std::int32_t>(random() % 65536) - 32768;
+            points[static_cast<std::size_t>(at % 2)].push_back({at, code});
+            values.push_back(at % 2 == 0 ? static_cast<float>(code) / 2.0F + 1.0F : static_cast<float>(-code));
+        }
+        std::sort(values.begin(), values.end());
+        const std::size_t outside = values.size() / 200;
+        const std::vector<std::int16_t> channels{1, 2};
+        Expect(CentralRange(block, channels, points, false), values[outside], values[values.size() - 1 - outside]);
+    }
+    const std::vector<std::int16_t> one{1};
+    std::vector<std::vector<TracePoint>> points{std::vector<TracePoint>(1000, {0, 10})};
+    points[0][7].y = 2000;
+    Expect(CentralRange(block, one, points, true), 0.01F, 2.0F);
+    points[0].clear();
+    EXPECT_FALSE(CentralRange(block, one, points, false));
+}
+
+TEST(TraceSides, AreThoseOfAllColumnsHoweverTheyCameIn) {
+    constexpr int width = 60;
+    constexpr int height = 40;
+    std::mt19937 random(8);
+    std::array<int, 3> found{};
+    for (int round = 0; round < 3000; ++round) {
+        // A trace of a long strip that stays on one side for a while.
+        std::vector<DevicePoint> strip;
+        int row = 20;
+        for (int column = 0; column < 400; ++column) {
+            if (random() % 60 == 0) row = std::array{-50, -1, 0, 39, 40, 90}[random() % 6];
+            strip.push_back({column, row});
+        }
+        const auto seen = [&](int first) {
+            std::vector<DevicePoint> points;
+            for (int column = 0; column < width; ++column)
+                points.push_back({column, strip[static_cast<std::size_t>(first + column)].y});
+            return points;
+        };
+        TraceSides sides;
+        sides.Reset(1, width, height);
+        int first = 150;
+        sides.Mark(0, 0, width, seen(first));
+        for (int step = 0; step < 5; ++step) {
+            const int shift = static_cast<int>(random() % 50) - 25;
+            first += shift;
+            sides.Scroll(shift);
+            const int left = std::max(-shift, 0) + 2;
+            sides.Mark(0, 0, left, seen(first));
+            sides.Mark(0, std::max(left, width - std::max(shift, 0) - 2), width, seen(first));
+            const std::vector<DevicePoint> points = seen(first);
+            const auto all = [&](auto holds) { return std::all_of(points.begin(), points.end(), holds); };
+            const auto expected = all([](DevicePoint point) { return point.y < 0; })         ? TraceSides::Side::Above
+                                  : all([](DevicePoint point) { return point.y >= height; }) ? TraceSides::Side::Below
+                                                                                             : TraceSides::Side::None;
+            ASSERT_EQ(sides.Of(0), expected) << round;
+            ++found[static_cast<std::size_t>(expected)];
+        }
+    }
+    for (const int count : found) EXPECT_GT(count, 100);
+    TraceSides none;
+    none.Reset(1, width, height);
+    EXPECT_EQ(none.Of(0), TraceSides::Side::None);
+    none.Mark(0, 0, width, std::vector<DevicePoint>{{3, -9}, {3, 90}});
+    EXPECT_EQ(none.Of(0), TraceSides::Side::None) << "it passes through";
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "base/FilePath.h"
 #include "base/StringIds.h"
 #include "data/ChannelSelection.h"
-#include "view/DataRange.h"
 
 namespace quillon {
 
@@ -127,7 +126,7 @@ void frmQLMain::OnVScroll(UINT code) {
 
 void frmQLMain::FitUnlessLegible() {
     // A scale that the user chose stays from block to block as long as the new one is legible at it.
-    const std::optional<ValueRange> range = TypicalRange(m_global.block, m_global.slots, m_global.rawCodes);
+    const std::optional<ValueRange> range = m_graph.SeenRange(Scene());
     if (!range || (m_scaleFitted && m_global.amplitude.Shows(*range))) return;
     m_global.amplitude.FindData(range);
     m_scaleFitted = true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "data/ChannelSelection.h"
 #include "view/InvertLightness.h"
@@ -73,7 +74,7 @@ class AnisotropicScope {
 
 }  // namespace
 
-GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())) {}
+GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())), m_dpi(ScreenDpi()) {}
 
 bool GraphPainter::Prepare(int width, int height) {
     if (width == m_width && height == m_height) return true;
@@ -113,13 +114,16 @@ void GraphPainter::DrawGrid(const GridKey& key) {
 void GraphPainter::Clear(int width, int height) {
     m_bands = {};
     m_failure.clear();
+    m_arrows.clear();
     if (Prepare(width, height)) FillWith(m_surface.Handle(), {0, 0, m_width, m_height}, kWhite);
 }
 
 void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
     m_failure.clear();
     if (!Prepare(width, height)) return;
+    m_sides.Reset(ShownChannels(scene.block, scene.slots).size(), m_width, m_height);
     DrawColumns(scene, 0, m_width);
+    FindArrows(scene);
     InvertBands();
 }
 
@@ -130,12 +134,14 @@ void GraphPainter::Scroll(const GraphScene& scene, std::int32_t shift) {
     InvertBands();
     const HDC dc = m_surface.Handle();
     BitBlt(dc, std::max(-shift, 0), 0, m_width - std::abs(shift), m_height, dc, std::max(shift, 0), 0, SRCCOPY);
+    m_sides.Scroll(shift);
     // At both edges a trace begins and ends otherwise than it runs through: those columns are never copied.
     constexpr int edge = 2;
     const int left = std::min(std::max(-shift, 0) + edge, m_width);
     const int right = std::max(m_width - std::max(shift, 0) - edge, left);
     DrawColumns(scene, 0, left);
     if (right < m_width) DrawColumns(scene, right, m_width);
+    FindArrows(scene);
     InvertBands();
 }
 
@@ -185,10 +191,28 @@ std::optional<std::size_t> GraphPainter::MarkAt(const GraphScene& scene, int x, 
     return found;
 }
 
+void GraphPainter::ReadTraces(const GraphScene& scene, int from, int to) {
+    const VisibleRange visible = scene.axis.Visible();
+    const TraceStretch stretch{visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), from, to};
+    std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
+    if (std::exchange(m_readAhead, std::nullopt) == stretch && shown == m_shown) return;
+    m_shown = std::move(shown);
+    m_reader.Read(*scene.block.block, m_shown, stretch);
+}
+
+std::optional<ValueRange> GraphPainter::SeenRange(const GraphScene& scene) {
+    if (!scene.block.block || scene.axis.Visible().Count() < 1) return std::nullopt;
+    ReadTraces(scene, 0, scene.axis.Width());
+    const VisibleRange visible = scene.axis.Visible();
+    m_readAhead = {visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), 0, scene.axis.Width()};
+    return CentralRange(scene.block, m_shown, m_reader.points(), scene.rawCodes);
+}
+
 void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
     const VisibleRange visible = scene.axis.Visible();
     if (visible.Count() < 1) return;
-    const std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
+    ReadTraces(scene, from, to);
+    const std::vector<std::int16_t>& shown = m_shown;
     TraceGeometry geometry;
     geometry.zeroRow = scene.amplitude.ZeroRow();
     geometry.height = m_height;
@@ -196,7 +220,6 @@ void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
     geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
     geometry.rawCodes = scene.rawCodes;
     geometry.foldOrigin = scene.foldOrigin;
-    m_reader.Read(*scene.block.block, shown, {visible.first - 1, visible.Count(), geometry.samplesPerPixel, from, to});
     if (m_failure.empty()) m_failure = m_reader.Failure();
     m_canvas.Reset(from, to, m_height);
     std::vector<std::uint32_t> colors(shown.size());
@@ -208,6 +231,7 @@ void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
             const TraceMapping trace = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
             ToPixels(trace, geometry.samplesPerPixel, m_reader.points()[at], visible.Count());
             m_canvas.Draw(m_trace, static_cast<std::uint8_t>(at + 1));
+            m_sides.Mark(at, from, to, m_trace);
             colors[at] = TraceColor(scene.block.channelNumbers[channel]);
         }
     }
@@ -270,6 +294,45 @@ void GraphPainter::Paint(HDC target, const RECT& part) const {
     }
     BitBlt(target, part.left, part.top, part.right - part.left, part.bottom - part.top, m_surface.Handle(), part.left,
            part.top, SRCCOPY);
+    PaintArrows(target);
+}
+
+void GraphPainter::FindArrows(const GraphScene& scene) {
+    m_arrows.clear();
+    const std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
+    for (std::size_t at = 0; at < shown.size(); ++at) {
+        const TraceSides::Side side = m_sides.Of(at);
+        if (side == TraceSides::Side::None) continue;
+        const std::int16_t number = scene.block.channelNumbers[static_cast<std::size_t>(shown[at] - 1)];
+        m_arrows.push_back({ColorOf(TraceColor(number)), side == TraceSides::Side::Above});
+    }
+    m_marksSeen = !VisibleMarks(scene.axis, scene.block).empty();
+}
+
+void GraphPainter::PaintArrows(HDC target) const {
+    if (m_arrows.empty()) return;
+    const auto scaled = [&](int length) { return MulDiv(length, m_dpi, USER_DEFAULT_SCREEN_DPI); };
+    const int half = scaled(6);
+    const int height = scaled(8);
+    const int step = scaled(16);
+    const int margin = scaled(4);
+    const int perRow = std::max((m_width - 2 * margin) / step, 1);
+    // The labels of marks stand along the upper edge.
+    const int labels = m_marksSeen ? scaled(16) : 0;
+    const GdiPen outline(CreatePen(PS_SOLID, 1, kWhite));
+    const SelectScope pen(target, outline.Get());
+    int placed[] = {0, 0};  // below, above
+    for (const Arrow& arrow : m_arrows) {
+        const int at = placed[arrow.above ? 1 : 0]++;
+        const int x = margin + half + at % perRow * step;
+        const int inward = margin + at / perRow * (height + margin);
+        const int tip = arrow.above ? labels + inward : m_height - 1 - inward;
+        const int base = arrow.above ? tip + height : tip - height;
+        const POINT corners[] = {{x, tip}, {x + half, base}, {x - half, base}};
+        const GdiBrush fill(CreateSolidBrush(arrow.color));
+        const SelectScope brush(target, fill.Get());
+        Polygon(target, corners, 3);
+    }
 }
 
 }  // namespace quillon

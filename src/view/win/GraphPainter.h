@@ -5,12 +5,14 @@
 
 #include "data/QL_Types.h"
 #include "view/AmplitudeScale.h"
+#include "view/DataRange.h"
 #include "view/QL_ChUtils.h"
 #include "view/ScaleLabels.h"
 #include "view/Selection.h"
 #include "view/TimeAxis.h"
 #include "view/TraceCanvas.h"
 #include "view/TraceMapping.h"
+#include "view/TraceSides.h"
 #include "view/win/GDI_Utils.h"
 #include "view/win/cMemDC.h"
 
@@ -33,8 +35,9 @@ struct GraphScene {
 /// The bands that lie over the image with its lightness inverted.
 enum class GraphBand { Selection, Cursor, Play, Count };
 
-/// Draws the graph off-screen and copies the finished image to its picture box.
-/// Owns the surface, the grid that is copied behind the traces, and the buffers of the traces' points.
+/// Draws the graph off-screen and copies the finished image to its picture box, with an arrow at the upper or lower
+/// edge for every trace that lies wholly beyond it. Owns the surface, the grid that is copied behind the traces, and
+/// the buffers of the traces' points.
 ///
 /// The bands are part of the image: each is inverted once when it appears and once more when it goes, which leaves no
 /// trace of it.
@@ -52,7 +55,13 @@ class GraphPainter {
     /// Why a part of what was drawn last could not be read; empty when all could.
     [[nodiscard]] const std::string& ReadFailure() const { return m_failure; }
     /// Another block is shown: what was read of the old one is of no use.
-    void ForgetBlock() { m_reader.Reset(); }
+    void ForgetBlock() {
+        m_reader.Reset();
+        m_readAhead.reset();
+    }
+    /// The range that the scale of a block is chosen by, see CentralRange. What it reads is drawn by the next Draw of
+    /// the same view.
+    [[nodiscard]] std::optional<ValueRange> SeenRange(const GraphScene& scene);
     /// Moves, shows or hides a band; the returned rectangle holds what has changed.
     RECT SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
     [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const {
@@ -78,6 +87,9 @@ class GraphPainter {
     void DrawColumns(const GraphScene& scene, int from, int to);
     void DrawMarks(const GraphScene& scene) const;
     void DrawTraces(const GraphScene& scene, int from, int to);
+    void ReadTraces(const GraphScene& scene, int from, int to);
+    void FindArrows(const GraphScene& scene);
+    void PaintArrows(HDC target) const;
     /// Brings the points of a trace, or those of the straight line that stands for it, to pixels in m_trace.
     void ToPixels(const TraceMapping& mapping, std::int32_t samplesPerPixel, const std::vector<TracePoint>& points,
                   std::int32_t count);
@@ -88,7 +100,18 @@ class GraphPainter {
     cMemDC m_surface;
     cMemDC m_grid;  ///< one grid period wider than the surface, so that any horizontal position can be copied from it
     GdiFont m_font;
+    int m_dpi;
     TraceReader m_reader;
+    std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read
+    std::optional<TraceStretch> m_readAhead;  ///< what it holds for the next Draw
+    TraceSides m_sides;
+    /// A trace that lies beyond the graph.
+    struct Arrow {
+        COLORREF color;
+        bool above;
+    };
+    std::vector<Arrow> m_arrows;
+    bool m_marksSeen = false;
     std::string m_failure;
     TraceCanvas m_canvas;
     std::vector<DevicePoint> m_trace;

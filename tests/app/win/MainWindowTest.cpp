@@ -38,6 +38,7 @@ TEST_F(MainWindowTest, FirstActivationOpensTheFirstRecording) {
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"a.bin - ["));
     EXPECT_EQ(Status(StatusPanel::Size), L"S: 5000");
     EXPECT_EQ(Status(StatusPanel::Rate), L"Fs: 250 Hz");
+    Command(mnuBaseLine + 1);
     const Pixels graph = Capture(pbGraph);
     EXPECT_GT(graph.Count(TraceColor(0)), 200);
     EXPECT_GT(graph.Count(TraceColor(1)), 200);

@@ -200,6 +200,46 @@ TEST_F(WaveformViewTest, TheHoverReadsOutAndLeavesNoTrace) {
     EXPECT_EQ(GetCapture(), nullptr) << "given up for a dialog";
 }
 
+TEST_F(WaveformViewTest, ABlockOpensAtTheScaleOfMostOfItAndArrowsTellOfTheRest) {
+    auto frames = Noise(20000, 2);
+    frames[30] = {32000, 0};
+    for (auto& frame : frames) frame.push_back(-20000), frame.push_back(20000);
+    const auto artefact = [&](std::size_t channels) {
+        auto some = frames;
+        for (auto& frame : some) frame.resize(channels);
+        return some;
+    };
+    static_cast<void>(m_folder.Write(u"b.bin", BinRecording(100.0F, artefact(4))));
+    StartWith(artefact(2));
+    EXPECT_LE(m_global.amplitude.UnitsPerDivision(), 100.0);
+    const auto arrows = [&](int channel) {
+        const Pixels pixels = Capture(pbGraph);
+        const auto count = [&](int from, int to) {
+            int found = 0;
+            for (int y = from; y < to; ++y)
+                for (int x = 0; x < 25; ++x)
+                    found += pixels.At(x, y) == TraceColor(static_cast<std::int16_t>(channel)) ? 1 : 0;
+            return found;
+        };
+        return std::pair(count(0, 12) > 10, count(pixels.height - 12, pixels.height) > 10);
+    };
+    // Far below and above.
+    m_global.amplitude.SelectScale(3);
+    ClickLine(lstFile, 1);
+    m_global.amplitude.SetBipolar();
+    m_global.amplitude.SelectScale(3);
+    static_cast<void>(Redrawn());
+    EXPECT_EQ(arrows(2), std::pair(false, true));
+    EXPECT_EQ(arrows(3), std::pair(true, false));
+    EXPECT_EQ(arrows(0), std::pair(false, false));
+    const Pixels drawn = Capture(pbGraph);
+    Command(mnuMove + 3);
+    Command(mnuMove + 2);
+    EXPECT_TRUE(Capture(pbGraph) == drawn) << "scrolled there and back";
+    ClickCheckBox(2);
+    EXPECT_EQ(arrows(2), std::pair(false, false));
+}
+
 TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
     StartWith(Noise(100000, 2));
     TimeAxis& axis = m_global.axis;
