@@ -3,6 +3,7 @@
 #include "base/Rounding.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "data/ChannelSelection.h"
 #include "format/QL_Format.h"
 #include "view/ScaleLabels.h"
 
@@ -18,6 +19,19 @@ std::u16string Bytes(double bytes, char16_t separator) {
         ++unit;
     }
     return NumberText(RoundToPlaces(bytes, 1), separator) + units[unit];
+}
+
+/// The unit that all shown channels have; empty where they differ or codes are shown.
+std::u16string CommonUnit(const QL_Global& global) {
+    std::u16string unit;
+    if (global.rawCodes) return unit;
+    for (const std::int16_t channel : ShownChannels(global.block, global.slots)) {
+        const std::int16_t number = global.block.channelNumbers[static_cast<std::size_t>(channel - 1)];
+        const std::u16string& own = global.slots[static_cast<std::size_t>(number)].unit;
+        if (own.empty() || (!unit.empty() && own != unit)) return {};
+        unit = own;
+    }
+    return unit;
 }
 
 }  // namespace
@@ -36,8 +50,9 @@ PanelTexts BlockPanels(const QL_Global& global, const UserServices& services) {
     const ViewBlock& block = global.block;
     const FormatOptions& format = global.format;
     if (!block.block) return texts;
+    const std::u16string unit = CommonUnit(global);
     panel(StatusPanel::Scale) = ScaleCaption(global.amplitude.Index(), global.rawCodes, format.decimalSeparator) +
-                                services.Text(IDS_PER_DIVISION);
+                                (unit.empty() ? unit : u' ' + unit) + services.Text(IDS_PER_DIVISION);
     panel(StatusPanel::XPart) = VisiblePart(global.axis, format.decimalSeparator);
     panel(StatusPanel::Size) = u"S: " + Decimal(block.sampleCount);
     if (block.sampleRate > 0.0) {

@@ -184,6 +184,11 @@ void frmQLMain::ShowStatistics(int) {
                   Wide(PositionText(m_global.block, selection.First(), u" ", m_global.format) + u" \u2013 " +
                        PositionText(m_global.block, selection.Last(), u" ", m_global.format) + u", " +
                        Decimal(selection.Count()) + u' ' + m_services.Text(IDS_SAMPLES));
+    if (m_global.block.sampleRate > 0.0) {
+        FormatOptions duration = m_global.format;
+        duration.timeOfDay = false;
+        texts.title += L", " + Wide(FormatTime(selection.Count() / m_global.block.sampleRate, u" ", duration));
+    }
     constexpr int columns = 7;
     for (int column = 0; column < columns; ++column)
         texts.columns.push_back(Wide(m_services.Text(IDS_STAT_0 + column)));
