@@ -20,6 +20,7 @@ struct FormatOptions {
     bool timeOfDay = false;          ///< times are times of day, written as clock time
     bool sampleIndexes = false;      ///< positions are told as sample numbers instead of times
     char16_t decimalSeparator = u'.';
+    friend bool operator==(const FormatOptions&, const FormatOptions&) = default;
 };
 
 enum class AxisKind { Time = 0, Frequency = 1, Amplitude = 2 };

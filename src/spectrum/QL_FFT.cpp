@@ -15,16 +15,26 @@ namespace {
 /// Columns that are computed together.
 constexpr std::int32_t kTogether = 16;
 
+/// Order of a transform that is asked for.
+std::int32_t OrderFor(std::int32_t asked) {
+    constexpr std::int32_t fallback = 8;
+    return asked < QL_FFT::kLeastOrder ? fallback : std::min(asked, QL_FFT::kMostOrder);
+}
+
 }  // namespace
+
+void QL_FFT::RepairSettings(SpectrumSettings& settings) {
+    settings.order = OrderFor(settings.order);
+    if (!(settings.amplitudeScale > 0.0F) || !std::isfinite(settings.amplitudeScale)) settings.amplitudeScale = 100.0F;
+    if (!(settings.decibelRange >= 10.0F && settings.decibelRange <= 200.0F)) settings.decibelRange = 120.0F;
+}
 
 void QL_FFT::FFT_Init(std::int32_t imageWidth) {
     if (m_initialised) return;
+    RepairSettings(m_settings);
     FFT_BuildPalette();
     m_imageWidth = (std::max(imageWidth, 1) + 3) / 4 * 4;
     FFT_SetOrder(m_settings.order);
-    if (!(m_settings.amplitudeScale > 0.0F) || !std::isfinite(m_settings.amplitudeScale))
-        m_settings.amplitudeScale = 100.0F;
-    if (!(m_settings.decibelRange >= 10.0F && m_settings.decibelRange <= 200.0F)) m_settings.decibelRange = 120.0F;
     m_initialised = true;
 }
 
@@ -42,8 +52,7 @@ void QL_FFT::FFT_SetImageWidth(std::int32_t columns) {
 }
 
 void QL_FFT::FFT_SetOrder(std::int32_t order) {
-    constexpr std::int32_t fallback = 8;
-    m_settings.order = order < kLeastOrder ? fallback : std::min(order, kMostOrder);
+    m_settings.order = OrderFor(order);
     m_length = 1 << m_settings.order;
     const auto length = static_cast<std::size_t>(m_length);
     m_cache.assign(length, 0.0F);
@@ -72,6 +81,7 @@ void QL_FFT::FFT_BuildWindow() {
 
 void QL_FFT::FFT_AllocImage() {
     m_image.assign(static_cast<std::size_t>(m_imageWidth) * static_cast<std::size_t>(BinCount()), 0);
+    m_unread.assign(static_cast<std::size_t>(m_imageWidth), false);
 }
 
 void QL_FFT::FFT_NextPalette() {
@@ -83,6 +93,8 @@ void QL_FFT::FFT_ClearState() {
     m_state = {};
     m_block = nullptr;
     std::fill(m_image.begin(), m_image.end(), std::uint8_t{0});
+    std::fill(m_unread.begin(), m_unread.end(), false);
+    m_failure.clear();
 }
 
 void QL_FFT::FFT_SetChannel(RecordingBlock* block, std::int16_t blockNumber, std::int16_t channelIndex,
@@ -165,12 +177,15 @@ void QL_FFT::FFT_ComputeColumns(std::int32_t from, std::int32_t to) {
     for (std::int32_t column = from; column <= to; ++column) {
         const Frame frame = FrameOf(column);
         bool readable = frame.length > 0;
+        m_unread[static_cast<std::size_t>(column)] = false;
         try {
             if (readable) FFT_ReadSamples(frame.start, frame.length);
-        } catch (const std::exception&) {
+        } catch (const std::exception& error) {
             // Its part of the recording cannot be read, and the cache holds part of it.
             m_state.cachedLength = 0;
             readable = false;
+            m_unread[static_cast<std::size_t>(column)] = true;
+            m_failure = error.what();
         }
         if (!readable) {
             flush(column + 1);
@@ -221,6 +236,12 @@ void QL_FFT::FFT_ShiftImage(std::int32_t source, std::int32_t destination, std::
         std::uint8_t* row = m_image.data() + static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_imageWidth);
         std::memmove(row + destination, row + source, static_cast<std::size_t>(count));
     }
+    const auto flags = m_unread.begin();
+    if (destination < source) {
+        std::copy(flags + source, flags + source + count, flags + destination);
+    } else {
+        std::copy_backward(flags + source, flags + source + count, flags + destination + count);
+    }
 }
 
 std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, std::int32_t samplesPerColumn,
@@ -251,9 +272,16 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
     m_state.firstColumn = firstColumn;
     // Until they are computed no column is valid.
     m_state.columnCount = 0;
-    if (from <= to) FFT_ComputeColumns(from, to);
+    m_failure.clear();
+    std::int32_t computed = std::max(to - from + 1, 0);
+    if (computed > 0) FFT_ComputeColumns(from, to);
+    for (std::int32_t column = 0; column < visibleColumns; ++column) {
+        if (IsRead(column) || (column >= from && column <= to)) continue;
+        FFT_ComputeColumns(column, column);
+        if (IsRead(column)) ++computed;
+    }
     m_state.columnCount = visibleColumns;
-    return std::max(to - from + 1, 0);
+    return computed;
 }
 
 double QL_FFT::LevelOf(std::uint8_t index) const {

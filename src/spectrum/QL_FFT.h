@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "data/NorvikCore.h"
@@ -48,6 +49,8 @@ class QL_FFT {
 
     explicit QL_FFT(SpectrumSettings& settings) : m_settings(settings) {}
 
+    /// Brings settings out of range back to their defaults, see SpectrumSettings.
+    static void RepairSettings(SpectrumSettings& settings);
     /// Once per run: repairs the settings, builds palette, window and an image for that many columns.
     void FFT_Init(std::int32_t imageWidth);
     /// Makes room for as many columns; the image is computed anew when there was less. Rounded up to a multiple of 4.
@@ -65,11 +68,17 @@ class QL_FFT {
     /// The factors from a bin's magnitude to a palette index, from the settings and the channel's limits.
     void FFT_ComputeScaling();
     /// Brings the image up to date for a view: what it already holds is moved, the other columns are computed; all of
-    /// them when `force` is set, as it has to be after a change of samples per column. Returns how many were computed.
+    /// them when `force` is set, as it has to be after a change of samples per column. Columns that could not be read
+    /// are blank and tried again each time. Returns how many were computed.
     std::int32_t FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, std::int32_t samplesPerColumn,
                             bool force);
     /// Makes the cache hold exactly these samples (from 1), reading only what it does not hold yet.
     void FFT_ReadSamples(std::int32_t start, std::int32_t count);
+
+    /// Why some of the visible columns could not be read, as the block said it; empty when all could.
+    [[nodiscard]] const std::string& ReadFailure() const { return m_failure; }
+    /// Whether a column of the image shows what was read; blank for another reason counts as that.
+    [[nodiscard]] bool IsRead(std::int32_t column) const { return !m_unread[static_cast<std::size_t>(column)]; }
 
     [[nodiscard]] const SpectrumState& State() const { return m_state; }
     [[nodiscard]] std::span<const float> Cache() const { return m_cache; }
@@ -104,6 +113,8 @@ class QL_FFT {
     std::vector<float> m_window;
     std::vector<float> m_frames;  ///< windowless frames of the columns computed together
     std::vector<std::uint8_t> m_image;
+    std::vector<bool> m_unread;  ///< columns of the image that could not be read
+    std::string m_failure;
     std::unique_ptr<nsp::SpectrumBatch> m_batch;  ///< for the present order, window and scaling; made on need
     Palette m_palette{};
 };

@@ -4,7 +4,7 @@
 
 namespace quillon {
 
-/// What the user chose about the spectrogram. FFT_Init brings values out of range back to their defaults.
+/// What the user chose about the spectrogram. QL_FFT::RepairSettings brings values out of range back to their defaults.
 struct SpectrumSettings {
     std::int16_t type = 0;          ///< 1 linear, else logarithmic
     std::int16_t palette = 0;       ///< see BuildPalette

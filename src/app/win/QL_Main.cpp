@@ -15,6 +15,7 @@
 #include "norvik/win/Registry.h"
 #include "norvik/win/SaveDialog.h"
 #include "norvik/win/Timer.h"
+#include "spectrum/QL_FFT.h"
 
 namespace quillon {
 
@@ -71,6 +72,8 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     SettingsStore store(parts.makeRegistry, parts.program);
     store.Load(global.settings);
     ApplyDisplaySettings(global);
+    // Before anything shows them or saves them.
+    QL_FFT::RepairSettings(global.settings);
     try {
         frmQLMain form(global, services, parts.makeTimer, [&] { store.Save(global.settings); });
         form.ChooseHelp();

@@ -194,13 +194,12 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// Whether the pointer is over a picture that the hover readout is for, which then has the mouse; else the hover
     /// ends.
     bool HoverStays(HWND box);
-    [[nodiscard]] bool OnStrip(int x) const;
     void Hover(int x, int y);
     /// A band changed in that part of the graph; it runs across the spectrogram too.
     void InvalidateBand(const RECT& part) const;
     void MoveCursorBand(const std::optional<ColumnBand>& band);
-    /// Shows the cursor band at a column and the values of a sample.
-    void ShowHover(std::int32_t sample, int column, int row);
+    /// Shows the cursor band at a sample, and its values with the mark that lies at a point of the graph.
+    void ShowHover(std::int32_t sample, int x, int row);
     void HideCursorBand();
     void EndHover();
     void LoseHover(HWND box);
@@ -215,6 +214,27 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void OnTimer(UINT_PTR timer);
     [[nodiscard]] bool RouteWheel(const MSG& message);
     void OnWheel(HWND under, int delta, UINT keys, bool alt, int column);
+
+    // The values panel.
+    enum class ValuesKind { Details, Hover, Spectrum, Range };
+    /// What a readout was made from.
+    struct ValuesBasis {
+        std::vector<std::int16_t> channels;  ///< shown ones
+        FormatOptions format;
+        bool rawCodes = false;
+        SpectrumSettings spectrum;
+        std::int16_t spectrumChannel = 0;
+        bool spectrogramShown = false;
+        friend bool operator==(const ValuesBasis&, const ValuesBasis&) = default;
+    };
+    [[nodiscard]] ValuesBasis PresentBasis() const;
+    void TellValues(ValuesKind kind, const std::u16string& text);
+    /// The description of the recording, which the panel shows when there is nothing else to tell.
+    void TellDetails() { TellValues(ValuesKind::Details, m_global.file.fileInfo); }
+    /// The values at a sample, below the text of the mark under the pointer.
+    void TellHover(std::int32_t sample, const std::u16string& mark);
+    /// Tells anew, or no more, what is not so any longer.
+    void KeepValuesTrue();
 
     // Export and copy.
     /// A stretch of the block; samples count from 1.
@@ -273,8 +293,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void ChooseSpectrumChannel();
     void NextPalette(int = 0);
     void PaintSpectrogram(int id, HDC dc, const RECT& client);
-    /// Time, frequency and level at a pixel of the spectrogram.
-    [[nodiscard]] std::u16string SpectrumReadout(int column, int row) const;
+    /// Time of a sample, frequency of a row of the spectrogram and the level there. What is not in the picture or could
+    /// not be read has no level.
+    [[nodiscard]] std::u16string SpectrumReadout(std::int32_t sample, int row) const;
     bool SpectrogramMouse(int id, UINT message, WPARAM wParam, int x, int y);
 
     // Graph.
@@ -353,10 +374,17 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_scaleFitted = false;          ///< to a block, since the start
     std::int64_t m_baseLineMiddle = 0;   ///< shift of the base line at which the amplitude scroll bar is in its middle
     std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
-    std::u16string m_unreadable;         ///< what "Status" was told of a part of the view that cannot be read
-    bool m_soundInStatus = false;        ///< "Status" shows the position of the sound
-    bool m_followsSound = false;         ///< the line of the sound was in view, and the user has not scrolled it away
-    std::int32_t m_saveType = 1;         ///< chosen last in the Save As dialog
+    std::u16string m_unreadable;         ///< what "Status" was told of samples that cannot be read
+    std::u16string m_notUnderstood;      ///< what "Status" was told of a place that was asked for
+    ValuesKind m_valuesKind = ValuesKind::Details;
+    ValuesBasis m_valuesBasis;
+    std::int32_t m_hoverSample = 0;  ///< whose values the panel shows
+    std::u16string m_hoverMark;      ///< text of the mark above them
+    bool m_channelByKey = false;     ///< a key of the channel list may change the chosen one
+    bool m_channelTold = false;      ///< the click that goes on has changed the chosen channel already
+    bool m_soundInStatus = false;    ///< "Status" shows the position of the sound
+    bool m_followsSound = false;     ///< the line of the sound was in view, and the user has not scrolled it away
+    std::int32_t m_saveType = 1;     ///< chosen last in the Save As dialog
     std::vector<std::u16string> m_fastFiles;  ///< that the fast export may replace unasked
     bool m_busy = false;                      ///< a long command runs
     bool m_closeAsked = false;                ///< the window closes after the dialog or the long command

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <utility>
 
 #include "app/ControlIds.h"
 #include "app/win/InputBox.h"
@@ -27,11 +28,16 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     }
     if (header->code == TCN_SELCHANGE) ShowPages();
     // A click on the item itself, or the way to it by keys, chooses the channel for what concerns one at a time.
-    if (header->idFrom == lvCh && header->code == NM_CLICK && m_channels.IsOnItem(header)) ChooseChannel();
+    // A click that changes it is told twice, by the change and by itself.
+    if (header->idFrom == lvCh && header->code == LVN_KEYDOWN) m_channelByKey = true;
+    if (header->idFrom == lvCh && header->code == NM_CLICK && m_channels.IsOnItem(header) &&
+        !std::exchange(m_channelTold, false))
+        ChooseChannel();
     if (header->idFrom == lvCh && header->code == LVN_ITEMCHANGED && !m_channels.Filling()) {
         const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
         const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
         if ((change->uChanged & LVIF_STATE) != 0 && chosen) {
+            m_channelTold = !std::exchange(m_channelByKey, false);
             m_global.currentChannel = static_cast<std::int16_t>(change->iItem + 1);
             ChooseChannel();
         }
@@ -46,12 +52,10 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
 
 void frmQLMain::ChooseChannel() {
     StopSound();
-    // A click tells it twice, by the change of the selection and by itself.
-    if (m_global.settings.spectrogramShown && m_fft.State().ready &&
-        m_fft.State().channelIndex == m_global.currentChannel - 1)
-        return;
     ChooseSpectrumChannel();
     Spectrogram_Draw(true);
+    TellUnreadable(false);
+    KeepValuesTrue();
 }
 
 void frmQLMain::ShowPages() {
@@ -335,8 +339,7 @@ void frmQLMain::ShowBlock() {
 
 void frmQLMain::ShowBlockDetails() {
     m_channels.Fill(m_global.block, m_global.slots);
-    m_values.Text(m_global.file.fileInfo);
-    m_values.Refresh();
+    TellDetails();
 }
 
 void frmQLMain::ShowBlockSpectrum() {

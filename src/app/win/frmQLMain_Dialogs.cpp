@@ -6,7 +6,6 @@
 #include "dialogs/win/dlgOptions.h"
 #include "dialogs/win/dlgSplit.h"
 #include "export/QL_Export.h"
-#include "view/Readout.h"
 
 namespace quillon {
 
@@ -22,7 +21,6 @@ void frmQLMain::Options(int) {
     if (!changes || m_window == nullptr || m_closing) return;
     StoreOptions(values, settings);
     const bool codesBefore = m_global.rawCodes;
-    const std::u16string rangeBefore = m_global.selection.active ? RangeReadout(Source(), m_global.selection) : u"";
     ApplyDisplaySettings(m_global);
     // Codes and values have scales of their own.
     if (m_global.rawCodes != codesBefore) FitUnlessLegible();
@@ -32,7 +30,6 @@ void frmQLMain::Options(int) {
     if (changes->setOrder) m_fft.FFT_SetOrder(settings.order);
     if (changes->initSpectrogram) Spectrogram_Init(true);
     Refresh();
-    if (!rangeBefore.empty() && m_values.Text() == rangeBefore) ShowRange();
 }
 
 void frmQLMain::Split(int) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 #include "app/ControlIds.h"
 #include "app/StatusPanels.h"
@@ -145,11 +146,18 @@ GraphScene frmQLMain::Scene() const {
 }
 
 void frmQLMain::TellUnreadable(bool wholeView) {
-    const std::string reason = m_global.block.sampleCount > 0 ? m_graph.ReadFailure() : std::string();
+    const bool hasSamples = m_global.block.sampleCount > 0;
+    std::string reason = hasSamples ? m_graph.ReadFailure() : std::string();
+    if (reason.empty() && hasSamples && m_global.settings.spectrogramShown) reason = m_fft.ReadFailure();
+    const bool inView = !reason.empty();
+    if (!inView) reason = m_global.ranges.Failure();
     if (!reason.empty()) {
-        m_unreadable =
-            FileNameOf(m_global.file.fileName) + u": " + m_services.Text(IDS_UNREADABLE) + u": " + Utf16(reason);
-        m_services.SetStatus(m_unreadable);
+        const std::u16string text = FileNameOf(m_global.file.fileName) + u": " +
+                                    m_services.Text(inView ? IDS_UNREADABLE : IDS_RANGE_PARTIAL) + u": " +
+                                    Utf16(reason);
+        // What lies out of view is told once.
+        if (inView || text != m_unreadable) m_services.SetStatus(text);
+        m_unreadable = text;
     } else if (wholeView && !m_unreadable.empty()) {
         // What was told of something else since then stays.
         if (m_services.Status() == m_unreadable) m_services.SetStatus({});
@@ -176,9 +184,13 @@ void frmQLMain::Refresh(std::int32_t shift) {
         m_graph.Clear(graph.width, graph.height);
     }
     m_graphBox.Invalidate();
+    if (m_complete) Spectrogram_Draw(false);
+    // A place that was not understood is of the past once the view changes.
+    if (const std::u16string told = std::exchange(m_notUnderstood, {}); !told.empty() && m_services.Status() == told)
+        m_services.SetStatus({});
     TellUnreadable(shift == 0 || std::abs(shift) >= graph.width);
     if (!m_complete) return;
-    Spectrogram_Draw(false);
+    KeepValuesTrue();
     m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
     UpdateScrollBars();
     ShowPanels();
@@ -190,6 +202,37 @@ void frmQLMain::Refresh(std::int32_t shift) {
     const int y = static_cast<int>(m_hoverPoint.y);
     if (m_hovering != nullptr && m_hovering == m_graphBox.Window() && m_gesture.kind == Gesture::None) Hover(x, y);
     if (m_hovering != nullptr && m_hovering == m_fftBox.Window()) SpectrogramMouse(pbFFT, WM_MOUSEMOVE, 0, x, y);
+}
+
+frmQLMain::ValuesBasis frmQLMain::PresentBasis() const {
+    return {ShownChannels(m_global.block, m_global.slots),
+            m_global.format,
+            m_global.rawCodes,
+            m_global.settings,
+            m_fft.State().channelIndex,
+            m_global.settings.spectrogramShown};
+}
+
+void frmQLMain::TellValues(ValuesKind kind, const std::u16string& text) {
+    m_valuesKind = kind;
+    m_valuesBasis = PresentBasis();
+    m_values.Text(text);
+    m_values.Refresh();
+}
+
+void frmQLMain::TellHover(std::int32_t sample, const std::u16string& mark) {
+    m_hoverSample = sample;
+    m_hoverMark = mark;
+    TellValues(ValuesKind::Hover, (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample));
+}
+
+void frmQLMain::KeepValuesTrue() {
+    if (m_valuesKind == ValuesKind::Details || PresentBasis() == m_valuesBasis) return;
+    switch (m_valuesKind) {
+        case ValuesKind::Hover: return TellHover(m_hoverSample, m_hoverMark);
+        case ValuesKind::Range: return ShowRange();
+        default: return TellDetails();
+    }
 }
 
 void frmQLMain::ShowPanels() const {

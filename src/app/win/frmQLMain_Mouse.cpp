@@ -145,15 +145,9 @@ bool frmQLMain::HoverStays(HWND box) {
     return false;
 }
 
-bool frmQLMain::OnStrip(int x) const {
-    const TimeAxis& axis = m_global.axis;
-    return x >= 0 && x < axis.Width() && std::int64_t{axis.FirstColumn()} + x < axis.StripLength();
-}
-
 void frmQLMain::Hover(int x, int y) {
     if (!HoverStays(m_graphBox.Window())) return;
     m_hoverPoint = {x, y};
-    if (!OnStrip(x)) return HideCursorBand();
     ShowHover(SampleUnder(m_global.axis, x), x, y);
 }
 
@@ -164,10 +158,9 @@ bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
     if (message != WM_MOUSEMOVE || m_global.block.sampleCount == 0) return false;
     if (!HoverStays(m_fftBox.Window())) return true;
     m_hoverPoint = {x, y};
-    if (!OnStrip(x)) return HideCursorBand(), true;
-    MoveCursorBand(ColumnBand{x, x});
-    m_values.Text(SpectrumReadout(x, y));
-    m_values.Refresh();
+    const std::int32_t sample = SampleUnder(m_global.axis, x);
+    MoveCursorBand(BandOf(m_global.axis, sample, sample));
+    TellValues(ValuesKind::Spectrum, SpectrumReadout(sample, y));
     return true;
 }
 
@@ -183,13 +176,10 @@ void frmQLMain::InvalidateBand(const RECT& part) const {
     }
 }
 
-void frmQLMain::ShowHover(std::int32_t sample, int column, int row) {
-    MoveCursorBand(ColumnBand{column, column});
-    std::u16string text = HoverReadout(Source(), sample);
-    if (const auto mark = m_graph.MarkAt(Scene(), column, row))
-        text = m_global.block.marks[*mark].text + u"\r\n" + text;
-    m_values.Text(text);
-    m_values.Refresh();
+void frmQLMain::ShowHover(std::int32_t sample, int x, int row) {
+    MoveCursorBand(BandOf(m_global.axis, sample, sample));
+    const auto mark = m_graph.MarkAt(Scene(), x, row);
+    TellHover(sample, mark ? m_global.block.marks[*mark].text : std::u16string());
 }
 
 void frmQLMain::HideCursorBand() {
@@ -222,11 +212,11 @@ void frmQLMain::ShowSelection() {
     InvalidateGraph(
         m_graph.SetBand(GraphBand::Selection,
                         selection.active ? BandOf(m_global.axis, selection.First(), selection.Last()) : std::nullopt));
+    if (m_valuesKind == ValuesKind::Range && !selection.active) TellDetails();
 }
 
 void frmQLMain::ShowRange() {
-    m_values.Text(RangeReadout(Source(), m_global.selection));
-    m_values.Refresh();
+    TellValues(ValuesKind::Range, RangeReadout(Source(), m_global.selection));
 }
 
 void frmQLMain::StartSelection(int x, bool extend) {
@@ -238,6 +228,8 @@ void frmQLMain::StartSelection(int x, bool extend) {
     const std::int32_t sample = SampleUnder(m_global.axis, x);
     selection = {true, m_global.currentChannel, sample, sample};
     ShowSelection();
+    // The range that was told is not selected any more.
+    if (m_valuesKind == ValuesKind::Range) TellHover(sample, {});
 }
 
 void frmQLMain::DragSelection(int x) {
@@ -266,7 +258,9 @@ void frmQLMain::OnTimer(UINT_PTR timer) {
 
 void frmQLMain::FinishSelection(int x) {
     KillTimer(m_window, kAutoScroll);
-    if (m_global.selection.active) m_global.selection.end = SampleUnder(m_global.axis, x);
+    // A release outside the graph ends where the drag was shown.
+    if (m_global.selection.active)
+        m_global.selection.end = SampleUnder(m_global.axis, std::clamp(x, 0, m_global.axis.Width() - 1));
     // Ends the gesture through the loss of the capture, and drops a selection of no length.
     ReleaseCapture();
     if (!m_global.selection.active) return;

@@ -24,16 +24,21 @@ void frmQLMain::Spectrogram_Init(bool redraw) {
     InitSpectrum();
     if (m_global.block.sampleCount == 0) return Spectrogram_Draw(false);
     ChooseSpectrumChannel();
-    if (redraw) Spectrogram_Draw(true);
+    if (!redraw) return;
+    Spectrogram_Draw(true);
+    TellUnreadable(false);
 }
 
 void frmQLMain::ChooseSpectrumChannel() {
     InitSpectrum();
     const std::int16_t channel = m_global.currentChannel;
     // A channel of no range stays blank; its range is looked for only when it will be seen.
-    const ValueRange limits = m_global.settings.spectrogramShown
-                                  ? m_global.ranges.Of(m_global.block, channel).value_or(ValueRange{})
-                                  : ValueRange{};
+    ValueRange limits;
+    if (m_global.settings.spectrogramShown) {
+        // Where nothing can be read any range lets the columns be tried again.
+        const auto range = m_global.ranges.Of(m_global.block, channel);
+        limits = range ? *range : m_global.ranges.Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
+    }
     m_fft.FFT_SetChannel(m_global.block.block.get(), m_global.file.currentBlockIndex,
                          static_cast<std::int16_t>(channel - 1), limits);
     m_scaleFBox.Invalidate();
@@ -51,8 +56,16 @@ void frmQLMain::Spectrogram_Draw(bool force) {
     const TimeAxis& axis = m_global.axis;
     const bool zoomed = m_fft.State().samplesPerColumn != axis.SamplesPerPixel();
     const bool moved = m_fft.State().firstColumn != axis.FirstColumn();
-    const std::int32_t computed =
-        m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), force || zoomed);
+    const auto update = [&](bool all) {
+        return m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), all);
+    };
+    const bool unreadBefore = !m_fft.ReadFailure().empty();
+    std::int32_t computed = update(force || zoomed);
+    if (unreadBefore && m_fft.ReadFailure().empty() && !m_global.ranges.Failure().empty()) {
+        // What could not be read can be again, so the range was that of a part.
+        ChooseSpectrumChannel();
+        computed = update(true);
+    }
     if (computed > 0 || moved || force) m_fftBox.Invalidate();
 }
 
@@ -88,24 +101,25 @@ void frmQLMain::PaintSpectrogram(int id, HDC dc, const RECT& client) {
     }
 }
 
-std::u16string frmQLMain::SpectrumReadout(int column, int row) const {
+std::u16string frmQLMain::SpectrumReadout(std::int32_t sample, int row) const {
     const std::int32_t height = m_layout.spectrogram.height;
     if (!m_fft.State().ready || height < 1 || m_fft.Image().empty()) return {};
     // The row's bin, as the image is stretched.
     const std::int32_t bins = m_fft.BinCount();
     const std::int32_t bin = std::clamp((height - 1 - row) * bins / height, 0, bins - 1);
-    const std::int32_t at = std::clamp(column, 0, m_fft.ImageWidth() - 1);
-    const std::uint8_t index =
-        m_fft.Image()[static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_fft.ImageWidth()) +
-                      static_cast<std::size_t>(at)];
     const double hertz = bin * m_global.block.sampleRate / m_fft.Length();
     const bool linear = m_global.settings.type == 1;
+    const std::u16string place = u"X:\t" + PositionText(m_global.block, sample, u" ", m_global.format) + u"\r\nF:\t" +
+                                 FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t";
+    const std::optional<ColumnBand> band = BandOf(m_global.axis, sample, sample);
+    if (!band || band->left >= m_fft.ImageWidth() || !m_fft.IsRead(band->left)) return place + u"\r\n";
+    const std::uint8_t index =
+        m_fft.Image()[static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_fft.ImageWidth()) +
+                      static_cast<std::size_t>(band->left)];
     // The ends of the scale hold what lies beyond them too.
     const std::u16string atEnd = index == 0 ? u"\u2264 " : index == 255 ? u"\u2265 " : u"";
     const std::u16string level = NumberText(RoundToPlaces(m_fft.LevelOf(index), 1), m_global.format.decimalSeparator);
-    return u"X:\t" + PositionText(m_global.block, SampleUnder(m_global.axis, column), u" ", m_global.format) +
-           u"\r\nF:\t" + FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t" + atEnd + level +
-           (linear ? u" %\r\n" : u" dB\r\n");
+    return place + atEnd + level + (linear ? u" %\r\n" : u" dB\r\n");
 }
 
 }  // namespace quillon

@@ -169,7 +169,8 @@ void frmQLMain::GoToPlace(int) {
         m_services.SetStatus({});
         ShowSample(*sample);
     } else {
-        m_services.SetStatus(text + u": " + m_services.Text(IDS_PLACE_BAD));
+        m_notUnderstood = text + u": " + m_services.Text(IDS_PLACE_BAD);
+        m_services.SetStatus(m_notUnderstood);
     }
 }
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <fstream>
 
 #include "app/win/MainWindowFixture.h"
 
@@ -64,6 +65,55 @@ TEST_F(SpectrogramTest, ShowsTheChosenChannelColumnForColumn) {
     EXPECT_TRUE(Capture(pbFFT) == scrolled);
     Command(mnuScaleX + 3);
     EXPECT_NEAR(Brightest(200), 0.5, 0.02) << "zoomed";
+}
+
+TEST_F(SpectrogramTest, WhatCannotBeReadIsToldAndComputedWhenItCanBe) {
+    StartWithTones();
+    Command(mnuSpectrogram);
+    const Pixels whole = Capture(pbFFT);
+    const std::filesystem::path file = m_folder.File(u"a.bin");
+    const auto size = std::filesystem::file_size(file);
+    std::filesystem::copy_file(file, m_folder.File(u"copy"));
+    const auto black = [&](int column) {
+        const Pixels pixels = Capture(pbFFT);
+        for (int y = 0; y < pixels.height; ++y) {
+            if (pixels.At(column, y) != 0) return false;
+        }
+        return true;
+    };
+    Command(mnuSpectrogram);
+    m_global.ranges.Reset();
+    std::filesystem::resize_file(file, size - 4 * 29700);
+    Command(mnuSpectrogram);
+    EXPECT_FALSE(black(50)) << "what can be read is shown";
+    EXPECT_TRUE(black(400));
+    EXPECT_THAT(Status(StatusPanel::Status), ::testing::StartsWith(L"a.bin: "));
+    POINT point{400, 20};
+    ClientToScreen(Control(pbFFT), &point);
+    SetCursorPos(static_cast<int>(point.x), static_cast<int>(point.y));
+    SendMessageW(Control(pbFFT), WM_MOUSEMOVE, 0, MAKELPARAM(400, 20));
+    EXPECT_THAT(Wide(m_form->ValuesText()), ::testing::EndsWith(L"L:\t\r\n"));
+    SetCursorPos(0, 0);
+    SendMessageW(Control(pbFFT), WM_MOUSEMOVE, 0, MAKELPARAM(-100, -100));
+    // The file is whole again, in place.
+    std::filesystem::resize_file(file, size);
+    std::fstream(file, std::ios::in | std::ios::out | std::ios::binary)
+        << std::ifstream(m_folder.File(u"copy"), std::ios::binary).rdbuf();
+    Command(mnuZoomY + 1);
+    EXPECT_TRUE(Capture(pbFFT) == whole);
+    EXPECT_EQ(Status(StatusPanel::Status), L"");
+}
+
+TEST_F(SpectrogramTest, AClickOnTheShownChannelComputesItAnew) {
+    StartWithTones();
+    Command(mnuSpectrogram);
+    const Pixels before = Capture(pbFFT);
+    m_global.settings.decibelRange = 30.0F;
+    RECT line{};
+    line.left = LVIR_LABEL;
+    SendPointer(Control(lvCh), LVM_GETITEMRECT, 0, &line);
+    for (int click = 0; click < 2; ++click) Click(lvCh, line.left + 10, (line.top + line.bottom) / 2);
+    EXPECT_FALSE(Capture(pbFFT) == before);
 }
 
 TEST_F(SpectrogramTest, PaletteReadoutAndNoBlock) {

@@ -164,6 +164,10 @@ TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
     Key(VK_ESCAPE);
     EXPECT_FALSE(selection.active);
     EXPECT_TRUE(Capture(pbGraph) == before);
+    // Released outside, it ends where it was shown.
+    Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
+    Mouse(WM_LBUTTONUP, before.width + 700);
+    EXPECT_EQ(selection.end, before.width);
     // Past the edge the view scrolls on while the button is held.
     Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
     Mouse(WM_MOUSEMOVE, before.width + 60, 50, MK_LBUTTON);
@@ -188,6 +192,9 @@ TEST_F(WaveformViewTest, TheHoverReadsOutAndLeavesNoTrace) {
     Point(2, 40);
     EXPECT_THAT(Values(), StartsWith(L"A long text of a mark\r\nX:\t0.02 s"));
     m_global.block.marks.clear();
+    Point(300, 40);
+    EXPECT_THAT(Values(), StartsWith(L"X:\t0.02 s\r\nCh1:\t 30 V")) << "right of the last sample";
+    EXPECT_NE(Capture(pbGraph).At(2, 3), before.At(2, 3));
     // The pointer leaves the graph.
     RECT list{};
     GetWindowRect(Control(lstFile), &list);
@@ -198,6 +205,41 @@ TEST_F(WaveformViewTest, TheHoverReadsOutAndLeavesNoTrace) {
     Point(1, 40);
     SendMessageW(Control(pbGraph), WM_CANCELMODE, 0, 0);
     EXPECT_EQ(GetCapture(), nullptr) << "given up for a dialog";
+}
+
+TEST_F(WaveformViewTest, WhatThePanelTellsIsSo) {
+    m_global.settings.timeFormat = 1;
+    StartWith(Noise(5000, 2));
+    ApplyDisplaySettings(m_global);
+    const std::wstring details = Values();
+    const auto away = [&] {
+        SetCursorPos(0, 0);
+        Mouse(WM_MOUSEMOVE, -300, 40);
+    };
+    Point(100, 40);
+    away();
+    EXPECT_THAT(Values(), HasSubstr(L"Ch2:\t"));
+    ClickCheckBox(1);
+    EXPECT_THAT(Values(), StartsWith(L"X:\t1 s\r\nCh1:"));
+    EXPECT_THAT(Values(), ::testing::Not(HasSubstr(L"Ch2:"))) << "not shown any more";
+    m_global.settings.timeFormat = 2;
+    ApplyDisplaySettings(m_global);
+    Command(mnuZoomY + 1);
+    EXPECT_THAT(Values(), StartsWith(L"X:\t101\r\n"));
+    Drag(100, 149);
+    EXPECT_THAT(Values(), StartsWith(L"dX:\t49\r\nCh1:"));
+    ClickCheckBox(1);
+    EXPECT_THAT(Values(), HasSubstr(L"Ch2:\t"));
+    Key(VK_ESCAPE);
+    EXPECT_EQ(Values(), details) << "no range is selected";
+    Drag(100, 149);
+    Drag(300, 300);
+    EXPECT_EQ(Values(), details);
+    Command(mnuSelect);
+    static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
+    Command(mnuTabFile);
+    ClickLine(lstFile, 1);
+    EXPECT_EQ(Values(), L"");
 }
 
 TEST_F(WaveformViewTest, ABlockOpensAtTheScaleOfMostOfItAndArrowsTellOfTheRest) {
