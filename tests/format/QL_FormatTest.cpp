@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <random>
 #include <vector>
 
@@ -118,6 +119,16 @@ TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
     }
     const FormatOptions plain{.unitScaling = false, .decimalSeparator = u','};
     EXPECT_EQ(Values({0.05, -2e5}, u"mV", plain), " 0,05 mV|-200000 mV|");
+    // Every prefix and the power of ten that it stands for, of units without a prefix and with each of them.
+    const std::map<int, std::string> texts{{12, "p"}, {9, "n"},  {6, "mk"}, {3, "m"},
+                                           {0, ""},   {-3, "k"}, {-6, "M"}, {-9, "G"}};
+    for (const auto& [own, folded] : {std::pair<std::u16string, int>{u"", 0}, {u"m", 3}, {u"k", -3}}) {
+        for (const auto& [magnitude, chosen] : {std::pair{2e5F, -6}, {2e3F, -3}, {2.0F, 0}, {2e-3F, 3}, {2e-5F, 6}}) {
+            const PrefixedUnit prefixed = ChoosePrefix(magnitude, own + u"Pa", {});
+            EXPECT_EQ(prefixed.exponent, chosen + folded);
+            EXPECT_EQ(Utf8(prefixed.unit), texts.at(prefixed.exponent) + "Pa");
+        }
+    }
     EXPECT_EQ(ChoosePrefix(0.05F, u"", plain).unit + ChoosePrefix(0.0F, u"A", {}).unit, u"VmkA");
     const std::pair<float, int> bounds[] = {{1e5F, -6}, {100.0F, -3}, {0.1F, 0}, {1e-4F, 3}};
     for (const auto& [bound, exponent] : bounds) {
@@ -158,6 +169,18 @@ TEST(FormatTime, UnitFollowsTheTime) {
     EXPECT_EQ(Texts({1e-5, -9.5e-6, 1e-300}, write), "0.01 ms|-9.5 mks|0 mks|");
     const std::u16string_view fixed[] = {u"0:01:30", u"1.5;min", u"90;s", u"90000;ms", u"90000000;mks", u"90;s"};
     for (int unit = 1; unit <= 6; ++unit) EXPECT_EQ(FormatTime(90, u";", Unit(unit)), fixed[unit - 1]);
+    // A fixed unit holds for any time and any step, where the automatic choice would be another.
+    for (const double seconds : {0.0, 3e-6, 0.005, 5.0, 3000.0}) {
+        EXPECT_EQ(FormatTime(seconds, u" ", Unit(1)), ClockText(seconds, false, u'.'));
+        for (const double step : {0.5e-4, 1.0, 100.0}) {
+            EXPECT_EQ(FormatTimeNumber(seconds, step, Unit(1)), ClockText(seconds, false, u'.'));
+            for (const auto& [unit, number] :
+                 {std::pair{2, seconds / 60}, {3, seconds}, {4, seconds * 1e3}, {5, seconds * 1e6}}) {
+                EXPECT_NEAR(Parsed(FormatTime(seconds, u" ", Unit(unit))), number, number * 1e-5);
+                EXPECT_NEAR(Parsed(FormatTimeNumber(seconds, step, Unit(unit))), number, 1e-3) << step;
+            }
+        }
+    }
     const FormatOptions timeOfDay{.timeUnit = 4, .timeOfDay = true};
     EXPECT_EQ(FormatTime(86400.5, u" ", timeOfDay) + FormatTimeNumber(86401, 1e-4, timeOfDay), u"0:00:00.50:00:01");
 }

@@ -141,6 +141,66 @@ TEST(QL_FFT, SettingsAreRepairedAndWhatCannotBeShownStaysBlank) {
     block.failing = {"ReadCodes"};
     fft.FFT_Update(0, 10, 10, true);
     EXPECT_TRUE(blank()) << "nothing can be read";
+    EXPECT_EQ(fft.ReadFailure(), "ReadCodes");
+    settings.type = 1;
+    EXPECT_EQ(std::pair(fft.LevelOf(255), fft.LevelOf(51)), std::pair(100.0, 20.0));
+    // Every palette in turn, with its colours.
+    for (std::int16_t palette = 1; palette < 4; ++palette) {
+        fft.FFT_NextPalette();
+        EXPECT_EQ(settings.palette, palette % 3);
+        EXPECT_EQ(fft.Colors()[100].green, BuildPalette(palette % 3 == 0 ? std::int16_t{0} : palette)[100].green);
+    }
+    SpectrumSettings high{.amplitudeScale = INFINITY, .decibelRange = 200.1F, .order = -5};
+    QL_FFT::RepairSettings(high);
+    EXPECT_EQ(high, SpectrumSettings{});
+}
+
+TEST(QL_FFT, WhatCouldNotBeReadIsComputedOnceItCanBeWhereverItHasMoved) {
+    struct HoleyBlock : ValueBlock {
+        explicit HoleyBlock(const ValueBlock& whole) { samples = whole.samples; }
+        std::int32_t ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* to) override {
+            if (first < hole + 1 && first + count > hole) throw std::runtime_error("hole");
+            return ValueBlock::ReadValues(channel, first, count, to);
+        }
+        std::int32_t hole = -1;  ///< a sample, from 0
+    };
+    std::mt19937 random(31);
+    ValueBlock whole = Tones(6000);
+    HoleyBlock holey(whole);
+    SpectrumSettings settings{.order = 6};
+    QL_FFT expected(settings);
+    QL_FFT actual(settings);
+    for (QL_FFT* fft : {&expected, &actual}) fft->FFT_Init(100);
+    expected.FFT_SetChannel(&whole, 0, 0, kLimits);
+    actual.FFT_SetChannel(&holey, 0, 0, kLimits);
+    const auto same = [&] {
+        return std::equal(actual.Image().begin(), actual.Image().end(), expected.Image().begin());
+    };
+    std::int32_t first = 100;
+    for (int round = 0; round < 200; ++round) {
+        // Scrolled with a hole here or there, and then without one.
+        holey.hole = 1000 + static_cast<std::int32_t>(random() % 3000);
+        for (int step = 0; step < 3; ++step) {
+            first = std::clamp(first + static_cast<std::int32_t>(random() % 61) - 30, 0, 300);
+            actual.FFT_Update(first, 100, 10, step == 0);
+            expected.FFT_Update(first, 100, 10, true);
+            bool unread = false;
+            for (std::int32_t column = 0; column < 100; ++column) {
+                // Frames of 64 samples begin half their length before the sample of the column, from 1.
+                const std::int32_t start = std::max((first + column) * 10 + 1 - 32, 1) - 1;
+                const bool hit = start <= holey.hole && holey.hole < start + 64;
+                ASSERT_EQ(actual.IsRead(column), !hit) << column;
+                unread = unread || hit;
+            }
+            ASSERT_EQ(actual.ReadFailure(), unread ? "hole" : "");
+            ASSERT_EQ(same(), !unread);
+        }
+        const bool unread = !actual.ReadFailure().empty();
+        holey.hole = -1;
+        ASSERT_EQ(actual.FFT_Update(first, 100, 10, false) > 0, unread);
+        ASSERT_EQ(actual.ReadFailure(), "");
+        ASSERT_TRUE(same());
+    }
 }
 
 }  // namespace

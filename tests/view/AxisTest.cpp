@@ -7,6 +7,7 @@
 #include "view/ScaleLabels.h"
 #include "view/Selection.h"
 #include "view/TimeAxis.h"
+#include "view/ViewHistory.h"
 
 namespace quillon {
 namespace {
@@ -42,6 +43,67 @@ TEST(TimeAxis, PagesAndEndsStopAtTheStrip) {
     EXPECT_EQ(axis.Visible().last, 1000);
     EXPECT_EQ(axis.ScrollBy(-2147483647 - 1), -800);
     EXPECT_EQ(Axis(1, 250).ScrollBy(1), 0) << "a strip of one column cannot be scrolled";
+}
+
+/// Every operation against its formula, on strips shorter and longer than the graph.
+TEST(TimeAxis, MovesAndScrollBarFollowTheirFormulas) {
+    std::mt19937 random(12);
+    for (int round = 0; round < 3000; ++round) {
+        const auto samples = static_cast<std::int32_t>(1 + random() % (round % 2 == 0 ? 3000U : 90000000U));
+        const auto width = static_cast<std::int32_t>(50 + random() % 1500);
+        TimeAxis axis = Axis(samples, width);
+        const int zoom = static_cast<int>(random() % TimeAxis::kMenuZoomCount);
+        axis.SelectZoom(zoom);
+        const std::int32_t perPixel = axis.SamplesPerPixel();
+        const std::int32_t length = (samples - 1) / perPixel + 1;
+        ASSERT_EQ(axis.StripLength(), length);
+        const auto first = static_cast<std::int32_t>(random() % static_cast<unsigned>(length + 1));
+        axis.Restore(zoom, first);
+        ASSERT_EQ(std::pair(axis.ZoomIndex(), axis.FirstColumn()), std::pair(zoom, first));
+        ASSERT_EQ(axis.PageShift(0), -first);
+        ASSERT_EQ(axis.PageShift(1), -(width / 100 * 100));
+        ASSERT_EQ(axis.PageShift(2), width / 100 * 100);
+        ASSERT_EQ(axis.PageShift(3), length - first);
+        ASSERT_NEAR(axis.ScrollValue(), 32767.0 * first / length, 0.51);
+        const int value = static_cast<int>(random() % 32768);
+        axis.SetScrollValue(value);
+        ASSERT_NEAR(axis.FirstColumn(), 1.0 * length * value / 32767.0, 0.501);
+        const double share = std::min(1.0 * width / length, 1.0);
+        ASSERT_NEAR(axis.ScrollPage(), std::max(32767.0 * share, 1.0), 0.501);
+        const auto sample = static_cast<std::int32_t>(1 + random() % static_cast<unsigned>(samples));
+        axis.ScrollBy(axis.ShiftTo(sample));
+        const std::int32_t wanted = (sample - 1) / perPixel - width / 2;
+        ASSERT_TRUE(length < 2 || axis.FirstColumn() == std::clamp(wanted, 0, std::max(length - width, 0)));
+        // What is shown as large as it fits lies in the middle.
+        const std::int32_t last = sample + static_cast<std::int32_t>(random() % 2000);
+        axis.ShowSamples(sample, std::min(last, samples));
+        const auto band = BandOf(axis, sample, std::min(last, samples));
+        ASSERT_TRUE(band);
+        const bool atAnEnd = axis.FirstColumn() == 0;
+        ASSERT_TRUE(atAnEnd || std::abs(band->left - (axis.Width() - 1 - band->right)) <= 1);
+        // Another block begins at its start, with a zoom of the menu.
+        axis.Restore(27, 0);
+        axis.SetBlock(samples);
+        ASSERT_EQ(std::pair(axis.ZoomIndex(), axis.FirstColumn()), std::pair(10, 0));
+        axis.Restore(zoom, first);
+        axis.SetBlock(samples);
+        ASSERT_EQ(std::pair(axis.ZoomIndex(), axis.FirstColumn()), std::pair(zoom, 0));
+    }
+}
+
+TEST(ViewHistory, GivesBackTheLastViewsInReverse) {
+    ViewHistory history;
+    const auto place = [](int n) { return ViewPlace{n % 11, n, n % 19, n * 3000000000LL}; };
+    for (int n = 1; n <= 100; ++n) {
+        history.Push(place(n));
+        if (n % 3 == 0) history.Push(place(n));  // the same view is kept once
+    }
+    for (int n = 100; n > 100 - static_cast<int>(ViewHistory::kMost); --n) ASSERT_EQ(history.Pop(), place(n));
+    EXPECT_TRUE(history.IsEmpty());
+    EXPECT_FALSE(history.Pop());
+    history.Push(place(1));
+    history.Clear();
+    EXPECT_FALSE(history.Pop());
 }
 
 TEST(Selection, SamplesAndColumnsBelongTogether) {
@@ -131,6 +193,19 @@ TEST(AmplitudeScale, FindDataTakesTheFinestScaleThatHoldsTheRange) {
     EXPECT_TRUE(scale.Shows({10.0F, 20.5F}));
     EXPECT_FALSE(scale.Shows({100.0F, 120.0F}));
     EXPECT_FALSE(scale.Shows({15.0F, 15.1F}));
+    // An eighth of the graph is 2.5 units; four fifths have to lie inside of 5.2 to 25.3.
+    EXPECT_TRUE(scale.Shows({12.0F, 14.55F}));
+    EXPECT_FALSE(scale.Shows({12.0F, 14.45F}));
+    EXPECT_TRUE(scale.Shows({23.0F - 7.4F, 25.3F + 2.3F}));
+    EXPECT_FALSE(scale.Shows({23.0F - 7.4F, 25.3F + 2.7F}));
+    // The middle of the data is that of the graph wherever the centre line is.
+    scale.SetGraph(402, 150);
+    scale.FindData(ValueRange{10.0F, 20.5F});
+    EXPECT_EQ(scale.ZeroRow(), 201 + 305);
+    scale.SetGraph(401, 200);  // nine divisions and a bit
+    scale.FindData(ValueRange{-5.0F, 5.0F});
+    EXPECT_EQ(scale.UnitsPerDivision(), 2.0);
+    scale.SetGraph(402, 201);
     EXPECT_FALSE(scale.Shows({10.0F, 40.0F})) << "most of it lies above the graph";
     scale.FindData(ValueRange{-1e9F, 1e9F});
     EXPECT_EQ(scale.Index(), 0);
@@ -160,6 +235,8 @@ TEST(TimeLabels, StandAtTheirDivisionsAndTellTimesOfDayAcrossMidnightAndSampleNu
     EXPECT_EQ(labels(format), "-30 23:59:59.8|70 0:00:00|170 0:00:00.2|");
     format.sampleIndexes = true;
     EXPECT_EQ(labels(format), "-30 101|70 201|170 301|");
+    block.sampleRate = 0.0;
+    EXPECT_EQ(labels({}), "-30 101|70 201|170 301|") << "without a rate there are no times";
 }
 
 TEST(AmplitudeLabels, StandAtTheirDivisions) {
@@ -177,6 +254,19 @@ TEST(AmplitudeLabels, StandAtTheirDivisions) {
         }
         EXPECT_GE(AmplitudeLabels(scale, false, u'.').size(), 3U);
     }
+    // Codes count 1000 to a unit, in thousands and millions from 100 and 100 000 a division on.
+    scale.SetBipolar();
+    const auto codes = [&](int index) {
+        scale.SelectScale(index);
+        return Utf8(AmplitudeLabels(scale, true, u'.')[0].text + u"|" + ScaleCaption(index, true, u'.'));
+    };
+    EXPECT_EQ(codes(0), "2 M|1 M");
+    EXPECT_EQ(codes(3), "0.2 M|0.1 M");
+    EXPECT_EQ(codes(4), "100 k|50 k");
+    EXPECT_EQ(codes(12), "0.2 k|0.1 k");
+    EXPECT_EQ(codes(13), "100|50");
+    EXPECT_EQ(ScaleCaption(16, false, u','), u"0,005");
+    EXPECT_EQ(ZoomCaption(8) + ZoomCaption(9) + ZoomCaption(10), u"500:11k:12k:1");
 }
 
 TEST(VisibleMarks, LieInTheirColumnsAndLookTheSameWhereverTheyLie) {

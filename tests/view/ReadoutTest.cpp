@@ -82,6 +82,42 @@ TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
     EXPECT_EQ(std::pair(statistics[1].minimum, statistics[1].maximum), std::pair(2.0, 1501.5));
     fake->failing = {"ReadCodes"};
     EXPECT_TRUE(StatisticsOf(Source(), 1, 10).empty());
+    // The same where whole frames are read, and of a constant without an error of rounding below zero.
+    struct FrameBlock : FakeBlock {
+        bool FramesAreCheap() const override { return true; }
+    };
+    const auto frames = std::make_shared<FrameBlock>();
+    frames->samples = fake->samples;
+    block.block = frames;
+    const auto again = StatisticsOf(Source(), 1001, 69000);
+    for (std::size_t at = 0; at < 2; ++at)
+        EXPECT_EQ(std::tuple(again[at].mean, again[at].rms, again[at].minimum, again[at].maximum),
+                  std::tuple(statistics[at].mean, statistics[at].rms, statistics[at].minimum, statistics[at].maximum));
+    frames->samples.assign(2, std::vector<std::int16_t>(70000, 31111));
+    EXPECT_EQ(StatisticsOf(Source(), 1, 69999)[0].deviation, 0.0);
+}
+
+TEST_F(ReadoutTest, TheNearestTraceIsThatOfTheLeastDistanceInRows) {
+    AmplitudeScale amplitude;
+    amplitude.SetGraph(400, 200);
+    amplitude.SelectScale(9);  // one unit per division
+    // At sample 3 the values are -2 and 2, at rows 280 and 120; the codes -6 and 0.
+    for (const int row : {0, 119, 199}) EXPECT_EQ(ChannelNear(Source(), amplitude, 3, row), 2) << row;
+    for (const int row : {201, 280, 399}) EXPECT_EQ(ChannelNear(Source(), amplitude, 3, row), 1) << row;
+    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 200), 1) << "of two as near the upper one in the list";
+    rawCodes = true;
+    amplitude.SelectScale(18);  // a code per division: rows 440 and 200
+    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 319), 2);
+    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 321), 1);
+    slots[0].shown = slots[4].shown = false;
+    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 321), 0);
+}
+
+TEST_F(ReadoutTest, WithoutARateLengthsAreSamples) {
+    block.sampleRate = 0.0;
+    slots[4].shown = false;
+    EXPECT_EQ(RangeReadout(Source(), {true, 1, 2, 4}), u"dX:\t2\r\nCh1:\t-2 mV\u2021 5 mV\t 2 mV\r\n");
+    EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t3\r\nCh1:\t-2 mV\r\n");
 }
 
 }  // namespace

@@ -184,6 +184,12 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     const SpectrumSettings spectrum{1, 2, 2, 12.5F, 200.0F, 11};
     EXPECT_EQ(OptionsOf(stored), (OptionValues{2, 4, 1, true, 1, 3, 0, 2, 1, spectrum, 1, 1, 1, 1, 1, 1, 1, 1, fast}));
     EXPECT_TRUE(stored.spectrogramShown);
+    // What no choice of the dialog gives is repaired at the start, shown or not.
+    stored.spectrogramShown = false;
+    stored.amplitudeScale = -5.0F;
+    stored.decibelRange = 300.0F;
+    stored.order = 31;
+    SettingsStore(MakeRegistryObject, parts.program).Save(stored);
     {
         const User user([&](User& me) {
             EXPECT_TRUE(WaitUntil([&] { return me.Caption().starts_with(L"a.bin"); }));
@@ -195,6 +201,8 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
         });
         EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
     }
+    SettingsStore(MakeRegistryObject, parts.program).Load(stored);
+    EXPECT_EQ(std::tuple(stored.amplitudeScale, stored.decibelRange, stored.order), std::tuple(100.0F, 120.0F, 11));
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Norvik\\Quillon day test");
 }
 
