@@ -95,6 +95,7 @@ void QL_FFT::FFT_ClearState() {
     std::fill(m_image.begin(), m_image.end(), std::uint8_t{0});
     std::fill(m_unread.begin(), m_unread.end(), false);
     m_failure.clear();
+    m_recovered = false;
 }
 
 void QL_FFT::FFT_SetChannel(RecordingBlock* block, std::int16_t blockNumber, std::int16_t channelIndex,
@@ -273,12 +274,15 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
     // Until they are computed no column is valid.
     m_state.columnCount = 0;
     m_failure.clear();
+    m_recovered = false;
     std::int32_t computed = std::max(to - from + 1, 0);
     if (computed > 0) FFT_ComputeColumns(from, to);
     for (std::int32_t column = 0; column < visibleColumns; ++column) {
         if (IsRead(column) || (column >= from && column <= to)) continue;
         FFT_ComputeColumns(column, column);
-        if (IsRead(column)) ++computed;
+        if (!IsRead(column)) continue;
+        ++computed;
+        m_recovered = true;
     }
     m_state.columnCount = visibleColumns;
     return computed;

@@ -77,6 +77,8 @@ class QL_FFT {
 
     /// Why some of the visible columns could not be read, as the block said it; empty when all could.
     [[nodiscard]] const std::string& ReadFailure() const { return m_failure; }
+    /// Whether the last update could read a column that it could not read before.
+    [[nodiscard]] bool HasRecovered() const { return m_recovered; }
     /// Whether a column of the image shows what was read; blank for another reason counts as that.
     [[nodiscard]] bool IsRead(std::int32_t column) const { return !m_unread[static_cast<std::size_t>(column)]; }
 
@@ -115,6 +117,7 @@ class QL_FFT {
     std::vector<std::uint8_t> m_image;
     std::vector<bool> m_unread;  ///< columns of the image that could not be read
     std::string m_failure;
+    bool m_recovered = false;
     std::unique_ptr<nsp::SpectrumBatch> m_batch;  ///< for the present order, window and scaling; made on need
     Palette m_palette{};
 };

@@ -59,9 +59,8 @@ void frmQLMain::Spectrogram_Draw(bool force) {
     const auto update = [&](bool all) {
         return m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), all);
     };
-    const bool unreadBefore = !m_fft.ReadFailure().empty();
     std::int32_t computed = update(force || zoomed);
-    if (unreadBefore && m_fft.ReadFailure().empty() && !m_global.ranges.Failure().empty()) {
+    if (m_fft.HasRecovered() && !m_global.ranges.Failure().empty()) {
         // What could not be read can be again, so the range was that of a part.
         ChooseSpectrumChannel();
         computed = update(true);
