@@ -5,7 +5,7 @@
 #include <random>
 
 #include "support/FakeRecording.h"
-#include "view/DataRange.h"
+#include "view/AmplitudeScale.h"
 #include "view/QL_ChUtils.h"
 #include "view/TraceMapping.h"
 #include "view/TraceSides.h"
@@ -266,116 +266,6 @@ TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {
     EXPECT_EQ(raw.windowExtentX, 2);
     EXPECT_NEAR(RowOf(raw, 1000), -1.0, 0.01) << "1000 codes to a unit, 40 units to 40 rows";
     EXPECT_EQ(raw.viewportOriginY, 0);
-}
-
-/// Two shown channels of scale 0.5 and -1.
-class RangeTest : public ::testing::Test {
-  protected:
-    RangeTest() { fake->samples = {{1, -7, 3, 4}, {10, 20, 30, 40}}; }
-    static void Expect(const std::optional<ValueRange>& range, float minimum, float maximum) {
-        ASSERT_TRUE(range);
-        EXPECT_EQ(std::pair(range->minimum, range->maximum), std::pair(minimum, maximum));
-    }
-    std::shared_ptr<FakeBlock> fake = std::make_shared<FakeBlock>();
-    ViewBlock block{.block = fake,
-                    .sampleCount = 4,
-                    .channelCount = 2,
-                    .channelNumbers = {0, 1},
-                    .invScale = {2.0F, -1.0F},
-                    .offsets = {1.0F, 0.0F},
-                    .marks = {}};
-    ChannelSlots slots;
-};
-
-TEST_F(RangeTest, RecordsTakeTheShownChannelsInTheirUnitsAndKeepThem) {
-    RangeRecords records;
-    for (const bool onePass : {true, false}) {
-        fake->offersExtremes = onePass;
-        records.Reset();
-        slots[1].shown = true;
-        Expect(records.OfShown(block, slots), -40.0F, 3.0F);
-        slots[1].shown = false;
-        Expect(records.OfShown(block, slots), -2.5F, 3.0F);
-    }
-    Expect(records.Of(block, 2), -40.0F, -10.0F);
-    for (const std::int16_t none : {std::int16_t{0}, std::int16_t{3}}) EXPECT_FALSE(records.Of(block, none));
-    fake->failing = {"ReadCodes", "ColumnExtremes"};
-    Expect(records.OfShown(block, slots), -2.5F, 3.0F);  // read once per channel, and kept
-    records.Reset();
-    EXPECT_FALSE(records.OfShown(block, slots).has_value());
-    EXPECT_EQ(records.Failure(), "ColumnExtremes");
-    fake->failing.clear();
-    Expect(records.OfShown(block, slots), -2.5F, 3.0F);
-    EXPECT_EQ(records.Failure(), "");
-    // A scale so large that values overflow: no range, and Find Data leaves the scale alone.
-    block.invScale[0] = 1e-38F;
-    records.Reset();
-    EXPECT_FALSE(records.OfShown(block, slots));
-}
-
-TEST_F(RangeTest, WhatCannotBeReadIsLeftOutUntilItCanBe) {
-    struct HoleyBlock : FakeBlock {
-        std::int32_t from = 0, to = 0;  // cannot be read
-        void Check(std::int32_t first, std::int32_t count) const {
-            if (first < to && first + count > from) throw std::runtime_error("hole");
-        }
-        std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
-                               std::int16_t* buffer) override {
-            return Check(first, count), FakeBlock::ReadCodes(channel, first, count, buffer);
-        }
-        bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
-                            std::int32_t run, std::span<RunExtremes* const> out) override {
-            return Check(first, count), FakeBlock::ColumnExtremes(channels, first, count, run, out);
-        }
-    };
-    const auto holey = std::make_shared<HoleyBlock>();
-    block.block = holey;
-    block.sampleCount = 300000;
-    holey->samples.assign(2, std::vector<std::int16_t>(300000, 0));
-    const auto put = [&](int at, std::int16_t code) { holey->samples[0][static_cast<std::size_t>(at)] = code; };
-    put(150000, 2000);  // the only one that is lost at first
-    put(149999, 200);
-    put(150001, -300);
-    put(299999, 600);
-    holey->from = 150000;
-    holey->to = 150001;
-    RangeRecords records;
-    for (const bool onePass : {true, false}) {
-        holey->offersExtremes = onePass;
-        records.Reset();
-        Expect(records.Of(block, 1), -149.0F, 301.0F);
-        EXPECT_EQ(records.Failure(), "hole");
-    }
-    // Whatever is lost, nothing that lies far from it is.
-    holey->from = 70000;
-    holey->to = 280000;
-    Expect(records.Of(block, 1), 1.0F, 301.0F);
-    holey->from = holey->to = 0;
-    Expect(records.Of(block, 1), -149.0F, 1001.0F);
-    EXPECT_EQ(records.Failure(), "");
-}
-
-TEST_F(RangeTest, TheCentralOneLeavesOutOneHundredthOfThePoints) {
-    std::mt19937 random(4);
-    for (const int count : {1, 2, 100, 199, 200, 1000, 1999}) {
-        std::vector<std::vector<TracePoint>> points(2);
-        std::vector<float> values;
-        for (int at = 0; at < count; ++at) {
-            const auto code = static_cast<std::int32_t>(random() % 65536) - 32768;
-            points[static_cast<std::size_t>(at % 2)].push_back({at, code});
-            values.push_back(at % 2 == 0 ? static_cast<float>(code) / 2.0F + 1.0F : static_cast<float>(-code));
-        }
-        std::sort(values.begin(), values.end());
-        const std::size_t outside = values.size() / 200;
-        const std::vector<std::int16_t> channels{1, 2};
-        Expect(CentralRange(block, channels, points, false), values[outside], values[values.size() - 1 - outside]);
-    }
-    const std::vector<std::int16_t> one{1};
-    std::vector<std::vector<TracePoint>> points{std::vector<TracePoint>(1000, {0, 10})};
-    points[0][7].y = 2000;
-    Expect(CentralRange(block, one, points, true), 0.01F, 2.0F);
-    points[0].clear();
-    EXPECT_FALSE(CentralRange(block, one, points, false));
 }
 
 TEST(TraceSides, AreThoseOfAllColumnsHoweverTheyCameIn) {
