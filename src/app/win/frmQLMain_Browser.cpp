@@ -43,6 +43,8 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
         }
         if ((change->uChanged & LVIF_STATE) != 0 &&
             ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
+            // What the user chooses later ends the view of one channel alone.
+            m_global.shownBeforeSolo.reset();
             StoreShown(change->iItem);
             Refresh();
         }
@@ -370,6 +372,7 @@ void frmQLMain::StoreShown(int item) {
 }
 
 void frmQLMain::SetAllShown(int index) {
+    m_global.shownBeforeSolo.reset();
     const int count = static_cast<int>(m_global.block.channelNumbers.size());
     for (int item = 0; item < count; ++item) {
         m_channels.Check(item, index == 0 || (index == 2 && !m_channels.IsChecked(item)));

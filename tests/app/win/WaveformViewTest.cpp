@@ -401,6 +401,23 @@ TEST_F(WaveformViewTest, OneChannelIsShownAlone) {
     ClickLine(lstFile, 1);
     EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1, 3}));
     EXPECT_FALSE(IsChecked(mnuSoloChannel, m_global));
+    // A choice made while it is shown alone stays, with the next file too.
+    const auto shown = [&] {
+        std::string flags;
+        for (std::size_t slot = 0; slot < 3; ++slot) flags += m_global.slots[slot].shown ? '1' : '0';
+        return flags;
+    };
+    Command(mnuChShow);
+    for (const auto& [choose, chosen] :
+         {std::pair<std::function<void()>, std::string>{[&] { Command(mnuChShow); }, "111"},
+          {[&] { ClickCheckBox(2); }, "101"}}) {
+        Command(mnuSoloChannel);
+        EXPECT_EQ(shown(), "100");
+        choose();
+        EXPECT_FALSE(IsChecked(mnuSoloChannel, m_global));
+        for (const int line : {1, 0}) ClickLine(lstFile, line);
+        EXPECT_EQ(shown(), chosen);
+    }
 }
 
 }  // namespace
