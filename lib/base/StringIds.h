@@ -33,6 +33,8 @@
 #define IDS_FILE_GONE 2025
 #define IDS_NO_SAMPLES 2026
 #define IDS_UNREADABLE 2027
+#define IDS_FILE_RELOADED 2028
+#define IDS_FILE_CHANGED 2029
 #define IDS_RANGE_PARTIAL 2035
 
 // Menu captions; those of an array follow each other.

@@ -32,6 +32,9 @@ struct SoundState {
     std::int32_t position = 0;  ///< sample that is heard, from 1; 0 when nothing is
 };
 
+/// A flag for every channel slot.
+using ChannelFlags = std::bitset<kSlotCount>;
+
 /// The state that the whole program shares; one object, made by the start-up procedure.
 struct QL_Global {
     std::shared_ptr<RecordingLibrary> library;
@@ -57,8 +60,8 @@ struct QL_Global {
     RangeRecords ranges;
     Selection selection;
     ViewHistory history;
-    std::int16_t currentChannel = 1;  ///< position in the block, from 1, of the channel chosen in the list
-    std::optional<std::bitset<kSlotCount>> shownBeforeSolo;  ///< while one channel is shown alone
+    std::int16_t currentChannel = 1;              ///< position in the block, from 1, of the channel chosen in the list
+    std::optional<ChannelFlags> shownBeforeSolo;  ///< while one channel is shown alone
     bool rawCodes = false;
     FormatOptions format;
 };

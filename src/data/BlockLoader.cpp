@@ -28,25 +28,32 @@ std::u16string WithBackslash(std::u16string folder) {
 
 }  // namespace
 
+std::u16string BlockLoader::Attempt::Path() const {
+    return name.empty() ? std::u16string() : WithBackslash(folder) + name;
+}
+
+bool BlockLoader::IsOpen(const std::u16string& path) const {
+    if (path == m_file.fileName) return true;
+    if (LowerCase(path) != LowerCase(m_file.fileName)) return false;
+    // Where a folder tells letter cases apart it may be another file.
+    const FileStamp stamp = m_host.StampOf(path);
+    return !stamp.known || !m_attempt.stamp.known || stamp.IsSameFile(m_attempt.stamp);
+}
+
 void BlockLoader::OpenFile(const std::u16string& folder, const std::u16string& name, const std::u16string& pattern) {
-    const std::u16string chosen = name.empty() ? std::u16string() : WithBackslash(folder) + name;
-    if (!chosen.empty() && LowerCase(chosen) == LowerCase(m_file.fileName)) return;
+    Attempt attempt{folder, name, pattern, {}};
+    const std::u16string chosen = attempt.Path();
+    if (!chosen.empty() && IsOpen(chosen)) return;
     CloseCurrentFile();
     if (!chosen.empty()) {
+        // Asked first: what is written while it is opened is a change.
+        attempt.stamp = m_host.StampOf(chosen);
+        m_attempt = attempt;
         std::shared_ptr<Recording> recording;
         if (m_library.OpenRecording(chosen, recording)) {
             m_services.SetStatus({});
-            m_file.recording = recording;
-            m_file.fileName = recording->FileName();
-            m_file.fileInfo = recording->FileInfo();
-            m_file.blockCount = recording->BlockCount();
             if (pattern != u"*.*") m_host.OfferFolder(folder);
-            FillBlockList();
-            if (m_host.SelectedBlockItem() == 0) {
-                LoadBlock(0);
-            } else {
-                m_host.SelectBlockItem(0);
-            }
+            Take(std::move(recording), 0);
         } else {
             m_services.SetStatus(name + u": " + m_library.LastErrorText());
         }
@@ -57,10 +64,55 @@ void BlockLoader::OpenFile(const std::u16string& folder, const std::u16string& n
     }
 }
 
+void BlockLoader::Take(std::shared_ptr<Recording> recording, std::int16_t block) {
+    m_file.recording = std::move(recording);
+    m_file.fileName = m_file.recording->FileName();
+    m_file.fileInfo = m_file.recording->FileInfo();
+    m_file.blockCount = m_file.recording->BlockCount();
+    FillBlockList();
+    const auto last = static_cast<std::int16_t>(std::max<std::int16_t>(m_file.blockCount, 1) - 1);
+    const std::int16_t index = std::clamp<std::int16_t>(block, 0, last);
+    if (m_host.SelectedBlockItem() == index) {
+        LoadBlock(index);
+    } else {
+        m_host.SelectBlockItem(index);
+    }
+}
+
+bool BlockLoader::HasChanged(bool asked) {
+    if (m_attempt.name.empty()) return false;
+    const FileStamp stamp = m_host.StampOf(m_attempt.Path());
+    if (!stamp.known || stamp == m_attempt.stamp) {
+        m_seen = {};
+        return false;
+    }
+    return asked || stamp == std::exchange(m_seen, stamp);
+}
+
+bool BlockLoader::Reload() {
+    if (m_file.fileName.empty()) {
+        const Attempt again = m_attempt;
+        OpenFile(again.folder, again.name, again.pattern);
+        return true;
+    }
+    m_seen = {};
+    Attempt attempt = m_attempt;
+    attempt.stamp = m_host.StampOf(m_file.fileName);
+    const std::int16_t block = m_file.currentBlockIndex;
+    std::shared_ptr<Recording> recording;
+    const bool opened = m_library.OpenRecording(m_file.fileName, recording);
+    if (opened) CloseCurrentFile();
+    m_attempt = std::move(attempt);
+    if (opened) Take(std::move(recording), block);
+    return opened;
+}
+
 void BlockLoader::CloseCurrentFile() {
     std::shared_ptr<Recording> recording = std::move(m_file.recording);
     m_file = ViewFile{};
     m_block = ViewBlock{};
+    m_attempt = {};
+    m_seen = {};
     m_host.ResetViewState();
     if (recording) m_library.CloseRecording(recording);
 }

@@ -44,6 +44,10 @@ class BlockLoaderTest : public ::testing::Test, public LoaderHost {
         m_selected = position;
         m_loader.LoadBlock(static_cast<std::int16_t>(position));
     }
+    FileStamp StampOf(const std::u16string& path) const override {
+        const auto found = m_stamps.find(path);
+        return found == m_stamps.end() ? FileStamp{} : found->second;
+    }
     void OfferFolder(const std::u16string& folder) override { m_offered.push_back(folder); }
     void ShowBlock() override { m_shown.push_back(m_file.currentBlockIndex); }
 
@@ -57,6 +61,7 @@ class BlockLoaderTest : public ::testing::Test, public LoaderHost {
     std::int32_t m_selected = -1;
     std::vector<std::u16string> m_offered;
     std::vector<int> m_shown;
+    std::map<std::u16string, FileStamp> m_stamps;
     BlockLoader m_loader{m_library, m_file, m_block, m_slots, m_services, *this};
 };
 
@@ -80,6 +85,62 @@ TEST_F(BlockLoaderTest, OpeningListsTheBlocksAndLoadsTheFirstOnce) {
     EXPECT_THAT(m_shown, ElementsAre(0, 0, -1));
     Open(u"one.fake", {Block(u"first")});
     EXPECT_EQ(m_services.status, u"") << "the reason of the earlier refusal is gone";
+}
+
+TEST_F(BlockLoaderTest, LetterCaseTellsFilesApartWhereTheFolderDoes) {
+    FileStamp& upper = m_stamps[u"C:\\data\\REC.fake"];
+    m_stamps[u"C:\\data\\rec.fake"] = upper = {true, 1, 7, 100, 5};
+    Open(u"rec.fake", {Block(u"lower")});
+    Open(u"REC.fake", {Block(u"upper")});
+    EXPECT_EQ(m_library.opened, 1) << "two names of one file";
+    upper.file = 8;
+    Open(u"REC.fake", {Block(u"upper")});
+    EXPECT_THAT(m_items, ElementsAre(u"upper\t1"));
+    upper.size = 200;
+    Open(u"REC.fake", {Block(u"upper")});
+    EXPECT_EQ(m_library.opened, 2) << "the name is that of the open file, whatever became of it";
+}
+
+TEST_F(BlockLoaderTest, AChangedFileIsLoadedAgainOnceItIsQuiet) {
+    FileStamp& stamp = m_stamps[u"C:\\data\\a.fake"];
+    EXPECT_FALSE(m_loader.HasChanged(true));
+    stamp = {true, 1, 7, 100, 5};
+    const std::vector<std::shared_ptr<FakeBlock>> blocks{Block(u"1"), Block(u"2"), Block(u"3")};
+    Open(u"a.fake", blocks);
+    SelectBlockItem(2);
+    EXPECT_FALSE(m_loader.HasChanged(true));
+    stamp.size = 150;
+    EXPECT_FALSE(m_loader.HasChanged(false)) << "it may still be written to ...";
+    stamp.size = 200;
+    EXPECT_FALSE(m_loader.HasChanged(false)) << "... and was";
+    EXPECT_TRUE(m_loader.ChangePending());
+    EXPECT_TRUE(m_loader.HasChanged(true));
+    EXPECT_TRUE(m_loader.HasChanged(false));
+    EXPECT_TRUE(m_loader.Reload());
+    EXPECT_EQ(m_file.currentBlockIndex, 2);
+    EXPECT_EQ(m_library.closed, 1);
+    EXPECT_FALSE(m_loader.HasChanged(true));
+    // Replaced by one of the same size and time, with fewer blocks.
+    stamp.file = 8;
+    m_library.files[u"C:\\data\\a.fake"]->blocks.resize(2);
+    EXPECT_TRUE(m_loader.HasChanged(true));
+    EXPECT_TRUE(m_loader.Reload());
+    EXPECT_EQ(m_file.currentBlockIndex, 1);
+    EXPECT_THAT(m_items, ElementsAre(u"1\t1", u"2\t2"));
+    // What can no longer be read leaves the open one as it is, and is not tried again and again.
+    const auto readable = std::exchange(m_library.files[u"C:\\data\\a.fake"], nullptr);
+    stamp.modified = 6;
+    EXPECT_FALSE(m_loader.Reload());
+    EXPECT_EQ(m_file.currentBlockIndex, 1);
+    EXPECT_FALSE(m_loader.HasChanged(true));
+    // One that was refused is opened when it has become readable.
+    Open(u"b.fake", {});
+    m_stamps[u"C:\\data\\b.fake"] = stamp;
+    m_library.files[u"C:\\data\\b.fake"] = readable;
+    EXPECT_TRUE(m_loader.HasChanged(true));
+    EXPECT_TRUE(m_loader.Reload());
+    EXPECT_EQ(m_file.currentBlockIndex, 0);
+    EXPECT_EQ(m_offered.size(), 2U);
 }
 
 TEST_F(BlockLoaderTest, LoadingReadsChannelsSlotsAndMarks) {

@@ -65,6 +65,13 @@ struct FindTraits {
 };
 using FindHandle = WinHandle<FindTraits>;
 
+struct FileTraits {
+    using Handle = HANDLE;
+    static Handle Invalid() { return INVALID_HANDLE_VALUE; }
+    static void Close(Handle handle) { CloseHandle(handle); }
+};
+using FileHandle = WinHandle<FileTraits>;
+
 struct MemoryDCTraits {
     using Handle = HDC;
     static Handle Invalid() { return nullptr; }

@@ -19,6 +19,7 @@ namespace {
 constexpr const wchar_t* kClassName = L"frmQLMain";
 /// No window lies further away or is larger, in pixels.
 constexpr std::int32_t kFarthest = 1 << 20;
+constexpr std::int32_t kLookInterval = 2000;  ///< ms
 
 HMENU IdOf(int id) {
     return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
@@ -186,6 +187,9 @@ void frmQLMain::Failed(const std::exception& error) noexcept {
 void frmQLMain::OnCreate() {
     // Only what the first waveform needs; Complete() makes the rest.
     m_watch = std::make_unique<cFileNotification>(m_makeTimer, [this] { FilesChanged(); });
+    m_lookTimer = m_makeTimer([this] { LookAtRecording(false); });
+    m_lookTimer->PutInterval(kLookInterval);
+    m_lookTimer->PutEnabled(true);
     m_font = MakeFont(m_dpi);
     if (!m_graphBox.Create(m_window, pbGraph, *this, true))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "graph");
@@ -334,6 +338,7 @@ void frmQLMain::OnActivate(UINT state) {
         if (m_folderMissing && !refused)
             m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
     }
+    m_lookDue = true;
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
 }
 
@@ -395,6 +400,7 @@ void frmQLMain::OnDestroy() {
     static_cast<void>(m_menu.Release());
     m_closing = true;
     m_watch.reset();
+    m_lookTimer.reset();
     // A window that could not be made has nothing to keep, and its message is still to be shown.
     if (m_createFailure) return;
     m_sound.reset();

@@ -66,6 +66,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void SetBlockItem(std::int32_t position, const std::u16string& text) override;
     [[nodiscard]] std::int32_t SelectedBlockItem() const override { return m_blocks.Selected(); }
     void SelectBlockItem(std::int32_t position) override;
+    [[nodiscard]] FileStamp StampOf(const std::u16string& path) const override;
     void OfferFolder(const std::u16string& folder) override;
     void ShowBlock() override;
 
@@ -106,6 +107,15 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void FillTypes();
 
     // Browser, blocks and channels.
+    /// What stays as it is when the recording is loaded anew.
+    struct KeptView {
+        ViewPlace place;
+        ViewHistory history;
+        Selection selection;
+        std::int16_t currentChannel = 1;
+        ChannelFlags shown;
+        std::optional<ChannelFlags> shownBeforeSolo;
+    };
     void OnListCommand(int id, int notification);
     LRESULT OnNotify(const NMHDR* header);
     /// False when the folder cannot be read; then the old one stays.
@@ -120,6 +130,11 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void RenameSelected();
     /// Files were created, deleted or renamed in the folder by others.
     void FilesChanged();
+    /// Loads the recording anew, at the place that is seen, when its file has changed. `asked`: by the user, who wants
+    /// it now; else it waits for a quiet moment, and until the file is written.
+    void LookAtRecording(bool asked);
+    [[nodiscard]] KeptView ViewToKeep() const;
+    void RestoreView(const KeptView& kept);
     void StartWatch();
     /// Reads the folder and watches it anew; the open recording stays open.
     void RefreshFiles();
@@ -319,6 +334,10 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     TimerFactory m_makeTimer;
     std::function<void()> m_shutdown;
     std::unique_ptr<cFileNotification> m_watch;  ///< made when the window loads
+    std::unique_ptr<TimerObject> m_lookTimer;    ///< looks at the file of the recording
+    bool m_lookDue = false;                      ///< also where that may take its time
+    std::u16string m_changeTold;                 ///< what "Status" was told of a change of the file
+    std::optional<KeptView> m_kept;              ///< while the recording is loaded anew
 
     HWND m_window = nullptr;
     Menu m_menu;

@@ -8,6 +8,7 @@
 #include "base/StringIds.h"
 #include "data/ChannelSelection.h"
 #include "data/FileOperationPlan.h"
+#include "data/win/FileIdentity.h"
 #include "data/win/FileOperation.h"
 
 namespace quillon {
@@ -162,6 +163,7 @@ void frmQLMain::RefreshFiles() {
     // between the two is told by it.
     StartWatch();
     FilesChanged();
+    LookAtRecording(true);
 }
 
 void frmQLMain::FilesChanged() try {
@@ -179,9 +181,64 @@ void frmQLMain::FilesChanged() try {
         m_services.SetStatus(name + u": " + m_services.Text(IDS_FILE_GONE));
     }
     m_global.fileSelected = !m_browser.SelectedFile().empty();
+    m_lookDue = true;
     UpdateCommands();
 } catch (const std::exception& error) {
     Failed(error);
+}
+
+FileStamp frmQLMain::StampOf(const std::u16string& path) const {
+    return quillon::StampOf(Wide(path));
+}
+
+void frmQLMain::LookAtRecording(bool asked) try {
+    if (m_busy || m_closing || !IsWindowEnabled(m_window)) return;
+    if (!asked) {
+        // Neither a drag nor the sound is disturbed.
+        if (m_gesture.kind != Gesture::None || m_drag != Drag::None || m_global.sound.playing) return;
+        const bool due = std::exchange(m_lookDue, false) || m_loader.ChangePending();
+        if (!due && IsRemote(m_browser.Folder())) return;
+    }
+    if (!m_loader.HasChanged(asked)) return;
+    const std::u16string name = FileNameOf(m_global.file.fileName);
+    if (name.empty()) return static_cast<void>(m_loader.Reload());
+    m_kept = ViewToKeep();
+    const bool loaded = m_loader.Reload();
+    m_kept.reset();
+    // What was told of something else stays, unless this is of more use.
+    if (loaded && !m_services.Status().empty() && m_services.Status() != m_changeTold) return;
+    m_changeTold = name + u": " + m_services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
+    if (!loaded) m_changeTold += u": " + m_global.library->LastErrorText();
+    m_services.SetStatus(m_changeTold);
+} catch (const std::exception& error) {
+    m_kept.reset();
+    Failed(error);
+}
+
+frmQLMain::KeptView frmQLMain::ViewToKeep() const {
+    ChannelFlags shown;
+    for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot) shown.set(slot, m_global.slots[slot].shown);
+    return {PresentView(), m_global.history,        m_global.selection, m_global.currentChannel,
+            shown,         m_global.shownBeforeSolo};
+}
+
+void frmQLMain::RestoreView(const KeptView& kept) {
+    TimeAxis& axis = m_global.axis;
+    axis.Restore(kept.place.zoom, kept.place.firstColumn);
+    // Of a shorter recording the last page is seen rather than nothing.
+    if (axis.Visible().Count() == 0) axis.ScrollBy(axis.PageShift(1));
+    m_global.amplitude.SelectScale(kept.place.scale);
+    m_global.amplitude.MoveBaseLine(kept.place.shift - m_global.amplitude.Shift());
+    m_global.history = kept.history;
+    m_global.currentChannel =
+        kept.currentChannel <= m_global.block.channelCount ? kept.currentChannel : std::int16_t{1};
+    const std::int32_t samples = m_global.block.sampleCount;
+    m_global.selection = kept.selection;
+    m_global.selection.active = kept.selection.active && kept.selection.First() <= samples;
+    m_global.selection.start = std::min(kept.selection.start, samples);
+    m_global.selection.end = std::min(kept.selection.end, samples);
+    for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot) m_global.slots[slot].shown = kept.shown.test(slot);
+    m_global.shownBeforeSolo = kept.shownBeforeSolo;
 }
 
 void frmQLMain::FileCommand(int index) {
@@ -286,6 +343,7 @@ void frmQLMain::SelectType() {
 void frmQLMain::ClickFile() {
     m_global.fileSelected = !m_browser.SelectedFile().empty();
     m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(m_browser.SelectedFile()), m_browser.Pattern());
+    LookAtRecording(true);
 }
 
 void frmQLMain::ClickBlock() {
@@ -332,15 +390,18 @@ void frmQLMain::ShowBlock() {
     m_global.axis.SetBlock(m_global.block.sampleCount);
     m_global.axis.SetWidth(m_layout.graph.width);
     m_global.amplitude.SetGraph(m_layout.graph.height, m_layout.graph.height / 2);
+    if (m_kept) RestoreView(*m_kept);
     if (m_complete) ShowBlockDetails();
-    FitUnlessLegible();
+    if (!m_kept) FitUnlessLegible();
     ShowCaption();
     Refresh();
+    if (m_kept && m_global.selection.active) ShowRange();
     if (m_complete) ShowBlockSpectrum();
 }
 
 void frmQLMain::ShowBlockDetails() {
     m_channels.Fill(m_global.block, m_global.slots);
+    if (m_kept) m_channels.Choose(m_global.currentChannel - 1);
     TellDetails();
 }
 

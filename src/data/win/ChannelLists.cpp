@@ -125,6 +125,12 @@ bool ChannelList::IsChecked(int item) const {
     return ListView_GetCheckState(m_list, item) != 0;
 }
 
+void ChannelList::Choose(int item) {
+    const QuietScope quiet(m_filling);
+    ListView_SetItemState(m_list, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    ListView_EnsureVisible(m_list, item, FALSE);
+}
+
 void ChannelList::Check(int item, bool checked) {
     const QuietScope quiet(m_filling);
     ListView_SetCheckState(m_list, item, checked);

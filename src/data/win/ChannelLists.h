@@ -45,6 +45,8 @@ class ChannelList {
     [[nodiscard]] bool IsOnItem(const NMHDR* notification) const;
     /// Sets a check box without a change notification.
     void Check(int item, bool checked);
+    /// Selects an item without a change notification.
+    void Choose(int item);
     /// True while this object itself changes the list, so that its notifications say nothing new.
     [[nodiscard]] bool Filling() const { return m_filling; }
 

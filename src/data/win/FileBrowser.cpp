@@ -5,6 +5,7 @@
 
 #include "base/win/WinHandle.h"
 #include "data/FileFilter.h"
+#include "data/win/FileIdentity.h"
 #include "data/win/FillScope.h"
 
 namespace quillon {
@@ -163,7 +164,7 @@ void FileBrowser::SetPattern(const std::u16string& pattern) {
 }
 
 bool FileBrowser::Shows(const std::wstring& folder) const {
-    return !m_folder.empty() && IsSameName(Normal(folder), m_folder);
+    return !m_folder.empty() && IsSamePath(Normal(folder), m_folder);
 }
 
 void FileBrowser::Refresh() {

@@ -4,6 +4,7 @@
 
 #include "data/FileOperationPlan.h"
 #include "data/win/AnsiText.h"
+#include "data/win/FileIdentity.h"
 
 namespace quillon {
 
@@ -44,10 +45,6 @@ bool IsFile(const std::u16string& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-bool DiffersInCaseOnly(const std::u16string& a, const std::u16string& b) {
-    return CompareStringOrdinal(Wide(a).c_str(), -1, Wide(b).c_str(), -1, TRUE) == CSTR_EQUAL;
-}
-
 }  // namespace
 
 FileOperationResult DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner) {
@@ -73,9 +70,9 @@ FileOperationResult RenameFile(const std::wstring& folder, const std::wstring& o
     const std::optional<FileOperationPlan> plan = PlanRename(Narrow16(folder), Narrow16(oldName), Narrow16(newName));
     if (!plan || !IsFile(plan->from)) return FileOperationResult::Failed;
     // Asked before the shell, which may offer the user yet another name instead. What is found under a name that
-    // differs in letter case only is the file itself.
+    // differs in letter case only is the file itself, unless the folder tells letter cases apart.
     const bool taken = GetFileAttributesW(Wide(plan->to).c_str()) != INVALID_FILE_ATTRIBUTES;
-    if (taken && !DiffersInCaseOnly(plan->from, plan->to)) return FileOperationResult::Failed;
+    if (taken && !IsSamePath(Wide(plan->from), Wide(plan->to))) return FileOperationResult::Failed;
     return Perform(FO_RENAME, *plan, owner);
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
+#include "base/win/WinHandle.h"
 
 namespace quillon {
 namespace {
@@ -86,6 +87,70 @@ TEST_F(BrowserTest, ChangesByOthersAppearAndARecordingThatIsGoneIsClosed) {
     EXPECT_EQ(ItemCount(), 0);
     EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"a.bin: "));
     EXPECT_EQ(Caption(), L"Quillon");
+}
+
+TEST_F(BrowserTest, ARecordingThatChangesIsLoadedAgainAtTheSamePlace) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(20000)));
+    Start();
+    Command(mnuScaleX + 1);
+    Command(mnuScaleY + 7);
+    ScrollTo(3000);
+    ClickCheckBox(1);
+    m_global.selection = {true, 1, 7000, 19000};
+    const ViewPlace place{1, 3000, 7, m_global.amplitude.Shift()};
+    const auto isAt = [&](std::int32_t samples) {
+        return m_global.block.sampleCount == samples && m_global.axis.ZoomIndex() == place.zoom &&
+               m_global.axis.FirstColumn() == place.firstColumn && m_global.amplitude.Index() == place.scale &&
+               m_global.amplitude.Shift() == place.shift && !m_global.slots[1].shown;
+    };
+    // Grown under the same name, which no folder watch tells.
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(30000)));
+    EXPECT_TRUE(WaitFor([&] { return m_global.block.sampleCount == 30000; }));
+    EXPECT_TRUE(isAt(30000));
+    EXPECT_EQ(m_global.selection.Last(), 19000);
+    EXPECT_THAT(Status(StatusPanel::Status), ::testing::StartsWith(L"a.bin: "));
+    // Another file took its place; the user asks for it.
+    static_cast<void>(m_folder.Write(u"new.tmp", SawRecording(9000)));
+    std::filesystem::rename(m_folder.File(u"a.bin"), m_folder.File(u"a.old"));
+    std::filesystem::rename(m_folder.File(u"new.tmp"), m_folder.File(u"a.bin"));
+    Command(mnuTabFile);
+    EXPECT_TRUE(isAt(9000));
+    EXPECT_EQ(m_global.selection.Last(), 9000);
+    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 100);
+    // One that is unreadable meanwhile stays seen as it was.
+    static_cast<void>(m_folder.Write(u"a.bin", FileBytes().Text("half written")));
+    ClickLine(lstFile, 0);
+    EXPECT_TRUE(isAt(9000));
+    EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"no longer"));
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(100)));
+    Command(mnuTabFile);
+    EXPECT_EQ(m_global.block.sampleCount, 100);
+    EXPECT_FALSE(m_global.selection.active);
+    EXPECT_GT(m_global.axis.Visible().Count(), 0);
+}
+
+/// Makes a file beside one whose name differs in letter case only: under Wine by its path on the system below.
+void WriteBeside(const std::u16string& folder, const wchar_t* name, const FileBytes& content) {
+    using UnixName = char*(CDECL*)(const wchar_t*);
+    const auto unixName = reinterpret_cast<UnixName>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+    if (unixName == nullptr) return;
+    const std::string below = unixName(Wide(folder).c_str());
+    const std::wstring path = L"\\\\?\\unix" + std::wstring(below.begin(), below.end()) + L'/' + name;
+    const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    DWORD written = 0;
+    WriteFile(file.Get(), content.Bytes().data(), static_cast<DWORD>(content.Size()), &written, nullptr);
+}
+
+TEST_F(BrowserTest, NamesThatDifferInLetterCaseAreTwoFilesWhereTheyAre) {
+    static_cast<void>(m_folder.Write(u"rec.bin", SawRecording(100)));
+    WriteBeside(m_folder.Path(), L"REC.BIN", SawRecording(200));
+    Start();
+    if (Lines(lstFile).size() < 2) GTEST_SKIP() << "the folder takes them for one";
+    for (const std::size_t line : {0U, 1U, 0U}) {
+        ClickLine(lstFile, static_cast<int>(line));
+        EXPECT_EQ(m_global.block.sampleCount, Lines(lstFile)[line] == L"rec.bin" ? 100 : 200);
+    }
 }
 
 TEST_F(BrowserTest, AFolderThatWasAwayIsListedAndWatchedAgain) {

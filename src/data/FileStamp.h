@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quillon {
+
+/// What tells one file, and one state of it, from another.
+struct FileStamp {
+    bool known = false;  ///< false where there is no such file or nothing can be learnt of it
+    std::uint32_t volume = 0;
+    std::uint64_t file = 0;      ///< number of the file on its volume
+    std::uint64_t size = 0;      ///< bytes
+    std::uint64_t modified = 0;  ///< time of the last change, in a unit of the system's own
+
+    [[nodiscard]] bool IsSameFile(const FileStamp& other) const {
+        return known && other.known && volume == other.volume && file == other.file;
+    }
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+}  // namespace quillon
