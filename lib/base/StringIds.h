@@ -163,6 +163,7 @@
 // Why nothing is played.
 #define IDS_SOUND_NO_DATA 5400
 #define IDS_SOUND_UNREADABLE 5401
+#define IDS_SOUND_DEVICE_GONE 5402
 
 // The options dialog; captions of an array follow each other.
 #define IDS_DLG_OPTIONS 5200

@@ -36,7 +36,19 @@ QLSound::~QLSound() {
 
 bool QLSound::Refresh() {
     m_available = m_objOut != nullptr && m_objOut->DeviceCount() > 0;
+    if (m_available) FindChosen();
     return m_available;
+}
+
+void QLSound::FindChosen() {
+    m_chosenIsThere = true;
+    // Two devices may have the same name: the index that was chosen comes first.
+    if (m_chosen.empty() || m_objOut->DeviceName(m_objOut->Device()) == m_chosen) return;
+    const std::int16_t count = m_objOut->DeviceCount();
+    for (std::int16_t index = 0; index < count; ++index) {
+        if (m_objOut->DeviceName(index) == m_chosen) return m_objOut->PutDevice(index);
+    }
+    m_chosenIsThere = false;
 }
 
 std::int16_t QLSound::DeviceCount() const {
@@ -48,11 +60,15 @@ std::u16string QLSound::DeviceName(std::int16_t index) const {
 }
 
 std::int16_t QLSound::Device() const {
-    return m_available ? m_objOut->Device() : std::int16_t{0};
+    if (!m_available) return 0;
+    return m_chosenIsThere ? m_objOut->Device() : std::int16_t{-1};
 }
 
 void QLSound::PutDevice(std::int16_t index) {
-    if (m_available) m_objOut->PutDevice(index);
+    if (!m_available || index < 0 || index >= m_objOut->DeviceCount()) return;
+    m_objOut->PutDevice(index);
+    m_chosen = m_objOut->DeviceName(index);
+    m_chosenIsThere = true;
 }
 
 void QLSound::BecomeIdle() {
@@ -99,7 +115,11 @@ bool QLSound::OpenOutput() {
 
 void QLSound::Play(std::int16_t channel, std::int32_t first, std::int32_t sampleCount) {
     Stop();
-    if (!m_available || m_block.block == nullptr || channel > m_block.channelCount) return;
+    if (!Refresh() || m_block.block == nullptr || channel > m_block.channelCount) return;
+    if (!m_chosenIsThere) {
+        m_errorText = m_chosen + u": " + m_services.Text(IDS_SOUND_DEVICE_GONE);
+        return;
+    }
     m_allChannels = channel <= 0;
     m_firstChannel = std::max<std::int16_t>(channel, 1);
     m_channelCount = m_allChannels ? m_block.channelCount : std::int16_t{1};

@@ -35,12 +35,14 @@ class QLSound {
     [[nodiscard]] std::int16_t DeviceCount() const;
     /// Of device 0 .. DeviceCount-1; empty for any other.
     [[nodiscard]] std::u16string DeviceName(std::int16_t index) const;
+    /// -1 while the chosen one is not there.
     [[nodiscard]] std::int16_t Device() const;
-    /// Takes effect with the next Play. An index without a device changes nothing.
+    /// Chooses a device by its name, whatever its index becomes; takes effect with the next Play. While it is not there
+    /// nothing is played on another one. An index without a device changes nothing.
     void PutDevice(std::int16_t index);
     /// There was a device when the object was made, or at the last Refresh.
     [[nodiscard]] bool Available() const { return m_available; }
-    /// Looks again whether there is a device, for one plugged in since. Returns Available.
+    /// Looks again which devices there are, for those plugged in or out since, as Play does too. Returns Available.
     bool Refresh();
     [[nodiscard]] bool Playing() const { return m_playing; }
     /// Why the last Play did not start or broke off; empty when it did neither, and after Stop.
@@ -53,6 +55,7 @@ class QLSound {
   private:
     static constexpr std::int32_t kFramesPerBuffer = 4096;
 
+    void FindChosen();
     void Start(std::int32_t first, std::int32_t sampleCount);
     [[nodiscard]] bool OpenOutput();
     void WriteNext();
@@ -68,6 +71,8 @@ class QLSound {
     const UserServices& m_services;
     bool m_available = false;
     bool m_playing = false;
+    std::u16string m_chosen;  ///< name of the chosen device; empty before one was chosen
+    bool m_chosenIsThere = true;
     std::u16string m_errorText;
     std::int16_t m_firstChannel = 0;  ///< from 1
     std::int16_t m_channelCount = 0;

@@ -43,7 +43,8 @@ class SoundOutput {
     [[nodiscard]] virtual std::int32_t MaximumRate() const = 0;
     /// Ends the playback at once and frees the device. Does nothing when none is open.
     virtual void Stop() = 0;
-    /// Takes the device for samples of this shape, stopping what it played; false when it refuses them.
+    /// Takes the device for samples of this shape, stopping what it played; false when it refuses them or is not there
+    /// any more.
     [[nodiscard]] virtual bool Open(std::int16_t channelCount, std::int32_t rate) = 0;
     /// Queues `count` frames (one sample of every channel each), which are copied. The first call after Open starts the
     /// playback. A device that fails meanwhile ends it, as `stopped` tells.

@@ -166,7 +166,7 @@ TEST_F(QLSoundTest, WithoutADeviceNothingHappens) {
     device.count = 1;
     EXPECT_TRUE(sound->Refresh());
     sound->PutDevice(3);
-    EXPECT_EQ(sound->Device(), 3);
+    EXPECT_EQ(sound->Device(), 0) << "there is no such device";
     EXPECT_EQ(sound->DeviceName(0), u"card");
     sound->Play(1, 1, 100);
     device.count = 0;
@@ -174,6 +174,33 @@ TEST_F(QLSoundTest, WithoutADeviceNothingHappens) {
     TakeCalls();
     sound->Stop();
     EXPECT_EQ(TakeCalls(), Lines({"stop"})) << "the only device is gone, but what plays has to be stopped";
+}
+
+TEST_F(QLSoundTest, TheChosenDeviceIsTheOneOfThatName) {
+    device.count = 3;
+    device.names = {u"loudspeaker", u"headphones", u"headphones", u"monitor"};
+    sound->PutDevice(2);
+    // Devices as they come and go, each with where the chosen one is then.
+    const std::pair<std::vector<std::u16string>, std::int16_t> changes[] = {
+        {{u"loudspeaker", u"headphones", u"headphones"}, 2},
+        {{u"headphones", u"loudspeaker"}, 0},
+        {{u"loudspeaker", u"monitor"}, -1},
+        {{u"monitor"}, -1},
+        {{u"monitor", u"loudspeaker", u"headphones"}, 2}};
+    for (const auto& [names, index] : changes) {
+        device.names = names;
+        device.count = static_cast<std::int16_t>(names.size());
+        TakeCalls();
+        sound->Play(1, 1, 100);
+        EXPECT_EQ(sound->Playing(), index >= 0);
+        EXPECT_EQ(sound->Device(), index);
+        EXPECT_EQ(sound->ErrorText(), index >= 0 ? u"" : u"headphones: " + services.Text(5402));
+        const Lines calls = TakeCalls();
+        EXPECT_EQ(std::count(calls.begin(), calls.end(), "open 1 100"), index < 0 ? 0 : 1);
+    }
+    // Another choice takes its place.
+    sound->PutDevice(0);
+    EXPECT_EQ(sound->Device(), 0);
 }
 
 TEST(PlayPosition, CountsOnWhenTheDeviceStartsAgainAndNeverBack) {

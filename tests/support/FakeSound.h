@@ -15,6 +15,7 @@ struct DeviceState {
     SoundOutputEvents events;
     std::int16_t count = 1;
     std::int16_t chosen = 0;
+    std::vector<std::u16string> names = std::vector<std::u16string>(10, u"card");
     std::int32_t maximumRate = 192000;
     std::u16string errorText;
     std::u16string refusal;  ///< Open refuses when not empty
@@ -27,7 +28,9 @@ class FakeOutput : public SoundOutput {
   public:
     explicit FakeOutput(DeviceState& device) : m_device(device) {}
     std::int16_t DeviceCount() const override { return m_device.count; }
-    std::u16string DeviceName(std::int16_t) const override { return u"card"; }
+    std::u16string DeviceName(std::int16_t index) const override {
+        return index < m_device.count ? m_device.names.at(static_cast<std::size_t>(index)) : std::u16string();
+    }
     std::int16_t Device() const override { return m_device.chosen; }
     void PutDevice(std::int16_t index) override { m_device.chosen = index; }
     std::u16string ErrorText() const override { return m_device.errorText; }

@@ -243,12 +243,11 @@ class WaveOut final : public SoundOutput {
 
     [[nodiscard]] bool Open(std::int16_t channelCount, std::int32_t rate) override {
         Stop();
-        // The chosen device may be gone.
-        if (m_index >= DeviceCount()) m_index = 0;
         // Not left to the system: some of its parts answer a rate without sense by ending the process.
         const bool sane = channelCount > 0 && rate > 0 && rate <= kMaximumRate;
-        const MMRESULT result =
-            sane ? m_device.Open(static_cast<UINT>(m_index), channelCount, rate, m_window) : MMRESULT{WAVERR_BADFORMAT};
+        const MMRESULT result = m_index >= DeviceCount() ? MMRESULT{MMSYSERR_BADDEVICEID}
+                                : sane ? m_device.Open(static_cast<UINT>(m_index), channelCount, rate, m_window)
+                                       : MMRESULT{WAVERR_BADFORMAT};
         if (result != MMSYSERR_NOERROR) m_errorText = ErrorTextOf(result);
         return result == MMSYSERR_NOERROR;
     }

@@ -297,6 +297,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void objSound_Stopped();
     void objSound_PlayProgress(std::int32_t sample);
     void ShowPlayLine();
+    /// Takes back what "Status" was told of the sound, unless something else was told since.
+    void ClearSoundStatus();
+    void TellOfSound(const std::u16string& text);
 
     // Spectrogram.
     void ShowSpectrogram(int);
@@ -401,7 +404,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     std::u16string m_hoverMark;      ///< text of the mark above them
     bool m_channelByKey = false;     ///< a key of the channel list may change the chosen one
     bool m_channelTold = false;      ///< the click that goes on has changed the chosen channel already
-    bool m_soundInStatus = false;    ///< "Status" shows the position of the sound
+    std::u16string m_soundTold;      ///< what "Status" was told of the sound last
     bool m_followsSound = false;     ///< the line of the sound was in view, and the user has not scrolled it away
     std::int32_t m_saveType = 1;     ///< chosen last in the Save As dialog
     std::vector<std::u16string> m_fastFiles;  ///< that the fast export may replace unasked

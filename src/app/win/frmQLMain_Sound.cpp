@@ -46,7 +46,17 @@ void frmQLMain::SoundPlay(int index) {
     m_sound->Play(index == 1 ? std::int16_t{0} : chosen, range.first, range.count);
     KeepSoundState();
     if (m_sound->Playing()) return;
-    m_services.SetStatus(m_sound->ErrorText());
+    if (!m_sound->ErrorText().empty()) TellOfSound(m_sound->ErrorText());
+}
+
+void frmQLMain::ClearSoundStatus() {
+    if (!m_soundTold.empty() && m_services.Status() == m_soundTold) m_services.SetStatus({});
+    m_soundTold.clear();
+}
+
+void frmQLMain::TellOfSound(const std::u16string& text) {
+    m_soundTold = text;
+    m_services.SetStatus(text);
 }
 
 void frmQLMain::StopSound() {
@@ -57,7 +67,7 @@ void frmQLMain::StopSound() {
 
 void frmQLMain::EndPlayback() {
     m_global.sound.position = 0;
-    if (std::exchange(m_soundInStatus, false)) m_services.SetStatus({});
+    ClearSoundStatus();
     ShowPlayLine();
     KeepSoundState();
 }
@@ -69,14 +79,15 @@ void frmQLMain::objSound_Started() {
 void frmQLMain::objSound_Stopped() {
     const std::u16string error = m_sound->ErrorText();
     EndPlayback();
-    if (!error.empty()) m_services.SetStatus(error);
+    if (!error.empty()) TellOfSound(error);
 }
 
 void frmQLMain::objSound_PlayProgress(std::int32_t sample) {
     m_global.sound.position = sample;
-    m_soundInStatus = true;
-    m_services.SetStatus(m_services.Text(IDS_PLAYING) + u' ' +
-                         PositionText(m_global.block, sample, u" ", m_global.format));
+    // The outcome of an export, or an error, stays.
+    const std::u16string& status = m_services.Status();
+    if (status.empty() || status == m_soundTold)
+        TellOfSound(m_services.Text(IDS_PLAYING) + u' ' + PositionText(m_global.block, sample, u" ", m_global.format));
     ShowPlayLine();
     if (m_graph.Band(GraphBand::Play)) m_followsSound = true;
     // The line went over the edge of the view, or a zoom left it there.

@@ -131,6 +131,20 @@ TEST_F(SoundWindowTest, RefusalsAreToldAndNothingPlaysOn) {
     EXPECT_THAT(Status(), StartsWith(L"b.bin: "));
     ClickLine(lstFile, 0);
     Command(mnuSoundPlay);
+    // What another command has told stays, from the first position to the end.
+    m_device.events.writeProgress(10);
+    EXPECT_NE(Status(), L"");
+    m_services->SetStatus(u"exported");
+    m_device.events.writeProgress(20);
+    EXPECT_EQ(Status(), L"exported");
+    m_device.events.stopped();
+    EXPECT_EQ(Status(), L"exported");
+    m_device.count = 0;
+    Command(mnuSoundPlay);
+    EXPECT_EQ(Status(), L"exported");
+    m_device.count = 2;
+    SendMessageW(m_form->Window(), WM_DEVICECHANGE, 0, 0);
+    Command(mnuSoundPlay);
     m_device.calls.clear();
     SendMessageW(m_form->Window(), WM_CLOSE, 0, 0);
     EXPECT_THAT(m_device.calls, ElementsAre("stop"));
