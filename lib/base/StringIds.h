@@ -35,6 +35,10 @@
 #define IDS_UNREADABLE 2027
 #define IDS_FILE_RELOADED 2028
 #define IDS_FILE_CHANGED 2029
+#define IDS_HOW_TO_OPEN 2030
+#define IDS_HOW_TO_BEGIN 2031
+#define IDS_FILE_REFUSED 2032
+#define IDS_FOLDER_INCOMPLETE 2033
 #define IDS_RANGE_PARTIAL 2035
 
 // Menu captions; those of an array follow each other.

@@ -163,7 +163,7 @@ bool IsEnabled(int id, const QL_Global& global) {
     if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
         return true;
     // A file that was refused can be deleted and renamed as well.
-    if (Within(id, mnuFileOperation, 2)) return global.fileSelected;
+    if (Within(id, mnuFileOperation, 2)) return global.filePosition >= 0;
     if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard < global.sound.devices;
     if (id == mnuSoundPlay + 2) return global.sound.playing;
     if (global.block.channelCount == 0) return false;

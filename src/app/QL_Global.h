@@ -51,7 +51,8 @@ struct QL_Global {
     std::u16string helpFile;  ///< path; empty when none is installed
 
     ViewFile file;
-    bool fileSelected = false;  ///< the file list has a selection, whether or not it could be opened
+    std::int32_t fileCount = 0;      ///< in the file list
+    std::int32_t filePosition = -1;  ///< of the selected one, from 0, whether or not it could be opened; -1: none is
     ViewBlock block;
     ChannelSlots slots;
 

@@ -55,7 +55,9 @@ void BlockLoader::OpenFile(const std::u16string& folder, const std::u16string& n
             if (pattern != u"*.*") m_host.OfferFolder(folder);
             Take(std::move(recording), 0);
         } else {
-            m_services.SetStatus(name + u": " + m_library.LastErrorText());
+            m_file.refusedName = name;
+            m_file.refusal = m_library.LastErrorText();
+            m_services.SetStatus(name + u": " + m_file.refusal);
         }
     }
     if (m_file.fileName.empty()) {

@@ -21,6 +21,8 @@ struct ViewFile {
     std::int16_t blockCount = 0;
     std::int16_t currentBlockIndex = -1;  ///< position of the loaded block, from 0; -1 when none
     std::shared_ptr<Recording> recording;
+    std::u16string refusedName;  ///< name, without its folder, of the file that was refused instead
+    std::u16string refusal;      ///< why it was; empty where none was
 };
 
 /// One mark of the loaded block.

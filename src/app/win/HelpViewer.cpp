@@ -20,8 +20,10 @@ bool ShowHelpFile(HWND owner, const std::wstring& path) {
 std::u16string WinDirectoryLookup::FirstMatch(const std::u16string& pattern) {
     WIN32_FIND_DATAW found{};
     const FindHandle search(FindFirstFileW(Wide(pattern).c_str(), &found));
-    if (!search || (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return {};
-    return Narrow16(found.cFileName);
+    for (bool more = static_cast<bool>(search); more; more = FindNextFileW(search.Get(), &found) != FALSE) {
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return Narrow16(found.cFileName);
+    }
+    return {};
 }
 
 }  // namespace quillon

@@ -89,8 +89,8 @@ void frmQLMain::Show(int showCommand) {
 
 void frmQLMain::KeepSettings() {
     Settings& settings = m_global.settings;
-    // A folder that is only missing today, on a drive that is not there, is kept unless the user went elsewhere.
-    if (!m_folderMissing || m_browser.Folder() != m_firstFolder) settings.filesPath = Narrow16(m_browser.Folder());
+    // A folder that is only missing today, on a drive that is not there, is kept until the user goes elsewhere.
+    if (!m_folderMissing) settings.filesPath = Narrow16(m_browser.Folder());
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     if (!GetWindowPlacement(m_window, &placement)) return;
@@ -201,7 +201,6 @@ void frmQLMain::OnCreate() {
         m_browser.ShowFolder(L".");
         m_folderMissing = !folder.empty();
     }
-    m_firstFolder = m_browser.Folder();
     StartWatch();
 }
 
@@ -334,9 +333,11 @@ void frmQLMain::OnActivate(UINT state) {
         if (!m_complete) Complete();
         if (m_window == nullptr) return;
         // Why the first file was refused is of more use.
-        const bool refused = m_global.fileSelected && !m_global.block.block;
+        const bool refused = !m_global.file.refusal.empty();
         if (m_folderMissing && !refused)
             m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
+        else if (!refused)
+            TellIncomplete();
     }
     m_lookDue = true;
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());

@@ -130,6 +130,10 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void RenameSelected();
     /// Files were created, deleted or renamed in the folder by others.
     void FilesChanged();
+    /// What the file list holds, for the commands and the empty graph.
+    void FollowFileList();
+    /// Says so where the folder could not be listed to its end.
+    void TellIncomplete() const;
     /// Loads the recording anew, at the place that is seen, when its file has changed. `asked`: by the user, who wants
     /// it now; else it waits for a quiet moment, and until the file is written.
     void LookAtRecording(bool asked);
@@ -140,6 +144,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void RefreshFiles();
     /// False when the window was closed by one of them.
     [[nodiscard]] bool RunPendingMessages() const;
+    /// Opens the file that the user has selected.
+    void ChooseFile();
     void ClickFile();
     void ClickBlock();
     void SelectType();
@@ -390,8 +396,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     bool m_altUsed = false;              ///< the Alt key that is down was part of a gesture
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
-    std::wstring m_firstFolder;          ///< shown at the start
-    bool m_folderMissing = false;        ///< it stands for that of the settings, which could not be read
+    bool m_folderMissing = false;        ///< that of the settings could not be read, and the user chose no other yet
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     bool m_scaleFitted = false;          ///< to a block, since the start
     std::int64_t m_baseLineMiddle = 0;   ///< shift of the base line at which the amplitude scroll bar is in its middle

@@ -14,7 +14,7 @@
 namespace quillon {
 
 void frmQLMain::OnListCommand(int id, int notification) {
-    if (id == lstFile && notification == LBN_SELCHANGE) ClickFile();
+    if (id == lstFile && notification == LBN_SELCHANGE) ChooseFile();
     if (id == lstBlock && notification == LBN_SELCHANGE) ClickBlock();
     if (id == lstDir && notification == LBN_DBLCLK) ShowFolder(m_browser.ChosenFolder());
     if (id == lstDrive && notification == CBN_SELCHANGE) SelectDrive();
@@ -94,16 +94,18 @@ bool frmQLMain::ShowFolder(const std::wstring& folder) {
         m_browser.ShowChoice();
         return false;
     }
+    m_folderMissing = false;
     m_services.SetStatus({});
     ClickFile();
     StartWatch();
+    TellIncomplete();
     return true;
 }
 
 void frmQLMain::OpenUnlisted(const std::wstring& name) {
     // No line of the list stands for it, so none may look as if delete and rename would concern it.
     m_browser.SelectFile(-1);
-    m_global.fileSelected = false;
+    FollowFileList();
     m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(name), m_browser.Pattern());
     UpdateCommands();
 }
@@ -119,6 +121,7 @@ void frmQLMain::OpenPath(const std::wstring& path) {
     const std::wstring name = path.substr(end + 1);
     // The root of a drive keeps its backslash.
     if (!ShowFolder(path.substr(0, end == 2 ? 3 : end))) return;
+    m_folderMissing = false;
     if (m_browser.SelectFileNamed(name)) {
         ClickFile();
     } else {
@@ -158,18 +161,34 @@ void frmQLMain::StartWatch() {
     m_watch->StartWatch(m_browser.Folder());
 }
 
+void frmQLMain::FollowFileList() {
+    m_global.fileCount = m_browser.FileCount();
+    m_global.filePosition = m_browser.SelectedPosition();
+    // It says how to begin.
+    if (!m_global.block.block) m_graphBox.Invalidate();
+}
+
+void frmQLMain::TellIncomplete() const {
+    if (!m_browser.IsComplete())
+        m_services.SetStatus(Narrow16(m_browser.Folder()) + u": " + m_services.Text(IDS_FOLDER_INCOMPLETE));
+}
+
 void frmQLMain::RefreshFiles() {
     // The watch ends with a folder that goes, and does not know when it is back. It comes first, so that what happens
     // between the two is told by it.
     StartWatch();
     FilesChanged();
     LookAtRecording(true);
+    TellIncomplete();
 }
 
 void frmQLMain::FilesChanged() try {
     m_changedMeanwhile = m_busy;
     if (m_busy) return;
+    const bool wasSelected = m_browser.SelectedPosition() >= 0;
     m_browser.Refresh();
+    // A refused file that is gone needs no explanation any more.
+    if (wasSelected && m_browser.SelectedPosition() < 0 && m_global.file.fileName.empty()) ClickFile();
     const std::wstring open = Wide(m_global.file.fileName);
     const bool unseen = !open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES;
     const DWORD reason = GetLastError();
@@ -180,7 +199,7 @@ void frmQLMain::FilesChanged() try {
         ClickFile();
         m_services.SetStatus(name + u": " + m_services.Text(IDS_FILE_GONE));
     }
-    m_global.fileSelected = !m_browser.SelectedFile().empty();
+    FollowFileList();
     m_lookDue = true;
     UpdateCommands();
 } catch (const std::exception& error) {
@@ -333,15 +352,21 @@ void frmQLMain::SelectDrive() {
 void frmQLMain::SelectType() {
     const auto type = SendMessageW(GetDlgItem(m_window, cboFileType), CB_GETCURSEL, 0, 0);
     m_browser.SetPattern(m_global.library->FileTypeMask(static_cast<std::int32_t>(type)));
-    m_global.fileSelected = !m_browser.SelectedFile().empty();
+    FollowFileList();
     UpdateCommands();
     if (m_global.file.fileName.empty()) return;
     m_browser.SelectFileNamed(Wide(FileNameOf(m_global.file.fileName)));
     ClickFile();
 }
 
+void frmQLMain::ChooseFile() {
+    ClickFile();
+    // The folder that this one stands for is not asked for again.
+    if (m_global.file.recording) m_folderMissing = false;
+}
+
 void frmQLMain::ClickFile() {
-    m_global.fileSelected = !m_browser.SelectedFile().empty();
+    FollowFileList();
     m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(m_browser.SelectedFile()), m_browser.Pattern());
     LookAtRecording(true);
 }

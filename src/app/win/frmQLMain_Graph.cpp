@@ -5,6 +5,7 @@
 
 #include "app/ControlIds.h"
 #include "app/StatusPanels.h"
+#include "app/win/NoticePainter.h"
 #include "app/win/frmQLMain.h"
 #include "base/FilePath.h"
 #include "base/StringIds.h"
@@ -42,15 +43,7 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     if (id == pbFFT || id == pbPal || id == pbScaleF) PaintSpectrogram(id, dc, client);
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);
-    // An empty graph says why it is empty.
-    const bool noSamples = m_global.block.sampleCount == 0;
-    if (!noSamples && !ShownChannels(m_global.block, m_global.slots).empty()) return;
-    const int reason = !m_global.block.block ? IDS_NO_RECORDING : noSamples ? IDS_NO_SAMPLES : IDS_NO_CHANNEL;
-    const std::wstring text = Wide(m_services.Text(reason));
-    const SelectScope font(dc, m_font.Get());
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, RGB(0x70, 0x78, 0x84));
-    DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &client, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+    PaintNotice(dc, client, NoticeOf(m_global, m_services), m_dpi);
 }
 
 void frmQLMain::UpdateScrollBars() {

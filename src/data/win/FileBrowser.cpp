@@ -84,6 +84,7 @@ bool FileBrowser::Read(const std::wstring& folder, Names& names) {
         const bool isFolder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
         (isFolder ? names.folders : names.files).push_back(name);
     } while (FindNextFileW(search.Get(), &found));
+    names.complete = GetLastError() == ERROR_NO_MORE_FILES;
     std::sort(names.folders.begin(), names.folders.end(), LessName);
     std::sort(names.files.begin(), names.files.end(), LessName);
     return true;
@@ -94,6 +95,7 @@ bool FileBrowser::ShowFolder(const std::wstring& folder) {
     Names names;
     if (normal.empty() || !Read(normal, names)) return false;
     m_folder = normal;
+    m_complete = names.complete;
     m_subfolders = names.folders;
     FillFolders();
     FillFiles(names.files, {}, false);
@@ -171,6 +173,7 @@ void FileBrowser::Refresh() {
     if (m_folder.empty()) return;
     Names names;
     if (!Read(m_folder, names)) names = {};
+    m_complete = names.complete;
     const std::wstring selected = SelectedFile();
     // Others that write files leave the folder list, and the user's place in it, alone.
     if (names.folders != m_subfolders) {

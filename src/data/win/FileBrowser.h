@@ -14,10 +14,14 @@ class FileBrowser {
   public:
     void Attach(HWND drives, HWND folders, HWND files);
 
-    /// Shows a folder in all three lists; false, with the lists as they were, when it cannot be read.
+    /// Shows a folder in all three lists, as far as it can be read; false, with the lists as they were, when it cannot
+    /// be at all.
     bool ShowFolder(const std::wstring& folder);
     /// With a trailing backslash only for the root of a drive; empty before the first ShowFolder.
     [[nodiscard]] const std::wstring& Folder() const { return m_folder; }
+
+    /// False when the last reading of the folder ended early: what had been read by then is listed.
+    [[nodiscard]] bool IsComplete() const { return m_complete; }
 
     /// Whether that is the folder, in any letter case and form.
     [[nodiscard]] bool Shows(const std::wstring& folder) const;
@@ -51,6 +55,7 @@ class FileBrowser {
     struct Names {
         std::vector<std::wstring> folders;
         std::vector<std::wstring> files;
+        bool complete = true;
     };
     [[nodiscard]] static bool Read(const std::wstring& folder, Names& names);
     void FillFolders();
@@ -64,7 +69,8 @@ class FileBrowser {
     std::vector<std::wstring> m_folderPaths;  ///< full path of every line of the folder list
     std::vector<std::wstring> m_subfolders;   ///< names of those in the shown folder
     std::vector<std::wstring> m_listed;       ///< names in the file list
-    int m_selected = -1;                      ///< position of the selected file, as long as there are no lists
+    bool m_complete = true;
+    int m_selected = -1;  ///< position of the selected file, as long as there are no lists
 };
 
 }  // namespace quillon

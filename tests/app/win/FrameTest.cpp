@@ -3,6 +3,7 @@
 #include <map>
 
 #include "app/KV_Resources.h"
+#include "app/win/HelpViewer.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
@@ -179,6 +180,27 @@ TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
     EXPECT_NE(Status(StatusPanel::Status), L"");
     TearDown();
     EXPECT_EQ(m_global.settings.filesPath, u"C:\\no such folder");
+    // Until the user has opened something in the folder that stands for it.
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(m_folder.Path());
+    for (const bool chosen : {false, true}) {
+        Start(L"C:\\no such folder");
+        EXPECT_EQ(m_global.block.sampleCount, 2000);
+        if (chosen) ClickLine(lstFile, 0);
+        TearDown();
+        EXPECT_EQ(m_global.settings.filesPath, chosen ? m_folder.Path() : u"C:\\no such folder");
+    }
+    std::filesystem::current_path(before);
+}
+
+TEST_F(FrameTest, AFolderIsNoHelpFile) {
+    for (const char16_t* name : {u"Kelvo.chm", u"KelvoA.chm"}) std::filesystem::create_directory(m_folder.File(name));
+    WinDirectoryLookup lookup;
+    std::int16_t language = 0;
+    EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), u"");
+    static_cast<void>(m_folder.Write(u"KelvoZ.chm", "help"));
+    EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), m_folder.Path() + u"\\KelvoZ.chm");
 }
 
 TEST_F(FrameTest, SettingsOutliveTheWindow) {

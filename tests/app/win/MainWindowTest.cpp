@@ -103,6 +103,25 @@ TEST_F(MainWindowTest, ARefusedFileLeavesTheListsEmptyAndSaysWhy) {
     EXPECT_EQ(Caption(), L"Quillon");
     EXPECT_EQ(Status(StatusPanel::Size), L"");
     EXPECT_EQ(Capture(pbGraph).Count(TraceColor(0)), 0);
+    // The reason stands whole in the middle of the graph, however narrow that is.
+    m_global.file.refusal += u": a long reason without an end_that_could_be_broken_at_a_blank_or_anywhere";
+    for (const int width : {1000, 600}) {
+        SetWindowPos(m_form->Window(), nullptr, 0, 0, width, 500, SWP_NOMOVE | SWP_NOZORDER);
+        const Pixels graph = Capture(pbGraph);
+        RECT ink{graph.width, graph.height, 0, 0};
+        for (int y = 0; y < graph.height; ++y) {
+            for (int x = 0; x < graph.width; ++x) {
+                const RECT pixel{x, y, x + 1, y + 1};
+                const RECT before = ink;
+                if (graph.At(x, y) != 0xFFFFFF) UnionRect(&ink, &before, &pixel);
+            }
+        }
+        EXPECT_GT(ink.bottom - ink.top, 40) << "several lines";
+        EXPECT_GT(ink.left, 5);
+        EXPECT_LT(ink.right, graph.width - 5);
+        EXPECT_NEAR(ink.left + ink.right, graph.width, 40);
+        EXPECT_NEAR(ink.top + ink.bottom, graph.height, 20);
+    }
     // Nothing is open: the commands have nothing to do, and nothing breaks.
     for (const int command : {mnuZoomX + 0, mnuGoTo + 2, mnuZoomY + 1, mnuBaseLine + 1, mnuChShow + 2})
         Command(command);
