@@ -96,6 +96,8 @@
 #define IDS_KEYSANDMOUSE 3311
 #define IDS_OPENFOLDER 3312
 #define IDS_NEXTPALETTE 3313
+#define IDS_RECORDING_0 3314
+#define IDS_FOCUS_0 3316
 #define IDS_MOVE_0 3320
 
 // Names of keys, in the order of app/KeyMap.h; gestures of the mouse, each followed by what it does.

@@ -75,6 +75,7 @@ constexpr std::array kContextMenu{
     Entry(0, mnuView, IDS_VIEW_0, 3),
     Entry(0, mnuGoToPlace, IDS_GOTOPLACE),
     Entry(0, mnuMark, IDS_MARK_0, 2),
+    Entry(0, mnuRecording, IDS_RECORDING_0, 2),
     Separator(0),
     Entry(0, mnuSelect, IDS_SELECT_0, 3),
     Separator(0),
@@ -141,6 +142,7 @@ std::span<const ToolbarButton> GoToButtons() {
 int CaptionId(int command) {
     if (command == mnuOpenFolder) return IDS_OPENFOLDER;
     if (command == mnuNextPalette) return IDS_NEXTPALETTE;
+    if (Within(command, mnuFocus, 4)) return IDS_FOCUS_0 + command - mnuFocus;
     if (Within(command, mnuMove, static_cast<int>(kMoves.size()))) return IDS_MOVE_0 + command - mnuMove;
     for (const std::span<const MenuEntry> menu : {MenuTree(), ContextMenu()}) {
         for (const MenuEntry& entry : menu) {
@@ -160,6 +162,9 @@ bool IsEnabled(int id, const QL_Global& global) {
     if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
     if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuOptions) return true;
     if (id == mnuNextPalette) return global.settings.spectrogramShown;
+    if (id == mnuRecording) return global.filePosition < 0 ? global.fileCount > 0 : global.filePosition > 0;
+    if (id == mnuRecording + 1) return global.filePosition + 1 < global.fileCount;
+    if (Within(id, mnuFocus, 4)) return true;
     if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
         return true;
     // A file that was refused can be deleted and renamed as well.

@@ -43,7 +43,9 @@ enum CommandId : int {
     mnuKeysAndMouse,
     mnuOpenFolder,
     mnuNextPalette,
-    mnuMove = 1640,  ///< by keys, see Moves
+    mnuMove = 1640,       ///< by keys, see Moves
+    mnuRecording = 1660,  ///< of the file list: 0 previous, 1 next
+    mnuFocus = 1670,      ///< the keyboard goes to: 0 folders, 1 channels, 2 files, 3 blocks
 };
 
 /// A move of the view by pixels: columns scroll it, rows move the base line (downwards positive).

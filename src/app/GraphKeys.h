@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// A key: a capital letter is its own code, as on every keyboard.
+/// A key: a capital letter or a digit is its own code, as on every keyboard.
 enum class Key : std::uint16_t {
     None = 0,
     Left = 256,

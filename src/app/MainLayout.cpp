@@ -7,6 +7,7 @@ namespace quillon {
 namespace {
 
 constexpr std::int32_t kDefaultUpperPercent = 42;
+constexpr std::int32_t kDefaultValuesHeight = 132;  // at 96 dots per inch: nine lines
 constexpr std::int32_t kDefaultSpectrogramPercent = 45;
 
 /// Fills the page below a tab strip: one control above, the rest for the list.
@@ -38,15 +39,18 @@ struct Measures {
 void ArrangeColumn(const Measures& measures, MainLayout& layout) {
     const auto& [input, gap, splitter, height, top] = measures;
     const std::int32_t columnHeight = std::max(height - gap - top, 0);
-    // Room for every line of the readout, as far as the lists keep the greater part of the column.
-    const std::int32_t wanted = std::max(input.valueRows, 4) * measures.Scaled(14) + measures.Scaled(6);
-    const std::int32_t valuesHeight = std::min(wanted, columnHeight * 2 / 5);
-    const PixelRect column{gap, top, std::max(layout.listWidth - gap, 0), columnHeight - valuesHeight - gap};
-    layout.values = {gap, column.Bottom() + gap, column.width, valuesHeight};
-    // Each half has room for its tabs, its drop-down list and at least two lines.
+    // Each list has room for its tabs, its drop-down list and at least two lines; the values for one.
+    const std::int32_t leastList = input.tabHeight + 2 * gap + input.comboHeight + measures.Scaled(34);
+    const std::int32_t leastValues = measures.Scaled(20);
+    const std::int32_t wanted = input.valuesHeight > 0 ? input.valuesHeight : measures.Scaled(kDefaultValuesHeight);
+    const std::int32_t mostValues = columnHeight - 2 * leastList - 2 * splitter;
+    layout.valuesHeight = std::clamp(wanted, leastValues, std::max(mostValues, leastValues));
+    const PixelRect column{gap, top, std::max(layout.listWidth - gap, 0),
+                           std::max(columnHeight - layout.valuesHeight - splitter, 0)};
+    layout.splitValues = {column.left, column.Bottom(), column.width, splitter};
+    layout.values = {column.left, layout.splitValues.Bottom(), column.width, layout.valuesHeight};
     const std::int32_t shared = std::max(column.height - splitter, 1);
-    const std::int32_t least =
-        std::min(input.tabHeight + 2 * gap + input.comboHeight + measures.Scaled(34), shared / 2);
+    const std::int32_t least = std::min(leastList, shared / 2);
     const std::int32_t percent = input.upperPercent > 0 ? input.upperPercent : kDefaultUpperPercent;
     const std::int32_t upper = std::clamp(shared * std::min(percent, 100) / 100, least, shared - least);
     layout.upperPercent = (upper * 100 + shared - 1) / shared;

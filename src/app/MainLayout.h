@@ -28,7 +28,7 @@ struct LayoutInput {
     std::int32_t upperPercent = 0;        ///< share of the upper list in the column; 0: the default
     bool spectrogram = false;             ///< it is shown
     std::int32_t spectrogramPercent = 0;  ///< its share of the graph's height; 0: the default
-    std::int32_t valueRows = 0;           ///< lines that the values panel is to have room for
+    std::int32_t valuesHeight = 0;        ///< of the values panel; 0: the default
 };
 
 /// One rectangle per control. The pages of a tab strip share its page rectangle.
@@ -41,9 +41,11 @@ struct MainLayout {
     PixelRect scaleF, spectrogram, palette;  ///< below the graph, column for column; empty when it is not shown
     PixelRect splitColumn;                   ///< between the lists and the graph
     PixelRect splitLists;                    ///< between the upper and the lower list
+    PixelRect splitValues;                   ///< between the lower list and the values
     PixelRect splitSpectrogram;              ///< between graph and spectrogram
     std::int32_t listWidth = 0;              ///< as used, within its limits
     std::int32_t upperPercent = 0;           ///< as used, within its limits
+    std::int32_t valuesHeight = 0;           ///< as used, within its limits
     std::int32_t spectrogramPercent = 0;     ///< as used, within its limits; 0 when it is not shown
 };
 

@@ -78,15 +78,16 @@ Entries SpectrumEntries() {
 }
 
 Entries WindowEntries() {
-    static constexpr std::array<Entry, 9> entries{{{u"Left", &Settings::windowLeft},
-                                                   {u"Top", &Settings::windowTop},
-                                                   {u"Width", &Settings::windowWidth},
-                                                   {u"Height", &Settings::windowHeight},
-                                                   {u"Maximized", &Settings::windowMaximized},
-                                                   {u"ListWidth", &Settings::listWidth},
-                                                   {u"UpperPercent", &Settings::upperPercent},
-                                                   {u"SpectrogramPercent", &Settings::spectrogramPercent},
-                                                   {u"SpectrogramShown", &Settings::spectrogramShown}}};
+    static constexpr std::array<Entry, 10> entries{{{u"Left", &Settings::windowLeft},
+                                                    {u"Top", &Settings::windowTop},
+                                                    {u"Width", &Settings::windowWidth},
+                                                    {u"Height", &Settings::windowHeight},
+                                                    {u"Maximized", &Settings::windowMaximized},
+                                                    {u"ListWidth", &Settings::listWidth},
+                                                    {u"UpperPercent", &Settings::upperPercent},
+                                                    {u"ValuesHeight", &Settings::valuesHeight},
+                                                    {u"SpectrogramPercent", &Settings::spectrogramPercent},
+                                                    {u"SpectrogramShown", &Settings::spectrogramShown}}};
     return entries;
 }
 

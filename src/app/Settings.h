@@ -45,6 +45,7 @@ struct Settings : SpectrumSettings, SplitSettings {
     bool windowMaximized = false;
     std::int32_t listWidth = 0;           ///< px; 0: the layout's own
     std::int32_t upperPercent = 0;        ///< share of the upper list; 0: the layout's own
+    std::int32_t valuesHeight = 0;        ///< px; 0: the layout's own
     std::int32_t spectrogramPercent = 0;  ///< share of the graph's height; 0: the layout's own
     bool spectrogramShown = false;
 };

@@ -1,7 +1,11 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <array>
+#include <random>
 #include <set>
 #include <tuple>
+#include <vector>
 
 #include <system_error>
 
@@ -41,32 +45,88 @@ TEST(Init, AFailureIsToldOnceAndEndsTheStart) {
     EXPECT_NE(services.messages[1].find(u" 5: library"), std::u16string::npos);
 }
 
-TEST(MainLayout, NothingOverlapsOrLeavesTheWindow) {
-    for (const int dpi : {96, 120, 192}) {
-        for (const auto& [width, height] : {std::pair{560, 340}, {640, 480}, {1024, 700}, {1920, 1080}, {3840, 2160}}) {
-            for (const auto& [listWidth, upper] : {std::pair{0, 0}, {1, 1}, {5000, 99}}) {
-                LayoutInput input{width * dpi / 96, height * dpi / 96, 22, 21, 24, 30, 380, 100, dpi, listWidth, upper};
-                const MainLayout layout = ArrangeMain(input);
-                const PixelRect all[] = {layout.tabPath,  layout.drive, layout.folders, layout.tabFile,
-                                         layout.fileType, layout.files, layout.scaleY,  layout.graph,
-                                         layout.scrollY,  layout.zoomX, layout.scaleX,  layout.scrollX};
-                for (std::size_t a = 0; a < std::size(all); ++a) {
-                    SCOPED_TRACE(::testing::Message() << dpi << ' ' << width << ' ' << listWidth << " control " << a);
-                    EXPECT_GT(all[a].width, 14);
-                    EXPECT_GT(all[a].height, 14);
-                    EXPECT_LE(all[a].Right(), input.clientWidth);
-                    EXPECT_LE(all[a].Bottom(), input.clientHeight - input.statusHeight);
-                    for (std::size_t b = 0; b < a; ++b) {
-                        const bool apart = all[a].Right() <= all[b].left || all[b].Right() <= all[a].left ||
-                                           all[a].Bottom() <= all[b].top || all[b].Bottom() <= all[a].top;
-                        EXPECT_TRUE(apart) << "overlaps " << b;
-                    }
+/// Every rectangle that something is seen in, with one page of each strip of tabs.
+std::vector<PixelRect> Seen(const MainLayout& layout, bool firstPages, bool spectrogram) {
+    std::vector<PixelRect> all{layout.tools,   layout.goTo,        layout.tabPath,    layout.tabFile,    layout.values,
+                               layout.scaleY,  layout.graph,       layout.scrollY,    layout.zoomX,      layout.scaleX,
+                               layout.scrollX, layout.splitColumn, layout.splitLists, layout.splitValues};
+    for (const PixelRect& rect :
+         firstPages ? std::vector{layout.drive, layout.pathList, layout.folders, layout.fileType, layout.files}
+                    : std::vector{layout.channels, layout.blocks})
+        all.push_back(rect);
+    if (spectrogram)
+        all.insert(all.end(), {layout.scaleF, layout.spectrogram, layout.palette, layout.splitSpectrogram});
+    return all;
+}
+
+/// How far a point lies outside a rectangle.
+int Distance(const PixelRect& rect, int x, int y) {
+    return std::max({rect.left - x, x - rect.Right() + 1, rect.top - y, y - rect.Bottom() + 1, 0});
+}
+
+TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
+    std::mt19937 random(3);
+    const auto between = [&](int least, int most) {
+        return least + static_cast<int>(random() % static_cast<unsigned>(most - least + 1));
+    };
+    for (int round = 0; round < 400; ++round) {
+        const int dpi = std::array{96, 120, 144, 168, 192}.at(static_cast<std::size_t>(between(0, 4)));
+        const auto scaled = [dpi](int pixels) { return (pixels * dpi + 48) / 96; };
+        const bool own = round % 4 == 0;
+        LayoutInput input{scaled(between(550, 3800)),
+                          scaled(between(310, 2100)),
+                          scaled(22),
+                          scaled(21),
+                          scaled(24),
+                          scaled(30),
+                          scaled(380),
+                          scaled(100),
+                          dpi,
+                          own ? 0 : between(1, 5000),
+                          own ? 0 : between(1, 100),
+                          random() % 2 == 0,
+                          own ? 0 : between(1, 100),
+                          own ? 0 : between(1, 3000)};
+        const MainLayout layout = ArrangeMain(input);
+        SCOPED_TRACE(::testing::Message() << dpi << ' ' << input.clientWidth << " x " << input.clientHeight << ' '
+                                          << input.listWidth << ' ' << input.upperPercent << ' ' << input.valuesHeight);
+        for (const bool firstPages : {false, true}) {
+            const std::vector<PixelRect> all = Seen(layout, firstPages, input.spectrogram);
+            for (std::size_t a = 0; a < all.size(); ++a) {
+                ASSERT_GT(all[a].width, 3) << a;
+                ASSERT_GT(all[a].height, 3) << a;
+                ASSERT_GE(std::min(all[a].left, all[a].top), 0) << a;
+                ASSERT_LE(all[a].Right(), input.clientWidth) << a;
+                ASSERT_LE(all[a].Bottom(), input.clientHeight - input.statusHeight) << a;
+                for (std::size_t b = 0; b < a; ++b) {
+                    const bool apart = all[a].Right() <= all[b].left || all[b].Right() <= all[a].left ||
+                                       all[a].Bottom() <= all[b].top || all[b].Bottom() <= all[a].top;
+                    ASSERT_TRUE(apart) << a << " overlaps " << b;
                 }
-                EXPECT_GT(layout.graph.width, input.clientWidth / 3);
-                EXPECT_EQ(layout.graph.left, layout.scaleX.left);
-                EXPECT_EQ(layout.graph.width, layout.scaleX.width);
+            }
+            // Only the corner of the scroll bars, and the row of the toolbars, have nothing.
+            for (int point = 0; point < 60; ++point) {
+                const int x = between(0, input.clientWidth - 1);
+                const int y = between(input.toolHeight, input.clientHeight - input.statusHeight - 1);
+                int nearest = input.clientWidth;
+                for (const PixelRect& rect : all) nearest = std::min(nearest, Distance(rect, x, y));
+                ASSERT_LE(nearest, x >= layout.scaleX.Right() ? scaled(22) : scaled(6)) << x << ' ' << y;
             }
         }
+        EXPECT_GT(layout.graph.width, input.clientWidth / 3);
+        EXPECT_EQ(layout.graph.left, layout.scaleX.left);
+        EXPECT_EQ(layout.graph.width, layout.scaleX.width);
+        for (const int list : {layout.folders.height, layout.files.height}) EXPECT_GE(list, scaled(20));
+        // What was used is kept for the next time, and gives the same.
+        input.listWidth = layout.listWidth;
+        input.upperPercent = layout.upperPercent;
+        input.valuesHeight = layout.valuesHeight;
+        input.spectrogramPercent = layout.spectrogramPercent;
+        const MainLayout again = ArrangeMain(input);
+        EXPECT_EQ(again.graph.left, layout.graph.left);
+        EXPECT_EQ(again.values.top, layout.values.top);
+        EXPECT_EQ(again.upperPercent, layout.upperPercent);
+        EXPECT_EQ(again.spectrogramPercent, layout.spectrogramPercent);
     }
 }
 

@@ -130,6 +130,11 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SETFOCUS:
             if (m_graphBox.Window() != nullptr) SetFocus(m_graphBox.Window());
             return 0;
+        case kFocusGraph:
+            if (GetActiveWindow() == m_window) SetFocus(m_graphBox.Window());
+            ShowFocus();
+            return 0;
+        case WM_PAINT: OnPaint(); return 0;
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
         case WM_GETMINMAXINFO: OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_CLOSE: OnClose(); return 0;
@@ -315,6 +320,7 @@ void frmQLMain::OnActivate(UINT state) {
         EndHover();
         m_altUsed = false;
         m_lastFocus = GetFocus();
+        ShowFocus();
         return;
     }
     // An icon has no graph to which a scale could be fitted; the window's first size comes later.
@@ -341,6 +347,7 @@ void frmQLMain::OnActivate(UINT state) {
     }
     m_lookDue = true;
     SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
+    ShowFocus();
 }
 
 void frmQLMain::OpenFirstFile() {

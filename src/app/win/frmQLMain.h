@@ -71,6 +71,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void ShowBlock() override;
 
   private:
+    /// The keyboard goes to the graph.
+    static constexpr UINT kFocusGraph = WM_APP;
+
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     [[nodiscard]] bool TranslateKey(const MSG& message);
@@ -148,6 +151,8 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void ChooseFile();
     void ClickFile();
     void ClickBlock();
+    /// The recording before or behind the selected one in the list.
+    void OpenNeighbour(int index);
     void SelectType();
     void SelectDrive();
     /// The current channel becomes that of the spectrogram.
@@ -175,6 +180,14 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void UpdateCommands() const;
     void OnToolTip(NMTTDISPINFOW* tip);
     [[nodiscard]] KeyPlace FocusPlace() const;
+    /// Turns to the page of a list and gives it the keyboard.
+    void FocusList(int list);
+    void MoveFocus(HWND control);
+    /// After a click that has done its work the keys move the view again.
+    void ReturnKeyboard(int control) const;
+    /// Draws the frame round the list or graph that has the focus anew.
+    void ShowFocus() const;
+    void OnPaint() const;
     void ZoomDown(int index) override { OnCommand(mnuZoomX + index); }
     void ZoomButtonDown() override;
     void ZoomFailed(const std::exception& error) override { Failed(error); }
@@ -374,10 +387,9 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     ScalePainter m_scales;
 
     MainLayout m_layout;
-    SIZE m_arrangedSize{};            ///< of the client area that it fills
-    std::int16_t m_arrangedFor = -1;  ///< channels that the layout has room for in the readout
+    SIZE m_arrangedSize{};  ///< of the client area that it fills
     int m_dpi = 96;
-    enum class Drag { None, Column, Lists, Spectrogram } m_drag = Drag::None;
+    enum class Drag { None, Column, Lists, Values, Spectrogram } m_drag = Drag::None;
     /// What the mouse drags, and where it began.
     struct Gesture {
         enum Kind { None, Select, Pan, BaseLine } kind = None;

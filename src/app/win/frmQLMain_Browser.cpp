@@ -14,6 +14,7 @@
 namespace quillon {
 
 void frmQLMain::OnListCommand(int id, int notification) {
+    if (notification == LBN_SETFOCUS || notification == LBN_KILLFOCUS) ShowFocus();
     if (id == lstFile && notification == LBN_SELCHANGE) ChooseFile();
     if (id == lstBlock && notification == LBN_SELCHANGE) ClickBlock();
     if (id == lstDir && notification == LBN_DBLCLK) ShowFolder(m_browser.ChosenFolder());
@@ -28,6 +29,9 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
         return 0;
     }
     if (header->code == TCN_SELCHANGE) ShowPages();
+    if (header->code == NM_SETFOCUS || header->code == NM_KILLFOCUS) ShowFocus();
+    // The list takes the release of the button for itself.
+    if (header->code == NM_CLICK) ReturnKeyboard(static_cast<int>(header->idFrom));
     // A click on the item itself, or the way to it by keys, chooses the channel for what concerns one at a time.
     // A click that changes it is told twice, by the change and by itself.
     if (header->idFrom == lvCh && header->code == LVN_KEYDOWN) m_channelByKey = true;
@@ -371,6 +375,12 @@ void frmQLMain::ClickFile() {
     LookAtRecording(true);
 }
 
+void frmQLMain::OpenNeighbour(int index) {
+    const int position = m_browser.SelectedPosition();
+    m_browser.SelectFile(index == 1 ? position + 1 : position < 0 ? m_browser.FileCount() - 1 : position - 1);
+    ChooseFile();
+}
+
 void frmQLMain::ClickBlock() {
     m_loader.LoadBlock(static_cast<std::int16_t>(m_blocks.Selected()));
 }
@@ -410,8 +420,6 @@ void frmQLMain::ResetViewState() {
 }
 
 void frmQLMain::ShowBlock() {
-    // The readout of the block's channels needs its room.
-    if (m_global.block.channelCount != m_arrangedFor) ArrangeControls();
     m_global.axis.SetBlock(m_global.block.sampleCount);
     m_global.axis.SetWidth(m_layout.graph.width);
     m_global.amplitude.SetGraph(m_layout.graph.height, m_layout.graph.height / 2);

@@ -145,6 +145,8 @@ void frmQLMain::OnCommand(int id) {
         {mnuSoloChannel, mnuSoloChannel, &frmQLMain::ShowAlone},
         {mnuKeysAndMouse, mnuKeysAndMouse, &frmQLMain::ShowKeys},
         {mnuOpenFolder, mnuOpenFolder, &frmQLMain::OpenFolder},
+        {mnuRecording, mnuRecording + 1, &frmQLMain::OpenNeighbour},
+        {mnuFocus, mnuFocus + 3, &frmQLMain::FocusList},
         {mnuMove, mnuMove + static_cast<int>(Moves().size()) - 1, &frmQLMain::MoveView},
         {mnuPathList, mnuPathList + kPathListEntries - 1, &frmQLMain::ChoosePath},
     };
@@ -169,6 +171,59 @@ void frmQLMain::SelectTabFile(int page) {
     ShowPages();
 }
 
+void frmQLMain::FocusList(int list) {
+    TabCtrl_SetCurSel(GetDlgItem(m_window, list < 2 ? tabPath : tabFile), list % 2);
+    ShowPages();
+    constexpr int lists[] = {lstDir, lvCh, lstFile, lstBlock};
+    if (list == 1) m_channels.ShowFocus(m_global.currentChannel - 1);
+    MoveFocus(GetDlgItem(m_window, lists[list]));
+}
+
+void frmQLMain::MoveFocus(HWND control) {
+    // The system hides what marks the focus from those who use the mouse.
+    SendMessageW(m_window, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
+    SetFocus(control);
+    ShowFocus();
+}
+
+void frmQLMain::ReturnKeyboard(int control) const {
+    // Once the control has done its part of the click.
+    if (control == lstFile || control == lstBlock || control == lvCh || control == tabPath || control == tabFile)
+        PostMessageW(m_window, kFocusGraph, 0, 0);
+}
+
+void frmQLMain::ShowFocus() const {
+    // The frame lies in the gaps between the controls.
+    InvalidateRect(m_window, nullptr, TRUE);
+}
+
+void frmQLMain::OnPaint() const {
+    PAINTSTRUCT paint{};
+    const HDC dc = BeginPaint(m_window, &paint);
+    const HWND focus = GetFocus();
+    const int id = focus == nullptr || GetParent(focus) != m_window ? 0 : GetDlgCtrlID(focus);
+    PixelRect place;
+    if (id == lstDir) place = m_layout.folders;
+    if (id == lvCh) place = m_layout.channels;
+    if (id == lstFile) place = m_layout.files;
+    if (id == lstBlock) place = m_layout.blocks;
+    if (id == pbGraph) {
+        place = m_layout.scaleY;
+        place.width = m_layout.scrollY.Right() - place.left;
+        place.height = m_layout.scrollX.Bottom() - place.top;
+    }
+    if (place.width > 0 && m_complete) {
+        RECT frame{place.left, place.top, place.Right(), place.Bottom()};
+        // Thin round the graph, which has it most of the time.
+        const int lines = MulDiv(id == pbGraph ? 1 : 2, m_dpi, 96);
+        for (int line = 0; line < lines; ++line) {
+            InflateRect(&frame, 1, 1);
+            FrameRect(dc, &frame, GetSysColorBrush(COLOR_HIGHLIGHT));
+        }
+    }
+    EndPaint(m_window, &paint);
+}
+
 KeyPlace frmQLMain::FocusPlace() const {
     const HWND focus = GetFocus();
     if (focus == m_window || focus == m_graphBox.Window()) return KeyPlace::Graph;
@@ -190,6 +245,7 @@ bool frmQLMain::PreTranslate(const MSG& message) {
 bool frmQLMain::TranslateKey(const MSG& message) {
     if (m_window == nullptr) return false;
     if (message.message == WM_MOUSEWHEEL) return RouteWheel(message);
+    if (message.message == WM_LBUTTONUP) ReturnKeyboard(GetDlgCtrlID(message.hwnd));
     // After another key its release comes as that of an ordinary one.
     const bool released = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
     if (released && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
@@ -202,7 +258,7 @@ bool frmQLMain::TranslateKey(const MSG& message) {
     const bool shift = GetKeyState(VK_SHIFT) < 0 && message.wParam != VK_OEM_PLUS;
     const bool alt = GetKeyState(VK_MENU) < 0;
     if (message.wParam == VK_TAB && !control && !alt) {
-        if (const HWND next = GetNextDlgTabItem(m_window, GetFocus(), shift)) SetFocus(next);
+        if (const HWND next = GetNextDlgTabItem(m_window, GetFocus(), shift)) MoveFocus(next);
         return true;
     }
     const HWND focus = GetFocus();

@@ -77,11 +77,10 @@ void frmQLMain::ArrangeControls() {
     } else {
         ExpectBars(input);
     }
-    m_arrangedFor = m_global.block.channelCount;
-    input.valueRows = m_global.block.channelCount + 2;
     input.dpi = m_dpi;
     input.listWidth = m_global.settings.listWidth;
     input.upperPercent = m_global.settings.upperPercent;
+    input.valuesHeight = m_global.settings.valuesHeight;
     input.spectrogram = m_global.settings.spectrogramShown;
     input.spectrogramPercent = m_global.settings.spectrogramPercent;
     m_layout = ArrangeMain(input);
@@ -125,8 +124,10 @@ bool frmQLMain::OnSetCursor(HWND child) const {
     ScreenToClient(m_window, &point);
     if (child != m_window) return false;
     const bool column = Contains(m_layout.splitColumn, point.x, point.y);
-    const bool lists = Contains(m_layout.splitLists, point.x, point.y);
-    if (!column && !lists && !Contains(m_layout.splitSpectrogram, point.x, point.y)) return false;
+    bool rows = false;
+    for (const PixelRect& split : {m_layout.splitLists, m_layout.splitValues, m_layout.splitSpectrogram})
+        rows |= Contains(split, point.x, point.y);
+    if (!column && !rows) return false;
     SetCursor(LoadCursorW(nullptr, column ? IDC_SIZEWE : IDC_SIZENS));
     return true;
 }
@@ -135,6 +136,7 @@ void frmQLMain::OnMouse(UINT message, int x, int y) {
     if (message == WM_LBUTTONDOWN) {
         if (Contains(m_layout.splitColumn, x, y)) m_drag = Drag::Column;
         if (Contains(m_layout.splitLists, x, y)) m_drag = Drag::Lists;
+        if (Contains(m_layout.splitValues, x, y)) m_drag = Drag::Values;
         if (Contains(m_layout.splitSpectrogram, x, y)) m_drag = Drag::Spectrogram;
         if (m_drag != Drag::None) SetCapture(m_window);
         return;
@@ -145,6 +147,9 @@ void frmQLMain::OnMouse(UINT message, int x, int y) {
         const int height = m_layout.blocks.Bottom() - top - m_layout.splitLists.height;
         if (m_drag == Drag::Column) m_global.settings.listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
         if (m_drag == Drag::Lists && height > 0) m_global.settings.upperPercent = std::max((y - top) * 100 / height, 1);
+        if (m_drag == Drag::Values)
+            m_global.settings.valuesHeight =
+                std::max(m_layout.values.Bottom() - y - m_layout.splitValues.height / 2, 1);
         const int shared = m_layout.spectrogram.Bottom() - m_layout.graph.top - m_layout.splitSpectrogram.height;
         if (m_drag == Drag::Spectrogram && shared > 0)
             m_global.settings.spectrogramPercent =
@@ -153,6 +158,7 @@ void frmQLMain::OnMouse(UINT message, int x, int y) {
         // What was reached counts, so that dragging beyond a limit and back has no dead travel.
         m_global.settings.listWidth = m_layout.listWidth;
         m_global.settings.upperPercent = m_layout.upperPercent;
+        if (m_drag == Drag::Values) m_global.settings.valuesHeight = m_layout.valuesHeight;
         if (m_drag == Drag::Spectrogram && m_layout.spectrogramPercent > 0)
             m_global.settings.spectrogramPercent = m_layout.spectrogramPercent;
         Refresh();

@@ -107,10 +107,18 @@ void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
 }
 
 void ChannelList::FitColumns() const {
-    RECT client{};
-    GetClientRect(m_list, &client);
+    // As wide as the list will be inside, not as it is with the scroll bars of its last content and size: those would
+    // stay for themselves alone.
+    RECT list{};
+    GetWindowRect(m_list, &list);
+    InflateRect(&list, -GetSystemMetrics(SM_CXEDGE), -GetSystemMetrics(SM_CYEDGE));
+    RECT item{};
+    item.left = LVIR_BOUNDS;
+    const int items = ListView_GetItemCount(m_list);
+    if (items > 0) SendPointer(m_list, LVM_GETITEMRECT, 0, &item);
+    const bool scrolls = items * (item.bottom - item.top) > list.bottom - list.top;
     const int unit = MulDiv(56, m_dpi, 96);
-    const int width = static_cast<int>(client.right);
+    const int width = static_cast<int>(list.right - list.left) - (scrolls ? GetSystemMetrics(SM_CXVSCROLL) : 0);
     ListView_SetColumnWidth(m_list, 0, width > 2 * unit ? width - unit : width / 2);
     ListView_SetColumnWidth(m_list, 1, width > 2 * unit ? unit : width / 2);
 }
@@ -129,6 +137,11 @@ void ChannelList::Choose(int item) {
     const QuietScope quiet(m_filling);
     ListView_SetItemState(m_list, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     ListView_EnsureVisible(m_list, item, FALSE);
+}
+
+void ChannelList::ShowFocus(int item) const {
+    if (ListView_GetNextItem(m_list, -1, LVNI_FOCUSED) < 0)
+        ListView_SetItemState(m_list, item, LVIS_FOCUSED, LVIS_FOCUSED);
 }
 
 void ChannelList::Check(int item, bool checked) {

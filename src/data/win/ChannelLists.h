@@ -43,6 +43,8 @@ class ChannelList {
     [[nodiscard]] bool IsChecked(int item) const;
     /// Whether the mouse message that a notification tells of came to a line, its check box left aside.
     [[nodiscard]] bool IsOnItem(const NMHDR* notification) const;
+    /// Lets the item mark the keyboard focus, where no other one does.
+    void ShowFocus(int item) const;
     /// Sets a check box without a change notification.
     void Check(int item, bool checked);
     /// Selects an item without a change notification.

@@ -153,6 +153,24 @@ TEST_F(BrowserTest, NamesThatDifferInLetterCaseAreTwoFilesWhereTheyAre) {
     }
 }
 
+TEST_F(BrowserTest, RecordingsAreWalkedThroughAndTheListStaysWhereItIs) {
+    for (int file = 1; file <= 3; ++file)
+        static_cast<void>(
+            m_folder.Write(Decimal(file) + u".bin",
+                           BinRecording(100.0F, {std::vector<std::int16_t>(static_cast<std::size_t>(file * 9))})));
+    Start();
+    RECT place{};
+    GetWindowRect(Control(lstFile), &place);
+    for (const auto& [command, name] : {std::pair{1, L"2.bin"}, {1, L"3.bin"}, {1, L"3.bin"}, {0, L"2.bin"}}) {
+        Command(mnuRecording + command);
+        EXPECT_THAT(Caption(), ::testing::StartsWith(name));
+        RECT now{};
+        GetWindowRect(Control(lstFile), &now);
+        EXPECT_TRUE(EqualRect(&now, &place)) << "the readout of more channels takes no room from it";
+    }
+    EXPECT_FALSE(GetWindowLongW(Control(lvCh), GWL_STYLE) & WS_HSCROLL);
+}
+
 TEST_F(BrowserTest, AFolderThatWasAwayIsListedAndWatchedAgain) {
     const std::filesystem::path stick = m_folder.File(u"stick");
     std::filesystem::create_directory(stick);

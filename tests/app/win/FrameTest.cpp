@@ -25,6 +25,16 @@ class FrameTest : public MainWindowTest {
         SendPointer(Control(toolbar), TB_GETITEMRECT, static_cast<WPARAM>(index), &button);
         Click(toolbar, (button.left + button.right) / 2, (button.top + button.bottom) / 2);
     }
+    /// A key with a modifier, wherever the focus is.
+    void PressWith(int modifier, WPARAM key) const {
+        BYTE keys[256]{};
+        keys[modifier] = 0x80;
+        SetKeyboardState(keys);
+        EXPECT_TRUE(m_form->PreTranslate({GetFocus(), WM_KEYDOWN, key, 0, 0, {}}));
+        keys[modifier] = 0;
+        SetKeyboardState(keys);
+        Pump();
+    }
 };
 
 /// What a command prints.
@@ -149,6 +159,17 @@ TEST_F(FrameTest, TheKeyboardIsNeverLost) {
     EXPECT_EQ(GetFocus(), Control(pbGraph)) << "the list that had the focus is hidden";
     SetFocus(m_form->Window());
     EXPECT_EQ(GetFocus(), Control(pbGraph));
+    // A click that has done its work gives it back; a list that was asked for keeps it, at any page.
+    Command(mnuTabFile);
+    const int lists[] = {lstDir, lvCh, lstFile, lstBlock};
+    for (int list = 0; list < 4; ++list) {
+        PressWith(VK_CONTROL, static_cast<WPARAM>('1' + list));
+        EXPECT_EQ(GetFocus(), Control(lists[list]));
+        EXPECT_TRUE(IsWindowVisible(GetFocus()));
+        if (list == 0) continue;
+        list == 1 ? ClickCheckBox(0) : ClickLine(lists[list], 0);
+        EXPECT_EQ(GetFocus(), Control(pbGraph));
+    }
     // The release of a key that was part of a command opens no menu, whichever way it is told.
     BYTE keys[256]{};
     keys[VK_MENU] = 0x80;
