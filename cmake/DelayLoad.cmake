@@ -1,6 +1,7 @@
 # Import libraries for DLLs that are loaded when a function of theirs is first called. A DLL that is named in the
 # program's import table is loaded, along with those that it needs itself, before the program's first line, and the
-# first waveform needs none of these.
+# first waveform needs none of these. Loaded by name alone, such a DLL would be taken from the program's folder first: see
+# LoadSystemDllsOnly in src/app/win/SystemDlls.h.
 #
 # delay_load(TARGET DLL FUNCTION...) makes the library TARGET out of the functions that the program calls.
 function(delay_load target dll)

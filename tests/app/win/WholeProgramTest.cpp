@@ -131,11 +131,13 @@ void Use(User& me, const TemporaryFolder& folder) {
     EXPECT_TRUE(WaitUntil([&] { return !IsWindow(split); }));
     me.Command(mnuSelect + 2);
     if (waveOutGetNumDevs() > 0) {
-        me.Key(VK_SPACE);
-        EXPECT_TRUE(WaitUntil([&] { return me.Status(StatusPanel::Status).starts_with(L"Playing"); }) ||
-                    GetUserDefaultUILanguage() != MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US));
-        me.Key(VK_SPACE);
-        EXPECT_TRUE(WaitUntil([&] { return me.Status(StatusPanel::Status).empty(); }));
+        const auto plays = [&] {
+            return (SendMessageW(me.Control(tbMain), TB_GETSTATE, mnuSoundPlay + 2, 0) & TBSTATE_ENABLED) != 0;
+        };
+        for (const bool expected : {true, false}) {
+            me.Key(VK_SPACE);
+            EXPECT_TRUE(WaitUntil([&] { return plays() == expected; }));
+        }
     }
 }
 
