@@ -70,6 +70,8 @@ class DialogCloser {
         m_ends = true;
         m_thread.join();
     }
+    /// Whether menus stay open.
+    void LeaveMenus(bool leave) { m_leavesMenus = leave; }
     std::wstring Titles() {
         const std::scoped_lock lock(m_lock);
         return std::exchange(m_titles, {});
@@ -79,7 +81,8 @@ class DialogCloser {
     void Run() {
         for (HWND last = nullptr; !m_ends; Sleep(1)) {
             // Menus too, which hold the window's thread as long as they are open.
-            if (const HWND menu = FindWindowW(L"#32768", nullptr); menu != nullptr && IsWindowVisible(menu)) {
+            const HWND menu = m_leavesMenus ? nullptr : FindWindowW(L"#32768", nullptr);
+            if (menu != nullptr && IsWindowVisible(menu)) {
                 PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 0);
                 Sleep(20);
             }
@@ -103,6 +106,7 @@ class DialogCloser {
     std::mutex m_lock;
     std::wstring m_titles;
     std::atomic<bool> m_ends = false;
+    std::atomic<bool> m_leavesMenus = false;
     std::thread m_thread{[this] { Run(); }};
 };
 
