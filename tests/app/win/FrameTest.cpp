@@ -373,6 +373,84 @@ TEST_F(EffectTest, EveryCommandHasItsOneEffectByEveryWay) {
     for (const KeyBinding& binding : KeyBindings()) EXPECT_TRUE(tested.contains(binding.command)) << binding.command;
 }
 
+TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    m_global.settings.spectrogramShown = true;
+    Start();
+    const auto place = [&](int id) {
+        RECT rect{};
+        GetWindowRect(Control(id), &rect);
+        MapWindowPoints(nullptr, m_form->Window(), reinterpret_cast<POINT*>(&rect), 2);
+        return rect;
+    };
+    struct Splitter {
+        int before;  ///< the control left of it or above it
+        int behind;
+        int dx;
+        int dy;
+        std::int32_t Settings::*kept;
+    };
+    for (const Splitter& splitter : {Splitter{lvCh, pbScaleY, 40, 0, &Settings::listWidth},
+                                     Splitter{lvCh, tabFile, 0, 30, &Settings::upperPercent},
+                                     Splitter{lstFile, pnValues, 0, -40, &Settings::valuesHeight},
+                                     Splitter{pbGraph, pbFFT, 0, -50, &Settings::spectrogramPercent}}) {
+        SCOPED_TRACE(splitter.behind);
+        const RECT before = place(splitter.before);
+        const RECT behind = place(splitter.behind);
+        // Into its middle, and back from beyond its limit.
+        const int x =
+            splitter.dx != 0 ? static_cast<int>(before.right + behind.left) / 2 : static_cast<int>(before.left) + 30;
+        const int y = splitter.dy != 0 ? static_cast<int>(before.bottom + behind.top) / 2 : 300;
+        const auto mouse = [&](UINT message, int times) {
+            SendMessageW(m_form->Window(), message, MK_LBUTTON,
+                         MAKELPARAM(x + times * splitter.dx, y + times * splitter.dy));
+        };
+        mouse(WM_LBUTTONDOWN, 0);
+        for (const int times : {1, 100, 1}) mouse(WM_MOUSEMOVE, times);
+        mouse(WM_LBUTTONUP, 1);
+        EXPECT_NEAR(place(splitter.before).right - before.right, splitter.dx, 4);
+        EXPECT_NEAR(place(splitter.before).bottom - before.bottom, splitter.dy, 8);
+        EXPECT_NEAR(place(splitter.behind).left - behind.left, splitter.dx, 4);
+        EXPECT_NEAR(place(splitter.behind).top - behind.top, splitter.dy, 8);
+        EXPECT_GT(m_global.settings.*splitter.kept, 0);
+        const RECT moved = place(splitter.behind);
+        mouse(WM_MOUSEMOVE, 0);
+        const RECT still = place(splitter.behind);
+        EXPECT_TRUE(EqualRect(&moved, &still)) << "the button is up";
+    }
+}
+
+TEST_F(FrameTest, TheWheelTurnsWhatLiesUnderThePointer) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(60000)));
+    Start();
+    struct Turn {
+        int over;
+        WPARAM keys;
+        int columns;
+        int zooms;
+        int scales;
+    };
+    for (const Turn& turn : {Turn{pbGraph, 0, 100, 0, 0}, Turn{pbGraph, MK_SHIFT, 20, 0, 0},
+                             Turn{pbGraph, MK_CONTROL, 0, 1, 0}, Turn{pbGraph, MK_CONTROL | MK_SHIFT, 0, 0, -1},
+                             Turn{pbScaleX, 0, 0, 1, 0}, Turn{pbScaleY, 0, 0, 0, -1}, Turn{lstFile, 0, 0, 0, 0}}) {
+        SCOPED_TRACE(::testing::Message() << turn.over << ' ' << turn.keys);
+        m_global.axis.SelectZoom(2);
+        m_global.amplitude.SelectScale(8);
+        ScrollTo(1000);
+        RECT place{};
+        GetWindowRect(Control(turn.over), &place);
+        const LPARAM point = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        // Half a notch and its other half, from wherever the focus is.
+        for (int half = 0; half < 2; ++half)
+            PostMessageW(Control(tabPath), WM_MOUSEWHEEL, MAKEWPARAM(turn.keys, static_cast<WORD>(-WHEEL_DELTA / 2)),
+                         point);
+        Pump();
+        EXPECT_TRUE(turn.zooms != 0 || m_global.axis.FirstColumn() == 1000 + turn.columns);
+        EXPECT_EQ(m_global.axis.ZoomIndex(), 2 + turn.zooms);
+        EXPECT_EQ(m_global.amplitude.Index(), 8 + turn.scales);
+    }
+}
+
 TEST_F(FrameTest, ButtonsAreGreyWhereTheirCommandsCanDoNothing) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
     static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
