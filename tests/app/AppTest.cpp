@@ -158,15 +158,7 @@ TEST(StatusPanels, TellLengthsBeyondADayAndCodes) {
     EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10 k#"));
 }
 
-TEST(GraphKeys, ModifiersAndFocusChooseTheCommand) {
-    const auto move = [](Key key, bool control, bool shift) {
-        return Moves()[static_cast<std::size_t>(CommandOf(KeyPlace::Graph, key, control, shift, false) - mnuMove)];
-    };
-    EXPECT_EQ(move(Key::Left, false, false).columns, -20);
-    EXPECT_EQ(move(Key::Right, true, false).columns, 100);
-    EXPECT_EQ(move(Key::Right, false, true).columns, 1);
-    EXPECT_EQ(move(Key::Up, true, false).rows, -40);
-    EXPECT_EQ(CommandOf(KeyPlace::Graph, Key::Left, false, false, true), mnuMark);
+TEST(GraphKeys, FocusChoosesTheCommandAndNoKeyHasTwo) {
     EXPECT_EQ(CommandOf(KeyPlace::Graph, Letter('A'), true, false, false), mnuSelect);
     EXPECT_EQ(CommandOf(KeyPlace::ChannelList, Letter('A'), true, false, false), mnuChShow);
     EXPECT_EQ(CommandOf(KeyPlace::FileList, Key::Left, false, false, false), 0) << "a list keeps its own keys";
