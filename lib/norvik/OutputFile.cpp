@@ -10,7 +10,7 @@ namespace quillon {
 
 namespace {
 
-constexpr std::size_t kGatheredBytes = 256 * 1024;
+constexpr std::size_t kGatheredBytes = std::size_t{256} * 1024;
 /// Names that are tried beside a place; each that is taken is one of a program that was killed or is still writing.
 constexpr int kMostParts = 10000;
 

@@ -122,7 +122,8 @@ void QL_FFT::FFT_ComputeScaling() {
         m_state.halfRange = 0.0F;
         return;
     }
-    const auto halfLength = static_cast<float>(m_length / 2);
+    // Whole, as the length is a power of 2.
+    const float halfLength = static_cast<float>(m_length) / 2.0F;
     // A little more than the range would need: what reaches five sixths of it has the top colour.
     constexpr double headroom = 1.2;
     double factor = headroom * 255.0 / (static_cast<double>(half) * static_cast<double>(halfLength));

@@ -48,7 +48,8 @@ void Fold(const Extents& extents, std::int64_t origin, TraceMapping& mapping) {
         origin -= sign * steps * step;
         // As far as the number goes: beyond it the trace lies outside any graph.
         constexpr std::int64_t limit = 1 << 30;
-        const std::int64_t logical = sign * Sign(extents.device) * steps * extents.logical;
+        const std::int64_t direction = sign * Sign(extents.device);
+        const std::int64_t logical = direction * steps * extents.logical;
         mapping.windowOriginY = static_cast<std::int32_t>(std::clamp(logical, -limit, limit));
     }
     mapping.viewportOriginY = static_cast<std::int32_t>(origin);
