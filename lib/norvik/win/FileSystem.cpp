@@ -65,6 +65,12 @@ class WindowsFiles final : public FileSystem {
         if (::GetFileType(file) == FILE_TYPE_DISK) {
             place.replaces = true;
             ::CloseHandle(file);
+            // Below Wine an administrator can open a write-protected file for writing; it is meant to stay.
+            const DWORD attributes = ::GetFileAttributesW(SystemPath(path).c_str());
+            if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+                error = SystemText(ERROR_ACCESS_DENIED);
+                return std::nullopt;
+            }
         } else {
             place.device = std::make_unique<FileSink>(file);
         }
