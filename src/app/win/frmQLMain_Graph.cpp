@@ -119,6 +119,7 @@ void frmQLMain::OnVScroll(UINT code) {
 }
 
 void frmQLMain::FitUnlessLegible() {
+    if (m_layout.graph.height < 1) return;
     // A scale that the user chose stays from block to block as long as the new one is legible at it.
     const std::optional<ValueRange> range = m_graph.SeenRange(Scene());
     if (!range || (m_scaleFitted && m_global.amplitude.Shows(*range))) return;
@@ -164,6 +165,8 @@ void frmQLMain::Refresh(std::int32_t shift) {
     const PixelRect& graph = m_layout.graph;
     m_global.axis.SetWidth(graph.width);
     m_global.amplitude.SetGraph(graph.height, graph.height / 2);
+    // The first recording is open before the graph has a size.
+    if (!m_scaleFitted) FitUnlessLegible();
     if (m_global.block.sampleCount > 0) {
         HideCursorBand();
         ShowSelection();

@@ -38,7 +38,9 @@ TEST_F(MainWindowTest, FirstActivationOpensTheFirstRecording) {
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"a.bin - ["));
     EXPECT_EQ(Status(StatusPanel::Size), L"S: 5000");
     EXPECT_EQ(Status(StatusPanel::Rate), L"Fs: 250 Hz");
+    const int opened = m_global.amplitude.Index();
     Command(mnuBaseLine + 1);
+    EXPECT_EQ(m_global.amplitude.Index(), opened) << "it was opened at the scale that fits it";
     const Pixels graph = Capture(pbGraph);
     EXPECT_GT(graph.Count(TraceColor(0)), 200);
     EXPECT_GT(graph.Count(TraceColor(1)), 200);
