@@ -234,23 +234,6 @@ TEST_F(ExportWindowTest, ARecordingThatGoesWhileTheUserIsAskedEndsTheCommand) {
     EXPECT_EQ(ContentOf(m_folder.File(u"text1.txt")), "mine");
 }
 
-TEST_F(ExportWindowTest, AFullDiskIsToldWithTheFile) {
-    Start();
-    // Writing to it fails as on a full disk.
-    const std::u16string full = u"Z:\\dev\\full";
-    Choose(full, 1);
-    std::wstring text;
-    SaveAsAnswering([&](HWND box) {
-        text = WindowText(GetDlgItem(box, 0xFFFF));
-        PostMessageW(box, WM_COMMAND, IDOK, 0);
-    });
-    EXPECT_THAT(text, StartsWith(L"Error of file export!\n\n" + Wide(full) + L": "));
-    m_global.settings.exportFileType = 1;
-    m_global.settings.exportFastFile = full;
-    Command(mnuFastExport);
-    EXPECT_THAT(Status(), StartsWith(L"The file cannot be written: " + Wide(full) + L": "));
-}
-
 TEST_F(ExportWindowTest, CopiedDataAreTheTextOfTheSelection) {
     Start();
     m_global.settings.exportRowHead = 1;

@@ -1,382 +1,20 @@
 #include <gmock/gmock.h>
 
-#include <array>
-#include <map>
-#include <set>
-#include <sstream>
+#include <process.h>
 
-#include "app/GraphKeys.h"
 #include "app/KV_Resources.h"
+#include "app/win/DialogUser.h"
 #include "app/win/HelpViewer.h"
 #include "app/win/MainWindowFixture.h"
-#include "base/FilePath.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
-#include "norvik/win/Registry.h"
-#include "support/FakeRecording.h"
-#include "support/FakeSound.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using namespace ::quillon::testing;
 
-class FrameTest : public MainWindowTest {
-  protected:
-    /// Presses a button of a toolbar as the mouse does.
-    void PressButton(int toolbar, int command) const {
-        RECT button{};
-        const LRESULT index = SendMessageW(Control(toolbar), TB_COMMANDTOINDEX, static_cast<WPARAM>(command), 0);
-        SendPointer(Control(toolbar), TB_GETITEMRECT, static_cast<WPARAM>(index), &button);
-        Click(toolbar, (button.left + button.right) / 2, (button.top + button.bottom) / 2);
-    }
-    /// A key with a modifier, wherever the focus is.
-    void PressWith(int modifier, WPARAM key) const {
-        BYTE keys[256]{};
-        keys[modifier] = 0x80;
-        SetKeyboardState(keys);
-        EXPECT_TRUE(m_form->PreTranslate({GetFocus(), WM_KEYDOWN, key, 0, 0, {}}));
-        keys[modifier] = 0;
-        SetKeyboardState(keys);
-        Pump();
-    }
-};
-
-/// What a command prints.
-std::string OutputOf(const std::string& command) {
-    std::string output;
-    FILE* pipe = _popen(command.c_str(), "r");
-    for (int character = pipe == nullptr ? EOF : std::fgetc(pipe); character != EOF; character = std::fgetc(pipe))
-        output.push_back(static_cast<char>(character));
-    if (pipe != nullptr) _pclose(pipe);
-    return output;
-}
-
-/// A command, the keys that run it (with the list that has the focus, if any) and all that it changes.
-struct Effect {
-    int command;
-    const char* keys;
-    const char* changes;
-    int before = 0;  ///< a command that has to be run first for it to have an effect, or one of the two below
-};
-constexpr int kSelected = -1;      ///< samples 12001 to 12400 are selected
-constexpr int kFolderChosen = -2;  ///< the folder "sub" is chosen in its list
-
-const Effect kEffects[] = {
-    {mnuSaveAs, "Ctrl+S", "save=1"},
-    {mnuFastExport, "Ctrl+Shift+E", "status=The file "},
-    {mnuSplit, "Ctrl+Shift+S", "dialog=Splitting"},
-    {mnuFileOperation, "lstFile:Del", "column=0 dialog=of the shell scale=3 shift=3798"},
-    {mnuFileOperation + 1, "lstFile:F2", "dialog=Rename"},
-    {mnuOptions, "", "dialog=Options"},
-    {mnuCopy, "Ctrl+C", "clipboard=text status=Copied", kSelected},
-    {mnuCopy + 1, "Ctrl+Shift+C", "clipboard=image status=Copied"},
-    {mnuTabPath, "", "pages=01"},
-    {mnuTabPath + 1, "", "pages=11", mnuTabPath},
-    {mnuTabFile, "F5", "pages=10"},
-    {mnuTabFile + 1, "", "pages=11", mnuTabFile},
-    {mnuSpectrogram, "G", "spectrogram=1"},
-    {mnuNextPalette, "Shift+G", "palette=1"},
-    {mnuScaleX, "", "column=13024 zoom=0"},
-    {mnuScaleX + 6, "", "column=0 zoom=6"},
-    {mnuZoomX, "Ctrl+Minus", "column=332 zoom=4"},
-    {mnuZoomX + 1, "Ctrl+Plus", "column=2336 zoom=2"},
-    {mnuGoTo + 0, "Home", "column=0"},
-    {mnuGoTo + 1, "PgUp", "column=400"},
-    {mnuGoTo + 2, "PgDn", "column=1600"},
-    {mnuGoTo + 3, "End", "column=2000"},
-    {mnuScaleY, "", "scale=0 shift=0"},
-    {mnuScaleY + 3, "", "scale=3 shift=1"},
-    {mnuZoomY, "Minus", "scale=7 shift=13"},
-    {mnuZoomY + 1, "Plus", "scale=9 shift=66"},
-    {mnuBaseLine, "B", "shift=0"},
-    {mnuBaseLine + 1, "D", "scale=3 shift=3798"},
-    {mnuChShow, "lvCh:Ctrl+A", "shown=11"},
-    {mnuChShow + 1, "lvCh:Ctrl+Shift+A", "shown=00"},
-    {mnuChShow + 2, "lvCh:Ctrl+I", "shown=10"},
-    {mnuSoundPlay, "Space", "sound=open 1 100,"},
-    {mnuSoundPlay + 1, "Shift+Space", "sound=open 2 100,"},
-    {mnuSoundPlay + 2, "", "sound=stop,", mnuSoundPlay},
-    {mnuSoundCard, "", "card=0", mnuSoundCard + 1},
-    {mnuSoundCard + 1, "", "card=1"},
-    {mnuHelp, "F1", "status=No help f"},
-    {mnuHelpLang, "", "help=0"},
-    {mnuHelpLang + 1, "", "help=1"},
-    {mnuHelpLang + 2, "", "help=2"},
-    {mnuView, "Ctrl+E", "column=11864 zoom=0", kSelected},
-    {mnuView + 1, "Ctrl+F", "column=0 zoom=5"},
-    {mnuView + 2, "Backspace", "column=1000 zoom=3", mnuZoomX},
-    {mnuMark, "Alt+Left", "column=0"},
-    {mnuMark + 1, "Alt+Right", "column=1164"},
-    {mnuSelect, "Ctrl+A", "selection=1-20000"},
-    {mnuSelect + 1, "Ctrl+Shift+A", "selection=10001-16720"},
-    {mnuSelect + 2, "Esc", "selection=", kSelected},
-    {mnuGoToPlace, "Ctrl+G", "dialog=Go To"},
-    {mnuStatistics, "", "dialog=Statistics of Selection", kSelected},
-    {mnuSoloChannel, "", "alone=1 shown=10"},
-    {mnuKeysAndMouse, "", "dialog=Keys and Mouse"},
-    {mnuOpenFolder, "lstDir:Enter", "column=0 file=", kFolderChosen},
-    {mnuMove + 0, "Left", "column=980"},
-    {mnuMove + 1, "Right", "column=1020"},
-    {mnuMove + 2, "Ctrl+Left", "column=900"},
-    {mnuMove + 3, "Ctrl+Right", "column=1100"},
-    {mnuMove + 4, "Shift+Left", "column=999"},
-    {mnuMove + 5, "Shift+Right", "column=1001"},
-    {mnuMove + 6, "Up", "shift=13"},
-    {mnuMove + 7, "Down", "shift=53"},
-    {mnuMove + 8, "Ctrl+Up", "shift=-7"},
-    {mnuMove + 9, "Ctrl+Down", "shift=73"},
-    {mnuMove + 10, "Shift+Up", "shift=32"},
-    {mnuMove + 11, "Shift+Down", "shift=34"},
-    {mnuRecording, "Ctrl+PgUp", "column=0 file=a.bin scale=3 shift=3798"},
-    {mnuRecording + 1, "Ctrl+PgDn", "column=0 file=c.bin scale=3 shift=3798"},
-    {mnuFocus + 0, "Ctrl+1", "list=0 pages=01"},
-    {mnuFocus + 1, "Ctrl+2", "list=1"},
-    {mnuFocus + 2, "Ctrl+3", "list=4 pages=10"},
-    {mnuFocus + 3, "Ctrl+4", "list=5"},
-};
-
-/// The main window over a sound device of the test's, in one and the same state again and again.
-class EffectTest : public FrameTest {
-  protected:
-    void SetUp() override {
-        for (const char16_t* name : {u"a.bin", u"b.bin", u"c.bin"})
-            static_cast<void>(m_folder.Write(name, TwoLevels()));
-        std::filesystem::create_directory(m_folder.File(u"sub"));
-        // Without both of them there is no choice between them.
-        for (const std::filesystem::path& help : HelpFiles()) std::ofstream(help) << "help";
-        Create(Wide(m_folder.Path()));
-        m_device.count = 2;
-        m_device.names = {u"card 1", u"card 2"};
-        m_global.makeSoundOutput = [this](SoundOutputEvents events) {
-            m_device.events = std::move(events);
-            return std::make_unique<FakeOutput>(m_device);
-        };
-        ShowWindow(m_form->Window(), SW_SHOW);
-        SetForegroundWindow(m_form->Window());
-        Pump();
-        auto save = std::make_unique<FakeSaveDialog>();
-        save->answer = [this](FakeSaveDialog&) { return ++m_saves, false; };
-        m_global.saveDialog = std::move(save);
-        m_global.settings.exportFastFile = m_folder.File(u"no such folder/fast.txt").u16string();
-    }
-
-    void TearDown() override {
-        FrameTest::TearDown();
-        for (const std::filesystem::path& help : HelpFiles()) std::filesystem::remove(help);
-    }
-
-    static std::vector<std::filesystem::path> HelpFiles() {
-        wchar_t program[MAX_PATH] = {};
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        const std::filesystem::path folder = std::filesystem::path(program).parent_path();
-        return {folder / "Kelvo.chm", folder / "KelvoEN.chm"};
-    }
-
-    /// A saw from 0 to 99 and a channel far above it.
-    static FileBytes TwoLevels() {
-        std::vector<std::vector<std::int16_t>> frames;
-        for (int frame = 0; frame < 20000; ++frame)
-            frames.push_back(
-                {static_cast<std::int16_t>(frame % 100), static_cast<std::int16_t>(9000 + frame % 100 * 10)});
-        return BinRecording(100.0F, frames);
-    }
-
-    void Prepare(const Effect& effect) {
-        if (m_global.fileCount == 0) m_form->OpenPath(Wide(m_folder.Path()));
-        Command(mnuSelect + 2);
-        Command(mnuSelect + 2);
-        if (m_global.shownBeforeSolo) Command(mnuSoloChannel);
-        for (const int list : {lstFile, lstBlock}) ClickLine(list, list == lstFile ? 1 : 0);
-        m_global.block.marks = {{100, u"one"}, {15000, u"two"}};
-        m_global.axis.SelectZoom(3);
-        m_global.amplitude.SelectScale(8);
-        Command(mnuBaseLine);
-        m_global.amplitude.MoveBaseLine(33);
-        m_global.currentChannel = 1;
-        Command(mnuSoundCard);
-        Command(mnuChShow);
-        ClickCheckBox(0);
-        Command(mnuTabPath + 1);
-        Command(mnuTabFile + 1);
-        if (m_global.settings.spectrogramShown != (effect.command == mnuNextPalette)) Command(mnuSpectrogram);
-        m_global.settings.palette = 0;
-        m_global.settings.helpLanguage = 7;
-        m_global.helpFile.clear();
-        ScrollTo(1000);
-        m_global.history.Clear();
-        if (effect.before > 0) Command(effect.before);
-        if (effect.before == kSelected) m_global.selection = {true, 1, 12001, 12400};
-        if (effect.before == kFolderChosen) SendMessageW(Control(lstDir), LB_SETCURSEL, Lines(lstDir).size() - 1, 0);
-        if (OpenClipboard(m_form->Window())) {
-            EmptyClipboard();
-            CloseClipboard();
-        }
-        m_services->SetStatus(u"");
-        m_device.calls.clear();
-        SetFocus(Control(pbGraph));
-        Pump();
-    }
-
-    std::map<std::string, std::string> Facts() {
-        const Selection& selection = m_global.selection;
-        std::string shown;
-        for (int channel = 0; channel < 2; ++channel)
-            shown += m_global.slots[static_cast<std::size_t>(channel)].shown ? '1' : '0';
-        std::string calls;
-        for (const std::string& call : m_device.calls) calls += call + ',';
-        const int focus = GetDlgCtrlID(GetFocus());
-        const auto page = [&](int tabs) { return std::to_string(TabCtrl_GetCurSel(Control(tabs))); };
-        std::wstring dialog = m_closer.Titles();
-        dialog.resize(std::min(dialog.find_first_of(L":;"), dialog.size()));
-        // The shell's speaks the language of the system.
-        static const std::set<std::wstring> own{
-            L"", L"Splitting", L"Rename", L"Options", L"Go To", L"Statistics of Selection", L"Keys and Mouse"};
-        if (!own.contains(dialog)) dialog = L"of the shell";
-        return {{"column", std::to_string(m_global.axis.FirstColumn())},
-                {"zoom", std::to_string(m_global.axis.ZoomIndex())},
-                {"scale", std::to_string(m_global.amplitude.Index())},
-                {"shift", std::to_string(m_global.amplitude.Shift())},
-                {"shown", shown},
-                {"alone", m_global.shownBeforeSolo ? "1" : "0"},
-                {"pages", page(tabPath) + page(tabFile)},
-                {"spectrogram", m_global.settings.spectrogramShown ? "1" : "0"},
-                {"palette", std::to_string(m_global.settings.palette)},
-                {"help", std::to_string(m_global.settings.helpLanguage)},
-                {"selection",
-                 selection.active ? std::to_string(selection.First()) + '-' + std::to_string(selection.Last()) : ""},
-                {"sound", calls},
-                {"card", std::to_string(m_device.chosen)},
-                {"list", focus == lstDir || focus == lvCh || focus == lstFile || focus == lstBlock
-                             ? std::to_string(focus - lstDir)
-                             : ""},
-                {"file", Utf8(FileNameOf(m_global.file.fileName))},
-                {"status", Utf8(Narrow16(Status(StatusPanel::Status).substr(0, 9)))},
-                {"save", std::to_string(m_saves)},
-                {"clipboard", IsClipboardFormatAvailable(CF_DIB)           ? "image"
-                              : IsClipboardFormatAvailable(CF_UNICODETEXT) ? "text"
-                                                                           : ""},
-                {"dialog", Utf8(Narrow16(dialog))}};
-    }
-
-    /// What is another after a command has been run.
-    std::string ChangesOf(const Effect& effect, const std::function<void()>& run) {
-        Prepare(effect);
-        m_saves = 0;
-        m_closer.Titles();
-        const auto before = Facts();
-        run();
-        Pump();
-        std::string changes;
-        for (const auto& [name, value] : Facts()) {
-            if (before.at(name) != value) changes += (changes.empty() ? "" : " ") + name + '=' + value;
-        }
-        return changes;
-    }
-
-    /// Presses a key such as "Ctrl+Shift+E", or "lvCh:Ctrl+A" in a list.
-    void Press(std::string_view key) {
-        static const std::map<std::string_view, int> names{
-            {"Left", VK_LEFT},       {"Right", VK_RIGHT},    {"Up", VK_UP},
-            {"Down", VK_DOWN},       {"PgUp", VK_PRIOR},     {"PgDn", VK_NEXT},
-            {"Home", VK_HOME},       {"End", VK_END},        {"Plus", VK_OEM_PLUS},
-            {"Minus", VK_OEM_MINUS}, {"Space", VK_SPACE},    {"Enter", VK_RETURN},
-            {"Esc", VK_ESCAPE},      {"Backspace", VK_BACK}, {"Del", VK_DELETE},
-            {"F1", VK_F1},           {"F2", VK_F2},          {"F5", VK_F5}};
-        static const std::map<std::string_view, int> lists{{"lstDir", 0}, {"lvCh", 1}, {"lstFile", 2}};
-        if (const std::size_t end = key.find(':'); end != key.npos) {
-            SetFocus(
-                Control(std::array{lstDir, lvCh, lstFile}.at(static_cast<std::size_t>(lists.at(key.substr(0, end))))));
-            key.remove_prefix(end + 1);
-        }
-        BYTE state[256]{};
-        const BYTE none[256]{};
-        UINT message = WM_KEYDOWN;
-        for (const auto& [name, code] :
-             {std::pair<std::string_view, int>{"Ctrl+", VK_CONTROL}, {"Shift+", VK_SHIFT}, {"Alt+", VK_MENU}}) {
-            if (!key.starts_with(name)) continue;
-            key.remove_prefix(name.size());
-            state[code] = 0x80;
-            if (code == VK_MENU) message = WM_SYSKEYDOWN;
-        }
-        const auto found = names.find(key);
-        const int code = found != names.end() ? found->second : key.at(0);
-        SetKeyboardState(state);
-        EXPECT_TRUE(m_form->PreTranslate({GetFocus(), message, static_cast<WPARAM>(code), 0, 0, {}})) << key;
-        SetKeyboardState(const_cast<BYTE*>(none));
-    }
-
-    DeviceState m_device;
-    int m_saves = 0;
-    DialogCloser m_closer;
-};
-
-/// Position of a command in the graph's context menu, not counting separators; -1 when it is not there.
-int LineInContextMenu(int command) {
-    int line = 0;
-    for (const MenuEntry& entry : ContextMenu()) {
-        if (entry.kind == MenuEntry::Kind::Separator) continue;
-        if (command >= entry.id && command < entry.id + entry.count) return line + command - entry.id;
-        line += entry.count;
-    }
-    return -1;
-}
-
-/// Chooses a line of the menu that has just opened, once that waits for keys.
-LRESULT CALLBACK ChooseLine(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR line) {
-    if (message == WM_ENTERIDLE && wParam == MSGF_MENU) {
-        for (DWORD_PTR at = 0; at <= line; ++at) PostMessageW(window, WM_KEYDOWN, VK_DOWN, 0);
-        PostMessageW(window, WM_KEYDOWN, VK_RETURN, 0);
-    }
-    return DefSubclassProc(window, message, wParam, lParam);
-}
-
-TEST_F(EffectTest, EveryCommandHasItsOneEffectByEveryWay) {
-    std::map<int, int> buttons;
-    for (const auto& [toolbar, all] : {std::pair{tbMain, MainButtons()}, {tbGoTo, GoToButtons()}}) {
-        for (const ToolbarButton& button : all) buttons[button.command] = toolbar;
-    }
-    std::set<int> tested;
-    std::size_t pressed = 0;
-    for (const Effect& effect : kEffects) {
-        SCOPED_TRACE(effect.command);
-        tested.insert(effect.command);
-        EXPECT_EQ(ChangesOf(effect, [&] { Command(effect.command); }), effect.changes);
-        if (buttons.contains(effect.command)) {
-            const auto press = [&] { PressButton(buttons[effect.command], effect.command); };
-            EXPECT_EQ(ChangesOf(effect, press), effect.changes) << "by its button";
-        }
-        if (const int line = LineInContextMenu(effect.command); line >= 0) {
-            const auto choose = [&] {
-                m_closer.LeaveMenus(true);
-                SetWindowSubclass(m_form->Window(), ChooseLine, 1, static_cast<DWORD_PTR>(line));
-                Key(VK_APPS);
-                RemoveWindowSubclass(m_form->Window(), ChooseLine, 1);
-                m_closer.LeaveMenus(false);
-            };
-            EXPECT_EQ(ChangesOf(effect, choose), effect.changes) << "by the context menu";
-        }
-        std::istringstream keys(effect.keys);
-        for (std::string key; keys >> key; ++pressed) {
-            std::string changes = ChangesOf(effect, [&] { Press(key); });
-            // The list that the key belongs to had the focus.
-            if (const std::size_t list = changes.find("list="); key.find(':') != key.npos && list != changes.npos)
-                changes.erase(list == 0 ? 0 : list - 1, list == 0 ? 7 : 7);
-            EXPECT_EQ(changes, effect.changes) << "by " << key;
-        }
-    }
-    EXPECT_EQ(pressed, KeyBindings().size()) << "a key that is not in the table";
-    for (const auto menu : {MenuTree(), ContextMenu()}) {
-        for (const MenuEntry& entry : menu) {
-            const bool list = entry.id == mnuScaleX || entry.id == mnuScaleY;
-            for (int id = entry.id; id != 0 && id != mnuExit && id < entry.id + (list ? 1 : entry.count); ++id)
-                EXPECT_TRUE(tested.contains(id)) << id;
-        }
-    }
-    for (const KeyBinding& binding : KeyBindings()) EXPECT_TRUE(tested.contains(binding.command)) << binding.command;
-}
+using FrameTest = MainWindowTest;
 
 TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
@@ -456,19 +94,91 @@ TEST_F(FrameTest, TheWheelTurnsWhatLiesUnderThePointer) {
     }
 }
 
-TEST_F(FrameTest, ButtonsAreGreyWhereTheirCommandsCanDoNothing) {
-    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
-    static_cast<void>(m_folder.Write(u"b.bin", FileBytes().Text("no recording")));
+/// A thumb of a scroll bar is held at a position.
+void HoldThumb(HWND window, HWND bar, UINT message, int position) {
+    SetScrollPos(bar, SB_CTL, position, FALSE);
+    SendMessageW(window, message, SB_THUMBTRACK, reinterpret_cast<LPARAM>(bar));
+}
+
+TEST_F(FrameTest, ScrollBarsReachTheWholeRecordingAndTheirThumbsMoveTheView) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(100000)));
     Start();
-    const auto enabled = [&](int command) {
-        return (SendMessageW(Control(tbMain), TB_GETSTATE, static_cast<WPARAM>(command), 0) & TBSTATE_ENABLED) != 0;
-    };
-    EXPECT_TRUE(enabled(mnuBaseLine));
-    EXPECT_TRUE(enabled(mnuSaveAs));
-    ClickLine(lstFile, 1);
-    EXPECT_FALSE(enabled(mnuSaveAs));
-    EXPECT_FALSE(enabled(mnuBaseLine));
-    EXPECT_TRUE(enabled(mnuHelp));
+    SCROLLINFO info{sizeof(SCROLLINFO), SIF_ALL, 0, 0, 0, 0, 0};
+    GetScrollInfo(Control(scScaleX), SB_CTL, &info);
+    EXPECT_EQ(info.nMax - static_cast<int>(info.nPage) + 1, TimeAxis::kScrollMax);
+    for (const auto& [thumb, column] : {std::pair{TimeAxis::kScrollMax, 100000}, {8192, 25001}, {0, 0}}) {
+        HoldThumb(m_form->Window(), Control(scScaleX), WM_HSCROLL, thumb);
+        EXPECT_EQ(m_global.axis.FirstColumn(), column);
+        EXPECT_EQ(GetScrollPos(Control(scScaleX), SB_CTL), thumb);
+    }
+    Command(mnuBaseLine);
+    const Pixels before = Capture(pbGraph);
+    for (const int thumb : {100, -35, 0}) {
+        HoldThumb(m_form->Window(), Control(scScaleY), WM_VSCROLL, thumb);
+        EXPECT_EQ(m_global.amplitude.Shift(), -thumb);
+        EXPECT_EQ(Capture(pbGraph) == before, thumb == 0);
+    }
+    // Data far from zero are the middle of the bar, and a click on its end moves them from where they are.
+    m_global.amplitude.MoveBaseLine(-500000);
+    Command(mnuMove + 6);
+    const auto shift = m_global.amplitude.Shift();
+    SendMessageW(m_form->Window(), WM_VSCROLL, SB_LINEDOWN, reinterpret_cast<LPARAM>(Control(scScaleY)));
+    EXPECT_EQ(m_global.amplitude.Shift(), shift - 20);
+    EXPECT_EQ(GetScrollPos(Control(scScaleY), SB_CTL), 20);
+    // The buttons of the zoom control: minus below left, plus below right.
+    RECT zoom{};
+    GetClientRect(Control(btnZoomX), &zoom);
+    for (const int expected : {1, 0}) {
+        Click(btnZoomX, expected == 1 ? 4 : static_cast<int>(zoom.right) - 4, static_cast<int>(zoom.bottom) - 4);
+        EXPECT_EQ(m_global.axis.ZoomIndex(), expected);
+    }
+}
+
+TEST_F(FrameTest, NothingOverlapsAtThisResolutionAndAHigherOne) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
+    m_global.settings.spectrogramShown = true;
+    Start();
+    const int dpi = ScreenDpi();
+    for (const int edge : {0, 1500}) {
+        SetWindowPos(m_form->Window(), nullptr, 0, 0, edge, edge * 3 / 4, SWP_NOMOVE | SWP_NOZORDER);
+        Pump();
+        RECT client{};
+        GetClientRect(m_form->Window(), &client);
+        EXPECT_GE(client.right, MulDiv(540, dpi, 96));
+        MapWindowPoints(m_form->Window(), nullptr, reinterpret_cast<POINT*>(&client), 2);
+        std::vector<std::pair<int, RECT>> seen;
+        for (const HWND window : Descendants(m_form->Window())) {
+            RECT place{};
+            GetWindowRect(window, &place);
+            if (GetParent(window) != m_form->Window() || !IsWindowVisible(window) || IsRectEmpty(&place)) continue;
+            RECT common{};
+            EXPECT_TRUE(IntersectRect(&common, &place, &client) && EqualRect(&common, &place)) << GetDlgCtrlID(window);
+            for (const auto& [id, other] : seen)
+                EXPECT_FALSE(IntersectRect(&common, &place, &other)) << GetDlgCtrlID(window) << " overlaps " << id;
+            seen.emplace_back(GetDlgCtrlID(window), place);
+        }
+        EXPECT_GT(seen.size(), 15U);
+    }
+    // A process takes the resolution of the screen at its start.
+    const wchar_t* name = L"QUILLON_TEST_DPI";
+    wchar_t given[8] = {};
+    if (GetEnvironmentVariableW(name, given, 8) != 0) {
+        EXPECT_EQ(dpi, 144);
+        return;
+    }
+    const auto key = L"Control Panel\\Desktop";
+    DWORD higher = 144;
+    DWORD stored = 0;
+    DWORD size = sizeof stored;
+    const bool was = RegGetValueW(HKEY_CURRENT_USER, key, L"LogPixels", RRF_RT_DWORD, nullptr, &stored, &size) == 0;
+    RegSetKeyValueW(HKEY_CURRENT_USER, key, L"LogPixels", REG_DWORD, &higher, sizeof higher);
+    SetEnvironmentVariableW(name, L"144");
+    wchar_t program[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    EXPECT_EQ(_wspawnl(_P_WAIT, program, L"win_tests", L"--gtest_filter=FrameTest.NothingOverlaps*:*Fit*", nullptr), 0);
+    SetEnvironmentVariableW(name, nullptr);
+    was ? RegSetKeyValueW(HKEY_CURRENT_USER, key, L"LogPixels", REG_DWORD, &stored, size)
+        : RegDeleteKeyValueW(HKEY_CURRENT_USER, key, L"LogPixels");
 }
 
 TEST_F(FrameTest, BothLanguagesHoldTheSameStringsAndNoneIsTooLongForItsControl) {
@@ -511,7 +221,7 @@ TEST_F(FrameTest, TheKeyboardIsNeverLost) {
     Command(mnuTabFile);
     const int lists[] = {lstDir, lvCh, lstFile, lstBlock};
     for (int list = 0; list < 4; ++list) {
-        PressWith(VK_CONTROL, static_cast<WPARAM>('1' + list));
+        Command(mnuFocus + list);
         EXPECT_EQ(GetFocus(), Control(lists[list]));
         EXPECT_TRUE(IsWindowVisible(GetFocus()));
         if (list == 0) continue;
@@ -570,45 +280,6 @@ TEST_F(FrameTest, AFolderIsNoHelpFile) {
     EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), u"");
     static_cast<void>(m_folder.Write(u"KelvoZ.chm", "help"));
     EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), m_folder.Path() + u"\\KelvoZ.chm");
-}
-
-TEST_F(FrameTest, SettingsOutliveTheWindow) {
-    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
-    const ProgramIdentity program{u"Quillon frame test", 1, 0, 0};
-    {
-        m_shutdown = [&] { SettingsStore(MakeRegistryObject, program).Save(m_global.settings); };
-        Start();
-        SetWindowPos(m_form->Window(), nullptr, 44, 55, 900, 600, SWP_NOZORDER);
-        m_global.settings.listWidth = 260;
-        Command(mnuHelpLang + 2);
-        TearDown();
-    }
-    // Another program finds them, as texts and numbers.
-    const std::string key = "reg query \"HKCU\\Software\\Norvik\\Quillon frame test\\1.x";
-    EXPECT_THAT(OutputOf(key + "\" /v FilesPath"), HasSubstr("FilesPath    REG_SZ    "));
-    EXPECT_THAT(OutputOf(key + "\\Window\" /v Top"), HasSubstr("REG_DWORD    0x37"));
-    QL_Global second;
-    SettingsStore(MakeRegistryObject, program).Load(second.settings);
-    RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Norvik\\Quillon frame test");
-    EXPECT_EQ(std::filesystem::path(second.settings.filesPath), m_folder.File(u"").parent_path());
-    EXPECT_EQ(second.settings.windowLeft, 44);
-    EXPECT_EQ(second.settings.windowTop, 55);
-    EXPECT_EQ(second.settings.listWidth, 260);
-    ASSERT_EQ(second.settings.pathList.Folders().size(), 1U);
-    // A second start shows the same folder at the same place; a place off all screens is moved onto one.
-    second.settings.windowTop = 20000;
-    m_global.settings = second.settings;
-    m_services = std::make_unique<WinServices>(Language::English);
-    ASSERT_TRUE(Init(m_global, SystemParts(), *m_services));
-    m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer);
-    m_form->Create();
-    m_form->Show(SW_SHOW);
-    Pump();
-    RECT place{};
-    GetWindowRect(m_form->Window(), &place);
-    EXPECT_EQ(place.right - place.left, 900);
-    EXPECT_LT(place.top, 2000);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/win/WinHandle.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon::testing {
 
@@ -53,7 +54,8 @@ void MainWindowTest::Create(const std::wstring& folder) {
     m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer, m_shutdown);
     m_global.settings.filesPath = Narrow16(folder);
     m_form->Create();
-    SetWindowPos(m_form->Window(), nullptr, 20, 20, 1000, 640, SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(m_form->Window(), nullptr, 20, 20, MulDiv(1000, ScreenDpi(), 96), MulDiv(640, ScreenDpi(), 96),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void MainWindowTest::TearDown() {

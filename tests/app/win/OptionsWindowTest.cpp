@@ -1,8 +1,13 @@
 #include <gmock/gmock.h>
 
+#include <map>
+#include <sstream>
+
 #include "app/win/DialogUser.h"
 #include "app/win/MainWindowFixture.h"
+#include "base/Text.h"
 #include "dialogs/win/OptionsLayout.h"
+#include "view/ScaleLabels.h"
 
 namespace quillon {
 namespace {
@@ -20,19 +25,42 @@ class OptionsWindowTest : public MainWindowTest {
         });
         Command(mnuOptions);
     }
-    /// Without the readout of a pointer that lies over the pictures when a dialog closes.
-    Pixels Seen(int id) {
+    /// What the window shows that an option decides on.
+    [[nodiscard]] std::map<std::string, std::string> Seen() {
         Pump();
         for (const int box : {pbGraph, pbFFT}) SendMessageW(Control(box), WM_CANCELMODE, 0, 0);
-        return Capture(id);
+        m_global.selection = {true, 1, 1, 101};
+        Command(mnuMove + 5);
+        const auto line = [](const std::u16string& text, std::size_t at) {
+            std::istringstream lines(Utf8(text));
+            std::string one;
+            for (std::size_t skipped = 0; skipped <= at; ++skipped) std::getline(lines, one);
+            return one.substr(0, one.find('\r'));
+        };
+        const std::u16string values = m_form->ValuesText();
+        // The grid without what crosses it.
+        Command(mnuChShow + 1);
+        m_global.selection = {};
+        const auto name = [&](int box) {
+            const Pixels pixels = Capture(box);
+            return std::to_string(std::hash<std::string_view>()(
+                {reinterpret_cast<const char*>(pixels.rgb.data()), pixels.rgb.size() * 4}));
+        };
+        const std::string grid = name(pbGraph);
+        Command(mnuChShow);
+        return {{"time", Utf8(TimeLabels(m_global.axis, m_global.block, m_global.format).at(1).text)},
+                {"amplitude", Utf8(AmplitudeLabels(m_global.amplitude, m_global.rawCodes, u'.').at(0).text)},
+                {"length", line(values, 0)},
+                {"value", line(values, 1)},
+                {"grid", grid},
+                {"cursor", std::to_string(m_global.settings.waveformCursor)},
+                {"palette", name(pbPal)},
+                {"spectrogram", name(pbFFT)}};
     }
 };
 
 TEST_F(OptionsWindowTest, EveryOptionIsSeenAtOnceAndCancelChangesNothing) {
-    std::vector<std::vector<std::int16_t>> frames;
-    for (int frame = 0; frame < 5000; ++frame)
-        frames.push_back({static_cast<std::int16_t>(frame * 37 % 1000 - 500 + frame % 7 * 31 + 3)});
-    FileBytes recording = BinRecording(100.0F, frames);
+    FileBytes recording = SawRecording(5000);
     recording.Patch(128 + 64, 0x3C4A2DB6, 4);  // a scale of 0.01234
     static_cast<void>(m_folder.Write(u"a.bin", recording));
     Start();
@@ -41,35 +69,38 @@ TEST_F(OptionsWindowTest, EveryOptionIsSeenAtOnceAndCancelChangesNothing) {
     struct Change {
         int control;
         int position;  ///< in a list; -1: a button
-        int seenIn;    ///< picture box
+        const char* seen;
     };
-    for (const Change& change :
-         {Change{optTime + 1, -1, pbScaleX}, Change{cboTime, 4, pbScaleX}, Change{optTime + 2, -1, pbScaleX},
-          Change{optScale + 1, -1, pbScaleY}, Change{optGridStyle + 1, -1, pbGraph},
-          Change{optGridStyle + 2, -1, pbGraph}, Change{optFFTPalette + 1, -1, pbPal},
-          Change{optFFTPalette + 2, -1, pbFFT}, Change{cboFFTWindow, 1, pbFFT}, Change{cboFFTSize, 6, pbFFT},
-          Change{cboDBRange, 1, pbFFT}, Change{optSpectrumType + 1, -1, pbFFT}, Change{cboAmpScale, 0, pbFFT}}) {
+    for (const Change& change : {
+             Change{optTime + 1, -1, "time=1"},
+             {cboTime, 4, "length=dX:\t1010 ms time=1000"},
+             {optTime + 2, -1, "length=dX:\t101 time=101"},
+             {cboDigits, 2, "value=Ch1:\t 0 V‡ 1.2 V\t 0.012 V"},
+             {optDigits + 1, -1, "value=Ch1:\t 0 V‡ 1.22 V\t 0.01 V"},
+             {optScale + 1, -1, "amplitude=120 grid value=Ch1:\t 0‡ 99\t 1"},
+             {optGridStyle + 1, -1, "grid"},
+             {optGridStyle + 2, -1, "grid"},
+             {optCursor + 3, -1, "cursor=3"},
+             {optFFTPalette + 1, -1, "palette spectrogram"},
+             {cboFFTWindow, 1, "spectrogram"},
+             {cboFFTSize, 6, "spectrogram"},
+             {cboDBRange, 1, "spectrogram"},
+             {optSpectrumType + 1, -1, "spectrogram"},
+             {cboAmpScale, 0, "spectrogram"},
+         }) {
         SCOPED_TRACE(change.control);
-        const Pixels before = Seen(change.seenIn);
-        const Settings settings = m_global.settings;
+        const auto before = Seen();
         Set(change.control, change.position, IDCANCEL);
-        EXPECT_EQ(Seen(change.seenIn), before);
+        EXPECT_EQ(Seen(), before);
         Set(change.control, change.position);
-        EXPECT_NE(Seen(change.seenIn), before);
+        std::string changes;
+        for (const auto& [name, value] : Seen()) {
+            if (before.at(name) == value) continue;
+            const bool picture = name == "grid" || name == "palette" || name == "spectrogram";
+            changes += (changes.empty() ? "" : " ") + name + (picture ? "" : '=' + value);
+        }
+        EXPECT_EQ(changes, change.seen);
     }
-    // Those of the readout.
-    m_global.settings.scaleFormat = 0;
-    m_global.rawCodes = false;
-    for (const Change& change : {Change{cboDigits, 2, 0}, Change{optDigits + 1, -1, 0}}) {
-        SCOPED_TRACE(change.control);
-        Command(mnuSelect);
-        const std::u16string before = m_form->ValuesText();
-        Set(change.control, change.position);
-        Command(mnuSelect);
-        EXPECT_NE(m_form->ValuesText(), before);
-    }
-    Set(optCursor + 3, -1);
-    EXPECT_EQ(m_global.settings.waveformCursor, 3);
 }
 
 }  // namespace

@@ -81,56 +81,6 @@ TEST_F(WaveformViewTest, ScrollingByCopyingEqualsDrawingAnew) {
     }
 }
 
-TEST_F(WaveformViewTest, ASpikeOfOneSampleIsSeenAtEveryZoom) {
-    std::vector<std::vector<std::int16_t>> frames(100000, {0});
-    frames[51234] = {100};
-    StartWith(frames);
-    m_global.amplitude.SelectScale(0);
-    Command(mnuBaseLine + 1);
-    for (int zoom = 0; zoom < TimeAxis::kMenuZoomCount; ++zoom) {
-        Command(mnuScaleX + zoom);
-        m_global.axis.ScrollBy(m_global.axis.ShiftTo(51235));
-        const Pixels pixels = Redrawn();
-        // At some column the trace leaves the zero level by most of the height.
-        const int column = 51234 / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
-        int rows = 0;
-        for (int y = 0; y < pixels.height; ++y) {
-            for (int x = std::max(column - 1, 0); x <= column + 1; ++x) {
-                if (pixels.At(x, y) == TraceColor(0)) {
-                    ++rows;
-                    break;
-                }
-            }
-        }
-        EXPECT_GT(rows, pixels.height / 3) << zoom;
-    }
-}
-
-TEST_F(WaveformViewTest, DataAroundALargeValueStayInSightAtEveryScale) {
-    std::vector<std::vector<std::int16_t>> frames(3000, {5});
-    for (std::size_t at = 0; at < frames.size(); at += 2) frames[at] = {-5};
-    StartWith(frames);
-    // 7000.005 and 6999.995.
-    m_global.block.invScale = {1000.0F};
-    m_global.block.offsets = {7000.0F};
-    m_global.ranges.Reset();
-    Command(mnuBaseLine + 1);
-    const auto shift = m_global.amplitude.Shift();
-    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 10000);
-    EXPECT_THAT(Wide(AmplitudeLabels(m_global.amplitude, false, u'.')[4].text), StartsWith(L"7000"));
-    // The scroll bar moves it from where it is.
-    SendMessageW(m_form->Window(), WM_VSCROLL, SB_LINEDOWN, reinterpret_cast<LPARAM>(Control(scScaleY)));
-    EXPECT_EQ(m_global.amplitude.Shift(), shift - 20);
-    SCROLLINFO info{sizeof(SCROLLINFO), SIF_ALL, 0, 0, 0, 0, 0};
-    GetScrollInfo(Control(scScaleY), SB_CTL, &info);
-    EXPECT_EQ(info.nPos, 20);
-    Command(mnuBaseLine);
-    EXPECT_EQ(Capture(pbGraph).Count(TraceColor(0)) > 1000, false);
-    Key(VK_BACK);
-    EXPECT_EQ(m_global.amplitude.Shift(), shift - 20);
-    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 10000) << "the view before";
-}
-
 TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
     StartWith(Noise(5000, 1));
     const Pixels before = Capture(pbGraph);
@@ -322,28 +272,11 @@ TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
         EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 50000);
     }
     EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"somewhere"));
-
-    // The wheel: with Ctrl the sample under the pointer stays, the middle button moves the view.
-    const auto wheel = [&](int delta, WORD keys) {
-        POINT point{200, 60};
-        ClientToScreen(Control(pbGraph), &point);
-        SetCursorPos(static_cast<int>(point.x), static_cast<int>(point.y));
-        PostMessageW(Control(pbGraph), WM_MOUSEWHEEL, MAKEWPARAM(keys, delta), MAKELPARAM(point.x, point.y));
-        Pump();
-    };
-    const std::int32_t under = SampleUnder(axis, 200);
-    wheel(-240, MK_CONTROL);
-    EXPECT_EQ(axis.ZoomIndex(), 2);
-    EXPECT_NEAR(SampleUnder(axis, 200), under, 5);
     const std::int32_t column = axis.FirstColumn();
-    wheel(-60, 0);
-    EXPECT_EQ(axis.FirstColumn(), column) << "half a notch";
-    wheel(-60, 0);
-    EXPECT_EQ(axis.FirstColumn(), column + 100);
     Mouse(WM_MBUTTONDOWN, 300, 60, MK_MBUTTON);
     Mouse(WM_MOUSEMOVE, 270, 75, MK_MBUTTON);
     Mouse(WM_MBUTTONUP, 270, 75);
-    EXPECT_EQ(axis.FirstColumn(), column + 130);
+    EXPECT_EQ(axis.FirstColumn(), column + 30);
 }
 
 TEST_F(WaveformViewTest, GesturesAndReadoutEndWithTheirBlock) {

@@ -30,6 +30,7 @@ class User {
     explicit User(std::function<void(User&)> acts) : m_thread([this, acts = std::move(acts)] { Run(acts); }) {}
     ~User() { m_thread.join(); }
 
+    [[nodiscard]] HWND Window() const { return m_window; }
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
     [[nodiscard]] std::wstring Caption() const { return WindowText(m_window); }
     [[nodiscard]] std::wstring Status(StatusPanel panel) const {
@@ -176,6 +177,7 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
             Look(me);
             Use(me, folder);
             Choose(me);
+            SetWindowPos(me.Window(), nullptr, 44, 55, 900, 600, SWP_NOZORDER);
         });
         EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
     }
@@ -191,11 +193,17 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     stored.amplitudeScale = -5.0F;
     stored.decibelRange = 300.0F;
     stored.order = 31;
+    // A place off all screens is moved onto one.
+    EXPECT_TRUE(stored.windowLeft == 44 && stored.windowTop == 55);
+    stored.windowTop = 20000;
     SettingsStore(MakeRegistryObject, parts.program).Save(stored);
     {
         const User user([&](User& me) {
             EXPECT_TRUE(WaitUntil([&] { return me.Caption().starts_with(L"a.bin"); }));
             EXPECT_EQ(me.Files(), 3);
+            RECT place{};
+            GetWindowRect(me.Window(), &place);
+            EXPECT_TRUE(place.top < 2000 && place.right - place.left == 900);
             me.Command(mnuFastExport);
             std::error_code error;
             EXPECT_GT(std::filesystem::file_size(folder.File(u"fast.txt"), error), 6000U * 6);

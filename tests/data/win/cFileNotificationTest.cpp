@@ -154,28 +154,6 @@ TEST_F(FileNotification, ANewOrFailedWatchEndsTheOldOne) {
     EXPECT_FALSE(m_timer.enabled);
 }
 
-TEST_F(FileNotification, TheOwnerMayRunMessagesAndChangeTheWatchInTheEvent) {
-    const fs::path other = Folder("other");
-    Witness witness(m_path);
-    Witness inOther(other);
-    std::function<void()> inEvent = [&] { m_timer.tick(); };
-    const auto watch = Make([&] { inEvent(); });
-    ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
-    witness.Sees([&] { Touch(m_path / "a.edf"); });
-    EXPECT_EQ(Tick(), 1);
-    // What happens in the folder that the owner changes to is not lost.
-    inEvent = [&] {
-        EXPECT_TRUE(watch->StartWatch(other.wstring()));
-        inOther.Sees([&] { Touch(other / "a.edf"); });
-    };
-    witness.Sees([&] { Touch(m_path / "b.edf"); });
-    EXPECT_EQ(Tick(), 1);
-    inEvent = [&] { EXPECT_FALSE(watch->StopWatch()); };
-    EXPECT_EQ(Tick(), 1);
-    EXPECT_EQ(watch->Path(), L"");
-    EXPECT_FALSE(m_timer.enabled);
-}
-
 TEST(Timer, TicksOnlyWhileEnabledAndMayEndInItsTick) {
     int ticks = 0;
     int clock = 0;

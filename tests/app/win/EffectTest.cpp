@@ -1,0 +1,353 @@
+#include <gmock/gmock.h>
+
+#include <array>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "app/GraphKeys.h"
+#include "app/win/MainWindowFixture.h"
+#include "base/FilePath.h"
+#include "base/Text.h"
+#include "support/FakeRecording.h"
+#include "support/FakeSound.h"
+
+namespace quillon {
+namespace {
+
+using namespace ::quillon::testing;
+
+/// A command, the keys that run it (with the list that has the focus, if any) and all that it changes.
+struct Effect {
+    int command;
+    const char* keys;
+    const char* changes;
+    int before = 0;  ///< a command that has to be run first for it to have an effect, or one of the two below
+};
+constexpr int kSelected = -1;      ///< samples 12001 to 12400 are selected
+constexpr int kFolderChosen = -2;  ///< the folder "sub" is chosen in its list
+
+const Effect kEffects[] = {
+    {mnuSaveAs, "Ctrl+S", "save=1"},
+    {mnuFastExport, "Ctrl+Shift+E", "status=The file "},
+    {mnuSplit, "Ctrl+Shift+S", "dialog=Splitting"},
+    {mnuFileOperation, "lstFile:Del", "column=0 dialog=of the shell scale=3 shift=3798"},
+    {mnuFileOperation + 1, "lstFile:F2", "dialog=Rename"},
+    {mnuOptions, "", "dialog=Options"},
+    {mnuCopy, "Ctrl+C", "clipboard=text status=Copied", kSelected},
+    {mnuCopy + 1, "Ctrl+Shift+C", "clipboard=image status=Copied"},
+    {mnuTabPath, "", "pages=01"},
+    {mnuTabPath + 1, "", "pages=11", mnuTabPath},
+    {mnuTabFile, "F5", "pages=10"},
+    {mnuTabFile + 1, "", "pages=11", mnuTabFile},
+    {mnuSpectrogram, "G", "spectrogram=1"},
+    {mnuNextPalette, "Shift+G", "palette=1"},
+    {mnuScaleX, "", "column=13024 zoom=0"},
+    {mnuScaleX + 6, "", "column=0 zoom=6"},
+    {mnuZoomX, "Ctrl+Minus", "column=332 zoom=4"},
+    {mnuZoomX + 1, "Ctrl+Plus", "column=2336 zoom=2"},
+    {mnuGoTo + 0, "Home", "column=0"},
+    {mnuGoTo + 1, "PgUp", "column=400"},
+    {mnuGoTo + 2, "PgDn", "column=1600"},
+    {mnuGoTo + 3, "End", "column=2000"},
+    {mnuScaleY, "", "scale=0 shift=0"},
+    {mnuScaleY + 3, "", "scale=3 shift=1"},
+    {mnuZoomY, "Minus", "scale=7 shift=13"},
+    {mnuZoomY + 1, "Plus", "scale=9 shift=66"},
+    {mnuBaseLine, "B", "shift=0"},
+    {mnuBaseLine + 1, "D", "scale=3 shift=3798"},
+    {mnuChShow, "lvCh:Ctrl+A", "shown=11"},
+    {mnuChShow + 1, "lvCh:Ctrl+Shift+A", "shown=00"},
+    {mnuChShow + 2, "lvCh:Ctrl+I", "shown=10"},
+    {mnuSoundPlay, "Space", "sound=open 1 100,"},
+    {mnuSoundPlay + 1, "Shift+Space", "sound=open 2 100,"},
+    {mnuSoundPlay + 2, "", "sound=stop,", mnuSoundPlay},
+    {mnuSoundCard, "", "card=0", mnuSoundCard + 1},
+    {mnuSoundCard + 1, "", "card=1"},
+    {mnuHelp, "F1", "status=No help f"},
+    {mnuHelpLang, "", "help=0"},
+    {mnuHelpLang + 1, "", "help=1"},
+    {mnuHelpLang + 2, "", "help=2"},
+    {mnuView, "Ctrl+E", "column=11864 zoom=0", kSelected},
+    {mnuView + 1, "Ctrl+F", "column=0 zoom=5"},
+    {mnuView + 2, "Backspace", "column=1000 zoom=3", mnuZoomX},
+    {mnuMark, "Alt+Left", "column=0"},
+    {mnuMark + 1, "Alt+Right", "column=1164"},
+    {mnuSelect, "Ctrl+A", "selection=1-20000"},
+    {mnuSelect + 1, "Ctrl+Shift+A", "selection=10001-16720"},
+    {mnuSelect + 2, "Esc", "selection=", kSelected},
+    {mnuGoToPlace, "Ctrl+G", "dialog=Go To"},
+    {mnuStatistics, "", "dialog=Statistics of Selection", kSelected},
+    {mnuSoloChannel, "", "alone=1 shown=10"},
+    {mnuKeysAndMouse, "", "dialog=Keys and Mouse"},
+    {mnuOpenFolder, "lstDir:Enter", "column=0 file=", kFolderChosen},
+    {mnuMove + 0, "Left", "column=980"},
+    {mnuMove + 1, "Right", "column=1020"},
+    {mnuMove + 2, "Ctrl+Left", "column=900"},
+    {mnuMove + 3, "Ctrl+Right", "column=1100"},
+    {mnuMove + 4, "Shift+Left", "column=999"},
+    {mnuMove + 5, "Shift+Right", "column=1001"},
+    {mnuMove + 6, "Up", "shift=13"},
+    {mnuMove + 7, "Down", "shift=53"},
+    {mnuMove + 8, "Ctrl+Up", "shift=-7"},
+    {mnuMove + 9, "Ctrl+Down", "shift=73"},
+    {mnuMove + 10, "Shift+Up", "shift=32"},
+    {mnuMove + 11, "Shift+Down", "shift=34"},
+    {mnuRecording, "Ctrl+PgUp", "column=0 file=a.bin scale=3 shift=3798"},
+    {mnuRecording + 1, "Ctrl+PgDn", "column=0 file=c.bin scale=3 shift=3798"},
+    {mnuFocus + 0, "Ctrl+1", "list=0 pages=01"},
+    {mnuFocus + 1, "Ctrl+2", "list=1"},
+    {mnuFocus + 2, "Ctrl+3", "list=4 pages=10"},
+    {mnuFocus + 3, "Ctrl+4", "list=5"},
+};
+
+/// The main window over a sound device of the test's, in one and the same state again and again.
+class EffectTest : public MainWindowTest {
+  protected:
+    void SetUp() override {
+        for (const char16_t* name : {u"a.bin", u"b.bin", u"c.bin"})
+            static_cast<void>(m_folder.Write(name, TwoLevels()));
+        std::filesystem::create_directory(m_folder.File(u"sub"));
+        // Without both of them there is no choice between them.
+        for (const std::filesystem::path& help : HelpFiles()) std::ofstream(help) << "help";
+        Create(Wide(m_folder.Path()));
+        m_device.count = 2;
+        m_device.names = {u"card 1", u"card 2"};
+        m_global.makeSoundOutput = [this](SoundOutputEvents events) {
+            m_device.events = std::move(events);
+            return std::make_unique<FakeOutput>(m_device);
+        };
+        ShowWindow(m_form->Window(), SW_SHOW);
+        SetForegroundWindow(m_form->Window());
+        Pump();
+        auto save = std::make_unique<FakeSaveDialog>();
+        save->answer = [this](FakeSaveDialog&) { return ++m_saves, false; };
+        m_global.saveDialog = std::move(save);
+        m_global.settings.exportFastFile = m_folder.File(u"no such folder/fast.txt").u16string();
+    }
+
+    void TearDown() override {
+        MainWindowTest::TearDown();
+        for (const std::filesystem::path& help : HelpFiles()) std::filesystem::remove(help);
+    }
+
+    static std::vector<std::filesystem::path> HelpFiles() {
+        wchar_t program[MAX_PATH] = {};
+        GetModuleFileNameW(nullptr, program, MAX_PATH);
+        const std::filesystem::path folder = std::filesystem::path(program).parent_path();
+        return {folder / "Kelvo.chm", folder / "KelvoEN.chm"};
+    }
+
+    /// A saw from 0 to 99 and a channel far above it.
+    static FileBytes TwoLevels() {
+        std::vector<std::vector<std::int16_t>> frames;
+        for (int frame = 0; frame < 20000; ++frame)
+            frames.push_back(
+                {static_cast<std::int16_t>(frame % 100), static_cast<std::int16_t>(9000 + frame % 100 * 10)});
+        return BinRecording(100.0F, frames);
+    }
+
+    void Prepare(const Effect& effect) {
+        if (m_global.fileCount == 0) m_form->OpenPath(Wide(m_folder.Path()));
+        Command(mnuSelect + 2);
+        Command(mnuSelect + 2);
+        if (m_global.shownBeforeSolo) Command(mnuSoloChannel);
+        for (const int list : {lstFile, lstBlock}) ClickLine(list, list == lstFile ? 1 : 0);
+        m_global.block.marks = {{100, u"one"}, {15000, u"two"}};
+        m_global.axis.SelectZoom(3);
+        m_global.amplitude.SelectScale(8);
+        Command(mnuBaseLine);
+        m_global.amplitude.MoveBaseLine(33);
+        m_global.currentChannel = 1;
+        Command(mnuSoundCard);
+        Command(mnuChShow);
+        ClickCheckBox(0);
+        Command(mnuTabPath + 1);
+        Command(mnuTabFile + 1);
+        if (m_global.settings.spectrogramShown != (effect.command == mnuNextPalette)) Command(mnuSpectrogram);
+        m_global.settings.palette = 0;
+        m_global.settings.helpLanguage = 7;
+        m_global.helpFile.clear();
+        ScrollTo(1000);
+        m_global.history.Clear();
+        if (effect.before > 0) Command(effect.before);
+        if (effect.before == kSelected) m_global.selection = {true, 1, 12001, 12400};
+        if (effect.before == kFolderChosen) SendMessageW(Control(lstDir), LB_SETCURSEL, Lines(lstDir).size() - 1, 0);
+        if (OpenClipboard(m_form->Window())) {
+            EmptyClipboard();
+            CloseClipboard();
+        }
+        m_services->SetStatus(u"");
+        m_device.calls.clear();
+        SetFocus(Control(pbGraph));
+        Pump();
+    }
+
+    std::map<std::string, std::string> Facts() {
+        const Selection& selection = m_global.selection;
+        std::string shown;
+        for (int channel = 0; channel < 2; ++channel)
+            shown += m_global.slots[static_cast<std::size_t>(channel)].shown ? '1' : '0';
+        std::string calls;
+        for (const std::string& call : m_device.calls) calls += call + ',';
+        const int focus = GetDlgCtrlID(GetFocus());
+        const auto page = [&](int tabs) { return std::to_string(TabCtrl_GetCurSel(Control(tabs))); };
+        std::wstring dialog = m_closer.Titles();
+        dialog.resize(std::min(dialog.find_first_of(L":;"), dialog.size()));
+        // The shell's speaks the language of the system.
+        static const std::set<std::wstring> own{
+            L"", L"Splitting", L"Rename", L"Options", L"Go To", L"Statistics of Selection", L"Keys and Mouse"};
+        if (!own.contains(dialog)) dialog = L"of the shell";
+        return {{"column", std::to_string(m_global.axis.FirstColumn())},
+                {"zoom", std::to_string(m_global.axis.ZoomIndex())},
+                {"scale", std::to_string(m_global.amplitude.Index())},
+                {"shift", std::to_string(m_global.amplitude.Shift())},
+                {"shown", shown},
+                {"alone", m_global.shownBeforeSolo ? "1" : "0"},
+                {"pages", page(tabPath) + page(tabFile)},
+                {"spectrogram", m_global.settings.spectrogramShown ? "1" : "0"},
+                {"palette", std::to_string(m_global.settings.palette)},
+                {"help", std::to_string(m_global.settings.helpLanguage)},
+                {"selection",
+                 selection.active ? std::to_string(selection.First()) + '-' + std::to_string(selection.Last()) : ""},
+                {"sound", calls},
+                {"card", std::to_string(m_device.chosen)},
+                {"list", focus == lstDir || focus == lvCh || focus == lstFile || focus == lstBlock
+                             ? std::to_string(focus - lstDir)
+                             : ""},
+                {"file", Utf8(FileNameOf(m_global.file.fileName))},
+                {"status", Utf8(Narrow16(Status(StatusPanel::Status).substr(0, 9)))},
+                {"save", std::to_string(m_saves)},
+                {"clipboard", IsClipboardFormatAvailable(CF_DIB)           ? "image"
+                              : IsClipboardFormatAvailable(CF_UNICODETEXT) ? "text"
+                                                                           : ""},
+                {"dialog", Utf8(Narrow16(dialog))}};
+    }
+
+    /// What is another after a command has been run.
+    std::string ChangesOf(const Effect& effect, const std::function<void()>& run) {
+        Prepare(effect);
+        m_saves = 0;
+        m_closer.Titles();
+        const auto before = Facts();
+        run();
+        Pump();
+        std::string changes;
+        for (const auto& [name, value] : Facts()) {
+            if (before.at(name) != value) changes += (changes.empty() ? "" : " ") + name + '=' + value;
+        }
+        return changes;
+    }
+
+    /// Presses a key such as "Ctrl+Shift+E", or "lvCh:Ctrl+A" in a list.
+    void Press(std::string_view key) {
+        static const std::map<std::string_view, int> names{
+            {"Left", VK_LEFT},       {"Right", VK_RIGHT},    {"Up", VK_UP},
+            {"Down", VK_DOWN},       {"PgUp", VK_PRIOR},     {"PgDn", VK_NEXT},
+            {"Home", VK_HOME},       {"End", VK_END},        {"Plus", VK_OEM_PLUS},
+            {"Minus", VK_OEM_MINUS}, {"Space", VK_SPACE},    {"Enter", VK_RETURN},
+            {"Esc", VK_ESCAPE},      {"Backspace", VK_BACK}, {"Del", VK_DELETE},
+            {"F1", VK_F1},           {"F2", VK_F2},          {"F5", VK_F5}};
+        static const std::map<std::string_view, int> lists{{"lstDir", 0}, {"lvCh", 1}, {"lstFile", 2}};
+        if (const std::size_t end = key.find(':'); end != key.npos) {
+            SetFocus(
+                Control(std::array{lstDir, lvCh, lstFile}.at(static_cast<std::size_t>(lists.at(key.substr(0, end))))));
+            key.remove_prefix(end + 1);
+        }
+        BYTE state[256]{};
+        const BYTE none[256]{};
+        UINT message = WM_KEYDOWN;
+        for (const auto& [name, code] :
+             {std::pair<std::string_view, int>{"Ctrl+", VK_CONTROL}, {"Shift+", VK_SHIFT}, {"Alt+", VK_MENU}}) {
+            if (!key.starts_with(name)) continue;
+            key.remove_prefix(name.size());
+            state[code] = 0x80;
+            if (code == VK_MENU) message = WM_SYSKEYDOWN;
+        }
+        const auto found = names.find(key);
+        const int code = found != names.end() ? found->second : key.at(0);
+        SetKeyboardState(state);
+        EXPECT_TRUE(m_form->PreTranslate({GetFocus(), message, static_cast<WPARAM>(code), 0, 0, {}})) << key;
+        SetKeyboardState(const_cast<BYTE*>(none));
+    }
+
+    /// Presses a button of a toolbar as the mouse does.
+    void PressButton(int toolbar, int command) const {
+        RECT button{};
+        const LRESULT index = SendMessageW(Control(toolbar), TB_COMMANDTOINDEX, static_cast<WPARAM>(command), 0);
+        SendPointer(Control(toolbar), TB_GETITEMRECT, static_cast<WPARAM>(index), &button);
+        Click(toolbar, (button.left + button.right) / 2, (button.top + button.bottom) / 2);
+    }
+
+    DeviceState m_device;
+    int m_saves = 0;
+    DialogCloser m_closer;
+};
+
+/// Position of a command in the graph's context menu, not counting separators; -1 when it is not there.
+int LineInContextMenu(int command) {
+    int line = 0;
+    for (const MenuEntry& entry : ContextMenu()) {
+        if (entry.kind == MenuEntry::Kind::Separator) continue;
+        if (command >= entry.id && command < entry.id + entry.count) return line + command - entry.id;
+        line += entry.count;
+    }
+    return -1;
+}
+
+/// Chooses a line of the menu that has just opened, once that waits for keys.
+LRESULT CALLBACK ChooseLine(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR line) {
+    if (message == WM_ENTERIDLE && wParam == MSGF_MENU) {
+        for (DWORD_PTR at = 0; at <= line; ++at) PostMessageW(window, WM_KEYDOWN, VK_DOWN, 0);
+        PostMessageW(window, WM_KEYDOWN, VK_RETURN, 0);
+    }
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+TEST_F(EffectTest, EveryCommandHasItsOneEffectByEveryWay) {
+    std::map<int, int> buttons;
+    for (const auto& [toolbar, all] : {std::pair{tbMain, MainButtons()}, {tbGoTo, GoToButtons()}}) {
+        for (const ToolbarButton& button : all) buttons[button.command] = toolbar;
+    }
+    std::set<int> tested;
+    std::size_t pressed = 0;
+    for (const Effect& effect : kEffects) {
+        SCOPED_TRACE(effect.command);
+        tested.insert(effect.command);
+        EXPECT_EQ(ChangesOf(effect, [&] { Command(effect.command); }), effect.changes);
+        if (buttons.contains(effect.command)) {
+            const auto press = [&] { PressButton(buttons[effect.command], effect.command); };
+            EXPECT_EQ(ChangesOf(effect, press), effect.changes) << "by its button";
+        }
+        if (const int line = LineInContextMenu(effect.command); line >= 0) {
+            const auto choose = [&] {
+                m_closer.LeaveMenus(true);
+                SetWindowSubclass(m_form->Window(), ChooseLine, 1, static_cast<DWORD_PTR>(line));
+                Key(VK_APPS);
+                RemoveWindowSubclass(m_form->Window(), ChooseLine, 1);
+                m_closer.LeaveMenus(false);
+            };
+            EXPECT_EQ(ChangesOf(effect, choose), effect.changes) << "by the context menu";
+        }
+        std::istringstream keys(effect.keys);
+        for (std::string key; keys >> key; ++pressed) {
+            std::string changes = ChangesOf(effect, [&] { Press(key); });
+            // The list that the key belongs to had the focus.
+            if (const std::size_t list = changes.find("list="); key.find(':') != key.npos && list != changes.npos)
+                changes.erase(list == 0 ? 0 : list - 1, list == 0 ? 7 : 7);
+            EXPECT_EQ(changes, effect.changes) << "by " << key;
+        }
+    }
+    EXPECT_EQ(pressed, KeyBindings().size()) << "a key that is not in the table";
+    for (const auto menu : {MenuTree(), ContextMenu()}) {
+        for (const MenuEntry& entry : menu) {
+            const bool list = entry.id == mnuScaleX || entry.id == mnuScaleY;
+            for (int id = entry.id; id != 0 && id != mnuExit && id < entry.id + (list ? 1 : entry.count); ++id)
+                EXPECT_TRUE(tested.contains(id)) << id;
+        }
+    }
+    for (const KeyBinding& binding : KeyBindings()) EXPECT_TRUE(tested.contains(binding.command)) << binding.command;
+}
+
+}  // namespace
+}  // namespace quillon
