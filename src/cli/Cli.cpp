@@ -121,7 +121,7 @@ void RunCommand(const Command& command, const ParsedArguments& parsed, CliIo& io
     const Language language = LanguageOf(parsed);
     const ParsedArguments own = ForCommand(command, parsed);
     OutputTarget target(io.out, own, own.words[1], language);
-    command.run({own, language, target, io.lineEnd});
+    command.run({own, language, target, io.lineEnd, io.error});
     target.Finish();
 }
 

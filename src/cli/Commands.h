@@ -15,6 +15,7 @@ struct CommandContext {
     Language language;
     OutputTarget& target;
     std::string_view lineEnd;  ///< of text on the standard output
+    std::ostream& error;       ///< for what is told of a result that is not whole
 };
 
 struct Command {

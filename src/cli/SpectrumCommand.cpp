@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 #include <span>
 
-#include "cli/CommandSupport.h"
-#include "spectrum/QL_FFT.h"
+#include "base/Bilingual.h"
+#include "base/Text.h"
 #include "view/DataRange.h"
 
 namespace quillon::cli {
@@ -19,11 +18,7 @@ constexpr std::int32_t kMostColumns = 32768;
 struct Request {
     std::int64_t block = 1;
     std::int64_t channel = 1;
-    SpectrumSettings settings;
-    std::optional<ValueRange> limits;
-    std::int32_t samplesPerColumn = 1;
-    std::int32_t firstColumn = 0;
-    std::optional<std::int32_t> columns;
+    SpectrumRequest picture;
 };
 
 std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name, std::int64_t otherwise,
@@ -74,7 +69,8 @@ Request Understand(const ParsedArguments& parsed) {
     Request request;
     request.block = WholeOption(parsed, u"--block", 1, -any, any);
     request.channel = WholeOption(parsed, u"--channel", 1, -any, any);
-    SpectrumSettings& settings = request.settings;
+    SpectrumRequest& picture = request.picture;
+    SpectrumSettings& settings = picture.settings;
     settings.type = Choice(parsed, u"--type");
     settings.palette = Choice(parsed, u"--palette");
     settings.window = Choice(parsed, u"--window");
@@ -83,24 +79,28 @@ Request Understand(const ParsedArguments& parsed) {
     settings.decibelRange = RealOption(parsed, u"--range", settings.decibelRange, 10.0F, 200.0F);
     settings.amplitudeScale = RealOption(parsed, u"--amplitude", settings.amplitudeScale,
                                          std::numeric_limits<float>::min(), std::numeric_limits<float>::max());
-    request.limits = Limits(parsed);
-    request.samplesPerColumn =
+    picture.limits = Limits(parsed);
+    picture.samplesPerColumn =
         static_cast<std::int32_t>(WholeOption(parsed, u"--samples-per-column", 1 << (settings.order - 1), 1, most));
-    request.firstColumn = static_cast<std::int32_t>(WholeOption(parsed, u"--first-column", 0, 0, most));
+    picture.firstColumn = static_cast<std::int32_t>(WholeOption(parsed, u"--first-column", 0, 0, most));
     if (parsed.Has(u"--columns")) {
-        request.columns = static_cast<std::int32_t>(WholeOption(parsed, u"--columns", 1, 1, kMostColumns));
+        picture.columns = static_cast<std::int32_t>(WholeOption(parsed, u"--columns", 1, 1, kMostColumns));
     }
     return request;
 }
 
-/// Extremes of a channel over the whole block.
-ValueRange WholeRange(RecordingBlock& block, std::int16_t channel) {
+/// Extremes of what can be read of a channel, over the whole block; `failure` is why some of it cannot. Throws Refusal
+/// where none of it can.
+ValueRange WholeRange(const BlockChannel& source, std::u16string& failure) {
+    RecordingBlock& block = *source.block;
     if (block.SampleCount() < 1) return {};
-    const RunExtremes codes = ExtremeCodes(block, {channel}, {1, block.SampleCount()}).front();
+    const ReadableExtremes extremes = ReadableExtremeCodes(block, {source.channel}, {1, block.SampleCount()});
+    failure = Utf16(extremes.failure);
+    if (!extremes.codes.front()) throw Refusal(failure);
     const auto value = [&](std::int16_t code) {
-        return static_cast<float>(code) * block.ChannelScale(channel) + block.ChannelOffset(channel);
+        return static_cast<float>(code) * block.ChannelScale(source.channel) + block.ChannelOffset(source.channel);
     };
-    const auto [low, high] = std::minmax({value(codes.first), value(codes.second)});
+    const auto [low, high] = std::minmax({value(extremes.codes.front()->first), value(extremes.codes.front()->second)});
     return {low, high};
 }
 
@@ -140,27 +140,46 @@ void WriteBitmap(OutputTarget& target, const QL_FFT& spectrum, std::int32_t colu
 
 }  // namespace
 
-void RunSpectrum(const CommandContext& context) {
-    Request request = Understand(context.parsed);
-    const OpenFile file(context.parsed.words[1], context.language);
-    const BlockChannel source = FindChannel(file.Get(), request.block, request.channel, context.language);
+std::u16string WriteSpectrum(const BlockChannel& source, SpectrumRequest request, OutputTarget& target,
+                             Language language) {
     const std::int32_t lastColumn = std::max(source.block->SampleCount() - 1, 0) / request.samplesPerColumn;
     if (request.firstColumn > lastColumn) {
-        RefuseRange(context.language, u"there is no column %1 (columns %2 to %3)",
-                    u"нет столбца %1 (столбцы с %2 по %3)", request.firstColumn, 0, lastColumn);
+        RefuseRange(language, u"there is no column %1 (columns %2 to %3)", u"нет столбца %1 (столбцы с %2 по %3)",
+                    request.firstColumn, 0, lastColumn);
     }
     const std::int32_t columns =
         request.columns.value_or(std::min(lastColumn - request.firstColumn, kMostColumns - 1) + 1);
 
     // A target that cannot be written is told before the work.
-    context.target.Open();
+    target.Open();
+    std::u16string lost;
+    const ValueRange limits = request.limits ? *request.limits : WholeRange(source, lost);
     QL_FFT spectrum(request.settings);
     spectrum.FFT_Init(columns);
-    spectrum.FFT_SetChannel(source.block.get(), static_cast<std::int16_t>(request.block - 1),
-                            static_cast<std::int16_t>(source.channel - 1),
-                            request.limits ? *request.limits : WholeRange(*source.block, source.channel));
+    // One block and one channel are all that this one sees.
+    spectrum.FFT_SetChannel(source.block.get(), 0, static_cast<std::int16_t>(source.channel - 1), limits);
     spectrum.FFT_Update(request.firstColumn, columns, request.samplesPerColumn, true);
-    WriteBitmap(context.target, spectrum, columns);
+    std::int32_t unread = 0;
+    for (std::int32_t column = 0; column < columns; ++column) unread += spectrum.IsRead(column) ? 0 : 1;
+    if (unread == columns) throw Refusal(Utf16(spectrum.ReadFailure()));
+    WriteBitmap(target, spectrum, columns);
+    if (unread > 0) {
+        return Say(u"%1 of %2 columns are blank: %3", u"пустые столбцы: %1 из %2: %3",
+                   {Decimal(unread), Decimal(columns), Utf16(spectrum.ReadFailure())})
+            .In(language);
+    }
+    if (lost.empty()) return {};
+    return Say(u"the range leaves out what cannot be read: %1", u"в диапазоне не учтено то, что не читается: %1",
+               {lost})
+        .In(language);
+}
+
+void RunSpectrum(const CommandContext& context) {
+    const Request request = Understand(context.parsed);
+    const OpenFile file(context.parsed.words[1], context.language);
+    const BlockChannel source = FindChannel(file.Get(), request.block, request.channel, context.language);
+    const std::u16string lost = WriteSpectrum(source, request.picture, context.target, context.language);
+    if (!lost.empty()) context.error << "quillon-cli: " << Utf8(context.parsed.words[1]) << ": " << Utf8(lost) << '\n';
 }
 
 }  // namespace quillon::cli

@@ -1,9 +1,13 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <optional>
 
+#include "cli/CommandSupport.h"
 #include "cli/Commands.h"
 #include "cli/Options.h"
+#include "spectrum/QL_FFT.h"
 
 namespace quillon::cli {
 
@@ -22,8 +26,22 @@ inline constexpr std::array kSpectrumOptions = {
     OptionRule{u"--palette", true, u"colours of the levels (color)", u"color|green|gray"},
 };
 
+/// What the options ask to be drawn of a channel.
+struct SpectrumRequest {
+    SpectrumSettings settings;
+    std::optional<ValueRange> limits;  ///< none: the channel's extremes
+    std::int32_t samplesPerColumn = 1;
+    std::int32_t firstColumn = 0;
+    std::optional<std::int32_t> columns;  ///< none: to the end of the block
+};
+
 /// Writes the spectrogram of a channel as a bitmap of 256 colours: one column per spectrum, one row per frequency, 0 Hz
-/// at the bottom.
+/// at the bottom. Columns that cannot be read are blank, and the extremes are those of what can be read; returns what
+/// was lost, empty where nothing was. Throws Refusal where there is nothing to draw.
+[[nodiscard]] std::u16string WriteSpectrum(const BlockChannel& source, SpectrumRequest request, OutputTarget& target,
+                                           Language language);
+
+/// WriteSpectrum of what the command line asks for; tells on the standard error what was lost.
 void RunSpectrum(const CommandContext& context);
 
 }  // namespace quillon::cli

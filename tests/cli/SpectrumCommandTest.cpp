@@ -6,7 +6,9 @@
 #include "RecordingWriters.h"
 #include "base/LittleEndian.h"
 #include "cli/CommandLine.h"
+#include "cli/SpectrumCommand.h"
 #include "norvik/TemporaryFolder.h"
+#include "support/FakeRecording.h"
 
 namespace quillon::cli {
 
@@ -42,6 +44,40 @@ TEST(SpectrumCommandTest, WritesTheSineIntoItsRowAndReplacesNothingUnasked) {
         EXPECT_EQ(image[1078 + 24 * 12 + 10], 0) << "beyond the end";
     }
     EXPECT_EQ(run(""), kRefused) << "it exists and --force is not given";
+}
+
+TEST(SpectrumCommandTest, WhatCannotBeReadIsBlankAndTold) {
+    const auto block = std::make_shared<quillon::testing::FakeBlock>();
+    block->samples.resize(1);
+    for (int i = 0; i < 3200; ++i) block->samples[0].push_back(static_cast<std::int16_t>(i % 7 * 100 - 300));
+    SpectrumRequest request{{.order = 5}, {}, 32, 0, {}};
+    std::u16string told;
+    const auto picture = [&] {
+        std::ostringstream out;
+        OutputTarget target(out, {}, u"", Language::English);
+        told = WriteSpectrum({block, 1}, request, target, Language::English);
+        return out.str().substr(1078);
+    };
+    const std::string whole = picture();
+    EXPECT_EQ(told, u"");
+    block->samples[0][1610] = 30000;  // would widen the range
+    block->holeFrom = 1610;
+    block->holeTo = 1612;
+    std::string holey = picture();
+    EXPECT_EQ(told, u"1 of 100 columns are blank: hole");
+    for (std::size_t at = 50; at < holey.size(); at += 100) EXPECT_EQ(std::exchange(holey[at], whole[at]), 0) << at;
+    EXPECT_TRUE(holey == whole);
+    request.columns = 50;
+    EXPECT_EQ(picture()[5], whole[5]);
+    EXPECT_EQ(told, u"the range leaves out what cannot be read: hole");
+    request.limits = {-149.0F, 151.0F};
+    EXPECT_EQ(picture()[5], whole[5]);
+    EXPECT_EQ(told, u"");
+    block->holeFrom = 0;
+    EXPECT_THROW(picture(), Refusal) << "no column can be read";
+    request.limits.reset();
+    block->holeTo = 3200;
+    EXPECT_THROW(picture(), Refusal) << "no sample can be read";
 }
 
 }  // namespace quillon::cli

@@ -58,27 +58,9 @@ class FaultyFiles final : public FileSystem {
     };
 };
 
-/// Its file ends before its samples do.
-struct ShortBlock : FakeBlock {
-    ShortBlock() { samples.assign(3, std::vector<std::int16_t>(150000, 1)); }
-    std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
-                           std::int16_t* buffer) override {
-        Check(first + count);
-        return FakeBlock::ReadCodes(channel, first, count, buffer);
-    }
-    std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
-        Check(first + count);
-        std::fill_n(buffer, 3 * count, std::int16_t{1});
-        return 0;
-    }
-    void Check(std::int32_t end) const {
-        if (end > readable) throw std::runtime_error("cut short");
-    }
-    std::int32_t readable = std::numeric_limits<std::int32_t>::max();
-};
-
 class WriteFaults : public ::testing::Test {
   protected:
+    WriteFaults() { block.samples.assign(3, std::vector<std::int16_t>(150000, 1)); }
     using Content = std::map<std::u16string, std::string>;
     [[nodiscard]] Content Files() const {
         Content found;
@@ -119,7 +101,7 @@ class WriteFaults : public ::testing::Test {
 
     TemporaryFolder folder;
     FaultyFiles files;
-    ShortBlock block;
+    FakeBlock block;
     FakeServices services;
     ChannelSlots slots;
     FormatOptions format;
@@ -146,10 +128,11 @@ TEST_F(WriteFaults, LeaveWhatWasThereAndNothingElse) {
             }
         }
         files.fault = FaultyFiles::None;
-        block.readable = 40000;
-        EXPECT_TRUE(Run(kind).ends_with(exporterName + u": cut short")) << "the recording is what failed";
+        block.holeFrom = 40000;
+        block.holeTo = 150000;
+        EXPECT_TRUE(Run(kind).ends_with(exporterName + u": hole")) << "the recording is what failed";
         ASSERT_EQ(Files(), before) << Utf8(kind);
-        block.readable = std::numeric_limits<std::int32_t>::max();
+        block.holeTo = 0;
         exporter.SetProgress([](std::int32_t done, std::int32_t) {
             if (done > 100000) throw std::runtime_error("stop");
         });
@@ -158,7 +141,8 @@ TEST_F(WriteFaults, LeaveWhatWasThereAndNothingElse) {
         ASSERT_EQ(Files(), before) << "ended by its user";
     }
     // Pieces that were written before stay.
-    block.readable = 100000;
+    block.holeFrom = 100000;
+    block.holeTo = 150000;
     EXPECT_NE(Run(u"split"), u"");
     Content after = Files();
     EXPECT_EQ(after[u"p_1.wav"].size(), 44U + 450000U);
@@ -166,7 +150,7 @@ TEST_F(WriteFaults, LeaveWhatWasThereAndNothingElse) {
     EXPECT_EQ(after, before);
 
     // Without a fault everything is replaced, and nothing lies beside it.
-    block.readable = std::numeric_limits<std::int32_t>::max();
+    block.holeTo = 0;
     for (const std::u16string kind : {u"bin", u"wav", u"edf", u"txt", u"split"}) EXPECT_EQ(Run(kind), u"");
     after = Files();
     EXPECT_EQ(after.size(), before.size());

@@ -13,7 +13,8 @@
 
 namespace quillon::testing {
 
-/// A block in memory: planar samples, one vector per channel. Any call named in `failing` throws.
+/// A block in memory: planar samples, one vector per channel. Any call named in `failing` throws, and any that would
+/// read a sample of the hole.
 class FakeBlock : public RecordingBlock {
   public:
     std::u16string title;
@@ -25,6 +26,7 @@ class FakeBlock : public RecordingBlock {
     std::vector<float> scales;
     std::vector<std::pair<std::int32_t, std::u16string>> marks;
     std::vector<std::string> failing;
+    std::int32_t holeFrom = 0, holeTo = 0;  ///< samples from 0 that cannot be read, the second one outside
 
     std::u16string Title() const override { return Ask("Title"), title; }
     double StartTime() const override { return Ask("StartTime"), start; }
@@ -52,7 +54,7 @@ class FakeBlock : public RecordingBlock {
     }
     std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
                            std::int16_t* buffer) override {
-        Ask("ReadCodes");
+        Ask("ReadCodes", first, count);
         const auto& data = samples.at(Index(channel));
         if (first < 0 || count < 0 || static_cast<std::size_t>(first) + static_cast<std::size_t>(count) > data.size()) {
             throw std::out_of_range("samples outside the block");
@@ -60,7 +62,13 @@ class FakeBlock : public RecordingBlock {
         std::copy_n(data.begin() + first, count, buffer);
         return 0;
     }
-    std::int32_t ReadValues(std::int16_t, std::int32_t, std::int32_t, float*) override { return 1; }
+    std::int32_t ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) override {
+        std::vector<std::int16_t> codes(static_cast<std::size_t>(count));
+        ReadCodes(channel, first, count, codes.data());
+        for (const std::int16_t code : codes)
+            *buffer++ = static_cast<float>(code) * ChannelScale(channel) + ChannelOffset(channel);
+        return 0;
+    }
     std::int32_t MarkCount() const override { return Ask("MarkCount"), static_cast<std::int32_t>(marks.size()); }
     std::int32_t MarkPosition(std::int32_t mark) const override {
         return Ask("MarkPosition"), marks.at(static_cast<std::size_t>(mark - 1)).first;
@@ -72,7 +80,7 @@ class FakeBlock : public RecordingBlock {
     std::u16string BlockName() const override { return {}; }
     std::int16_t InputNumber(std::int16_t channel) const override { return channel; }
     std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
-        Ask("ReadFrames");
+        Ask("ReadFrames", first, count);
         for (std::int32_t at = first; at < first + count; ++at) {
             for (const auto& channel : samples) *buffer++ = channel.at(static_cast<std::size_t>(at));
         }
@@ -81,7 +89,7 @@ class FakeBlock : public RecordingBlock {
     bool FramesAreCheap() const override { return false; }
     bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
                         std::int32_t run, std::span<RunExtremes* const> out) override {
-        Ask("ColumnExtremes");
+        Ask("ColumnExtremes", first, count);
         if (!offersExtremes) return false;
         for (std::size_t at = 0; at < channels.size(); ++at) {
             nsp::PlanarRunReducer reducer(run, out[at]);
@@ -96,7 +104,8 @@ class FakeBlock : public RecordingBlock {
 
   private:
     static std::size_t Index(std::int16_t channel) { return static_cast<std::size_t>(channel) - 1; }
-    void Ask(const char* name) const {
+    void Ask(const char* name, std::int64_t first = 0, std::int64_t count = 0) const {
+        if (first < holeTo && first + count > holeFrom) throw std::runtime_error("hole");
         if (calls.empty() || calls.back() != name) calls.emplace_back(name);
         if (std::find(failing.begin(), failing.end(), name) != failing.end()) throw std::runtime_error(name);
     }

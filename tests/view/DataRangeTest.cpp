@@ -57,43 +57,27 @@ TEST_F(RangeTest, RecordsTakeTheShownChannelsInTheirUnitsAndKeepThem) {
 }
 
 TEST_F(RangeTest, WhatCannotBeReadIsLeftOutUntilItCanBe) {
-    struct HoleyBlock : FakeBlock {
-        std::int32_t from = 0, to = 0;  // cannot be read
-        void Check(std::int32_t first, std::int32_t count) const {
-            if (first < to && first + count > from) throw std::runtime_error("hole");
-        }
-        std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
-                               std::int16_t* buffer) override {
-            return Check(first, count), FakeBlock::ReadCodes(channel, first, count, buffer);
-        }
-        bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
-                            std::int32_t run, std::span<RunExtremes* const> out) override {
-            return Check(first, count), FakeBlock::ColumnExtremes(channels, first, count, run, out);
-        }
-    };
-    const auto holey = std::make_shared<HoleyBlock>();
-    block.block = holey;
     block.sampleCount = 300000;
-    holey->samples.assign(2, std::vector<std::int16_t>(300000, 0));
-    const auto put = [&](int at, std::int16_t code) { holey->samples[0][static_cast<std::size_t>(at)] = code; };
+    fake->samples.assign(2, std::vector<std::int16_t>(300000, 0));
+    const auto put = [&](int at, std::int16_t code) { fake->samples[0][static_cast<std::size_t>(at)] = code; };
     put(150000, 2000);  // the only one that is lost at first
     put(149999, 200);
     put(150001, -300);
     put(299999, 600);
-    holey->from = 150000;
-    holey->to = 150001;
+    fake->holeFrom = 150000;
+    fake->holeTo = 150001;
     RangeRecords records;
     for (const bool onePass : {true, false}) {
-        holey->offersExtremes = onePass;
+        fake->offersExtremes = onePass;
         records.Reset();
         Expect(records.Of(block, 1), -149.0F, 301.0F);
         EXPECT_EQ(records.Failure(), "hole");
     }
     // Whatever is lost, nothing that lies far from it is.
-    holey->from = 70000;
-    holey->to = 280000;
+    fake->holeFrom = 70000;
+    fake->holeTo = 280000;
     Expect(records.Of(block, 1), 1.0F, 301.0F);
-    holey->from = holey->to = 0;
+    fake->holeTo = 0;
     Expect(records.Of(block, 1), -149.0F, 1001.0F);
     EXPECT_EQ(records.Failure(), "");
 }
