@@ -15,9 +15,17 @@ class Bytes {
   public:
     Bytes& U16(std::uint32_t number) { return Number(number, 2); }
     Bytes& U32(std::uint32_t number) { return Number(number, 4); }
+    Bytes& U64(std::uint64_t number) { return Number(number, 8); }
     Bytes& Float(float number) { return U32(std::bit_cast<std::uint32_t>(number)); }
+    Bytes& Double(double number) { return U64(std::bit_cast<std::uint64_t>(number)); }
+    /// The lowest `size` bytes.
+    Bytes& Number(std::uint64_t number, std::size_t size) {
+        for (std::size_t i = 0; i < size; ++i) m_bytes += static_cast<char>(number >> (8 * i) & 0xFFU);
+        return *this;
+    }
+    Bytes& Zeros(std::size_t size) { return Text("", size, '\0'); }
     /// Cut or filled up with `fill` to `size` bytes.
-    Bytes& Text(std::string_view text, std::size_t size, char fill) {
+    Bytes& Text(std::string_view text, std::size_t size, char fill = '\0') {
         m_bytes += text.substr(0, size);
         m_bytes.append(size - std::min(size, text.size()), fill);
         return *this;
@@ -27,14 +35,25 @@ class Bytes {
         for (const std::int16_t code : codes) U16(static_cast<std::uint16_t>(code));
         return *this;
     }
+    Bytes& Add(const Bytes& other) { return Text(other.m_bytes); }
+    /// A chunk of a RIFF file, padded to an even size.
+    Bytes& Chunk(std::string_view id, const Bytes& content) {
+        const std::size_t size = content.Size();
+        return Text(id).U32(static_cast<std::uint32_t>(size)).Text(content.m_bytes, size + size % 2);
+    }
+    /// Overwrites what is there.
+    Bytes& Patch(std::size_t offset, std::uint64_t number, std::size_t size) {
+        m_bytes.replace(offset, size, Bytes().Number(number, size).m_bytes);
+        return *this;
+    }
+    Bytes& CutTo(std::size_t size) {
+        m_bytes.resize(size);
+        return *this;
+    }
     [[nodiscard]] const std::string& Get() const { return m_bytes; }
     [[nodiscard]] std::size_t Size() const { return m_bytes.size(); }
 
   private:
-    Bytes& Number(std::uint32_t number, unsigned size) {
-        for (unsigned i = 0; i < size; ++i) m_bytes += static_cast<char>(number >> (8 * i) & 0xFFU);
-        return *this;
-    }
     std::string m_bytes;
 };
 
@@ -109,13 +128,6 @@ struct WaveCue {
     std::string text;
 };
 
-inline Bytes Chunk(std::string_view name, const Bytes& content) {
-    Bytes chunk;
-    chunk.Text(name).U32(static_cast<std::uint32_t>(content.Size())).Text(content.Get());
-    if (content.Size() % 2 != 0) chunk.Text("", 1, '\0');
-    return chunk;
-}
-
 /// A 16-bit WAVE file with labelled cue points.
 inline std::string WaveFile(std::uint32_t channels, std::uint32_t rate, const std::vector<std::int16_t>& frames,
                             const std::vector<WaveCue>& cues) {
@@ -129,12 +141,12 @@ inline std::string WaveFile(std::uint32_t channels, std::uint32_t rate, const st
         points.U32(i + 1).U32(cues[i].position).Text("data").U32(0).U32(0).U32(cues[i].position);
         Bytes label;
         label.U32(i + 1).Text(cues[i].text).Text("", 1, '\0');
-        labels.Text(Chunk("labl", label).Get());
+        labels.Chunk("labl", label);
     }
     Bytes content;
-    content.Text("WAVE").Text(Chunk("fmt ", format).Get()).Text(Chunk("data", Bytes().Codes(frames)).Get());
-    content.Text(Chunk("cue ", points).Get()).Text(Chunk("LIST", labels).Get());
-    return Chunk("RIFF", content).Get();
+    content.Text("WAVE").Chunk("fmt ", format).Chunk("data", Bytes().Codes(frames));
+    content.Chunk("cue ", points).Chunk("LIST", labels);
+    return Bytes().Chunk("RIFF", content).Get();
 }
 
 }  // namespace quillon::samples

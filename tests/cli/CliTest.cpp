@@ -112,7 +112,7 @@ TEST_F(CliTest, OutWritesAFileAndReplacesNoneUnasked) {
     ExpectRefused(kRefused, "codes % 1 1 --out %", "x", m_folder.File(u"no") / "x");
 }
 
-TEST_F(CliTest, OutTakesNoLinkUnaskedAndWritesDevicesWhereTheyAre) {
+TEST_F(CliTest, OutTakesNoLinkUnasked) {
     const fs::path link = m_folder.File(u"link.raw");
     std::error_code error;
     fs::create_symlink(m_folder.File(u"nowhere"), link, error);
@@ -123,10 +123,6 @@ TEST_F(CliTest, OutTakesNoLinkUnaskedAndWritesDevicesWhereTheyAre) {
         EXPECT_EQ(Contents(m_folder.File(u"nowhere")), m_codes);
         EXPECT_TRUE(fs::is_symlink(link)) << "what it leads to was meant";
     }
-    if (!fs::is_character_file("/dev/full", error)) return;
-    EXPECT_EQ(Run("text % /dev/null").code, kDone);
-    ExpectRefused(kRefused, "text % /dev/full", "quillon-cli: /dev/full: No space");
-    EXPECT_TRUE(fs::is_character_file("/dev/null") && fs::is_character_file("/dev/full"));
 }
 
 TEST_F(CliTest, WhatComesIntoThePlaceMeanwhileStays) {
@@ -141,6 +137,15 @@ TEST_F(CliTest, WhatComesIntoThePlaceMeanwhileStays) {
     }
     EXPECT_EQ(Contents(place), "kept");
     EXPECT_EQ(std::distance(fs::directory_iterator(place.parent_path()), fs::directory_iterator()), 2);
+}
+
+TEST_F(CliTest, ExportWritesAStretch) {
+    const fs::path copy = m_folder.File(u"copy");
+    for (const char* wrong : {"--first=0", "--first=6", "--count=6", "--block=2"})
+        ExpectRefused(kRefused, "export % % --type=wav " + std::string(wrong), "", copy);
+    ExpectRefused(kUsage, "export % % --type=mp3", "mp3", copy);
+    EXPECT_EQ(Run("export % % --type=wav --first=2 --count=2", copy).code, kDone);
+    EXPECT_EQ(Contents(copy).substr(44), samples::Bytes().Codes({10, -1, 20, -2}).Get());
 }
 
 TEST_F(CliTest, ForeignLettersArriveAndOnlyATextFileIsMarkedAsUtf8) {

@@ -73,20 +73,6 @@ TEST_F(SplitCommand, ReplacesNothingUnaskedAndTheRecordingNever) {
     EXPECT_EQ(Contents(m_recording), recording);
 }
 
-TEST_F(SplitCommand, WritesIntoNoFolderAndThroughNoLink) {
-    fs::create_directories(m_pieces / "07.bin");
-    for (const char* kind : {"folder", "link"}) {
-        SCOPED_TRACE(kind);
-        ExpectRefused("--size=100 --force", "07.bin: ");
-        EXPECT_FALSE(fs::exists(m_pieces / "01.bin")) << "told before anything is written";
-        EXPECT_FALSE(fs::exists(m_folder.File(u"elsewhere.bin")));
-        fs::remove(m_pieces / "07.bin");
-        std::error_code error;
-        fs::create_symlink(m_folder.File(u"elsewhere.bin"), m_pieces / "07.bin", error);
-        if (error) break;  // links need a privilege here
-    }
-}
-
 TEST_F(SplitCommand, TheListOfThePiecesReplacesNone) {
     for (const fs::path& list : {m_pieces / "07.bin", m_pieces / ".." / "2" / "07.BIN"}) {
         ExpectRefused("--size=100 --force --out %", "the place of a piece", kRefused, list);

@@ -9,7 +9,6 @@
 #include "base/Bilingual.h"
 #include "base/DateTime.h"
 #include "base/Text.h"
-#include "cli/Cli.h"
 #include "export/EdfLimits.h"
 #include "export/EdfText.h"
 #include "export/KVExport.h"
@@ -111,13 +110,6 @@ TEST_F(ExportTest, EdfRecordsSuitTheRate) {
     }
     TestBlock block(0, 1000.0);
     EXPECT_FALSE(Export(&block, 0, 0, u"a.edf")) << "a record of nothing";
-    block = TestBlock(10, 10.0);
-    block.scales[0] = 1e-9F;
-    block.offset = 101325.0F;
-    bytes = "kept";
-    EXPECT_FALSE(Export(&block, 1, 0, u"a.edf")) << "no reader could tell its codes apart";
-    EXPECT_EQ(exporter.LastError(), u"The channel's scale is too fine for EDF: ЭЭГ Fp1");
-    EXPECT_EQ(bytes, "kept");
     FakeBlock wide;
     for (const std::size_t channels : {126U, 127U}) {
         wide.samples.resize(channels, Codes(10));
@@ -154,7 +146,6 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
     room = 296 + 4096;  // the header and the first chunk
     EXPECT_FALSE(Export(&block, 1, 0, u"a.bin"));
     EXPECT_EQ(progress.size(), 4U) << "it ended where it failed";
-
     EXPECT_FALSE(Export(nullptr, 1, 0, u"a.bin"));
     EXPECT_FALSE(Export(&block, 1, 0, u"A.EDF"));
     EXPECT_FALSE(Export(&block, 2501, 0, u"a.edf"));
@@ -243,13 +234,9 @@ struct ReadBackTest : ::testing::Test {
     std::shared_ptr<RecordingLibrary> library = MakeRecordingLibrary(Language::English);
 };
 
-TEST_F(ReadBackTest, FilesAreReplacedAndTheirNamesMayBeForeign) {
+TEST_F(ReadBackTest, FromAnySampleOn) {
     TestBlock block(70000, 250.0);  // more than the output file gathers
-    for (const std::u16string name : {u"запись.bin", u"a.wav", u"a.edf"})
-        std::ofstream(folder.File(name)) << std::string(1000000, 'x');
     Expect(block, 251);
-    EXPECT_FALSE(exporter.Export(&block, folder.File(u"none").u16string() + u"/a.bin", 1, 0, 0));
-    EXPECT_FALSE(services.messages.back().empty());
 }
 
 TEST_F(ReadBackTest, EdfHoldsTheValuesOfAnyScaleOrRefusesTheChannel) {
@@ -322,30 +309,6 @@ TEST_F(ReadBackTest, RealRecordingsLoseNothing) {
         }
     }
     EXPECT_GE(blocks, 30);
-}
-
-TEST(ExportCommandTest, WritesAStretchAndNeverTheSource) {
-    const TemporaryFolder folder;
-    const std::filesystem::path source = folder.File(u"a.bin");
-    const std::filesystem::path out = folder.File(u"b.wav");
-    const auto header = samples::BinHeader(100.0F, "", {{"A", "V", 1.0F, 0.0F}}, 4);
-    const std::string original = header + Bytes().Codes({1, 2, 3, 4}).Get();
-    std::ofstream(source, std::ios::binary) << original;
-    const auto run = [&](const std::filesystem::path& to, std::vector<std::u16string> options) {
-        options.insert(options.begin(), {u"export", source.u16string(), to.u16string()});
-        std::ostringstream streams[2];
-        cli::CliIo io{streams[0], streams[1]};
-        return cli::RunCli(options, io);
-    };
-    for (const char16_t* wrong : {u"--first=0", u"--first=5", u"--count=5", u"--block=2"})
-        EXPECT_EQ(run(out, {wrong}), cli::kRefused) << Utf8(wrong);
-    EXPECT_EQ(run(out, {u"--type=mp3"}), cli::kUsage);
-    EXPECT_EQ(run(source, {u"--force"}), cli::kRefused);
-    EXPECT_EQ(file_size(source), original.size());
-    EXPECT_FALSE(exists(out)) << "nothing is left behind";
-    EXPECT_EQ(run(out, {u"--first=2", u"--count=2"}), cli::kDone);
-    EXPECT_EQ(file_size(out), 48U);
-    EXPECT_EQ(run(out, {u"--type=bin"}), cli::kRefused) << "it exists and --force is not given";
 }
 
 }  // namespace

@@ -17,12 +17,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::Key;
 
-/// Stores its samples as frames, where asked.
-struct TextBlock : FakeBlock {
-    bool framed = false;
-    bool FramesAreCheap() const override { return framed; }
-};
-
 std::vector<std::string> Split(const std::string& text, char separator) {
     std::vector<std::string> parts;
     std::istringstream in(text);
@@ -56,7 +50,7 @@ class TextExportTest : public ::testing::Test {
         return Split(texts.at(u"a.txt"), '\n');
     }
 
-    TextBlock block;
+    FakeBlock block;
     ChannelSlots slots;
     FormatOptions format;
     std::size_t room = std::string::npos;

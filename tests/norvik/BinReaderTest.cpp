@@ -9,7 +9,6 @@
 #include "RecordingWriters.h"
 #include "base/DateTime.h"
 #include "norvik/BlockChecks.h"
-#include "norvik/FileBytes.h"
 
 namespace quillon {
 namespace {
@@ -31,7 +30,7 @@ struct BinFile {
         file.Patch(132 + 80 * channel, number, 4);
         return *this;
     }
-    [[nodiscard]] RecordingContent Read() const { return ReadBin(file.Source()); }
+    [[nodiscard]] RecordingContent Read() const { return ReadBin(SourceOf(file)); }
     FileBytes file;
     std::vector<Codes> codes;
 };
@@ -75,7 +74,7 @@ TEST(BinReader, TheDataSizeIsBelievedAsFarAsTheDataReach) {
           Case(0, 0, "100 samples" + grown), Case(400, 400, "0 samples; cut short: 0 of 100 samples"),
           Case(400, 201, "49 samples; cut short: 49 of 100 samples"), Case(~0U, 1, "99 samples" + grown)}) {
         const RecordingContent content =
-            ReadBin(FileBytes(whole).Patch(292, declared, 4).CutTo(whole.Size() - cut).Source());
+            ReadBin(SourceOf(FileBytes(whole).Patch(292, declared, 4).CutTo(whole.Size() - cut)));
         EXPECT_EQ(Utf8(content.info.english), "BIN, 2 channels at 250 Hz, " + samples);
         EXPECT_EQ(content.blocks.at(0)->SampleCount(), std::stoi(samples));
     }
@@ -83,11 +82,24 @@ TEST(BinReader, TheDataSizeIsBelievedAsFarAsTheDataReach) {
 
 TEST(BinReader, UnusableScalesAndDatesAreReplacedAndTold) {
     for (const float scale : {0.0F, std::numeric_limits<float>::infinity()}) {
-        const RecordingContent content = ReadBin(BinFile(1, 4, scale).file.Patch(10, 13, 2).Source());
+        const RecordingContent content = BinFile(1, 4, scale).Read();
         EXPECT_EQ(content.blocks[0]->ChannelScale(1), 1.0F);
-        EXPECT_EQ(content.blocks[0]->StartTime(), 0.0);
-        EXPECT_THAT(Utf8(content.info.english),
-                    ::testing::EndsWith("; start taken from the file's time; unusable scales replaced"));
+        EXPECT_THAT(Utf8(content.info.english), ::testing::EndsWith("; unusable scales replaced"));
+    }
+    // Year, month, day, hour, minute, second and millisecond: the least and the greatest, and what is beyond.
+    for (const auto& [place, least, most] : {std::tuple{8U, 1U, 9999U},
+                                             {10U, 1U, 12U},
+                                             {14U, 1U, 31U},
+                                             {16U, 0U, 23U},
+                                             {18U, 0U, 59U},
+                                             {20U, 0U, 60U},
+                                             {22U, 0U, 999U}}) {
+        for (const auto& [number, possible] :
+             {std::pair{least, true}, {most, true}, {least - 1, false}, {most + 1, false}}) {
+            const RecordingContent content = ReadBin(SourceOf(BinFile(1).file.Patch(place, number, 2)));
+            EXPECT_EQ(content.blocks[0]->StartTime() != 0.0, possible) << place << ' ' << number;
+            EXPECT_EQ(content.info.english.ends_with(u"; start taken from the file's time"), !possible);
+        }
     }
 }
 
@@ -99,9 +111,9 @@ TEST(BinReader, RefusalsNameThePlace) {
           Case(24, 0, 4, "sample rate 0 at byte 24"), Case(24, 0xBF800000, 4, "sample rate -1 at byte 24"),
           Case(24, 0x7F800000, 4, "sample rate inf at byte 24"), Case(208, 0, 1, "no \"ADCh\" at byte 208"),
           Case(288, 0, 1, "no \"data\" at byte 288"), Case(32, 0xFFFF, 2, "the header ends at byte 312 of 5242936")})
-        ExpectRefusal(FileBytes(good).Patch(place, number, size).Source(), u"a.bin", part);
+        ExpectRefusal(SourceOf(FileBytes(good).Patch(place, number, size)), u"a.bin", part);
     for (const auto& [size, of] : {std::pair{5U, "5 of 128"}, {127U, "127 of 128"}, {295U, "295 of 296"}})
-        ExpectRefusal(FileBytes(good).CutTo(size).Source(), u"a.bin", std::string("the header ends at byte ") + of);
+        ExpectRefusal(SourceOf(FileBytes(good).CutTo(size)), u"a.bin", std::string("the header ends at byte ") + of);
 }
 
 }  // namespace

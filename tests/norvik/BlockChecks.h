@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "RecordingWriters.h"
 #include "base/Text.h"
 #include "norvik/FileBlock.h"
 #include "norvik/RecordingLibrary.h"
@@ -15,6 +16,11 @@
 namespace quillon::testing {
 
 using Codes = std::vector<std::int16_t>;
+using FileBytes = samples::Bytes;
+
+inline std::shared_ptr<ByteSource> SourceOf(const FileBytes& file) {
+    return std::make_shared<MemorySource>(std::vector<std::uint8_t>(file.Get().begin(), file.Get().end()));
+}
 
 /// All codes of a channel (from 1) in one call.
 inline Codes AllCodes(RecordingBlock& block, std::int16_t channel) {

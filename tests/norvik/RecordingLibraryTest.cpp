@@ -46,7 +46,7 @@ TEST(RecordingLibrary, FailuresAreToldInTheLanguageOfTheLibrary) {
         EXPECT_FALSE(library->OpenRecording(path, recording) || recording);
         return library->LastErrorText();
     };
-    const std::u16string empty = folder.Write(u"empty.edf", FileBytes());
+    const std::u16string empty = folder.Write(u"empty.edf", "");
     EXPECT_EQ(reason(Language::English, empty), u"the file is empty");
     EXPECT_EQ(reason(Language::Russian, empty), u"файл пуст");
     EXPECT_FALSE(reason(Language::English, folder.File(u"missing.wav").u16string()).empty());
@@ -59,7 +59,7 @@ TEST(RecordingLibrary, TheExtensionDecidesWhoTellsTheFaultOfAFileThatBeginsLikeN
          {Case(u"A.EDF", "3 of 256"), Case(u"a.bdf", "3 of 256"), Case(u"a.Rf64", "3 of 12"),
           Case(u"a.bin", "3 of 128"),
           Case(u"a.txt", "not a recording of a known format (the file begins with 01 02 03)")})
-        ExpectRefusal(FileBytes().Text("\x01\x02\x03").Source(), name, part);
+        ExpectRefusal(SourceOf(FileBytes().Text("\x01\x02\x03")), name, part);
 }
 
 }  // namespace

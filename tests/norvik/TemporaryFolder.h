@@ -5,8 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-
-#include "norvik/FileBytes.h"
+#include <string_view>
 
 namespace quillon::testing {
 
@@ -33,9 +32,6 @@ class TemporaryFolder {
     std::u16string Write(const std::u16string& name, std::string_view bytes) const {
         std::ofstream(File(name), std::ios::binary) << bytes;
         return File(name).u16string();
-    }
-    [[nodiscard]] std::u16string Write(const std::u16string& name, const FileBytes& bytes) const {
-        return Write(name, std::string_view(reinterpret_cast<const char*>(bytes.Bytes().data()), bytes.Size()));
     }
     [[nodiscard]] std::u16string Path() const { return m_path.u16string(); }
 

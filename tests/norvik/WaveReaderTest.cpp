@@ -9,7 +9,6 @@
 
 #include "base/DateTime.h"
 #include "norvik/BlockChecks.h"
-#include "norvik/FileBytes.h"
 
 namespace quillon {
 namespace {
@@ -42,7 +41,7 @@ FileBytes Ramp(std::size_t samples, const FileBytes& before = {}, const FileByte
 constexpr std::size_t kRampDataSize = 40;
 
 std::shared_ptr<FileBlock> OnlyBlock(const FileBytes& file) {
-    const RecordingContent content = ReadWave(file.Source());
+    const RecordingContent content = ReadWave(SourceOf(file));
     EXPECT_EQ(content.blocks.size(), 1U);
     return content.blocks.at(0);
 }
@@ -66,15 +65,15 @@ void ExpectNearest(const Coding& coding, std::size_t channels, std::size_t frame
         values[at % channels].push_back(value);
         const auto whole = static_cast<std::uint64_t>(bytes == 1 ? raw + 128 : raw);
         data.Add(tag == 1     ? FileBytes().Number(whole, bytes)
-                 : bytes == 4 ? FileBytes().F32(single)
-                              : FileBytes().F64(value));
+                 : bytes == 4 ? FileBytes().Float(single)
+                              : FileBytes().Double(value));
         if (at % channels == channels - 1) data.Number(0x55, padding);
     }
     FileBytes format = Format(extensible ? 0xFFFE : tag, static_cast<int>(channels), bits,
                               static_cast<int>(channels * bytes + padding));
     if (extensible)
         format.U16(22).U16(16).U32(0).U32(static_cast<std::uint32_t>(tag)).U32(0x00100000).U64(0x719B3800AA000080);
-    const RecordingContent content = ReadWave(File(format, data).Source());
+    const RecordingContent content = ReadWave(SourceOf(File(format, data)));
     ASSERT_EQ(content.blocks.size(), (channels + 31) / 32);
     std::size_t ordinal = 0;
     for (const auto& block : content.blocks) {
@@ -108,12 +107,12 @@ TEST(WaveReader, EveryCodingIsReadAlikeByEveryCallAndToTheNearestCode) {
 
 TEST(WaveReader, FloatsMadeFromSixteenBitsComeBackAsThem) {
     FileBytes floats;
-    for (const int code : {-32768, -3, 0, 32767}) floats.F32(static_cast<float>(code) / 32768.0F);
-    floats.F32(std::numeric_limits<float>::quiet_NaN());
+    for (const int code : {-32768, -3, 0, 32767}) floats.Float(static_cast<float>(code) / 32768.0F);
+    floats.Float(std::numeric_limits<float>::quiet_NaN());
     const auto read = [&] { return OnlyBlock(File(Format(3, 1, 32, 4), floats)); };
     EXPECT_EQ(AllCodes(*read(), 1), (Codes{-32768, -3, 0, 32767, 0}));
     EXPECT_EQ(read()->ChannelScale(1), 1.0F / 32768);
-    floats.F32(0.1F);
+    floats.Float(0.1F);
     EXPECT_EQ(AllCodes(*read(), 1).front(), -32000) << "one odd sample and they do not";
 }
 
@@ -128,7 +127,7 @@ TEST(WaveReader, SamplesThatAreNoNumbersAndHugeOnesStayInRange) {
           Case({0.0, 5e-324}, {0, 0}),  // a span too small for a step is none
           Case({7.25, 7.25}, {0, 0}), Case({nan, infinity}, {0, 32767})}) {
         FileBytes data;
-        for (const double sample : samples) data.F64(sample);
+        for (const double sample : samples) data.Double(sample);
         const auto block = OnlyBlock(File(Format(3, 1, 64, 8), data));
         EXPECT_EQ(AllCodes(*block, 1), codes) << samples[0];
         EXPECT_TRUE(std::isfinite(block->ChannelScale(1)));
@@ -188,7 +187,7 @@ TEST(WaveReader, SizesThatLieAreCutToTheFile) {
         {Ramp(50, FileBytes().Text("LIST").U32(0)), 50}};
     for (const auto& test : cases)
         EXPECT_EQ(OnlyBlock(test.first)->SampleCount(), test.second) << "case " << &test - cases;
-    const RecordingContent cut = ReadWave(FileBytes(plain).CutTo(plain.Size() - 33).Source());
+    const RecordingContent cut = ReadWave(SourceOf(FileBytes(plain).CutTo(plain.Size() - 33)));
     EXPECT_EQ(cut.info.english, u"WAVE, PCM 16 bit, 1 channel at 8000 Hz, 33 samples; cut short: 33 of 50 samples");
     const FileBytes hugeCue = FileBytes().Text("cue ").U32(0x7FFFFFFF).U32(0x7FFFFFFF).Zeros(30);
     EXPECT_EQ(OnlyBlock(Ramp(50, {}, hugeCue))->MarkCount(), 1);
@@ -210,7 +209,7 @@ TEST(WaveReader, LongSizesStandInForThoseOfAllOnes) {
 
 TEST(WaveReader, RefusalsNameWhatAndWhere) {
     const auto refused = [](const FileBytes& format, const std::string& part) {
-        ExpectRefusal(File(format, FileBytes().Zeros(64)).Source(), u"a.wav", part);
+        ExpectRefusal(SourceOf(File(format, FileBytes().Zeros(64))), u"a.wav", part);
     };
     using Case = std::tuple<int, int, int, int, std::string>;
     for (const auto& [tag, channels, bits, bytes, part] :
@@ -229,7 +228,7 @@ TEST(WaveReader, RefusalsNameWhatAndWhere) {
         {Form({}, "RIFX"), "RIFX"},
         {FileBytes().Text("RIFF").U32(4), "the header ends at byte 8 of 12"},
         {FileBytes().Text("GIF87a and more"), "at byte 0"}};
-    for (const auto& [file, part] : files) ExpectRefusal(file.Source(), u"a.WAV", part);
+    for (const auto& [file, part] : files) ExpectRefusal(SourceOf(file), u"a.WAV", part);
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "norvik/BlockChecks.h"
-#include "nsp/NspExtrema.h"
 
 namespace quillon::nsp {
 namespace {
@@ -88,18 +87,6 @@ TEST(RunReducerTest, RunsOfFramesAndOfPlanarSetsAreThoseOfThePlainLoop) {
                 << "channel " << channel << " of " << channels << ", run " << run << ", round " << round;
         }
     }
-}
-
-TEST(RunReducerTest, SignalLibraryCallsFindTheFirstOccurrence) {
-    const Codes samples{1, -7, 5, 5, -7};
-    int at = 5;
-    EXPECT_EQ(nspwMaxExt(nullptr, 0, &at), 0);
-    EXPECT_EQ(at, -1);
-    EXPECT_EQ(nspwMaxExt(samples.data(), 5, &at), 5);
-    EXPECT_EQ(at, 2);
-    EXPECT_EQ(nspwMinExt(samples.data(), 5, &at), -7);
-    EXPECT_EQ(at, 1);
-    EXPECT_EQ(nspwMax(samples.data(), 5) + nspwMin(samples.data(), 5), -2);
 }
 
 }  // namespace

@@ -86,7 +86,8 @@ class FakeBlock : public RecordingBlock {
         }
         return 0;
     }
-    bool FramesAreCheap() const override { return false; }
+    bool FramesAreCheap() const override { return framed; }
+    bool framed = false;  ///< whether it says that it stores its samples as frames
     bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
                         std::int32_t run, std::span<RunExtremes* const> out) override {
         Ask("ColumnExtremes", first, count);

@@ -33,18 +33,6 @@ TEST(TimeAxis, ZoomKeepsTheMiddleSampleAndDoesNotLoseAShortStrip) {
     EXPECT_EQ(axis.FirstColumn(), 0) << "the strip ends left of the middle: there is no sample to keep there";
 }
 
-TEST(TimeAxis, PagesAndEndsStopAtTheStrip) {
-    TimeAxis axis = Axis(1000, 250);
-    EXPECT_EQ(axis.ScrollBy(axis.PageShift(1)), 0);
-    EXPECT_EQ(axis.ScrollBy(axis.PageShift(3)), 1000);
-    EXPECT_EQ(axis.Visible().Count(), 0);
-    EXPECT_EQ(axis.ScrollBy(axis.PageShift(1)), -200);
-    EXPECT_EQ(axis.Visible().first, 801);
-    EXPECT_EQ(axis.Visible().last, 1000);
-    EXPECT_EQ(axis.ScrollBy(-2147483647 - 1), -800);
-    EXPECT_EQ(Axis(1, 250).ScrollBy(1), 0) << "a strip of one column cannot be scrolled";
-}
-
 /// Every operation against its formula, on strips shorter and longer than the graph.
 TEST(TimeAxis, MovesAndScrollBarFollowTheirFormulas) {
     std::mt19937 random(12);
@@ -106,18 +94,6 @@ TEST(ViewHistory, GivesBackTheLastViewsInReverse) {
     EXPECT_FALSE(history.Pop());
 }
 
-TEST(Selection, SamplesAndColumnsBelongTogether) {
-    TimeAxis axis = Axis(1000, 100);
-    axis.SelectZoom(1);  // 2 samples per pixel
-    axis.ScrollBy(30);
-    EXPECT_EQ(SampleUnder(axis, 0), 61);
-    EXPECT_EQ(SampleUnder(axis, -100), 1) << "left of the block";
-    EXPECT_EQ(SampleUnder(axis, 100000), 1000);
-    EXPECT_EQ(BandOf(axis, 61, 64), (ColumnBand{0, 1}));
-    EXPECT_EQ(BandOf(axis, 1, 1000), (ColumnBand{0, 99})) << "cut to the graph";
-    EXPECT_FALSE(BandOf(axis, 1, 60));
-}
-
 TEST(TimeAxis, RandomWalkStaysOnTheStripAndKeepsTheSampleUnderThePointer) {
     std::mt19937 random(11);
     for (const std::int32_t samples : {0, 1, 2, 999, 100000, 2147483647}) {
@@ -129,8 +105,15 @@ TEST(TimeAxis, RandomWalkStaysOnTheStripAndKeepsTheSampleUnderThePointer) {
             const auto far = static_cast<std::int32_t>(random());
             switch (random() % 6) {
                 case 0: axis.SelectZoom(zoom); break;
-                case 1: axis.ScrollBy(far); break;
-                case 2: axis.ScrollBy(axis.PageShift(static_cast<int>(random() % 4))); break;
+                case 1:
+                case 2: {
+                    const std::int32_t shift = random() % 2 == 0 ? far : axis.PageShift(static_cast<int>(far & 3));
+                    const std::int32_t before = axis.FirstColumn();
+                    const std::int64_t to =
+                        std::clamp<std::int64_t>(std::int64_t{before} + shift, 0, axis.StripLength());
+                    ASSERT_EQ(axis.ScrollBy(shift), axis.StripLength() > 1 ? to - before : 0);
+                    break;
+                }
                 case 3: axis.SetScrollValue(static_cast<std::int32_t>(random() % 40000)); break;
                 case 4:
                     // At the block's ends the strip cannot move further.
@@ -146,7 +129,7 @@ TEST(TimeAxis, RandomWalkStaysOnTheStripAndKeepsTheSampleUnderThePointer) {
                     ASSERT_LE(axis.Visible().first, sample);
                     ASSERT_GE(axis.Visible().last, last);
                     ASSERT_TRUE(axis.ZoomIndex() == 0 ||
-                                last - sample + 1 > 777 * (TimeAxis::TableEntry(axis.ZoomIndex() - 1) - 1))
+                                last - sample + 1 > 776LL * TimeAxis::TableEntry(axis.ZoomIndex() - 1))
                         << "no coarser than needed";
             }
             ASSERT_GE(axis.FirstColumn(), 0);
@@ -157,11 +140,6 @@ TEST(TimeAxis, RandomWalkStaysOnTheStripAndKeepsTheSampleUnderThePointer) {
             ASSERT_TRUE(visible.Count() == 0 || (visible.first >= 1 && visible.last <= samples));
         }
     }
-    TimeAxis axis = Axis(1000000, 800);
-    axis.ScrollBy(axis.ShiftTo(5000));
-    EXPECT_EQ(BandOf(axis, 5000, 5000)->left, 400);
-    axis.ScrollBy(axis.ShiftTo(3));
-    EXPECT_EQ(axis.FirstColumn(), 0);
 }
 
 TEST(AmplitudeScale, StepsKeepTheBaseLineValue) {
@@ -190,14 +168,11 @@ TEST(AmplitudeScale, FindDataTakesTheFinestScaleThatHoldsTheRange) {
     scale.FindData(ValueRange{10.0F, 20.5F});
     EXPECT_EQ(scale.UnitsPerDivision(), 2.0);
     EXPECT_EQ(scale.Shift(), 305) << "15.25 units are 305 rows: the middle of the data lies in the middle";
-    EXPECT_TRUE(scale.Shows({10.0F, 20.5F}));
-    EXPECT_FALSE(scale.Shows({100.0F, 120.0F}));
-    EXPECT_FALSE(scale.Shows({15.0F, 15.1F}));
     // An eighth of the graph is 2.5 units; four fifths have to lie inside of 5.2 to 25.3.
-    EXPECT_TRUE(scale.Shows({12.0F, 14.55F}));
-    EXPECT_FALSE(scale.Shows({12.0F, 14.45F}));
-    EXPECT_TRUE(scale.Shows({23.0F - 7.4F, 25.3F + 2.3F}));
-    EXPECT_FALSE(scale.Shows({23.0F - 7.4F, 25.3F + 2.7F}));
+    const std::pair<ValueRange, bool> seen[] = {
+        {{10.0F, 20.5F}, true},   {{100.0F, 120.0F}, false}, {{15.0F, 15.1F}, false}, {{12.0F, 14.55F}, true},
+        {{12.0F, 14.45F}, false}, {{15.6F, 27.6F}, true},    {{15.6F, 28.0F}, false}, {{10.0F, 40.0F}, false}};
+    for (const auto& [range, shown] : seen) EXPECT_EQ(scale.Shows(range), shown) << range.minimum;
     // The middle of the data is that of the graph wherever the centre line is.
     scale.SetGraph(402, 150);
     scale.FindData(ValueRange{10.0F, 20.5F});
@@ -205,8 +180,6 @@ TEST(AmplitudeScale, FindDataTakesTheFinestScaleThatHoldsTheRange) {
     scale.SetGraph(401, 200);  // nine divisions and a bit
     scale.FindData(ValueRange{-5.0F, 5.0F});
     EXPECT_EQ(scale.UnitsPerDivision(), 2.0);
-    scale.SetGraph(402, 201);
-    EXPECT_FALSE(scale.Shows({10.0F, 40.0F})) << "most of it lies above the graph";
     scale.FindData(ValueRange{-1e9F, 1e9F});
     EXPECT_EQ(scale.Index(), 0);
     scale.SelectScale(7);

@@ -57,6 +57,10 @@ TEST_F(ReadoutTest, RangeTellsLengthExtremesAndChange) {
     rawCodes = true;
     slots[4].shown = false;
     EXPECT_EQ(RangeReadout(Source(), {true, 1, 2, 4}), u"dX:\t2\r\nCh1:\t-6\u2021 8\t 4\r\n1/dX:\t50 Hz\r\n");
+    block.sampleRate = 0.0;
+    format = {};
+    EXPECT_EQ(RangeReadout(Source(), {true, 1, 2, 4}), u"dX:\t2\r\nCh1:\t-6\u2021 8\t 4\r\n");
+    EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t3\r\nCh1:\t-6\r\n");
 }
 
 TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
@@ -83,17 +87,13 @@ TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
     fake->failing = {"ReadCodes"};
     EXPECT_TRUE(StatisticsOf(Source(), 1, 10).empty());
     // The same where whole frames are read, and of a constant without an error of rounding below zero.
-    struct FrameBlock : FakeBlock {
-        bool FramesAreCheap() const override { return true; }
-    };
-    const auto frames = std::make_shared<FrameBlock>();
-    frames->samples = fake->samples;
-    block.block = frames;
+    fake->failing.clear();
+    fake->framed = true;
     const auto again = StatisticsOf(Source(), 1001, 69000);
     for (std::size_t at = 0; at < 2; ++at)
         EXPECT_EQ(std::tuple(again[at].mean, again[at].rms, again[at].minimum, again[at].maximum),
                   std::tuple(statistics[at].mean, statistics[at].rms, statistics[at].minimum, statistics[at].maximum));
-    frames->samples.assign(2, std::vector<std::int16_t>(70000, 31111));
+    fake->samples.assign(2, std::vector<std::int16_t>(70000, 31111));
     EXPECT_EQ(StatisticsOf(Source(), 1, 69999)[0].deviation, 0.0);
 }
 
@@ -111,13 +111,6 @@ TEST_F(ReadoutTest, TheNearestTraceIsThatOfTheLeastDistanceInRows) {
     EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 321), 1);
     slots[0].shown = slots[4].shown = false;
     EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 321), 0);
-}
-
-TEST_F(ReadoutTest, WithoutARateLengthsAreSamples) {
-    block.sampleRate = 0.0;
-    slots[4].shown = false;
-    EXPECT_EQ(RangeReadout(Source(), {true, 1, 2, 4}), u"dX:\t2\r\nCh1:\t-2 mV\u2021 5 mV\t 2 mV\r\n");
-    EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t3\r\nCh1:\t-2 mV\r\n");
 }
 
 }  // namespace

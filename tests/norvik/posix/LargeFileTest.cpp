@@ -9,7 +9,7 @@
 namespace quillon {
 namespace {
 
-using testing::FileBytes;
+using FileBytes = samples::Bytes;
 
 TEST(LargeFile, SamplesBeyondFourGibibytesAreReached) {
     const testing::TemporaryFolder folder;
@@ -31,7 +31,7 @@ TEST(LargeFile, SamplesBeyondFourGibibytesAreReached) {
          {Case(wrapped, size, u"2/2"), Case(longer, size, u"2/2"), Case(binary, size, u"2/2"),
           Case(edf, 768 + 2500 * 4000000ULL, u"13:32:49")}) {
         const std::int32_t samples = title == u"2/2" ? 2147483647 : 2147000000;
-        const std::u16string path = folder.Write(u"large", header);
+        const std::u16string path = folder.Write(u"large", header.Get());
         std::filesystem::resize_file(path, fileSize - 2);
         std::ofstream(std::filesystem::path(path), std::ios::binary | std::ios::app).write("\x34\x12", 2);
         std::shared_ptr<Recording> recording;
