@@ -152,6 +152,13 @@ std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, std::int16_t 
     return m_ranges[static_cast<std::size_t>(channel - 1)].range;
 }
 
+namespace {
+
+/// Peaks up to this much of the central range are those of the signal, as of an ECG; what is higher is an artefact.
+constexpr float kPeaks = 2.0F;
+
+}  // namespace
+
 std::optional<ValueRange> CentralRange(const ViewBlock& block, std::span<const std::int16_t> channels,
                                        std::span<const std::vector<TracePoint>> points, bool rawCodes) {
     std::vector<float> values;
@@ -173,9 +180,11 @@ std::optional<ValueRange> CentralRange(const ViewBlock& block, std::span<const s
     std::nth_element(values.begin(), low, values.end());
     const float minimum = *low;
     std::nth_element(low, high, values.end());
-    if (minimum < *high) return ValueRange{minimum, *high};
+    const float maximum = *high;
     const auto [least, most] = std::minmax_element(values.begin(), values.end());
-    return ValueRange{*least, *most};
+    const bool alike = !(minimum < maximum);
+    return alike || *most - *least <= kPeaks * (maximum - minimum) ? ValueRange{*least, *most}
+                                                                   : ValueRange{minimum, maximum};
 }
 
 }  // namespace quillon

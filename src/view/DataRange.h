@@ -54,9 +54,10 @@ class RangeRecords {
 };
 
 /// The range that a block's scale is chosen by when it is first shown: that of the central 99 % of the points of what
-/// is seen, so that no single artefact decides; of all of them where the central ones are all the same. `points` are
-/// those of `channels` (from 1), as TraceReader gives them. With raw codes it is the range of the codes, 1000 to a
-/// unit. None where there is no point of a finite value.
+/// is seen, so that no single artefact decides; of all of them where that is at most twice as wide, since the peaks of
+/// the signal itself are to be seen, and where the central ones are all the same. `points` are those of `channels`
+/// (from 1), as TraceReader gives them. With raw codes it is the range of the codes, 1000 to a unit. None where there
+/// is no point of a finite value.
 [[nodiscard]] std::optional<ValueRange> CentralRange(const ViewBlock& block, std::span<const std::int16_t> channels,
                                                      std::span<const std::vector<TracePoint>> points, bool rawCodes);
 
