@@ -8,14 +8,15 @@ packages=("${build_packages[@]}" "${wine_packages[@]}" "${test_packages[@]}" loc
 install_missing "${packages[@]}"
 
 passed=0 failed=0 skipped=0
-# Adds up the closing lines of a test program's log; a program that ended without them counts as one failure.
+# Adds up the closing lines of a test program's log, which come last: tests that run the program once more have such lines
+# before them. A program that ended without them counts as one failure.
 count_tests() {
     local name=$1 status=$2 log=build/$1.log ok bad skip
     echo "== $name"
     tr -d '\r' < "$log" > "$log.txt"
-    ok=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\?\.$/\1/p' "$log.txt")
-    bad=$(sed -n 's/^\[  FAILED  \] \([0-9]*\) tests\?, listed below:$/\1/p' "$log.txt")
-    skip=$(sed -n 's/^\[  SKIPPED \] \([0-9]*\) tests\?, listed below:$/\1/p' "$log.txt")
+    ok=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) tests\?\.$/\1/p' "$log.txt" | tail -n 1)
+    bad=$(sed -n 's/^\[  FAILED  \] \([0-9]*\) tests\?, listed below:$/\1/p' "$log.txt" | tail -n 1)
+    skip=$(sed -n 's/^\[  SKIPPED \] \([0-9]*\) tests\?, listed below:$/\1/p' "$log.txt" | tail -n 1)
     if [ -z "$ok" ] || { [ "$status" -ne 0 ] && [ -z "$bad" ]; }; then
         bad=$((${bad:-0} + 1))
         echo "$name ended with status $status"

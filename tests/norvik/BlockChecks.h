@@ -8,15 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "RecordingWriters.h"
 #include "base/Text.h"
 #include "norvik/FileBlock.h"
 #include "norvik/RecordingLibrary.h"
+#include "norvik/TemporaryFolder.h"
 
 namespace quillon::testing {
 
 using Codes = std::vector<std::int16_t>;
-using FileBytes = samples::Bytes;
 
 inline std::shared_ptr<ByteSource> SourceOf(const FileBytes& file) {
     return std::make_shared<MemorySource>(std::vector<std::uint8_t>(file.Get().begin(), file.Get().end()));

@@ -7,7 +7,11 @@
 #include <string>
 #include <string_view>
 
+#include "RecordingWriters.h"
+
 namespace quillon::testing {
+
+using FileBytes = samples::Bytes;
 
 /// All bytes of a file.
 inline std::string Contents(const std::filesystem::path& path) {
@@ -33,6 +37,7 @@ class TemporaryFolder {
         std::ofstream(File(name), std::ios::binary) << bytes;
         return File(name).u16string();
     }
+    std::u16string Write(const std::u16string& name, const FileBytes& bytes) const { return Write(name, bytes.Get()); }
     [[nodiscard]] std::u16string Path() const { return m_path.u16string(); }
 
   private:

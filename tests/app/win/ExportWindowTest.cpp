@@ -314,7 +314,7 @@ TEST_F(ExportWindowTest, AnImageFileHoldsWhatTheClipboardGets) {
     const auto bytes = Clipboard<char>(CF_DIB);
     const std::string file = ContentOf(Path(u"view.bmp"));
     const FileBytes header = FileBytes().Text("BM").U32(static_cast<std::uint32_t>(file.size())).U32(0).U32(54);
-    EXPECT_EQ(file.substr(0, 14), std::string(header.Bytes().begin(), header.Bytes().end()));
+    EXPECT_EQ(file.substr(0, 14), header.Get());
     EXPECT_EQ(file.substr(14), std::string(bytes.data(), file.size() - 14));
     EXPECT_FALSE(ImageCopy(windows, font, u"caption", Path(u"none\\view.bmp"), MakeOutputFile));
 }

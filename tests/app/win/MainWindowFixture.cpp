@@ -16,10 +16,10 @@ FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>&
     FileBytes bytes;
     bytes.Text("ABIN").U16(3).U16(3);
     for (const int field : {2026, 11, 7, 21, 9, 30, 0, 0}) bytes.U16(static_cast<std::uint16_t>(field));
-    bytes.F32(rate).U32(0).U16(static_cast<std::uint16_t>(channels)).Zeros(30).Text("Device", 16).Zeros(48);
+    bytes.Float(rate).U32(0).U16(static_cast<std::uint16_t>(channels)).Zeros(30).Text("Device", 16).Zeros(48);
     for (std::size_t channel = 0; channel < channels; ++channel) {
         bytes.Text("ADCh").U32(static_cast<std::uint32_t>(channel)).Text("Signal " + std::to_string(channel + 1), 32);
-        bytes.Text("V", 24).F32(1.0F).F32(0.0F).Zeros(8);
+        bytes.Text("V", 24).Float(1.0F).Float(0.0F).Zeros(8);
     }
     bytes.Text("data").U32(static_cast<std::uint32_t>(frames.size() * channels * 2));
     for (const auto& frame : frames) {

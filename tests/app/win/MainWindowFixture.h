@@ -18,7 +18,6 @@
 #include "app/StatusPanels.h"
 #include "app/win/QL_Main.h"
 #include "app/win/frmQLMain.h"
-#include "norvik/FileBytes.h"
 #include "norvik/TemporaryFolder.h"
 
 namespace quillon::testing {
