@@ -1,6 +1,7 @@
 #include "view/TraceMapping.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "base/Rounding.h"
@@ -62,7 +63,40 @@ bool Strays(const Extents& extents, double rowsPerCode, double middleCode) {
     return std::fabs(middleCode * (taken - rowsPerCode)) >= 0.5;
 }
 
+/// dividend / divisor to the nearest whole number, halves up; the divisor is above 0, the dividend below 2^51.
+std::int64_t RoundedQuotient(std::int64_t dividend, std::int64_t divisor) {
+    // A division of doubles is several times faster than one of 64-bit numbers and, as both parts are whole and below
+    // 2^53, never rounds up to a whole number that it does not reach.
+    const double quotient = static_cast<double>(2 * dividend + divisor) / static_cast<double>(2 * divisor);
+    const auto whole = static_cast<std::int64_t>(quotient);
+    return static_cast<double>(whole) > quotient ? whole - 1 : whole;
+}
+
 }  // namespace
+
+void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, std::vector<DevicePoint>& pixels) {
+    pixels.resize(points.size());
+    const std::int64_t sign = mapping.windowExtentY < 0 ? -1 : 1;
+    const std::int64_t extent = sign * mapping.viewportExtentY;
+    const std::int64_t divisor = sign * mapping.windowExtentY;
+    // Out of sight at any zoom, and lines between two such points fit into 32 bits.
+    constexpr std::int64_t farthest = 1 << 30;
+    for (std::size_t at = 0; at < points.size(); ++at) {
+        const TracePoint& point = points[at];
+        const std::int64_t code = std::int64_t{point.y} - mapping.windowOriginY;
+        const std::int32_t column = mapping.windowExtentX == 1 ? point.x : (point.x + 1) >> 1;
+        const std::int64_t row = mapping.viewportOriginY + RoundedQuotient(code * extent, divisor);
+        pixels[at] = {mapping.viewportOriginX + column,
+                      static_cast<std::int32_t>(std::clamp(row, -farthest, farthest))};
+    }
+}
+
+void FlatTrace(const TraceMapping& mapping, std::int32_t count, std::int32_t samplesPerPixel,
+               std::vector<DevicePoint>& pixels) {
+    const auto end =
+        samplesPerPixel == 1 ? count : static_cast<std::int32_t>(std::int64_t{2} * count / samplesPerPixel);
+    ToPixels(mapping, std::array{TracePoint{0, 0}, TracePoint{end, 0}}, pixels);
+}
 
 TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseLine) {
     constexpr double division = AmplitudeScale::kDivision;

@@ -1,6 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
+#include <vector>
+
+#include "view/QL_ChUtils.h"
+#include "view/TraceCanvas.h"
 
 namespace quillon {
 
@@ -15,14 +20,13 @@ struct TraceGeometry {
     bool foldOrigin = false;  ///< keep the device origin within 16 bits, for systems whose mapping has no more
 };
 
-/// How the logical points of one trace (x: see TracePoint, y: the code) become pixels through an anisotropic mapping:
-/// device = viewportOrigin + (logical - windowOrigin) x viewportExtent / windowExtent.
-/// Rows in sight are right to a row (plus that of the rounded base line) wherever the zero level lies; the window's
-/// origin is subtracted from the codes before the system maps them, which counts in single precision.
+/// How the logical points of one trace (x: see TracePoint, y: the code) become pixels, named as the system names the
+/// parts of an anisotropic mapping: device = viewportOrigin + (logical - windowOrigin) x viewportExtent / windowExtent,
+/// rounded to the nearest whole number, halves up. The window's origin of x is 0.
+/// Rows in sight are right to a row (plus that of the rounded base line) wherever the zero level lies.
 struct TraceMapping {
-    std::int32_t windowExtentX = 1;
+    std::int32_t windowExtentX = 1;  ///< 1 or 2
     std::int32_t windowExtentY = 1;  ///< negative of the logical extent, so that larger values go up
-    std::int32_t viewportExtentX = 1;
     std::int32_t viewportExtentY = 1;
     std::int32_t windowOriginY = 0;
     std::int32_t viewportOriginX = 0;
@@ -33,5 +37,11 @@ struct TraceMapping {
 
 /// `invScale` is 1 / scale of the channel (0 where it has none: drawn flat), `baseLine` its offset in units.
 [[nodiscard]] TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseLine);
+
+/// The points in pixels.
+void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, std::vector<DevicePoint>& pixels);
+/// The straight line that stands for a flat trace of `count` samples.
+void FlatTrace(const TraceMapping& mapping, std::int32_t count, std::int32_t samplesPerPixel,
+               std::vector<DevicePoint>& pixels);
 
 }  // namespace quillon

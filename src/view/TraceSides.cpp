@@ -23,6 +23,10 @@ void TraceSides::Scroll(std::int32_t shift) {
     }
 }
 
+void TraceSides::Forget(std::int32_t from, std::int32_t to) {
+    for (auto& columns : m_columns) std::fill(columns.begin() + from, columns.begin() + to, std::uint8_t{0});
+}
+
 void TraceSides::Mark(std::size_t trace, std::int32_t from, std::int32_t to, std::span<const DevicePoint> points) {
     std::vector<std::uint8_t>& columns = m_columns[trace];
     std::fill(columns.begin() + from, columns.begin() + to, std::uint8_t{0});

@@ -17,6 +17,8 @@ class TraceSides {
     void Reset(std::size_t traces, std::int32_t width, std::int32_t height);
     /// The columns moved to the left by `shift`; nothing is known of those that came in.
     void Scroll(std::int32_t shift);
+    /// Nothing is known of columns from .. to-1 of any trace.
+    void Forget(std::int32_t from, std::int32_t to);
     /// What columns from .. to-1 hold of a trace, whose points do not run to the left.
     void Mark(std::size_t trace, std::int32_t from, std::int32_t to, std::span<const DevicePoint> points);
     /// None for a trace that is seen somewhere, passes from one side to the other or has no points.

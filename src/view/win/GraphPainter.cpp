@@ -54,24 +54,6 @@ class ClipScope {
     int m_saved;
 };
 
-static_assert(sizeof(DevicePoint) == sizeof(POINT), "both are two 32-bit coordinates");
-
-/// Back to pixels with both origins at 0 at the end.
-class AnisotropicScope {
-  public:
-    explicit AnisotropicScope(HDC dc) : m_dc(dc) { SetMapMode(dc, MM_ANISOTROPIC); }
-    ~AnisotropicScope() {
-        SetMapMode(m_dc, MM_TEXT);
-        SetViewportOrgEx(m_dc, 0, 0, nullptr);
-        SetWindowOrgEx(m_dc, 0, 0, nullptr);
-    }
-    AnisotropicScope(const AnisotropicScope&) = delete;
-    AnisotropicScope& operator=(const AnisotropicScope&) = delete;
-
-  private:
-    HDC m_dc;
-};
-
 }  // namespace
 
 GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())), m_dpi(ScreenDpi()) {}
@@ -113,15 +95,16 @@ void GraphPainter::DrawGrid(const GridKey& key) {
 
 void GraphPainter::Clear(int width, int height) {
     m_bands = {};
-    m_failure.clear();
     m_arrows.clear();
-    if (Prepare(width, height)) FillWith(m_surface.Handle(), {0, 0, m_width, m_height}, kWhite);
+    const bool hasSurface = Prepare(width, height);
+    m_traces.Reset(0, m_width, m_height);
+    if (hasSurface) FillWith(m_surface.Handle(), {0, 0, m_width, m_height}, kWhite);
 }
 
 void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
-    m_failure.clear();
-    if (!Prepare(width, height)) return;
-    m_sides.Reset(ShownChannels(scene.block, scene.slots).size(), m_width, m_height);
+    const bool hasSurface = Prepare(width, height);
+    m_traces.Reset(ShownChannels(scene.block, scene.slots).size(), m_width, m_height);
+    if (!hasSurface) return;
     DrawColumns(scene, 0, m_width);
     FindArrows(scene);
     InvertBands();
@@ -130,11 +113,10 @@ void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
 void GraphPainter::Scroll(const GraphScene& scene, std::int32_t shift) {
     if (m_width == 0 || shift == 0) return;
     if (shift >= m_width || shift <= -m_width) return Draw(scene, m_width, m_height);
-    m_failure.clear();
     InvertBands();
     const HDC dc = m_surface.Handle();
     BitBlt(dc, std::max(-shift, 0), 0, m_width - std::abs(shift), m_height, dc, std::max(shift, 0), 0, SRCCOPY);
-    m_sides.Scroll(shift);
+    m_traces.Scroll(shift);
     // At both edges a trace begins and ends otherwise than it runs through: those columns are never copied.
     constexpr int edge = 2;
     const int left = std::min(std::max(-shift, 0) + edge, m_width);
@@ -151,7 +133,10 @@ void GraphPainter::DrawColumns(const GraphScene& scene, int from, int to) {
     BitBlt(m_surface.Handle(), from, 0, to - from, m_height, m_grid.Handle(),
            scene.axis.FirstColumn() % TimeAxis::kDivision + from, 0, SRCCOPY);
     DrawMarks(scene);
-    DrawTraces(scene, from, to);
+    m_traces.Draw(scene, from, to);
+    // The bits are written past the system, which may still have drawing of its own to do.
+    GdiFlush();
+    m_traces.Compose(m_pixels);
 }
 
 std::wstring GraphPainter::MarkText(const GraphScene& scene, const MarkLine& line) const {
@@ -189,72 +174,6 @@ std::optional<std::size_t> GraphPainter::MarkAt(const GraphScene& scene, int x, 
         if (onLabel || std::abs(x - line.column) <= reach) found = static_cast<std::size_t>(line.markIndex);
     }
     return found;
-}
-
-void GraphPainter::ReadTraces(const GraphScene& scene, int from, int to) {
-    const VisibleRange visible = scene.axis.Visible();
-    const TraceStretch stretch{visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), from, to};
-    std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
-    if (std::exchange(m_readAhead, std::nullopt) == stretch && shown == m_shown) return;
-    m_shown = std::move(shown);
-    m_reader.Read(*scene.block.block, m_shown, stretch);
-}
-
-std::optional<ValueRange> GraphPainter::SeenRange(const GraphScene& scene) {
-    if (!scene.block.block || scene.axis.Visible().Count() < 1) return std::nullopt;
-    ReadTraces(scene, 0, scene.axis.Width());
-    const VisibleRange visible = scene.axis.Visible();
-    m_readAhead = {visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), 0, scene.axis.Width()};
-    return CentralRange(scene.block, m_shown, m_reader.points(), scene.rawCodes);
-}
-
-void GraphPainter::DrawTraces(const GraphScene& scene, int from, int to) {
-    const VisibleRange visible = scene.axis.Visible();
-    if (visible.Count() < 1) return;
-    ReadTraces(scene, from, to);
-    const std::vector<std::int16_t>& shown = m_shown;
-    TraceGeometry geometry;
-    geometry.zeroRow = scene.amplitude.ZeroRow();
-    geometry.height = m_height;
-    geometry.unitsPerDivision = scene.amplitude.UnitsPerDivision();
-    geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
-    geometry.rawCodes = scene.rawCodes;
-    geometry.foldOrigin = scene.foldOrigin;
-    if (m_failure.empty()) m_failure = m_reader.Failure();
-    m_canvas.Reset(from, to, m_height);
-    std::vector<std::uint32_t> colors(shown.size());
-    {
-        const AnisotropicScope mapping(m_surface.Handle());
-        // The last channel comes first, so that the first one lies on top.
-        for (std::size_t at = shown.size(); at-- > 0;) {
-            const auto channel = static_cast<std::size_t>(shown[at] - 1);
-            const TraceMapping trace = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
-            ToPixels(trace, geometry.samplesPerPixel, m_reader.points()[at], visible.Count());
-            m_canvas.Draw(m_trace, static_cast<std::uint8_t>(at + 1));
-            m_sides.Mark(at, from, to, m_trace);
-            colors[at] = TraceColor(scene.block.channelNumbers[channel]);
-        }
-    }
-    // The bits are written past the system, which may still have drawing of its own to do.
-    GdiFlush();
-    m_canvas.Compose(m_pixels, m_width, colors);
-}
-
-void GraphPainter::ToPixels(const TraceMapping& mapping, std::int32_t samplesPerPixel,
-                            const std::vector<TracePoint>& points, std::int32_t count) {
-    const HDC dc = m_surface.Handle();
-    SetWindowExtEx(dc, mapping.windowExtentX, mapping.windowExtentY, nullptr);
-    SetViewportExtEx(dc, mapping.viewportExtentX, mapping.viewportExtentY, nullptr);
-    SetViewportOrgEx(dc, mapping.viewportOriginX, mapping.viewportOriginY, nullptr);
-    m_trace.clear();
-    if (mapping.flat) {
-        const std::int32_t end =
-            samplesPerPixel == 1 ? count : static_cast<std::int32_t>(std::int64_t{2} * count / samplesPerPixel);
-        m_trace = {{0, -mapping.windowOriginY}, {end, -mapping.windowOriginY}};
-    } else {
-        for (const TracePoint& point : points) m_trace.push_back({point.x, point.y - mapping.windowOriginY});
-    }
-    LPtoDP(dc, reinterpret_cast<POINT*>(m_trace.data()), static_cast<int>(m_trace.size()));
 }
 
 RECT GraphPainter::Invert(const ColumnBand& band) {
@@ -301,7 +220,7 @@ void GraphPainter::FindArrows(const GraphScene& scene) {
     m_arrows.clear();
     const std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
     for (std::size_t at = 0; at < shown.size(); ++at) {
-        const TraceSides::Side side = m_sides.Of(at);
+        const TraceSides::Side side = m_traces.SideOf(at);
         if (side == TraceSides::Side::None) continue;
         const std::int16_t number = scene.block.channelNumbers[static_cast<std::size_t>(shown[at] - 1)];
         m_arrows.push_back({ColorOf(TraceColor(number)), side == TraceSides::Side::Above});

@@ -3,34 +3,14 @@
 #include <array>
 #include <optional>
 
-#include "data/QL_Types.h"
-#include "view/AmplitudeScale.h"
-#include "view/DataRange.h"
-#include "view/QL_ChUtils.h"
+#include "view/GraphScene.h"
 #include "view/ScaleLabels.h"
 #include "view/Selection.h"
-#include "view/TimeAxis.h"
-#include "view/TraceCanvas.h"
-#include "view/TraceMapping.h"
-#include "view/TraceSides.h"
+#include "view/TracePicture.h"
 #include "view/win/GDI_Utils.h"
 #include "view/win/cMemDC.h"
 
 namespace quillon {
-
-enum class GridStyle { None = 0, Lines = 1, Dots = 2 };
-
-/// What one pass of the graph shows.
-struct GraphScene {
-    const ViewBlock& block;
-    const ChannelSlots& slots;
-    const TimeAxis& axis;
-    const AmplitudeScale& amplitude;
-    bool rawCodes = false;
-    bool foldOrigin = false;  ///< for systems whose mapping has 16 bits, see TraceGeometry
-    GridStyle gridStyle = GridStyle::None;
-    std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
-};
 
 /// The bands that lie over the image with its lightness inverted.
 enum class GraphBand { Selection, Cursor, Play, Count };
@@ -53,15 +33,11 @@ class GraphPainter {
     /// An empty white surface without bands.
     void Clear(int width, int height);
     /// Why a part of what was drawn last could not be read; empty when all could.
-    [[nodiscard]] const std::string& ReadFailure() const { return m_failure; }
+    [[nodiscard]] const std::string& ReadFailure() const { return m_traces.Failure(); }
     /// Another block is shown: what was read of the old one is of no use.
-    void ForgetBlock() {
-        m_reader.Reset();
-        m_readAhead.reset();
-    }
-    /// The range that the scale of a block is chosen by, see CentralRange. What it reads is drawn by the next Draw of
-    /// the same view.
-    [[nodiscard]] std::optional<ValueRange> SeenRange(const GraphScene& scene);
+    void ForgetBlock() { m_traces.ForgetBlock(); }
+    /// See TracePicture.
+    [[nodiscard]] std::optional<ValueRange> SeenRange(const GraphScene& scene) { return m_traces.SeenRange(scene); }
     /// Moves, shows or hides a band; the returned rectangle holds what has changed.
     RECT SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
     [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const {
@@ -86,13 +62,8 @@ class GraphPainter {
     void DrawGrid(const GridKey& key);
     void DrawColumns(const GraphScene& scene, int from, int to);
     void DrawMarks(const GraphScene& scene) const;
-    void DrawTraces(const GraphScene& scene, int from, int to);
-    void ReadTraces(const GraphScene& scene, int from, int to);
     void FindArrows(const GraphScene& scene);
     void PaintArrows(HDC target) const;
-    /// Brings the points of a trace, or those of the straight line that stands for it, to pixels in m_trace.
-    void ToPixels(const TraceMapping& mapping, std::int32_t samplesPerPixel, const std::vector<TracePoint>& points,
-                  std::int32_t count);
     void InvertBands();
     RECT Invert(const ColumnBand& band);
     [[nodiscard]] std::wstring MarkText(const GraphScene& scene, const MarkLine& line) const;
@@ -101,10 +72,7 @@ class GraphPainter {
     cMemDC m_grid;  ///< one grid period wider than the surface, so that any horizontal position can be copied from it
     GdiFont m_font;
     int m_dpi;
-    TraceReader m_reader;
-    std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read
-    std::optional<TraceStretch> m_readAhead;  ///< what it holds for the next Draw
-    TraceSides m_sides;
+    TracePicture m_traces;
     /// A trace that lies beyond the graph.
     struct Arrow {
         COLORREF color;
@@ -112,9 +80,6 @@ class GraphPainter {
     };
     std::vector<Arrow> m_arrows;
     bool m_marksSeen = false;
-    std::string m_failure;
-    TraceCanvas m_canvas;
-    std::vector<DevicePoint> m_trace;
     std::uint32_t* m_pixels = nullptr;  ///< of the surface, rows from the top
     int m_width = 0;
     int m_height = 0;

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
 
+#include "view/AmplitudeScale.h"
 #include "view/TraceCanvas.h"
+#include "view/TraceMapping.h"
 #include "view/win/GDI_Utils.h"
 #include "view/win/cMemDC.h"
 
@@ -50,6 +53,48 @@ TEST(TraceCanvas, DrawsThePixelsOfTheSystem) {
                 << "round " << round << ", column " << at % width << ", row " << at / width;
         }
     }
+}
+
+/// What is in sight lies where the mapping of the system puts it; that counts in single precision, so that halves of
+/// rows go either way.
+TEST(ToPixels, EqualsTheMappingOfTheSystem) {
+    constexpr std::int32_t height = 600;
+    std::mt19937 random(3);
+    cMemDC surface;
+    ASSERT_TRUE(surface.CreatePixels(10, 10) != nullptr);
+    const HDC dc = surface.Handle();
+    SetMapMode(dc, MM_ANISOTROPIC);
+    int seen = 0;
+    for (int round = 0; round < 2000; ++round) {
+        AmplitudeScale amplitude;
+        amplitude.SetGraph(height, height / 2);
+        amplitude.SelectScale(static_cast<int>(random() % AmplitudeScale::kScaleCount));
+        const TraceGeometry geometry{.zeroRow = amplitude.ZeroRow(),
+                                     .height = height,
+                                     .unitsPerDivision = amplitude.UnitsPerDivision(),
+                                     .samplesPerPixel = round % 2 == 0 ? 1 : 5};
+        const double scale = std::pow(10.0, std::uniform_real_distribution<double>(-6, 4)(random));
+        const TraceMapping mapping = MapTrace(geometry, static_cast<float>(round % 3 == 0 ? -scale : scale), 0.0F);
+        std::vector<TracePoint> points;
+        for (std::int32_t x = 0; x < 100; ++x)
+            points.push_back({x, static_cast<std::int32_t>(random() % 65536) - 32768});
+        std::vector<DevicePoint> pixels;
+        ToPixels(mapping, points, pixels);
+        SetWindowExtEx(dc, mapping.windowExtentX, mapping.windowExtentY, nullptr);
+        SetViewportExtEx(dc, 1, mapping.viewportExtentY, nullptr);
+        SetViewportOrgEx(dc, mapping.viewportOriginX, mapping.viewportOriginY, nullptr);
+        for (std::size_t at = 0; at < points.size(); ++at) {
+            POINT expected{points[at].x, points[at].y - mapping.windowOriginY};
+            LPtoDP(dc, &expected, 1);
+            ASSERT_EQ(expected.x, pixels[at].x);
+            const double code = points[at].y - mapping.windowOriginY;
+            const double row = mapping.viewportOriginY + code * mapping.viewportExtentY / mapping.windowExtentY;
+            if (row < 0 || row > height || std::fabs(row - std::floor(row) - 0.5) < 1e-4) continue;
+            ++seen;
+            ASSERT_EQ(expected.y, pixels[at].y) << code << ' ' << row;
+        }
+    }
+    EXPECT_GT(seen, 10000);
 }
 
 }  // namespace

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+#include "data/QL_Types.h"
+#include "view/AmplitudeScale.h"
+#include "view/TimeAxis.h"
+
+namespace quillon {
+
+enum class GridStyle { None = 0, Lines = 1, Dots = 2 };
+
+/// What one pass of the graph shows.
+struct GraphScene {
+    const ViewBlock& block;
+    const ChannelSlots& slots;
+    const TimeAxis& axis;
+    const AmplitudeScale& amplitude;
+    bool rawCodes = false;
+    bool foldOrigin = false;  ///< for systems whose mapping has 16 bits, see TraceGeometry
+    GridStyle gridStyle = GridStyle::None;
+    std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
+};
+
+}  // namespace quillon
