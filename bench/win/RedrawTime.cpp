@@ -6,7 +6,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/QL_Global.h"
+#include "app/win/WinServices.h"
+#include "data/Document.h"
 #include "norvik/RecordingLibrary.h"
 #include "view/win/GraphPainter.h"
 
@@ -30,28 +31,22 @@ double Median(std::vector<double> values) {
 
 int wmain(int count, wchar_t** arguments) {
     if (count < 2) return 2;
-    QL_Global global;
-    global.library = MakeRecordingLibrary(Language::English);
-    if (!global.library->OpenRecording(Narrow16(arguments[1]), global.file.recording)) return 1;
-    ViewBlock& block = global.block;
-    block.block = global.file.recording->GetBlock(1);
-    block.sampleCount = block.block->SampleCount();
-    block.channelCount = block.block->ChannelCount();
-    for (std::int16_t channel = 1; channel <= block.channelCount; ++channel) {
-        block.channelNumbers.push_back(block.block->ChannelNumber(channel));
-        block.invScale.push_back(1.0F / block.block->ChannelScale(channel));
-        block.offsets.push_back(block.block->ChannelOffset(channel));
-    }
+    const std::shared_ptr<RecordingLibrary> library = MakeRecordingLibrary(Language::English);
+    const WinServices services(Language::English);
+    Document document(*library, services);
+    if (!document.OpenFile(Narrow16(arguments[1]), {})) return 1;
+    const ViewBlock& block = document.Block();
+    TimeAxis axis;
+    AmplitudeScale amplitude;
     constexpr int width = 1500;
     constexpr int height = 800;
-    global.axis.SetWidth(width);
-    global.axis.SetBlock(block.sampleCount);
-    global.axis.Restore(10, 0);
-    global.amplitude.SetGraph(height, height / 2);
-    const GraphScene scene{block, global.slots, global.axis,      global.amplitude,
-                           false, false,        GridStyle::Lines, 0x808080};
+    axis.SetWidth(width);
+    axis.SetBlock(block.sampleCount);
+    axis.Restore(10, 0);
+    amplitude.SetGraph(height, height / 2);
+    const GraphScene scene{block, document.Slots(), axis, amplitude, false, false, GridStyle::Lines, 0x808080};
     GraphPainter painter;
-    global.amplitude.FindData(painter.SeenRange(scene));
+    amplitude.FindData(painter.SeenRange(scene));
     cMemDC target;
     target.CreateBitmap(width, height);
     const auto show = [&] { painter.Paint(target.Handle(), {0, 0, width, height}); };
@@ -59,7 +54,7 @@ int wmain(int count, wchar_t** arguments) {
     std::vector<std::int16_t> frames(std::size_t{4096} * static_cast<std::size_t>(block.channelCount));
     const std::int32_t samples = std::min(width * 2000, block.sampleCount);
     for (int round = 0; round < 9; ++round) {
-        global.axis.Restore(10, 0);
+        axis.Restore(10, 0);
         read.push_back(Milliseconds([&] {
             for (std::int32_t at = 0; at < samples; at += 4096)
                 block.block->ReadFrames(at, std::min(4096, samples - at), frames.data());
@@ -67,7 +62,7 @@ int wmain(int count, wchar_t** arguments) {
         painter.ForgetBlock();
         first.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
         again.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
-        const std::int32_t shift = global.axis.ScrollBy(global.axis.PageShift(2) / 15);
+        const std::int32_t shift = axis.ScrollBy(axis.PageShift(2) / 15);
         page.push_back(Milliseconds([&] { painter.Scroll(scene, shift), show(); }));
         blit.push_back(Milliseconds(show));
     }

@@ -15,4 +15,10 @@ std::u16string FileNameOf(std::u16string_view path) {
     return std::u16string(path.substr(NameStart(path)));
 }
 
+std::u16string PathOf(std::u16string_view folder, std::u16string_view name) {
+    std::u16string path(folder);
+    if (NameStart(path) != path.size() || path.empty()) path.push_back(u'\\');
+    return path.append(name);
+}
+
 }  // namespace quillon

@@ -158,45 +158,4 @@ std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator) {
     return ScaleCaption(id - mnuScaleY, rawCodes, separator);
 }
 
-bool IsEnabled(int id, const QL_Global& global) {
-    if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
-    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuOptions) return true;
-    if (id == mnuNextPalette) return global.settings.spectrogramShown;
-    if (id == mnuRecording) return global.filePosition < 0 ? global.fileCount > 0 : global.filePosition > 0;
-    if (id == mnuRecording + 1) return global.filePosition + 1 < global.fileCount;
-    if (Within(id, mnuFocus, 4)) return true;
-    if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
-        return true;
-    // A file that was refused can be deleted and renamed as well.
-    if (Within(id, mnuFileOperation, 2)) return global.filePosition >= 0;
-    if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard < global.sound.devices;
-    if (id == mnuSoundPlay + 2) return global.sound.playing;
-    if (global.block.channelCount == 0) return false;
-    if (id == mnuSaveAs || id == mnuFastExport || id == mnuSplit || Within(id, mnuCopy, 2))
-        return global.block.sampleCount > 0;
-    if (Within(id, mnuSoundPlay, 2)) return global.sound.devices > 0 && global.block.sampleCount > 0;
-    if (id == mnuSelect + 2) return global.selection.active || global.sound.playing;
-    if (id == mnuView || id == mnuStatistics) return global.selection.active;
-    if (id == mnuView + 2) return !global.history.IsEmpty();
-    if (Within(id, mnuMark, 2)) return !global.block.marks.empty();
-    if (Within(id, mnuMove, static_cast<int>(kMoves.size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
-        id == mnuGoToPlace)
-        return global.block.sampleCount > 0;
-    if (id == mnuZoomX) return global.axis.ZoomIndex() < TimeAxis::kMenuZoomCount - 1;
-    if (id == mnuZoomX + 1) return global.axis.ZoomIndex() > 0;
-    if (id == mnuZoomY) return global.amplitude.Index() > 0;
-    if (id == mnuZoomY + 1) return global.amplitude.Index() < AmplitudeScale::kScaleCount - 1;
-    return true;
-}
-
-bool IsChecked(int id, const QL_Global& global) {
-    if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == global.axis.ZoomIndex();
-    if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == global.amplitude.Index();
-    if (id == mnuSpectrogram) return global.settings.spectrogramShown;
-    if (id == mnuSoloChannel) return global.shownBeforeSolo.has_value();
-    if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard == global.sound.device && IsEnabled(id, global);
-    if (Within(id, mnuHelpLang, 3)) return id - mnuHelpLang == global.settings.helpLanguage;
-    return false;
-}
-
 }  // namespace quillon

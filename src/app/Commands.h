@@ -5,8 +5,6 @@
 #include <string>
 #include <string_view>
 
-#include "app/QL_Global.h"
-
 namespace quillon {
 
 /// Command identifiers. An indexed entry of the menu takes its first identifier plus its index.
@@ -120,11 +118,5 @@ struct ToolbarButton {
 /// The buttons of tbMain and of tbGoTo, in order.
 [[nodiscard]] std::span<const ToolbarButton> MainButtons();
 [[nodiscard]] std::span<const ToolbarButton> GoToButtons();
-
-/// Whether a command can do anything in the present state.
-[[nodiscard]] bool IsEnabled(int id, const QL_Global& global);
-
-/// Whether a command shows a check mark.
-[[nodiscard]] bool IsChecked(int id, const QL_Global& global);
 
 }  // namespace quillon

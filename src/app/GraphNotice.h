@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "app/QL_Global.h"
+#include "data/Document.h"
 #include "data/UserServices.h"
 
 namespace quillon {
@@ -14,7 +14,7 @@ struct GraphNotice {
 };
 
 /// Why the graph is empty and what can be done about it: the reason of a refused file, how to begin, or that nothing is
-/// shown of the block. Nothing while there are traces.
-[[nodiscard]] GraphNotice NoticeOf(const QL_Global& global, const UserServices& services);
+/// shown of the block. Nothing while there are traces. `fileCount` is that of the file list.
+[[nodiscard]] GraphNotice NoticeOf(const Document& document, std::int32_t fileCount, const UserServices& services);
 
 }  // namespace quillon

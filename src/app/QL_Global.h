@@ -1,15 +1,13 @@
 #pragma once
 
-#include <bitset>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "app/Settings.h"
 #include "base/Language.h"
+#include "data/Document.h"
 #include "data/NorvikCore.h"
-#include "data/QL_Types.h"
 #include "data/SaveFileDialog.h"
 #include "data/TextSink.h"
 #include "export/KVExport.h"
@@ -32,12 +30,10 @@ struct SoundState {
     std::int32_t position = 0;  ///< sample that is heard, from 1; 0 when nothing is
 };
 
-/// A flag for every channel slot.
-using ChannelFlags = std::bitset<kSlotCount>;
-
 /// The state that the whole program shares; one object, made by the start-up procedure.
 struct QL_Global {
     std::shared_ptr<RecordingLibrary> library;
+    std::unique_ptr<Document> document;
     std::unique_ptr<KVExport> exporter;
     TextSinkFactory openText;
     std::unique_ptr<SaveFileDialog> saveDialog;  ///< shared by all commands that ask for a name
@@ -50,19 +46,14 @@ struct QL_Global {
     Settings settings;
     std::u16string helpFile;  ///< path; empty when none is installed
 
-    ViewFile file;
     std::int32_t fileCount = 0;      ///< in the file list
     std::int32_t filePosition = -1;  ///< of the selected one, from 0, whether or not it could be opened; -1: none is
-    ViewBlock block;
-    ChannelSlots slots;
 
     TimeAxis axis;
     AmplitudeScale amplitude;
     RangeRecords ranges;
     Selection selection;
     ViewHistory history;
-    std::int16_t currentChannel = 1;              ///< position in the block, from 1, of the channel chosen in the list
-    std::optional<ChannelFlags> shownBeforeSolo;  ///< while one channel is shown alone
     bool rawCodes = false;
     FormatOptions format;
 };

@@ -13,6 +13,7 @@ bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) 
     try {
         global.library = parts.makeLibrary(global.language);
         if (!global.library) throw std::runtime_error("no core library");
+        global.document = std::make_unique<Document>(*global.library, services);
         ExportSystem system = parts.exportSystem;
         system.language = global.language;
         global.exporter = std::make_unique<KVExport>(services, std::move(system));

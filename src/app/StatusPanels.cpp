@@ -22,12 +22,12 @@ std::u16string Bytes(double bytes, char16_t separator) {
 }
 
 /// The unit that all shown channels have; empty where they differ or codes are shown.
-std::u16string CommonUnit(const QL_Global& global) {
+std::u16string CommonUnit(const PanelFacts& facts) {
     std::u16string unit;
-    if (global.rawCodes) return unit;
-    for (const std::int16_t channel : ShownChannels(global.block, global.slots)) {
-        const std::int16_t number = global.block.channelNumbers[static_cast<std::size_t>(channel - 1)];
-        const std::u16string& own = global.slots[static_cast<std::size_t>(number)].unit;
+    if (facts.rawCodes) return unit;
+    for (const std::int16_t channel : ShownChannels(facts.block, facts.slots)) {
+        const std::int16_t number = facts.block.channelNumbers[static_cast<std::size_t>(channel - 1)];
+        const std::u16string& own = facts.slots[static_cast<std::size_t>(number)].unit;
         if (own.empty() || (!unit.empty() && own != unit)) return {};
         unit = own;
     }
@@ -44,16 +44,16 @@ std::u16string VisiblePart(const TimeAxis& axis, char16_t separator) {
     return FormatPattern(static_cast<double>(share), u"0.0##%", separator);
 }
 
-PanelTexts BlockPanels(const QL_Global& global, const UserServices& services) {
+PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services) {
     PanelTexts texts;
     const auto panel = [&](StatusPanel key) -> std::u16string& { return texts[static_cast<std::size_t>(key)]; };
-    const ViewBlock& block = global.block;
-    const FormatOptions& format = global.format;
+    const ViewBlock& block = facts.block;
+    const FormatOptions& format = facts.format;
     if (!block.block) return texts;
-    const std::u16string unit = CommonUnit(global);
-    panel(StatusPanel::Scale) = ScaleCaption(global.amplitude.Index(), global.rawCodes, format.decimalSeparator) +
+    const std::u16string unit = CommonUnit(facts);
+    panel(StatusPanel::Scale) = ScaleCaption(facts.scaleY, facts.rawCodes, format.decimalSeparator) +
                                 (unit.empty() ? unit : u' ' + unit) + services.Text(IDS_PER_DIVISION);
-    panel(StatusPanel::XPart) = VisiblePart(global.axis, format.decimalSeparator);
+    panel(StatusPanel::XPart) = VisiblePart(facts.axis, format.decimalSeparator);
     panel(StatusPanel::Size) = u"S: " + Decimal(block.sampleCount);
     if (block.sampleRate > 0.0) {
         FormatOptions length = format;

@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <string>
 
-#include "app/QL_Global.h"
+#include "data/QL_Types.h"
 #include "data/UserServices.h"
+#include "format/QL_Format.h"
+#include "view/TimeAxis.h"
 
 namespace quillon {
 
@@ -18,7 +20,17 @@ enum class StatusPanel : std::size_t { Scale, XPart, Status, Size, Time, Rate, V
 
 using PanelTexts = std::array<std::u16string, static_cast<std::size_t>(StatusPanel::Count)>;
 
+/// What the panels tell of.
+struct PanelFacts {
+    const ViewBlock& block;
+    const ChannelSlots& slots;
+    const TimeAxis& axis;
+    const FormatOptions& format;
+    std::int32_t scaleY = 0;  ///< index in the table of amplitude scales
+    bool rawCodes = false;
+};
+
 /// Texts of the panels that follow from the block; that of "Status" is left empty.
-[[nodiscard]] PanelTexts BlockPanels(const QL_Global& global, const UserServices& services);
+[[nodiscard]] PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services);
 
 }  // namespace quillon

@@ -144,17 +144,20 @@ TEST(StatusPanels, TellTheVisibleShare) {
 }
 
 TEST(StatusPanels, TellLengthsBeyondADayAndCodes) {
-    QL_Global global;
     FakeServices services;
-    global.block.block = std::make_shared<FakeBlock>();
-    global.block.sampleCount = 187200;
-    global.block.sampleRate = 2.0;
-    global.format.timeOfDay = true;
-    const auto panel = [&](StatusPanel key) { return BlockPanels(global, services)[static_cast<std::size_t>(key)]; };
+    ViewBlock block;
+    block.block = std::make_shared<FakeBlock>();
+    block.sampleCount = 187200;
+    block.sampleRate = 2.0;
+    FormatOptions format;
+    format.timeOfDay = true;
+    const ChannelSlots slots;
+    const TimeAxis axis;
+    PanelFacts facts{block, slots, axis, format, 6};
+    const auto panel = [&](StatusPanel key) { return BlockPanels(facts, services)[static_cast<std::size_t>(key)]; };
     EXPECT_EQ(panel(StatusPanel::Time), u"T: 26:00:00");
-    global.amplitude.SelectScale(6);
     EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10#"));
-    global.rawCodes = true;
+    facts.rawCodes = true;
     EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10 k#"));
 }
 

@@ -74,14 +74,14 @@ SIZE Toolbar::Size() const {
     return {last.right + 2, last.bottom + 2};
 }
 
-void Toolbar::Update(const QL_Global& global) const {
+void Toolbar::Update(const CommandState& state) const {
     for (const ToolbarButton& button : m_buttons) {
-        const bool enabled = IsEnabled(button.command, global);
-        const bool checked = IsChecked(button.command, global);
+        const bool enabled = IsEnabled(button.command, state);
+        const bool checked = IsChecked(button.command, state);
         const auto id = static_cast<WPARAM>(button.command);
-        const auto state = static_cast<WORD>((enabled ? TBSTATE_ENABLED : 0) | (checked ? TBSTATE_CHECKED : 0));
-        if (SendMessageW(m_window, TB_GETSTATE, id, 0) != state) {
-            SendMessageW(m_window, TB_SETSTATE, id, MAKELPARAM(state, 0));
+        const auto flags = static_cast<WORD>((enabled ? TBSTATE_ENABLED : 0) | (checked ? TBSTATE_CHECKED : 0));
+        if (SendMessageW(m_window, TB_GETSTATE, id, 0) != flags) {
+            SendMessageW(m_window, TB_SETSTATE, id, MAKELPARAM(flags, 0));
         }
     }
 }

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "app/CommandState.h"
 #include "app/Commands.h"
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
@@ -19,7 +20,7 @@ class Toolbar {
     /// Size that shows every button.
     [[nodiscard]] SIZE Size() const;
     /// Enables and presses the buttons as their commands are.
-    void Update(const QL_Global& global) const;
+    void Update(const CommandState& state) const;
 
   private:
     HWND m_window = nullptr;

@@ -5,6 +5,7 @@
 #include "app/KV_Resources.h"
 #include "app/StatusPanels.h"
 #include "base/DateTime.h"
+#include "base/Text.h"
 
 namespace quillon {
 

@@ -30,7 +30,7 @@ HMENU IdOf(int id) {
 frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown)
     : m_global(global),
       m_services(services),
-      m_loader(*global.library, global.file, global.block, global.slots, services, *this),
+      m_document(*global.document),
       m_makeTimer(std::move(makeTimer)),
       m_shutdown(std::move(shutdown)),
       m_fft(global.settings) {}
@@ -217,7 +217,7 @@ void frmQLMain::Complete() try {
     ShowPanels();
     m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
     // With a recording open its channels are of more use than the way to its folder.
-    if (m_global.block.block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
+    if (m_document.Block().block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
     ShowPages();
     DragAcceptFiles(m_window, TRUE);
     if (!IsIconic(m_window)) ArrangeControls();
@@ -339,7 +339,7 @@ void frmQLMain::OnActivate(UINT state) {
         if (!m_complete) Complete();
         if (m_window == nullptr) return;
         // Why the first file was refused is of more use.
-        const bool refused = !m_global.file.refusal.empty();
+        const bool refused = !m_document.File().refusal.empty();
         if (m_folderMissing && !refused)
             m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
         else if (!refused)
@@ -354,7 +354,7 @@ void frmQLMain::OpenFirstFile() {
     m_browser.SelectFile(0);
     ClickFile();
     // Complete() does the same for a window that was active from the start.
-    if (!m_complete || !m_global.block.block) return;
+    if (!m_complete || !m_document.Block().block) return;
     TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
     ShowPages();
 }
@@ -392,9 +392,8 @@ void frmQLMain::OnEndSession(bool ends) {
 
 void frmQLMain::EndSession() {
     // Each step runs whatever becomes of the others, and the program ends in any case.
-    for (const auto& step :
-         std::initializer_list<std::function<void()>>{[&] { KeepSettings(); }, [&] { m_loader.CloseCurrentFile(); },
-                                                      [&] { m_shutdown ? m_shutdown() : void(); }}) {
+    for (const auto& step : std::initializer_list<std::function<void()>>{
+             [&] { KeepSettings(); }, [&] { CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
         try {
             step();
         } catch (const std::exception& error) {

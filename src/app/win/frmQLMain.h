@@ -15,7 +15,7 @@
 #include "app/win/WinServices.h"
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
-#include "data/BlockLoader.h"
+#include "data/Document.h"
 #include "data/win/ChannelLists.h"
 #include "data/win/FileBrowser.h"
 #include "data/win/cFileNotification.h"
@@ -37,7 +37,7 @@ namespace quillon {
 /// outlive it. Its member functions are spread over frmQLMain.cpp (life cycle) and frmQLMain_*.cpp: Layout, Browser
 /// (files, blocks, channels), Commands (menu and keys), Export, Sound, View (moves of the view), Mouse (hover,
 /// selection, wheel), Graph (graph and scales) and Spectrogram.
-class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEvents {
+class frmQLMain final : private PictureOwner, private ZoomXEvents {
   public:
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
     frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown = {});
@@ -51,24 +51,14 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// of the folder and shows its waveform, then all its controls. Throws when they cannot be made.
     void Show(int showCommand);
     [[nodiscard]] HWND Window() const { return m_window; }
+    /// What the commands can do now.
+    [[nodiscard]] CommandState State() const;
     /// What the values panel shows.
     [[nodiscard]] const std::u16string& ValuesText() const { return m_values.Text(); }
     /// Opens a file or folder by its full path, as if it had been chosen in the lists.
     void OpenPath(const std::wstring& path);
     /// Handles a key of the graph or the focus's way through the controls; true when the message is done with.
     [[nodiscard]] bool PreTranslate(const MSG& message);
-
-    // What the loader asks for.
-    void ResetViewState() override;
-    void StopSound() override;
-    [[nodiscard]] std::int32_t BlockItemCount() const override { return m_blocks.Count(); }
-    void RemoveBlockItem(std::int32_t position) override { m_blocks.Remove(position); }
-    void SetBlockItem(std::int32_t position, const std::u16string& text) override;
-    [[nodiscard]] std::int32_t SelectedBlockItem() const override { return m_blocks.Selected(); }
-    void SelectBlockItem(std::int32_t position) override;
-    [[nodiscard]] FileStamp StampOf(const std::u16string& path) const override;
-    void OfferFolder(const std::u16string& folder) override;
-    void ShowBlock() override;
 
   private:
     /// The keyboard goes to the graph.
@@ -115,9 +105,6 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
         ViewPlace place;
         ViewHistory history;
         Selection selection;
-        std::int16_t currentChannel = 1;
-        ChannelFlags shown;
-        std::optional<ChannelFlags> shownBeforeSolo;
     };
     void OnListCommand(int id, int notification);
     LRESULT OnNotify(const NMHDR* header);
@@ -147,6 +134,17 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     void RefreshFiles();
     /// False when the window was closed by one of them.
     [[nodiscard]] bool RunPendingMessages() const;
+    /// Opens a file of the folder unless it is open; without a name, closes the one that is.
+    void OpenFile(const std::wstring& name);
+    void CloseCurrentFile();
+    /// Another recording is open, or none.
+    void RecordingChanged();
+    /// Forgets what was drawn, computed, played and selected of the block, which goes.
+    void LeaveBlock();
+    /// Shows the loaded block, or the empty view when none is loaded.
+    void ShowBlock();
+    /// A recording of this folder was opened while a specific file type was listed.
+    void OfferFolder(const std::u16string& folder);
     /// Opens the file that the user has selected.
     void ChooseFile();
     void ClickFile();
@@ -158,7 +156,6 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     /// The current channel becomes that of the spectrogram.
     void ChooseChannel();
     void ShowPages();
-    void StoreShown(int item);
     void SetAllShown(int index);
     void ShowCaption();
     /// The channels and the description of the recording.
@@ -264,7 +261,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
     [[nodiscard]] ValuesBasis PresentBasis() const;
     void TellValues(ValuesKind kind, const std::u16string& text);
     /// The description of the recording, which the panel shows when there is nothing else to tell.
-    void TellDetails() { TellValues(ValuesKind::Details, m_global.file.fileInfo); }
+    void TellDetails() { TellValues(ValuesKind::Details, m_document.File().fileInfo); }
     /// The values at a sample, below the text of the mark under the pointer.
     void TellHover(std::int32_t sample, const std::u16string& mark);
     /// Tells anew, or no more, what is not so any longer.
@@ -305,6 +302,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
 
     // Sound.
     void MakeSound();
+    void StopSound();
     void KeepSoundState();
     void SoundPlay(int index);
     void SoundCard(int device);
@@ -352,7 +350,7 @@ class frmQLMain final : public LoaderHost, private PictureOwner, private ZoomXEv
 
     QL_Global& m_global;
     WinServices& m_services;
-    BlockLoader m_loader;
+    Document& m_document;
     TimerFactory m_makeTimer;
     std::function<void()> m_shutdown;
     std::unique_ptr<cFileNotification> m_watch;  ///< made when the window loads

@@ -43,14 +43,12 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
         const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
         if ((change->uChanged & LVIF_STATE) != 0 && chosen) {
             m_channelTold = !std::exchange(m_channelByKey, false);
-            m_global.currentChannel = static_cast<std::int16_t>(change->iItem + 1);
+            m_document.ChooseChannel(static_cast<std::int16_t>(change->iItem + 1));
             ChooseChannel();
         }
         if ((change->uChanged & LVIF_STATE) != 0 &&
             ((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
-            // What the user chooses later ends the view of one channel alone.
-            m_global.shownBeforeSolo.reset();
-            StoreShown(change->iItem);
+            m_document.Show(static_cast<std::int16_t>(change->iItem + 1), m_channels.IsChecked(change->iItem));
             Refresh();
         }
     }
@@ -110,7 +108,7 @@ void frmQLMain::OpenUnlisted(const std::wstring& name) {
     // No line of the list stands for it, so none may look as if delete and rename would concern it.
     m_browser.SelectFile(-1);
     FollowFileList();
-    m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(name), m_browser.Pattern());
+    OpenFile(name);
     UpdateCommands();
 }
 
@@ -169,7 +167,7 @@ void frmQLMain::FollowFileList() {
     m_global.fileCount = m_browser.FileCount();
     m_global.filePosition = m_browser.SelectedPosition();
     // It says how to begin.
-    if (!m_global.block.block) m_graphBox.Invalidate();
+    if (!m_document.Block().block) m_graphBox.Invalidate();
 }
 
 void frmQLMain::TellIncomplete() const {
@@ -192,13 +190,13 @@ void frmQLMain::FilesChanged() try {
     const bool wasSelected = m_browser.SelectedPosition() >= 0;
     m_browser.Refresh();
     // A refused file that is gone needs no explanation any more.
-    if (wasSelected && m_browser.SelectedPosition() < 0 && m_global.file.fileName.empty()) ClickFile();
-    const std::wstring open = Wide(m_global.file.fileName);
+    if (wasSelected && m_browser.SelectedPosition() < 0 && m_document.File().fileName.empty()) ClickFile();
+    const std::wstring open = Wide(m_document.File().fileName);
     const bool unseen = !open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES;
     const DWORD reason = GetLastError();
     // Any other reason may pass, as a network's does.
     if (unseen && (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND)) {
-        const std::u16string name = FileNameOf(m_global.file.fileName);
+        const std::u16string name = FileNameOf(m_document.File().fileName);
         m_browser.SelectFile(-1);
         ClickFile();
         m_services.SetStatus(name + u": " + m_services.Text(IDS_FILE_GONE));
@@ -210,23 +208,25 @@ void frmQLMain::FilesChanged() try {
     Failed(error);
 }
 
-FileStamp frmQLMain::StampOf(const std::u16string& path) const {
-    return quillon::StampOf(Wide(path));
-}
-
 void frmQLMain::LookAtRecording(bool asked) try {
     if (m_busy || m_closing || !IsWindowEnabled(m_window)) return;
     if (!asked) {
         // Neither a drag nor the sound is disturbed.
         if (m_gesture.kind != Gesture::None || m_drag != Drag::None || m_global.sound.playing) return;
-        const bool due = std::exchange(m_lookDue, false) || m_loader.ChangePending();
+        const bool due = std::exchange(m_lookDue, false) || m_document.ChangePending();
         if (!due && IsRemote(m_browser.Folder())) return;
     }
-    if (!m_loader.HasChanged(asked)) return;
-    const std::u16string name = FileNameOf(m_global.file.fileName);
-    if (name.empty()) return static_cast<void>(m_loader.Reload());
+    const FileStamp stamp = StampOf(Wide(m_document.LastPath()));
+    if (!m_document.HasChanged(stamp, asked)) return;
+    const std::u16string name = FileNameOf(m_document.File().fileName);
+    if (name.empty()) return OpenFile(Wide(FileNameOf(m_document.LastPath())));
+    StopSound();
     m_kept = ViewToKeep();
-    const bool loaded = m_loader.Reload();
+    const bool loaded = m_document.Reload(stamp);
+    if (loaded) {
+        LeaveBlock();
+        RecordingChanged();
+    }
     m_kept.reset();
     // What was told of something else stays, unless this is of more use.
     if (loaded && !m_services.Status().empty() && m_services.Status() != m_changeTold) return;
@@ -239,10 +239,7 @@ void frmQLMain::LookAtRecording(bool asked) try {
 }
 
 frmQLMain::KeptView frmQLMain::ViewToKeep() const {
-    ChannelFlags shown;
-    for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot) shown.set(slot, m_global.slots[slot].shown);
-    return {PresentView(), m_global.history,        m_global.selection, m_global.currentChannel,
-            shown,         m_global.shownBeforeSolo};
+    return {PresentView(), m_global.history, m_global.selection};
 }
 
 void frmQLMain::RestoreView(const KeptView& kept) {
@@ -253,15 +250,11 @@ void frmQLMain::RestoreView(const KeptView& kept) {
     m_global.amplitude.SelectScale(kept.place.scale);
     m_global.amplitude.MoveBaseLine(kept.place.shift - m_global.amplitude.Shift());
     m_global.history = kept.history;
-    m_global.currentChannel =
-        kept.currentChannel <= m_global.block.channelCount ? kept.currentChannel : std::int16_t{1};
-    const std::int32_t samples = m_global.block.sampleCount;
+    const std::int32_t samples = m_document.Block().sampleCount;
     m_global.selection = kept.selection;
     m_global.selection.active = kept.selection.active && kept.selection.First() <= samples;
     m_global.selection.start = std::min(kept.selection.start, samples);
     m_global.selection.end = std::min(kept.selection.end, samples);
-    for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot) m_global.slots[slot].shown = kept.shown.test(slot);
-    m_global.shownBeforeSolo = kept.shownBeforeSolo;
 }
 
 void frmQLMain::FileCommand(int index) {
@@ -277,7 +270,7 @@ void frmQLMain::DeleteSelected() {
     const std::wstring name = m_browser.SelectedFile();
     const int position = m_browser.SelectedPosition();
     if (name.empty()) return;
-    m_loader.CloseCurrentFile();
+    CloseCurrentFile();
     m_watch->StopWatch();
     if (!RunPendingMessages()) return;
     const FileOperationResult result = DeleteToRecycleBin(folder, name, m_window);
@@ -308,7 +301,7 @@ void frmQLMain::RenameSelected() {
         m_services.SetStatus(failure);
         return;
     }
-    m_loader.CloseCurrentFile();
+    CloseCurrentFile();
     m_watch->StopWatch();
     if (!RunPendingMessages()) return;
     const FileOperationResult result = RenameFile(folder, name, *answer, m_window);
@@ -358,20 +351,20 @@ void frmQLMain::SelectType() {
     m_browser.SetPattern(m_global.library->FileTypeMask(static_cast<std::int32_t>(type)));
     FollowFileList();
     UpdateCommands();
-    if (m_global.file.fileName.empty()) return;
-    m_browser.SelectFileNamed(Wide(FileNameOf(m_global.file.fileName)));
+    if (m_document.File().fileName.empty()) return;
+    m_browser.SelectFileNamed(Wide(FileNameOf(m_document.File().fileName)));
     ClickFile();
 }
 
 void frmQLMain::ChooseFile() {
     ClickFile();
     // The folder that this one stands for is not asked for again.
-    if (m_global.file.recording) m_folderMissing = false;
+    if (m_document.File().recording) m_folderMissing = false;
 }
 
 void frmQLMain::ClickFile() {
     FollowFileList();
-    m_loader.OpenFile(Narrow16(m_browser.Folder()), Narrow16(m_browser.SelectedFile()), m_browser.Pattern());
+    OpenFile(m_browser.SelectedFile());
     LookAtRecording(true);
 }
 
@@ -382,45 +375,59 @@ void frmQLMain::OpenNeighbour(int index) {
 }
 
 void frmQLMain::ClickBlock() {
-    m_loader.LoadBlock(static_cast<std::int16_t>(m_blocks.Selected()));
+    LeaveBlock();
+    m_document.LoadBlock(static_cast<std::int16_t>(m_blocks.Selected()));
+    ShowBlock();
 }
 
-void frmQLMain::SetBlockItem(std::int32_t position, const std::u16string& text) {
-    m_blocks.Set(position, Wide(text));
+void frmQLMain::OpenFile(const std::wstring& name) {
+    const std::u16string folder = Narrow16(m_browser.Folder());
+    const std::u16string path = name.empty() ? std::u16string() : PathOf(folder, Narrow16(name));
+    const FileStamp stamp = StampOf(Wide(path));
+    if (!path.empty() && m_document.IsOpen(path, stamp)) return;
+    LeaveBlock();
+    if (path.empty()) {
+        m_document.CloseCurrentFile();
+    } else if (m_document.OpenFile(path, stamp)) {
+        m_services.SetStatus({});
+        if (m_browser.Pattern() != u"*.*") OfferFolder(folder);
+    } else {
+        m_services.SetStatus(Narrow16(name) + u": " + m_document.File().refusal);
+    }
+    RecordingChanged();
 }
 
-void frmQLMain::SelectBlockItem(std::int32_t position) {
-    // Selecting by a message raises no click, so it follows by hand.
-    m_blocks.Select(position);
-    ClickBlock();
+void frmQLMain::CloseCurrentFile() {
+    LeaveBlock();
+    m_document.CloseCurrentFile();
 }
 
-void frmQLMain::ResetViewState() {
+void frmQLMain::RecordingChanged() {
+    m_blocks.Fill(m_document.BlockTitles());
+    m_blocks.Select(m_document.File().currentBlockIndex);
+    ShowBlock();
+}
+
+void frmQLMain::LeaveBlock() {
     StopSound();
     // A gesture or readout under way concerns what is no longer there.
     EndGesture();
     EndHover();
     const HWND capture = GetCapture();
     if (capture != nullptr && (capture == m_graphBox.Window() || capture == m_scaleYBox.Window())) ReleaseCapture();
-    if (const auto& before = m_global.shownBeforeSolo) {
-        for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot)
-            m_global.slots[slot].shown = before->test(slot);
-    }
     m_menuChannel = 0;
     m_goneTo = 0;
     if (!m_unreadable.empty() && m_services.Status() == std::exchange(m_unreadable, {})) m_services.SetStatus({});
     m_global.ranges.Reset();
     m_global.selection = {};
     m_global.history.Clear();
-    m_global.currentChannel = 1;
-    m_global.shownBeforeSolo.reset();
     m_graph.ForgetBlock();
     m_fft.FFT_ClearState();
     if (!m_closing) m_graph.Clear(m_layout.graph.width, m_layout.graph.height);
 }
 
 void frmQLMain::ShowBlock() {
-    m_global.axis.SetBlock(m_global.block.sampleCount);
+    m_global.axis.SetBlock(m_document.Block().sampleCount);
     m_global.axis.SetWidth(m_layout.graph.width);
     m_global.amplitude.SetGraph(m_layout.graph.height, m_layout.graph.height / 2);
     if (m_kept) RestoreView(*m_kept);
@@ -433,8 +440,8 @@ void frmQLMain::ShowBlock() {
 }
 
 void frmQLMain::ShowBlockDetails() {
-    m_channels.Fill(m_global.block, m_global.slots);
-    if (m_kept) m_channels.Choose(m_global.currentChannel - 1);
+    m_channels.Fill(m_document.Block(), m_document.Slots());
+    if (m_kept) m_channels.Choose(m_document.CurrentChannel() - 1);
     TellDetails();
 }
 
@@ -449,28 +456,24 @@ void frmQLMain::ShowBlockSpectrum() {
 
 void frmQLMain::ShowCaption() {
     std::wstring caption = L"Quillon";
-    if (!m_global.file.fileName.empty()) {
-        std::wstring block = m_blocks.Text(m_global.file.currentBlockIndex);
+    if (!m_document.File().fileName.empty()) {
+        std::wstring block = m_blocks.Text(m_document.File().currentBlockIndex);
         block.resize(std::min(block.find(L'\t'), block.size()));
-        caption = Wide(FileNameOf(m_global.file.fileName));
+        caption = Wide(FileNameOf(m_document.File().fileName));
         if (!block.empty()) caption += L" - [" + block + L"]";
     }
     SetWindowTextW(m_window, caption.c_str());
 }
 
-void frmQLMain::StoreShown(int item) {
-    const auto at = static_cast<std::size_t>(item);
-    if (at >= m_global.block.channelNumbers.size()) return;
-    ChannelSlot* slot = SlotOf(m_global.slots, m_global.block.channelNumbers[at]);
-    if (slot != nullptr) slot->shown = m_channels.IsChecked(item);
-}
-
 void frmQLMain::SetAllShown(int index) {
-    m_global.shownBeforeSolo.reset();
-    const int count = static_cast<int>(m_global.block.channelNumbers.size());
-    for (int item = 0; item < count; ++item) {
+    const int count = static_cast<int>(m_document.Block().channelNumbers.size());
+    // The check mark of a channel without a slot is the list's own.
+    for (int item = 0; item < count; ++item)
         m_channels.Check(item, index == 0 || (index == 2 && !m_channels.IsChecked(item)));
-        StoreShown(item);
+    if (index == 2) {
+        m_document.InvertShown();
+    } else {
+        m_document.ShowAll(index == 0);
     }
     Refresh();
 }

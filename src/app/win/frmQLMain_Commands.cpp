@@ -91,6 +91,7 @@ void frmQLMain::ShowContextMenu(POINT screen) {
 void frmQLMain::OnInitMenu(HMENU menu) {
     if (GetMenuItemID(menu, 0) == mnuSoundCard && m_sound) FillSoundCards(menu);
     if (GetMenuItemID(menu, 0) == mnuSoundPlay) LookForSound();
+    const CommandState state = State();
     const int count = GetMenuItemCount(menu);
     for (int position = 0; position < count; ++position) {
         const UINT id = GetMenuItemID(menu, position);
@@ -101,8 +102,8 @@ void frmQLMain::OnInitMenu(HMENU menu) {
                 ComputedCaption(static_cast<int>(id), m_global.rawCodes, m_global.format.decimalSeparator);
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
         }
-        const bool enabled = IsEnabled(static_cast<int>(id), m_global);
-        const bool checked = IsChecked(static_cast<int>(id), m_global);
+        const bool enabled = IsEnabled(static_cast<int>(id), state);
+        const bool checked = IsChecked(static_cast<int>(id), state);
         EnableMenuItem(menu, id, enabled ? MF_ENABLED : MF_GRAYED);
         CheckMenuItem(menu, id, checked ? MF_CHECKED : MF_UNCHECKED);
     }
@@ -150,7 +151,7 @@ void frmQLMain::OnCommand(int id) {
         {mnuMove, mnuMove + static_cast<int>(Moves().size()) - 1, &frmQLMain::MoveView},
         {mnuPathList, mnuPathList + kPathListEntries - 1, &frmQLMain::ChoosePath},
     };
-    if (m_busy || !IsEnabled(id, m_global)) return;
+    if (m_busy || !IsEnabled(id, State())) return;
     for (const Route& route : routes) {
         if (id >= route.first && id <= route.last) (this->*route.handler)(id - route.first);
     }
@@ -175,7 +176,7 @@ void frmQLMain::FocusList(int list) {
     TabCtrl_SetCurSel(GetDlgItem(m_window, list < 2 ? tabPath : tabFile), list % 2);
     ShowPages();
     constexpr int lists[] = {lstDir, lvCh, lstFile, lstBlock};
-    if (list == 1) m_channels.ShowFocus(m_global.currentChannel - 1);
+    if (list == 1) m_channels.ShowFocus(m_document.CurrentChannel() - 1);
     MoveFocus(GetDlgItem(m_window, lists[list]));
 }
 
@@ -307,9 +308,30 @@ void frmQLMain::HelpLanguage(int index) {
     ChooseHelp();
 }
 
+CommandState frmQLMain::State() const {
+    CommandState state;
+    state.fileCount = m_global.fileCount;
+    state.filePosition = m_global.filePosition;
+    state.channelCount = m_document.Block().channelCount;
+    state.sampleCount = m_document.Block().sampleCount;
+    state.hasMarks = !m_document.Block().marks.empty();
+    state.isSolo = m_document.IsSolo();
+    state.hasSelection = m_global.selection.active;
+    state.hasHistory = !m_global.history.IsEmpty();
+    state.zoomX = m_global.axis.ZoomIndex();
+    state.scaleY = m_global.amplitude.Index();
+    state.spectrogramShown = m_global.settings.spectrogramShown;
+    state.soundDevices = m_global.sound.devices;
+    state.soundDevice = m_global.sound.device;
+    state.playing = m_global.sound.playing;
+    state.helpLanguage = m_global.settings.helpLanguage;
+    return state;
+}
+
 void frmQLMain::UpdateCommands() const {
-    m_tools.Update(m_global);
-    m_goTo.Update(m_global);
+    const CommandState state = State();
+    m_tools.Update(state);
+    m_goTo.Update(state);
 }
 
 void frmQLMain::OnToolTip(NMTTDISPINFOW* tip) {

@@ -16,7 +16,7 @@ void frmQLMain::Options(int) {
     const OptionsCalls calls{
         [this](HWND, std::u16string& name) { return FastExportDialog(*m_global.saveDialog, m_services, name); },
         [this](HWND) { Help(0); }};
-    dlgOptions dialog(m_services, calls, m_global.format, m_global.block.sampleRate);
+    dlgOptions dialog(m_services, calls, m_global.format, m_document.Block().sampleRate);
     const std::optional<OptionChanges> changes = dialog.Show(m_window, values);
     if (!changes || m_window == nullptr || m_closing) return;
     StoreOptions(values, settings);
@@ -37,7 +37,7 @@ void frmQLMain::Split(int) {
     if (m_global.sound.playing) StopSound();
     Settings& settings = m_global.settings;
     RunBusy([&] {
-        ShowSplitDialog(m_window, {m_global.block.block, m_global.file.fileName, settings, *m_global.exporter,
+        ShowSplitDialog(m_window, {m_document.Block().block, m_document.File().fileName, settings, *m_global.exporter,
                                    m_services, m_global.format.decimalSeparator, [this] { Help(0); }});
     });
     // The folder that was made is not among what the watch tells.

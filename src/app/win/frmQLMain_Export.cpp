@@ -78,32 +78,32 @@ bool frmQLMain::StayAlive() {
 frmQLMain::SampleRange frmQLMain::ExportRange() const {
     const Selection& selection = m_global.selection;
     if (selection.active) return {selection.First(), selection.Count()};
-    return {1, m_global.block.sampleCount};
+    return {1, m_document.Block().sampleCount};
 }
 
 void frmQLMain::SaveAs(int) {
     SaveFileDialog& dialog = *m_global.saveDialog;
-    const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
     const SampleRange range = ExportRange();
     dialog.title = m_services.Text(IDS_SAVE_AS_TITLE);
     dialog.filter = BuildSaveFilter();
     dialog.filterIndex = m_saveType;
-    dialog.fileName = BareName(m_global.file.fileName);
+    dialog.fileName = BareName(m_document.File().fileName);
     const std::u16string& last = m_global.settings.exportPath;
-    dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_global.file.fileName) : last;
+    dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_document.File().fileName) : last;
     EndHover();
     if (!dialog.Show() || m_window == nullptr || m_closing) return;
     // Its messages may have closed the recording, which another program can take away.
-    if (m_global.block.block != block) return;
+    if (m_document.Block().block != block) return;
     m_saveType = dialog.filterIndex;
     const std::u16string name = dialog.fileName;
     if (LowerCase(name).ends_with(u".txt")) {
         // The dialog has asked about the target itself, which a file per channel leaves alone.
         std::vector<std::u16string> files =
-            TextExportFiles(name, *block, TextSettings(m_global.settings), m_global.slots);
+            TextExportFiles(name, *block, TextSettings(m_global.settings), m_document.Slots());
         std::erase(files, name);
         if (!MayReplace(std::move(files)) || m_window == nullptr || m_closing) return;
-        if (m_global.block.block != block) return;
+        if (m_document.Block().block != block) return;
         m_global.settings.exportPath = FolderOf(name);
         WriteText(name, range);
     } else {
@@ -124,7 +124,7 @@ void frmQLMain::WriteRecording(RecordingBlock& block, const std::u16string& name
             StayAlive();
         });
         m_services.SetStatus({});
-        exporter.SetRecording(m_global.file.fileName);
+        exporter.SetRecording(m_document.File().fileName);
         done = exporter.Export(&block, name, range.first, range.count, type);
     });
     exporter.SetProgress({});
@@ -155,15 +155,15 @@ bool frmQLMain::MayReplace(std::vector<std::u16string> files) const {
 }
 
 void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range) {
-    TextExportContext context{m_global.slots, m_global.format, m_global.rawCodes, m_services, m_global.openText};
+    TextExportContext context{m_document.Slots(), m_global.format, m_global.rawCodes, m_services, m_global.openText};
     context.runPending = [this] { return StayAlive(); };
-    const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
     std::u16string unread;
     RunLong([&] {
         try {
             ExportText(target, *block, range.first, range.count, TextSettings(m_global.settings), context);
         } catch (const std::exception& error) {
-            unread = m_global.file.fileName + u": " + Utf16(error.what());
+            unread = m_document.File().fileName + u": " + Utf16(error.what());
         }
     });
     if (m_window == nullptr) return;
@@ -186,7 +186,7 @@ void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range
 }
 
 void frmQLMain::FastExport(int) {
-    const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
     if (m_global.settings.exportFastFile.empty()) {
         std::u16string name;
         EndHover();
@@ -194,20 +194,21 @@ void frmQLMain::FastExport(int) {
         if (m_window == nullptr || m_closing) return;
         m_global.settings.exportFastFile = name;
     }
-    if (m_global.block.block != block) return;
+    if (m_document.Block().block != block) return;
     std::u16string target = m_global.settings.exportFastFile;
     // A name without a folder means the recording's own.
-    if (target.find_first_of(u":\\/") == std::u16string::npos) target.insert(0, FolderOf(m_global.file.fileName));
+    if (target.find_first_of(u":\\/") == std::u16string::npos) target.insert(0, FolderOf(m_document.File().fileName));
     if (!MayReplaceFastFiles(*block, target) || m_window == nullptr || m_closing) return;
-    if (m_global.block.block == block) WriteText(target, ExportRange());
+    if (m_document.Block().block == block) WriteText(target, ExportRange());
 }
 
 bool frmQLMain::MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target) {
-    std::vector<std::u16string> files = TextExportFiles(target, block, TextSettings(m_global.settings), m_global.slots);
+    std::vector<std::u16string> files =
+        TextExportFiles(target, block, TextSettings(m_global.settings), m_document.Slots());
     std::erase_if(files, [&](const std::u16string& file) {
         if (std::find(m_fastFiles.begin(), m_fastFiles.end(), file) != m_fastFiles.end()) return true;
         // The one that the user has named is not asked about, unless it is what nobody would replace by a text.
-        return file == target && (file == m_global.file.fileName || !IsRecording(file));
+        return file == target && (file == m_document.File().fileName || !IsRecording(file));
     });
     if (!MayReplace(files)) return false;
     // What has been agreed to, or is written now, is not asked about again.
@@ -223,7 +224,7 @@ bool frmQLMain::IsRecording(const std::u16string& path) const {
 bool frmQLMain::MayCopy(std::int32_t samples) const {
     constexpr std::int64_t bytesPerValue = 16;  // about, as the clipboard holds them
     constexpr std::int64_t usual = 512;         // MB
-    const std::int64_t megabytes = samples * bytesPerValue * m_global.block.channelCount / 1000000;
+    const std::int64_t megabytes = samples * bytesPerValue * m_document.Block().channelCount / 1000000;
     if (megabytes <= usual) return true;
     const std::u16string question = m_services.Text(IDS_COPY_LARGE) + u"\n\n" + Decimal(megabytes) + u" MB";
     return MessageBoxW(m_window, Wide(question).c_str(), L"Quillon", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) ==
@@ -232,9 +233,9 @@ bool frmQLMain::MayCopy(std::int32_t samples) const {
 
 void frmQLMain::Copy(int index) {
     if (index == 0) {
-        const std::shared_ptr<RecordingBlock> block = m_global.block.block;
+        const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
         const SampleRange range = ExportRange();
-        if (!MayCopy(range.count) || m_window == nullptr || m_closing || m_global.block.block != block) return;
+        if (!MayCopy(range.count) || m_window == nullptr || m_closing || m_document.Block().block != block) return;
         WriteText(std::u16string(kClipboardTarget), range);
     } else {
         CopyImage(kClipboardTarget);
@@ -250,10 +251,12 @@ void frmQLMain::CopyImage(std::u16string_view target) {
                                spectrogram ? m_fftBox.Window() : nullptr, m_scaleXBox.Window()};
     const TimeAxis& axis = m_global.axis;
     const std::int32_t last = SampleUnder(axis, std::max<std::int32_t>(m_layout.graph.width - 1, 0));
-    const auto place = [&](std::int32_t sample) { return PositionText(m_global.block, sample, u" ", m_global.format); };
+    const auto place = [&](std::int32_t sample) {
+        return PositionText(m_document.Block(), sample, u" ", m_global.format);
+    };
     const std::u16string caption = Narrow16(WindowText(m_window)) + u"    " + place(SampleUnder(axis, 0)) +
                                    u" \u2013 " + place(last) + u"    " +
-                                   m_services.DateAndTime(m_global.block.startTime);
+                                   m_services.DateAndTime(m_document.Block().startTime);
     // Its strip is as high at any density.
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
     const bool done = ImageCopy(windows, font.Get(), caption, target);

@@ -23,9 +23,9 @@ constexpr std::int64_t kBaseLineReach = 2000;
 void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     RECT client{};
     GetClientRect(GetDlgItem(m_window, id), &client);
-    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_global.axis, m_global.block, m_global.format));
+    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_global.axis, m_document.Block(), m_global.format));
     if (id == pbScaleY) {
-        const bool empty = m_global.block.sampleCount == 0;
+        const bool empty = m_document.Block().sampleCount == 0;
         m_scales.PaintAmplitude(
             dc, client,
             empty ? std::vector<ScaleLabel>()
@@ -43,7 +43,7 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     if (id == pbFFT || id == pbPal || id == pbScaleF) PaintSpectrogram(id, dc, client);
     if (id != pbGraph) return;
     m_graph.Paint(dc, clip);
-    PaintNotice(dc, client, NoticeOf(m_global, m_services), m_dpi);
+    PaintNotice(dc, client, NoticeOf(m_document, m_global.fileCount, m_services), m_dpi);
 }
 
 void frmQLMain::UpdateScrollBars() {
@@ -70,7 +70,7 @@ void frmQLMain::UpdateScrollBars() {
     info.nPos = static_cast<int>(m_baseLineMiddle - shift);
     const HWND vertical = GetDlgItem(m_window, scScaleY);
     SetScrollInfo(vertical, SB_CTL, &info, TRUE);
-    EnableWindow(vertical, m_global.block.sampleCount > 0);
+    EnableWindow(vertical, m_document.Block().sampleCount > 0);
 }
 
 namespace {
@@ -129,8 +129,8 @@ void frmQLMain::FitUnlessLegible() {
 
 GraphScene frmQLMain::Scene() const {
     const Settings& settings = m_global.settings;
-    return {m_global.block,
-            m_global.slots,
+    return {m_document.Block(),
+            m_document.Slots(),
             m_global.axis,
             m_global.amplitude,
             m_global.rawCodes,
@@ -140,13 +140,13 @@ GraphScene frmQLMain::Scene() const {
 }
 
 void frmQLMain::TellUnreadable(bool wholeView) {
-    const bool hasSamples = m_global.block.sampleCount > 0;
+    const bool hasSamples = m_document.Block().sampleCount > 0;
     std::string reason = hasSamples ? m_graph.ReadFailure() : std::string();
     if (reason.empty() && hasSamples && m_global.settings.spectrogramShown) reason = m_fft.ReadFailure();
     const bool inView = !reason.empty();
     if (!inView) reason = m_global.ranges.Failure();
     if (!reason.empty()) {
-        const std::u16string text = FileNameOf(m_global.file.fileName) + u": " +
+        const std::u16string text = FileNameOf(m_document.File().fileName) + u": " +
                                     m_services.Text(inView ? IDS_UNREADABLE : IDS_RANGE_PARTIAL) + u": " +
                                     Utf16(reason);
         // What lies out of view is told once.
@@ -167,7 +167,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
     m_global.amplitude.SetGraph(graph.height, graph.height / 2);
     // The first recording is open before the graph has a size.
     if (!m_scaleFitted) FitUnlessLegible();
-    if (m_global.block.sampleCount > 0) {
+    if (m_document.Block().sampleCount > 0) {
         HideCursorBand();
         ShowSelection();
         ShowPlayLine();
@@ -201,7 +201,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
 }
 
 frmQLMain::ValuesBasis frmQLMain::PresentBasis() const {
-    return {ShownChannels(m_global.block, m_global.slots),
+    return {ShownChannels(m_document.Block(), m_document.Slots()),
             m_global.format,
             m_global.rawCodes,
             m_global.settings,
@@ -233,7 +233,9 @@ void frmQLMain::KeepValuesTrue() {
 
 void frmQLMain::ShowPanels() const {
     const HWND status = GetDlgItem(m_window, sbInfo);
-    const PanelTexts texts = BlockPanels(m_global, m_services);
+    const PanelTexts texts = BlockPanels({m_document.Block(), m_document.Slots(), m_global.axis, m_global.format,
+                                          m_global.amplitude.Index(), m_global.rawCodes},
+                                         m_services);
     constexpr auto own = static_cast<std::size_t>(StatusPanel::Status);
     // Every panel is as wide as its text; "Status" takes the rest.
     const int margin = MulDiv(14, m_dpi, 96);

@@ -15,7 +15,7 @@ constexpr UINT kAutoScrollPeriod = 40;  // ms
 }  // namespace
 
 ReadoutSource frmQLMain::Source() const {
-    return {m_global.block, m_global.slots, m_global.format, m_global.rawCodes};
+    return {m_document.Block(), m_document.Slots(), m_global.format, m_global.rawCodes};
 }
 
 bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -39,7 +39,7 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
     }
     const bool starts = message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK || message == WM_MBUTTONDOWN ||
                         message == WM_MBUTTONDBLCLK;
-    if (m_global.block.sampleCount == 0) {
+    if (m_document.Block().sampleCount == 0) {
         EndHover();
         return starts;
     }
@@ -92,7 +92,7 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
 }
 
 bool frmQLMain::ScaleYMouse(UINT message, int y) {
-    if ((message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) && m_global.block.sampleCount > 0) {
+    if ((message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) && m_document.Block().sampleCount > 0) {
         m_gesture = {Gesture::BaseLine, 0, y, 0, m_global.amplitude.Shift()};
         SetCapture(m_scaleYBox.Window());
     } else if (message == WM_MOUSEMOVE && m_gesture.kind == Gesture::BaseLine) {
@@ -155,7 +155,7 @@ bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
     if (message == WM_SETCURSOR) return SetCursor(GraphPointer()), true;
     if (message == WM_CANCELMODE) EndHover();
     if (message == WM_CAPTURECHANGED) LoseHover(m_fftBox.Window());
-    if (message != WM_MOUSEMOVE || m_global.block.sampleCount == 0) return false;
+    if (message != WM_MOUSEMOVE || m_document.Block().sampleCount == 0) return false;
     if (!HoverStays(m_fftBox.Window())) return true;
     m_hoverPoint = {x, y};
     const std::int32_t sample = SampleUnder(m_global.axis, x);
@@ -179,7 +179,7 @@ void frmQLMain::InvalidateBand(const RECT& part) const {
 void frmQLMain::ShowHover(std::int32_t sample, int x, int row) {
     MoveCursorBand(BandOf(m_global.axis, sample, sample));
     const auto mark = m_graph.MarkAt(Scene(), x, row);
-    TellHover(sample, mark ? m_global.block.marks[*mark].text : std::u16string());
+    TellHover(sample, mark ? m_document.Block().marks[*mark].text : std::u16string());
 }
 
 void frmQLMain::HideCursorBand() {
@@ -226,7 +226,7 @@ void frmQLMain::StartSelection(int x, bool extend) {
     SetCapture(m_graphBox.Window());
     if (extend && selection.active) return DragSelection(x);
     const std::int32_t sample = SampleUnder(m_global.axis, x);
-    selection = {true, m_global.currentChannel, sample, sample};
+    selection = {true, m_document.CurrentChannel(), sample, sample};
     ShowSelection();
     // The range that was told is not selected any more.
     if (m_valuesKind == ValuesKind::Range) TellHover(sample, {});
@@ -274,8 +274,8 @@ void frmQLMain::Select(int index) {
     Selection& selection = m_global.selection;
     const VisibleRange visible = m_global.axis.Visible();
     if (index == 1 && visible.Count() < 1) return;
-    selection = index == 0   ? Selection{true, m_global.currentChannel, 1, m_global.block.sampleCount}
-                : index == 1 ? Selection{true, m_global.currentChannel, visible.first, visible.last}
+    selection = index == 0   ? Selection{true, m_document.CurrentChannel(), 1, m_document.Block().sampleCount}
+                : index == 1 ? Selection{true, m_document.CurrentChannel(), visible.first, visible.last}
                              : Selection{};
     ShowSelection();
     if (selection.active) ShowRange();
@@ -285,7 +285,7 @@ void frmQLMain::Select(int index) {
 void frmQLMain::MoveSelectionEnd(std::int32_t columns) {
     Selection& selection = m_global.selection;
     const std::int64_t end = std::int64_t{selection.end} + std::int64_t{columns} * m_global.axis.SamplesPerPixel();
-    selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_global.block.sampleCount));
+    selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_document.Block().sampleCount));
     // The end stays in view.
     const std::int32_t column = (selection.end - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
     if (column < 0) ScrollBy(column);
@@ -330,7 +330,7 @@ void frmQLMain::OnWheel(HWND under, int delta, UINT keys, bool alt, int column) 
     m_wheelRest += delta;
     const int notches = m_wheelRest / WHEEL_DELTA;
     m_wheelRest -= notches * WHEEL_DELTA;
-    if (notches == 0 || m_global.block.sampleCount == 0) return;
+    if (notches == 0 || m_document.Block().sampleCount == 0) return;
     const bool control = (keys & MK_CONTROL) != 0;
     const bool shift = (keys & MK_SHIFT) != 0;
     const bool zoomY = under == m_scaleYBox.Window() || alt || (control && shift);

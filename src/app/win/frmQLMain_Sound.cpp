@@ -9,7 +9,7 @@
 namespace quillon {
 
 void frmQLMain::MakeSound() {
-    m_sound = std::make_unique<QLSound>(m_global.block, m_services, m_global.makeSoundOutput);
+    m_sound = std::make_unique<QLSound>(m_document.Block(), m_services, m_global.makeSoundOutput);
     // No event may throw.
     const auto guarded = [this](auto handle) {
         try {
@@ -39,7 +39,7 @@ void frmQLMain::SoundPlay(int index) {
     const VisibleRange visible = m_global.axis.Visible();
     const SampleRange range =
         m_global.selection.active ? ExportRange() : SampleRange{visible.first, visible.last - visible.first + 1};
-    const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_global.currentChannel;
+    const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_document.CurrentChannel();
     m_global.sound.position = 0;
     m_followsSound = false;
     ShowPlayLine();
@@ -87,7 +87,8 @@ void frmQLMain::objSound_PlayProgress(std::int32_t sample) {
     // The outcome of an export, or an error, stays.
     const std::u16string& status = m_services.Status();
     if (status.empty() || status == m_soundTold)
-        TellOfSound(m_services.Text(IDS_PLAYING) + u' ' + PositionText(m_global.block, sample, u" ", m_global.format));
+        TellOfSound(m_services.Text(IDS_PLAYING) + u' ' +
+                    PositionText(m_document.Block(), sample, u" ", m_global.format));
     ShowPlayLine();
     if (m_graph.Band(GraphBand::Play)) m_followsSound = true;
     // The line went over the edge of the view, or a zoom left it there.

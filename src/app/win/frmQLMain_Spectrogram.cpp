@@ -22,7 +22,7 @@ void frmQLMain::InitSpectrum() {
 void frmQLMain::Spectrogram_Init(bool redraw) {
     if (!m_global.settings.spectrogramShown) return;
     InitSpectrum();
-    if (m_global.block.sampleCount == 0) return Spectrogram_Draw(false);
+    if (m_document.Block().sampleCount == 0) return Spectrogram_Draw(false);
     ChooseSpectrumChannel();
     if (!redraw) return;
     Spectrogram_Draw(true);
@@ -31,15 +31,15 @@ void frmQLMain::Spectrogram_Init(bool redraw) {
 
 void frmQLMain::ChooseSpectrumChannel() {
     InitSpectrum();
-    const std::int16_t channel = m_global.currentChannel;
+    const std::int16_t channel = m_document.CurrentChannel();
     // A channel of no range stays blank; its range is looked for only when it will be seen.
     ValueRange limits;
     if (m_global.settings.spectrogramShown) {
         // Where nothing can be read any range lets the columns be tried again.
-        const auto range = m_global.ranges.Of(m_global.block, channel);
+        const auto range = m_global.ranges.Of(m_document.Block(), channel);
         limits = range ? *range : m_global.ranges.Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
     }
-    m_fft.FFT_SetChannel(m_global.block.block.get(), m_global.file.currentBlockIndex,
+    m_fft.FFT_SetChannel(m_document.Block().block.get(), m_document.File().currentBlockIndex,
                          static_cast<std::int16_t>(channel - 1), limits);
     m_scaleFBox.Invalidate();
     m_paletteBox.Invalidate();
@@ -47,7 +47,7 @@ void frmQLMain::ChooseSpectrumChannel() {
 
 void frmQLMain::Spectrogram_Draw(bool force) {
     if (!m_global.settings.spectrogramShown) return;
-    if (m_global.block.sampleCount == 0) {
+    if (m_document.Block().sampleCount == 0) {
         m_fftBox.Invalidate();
         m_scaleFBox.Invalidate();
         m_paletteBox.Invalidate();
@@ -77,13 +77,13 @@ void frmQLMain::NextPalette(int) {
 }
 
 void frmQLMain::PaintSpectrogram(int id, HDC dc, const RECT& client) {
-    const bool empty = m_global.block.sampleCount == 0;
+    const bool empty = m_document.Block().sampleCount == 0;
     if (id == pbPal) {
         SpectrogramView::PaintBar(dc, client, m_fft);
     } else if (id == pbScaleF && empty) {
         SpectrogramView::PaintEmptyScale(dc, client);
     } else if (id == pbScaleF) {
-        const FrequencyScaleMarks marks = FrequencyMarks(static_cast<int>(client.bottom), m_global.block.sampleRate,
+        const FrequencyScaleMarks marks = FrequencyMarks(static_cast<int>(client.bottom), m_document.Block().sampleRate,
                                                          m_global.format, m_spectrogram.LabelHeight());
         m_spectrogram.PaintScale(
             dc, client, marks,
@@ -106,10 +106,10 @@ std::u16string frmQLMain::SpectrumReadout(std::int32_t sample, int row) const {
     // The row's bin, as the image is stretched.
     const std::int32_t bins = m_fft.BinCount();
     const std::int32_t bin = std::clamp((height - 1 - row) * bins / height, 0, bins - 1);
-    const double hertz = bin * m_global.block.sampleRate / m_fft.Length();
+    const double hertz = bin * m_document.Block().sampleRate / m_fft.Length();
     const bool linear = m_global.settings.type == 1;
-    const std::u16string place = u"X:\t" + PositionText(m_global.block, sample, u" ", m_global.format) + u"\r\nF:\t" +
-                                 FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t";
+    const std::u16string place = u"X:\t" + PositionText(m_document.Block(), sample, u" ", m_global.format) +
+                                 u"\r\nF:\t" + FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t";
     const std::optional<ColumnBand> band = BandOf(m_global.axis, sample, sample);
     if (!band || band->left >= m_fft.ImageWidth() || !m_fft.IsRead(band->left)) return place + u"\r\n";
     const std::uint8_t index =

@@ -99,13 +99,13 @@ void frmQLMain::BaseLine(int index) {
     } else if (m_global.rawCodes) {
         m_global.amplitude.FindData(kRawCodesRange);
     } else {
-        m_global.amplitude.FindData(m_global.ranges.OfShown(m_global.block, m_global.slots));
+        m_global.amplitude.FindData(m_global.ranges.OfShown(m_document.Block(), m_document.Slots()));
     }
     Refresh();
 }
 
 void frmQLMain::MoveBaseLine(std::int64_t rows) {
-    if (m_global.block.sampleCount == 0 || rows == 0) return;
+    if (m_document.Block().sampleCount == 0 || rows == 0) return;
     m_global.amplitude.MoveBaseLine(rows);
     Refresh();
 }
@@ -145,7 +145,7 @@ void frmQLMain::GoToMark(int index) {
     const TimeAxis& axis = m_global.axis;
     const std::int32_t from = m_goneTo != 0 ? m_goneTo : SampleUnder(axis, axis.Width() / 2);
     const BlockMark* found = nullptr;
-    for (const BlockMark& mark : m_global.block.marks) {
+    for (const BlockMark& mark : m_document.Block().marks) {
         const std::int32_t sample = mark.position + 1;
         const bool further = index == 1 ? sample > from : sample < from;
         const bool nearer =
@@ -157,15 +157,15 @@ void frmQLMain::GoToMark(int index) {
 
 void frmQLMain::GoToPlace(int) {
     const std::int32_t present = SampleUnder(m_global.axis, 0);
-    const std::u16string here = PositionText(m_global.block, present, u" ", m_global.format);
+    const std::u16string here = PositionText(m_document.Block(), present, u" ", m_global.format);
     const std::optional<std::wstring> answer =
         AskForText(m_window,
                    {Plain(m_services.Text(IDS_GOTOPLACE)), Wide(m_services.Text(IDS_PLACE_PROMPT)),
                     Wide(m_services.Text(IDS_OK)), Wide(m_services.Text(IDS_CANCEL))},
                    Wide(here));
-    if (!answer || m_closing || m_global.block.sampleCount == 0) return;
+    if (!answer || m_closing || m_document.Block().sampleCount == 0) return;
     const std::u16string text = Narrow16(*answer);
-    if (const std::optional<std::int32_t> sample = ParsePosition(text, m_global.block, m_global.format, present)) {
+    if (const std::optional<std::int32_t> sample = ParsePosition(text, m_document.Block(), m_global.format, present)) {
         m_services.SetStatus({});
         ShowSample(*sample);
     } else {
@@ -176,19 +176,19 @@ void frmQLMain::GoToPlace(int) {
 
 void frmQLMain::ShowStatistics(int) {
     const Selection selection = m_global.selection;
-    const ReadoutSource source{m_global.block, m_global.slots, m_global.format, m_global.rawCodes};
+    const ReadoutSource source{m_document.Block(), m_document.Slots(), m_global.format, m_global.rawCodes};
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     const std::vector<ChannelStatistics> statistics = StatisticsOf(source, selection.First(), selection.Last());
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));
     TableTexts texts;
     texts.title = Plain(m_services.Text(IDS_STATISTICS)) + L": " +
-                  Wide(PositionText(m_global.block, selection.First(), u" ", m_global.format) + u" \u2013 " +
-                       PositionText(m_global.block, selection.Last(), u" ", m_global.format) + u", " +
+                  Wide(PositionText(m_document.Block(), selection.First(), u" ", m_global.format) + u" \u2013 " +
+                       PositionText(m_document.Block(), selection.Last(), u" ", m_global.format) + u", " +
                        Decimal(selection.Count()) + u' ' + m_services.Text(IDS_SAMPLES));
-    if (m_global.block.sampleRate > 0.0) {
+    if (m_document.Block().sampleRate > 0.0) {
         FormatOptions duration = m_global.format;
         duration.timeOfDay = false;
-        texts.title += L", " + Wide(FormatTime(selection.Count() / m_global.block.sampleRate, u" ", duration));
+        texts.title += L", " + Wide(FormatTime(selection.Count() / m_document.Block().sampleRate, u" ", duration));
     }
     constexpr int columns = 7;
     for (int column = 0; column < columns; ++column)
@@ -200,7 +200,7 @@ void frmQLMain::ShowStatistics(int) {
     for (const ChannelStatistics& channel : statistics) {
         const auto at = static_cast<std::size_t>(channel.channel - 1);
         std::vector<std::wstring> row{
-            Wide(m_global.slots[static_cast<std::size_t>(m_global.block.channelNumbers[at])].title)};
+            Wide(m_document.Slots()[static_cast<std::size_t>(m_document.Block().channelNumbers[at])].title)};
         for (const double value : {channel.minimum, channel.maximum, channel.maximum - channel.minimum, channel.mean,
                                    channel.rms, channel.deviation})
             row.push_back(Wide(ReadoutValue(source, channel.channel, value)));
@@ -234,23 +234,14 @@ void frmQLMain::ShowKeys(int) {
 }
 
 void frmQLMain::ShowAlone(int) {
-    auto& before = m_global.shownBeforeSolo;
-    const auto& numbers = m_global.block.channelNumbers;
-    const bool back = before.has_value();
-    if (!back) {
-        before.emplace();
-        for (std::size_t slot = 0; slot < m_global.slots.size(); ++slot) before->set(slot, m_global.slots[slot].shown);
+    std::optional<std::int16_t> alone;
+    if (!m_document.IsSolo()) alone = m_menuChannel != 0 ? m_menuChannel : m_document.CurrentChannel();
+    m_document.Solo(alone);
+    const ViewBlock& block = m_document.Block();
+    for (std::int16_t channel = 1; channel <= block.channelCount; ++channel) {
+        if (SlotOf(m_document.Slots(), block.channelNumbers[static_cast<std::size_t>(channel - 1)]) != nullptr)
+            m_channels.Check(channel - 1, m_document.IsShown(channel));
     }
-    const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_global.currentChannel;
-    for (std::size_t at = 0; at < numbers.size(); ++at) {
-        const std::int16_t number = numbers[at];
-        if (SlotOf(m_global.slots, number) == nullptr) continue;
-        const int item = static_cast<int>(at);
-        const bool shown = back ? before->test(static_cast<std::size_t>(number)) : item + 1 == chosen;
-        m_channels.Check(item, shown);
-        StoreShown(item);
-    }
-    if (back) before.reset();
     Refresh();
 }
 

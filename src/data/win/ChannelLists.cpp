@@ -1,5 +1,8 @@
 #include "data/win/ChannelLists.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "data/ChannelSelection.h"
 #include "data/win/FillScope.h"
 
@@ -29,27 +32,23 @@ void BlockList::Attach(HWND list) {
     Select(m_selected);
 }
 
-void BlockList::Remove(int position) {
-    m_lines.erase(m_lines.begin() + position);
-    if (m_list != nullptr) {
+void BlockList::Fill(const std::vector<std::u16string>& lines) {
+    const int count = static_cast<int>(lines.size());
+    m_selected = -1;
+    for (int position = Count() - 1; m_list != nullptr && position >= count; --position)
         SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
-    } else if (m_selected >= position) {
-        m_selected = m_selected == position ? -1 : m_selected - 1;
+    m_lines.resize(std::min(m_lines.size(), lines.size()));
+    for (int position = 0; position < count; ++position) {
+        const std::wstring text = Wide(lines[static_cast<std::size_t>(position)]);
+        const bool replaced = position < Count();
+        if (replaced) {
+            if (std::exchange(m_lines[static_cast<std::size_t>(position)], text) == text) continue;
+            if (m_list != nullptr) SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
+        } else {
+            m_lines.push_back(text);
+        }
+        if (m_list != nullptr) SendPointer(m_list, LB_INSERTSTRING, static_cast<WPARAM>(position), text.c_str());
     }
-}
-
-void BlockList::Set(int position, const std::wstring& text) {
-    const int selected = Selected();
-    const bool replaced = position < Count();
-    if (replaced) {
-        m_lines[static_cast<std::size_t>(position)] = text;
-    } else {
-        m_lines.push_back(text);
-    }
-    if (m_list == nullptr) return;
-    if (replaced) SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
-    SendPointer(m_list, LB_INSERTSTRING, static_cast<WPARAM>(position), text.c_str());
-    if (selected == position) Select(position);
 }
 
 int BlockList::Selected() const {

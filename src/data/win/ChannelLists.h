@@ -10,21 +10,21 @@
 namespace quillon {
 
 /// The list of blocks: one line per block, its text and its number in a second column. It can be filled before there is
-/// a control that shows it. Positions count from 0; only a line that there is may be removed or selected, and the text
-/// of any other is empty.
+/// a control that shows it. Positions count from 0; only a line that there is may be selected, and the text of any
+/// other is empty.
 class BlockList {
   public:
     void Attach(HWND list);
-    [[nodiscard]] int Count() const { return static_cast<int>(m_lines.size()); }
-    void Remove(int position);
-    /// Rewrites a line in place, keeping the selection, or adds it at the end.
-    void Set(int position, const std::wstring& text);
+    /// Lines are rewritten in place, those that are too many removed.
+    void Fill(const std::vector<std::u16string>& lines);
     /// -1: none.
     [[nodiscard]] int Selected() const;
     void Select(int position);
     [[nodiscard]] std::wstring Text(int position) const;
 
   private:
+    [[nodiscard]] int Count() const { return static_cast<int>(m_lines.size()); }
+
     HWND m_list = nullptr;
     std::vector<std::wstring> m_lines;
     int m_selected = -1;  ///< as long as there is no control

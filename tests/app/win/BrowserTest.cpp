@@ -22,7 +22,7 @@ TEST_F(BrowserTest, FoldersOfOpenedRecordingsAreRememberedWhileATypeIsListed) {
     CreateDirectoryW(other.c_str(), nullptr);
     static_cast<void>(m_folder.Write(u"Другая папка/b.bin", SawRecording()));
     m_form->OpenPath(other);
-    EXPECT_EQ(m_global.file.fileName, u"") << "another folder closes the recording";
+    EXPECT_EQ(m_global.document->File().fileName, u"") << "another folder closes the recording";
     EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.bin"));
     ClickLine(lstFile, 0);
     ASSERT_EQ(folders.size(), 2U);
@@ -88,13 +88,13 @@ TEST_F(BrowserTest, ARecordingThatChangesIsLoadedAgainAtTheSamePlace) {
     m_global.selection = {true, 1, 7000, 19000};
     const ViewPlace place{1, 3000, 7, m_global.amplitude.Shift()};
     const auto isAt = [&](std::int32_t samples) {
-        return m_global.block.sampleCount == samples && m_global.axis.ZoomIndex() == place.zoom &&
+        return m_global.document->Block().sampleCount == samples && m_global.axis.ZoomIndex() == place.zoom &&
                m_global.axis.FirstColumn() == place.firstColumn && m_global.amplitude.Index() == place.scale &&
-               m_global.amplitude.Shift() == place.shift && !m_global.slots[1].shown;
+               m_global.amplitude.Shift() == place.shift && !m_global.document->Slots()[1].shown;
     };
     // Grown under the same name, which no folder watch tells.
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(30000)));
-    EXPECT_TRUE(WaitFor([&] { return m_global.block.sampleCount == 30000; }));
+    EXPECT_TRUE(WaitFor([&] { return m_global.document->Block().sampleCount == 30000; }));
     EXPECT_TRUE(isAt(30000));
     EXPECT_EQ(m_global.selection.Last(), 19000);
     EXPECT_THAT(Status(StatusPanel::Status), ::testing::StartsWith(L"a.bin: "));
@@ -113,7 +113,7 @@ TEST_F(BrowserTest, ARecordingThatChangesIsLoadedAgainAtTheSamePlace) {
     EXPECT_THAT(Status(StatusPanel::Status), HasSubstr(L"no longer"));
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(100)));
     Command(mnuTabFile);
-    EXPECT_EQ(m_global.block.sampleCount, 100);
+    EXPECT_EQ(m_global.document->Block().sampleCount, 100);
     EXPECT_FALSE(m_global.selection.active);
     EXPECT_GT(m_global.axis.Visible().Count(), 0);
 }
@@ -160,7 +160,7 @@ TEST_F(BrowserTest, NamesThatLookAlikeAreTwoFiles) {
         m_form->OpenPath(Wide(m_folder.Path()) + L'\\' + name);
         SendMessageW(m_form->Window(), WM_COMMAND, MAKEWPARAM(cboFileType, CBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(Control(cboFileType)));
-        EXPECT_EQ(m_global.block.sampleCount, name == composed ? 2000 : 300);
+        EXPECT_EQ(m_global.document->Block().sampleCount, name == composed ? 2000 : 300);
     }
 }
 
@@ -229,7 +229,7 @@ TEST_F(BrowserTest, CommandsConcernTheFileThatWasChosen) {
     // A file that the list leaves out is open, so no line stands for delete and rename.
     m_form->OpenPath(m_folder.File(u"b.dat").wstring());
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.dat - ["));
-    EXPECT_FALSE(IsEnabled(mnuFileOperation, m_global));
+    EXPECT_FALSE(IsEnabled(mnuFileOperation, m_form->State()));
     // A folder that is not there opens nothing of another one.
     m_form->OpenPath(m_folder.File(u"no such").wstring() + L"\\z.bin");
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.dat - ["));

@@ -151,14 +151,14 @@ class EffectTest : public MainWindowTest {
         if (m_global.fileCount == 0) m_form->OpenPath(Wide(m_folder.Path()));
         Command(mnuSelect + 2);
         Command(mnuSelect + 2);
-        if (m_global.shownBeforeSolo) Command(mnuSoloChannel);
+        if (m_global.document->IsSolo()) Command(mnuSoloChannel);
         for (const int list : {lstFile, lstBlock}) ClickLine(list, list == lstFile ? 1 : 0);
-        m_global.block.marks = {{100, u"one"}, {15000, u"two"}};
+        SetMarks({{100, u"one"}, {15000, u"two"}});
         m_global.axis.SelectZoom(3);
         m_global.amplitude.SelectScale(8);
         Command(mnuBaseLine);
         m_global.amplitude.MoveBaseLine(33);
-        m_global.currentChannel = 1;
+        m_global.document->ChooseChannel(1);
         Command(mnuSoundCard);
         Command(mnuChShow);
         ClickCheckBox(0);
@@ -187,7 +187,7 @@ class EffectTest : public MainWindowTest {
         const Selection& selection = m_global.selection;
         std::string shown;
         for (int channel = 0; channel < 2; ++channel)
-            shown += m_global.slots[static_cast<std::size_t>(channel)].shown ? '1' : '0';
+            shown += m_global.document->Slots()[static_cast<std::size_t>(channel)].shown ? '1' : '0';
         std::string calls;
         for (const std::string& call : m_device.calls) calls += call + ',';
         const int focus = GetDlgCtrlID(GetFocus());
@@ -203,7 +203,7 @@ class EffectTest : public MainWindowTest {
                 {"scale", std::to_string(m_global.amplitude.Index())},
                 {"shift", std::to_string(m_global.amplitude.Shift())},
                 {"shown", shown},
-                {"alone", m_global.shownBeforeSolo ? "1" : "0"},
+                {"alone", m_global.document->IsSolo() ? "1" : "0"},
                 {"pages", page(tabPath) + page(tabFile)},
                 {"spectrogram", m_global.settings.spectrogramShown ? "1" : "0"},
                 {"palette", std::to_string(m_global.settings.palette)},
@@ -215,7 +215,7 @@ class EffectTest : public MainWindowTest {
                 {"list", focus == lstDir || focus == lvCh || focus == lstFile || focus == lstBlock
                              ? std::to_string(focus - lstDir)
                              : ""},
-                {"file", Utf8(FileNameOf(m_global.file.fileName))},
+                {"file", Utf8(FileNameOf(m_global.document->File().fileName))},
                 {"status", Utf8(Narrow16(Status(StatusPanel::Status).substr(0, 9)))},
                 {"save", std::to_string(m_saves)},
                 {"clipboard", IsClipboardFormatAvailable(CF_DIB)           ? "image"

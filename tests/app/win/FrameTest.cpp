@@ -265,7 +265,7 @@ TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
     std::filesystem::current_path(m_folder.Path());
     for (const bool chosen : {false, true}) {
         Start(L"C:\\no such folder");
-        EXPECT_EQ(m_global.block.sampleCount, 2000);
+        EXPECT_EQ(m_global.document->Block().sampleCount, 2000);
         if (chosen) ClickLine(lstFile, 0);
         TearDown();
         EXPECT_EQ(m_global.settings.filesPath, chosen ? m_folder.Path() : u"C:\\no such folder");

@@ -150,6 +150,11 @@ class MainWindowTest : public ::testing::Test {
 
     [[nodiscard]] bool Exists(const std::u16string& name) const { return std::filesystem::exists(m_folder.File(name)); }
 
+    /// As if the block had held these marks.
+    void SetMarks(std::vector<BlockMark> marks) {
+        const_cast<ViewBlock&>(m_global.document->Block()).marks = std::move(marks);
+    }
+
     /// Moves the view to a column.
     void ScrollTo(std::int32_t column);
 

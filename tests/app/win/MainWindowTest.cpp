@@ -63,7 +63,7 @@ TEST_F(MainWindowTest, UncheckingAChannelTakesItsTraceAway) {
     const Pixels without = Capture(pbGraph);
     EXPECT_EQ(without.Count(TraceColor(1)), 0);
     EXPECT_GT(without.Count(TraceColor(0)), 200);
-    EXPECT_FALSE(m_global.slots[1].shown);
+    EXPECT_FALSE(m_global.document->Slots()[1].shown);
     ClickCheckBox(1);
     EXPECT_EQ(Capture(pbGraph), all);
     Command(mnuChShow + 2);
@@ -106,7 +106,8 @@ TEST_F(MainWindowTest, ARefusedFileLeavesTheListsEmptyAndSaysWhy) {
     EXPECT_EQ(Status(StatusPanel::Size), L"");
     EXPECT_EQ(Capture(pbGraph).Count(TraceColor(0)), 0);
     // The reason stands whole in the middle of the graph, however narrow that is.
-    m_global.file.refusal += u": a long reason without an end_that_could_be_broken_at_a_blank_or_anywhere";
+    const_cast<ViewFile&>(m_global.document->File()).refusal +=
+        u": a long reason without an end_that_could_be_broken_at_a_blank_or_anywhere";
     for (const int width : {1000, 600}) {
         SetWindowPos(m_form->Window(), nullptr, 0, 0, width, 500, SWP_NOMOVE | SWP_NOZORDER);
         const Pixels graph = Capture(pbGraph);
@@ -176,7 +177,7 @@ TEST_F(MainWindowTest, AnotherBlockIsLoadedByAClick) {
     Command(mnuTabFile + 1);
     ClickLine(lstBlock, 1);
     EXPECT_EQ(ItemCount(), 8);
-    EXPECT_EQ(m_global.file.currentBlockIndex, 1);
+    EXPECT_EQ(m_global.document->File().currentBlockIndex, 1);
     EXPECT_EQ(Caption(), L"wide.bin - [33-40]");
     EXPECT_EQ(Capture(pbGraph).Count(TraceColor(8)), 0);
     ClickLine(lstBlock, 0);
@@ -197,9 +198,10 @@ TEST_F(MainWindowTest, EverySampleRecordingOpens) {
         EXPECT_EQ(Status(StatusPanel::Status), L"");
         ASSERT_GT(ItemCount(), 0);
         const Pixels all = Capture(pbGraph);
-        EXPECT_GT(all.Count(TraceColor(m_global.block.channelNumbers[0])), 100) << "visible without touching the scale";
+        EXPECT_GT(all.Count(TraceColor(m_global.document->Block().channelNumbers[0])), 100)
+            << "visible without touching the scale";
         ClickCheckBox(0);
-        EXPECT_EQ(Capture(pbGraph).Count(TraceColor(m_global.block.channelNumbers[0])), 0);
+        EXPECT_EQ(Capture(pbGraph).Count(TraceColor(m_global.document->Block().channelNumbers[0])), 0);
         ClickCheckBox(0);
         EXPECT_EQ(Capture(pbGraph), all);
     }

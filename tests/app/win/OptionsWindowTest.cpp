@@ -48,7 +48,7 @@ class OptionsWindowTest : public MainWindowTest {
         };
         const std::string grid = name(pbGraph);
         Command(mnuChShow);
-        return {{"time", Utf8(TimeLabels(m_global.axis, m_global.block, m_global.format).at(1).text)},
+        return {{"time", Utf8(TimeLabels(m_global.axis, m_global.document->Block(), m_global.format).at(1).text)},
                 {"amplitude", Utf8(AmplitudeLabels(m_global.amplitude, m_global.rawCodes, u'.').at(0).text)},
                 {"length", line(values, 0)},
                 {"value", line(values, 1)},

@@ -55,7 +55,7 @@ TEST_F(SoundWindowTest, WhatIsSeenOrSelectedIsPlayed) {
     ASSERT_EQ(m_device.written.size(), visible);
     EXPECT_EQ(m_device.written[99], 99);
     // The second channel, of a selection; then all channels of it.
-    m_global.currentChannel = 2;
+    m_global.document->ChooseChannel(2);
     m_global.selection = {true, 1, 310, 301};
     EXPECT_THAT(Calls(mnuSoundPlay), ElementsAre("stop", "open 1 100"));
     EXPECT_THAT(m_device.written, ElementsAre(5, 5, 5, 5, 5, 5, 5, 5, 5, 5));
@@ -69,7 +69,7 @@ TEST_F(SoundWindowTest, WhatIsSeenOrSelectedIsPlayed) {
 TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
     m_global.selection = {true, 1, 1, 20000};
     Command(mnuSoundPlay);
-    EXPECT_TRUE(IsEnabled(mnuSoundPlay + 2, m_global));
+    EXPECT_TRUE(IsEnabled(mnuSoundPlay + 2, m_form->State()));
     m_device.events.started();
     m_device.events.writeProgress(200);
     EXPECT_TRUE(m_global.sound.position == 200 || m_global.sound.position == 201);
@@ -115,7 +115,7 @@ TEST_F(SoundWindowTest, RefusalsAreToldAndNothingPlaysOn) {
     m_device.refusal = u"bad format";
     Command(mnuSoundPlay);
     EXPECT_EQ(Status(), L"bad format");
-    EXPECT_FALSE(IsEnabled(mnuSoundPlay + 2, m_global));
+    EXPECT_FALSE(IsEnabled(mnuSoundPlay + 2, m_form->State()));
     m_device.refusal.clear();
     Key(VK_SPACE);
     EXPECT_TRUE(m_global.sound.playing);
@@ -171,7 +171,7 @@ TEST_F(SoundWindowTest, TheMenuListsTheDevices) {
     open();
     EXPECT_EQ(GetMenuItemCount(sound), 1);
     EXPECT_TRUE(GetMenuState(sound, mnuSoundCard, MF_BYCOMMAND) & MF_GRAYED);
-    EXPECT_FALSE(IsEnabled(mnuSoundPlay, m_global));
+    EXPECT_FALSE(IsEnabled(mnuSoundPlay, m_form->State()));
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ TEST_F(SpectrogramTest, ShowsTheChosenChannelColumnForColumn) {
     StartWithTones();
     EXPECT_FALSE(IsWindowVisible(Control(pbFFT)) && Capture(pbFFT).width > 0);
     Command(mnuSpectrogram);
-    EXPECT_TRUE(IsChecked(mnuSpectrogram, m_global));
+    EXPECT_TRUE(IsChecked(mnuSpectrogram, m_form->State()));
     EXPECT_NE(SendMessageW(Control(tbMain), TB_GETSTATE, mnuSpectrogram, 0) & TBSTATE_CHECKED, 0);
     RECT graph{};
     RECT picture{};

@@ -59,7 +59,7 @@ TEST_F(StartTest, AWindowThatStartsAsAnIconOpensTheFirstRecordingWhenItIsSeen) {
         ShowWindow(m_form->Window(), SW_RESTORE);
         SetForegroundWindow(m_form->Window());
         ASSERT_TRUE(WaitFor([&] { return !Lines(lstBlock).empty(); }));
-        EXPECT_EQ(ItemCount(), m_global.block.channelCount);
+        EXPECT_EQ(ItemCount(), m_global.document->Block().channelCount);
         EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 200);
         EXPECT_LE(m_global.amplitude.UnitsPerDivision(), 20.0) << "fitted to the graph as it is seen";
         EXPECT_EQ(TabCtrl_GetCurSel(Control(tabPath)), 1);

@@ -66,8 +66,10 @@ TEST_F(WaveformViewTest, ScrollingByCopyingEqualsDrawingAnew) {
     std::mt19937 random(10);
     // Marks, a selection and a dotted grid take part.
     m_global.settings.gridStyle = 2;
+    std::vector<BlockMark> marks;
     for (int mark = 0; mark < 300; ++mark)
-        m_global.block.marks.push_back({static_cast<std::int32_t>(random() % 60000), u"Mark " + Decimal(mark)});
+        marks.push_back({mark * 200 + static_cast<std::int32_t>(random() % 200), u"Mark " + Decimal(mark)});
+    SetMarks(std::move(marks));
     Command(mnuScaleX + 3);
     Drag(100, 180);
     for (int round = 0; round < 60; ++round) {
@@ -95,7 +97,7 @@ TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
     EXPECT_TRUE(selected == expected);
     Mouse(WM_MOUSEMOVE, 149);
     EXPECT_THAT(Values(), StartsWith(L"dX:\t")) << "letting go moves the pointer nowhere";
-    EXPECT_TRUE(IsEnabled(mnuStatistics, m_global));
+    EXPECT_TRUE(IsEnabled(mnuStatistics, m_form->State()));
     Drag(149, 100);
     EXPECT_EQ(selection.Count(), 50);
     EXPECT_EQ(selection.start, 150);
@@ -138,10 +140,10 @@ TEST_F(WaveformViewTest, TheHoverReadsOutAndLeavesNoTrace) {
     const Pixels band = Capture(pbGraph);
     EXPECT_NE(band.At(1, 3), before.At(1, 3));
     EXPECT_EQ(band.At(2, 3), before.At(2, 3));
-    m_global.block.marks.push_back({2, u"A long text of a mark"});
+    SetMarks({{2, u"A long text of a mark"}});
     Point(2, 40);
     EXPECT_THAT(Values(), StartsWith(L"A long text of a mark\r\nX:\t0.02 s"));
-    m_global.block.marks.clear();
+    SetMarks({});
     Point(300, 40);
     EXPECT_THAT(Values(), StartsWith(L"X:\t0.02 s\r\nCh1:\t 30 V")) << "right of the last sample";
     EXPECT_NE(Capture(pbGraph).At(2, 3), before.At(2, 3));
@@ -251,9 +253,9 @@ TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
     Key(VK_BACK);
     Key(VK_BACK);
     EXPECT_EQ(view(), first);
-    EXPECT_FALSE(IsEnabled(mnuView + 2, m_global));
+    EXPECT_FALSE(IsEnabled(mnuView + 2, m_form->State()));
 
-    m_global.block.marks = {{70000, u"two"}, {30000, u"one"}};
+    SetMarks({{30000, u"one"}, {70000, u"two"}});
     for (const int mark : {30001, 70001}) {
         Command(mnuMark + 1);
         EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), mark);
@@ -323,21 +325,21 @@ TEST_F(WaveformViewTest, OneChannelIsShownAlone) {
     StartWith(Noise(1000, 3));
     ClickCheckBox(1);
     Command(mnuSoloChannel);
-    EXPECT_TRUE(IsChecked(mnuSoloChannel, m_global));
-    EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1}));
+    EXPECT_TRUE(IsChecked(mnuSoloChannel, m_form->State()));
+    EXPECT_EQ(ShownChannels(m_global.document->Block(), m_global.document->Slots()), (std::vector<std::int16_t>{1}));
     Command(mnuSoloChannel);
-    EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1, 3}));
+    EXPECT_EQ(ShownChannels(m_global.document->Block(), m_global.document->Slots()), (std::vector<std::int16_t>{1, 3}));
     // Another block shows what was shown before.
     Command(mnuSoloChannel);
     static_cast<void>(m_folder.Write(u"b.bin", BinRecording(100.0F, Noise(500, 3))));
     Command(mnuTabFile);
     ClickLine(lstFile, 1);
-    EXPECT_EQ(ShownChannels(m_global.block, m_global.slots), (std::vector<std::int16_t>{1, 3}));
-    EXPECT_FALSE(IsChecked(mnuSoloChannel, m_global));
+    EXPECT_EQ(ShownChannels(m_global.document->Block(), m_global.document->Slots()), (std::vector<std::int16_t>{1, 3}));
+    EXPECT_FALSE(IsChecked(mnuSoloChannel, m_form->State()));
     // A choice made while it is shown alone stays, with the next file too.
     const auto shown = [&] {
         std::string flags;
-        for (std::size_t slot = 0; slot < 3; ++slot) flags += m_global.slots[slot].shown ? '1' : '0';
+        for (std::size_t slot = 0; slot < 3; ++slot) flags += m_global.document->Slots()[slot].shown ? '1' : '0';
         return flags;
     };
     Command(mnuChShow);
@@ -347,7 +349,7 @@ TEST_F(WaveformViewTest, OneChannelIsShownAlone) {
         Command(mnuSoloChannel);
         EXPECT_EQ(shown(), "100");
         choose();
-        EXPECT_FALSE(IsChecked(mnuSoloChannel, m_global));
+        EXPECT_FALSE(IsChecked(mnuSoloChannel, m_form->State()));
         for (const int line : {1, 0}) ClickLine(lstFile, line);
         EXPECT_EQ(shown(), chosen);
     }

@@ -1,0 +1,58 @@
+#include "app/CommandState.h"
+
+#include "app/Commands.h"
+#include "view/AmplitudeScale.h"
+#include "view/TimeAxis.h"
+
+namespace quillon {
+
+namespace {
+
+bool Within(int id, int first, int count) {
+    return id >= first && id < first + count;
+}
+
+}  // namespace
+
+bool IsEnabled(int id, const CommandState& state) {
+    if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
+    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuOptions) return true;
+    if (id == mnuNextPalette) return state.spectrogramShown;
+    if (id == mnuRecording) return state.filePosition < 0 ? state.fileCount > 0 : state.filePosition > 0;
+    if (id == mnuRecording + 1) return state.filePosition + 1 < state.fileCount;
+    if (Within(id, mnuFocus, 4)) return true;
+    if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
+        return true;
+    // A file that was refused can be deleted and renamed as well.
+    if (Within(id, mnuFileOperation, 2)) return state.filePosition >= 0;
+    if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard < state.soundDevices;
+    if (id == mnuSoundPlay + 2) return state.playing;
+    if (state.channelCount == 0) return false;
+    if (id == mnuSaveAs || id == mnuFastExport || id == mnuSplit || Within(id, mnuCopy, 2))
+        return state.sampleCount > 0;
+    if (Within(id, mnuSoundPlay, 2)) return state.soundDevices > 0 && state.sampleCount > 0;
+    if (id == mnuSelect + 2) return state.hasSelection || state.playing;
+    if (id == mnuView || id == mnuStatistics) return state.hasSelection;
+    if (id == mnuView + 2) return state.hasHistory;
+    if (Within(id, mnuMark, 2)) return state.hasMarks;
+    if (Within(id, mnuMove, static_cast<int>(Moves().size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
+        id == mnuGoToPlace)
+        return state.sampleCount > 0;
+    if (id == mnuZoomX) return state.zoomX < TimeAxis::kMenuZoomCount - 1;
+    if (id == mnuZoomX + 1) return state.zoomX > 0;
+    if (id == mnuZoomY) return state.scaleY > 0;
+    if (id == mnuZoomY + 1) return state.scaleY < AmplitudeScale::kScaleCount - 1;
+    return true;
+}
+
+bool IsChecked(int id, const CommandState& state) {
+    if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == state.zoomX;
+    if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == state.scaleY;
+    if (id == mnuSpectrogram) return state.spectrogramShown;
+    if (id == mnuSoloChannel) return state.isSolo;
+    if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard == state.soundDevice && IsEnabled(id, state);
+    if (Within(id, mnuHelpLang, 3)) return id - mnuHelpLang == state.helpLanguage;
+    return false;
+}
+
+}  // namespace quillon

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quillon {
+
+/// What decides which commands can be run, and which of them show a check mark.
+struct CommandState {
+    std::int32_t fileCount = 0;      ///< in the file list
+    std::int32_t filePosition = -1;  ///< of the selected one, from 0, whether or not it could be opened; -1: none is
+    std::int16_t channelCount = 0;   ///< of the block
+    std::int32_t sampleCount = 0;
+    bool hasMarks = false;
+    bool isSolo = false;
+    bool hasSelection = false;
+    bool hasHistory = false;  ///< views that can be gone back to
+    std::int32_t zoomX = 0;   ///< indexes in the tables of scales
+    std::int32_t scaleY = 0;
+    bool spectrogramShown = false;
+    std::int16_t soundDevices = 0;
+    std::int16_t soundDevice = 0;  ///< the chosen one, from 0
+    bool playing = false;
+    std::int16_t helpLanguage = 0;
+};
+
+/// Whether a command can do anything in that state.
+[[nodiscard]] bool IsEnabled(int id, const CommandState& state);
+
+/// Whether a command shows a check mark.
+[[nodiscard]] bool IsChecked(int id, const CommandState& state);
+
+}  // namespace quillon

@@ -1,0 +1,226 @@
+#include "data/Document.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "base/FilePath.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "data/ChannelSelection.h"
+
+namespace quillon {
+
+namespace {
+
+/// Runs one step of a load; a failure leaves what the step would have set and the load goes on with the next one.
+template <typename Step>
+void Resume(Step&& step) {
+    try {
+        std::forward<Step>(step)();
+    } catch (const std::exception&) {
+    }
+}
+
+}  // namespace
+
+bool Document::IsOpen(const std::u16string& path, const FileStamp& stamp) const {
+    if (path == m_file.fileName) return true;
+    if (LowerCase(path) != LowerCase(m_file.fileName)) return false;
+    // Where a folder tells letter cases apart it may be another file.
+    return !stamp.known || !m_stamp.known || stamp.IsSameFile(m_stamp);
+}
+
+bool Document::OpenFile(const std::u16string& path, const FileStamp& stamp) {
+    CloseCurrentFile();
+    m_lastPath = path;
+    m_stamp = stamp;
+    std::shared_ptr<Recording> recording;
+    if (!m_library.OpenRecording(path, recording)) {
+        m_file.refusedName = FileNameOf(path);
+        m_file.refusal = m_library.LastErrorText();
+        return false;
+    }
+    Adopt(std::move(recording), 0);
+    return true;
+}
+
+void Document::Adopt(std::shared_ptr<Recording> recording, std::int16_t block) {
+    m_file.recording = std::move(recording);
+    m_file.fileName = m_file.recording->FileName();
+    m_file.fileInfo = m_file.recording->FileInfo();
+    m_file.blockCount = m_file.recording->BlockCount();
+    const auto last = static_cast<std::int16_t>(std::max<std::int16_t>(m_file.blockCount, 1) - 1);
+    LoadBlock(std::clamp<std::int16_t>(block, 0, last));
+}
+
+void Document::CloseCurrentFile() {
+    EndSolo();
+    m_currentChannel = 1;
+    std::shared_ptr<Recording> recording = std::move(m_file.recording);
+    m_file = ViewFile{};
+    m_block = ViewBlock{};
+    m_lastPath.clear();
+    m_stamp = {};
+    m_seen = {};
+    if (recording) m_library.CloseRecording(recording);
+}
+
+std::vector<std::u16string> Document::BlockTitles() const {
+    std::vector<std::u16string> titles;
+    for (std::int16_t number = 1; number <= m_file.blockCount; ++number) {
+        const std::shared_ptr<RecordingBlock> block = m_file.recording->GetBlock(number);
+        std::u16string text = block->Title();
+        if (text.empty()) text = m_texts.LongTime(block->StartTime());
+        titles.push_back(text + u'\t' + Decimal(number));
+    }
+    return titles;
+}
+
+bool Document::HasChanged(const FileStamp& now, bool asked) {
+    if (m_lastPath.empty()) return false;
+    if (!now.known || now == m_stamp) {
+        m_seen = {};
+        return false;
+    }
+    return asked || now == std::exchange(m_seen, now);
+}
+
+bool Document::Reload(const FileStamp& now) {
+    m_seen = {};
+    const std::u16string path = m_file.fileName;
+    std::shared_ptr<Recording> recording;
+    const bool opened = m_library.OpenRecording(path, recording);
+    if (opened) {
+        const std::int16_t block = m_file.currentBlockIndex;
+        const std::int16_t channel = m_currentChannel;
+        const ChannelFlags shown = ShownFlags();
+        const std::optional<ChannelFlags> before = m_shownBeforeSolo;
+        const std::u16string lastPath = m_lastPath;
+        CloseCurrentFile();
+        Adopt(std::move(recording), block);
+        SetShown(shown);
+        m_shownBeforeSolo = before;
+        if (channel <= m_block.channelCount) m_currentChannel = channel;
+        m_lastPath = lastPath;
+    }
+    m_stamp = now;
+    return opened;
+}
+
+void Document::LoadBlock(std::int16_t index) {
+    EndSolo();
+    m_currentChannel = 1;
+    m_block = ViewBlock{};
+    m_file.currentBlockIndex = -1;
+    if (index >= 0 && m_file.recording) {
+        Resume([&] { m_block.block = m_file.recording->GetBlock(static_cast<std::int16_t>(index + 1)); });
+        if (m_block.block) m_file.currentBlockIndex = index;
+    }
+    RecordingBlock* const block = m_block.block.get();
+    if (block == nullptr) return;
+    Resume([&] { m_block.sampleCount = block->SampleCount(); });
+    Resume([&] { m_block.sampleRate = block->SampleRate(); });
+    Resume([&] { m_block.startTime = block->StartTime(); });
+    Resume([&] { m_block.channelCount = block->ChannelCount(); });
+    const auto channels = static_cast<std::size_t>(std::max<std::int16_t>(m_block.channelCount, 0));
+    m_block.channelNumbers.resize(channels);
+    m_block.invScale.resize(channels);
+    m_block.offsets.resize(channels);
+    for (std::size_t channel = 1; channel <= channels; ++channel) LoadChannel(static_cast<std::int16_t>(channel));
+    Resume([&] { LoadMarks(); });
+}
+
+void Document::LoadChannel(std::int16_t channel) {
+    RecordingBlock& block = *m_block.block;
+    const auto at = static_cast<std::size_t>(channel) - 1;
+    Resume([&] { m_block.channelNumbers[at] = block.ChannelNumber(channel); });
+    Resume([&] {
+        // A scale of 0 has no reciprocal: the entry stays 0, and such a channel is drawn as a straight line.
+        if (const float scale = block.ChannelScale(channel); scale != 0.0F) m_block.invScale[at] = 1.0F / scale;
+    });
+    Resume([&] { m_block.offsets[at] = block.ChannelOffset(channel); });
+    ChannelSlot* const slot = Slot(channel);
+    if (slot == nullptr) return;
+    slot->title.clear();
+    slot->unit.clear();
+    Resume([&] { slot->title = block.ChannelTitle(channel); });
+    if (slot->title.empty()) slot->title = m_texts.Text(IDS_CHANNEL) + u' ' + Decimal(m_block.channelNumbers[at] + 1);
+    Resume([&] { slot->unit = block.ChannelUnit(channel); });
+}
+
+void Document::LoadMarks() {
+    Resume([&] { m_block.markCount = m_block.block->MarkCount(); });
+    if (m_block.markCount < 1) {
+        m_block.markCount = 0;
+        return;
+    }
+    const auto marks = static_cast<std::size_t>(m_block.markCount);
+    m_block.markCount = 0;  // in case there is no room for that many
+    m_block.marks.resize(marks);
+    m_block.markCount = static_cast<std::int32_t>(marks);
+    for (std::size_t mark = 0; mark < marks; ++mark) {
+        BlockMark& entry = m_block.marks[mark];
+        const auto number = static_cast<std::int32_t>(mark + 1);
+        Resume([&] { entry.position = m_block.block->MarkPosition(number); });
+        Resume([&] { entry.text = m_block.block->MarkText(number); });
+    }
+    std::stable_sort(m_block.marks.begin(), m_block.marks.end(),
+                     [](const BlockMark& one, const BlockMark& other) { return one.position < other.position; });
+}
+
+ChannelSlot* Document::Slot(std::int16_t channel) {
+    const auto at = static_cast<std::size_t>(channel) - 1;
+    return at < m_block.channelNumbers.size() ? SlotOf(m_slots, m_block.channelNumbers[at]) : nullptr;
+}
+
+bool Document::IsShown(std::int16_t channel) const {
+    const auto at = static_cast<std::size_t>(channel) - 1;
+    if (at >= m_block.channelNumbers.size()) return false;
+    const ChannelSlot* const slot = SlotOf(m_slots, m_block.channelNumbers[at]);
+    return slot != nullptr && slot->shown;
+}
+
+ChannelFlags Document::ShownFlags() const {
+    ChannelFlags shown;
+    for (std::size_t slot = 0; slot < m_slots.size(); ++slot) shown.set(slot, m_slots[slot].shown);
+    return shown;
+}
+
+void Document::SetShown(const ChannelFlags& shown) {
+    for (std::size_t slot = 0; slot < m_slots.size(); ++slot) m_slots[slot].shown = shown.test(slot);
+}
+
+void Document::Show(std::int16_t channel, bool shown) {
+    m_shownBeforeSolo.reset();
+    if (ChannelSlot* const slot = Slot(channel)) slot->shown = shown;
+}
+
+void Document::ShowAll(bool shown) {
+    for (std::int16_t channel = 1; channel <= m_block.channelCount; ++channel) Show(channel, shown);
+}
+
+void Document::InvertShown() {
+    const ChannelFlags before = ShownFlags();
+    for (std::int16_t channel = 1; channel <= m_block.channelCount; ++channel) {
+        // Several channels may share a slot.
+        const ChannelSlot* const slot = Slot(channel);
+        if (slot != nullptr) Show(channel, !before.test(static_cast<std::size_t>(slot - m_slots.data())));
+    }
+}
+
+void Document::Solo(std::optional<std::int16_t> channel) {
+    EndSolo();
+    if (!channel) return;
+    const ChannelFlags before = ShownFlags();
+    ShowAll(false);
+    Show(*channel, true);
+    m_shownBeforeSolo = before;
+}
+
+void Document::EndSolo() {
+    if (m_shownBeforeSolo) SetShown(*m_shownBeforeSolo);
+    m_shownBeforeSolo.reset();
+}
+
+}  // namespace quillon

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "data/FileStamp.h"
+#include "data/NorvikCore.h"
+#include "data/QL_Types.h"
+#include "data/UserServices.h"
+
+namespace quillon {
+
+/// A flag for every channel slot.
+using ChannelFlags = std::bitset<kSlotCount>;
+
+/// The open recording, its loaded block, and what the user chose in it: the channels that are shown and the current
+/// one, which commands on a single channel concern. Nothing is reported: who calls knows what has changed.
+///
+/// Channels count from 1, in the order of the block. A channel whose acquisition number is beyond the slots is never
+/// shown.
+class Document {
+  public:
+    /// Both outlive it. `texts` words what a recording leaves untitled.
+    Document(RecordingLibrary& library, const UserServices& texts) : m_library(library), m_texts(texts) {}
+
+    [[nodiscard]] const ViewFile& File() const { return m_file; }
+    [[nodiscard]] const ViewBlock& Block() const { return m_block; }
+    [[nodiscard]] const ChannelSlots& Slots() const { return m_slots; }
+    [[nodiscard]] std::int16_t CurrentChannel() const { return m_currentChannel; }
+    [[nodiscard]] bool IsSolo() const { return m_shownBeforeSolo.has_value(); }
+
+    /// Whether that is the open file, under its name or under one that differs in letter case only and leads to it.
+    /// `stamp` is that of the path.
+    [[nodiscard]] bool IsOpen(const std::u16string& path, const FileStamp& stamp) const;
+    /// Closes what is open, opens a recording and loads its first block. False when it is refused: then no file is
+    /// open, and File().refusal says why. `stamp` is that of the path from just before.
+    bool OpenFile(const std::u16string& path, const FileStamp& stamp);
+    /// Sets the no-file state and closes the recording.
+    void CloseCurrentFile();
+    /// Loads the block at a position from 0; -1: none. Library failures are not reported: every step runs, and a failed
+    /// one leaves its field empty. The first channel becomes the current one, and a solo ends.
+    void LoadBlock(std::int16_t index);
+    /// The lines of the block list: title or, where it is empty, start time, a tab, the number from 1.
+    [[nodiscard]] std::vector<std::u16string> BlockTitles() const;
+
+    /// Path of the file that was opened or refused last; empty after it was closed.
+    [[nodiscard]] const std::u16string& LastPath() const { return m_lastPath; }
+    /// Whether the stamp of that file tells of another file or of a change. One look in passing (`asked` false) is not
+    /// enough for that: others may still be writing, so the file has to be the same at two.
+    [[nodiscard]] bool HasChanged(const FileStamp& now, bool asked);
+    /// A look has found a change, and another one is due.
+    [[nodiscard]] bool ChangePending() const { return m_seen.known; }
+    /// Opens the open file anew at the same block (the last one, where there are fewer), with the same channels shown.
+    /// False when it is refused now; it stays open as it is, and LastErrorText of the library says why.
+    bool Reload(const FileStamp& now);
+
+    [[nodiscard]] bool IsShown(std::int16_t channel) const;
+    /// These end a solo: what the user chooses later counts.
+    void Show(std::int16_t channel, bool shown);
+    void ShowAll(bool shown);
+    void InvertShown();
+    /// Shows one channel alone; without a channel, shows those again that were shown before.
+    void Solo(std::optional<std::int16_t> channel);
+    void ChooseChannel(std::int16_t channel) { m_currentChannel = channel; }
+
+  private:
+    void EndSolo();
+    [[nodiscard]] ChannelSlot* Slot(std::int16_t channel);
+    [[nodiscard]] ChannelFlags ShownFlags() const;
+    void SetShown(const ChannelFlags& shown);
+    void Adopt(std::shared_ptr<Recording> recording, std::int16_t block);
+    void LoadChannel(std::int16_t channel);
+    void LoadMarks();
+
+    RecordingLibrary& m_library;
+    const UserServices& m_texts;
+    ViewFile m_file;
+    ViewBlock m_block;
+    ChannelSlots m_slots;
+    std::int16_t m_currentChannel = 1;
+    std::optional<ChannelFlags> m_shownBeforeSolo;
+    std::u16string m_lastPath;
+    FileStamp m_stamp;  ///< of m_lastPath, from just before it was opened
+    FileStamp m_seen;   ///< at the last look, where that found a change
+};
+
+}  // namespace quillon
