@@ -9,6 +9,7 @@
 #include "app/win/WinServices.h"
 #include "data/Document.h"
 #include "norvik/RecordingLibrary.h"
+#include "view/WaveformView.h"
 #include "view/win/GraphPainter.h"
 
 namespace {
@@ -36,17 +37,15 @@ int wmain(int count, wchar_t** arguments) {
     Document document(*library, services);
     if (!document.OpenFile(Narrow16(arguments[1]), {})) return 1;
     const ViewBlock& block = document.Block();
-    TimeAxis axis;
-    AmplitudeScale amplitude;
     constexpr int width = 1500;
     constexpr int height = 800;
-    axis.SetWidth(width);
-    axis.SetBlock(block.sampleCount);
-    axis.Restore(10, 0);
-    amplitude.SetGraph(height, height / 2);
-    const GraphScene scene{block, document.Slots(), axis, amplitude, false, false, GridStyle::Lines, 0x808080};
+    WaveformView view(document);
+    view.BlockLoaded();
+    view.Arrange(width, height);
+    view.SelectZoomX(10);
+    const GraphScene scene{block, view.Axis(), view.GetLanes(), false, false, GridStyle::Lines, 0x808080};
     GraphPainter painter;
-    amplitude.FindData(painter.SeenRange(scene));
+    view.FitScales(painter.SeenRanges(scene));
     cMemDC target;
     target.CreateBitmap(width, height);
     const auto show = [&] { painter.Paint(target.Handle(), {0, 0, width, height}); };
@@ -54,7 +53,7 @@ int wmain(int count, wchar_t** arguments) {
     std::vector<std::int16_t> frames(std::size_t{4096} * static_cast<std::size_t>(block.channelCount));
     const std::int32_t samples = std::min(width * 2000, block.sampleCount);
     for (int round = 0; round < 9; ++round) {
-        axis.Restore(10, 0);
+        view.ScrollBy(-view.Axis().FirstColumn());
         read.push_back(Milliseconds([&] {
             for (std::int32_t at = 0; at < samples; at += 4096)
                 block.block->ReadFrames(at, std::min(4096, samples - at), frames.data());
@@ -62,7 +61,7 @@ int wmain(int count, wchar_t** arguments) {
         painter.ForgetBlock();
         first.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
         again.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
-        const std::int32_t shift = axis.ScrollBy(axis.PageShift(2) / 15);
+        const std::int32_t shift = view.ScrollBy(view.Axis().PageShift(2) / 15).scrolled;
         page.push_back(Milliseconds([&] { painter.Scroll(scene, shift), show(); }));
         blit.push_back(Milliseconds(show));
     }

@@ -16,7 +16,7 @@ void ApplyDisplaySettings(QL_Global& global) {
     format.timeUnit = settings.timeIndex;
     format.timeOfDay = settings.timeFormat == 0;
     format.sampleIndexes = settings.timeFormat == 2;
-    global.rawCodes = settings.scaleFormat == 1;
+    global.view->SetRawCodes(settings.scaleFormat == 1);
 }
 
 }  // namespace quillon

@@ -14,11 +14,7 @@
 #include "export/QL_Export.h"
 #include "format/QL_Format.h"
 #include "sound/SoundOutput.h"
-#include "view/AmplitudeScale.h"
-#include "view/DataRange.h"
-#include "view/Selection.h"
-#include "view/TimeAxis.h"
-#include "view/ViewHistory.h"
+#include "view/WaveformView.h"
 
 namespace quillon {
 
@@ -34,6 +30,7 @@ struct SoundState {
 struct QL_Global {
     std::shared_ptr<RecordingLibrary> library;
     std::unique_ptr<Document> document;
+    std::unique_ptr<WaveformView> view;
     std::unique_ptr<KVExport> exporter;
     TextSinkFactory openText;
     std::unique_ptr<SaveFileDialog> saveDialog;  ///< shared by all commands that ask for a name
@@ -49,12 +46,6 @@ struct QL_Global {
     std::int32_t fileCount = 0;      ///< in the file list
     std::int32_t filePosition = -1;  ///< of the selected one, from 0, whether or not it could be opened; -1: none is
 
-    TimeAxis axis;
-    AmplitudeScale amplitude;
-    RangeRecords ranges;
-    Selection selection;
-    ViewHistory history;
-    bool rawCodes = false;
     FormatOptions format;
 };
 

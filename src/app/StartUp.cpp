@@ -14,6 +14,7 @@ bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) 
         global.library = parts.makeLibrary(global.language);
         if (!global.library) throw std::runtime_error("no core library");
         global.document = std::make_unique<Document>(*global.library, services);
+        global.view = std::make_unique<WaveformView>(*global.document);
         ExportSystem system = parts.exportSystem;
         system.language = global.language;
         global.exporter = std::make_unique<KVExport>(services, std::move(system));

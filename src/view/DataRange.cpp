@@ -137,12 +137,11 @@ std::string RangeRecords::Failure() const {
     return {};
 }
 
-std::optional<ValueRange> RangeRecords::OfShown(const ViewBlock& block, const ChannelSlots& slots) {
+std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
     if (!block.block || block.sampleCount < 1) return std::nullopt;
-    const std::vector<std::int16_t> shown = ShownChannels(block, slots);
-    Learn(block, shown);
+    Learn(block, channels);
     std::optional<ValueRange> range;
-    for (const std::int16_t channel : shown) Widen(range, m_ranges[static_cast<std::size_t>(channel - 1)].range);
+    for (const std::int16_t channel : channels) Widen(range, m_ranges[static_cast<std::size_t>(channel - 1)].range);
     return range;
 }
 

@@ -34,8 +34,9 @@ class RangeRecords {
   public:
     /// Another block is loaded.
     void Reset() { m_ranges.clear(); }
-    /// Smallest and largest value of the shown channels over the whole block; none where there is nothing to be read.
-    [[nodiscard]] std::optional<ValueRange> OfShown(const ViewBlock& block, const ChannelSlots& slots);
+    /// Smallest and largest value of some channels (from 1) over the whole block; none where there is nothing to be
+    /// read.
+    [[nodiscard]] std::optional<ValueRange> Of(const ViewBlock& block, const std::vector<std::int16_t>& channels);
 
     /// The same for one channel (from 1).
     [[nodiscard]] std::optional<ValueRange> Of(const ViewBlock& block, std::int16_t channel);

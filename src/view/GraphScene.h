@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "data/QL_Types.h"
-#include "view/AmplitudeScale.h"
+#include "view/Lane.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
@@ -13,9 +13,8 @@ enum class GridStyle { None = 0, Lines = 1, Dots = 2 };
 /// What one pass of the graph shows.
 struct GraphScene {
     const ViewBlock& block;
-    const ChannelSlots& slots;
     const TimeAxis& axis;
-    const AmplitudeScale& amplitude;
+    const Lanes& lanes;
     bool rawCodes = false;
     bool foldOrigin = false;  ///< for systems whose mapping has 16 bits, see TraceGeometry
     GridStyle gridStyle = GridStyle::None;

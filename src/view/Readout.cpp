@@ -110,21 +110,23 @@ std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, d
     return text.substr(text.front() == u' ' ? 1 : 0);
 }
 
-std::int16_t ChannelNear(const ReadoutSource& source, const AmplitudeScale& amplitude, std::int32_t sample,
-                         std::int32_t row) {
+std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::int32_t sample, std::int32_t row) {
     std::int16_t nearest = 0;
     double least = 0.0;
-    for (const std::int16_t channel : ShownChannels(source.block, source.slots)) {
-        Attempt([&] {
-            double value = Shown(source, channel, CodeAt(source, channel, sample));
-            if (source.rawCodes) value /= 1000.0;
-            const double trace = static_cast<double>(amplitude.ZeroRow()) -
-                                 value / amplitude.UnitsPerDivision() * AmplitudeScale::kDivision;
-            const double distance = std::fabs(trace - row);
-            if (nearest != 0 && distance >= least) return;
-            nearest = channel;
-            least = distance;
-        });
+    for (const Lane& lane : lanes) {
+        if (row < lane.top || row >= lane.top + lane.height) continue;
+        for (const std::int16_t channel : lane.channels) {
+            Attempt([&] {
+                double value = Shown(source, channel, CodeAt(source, channel, sample));
+                if (source.rawCodes) value /= 1000.0;
+                const double trace = static_cast<double>(lane.ZeroRow()) -
+                                     value / lane.scale.UnitsPerDivision() * AmplitudeScale::kDivision;
+                const double distance = std::fabs(trace - row);
+                if (nearest != 0 && distance >= least) return;
+                nearest = channel;
+                least = distance;
+            });
+        }
     }
     return nearest;
 }

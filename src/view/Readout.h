@@ -7,7 +7,7 @@
 
 #include "data/QL_Types.h"
 #include "format/QL_Format.h"
-#include "view/AmplitudeScale.h"
+#include "view/Lane.h"
 #include "view/Selection.h"
 
 namespace quillon {
@@ -35,9 +35,10 @@ struct ReadoutSource {
 /// A value of a channel as the readouts write it, without the blank that stands for a sign.
 [[nodiscard]] std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, double value);
 
-/// The shown channel (from 1) whose trace passes nearest to a row of the graph at a sample; 0 when none is shown.
-[[nodiscard]] std::int16_t ChannelNear(const ReadoutSource& source, const AmplitudeScale& amplitude,
-                                       std::int32_t sample, std::int32_t row);
+/// The channel (from 1) of the lane at a row of the graph whose trace passes nearest to that row at a sample; 0 when
+/// there is none.
+[[nodiscard]] std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::int32_t sample,
+                                       std::int32_t row);
 
 /// Of the samples first .. last (from 1) of one channel, in its unit (codes where raw codes are shown).
 struct ChannelStatistics {

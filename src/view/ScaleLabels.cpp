@@ -73,17 +73,30 @@ std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCod
     return labels;
 }
 
+std::vector<ScaleLabel> AmplitudeLabels(const Lanes& lanes, bool rawCodes, char16_t separator) {
+    std::vector<ScaleLabel> labels;
+    for (const Lane& lane : lanes) {
+        for (ScaleLabel& label : AmplitudeLabels(lane.scale, rawCodes, separator))
+            labels.push_back({lane.top + label.position, std::move(label.text)});
+    }
+    return labels;
+}
+
 std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block) {
-    std::vector<MarkLine> lines;
     // Those whose text may reach in, and beyond the right edge those that end such a text.
     const std::int32_t first = -kMarkTextWidth;
     const std::int32_t last = axis.Width() + kMarkTextWidth;
-    for (std::size_t at = 0; at < block.marks.size(); ++at) {
-        const std::int32_t column = block.marks[at].position / axis.SamplesPerPixel() - axis.FirstColumn();
-        if (column >= first && column < last) lines.push_back({column, 0, static_cast<std::int32_t>(at)});
-    }
-    std::stable_sort(lines.begin(), lines.end(),
-                     [](const MarkLine& a, const MarkLine& b) { return a.column < b.column; });
+    const auto columnOf = [&](const BlockMark& mark) {
+        return mark.position / axis.SamplesPerPixel() - axis.FirstColumn();
+    };
+    const auto leftOf = [&](std::int32_t column) {
+        return [=](const BlockMark& mark) { return columnOf(mark) < column; };
+    };
+    const auto from = std::partition_point(block.marks.begin(), block.marks.end(), leftOf(first));
+    const auto to = std::partition_point(from, block.marks.end(), leftOf(last));
+    std::vector<MarkLine> lines;
+    for (auto mark = from; mark != to; ++mark)
+        lines.push_back({columnOf(*mark), 0, static_cast<std::int32_t>(mark - block.marks.begin())});
     // Where several marks share a column, the first one stands for them.
     lines.erase(std::unique(lines.begin(), lines.end(),
                             [](const MarkLine& a, const MarkLine& b) { return a.column == b.column; }),

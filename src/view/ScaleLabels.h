@@ -6,7 +6,7 @@
 
 #include "data/QL_Types.h"
 #include "format/QL_Format.h"
-#include "view/AmplitudeScale.h"
+#include "view/Lane.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
@@ -28,6 +28,8 @@ struct ScaleLabel {
 /// Labels of the amplitude scale, one per division from the strip's top to its bottom; the position is the row of the
 /// text's baseline. With raw codes a label counts codes, 1000 to a unit.
 [[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator);
+/// Those of all lanes of the graph, at its rows.
+[[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const Lanes& lanes, bool rawCodes, char16_t separator);
 
 /// Pixels that the text of a mark takes at most.
 inline constexpr std::int32_t kMarkTextWidth = 300;

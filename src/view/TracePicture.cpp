@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "data/ChannelSelection.h"
 #include "view/TraceMapping.h"
 
 namespace quillon {
@@ -22,48 +21,65 @@ void TracePicture::Scroll(std::int32_t shift) {
 void TracePicture::Read(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     const VisibleRange visible = scene.axis.Visible();
     const TraceStretch stretch{visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), from, to};
-    std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
+    std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (std::exchange(m_readAhead, std::nullopt) == stretch && shown == m_shown) return;
     m_shown = std::move(shown);
     m_reader.Read(*scene.block.block, m_shown, stretch);
 }
 
-std::optional<ValueRange> TracePicture::SeenRange(const GraphScene& scene) {
+std::vector<std::optional<ValueRange>> TracePicture::SeenRanges(const GraphScene& scene) {
+    std::vector<std::optional<ValueRange>> ranges(scene.lanes.size());
     const VisibleRange visible = scene.axis.Visible();
-    if (!scene.block.block || visible.Count() < 1) return std::nullopt;
+    if (!scene.block.block || visible.Count() < 1) return ranges;
     const std::int32_t width = scene.axis.Width();
     Read(scene, 0, width);
     m_readAhead = {visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), 0, width};
-    return CentralRange(scene.block, m_shown, m_reader.points(), scene.rawCodes);
+    std::size_t trace = 0;
+    for (std::size_t at = 0; at < ranges.size(); ++at) {
+        const std::vector<std::int16_t>& channels = scene.lanes[at].channels;
+        ranges[at] =
+            CentralRange(scene.block, channels, m_reader.points().subspan(trace, channels.size()), scene.rawCodes);
+        trace += channels.size();
+    }
+    return ranges;
 }
 
 void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     m_canvas.Reset(from, to, m_height);
     m_colors.clear();
-    const VisibleRange visible = scene.axis.Visible();
-    if (visible.Count() < 1) return m_sides.Forget(from, to);
+    if (scene.axis.Visible().Count() < 1) return m_sides.Forget(from, to);
     Read(scene, from, to);
     if (m_failure.empty()) m_failure = m_reader.Failure();
+    m_colors.resize(m_shown.size());
+    // The last channel comes first, so that the first one lies on top.
+    std::size_t trace = m_shown.size();
+    for (std::size_t at = scene.lanes.size(); at-- > 0;) {
+        trace -= scene.lanes[at].channels.size();
+        DrawLane(scene, scene.lanes[at], trace, from, to);
+    }
+}
+
+void TracePicture::DrawLane(const GraphScene& scene, const Lane& lane, std::size_t firstTrace, std::int32_t from,
+                            std::int32_t to) {
     TraceGeometry geometry;
-    geometry.zeroRow = scene.amplitude.ZeroRow();
+    geometry.zeroRow = lane.ZeroRow();
     geometry.height = m_height;
-    geometry.unitsPerDivision = scene.amplitude.UnitsPerDivision();
+    geometry.unitsPerDivision = lane.scale.UnitsPerDivision();
     geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
     geometry.rawCodes = scene.rawCodes;
     geometry.foldOrigin = scene.foldOrigin;
-    m_colors.resize(m_shown.size());
-    // The last channel comes first, so that the first one lies on top.
-    for (std::size_t at = m_shown.size(); at-- > 0;) {
-        const auto channel = static_cast<std::size_t>(m_shown[at] - 1);
+    for (std::size_t at = lane.channels.size(); at-- > 0;) {
+        const auto channel = static_cast<std::size_t>(lane.channels[at] - 1);
+        const std::size_t trace = firstTrace + at;
         const TraceMapping mapping = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
         if (mapping.flat) {
-            FlatTrace(mapping, visible.Count(), geometry.samplesPerPixel, m_trace);
+            FlatTrace(mapping, scene.axis.Visible().Count(), geometry.samplesPerPixel, m_trace);
         } else {
-            ToPixels(mapping, m_reader.points()[at], m_trace);
+            ToPixels(mapping, m_reader.points()[trace], m_trace);
         }
-        m_canvas.Draw(m_trace, static_cast<std::uint8_t>(at + 1));
-        m_sides.Mark(at, from, to, m_trace);
-        m_colors[at] = TraceColor(scene.block.channelNumbers[channel]);
+        m_canvas.Draw(m_trace, static_cast<std::uint8_t>(trace + 1));
+        m_sides.Mark(trace, from, to, m_trace);
+        m_colors[trace] = TraceColor(scene.block.channelNumbers[channel]);
     }
 }
 

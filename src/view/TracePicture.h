@@ -17,7 +17,7 @@ namespace quillon {
 /// on top. Remembers which of them lie wholly above or below the picture.
 class TracePicture {
   public:
-    /// An empty picture of that size; `traces` is the number of shown channels.
+    /// An empty picture of that size; `traces` is the number of channels in all lanes.
     void Reset(std::size_t traces, std::int32_t width, std::int32_t height);
     /// The drawn columns move to the left by `shift`; those that come in are still to be drawn.
     void Scroll(std::int32_t shift);
@@ -25,12 +25,12 @@ class TracePicture {
     void Draw(const GraphScene& scene, std::int32_t from, std::int32_t to);
     /// `pixels`: 0xRRGGBB, rows of the picture's width that follow each other from the top.
     void Compose(std::uint32_t* pixels) const { m_canvas.Compose(pixels, m_width, m_colors); }
-    /// On which side of the picture a trace lies wholly; `at` counts the shown channels from 0.
+    /// On which side of the picture a trace lies wholly; `at` counts the channels of all lanes from 0.
     [[nodiscard]] TraceSides::Side SideOf(std::size_t at) const { return m_sides.Of(at); }
 
-    /// The range by which the scale of a block is chosen, see CentralRange; none where nothing is shown or can be read.
-    /// What it reads serves the next Draw of the same view.
-    [[nodiscard]] std::optional<ValueRange> SeenRange(const GraphScene& scene);
+    /// The range by which the scale of each lane is chosen, see CentralRange; none where nothing is shown or can be
+    /// read. What it reads serves the next Draw of the same view.
+    [[nodiscard]] std::vector<std::optional<ValueRange>> SeenRanges(const GraphScene& scene);
     /// What could not be read for the columns drawn since Reset or Scroll, as the block said it; empty when all could.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
     /// Another block is shown: what was read of the old one is of no use.
@@ -38,9 +38,11 @@ class TracePicture {
 
   private:
     void Read(const GraphScene& scene, std::int32_t from, std::int32_t to);
+    void DrawLane(const GraphScene& scene, const Lane& lane, std::size_t firstTrace, std::int32_t from,
+                  std::int32_t to);
 
     TraceReader m_reader;
-    std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read
+    std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read, lane by lane
     std::optional<TraceStretch> m_readAhead;  ///< what it holds for the next Draw
     TraceSides m_sides;
     TraceCanvas m_canvas;

@@ -4,15 +4,21 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace quillon {
 
-/// What part of a block was seen at which scale.
+/// What part of a block was seen at which scales.
 struct ViewPlace {
+    /// Of a lane.
+    struct Scale {
+        int scale = 0;
+        std::int64_t shift = 0;
+        friend bool operator==(const Scale&, const Scale&) = default;
+    };
     int zoom = 0;
     std::int32_t firstColumn = 0;
-    int scale = 0;
-    std::int64_t shift = 0;
+    std::vector<Scale> lanes;
     friend bool operator==(const ViewPlace&, const ViewPlace&) = default;
 };
 

@@ -81,7 +81,7 @@ TEST(TimeAxis, MovesAndScrollBarFollowTheirFormulas) {
 
 TEST(ViewHistory, GivesBackTheLastViewsInReverse) {
     ViewHistory history;
-    const auto place = [](int n) { return ViewPlace{n % 11, n, n % 19, n * 3000000000LL}; };
+    const auto place = [](int n) { return ViewPlace{n % 11, n, {{n % 19, n * 3000000000LL}}}; };
     for (int n = 1; n <= 100; ++n) {
         history.Push(place(n));
         if (n % 3 == 0) history.Push(place(n));  // the same view is kept once

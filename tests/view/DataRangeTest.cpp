@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "data/ChannelSelection.h"
 #include "support/FakeRecording.h"
 
 namespace quillon {
@@ -36,24 +37,24 @@ TEST_F(RangeTest, RecordsTakeTheShownChannelsInTheirUnitsAndKeepThem) {
         fake->offersExtremes = onePass;
         records.Reset();
         slots[1].shown = true;
-        Expect(records.OfShown(block, slots), -40.0F, 3.0F);
+        Expect(records.Of(block, ShownChannels(block, slots)), -40.0F, 3.0F);
         slots[1].shown = false;
-        Expect(records.OfShown(block, slots), -2.5F, 3.0F);
+        Expect(records.Of(block, ShownChannels(block, slots)), -2.5F, 3.0F);
     }
     Expect(records.Of(block, 2), -40.0F, -10.0F);
     for (const std::int16_t none : {std::int16_t{0}, std::int16_t{3}}) EXPECT_FALSE(records.Of(block, none));
     fake->failing = {"ReadCodes", "ColumnExtremes"};
-    Expect(records.OfShown(block, slots), -2.5F, 3.0F);  // read once per channel, and kept
+    Expect(records.Of(block, ShownChannels(block, slots)), -2.5F, 3.0F);  // read once per channel, and kept
     records.Reset();
-    EXPECT_FALSE(records.OfShown(block, slots).has_value());
+    EXPECT_FALSE(records.Of(block, ShownChannels(block, slots)).has_value());
     EXPECT_EQ(records.Failure(), "ColumnExtremes");
     fake->failing.clear();
-    Expect(records.OfShown(block, slots), -2.5F, 3.0F);
+    Expect(records.Of(block, ShownChannels(block, slots)), -2.5F, 3.0F);
     EXPECT_EQ(records.Failure(), "");
     // A scale so large that values overflow: no range, and Find Data leaves the scale alone.
     block.invScale[0] = 1e-38F;
     records.Reset();
-    EXPECT_FALSE(records.OfShown(block, slots));
+    EXPECT_FALSE(records.Of(block, ShownChannels(block, slots)));
 }
 
 TEST_F(RangeTest, WhatCannotBeReadIsLeftOutUntilItCanBe) {

@@ -98,19 +98,22 @@ TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
 }
 
 TEST_F(ReadoutTest, TheNearestTraceIsThatOfTheLeastDistanceInRows) {
-    AmplitudeScale amplitude;
+    Lanes lanes(1);
+    lanes[0].height = 400;
+    lanes[0].channels = {1, 2};
+    AmplitudeScale& amplitude = lanes[0].scale;
     amplitude.SetGraph(400, 200);
     amplitude.SelectScale(9);  // one unit per division
     // At sample 3 the values are -2 and 2, at rows 280 and 120; the codes -6 and 0.
-    for (const int row : {0, 119, 199}) EXPECT_EQ(ChannelNear(Source(), amplitude, 3, row), 2) << row;
-    for (const int row : {201, 280, 399}) EXPECT_EQ(ChannelNear(Source(), amplitude, 3, row), 1) << row;
-    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 200), 1) << "of two as near the upper one in the list";
+    for (const int row : {0, 119, 199}) EXPECT_EQ(ChannelNear(Source(), lanes, 3, row), 2) << row;
+    for (const int row : {201, 280, 399}) EXPECT_EQ(ChannelNear(Source(), lanes, 3, row), 1) << row;
+    EXPECT_EQ(ChannelNear(Source(), lanes, 3, 200), 1) << "of two as near the upper one in the list";
     rawCodes = true;
     amplitude.SelectScale(18);  // a code per division: rows 440 and 200
-    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 319), 2);
-    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 321), 1);
-    slots[0].shown = slots[4].shown = false;
-    EXPECT_EQ(ChannelNear(Source(), amplitude, 3, 321), 0);
+    EXPECT_EQ(ChannelNear(Source(), lanes, 3, 319), 2);
+    EXPECT_EQ(ChannelNear(Source(), lanes, 3, 321), 1);
+    lanes[0].channels.clear();
+    EXPECT_EQ(ChannelNear(Source(), lanes, 3, 321), 0);
 }
 
 }  // namespace

@@ -30,18 +30,18 @@ struct Noise {
         block.offsets.assign(channels, 0.0F);
         for (std::size_t at = 0; at < channels; ++at) {
             block.channelNumbers.push_back(static_cast<std::int16_t>(at));
-            slots[at].shown = true;
+            lanes[0].channels.push_back(static_cast<std::int16_t>(at + 1));
         }
         axis.SetBlock(block.sampleCount);
         axis.SetWidth(kWidth);
-        amplitude.SetGraph(kHeight, kHeight / 2);
-        amplitude.FindData(ValueRange{0.0F, 99.0F});
+        lanes[0].height = kHeight;
+        lanes[0].scale.SetGraph(kHeight, kHeight / 2);
+        lanes[0].scale.FindData(ValueRange{0.0F, 99.0F});
     }
     ViewBlock block;
-    ChannelSlots slots;
     TimeAxis axis;
-    AmplitudeScale amplitude;
-    [[nodiscard]] GraphScene Scene() const { return {block, slots, axis, amplitude}; }
+    Lanes lanes = Lanes(1);
+    [[nodiscard]] GraphScene Scene() const { return {block, axis, lanes}; }
 };
 
 using Image = std::vector<std::uint32_t>;
@@ -57,10 +57,10 @@ Image Drawn(TracePicture& picture, const GraphScene& scene, std::size_t traces) 
 TEST(TracePicture, EveryColumnHoldsItsRunOfSamplesAndLinesToItsNeighbours) {
     Noise noise(1);
     const auto& samples = static_cast<FakeBlock&>(*noise.block.block).samples[0];
-    const double rowsPerCode = AmplitudeScale::kDivision / noise.amplitude.UnitsPerDivision();
+    const double rowsPerCode = AmplitudeScale::kDivision / noise.lanes[0].scale.UnitsPerDivision();
     const auto rowOf = [&](double code) {
         return static_cast<std::int32_t>(
-            std::floor(static_cast<double>(noise.amplitude.ZeroRow()) - code * rowsPerCode + 0.5));
+            std::floor(static_cast<double>(noise.lanes[0].ZeroRow()) - code * rowsPerCode + 0.5));
     };
     for (const int zoom : {0, 2, 4, 6}) {
         noise.axis.SelectZoom(zoom);

@@ -31,6 +31,7 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
     : m_global(global),
       m_services(services),
       m_document(*global.document),
+      m_view(*global.view),
       m_makeTimer(std::move(makeTimer)),
       m_shutdown(std::move(shutdown)),
       m_fft(global.settings) {}

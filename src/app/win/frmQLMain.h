@@ -23,6 +23,7 @@
 #include "spectrum/QL_FFT.h"
 #include "spectrum/win/SpectrogramView.h"
 #include "view/Readout.h"
+#include "view/WaveformView.h"
 #include "view/win/GraphCursor.h"
 #include "view/win/GraphPainter.h"
 #include "view/win/PictureBox.h"
@@ -100,12 +101,6 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     void FillTypes();
 
     // Browser, blocks and channels.
-    /// What stays as it is when the recording is loaded anew.
-    struct KeptView {
-        ViewPlace place;
-        ViewHistory history;
-        Selection selection;
-    };
     void OnListCommand(int id, int notification);
     LRESULT OnNotify(const NMHDR* header);
     /// False when the folder cannot be read; then the old one stays.
@@ -127,8 +122,6 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     /// Loads the recording anew, at the place that is seen, when its file has changed. `asked`: by the user, who wants
     /// it now; else it waits for a quiet moment, and until the file is written.
     void LookAtRecording(bool asked);
-    [[nodiscard]] KeptView ViewToKeep() const;
-    void RestoreView(const KeptView& kept);
     void StartWatch();
     /// Reads the folder and watches it anew; the open recording stays open.
     void RefreshFiles();
@@ -190,24 +183,15 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     void ZoomFailed(const std::exception& error) override { Failed(error); }
 
     // Moves of the view, and what the context menu offers.
-    [[nodiscard]] ViewPlace PresentView() const;
-    /// Remembers the view that is about to be left.
-    void KeepView();
-    void ScrollBy(std::int32_t shift);
-    /// The user, or the line of the sound, has moved the view by that many columns.
-    void Scrolled(std::int32_t shift);
-    void GoTo(int index);
+    /// Shows what a command has changed of the view.
+    void ViewChanged(const ViewChange& change);
+    void GoTo(int index) { ViewChanged(m_view.GoToPage(index)); }
     void MoveView(int index);
-    void SelectZoomX(int index);
-    void ZoomX(int index);
-    /// Steps of the X zoom, finer ones positive, that keep the sample under a column of the graph there.
-    void ZoomAbout(int steps, int column);
-    void ZoomY(int index) { StepScaleY(index == 0 ? -1 : 1); }
-    /// Steps of the Y scale, finer ones positive.
-    void StepScaleY(int steps);
-    void SelectScaleY(int index);
-    void BaseLine(int index);
-    void MoveBaseLine(std::int64_t rows);
+    void SelectZoomX(int index) { ViewChanged(m_view.SelectZoomX(index)); }
+    void ZoomX(int index) { ViewChanged(m_view.ZoomX(index == 1)); }
+    void ZoomY(int index) { ViewChanged(m_view.ZoomY(index == 0 ? -1 : 1)); }
+    void SelectScaleY(int index) { ViewChanged(m_view.SelectScaleY(index)); }
+    void BaseLine(int index) { ViewChanged(index == 0 ? m_view.SetBipolar() : m_view.FindData()); }
     void ChangeView(int index);
     void ShowSample(std::int32_t sample);
     void GoToMark(int index);
@@ -241,7 +225,6 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     void DragSelection(int x);
     void FinishSelection(int x);
     void Select(int index);
-    void MoveSelectionEnd(std::int32_t columns);
     void OnTimer(UINT_PTR timer);
     [[nodiscard]] bool RouteWheel(const MSG& message);
     void OnWheel(HWND under, int delta, UINT keys, bool alt, int column);
@@ -351,13 +334,14 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     QL_Global& m_global;
     WinServices& m_services;
     Document& m_document;
+    WaveformView& m_view;
     TimerFactory m_makeTimer;
     std::function<void()> m_shutdown;
     std::unique_ptr<cFileNotification> m_watch;  ///< made when the window loads
     std::unique_ptr<TimerObject> m_lookTimer;    ///< looks at the file of the recording
     bool m_lookDue = false;                      ///< also where that may take its time
     std::u16string m_changeTold;                 ///< what "Status" was told of a change of the file
-    std::optional<KeptView> m_kept;              ///< while the recording is loaded anew
+    std::optional<WaveformView::State> m_kept;   ///< while the recording is loaded anew
 
     HWND m_window = nullptr;
     Menu m_menu;
@@ -401,14 +385,12 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     HWND m_hovering = nullptr;  ///< graph or spectrogram, while it holds the mouse for the hover readout
     POINT m_hoverPoint{};
     std::int16_t m_menuChannel = 0;      ///< whose trace is nearest to where the context menu opened; 0: none
-    std::int32_t m_goneTo = 0;           ///< sample that was gone to, until the view changes; 0: none
     std::optional<POINT> m_releasedAt;   ///< where the pointer was when a selection was finished
     bool m_altUsed = false;              ///< the Alt key that is down was part of a gesture
     int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
     bool m_folderMissing = false;        ///< that of the settings could not be read, and the user chose no other yet
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
-    bool m_scaleFitted = false;          ///< to a block, since the start
     std::int64_t m_baseLineMiddle = 0;   ///< shift of the base line at which the amplitude scroll bar is in its middle
     std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
     std::u16string m_unreadable;         ///< what "Status" was told of samples that cannot be read

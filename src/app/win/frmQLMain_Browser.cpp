@@ -221,7 +221,7 @@ void frmQLMain::LookAtRecording(bool asked) try {
     const std::u16string name = FileNameOf(m_document.File().fileName);
     if (name.empty()) return OpenFile(Wide(FileNameOf(m_document.LastPath())));
     StopSound();
-    m_kept = ViewToKeep();
+    m_kept = m_view.Keep();
     const bool loaded = m_document.Reload(stamp);
     if (loaded) {
         LeaveBlock();
@@ -236,25 +236,6 @@ void frmQLMain::LookAtRecording(bool asked) try {
 } catch (const std::exception& error) {
     m_kept.reset();
     Failed(error);
-}
-
-frmQLMain::KeptView frmQLMain::ViewToKeep() const {
-    return {PresentView(), m_global.history, m_global.selection};
-}
-
-void frmQLMain::RestoreView(const KeptView& kept) {
-    TimeAxis& axis = m_global.axis;
-    axis.Restore(kept.place.zoom, kept.place.firstColumn);
-    // Of a shorter recording the last page is seen rather than nothing.
-    if (axis.Visible().Count() == 0) axis.ScrollBy(axis.PageShift(1));
-    m_global.amplitude.SelectScale(kept.place.scale);
-    m_global.amplitude.MoveBaseLine(kept.place.shift - m_global.amplitude.Shift());
-    m_global.history = kept.history;
-    const std::int32_t samples = m_document.Block().sampleCount;
-    m_global.selection = kept.selection;
-    m_global.selection.active = kept.selection.active && kept.selection.First() <= samples;
-    m_global.selection.start = std::min(kept.selection.start, samples);
-    m_global.selection.end = std::min(kept.selection.end, samples);
 }
 
 void frmQLMain::FileCommand(int index) {
@@ -416,26 +397,22 @@ void frmQLMain::LeaveBlock() {
     const HWND capture = GetCapture();
     if (capture != nullptr && (capture == m_graphBox.Window() || capture == m_scaleYBox.Window())) ReleaseCapture();
     m_menuChannel = 0;
-    m_goneTo = 0;
     if (!m_unreadable.empty() && m_services.Status() == std::exchange(m_unreadable, {})) m_services.SetStatus({});
-    m_global.ranges.Reset();
-    m_global.selection = {};
-    m_global.history.Clear();
+    m_view.LeaveBlock();
     m_graph.ForgetBlock();
     m_fft.FFT_ClearState();
     if (!m_closing) m_graph.Clear(m_layout.graph.width, m_layout.graph.height);
 }
 
 void frmQLMain::ShowBlock() {
-    m_global.axis.SetBlock(m_document.Block().sampleCount);
-    m_global.axis.SetWidth(m_layout.graph.width);
-    m_global.amplitude.SetGraph(m_layout.graph.height, m_layout.graph.height / 2);
-    if (m_kept) RestoreView(*m_kept);
+    m_view.BlockLoaded();
+    m_view.Arrange(m_layout.graph.width, m_layout.graph.height);
+    if (m_kept) m_view.Restore(*m_kept);
     if (m_complete) ShowBlockDetails();
     if (!m_kept) FitUnlessLegible();
     ShowCaption();
     Refresh();
-    if (m_kept && m_global.selection.active) ShowRange();
+    if (m_kept && m_view.Selected().active) ShowRange();
     if (m_complete) ShowBlockSpectrum();
 }
 

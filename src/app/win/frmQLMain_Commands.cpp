@@ -44,7 +44,7 @@ Key KeyOf(WPARAM code) {
 
 std::wstring frmQLMain::CaptionOf(const MenuEntry& entry, int index) const {
     if (entry.captionId == 0)
-        return Wide(ComputedCaption(entry.id + index, m_global.rawCodes, m_global.format.decimalSeparator));
+        return Wide(ComputedCaption(entry.id + index, m_view.RawCodes(), m_global.format.decimalSeparator));
     const std::u16string caption = m_services.Text(entry.captionId + index);
     const std::u16string accelerator = AcceleratorText(entry.id + index, m_services);
     return Wide(accelerator.empty() ? caption : caption + u'\t' + accelerator);
@@ -99,7 +99,7 @@ void frmQLMain::OnInitMenu(HMENU menu) {
         if (id >= mnuScaleY && id < mnuScaleY + AmplitudeScale::kScaleCount) {
             // Units or codes, as the options have it now.
             const std::u16string caption =
-                ComputedCaption(static_cast<int>(id), m_global.rawCodes, m_global.format.decimalSeparator);
+                ComputedCaption(static_cast<int>(id), m_view.RawCodes(), m_global.format.decimalSeparator);
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
         }
         const bool enabled = IsEnabled(static_cast<int>(id), state);
@@ -316,10 +316,10 @@ CommandState frmQLMain::State() const {
     state.sampleCount = m_document.Block().sampleCount;
     state.hasMarks = !m_document.Block().marks.empty();
     state.isSolo = m_document.IsSolo();
-    state.hasSelection = m_global.selection.active;
-    state.hasHistory = !m_global.history.IsEmpty();
-    state.zoomX = m_global.axis.ZoomIndex();
-    state.scaleY = m_global.amplitude.Index();
+    state.hasSelection = m_view.Selected().active;
+    state.hasHistory = m_view.HasHistory();
+    state.zoomX = m_view.Axis().ZoomIndex();
+    state.scaleY = m_view.ScaleY();
     state.spectrogramShown = m_global.settings.spectrogramShown;
     state.soundDevices = m_global.sound.devices;
     state.soundDevice = m_global.sound.device;

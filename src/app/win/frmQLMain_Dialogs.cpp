@@ -20,10 +20,10 @@ void frmQLMain::Options(int) {
     const std::optional<OptionChanges> changes = dialog.Show(m_window, values);
     if (!changes || m_window == nullptr || m_closing) return;
     StoreOptions(values, settings);
-    const bool codesBefore = m_global.rawCodes;
+    const bool codesBefore = m_view.RawCodes();
     ApplyDisplaySettings(m_global);
     // Codes and values have scales of their own.
-    if (m_global.rawCodes != codesBefore) FitUnlessLegible();
+    if (m_view.RawCodes() != codesBefore) FitUnlessLegible();
     if (changes->initSpectrogram) InitSpectrum();
     if (changes->buildPalette) m_fft.FFT_BuildPalette();
     if (changes->buildWindow) m_fft.FFT_BuildWindow();

@@ -76,7 +76,7 @@ bool frmQLMain::StayAlive() {
 }
 
 frmQLMain::SampleRange frmQLMain::ExportRange() const {
-    const Selection& selection = m_global.selection;
+    const Selection& selection = m_view.Selected();
     if (selection.active) return {selection.First(), selection.Count()};
     return {1, m_document.Block().sampleCount};
 }
@@ -155,7 +155,7 @@ bool frmQLMain::MayReplace(std::vector<std::u16string> files) const {
 }
 
 void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range) {
-    TextExportContext context{m_document.Slots(), m_global.format, m_global.rawCodes, m_services, m_global.openText};
+    TextExportContext context{m_document.Slots(), m_global.format, m_view.RawCodes(), m_services, m_global.openText};
     context.runPending = [this] { return StayAlive(); };
     const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
     std::u16string unread;
@@ -249,7 +249,7 @@ void frmQLMain::CopyImage(std::u16string_view target) {
     const bool spectrogram = m_global.settings.spectrogramShown;
     const ImageWindows windows{m_scaleYBox.Window(), m_graphBox.Window(), spectrogram ? m_scaleFBox.Window() : nullptr,
                                spectrogram ? m_fftBox.Window() : nullptr, m_scaleXBox.Window()};
-    const TimeAxis& axis = m_global.axis;
+    const TimeAxis& axis = m_view.Axis();
     const std::int32_t last = SampleUnder(axis, std::max<std::int32_t>(m_layout.graph.width - 1, 0));
     const auto place = [&](std::int32_t sample) {
         return PositionText(m_document.Block(), sample, u" ", m_global.format);

@@ -23,13 +23,13 @@ constexpr std::int64_t kBaseLineReach = 2000;
 void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
     RECT client{};
     GetClientRect(GetDlgItem(m_window, id), &client);
-    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_global.axis, m_document.Block(), m_global.format));
+    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_global.format));
     if (id == pbScaleY) {
         const bool empty = m_document.Block().sampleCount == 0;
         m_scales.PaintAmplitude(
             dc, client,
             empty ? std::vector<ScaleLabel>()
-                  : AmplitudeLabels(m_global.amplitude, m_global.rawCodes, m_global.format.decimalSeparator));
+                  : AmplitudeLabels(m_view.GetLanes(), m_view.RawCodes(), m_global.format.decimalSeparator));
     }
     if (id == pbPathList) {
         FillRect(dc, &clip, GetSysColorBrush(COLOR_BTNFACE));
@@ -47,20 +47,20 @@ void frmQLMain::PaintPicture(int id, HDC dc, const RECT& clip) {
 }
 
 void frmQLMain::UpdateScrollBars() {
-    const bool scrollable = m_global.axis.CanScroll() && m_global.axis.StripLength() > 0;
+    const bool scrollable = m_view.Axis().CanScroll() && m_view.Axis().StripLength() > 0;
     SCROLLINFO info{};
     info.cbSize = sizeof info;
     info.fMask = SIF_ALL;
-    info.nPage = static_cast<UINT>(m_global.axis.ScrollPage());
+    info.nPage = static_cast<UINT>(m_view.Axis().ScrollPage());
     // A scroll bar stops one page before its maximum; ours counts positions of the first column.
     info.nMax = TimeAxis::kScrollMax + static_cast<int>(info.nPage) - 1;
-    info.nPos = m_global.axis.ScrollValue();
+    info.nPos = m_view.Axis().ScrollValue();
     const HWND horizontal = GetDlgItem(m_window, scScaleX);
     SetScrollInfo(horizontal, SB_CTL, &info, TRUE);
     EnableWindow(horizontal, scrollable);
 
     // A base line that lies farther away is the middle of the bar, so that the thumb moves it from where it is.
-    const std::int64_t shift = m_global.amplitude.Shift();
+    const std::int64_t shift = m_view.BaseLineShift();
     if (std::abs(shift - m_baseLineMiddle) > kBaseLineReach) m_baseLineMiddle = shift;
     if (std::abs(shift) <= kBaseLineReach) m_baseLineMiddle = 0;
     constexpr auto reach = static_cast<int>(kBaseLineReach);
@@ -87,53 +87,47 @@ int TrackPosition(HWND scrollBar) {
 }  // namespace
 
 void frmQLMain::OnHScroll(UINT code) {
-    const std::int32_t width = m_global.axis.Width();
+    const std::int32_t width = m_view.Axis().Width();
     switch (code) {
-        case SB_LINELEFT: ScrollBy(-20); return;
-        case SB_LINERIGHT: ScrollBy(20); return;
-        case SB_PAGELEFT: ScrollBy(-(width - width % TimeAxis::kDivision)); return;
-        case SB_PAGERIGHT: ScrollBy(width - width % TimeAxis::kDivision); return;
-        case SB_LEFT: ScrollBy(m_global.axis.PageShift(0)); return;
-        case SB_RIGHT: ScrollBy(m_global.axis.PageShift(3)); return;
+        case SB_LINELEFT: return ViewChanged(m_view.ScrollBy(-20));
+        case SB_LINERIGHT: return ViewChanged(m_view.ScrollBy(20));
+        case SB_PAGELEFT: return ViewChanged(m_view.ScrollBy(-(width - width % TimeAxis::kDivision)));
+        case SB_PAGERIGHT: return ViewChanged(m_view.ScrollBy(width - width % TimeAxis::kDivision));
+        case SB_LEFT: return ViewChanged(m_view.ScrollBy(m_view.Axis().PageShift(0)));
+        case SB_RIGHT: return ViewChanged(m_view.ScrollBy(m_view.Axis().PageShift(3)));
         case SB_THUMBTRACK:
         case SB_THUMBPOSITION: break;
         default: return;
     }
-    const std::int32_t before = m_global.axis.FirstColumn();
-    if (m_global.axis.SetScrollValue(TrackPosition(GetDlgItem(m_window, scScaleX))))
-        Scrolled(m_global.axis.FirstColumn() - before);
+    ViewChanged(m_view.SetScrollValue(TrackPosition(GetDlgItem(m_window, scScaleX))));
 }
 
 void frmQLMain::OnVScroll(UINT code) {
     const std::int32_t page = m_layout.graph.height / AmplitudeScale::kDivision * AmplitudeScale::kDivision;
     switch (code) {
-        case SB_LINEUP: MoveBaseLine(20); return;
-        case SB_LINEDOWN: MoveBaseLine(-20); return;
-        case SB_PAGEUP: MoveBaseLine(page); return;
-        case SB_PAGEDOWN: MoveBaseLine(-page); return;
+        case SB_LINEUP: return ViewChanged(m_view.MoveBaseLine(20));
+        case SB_LINEDOWN: return ViewChanged(m_view.MoveBaseLine(-20));
+        case SB_PAGEUP: return ViewChanged(m_view.MoveBaseLine(page));
+        case SB_PAGEDOWN: return ViewChanged(m_view.MoveBaseLine(-page));
         case SB_THUMBTRACK:
         case SB_THUMBPOSITION: break;
         default: return;
     }
-    MoveBaseLine(m_baseLineMiddle - TrackPosition(GetDlgItem(m_window, scScaleY)) - m_global.amplitude.Shift());
+    const std::int64_t shift = m_baseLineMiddle - TrackPosition(GetDlgItem(m_window, scScaleY));
+    ViewChanged(m_view.MoveBaseLine(shift - m_view.BaseLineShift()));
 }
 
 void frmQLMain::FitUnlessLegible() {
     if (m_layout.graph.height < 1) return;
-    // A scale that the user chose stays from block to block as long as the new one is legible at it.
-    const std::optional<ValueRange> range = m_graph.SeenRange(Scene());
-    if (!range || (m_scaleFitted && m_global.amplitude.Shows(*range))) return;
-    m_global.amplitude.FindData(range);
-    m_scaleFitted = true;
+    m_view.FitScales(m_graph.SeenRanges(Scene()));
 }
 
 GraphScene frmQLMain::Scene() const {
     const Settings& settings = m_global.settings;
     return {m_document.Block(),
-            m_document.Slots(),
-            m_global.axis,
-            m_global.amplitude,
-            m_global.rawCodes,
+            m_view.Axis(),
+            m_view.GetLanes(),
+            m_view.RawCodes(),
             m_global.systemVersion < 4,
             static_cast<GridStyle>(std::clamp<int>(settings.gridStyle, 0, 2)),
             TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(settings.gridColor))))};
@@ -144,7 +138,7 @@ void frmQLMain::TellUnreadable(bool wholeView) {
     std::string reason = hasSamples ? m_graph.ReadFailure() : std::string();
     if (reason.empty() && hasSamples && m_global.settings.spectrogramShown) reason = m_fft.ReadFailure();
     const bool inView = !reason.empty();
-    if (!inView) reason = m_global.ranges.Failure();
+    if (!inView) reason = m_view.Ranges().Failure();
     if (!reason.empty()) {
         const std::u16string text = FileNameOf(m_document.File().fileName) + u": " +
                                     m_services.Text(inView ? IDS_UNREADABLE : IDS_RANGE_PARTIAL) + u": " +
@@ -161,12 +155,10 @@ void frmQLMain::TellUnreadable(bool wholeView) {
 
 void frmQLMain::Refresh(std::int32_t shift) {
     if (m_closing || IsIconic(m_window)) return;
-    m_goneTo = 0;
     const PixelRect& graph = m_layout.graph;
-    m_global.axis.SetWidth(graph.width);
-    m_global.amplitude.SetGraph(graph.height, graph.height / 2);
+    m_view.Arrange(graph.width, graph.height);
     // The first recording is open before the graph has a size.
-    if (!m_scaleFitted) FitUnlessLegible();
+    if (!m_view.HasFittedScales()) FitUnlessLegible();
     if (m_document.Block().sampleCount > 0) {
         HideCursorBand();
         ShowSelection();
@@ -187,7 +179,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
     TellUnreadable(shift == 0 || std::abs(shift) >= graph.width);
     if (!m_complete) return;
     KeepValuesTrue();
-    m_zoomX.SetCaption(ZoomCaption(m_global.axis.ZoomIndex()));
+    m_zoomX.SetCaption(ZoomCaption(m_view.Axis().ZoomIndex()));
     UpdateScrollBars();
     ShowPanels();
     UpdateCommands();
@@ -203,7 +195,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
 frmQLMain::ValuesBasis frmQLMain::PresentBasis() const {
     return {ShownChannels(m_document.Block(), m_document.Slots()),
             m_global.format,
-            m_global.rawCodes,
+            m_view.RawCodes(),
             m_global.settings,
             m_fft.State().channelIndex,
             m_global.settings.spectrogramShown};
@@ -233,9 +225,9 @@ void frmQLMain::KeepValuesTrue() {
 
 void frmQLMain::ShowPanels() const {
     const HWND status = GetDlgItem(m_window, sbInfo);
-    const PanelTexts texts = BlockPanels({m_document.Block(), m_document.Slots(), m_global.axis, m_global.format,
-                                          m_global.amplitude.Index(), m_global.rawCodes},
-                                         m_services);
+    const PanelTexts texts = BlockPanels(
+        {m_document.Block(), m_document.Slots(), m_view.Axis(), m_global.format, m_view.ScaleY(), m_view.RawCodes()},
+        m_services);
     constexpr auto own = static_cast<std::size_t>(StatusPanel::Status);
     // Every panel is as wide as its text; "Status" takes the rest.
     const int margin = MulDiv(14, m_dpi, 96);

@@ -15,7 +15,7 @@ constexpr UINT kAutoScrollPeriod = 40;  // ms
 }  // namespace
 
 ReadoutSource frmQLMain::Source() const {
-    return {m_document.Block(), m_document.Slots(), m_global.format, m_global.rawCodes};
+    return {m_document.Block(), m_document.Slots(), m_global.format, m_view.RawCodes()};
 }
 
 bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -58,7 +58,7 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
         case WM_MBUTTONDOWN:
         case WM_MBUTTONDBLCLK:
             EndHover();
-            m_gesture = {Gesture::Pan, x, y, m_global.axis.FirstColumn(), m_global.amplitude.Shift()};
+            m_gesture = {Gesture::Pan, x, y, m_view.Axis().FirstColumn(), m_view.BaseLineShift()};
             SetCapture(m_graphBox.Window());
             SetCursor(LoadCursorW(nullptr, IDC_SIZEALL));
             return true;
@@ -66,8 +66,8 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
             if (m_gesture.kind == Gesture::Select) {
                 DragSelection(x);
             } else if (m_gesture.kind == Gesture::Pan) {
-                ScrollBy(m_gesture.column - (x - m_gesture.x) - m_global.axis.FirstColumn());
-                MoveBaseLine(m_gesture.shift + (y - m_gesture.y) - m_global.amplitude.Shift());
+                ViewChanged(m_view.Move(m_gesture.column - (x - m_gesture.x) - m_view.Axis().FirstColumn(),
+                                        m_gesture.shift + (y - m_gesture.y) - m_view.BaseLineShift()));
             } else if ((wParam & MK_LBUTTON) == 0 || control) {
                 Hover(x, y);
             }
@@ -81,7 +81,7 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
         case WM_RBUTTONUP: {
             if (m_gesture.kind != Gesture::None) return true;
             EndHover();
-            m_menuChannel = ChannelNear(Source(), m_global.amplitude, SampleUnder(m_global.axis, x), y);
+            m_menuChannel = ChannelNear(Source(), m_view.GetLanes(), SampleUnder(m_view.Axis(), x), y);
             POINT screen{x, y};
             ClientToScreen(m_graphBox.Window(), &screen);
             ShowContextMenu(screen);
@@ -93,10 +93,10 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
 
 bool frmQLMain::ScaleYMouse(UINT message, int y) {
     if ((message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) && m_document.Block().sampleCount > 0) {
-        m_gesture = {Gesture::BaseLine, 0, y, 0, m_global.amplitude.Shift()};
+        m_gesture = {Gesture::BaseLine, 0, y, 0, m_view.BaseLineShift()};
         SetCapture(m_scaleYBox.Window());
     } else if (message == WM_MOUSEMOVE && m_gesture.kind == Gesture::BaseLine) {
-        MoveBaseLine(m_gesture.shift + (y - m_gesture.y) - m_global.amplitude.Shift());
+        ViewChanged(m_view.MoveBaseLine(m_gesture.shift + (y - m_gesture.y) - m_view.BaseLineShift()));
     } else if (message == WM_LBUTTONUP && m_gesture.kind == Gesture::BaseLine) {
         ReleaseCapture();
     } else if (message == WM_CAPTURECHANGED) {
@@ -112,8 +112,7 @@ void frmQLMain::EndGesture() {
     if (m_gesture.kind == Gesture::None) return;
     KillTimer(m_window, kAutoScroll);
     // A selection that was taken away in mid-drag stays as far as it came.
-    if (m_gesture.kind == Gesture::Select && m_global.selection.start == m_global.selection.end)
-        m_global.selection.active = false;
+    if (m_gesture.kind == Gesture::Select && m_view.Selected().start == m_view.Selected().end) m_view.Deselect();
     m_gesture.kind = Gesture::None;
     ShowSelection();
     UpdateCommands();
@@ -148,7 +147,7 @@ bool frmQLMain::HoverStays(HWND box) {
 void frmQLMain::Hover(int x, int y) {
     if (!HoverStays(m_graphBox.Window())) return;
     m_hoverPoint = {x, y};
-    ShowHover(SampleUnder(m_global.axis, x), x, y);
+    ShowHover(SampleUnder(m_view.Axis(), x), x, y);
 }
 
 bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
@@ -158,8 +157,8 @@ bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
     if (message != WM_MOUSEMOVE || m_document.Block().sampleCount == 0) return false;
     if (!HoverStays(m_fftBox.Window())) return true;
     m_hoverPoint = {x, y};
-    const std::int32_t sample = SampleUnder(m_global.axis, x);
-    MoveCursorBand(BandOf(m_global.axis, sample, sample));
+    const std::int32_t sample = SampleUnder(m_view.Axis(), x);
+    MoveCursorBand(BandOf(m_view.Axis(), sample, sample));
     TellValues(ValuesKind::Spectrum, SpectrumReadout(sample, y));
     return true;
 }
@@ -177,7 +176,7 @@ void frmQLMain::InvalidateBand(const RECT& part) const {
 }
 
 void frmQLMain::ShowHover(std::int32_t sample, int x, int row) {
-    MoveCursorBand(BandOf(m_global.axis, sample, sample));
+    MoveCursorBand(BandOf(m_view.Axis(), sample, sample));
     const auto mark = m_graph.MarkAt(Scene(), x, row);
     TellHover(sample, mark ? m_document.Block().marks[*mark].text : std::u16string());
 }
@@ -208,62 +207,61 @@ void frmQLMain::InvalidateGraph(const RECT& part) const {
 // The selection.
 
 void frmQLMain::ShowSelection() {
-    const Selection& selection = m_global.selection;
+    const Selection& selection = m_view.Selected();
     InvalidateGraph(
         m_graph.SetBand(GraphBand::Selection,
-                        selection.active ? BandOf(m_global.axis, selection.First(), selection.Last()) : std::nullopt));
+                        selection.active ? BandOf(m_view.Axis(), selection.First(), selection.Last()) : std::nullopt));
     if (m_valuesKind == ValuesKind::Range && !selection.active) TellDetails();
 }
 
 void frmQLMain::ShowRange() {
-    TellValues(ValuesKind::Range, RangeReadout(Source(), m_global.selection));
+    TellValues(ValuesKind::Range, RangeReadout(Source(), m_view.Selected()));
 }
 
 void frmQLMain::StartSelection(int x, bool extend) {
     EndHover();
-    Selection& selection = m_global.selection;
     m_gesture = {Gesture::Select, x, 0, 0, 0};
     SetCapture(m_graphBox.Window());
-    if (extend && selection.active) return DragSelection(x);
-    const std::int32_t sample = SampleUnder(m_global.axis, x);
-    selection = {true, m_document.CurrentChannel(), sample, sample};
+    if (extend && m_view.Selected().active) return DragSelection(x);
+    const std::int32_t sample = SampleUnder(m_view.Axis(), x);
+    m_view.Select(sample, sample);
     ShowSelection();
     // The range that was told is not selected any more.
     if (m_valuesKind == ValuesKind::Range) TellHover(sample, {});
 }
 
 void frmQLMain::DragSelection(int x) {
-    if (!m_global.selection.active) return;
-    const bool outside = x < 0 || x >= m_global.axis.Width();
+    if (!m_view.Selected().active) return;
+    const bool outside = x < 0 || x >= m_view.Axis().Width();
     m_gesture.x = x;
     if (outside) {
         SetTimer(m_window, kAutoScroll, kAutoScrollPeriod, nullptr);
     } else {
         KillTimer(m_window, kAutoScroll);
     }
-    m_global.selection.end = SampleUnder(m_global.axis, std::clamp(x, 0, m_global.axis.Width() - 1));
+    m_view.SelectTo(SampleUnder(m_view.Axis(), std::clamp(x, 0, m_view.Axis().Width() - 1)));
     ShowSelection();
     ShowRange();
 }
 
 void frmQLMain::OnTimer(UINT_PTR timer) {
-    if (timer != kAutoScroll || m_gesture.kind != Gesture::Select || !m_global.selection.active) return;
+    if (timer != kAutoScroll || m_gesture.kind != Gesture::Select || !m_view.Selected().active) return;
     // The further outside the pointer is, the faster the view runs, up to a division a step.
-    const int beyond = m_gesture.x < 0 ? m_gesture.x : m_gesture.x - m_global.axis.Width() + 1;
-    const std::int32_t lastFirst = std::max(m_global.axis.StripLength() - m_global.axis.Width(), 0);
+    const int beyond = m_gesture.x < 0 ? m_gesture.x : m_gesture.x - m_view.Axis().Width() + 1;
+    const std::int32_t lastFirst = std::max(m_view.Axis().StripLength() - m_view.Axis().Width(), 0);
     const std::int32_t shift = std::clamp(beyond, -TimeAxis::kDivision, TimeAxis::kDivision);
-    ScrollBy(std::min(shift, std::max(lastFirst - m_global.axis.FirstColumn(), 0)));
+    ViewChanged(m_view.ScrollBy(std::min(shift, std::max(lastFirst - m_view.Axis().FirstColumn(), 0))));
     DragSelection(m_gesture.x);
 }
 
 void frmQLMain::FinishSelection(int x) {
     KillTimer(m_window, kAutoScroll);
     // A release outside the graph ends where the drag was shown.
-    if (m_global.selection.active)
-        m_global.selection.end = SampleUnder(m_global.axis, std::clamp(x, 0, m_global.axis.Width() - 1));
+    if (m_view.Selected().active)
+        m_view.SelectTo(SampleUnder(m_view.Axis(), std::clamp(x, 0, m_view.Axis().Width() - 1)));
     // Ends the gesture through the loss of the capture, and drops a selection of no length.
     ReleaseCapture();
-    if (!m_global.selection.active) return;
+    if (!m_view.Selected().active) return;
     ShowRange();
     GetCursorPos(&m_releasedAt.emplace());
 }
@@ -271,27 +269,7 @@ void frmQLMain::FinishSelection(int x) {
 void frmQLMain::Select(int index) {
     if (index == 2 && m_global.sound.playing) return StopSound();
     if (m_gesture.kind == Gesture::Select) ReleaseCapture();
-    Selection& selection = m_global.selection;
-    const VisibleRange visible = m_global.axis.Visible();
-    if (index == 1 && visible.Count() < 1) return;
-    selection = index == 0   ? Selection{true, m_document.CurrentChannel(), 1, m_document.Block().sampleCount}
-                : index == 1 ? Selection{true, m_document.CurrentChannel(), visible.first, visible.last}
-                             : Selection{};
-    ShowSelection();
-    if (selection.active) ShowRange();
-    UpdateCommands();
-}
-
-void frmQLMain::MoveSelectionEnd(std::int32_t columns) {
-    Selection& selection = m_global.selection;
-    const std::int64_t end = std::int64_t{selection.end} + std::int64_t{columns} * m_global.axis.SamplesPerPixel();
-    selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_document.Block().sampleCount));
-    // The end stays in view.
-    const std::int32_t column = (selection.end - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
-    if (column < 0) ScrollBy(column);
-    if (column >= m_global.axis.Width()) ScrollBy(column - m_global.axis.Width() + 1);
-    ShowSelection();
-    ShowRange();
+    ViewChanged(index == 0 ? m_view.SelectBlock() : index == 1 ? m_view.SelectVisible() : m_view.Deselect());
 }
 
 // The wheel.
@@ -336,11 +314,11 @@ void frmQLMain::OnWheel(HWND under, int delta, UINT keys, bool alt, int column) 
     const bool zoomY = under == m_scaleYBox.Window() || alt || (control && shift);
     const bool zoomX = under == m_scaleXBox.Window() || control;
     if (zoomY) {
-        StepScaleY(notches);
+        ViewChanged(m_view.ZoomY(notches));
     } else if (zoomX) {
-        ZoomAbout(notches, column);
+        ViewChanged(m_view.ZoomAbout(notches, column));
     } else {
-        ScrollBy(-notches * (shift ? 20 : 100));
+        ViewChanged(m_view.ScrollBy(-notches * (shift ? 20 : 100)));
     }
 }
 

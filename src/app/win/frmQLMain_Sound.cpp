@@ -36,9 +36,9 @@ void frmQLMain::KeepSoundState() {
 void frmQLMain::SoundPlay(int index) {
     if (index == 2) return StopSound();
     // Without a selection the part of the block that is seen is heard.
-    const VisibleRange visible = m_global.axis.Visible();
+    const VisibleRange visible = m_view.Axis().Visible();
     const SampleRange range =
-        m_global.selection.active ? ExportRange() : SampleRange{visible.first, visible.last - visible.first + 1};
+        m_view.Selected().active ? ExportRange() : SampleRange{visible.first, visible.last - visible.first + 1};
     const std::int16_t chosen = m_menuChannel != 0 ? m_menuChannel : m_document.CurrentChannel();
     m_global.sound.position = 0;
     m_followsSound = false;
@@ -93,13 +93,13 @@ void frmQLMain::objSound_PlayProgress(std::int32_t sample) {
     if (m_graph.Band(GraphBand::Play)) m_followsSound = true;
     // The line went over the edge of the view, or a zoom left it there.
     else if (m_followsSound)
-        ScrollBy((sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn());
+        ViewChanged(m_view.ScrollBy((sample - 1) / m_view.Axis().SamplesPerPixel() - m_view.Axis().FirstColumn()));
 }
 
 void frmQLMain::ShowPlayLine() {
     const std::int32_t sample = m_global.sound.position;
     const RECT changed =
-        m_graph.SetBand(GraphBand::Play, sample > 0 ? BandOf(m_global.axis, sample, sample) : std::nullopt);
+        m_graph.SetBand(GraphBand::Play, sample > 0 ? BandOf(m_view.Axis(), sample, sample) : std::nullopt);
     InvalidateBand(changed);
 }
 

@@ -36,8 +36,8 @@ void frmQLMain::ChooseSpectrumChannel() {
     ValueRange limits;
     if (m_global.settings.spectrogramShown) {
         // Where nothing can be read any range lets the columns be tried again.
-        const auto range = m_global.ranges.Of(m_document.Block(), channel);
-        limits = range ? *range : m_global.ranges.Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
+        const auto range = m_view.Ranges().Of(m_document.Block(), channel);
+        limits = range ? *range : m_view.Ranges().Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
     }
     m_fft.FFT_SetChannel(m_document.Block().block.get(), m_document.File().currentBlockIndex,
                          static_cast<std::int16_t>(channel - 1), limits);
@@ -53,14 +53,14 @@ void frmQLMain::Spectrogram_Draw(bool force) {
         m_paletteBox.Invalidate();
         return;
     }
-    const TimeAxis& axis = m_global.axis;
+    const TimeAxis& axis = m_view.Axis();
     const bool zoomed = m_fft.State().samplesPerColumn != axis.SamplesPerPixel();
     const bool moved = m_fft.State().firstColumn != axis.FirstColumn();
     const auto update = [&](bool all) {
         return m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), all);
     };
     std::int32_t computed = update(force || zoomed);
-    if (m_fft.HasRecovered() && !m_global.ranges.Failure().empty()) {
+    if (m_fft.HasRecovered() && !m_view.Ranges().Failure().empty()) {
         // What could not be read can be again, so the range was that of a part.
         ChooseSpectrumChannel();
         computed = update(true);
@@ -110,7 +110,7 @@ std::u16string frmQLMain::SpectrumReadout(std::int32_t sample, int row) const {
     const bool linear = m_global.settings.type == 1;
     const std::u16string place = u"X:\t" + PositionText(m_document.Block(), sample, u" ", m_global.format) +
                                  u"\r\nF:\t" + FormatFrequency(hertz, u" ", false, m_global.format) + u"\r\nL:\t";
-    const std::optional<ColumnBand> band = BandOf(m_global.axis, sample, sample);
+    const std::optional<ColumnBand> band = BandOf(m_view.Axis(), sample, sample);
     if (!band || band->left >= m_fft.ImageWidth() || !m_fft.IsRead(band->left)) return place + u"\r\n";
     const std::uint8_t index =
         m_fft.Image()[static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_fft.ImageWidth()) +

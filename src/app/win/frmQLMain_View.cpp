@@ -8,7 +8,6 @@
 #include "base/StringIds.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
-#include "view/DataRange.h"
 #include "view/PositionInput.h"
 
 namespace quillon {
@@ -26,137 +25,39 @@ std::wstring Plain(const std::u16string& caption) {
 
 }  // namespace
 
-ViewPlace frmQLMain::PresentView() const {
-    return {m_global.axis.ZoomIndex(), m_global.axis.FirstColumn(), m_global.amplitude.Index(),
-            m_global.amplitude.Shift()};
-}
-
-void frmQLMain::KeepView() {
-    m_global.history.Push(PresentView());
-}
-
-void frmQLMain::ScrollBy(std::int32_t shift) {
-    if (const std::int32_t moved = m_global.axis.ScrollBy(shift); moved != 0) Scrolled(moved);
-}
-
-void frmQLMain::Scrolled(std::int32_t shift) {
-    Refresh(shift);
-    m_followsSound = m_graph.Band(GraphBand::Play).has_value();
-}
-
-void frmQLMain::GoTo(int index) {
-    if (index == 0 || index == 3) KeepView();
-    ScrollBy(m_global.axis.PageShift(index));
+void frmQLMain::ViewChanged(const ViewChange& change) {
+    if (change.redraw || change.scrolled != 0) Refresh(change.scrolled);
+    if (change.newPlace) m_followsSound = m_graph.Band(GraphBand::Play).has_value();
+    if (change.selection) {
+        ShowSelection();
+        if (m_view.Selected().active) ShowRange();
+    }
+    UpdateCommands();
 }
 
 void frmQLMain::MoveView(int index) {
-    const Move move = Moves()[static_cast<std::size_t>(index)];
-    if (std::abs(move.columns) == 1 && m_global.selection.active) return MoveSelectionEnd(move.columns);
-    ScrollBy(move.columns);
-    MoveBaseLine(move.rows);
-}
-
-void frmQLMain::SelectZoomX(int index) {
-    if (index == m_global.axis.ZoomIndex()) return;
-    KeepView();
-    m_global.axis.SelectZoom(index);
-    Refresh();
-}
-
-void frmQLMain::ZoomX(int index) {
-    // Beyond the menu's zooms, where a whole long block is shown, the way out ends and the way in goes on.
-    const int next = m_global.axis.ZoomIndex() + (index == 0 ? 1 : -1);
-    if (next >= 0 && (index != 0 || next < TimeAxis::kMenuZoomCount)) SelectZoomX(next);
-}
-
-void frmQLMain::ZoomAbout(int steps, int column) {
-    const int now = m_global.axis.ZoomIndex();
-    const int coarsest = std::max(now, TimeAxis::kMenuZoomCount - 1);
-    const int next = std::clamp(now - steps, 0, coarsest);
-    if (next == now) return;
-    KeepView();
-    m_global.axis.SelectZoomAbout(next, column);
-    Refresh();
-    m_followsSound = m_graph.Band(GraphBand::Play).has_value();
-}
-
-void frmQLMain::StepScaleY(int steps) {
-    KeepView();
-    m_global.amplitude.ZoomY(steps);
-    Refresh();
-}
-
-void frmQLMain::SelectScaleY(int index) {
-    KeepView();
-    m_global.amplitude.SelectScale(index);
-    Refresh();
-}
-
-void frmQLMain::BaseLine(int index) {
-    KeepView();
-    if (index == 0) {
-        m_global.amplitude.SetBipolar();
-    } else if (m_global.rawCodes) {
-        m_global.amplitude.FindData(kRawCodesRange);
-    } else {
-        m_global.amplitude.FindData(m_global.ranges.OfShown(m_document.Block(), m_document.Slots()));
-    }
-    Refresh();
-}
-
-void frmQLMain::MoveBaseLine(std::int64_t rows) {
-    if (m_document.Block().sampleCount == 0 || rows == 0) return;
-    m_global.amplitude.MoveBaseLine(rows);
-    Refresh();
+    const quillon::Move move = Moves()[static_cast<std::size_t>(index)];
+    const bool movesSelection = std::abs(move.columns) == 1 && m_view.Selected().active;
+    ViewChanged(movesSelection ? m_view.MoveSelectionEnd(move.columns) : m_view.Move(move.columns, move.rows));
 }
 
 void frmQLMain::ChangeView(int index) {
-    TimeAxis& axis = m_global.axis;
-    if (index == 2) {
-        // A view that is the present one is no way back.
-        std::optional<ViewPlace> place;
-        do {
-            place = m_global.history.Pop();
-            if (!place) return UpdateCommands();
-        } while (*place == PresentView());
-        axis.Restore(place->zoom, place->firstColumn);
-        m_global.amplitude.SelectScale(place->scale);
-        m_global.amplitude.MoveBaseLine(place->shift - m_global.amplitude.Shift());
-    } else {
-        KeepView();
-        const Selection& selection = m_global.selection;
-        axis.ShowSamples(index == 0 ? selection.First() : 1, index == 0 ? selection.Last() : axis.SampleCount());
-    }
-    Refresh();
-    m_followsSound = m_graph.Band(GraphBand::Play).has_value();
+    ViewChanged(index == 0 ? m_view.FitSelection() : index == 1 ? m_view.FitBlock() : m_view.Back());
 }
 
 void frmQLMain::ShowSample(std::int32_t sample) {
-    KeepView();
-    ScrollBy(m_global.axis.ShiftTo(sample));
+    ViewChanged(m_view.GoTo(sample));
     // Where the view could not move, a hover readout says where the sample is.
-    const std::int32_t column = (sample - 1) / m_global.axis.SamplesPerPixel() - m_global.axis.FirstColumn();
+    const std::int32_t column = (sample - 1) / m_view.Axis().SamplesPerPixel() - m_view.Axis().FirstColumn();
     ShowHover(sample, column, 0);
-    m_goneTo = sample;
 }
 
 void frmQLMain::GoToMark(int index) {
-    // From the sample that was gone to last, as long as the view has not changed since; else from the middle.
-    const TimeAxis& axis = m_global.axis;
-    const std::int32_t from = m_goneTo != 0 ? m_goneTo : SampleUnder(axis, axis.Width() / 2);
-    const BlockMark* found = nullptr;
-    for (const BlockMark& mark : m_document.Block().marks) {
-        const std::int32_t sample = mark.position + 1;
-        const bool further = index == 1 ? sample > from : sample < from;
-        const bool nearer =
-            found == nullptr || (index == 1 ? mark.position < found->position : mark.position > found->position);
-        if (further && nearer) found = &mark;
-    }
-    if (found != nullptr) ShowSample(found->position + 1);
+    if (const std::optional<std::int32_t> sample = m_view.MarkFrom(index == 1)) ShowSample(*sample);
 }
 
 void frmQLMain::GoToPlace(int) {
-    const std::int32_t present = SampleUnder(m_global.axis, 0);
+    const std::int32_t present = SampleUnder(m_view.Axis(), 0);
     const std::u16string here = PositionText(m_document.Block(), present, u" ", m_global.format);
     const std::optional<std::wstring> answer =
         AskForText(m_window,
@@ -175,8 +76,8 @@ void frmQLMain::GoToPlace(int) {
 }
 
 void frmQLMain::ShowStatistics(int) {
-    const Selection selection = m_global.selection;
-    const ReadoutSource source{m_document.Block(), m_document.Slots(), m_global.format, m_global.rawCodes};
+    const Selection selection = m_view.Selected();
+    const ReadoutSource source{m_document.Block(), m_document.Slots(), m_global.format, m_view.RawCodes()};
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     const std::vector<ChannelStatistics> statistics = StatisticsOf(source, selection.First(), selection.Last());
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));

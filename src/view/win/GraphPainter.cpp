@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "data/ChannelSelection.h"
 #include "view/InvertLightness.h"
 
 namespace quillon {
@@ -74,21 +73,29 @@ bool GraphPainter::Prepare(int width, int height) {
 void GraphPainter::DrawGrid(const GridKey& key) {
     if (m_gridKey == key) return;
     m_gridKey = key;
+    FillWith(m_grid.Handle(), {0, 0, m_width + TimeAxis::kDivision, m_height}, kWhite);
+    for (const GridKey::Rows& lane : key.lanes) DrawLevels(key, lane);
+}
+
+void GraphPainter::DrawLevels(const GridKey& key, const GridKey::Rows& lane) const {
     const HDC dc = m_grid.Handle();
     const int width = m_width + TimeAxis::kDivision;
-    FillWith(dc, {0, 0, width, m_height}, kWhite);
+    const int bottom = lane.top + lane.height;
     constexpr int division = AmplitudeScale::kDivision;
-    int top = static_cast<int>(key.zeroRow % division);
-    if (top < 0) top += division;
+    int first = static_cast<int>((lane.zero - lane.top) % division);
+    if (first < 0) first += division;
+    first += lane.top;
     if (key.style != GridStyle::None) {
         const int step = key.style == GridStyle::Dots ? kDotStep : 1;
+        // The dots of the vertical lines lie on the levels.
+        const int top = lane.top + (first - lane.top) % kDotStep;
         for (int x = 0; x < width; x += TimeAxis::kDivision)
-            DrawDots(dc, {x, top % kDotStep, x + 1, m_height}, step, Lighter(key.color));
-        for (int y = top; y < m_height; y += division) DrawDots(dc, {0, y, width, y + 1}, step, Lighter(key.color));
+            DrawDots(dc, {x, top, x + 1, bottom}, step, Lighter(key.color));
+        for (int y = first; y < bottom; y += division) DrawDots(dc, {0, y, width, y + 1}, step, Lighter(key.color));
     }
     // The zero level is no part of the grid.
-    if (key.zeroRow >= 0 && key.zeroRow < m_height) {
-        const int row = static_cast<int>(key.zeroRow);
+    if (lane.zero >= lane.top && lane.zero < bottom) {
+        const int row = static_cast<int>(lane.zero);
         FillWith(dc, {0, row, width, row + 1}, kZeroColor);
     }
 }
@@ -103,7 +110,7 @@ void GraphPainter::Clear(int width, int height) {
 
 void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
     const bool hasSurface = Prepare(width, height);
-    m_traces.Reset(ShownChannels(scene.block, scene.slots).size(), m_width, m_height);
+    m_traces.Reset(ChannelsOf(scene.lanes).size(), m_width, m_height);
     if (!hasSurface) return;
     DrawColumns(scene, 0, m_width);
     FindArrows(scene);
@@ -128,7 +135,9 @@ void GraphPainter::Scroll(const GraphScene& scene, std::int32_t shift) {
 }
 
 void GraphPainter::DrawColumns(const GraphScene& scene, int from, int to) {
-    DrawGrid({scene.amplitude.ZeroRow(), scene.gridStyle, scene.gridColor});
+    GridKey grid{{}, scene.gridStyle, scene.gridColor};
+    for (const Lane& lane : scene.lanes) grid.lanes.push_back({lane.top, lane.height, lane.ZeroRow()});
+    DrawGrid(grid);
     const ClipScope clip(m_surface.Handle(), {from, 0, to, m_height});
     BitBlt(m_surface.Handle(), from, 0, to - from, m_height, m_grid.Handle(),
            scene.axis.FirstColumn() % TimeAxis::kDivision + from, 0, SRCCOPY);
@@ -218,7 +227,7 @@ void GraphPainter::Paint(HDC target, const RECT& part) const {
 
 void GraphPainter::FindArrows(const GraphScene& scene) {
     m_arrows.clear();
-    const std::vector<std::int16_t> shown = ShownChannels(scene.block, scene.slots);
+    const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     for (std::size_t at = 0; at < shown.size(); ++at) {
         const TraceSides::Side side = m_traces.SideOf(at);
         if (side == TraceSides::Side::None) continue;

@@ -37,7 +37,9 @@ class GraphPainter {
     /// Another block is shown: what was read of the old one is of no use.
     void ForgetBlock() { m_traces.ForgetBlock(); }
     /// See TracePicture.
-    [[nodiscard]] std::optional<ValueRange> SeenRange(const GraphScene& scene) { return m_traces.SeenRange(scene); }
+    [[nodiscard]] std::vector<std::optional<ValueRange>> SeenRanges(const GraphScene& scene) {
+        return m_traces.SeenRanges(scene);
+    }
     /// Moves, shows or hides a band; the returned rectangle holds what has changed.
     RECT SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
     [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const {
@@ -52,7 +54,14 @@ class GraphPainter {
   private:
     /// What the grid was drawn for.
     struct GridKey {
-        std::int64_t zeroRow;
+        /// Rows of a lane, and that of its zero level.
+        struct Rows {
+            int top;
+            int height;
+            std::int64_t zero;
+            friend bool operator==(const Rows&, const Rows&) = default;
+        };
+        std::vector<Rows> lanes;
         GridStyle style;
         std::uint32_t color;
         friend bool operator==(const GridKey&, const GridKey&) = default;
@@ -60,6 +69,7 @@ class GraphPainter {
 
     bool Prepare(int width, int height);
     void DrawGrid(const GridKey& key);
+    void DrawLevels(const GridKey& key, const GridKey::Rows& lane) const;
     void DrawColumns(const GraphScene& scene, int from, int to);
     void DrawMarks(const GraphScene& scene) const;
     void FindArrows(const GraphScene& scene);

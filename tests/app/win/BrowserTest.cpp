@@ -85,18 +85,18 @@ TEST_F(BrowserTest, ARecordingThatChangesIsLoadedAgainAtTheSamePlace) {
     Command(mnuScaleY + 7);
     ScrollTo(3000);
     ClickCheckBox(1);
-    m_global.selection = {true, 1, 7000, 19000};
-    const ViewPlace place{1, 3000, 7, m_global.amplitude.Shift()};
+    m_global.view->Select(7000, 19000);
+    const auto shift = m_global.view->BaseLineShift();
     const auto isAt = [&](std::int32_t samples) {
-        return m_global.document->Block().sampleCount == samples && m_global.axis.ZoomIndex() == place.zoom &&
-               m_global.axis.FirstColumn() == place.firstColumn && m_global.amplitude.Index() == place.scale &&
-               m_global.amplitude.Shift() == place.shift && !m_global.document->Slots()[1].shown;
+        return m_global.document->Block().sampleCount == samples && m_global.view->Axis().ZoomIndex() == 1 &&
+               m_global.view->Axis().FirstColumn() == 3000 && m_global.view->ScaleY() == 7 &&
+               m_global.view->BaseLineShift() == shift && !m_global.document->Slots()[1].shown;
     };
     // Grown under the same name, which no folder watch tells.
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(30000)));
     EXPECT_TRUE(WaitFor([&] { return m_global.document->Block().sampleCount == 30000; }));
     EXPECT_TRUE(isAt(30000));
-    EXPECT_EQ(m_global.selection.Last(), 19000);
+    EXPECT_EQ(m_global.view->Selected().Last(), 19000);
     EXPECT_THAT(Status(StatusPanel::Status), ::testing::StartsWith(L"a.bin: "));
     // Another file took its place; the user asks for it.
     static_cast<void>(m_folder.Write(u"new.tmp", SawRecording(9000)));
@@ -104,7 +104,7 @@ TEST_F(BrowserTest, ARecordingThatChangesIsLoadedAgainAtTheSamePlace) {
     std::filesystem::rename(m_folder.File(u"new.tmp"), m_folder.File(u"a.bin"));
     Command(mnuTabFile);
     EXPECT_TRUE(isAt(9000));
-    EXPECT_EQ(m_global.selection.Last(), 9000);
+    EXPECT_EQ(m_global.view->Selected().Last(), 9000);
     EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 100);
     // One that is unreadable meanwhile stays seen as it was.
     static_cast<void>(m_folder.Write(u"a.bin", FileBytes().Text("half written")));
@@ -114,8 +114,8 @@ TEST_F(BrowserTest, ARecordingThatChangesIsLoadedAgainAtTheSamePlace) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(100)));
     Command(mnuTabFile);
     EXPECT_EQ(m_global.document->Block().sampleCount, 100);
-    EXPECT_FALSE(m_global.selection.active);
-    EXPECT_GT(m_global.axis.Visible().Count(), 0);
+    EXPECT_FALSE(m_global.view->Selected().active);
+    EXPECT_GT(m_global.view->Axis().Visible().Count(), 0);
 }
 
 TEST_F(BrowserTest, RecordingsAreWalkedThroughAndTheListStaysWhereItIs) {
@@ -204,7 +204,7 @@ TEST_F(BrowserTest, DeletesAndRenames) {
     EXPECT_EQ(ItemCount(), 2) << "and it is open again";
     ScrollTo(300);
     rename(L"a/b.bin");
-    EXPECT_EQ(m_global.axis.FirstColumn(), 300) << "not even closed for a name that no file can have";
+    EXPECT_EQ(m_global.view->Axis().FirstColumn(), 300) << "not even closed for a name that no file can have";
 }
 
 TEST_F(BrowserTest, CommandsConcernTheFileThatWasChosen) {

@@ -154,10 +154,10 @@ class EffectTest : public MainWindowTest {
         if (m_global.document->IsSolo()) Command(mnuSoloChannel);
         for (const int list : {lstFile, lstBlock}) ClickLine(list, list == lstFile ? 1 : 0);
         SetMarks({{100, u"one"}, {15000, u"two"}});
-        m_global.axis.SelectZoom(3);
-        m_global.amplitude.SelectScale(8);
+        m_global.view->SelectZoomX(3);
+        m_global.view->SelectScaleY(8);
         Command(mnuBaseLine);
-        m_global.amplitude.MoveBaseLine(33);
+        m_global.view->MoveBaseLine(33);
         m_global.document->ChooseChannel(1);
         Command(mnuSoundCard);
         Command(mnuChShow);
@@ -169,9 +169,11 @@ class EffectTest : public MainWindowTest {
         m_global.settings.helpLanguage = 7;
         m_global.helpFile.clear();
         ScrollTo(1000);
-        m_global.history.Clear();
+        WaveformView::State state = m_global.view->Keep();
+        state.history.Clear();
+        m_global.view->Restore(state);
         if (effect.before > 0) Command(effect.before);
-        if (effect.before == kSelected) m_global.selection = {true, 1, 12001, 12400};
+        if (effect.before == kSelected) m_global.view->Select(12001, 12400);
         if (effect.before == kFolderChosen) SendMessageW(Control(lstDir), LB_SETCURSEL, Lines(lstDir).size() - 1, 0);
         if (OpenClipboard(m_form->Window())) {
             EmptyClipboard();
@@ -184,7 +186,7 @@ class EffectTest : public MainWindowTest {
     }
 
     std::map<std::string, std::string> Facts() {
-        const Selection& selection = m_global.selection;
+        const Selection& selection = m_global.view->Selected();
         std::string shown;
         for (int channel = 0; channel < 2; ++channel)
             shown += m_global.document->Slots()[static_cast<std::size_t>(channel)].shown ? '1' : '0';
@@ -198,10 +200,10 @@ class EffectTest : public MainWindowTest {
         static const std::set<std::wstring> own{
             L"", L"Splitting", L"Rename", L"Options", L"Go To", L"Statistics of Selection", L"Keys and Mouse"};
         if (!own.contains(dialog)) dialog = L"of the shell";
-        return {{"column", std::to_string(m_global.axis.FirstColumn())},
-                {"zoom", std::to_string(m_global.axis.ZoomIndex())},
-                {"scale", std::to_string(m_global.amplitude.Index())},
-                {"shift", std::to_string(m_global.amplitude.Shift())},
+        return {{"column", std::to_string(m_global.view->Axis().FirstColumn())},
+                {"zoom", std::to_string(m_global.view->Axis().ZoomIndex())},
+                {"scale", std::to_string(m_global.view->ScaleY())},
+                {"shift", std::to_string(m_global.view->BaseLineShift())},
                 {"shown", shown},
                 {"alone", m_global.document->IsSolo() ? "1" : "0"},
                 {"pages", page(tabPath) + page(tabFile)},

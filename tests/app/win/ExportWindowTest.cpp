@@ -101,7 +101,7 @@ TEST_F(ExportWindowTest, SaveAsWritesEveryTypeTheChoiceOrTheNameTells) {
         for (std::size_t i = 0; i < codes.size(); ++i) ASSERT_EQ(codes[i], static_cast<std::int16_t>(i % 100));
     }
     // A selection is what is saved, and a name of text is text, here as one file.
-    m_global.selection = {true, 1, 120, 101};
+    m_global.view->Select(120, 101);
     SaveAs(Path(u"later.edf"));
     EXPECT_EQ(Status(), L"Written: " + Wide(Path(u"later.edf")) + L": starts at the block's start");
     m_global.settings.exportFileType = 1;
@@ -239,7 +239,7 @@ TEST_F(ExportWindowTest, CopiedDataAreTheTextOfTheSelection) {
     m_global.settings.exportRowHead = 1;
     m_global.settings.exportXColumn = 1;
     m_global.settings.exportXFormat = 1;
-    m_global.selection = {true, 1, 99, 101};
+    m_global.view->Select(99, 101);
     Command(mnuCopy);
     const auto text = Clipboard<wchar_t>(CF_UNICODETEXT);
     const std::wstring copied(text.data());
@@ -271,7 +271,7 @@ TEST_F(ExportWindowTest, MessagesRunMeanwhileAndStartNothing) {
     EXPECT_EQ(std::filesystem::file_size(Path(u"out.wav")), 44U + 1000U);
     EXPECT_FALSE(GetUpdateRect(Control(pbGraph), nullptr, FALSE)) << "it was painted in between";
     EXPECT_EQ(GetCapture(), nullptr);
-    EXPECT_EQ(m_global.axis.FirstColumn(), 0);
+    EXPECT_EQ(m_global.view->Axis().FirstColumn(), 0);
     Pump();
     EXPECT_NE(m_form->Window(), nullptr);
 }

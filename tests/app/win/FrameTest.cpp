@@ -77,8 +77,8 @@ TEST_F(FrameTest, TheWheelTurnsWhatLiesUnderThePointer) {
                              Turn{pbGraph, MK_CONTROL, 0, 1, 0}, Turn{pbGraph, MK_CONTROL | MK_SHIFT, 0, 0, -1},
                              Turn{pbScaleX, 0, 0, 1, 0}, Turn{pbScaleY, 0, 0, 0, -1}, Turn{lstFile, 0, 0, 0, 0}}) {
         SCOPED_TRACE(::testing::Message() << turn.over << ' ' << turn.keys);
-        m_global.axis.SelectZoom(2);
-        m_global.amplitude.SelectScale(8);
+        m_global.view->SelectZoomX(2);
+        m_global.view->SelectScaleY(8);
         ScrollTo(1000);
         RECT place{};
         GetWindowRect(Control(turn.over), &place);
@@ -88,9 +88,9 @@ TEST_F(FrameTest, TheWheelTurnsWhatLiesUnderThePointer) {
             PostMessageW(Control(tabPath), WM_MOUSEWHEEL, MAKEWPARAM(turn.keys, static_cast<WORD>(-WHEEL_DELTA / 2)),
                          point);
         Pump();
-        EXPECT_TRUE(turn.zooms != 0 || m_global.axis.FirstColumn() == 1000 + turn.columns);
-        EXPECT_EQ(m_global.axis.ZoomIndex(), 2 + turn.zooms);
-        EXPECT_EQ(m_global.amplitude.Index(), 8 + turn.scales);
+        EXPECT_TRUE(turn.zooms != 0 || m_global.view->Axis().FirstColumn() == 1000 + turn.columns);
+        EXPECT_EQ(m_global.view->Axis().ZoomIndex(), 2 + turn.zooms);
+        EXPECT_EQ(m_global.view->ScaleY(), 8 + turn.scales);
     }
 }
 
@@ -108,29 +108,29 @@ TEST_F(FrameTest, ScrollBarsReachTheWholeRecordingAndTheirThumbsMoveTheView) {
     EXPECT_EQ(info.nMax - static_cast<int>(info.nPage) + 1, TimeAxis::kScrollMax);
     for (const auto& [thumb, column] : {std::pair{TimeAxis::kScrollMax, 100000}, {8192, 25001}, {0, 0}}) {
         HoldThumb(m_form->Window(), Control(scScaleX), WM_HSCROLL, thumb);
-        EXPECT_EQ(m_global.axis.FirstColumn(), column);
+        EXPECT_EQ(m_global.view->Axis().FirstColumn(), column);
         EXPECT_EQ(GetScrollPos(Control(scScaleX), SB_CTL), thumb);
     }
     Command(mnuBaseLine);
     const Pixels before = Capture(pbGraph);
     for (const int thumb : {100, -35, 0}) {
         HoldThumb(m_form->Window(), Control(scScaleY), WM_VSCROLL, thumb);
-        EXPECT_EQ(m_global.amplitude.Shift(), -thumb);
+        EXPECT_EQ(m_global.view->BaseLineShift(), -thumb);
         EXPECT_EQ(Capture(pbGraph) == before, thumb == 0);
     }
     // Data far from zero are the middle of the bar, and a click on its end moves them from where they are.
-    m_global.amplitude.MoveBaseLine(-500000);
+    m_global.view->MoveBaseLine(-500000);
     Command(mnuMove + 6);
-    const auto shift = m_global.amplitude.Shift();
+    const auto shift = m_global.view->BaseLineShift();
     SendMessageW(m_form->Window(), WM_VSCROLL, SB_LINEDOWN, reinterpret_cast<LPARAM>(Control(scScaleY)));
-    EXPECT_EQ(m_global.amplitude.Shift(), shift - 20);
+    EXPECT_EQ(m_global.view->BaseLineShift(), shift - 20);
     EXPECT_EQ(GetScrollPos(Control(scScaleY), SB_CTL), 20);
     // The buttons of the zoom control: minus below left, plus below right.
     RECT zoom{};
     GetClientRect(Control(btnZoomX), &zoom);
     for (const int expected : {1, 0}) {
         Click(btnZoomX, expected == 1 ? 4 : static_cast<int>(zoom.right) - 4, static_cast<int>(zoom.bottom) - 4);
-        EXPECT_EQ(m_global.axis.ZoomIndex(), expected);
+        EXPECT_EQ(m_global.view->Axis().ZoomIndex(), expected);
     }
 }
 

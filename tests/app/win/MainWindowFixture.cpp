@@ -75,7 +75,7 @@ void MainWindowTest::Pump() const {
 }
 
 void MainWindowTest::ScrollTo(std::int32_t column) {
-    m_global.axis.ScrollBy(column - m_global.axis.FirstColumn());
+    m_global.view->ScrollBy(column - m_global.view->Axis().FirstColumn());
 }
 
 void MainWindowTest::Command(int id) const {

@@ -38,9 +38,9 @@ TEST_F(MainWindowTest, FirstActivationOpensTheFirstRecording) {
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"a.bin - ["));
     EXPECT_EQ(Status(StatusPanel::Size), L"S: 5000");
     EXPECT_EQ(Status(StatusPanel::Rate), L"Fs: 250 Hz");
-    const int opened = m_global.amplitude.Index();
+    const int opened = m_global.view->ScaleY();
     Command(mnuBaseLine + 1);
-    EXPECT_EQ(m_global.amplitude.Index(), opened) << "it was opened at the scale that fits it";
+    EXPECT_EQ(m_global.view->ScaleY(), opened) << "it was opened at the scale that fits it";
     const Pixels graph = Capture(pbGraph);
     EXPECT_GT(graph.Count(TraceColor(0)), 200);
     EXPECT_GT(graph.Count(TraceColor(1)), 200);
@@ -165,7 +165,7 @@ TEST_F(MainWindowTest, EverySampleStandsAtItsPixel) {
     PostMessageW(m_form->Window(), WM_HSCROLL, SB_LINERIGHT, 0);
     const Pixels moved = Capture(pbGraph);
     for (int x = 0; x + 1 < moved.width; ++x) EXPECT_EQ(moved.At(x, zero - 8 * ((x + 20) % 8)), TraceColor(0)) << x;
-    EXPECT_EQ(m_global.axis.FirstColumn(), 20);
+    EXPECT_EQ(m_global.view->Axis().FirstColumn(), 20);
 }
 
 TEST_F(MainWindowTest, AnotherBlockIsLoadedByAClick) {

@@ -29,7 +29,7 @@ class OptionsWindowTest : public MainWindowTest {
     [[nodiscard]] std::map<std::string, std::string> Seen() {
         Pump();
         for (const int box : {pbGraph, pbFFT}) SendMessageW(Control(box), WM_CANCELMODE, 0, 0);
-        m_global.selection = {true, 1, 1, 101};
+        m_global.view->Select(1, 101);
         Command(mnuMove + 5);
         const auto line = [](const std::u16string& text, std::size_t at) {
             std::istringstream lines(Utf8(text));
@@ -40,7 +40,7 @@ class OptionsWindowTest : public MainWindowTest {
         const std::u16string values = m_form->ValuesText();
         // The grid without what crosses it.
         Command(mnuChShow + 1);
-        m_global.selection = {};
+        m_global.view->Deselect();
         const auto name = [&](int box) {
             const Pixels pixels = Capture(box);
             return std::to_string(std::hash<std::string_view>()(
@@ -48,14 +48,15 @@ class OptionsWindowTest : public MainWindowTest {
         };
         const std::string grid = name(pbGraph);
         Command(mnuChShow);
-        return {{"time", Utf8(TimeLabels(m_global.axis, m_global.document->Block(), m_global.format).at(1).text)},
-                {"amplitude", Utf8(AmplitudeLabels(m_global.amplitude, m_global.rawCodes, u'.').at(0).text)},
-                {"length", line(values, 0)},
-                {"value", line(values, 1)},
-                {"grid", grid},
-                {"cursor", std::to_string(m_global.settings.waveformCursor)},
-                {"palette", name(pbPal)},
-                {"spectrogram", name(pbFFT)}};
+        return {
+            {"time", Utf8(TimeLabels(m_global.view->Axis(), m_global.document->Block(), m_global.format).at(1).text)},
+            {"amplitude", Utf8(AmplitudeLabels(m_global.view->GetLanes(), m_global.view->RawCodes(), u'.').at(0).text)},
+            {"length", line(values, 0)},
+            {"value", line(values, 1)},
+            {"grid", grid},
+            {"cursor", std::to_string(m_global.settings.waveformCursor)},
+            {"palette", name(pbPal)},
+            {"spectrogram", name(pbFFT)}};
     }
 };
 

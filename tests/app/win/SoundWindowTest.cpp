@@ -51,12 +51,12 @@ class SoundWindowTest : public MainWindowTest {
 
 TEST_F(SoundWindowTest, WhatIsSeenOrSelectedIsPlayed) {
     EXPECT_THAT(Calls(mnuSoundPlay), ElementsAre("open 1 100"));
-    const auto visible = static_cast<std::size_t>(m_global.axis.Visible().Count());
+    const auto visible = static_cast<std::size_t>(m_global.view->Axis().Visible().Count());
     ASSERT_EQ(m_device.written.size(), visible);
     EXPECT_EQ(m_device.written[99], 99);
     // The second channel, of a selection; then all channels of it.
     m_global.document->ChooseChannel(2);
-    m_global.selection = {true, 1, 310, 301};
+    m_global.view->Select(310, 301);
     EXPECT_THAT(Calls(mnuSoundPlay), ElementsAre("stop", "open 1 100"));
     EXPECT_THAT(m_device.written, ElementsAre(5, 5, 5, 5, 5, 5, 5, 5, 5, 5));
     EXPECT_THAT(Calls(mnuSoundPlay + 1), ElementsAre("stop", "open 2 100"));
@@ -67,7 +67,7 @@ TEST_F(SoundWindowTest, WhatIsSeenOrSelectedIsPlayed) {
 }
 
 TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
-    m_global.selection = {true, 1, 1, 20000};
+    m_global.view->Select(1, 20000);
     Command(mnuSoundPlay);
     EXPECT_TRUE(IsEnabled(mnuSoundPlay + 2, m_form->State()));
     m_device.events.started();
@@ -77,34 +77,34 @@ TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
     const int column = m_global.sound.position - 1;
     Command(mnuSelect + 2);  // stops first ...
     EXPECT_EQ(m_device.calls.back(), "stop");
-    EXPECT_TRUE(m_global.selection.active);
+    EXPECT_TRUE(m_global.view->Selected().active);
     EXPECT_EQ(Status(), L"");
     Command(mnuSelect + 2);  // ... then clears the selection
-    EXPECT_FALSE(m_global.selection.active);
+    EXPECT_FALSE(m_global.view->Selected().active);
     const Pixels without = Capture(pbGraph);
     EXPECT_FALSE(LineAt(column));
-    m_global.selection = {true, 1, 1, 20000};
+    m_global.view->Select(1, 20000);
     Command(mnuSoundPlay);
-    m_global.selection = {};
+    m_global.view->Deselect();
     m_device.events.writeProgress(200);
     EXPECT_TRUE(LineAt(column));
     // Beyond the edge the view follows.
     const int width = without.width;
     m_device.events.writeProgress(width + 50);
-    EXPECT_GE(m_global.axis.FirstColumn(), width);
-    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.axis.FirstColumn()));
+    EXPECT_GE(m_global.view->Axis().FirstColumn(), width);
+    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.view->Axis().FirstColumn()));
     // A zoom about the middle may leave the line outside; the view comes back to it.
     Command(mnuZoomX);
     ScrollTo(width / 2);
     m_device.events.writeProgress(width + 52);
     Command(mnuZoomX + 1);
-    EXPECT_GT(m_global.axis.FirstColumn(), width + 60);
+    EXPECT_GT(m_global.view->Axis().FirstColumn(), width + 60);
     m_device.events.writeProgress(width + 60);
-    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.axis.FirstColumn()));
+    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.view->Axis().FirstColumn()));
     // Where the user has looked elsewhere it does not.
     Command(mnuGoTo);
     m_device.events.writeProgress(width + 100);
-    EXPECT_EQ(m_global.axis.FirstColumn(), 0);
+    EXPECT_EQ(m_global.view->Axis().FirstColumn(), 0);
     EXPECT_EQ(Capture(pbGraph), without);
     m_device.events.stopped();
     EXPECT_FALSE(m_global.sound.playing);

@@ -86,7 +86,7 @@ TEST_F(SpectrogramTest, WhatCannotBeReadIsToldAndComputedWhenItCanBe) {
         return true;
     };
     Command(mnuSpectrogram);
-    m_global.ranges.Reset();
+    m_global.view->Ranges().Reset();
     std::filesystem::resize_file(file, size - 4 * 29700);
     Command(mnuSpectrogram);
     EXPECT_FALSE(black(50)) << "what can be read is shown";

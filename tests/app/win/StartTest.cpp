@@ -61,7 +61,7 @@ TEST_F(StartTest, AWindowThatStartsAsAnIconOpensTheFirstRecordingWhenItIsSeen) {
         ASSERT_TRUE(WaitFor([&] { return !Lines(lstBlock).empty(); }));
         EXPECT_EQ(ItemCount(), m_global.document->Block().channelCount);
         EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 200);
-        EXPECT_LE(m_global.amplitude.UnitsPerDivision(), 20.0) << "fitted to the graph as it is seen";
+        EXPECT_LE(AmplitudeScale::TableEntry(m_global.view->ScaleY()), 20.0) << "fitted to the graph as it is seen";
         EXPECT_EQ(TabCtrl_GetCurSel(Control(tabPath)), 1);
         TearDown();
     }

@@ -79,14 +79,14 @@ TEST_F(WaveformViewTest, ScrollingByCopyingEqualsDrawingAnew) {
         Command(command);
         const Pixels scrolled = Capture(pbGraph);
         ASSERT_TRUE(scrolled == Redrawn())
-            << "round " << round << ", zoom " << m_global.axis.ZoomIndex() << ", command " << command;
+            << "round " << round << ", zoom " << m_global.view->Axis().ZoomIndex() << ", command " << command;
     }
 }
 
 TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
     StartWith(Noise(5000, 1));
     const Pixels before = Capture(pbGraph);
-    const Selection& selection = m_global.selection;
+    const Selection& selection = m_global.view->Selected();
     Drag(100, 149);
     EXPECT_EQ(selection.Count(), 50) << "one sample per column";
     EXPECT_EQ(selection.start, 101);
@@ -123,7 +123,7 @@ TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
     // Past the edge the view scrolls on while the button is held.
     Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
     Mouse(WM_MOUSEMOVE, before.width + 60, 50, MK_LBUTTON);
-    EXPECT_TRUE(WaitFor([&] { return m_global.axis.FirstColumn() > 200; }));
+    EXPECT_TRUE(WaitFor([&] { return m_global.view->Axis().FirstColumn() > 200; }));
     Mouse(WM_LBUTTONUP, before.width - 1);
     EXPECT_GT(selection.Count(), before.width - 100 + 200);
     EXPECT_EQ(GetCapture(), nullptr);
@@ -205,7 +205,7 @@ TEST_F(WaveformViewTest, ABlockOpensAtTheScaleOfMostOfItAndArrowsTellOfTheRest) 
     };
     static_cast<void>(m_folder.Write(u"b.bin", BinRecording(100.0F, artefact(4))));
     StartWith(artefact(2));
-    EXPECT_LE(m_global.amplitude.UnitsPerDivision(), 100.0);
+    EXPECT_LE(AmplitudeScale::TableEntry(m_global.view->ScaleY()), 100.0);
     const auto arrows = [&](int channel) {
         const Pixels pixels = Capture(pbGraph);
         const auto count = [&](int from, int to) {
@@ -218,10 +218,10 @@ TEST_F(WaveformViewTest, ABlockOpensAtTheScaleOfMostOfItAndArrowsTellOfTheRest) 
         return std::pair(count(0, 12) > 10, count(pixels.height - 12, pixels.height) > 10);
     };
     // Far below and above.
-    m_global.amplitude.SelectScale(3);
+    m_global.view->SelectScaleY(3);
     ClickLine(lstFile, 1);
-    m_global.amplitude.SetBipolar();
-    m_global.amplitude.SelectScale(3);
+    m_global.view->SetBipolar();
+    m_global.view->SelectScaleY(3);
     static_cast<void>(Redrawn());
     EXPECT_EQ(arrows(2), std::pair(false, true));
     EXPECT_EQ(arrows(3), std::pair(true, false));
@@ -236,9 +236,10 @@ TEST_F(WaveformViewTest, ABlockOpensAtTheScaleOfMostOfItAndArrowsTellOfTheRest) 
 
 TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
     StartWith(Noise(100000, 2));
-    TimeAxis& axis = m_global.axis;
+    const TimeAxis& axis = m_global.view->Axis();
     const auto view = [&] {
-        return std::tuple(axis.ZoomIndex(), axis.FirstColumn(), m_global.amplitude.Index(), m_global.amplitude.Shift());
+        return std::tuple(axis.ZoomIndex(), axis.FirstColumn(), m_global.view->ScaleY(),
+                          m_global.view->BaseLineShift());
     };
     const auto first = view();
     Drag(100, 199);
@@ -294,7 +295,7 @@ TEST_F(WaveformViewTest, GesturesAndReadoutEndWithTheirBlock) {
     Mouse(WM_LBUTTONDOWN, 100, 50, MK_LBUTTON);
     Mouse(WM_MOUSEMOVE, 3000, 50, MK_LBUTTON);
     refuse();
-    EXPECT_FALSE(m_global.selection.active);
+    EXPECT_FALSE(m_global.view->Selected().active);
     Mouse(WM_MOUSEMOVE, 3100, 50, MK_LBUTTON);
     Mouse(WM_LBUTTONUP, 3100);
     EXPECT_NE(GetCapture(), Control(pbGraph));
@@ -305,7 +306,7 @@ TEST_F(WaveformViewTest, GesturesAndReadoutEndWithTheirBlock) {
     Key(VK_ESCAPE);
     Mouse(WM_MOUSEMOVE, 250, 50, MK_LBUTTON);
     Mouse(WM_LBUTTONUP, 250);
-    EXPECT_FALSE(m_global.selection.active);
+    EXPECT_FALSE(m_global.view->Selected().active);
 }
 
 TEST_F(WaveformViewTest, WhatCannotBeReadAnyMoreIsTold) {

@@ -1,0 +1,233 @@
+#include "view/WaveformView.h"
+
+#include <algorithm>
+
+#include "data/ChannelSelection.h"
+
+namespace quillon {
+
+ViewChange& ViewChange::operator|=(const ViewChange& other) {
+    const bool both = scrolled != 0 && other.scrolled != 0;
+    redraw = redraw || other.redraw || both;
+    scrolled = redraw ? 0 : scrolled + other.scrolled;
+    newPlace = newPlace || other.newPlace;
+    selection = selection || other.selection;
+    return *this;
+}
+
+WaveformView::WaveformView(const Document& document) : m_document(document), m_lanes(1) {}
+
+void WaveformView::Arrange(std::int32_t width, std::int32_t height) {
+    m_axis.SetWidth(width);
+    Lane& lane = m_lanes.front();
+    lane.top = 0;
+    lane.height = height;
+    lane.scale.SetGraph(height, height / 2);
+    lane.channels = ShownChannels(m_document.Block(), m_document.Slots());
+}
+
+void WaveformView::LeaveBlock() {
+    m_ranges.Reset();
+    m_selection = {};
+    m_history.Clear();
+    m_goneTo = 0;
+}
+
+void WaveformView::BlockLoaded() {
+    m_axis.SetBlock(m_document.Block().sampleCount);
+}
+
+void WaveformView::FitScales(std::span<const std::optional<ValueRange>> seen) {
+    for (std::size_t at = 0; at < m_lanes.size() && at < seen.size(); ++at) {
+        AmplitudeScale& scale = m_lanes[at].scale;
+        // A scale that the user chose stays from block to block as long as the new one is readable at it.
+        if (!seen[at] || (m_scalesFitted && scale.Shows(*seen[at]))) continue;
+        scale.FindData(seen[at]);
+        m_scalesFitted = true;
+    }
+}
+
+ViewPlace WaveformView::Place() const {
+    ViewPlace place{m_axis.ZoomIndex(), m_axis.FirstColumn(), {}};
+    for (const Lane& lane : m_lanes) place.lanes.push_back({lane.scale.Index(), lane.scale.Shift()});
+    return place;
+}
+
+void WaveformView::GoBackTo(const ViewPlace& place) {
+    m_axis.Restore(place.zoom, place.firstColumn);
+    for (std::size_t at = 0; at < m_lanes.size() && at < place.lanes.size(); ++at) {
+        AmplitudeScale& scale = m_lanes[at].scale;
+        scale.SelectScale(place.lanes[at].scale);
+        scale.MoveBaseLine(place.lanes[at].shift - scale.Shift());
+    }
+}
+
+void WaveformView::Restore(const State& state) {
+    GoBackTo(state.place);
+    // Of a shorter recording the last page is seen rather than nothing.
+    if (m_axis.Visible().Count() == 0) m_axis.ScrollBy(m_axis.PageShift(1));
+    m_history = state.history;
+    const std::int32_t samples = m_axis.SampleCount();
+    m_selection = state.selection;
+    m_selection.active = state.selection.active && state.selection.First() <= samples;
+    m_selection.start = std::min(state.selection.start, samples);
+    m_selection.end = std::min(state.selection.end, samples);
+}
+
+ViewChange WaveformView::Redraw(bool newPlace) {
+    m_goneTo = 0;
+    return {.redraw = true, .newPlace = newPlace};
+}
+
+ViewChange WaveformView::ScrollBy(std::int32_t columns) {
+    const std::int32_t moved = m_axis.ScrollBy(columns);
+    if (moved == 0) return {};
+    m_goneTo = 0;
+    return {.scrolled = moved, .newPlace = true};
+}
+
+ViewChange WaveformView::SetScrollValue(std::int32_t value) {
+    const std::int32_t before = m_axis.FirstColumn();
+    if (!m_axis.SetScrollValue(value)) return {};
+    m_goneTo = 0;
+    return {.scrolled = m_axis.FirstColumn() - before, .newPlace = true};
+}
+
+ViewChange WaveformView::GoToPage(int command) {
+    if (command == 0 || command == 3) Push();
+    return ScrollBy(m_axis.PageShift(command));
+}
+
+ViewChange WaveformView::Move(std::int32_t columns, std::int64_t rows) {
+    ViewChange change = ScrollBy(columns);
+    change |= MoveBaseLine(rows);
+    return change;
+}
+
+ViewChange WaveformView::MoveBaseLine(std::int64_t rows) {
+    if (m_axis.SampleCount() == 0 || rows == 0) return {};
+    for (Lane& lane : m_lanes) lane.scale.MoveBaseLine(rows);
+    return Redraw();
+}
+
+ViewChange WaveformView::SelectZoomX(int index) {
+    if (index == m_axis.ZoomIndex()) return {};
+    Push();
+    m_axis.SelectZoom(index);
+    return Redraw();
+}
+
+ViewChange WaveformView::ZoomX(bool in) {
+    // Beyond the menu's zooms, where a whole long block is shown, the way out ends and the way in goes on.
+    const int next = m_axis.ZoomIndex() + (in ? -1 : 1);
+    if (next < 0 || (!in && next >= TimeAxis::kMenuZoomCount)) return {};
+    return SelectZoomX(next);
+}
+
+ViewChange WaveformView::ZoomAbout(int steps, std::int32_t column) {
+    const int now = m_axis.ZoomIndex();
+    const int coarsest = std::max(now, TimeAxis::kMenuZoomCount - 1);
+    const int next = std::clamp(now - steps, 0, coarsest);
+    if (next == now) return {};
+    Push();
+    m_axis.SelectZoomAbout(next, column);
+    return Redraw(true);
+}
+
+ViewChange WaveformView::ZoomY(int steps) {
+    Push();
+    for (Lane& lane : m_lanes) lane.scale.ZoomY(steps);
+    return Redraw();
+}
+
+ViewChange WaveformView::SelectScaleY(int index) {
+    Push();
+    for (Lane& lane : m_lanes) lane.scale.SelectScale(index);
+    return Redraw();
+}
+
+ViewChange WaveformView::SetBipolar() {
+    Push();
+    for (Lane& lane : m_lanes) lane.scale.SetBipolar();
+    return Redraw();
+}
+
+ViewChange WaveformView::FindData() {
+    Push();
+    for (Lane& lane : m_lanes)
+        lane.scale.FindData(m_rawCodes ? kRawCodesRange : m_ranges.Of(m_document.Block(), lane.channels));
+    return Redraw();
+}
+
+ViewChange WaveformView::FitBlock() {
+    Push();
+    m_axis.ShowSamples(1, m_axis.SampleCount());
+    return Redraw(true);
+}
+
+ViewChange WaveformView::FitSelection() {
+    Push();
+    m_axis.ShowSamples(m_selection.First(), m_selection.Last());
+    return Redraw(true);
+}
+
+ViewChange WaveformView::Back() {
+    // A view that is the present one is no way back.
+    while (const std::optional<ViewPlace> place = m_history.Pop()) {
+        if (*place == Place()) continue;
+        GoBackTo(*place);
+        return Redraw(true);
+    }
+    return {};
+}
+
+ViewChange WaveformView::GoTo(std::int32_t sample) {
+    Push();
+    const ViewChange change = ScrollBy(m_axis.ShiftTo(sample));
+    m_goneTo = sample;
+    return change;
+}
+
+std::optional<std::int32_t> WaveformView::MarkFrom(bool next) const {
+    const std::int32_t from = m_goneTo != 0 ? m_goneTo : SampleUnder(m_axis, m_axis.Width() / 2);
+    const std::vector<BlockMark>& marks = m_document.Block().marks;
+    // Positions count from 0.
+    const auto before = [](const BlockMark& mark, std::int32_t position) { return mark.position < position; };
+    const auto found = std::lower_bound(marks.begin(), marks.end(), next ? from : from - 1, before);
+    if (next ? found == marks.end() : found == marks.begin()) return std::nullopt;
+    return (next ? found : found - 1)->position + 1;
+}
+
+ViewChange WaveformView::Select(std::int32_t start, std::int32_t end) {
+    m_selection = {true, m_document.CurrentChannel(), start, end};
+    return {.selection = true};
+}
+
+ViewChange WaveformView::SelectTo(std::int32_t end) {
+    m_selection.end = end;
+    return {.selection = true};
+}
+
+ViewChange WaveformView::SelectVisible() {
+    const VisibleRange visible = m_axis.Visible();
+    return visible.Count() < 1 ? ViewChange{} : Select(visible.first, visible.last);
+}
+
+ViewChange WaveformView::Deselect() {
+    m_selection = {};
+    return {.selection = true};
+}
+
+ViewChange WaveformView::MoveSelectionEnd(std::int32_t columns) {
+    const std::int64_t end = std::int64_t{m_selection.end} + std::int64_t{columns} * m_axis.SamplesPerPixel();
+    m_selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_axis.SampleCount()));
+    // The end stays in view.
+    const std::int32_t column = (m_selection.end - 1) / m_axis.SamplesPerPixel() - m_axis.FirstColumn();
+    ViewChange change;
+    if (column < 0) change = ScrollBy(column);
+    if (column >= m_axis.Width()) change = ScrollBy(column - m_axis.Width() + 1);
+    change.selection = true;
+    return change;
+}
+
+}  // namespace quillon

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "data/Document.h"
+#include "view/DataRange.h"
+#include "view/Lane.h"
+#include "view/Selection.h"
+#include "view/TimeAxis.h"
+#include "view/ViewHistory.h"
+
+namespace quillon {
+
+/// What a command has changed of the view.
+struct ViewChange {
+    std::int32_t scrolled = 0;  ///< columns by which the view was moved along the block, where that is all
+    bool redraw = false;        ///< zoom, scales or more than one of these have changed
+    bool newPlace = false;      ///< the user has gone to another part of the block
+    bool selection = false;
+    ViewChange& operator|=(const ViewChange& other);
+};
+
+/// Which part of a document's block the graph shows at which scales, what is selected, and the views that one can go
+/// back to. Samples count from 1. Commands do nothing where there is nothing to do, and say so by an empty change.
+class WaveformView {
+  public:
+    /// The document outlives it.
+    explicit WaveformView(const Document& document);
+
+    [[nodiscard]] const TimeAxis& Axis() const { return m_axis; }
+    [[nodiscard]] const Lanes& GetLanes() const { return m_lanes; }
+    /// Index of the amplitude scale, and rows by which the zero level lies below the middle, of the uppermost lane.
+    [[nodiscard]] int ScaleY() const { return m_lanes.front().scale.Index(); }
+    [[nodiscard]] std::int64_t BaseLineShift() const { return m_lanes.front().scale.Shift(); }
+    [[nodiscard]] const Selection& Selected() const { return m_selection; }
+    [[nodiscard]] bool HasHistory() const { return !m_history.IsEmpty(); }
+    [[nodiscard]] RangeRecords& Ranges() { return m_ranges; }
+    [[nodiscard]] bool RawCodes() const { return m_rawCodes; }
+    void SetRawCodes(bool rawCodes) { m_rawCodes = rawCodes; }
+
+    /// Size of the graph in pixels. The lanes share it, and hold the channels that are shown now.
+    void Arrange(std::int32_t width, std::int32_t height);
+    /// The block goes: forgets the selection, the history and what is known of its data.
+    void LeaveBlock();
+    /// Another block is loaded: its first page is seen, at the zoom and scales of before.
+    void BlockLoaded();
+    /// Chooses new scales where the data are not readable at those of before, or none was chosen since the start.
+    /// `seen` holds the range of what is seen per lane, see CentralRange.
+    void FitScales(std::span<const std::optional<ValueRange>> seen);
+    /// Whether FitScales has found something to choose a scale by since the start.
+    [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
+
+    /// All that is kept when a recording is loaded anew.
+    struct State {
+        ViewPlace place;
+        ViewHistory history;
+        Selection selection;
+    };
+    [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection}; }
+    /// After BlockLoaded; what lies beyond the end of the block is brought back into it.
+    void Restore(const State& state);
+
+    ViewChange ScrollBy(std::int32_t columns);
+    ViewChange SetScrollValue(std::int32_t value);
+    /// 0 start, 1 previous page, 2 next page, 3 end.
+    ViewChange GoToPage(int command);
+    ViewChange Move(std::int32_t columns, std::int64_t rows);
+    /// Moves the zero level by rows.
+    ViewChange MoveBaseLine(std::int64_t rows);
+    ViewChange SelectZoomX(int index);
+    /// One step of the menu's zooms, which ends at the coarsest of them.
+    ViewChange ZoomX(bool in);
+    /// Steps of the X zoom, finer ones positive, that keep the sample under a column of the graph there.
+    ViewChange ZoomAbout(int steps, std::int32_t column);
+    /// Steps of the Y scale, finer ones positive.
+    ViewChange ZoomY(int steps);
+    ViewChange SelectScaleY(int index);
+    ViewChange SetBipolar();
+    ViewChange FindData();
+    ViewChange FitBlock();
+    ViewChange FitSelection();
+    /// The view that was left last.
+    ViewChange Back();
+    ViewChange GoTo(std::int32_t sample);
+    /// The next or previous mark from the sample gone to last, as long as the view has not changed since, else from the
+    /// middle of the view.
+    [[nodiscard]] std::optional<std::int32_t> MarkFrom(bool next) const;
+
+    /// From the sample where a selection starts to that where it ends, which may lie before it.
+    ViewChange Select(std::int32_t start, std::int32_t end);
+    /// Moves the end of the selection.
+    ViewChange SelectTo(std::int32_t end);
+    ViewChange SelectBlock() { return Select(1, m_axis.SampleCount()); }
+    ViewChange SelectVisible();
+    ViewChange Deselect();
+    /// Moves the end of the selection by columns, and the view with it.
+    ViewChange MoveSelectionEnd(std::int32_t columns);
+
+  private:
+    [[nodiscard]] ViewPlace Place() const;
+    void GoBackTo(const ViewPlace& place);
+    /// The view is about to be left.
+    void Push() { m_history.Push(Place()); }
+    ViewChange Redraw(bool newPlace = false);
+
+    const Document& m_document;
+    TimeAxis m_axis;
+    Lanes m_lanes;
+    RangeRecords m_ranges;
+    Selection m_selection;
+    ViewHistory m_history;
+    std::int32_t m_goneTo = 0;  ///< sample that was gone to, until the view changes; 0: none
+    bool m_rawCodes = false;
+    bool m_scalesFitted = false;
+};
+
+}  // namespace quillon
