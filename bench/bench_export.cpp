@@ -83,7 +83,9 @@ void TextAgainstWrite(benchmark::State& state) {
     const std::u16string written = folder.File("out.txt");
     const ChannelSlots slots;
     const FormatOptions format;
-    TextExportContext context{slots, format, false, services, CreateTextFile};
+    TextExportContext context{slots, format, false, services, [](const std::u16string& target, std::u16string& error) {
+                                  return CreateTextFile(target, Language::English, error);
+                              }};
     const TextExportSettings settings{1, 0, 1, 1, 1, 1, 1, 0};
     const auto write = [&] {
         if (!ExportText(written, *block, 1, block->SampleCount(), settings, context) || !context.failures.empty())

@@ -23,7 +23,7 @@ class BenchFile {
         std::ofstream file(m_path, std::ios::binary);
         write(file);
         file.close();
-        std::u16string reason;
+        Bilingual reason;
         m_source = OpenFileSource(m_path.u16string(), reason);
         if (m_source == nullptr) throw std::runtime_error("the bench recording cannot be opened");
         m_block = ReadRecording(m_source, m_path.u16string()).blocks.front();

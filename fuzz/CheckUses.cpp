@@ -43,7 +43,7 @@ class FileInMemory final : public OutputFile {
         return true;
     }
     bool Close() override { return true; }
-    [[nodiscard]] std::u16string ErrorText() const override { return {}; }
+    [[nodiscard]] Bilingual ErrorText() const override { return {}; }
 
   private:
     std::vector<std::uint8_t>& m_bytes;

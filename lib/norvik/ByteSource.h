@@ -44,13 +44,16 @@ class ByteSource {
     /// Language of what() of the errors from now on; at first English.
     void TellIn(Language language) { m_language = language; }
 
+  protected:
+    [[nodiscard]] Language ErrorLanguage() const { return m_language; }
+
   private:
     Language m_language = Language::English;
 };
 
 /// Opens a file for shared reading: other programs may go on writing, renaming and deleting it.
-/// Returns null when it cannot be opened, with the system's reason (in the system's language) in `error`.
-[[nodiscard]] std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, std::u16string& error);
+/// Returns null when it cannot be opened, with the system's reason in `error`.
+[[nodiscard]] std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, Bilingual& error);
 
 /// Bytes in memory.
 class MemorySource final : public ByteSource {

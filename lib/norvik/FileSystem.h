@@ -7,6 +7,8 @@
 #include <span>
 #include <string>
 
+#include "base/Bilingual.h"
+
 /// What the writing of files asks of the system. Every call that fails leaves the system's reason in `error`.
 namespace quillon {
 
@@ -18,9 +20,9 @@ class ByteSink {
     ByteSink(const ByteSink&) = delete;
     ByteSink& operator=(const ByteSink&) = delete;
     /// True when all of the bytes were taken.
-    [[nodiscard]] virtual bool Write(std::span<const std::byte> bytes, std::u16string& error) = 0;
+    [[nodiscard]] virtual bool Write(std::span<const std::byte> bytes, Bilingual& error) = 0;
     /// True when the system reports no error that it had kept back.
-    [[nodiscard]] virtual bool Close(std::u16string& error) = 0;
+    [[nodiscard]] virtual bool Close(Bilingual& error) = 0;
 };
 
 /// Where a file is to be written.
@@ -43,14 +45,14 @@ class FileSystem {
     FileSystem& operator=(const FileSystem&) = delete;
 
     /// Nothing where the path is no place for a file, or the file there is write-protected or, on Windows, open.
-    [[nodiscard]] virtual std::optional<Place> Look(const std::u16string& path, std::u16string& error) = 0;
+    [[nodiscard]] virtual std::optional<Place> Look(const std::u16string& path, Bilingual& error) = 0;
     /// Makes a file for that place under a name that nothing bears yet. Null when it cannot; `taken` where the reason
     /// is that something bears the name. Where it is going to replace a file, its Close waits for the disk, so that a
     /// loss of power leaves the old file or the whole new one.
     [[nodiscard]] virtual std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place,
-                                                              bool& taken, std::u16string& error) = 0;
+                                                              bool& taken, Bilingual& error) = 0;
     /// Gives a file that name, replacing a file that has it, in one step.
-    [[nodiscard]] virtual bool Rename(const std::u16string& from, const std::u16string& to, std::u16string& error) = 0;
+    [[nodiscard]] virtual bool Rename(const std::u16string& from, const std::u16string& to, Bilingual& error) = 0;
     virtual void Remove(const std::u16string& path) = 0;
 };
 

@@ -22,7 +22,7 @@ class ReplacingFile final : public OutputFile {
     bool Create(const std::u16string& fileName) override {
         Abandon();
         m_name = fileName;
-        m_error.clear();
+        m_error = {};
         std::optional<Place> place = m_files.Look(fileName, m_error);
         if (!place) return Fail();
         m_place = std::move(*place);
@@ -51,7 +51,9 @@ class ReplacingFile final : public OutputFile {
         return true;
     }
 
-    [[nodiscard]] std::u16string ErrorText() const override { return m_name + u": " + m_error; }
+    [[nodiscard]] Bilingual ErrorText() const override {
+        return {m_name + u": " + m_error.english, m_name + u": " + m_error.russian};
+    }
 
   private:
     [[nodiscard]] std::size_t Room() const { return kGatheredBytes - m_gathered.size(); }
@@ -82,7 +84,7 @@ class ReplacingFile final : public OutputFile {
     /// Leaves nothing of what was begun.
     void Abandon() {
         if (m_sink) {
-            std::u16string ignored;
+            Bilingual ignored;
             static_cast<void>(m_sink->Close(ignored));
             m_sink.reset();
         }
@@ -97,7 +99,7 @@ class ReplacingFile final : public OutputFile {
     std::u16string m_name;  ///< as it was asked for
     std::u16string m_part;  ///< where it is written; empty for a device and when there is nothing to remove
     std::vector<std::byte> m_gathered;
-    std::u16string m_error;
+    Bilingual m_error;
 };
 
 }  // namespace

@@ -77,7 +77,9 @@ class FileLibrary final : public RecordingLibrary {
     bool OpenRecording(const std::u16string& fileName, std::shared_ptr<Recording>& recording) override {
         recording.reset();
         try {
-            const std::shared_ptr<ByteSource> source = OpenFileSource(fileName, m_lastError);
+            Bilingual reason;
+            const std::shared_ptr<ByteSource> source = OpenFileSource(fileName, reason);
+            m_lastError = reason.In(m_language);
             if (!source) return false;
             source->TellIn(m_language);
             RecordingContent content = ReadRecording(source, fileName);

@@ -3,17 +3,19 @@
 #include <memory>
 #include <string>
 
+#include "base/Language.h"
 #include "data/OutputFile.h"
 #include "data/TextSink.h"
 
 namespace quillon {
 
 /// A text file of UTF-8 without a mark of its own; it replaces one that exists when it is closed. Null, with the file's
-/// name and the reason in `error`, when it cannot be created.
-[[nodiscard]] std::unique_ptr<TextSink> CreateTextFile(const std::u16string& fileName, std::u16string& error);
+/// name and the reason in `error`, when it cannot be created. Reasons are told in `language`.
+[[nodiscard]] std::unique_ptr<TextSink> CreateTextFile(const std::u16string& fileName, Language language,
+                                                       std::u16string& error);
 
 /// The same by means of an output file.
 [[nodiscard]] std::unique_ptr<TextSink> BeginTextFile(std::unique_ptr<OutputFile> file, const std::u16string& fileName,
-                                                      std::u16string& error);
+                                                      Language language, std::u16string& error);
 
 }  // namespace quillon

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/StringIds.h"
+#include "base/SystemText.h"
 #include "base/Text.h"
 
 namespace quillon {
@@ -25,7 +26,7 @@ bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) 
         return true;
     } catch (const std::system_error& error) {
         services.ShowMessage(services.Text(IDS_ERROR_NUMBERED) + u' ' + Decimal(error.code().value()) + u": " +
-                             Utf16(error.what()));
+                             WordsOf(error, global.language));
     } catch (const std::exception&) {
         services.ShowMessage(services.Text(IDS_REINSTALL));
     }

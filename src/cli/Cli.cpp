@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 
+#include "base/Bilingual.h"
 #include "base/Text.h"
 #include "cli/Commands.h"
 #include "cli/Options.h"
@@ -110,7 +111,7 @@ ParsedArguments ForCommand(const Command& command, ParsedArguments parsed) {
     return parsed;
 }
 
-void RunCommand(const Command& command, const ParsedArguments& parsed, CliIo& io) {
+void RunCommand(const Command& command, const ParsedArguments& parsed, Language language, CliIo& io) {
     const std::size_t given = parsed.words.size() - 1;
     if (given < command.minimumWords) {
         throw UsageError(u"'" + std::u16string(command.name) + u"' needs " + std::u16string(command.usage));
@@ -118,15 +119,16 @@ void RunCommand(const Command& command, const ParsedArguments& parsed, CliIo& io
     if (given > command.maximumWords) {
         throw UsageError(u"unexpected word '" + parsed.words[command.maximumWords + 1] + u"'");
     }
-    const Language language = LanguageOf(parsed);
     const ParsedArguments own = ForCommand(command, parsed);
     OutputTarget target(io.out, own, own.words[1], language);
     command.run({own, language, target, io.lineEnd, io.error});
     target.Finish();
 }
 
-int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16string& file) {
+/// `file` and `language` are what a refusal is told with.
+int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16string& file, Language& language) {
     const ParsedArguments parsed = ParseArguments(arguments, AllOptions());
+    language = LanguageOf(parsed);
     const Command* command = parsed.words.empty() ? nullptr : &FindCommand(parsed.words[0]);
     if (parsed.Has(u"--help") || parsed.Has(u"--version")) {
         if (parsed.Has(u"--help")) {
@@ -134,12 +136,12 @@ int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16st
         } else {
             WriteVersion(io.out);
         }
-        OutputTarget::CheckStream(io.out, LanguageOf(parsed));
+        OutputTarget::CheckStream(io.out, language);
         return kDone;
     }
     if (command == nullptr) throw UsageError(u"no command given");
     if (parsed.words.size() > 1) file = parsed.words[1];
-    RunCommand(*command, parsed, io);
+    RunCommand(*command, parsed, language, io);
     return kDone;
 }
 
@@ -147,12 +149,13 @@ int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16st
 
 int RunCli(const std::vector<std::u16string>& arguments, CliIo& io) {
     std::u16string file;
+    Language language = Language::English;
     const auto refuse = [&](std::string_view reason) {
         io.error << "quillon-cli: " << Utf8(file) << (file.empty() ? "" : ": ") << reason << '\n';
         return kRefused;
     };
     try {
-        return Dispatch(arguments, io, file);
+        return Dispatch(arguments, io, file, language);
     } catch (const UsageError& error) {
         io.error << "quillon-cli: " << error.what() << "\nTry 'quillon-cli --help'.\n";
         return kUsage;
@@ -161,7 +164,7 @@ int RunCli(const std::vector<std::u16string>& arguments, CliIo& io) {
         if (!refusal.File().empty()) file = refusal.File();
         return refuse(refusal.what());
     } catch (const std::bad_alloc&) {
-        return refuse("there is not enough memory");
+        return refuse(Utf8(Say(u"there is not enough memory", u"не хватает памяти").In(language)));
     } catch (const std::exception& error) {
         return refuse(error.what());
     }

@@ -25,7 +25,7 @@ class TargetFile final : public OutputFile {
         return Try([&] { m_target.Write({reinterpret_cast<const char*>(bytes.data()), bytes.size()}); });
     }
     bool Close() override { return !m_refusal; }
-    [[nodiscard]] std::u16string ErrorText() const override { return {}; }
+    [[nodiscard]] Bilingual ErrorText() const override { return {}; }
 
   private:
     template <typename Call>

@@ -6,6 +6,7 @@
 
 #include "base/Bilingual.h"
 #include "base/NativePath.h"
+#include "base/SystemText.h"
 #include "base/Text.h"
 #include "norvik/OutputFile.h"
 
@@ -54,13 +55,13 @@ void OutputTarget::CheckPlace() const {
 void OutputTarget::Open() {
     if (m_path.empty() || m_file) return;
     m_file = MakeOutputFile();
-    if (!m_file->Create(m_path)) throw Refusal::Whole(m_file->ErrorText());
+    if (!m_file->Create(m_path)) throw Refusal::Whole(m_file->ErrorText().In(m_language));
 }
 
 void OutputTarget::Write(std::span<const char> bytes) {
     Open();
     if (m_file) {
-        if (!m_file->Write(std::as_bytes(bytes))) throw Refusal::Whole(m_file->ErrorText());
+        if (!m_file->Write(std::as_bytes(bytes))) throw Refusal::Whole(m_file->ErrorText().In(m_language));
         return;
     }
     errno = 0;
@@ -73,16 +74,15 @@ void OutputTarget::Finish() {
     if (!m_file) return CheckStream(m_standard, m_language);
     // What has come into the place meanwhile, a piece of a split for one, is not replaced either.
     CheckPlace();
-    if (!m_file->Close()) throw Refusal::Whole(m_file->ErrorText());
+    if (!m_file->Close()) throw Refusal::Whole(m_file->ErrorText().In(m_language));
 }
 
 void OutputTarget::CheckStream(std::ostream& stream, Language language) {
     if (stream) errno = 0;
     stream.flush();
     if (stream) return;
-    const std::u16string reason = errno != 0 ? Utf16(std::generic_category().message(errno))
-                                             : Say(u"writing failed", u"запись не удалась").In(language);
-    throw Refusal(reason, Say(u"standard output", u"стандартный вывод").In(language));
+    const Bilingual reason = errno != 0 ? ErrnoText(errno) : Say(u"writing failed", u"запись не удалась");
+    throw Refusal(reason.In(language), Say(u"standard output", u"стандартный вывод").In(language));
 }
 
 }  // namespace quillon::cli

@@ -5,6 +5,7 @@
 
 #include "base/Bilingual.h"
 #include "base/NativePath.h"
+#include "base/SystemText.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
 #include "dialogs/SplitPlan.h"
@@ -60,8 +61,10 @@ SplitPlan MakePlan(const ParsedArguments& parsed, const RecordingBlock& block) {
 /// With the system's reason.
 [[noreturn]] void RefuseFolder(const CommandContext& context, std::u16string_view english, std::u16string_view russian,
                                const std::error_code& error, const fs::path& folder) {
-    const std::u16string reason = u": " + Utf16(error.message());
-    Refuse(context, {std::u16string(english) + reason, std::u16string(russian) + reason}, folder);
+    const Bilingual reason = SystemText(error);
+    Refuse(context,
+           {std::u16string(english) + u": " + reason.english, std::u16string(russian) + u": " + reason.russian},
+           folder);
 }
 
 /// Throws Refusal where the list of the pieces would go to the place of one of them.

@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+#include "base/Bilingual.h"
+
 namespace quillon {
 
 /// The contract between the exporters and the core library's output file: one object per file written. What is written
@@ -21,7 +23,7 @@ class OutputFile {
     /// Completes the file in its place. False when that fails or anything before has failed.
     [[nodiscard]] virtual bool Close() = 0;
     /// Why the last call failed: the file's name and the system's reason.
-    [[nodiscard]] virtual std::u16string ErrorText() const = 0;
+    [[nodiscard]] virtual Bilingual ErrorText() const = 0;
 };
 
 using OutputFileFactory = std::function<std::unique_ptr<OutputFile>()>;

@@ -184,11 +184,11 @@ bool KV_Export::WriteFile(const std::u16string& fileName, const ByteWriter& head
                           const std::function<bool(OutputFile&)>& writeSamples) {
     const std::unique_ptr<OutputFile> file = m_system.makeFile();
     if (!file->Create(fileName)) {
-        m_lastFailure = file->ErrorText();
+        m_lastFailure = file->ErrorText().In(m_system.language);
         return false;
     }
     if (file->Write(header.Bytes()) && writeSamples(*file) && file->Close()) return true;
-    m_writeFailure = file->ErrorText();
+    m_writeFailure = file->ErrorText().In(m_system.language);
     return false;
 }
 

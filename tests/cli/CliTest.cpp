@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
+
 #include "RecordingWriters.h"
 #include "SampleRecordings.h"
 #include "cli/CommandLine.h"
@@ -83,6 +86,30 @@ TEST_F(CliTest, RangesOutsideTheRecordingAreRefusedWithTheRange) {
         EXPECT_EQ(Run("codes % " + words + " --language ru").error.find(range), std::string::npos) << "told in Russian";
     }
     ExpectRefused(kRefused, "info none.edf", "none.edf: ");
+}
+
+TEST_F(CliTest, TheSystemsReasonsAreInTheLanguageChosen) {
+    const fs::path folder = m_folder.File(u"folder");
+    const fs::path none = m_folder.File(u"none") / "a.bin";
+    fs::create_directory(folder);
+    const auto reason = [&](const char* language, const std::string& line, const std::vector<fs::path>& paths) {
+        const std::string error = RunLine(line + " --language " + language, paths).error;
+        return error.substr(error.rfind(": ", error.size() - 2) + 2);
+    };
+    const auto isAscii = [](unsigned char letter) { return letter < 128; };
+    for (const auto& [line, paths] : {std::pair<std::string, std::vector<fs::path>>("info %", {none}),
+                                      {"info %", {folder}},
+                                      {"export % %", {m_recording, none}},
+                                      {"codes % 1 1 --out %", {m_recording, folder}},
+                                      {"split % --size 2 --folder %", {m_recording, m_recording / "folder"}}}) {
+        const std::string english = reason("en", line, paths);
+        const std::string russian = reason("ru", line, paths);
+        EXPECT_TRUE(std::all_of(english.begin(), english.end(), isAscii)) << line << ": " << english;
+        EXPECT_FALSE(std::any_of(russian.begin(), russian.end(),
+                                 [](unsigned char letter) { return letter < 128 && std::isalpha(letter) != 0; }))
+            << line << ": " << russian;
+        EXPECT_FALSE(std::all_of(russian.begin(), russian.end(), isAscii)) << line << ": " << russian;
+    }
 }
 
 TEST_F(CliTest, WrongCommandLinesNameTheWrongWord) {

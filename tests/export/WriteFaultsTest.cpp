@@ -23,19 +23,19 @@ class FaultyFiles final : public FileSystem {
     Fault fault = None;
     std::size_t room = 0;  ///< bytes that are written before a fault of Write
 
-    std::optional<Place> Look(const std::u16string& path, std::u16string& error) override {
-        if (fault == Look_) return error = u"fault", std::nullopt;
+    std::optional<Place> Look(const std::u16string& path, Bilingual& error) override {
+        if (fault == Look_) return error = {u"fault", u"сбой"}, std::nullopt;
         return SystemFiles().Look(path, error);
     }
     std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place, bool& taken,
-                                        std::u16string& error) override {
-        if (fault == Create) return error = u"fault", nullptr;
+                                        Bilingual& error) override {
+        if (fault == Create) return error = {u"fault", u"сбой"}, nullptr;
         auto file = SystemFiles().CreateNew(path, place, taken, error);
         if (file) file = std::make_unique<Sink>(*this, std::move(file));
         return file;
     }
-    bool Rename(const std::u16string& from, const std::u16string& to, std::u16string& error) override {
-        if (fault == Rename_) return error = u"fault", false;
+    bool Rename(const std::u16string& from, const std::u16string& to, Bilingual& error) override {
+        if (fault == Rename_) return error = {u"fault", u"сбой"}, false;
         return SystemFiles().Rename(from, to, error);
     }
     void Remove(const std::u16string& path) override { SystemFiles().Remove(path); }
@@ -43,14 +43,15 @@ class FaultyFiles final : public FileSystem {
   private:
     struct Sink final : ByteSink {
         Sink(FaultyFiles& owner, std::unique_ptr<ByteSink> sink) : files(owner), file(std::move(sink)) {}
-        bool Write(std::span<const std::byte> bytes, std::u16string& error) override {
-            if (files.fault == FaultyFiles::Write && bytes.size() > files.room) return error = u"fault", false;
+        bool Write(std::span<const std::byte> bytes, Bilingual& error) override {
+            if (files.fault == FaultyFiles::Write && bytes.size() > files.room)
+                return error = {u"fault", u"сбой"}, false;
             files.room -= std::min(files.room, bytes.size());
             return file->Write(bytes, error);
         }
-        bool Close(std::u16string& error) override {
+        bool Close(Bilingual& error) override {
             const bool closed = file->Close(error);
-            if (files.fault == FaultyFiles::Close) return error = u"fault", false;
+            if (files.fault == FaultyFiles::Close) return error = {u"fault", u"сбой"}, false;
             return closed;
         }
         FaultyFiles& files;
@@ -83,10 +84,10 @@ class WriteFaults : public ::testing::Test {
             const SplitResult result = RunSplit(plan, system);
             EXPECT_EQ(result.end == SplitEnd::Done, services.messages.empty());
         } else if (kind == u"txt") {
-            TextExportContext context{slots, format, false, services,
-                                      [&](const std::u16string& target, std::u16string& error) {
-                                          return BeginTextFile(MakeOutputFileOn(files), target, error);
-                                      }};
+            TextExportContext context{
+                slots, format, false, services, [&](const std::u16string& target, std::u16string& error) {
+                    return BeginTextFile(MakeOutputFileOn(files), target, Language::English, error);
+                }};
             try {
                 ExportText(Path(u"a.txt"), block, 1, block.SampleCount(), settings, context);
             } catch (const std::exception& error) {

@@ -18,7 +18,9 @@ class MemoryFile final : public OutputFile {
         return true;
     }
     bool Close() override { return !m_failed; }
-    std::u16string ErrorText() const override { return m_failed ? u"full" : u"write-protected"; }
+    Bilingual ErrorText() const override {
+        return m_failed ? Bilingual{u"full", u"полон"} : Bilingual{u"write-protected", u"защищён"};
+    }
 
   private:
     std::string& m_bytes;

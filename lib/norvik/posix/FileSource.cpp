@@ -4,11 +4,10 @@
 
 #include <cerrno>
 #include <ctime>
-#include <system_error>
 
 #include "base/DateTime.h"
 #include "base/NativePath.h"
-#include "base/Text.h"
+#include "base/SystemText.h"
 #include "norvik/ByteSource.h"
 
 namespace quillon {
@@ -32,10 +31,7 @@ class FileSource final : public ByteSource {
             const auto part = ::pread(m_descriptor, static_cast<char*>(buffer) + done, count - done,
                                       static_cast<off_t>(offset + done));
             if (part < 0 && errno == EINTR) continue;
-            if (part < 0) {
-                const std::u16string reason = Utf16(std::generic_category().message(errno));
-                throw ReadError({reason, reason});
-            }
+            if (part < 0) throw ReadError(SystemText(errno), ErrorLanguage());
             if (part == 0) break;
             done += static_cast<std::size_t>(part);
         }
@@ -57,17 +53,17 @@ class FileSource final : public ByteSource {
 
 }  // namespace
 
-std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, std::u16string& error) {
+std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, Bilingual& error) {
     // Without O_NONBLOCK, opening a named pipe would wait for its other end.
     const int descriptor = ::open(NativeBytes(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) {
-        error = Utf16(std::generic_category().message(errno));
+        error = SystemText(errno);
         return nullptr;
     }
     struct stat status {};
     const bool known = ::fstat(descriptor, &status) == 0;
     if (!known || !S_ISREG(status.st_mode)) {
-        error = Utf16(std::generic_category().message(known ? (S_ISDIR(status.st_mode) ? EISDIR : EINVAL) : errno));
+        error = SystemText(known ? (S_ISDIR(status.st_mode) ? EISDIR : EINVAL) : errno);
         ::close(descriptor);
         return nullptr;
     }

@@ -8,19 +8,14 @@
 #include <climits>
 #include <cstdio>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include "base/NativePath.h"
-#include "base/Text.h"
+#include "base/SystemText.h"
 
 namespace quillon {
 
 namespace {
-
-std::u16string Reason(int number) {
-    return Utf16(std::generic_category().message(number));
-}
 
 class FileSink final : public ByteSink {
   public:
@@ -30,12 +25,12 @@ class FileSink final : public ByteSink {
         if (m_descriptor >= 0) ::close(m_descriptor);
     }
 
-    [[nodiscard]] bool Write(std::span<const std::byte> bytes, std::u16string& error) override {
+    [[nodiscard]] bool Write(std::span<const std::byte> bytes, Bilingual& error) override {
         while (!bytes.empty()) {
             const auto part = ::write(m_descriptor, bytes.data(), bytes.size());
             if (part < 0 && errno == EINTR) continue;
             if (part <= 0) {
-                error = Reason(part < 0 ? errno : ENOSPC);
+                error = SystemText(part < 0 ? errno : ENOSPC);
                 return false;
             }
             bytes = bytes.subspan(static_cast<std::size_t>(part));
@@ -43,13 +38,13 @@ class FileSink final : public ByteSink {
         return true;
     }
 
-    [[nodiscard]] bool Close(std::u16string& error) override {
+    [[nodiscard]] bool Close(Bilingual& error) override {
         const int descriptor = std::exchange(m_descriptor, -1);
         if (descriptor < 0) return true;
         const int synced = m_durable && ::fsync(descriptor) != 0 ? errno : 0;
         const int closed = ::close(descriptor) != 0 ? errno : 0;
         if (synced == 0 && closed == 0) return true;
-        error = Reason(synced != 0 ? synced : closed);
+        error = SystemText(synced != 0 ? synced : closed);
         return false;
     }
 
@@ -77,9 +72,9 @@ bool FollowLinks(std::string& path) {
 
 class PosixFiles final : public FileSystem {
   public:
-    [[nodiscard]] std::optional<Place> Look(const std::u16string& path, std::u16string& error) override {
+    [[nodiscard]] std::optional<Place> Look(const std::u16string& path, Bilingual& error) override {
         const auto refuse = [&](int number) {
-            error = Reason(number);
+            error = SystemText(number);
             return std::nullopt;
         };
         Place place;
@@ -108,14 +103,14 @@ class PosixFiles final : public FileSystem {
     }
 
     [[nodiscard]] std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place, bool& taken,
-                                                      std::u16string& error) override {
+                                                      Bilingual& error) override {
         constexpr mode_t usual = 0666;  // less what the user's mask takes away
         constexpr mode_t own = 0600;
         const int descriptor =
             ::open(NativeBytes(path).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, place.replaces ? own : usual);
         taken = descriptor < 0 && errno == EEXIST;
         if (descriptor < 0) {
-            error = Reason(errno);
+            error = SystemText(errno);
             return nullptr;
         }
         if (place.replaces) {
@@ -127,9 +122,9 @@ class PosixFiles final : public FileSystem {
         return std::make_unique<FileSink>(descriptor, place.replaces);
     }
 
-    [[nodiscard]] bool Rename(const std::u16string& from, const std::u16string& to, std::u16string& error) override {
+    [[nodiscard]] bool Rename(const std::u16string& from, const std::u16string& to, Bilingual& error) override {
         if (::rename(NativeBytes(from).c_str(), NativeBytes(to).c_str()) == 0) return true;
-        error = Reason(errno);
+        error = SystemText(errno);
         return false;
     }
 

@@ -1,11 +1,11 @@
 #include <algorithm>
 
 #include "base/DateTime.h"
+#include "base/SystemText.h"
 #include "base/Text.h"
 #include "base/win/SystemPath.h"
 #include "base/win/Win32.h"
 #include "norvik/ByteSource.h"
-#include "norvik/win/SystemText.h"
 
 namespace quillon {
 
@@ -46,10 +46,7 @@ class FileSource final : public ByteSource {
     }
 
   private:
-    [[noreturn]] static void Fail() {
-        const std::u16string reason = SystemText(::GetLastError());
-        throw ReadError({reason, reason});
-    }
+    [[noreturn]] void Fail() const { throw ReadError(SystemText(::GetLastError()), ErrorLanguage()); }
 
     HANDLE m_file;
     std::uint64_t m_size;
@@ -58,7 +55,7 @@ class FileSource final : public ByteSource {
 
 }  // namespace
 
-std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, std::u16string& error) {
+std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, Bilingual& error) {
     // A folder opened this way is refused by the system: "access is denied".
     const HANDLE file =
         ::CreateFileW(SystemPath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,

@@ -2,10 +2,9 @@
 
 #include <utility>
 
-#include "base/Text.h"
+#include "base/SystemText.h"
 #include "base/win/SystemPath.h"
 #include "base/win/Win32.h"
-#include "norvik/win/SystemText.h"
 
 namespace quillon {
 
@@ -19,7 +18,7 @@ class FileSink final : public ByteSink {
         if (m_file != INVALID_HANDLE_VALUE) ::CloseHandle(m_file);
     }
 
-    [[nodiscard]] bool Write(std::span<const std::byte> bytes, std::u16string& error) override {
+    [[nodiscard]] bool Write(std::span<const std::byte> bytes, Bilingual& error) override {
         while (!bytes.empty()) {
             DWORD part = 0;
             const bool done = ::WriteFile(m_file, bytes.data(), static_cast<DWORD>(bytes.size()), &part, nullptr) != 0;
@@ -32,7 +31,7 @@ class FileSink final : public ByteSink {
         return true;
     }
 
-    [[nodiscard]] bool Close(std::u16string& error) override {
+    [[nodiscard]] bool Close(Bilingual& error) override {
         const HANDLE file = std::exchange(m_file, INVALID_HANDLE_VALUE);
         if (file == INVALID_HANDLE_VALUE) return true;
         const DWORD flushed = m_durable && !::FlushFileBuffers(file) ? ::GetLastError() : ERROR_SUCCESS;
@@ -49,7 +48,7 @@ class FileSink final : public ByteSink {
 
 class WindowsFiles final : public FileSystem {
   public:
-    [[nodiscard]] std::optional<Place> Look(const std::u16string& path, std::u16string& error) override {
+    [[nodiscard]] std::optional<Place> Look(const std::u16string& path, Bilingual& error) override {
         Place place;
         place.path = path;
         // Shared with nobody: a file that is open for reading, as the recording itself is, is refused. Renaming over it
@@ -78,7 +77,7 @@ class WindowsFiles final : public FileSystem {
     }
 
     [[nodiscard]] std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place, bool& taken,
-                                                      std::u16string& error) override {
+                                                      Bilingual& error) override {
         const HANDLE file = ::CreateFileW(SystemPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
                                           FILE_ATTRIBUTE_NORMAL, nullptr);
         taken = file == INVALID_HANDLE_VALUE && ::GetLastError() == ERROR_FILE_EXISTS;
@@ -89,7 +88,7 @@ class WindowsFiles final : public FileSystem {
         return std::make_unique<FileSink>(file, place.replaces);
     }
 
-    [[nodiscard]] bool Rename(const std::u16string& from, const std::u16string& to, std::u16string& error) override {
+    [[nodiscard]] bool Rename(const std::u16string& from, const std::u16string& to, Bilingual& error) override {
         if (::MoveFileExW(SystemPath(from).c_str(), SystemPath(to).c_str(), MOVEFILE_REPLACE_EXISTING)) return true;
         error = SystemText(::GetLastError());
         return false;

@@ -34,7 +34,7 @@ int FirstDayOfWeek() {
 }
 
 std::unique_ptr<TextSink> OpenText(const std::u16string& target, std::u16string& error) {
-    return target == kClipboardTarget ? MakeClipboardText() : CreateTextFile(target, error);
+    return target == kClipboardTarget ? MakeClipboardText() : CreateTextFile(target, InterfaceLanguage(), error);
 }
 
 int RunMessages(frmQLMain& form) {

@@ -9,6 +9,7 @@
 #include "app/StatusPanels.h"
 #include "app/ToolbarIcons.h"
 #include "base/StringIds.h"
+#include "base/SystemText.h"
 #include "base/Text.h"
 #include "view/win/GDI_Utils.h"
 
@@ -184,7 +185,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 
 void frmQLMain::Failed(const std::exception& error) noexcept {
     try {
-        m_services.SetStatus(m_services.Text(IDS_COMMAND_FAILED) + u": " + Utf16(error.what()));
+        m_services.SetStatus(m_services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_global.language));
     } catch (const std::exception&) {
         // There is no memory even for the message.
     }

@@ -29,6 +29,8 @@ TEST_F(RealFaults, DevicesAreWrittenWhereTheyAre) {
     EXPECT_EQ(RunLine("text % /dev/null", {m_recording}).code, kDone);
     for (const char* line : {"export % /dev/full --type=wav", "text % /dev/full", "info % --out=/dev/full"})
         EXPECT_EQ(RunLine(line, {m_recording}).error, "quillon-cli: /dev/full: No space left on device\n") << line;
+    EXPECT_EQ(RunLine("info % --out=/dev/full --language=ru", {m_recording}).error,
+              "quillon-cli: /dev/full: На диске нет места\n");
     EXPECT_TRUE(fs::is_character_file("/dev/null") && fs::is_character_file("/dev/full"));
 }
 
