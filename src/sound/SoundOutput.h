@@ -36,8 +36,8 @@ class SoundOutput {
     [[nodiscard]] virtual std::int16_t Device() const = 0;
     /// An index without a device changes nothing.
     virtual void PutDevice(std::int16_t index) = 0;
-    /// Why Open refused or the playback broke off, in the system's words; empty when neither happened since the last
-    /// Open or Stop.
+    /// Why Open refused or the playback broke off, in the user's language where it is a usual one; empty when neither
+    /// happened since the last Open or Stop.
     [[nodiscard]] virtual std::u16string ErrorText() const = 0;
     /// Samples per second and channel above which Open refuses.
     [[nodiscard]] virtual std::int32_t MaximumRate() const = 0;

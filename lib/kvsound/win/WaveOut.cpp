@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/Bilingual.h"
 #include "kvsound/PlayPosition.h"
 
 namespace quillon {
@@ -36,7 +37,24 @@ constexpr UINT kProgressInterval = 30;  ///< ms
 /// KSDATAFORMAT_SUBTYPE_PCM, which would need another library to link.
 constexpr GUID kPcm = {WAVE_FORMAT_PCM, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xaa, 0x00, 0x38, 0x9b, 0x71}};
 
-std::u16string ErrorTextOf(MMRESULT result) {
+/// What happens to a device that there was. The system tells it in its own language alone.
+Bilingual CommonError(MMRESULT result) {
+    switch (result) {
+        case MMSYSERR_BADDEVICEID:
+        case MMSYSERR_NODRIVER: return Say(u"there is no such sound device", u"такого звукового устройства нет");
+        case MMSYSERR_ALLOCATED:
+            return Say(u"the sound device is used by another program", u"звуковое устройство занято другой программой");
+        case MMSYSERR_NOMEM: return Say(u"there is not enough memory", u"не хватает памяти");
+        case WAVERR_BADFORMAT:
+            return Say(u"the sound device cannot play this rate or so many channels",
+                       u"звуковое устройство не воспроизводит такую частоту или столько каналов");
+        default: return {};
+    }
+}
+
+std::u16string ErrorTextOf(MMRESULT result, Language language) {
+    const Bilingual common = CommonError(result);
+    if (!common.english.empty()) return common.In(language);
     std::array<wchar_t, MAXERRORLENGTH> text{};
     if (::waveOutGetErrorTextW(result, text.data(), static_cast<UINT>(text.size())) != MMSYSERR_NOERROR) return {};
     std::u16string line;
@@ -196,8 +214,9 @@ class WaveDevice {
 /// inside an operation all end there, and those still queued go with it.
 class WaveOut final : public SoundOutput {
   public:
-    explicit WaveOut(SoundOutputEvents events)
+    WaveOut(SoundOutputEvents events, Language language)
         : m_events(std::move(events)),
+          m_language(language),
           m_window(::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
         if (m_window == nullptr) {
             throw std::system_error(static_cast<int>(::GetLastError()), std::system_category(), "Sound window");
@@ -248,7 +267,7 @@ class WaveOut final : public SoundOutput {
         const MMRESULT result = m_index >= DeviceCount() ? MMRESULT{MMSYSERR_BADDEVICEID}
                                 : sane ? m_device.Open(static_cast<UINT>(m_index), channelCount, rate, m_window)
                                        : MMRESULT{WAVERR_BADFORMAT};
-        if (result != MMSYSERR_NOERROR) m_errorText = ErrorTextOf(result);
+        if (result != MMSYSERR_NOERROR) m_errorText = ErrorTextOf(result, m_language);
         return result == MMSYSERR_NOERROR;
     }
 
@@ -278,7 +297,7 @@ class WaveOut final : public SoundOutput {
 
     void Break(MMRESULT result) {
         End();
-        m_errorText = ErrorTextOf(result);
+        m_errorText = ErrorTextOf(result, m_language);
     }
 
     // Every event may end this playback and start another; then what follows here is none of its business.
@@ -339,6 +358,7 @@ class WaveOut final : public SoundOutput {
     }
 
     SoundOutputEvents m_events;
+    Language m_language;
     HWND m_window;
     WaveDevice m_device;
     std::int16_t m_index = 0;
@@ -350,8 +370,8 @@ class WaveOut final : public SoundOutput {
 
 }  // namespace
 
-std::unique_ptr<SoundOutput> MakeSoundOutput(SoundOutputEvents events) {
-    return std::make_unique<WaveOut>(std::move(events));
+std::unique_ptr<SoundOutput> MakeSoundOutput(SoundOutputEvents events, Language language) {
+    return std::make_unique<WaveOut>(std::move(events), language);
 }
 
 }  // namespace quillon

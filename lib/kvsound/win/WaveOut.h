@@ -1,11 +1,12 @@
 #pragma once
 
+#include "base/Language.h"
 #include "sound/SoundOutput.h"
 
 namespace quillon {
 
 /// The sound library: plays through the system's wave devices, on the calling thread, which must handle messages.
-/// Throws std::system_error when its window cannot be made.
-[[nodiscard]] std::unique_ptr<SoundOutput> MakeSoundOutput(SoundOutputEvents events);
+/// Its reasons are told in `language`. Throws std::system_error when its window cannot be made.
+[[nodiscard]] std::unique_ptr<SoundOutput> MakeSoundOutput(SoundOutputEvents events, Language language);
 
 }  // namespace quillon

@@ -1,6 +1,7 @@
 #include "app/win/QL_Main.h"
 
 #include <system_error>
+#include <utility>
 
 #include "app/KV_Resources.h"
 #include "app/win/frmQLMain.h"
@@ -58,7 +59,7 @@ StartUpParts SystemParts() {
             {MakeOutputFile, SystemBytes, FirstDayOfWeek()},
             OpenText,
             MakeSaveDialog,
-            MakeSoundOutput};
+            [](SoundOutputEvents events) { return MakeSoundOutput(std::move(events), InterfaceLanguage()); }};
 }
 
 int QL_Main(const StartUpParts& parts, int showCommand) {

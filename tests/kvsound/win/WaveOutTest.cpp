@@ -33,7 +33,8 @@ class EndlessBlock : public FakeBlock {
 class SoundTest : public ::testing::Test {
   protected:
     void Make() {
-        sound.emplace(view, services, MakeSoundOutput);
+        sound.emplace(view, services,
+                      [](SoundOutputEvents events) { return MakeSoundOutput(std::move(events), Language::English); });
         sound->onStarted = [this] { ++started; };
         sound->onStopped = [this] { ++stopped; };
         sound->onPlayProgress = [this](std::int32_t sample) { heard.push_back(sample); };
@@ -202,7 +203,8 @@ TEST_F(WaveOutCapture, EventsMayStopAndStart) {
 TEST_F(WaveOutCapture, RefusesWhatNoDeviceTakesAndTakesWhatItDoes) {
     int ended = 0;
     std::unique_ptr<SoundOutput> output;
-    output = MakeSoundOutput({[&] { output->Stop(); }, [](std::int64_t) {}, [] {}, [&] { ++ended; }});
+    output =
+        MakeSoundOutput({[&] { output->Stop(); }, [](std::int64_t) {}, [] {}, [&] { ++ended; }}, Language::English);
     EXPECT_FALSE(output->DeviceName(0).empty());
     EXPECT_TRUE(output->DeviceName(-1).empty());
     EXPECT_TRUE(output->DeviceName(output->DeviceCount()).empty());
@@ -235,9 +237,9 @@ TEST_F(WaveOutSilence, NothingHappensAndNothingIsSaid) {
     EXPECT_EQ(sound->DeviceCount() + sound->Device() + started + stopped, 0);
     EXPECT_EQ(sound->ErrorText() + sound->DeviceName(0), u"");
     // A device that went after the list was read.
-    const auto output = MakeSoundOutput({[] {}, [](std::int64_t) {}, [] {}, [] {}});
+    const auto output = MakeSoundOutput({[] {}, [](std::int64_t) {}, [] {}, [] {}}, Language::Russian);
     EXPECT_FALSE(output->Open(1, 8000));
-    EXPECT_FALSE(output->ErrorText().empty());
+    EXPECT_EQ(output->ErrorText(), u"такого звукового устройства нет");
 }
 
 }  // namespace
