@@ -296,10 +296,15 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
                            offset == block->ChannelOffset(static_cast<std::int16_t>(channel - 1));
         std::optional<EdfLimits> found = alike ? limits.back() : FindEdfLimits(scale, offset);
         if (!found) {
+            // Readers keep the limits in single precision.
+            const bool tooLarge = !std::isfinite(scale * 32000.0F + offset);
             const std::u16string title = block->ChannelTitle(channel);
-            m_lastFailure = Say(u"The channel's scale is too fine for EDF: %1", u"Шаг канала слишком мал для EDF: %1",
-                                {title.empty() ? Decimal(channel) : title})
-                                .In(m_system.language);
+            m_lastFailure =
+                Say(tooLarge ? u"The channel's scale is too large for EDF: %1"
+                             : u"The channel's scale is too fine for EDF: %1",
+                    tooLarge ? u"Шаг канала слишком велик для EDF: %1" : u"Шаг канала слишком мал для EDF: %1",
+                    {title.empty() ? Decimal(channel) : title})
+                    .In(m_system.language);
             return false;
         }
         limits.push_back(std::move(*found));

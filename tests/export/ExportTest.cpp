@@ -110,6 +110,10 @@ TEST_F(ExportTest, EdfRecordsSuitTheRate) {
     }
     TestBlock block(0, 1000.0);
     EXPECT_FALSE(Export(&block, 0, 0, u"a.edf")) << "a record of nothing";
+    block = TestBlock(10, 1000.0);
+    block.scales[1] = 3e38F;
+    EXPECT_FALSE(Export(&block, 1, 0, u"a.edf"));
+    EXPECT_EQ(exporter.LastError(), u"The channel's scale is too large for EDF: ECG");
     FakeBlock wide;
     for (const std::size_t channels : {126U, 127U}) {
         wide.samples.resize(channels, Codes(10));
