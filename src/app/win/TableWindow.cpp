@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kList = 101;
 constexpr int kCopy = 102;
+constexpr int kHeading = 103;
 
 struct MemoryTraits {
     using Handle = HGLOBAL;
@@ -195,17 +196,23 @@ void LayOut(HWND dialog, int columnsWidth) {
     RECT inner{};
     GetWindowRect(dialog, &outer);
     GetClientRect(dialog, &inner);
+    const HWND heading = GetDlgItem(dialog, kHeading);
+    const std::wstring line = WindowText(heading);
+    const SIZE lineSize{TextWidth(dialog, font, line), line.empty() ? 0 : Pixels(dialog, 0, 8).cy};
+    const LONG top = margin.cy + (line.empty() ? 0 : lineSize.cy + gap.cy / 2);
     const SIZE around{SizeOf(outer).cx - inner.right + 2 * margin.cx,
-                      SizeOf(outer).cy - inner.bottom + 2 * margin.cy + gap.cy + button.cy};
+                      SizeOf(outer).cy - inner.bottom + top + margin.cy + gap.cy + button.cy};
     const HWND list = GetDlgItem(dialog, kList);
     SIZE size = ListSize(list, columnsWidth, {work.cx * 4 / 5 - around.cx, work.cy * 4 / 5 - around.cy});
-    const LONG least = std::max(2 * button.cx + gap.cx, static_cast<LONG>(TitleWidth(dialog)) - 2 * margin.cx);
+    const LONG least =
+        std::max({2 * button.cx + gap.cx, static_cast<LONG>(TitleWidth(dialog)) - 2 * margin.cx, lineSize.cx});
     size.cx = std::max(size.cx, std::min(least, work.cx - around.cx));
     const SIZE whole{size.cx + around.cx, size.cy + around.cy};
     const POINT place = Centred(dialog, monitor.rcWork, whole);
     SetWindowPos(dialog, nullptr, place.x, place.y, whole.cx, whole.cy, SWP_NOZORDER | SWP_NOACTIVATE);
-    MoveWindow(list, margin.cx, margin.cy, size.cx, size.cy, FALSE);
-    const LONG row = margin.cy + size.cy + gap.cy;
+    MoveWindow(heading, margin.cx, margin.cy, size.cx, lineSize.cy, FALSE);
+    MoveWindow(list, margin.cx, top, size.cx, size.cy, FALSE);
+    const LONG row = top + size.cy + gap.cy;
     const LONG close = margin.cx + size.cx - button.cx;
     MoveWindow(GetDlgItem(dialog, IDOK), close, row, button.cx, button.cy, FALSE);
     MoveWindow(GetDlgItem(dialog, kCopy), close - gap.cx - button.cx, row, button.cx, button.cy, FALSE);
@@ -249,9 +256,10 @@ void ShowTable(HWND owner, const TableTexts& texts, const std::vector<std::vecto
     const Table table{texts, rows};
     // All get their sizes when the texts have been measured. Until then the list is larger than a screen: of two scroll
     // bars that it once shows each would be a reason for the other.
-    DialogTemplate dialog(texts.title, 200, 100, 3);
+    DialogTemplate dialog(texts.title, 200, 100, 4);
     dialog.Item(WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER, kList, 7,
                 7, 5000, 5000);
+    dialog.Item(DialogTemplate::kStatic, SS_NOPREFIX | SS_ENDELLIPSIS, kHeading, texts.heading, 7, 7, 186, 8);
     dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, texts.copy, 89, 79, 50, 14);
     dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, texts.close, 143, 79, 50, 14);
     DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure,

@@ -13,7 +13,8 @@ struct TableTexts {
     std::vector<std::wstring> columns;  ///< captions
     std::wstring close;
     std::wstring copy;
-    bool numeric = false;  ///< all columns but the first hold numbers and are right-aligned
+    bool numeric = false;    ///< all columns but the first hold numbers and are right-aligned
+    std::wstring heading{};  ///< a line above the columns; may be empty
 };
 
 /// Shows rows of text in a modal window that is as large as they need, up to 80 % of the work area. Cells missing at a

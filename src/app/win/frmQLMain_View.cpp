@@ -82,14 +82,15 @@ void frmQLMain::ShowStatistics(int) {
     const std::vector<ChannelStatistics> statistics = StatisticsOf(source, selection.First(), selection.Last());
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));
     TableTexts texts;
-    texts.title = Plain(m_services.Text(IDS_STATISTICS)) + L": " +
-                  Wide(PositionText(m_document.Block(), selection.First(), u" ", m_global.format) + u" \u2013 " +
-                       PositionText(m_document.Block(), selection.Last(), u" ", m_global.format) + u", " +
-                       Decimal(selection.Count()) + u' ' + m_services.Text(IDS_SAMPLES));
+    texts.title = Plain(m_services.Text(IDS_STATISTICS));
+    // Too long for a caption, whose letters and buttons are of the system's choice.
+    texts.heading = Wide(PositionText(m_document.Block(), selection.First(), u" ", m_global.format) + u" \u2013 " +
+                         PositionText(m_document.Block(), selection.Last(), u" ", m_global.format) + u", " +
+                         Decimal(selection.Count()) + u' ' + m_services.Text(IDS_SAMPLES));
     if (m_document.Block().sampleRate > 0.0) {
         FormatOptions duration = m_global.format;
         duration.timeOfDay = false;
-        texts.title += L", " + Wide(FormatTime(selection.Count() / m_document.Block().sampleRate, u" ", duration));
+        texts.heading += L", " + Wide(FormatTime(selection.Count() / m_document.Block().sampleRate, u" ", duration));
     }
     constexpr int columns = 7;
     for (int column = 0; column < columns; ++column)
