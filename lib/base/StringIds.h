@@ -128,8 +128,6 @@
 #define IDS_SAVE_AS_TITLE 5350
 #define IDS_PLAYING 5351
 #define IDS_COPY_LARGE 5352
-#define IDS_WHOLE_RECORDS 5353
-#define IDS_BLOCK_START 5354
 
 // The dialog that splits a block into files; options of an array follow each other.
 #define IDS_SPLIT_TITLE 5300

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "base/Bilingual.h"
+#include "base/Text.h"
 #include "cli/CommandSupport.h"
 #include "export/KVExport.h"
 #include "norvik/SystemBytes.h"
@@ -74,6 +75,8 @@ void RunExport(const CommandContext& context) {
     const bool done = exporter.Export(range.block.get(), parsed.words[2], range.first, range.count, type);
     if (refusal) std::rethrow_exception(refusal);
     if (!done) RefuseExport(exporter, parsed.words[2]);
+    const std::u16string loss = DescribeLoss(exporter.Outcome(), context.language);
+    if (!loss.empty()) context.error << "quillon-cli: " << Utf8(parsed.words[2]) << ": " << Utf8(loss) << '\n';
 }
 
 }  // namespace quillon::cli

@@ -1,6 +1,7 @@
 #include "export/KV_Export.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -95,11 +96,16 @@ ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
     return header;
 }
 
+/// Two digits tell the years 1985 to 2084.
+bool IsEdfYear(int year) {
+    return year >= 1985 && year <= 2084;
+}
+
 /// "dd.mm.yyhh.mm.ss"
 std::string EdfStart(double date) {
     CivilTime time = CivilFromDate(date);
-    // Two digits tell the years 1985 to 2084. The first day of these stands for one that is not known.
-    if (time.year < 1985 || time.year > 2084) {
+    // The first day stands for one that is not known.
+    if (!IsEdfYear(time.year)) {
         time.year = 1985;
         time.month = time.day = 1;
     }
@@ -112,7 +118,14 @@ std::string EdfStart(double date) {
     return text.substr(0, 16);
 }
 
-ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord, double recordSeconds,
+/// The rate that a reader finds.
+double EdfRate(std::int32_t samplesPerRecord, const std::string& recordSeconds) {
+    double seconds = 0.0;
+    std::from_chars(recordSeconds.data(), recordSeconds.data() + recordSeconds.size(), seconds);
+    return samplesPerRecord / seconds;
+}
+
+ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord, std::string_view recordSeconds,
                      std::int32_t records, std::span<const EdfLimits> limits) {
     const std::int16_t channels = block.ChannelCount();
     // Other programs of the family read the size as a signed 16-bit number, which ends at 126 channels.
@@ -126,7 +139,7 @@ ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord,
     field(EdfCount(headerBytes, 8), 8);
     field("", 44);
     field(EdfCount(records, 8), 8);
-    field(EdfNumber(recordSeconds, 8), 8);
+    field(recordSeconds, 8);
     field(EdfCount(channels, 4), 4);
 
     const auto column = [&](std::size_t width, auto text) {
@@ -176,7 +189,7 @@ bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample,
     range.first = std::max(firstSample, 1);
     const std::int32_t rest = samples - range.first + 1;
     range.count = sampleCount >= 1 && sampleCount <= rest ? sampleCount : rest;
-    m_outcome = {range.count, range.count, false};
+    m_outcome = {range.count, range.count, false, false, block->SampleRate(), block->SampleRate()};
     return true;
 }
 
@@ -222,6 +235,7 @@ bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileNa
                              std::int32_t sampleCount) {
     Range range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
+    m_outcome.ratedAs = std::nearbyint(block->SampleRate());
     return WriteFile(fileName, WaveHeader(*block, range.count),
                      [&](OutputFile& file) { return WriteFrames(*block, range, file); });
 }
@@ -309,8 +323,12 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
         }
         limits.push_back(std::move(*found));
     }
-    m_outcome = {range.count, records.count * records.samples, range.first > 1};
-    return WriteFile(fileName, EdfHeader(*block, records.samples, records.seconds, records.count, limits),
+    const std::string seconds = EdfNumber(records.seconds, 8);
+    m_outcome.written = records.count * records.samples;
+    m_outcome.earlier = range.first > 1;
+    m_outcome.otherDate = block->StartTime() != 0.0 && !IsEdfYear(CivilFromDate(block->StartTime()).year);
+    m_outcome.ratedAs = EdfRate(records.samples, seconds);
+    return WriteFile(fileName, EdfHeader(*block, records.samples, seconds, records.count, limits),
                      [&](OutputFile& file) { return WriteRecords(*block, range, records, file); });
 }
 

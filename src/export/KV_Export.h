@@ -12,6 +12,7 @@
 #include "data/NorvikCore.h"
 #include "data/OutputFile.h"
 #include "export/ByteWriter.h"
+#include "export/ExportOutcome.h"
 
 namespace quillon {
 
@@ -27,13 +28,6 @@ struct ExportSystem {
     std::function<void(std::int32_t done, std::int32_t total)> progress = {};
     /// Of the reasons that are not the family's own texts.
     Language language = Language::English;
-};
-
-/// What a format left out.
-struct ExportOutcome {
-    std::int32_t asked = 0;    ///< samples per channel of the range
-    std::int32_t written = 0;  ///< of these; EDF keeps whole records only
-    bool earlier = false;      ///< the file tells the block's start, which is before that of the range
 };
 
 /// The three writers. Each writes samples firstSample (from 1) to firstSample + sampleCount - 1 of all channels of a

@@ -175,6 +175,22 @@ TEST_F(CliTest, ExportWritesAStretch) {
     EXPECT_EQ(Contents(copy).substr(44), samples::Bytes().Codes({10, -1, 20, -2}).Get());
 }
 
+TEST_F(CliTest, ExportTellsWhatTheFormatDoesNotKeep) {
+    m_recording = m_folder.Write(
+        u"slow.bin", samples::BinHeader(0.3333F, "", {{"A", "V", 1.0F, 0.0F}}, 400) + std::string(800, '\0'));
+    const fs::path copy = m_folder.File(u"copy");
+    const auto told = [&](const std::string& options) {
+        const Answer answer = Run("export % % --force " + options, copy);
+        EXPECT_EQ(answer.code, kDone);
+        const std::string start = "quillon-cli: " + Utf8(copy.u16string());
+        return answer.error.starts_with(start) ? answer.error.substr(start.size()) : answer.error;
+    };
+    EXPECT_EQ(told("--type=bin"), "");
+    EXPECT_EQ(told("--type=edf"), ": 333 of 400 samples (whole records), 0.333 Hz instead of 0.3333 Hz\n");
+    EXPECT_EQ(told("--type=edf --first=30 --count=333 --language=ru"),
+              ": 0.333 Гц вместо 0.3333 Гц, время начала — от начала блока\n");
+}
+
 TEST_F(CliTest, ForeignLettersArriveAndOnlyATextFileIsMarkedAsUtf8) {
     const std::string header = samples::BinHeader(250.0F, "", {{"ЭЭГ", "V", 1.0F, 0.0F}}, 1);
     m_recording = m_folder.Write(u"eeg.bin", header + std::string(2, '\0'));

@@ -293,6 +293,7 @@ TEST_F(ReadBackTest, WhatReadersRefuseIsRefusedAndAnUnknownDateStaysUnknown) {
         std::shared_ptr<Recording> recording;
         ASSERT_TRUE(library->OpenRecording(path, recording)) << Utf8(library->LastErrorText());
         EXPECT_EQ(recording->GetBlock(1)->StartTime(), read);
+        EXPECT_EQ(DescribeLoss(exporter.Outcome(), Language::English).empty(), start == read) << "told";
     }
 }
 

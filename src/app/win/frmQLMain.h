@@ -266,8 +266,6 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] SampleRange ExportRange() const;
     void SaveAs(int);
     void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range, std::int32_t type);
-    /// What the format did not keep; empty when it kept everything.
-    [[nodiscard]] std::u16string LeftOut(const ExportOutcome& outcome) const;
     /// Asks the user once about those of the files that exist.
     [[nodiscard]] bool MayReplace(std::vector<std::u16string> files) const;
     /// The same about files that the fast export would replace and nobody has named for it.

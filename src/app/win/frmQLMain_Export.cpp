@@ -130,18 +130,9 @@ void frmQLMain::WriteRecording(RecordingBlock& block, const std::u16string& name
     exporter.SetProgress({});
     if (m_window == nullptr) return;
     // What went wrong was told in a box.
-    m_services.SetStatus(done ? m_services.Text(IDS_WRITTEN) + u": " + name + LeftOut(exporter.Outcome())
+    const std::u16string loss = DescribeLoss(exporter.Outcome(), m_global.language);
+    m_services.SetStatus(done ? m_services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") + loss
                               : std::u16string());
-}
-
-std::u16string frmQLMain::LeftOut(const ExportOutcome& outcome) const {
-    std::u16string text;
-    if (outcome.written < outcome.asked) {
-        text =
-            u": " + FillPlaces(m_services.Text(IDS_WHOLE_RECORDS), {Decimal(outcome.written), Decimal(outcome.asked)});
-    }
-    if (outcome.earlier) text += (text.empty() ? u": " : u", ") + m_services.Text(IDS_BLOCK_START);
-    return text;
 }
 
 bool frmQLMain::MayReplace(std::vector<std::u16string> files) const {
