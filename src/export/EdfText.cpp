@@ -87,6 +87,18 @@ std::string EdfNumber(float number, std::size_t width) {
     return FittingNumber(number, width);
 }
 
+std::string NearestNumber(double number, std::size_t width) {
+    std::string nearest = EdfNumber(number, width);
+    const auto miss = [&](const std::string& text) { return std::abs(ValueOf(text) - number); };
+    for (int places = 1; places < 100; ++places) {
+        const double mantissa = std::nearbyint(number * std::pow(10.0, places));
+        if (mantissa >= std::pow(10.0, width)) break;
+        const std::string text = EdfCount(static_cast<std::int64_t>(mantissa), width) + "E-" + std::to_string(places);
+        if (text.size() <= width && miss(text) < miss(nearest)) nearest = text;
+    }
+    return nearest;
+}
+
 std::string EdfCount(std::int64_t count, std::size_t width) {
     std::string digits = std::to_string(count);
     if (digits.size() > width) RefuseNumber();

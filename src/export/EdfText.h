@@ -18,6 +18,10 @@ namespace quillon {
 [[nodiscard]] std::string EdfNumber(double number, std::size_t width);
 [[nodiscard]] std::string EdfNumber(float number, std::size_t width);
 
+/// The text within `width` that is nearest to a positive number: the number's own or one like "90703E-9", which has a
+/// digit more than that with a point.
+[[nodiscard]] std::string NearestNumber(double number, std::size_t width);
+
 /// A count: all of its digits or std::length_error.
 [[nodiscard]] std::string EdfCount(std::int64_t count, std::size_t width);
 

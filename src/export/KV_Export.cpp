@@ -323,7 +323,9 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
         }
         limits.push_back(std::move(*found));
     }
-    const std::string seconds = EdfNumber(records.seconds, 8);
+    std::string seconds = EdfNumber(records.seconds, 8);
+    if (!IsSameRate(block->SampleRate(), EdfRate(records.samples, seconds)))
+        seconds = NearestNumber(records.seconds, 8);
     m_outcome.written = records.count * records.samples;
     m_outcome.earlier = range.first > 1;
     m_outcome.otherDate = block->StartTime() != 0.0 && !IsEdfYear(CivilFromDate(block->StartTime()).year);

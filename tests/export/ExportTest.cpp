@@ -98,8 +98,11 @@ TEST_F(ExportTest, HeadersAreExactToTheByte) {
 
 TEST_F(ExportTest, EdfRecordsSuitTheRate) {
     using Case = std::tuple<double, std::size_t, std::string>;  // rate, samples, records, seconds, samples per record
-    for (const auto& [rate, count, told] :
-         {Case{5, 1000, "2 100 500"}, {1000, 2500, "2 1 1000"}, {1000, 300, "1 0.3 300"}, {3, 1, "1 0.333333 1"}}) {
+    for (const auto& [rate, count, told] : {Case{5, 1000, "2 100 500"},
+                                            {1000, 2500, "2 1 1000"},
+                                            {1000, 300, "1 0.3 300"},
+                                            {3, 1, "1 0.333333 1"},
+                                            {44100, 4, "1 90703E-9 4"}}) {
         TestBlock block(count, rate);
         ASSERT_TRUE(Export(&block, 1, 0, u"a.edf"));
         std::istringstream fields(bytes.substr(236, 8) + ' ' + bytes.substr(244, 8) + ' ' + bytes.substr(688, 8));
