@@ -248,8 +248,8 @@ TEST(VisibleMarks, LieInTheirColumnsAndLookTheSameWhereverTheyLie) {
     axis.ScrollBy(axis.PageShift(0));
     axis.ScrollBy(50);  // samples 501 to 1500, 10 per column
     ViewBlock block;
-    block.marks = {{9, u"text reaches in"}, {1499, u"last"},  {500, u"first"},
-                   {505, u"same column"},   {1520, u"after"}, {60000, u"far"}};
+    block.marks = {{9, u"text reaches in"}, {500, u"first"},  {505, u"same column"},
+                   {1499, u"last"},         {1520, u"after"}, {60000, u"far"}};
     const auto lines = [&] {
         std::string all;
         for (const MarkLine& line : VisibleMarks(axis, block))

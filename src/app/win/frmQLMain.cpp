@@ -35,7 +35,8 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
       m_view(*global.view),
       m_makeTimer(std::move(makeTimer)),
       m_shutdown(std::move(shutdown)),
-      m_fft(global.settings) {}
+      m_fft(global.settings),
+      m_gestures(*global.view) {}
 
 void frmQLMain::Create() {
     m_dpi = ScreenDpi();

@@ -22,6 +22,7 @@
 #include "sound/QLSound.h"
 #include "spectrum/QL_FFT.h"
 #include "spectrum/win/SpectrogramView.h"
+#include "view/GraphGestures.h"
 #include "view/Readout.h"
 #include "view/WaveformView.h"
 #include "view/win/GraphCursor.h"
@@ -202,9 +203,12 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
 
     // Mouse: hover readout, selection, wheel.
     bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
-    bool ScaleYMouse(UINT message, int y);
+    bool ScaleYMouse(UINT message, const GraphPointer& pointer);
+    /// Starts a gesture, which has the mouse until it ends.
+    void Press(HWND box, GraphButton button, GraphZone zone, const GraphPointer& pointer);
+    void Drag(const GraphPointer& pointer);
     void EndGesture();
-    [[nodiscard]] HCURSOR GraphPointer();
+    [[nodiscard]] HCURSOR PointerShape();
     [[nodiscard]] ReadoutSource Source() const;
     /// Whether the pointer is over a picture that the hover readout is for, which then has the mouse; else the hover
     /// ends.
@@ -221,13 +225,10 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     void InvalidateGraph(const RECT& part) const;
     void ShowSelection();
     void ShowRange();
-    void StartSelection(int x, bool extend);
-    void DragSelection(int x);
-    void FinishSelection(int x);
+    void FinishSelection(const GraphPointer& pointer);
     void Select(int index);
     void OnTimer(UINT_PTR timer);
     [[nodiscard]] bool RouteWheel(const MSG& message);
-    void OnWheel(HWND under, int delta, UINT keys, bool alt, int column);
 
     // The values panel.
     enum class ValuesKind { Details, Hover, Spectrum, Range };
@@ -370,22 +371,13 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     SIZE m_arrangedSize{};  ///< of the client area that it fills
     int m_dpi = 96;
     enum class Drag { None, Column, Lists, Values, Spectrogram } m_drag = Drag::None;
-    /// What the mouse drags, and where it began.
-    struct Gesture {
-        enum Kind { None, Select, Pan, BaseLine } kind = None;
-        int x = 0;
-        int y = 0;
-        std::int32_t column = 0;  ///< first column of the view
-        std::int64_t shift = 0;   ///< of the base line
-    };
-    Gesture m_gesture;
+    GraphGestures m_gestures;
     GraphCursor m_cursors;
     HWND m_hovering = nullptr;  ///< graph or spectrogram, while it holds the mouse for the hover readout
     POINT m_hoverPoint{};
     std::int16_t m_menuChannel = 0;      ///< whose trace is nearest to where the context menu opened; 0: none
     std::optional<POINT> m_releasedAt;   ///< where the pointer was when a selection was finished
     bool m_altUsed = false;              ///< the Alt key that is down was part of a gesture
-    int m_wheelRest = 0;                 ///< wheel movement below one notch
     HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
     bool m_folderMissing = false;        ///< that of the settings could not be read, and the user chose no other yet
     std::exception_ptr m_createFailure;  ///< what kept the window from being made

@@ -212,7 +212,7 @@ void frmQLMain::LookAtRecording(bool asked) try {
     if (m_busy || m_closing || !IsWindowEnabled(m_window)) return;
     if (!asked) {
         // Neither a drag nor the sound is disturbed.
-        if (m_gesture.kind != Gesture::None || m_drag != Drag::None || m_global.sound.playing) return;
+        if (m_gestures.Current() != GraphGestures::Kind::None || m_drag != Drag::None || m_global.sound.playing) return;
         const bool due = std::exchange(m_lookDue, false) || m_document.ChangePending();
         if (!due && IsRemote(m_browser.Folder())) return;
     }

@@ -188,7 +188,8 @@ void frmQLMain::Refresh(std::int32_t shift) {
     // Another sample lies under the pointer now.
     const int x = static_cast<int>(m_hoverPoint.x);
     const int y = static_cast<int>(m_hoverPoint.y);
-    if (m_hovering != nullptr && m_hovering == m_graphBox.Window() && m_gesture.kind == Gesture::None) Hover(x, y);
+    if (m_hovering != nullptr && m_hovering == m_graphBox.Window() && m_gestures.Current() == GraphGestures::Kind::None)
+        Hover(x, y);
     if (m_hovering != nullptr && m_hovering == m_fftBox.Window()) SpectrogramMouse(pbFFT, WM_MOUSEMOVE, 0, x, y);
 }
 

@@ -25,11 +25,12 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
     if (id == pbPathList && message == WM_LBUTTONDOWN) return ShowPathList(), true;
     if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN)
         SetFocus(m_graphBox.Window());
-    if (id == pbScaleY) return ScaleYMouse(message, y);
+    const GraphPointer pointer{x, y, (wParam & MK_SHIFT) != 0, (wParam & MK_CONTROL) != 0, false};
+    if (id == pbScaleY) return ScaleYMouse(message, pointer);
     if (id == pbPal && (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK)) return NextPalette(), true;
     if (id == pbFFT) return SpectrogramMouse(id, message, wParam, x, y);
     if (id != pbGraph) return message == WM_LBUTTONDOWN;
-    if (message == WM_SETCURSOR) return SetCursor(GraphPointer()), true;
+    if (message == WM_SETCURSOR) return SetCursor(PointerShape()), true;
     if (message == WM_CANCELMODE || message == WM_CAPTURECHANGED) {
         // Taken by a menu, a dialog or another window.
         EndGesture();
@@ -44,42 +45,36 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
         return starts;
     }
     // One gesture at a time.
-    if (starts && m_gesture.kind != Gesture::None) return true;
-    const bool control = (wParam & MK_CONTROL) != 0;
+    if (starts && m_gestures.Current() != GraphGestures::Kind::None) return true;
     switch (message) {
         case WM_LBUTTONDOWN:
         case WM_LBUTTONDBLCLK:
-            if (control) {
+            if (pointer.control) {
                 Hover(x, y);
             } else {
-                StartSelection(x, (wParam & MK_SHIFT) != 0);
+                Press(m_graphBox.Window(), GraphButton::Left, GraphZone::Traces, pointer);
             }
             return true;
         case WM_MBUTTONDOWN:
         case WM_MBUTTONDBLCLK:
-            EndHover();
-            m_gesture = {Gesture::Pan, x, y, m_view.Axis().FirstColumn(), m_view.BaseLineShift()};
-            SetCapture(m_graphBox.Window());
+            Press(m_graphBox.Window(), GraphButton::Middle, GraphZone::Traces, pointer);
             SetCursor(LoadCursorW(nullptr, IDC_SIZEALL));
             return true;
         case WM_MOUSEMOVE:
-            if (m_gesture.kind == Gesture::Select) {
-                DragSelection(x);
-            } else if (m_gesture.kind == Gesture::Pan) {
-                ViewChanged(m_view.Move(m_gesture.column - (x - m_gesture.x) - m_view.Axis().FirstColumn(),
-                                        m_gesture.shift + (y - m_gesture.y) - m_view.BaseLineShift()));
-            } else if ((wParam & MK_LBUTTON) == 0 || control) {
+            if (m_gestures.Current() != GraphGestures::Kind::None) {
+                Drag(pointer);
+            } else if ((wParam & MK_LBUTTON) == 0 || pointer.control) {
                 Hover(x, y);
             }
             return true;
         case WM_LBUTTONUP:
-            if (m_gesture.kind == Gesture::Select) FinishSelection(x);
+            if (m_gestures.Current() == GraphGestures::Kind::Select) FinishSelection(pointer);
             return true;
         case WM_MBUTTONUP:
-            if (m_gesture.kind == Gesture::Pan) ReleaseCapture();
+            if (m_gestures.Current() == GraphGestures::Kind::Pan) ReleaseCapture();
             return true;
         case WM_RBUTTONUP: {
-            if (m_gesture.kind != Gesture::None) return true;
+            if (m_gestures.Current() != GraphGestures::Kind::None) return true;
             EndHover();
             m_menuChannel = ChannelNear(Source(), m_view.GetLanes(), SampleUnder(m_view.Axis(), x), y);
             POINT screen{x, y};
@@ -91,13 +86,13 @@ bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
     }
 }
 
-bool frmQLMain::ScaleYMouse(UINT message, int y) {
-    if ((message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) && m_document.Block().sampleCount > 0) {
-        m_gesture = {Gesture::BaseLine, 0, y, 0, m_view.BaseLineShift()};
-        SetCapture(m_scaleYBox.Window());
-    } else if (message == WM_MOUSEMOVE && m_gesture.kind == Gesture::BaseLine) {
-        ViewChanged(m_view.MoveBaseLine(m_gesture.shift + (y - m_gesture.y) - m_view.BaseLineShift()));
-    } else if (message == WM_LBUTTONUP && m_gesture.kind == Gesture::BaseLine) {
+bool frmQLMain::ScaleYMouse(UINT message, const GraphPointer& pointer) {
+    const bool drags = m_gestures.Current() == GraphGestures::Kind::BaseLine;
+    if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
+        Press(m_scaleYBox.Window(), GraphButton::Left, GraphZone::AmplitudeScale, pointer);
+    } else if (message == WM_MOUSEMOVE && drags) {
+        Drag(pointer);
+    } else if (message == WM_LBUTTONUP && drags) {
         ReleaseCapture();
     } else if (message == WM_CAPTURECHANGED) {
         EndGesture();
@@ -108,17 +103,36 @@ bool frmQLMain::ScaleYMouse(UINT message, int y) {
     return message == WM_LBUTTONDOWN;
 }
 
+void frmQLMain::Press(HWND box, GraphButton button, GraphZone zone, const GraphPointer& pointer) {
+    EndHover();
+    const ViewChange change = m_gestures.Press(button, zone, pointer);
+    if (m_gestures.Current() == GraphGestures::Kind::None) return;
+    SetCapture(box);
+    if (!change.selection) return;
+    if (m_view.Selected().start != m_view.Selected().end) return Drag(pointer);
+    ShowSelection();
+    // The range that was told is not selected any more.
+    if (m_valuesKind == ValuesKind::Range) TellHover(m_view.Selected().start, {});
+}
+
+void frmQLMain::Drag(const GraphPointer& pointer) {
+    ViewChanged(m_gestures.Move(pointer));
+    if (m_gestures.IsBeside()) {
+        SetTimer(m_window, kAutoScroll, kAutoScrollPeriod, nullptr);
+    } else {
+        KillTimer(m_window, kAutoScroll);
+    }
+}
+
 void frmQLMain::EndGesture() {
-    if (m_gesture.kind == Gesture::None) return;
+    if (m_gestures.Current() == GraphGestures::Kind::None) return;
     KillTimer(m_window, kAutoScroll);
-    // A selection that was taken away in mid-drag stays as far as it came.
-    if (m_gesture.kind == Gesture::Select && m_view.Selected().start == m_view.Selected().end) m_view.Deselect();
-    m_gesture.kind = Gesture::None;
+    m_gestures.Cancel();
     ShowSelection();
     UpdateCommands();
 }
 
-HCURSOR frmQLMain::GraphPointer() {
+HCURSOR frmQLMain::PointerShape() {
     return m_cursors.Get(m_global.settings.waveformCursor);
 }
 
@@ -134,7 +148,7 @@ bool frmQLMain::HoverStays(HWND box) {
         // A window of another program or a dialog may be over ours.
         if (!IsWindowEnabled(m_window) || GetActiveWindow() != m_window) return false;
         SetCapture(box);
-        SetCursor(GraphPointer());
+        SetCursor(PointerShape());
     }
     m_hovering = box;
     POINT screen{};
@@ -151,7 +165,7 @@ void frmQLMain::Hover(int x, int y) {
 }
 
 bool frmQLMain::SpectrogramMouse(int, UINT message, WPARAM, int x, int y) {
-    if (message == WM_SETCURSOR) return SetCursor(GraphPointer()), true;
+    if (message == WM_SETCURSOR) return SetCursor(PointerShape()), true;
     if (message == WM_CANCELMODE) EndHover();
     if (message == WM_CAPTURECHANGED) LoseHover(m_fftBox.Window());
     if (message != WM_MOUSEMOVE || m_document.Block().sampleCount == 0) return false;
@@ -218,49 +232,16 @@ void frmQLMain::ShowRange() {
     TellValues(ValuesKind::Range, RangeReadout(Source(), m_view.Selected()));
 }
 
-void frmQLMain::StartSelection(int x, bool extend) {
-    EndHover();
-    m_gesture = {Gesture::Select, x, 0, 0, 0};
-    SetCapture(m_graphBox.Window());
-    if (extend && m_view.Selected().active) return DragSelection(x);
-    const std::int32_t sample = SampleUnder(m_view.Axis(), x);
-    m_view.Select(sample, sample);
-    ShowSelection();
-    // The range that was told is not selected any more.
-    if (m_valuesKind == ValuesKind::Range) TellHover(sample, {});
-}
-
-void frmQLMain::DragSelection(int x) {
-    if (!m_view.Selected().active) return;
-    const bool outside = x < 0 || x >= m_view.Axis().Width();
-    m_gesture.x = x;
-    if (outside) {
-        SetTimer(m_window, kAutoScroll, kAutoScrollPeriod, nullptr);
-    } else {
-        KillTimer(m_window, kAutoScroll);
-    }
-    m_view.SelectTo(SampleUnder(m_view.Axis(), std::clamp(x, 0, m_view.Axis().Width() - 1)));
-    ShowSelection();
-    ShowRange();
-}
-
 void frmQLMain::OnTimer(UINT_PTR timer) {
-    if (timer != kAutoScroll || m_gesture.kind != Gesture::Select || !m_view.Selected().active) return;
-    // The further outside the pointer is, the faster the view runs, up to a division a step.
-    const int beyond = m_gesture.x < 0 ? m_gesture.x : m_gesture.x - m_view.Axis().Width() + 1;
-    const std::int32_t lastFirst = std::max(m_view.Axis().StripLength() - m_view.Axis().Width(), 0);
-    const std::int32_t shift = std::clamp(beyond, -TimeAxis::kDivision, TimeAxis::kDivision);
-    ViewChanged(m_view.ScrollBy(std::min(shift, std::max(lastFirst - m_view.Axis().FirstColumn(), 0))));
-    DragSelection(m_gesture.x);
+    if (timer == kAutoScroll) ViewChanged(m_gestures.AutoScroll());
 }
 
-void frmQLMain::FinishSelection(int x) {
+void frmQLMain::FinishSelection(const GraphPointer& pointer) {
     KillTimer(m_window, kAutoScroll);
-    // A release outside the graph ends where the drag was shown.
-    if (m_view.Selected().active)
-        m_view.SelectTo(SampleUnder(m_view.Axis(), std::clamp(x, 0, m_view.Axis().Width() - 1)));
-    // Ends the gesture through the loss of the capture, and drops a selection of no length.
+    m_gestures.Release(pointer);
     ReleaseCapture();
+    ShowSelection();
+    UpdateCommands();
     if (!m_view.Selected().active) return;
     ShowRange();
     GetCursorPos(&m_releasedAt.emplace());
@@ -268,7 +249,7 @@ void frmQLMain::FinishSelection(int x) {
 
 void frmQLMain::Select(int index) {
     if (index == 2 && m_global.sound.playing) return StopSound();
-    if (m_gesture.kind == Gesture::Select) ReleaseCapture();
+    if (m_gestures.Current() == GraphGestures::Kind::Select) ReleaseCapture();
     ViewChanged(index == 0 ? m_view.SelectBlock() : index == 1 ? m_view.SelectVisible() : m_view.Deselect());
 }
 
@@ -295,31 +276,17 @@ bool frmQLMain::RouteWheel(const MSG& message) {
     }
     POINT point{GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)};
     ScreenToClient(m_graphBox.Window(), &point);
-    const bool alt = GetKeyState(VK_MENU) < 0;
+    const UINT keys = GET_KEYSTATE_WPARAM(message.wParam);
+    const GraphPointer pointer{static_cast<std::int32_t>(point.x), static_cast<std::int32_t>(point.y),
+                               (keys & MK_SHIFT) != 0, (keys & MK_CONTROL) != 0, GetKeyState(VK_MENU) < 0};
     // The release of the key would open the menu.
-    if (alt) m_altUsed = true;
-    OnWheel(under, delta, GET_KEYSTATE_WPARAM(message.wParam), alt, static_cast<int>(point.x));
+    if (pointer.alt) m_altUsed = true;
+    const GraphZone zone = under == m_scaleXBox.Window()   ? GraphZone::TimeScale
+                           : under == m_scaleYBox.Window() ? GraphZone::AmplitudeScale
+                           : under == m_fftBox.Window()    ? GraphZone::Spectrogram
+                                                           : GraphZone::Traces;
+    ViewChanged(m_gestures.Wheel(delta, zone, pointer));
     return true;
-}
-
-void frmQLMain::OnWheel(HWND under, int delta, UINT keys, bool alt, int column) {
-    // Movement below a notch adds up; a reversal clears the rest.
-    if ((m_wheelRest > 0) != (delta > 0)) m_wheelRest = 0;
-    m_wheelRest += delta;
-    const int notches = m_wheelRest / WHEEL_DELTA;
-    m_wheelRest -= notches * WHEEL_DELTA;
-    if (notches == 0 || m_document.Block().sampleCount == 0) return;
-    const bool control = (keys & MK_CONTROL) != 0;
-    const bool shift = (keys & MK_SHIFT) != 0;
-    const bool zoomY = under == m_scaleYBox.Window() || alt || (control && shift);
-    const bool zoomX = under == m_scaleXBox.Window() || control;
-    if (zoomY) {
-        ViewChanged(m_view.ZoomY(notches));
-    } else if (zoomX) {
-        ViewChanged(m_view.ZoomAbout(notches, column));
-    } else {
-        ViewChanged(m_view.ScrollBy(-notches * (shift ? 20 : 100)));
-    }
 }
 
 }  // namespace quillon

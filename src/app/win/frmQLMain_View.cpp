@@ -28,10 +28,9 @@ std::wstring Plain(const std::u16string& caption) {
 void frmQLMain::ViewChanged(const ViewChange& change) {
     if (change.redraw || change.scrolled != 0) Refresh(change.scrolled);
     if (change.newPlace) m_followsSound = m_graph.Band(GraphBand::Play).has_value();
-    if (change.selection) {
-        ShowSelection();
-        if (m_view.Selected().active) ShowRange();
-    }
+    if (!change.selection) return;
+    ShowSelection();
+    if (m_view.Selected().active) ShowRange();
     UpdateCommands();
 }
 
@@ -43,6 +42,8 @@ void frmQLMain::MoveView(int index) {
 
 void frmQLMain::ChangeView(int index) {
     ViewChanged(index == 0 ? m_view.FitSelection() : index == 1 ? m_view.FitBlock() : m_view.Back());
+    // Where there was no way back, there is none any more.
+    UpdateCommands();
 }
 
 void frmQLMain::ShowSample(std::int32_t sample) {

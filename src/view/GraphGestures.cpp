@@ -1,0 +1,87 @@
+#include "view/GraphGestures.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quillon {
+
+bool GraphGestures::IsBeside() const {
+    return m_kind == Kind::Select && (m_x < 0 || m_x >= m_view.Axis().Width());
+}
+
+ViewChange GraphGestures::Press(GraphButton button, GraphZone zone, const GraphPointer& pointer) {
+    if (m_kind != Kind::None || m_view.Axis().SampleCount() == 0) return {};
+    m_x = pointer.x;
+    m_y = pointer.y;
+    m_column = m_view.Axis().FirstColumn();
+    m_shift = m_view.BaseLineShift();
+    if (zone == GraphZone::AmplitudeScale) {
+        if (button == GraphButton::Left) m_kind = Kind::BaseLine;
+    } else if (zone == GraphZone::Traces && button == GraphButton::Middle) {
+        m_kind = Kind::Pan;
+    } else if (zone == GraphZone::Traces) {
+        m_kind = Kind::Select;
+        if (pointer.shift && m_view.Selected().active) return Move(pointer);
+        const std::int32_t sample = SampleUnder(m_view.Axis(), pointer.x);
+        return m_view.Select(sample, sample);
+    }
+    return {};
+}
+
+ViewChange GraphGestures::Move(const GraphPointer& pointer) {
+    const std::int64_t rows = m_shift + (pointer.y - m_y) - m_view.BaseLineShift();
+    switch (m_kind) {
+        case Kind::Select: {
+            // Another command may have taken the selection away.
+            if (!m_view.Selected().active) return {};
+            m_x = pointer.x;
+            const std::int32_t column = std::clamp(m_x, 0, m_view.Axis().Width() - 1);
+            return m_view.SelectTo(SampleUnder(m_view.Axis(), column));
+        }
+        case Kind::Pan: return m_view.Move(m_column - (pointer.x - m_x) - m_view.Axis().FirstColumn(), rows);
+        case Kind::BaseLine: return m_view.MoveBaseLine(rows);
+        case Kind::None: break;
+    }
+    return {};
+}
+
+ViewChange GraphGestures::Release(const GraphPointer& pointer) {
+    ViewChange change;
+    // A release beside the graph ends where the drag was shown.
+    if (m_kind == Kind::Select) change = Move(pointer);
+    change |= Cancel();
+    return change;
+}
+
+ViewChange GraphGestures::Cancel() {
+    if (std::exchange(m_kind, Kind::None) != Kind::Select) return {};
+    const Selection& selection = m_view.Selected();
+    return selection.active && selection.start == selection.end ? m_view.Deselect() : ViewChange{};
+}
+
+ViewChange GraphGestures::Wheel(int delta, GraphZone zone, const GraphPointer& pointer) {
+    if ((m_wheelRest > 0) != (delta > 0)) m_wheelRest = 0;
+    m_wheelRest += delta;
+    const int notches = m_wheelRest / kNotch;
+    m_wheelRest -= notches * kNotch;
+    if (notches == 0 || m_view.Axis().SampleCount() == 0) return {};
+    if (zone == GraphZone::AmplitudeScale || pointer.alt || (pointer.control && pointer.shift))
+        return m_view.ZoomY(notches);
+    if (zone == GraphZone::TimeScale || pointer.control) return m_view.ZoomAbout(notches, pointer.x);
+    constexpr int columns = 100;
+    constexpr int fewColumns = 20;
+    return m_view.ScrollBy(-notches * (pointer.shift ? fewColumns : columns));
+}
+
+ViewChange GraphGestures::AutoScroll() {
+    if (!IsBeside() || !m_view.Selected().active) return {};
+    const TimeAxis& axis = m_view.Axis();
+    const std::int32_t beyond = m_x < 0 ? m_x : m_x - axis.Width() + 1;
+    const std::int32_t lastFirst = std::max(axis.StripLength() - axis.Width(), 0);
+    const std::int32_t shift = std::clamp(beyond, -TimeAxis::kDivision, TimeAxis::kDivision);
+    ViewChange change = m_view.ScrollBy(std::min(shift, std::max(lastFirst - axis.FirstColumn(), 0)));
+    change |= Move({.x = m_x});
+    return change;
+}
+
+}  // namespace quillon
