@@ -12,9 +12,12 @@ constexpr COLORREF kInk = RGB(0x28, 0x2C, 0x34);
 void DrawSign(HDC dc, const RECT& button, bool plus) {
     const int x = (button.left + button.right) / 2;
     const int y = (button.top + button.bottom) / 2;
-    constexpr int arm = 4;
-    FillWith(dc, {x - arm, y, x + arm + 1, y + 1}, kInk);
-    if (plus) FillWith(dc, {x, y - arm, x + 1, y + arm + 1}, kInk);
+    const int dpi = ScreenDpi();
+    const int arm = MulDiv(4, dpi, 96);
+    // Bars of an odd width have a middle.
+    const int half = dpi / 192;
+    FillWith(dc, {x - arm, y - half, x + arm + 1, y + half + 1}, kInk);
+    if (plus) FillWith(dc, {x - half, y - arm, x + half + 1, y + arm + 1}, kInk);
 }
 
 }  // namespace
