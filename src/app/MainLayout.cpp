@@ -9,6 +9,7 @@ namespace {
 constexpr std::int32_t kDefaultUpperPercent = 42;
 constexpr std::int32_t kDefaultValuesHeight = 132;  // at 96 dots per inch: nine lines
 constexpr std::int32_t kDefaultSpectrogramPercent = 45;
+constexpr std::int32_t kAboveTools = 2;  // at 96 dots per inch
 
 /// Fills the page below a tab strip: one control above, the rest for the list.
 void ArrangePage(const PixelRect& page, std::int32_t comboHeight, std::int32_t gap, PixelRect& combo, PixelRect& list) {
@@ -24,7 +25,7 @@ struct Measures {
           gap(Scaled(4)),
           splitter(Scaled(5)),
           height(std::max(from.clientHeight - from.statusHeight, 0)),
-          top(from.toolHeight + gap) {}
+          top(Scaled(kAboveTools) + from.toolHeight + gap) {}
     /// Pixels at 96 dots per inch as they are on this screen.
     [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return (pixels * input.dpi + 48) / 96; }
 
@@ -122,11 +123,10 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     layout.listWidth = std::clamp(input.listWidth > 0 ? input.listWidth : measures.Scaled(232), least, widest);
 
     // The toolbars stand side by side; the second one is cut off where the window is too narrow for both.
-    const std::int32_t edge = measures.Scaled(2);
-    layout.tools = {measures.gap, edge, std::min(input.toolWidth, input.clientWidth), input.toolHeight - edge};
+    const std::int32_t edge = measures.Scaled(kAboveTools);
+    layout.tools = {measures.gap, edge, std::min(input.toolWidth, input.clientWidth), input.toolHeight};
     const std::int32_t goToLeft = layout.tools.Right() + measures.gap;
-    layout.goTo = {goToLeft, edge, std::clamp(input.clientWidth - goToLeft, 0, input.goToWidth),
-                   input.toolHeight - edge};
+    layout.goTo = {goToLeft, edge, std::clamp(input.clientWidth - goToLeft, 0, input.goToWidth), input.toolHeight};
     ArrangeColumn(measures, layout);
     ArrangePictures(measures, layout);
     return layout;

@@ -20,7 +20,7 @@ struct LayoutInput {
     std::int32_t statusHeight = 0;
     std::int32_t comboHeight = 0;  ///< of a closed drop-down list
     std::int32_t tabHeight = 0;    ///< of a strip of tabs
-    std::int32_t toolHeight = 0;   ///< of a toolbar
+    std::int32_t toolHeight = 0;   ///< of a toolbar's buttons
     std::int32_t toolWidth = 0;    ///< of the main toolbar
     std::int32_t goToWidth = 0;    ///< of the toolbar of pages
     std::int32_t dpi = 96;

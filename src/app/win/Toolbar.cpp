@@ -71,7 +71,7 @@ SIZE Toolbar::Size() const {
     RECT last{};
     const auto count = SendMessageW(m_window, TB_BUTTONCOUNT, 0, 0);
     if (count > 0) SendPointer(m_window, TB_GETITEMRECT, static_cast<WPARAM>(count - 1), &last);
-    return {last.right + 2, last.bottom + 2};
+    return {last.right + 2, last.bottom};
 }
 
 void Toolbar::Update(const CommandState& state) const {

@@ -62,7 +62,7 @@ void frmQLMain::ExpectBars(LayoutInput& input) const {
     GetTextMetricsW(dc.Get(), &metrics);
     const int leading = metrics.tmInternalLeading > 0 ? static_cast<int>(metrics.tmInternalLeading) : 2;
     input.statusHeight = std::max(static_cast<int>(metrics.tmHeight) + leading + 4, 20);
-    input.toolHeight = MulDiv(16, m_dpi, 96) + 8;
+    input.toolHeight = MulDiv(16, m_dpi, 96) + 6;
 }
 
 void frmQLMain::ArrangeControls() {
