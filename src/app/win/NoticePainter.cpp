@@ -11,7 +11,7 @@ void PaintNotice(HDC dc, const RECT& place, const GraphNotice& notice, int dpi) 
     // A name or path without blanks is broken where it has to be.
     constexpr UINT format = DT_CENTER | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
     const int margin = MulDiv(12, dpi, 96);
-    const int width = std::min(static_cast<int>(place.right - place.left) - 2 * margin, MulDiv(440, dpi, 96));
+    const int width = std::min(static_cast<int>(place.right - place.left) - 2 * margin, MulDiv(520, dpi, 96));
     if (notice.title.empty() || width <= 0) return;
     const GdiFont bold = MakeFont(MulDiv(dpi, 9, 8), true);
     const GdiFont plain = MakeFont(dpi);
