@@ -119,7 +119,7 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     /// What the file list holds, for the commands and the empty graph.
     void FollowFileList();
     /// Says so where the folder could not be listed to its end.
-    void TellIncomplete() const;
+    void TellIncomplete();
     /// Loads the recording anew, at the place that is seen, when its file has changed. `asked`: by the user, who wants
     /// it now; else it waits for a quiet moment, and until the file is written.
     void LookAtRecording(bool asked);
@@ -339,6 +339,7 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     std::unique_ptr<cFileNotification> m_watch;  ///< made when the window loads
     std::unique_ptr<TimerObject> m_lookTimer;    ///< looks at the file of the recording
     bool m_lookDue = false;                      ///< also where that may take its time
+    std::u16string m_folderTold;                 ///< what "Status" was told of what is missing in the folder
     std::u16string m_changeTold;                 ///< what "Status" was told of a change of the file
     std::optional<WaveformView::State> m_kept;   ///< while the recording is loaded anew
 

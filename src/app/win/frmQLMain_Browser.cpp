@@ -170,15 +170,20 @@ void frmQLMain::FollowFileList() {
     if (!m_document.Block().block) m_graphBox.Invalidate();
 }
 
-void frmQLMain::TellIncomplete() const {
-    if (!m_browser.IsComplete())
-        m_services.SetStatus(Narrow16(m_browser.Folder()) + u": " + m_services.Text(IDS_FOLDER_INCOMPLETE));
+void frmQLMain::TellIncomplete() {
+    if (m_browser.IsComplete()) return;
+    m_folderTold = Narrow16(m_browser.Folder()) + u": " +
+                   m_services.Text(m_browser.IsReadable() ? IDS_FOLDER_INCOMPLETE : IDS_FOLDER_UNREADABLE);
+    m_services.SetStatus(m_folderTold);
 }
 
 void frmQLMain::RefreshFiles() {
     // The watch ends with a folder that goes, and does not know when it is back. It comes first, so that what happens
     // between the two is told by it.
     StartWatch();
+    // What was missing may be back.
+    if (const auto told = std::exchange(m_folderTold, {}); !told.empty() && m_services.Status() == told)
+        m_services.SetStatus({});
     FilesChanged();
     LookAtRecording(true);
     TellIncomplete();
@@ -199,7 +204,8 @@ void frmQLMain::FilesChanged() try {
         const std::u16string name = FileNameOf(m_document.File().fileName);
         m_browser.SelectFile(-1);
         ClickFile();
-        m_services.SetStatus(name + u": " + m_services.Text(IDS_FILE_GONE));
+        m_folderTold = name + u": " + m_services.Text(IDS_FILE_GONE);
+        m_services.SetStatus(m_folderTold);
     }
     FollowFileList();
     m_lookDue = true;

@@ -96,6 +96,7 @@ bool FileBrowser::ShowFolder(const std::wstring& folder) {
     if (normal.empty() || !Read(normal, names)) return false;
     m_folder = normal;
     m_complete = names.complete;
+    m_readable = true;
     m_subfolders = names.folders;
     FillFolders();
     FillFiles(names.files, {}, false);
@@ -172,8 +173,9 @@ bool FileBrowser::Shows(const std::wstring& folder) const {
 void FileBrowser::Refresh() {
     if (m_folder.empty()) return;
     Names names;
-    if (!Read(m_folder, names)) names = {};
-    m_complete = names.complete;
+    m_readable = Read(m_folder, names);
+    if (!m_readable) names = {};
+    m_complete = m_readable && names.complete;
     const std::wstring selected = SelectedFile();
     // Others that write files leave the folder list, and the user's place in it, alone.
     if (names.folders != m_subfolders) {

@@ -22,6 +22,8 @@ class FileBrowser {
 
     /// False when the last reading of the folder ended early: what had been read by then is listed.
     [[nodiscard]] bool IsComplete() const { return m_complete; }
+    /// False when nothing could be read at all, as of a folder that is gone; it is not complete then.
+    [[nodiscard]] bool IsReadable() const { return m_readable; }
 
     /// Whether that is the folder, in any letter case and form.
     [[nodiscard]] bool Shows(const std::wstring& folder) const;
@@ -70,6 +72,7 @@ class FileBrowser {
     std::vector<std::wstring> m_subfolders;   ///< names of those in the shown folder
     std::vector<std::wstring> m_listed;       ///< names in the file list
     bool m_complete = true;
+    bool m_readable = true;
     int m_selected = -1;  ///< position of the selected file, as long as there are no lists
 };
 
