@@ -24,18 +24,39 @@ void AddRun(std::vector<TracePoint>& points, RunExtremes run) {
     points.push_back({x + 1, run.second});
 }
 
-/// How many samples from `first` on can be read, of at most `count`.
-std::int32_t ReadableCount(RecordingBlock& block, std::int16_t channel, std::int32_t first, std::int32_t count) {
+/// `count` is at least 1.
+bool CanRead(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count) {
+    try {
+        std::vector<RunExtremes> ignored(channels.size());
+        std::vector<RunExtremes*> targets;
+        for (RunExtremes& each : ignored) targets.push_back(&each);
+        if (count > 1 && block.ColumnExtremes(channels, first, count, count, targets)) return true;
+        std::vector<std::int16_t> codes(static_cast<std::size_t>(count));
+        for (const std::int16_t channel : channels) block.ReadCodes(channel, first, count, codes.data());
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+/// How many samples from `first` on there are in a file that was cut, of at most `count`: single samples tell it.
+std::int32_t CountBeforeCut(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                            std::int32_t count) {
     std::int32_t readable = 0;
     for (std::int32_t end = count; readable < end;) {
         const std::int32_t middle = readable + (end - readable) / 2;
-        std::int16_t code = 0;
-        try {
-            block.ReadCodes(channel, first + middle, 1, &code);
-            readable = middle + 1;
-        } catch (const std::exception&) {
-            end = middle;
-        }
+        CanRead(block, channels, first + middle, 1) ? readable = middle + 1 : end = middle;
+    }
+    return readable;
+}
+
+/// How many of `count` samples from `first` on come before the first that cannot be read, where there is one.
+std::int32_t CountBeforeHole(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                             std::int32_t count) {
+    std::int32_t readable = 0;
+    for (std::int32_t end = count; readable + 1 < end;) {
+        const std::int32_t middle = readable + (end - readable) / 2;
+        CanRead(block, channels, first + readable, middle - readable) ? readable = middle : end = middle;
     }
     return readable;
 }
@@ -133,11 +154,13 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
         if (!m_failure.empty()) {
             // The cache reads more than is asked for. Of a file that was cut the last channel is the first to miss a
             // sample.
-            const std::int32_t readable = ReadableCount(block, channels.back(), first, count);
+            std::int32_t readable = CountBeforeCut(block, channels.last(1), first, count);
             if (readable > 1 && reduced(readable, false)) {
                 if (readable == count) m_failure.clear();
                 return;
             }
+            readable = CountBeforeHole(block, channels, first, readable);
+            if (readable > 1 && reduced(readable, false)) return;
         }
     }
     // Read sample by sample, more than this would take memory without bound.
@@ -154,7 +177,10 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
                 return false;
             }
         };
-        if (!draw(count)) draw(ReadableCount(block, channels[at], first, count));
+        if (draw(count)) continue;
+        const std::span<const std::int16_t> channel = channels.subspan(at, 1);
+        const std::int32_t readable = CountBeforeCut(block, channel, first, count);
+        if (!draw(readable)) draw(CountBeforeHole(block, channel, first, readable));
     }
 }
 

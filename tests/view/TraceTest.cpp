@@ -91,10 +91,12 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
 TEST(TraceReader, ATraceEndsWhereItCannotBeReadOn) {
     FakeBlock block;
     block.holeFrom = 250000;
-    block.holeTo = 6000000;
     block.samples = {std::vector<std::int16_t>(6000000, 3)};
     const std::vector<std::int16_t> channels{1};
-    for (const std::int32_t perPixel : {1, 5, 100}) {
+    for (int round = 0; round < 6; ++round) {
+        const std::int32_t perPixel = std::array{1, 5, 100}[static_cast<std::size_t>(round % 3)];
+        // A file that was cut, then one with a single bad place.
+        block.holeTo = round < 3 ? 6000000 : 250001;
         // The last stretch ends before the cut, but not before that of the chunk which the cache would read.
         for (const std::int32_t count : {300000, perPixel == 1 ? 300000 : 6000000, 240000}) {
             block.offersExtremes = count > 300000 || perPixel > 5;
