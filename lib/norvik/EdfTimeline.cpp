@@ -59,6 +59,7 @@ class StretchCutter {
     }
 
     [[nodiscard]] bool Full() const { return m_full; }
+    [[nodiscard]] std::uint64_t Records() const { return m_record; }
     [[nodiscard]] std::vector<EdfStretch> Take() { return std::move(m_stretches); }
 
   private:
@@ -84,19 +85,35 @@ void ReadAnnotations(const std::shared_ptr<ByteSource>& source, const EdfHeader&
                      EdfTimeline& timeline) {
     EdfRecords records(source, header.dataStart, header.recordBytes);
     std::uint64_t withoutOnset = 0;
+    std::uint64_t readable = header.records;
     for (std::size_t at = 0; at < header.annotations.size(); ++at) {
+        std::uint64_t read = 0;
         const EdfSignal& signal = header.annotations[at];
         const auto visit = [&](std::uint64_t position, std::span<const std::uint8_t* const> streams,
                                std::size_t bytes) {
             timeline.annotations.Feed({reinterpret_cast<const char*>(streams[0]), bytes});
             if ((position + bytes) % signal.partBytes != 0) return;
             const std::optional<double> onset = timeline.annotations.EndRecord();
+            ++read;
             // Only the first annotation signal tells the onsets of records.
             if (at > 0) return;
             if (!onset) ++withoutOnset;
             cutter.Add(onset);
         };
-        records.Visit(std::array{signal.offset}, signal.partBytes, 0, header.records * signal.partBytes, visit);
+        try {
+            records.Visit(std::array{signal.offset}, signal.partBytes, 0, readable * signal.partBytes, visit);
+        } catch (const ReadError&) {
+            // Without gaps the records tell nothing that the samples need. The rest is not tried: where a device is
+            // gone every attempt takes long.
+            if (header.discontinuous || (at == 0 && read == 0)) throw;
+            timeline.annotations.EndRecord();
+            readable = read;
+        }
+    }
+    cutter.AddGapless(header.records - cutter.Records());
+    if (readable < header.records) {
+        timeline.notes.push_back(Say(u"annotations read up to record %1 only", u"аннотации прочитаны до записи %1",
+                                     {Decimal(static_cast<std::int64_t>(readable))}));
     }
     if (header.discontinuous && withoutOnset > 0) {
         timeline.notes.push_back(Say(u"%1 records without an onset taken as gapless",
