@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "app/Playback.h"
 #include "app/Settings.h"
 #include "base/Language.h"
 #include "data/Document.h"
@@ -18,24 +19,16 @@
 
 namespace quillon {
 
-/// What the commands need to know of the sound.
-struct SoundState {
-    std::int16_t devices = 0;  ///< that can be played on
-    std::int16_t device = 0;   ///< the chosen one
-    bool playing = false;
-    std::int32_t position = 0;  ///< sample that is heard, from 1; 0 when nothing is
-};
-
 /// The state that the whole program shares; one object, made by the start-up procedure.
 struct QL_Global {
     std::shared_ptr<RecordingLibrary> library;
     std::unique_ptr<Document> document;
     std::unique_ptr<WaveformView> view;
+    std::unique_ptr<Playback> playback;
     std::unique_ptr<KVExport> exporter;
     TextSinkFactory openText;
     std::unique_ptr<SaveFileDialog> saveDialog;  ///< shared by all commands that ask for a name
     SoundOutputFactory makeSoundOutput;
-    SoundState sound;
     Language language = Language::English;
     /// Major version of the operating system. From 4 on the origins of traces are not folded.
     std::int32_t systemVersion = 0;

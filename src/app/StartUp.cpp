@@ -16,6 +16,7 @@ bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services) 
         if (!global.library) throw std::runtime_error("no core library");
         global.document = std::make_unique<Document>(*global.library, services);
         global.view = std::make_unique<WaveformView>(*global.document);
+        global.playback = std::make_unique<Playback>(*global.document, *global.view, services, global.makeSoundOutput);
         ExportSystem system = parts.exportSystem;
         system.language = global.language;
         global.exporter = std::make_unique<KVExport>(services, std::move(system));

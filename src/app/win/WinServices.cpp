@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "app/KV_Resources.h"
-#include "app/StatusPanels.h"
 #include "base/DateTime.h"
 #include "base/Text.h"
 
@@ -26,10 +25,9 @@ SYSTEMTIME SystemTimeOf(double date) {
 
 }  // namespace
 
-void WinServices::SetWindow(HWND window, HWND statusBar) {
+void WinServices::SetWindow(HWND window, StatusBar* statusBar) {
     m_window = window;
     m_statusBar = statusBar;
-    if (m_statusBar != nullptr && !m_status.empty()) SetStatus(m_status);
 }
 
 void WinServices::ShowMessage(const std::u16string& text, const std::u16string& title) {
@@ -39,11 +37,7 @@ void WinServices::ShowMessage(const std::u16string& text, const std::u16string& 
 }
 
 void WinServices::SetStatus(const std::u16string& text) {
-    m_status = text;
-    if (m_statusBar == nullptr) return;
-    SendPointer(m_statusBar, SB_SETTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());
-    // The whole text where the panel is too narrow for it.
-    SendPointer(m_statusBar, SB_SETTIPTEXTW, static_cast<WPARAM>(StatusPanel::Status), Wide(text).c_str());
+    if (m_statusBar != nullptr) m_statusBar->Tell(StatusBar::Topic::Outcome, text);
 }
 
 std::u16string WinServices::Text(int id) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/win/StatusBar.h"
 #include "base/Language.h"
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
@@ -11,15 +12,13 @@ class WinServices final : public UserServices {
   public:
     explicit WinServices(Language language) : m_language(language) {}
 
-    /// From then on message boxes belong to the window and status texts go to its status bar, beginning with the last
-    /// one told when there was none.
-    void SetWindow(HWND window, HWND statusBar);
+    /// From then on message boxes belong to the window and status texts go to its status bar; without one they are
+    /// lost.
+    void SetWindow(HWND window, StatusBar* statusBar);
 
     using UserServices::ShowMessage;
     void ShowMessage(const std::u16string& text, const std::u16string& title) override;
     void SetStatus(const std::u16string& text) override;
-    /// The last text of "Status".
-    [[nodiscard]] const std::u16string& Status() const { return m_status; }
     [[nodiscard]] std::u16string Text(int id) const override;
     [[nodiscard]] std::u16string LongTime(double date) const override;
     [[nodiscard]] std::u16string DateAndTime(double date) const override;
@@ -27,8 +26,7 @@ class WinServices final : public UserServices {
   private:
     Language m_language;
     HWND m_window = nullptr;
-    HWND m_statusBar = nullptr;
-    std::u16string m_status;  ///< told last, also before there is a status bar
+    StatusBar* m_statusBar = nullptr;
 };
 
 }  // namespace quillon

@@ -33,6 +33,7 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
       m_services(services),
       m_document(*global.document),
       m_view(*global.view),
+      m_playback(*global.playback),
       m_makeTimer(std::move(makeTimer)),
       m_shutdown(std::move(shutdown)),
       m_fft(global.settings),
@@ -141,7 +142,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
         case WM_GETMINMAXINFO: OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
         case WM_CLOSE: OnClose(); return 0;
-        case WM_ENABLE: OnDialogEnd(wParam != FALSE); return 0;
+        case WM_ENABLE: m_long.CloseIfAsked(); return 0;
         case WM_ENDSESSION: OnEndSession(wParam != FALSE); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_COMMAND:
@@ -151,7 +152,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
                 // A button of a toolbar. The keys go on working on the graph.
                 OnCommand(LOWORD(wParam));
                 SetFocus(m_graphBox.Window());
-            } else if (!m_busy) {
+            } else if (!m_long.IsBusy()) {
                 OnListCommand(LOWORD(wParam), HIWORD(wParam));
             }
             return 0;
@@ -165,7 +166,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_HSCROLL: OnHScroll(LOWORD(wParam)); return 0;
         case WM_VSCROLL: OnVScroll(LOWORD(wParam)); return 0;
         case WM_TIMER: OnTimer(wParam); return 0;
-        case WM_DEVICECHANGE: LookForSound(); break;
+        case WM_DEVICECHANGE: m_playback.LookForDevices(); break;
         case WM_ENTERMENULOOP: EndHover(); break;
         case WM_SETCURSOR:
             if (OnSetCursor(reinterpret_cast<HWND>(wParam))) return TRUE;
@@ -176,6 +177,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CAPTURECHANGED: OnMouse(message, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)); return 0;
         case WM_NCDESTROY: {
             const HWND window = std::exchange(m_window, nullptr);
+            m_long.SetWindow(nullptr);
             SetWindowLongPtrW(window, GWLP_USERDATA, 0);
             return DefWindowProcW(window, message, wParam, lParam);
         }
@@ -186,7 +188,8 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 
 void frmQLMain::Failed(const std::exception& error) noexcept {
     try {
-        m_services.SetStatus(m_services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_global.language));
+        m_status.Tell(StatusBar::Topic::Outcome,
+                      m_services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_global.language));
     } catch (const std::exception&) {
         // There is no memory even for the message.
     }
@@ -201,7 +204,8 @@ void frmQLMain::OnCreate() {
     m_font = MakeFont(m_dpi);
     if (!m_graphBox.Create(m_window, pbGraph, *this, true))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "graph");
-    m_services.SetWindow(m_window, nullptr);
+    m_services.SetWindow(m_window, &m_status);
+    m_long.SetWindow(m_window);
     m_browser.SetPattern(m_global.library->FileTypeMask(0));
     m_fft.FFT_BuildPalette();
     const std::wstring folder = Wide(m_global.settings.filesPath);
@@ -217,8 +221,8 @@ void frmQLMain::Complete() try {
     FillTypes();
     m_complete = true;
     // Messages have their place from here on.
+    m_status.Attach(GetDlgItem(m_window, sbInfo), m_font.Get(), m_dpi);
     ShowPanels();
-    m_services.SetWindow(m_window, GetDlgItem(m_window, sbInfo));
     // With a recording open its channels are of more use than the way to its folder.
     if (m_document.Block().block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
     ShowPages();
@@ -344,7 +348,8 @@ void frmQLMain::OnActivate(UINT state) {
         // Why the first file was refused is of more use.
         const bool refused = !m_document.File().refusal.empty();
         if (m_folderMissing && !refused)
-            m_services.SetStatus(m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
+            m_status.Tell(StatusBar::Topic::Outcome,
+                          m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
         else if (!refused)
             TellIncomplete();
     }
@@ -366,25 +371,19 @@ void frmQLMain::OnDropFiles(HDROP drop) {
     std::wstring path(DragQueryFileW(drop, 0, nullptr, 0), L'\0');
     DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size()) + 1);
     DragFinish(drop);
-    if (!path.empty() && !m_busy) OpenPath(path);
+    if (!path.empty() && !m_long.IsBusy()) OpenPath(path);
 }
 
 void frmQLMain::OnClose() {
-    // While a dialog is open or a long command runs the window waits for it, whoever asks it to close.
-    m_closeAsked = !IsWindowEnabled(m_window) || m_busy;
-    if (m_closeAsked) return;
+    if (!m_long.MayClose()) return;
     StopSound();
     DestroyWindow(m_window);
-}
-
-void frmQLMain::OnDialogEnd(bool enabled) {
-    if (enabled && !m_busy && m_closeAsked) PostMessageW(m_window, WM_CLOSE, 0, 0);
 }
 
 void frmQLMain::OnEndSession(bool ends) {
     // The process may end without another message.
     if (!ends) return;
-    if (!m_busy) {
+    if (!m_long.IsBusy()) {
         StopSound();
         return EndSession();
     }
@@ -413,7 +412,7 @@ void frmQLMain::OnDestroy() {
     m_lookTimer.reset();
     // A window that could not be made has nothing to keep, and its message is still to be shown.
     if (m_createFailure) return;
-    m_sound.reset();
+    m_playback.Close();
     EndSession();
     m_services.SetWindow(nullptr, nullptr);
     PostQuitMessage(0);

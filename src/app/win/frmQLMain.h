@@ -10,7 +10,9 @@
 #include "app/GraphKeys.h"
 #include "app/MainLayout.h"
 #include "app/QL_Global.h"
+#include "app/win/LongCommand.h"
 #include "app/win/Panel.h"
+#include "app/win/StatusBar.h"
 #include "app/win/Toolbar.h"
 #include "app/win/WinServices.h"
 #include "base/win/Win32.h"
@@ -19,7 +21,6 @@
 #include "data/win/ChannelLists.h"
 #include "data/win/FileBrowser.h"
 #include "data/win/cFileNotification.h"
-#include "sound/QLSound.h"
 #include "spectrum/QL_FFT.h"
 #include "spectrum/win/SpectrogramView.h"
 #include "view/GraphGestures.h"
@@ -83,8 +84,6 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     void OnSize(UINT state);
     void OnGetMinMaxInfo(MINMAXINFO* info) const;
     void OnClose();
-    /// Closes the window when that was asked for meanwhile.
-    void OnDialogEnd(bool enabled);
     void OnEndSession(bool ends);
     /// Keeps what is to be kept and closes the recording.
     void EndSession();
@@ -126,8 +125,6 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     void StartWatch();
     /// Reads the folder and watches it anew; the open recording stays open.
     void RefreshFiles();
-    /// False when the window was closed by one of them.
-    [[nodiscard]] bool RunPendingMessages() const;
     /// Opens a file of the folder unless it is open; without a name, closes the one that is.
     void OpenFile(const std::wstring& name);
     void CloseCurrentFile();
@@ -261,8 +258,6 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     void RunBusy(const std::function<void()>& work);
     /// Runs what takes long; meanwhile the window takes no input.
     void RunLong(const std::function<void()>& work);
-    /// Called now and then meanwhile, lets messages run; false when the window was closed by one of them.
-    bool StayAlive();
     /// The selection, or the whole block.
     [[nodiscard]] SampleRange ExportRange() const;
     void SaveAs(int);
@@ -284,21 +279,12 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
 
     // Sound.
     void MakeSound();
-    void StopSound();
-    void KeepSoundState();
+    void StopSound() { m_playback.Stop(); }
     void SoundPlay(int index);
     void SoundCard(int device);
-    /// Devices come and go.
-    void LookForSound();
     void FillSoundCards(HMENU menu);
-    void EndPlayback();
-    void objSound_Started();
-    void objSound_Stopped();
-    void objSound_PlayProgress(std::int32_t sample);
     void ShowPlayLine();
-    /// Takes back what "Status" was told of the sound, unless something else was told since.
-    void ClearSoundStatus();
-    void TellOfSound(const std::u16string& text);
+    void ShowPosition();
 
     // Spectrogram.
     void ShowSpectrogram(int);
@@ -328,19 +314,20 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     /// Draws the graph and brings scales, scroll bars, panels and buttons up to date. A shift says that the view was
     /// only scrolled, by that many columns, since it was drawn.
     void Refresh(std::int32_t shift = 0);
-    void ShowPanels() const;
+    void ShowPanels();
 
     QL_Global& m_global;
     WinServices& m_services;
     Document& m_document;
     WaveformView& m_view;
+    Playback& m_playback;
+    StatusBar m_status;
+    LongCommand m_long;
     TimerFactory m_makeTimer;
     std::function<void()> m_shutdown;
     std::unique_ptr<cFileNotification> m_watch;  ///< made when the window loads
     std::unique_ptr<TimerObject> m_lookTimer;    ///< looks at the file of the recording
     bool m_lookDue = false;                      ///< also where that may take its time
-    std::u16string m_folderTold;                 ///< what "Status" was told of what is missing in the folder
-    std::u16string m_changeTold;                 ///< what "Status" was told of a change of the file
     std::optional<WaveformView::State> m_kept;   ///< while the recording is loaded anew
 
     HWND m_window = nullptr;
@@ -383,23 +370,16 @@ class frmQLMain final : private PictureOwner, private ZoomXEvents {
     bool m_folderMissing = false;        ///< that of the settings could not be read, and the user chose no other yet
     std::exception_ptr m_createFailure;  ///< what kept the window from being made
     std::int64_t m_baseLineMiddle = 0;   ///< shift of the base line at which the amplitude scroll bar is in its middle
-    std::unique_ptr<QLSound> m_sound;    ///< made once the first waveform is seen
     std::u16string m_unreadable;         ///< what "Status" was told of samples that cannot be read
-    std::u16string m_notUnderstood;      ///< what "Status" was told of a place that was asked for
     ValuesKind m_valuesKind = ValuesKind::Details;
     ValuesBasis m_valuesBasis;
-    std::int32_t m_hoverSample = 0;  ///< whose values the panel shows
-    std::u16string m_hoverMark;      ///< text of the mark above them
-    bool m_channelByKey = false;     ///< a key of the channel list may change the chosen one
-    bool m_channelTold = false;      ///< the click that goes on has changed the chosen channel already
-    std::u16string m_soundTold;      ///< what "Status" was told of the sound last
-    bool m_followsSound = false;     ///< the line of the sound was in view, and the user has not scrolled it away
-    std::int32_t m_saveType = 1;     ///< chosen last in the Save As dialog
+    std::int32_t m_hoverSample = 0;           ///< whose values the panel shows
+    std::u16string m_hoverMark;               ///< text of the mark above them
+    bool m_channelByKey = false;              ///< a key of the channel list may change the chosen one
+    bool m_channelTold = false;               ///< the click that goes on has changed the chosen channel already
+    std::int32_t m_saveType = 1;              ///< chosen last in the Save As dialog
     std::vector<std::u16string> m_fastFiles;  ///< that the fast export may replace unasked
-    bool m_busy = false;                      ///< a long command runs
-    bool m_closeAsked = false;                ///< the window closes after the dialog or the long command
     bool m_changedMeanwhile = false;          ///< files did, while it ran
-    ULONGLONG m_lastPump = 0;
     bool m_activated = false;
     bool m_complete = false;  ///< every control is there, not only the graph
     bool m_closing = false;

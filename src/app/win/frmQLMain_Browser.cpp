@@ -92,12 +92,12 @@ bool frmQLMain::ShowFolder(const std::wstring& folder) {
         return true;
     }
     if (!m_browser.ShowFolder(folder)) {
-        m_services.SetStatus(Narrow16(folder) + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
+        m_status.Tell(StatusBar::Topic::Outcome, Narrow16(folder) + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
         m_browser.ShowChoice();
         return false;
     }
     m_folderMissing = false;
-    m_services.SetStatus({});
+    m_status.Tell(StatusBar::Topic::Outcome, {});
     ClickFile();
     StartWatch();
     TellIncomplete();
@@ -172,9 +172,9 @@ void frmQLMain::FollowFileList() {
 
 void frmQLMain::TellIncomplete() {
     if (m_browser.IsComplete()) return;
-    m_folderTold = Narrow16(m_browser.Folder()) + u": " +
-                   m_services.Text(m_browser.IsReadable() ? IDS_FOLDER_INCOMPLETE : IDS_FOLDER_UNREADABLE);
-    m_services.SetStatus(m_folderTold);
+    m_status.Tell(StatusBar::Topic::Folder,
+                  Narrow16(m_browser.Folder()) + u": " +
+                      m_services.Text(m_browser.IsReadable() ? IDS_FOLDER_INCOMPLETE : IDS_FOLDER_UNREADABLE));
 }
 
 void frmQLMain::RefreshFiles() {
@@ -182,16 +182,15 @@ void frmQLMain::RefreshFiles() {
     // between the two is told by it.
     StartWatch();
     // What was missing may be back.
-    if (const auto told = std::exchange(m_folderTold, {}); !told.empty() && m_services.Status() == told)
-        m_services.SetStatus({});
+    m_status.Retract(StatusBar::Topic::Folder);
     FilesChanged();
     LookAtRecording(true);
     TellIncomplete();
 }
 
 void frmQLMain::FilesChanged() try {
-    m_changedMeanwhile = m_busy;
-    if (m_busy) return;
+    m_changedMeanwhile = m_long.IsBusy();
+    if (m_long.IsBusy()) return;
     const bool wasSelected = m_browser.SelectedPosition() >= 0;
     m_browser.Refresh();
     // A refused file that is gone needs no explanation any more.
@@ -204,8 +203,7 @@ void frmQLMain::FilesChanged() try {
         const std::u16string name = FileNameOf(m_document.File().fileName);
         m_browser.SelectFile(-1);
         ClickFile();
-        m_folderTold = name + u": " + m_services.Text(IDS_FILE_GONE);
-        m_services.SetStatus(m_folderTold);
+        m_status.Tell(StatusBar::Topic::Folder, name + u": " + m_services.Text(IDS_FILE_GONE));
     }
     FollowFileList();
     m_lookDue = true;
@@ -215,10 +213,10 @@ void frmQLMain::FilesChanged() try {
 }
 
 void frmQLMain::LookAtRecording(bool asked) try {
-    if (m_busy || m_closing || !IsWindowEnabled(m_window)) return;
+    if (m_long.IsBusy() || m_closing || !IsWindowEnabled(m_window)) return;
     if (!asked) {
         // Neither a drag nor the sound is disturbed.
-        if (m_gestures.Current() != GraphGestures::Kind::None || m_drag != Drag::None || m_global.sound.playing) return;
+        if (m_gestures.Current() != GraphGestures::Kind::None || m_drag != Drag::None || m_playback.IsPlaying()) return;
         const bool due = std::exchange(m_lookDue, false) || m_document.ChangePending();
         if (!due && IsRemote(m_browser.Folder())) return;
     }
@@ -235,10 +233,12 @@ void frmQLMain::LookAtRecording(bool asked) try {
     }
     m_kept.reset();
     // What was told of something else stays, unless this is of more use.
-    if (loaded && !m_services.Status().empty() && m_services.Status() != m_changeTold) return;
-    m_changeTold = name + u": " + m_services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
-    if (!loaded) m_changeTold += u": " + m_global.library->LastErrorText();
-    m_services.SetStatus(m_changeTold);
+    const std::u16string text = name + u": " + m_services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
+    if (loaded) {
+        m_status.Offer(StatusBar::Topic::Reload, text);
+    } else {
+        m_status.Tell(StatusBar::Topic::Reload, text + u": " + m_global.library->LastErrorText());
+    }
 } catch (const std::exception& error) {
     m_kept.reset();
     Failed(error);
@@ -259,7 +259,7 @@ void frmQLMain::DeleteSelected() {
     if (name.empty()) return;
     CloseCurrentFile();
     m_watch->StopWatch();
-    if (!RunPendingMessages()) return;
+    if (!m_long.RunPending()) return;
     const FileOperationResult result = DeleteToRecycleBin(folder, name, m_window);
     // The shell's dialog runs messages: the window may be closed by now, or show another folder.
     if (m_window == nullptr || m_closing) return;
@@ -269,7 +269,7 @@ void frmQLMain::DeleteSelected() {
     if (result == FileOperationResult::Done) m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
     ClickFile();
     if (result == FileOperationResult::Failed)
-        m_services.SetStatus(Narrow16(name) + u": " + m_services.Text(IDS_DELETE_FAILED));
+        m_status.Tell(StatusBar::Topic::Outcome, Narrow16(name) + u": " + m_services.Text(IDS_DELETE_FAILED));
 }
 
 void frmQLMain::RenameSelected() {
@@ -285,12 +285,12 @@ void frmQLMain::RenameSelected() {
     const std::u16string failure = Narrow16(name) + u": " + m_services.Text(IDS_RENAME_FAILED);
     if (!PlanRename(Narrow16(folder), Narrow16(name), Narrow16(*answer))) {
         // Nothing that the shell could do: the recording stays open as it is.
-        m_services.SetStatus(failure);
+        m_status.Tell(StatusBar::Topic::Outcome, failure);
         return;
     }
     CloseCurrentFile();
     m_watch->StopWatch();
-    if (!RunPendingMessages()) return;
+    if (!m_long.RunPending()) return;
     const FileOperationResult result = RenameFile(folder, name, *answer, m_window);
     if (m_window == nullptr || m_closing) return;
     RefreshFiles();
@@ -301,27 +301,7 @@ void frmQLMain::RenameSelected() {
         return;
     }
     ClickFile();
-    if (!renamed) m_services.SetStatus(failure);
-}
-
-bool frmQLMain::RunPendingMessages() const {
-    // Messages that make new ones must not keep the caller from its work.
-    constexpr int most = 1000;
-    MSG message{};
-    for (int count = 0; count < most && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++count) {
-        if (message.message == WM_QUIT) {
-            PostQuitMessage(static_cast<int>(message.wParam));
-            break;
-        }
-        // While a long command runs input goes nowhere, so that it starts nothing else.
-        const bool input = (message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST) ||
-                           (message.message >= WM_MOUSEFIRST && message.message <= WM_MOUSELAST) ||
-                           (message.message >= WM_NCMOUSEMOVE && message.message <= WM_NCXBUTTONDBLCLK);
-        if (m_busy && input) continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-    return m_window != nullptr;
+    if (!renamed) m_status.Tell(StatusBar::Topic::Outcome, failure);
 }
 
 void frmQLMain::SelectDrive() {
@@ -376,10 +356,10 @@ void frmQLMain::OpenFile(const std::wstring& name) {
     if (path.empty()) {
         m_document.CloseCurrentFile();
     } else if (m_document.OpenFile(path, stamp)) {
-        m_services.SetStatus({});
+        m_status.Tell(StatusBar::Topic::Outcome, {});
         if (m_browser.Pattern() != u"*.*") OfferFolder(folder);
     } else {
-        m_services.SetStatus(Narrow16(name) + u": " + m_document.File().refusal);
+        m_status.Tell(StatusBar::Topic::Outcome, Narrow16(name) + u": " + m_document.File().refusal);
     }
     RecordingChanged();
 }
@@ -403,7 +383,8 @@ void frmQLMain::LeaveBlock() {
     const HWND capture = GetCapture();
     if (capture != nullptr && (capture == m_graphBox.Window() || capture == m_scaleYBox.Window())) ReleaseCapture();
     m_menuChannel = 0;
-    if (!m_unreadable.empty() && m_services.Status() == std::exchange(m_unreadable, {})) m_services.SetStatus({});
+    m_unreadable.clear();
+    m_status.Retract(StatusBar::Topic::Unreadable);
     m_view.LeaveBlock();
     m_graph.ForgetBlock();
     m_fft.FFT_ClearState();

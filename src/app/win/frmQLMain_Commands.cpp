@@ -89,8 +89,8 @@ void frmQLMain::ShowContextMenu(POINT screen) {
 }
 
 void frmQLMain::OnInitMenu(HMENU menu) {
-    if (GetMenuItemID(menu, 0) == mnuSoundCard && m_sound) FillSoundCards(menu);
-    if (GetMenuItemID(menu, 0) == mnuSoundPlay) LookForSound();
+    if (GetMenuItemID(menu, 0) == mnuSoundCard) FillSoundCards(menu);
+    if (GetMenuItemID(menu, 0) == mnuSoundPlay) m_playback.LookForDevices();
     const CommandState state = State();
     const int count = GetMenuItemCount(menu);
     for (int position = 0; position < count; ++position) {
@@ -151,7 +151,7 @@ void frmQLMain::OnCommand(int id) {
         {mnuMove, mnuMove + static_cast<int>(Moves().size()) - 1, &frmQLMain::MoveView},
         {mnuPathList, mnuPathList + kPathListEntries - 1, &frmQLMain::ChoosePath},
     };
-    if (m_busy || !IsEnabled(id, State())) return;
+    if (m_long.IsBusy() || !IsEnabled(id, State())) return;
     for (const Route& route : routes) {
         if (id >= route.first && id <= route.last) (this->*route.handler)(id - route.first);
     }
@@ -280,7 +280,7 @@ bool frmQLMain::TranslateKey(const MSG& message) {
     if (command == 0) return false;
     // The key that plays a channel also stops; held down it does neither again.
     if (command == mnuSoundPlay && (message.lParam & (1 << 30)) != 0) return true;
-    if (command == mnuSoundPlay && m_global.sound.playing) command = mnuSoundPlay + 2;
+    if (command == mnuSoundPlay && m_playback.IsPlaying()) command = mnuSoundPlay + 2;
     if (alt) m_altUsed = true;
     OnCommand(command);
     return true;
@@ -297,9 +297,9 @@ void frmQLMain::ChooseHelp() {
 
 void frmQLMain::Help(int) {
     if (m_global.helpFile.empty()) {
-        m_services.SetStatus(m_services.Text(IDS_NO_HELP));
+        m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(IDS_NO_HELP));
     } else if (!ShowHelpFile(m_window, Wide(m_global.helpFile))) {
-        m_services.SetStatus(m_services.Text(IDS_HELP_IS_AT) + u' ' + m_global.helpFile);
+        m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(IDS_HELP_IS_AT) + u' ' + m_global.helpFile);
     }
 }
 
@@ -321,9 +321,9 @@ CommandState frmQLMain::State() const {
     state.zoomX = m_view.Axis().ZoomIndex();
     state.scaleY = m_view.ScaleY();
     state.spectrogramShown = m_global.settings.spectrogramShown;
-    state.soundDevices = m_global.sound.devices;
-    state.soundDevice = m_global.sound.device;
-    state.playing = m_global.sound.playing;
+    state.soundDevices = m_playback.DeviceCount();
+    state.soundDevice = m_playback.Device();
+    state.playing = m_playback.IsPlaying();
     state.helpLanguage = m_global.settings.helpLanguage;
     return state;
 }

@@ -34,7 +34,7 @@ void frmQLMain::Options(int) {
 
 void frmQLMain::Split(int) {
     EndHover();
-    if (m_global.sound.playing) StopSound();
+    if (m_playback.IsPlaying()) StopSound();
     Settings& settings = m_global.settings;
     RunBusy([&] {
         ShowSplitDialog(m_window, {m_document.Block().block, m_document.File().fileName, settings, *m_global.exporter,

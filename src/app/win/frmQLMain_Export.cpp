@@ -15,7 +15,6 @@ namespace quillon {
 
 namespace {
 
-constexpr ULONGLONG kPumpMilliseconds = 30;
 /// File names that the question about replacing shows.
 constexpr std::size_t kNamesShown = 8;
 
@@ -44,16 +43,9 @@ std::u16string Joined(const std::vector<std::u16string>& texts) {
 }  // namespace
 
 void frmQLMain::RunBusy(const std::function<void()>& work) {
-    m_busy = true;
-    std::exception_ptr failure;
-    try {
-        work();
-    } catch (const std::exception&) {
-        failure = std::current_exception();
-    }
-    m_busy = false;
+    const std::exception_ptr failure = m_long.Run(work);
     if (m_window == nullptr || m_closing) return;
-    OnDialogEnd(IsWindowEnabled(m_window) != FALSE);
+    m_long.CloseIfAsked();
     if (std::exchange(m_changedMeanwhile, false)) FilesChanged();
     if (failure) std::rethrow_exception(failure);
 }
@@ -66,13 +58,6 @@ void frmQLMain::RunLong(const std::function<void()>& work) {
     const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     RunBusy(work);
     SetCursor(pointer);
-}
-
-bool frmQLMain::StayAlive() {
-    const ULONGLONG now = GetTickCount64();
-    if (now - m_lastPump < kPumpMilliseconds) return m_window != nullptr;
-    m_lastPump = now;
-    return RunPendingMessages();
 }
 
 frmQLMain::SampleRange frmQLMain::ExportRange() const {
@@ -120,10 +105,11 @@ void frmQLMain::WriteRecording(RecordingBlock& block, const std::u16string& name
         exporter.SetProgress([&](std::int32_t samples, std::int32_t total) {
             const auto percent = static_cast<std::int32_t>(std::int64_t{100} * samples / std::max(total, 1));
             if (percent != std::exchange(shown, percent))
-                m_services.SetStatus(m_services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
-            StayAlive();
+                m_status.Tell(StatusBar::Topic::Outcome,
+                              m_services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
+            m_long.StayAlive();
         });
-        m_services.SetStatus({});
+        m_status.Tell(StatusBar::Topic::Outcome, {});
         exporter.SetRecording(m_document.File().fileName);
         done = exporter.Export(&block, name, range.first, range.count, type);
     });
@@ -131,8 +117,9 @@ void frmQLMain::WriteRecording(RecordingBlock& block, const std::u16string& name
     if (m_window == nullptr) return;
     // What went wrong was told in a box.
     const std::u16string loss = DescribeLoss(exporter.Outcome(), m_global.language);
-    m_services.SetStatus(done ? m_services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") + loss
-                              : std::u16string());
+    m_status.Tell(
+        StatusBar::Topic::Outcome,
+        done ? m_services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") + loss : std::u16string());
 }
 
 bool frmQLMain::MayReplace(std::vector<std::u16string> files) const {
@@ -147,7 +134,7 @@ bool frmQLMain::MayReplace(std::vector<std::u16string> files) const {
 
 void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range) {
     TextExportContext context{m_document.Slots(), m_global.format, m_view.RawCodes(), m_services, m_global.openText};
-    context.runPending = [this] { return StayAlive(); };
+    context.runPending = [this] { return m_long.StayAlive(); };
     const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
     std::u16string unread;
     RunLong([&] {
@@ -160,7 +147,7 @@ void frmQLMain::WriteText(const std::u16string& target, const SampleRange& range
     if (m_window == nullptr) return;
     const bool file = target != kClipboardTarget;
     const auto tell = [&](int text, const std::u16string& name) {
-        m_services.SetStatus(m_services.Text(text) + (name.empty() ? name : u": " + name));
+        m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(text) + (name.empty() ? name : u": " + name));
     };
     if (!unread.empty()) {
         tell(IDS_SOUND_UNREADABLE, unread);
@@ -252,7 +239,7 @@ void frmQLMain::CopyImage(std::u16string_view target) {
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
     const bool done = ImageCopy(windows, font.Get(), caption, target);
     ShowPlayLine();
-    m_services.SetStatus(m_services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
+    m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
 }
 
 }  // namespace quillon

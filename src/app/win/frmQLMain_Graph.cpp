@@ -144,11 +144,10 @@ void frmQLMain::TellUnreadable(bool wholeView) {
                                     m_services.Text(inView ? IDS_UNREADABLE : IDS_RANGE_PARTIAL) + u": " +
                                     Utf16(reason);
         // What lies out of view is told once.
-        if (inView || text != m_unreadable) m_services.SetStatus(text);
+        if (inView || text != m_unreadable) m_status.Tell(StatusBar::Topic::Unreadable, text);
         m_unreadable = text;
     } else if (wholeView && !m_unreadable.empty()) {
-        // What was told of something else since then stays.
-        if (m_services.Status() == m_unreadable) m_services.SetStatus({});
+        m_status.Retract(StatusBar::Topic::Unreadable);
         m_unreadable.clear();
     }
 }
@@ -174,8 +173,7 @@ void frmQLMain::Refresh(std::int32_t shift) {
     m_graphBox.Invalidate();
     if (m_complete) Spectrogram_Draw(false);
     // A place that was not understood is of the past once the view changes.
-    if (const std::u16string told = std::exchange(m_notUnderstood, {}); !told.empty() && m_services.Status() == told)
-        m_services.SetStatus({});
+    m_status.Retract(StatusBar::Topic::Place);
     TellUnreadable(shift == 0 || std::abs(shift) >= graph.width);
     if (!m_complete) return;
     KeepValuesTrue();
@@ -224,36 +222,10 @@ void frmQLMain::KeepValuesTrue() {
     }
 }
 
-void frmQLMain::ShowPanels() const {
-    const HWND status = GetDlgItem(m_window, sbInfo);
-    const PanelTexts texts = BlockPanels(
+void frmQLMain::ShowPanels() {
+    m_status.ShowPanels(BlockPanels(
         {m_document.Block(), m_document.Slots(), m_view.Axis(), m_global.format, m_view.ScaleY(), m_view.RawCodes()},
-        m_services);
-    constexpr auto own = static_cast<std::size_t>(StatusPanel::Status);
-    // Every panel is as wide as its text; "Status" takes the rest.
-    const int margin = MulDiv(14, m_dpi, 96);
-    const int grip = GetSystemMetrics(SM_CXVSCROLL);
-    std::array<int, std::tuple_size_v<PanelTexts>> widths{};
-    const WindowDC dc(status);
-    const SelectScope font(dc.Get(), m_font.Get());
-    int others = grip;
-    for (std::size_t panel = 0; panel < texts.size(); ++panel) {
-        SIZE size{};
-        const std::wstring text = Wide(texts[panel]);
-        GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
-        widths[panel] = panel == own ? 0 : static_cast<int>(size.cx) + margin;
-        others += widths[panel];
-    }
-    RECT client{};
-    GetClientRect(status, &client);
-    widths[own] = std::max(static_cast<int>(client.right) - others, MulDiv(80, m_dpi, 96));
-    int right = 0;
-    for (int& width : widths) width = right += width;
-    widths.back() = -1;
-    SendPointer(status, SB_SETPARTS, widths.size(), widths.data());
-    for (std::size_t panel = 0; panel < texts.size(); ++panel) {
-        if (panel != own) SendPointer(status, SB_SETTEXTW, panel, Wide(texts[panel]).c_str());
-    }
+        m_services));
 }
 
 }  // namespace quillon

@@ -29,7 +29,7 @@ void frmQLMain::OnSize(UINT state) {
     GetClientRect(m_window, &client);
     // When it is first shown the window is told the size that it was made with.
     if (client.right == m_arrangedSize.cx && client.bottom == m_arrangedSize.cy) return;
-    if (m_complete) SendMessageW(GetDlgItem(m_window, sbInfo), WM_SIZE, 0, 0);
+    if (m_complete) m_status.Resize();
     ArrangeControls();
     Refresh();
     // Started as an icon, it was activated before it had a size.
@@ -118,7 +118,7 @@ void frmQLMain::ArrangeControls() {
 }
 
 bool frmQLMain::OnSetCursor(HWND child) const {
-    if (m_busy && IsWindowEnabled(m_window)) return SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true;
+    if (m_long.IsBusy() && IsWindowEnabled(m_window)) return SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true;
     POINT point{};
     GetCursorPos(&point);
     ScreenToClient(m_window, &point);

@@ -21,7 +21,7 @@ ReadoutSource frmQLMain::Source() const {
 bool frmQLMain::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) {
     const int x = GET_X_LPARAM(lParam);
     const int y = GET_Y_LPARAM(lParam);
-    if (m_busy) return message == WM_SETCURSOR && (SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true);
+    if (m_long.IsBusy()) return message == WM_SETCURSOR && (SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true);
     if (id == pbPathList && message == WM_LBUTTONDOWN) return ShowPathList(), true;
     if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN)
         SetFocus(m_graphBox.Window());
@@ -248,7 +248,7 @@ void frmQLMain::FinishSelection(const GraphPointer& pointer) {
 }
 
 void frmQLMain::Select(int index) {
-    if (index == 2 && m_global.sound.playing) return StopSound();
+    if (index == 2 && m_playback.IsPlaying()) return StopSound();
     if (m_gestures.Current() == GraphGestures::Kind::Select) ReleaseCapture();
     ViewChanged(index == 0 ? m_view.SelectBlock() : index == 1 ? m_view.SelectVisible() : m_view.Deselect());
 }

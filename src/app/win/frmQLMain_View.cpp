@@ -27,7 +27,7 @@ std::wstring Plain(const std::u16string& caption) {
 
 void frmQLMain::ViewChanged(const ViewChange& change) {
     if (change.redraw || change.scrolled != 0) Refresh(change.scrolled);
-    if (change.newPlace) m_followsSound = m_graph.Band(GraphBand::Play).has_value();
+    m_playback.ViewChanged(change);
     if (!change.selection) return;
     ShowSelection();
     if (m_view.Selected().active) ShowRange();
@@ -68,11 +68,10 @@ void frmQLMain::GoToPlace(int) {
     if (!answer || m_closing || m_document.Block().sampleCount == 0) return;
     const std::u16string text = Narrow16(*answer);
     if (const std::optional<std::int32_t> sample = ParsePosition(text, m_document.Block(), m_global.format, present)) {
-        m_services.SetStatus({});
+        m_status.Tell(StatusBar::Topic::Outcome, {});
         ShowSample(*sample);
     } else {
-        m_notUnderstood = text + u": " + m_services.Text(IDS_PLACE_BAD);
-        m_services.SetStatus(m_notUnderstood);
+        m_status.Tell(StatusBar::Topic::Place, text + u": " + m_services.Text(IDS_PLACE_BAD));
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "base/win/PendingMessages.h"
 #include "dialogs/win/ColorChooser.h"
 
 namespace quillon {
@@ -281,7 +282,7 @@ void dlgOptions::EnableXFormat() {
 }
 
 void dlgOptions::SendHelpKey() {
-    RunPendingMessages();
+    RunPendingMessages(m_dialog);
     if (!IsWindowVisible(m_dialog)) return;  // one of them closed it
     INPUT keys[2]{};
     keys[0].type = keys[1].type = INPUT_KEYBOARD;
@@ -290,18 +291,6 @@ void dlgOptions::SendHelpKey() {
     // The key goes to the window in front, whichever that is.
     const bool sent = GetForegroundWindow() == m_dialog && SendInput(2, keys, sizeof keys[0]) == 2;
     if (!sent) SendMessageW(m_dialog, WM_HELP, 0, 0);
-}
-
-void dlgOptions::RunPendingMessages() {
-    // Not without end where messages keep coming.
-    constexpr int most = 1000;
-    MSG message{};
-    for (int count = 0; count < most && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++count) {
-        if (message.message == WM_QUIT) return PostQuitMessage(static_cast<int>(message.wParam));
-        if (IsDialogMessageW(m_dialog, &message) != FALSE) continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
 }
 
 HWND dlgOptions::Control(int id) const {

@@ -56,7 +56,6 @@ class dlgOptions {
     void ShowBinWidth();
     void EnableXFormat();
     void SendHelpKey();
-    void RunPendingMessages();
 
     [[nodiscard]] HWND Control(int id) const;
     [[nodiscard]] int Chosen(int firstButton, int count) const;

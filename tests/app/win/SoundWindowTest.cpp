@@ -72,9 +72,9 @@ TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
     EXPECT_TRUE(IsEnabled(mnuSoundPlay + 2, m_form->State()));
     m_device.events.started();
     m_device.events.writeProgress(200);
-    EXPECT_TRUE(m_global.sound.position == 200 || m_global.sound.position == 201);
+    EXPECT_TRUE(m_global.playback->Position() == 200 || m_global.playback->Position() == 201);
     EXPECT_FALSE(Status().empty());
-    const int column = m_global.sound.position - 1;
+    const int column = m_global.playback->Position() - 1;
     Command(mnuSelect + 2);  // stops first ...
     EXPECT_EQ(m_device.calls.back(), "stop");
     EXPECT_TRUE(m_global.view->Selected().active);
@@ -92,7 +92,7 @@ TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
     const int width = without.width;
     m_device.events.writeProgress(width + 50);
     EXPECT_GE(m_global.view->Axis().FirstColumn(), width);
-    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.view->Axis().FirstColumn()));
+    EXPECT_TRUE(LineAt(m_global.playback->Position() - 1 - m_global.view->Axis().FirstColumn()));
     // A zoom about the middle may leave the line outside; the view comes back to it.
     Command(mnuZoomX);
     ScrollTo(width / 2);
@@ -100,14 +100,14 @@ TEST_F(SoundWindowTest, ALineFollowsAndTheViewPagesOn) {
     Command(mnuZoomX + 1);
     EXPECT_GT(m_global.view->Axis().FirstColumn(), width + 60);
     m_device.events.writeProgress(width + 60);
-    EXPECT_TRUE(LineAt(m_global.sound.position - 1 - m_global.view->Axis().FirstColumn()));
+    EXPECT_TRUE(LineAt(m_global.playback->Position() - 1 - m_global.view->Axis().FirstColumn()));
     // Where the user has looked elsewhere it does not.
     Command(mnuGoTo);
     m_device.events.writeProgress(width + 100);
     EXPECT_EQ(m_global.view->Axis().FirstColumn(), 0);
     EXPECT_EQ(Capture(pbGraph), without);
     m_device.events.stopped();
-    EXPECT_FALSE(m_global.sound.playing);
+    EXPECT_FALSE(m_global.playback->IsPlaying());
     EXPECT_EQ(Status(), L"");
 }
 
@@ -118,9 +118,9 @@ TEST_F(SoundWindowTest, RefusalsAreToldAndNothingPlaysOn) {
     EXPECT_FALSE(IsEnabled(mnuSoundPlay + 2, m_form->State()));
     m_device.refusal.clear();
     Key(VK_SPACE);
-    EXPECT_TRUE(m_global.sound.playing);
+    EXPECT_TRUE(m_global.playback->IsPlaying());
     Key(VK_SPACE);
-    EXPECT_FALSE(m_global.sound.playing);
+    EXPECT_FALSE(m_global.playback->IsPlaying());
     // Another file ends it, and what is told of the file stays when the device's word comes late.
     Command(mnuSoundPlay);
     m_device.events.writeProgress(10);

@@ -1,8 +1,17 @@
-#include "dialogs/win/PendingMessages.h"
+#include "base/win/PendingMessages.h"
 
 namespace quillon {
 
-bool RunPendingMessages(HWND dialog) {
+namespace {
+
+bool IsInput(UINT message) {
+    return (message >= WM_KEYFIRST && message <= WM_KEYLAST) || (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST) ||
+           (message >= WM_NCMOUSEMOVE && message <= WM_NCXBUTTONDBLCLK);
+}
+
+}  // namespace
+
+bool RunPendingMessages(HWND dialog, PendingInput input) {
     // Messages that make new ones must not keep the caller from its work.
     constexpr int most = 1000;
     MSG message{};
@@ -11,6 +20,7 @@ bool RunPendingMessages(HWND dialog) {
             PostQuitMessage(static_cast<int>(message.wParam));
             return false;
         }
+        if (input == PendingInput::Dropped && IsInput(message.message)) continue;
         if (dialog != nullptr && IsDialogMessageW(dialog, &message) != FALSE) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -1,0 +1,102 @@
+#include "app/Playback.h"
+
+namespace quillon {
+
+namespace {
+
+template <typename Event, typename... Arguments>
+void Tell(const Event& event, Arguments&&... arguments) {
+    if (event) event(std::forward<Arguments>(arguments)...);
+}
+
+}  // namespace
+
+void Playback::Open() {
+    m_sound = std::make_unique<QLSound>(m_document.Block(), m_services, m_makeOutput);
+    // No event of the sound may throw.
+    const auto guarded = [this](auto handle) {
+        try {
+            handle();
+        } catch (const std::exception& error) {
+            Tell(onFailed, error);
+        }
+    };
+    m_sound->onStarted = [this, guarded] { guarded([this] { Tell(onState); }); };
+    m_sound->onStopped = [this, guarded] { guarded([this] { OnStopped(); }); };
+    m_sound->onPlayProgress = [this, guarded](std::int32_t sample) { guarded([this, sample] { OnProgress(sample); }); };
+    Tell(onState);
+}
+
+void Playback::LookForDevices() {
+    if (!m_sound) return;
+    m_sound->Refresh();
+    Tell(onState);
+}
+
+std::u16string Playback::DeviceName(std::int16_t index) const {
+    return m_sound ? m_sound->DeviceName(index) : std::u16string();
+}
+
+void Playback::ChooseDevice(std::int16_t index) {
+    if (!m_sound) return;
+    m_sound->PutDevice(index);
+    Tell(onState);
+}
+
+void Playback::Play(std::int16_t channel) {
+    if (!m_sound) return;
+    const Selection& selection = m_view.Selected();
+    const VisibleRange visible = m_view.Axis().Visible();
+    m_follows = false;
+    SetPosition(0);
+    if (selection.active) {
+        m_sound->Play(channel, selection.First(), selection.Count());
+    } else {
+        m_sound->Play(channel, visible.first, visible.Count());
+    }
+    Tell(onState);
+    if (!m_sound->Playing() && !m_sound->ErrorText().empty()) Tell(onError, m_sound->ErrorText());
+}
+
+void Playback::Stop() {
+    if (!m_sound) return;
+    m_sound->Stop();
+    End();
+}
+
+void Playback::OnStopped() {
+    const std::u16string error = m_sound->ErrorText();
+    End();
+    if (!error.empty()) Tell(onError, error);
+}
+
+void Playback::End() {
+    SetPosition(0);
+    Tell(onState);
+}
+
+void Playback::SetPosition(std::int32_t sample) {
+    m_position = sample;
+    Tell(onPosition);
+}
+
+bool Playback::IsInView() const {
+    return m_position > 0 && BandOf(m_view.Axis(), m_position, m_position).has_value();
+}
+
+void Playback::OnProgress(std::int32_t sample) {
+    SetPosition(sample);
+    if (IsInView()) {
+        m_follows = true;
+    } else if (m_follows) {
+        // The line went over the edge of the view, or a zoom left it there.
+        const TimeAxis& axis = m_view.Axis();
+        Tell(onScroll, (sample - 1) / axis.SamplesPerPixel() - axis.FirstColumn());
+    }
+}
+
+void Playback::ViewChanged(const ViewChange& change) {
+    if (change.newPlace) m_follows = IsInView();
+}
+
+}  // namespace quillon

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <exception>
+#include <functional>
+
+#include "base/win/Win32.h"
+
+namespace quillon {
+
+/// Runs what takes long and must not be disturbed by another command. Messages are handled now and then meanwhile, but
+/// keys and mouse go nowhere, and a window that is asked to close waits for the end.
+class LongCommand {
+  public:
+    /// The window whose commands these are; null once it is gone.
+    void SetWindow(HWND window) { m_window = window; }
+    [[nodiscard]] bool IsBusy() const { return m_busy; }
+
+    /// Returns what the work has thrown.
+    std::exception_ptr Run(const std::function<void()>& work);
+    /// To be called now and then by the work. False when the window is gone.
+    bool StayAlive();
+    /// Handles the messages that are waiting. False when the window is gone.
+    [[nodiscard]] bool RunPending() const;
+
+    /// Whether the window may close now. While a command runs or a dialog is open it may not, and closes afterwards.
+    [[nodiscard]] bool MayClose();
+    /// To be called when a command or a dialog has ended.
+    void CloseIfAsked();
+
+  private:
+    HWND m_window = nullptr;
+    bool m_busy = false;
+    bool m_closeAsked = false;
+    ULONGLONG m_lastPump = 0;  ///< milliseconds since the system's start
+};
+
+}  // namespace quillon

@@ -1,0 +1,87 @@
+#include "app/win/StatusBar.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/win/WinHandle.h"
+#include "view/win/GDI_Utils.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr auto kMessagePanel = static_cast<std::size_t>(StatusPanel::Status);
+
+}  // namespace
+
+void StatusBar::Attach(HWND control, HFONT font, int dpi) {
+    m_window = control;
+    m_font = font;
+    m_dpi = dpi;
+}
+
+void StatusBar::ShowPanels(const PanelTexts& texts) {
+    if (m_window == nullptr || texts == m_panels) return;
+    const bool first = !m_panels.has_value();
+    const PanelTexts before = m_panels.value_or(PanelTexts{});
+    m_panels = texts;
+    ArrangePanels();
+    if (first) ShowMessage();
+    for (std::size_t panel = 0; panel < texts.size(); ++panel) {
+        if (panel != kMessagePanel && texts[panel] != before[panel])
+            SendPointer(m_window, SB_SETTEXTW, panel, Wide(texts[panel]).c_str());
+    }
+}
+
+void StatusBar::Resize() {
+    SendMessageW(m_window, WM_SIZE, 0, 0);
+    if (m_panels) ArrangePanels();
+}
+
+void StatusBar::ArrangePanels() const {
+    const PanelTexts& texts = *m_panels;
+    const int margin = MulDiv(14, m_dpi, 96);
+    std::array<int, std::tuple_size_v<PanelTexts>> edges{};
+    const WindowDC dc(m_window);
+    const SelectScope font(dc.Get(), m_font);
+    int others = GetSystemMetrics(SM_CXVSCROLL);  // the grip
+    for (std::size_t panel = 0; panel < texts.size(); ++panel) {
+        if (panel == kMessagePanel) continue;
+        SIZE size{};
+        const std::wstring text = Wide(texts[panel]);
+        GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+        edges[panel] = static_cast<int>(size.cx) + margin;
+        others += edges[panel];
+    }
+    RECT client{};
+    GetClientRect(m_window, &client);
+    edges[kMessagePanel] = std::max(static_cast<int>(client.right) - others, MulDiv(80, m_dpi, 96));
+    int right = 0;
+    for (int& edge : edges) edge = right += edge;
+    edges.back() = -1;
+    SendPointer(m_window, SB_SETPARTS, edges.size(), edges.data());
+}
+
+void StatusBar::Tell(Topic topic, const std::u16string& text) {
+    m_message.Tell(topic, text);
+    ShowMessage();
+}
+
+void StatusBar::Offer(Topic topic, const std::u16string& text) {
+    if (m_message.Offer(topic, text)) ShowMessage();
+}
+
+void StatusBar::Retract(Topic topic) {
+    if (m_message.Retract(topic)) ShowMessage();
+}
+
+void StatusBar::ShowMessage() const {
+    // Without its panels the control forgets texts.
+    if (!m_panels) return;
+    const std::wstring text = Wide(m_message.Text());
+    SendPointer(m_window, SB_SETTEXTW, kMessagePanel, text.c_str());
+    // The whole text where the panel is too narrow for it.
+    SendPointer(m_window, SB_SETTIPTEXTW, kMessagePanel, text.c_str());
+}
+
+}  // namespace quillon

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+
+#include "app/StatusMessage.h"
+#include "app/StatusPanels.h"
+#include "base/win/Win32.h"
+
+namespace quillon {
+
+/// The status bar: the panels that describe the block, and "Status". It can be told everything before its control
+/// exists.
+class StatusBar {
+  public:
+    using Topic = StatusMessage::Topic;
+
+    /// `font` is that of the control and outlives it.
+    void Attach(HWND control, HFONT font, int dpi);
+    [[nodiscard]] HWND Window() const { return m_window; }
+    /// Every panel is as wide as its text; "Status", whose text is none of these, takes the rest.
+    void ShowPanels(const PanelTexts& texts);
+    /// The control has another width.
+    void Resize();
+
+    // See StatusMessage.
+    void Tell(Topic topic, const std::u16string& text);
+    void Offer(Topic topic, const std::u16string& text);
+    void Retract(Topic topic);
+    [[nodiscard]] const std::u16string& Message() const { return m_message.Text(); }
+
+  private:
+    void ShowMessage() const;
+    void ArrangePanels() const;
+
+    HWND m_window = nullptr;
+    HFONT m_font = nullptr;
+    int m_dpi = 96;
+    StatusMessage m_message;
+    std::optional<PanelTexts> m_panels;  ///< none before they are shown for the first time
+};
+
+}  // namespace quillon
