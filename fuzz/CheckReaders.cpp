@@ -14,12 +14,6 @@ namespace {
 constexpr std::int32_t kSamples = 3000;
 constexpr std::int32_t kSamplesOfLong = 100000;
 
-RunExtremes PlainExtremes(const std::int16_t* from, const std::int16_t* to) {
-    const auto* maximum = std::max_element(from, to);
-    const auto* minimum = std::min_element(from, to);
-    return minimum < maximum ? RunExtremes{*minimum, *maximum} : RunExtremes{*maximum, *minimum};
-}
-
 void CheckDescription(const RecordingBlock& block) {
     Require(block.ChannelCount() >= 1 && block.ChannelCount() <= 32, "1 to 32 channels");
     Require(block.SampleRate() > 0.0 && std::isfinite(block.SampleRate()), "a rate above 0");
@@ -53,7 +47,14 @@ void CheckValues(const RecordingBlock& block, std::int16_t channel, std::span<co
     }
 }
 
-/// All ways of reading a range agree.
+}  // namespace
+
+RunExtremes PlainExtremes(const std::int16_t* from, const std::int16_t* to) {
+    const auto* maximum = std::max_element(from, to);
+    const auto* minimum = std::min_element(from, to);
+    return minimum < maximum ? RunExtremes{*minimum, *maximum} : RunExtremes{*maximum, *minimum};
+}
+
 void CheckRange(RecordingBlock& block, std::int32_t first, std::int32_t count, std::int32_t run) {
     const auto channels = static_cast<std::size_t>(block.ChannelCount());
     const auto size = static_cast<std::size_t>(count);
@@ -62,20 +63,22 @@ void CheckRange(RecordingBlock& block, std::int32_t first, std::int32_t count, s
     std::vector<std::int16_t> rows(size * channels);
     Require(block.ReadFrames(first, count, frames.data()) == 0, "frames are read");
     Require(block.ReadRows(first, count, rows.data()) == 0, "rows are read");
+    // Asked for in another order than they are stored in.
     std::vector<std::int16_t> numbers;
-    std::vector<RunExtremes> extremes(runs * channels);
+    std::vector<std::vector<RunExtremes>> extremes(channels, std::vector<RunExtremes>(runs));
     std::vector<RunExtremes*> out;
-    for (std::size_t channel = 0; channel < channels; ++channel) {
+    for (std::size_t channel = channels; channel-- > 0;) {
         numbers.push_back(static_cast<std::int16_t>(channel + 1));
-        out.push_back(extremes.data() + channel * runs);
+        out.push_back(extremes[channel].data());
     }
     const bool reduced = block.ColumnExtremes(numbers, first, count, run, out);
     std::vector<std::int16_t> codes(size);
     std::vector<float> values(size);
     for (std::size_t channel = 0; channel < channels; ++channel) {
-        Require(block.ReadCodes(numbers[channel], first, count, codes.data()) == 0, "codes are read");
-        Require(block.ReadValues(numbers[channel], first, count, values.data()) == 0, "values are read");
-        CheckValues(block, numbers[channel], codes, values);
+        const auto number = static_cast<std::int16_t>(channel + 1);
+        Require(block.ReadCodes(number, first, count, codes.data()) == 0, "codes are read");
+        Require(block.ReadValues(number, first, count, values.data()) == 0, "values are read");
+        CheckValues(block, number, codes, values);
         Require(std::equal(codes.begin(), codes.end(), rows.begin() + static_cast<std::ptrdiff_t>(channel * size)),
                 "rows hold the codes");
         for (std::size_t at = 0; at < size; ++at)
@@ -83,11 +86,19 @@ void CheckRange(RecordingBlock& block, std::int32_t first, std::int32_t count, s
         for (std::size_t at = 0; reduced && at < runs; ++at) {
             const std::size_t from = at * static_cast<std::size_t>(run);
             const std::size_t to = std::min(from + static_cast<std::size_t>(run), size);
-            Require(out[channel][at] == PlainExtremes(codes.data() + from, codes.data() + to),
+            Require(extremes[channel][at] == PlainExtremes(codes.data() + from, codes.data() + to),
                     "extremes are those of the codes");
         }
+        // One channel of many is read in a way of its own.
+        std::vector<RunExtremes> alone(runs);
+        RunExtremes* const only = alone.data();
+        Require(
+            block.ColumnExtremes({&number, 1}, first, count, run, {&only, 1}) == reduced && alone == extremes[channel],
+            "extremes of one channel are those of all");
     }
 }
+
+namespace {
 
 void CheckBlock(RecordingBlock& block, std::int32_t most) {
     CheckDescription(block);

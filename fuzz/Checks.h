@@ -3,7 +3,15 @@
 #include <cstdint>
 #include <span>
 
+#include "data/NorvikCore.h"
+
 namespace quillon::fuzz {
+
+/// The two extremes of codes by the plain loop: in their order, and of equal ones the maximum first.
+[[nodiscard]] RunExtremes PlainExtremes(const std::int16_t* from, const std::int16_t* to);
+
+/// All ways of reading samples first .. first+count-1 agree, and so do the extremes of runs. Throws BrokenPromise.
+void CheckRange(RecordingBlock& block, std::int32_t first, std::int32_t count, std::int32_t run);
 
 /// Opens any bytes as a recording and asks every block everything: all ways of reading a range agree, and every answer
 /// keeps what its contract promises. Throws BrokenPromise.

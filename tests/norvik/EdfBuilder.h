@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "RecordingWriters.h"
 #include "norvik/ByteSource.h"
 
 namespace quillon {
@@ -41,47 +42,45 @@ struct EdfBuilder {
     }
 
     [[nodiscard]] std::vector<std::uint8_t> Bytes() const {
-        std::string out = bdf ? "\377BIOSEMI" : Field("0", 8);
-        out += Field(patient, 80) + Field(recording, 80) + Field(date, 8) + Field(time, 8);
-        out += Field(std::to_string(256 * (signals.size() + 1)), 8) + Field(reserved, 44);
-        out += Field(records.empty() ? std::to_string(recordCount) : records, 8) + Field(seconds, 8);
-        out += Field(std::to_string(signals.size()), 4);
+        samples::Bytes out;
+        const auto field = [&](const std::string& text, std::size_t width) { out.Text(text, width, ' '); };
+        field(bdf ? "\377BIOSEMI" : "0", 8);
+        field(patient, 80);
+        field(recording, 80);
+        field(date, 8);
+        field(time, 8);
+        field(std::to_string(256 * (signals.size() + 1)), 8);
+        field(reserved, 44);
+        field(records.empty() ? std::to_string(recordCount) : records, 8);
+        field(seconds, 8);
+        field(std::to_string(signals.size()), 4);
         const auto every = [&](std::string Signal::*text, std::size_t width) {
-            for (const Signal& signal : signals) out += Field(signal.*text, width);
+            for (const Signal& signal : signals) field(signal.*text, width);
         };
         every(&Signal::label, 16);
-        out.append(80 * signals.size(), ' ');
+        field("", 80 * signals.size());
         every(&Signal::unit, 8);
         every(&Signal::physicalMinimum, 8);
         every(&Signal::physicalMaximum, 8);
         every(&Signal::digitalMinimum, 8);
         every(&Signal::digitalMaximum, 8);
-        out.append(80 * signals.size(), ' ');
-        for (const Signal& signal : signals) out += Field(std::to_string(signal.samplesPerRecord), 8);
-        out.append(32 * signals.size(), ' ');
+        field("", 80 * signals.size());
+        for (const Signal& signal : signals) field(std::to_string(signal.samplesPerRecord), 8);
+        field("", 32 * signals.size());
         const std::size_t width = bdf ? 3 : 2;
         for (std::size_t record = 0; record < recordCount; ++record) {
             for (const Signal& signal : signals) {
-                std::string part = record < signal.lists.size() ? signal.lists[record] : std::string();
-                for (std::size_t at = 0; signal.lists.empty() && at < signal.samplesPerRecord * width; ++at) {
-                    const std::size_t index = record * signal.samplesPerRecord + at / width;
-                    const std::int32_t sample = index < signal.samples.size() ? signal.samples[index] : 0;
-                    part.push_back(static_cast<char>(sample >> (8 * (at % width)) & 0xFF));
-                }
-                part.resize(signal.samplesPerRecord * width, '\0');
-                out += part;
+                const std::size_t size = signal.samplesPerRecord;
+                if (!signal.lists.empty())
+                    out.Text(record < signal.lists.size() ? signal.lists[record] : "", size * width);
+                for (std::size_t at = record * size; signal.lists.empty() && at < (record + 1) * size; ++at)
+                    out.Number(at < signal.samples.size() ? static_cast<std::uint64_t>(signal.samples[at]) : 0, width);
             }
         }
-        return {out.begin(), out.end()};
+        return {out.Get().begin(), out.Get().end()};
     }
 
     [[nodiscard]] std::shared_ptr<ByteSource> Source() const { return std::make_shared<MemorySource>(Bytes()); }
-
-  private:
-    static std::string Field(std::string text, std::size_t width) {
-        text.resize(width, ' ');
-        return text;
-    }
 };
 
 }  // namespace quillon

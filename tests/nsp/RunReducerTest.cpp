@@ -78,7 +78,7 @@ TEST(RunReducerTest, RunsOfFramesAndOfPlanarSetsAreThoseOfThePlainLoop) {
             std::vector<ExtremePair> expected;
             for (std::size_t at = 0; at < count; at += run) {
                 const std::int16_t* const from = samples[channel].data() + at;
-                expected.push_back(testing::PlainExtremes(from, from + std::min(run, count - at)));
+                expected.push_back(fuzz::PlainExtremes(from, from + std::min(run, count - at)));
             }
             ASSERT_EQ(planar.pairs[channel], expected) << channels << ' ' << run << ' ' << round;
             const auto found = std::find(selected.begin(), selected.end(), channel) - selected.begin();
