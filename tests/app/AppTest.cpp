@@ -4,13 +4,14 @@
 #include <array>
 #include <random>
 #include <set>
+#include <stdexcept>
+#include <system_error>
 #include <tuple>
 #include <vector>
 
-#include <system_error>
-
 #include "app/Commands.h"
 #include "app/GraphKeys.h"
+#include "app/HelpFile.h"
 #include "app/MainLayout.h"
 #include "app/StartUp.h"
 #include "app/StatusPanels.h"
@@ -34,14 +35,12 @@ TEST(Init, AFailureIsToldOnceAndEndsTheStart) {
 
     parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("no class"); };
     EXPECT_FALSE(Init(global, parts, services));
-    ASSERT_EQ(services.messages.size(), 1U);
-    EXPECT_EQ(services.messages[0], services.Text(1010)) << "an error without a number";
-
     parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> {
         throw std::system_error(5, std::generic_category(), "library");
     };
     EXPECT_FALSE(Init(global, parts, services));
     ASSERT_EQ(services.messages.size(), 2U);
+    EXPECT_EQ(services.messages[0], services.Text(1010)) << "an error without a number";
     EXPECT_NE(services.messages[1].find(u" 5: library"), std::u16string::npos);
 }
 
@@ -73,20 +72,15 @@ TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
         const int dpi = std::array{96, 120, 144, 168, 192}.at(static_cast<std::size_t>(between(0, 4)));
         const auto scaled = [dpi](int pixels) { return (pixels * dpi + 48) / 96; };
         const bool own = round % 4 == 0;
-        LayoutInput input{scaled(between(550, 3800)),
-                          scaled(between(310, 2100)),
-                          scaled(22),
-                          scaled(21),
-                          scaled(24),
-                          scaled(30),
-                          scaled(380),
-                          scaled(100),
-                          dpi,
-                          own ? 0 : between(1, 5000),
-                          own ? 0 : between(1, 100),
-                          random() % 2 == 0,
-                          own ? 0 : between(1, 100),
-                          own ? 0 : between(1, 3000)};
+        const auto perhaps = [&](int most) { return own ? 0 : between(1, most); };
+        LayoutInput input{0, 0, scaled(22), scaled(21), scaled(24), scaled(30), scaled(380), scaled(100), dpi};
+        input.clientWidth = scaled(between(550, 3800));
+        input.clientHeight = scaled(between(310, 2100));
+        input.listWidth = perhaps(5000);
+        input.upperPercent = perhaps(100);
+        input.spectrogram = random() % 2 == 0;
+        input.spectrogramPercent = perhaps(100);
+        input.valuesHeight = perhaps(3000);
         const MainLayout layout = ArrangeMain(input);
         SCOPED_TRACE(::testing::Message() << dpi << ' ' << input.clientWidth << " x " << input.clientHeight << ' '
                                           << input.listWidth << ' ' << input.upperPercent << ' ' << input.valuesHeight);
@@ -171,6 +165,48 @@ TEST(GraphKeys, FocusChoosesTheCommandAndNoKeyHasTwo) {
         EXPECT_TRUE(keys.insert({binding.place, binding.key, binding.control, binding.shift, binding.alt}).second);
         EXPECT_NE(CaptionId(binding.command), 0) << binding.command;
         EXPECT_EQ(CommandOf(binding.place, binding.key, binding.control, binding.shift, binding.alt), binding.command);
+    }
+}
+
+constexpr const char16_t* kRussian = u"C:\\Q\\Kelvo.chm";
+constexpr const char16_t* kEnglish = u"C:\\Q\\KelvoEN.chm";
+constexpr const char16_t* kPattern = u"C:\\Q\\Kelvo*.chm";
+
+/// A folder with some of the files; a look-up of what is in `failing` throws.
+class FakeLookup final : public DirectoryLookup {
+  public:
+    bool Exists(const std::u16string& path) override { return Find(path); }
+    std::u16string FirstMatch(const std::u16string& pattern) override {
+        return Find(pattern) ? u"KelvoDE.chm" : std::u16string();
+    }
+    std::set<std::u16string> files;
+    std::set<std::u16string> failing;
+
+  private:
+    bool Find(const std::u16string& name) const {
+        if (failing.contains(name)) throw std::runtime_error("device not ready");
+        return files.contains(name);
+    }
+};
+
+TEST(HelpFile, TheUsersChoiceDecidesBetweenTwoFilesOnly) {
+    const std::u16string other = u"C:\\Q\\KelvoDE.chm";
+    using Names = std::set<std::u16string>;
+    const Names all{kRussian, kEnglish, kPattern};
+    // What is there, what cannot be looked for, choice, language; the file that is taken, what becomes of the choice.
+    using Case = std::tuple<Names, Names, std::int16_t, std::u16string_view, std::u16string, std::int16_t>;
+    for (const auto& [files, failing, choice, language, file, after] :
+         {Case(all, {}, 1, u"EN", kRussian, 1), Case(all, {}, 2, u"RU", kEnglish, 2),
+          Case(all, {}, -3, u"EN", kEnglish, -3), Case(all, {}, 7, u"", kRussian, 7),
+          Case(all, {kRussian}, 1, u"RU", kEnglish, 0), Case(all, {kRussian, kEnglish}, 1, u"RU", other, 0),
+          Case(all, all, 1, u"RU", u"", 0), Case({kRussian, kPattern}, {}, 2, u"EN", kRussian, 0),
+          Case({}, {}, 2, u"EN", u"", 0)}) {
+        FakeLookup lookup;
+        lookup.files = files;
+        lookup.failing = failing;
+        std::int16_t chosen = choice;
+        EXPECT_EQ(ChooseHelpFile(lookup, u"C:\\Q", chosen, language), file);
+        EXPECT_EQ(chosen, after);
     }
 }
 

@@ -1,17 +1,22 @@
-#include "cli/Cli.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
+#include <numbers>
+#include <numeric>
 
 #include "RecordingWriters.h"
 #include "SampleRecordings.h"
+#include "base/LittleEndian.h"
+#include "cli/Cli.h"
 #include "cli/CommandLine.h"
 #include "cli/Json.h"
 #include "cli/OutputTarget.h"
+#include "cli/SpectrumCommand.h"
 #include "norvik/SystemBytes.h"
 #include "norvik/TemporaryFolder.h"
+#include "support/FakeRecording.h"
 
 namespace quillon::cli {
 namespace {
@@ -20,6 +25,13 @@ namespace fs = std::filesystem;
 using testing::Answer;
 using testing::Contents;
 using testing::RunLine;
+
+/// A command line that is refused with that code and an error that holds `part`, and gives nothing else.
+void ExpectRefusal(const Answer& answer, int code, const std::string& part) {
+    EXPECT_EQ(answer.code, code) << answer.error;
+    EXPECT_EQ(answer.out, "");
+    EXPECT_NE(answer.error.find(part), std::string::npos) << answer.error;
+}
 
 /// A folder with one small recording: two channels, samples 0 to 4 are 10*i and -i, scale 0.5 and offset 1.
 class CliTest : public ::testing::Test {
@@ -35,15 +47,11 @@ class CliTest : public ::testing::Test {
     [[nodiscard]] Answer Run(const std::string& line, const fs::path& other = {}) const {
         return RunLine(line, {m_recording, other});
     }
-    /// A command line that is refused with that code and an error that holds `part`, and gives nothing else.
     void ExpectRefused(int code, const std::string& line, const std::string& part, const fs::path& other = {}) const {
-        const Answer answer = Run(line, other);
-        EXPECT_EQ(answer.code, code) << line;
-        EXPECT_EQ(answer.out, "");
-        EXPECT_NE(answer.error.find(part), std::string::npos) << answer.error;
+        ExpectRefusal(Run(line, other), code, part);
     }
 
-    quillon::testing::TemporaryFolder m_folder;
+    testing::TemporaryFolder m_folder;
     fs::path m_recording;
     const std::string m_codes = samples::Bytes().Codes({0, 10, 20, 30, 40}).Get();  ///< of the first channel
 };
@@ -223,7 +231,153 @@ TEST_F(CliTest, AFailedWriteIsRefused) {
     CliIo io{closed, error};
     EXPECT_EQ(RunCli({u"info", m_recording.u16string()}, io), kRefused);
     EXPECT_EQ(error.str(), "quillon-cli: standard output: writing failed\n");
-    EXPECT_EQ(RunCli({u"--help"}, io), kRefused);
+}
+
+TEST(SpectrumCommandTest, WritesTheSineIntoItsRowAndReplacesNothingUnasked) {
+    const testing::TemporaryFolder folder;
+    const std::filesystem::path picture = folder.File(u"синус.bmp");
+    samples::Bytes sine;  // 24 periods in 128 samples
+    sine.Text(samples::BinHeader(256.0F, "", {{"A", "mV", 0.5F, 0.0F}}, 1000));
+    for (int i = 0; i < 1000; ++i)
+        sine.Codes({static_cast<std::int16_t>(std::lround(8000.0 * std::sin(std::numbers::pi * 0.375 * i)))});
+    const std::filesystem::path recording = folder.Write(u"sine.bin", sine.Get());
+    const auto run = [&](const std::string& options) {
+        return RunLine("spectrum % % " + options, {recording, picture}).code;
+    };
+    for (const char* wrong : {"order=4", "order=12", "window=kaiser", "range=9", "range=nan", "amplitude=0", "limits=1",
+                              "limits=2,1", "columns=0", "first-column=-1", "palette=gre", "out=x.bmp"})
+        EXPECT_EQ(run(std::string("--") + wrong), kUsage) << wrong;
+    EXPECT_EQ(run("--channel=2"), kRefused);
+    EXPECT_EQ(run("--first-column=10 --samples-per-column=100"), kRefused);
+    EXPECT_FALSE(exists(picture)) << "nothing is left behind";
+    // At the sine's own extremes, which are the limits unless they are given, it has the top colour; 20 dB below, less.
+    for (const auto& [limits, peak] : {std::pair("--range=100", 255), {"--limits=-40000,40000", 212}}) {
+        ASSERT_EQ(run(std::string("--order=7 --samples-per-column=100 --columns=11 --palette=gray --force ") + limits),
+                  kDone);
+        const std::string content = Contents(picture);
+        const auto* image = reinterpret_cast<const std::uint8_t*>(content.data());
+        ASSERT_EQ(content.size(), 1078U + 65U * 12U);
+        for (const auto& [at, value] : {std::pair(10, 1078), {18, 11}, {22, 65}, {28, 8}, {454, 0x646464}})
+            EXPECT_EQ(Le32(image + at), static_cast<std::uint32_t>(value)) << at;
+        const auto cell = [&](std::size_t row) { return image[1078 + row * 12 + 9]; };
+        for (std::size_t row = 0; row < 65; ++row) EXPECT_LE(cell(row), cell(24)) << row;
+        EXPECT_NEAR(cell(24), peak, 1);
+        EXPECT_EQ(image[1078 + 24 * 12 + 10], 0) << "beyond the end";
+    }
+    EXPECT_EQ(run(""), kRefused) << "it exists and --force is not given";
+}
+
+TEST(SpectrumCommandTest, WhatCannotBeReadIsBlankAndTold) {
+    const auto block = std::make_shared<testing::FakeBlock>();
+    block->samples.resize(1);
+    for (int i = 0; i < 3200; ++i) block->samples[0].push_back(static_cast<std::int16_t>(i % 7 * 100 - 300));
+    SpectrumRequest request{{.order = 5}, {}, 32, 0, {}};
+    std::u16string told;
+    const auto picture = [&] {
+        std::ostringstream out;
+        OutputTarget target(out, {}, u"", Language::English);
+        told = WriteSpectrum({block, 1}, request, target, Language::English);
+        return out.str().substr(1078);
+    };
+    const std::string whole = picture();
+    EXPECT_EQ(told, u"");
+    block->samples[0][1610] = 30000;  // would widen the range
+    block->holeFrom = 1610;
+    block->holeTo = 1612;
+    std::string holey = picture();
+    EXPECT_EQ(told, u"1 of 100 columns are blank: hole");
+    for (std::size_t at = 50; at < holey.size(); at += 100) EXPECT_EQ(std::exchange(holey[at], whole[at]), 0) << at;
+    EXPECT_TRUE(holey == whole);
+    request.columns = 50;
+    EXPECT_EQ(picture()[5], whole[5]);
+    EXPECT_EQ(told, u"the range leaves out what cannot be read: hole");
+    request.limits = {-149.0F, 151.0F};
+    block->holeFrom = 0;
+    EXPECT_THROW(picture(), Refusal) << "no column can be read";
+    request.limits.reset();
+    block->holeTo = 3200;
+    EXPECT_THROW(picture(), Refusal) << "no sample can be read";
+}
+
+/// A recording of one channel at 50 Hz whose samples are their own indexes.
+class SplitCommand : public ::testing::Test {
+  protected:
+    SplitCommand() {
+        std::vector<std::int16_t> codes(1000);
+        std::iota(codes.begin(), codes.end(), std::int16_t{0});
+        samples::Bytes bytes;
+        bytes.Text(samples::BinHeader(50.0F, "", {{"A", "mV", 1.0F, 0.0F}}, 1000)).Codes(codes);
+        m_recording = m_folder.Write(u"Ночь.d.bin", bytes.Get());
+    }
+    [[nodiscard]] testing::Answer Split(const std::string& options, const fs::path& out = {}) const {
+        return testing::RunLine("split % --folder % " + options, {m_recording, m_pieces, out});
+    }
+    void ExpectRefused(const std::string& options, const std::string& part, int code = kRefused,
+                       const fs::path& out = {}) const {
+        ExpectRefusal(Split(options, out), code, part);
+    }
+    /// A piece's codes, which are the indexes of its samples.
+    static void ExpectPiece(const fs::path& piece, std::int16_t first, std::size_t count) {
+        std::vector<std::int16_t> codes(count);
+        std::iota(codes.begin(), codes.end(), first);
+        EXPECT_EQ(testing::RunLine("codes % 1 1", {piece}).out, samples::Bytes().Codes(codes).Get());
+    }
+
+    testing::TemporaryFolder m_folder;
+    fs::path m_recording;
+    fs::path m_pieces = m_folder.File(u"Части 1") / u"2";
+};
+
+TEST_F(SplitCommand, WritesAndListsThePieces) {
+    const testing::Answer samples = Split("--size=300 --step=200 --names=samples --base=Сон");
+    EXPECT_EQ(samples.out,
+              "Сон_0000-0299.bin\t1\t300\nСон_0200-0499.bin\t201\t300\n"
+              "Сон_0400-0699.bin\t401\t300\nСон_0600-0899.bin\t601\t300\n")
+        << samples.error;
+    ExpectPiece(m_pieces / u"Сон_0600-0899.bin", 600, 300);
+    EXPECT_EQ(Split("--size=2,5 --seconds").out.substr(0, 13), "1.bin\t1\t125\n2");
+    ExpectPiece(m_pieces / u"8.bin", 875, 125);
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_pieces), fs::directory_iterator()), 12);
+}
+
+TEST_F(SplitCommand, ReplacesNothingUnaskedAndTheRecordingNever) {
+    fs::create_directories(m_pieces);
+    std::ofstream(m_pieces / "07.bin") << "kept";
+    ExpectRefused("--size=100", "07.bin: the file exists");
+    EXPECT_EQ(Contents(m_pieces / "07.bin"), "kept");
+    EXPECT_FALSE(fs::exists(m_pieces / "01.bin"));
+    EXPECT_EQ(Split("--size=100 --force").code, kDone);
+    ExpectPiece(m_pieces / "07.bin", 600, 100);
+
+    const std::string recording = Contents(m_recording);
+    fs::remove(m_pieces / "07.bin");
+    fs::create_hard_link(m_recording, m_pieces / "07.bin");
+    ExpectRefused("--size=100 --force", "the recording itself");
+    m_pieces = m_recording;
+    ExpectRefused("--size=100", "not a folder");
+    EXPECT_EQ(Contents(m_recording), recording);
+}
+
+TEST_F(SplitCommand, TheListOfThePiecesReplacesNone) {
+    for (const fs::path& list : {m_pieces / "07.bin", m_pieces / ".." / "2" / "07.BIN"}) {
+        ExpectRefused("--size=100 --force --out %", "the place of a piece", kRefused, list);
+        EXPECT_FALSE(fs::exists(m_pieces));
+    }
+    const fs::path beside = m_folder.File(u"07.bin");
+    EXPECT_EQ(Split("--size=100 --out %", beside).code, kDone);
+    EXPECT_EQ(Contents(beside).substr(0, 9), "01.bin\t1\t");
+}
+
+TEST_F(SplitCommand, RefusesWhatItCannotDo) {
+    using Case = std::pair<std::string, std::string>;
+    for (const auto& [options, part] :
+         {Case("", "--size"), Case("--size=abc --seconds", "'abc'"), Case("--size=1.5", "whole number for --size"),
+          Case("--size=5 --step=-1", "--step"), Case("--size=5 --step=99999999999", "too large"),
+          Case("--size=5 --names=both", "'both'"), Case("--size=5 --base=../x", "'../x'")})
+        ExpectRefused(options, part, kUsage);
+    ExpectRefused("--size=5 --block=2", "blocks 1 to 1");
+    ExpectRefused("--size=1100 --step=100", "it has 1000");
+    EXPECT_FALSE(fs::exists(m_pieces));
 }
 
 }  // namespace

@@ -171,13 +171,5 @@ TEST_F(TextExportTest, WhatEndsAnExport) {
     EXPECT_THAT(context.failures, ElementsAre(u"b1.txt", u"b2.txt", u"b3.txt")) << "all are told";
 }
 
-TEST_F(TextExportTest, TheClipboardsTextIsNotMarkedAsUtf8) {
-    settings = {1, 0, 0, 0, 0, 1, 0, 0};
-    slots[0].title = u"\u042d\u042d\u0413";
-    EXPECT_EQ(Lines(1, 1)[0], "\xEF\xBB\xBF\xD0\xAD\xD0\xAD\xD0\x93\tCh5\tCh8\r");
-    ExportText(u"Clipboard", block, 1, 1, settings, context);
-    EXPECT_EQ(texts[u"Clipboard"].substr(0, 2), "\xD0\xAD");
-}
-
 }  // namespace
 }  // namespace quillon::testing

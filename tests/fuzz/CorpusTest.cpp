@@ -2,13 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <vector>
 
 #include "fuzz/Checks.h"
 #include "norvik/EdfAnnotations.h"
+#include "norvik/TemporaryFolder.h"
 
 #ifdef __SANITIZE_ADDRESS__
 // No number in a file may size an allocation before it is compared with the size of the file: the sanitizer ends the
@@ -28,8 +27,8 @@ std::vector<std::pair<std::string, Bytes>> FilesOf(const std::filesystem::path& 
     std::vector<std::pair<std::string, Bytes>> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         if (entry.path().extension() == ".json") continue;
-        std::ifstream file(entry.path(), std::ios::binary);
-        files.emplace_back(entry.path().filename().string(), Bytes(std::istreambuf_iterator<char>(file), {}));
+        const std::string content = testing::Contents(entry.path());
+        files.emplace_back(entry.path().filename().string(), Bytes(content.begin(), content.end()));
     }
     std::sort(files.begin(), files.end());
     return files;

@@ -1,12 +1,15 @@
-#include "norvik/RecordingLibrary.h"
-
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
+#include <limits>
+#include <random>
 
 #include "RecordingWriters.h"
 #include "base/DateTime.h"
+#include "norvik/BinReader.h"
 #include "norvik/BlockChecks.h"
+#include "norvik/RecordingLibrary.h"
 #include "norvik/TemporaryFolder.h"
 
 namespace quillon {
@@ -60,6 +63,107 @@ TEST(RecordingLibrary, TheExtensionDecidesWhoTellsTheFaultOfAFileThatBeginsLikeN
           Case(u"a.bin", "3 of 128"),
           Case(u"a.txt", "not a recording of a known format (the file begins with 01 02 03)")})
         ExpectRefusal(SourceOf(FileBytes().Text("\x01\x02\x03")), name, part);
+}
+
+/// A file of random codes at 250 Hz.
+struct BinFile {
+    explicit BinFile(std::size_t channels, std::size_t frames = 4, float scale = 0.5F) : codes(channels) {
+        const std::vector<samples::BinChannel> all(channels, {" Fp1 ", "\xB5V", scale, -1.0F});
+        file.Text(samples::BinHeader(250.0F, "Board 7", all, static_cast<std::uint32_t>(frames)));
+        std::mt19937 random(1);
+        for (std::size_t at = 0; at < frames * channels; ++at) {
+            codes[at % channels].push_back(static_cast<std::int16_t>(random()));
+            file.U16(static_cast<std::uint16_t>(codes[at % channels].back()));
+        }
+    }
+    BinFile& Input(std::size_t channel, std::uint32_t number) {
+        file.Patch(132 + 80 * channel, number, 4);
+        return *this;
+    }
+    [[nodiscard]] RecordingContent Read() const { return ReadBin(SourceOf(file)); }
+    FileBytes file;
+    std::vector<Codes> codes;
+};
+
+TEST(BinReader, AcquisitionNumbersAreKeptAndOthersGiveWayToThePosition) {
+    // Usable, repeated, beyond 32, senseless.
+    for (const auto& [first, second] : {std::pair{4U, 2U}, {5U, 5U}, {0U, 32U}, {0xFFFFFFFFU, 32U}}) {
+        const auto block = BinFile(2).Input(0, first).Input(1, second).Read().blocks.at(0);
+        EXPECT_EQ(block->ChannelNumber(1), first == 4 ? 4 : 0);
+        EXPECT_EQ(block->ChannelNumber(2), second == 2 ? 2 : 1);
+        EXPECT_EQ(block->InputNumber(1), first < 32 ? first + 1 : 1);
+        EXPECT_EQ(block->InputNumber(2), second + 1);
+    }
+}
+
+TEST(BinReader, FurtherChannelsFormFurtherBlocks) {
+    BinFile bin(70, 9000);
+    bin.file.Patch(22, 500, 2);
+    const RecordingContent content = bin.Read();
+    ASSERT_EQ(content.blocks.size(), 3U);
+    for (std::size_t at = 0; at < 3; ++at) {
+        RecordingBlock& block = *content.blocks[at];
+        EXPECT_EQ(Utf8(block.Title()), (std::array{"1-32", "33-64", "65-70"}[at]));
+        EXPECT_EQ(Iso8601(block.StartTime()), "2011-04-04T12:57:02.500");
+        EXPECT_EQ(block.ChannelTitle(2), u"Fp1");
+        EXPECT_EQ(block.ChannelUnit(2), u"\u00B5V");
+        EXPECT_EQ(block.ChannelScale(2), 0.5F);
+        EXPECT_EQ(block.ChannelOffset(2), -1.0F);
+        EXPECT_EQ(block.InputNumber(6), static_cast<int>(32 * at + 6));
+        const auto first = bin.codes.begin() + static_cast<std::ptrdiff_t>(32 * at);
+        ExpectReads(block, {first, first + block.ChannelCount()});
+    }
+}
+
+TEST(BinReader, TheDataSizeIsBelievedAsFarAsTheDataReach) {
+    const FileBytes whole = BinFile(2, 100).file;
+    const std::string grown = "; length taken from the file's size";
+    using Case = std::tuple<std::uint32_t, std::size_t, std::string>;  // declared size, bytes cut off, told
+    for (const auto& [declared, cut, samples] :
+         {Case(400, 0, "100 samples"), Case(399, 0, "99 samples"), Case(40, 0, "10 samples"),
+          Case(0, 0, "100 samples" + grown), Case(400, 400, "0 samples; cut short: 0 of 100 samples"),
+          Case(400, 201, "49 samples; cut short: 49 of 100 samples"), Case(~0U, 1, "99 samples" + grown)}) {
+        const RecordingContent content =
+            ReadBin(SourceOf(FileBytes(whole).Patch(292, declared, 4).CutTo(whole.Size() - cut)));
+        EXPECT_EQ(Utf8(content.info.english), "BIN, 2 channels at 250 Hz, " + samples);
+        EXPECT_EQ(content.blocks.at(0)->SampleCount(), std::stoi(samples));
+    }
+}
+
+TEST(BinReader, UnusableScalesAndDatesAreReplacedAndTold) {
+    for (const float scale : {0.0F, std::numeric_limits<float>::infinity()}) {
+        const RecordingContent content = BinFile(1, 4, scale).Read();
+        EXPECT_EQ(content.blocks[0]->ChannelScale(1), 1.0F);
+        EXPECT_THAT(Utf8(content.info.english), ::testing::EndsWith("; unusable scales replaced"));
+    }
+    // Year, month, day, hour, minute, second and millisecond: the least and the greatest, and what is beyond.
+    for (const auto& [place, least, most] : {std::tuple{8U, 1U, 9999U},
+                                             {10U, 1U, 12U},
+                                             {14U, 1U, 31U},
+                                             {16U, 0U, 23U},
+                                             {18U, 0U, 59U},
+                                             {20U, 0U, 60U},
+                                             {22U, 0U, 999U}}) {
+        for (const auto& [number, possible] :
+             {std::pair{least, true}, {most, true}, {least - 1, false}, {most + 1, false}}) {
+            const RecordingContent content = ReadBin(SourceOf(BinFile(1).file.Patch(place, number, 2)));
+            EXPECT_EQ(content.blocks[0]->StartTime() != 0.0, possible) << place << ' ' << number;
+            EXPECT_EQ(content.info.english.ends_with(u"; start taken from the file's time"), !possible);
+        }
+    }
+}
+
+TEST(BinReader, RefusalsNameThePlace) {
+    const FileBytes good = BinFile(2).file;
+    using Case = std::tuple<std::size_t, std::uint64_t, std::size_t, std::string>;  // place, number, its size, reason
+    for (const auto& [place, number, size, part] :
+         {Case(0, 'x', 1, "no \"ABIN\" at byte 0"), Case(32, 0, 2, "channel count 0 at byte 32"),
+          Case(24, 0, 4, "sample rate 0 at byte 24"), Case(24, 0xBF800000, 4, "sample rate -1 at byte 24"),
+          Case(24, 0x7F800000, 4, "sample rate inf at byte 24"), Case(208, 0, 1, "no \"ADCh\" at byte 208"),
+          Case(288, 0, 1, "no \"data\" at byte 288"), Case(32, 0xFFFF, 2, "the header ends at byte 312 of 5242936")})
+        ExpectRefusal(SourceOf(FileBytes(good).Patch(place, number, size)), u"a.bin", part);
+    for (const auto& [size, of] : {std::pair{5U, "5 of 128"}, {127U, "127 of 128"}, {295U, "295 of 296"}})
+        ExpectRefusal(SourceOf(FileBytes(good).CutTo(size)), u"a.bin", std::string("the header ends at byte ") + of);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <array>
 #include <map>
 #include <set>
 #include <sstream>
@@ -10,7 +9,6 @@
 #include "base/FilePath.h"
 #include "base/Text.h"
 #include "support/FakeRecording.h"
-#include "support/FakeSound.h"
 
 namespace quillon {
 namespace {
@@ -95,6 +93,7 @@ const Effect kEffects[] = {
     {mnuMove + 11, "Shift+Down", "shift=34"},
     {mnuRecording, "Ctrl+PgUp", "column=0 file=a.bin scale=3 shift=3798"},
     {mnuRecording + 1, "Ctrl+PgDn", "column=0 file=c.bin scale=3 shift=3798"},
+    {mnuRecording + 1, "", "", mnuRecording + 1},  // the last one
     {mnuFocus + 0, "Ctrl+1", "list=0 pages=01"},
     {mnuFocus + 1, "Ctrl+2", "list=1"},
     {mnuFocus + 2, "Ctrl+3", "list=4 pages=10"},
@@ -110,16 +109,9 @@ class EffectTest : public MainWindowTest {
         std::filesystem::create_directory(m_folder.File(u"sub"));
         // Without both of them there is no choice between them.
         for (const std::filesystem::path& help : HelpFiles()) std::ofstream(help) << "help";
-        Create(Wide(m_folder.Path()));
         m_device.count = 2;
         m_device.names = {u"card 1", u"card 2"};
-        m_global.makeSoundOutput = [this](SoundOutputEvents events) {
-            m_device.events = std::move(events);
-            return std::make_unique<FakeOutput>(m_device);
-        };
-        ShowWindow(m_form->Window(), SW_SHOW);
-        SetForegroundWindow(m_form->Window());
-        Pump();
+        StartWith(m_device);
         auto save = std::make_unique<FakeSaveDialog>();
         save->answer = [this](FakeSaveDialog&) { return ++m_saves, false; };
         m_global.saveDialog = std::move(save);
@@ -218,7 +210,7 @@ class EffectTest : public MainWindowTest {
                              ? std::to_string(focus - lstDir)
                              : ""},
                 {"file", Utf8(FileNameOf(m_global.document->File().fileName))},
-                {"status", Utf8(Narrow16(Status(StatusPanel::Status).substr(0, 9)))},
+                {"status", Utf8(Narrow16(Status().substr(0, 9)))},
                 {"save", std::to_string(m_saves)},
                 {"clipboard", IsClipboardFormatAvailable(CF_DIB)           ? "image"
                               : IsClipboardFormatAvailable(CF_UNICODETEXT) ? "text"
@@ -250,10 +242,9 @@ class EffectTest : public MainWindowTest {
             {"Minus", VK_OEM_MINUS}, {"Space", VK_SPACE},    {"Enter", VK_RETURN},
             {"Esc", VK_ESCAPE},      {"Backspace", VK_BACK}, {"Del", VK_DELETE},
             {"F1", VK_F1},           {"F2", VK_F2},          {"F5", VK_F5}};
-        static const std::map<std::string_view, int> lists{{"lstDir", 0}, {"lvCh", 1}, {"lstFile", 2}};
+        static const std::map<std::string_view, int> lists{{"lstDir", lstDir}, {"lvCh", lvCh}, {"lstFile", lstFile}};
         if (const std::size_t end = key.find(':'); end != key.npos) {
-            SetFocus(
-                Control(std::array{lstDir, lvCh, lstFile}.at(static_cast<std::size_t>(lists.at(key.substr(0, end))))));
+            SetFocus(Control(lists.at(key.substr(0, end))));
             key.remove_prefix(end + 1);
         }
         BYTE state[256]{};

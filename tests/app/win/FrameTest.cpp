@@ -3,7 +3,6 @@
 #include <process.h>
 
 #include "app/KV_Resources.h"
-#include "app/win/DialogUser.h"
 #include "app/win/HelpViewer.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
@@ -21,44 +20,36 @@ TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
     m_global.settings.spectrogramShown = true;
     Start();
     const auto place = [&](int id) {
-        RECT rect{};
-        GetWindowRect(Control(id), &rect);
+        RECT rect = Place(id);
         MapWindowPoints(nullptr, m_form->Window(), reinterpret_cast<POINT*>(&rect), 2);
         return rect;
     };
-    struct Splitter {
-        int before;  ///< the control left of it or above it
-        int behind;
-        int dx;
-        int dy;
-        std::int32_t Settings::*kept;
-    };
-    for (const Splitter& splitter : {Splitter{lvCh, pbScaleY, 40, 0, &Settings::listWidth},
-                                     Splitter{lvCh, tabFile, 0, 30, &Settings::upperPercent},
-                                     Splitter{lstFile, pnValues, 0, -40, &Settings::valuesHeight},
-                                     Splitter{pbGraph, pbFFT, 0, -50, &Settings::spectrogramPercent}}) {
-        SCOPED_TRACE(splitter.behind);
-        const RECT before = place(splitter.before);
-        const RECT behind = place(splitter.behind);
+    // The controls before and behind it, its way, and what is kept of it.
+    using Splitter = std::tuple<int, int, int, int, std::int32_t Settings::*>;
+    for (const auto& [first, second, dx, dy, kept] : {Splitter{lvCh, pbScaleY, 40, 0, &Settings::listWidth},
+                                                      {lvCh, tabFile, 0, 30, &Settings::upperPercent},
+                                                      {lstFile, pnValues, 0, -40, &Settings::valuesHeight},
+                                                      {pbGraph, pbFFT, 0, -50, &Settings::spectrogramPercent}}) {
+        SCOPED_TRACE(second);
+        const RECT before = place(first);
+        const RECT behind = place(second);
         // Into its middle, and back from beyond its limit.
-        const int x =
-            splitter.dx != 0 ? static_cast<int>(before.right + behind.left) / 2 : static_cast<int>(before.left) + 30;
-        const int y = splitter.dy != 0 ? static_cast<int>(before.bottom + behind.top) / 2 : 300;
-        const auto mouse = [&](UINT message, int times) {
-            SendMessageW(m_form->Window(), message, MK_LBUTTON,
-                         MAKELPARAM(x + times * splitter.dx, y + times * splitter.dy));
+        const int x = dx != 0 ? static_cast<int>(before.right + behind.left) / 2 : static_cast<int>(before.left) + 30;
+        const int y = dy != 0 ? static_cast<int>(before.bottom + behind.top) / 2 : 300;
+        const auto mouse = [&, dx = dx, dy = dy](UINT message, int times) {
+            SendMessageW(m_form->Window(), message, MK_LBUTTON, MAKELPARAM(x + times * dx, y + times * dy));
         };
         mouse(WM_LBUTTONDOWN, 0);
         for (const int times : {1, 100, 1}) mouse(WM_MOUSEMOVE, times);
         mouse(WM_LBUTTONUP, 1);
-        EXPECT_NEAR(place(splitter.before).right - before.right, splitter.dx, 4);
-        EXPECT_NEAR(place(splitter.before).bottom - before.bottom, splitter.dy, 8);
-        EXPECT_NEAR(place(splitter.behind).left - behind.left, splitter.dx, 4);
-        EXPECT_NEAR(place(splitter.behind).top - behind.top, splitter.dy, 8);
-        EXPECT_GT(m_global.settings.*splitter.kept, 0);
-        const RECT moved = place(splitter.behind);
+        EXPECT_NEAR(place(first).right - before.right, dx, 4);
+        EXPECT_NEAR(place(first).bottom - before.bottom, dy, 8);
+        EXPECT_NEAR(place(second).left - behind.left, dx, 4);
+        EXPECT_NEAR(place(second).top - behind.top, dy, 8);
+        EXPECT_GT(m_global.settings.*kept, 0);
+        const RECT moved = place(second);
         mouse(WM_MOUSEMOVE, 0);
-        const RECT still = place(splitter.behind);
+        const RECT still = place(second);
         EXPECT_TRUE(EqualRect(&moved, &still)) << "the button is up";
     }
 }
@@ -66,31 +57,28 @@ TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
 TEST_F(FrameTest, TheWheelTurnsWhatLiesUnderThePointer) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(60000)));
     Start();
-    struct Turn {
-        int over;
-        WPARAM keys;
-        int columns;
-        int zooms;
-        int scales;
-    };
-    for (const Turn& turn : {Turn{pbGraph, 0, 100, 0, 0}, Turn{pbGraph, MK_SHIFT, 20, 0, 0},
-                             Turn{pbGraph, MK_CONTROL, 0, 1, 0}, Turn{pbGraph, MK_CONTROL | MK_SHIFT, 0, 0, -1},
-                             Turn{pbScaleX, 0, 0, 1, 0}, Turn{pbScaleY, 0, 0, 0, -1}, Turn{lstFile, 0, 0, 0, 0}}) {
-        SCOPED_TRACE(::testing::Message() << turn.over << ' ' << turn.keys);
+    // What it is over, the keys that are held; columns, X zooms and Y scales that it moves by.
+    using Turn = std::tuple<int, WPARAM, int, int, int>;
+    for (const auto& [over, keys, columns, zooms, scales] : {Turn{pbGraph, 0, 100, 0, 0},
+                                                             {pbGraph, MK_SHIFT, 20, 0, 0},
+                                                             {pbGraph, MK_CONTROL, 0, 1, 0},
+                                                             {pbGraph, MK_CONTROL | MK_SHIFT, 0, 0, -1},
+                                                             {pbScaleX, 0, 0, 1, 0},
+                                                             {pbScaleY, 0, 0, 0, -1},
+                                                             {lstFile, 0, 0, 0, 0}}) {
+        SCOPED_TRACE(::testing::Message() << over << ' ' << keys);
         m_global.view->SelectZoomX(2);
         m_global.view->SelectScaleY(8);
         ScrollTo(1000);
-        RECT place{};
-        GetWindowRect(Control(turn.over), &place);
+        const RECT place = Place(over);
         const LPARAM point = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
         // Half a notch and its other half, from wherever the focus is.
         for (int half = 0; half < 2; ++half)
-            PostMessageW(Control(tabPath), WM_MOUSEWHEEL, MAKEWPARAM(turn.keys, static_cast<WORD>(-WHEEL_DELTA / 2)),
-                         point);
+            PostMessageW(Control(tabPath), WM_MOUSEWHEEL, MAKEWPARAM(keys, static_cast<WORD>(-WHEEL_DELTA / 2)), point);
         Pump();
-        EXPECT_TRUE(turn.zooms != 0 || m_global.view->Axis().FirstColumn() == 1000 + turn.columns);
-        EXPECT_EQ(m_global.view->Axis().ZoomIndex(), 2 + turn.zooms);
-        EXPECT_EQ(m_global.view->ScaleY(), 8 + turn.scales);
+        EXPECT_TRUE(zooms != 0 || m_global.view->Axis().FirstColumn() == 1000 + columns);
+        EXPECT_EQ(m_global.view->Axis().ZoomIndex(), 2 + zooms);
+        EXPECT_EQ(m_global.view->ScaleY(), 8 + scales);
     }
 }
 
@@ -225,7 +213,6 @@ TEST_F(FrameTest, TheKeyboardIsNeverLost) {
     for (int list = 0; list < 4; ++list) {
         Command(mnuFocus + list);
         EXPECT_EQ(GetFocus(), Control(lists[list]));
-        EXPECT_TRUE(IsWindowVisible(GetFocus()));
         if (list == 0) continue;
         list == 1 ? ClickCheckBox(0) : ClickLine(lists[list], 0);
         EXPECT_EQ(GetFocus(), Control(pbGraph));
@@ -255,13 +242,9 @@ TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
     EXPECT_EQ(saved, 0) << "called off";
     SendMessageW(m_form->Window(), WM_ENDSESSION, TRUE, 0);
     EXPECT_EQ(saved, 1);
-    // A folder on a drive that is not there today is remembered.
+    // A folder on a drive that is not there today is remembered, until the user has opened something in the one that
+    // stands for it.
     TearDown();
-    Start(L"C:\\no such folder");
-    EXPECT_NE(Status(StatusPanel::Status), L"");
-    TearDown();
-    EXPECT_EQ(m_global.settings.filesPath, u"C:\\no such folder");
-    // Until the user has opened something in the folder that stands for it.
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(m_folder.Path());
@@ -282,6 +265,50 @@ TEST_F(FrameTest, AFolderIsNoHelpFile) {
     EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), u"");
     static_cast<void>(m_folder.Write(u"KelvoZ.chm", "help"));
     EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), m_folder.Path() + u"\\KelvoZ.chm");
+}
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+using StartTest = MainWindowTest;
+
+TEST_F(StartTest, TheGraphIsInItsPlaceBeforeTheOtherControlsCome) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(5000)));
+    Create(Wide(m_folder.Path()));
+    ASSERT_EQ(Control(lstFile), nullptr);
+    const RECT before = Place(pbGraph);
+    EXPECT_GT(before.bottom - before.top, 100);
+    Show();
+    ASSERT_TRUE(WaitFor([&] { return Control(lstFile) != nullptr; }));
+    const RECT after = Place(pbGraph);
+    EXPECT_TRUE(EqualRect(&before, &after))
+        << before.top << ".." << before.bottom << ", then " << after.top << ".." << after.bottom;
+    // The Tab key goes through them from the folder tabs on, though the graph came first.
+    Command(mnuTabPath);
+    std::vector<int> order;
+    for (HWND at = Control(tabPath); order.empty() || (at != Control(tabPath) && order.size() < 20);
+         at = GetNextDlgTabItem(m_form->Window(), at, FALSE))
+        order.push_back(GetDlgCtrlID(at));
+    EXPECT_THAT(order, ElementsAre(tabPath, lstDrive, lstDir, tabFile, cboFileType, lstFile, pbGraph, pbPathList));
+}
+
+TEST_F(StartTest, AWindowThatStartsAsAnIconOpensTheFirstRecordingWhenItIsSeen) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(5000)));
+    for (const int command : {SW_SHOWMINNOACTIVE, SW_SHOWMINIMIZED}) {
+        m_global = {};
+        Create(Wide(m_folder.Path()));
+        m_form->Show(command);
+        EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
+        EXPECT_THAT(Lines(lstBlock), IsEmpty());
+        ShowWindow(m_form->Window(), SW_RESTORE);
+        SetForegroundWindow(m_form->Window());
+        ASSERT_TRUE(WaitFor([&] { return !Lines(lstBlock).empty(); }));
+        EXPECT_EQ(ItemCount(), m_global.document->Block().channelCount);
+        EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 200);
+        EXPECT_LE(AmplitudeScale::TableEntry(m_global.view->ScaleY()), 20.0) << "fitted to the graph as it is seen";
+        EXPECT_EQ(TabCtrl_GetCurSel(Control(tabPath)), 1);
+        TearDown();
+    }
 }
 
 }  // namespace

@@ -1,31 +1,135 @@
 #include "app/win/MainWindowFixture.h"
 
 #include <algorithm>
+#include <random>
 
+#include "base/Text.h"
 #include "base/win/WinHandle.h"
 #include "view/win/GDI_Utils.h"
+#include "view/win/cMemDC.h"
 
 namespace quillon::testing {
+
+bool WaitUntil(const std::function<bool()>& condition) {
+    for (const ULONGLONG end = GetTickCount64() + 10000; GetTickCount64() < end; Sleep(1))
+        if (condition()) return true;
+    return false;
+}
+
+bool PumpUntil(const std::function<bool()>& condition) {
+    for (const ULONGLONG end = GetTickCount64() + 60000; GetTickCount64() < end;) {
+        if (condition()) return true;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        MSG message{};
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    }
+    return false;
+}
+
+std::vector<HWND> Descendants(HWND window) {
+    std::vector<HWND> all;
+    const auto add = [](HWND child, LPARAM list) -> BOOL {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+    };
+    EnumChildWindows(window, add, reinterpret_cast<LPARAM>(&all));
+    return all;
+}
+
+HWND FindChild(HWND dialog, int id) {
+    const std::vector<HWND> all = Descendants(dialog);
+    const auto found = std::find_if(all.begin(), all.end(), [id](HWND window) { return GetDlgCtrlID(window) == id; });
+    return found == all.end() ? nullptr : *found;
+}
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    return name;
+}
+
+HWND FocusOf(HWND window) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+    return info.hwndFocus;
+}
+
+void ChooseLine(HWND combo, int line) {
+    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(line), 0);
+    SendMessageW(GetParent(combo), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(combo), CBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(combo));
+}
+
+void ExpectRoomForTexts(HWND dialog) {
+    for (const HWND window : Descendants(dialog)) {
+        const bool isList = ClassOf(window) == L"ComboBox";
+        // Names of the user's are cut short with dots.
+        if (ClassOf(window) == L"Static" && (GetWindowLongW(window, GWL_STYLE) & SS_ELLIPSISMASK) != 0) continue;
+        std::vector<std::wstring> texts{WindowText(window)};
+        for (LRESULT line = isList ? SendMessageW(window, CB_GETCOUNT, 0, 0) : 0; line-- > 0;) {
+            wchar_t text[64] = {};
+            SendPointer(window, CB_GETLBTEXT, static_cast<WPARAM>(line), text);
+            texts.emplace_back(text);
+        }
+        // A list's arrow, a button's box or edges.
+        int used = ClassOf(window) == L"Button" ? MulDiv(18, ScreenDpi(), 96) : 0;
+        if (isList) used = GetSystemMetrics(SM_CXVSCROLL) + MulDiv(8, ScreenDpi(), 96);
+        RECT client{};
+        GetClientRect(window, &client);
+        const WindowDC dc(window);
+        const SelectScope select(dc.Get(), reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0)));
+        for (std::wstring& text : texts) {
+            std::erase(text, L'&');
+            if (text.empty()) continue;
+            SIZE size{};
+            GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+            EXPECT_LE(size.cx + used, client.right) << Utf8(Narrow16(text));
+            EXPECT_LE(size.cy, client.bottom) << Utf8(Narrow16(text));
+        }
+    }
+}
+
+std::string ClipboardBytes(UINT format) {
+    std::string bytes;
+    if (!OpenClipboard(nullptr)) return bytes;
+    if (const HANDLE memory = GetClipboardData(format)) {
+        bytes.assign(static_cast<const char*>(GlobalLock(memory)), GlobalSize(memory));
+        GlobalUnlock(memory);
+    }
+    CloseClipboard();
+    return bytes;
+}
+
+std::wstring ClipboardText() {
+    const std::string bytes = ClipboardBytes(CF_UNICODETEXT) + std::string(2, '\0');
+    return reinterpret_cast<const wchar_t*>(bytes.data());
+}
 
 int Pixels::Count(std::uint32_t color) const {
     return static_cast<int>(std::count(rgb.begin(), rgb.end(), color));
 }
 
 FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>& frames) {
-    const std::size_t channels = frames.at(0).size();
+    std::vector<samples::BinChannel> channels;
+    for (std::size_t channel = 1; channel <= frames.at(0).size(); ++channel)
+        channels.push_back({"Signal " + std::to_string(channel), "V"});
     FileBytes bytes;
-    bytes.Text("ABIN").U16(3).U16(3);
-    for (const int field : {2026, 11, 7, 21, 9, 30, 0, 0}) bytes.U16(static_cast<std::uint16_t>(field));
-    bytes.Float(rate).U32(0).U16(static_cast<std::uint16_t>(channels)).Zeros(30).Text("Device", 16).Zeros(48);
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        bytes.Text("ADCh").U32(static_cast<std::uint32_t>(channel)).Text("Signal " + std::to_string(channel + 1), 32);
-        bytes.Text("V", 24).Float(1.0F).Float(0.0F).Zeros(8);
-    }
-    bytes.Text("data").U32(static_cast<std::uint32_t>(frames.size() * channels * 2));
-    for (const auto& frame : frames) {
-        for (const std::int16_t sample : frame) bytes.U16(static_cast<std::uint16_t>(sample));
-    }
+    bytes.Text(samples::BinHeader(rate, "Device", channels, static_cast<std::uint32_t>(frames.size())));
+    for (const auto& frame : frames) bytes.Codes(frame);
     return bytes;
+}
+
+std::vector<std::vector<std::int16_t>> Noise(int frames, int channels) {
+    std::mt19937 random(9);
+    std::vector<std::vector<std::int16_t>> samples;
+    for (int frame = 0; frame < frames; ++frame) {
+        std::vector<std::int16_t> values;
+        for (int channel = 0; channel < channels; ++channel)
+            values.push_back(static_cast<std::int16_t>(static_cast<int>(random() % 400) - 200 + 50 * channel));
+        samples.push_back(values);
+    }
+    return samples;
 }
 
 FileBytes SawRecording(int frames) {
@@ -34,12 +138,32 @@ FileBytes SawRecording(int frames) {
     return BinRecording(100.0F, samples);
 }
 
+HWND OpenDialog() {
+    const HWND dialog = FindWindowW(L"#32770", nullptr);
+    DWORD process = 0;
+    GetWindowThreadProcessId(dialog, &process);
+    return process == GetCurrentProcessId() && IsWindowVisible(dialog) ? dialog : nullptr;
+}
+
 void MainWindowTest::Start() {
     Start(Wide(m_folder.Path()));
 }
 
 void MainWindowTest::Start(const std::wstring& folder) {
     Create(folder);
+    Show();
+}
+
+void MainWindowTest::StartWith(DeviceState& device) {
+    Create(Wide(m_folder.Path()));
+    m_global.makeSoundOutput = [&device](SoundOutputEvents events) {
+        device.events = std::move(events);
+        return std::make_unique<FakeOutput>(device);
+    };
+    Show();
+}
+
+void MainWindowTest::Show() const {
     ShowWindow(m_form->Window(), SW_SHOW);
     // Without a window manager nobody may activate the window.
     SetForegroundWindow(m_form->Window());
@@ -80,6 +204,31 @@ void MainWindowTest::ScrollTo(std::int32_t column) {
 
 void MainWindowTest::Command(int id) const {
     SendMessageW(m_form->Window(), WM_COMMAND, static_cast<WPARAM>(id), 0);
+    Pump();
+}
+
+void MainWindowTest::CommandWith(int id, std::function<void(HWND)> acts) const {
+    const DialogAnswer answer(std::move(acts));
+    Command(id);
+}
+
+void MainWindowTest::CommandPressing(int id, WORD button) const {
+    CommandWith(id, [button](HWND dialog) { PostMessageW(dialog, WM_COMMAND, button, 0); });
+}
+
+RECT MainWindowTest::Place(int id) const {
+    RECT place{};
+    GetWindowRect(Control(id), &place);
+    return place;
+}
+
+void MainWindowTest::Point(int id, int x, int y) const {
+    POINT point{x, y};
+    ClientToScreen(Control(id), &point);
+    if (x < 0) point = {};
+    SetCursorPos(static_cast<int>(point.x), static_cast<int>(point.y));
+    Pump();
+    SendMessageW(Control(id), WM_MOUSEMOVE, 0, MAKELPARAM(x, y));
     Pump();
 }
 
@@ -134,23 +283,12 @@ Pixels MainWindowTest::Capture(int id) const {
     RECT client{};
     GetClientRect(Control(id), &client);
     Pixels pixels{static_cast<int>(client.right), static_cast<int>(client.bottom), {}};
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = pixels.width;
-    info.bmiHeader.biHeight = -pixels.height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    void* bits = nullptr;
-    const MemoryDC memory(CreateCompatibleDC(nullptr));
-    const HDC dc = memory.Get();
-    const GdiBitmap bitmap(CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    {
-        const SelectScope select(dc, bitmap.Get());
-        SendMessageW(Control(id), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
-        GdiFlush();
-        const auto* first = static_cast<const std::uint32_t*>(bits);
-        pixels.rgb.assign(first, first + static_cast<std::ptrdiff_t>(pixels.width) * pixels.height);
-    }
+    cMemDC image;
+    const std::uint32_t* first = image.CreatePixels(pixels.width, pixels.height);
+    if (first == nullptr) return pixels;
+    SendMessageW(Control(id), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(image.Handle()), PRF_CLIENT);
+    GdiFlush();
+    pixels.rgb.assign(first, first + static_cast<std::ptrdiff_t>(pixels.width) * pixels.height);
     // The fourth byte differs between drawing operations and means nothing.
     for (std::uint32_t& pixel : pixels.rgb) pixel &= 0xFFFFFF;
     return pixels;

@@ -19,8 +19,33 @@
 #include "app/win/QL_Main.h"
 #include "app/win/frmQLMain.h"
 #include "norvik/TemporaryFolder.h"
+#include "support/FakeRecording.h"
 
 namespace quillon::testing {
+
+/// Waits in a thread that handles no messages, as one that acts as the user; false after some seconds.
+[[nodiscard]] bool WaitUntil(const std::function<bool()>& condition);
+
+/// Handles messages until the condition holds; false when it does not within a minute.
+[[nodiscard]] bool PumpUntil(const std::function<bool()>& condition);
+
+/// All windows inside one.
+[[nodiscard]] std::vector<HWND> Descendants(HWND window);
+/// The window with that number inside a dialog, on a page of it or directly; null: none.
+[[nodiscard]] HWND FindChild(HWND dialog, int id);
+[[nodiscard]] std::wstring ClassOf(HWND window);
+/// The focus of the window's thread.
+[[nodiscard]] HWND FocusOf(HWND window);
+/// Takes a line of a combo box as the mouse does.
+void ChooseLine(HWND combo, int line);
+
+/// Every text of the dialog fits its control, and every line of a list the list.
+void ExpectRoomForTexts(HWND dialog);
+
+/// What the clipboard holds in a format; empty: nothing.
+[[nodiscard]] std::string ClipboardBytes(UINT format);
+/// What it holds as text, up to its terminator.
+[[nodiscard]] std::wstring ClipboardText();
 
 /// A picture box's pixels as 0xRRGGBB.
 struct Pixels {
@@ -34,8 +59,13 @@ struct Pixels {
 
 /// A ".bin" recording with scale 1 for every channel; one inner vector per frame.
 [[nodiscard]] FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>& frames);
+/// Frames of noise, every channel 50 above the one before.
+[[nodiscard]] std::vector<std::vector<std::int16_t>> Noise(int frames, int channels);
 /// Two channels, a saw of 0 to 99 and a constant, 100 samples a second.
 [[nodiscard]] FileBytes SawRecording(int frames = 2000);
+
+/// The dialog of this process that is seen; null: none.
+[[nodiscard]] HWND OpenDialog();
 
 /// Answers the next dialog of this process with that title from another thread.
 class DialogAnswer {
@@ -44,13 +74,7 @@ class DialogAnswer {
         : m_thread([answer = std::move(answer)] {
               const ULONGLONG end = GetTickCount64() + 10000;
               while (GetTickCount64() < end) {
-                  const HWND dialog = FindWindowW(L"#32770", nullptr);
-                  DWORD process = 0;
-                  GetWindowThreadProcessId(dialog, &process);
-                  if (dialog != nullptr && process == GetCurrentProcessId() && IsWindowVisible(dialog)) {
-                      answer(dialog);
-                      return;
-                  }
+                  if (const HWND dialog = OpenDialog()) return answer(dialog);
                   Sleep(1);
               }
           }) {}
@@ -85,18 +109,13 @@ class DialogCloser {
                 PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 0);
                 Sleep(20);
             }
-            const HWND dialog = FindWindowW(L"#32770", nullptr);
-            DWORD process = 0;
-            GetWindowThreadProcessId(dialog, &process);
-            if (dialog == nullptr || process != GetCurrentProcessId() || !IsWindowVisible(dialog)) {
-                last = nullptr;
-                continue;
-            }
-            if (dialog != last) {
+            const HWND dialog = OpenDialog();
+            const HWND before = std::exchange(last, dialog);
+            if (dialog == nullptr) continue;
+            if (dialog != before) {
                 const std::scoped_lock lock(m_lock);
                 m_titles += WindowText(dialog) + L';';
             }
-            last = dialog;
             PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
             PostMessageW(dialog, WM_COMMAND, IDNO, 0);
             Sleep(20);
@@ -115,6 +134,9 @@ class MainWindowTest : public ::testing::Test {
     /// Shows the window; the first file of the folder opens.
     void Start();
     void Start(const std::wstring& folder);
+    /// Shows it over a sound device of the test's.
+    void StartWith(DeviceState& device);
+    void Show() const;
     /// The window as it is before it is shown.
     void Create(const std::wstring& folder);
     void TearDown() override;
@@ -122,9 +144,17 @@ class MainWindowTest : public ::testing::Test {
     /// Handles every message that is waiting.
     void Pump() const;
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_form->Window(), id); }
+    /// Its place on the screen.
+    [[nodiscard]] RECT Place(int id) const;
     void Command(int id) const;
+    /// A command that opens a dialog, and what its user does there.
+    void CommandWith(int id, std::function<void(HWND dialog)> acts) const;
+    /// The same for a button that is pressed.
+    void CommandPressing(int id, WORD button) const;
     /// Presses and releases a key with the focus on the graph.
     void Key(WPARAM key) const;
+    /// Moves the real pointer to a place of a control; away from the window where that is negative.
+    void Point(int id, int x, int y) const;
     /// A click of the left button at a place of a control.
     void Click(int id, int x, int y) const;
     /// A click on a line of a list box.
@@ -133,7 +163,7 @@ class MainWindowTest : public ::testing::Test {
     void ClickCheckBox(int item) const;
     [[nodiscard]] std::vector<std::wstring> Lines(int id) const;
     [[nodiscard]] int ItemCount() const { return ListView_GetItemCount(Control(lvCh)); }
-    [[nodiscard]] std::wstring Status(StatusPanel panel) const;
+    [[nodiscard]] std::wstring Status(StatusPanel panel = StatusPanel::Status) const;
     [[nodiscard]] std::wstring Caption() const { return WindowText(m_form->Window()); }
     [[nodiscard]] Pixels Capture(int id) const;
 

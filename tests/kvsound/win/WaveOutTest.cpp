@@ -5,13 +5,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <random>
 
-#include "app/win/DialogUser.h"
+#include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
+#include "norvik/TemporaryFolder.h"
 #include "sound/QLSound.h"
 #include "support/FakeRecording.h"
 
@@ -74,8 +73,7 @@ class WaveOutCapture : public SoundTest {
     /// What the device got, without zeros: with those the driver fills the time in which it has nothing to play, and
     /// until it is closed. So no code of the tests is 0.
     std::vector<std::int16_t> Captured() const {
-        std::ifstream file(captured, std::ios::binary);
-        const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+        const std::string bytes = Contents(captured);
         std::vector<std::int16_t> codes(bytes.size() / 2);
         std::memcpy(codes.data(), bytes.data(), codes.size() * 2);
         std::erase(codes, std::int16_t{0});
@@ -87,32 +85,28 @@ class WaveOutCapture : public SoundTest {
 
 TEST_F(WaveOutCapture, TheDeviceGetsTheCodesAsTheyAre) {
     std::minstd_rand random(7);
-    struct Case {
-        std::int16_t channels;
-        std::int16_t played;  ///< 0: all
-        double rate;
-        std::int32_t samples;
-    };
+    // Channels, the one that is played or 0 for all, rate, samples.
+    using Case = std::tuple<std::int16_t, std::int16_t, double, std::int32_t>;
     // Also fewer samples than a buffer has, whole buffers, one sample more. Not 5 to 8 channels, which the system of
     // the tests arranges by loudspeakers.
     const Case cases[] = {{1, 0, 8000, 20000},    {1, 1, 172.6, 500},  {2, 0, 173, 300},  {4, 0, 8000, 3 * 4096 + 10},
                           {4, 3, 250000, 100000}, {19, 0, 8000, 4107}, {19, 0, 173, 200}, {32, 32, 11025, 4096}};
-    for (const Case& one : cases) {
-        SCOPED_TRACE(std::to_string(one.channels) + " channels at " + std::to_string(one.rate));
+    for (const auto& [channels, played, rate, samples] : cases) {
+        SCOPED_TRACE(std::to_string(channels) + " channels at " + std::to_string(rate));
         auto block = std::make_shared<FakeBlock>();
-        block->samples.resize(static_cast<std::size_t>(one.channels));
+        block->samples.resize(static_cast<std::size_t>(channels));
         std::vector<std::int16_t> expected;
-        for (std::int32_t at = 0; at < one.samples; ++at) {
-            for (std::int16_t channel = 1; channel <= one.channels; ++channel) {
+        for (std::int32_t at = 0; at < samples; ++at) {
+            for (std::int16_t channel = 1; channel <= channels; ++channel) {
                 const auto code = static_cast<std::int16_t>(random() | 1);
                 block->samples[static_cast<std::size_t>(channel) - 1].push_back(code);
-                if (at >= 10 && (one.played == 0 || one.played == channel)) expected.push_back(code);
+                if (at >= 10 && (played == 0 || played == channel)) expected.push_back(code);
             }
         }
-        Show(block, one.samples, one.channels, one.rate);
+        Show(block, samples, channels, rate);
         stopped = started = 0;
         heard.clear();
-        sound->Play(one.played, 11, one.samples);
+        sound->Play(played, 11, samples);
         ASSERT_TRUE(sound->Playing()) << Utf8(sound->ErrorText());
         EXPECT_EQ(started + stopped, 0) << "no event from inside a call";
         ASSERT_TRUE(PumpUntil([&] { return stopped != 0; }));
@@ -121,8 +115,7 @@ TEST_F(WaveOutCapture, TheDeviceGetsTheCodesAsTheyAre) {
         EXPECT_EQ(started, 1);
         EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
         ASSERT_FALSE(heard.empty());
-        EXPECT_GE(heard.front(), 11);
-        EXPECT_EQ(heard.back(), one.samples) << "the end is told";
+        EXPECT_EQ(heard.back(), samples) << "the end is told";
         EXPECT_TRUE(Captured() == expected) << Captured().size() << " codes of " << expected.size();
     }
 }
@@ -134,10 +127,7 @@ TEST_F(WaveOutCapture, HoursStartAtOnceAndStopAtOnce) {
     sound->Play(1, 1, kDay);
     ASSERT_TRUE(PumpUntil([&] { return heard.size() > 20; }));
     EXPECT_LE(block->readTo, heard.back() + 8000 + 5 * 4096) << "a second and a few buffers ahead, not more";
-    // Another device takes nothing from the present playback, and the next one is not disturbed by the end of it.
-    sound->PutDevice(0);
-    sound->PutDevice(77);
-    EXPECT_EQ(sound->Device(), 0);
+    // The next playback is not disturbed by the end of the present one.
     sound->Play(1, 5001, 7000);
     heard.clear();
     ASSERT_TRUE(PumpUntil([&] { return !sound->Playing(); }));
@@ -168,7 +158,6 @@ TEST_F(WaveOutCapture, HoursStartAtOnceAndStopAtOnce) {
     PumpQueued();
     EXPECT_EQ(heard.size(), told);
     EXPECT_EQ(stopped, 2);
-    EXPECT_EQ(block.use_count(), 2) << "held by the view and the test alone";
 }
 
 TEST_F(WaveOutCapture, EventsMayStopAndStart) {
@@ -202,9 +191,7 @@ TEST_F(WaveOutCapture, EventsMayStopAndStart) {
 
 TEST_F(WaveOutCapture, RefusesWhatNoDeviceTakesAndTakesWhatItDoes) {
     int ended = 0;
-    std::unique_ptr<SoundOutput> output;
-    output =
-        MakeSoundOutput({[&] { output->Stop(); }, [](std::int64_t) {}, [] {}, [&] { ++ended; }}, Language::English);
+    const auto output = MakeSoundOutput({[] {}, [](std::int64_t) {}, [] {}, [&] { ++ended; }}, Language::English);
     EXPECT_FALSE(output->DeviceName(0).empty());
     EXPECT_TRUE(output->DeviceName(-1).empty());
     EXPECT_TRUE(output->DeviceName(output->DeviceCount()).empty());

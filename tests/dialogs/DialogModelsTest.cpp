@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
 #include <tuple>
 
+#include "app/OptionSettings.h"
 #include "base/StringIds.h"
 #include "base/Text.h"
+#include "dialogs/OptionsModel.h"
 #include "dialogs/SplitPlan.h"
 #include "dialogs/SplitRun.h"
 #include "support/FakeRecording.h"
@@ -105,22 +108,17 @@ TEST(SplitPlan, TakesPositiveNumbersOnly) {
 }
 
 TEST(SplitPlan, TakesFolderAndNamesFromTheRecording) {
-    struct Case {
-        const char16_t* recording;
-        const char16_t* folder;
-        const char16_t* base;
-        const char16_t* extension;
-    };
-    for (const Case& one :
+    using Case = std::array<const char16_t*, 4>;
+    for (const auto& [recording, folder, base, extension] :
          {Case{u"C:\\Записи\\Ночь 1.EDF", u"C:\\Записи\\Ночь 1", u"Ночь 1", u"bin"},
           Case{u"C:\\data.2026\\rec", u"C:\\data.2026\\rec_pieces", u"rec", u"bin"},
           Case{u"/data.d/a.b.WaV", u"/data.d/a.b", u"a.b", u"wav"},
           Case{u"D:\\.wav", u"D:\\.wav_pieces", u".wav", u"bin"}, Case{u"D:\\a. .", u"D:\\a_pieces", u"a. ", u"bin"},
           Case{u"\\\\server\\share\\x. .wav", u"\\\\server\\share\\x", u"x. ", u"wav"},
           Case{u"D:\\a.wave", u"D:\\a", u"a", u"bin"}}) {
-        EXPECT_EQ(SplitFolderName(one.recording), one.folder);
-        EXPECT_EQ(SplitBaseName(one.recording), one.base);
-        EXPECT_EQ(SplitExtension(one.recording), one.extension);
+        EXPECT_EQ(SplitFolderName(recording), folder);
+        EXPECT_EQ(SplitBaseName(recording), base);
+        EXPECT_EQ(SplitExtension(recording), extension);
     }
 }
 
@@ -160,13 +158,8 @@ std::string Events(const std::string& failing, SplitResult& result) {
 }
 
 TEST(SplitRun, EndsWhereSomethingFails) {
-    struct Case {
-        std::string failing;
-        std::string events;
-        SplitEnd end;
-        std::int64_t written;
-        std::u16string name;
-    };
+    // What fails, what happens until the end, how it ends, the pieces that are written, and the name that is told.
+    using Case = std::tuple<std::string, std::string, SplitEnd, std::int64_t, std::u16string>;
     const std::string two = "delete p0 create 1:1.bin p1 2:2.bin ";
     const Case cases[] = {
         {"", two + "p2 3:3.bin p3 4:4.bin p4 ", SplitEnd::Done, 4, u"4.bin"},
@@ -177,13 +170,86 @@ TEST(SplitRun, EndsWhereSomethingFails) {
         {"p2", two + "p2 ", SplitEnd::Stopped, 2, u"2.bin"},
         {"p4", two + "p2 3:3.bin p3 4:4.bin p4 ", SplitEnd::Done, 4, u"4.bin"},
     };
-    for (const Case& one : cases) {
+    for (const auto& [failing, events, end, written, name] : cases) {
         SplitResult result;
-        EXPECT_EQ(Events(one.failing, result), one.events) << one.failing;
-        EXPECT_EQ(result.end, one.end) << one.failing;
-        EXPECT_EQ(result.written, one.written) << one.failing;
-        EXPECT_EQ(result.name, one.name) << one.failing;
+        EXPECT_EQ(Events(failing, result), events) << failing;
+        EXPECT_EQ(std::tuple(result.end, result.written, result.name), std::tuple(end, written, name)) << failing;
     }
+}
+
+/// What OK does after some entries were edited.
+template <typename Edit>
+OptionChanges Apply(OptionValues& values, char16_t separator, Edit edit) {
+    OptionEntries entries = ShowOptions(values, separator);
+    edit(entries);
+    return ApplyOptions(entries, separator, values);
+}
+
+TEST(OptionsModel, KeepsWhatItCannotShow) {
+    OptionValues values;
+    values.timeFormat = values.scaleFormat = values.digitsType = values.gridStyle = 9;
+    values.timeIndex = -4;
+    values.digitsCount = 12;
+    values.gridColor = 35;
+    values.waveformCursor = -6;
+    values.spectrum = {9, -1, 9, std::numeric_limits<float>::infinity(), 3000.0F, 14};
+    values.exportXColumn = values.exportRowStep = -1;
+    values.exportXFormat = values.exportFileType = values.exportChannels = -2;
+    const OptionEntries shown = ShowOptions(values, u'.');
+    for (const int none : {shown.timeFormat, shown.timeIndex, shown.scaleFormat, shown.digitsType, shown.digitsCount,
+                           shown.gridStyle, shown.palette, shown.spectrumType, shown.window, shown.fftSize,
+                           shown.xFormat, shown.fileType, shown.channels})
+        EXPECT_EQ(none, -1);
+    EXPECT_TRUE(shown.xColumn && shown.rowStep);
+
+    OptionValues expected = values;
+    EXPECT_EQ(Apply(values, u'.', [](OptionEntries& entries) { entries.decibelRange += u"e0 "; }), OptionChanges{});
+    EXPECT_EQ(values, expected);
+    const OptionChanges changes = Apply(values, u'.', [](OptionEntries& entries) {
+        entries.window = 0;
+        entries.rowStep = false;
+        entries.waveformCursor = 3;
+    });
+    EXPECT_EQ(changes, (OptionChanges{false, true, false, true}));
+    expected.spectrum.window = 0;
+    expected.exportRowStep = 0;
+    expected.waveformCursor = 3;
+    EXPECT_EQ(values, expected);
+}
+
+TEST(OptionsModel, TakesNumbersWithinTheirLimitsOnly) {
+    const auto typed = [](const char16_t* scaling, const char16_t* range, char16_t separator = u'.') {
+        OptionValues values;
+        Apply(values, separator, [&](OptionEntries& entries) {
+            entries.amplitudeScale = scaling;
+            entries.decibelRange = range;
+        });
+        return std::pair(values.spectrum.amplitudeScale, values.spectrum.decibelRange);
+    };
+    const std::pair kept(100.0F, 120.0F);
+    for (const char16_t* number : {u"0", u"-5", u"abc", u"", u" ", u"1e999", u"1e39", u"1e-60", u"nan", u"inf", u"1 %",
+                                   u"1,000.5", u"5 0", u"٣"})
+        EXPECT_EQ(typed(number, number), kept);
+    for (const char16_t* range : {u"250", u"9.9", u"200.1", u"-60"}) EXPECT_EQ(typed(u"100", range), kept);
+    EXPECT_EQ(typed(u"12.5", u"10"), std::pair(12.5F, 10.0F));
+    EXPECT_EQ(typed(u"12,5", u"200"), std::pair(12.5F, 200.0F));
+    EXPECT_EQ(typed(u"12.5", u"\u00A0 1e2 ", u','), std::pair(12.5F, 100.0F));
+    EXPECT_EQ(typed(u"12\u066B5", u"60", u'\u066B'), std::pair(12.5F, 60.0F));
+}
+
+// Each setting has a number of its own, so that none can be taken for another.
+TEST(OptionSettings, GoToTheDialogAndBack) {
+    OptionValues values{1,  2,  3,  true, 4,  5,  6,  7,  8,   {9, 10, 11, 12.0F, 13.0F, 14},
+                        15, 16, 17, 18,   19, 20, 21, 22, u"f"};
+    Settings settings;
+    settings.helpLanguage = 2;
+    StoreOptions(values, settings);
+    EXPECT_EQ(OptionsOf(settings), values);
+    EXPECT_EQ(settings.helpLanguage, 2);
+    EXPECT_EQ(settings.digitsCount, values.digitsCount);
+    EXPECT_EQ(settings.exportXFormat, values.exportXFormat);
+    EXPECT_EQ(settings.exportRowRate, values.exportRowRate);
+    EXPECT_EQ(settings.exportFileType, values.exportFileType);
 }
 
 }  // namespace
