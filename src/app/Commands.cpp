@@ -139,6 +139,15 @@ std::span<const ToolbarButton> GoToButtons() {
     return kGoToButtons;
 }
 
+int ToolTipId(int command) {
+    for (const auto buttons : {MainButtons(), GoToButtons()}) {
+        for (const ToolbarButton& button : buttons) {
+            if (button.command == command) return button.tipId;
+        }
+    }
+    return 0;
+}
+
 int CaptionId(int command) {
     if (command == mnuOpenFolder) return IDS_OPENFOLDER;
     if (command == mnuNextPalette) return IDS_NEXTPALETTE;

@@ -118,5 +118,7 @@ struct ToolbarButton {
 /// The buttons of tbMain and of tbGoTo, in order.
 [[nodiscard]] std::span<const ToolbarButton> MainButtons();
 [[nodiscard]] std::span<const ToolbarButton> GoToButtons();
+/// Text of the button of a command; 0 where there is none.
+[[nodiscard]] int ToolTipId(int command);
 
 }  // namespace quillon

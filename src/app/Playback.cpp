@@ -33,8 +33,10 @@ void Playback::LookForDevices() {
     Tell(onState);
 }
 
-std::u16string Playback::DeviceName(std::int16_t index) const {
-    return m_sound ? m_sound->DeviceName(index) : std::u16string();
+std::vector<std::u16string> Playback::DeviceNames() const {
+    std::vector<std::u16string> names;
+    for (std::int16_t device = 0; device < DeviceCount(); ++device) names.push_back(m_sound->DeviceName(device));
+    return names;
 }
 
 void Playback::ChooseDevice(std::int16_t index) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "data/Document.h"
 #include "sound/QLSound.h"
@@ -36,7 +37,7 @@ class Playback {
     /// Devices may have come or gone.
     void LookForDevices();
     [[nodiscard]] std::int16_t DeviceCount() const { return m_sound ? m_sound->DeviceCount() : std::int16_t{0}; }
-    [[nodiscard]] std::u16string DeviceName(std::int16_t index) const;
+    [[nodiscard]] std::vector<std::u16string> DeviceNames() const;
     /// -1 while the chosen one is not there.
     [[nodiscard]] std::int16_t Device() const { return m_sound ? m_sound->Device() : std::int16_t{-1}; }
     void ChooseDevice(std::int16_t index);

@@ -2,11 +2,6 @@
 
 namespace quillon {
 
-TextExportSettings TextSettings(const Settings& settings) {
-    return {settings.exportFileType, settings.exportChannels, settings.exportRowSize, settings.exportRowRate,
-            settings.exportRowStep,  settings.exportRowHead,  settings.exportXColumn, settings.exportXFormat};
-}
-
 void ApplyDisplaySettings(QL_Global& global) {
     const Settings& settings = global.settings;
     FormatOptions& format = global.format;

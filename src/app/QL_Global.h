@@ -36,14 +36,8 @@ struct QL_Global {
     Settings settings;
     std::u16string helpFile;  ///< path; empty when none is installed
 
-    std::int32_t fileCount = 0;      ///< in the file list
-    std::int32_t filePosition = -1;  ///< of the selected one, from 0, whether or not it could be opened; -1: none is
-
     FormatOptions format;
 };
-
-/// What the settings say about text exports.
-[[nodiscard]] TextExportSettings TextSettings(const Settings& settings);
 
 /// Makes what the user chose about scales and texts take effect.
 void ApplyDisplaySettings(QL_Global& global);

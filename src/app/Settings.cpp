@@ -235,4 +235,9 @@ bool SettingsStore::Save(const Settings& settings) {
     return complete && spectrum && window;
 }
 
+TextExportSettings TextSettings(const Settings& settings) {
+    return {settings.exportFileType, settings.exportChannels, settings.exportRowSize, settings.exportRowRate,
+            settings.exportRowStep,  settings.exportRowHead,  settings.exportXColumn, settings.exportXFormat};
+}
+
 }  // namespace quillon

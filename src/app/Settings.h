@@ -8,6 +8,7 @@
 #include "data/PathList.h"
 #include "data/RegistryObject.h"
 #include "dialogs/SplitSettings.h"
+#include "export/QL_Export.h"
 #include "spectrum/SpectrumSettings.h"
 
 namespace quillon {
@@ -80,5 +81,8 @@ class SettingsStore {
     std::unique_ptr<RegistryObject> m_registry;
     std::u16string m_keyPath;
 };
+
+/// What the settings say about text exports.
+[[nodiscard]] TextExportSettings TextSettings(const Settings& settings);
 
 }  // namespace quillon

@@ -1,5 +1,6 @@
 #include "app/win/HelpViewer.h"
 
+#include "base/StringIds.h"
 #include "base/win/WinHandle.h"
 
 namespace quillon {
@@ -15,6 +16,28 @@ bool ShowHelpFile(HWND owner, const std::wstring& path) {
     const auto show = reinterpret_cast<Show>(reinterpret_cast<void*>(GetProcAddress(viewer, "HtmlHelpW")));
     constexpr UINT displayTopic = 0;
     return show != nullptr && show(owner, path.c_str(), displayTopic, 0) != nullptr;
+}
+
+void HelpCommands::Choose() {
+    wchar_t program[32768] = {};
+    GetModuleFileNameW(nullptr, program, 32768);
+    const std::wstring path = program;
+    WinDirectoryLookup lookup;
+    m_file = ChooseHelpFile(lookup, Narrow16(path.substr(0, path.rfind(L'\\'))), m_language,
+                            m_services.Text(IDS_LANGUAGE_CODE));
+}
+
+void HelpCommands::ChooseLanguage(std::int16_t language) {
+    m_language = language;
+    Choose();
+}
+
+void HelpCommands::Show(HWND owner) {
+    if (m_file.empty()) {
+        m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(IDS_NO_HELP));
+    } else if (!ShowHelpFile(owner, Wide(m_file))) {
+        m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(IDS_HELP_IS_AT) + u' ' + m_file);
+    }
 }
 
 std::u16string WinDirectoryLookup::FirstMatch(const std::u16string& pattern) {

@@ -3,12 +3,34 @@
 #include <string>
 
 #include "app/HelpFile.h"
+#include "app/win/StatusBar.h"
 #include "base/win/Win32.h"
+#include "data/UserServices.h"
 
 namespace quillon {
 
 /// Opens a compiled help file in the system's help viewer; false when there is none or it does not answer.
 [[nodiscard]] bool ShowHelpFile(HWND owner, const std::wstring& path);
+
+/// The help commands: which file it is, and showing it.
+class HelpCommands {
+  public:
+    /// All outlive it. `file` is the path of the chosen file, empty when none is installed.
+    HelpCommands(std::u16string& file, std::int16_t& language, const UserServices& services, StatusBar& status)
+        : m_file(file), m_language(language), m_services(services), m_status(status) {}
+
+    /// Chooses the file by the language, see ChooseHelpFile.
+    void Choose();
+    void ChooseLanguage(std::int16_t language);
+    /// Shows it, or says where it is.
+    void Show(HWND owner);
+
+  private:
+    std::u16string& m_file;
+    std::int16_t& m_language;
+    const UserServices& m_services;
+    StatusBar& m_status;
+};
 
 /// Look-ups in the real folders.
 class WinDirectoryLookup final : public DirectoryLookup {

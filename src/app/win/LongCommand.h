@@ -13,6 +13,8 @@ class LongCommand {
   public:
     /// The window whose commands these are; null once it is gone.
     void SetWindow(HWND window) { m_window = window; }
+    [[nodiscard]] HWND Window() const { return m_window; }
+    [[nodiscard]] bool IsGone() const { return m_window == nullptr; }
     [[nodiscard]] bool IsBusy() const { return m_busy; }
 
     /// Returns what the work has thrown.

@@ -1,16 +1,15 @@
 #include "app/win/frmQLMain.h"
 
-#include <algorithm>
 #include <system_error>
 #include <utility>
 
 #include "app/Commands.h"
 #include "app/ControlIds.h"
-#include "app/StatusPanels.h"
-#include "app/ToolbarIcons.h"
+#include "app/win/MainControls.h"
+#include "app/win/ViewDialogs.h"
+#include "app/win/WindowPlace.h"
 #include "base/StringIds.h"
 #include "base/SystemText.h"
-#include "base/Text.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -18,26 +17,63 @@ namespace quillon {
 namespace {
 
 constexpr const wchar_t* kClassName = L"frmQLMain";
-/// No window lies further away or is larger, in pixels.
-constexpr std::int32_t kFarthest = 1 << 20;
-constexpr std::int32_t kLookInterval = 2000;  ///< ms
-
-HMENU IdOf(int id) {
-    return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
-}
+constexpr std::int32_t kLookInterval = 2000;  // ms
 
 }  // namespace
 
 frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown)
     : m_global(global),
       m_services(services),
-      m_document(*global.document),
-      m_view(*global.view),
-      m_playback(*global.playback),
       m_makeTimer(std::move(makeTimer)),
       m_shutdown(std::move(shutdown)),
-      m_fft(global.settings),
-      m_gestures(*global.view) {}
+      m_rooms({*global.document, *global.view, *global.playback, global.settings, global.format, *global.library,
+               *global.exporter, *global.saveDialog, global.openText, global.language, global.systemVersion < 4,
+               services, [&global] { ApplyDisplaySettings(global); }}),
+      m_menu(services, *global.view, global.format),
+      m_layout(global.settings),
+      m_help(global.helpFile, global.settings.helpLanguage, services, m_rooms.status) {
+    Wire();
+}
+
+void frmQLMain::Wire() {
+    m_rooms.onState = [this] {
+        const CommandState state = m_rooms.State();
+        m_tools.Update(state);
+        m_goTo.Update(state);
+    };
+    m_rooms.onArrange = [this] { Arrange(); };
+    m_rooms.onHelp = [this] { m_help.Show(m_window); };
+    m_rooms.onContextMenu = [this](POINT screen) { ShowContextMenu(screen); };
+    m_rooms.onCommand = [this](int command) { OnCommand(command); };
+    m_rooms.onPathList = [this] {
+        m_menu.ShowFolders(m_window, m_rooms.browser.PathList(), m_global.settings.pathList.Folders());
+    };
+    m_rooms.onZoomMenu = [this](HWND control) { m_menu.ShowZooms(m_window, control); };
+    m_rooms.onFailed = [this](const std::exception& error) { Failed(error); };
+    m_commands.exit = [this] { SendMessageW(m_window, WM_CLOSE, 0, 0); };
+    m_commands.help = m_rooms.onHelp;
+    m_commands.helpLanguage = [this](int index) { m_help.ChooseLanguage(static_cast<std::int16_t>(index)); };
+    m_commands.showKeys = [this] { ShowKeys(m_window, m_services); };
+    m_commands.selectPage = [this](TabPages tabs, int page) { SelectPage(m_window, tabs, page); };
+    m_commands.focusList = [this](int list) {
+        if (list == 1) m_rooms.recording.ShowFocus();
+        FocusList(m_window, list);
+    };
+    m_keys.onCommand = [this](int command) {
+        OnCommand(command == mnuSoundPlay && m_rooms.playback.IsPlaying() ? mnuSoundPlay + 2 : command);
+    };
+    m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
+    m_keys.onPathList = m_rooms.onPathList;
+    m_keys.onContextMenu = [this] {
+        RECT graph{};
+        GetWindowRect(Graph(), &graph);
+        m_rooms.ForgetMenuChannel();
+        ShowContextMenu({graph.left, graph.top});
+    };
+    m_keys.onWheel = [this](int delta, GraphZone zone, const GraphPointer& pointer) {
+        m_rooms.graph.Wheel(delta, zone, pointer);
+    };
+}
 
 void frmQLMain::Create() {
     m_dpi = ScreenDpi();
@@ -53,9 +89,8 @@ void frmQLMain::Create() {
     const int width = MulDiv(1060, m_dpi, 96);
     const int height = MulDiv(700, m_dpi, 96);
     // A menu that comes later would resize the window.
-    MakeMenu();
     CreateWindowExW(0, kClassName, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                    width, height, nullptr, m_menu.Get(), windowClass.hInstance, this);
+                    width, height, nullptr, m_menu.Make(), windowClass.hInstance, this);
     if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
     if (m_window == nullptr) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
@@ -63,48 +98,11 @@ void frmQLMain::Create() {
 }
 
 void frmQLMain::Show(int showCommand) {
-    const Settings& settings = m_global.settings;
-    const auto sane = [](std::int32_t value) { return value > -kFarthest && value < kFarthest; };
-    if (settings.windowWidth > 0 && settings.windowHeight > 0 && sane(settings.windowLeft) &&
-        sane(settings.windowTop) && sane(settings.windowWidth) && sane(settings.windowHeight)) {
-        WINDOWPLACEMENT placement{};
-        placement.length = sizeof placement;
-        placement.showCmd = SW_HIDE;
-        RECT& place = placement.rcNormalPosition;
-        place = {settings.windowLeft, settings.windowTop, settings.windowLeft + settings.windowWidth,
-                 settings.windowTop + settings.windowHeight};
-        // A place outside all monitors is moved onto the nearest one.
-        MONITORINFO monitor{};
-        monitor.cbSize = sizeof monitor;
-        if (MonitorFromRect(&place, MONITOR_DEFAULTTONULL) == nullptr &&
-            GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &monitor)) {
-            OffsetRect(&place, monitor.rcWork.left - place.left, monitor.rcWork.top - place.top);
-        }
-        SetWindowPlacement(m_window, &placement);
-        const bool minimized =
-            showCommand == SW_SHOWMINIMIZED || showCommand == SW_MINIMIZE || showCommand == SW_SHOWMINNOACTIVE;
-        if (settings.windowMaximized && !minimized) showCommand = SW_SHOWMAXIMIZED;
-    }
+    RestoreWindowPlace(m_window, m_global.settings, showCommand);
     ShowWindow(m_window, showCommand);
-    // Nobody has activated it.
-    if (m_window != nullptr && !m_complete) Complete();
+    // Shown inactive: WM_ACTIVATE never came, so create the rest now.
+    if (m_window != nullptr && !m_rooms.IsComplete()) CreateRemainingControls();
     if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
-}
-
-void frmQLMain::KeepSettings() {
-    Settings& settings = m_global.settings;
-    // A folder that is only missing today, on a drive that is not there, is kept until the user goes elsewhere.
-    if (!m_folderMissing) settings.filesPath = Narrow16(m_browser.Folder());
-    WINDOWPLACEMENT placement{};
-    placement.length = sizeof placement;
-    if (!GetWindowPlacement(m_window, &placement)) return;
-    const RECT& place = placement.rcNormalPosition;
-    settings.windowLeft = static_cast<std::int32_t>(place.left);
-    settings.windowTop = static_cast<std::int32_t>(place.top);
-    settings.windowWidth = static_cast<std::int32_t>(place.right - place.left);
-    settings.windowHeight = static_cast<std::int32_t>(place.bottom - place.top);
-    settings.windowMaximized =
-        IsZoomed(m_window) != FALSE || (IsIconic(m_window) && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0);
 }
 
 LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -132,42 +130,52 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CREATE: OnCreate(); return 0;
         case WM_ACTIVATE: OnActivate(LOWORD(wParam)); return 0;
         case WM_SETFOCUS:
-            if (m_graphBox.Window() != nullptr) SetFocus(m_graphBox.Window());
+            if (Graph() != nullptr) SetFocus(Graph());
             return 0;
         case kFocusGraph:
-            if (GetActiveWindow() == m_window) SetFocus(m_graphBox.Window());
+            if (GetActiveWindow() == m_window) SetFocus(Graph());
             ShowFocus();
             return 0;
         case WM_PAINT: OnPaint(); return 0;
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
-        case WM_GETMINMAXINFO: OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam)); return 0;
+        case WM_GETMINMAXINFO:
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {MulDiv(560, m_dpi, 96), MulDiv(380, m_dpi, 96)};
+            return 0;
         case WM_CLOSE: OnClose(); return 0;
-        case WM_ENABLE: m_long.CloseIfAsked(); return 0;
+        case WM_ENABLE: m_rooms.longCommand.CloseIfAsked(); return 0;
         case WM_ENDSESSION: OnEndSession(wParam != FALSE); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
+        case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
+        case WM_TIMER: m_rooms.graph.OnTimer(wParam); return 0;
+        case WM_NCDESTROY: {
+            const HWND window = std::exchange(m_window, nullptr);
+            m_keys.SetWindow(nullptr);
+            SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+            return DefWindowProcW(window, message, wParam, lParam);
+        }
+        default: return HandleInput(message, wParam, lParam);
+    }
+}
+
+LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
         case WM_COMMAND:
             if (lParam == 0) {
                 OnCommand(LOWORD(wParam));
-            } else if (LOWORD(wParam) >= mnuSaveAs) {
-                // A button of a toolbar. The keys go on working on the graph.
-                OnCommand(LOWORD(wParam));
-                SetFocus(m_graphBox.Window());
-            } else if (!m_long.IsBusy()) {
-                OnListCommand(LOWORD(wParam), HIWORD(wParam));
+            } else {
+                OnControlCommand(LOWORD(wParam), HIWORD(wParam));
             }
             return 0;
-        case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
         case WM_NOTIFY: return OnNotify(reinterpret_cast<const NMHDR*>(lParam));
         case WM_INITMENUPOPUP:
             // The window's own menu holds the system's commands.
             if (HIWORD(lParam) != 0) break;
             OnInitMenu(reinterpret_cast<HMENU>(wParam));
             return 0;
-        case WM_HSCROLL: OnHScroll(LOWORD(wParam)); return 0;
-        case WM_VSCROLL: OnVScroll(LOWORD(wParam)); return 0;
-        case WM_TIMER: OnTimer(wParam); return 0;
-        case WM_DEVICECHANGE: m_playback.LookForDevices(); break;
-        case WM_ENTERMENULOOP: EndHover(); break;
+        case WM_HSCROLL: m_rooms.graph.OnHScroll(LOWORD(wParam)); return 0;
+        case WM_VSCROLL: m_rooms.graph.OnVScroll(LOWORD(wParam)); return 0;
+        case WM_DEVICECHANGE: m_rooms.playback.LookForDevices(); break;
+        case WM_ENTERMENULOOP: m_rooms.EndHover(); break;
         case WM_SETCURSOR:
             if (OnSetCursor(reinterpret_cast<HWND>(wParam))) return TRUE;
             break;
@@ -175,12 +183,6 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_MOUSEMOVE:
         case WM_LBUTTONUP:
         case WM_CAPTURECHANGED: OnMouse(message, GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)); return 0;
-        case WM_NCDESTROY: {
-            const HWND window = std::exchange(m_window, nullptr);
-            m_long.SetWindow(nullptr);
-            SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-            return DefWindowProcW(window, message, wParam, lParam);
-        }
         default: break;
     }
     return DefWindowProcW(m_window, message, wParam, lParam);
@@ -188,214 +190,138 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 
 void frmQLMain::Failed(const std::exception& error) noexcept {
     try {
-        m_status.Tell(StatusBar::Topic::Outcome,
-                      m_services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_global.language));
+        m_rooms.status.Tell(StatusBar::Topic::Outcome,
+                            m_services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_global.language));
     } catch (const std::exception&) {
         // There is no memory even for the message.
     }
 }
 
 void frmQLMain::OnCreate() {
-    // Only what the first waveform needs; Complete() makes the rest.
-    m_watch = std::make_unique<cFileNotification>(m_makeTimer, [this] { FilesChanged(); });
-    m_lookTimer = m_makeTimer([this] { LookAtRecording(false); });
+    // Only what the first waveform needs; CreateRemainingControls() makes the rest.
+    m_font = MakeFont(m_dpi);
+    m_layout.SetWindow(m_window, m_font.Get(), m_dpi);
+    m_keys.SetWindow(m_window);
+    m_rooms.CreateFirst(m_window);
+    m_rooms.browser.Open(m_makeTimer);
+    m_lookTimer = m_makeTimer([this] { m_rooms.LookAtRecording(false, m_layout.IsDragging()); });
     m_lookTimer->PutInterval(kLookInterval);
     m_lookTimer->PutEnabled(true);
-    m_font = MakeFont(m_dpi);
-    if (!m_graphBox.Create(m_window, pbGraph, *this, true))
-        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "graph");
-    m_services.SetWindow(m_window, &m_status);
-    m_long.SetWindow(m_window);
-    m_browser.SetPattern(m_global.library->FileTypeMask(0));
-    m_fft.FFT_BuildPalette();
-    const std::wstring folder = Wide(m_global.settings.filesPath);
-    if (folder.empty() || !m_browser.ShowFolder(folder)) {
-        m_browser.ShowFolder(L".");
-        m_folderMissing = !folder.empty();
-    }
-    StartWatch();
 }
 
-void frmQLMain::Complete() try {
-    MakeControls();
-    FillTypes();
-    m_complete = true;
-    // Messages have their place from here on.
-    m_status.Attach(GetDlgItem(m_window, sbInfo), m_font.Get(), m_dpi);
-    ShowPanels();
+void frmQLMain::CreateRemainingControls() try {
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&controls);
+    m_tools.Create(m_window, tbMain, MainButtons(), m_dpi);
+    m_goTo.Create(m_window, tbGoTo, GoToButtons(), m_dpi);
+    MakeMainControls(m_window, m_font.Get(), m_services);
+    m_rooms.CreateRest(m_font.Get(), m_dpi);
+    m_layout.SetToolSizes(m_tools.Size(), m_goTo.Size());
     // With a recording open its channels are of more use than the way to its folder.
-    if (m_document.Block().block) TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
-    ShowPages();
+    SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
     DragAcceptFiles(m_window, TRUE);
-    if (!IsIconic(m_window)) ArrangeControls();
-    ShowBlockDetails();
-    Refresh();
-    ShowBlockSpectrum();
-    AddToolTip(m_pathListBox.Window(), IDS_TIP_PATHLIST);
-    MakeSound();
+    if (!IsIconic(m_window)) Arrange();
+    m_rooms.ShowAll();
+    AddToolTip(m_rooms.browser.PathList(), m_services.Text(IDS_TIP_PATHLIST));
+    m_rooms.playback.Open();
 } catch (const std::exception& error) {
-    if (m_complete) return Failed(error);
+    if (m_rooms.IsComplete()) return Failed(error);
     // As without the window itself.
     m_createFailure = std::current_exception();
     m_services.SetWindow(nullptr, nullptr);
     DestroyWindow(m_window);
 }
 
-HWND frmQLMain::MakeControl(const wchar_t* className, DWORD style, DWORD extendedStyle, int id) {
-    const HWND control = CreateWindowExW(extendedStyle, className, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0,
-                                         m_window, IdOf(id), GetModuleHandleW(nullptr), nullptr);
-    if (control == nullptr)
-        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "control");
-    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
-    return control;
-}
-
-void frmQLMain::MakeTabs(HWND tabs, int firstCaption) const {
-    for (int page = 0; page < 2; ++page) {
-        std::wstring caption = Wide(m_services.Text(firstCaption + page));
-        TCITEMW item{};
-        item.mask = TCIF_TEXT;
-        item.pszText = caption.data();
-        TabCtrl_InsertItem(tabs, page, &item);
-    }
-}
-
-void frmQLMain::MakeControls() {
-    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
-    InitCommonControlsEx(&controls);
-    constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
-    constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
-    m_tools.Create(m_window, tbMain, MainButtons(), m_dpi);
-    m_goTo.Create(m_window, tbGoTo, GoToButtons(), m_dpi);
-    MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS);
-    const HWND drives = MakeControl(WC_COMBOBOXW, combo, 0, lstDrive);
-    const HWND folders = MakeControl(WC_LISTBOXW, list, WS_EX_CLIENTEDGE, lstDir);
-    const HWND channels = MakeControl(
-        WC_LISTVIEWW,
-        WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS,
-        WS_EX_CLIENTEDGE, lvCh);
-    MakeTabs(MakeControl(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES);
-    MakeControl(WC_COMBOBOXW, combo, 0, cboFileType);
-    const HWND files = MakeControl(WC_LISTBOXW, list | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
-    m_blocks.Attach(MakeControl(WC_LISTBOXW, list | LBS_USETABSTOPS, WS_EX_CLIENTEDGE, lstBlock));
-    m_browser.Attach(drives, folders, files);
-    m_channels.Attach(channels, MakeTraceIcons(MulDiv(16, m_dpi, 96)), m_dpi);
-    MakeControl(WC_SCROLLBARW, SBS_HORZ, 0, scScaleX);
-    MakeControl(WC_SCROLLBARW, SBS_VERT, 0, scScaleY);
-    MakeControl(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
-    // The order of the controls is that of the Tab key.
-    SetWindowPos(m_graphBox.Window(), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-    const bool made =
-        m_scaleXBox.Create(m_window, pbScaleX, *this, false) && m_scaleYBox.Create(m_window, pbScaleY, *this, false) &&
-        m_pathListBox.Create(m_window, pbPathList, *this, true) && m_values.Create(m_window, pnValues) &&
-        m_zoomX.Create(m_window, btnZoomX, *this) && m_fftBox.Create(m_window, pbFFT, *this, false) &&
-        m_paletteBox.Create(m_window, pbPal, *this, false) && m_scaleFBox.Create(m_window, pbScaleF, *this, false);
-    if (!made) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
-    const int size = MulDiv(16, m_dpi, 96);
-    m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size)}, size);
-}
-
-void frmQLMain::AddToolTip(HWND control, int textId) const {
-    const HWND tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0, 0,
-                                      m_window, nullptr, GetModuleHandleW(nullptr), nullptr);
-    std::wstring text = Wide(m_services.Text(textId));
-    TTTOOLINFOW tool{};
-    tool.cbSize = sizeof tool;
-    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
-    tool.hwnd = m_window;
-    tool.uId = reinterpret_cast<UINT_PTR>(control);
-    tool.lpszText = text.data();
-    SendPointer(tips, TTM_ADDTOOLW, 0, &tool);
-}
-
-void frmQLMain::FillTypes() {
-    const HWND types = GetDlgItem(m_window, cboFileType);
-    RecordingLibrary& library = *m_global.library;
-    const auto add = [&](const std::u16string& text) { SendPointer(types, CB_ADDSTRING, 0, Wide(text).c_str()); };
-    add(library.FileTypeName(0));
-    const std::int32_t count = library.FileTypeCount();
-    for (std::int32_t type = 1; type <= count; ++type) {
-        const std::u16string name = library.FileTypeName(type);
-        add(name + u" (" + library.FileTypeMask(type) + u')');
-    }
-    SendMessageW(types, CB_SETCURSEL, 0, 0);
-}
-
 void frmQLMain::OnActivate(UINT state) {
     if (m_closing) return;
     if (state == WA_INACTIVE) {
-        EndHover();
-        m_altUsed = false;
+        m_rooms.EndHover();
+        m_keys.Deactivated();
         m_lastFocus = GetFocus();
         ShowFocus();
         return;
     }
     // An icon has no graph to which a scale could be fitted; the window's first size comes later.
     if (!m_activated && IsIconic(m_window)) return;
-    if (!m_activated) {
-        m_activated = true;
+    if (!std::exchange(m_activated, true)) {
         // The waveform is what the user waits for; the rest follows, whatever becomes of it.
         try {
-            if (m_browser.FileCount() > 0) OpenFirstFile();
-            UpdateWindow(m_graphBox.Window());
+            if (m_rooms.browser.FileCount() > 0) OpenFirstFile();
+            UpdateWindow(Graph());
             // What is drawn may be held back until the next message is waited for.
             GdiFlush();
         } catch (const std::exception& error) {
             Failed(error);
         }
-        if (!m_complete) Complete();
+        if (!m_rooms.IsComplete()) CreateRemainingControls();
         if (m_window == nullptr) return;
         // Why the first file was refused is of more use.
-        const bool refused = !m_document.File().refusal.empty();
-        if (m_folderMissing && !refused)
-            m_status.Tell(StatusBar::Topic::Outcome,
-                          m_global.settings.filesPath + u": " + m_services.Text(IDS_FOLDER_UNREADABLE));
-        else if (!refused)
-            TellIncomplete();
+        if (m_global.document->File().refusal.empty()) m_rooms.browser.TellStart();
     }
-    m_lookDue = true;
-    SetFocus(m_lastFocus != nullptr ? m_lastFocus : m_graphBox.Window());
+    m_rooms.LookSoon();
+    SetFocus(m_lastFocus != nullptr ? m_lastFocus : Graph());
     ShowFocus();
 }
 
 void frmQLMain::OpenFirstFile() {
-    m_browser.SelectFile(0);
-    ClickFile();
-    // Complete() does the same for a window that was active from the start.
-    if (!m_complete || !m_document.Block().block) return;
-    TabCtrl_SetCurSel(GetDlgItem(m_window, tabPath), 1);
-    ShowPages();
+    m_rooms.browser.OpenFirstFile();
+    // CreateRemainingControls() does the same for a window that was active from the start.
+    if (m_rooms.IsComplete() && m_global.document->Block().block) SelectPage(m_window, TabPages::Path, 1);
 }
 
 void frmQLMain::OnDropFiles(HDROP drop) {
     std::wstring path(DragQueryFileW(drop, 0, nullptr, 0), L'\0');
     DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size()) + 1);
     DragFinish(drop);
-    if (!path.empty() && !m_long.IsBusy()) OpenPath(path);
+    if (!path.empty() && !m_rooms.longCommand.IsBusy()) OpenPath(path);
+}
+
+void frmQLMain::OnSize(UINT state) {
+    // What changes while the window is an icon is drawn when it is back.
+    if (state == SIZE_MINIMIZED) return m_layout.Forget();
+    // When it is first shown the window is told the size that it was made with.
+    if (m_layout.IsArranged()) return;
+    if (m_rooms.IsComplete()) m_rooms.status.Resize();
+    Arrange();
+    m_rooms.Refresh();
+    // Started as an icon, it was activated before it had a size.
+    if (!m_activated && m_rooms.IsComplete() && GetActiveWindow() == m_window) OnActivate(WA_ACTIVE);
+}
+
+void frmQLMain::Arrange() {
+    m_layout.Arrange();
+    SizesChanged();
+}
+
+void frmQLMain::SizesChanged() {
+    m_rooms.graph.SetSize(m_layout.Graph().width, m_layout.Graph().height);
+    if (m_rooms.IsComplete()) m_rooms.recording.FitColumns();
 }
 
 void frmQLMain::OnClose() {
-    if (!m_long.MayClose()) return;
-    StopSound();
+    if (!m_rooms.longCommand.MayClose()) return;
+    m_rooms.playback.Stop();
     DestroyWindow(m_window);
 }
 
 void frmQLMain::OnEndSession(bool ends) {
     // The process may end without another message.
     if (!ends) return;
-    if (!m_long.IsBusy()) {
-        StopSound();
+    if (!m_rooms.longCommand.IsBusy()) {
+        m_rooms.playback.Stop();
         return EndSession();
     }
     // The command that runs has use for the recording as long as it can.
-    KeepSettings();
+    m_rooms.browser.KeepSettings();
+    KeepWindowPlace(m_window, m_global.settings);
     if (m_shutdown) m_shutdown();
 }
 
 void frmQLMain::EndSession() {
     // Each step runs whatever becomes of the others, and the program ends in any case.
     for (const auto& step : std::initializer_list<std::function<void()>>{
-             [&] { KeepSettings(); }, [&] { CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
+             [&] { m_rooms.browser.KeepSettings(); }, [&] { KeepWindowPlace(m_window, m_global.settings); },
+             [&] { m_rooms.CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
         try {
             step();
         } catch (const std::exception& error) {
@@ -405,17 +331,101 @@ void frmQLMain::EndSession() {
 }
 
 void frmQLMain::OnDestroy() {
-    // The system destroys the menu with the window.
-    static_cast<void>(m_menu.Release());
+    m_menu.Release();
     m_closing = true;
-    m_watch.reset();
     m_lookTimer.reset();
+    m_rooms.Close();
     // A window that could not be made has nothing to keep, and its message is still to be shown.
     if (m_createFailure) return;
-    m_playback.Close();
     EndSession();
     m_services.SetWindow(nullptr, nullptr);
     PostQuitMessage(0);
+}
+
+// Commands.
+
+void frmQLMain::OnCommand(int id) {
+    if (!m_rooms.longCommand.IsBusy() && IsEnabled(id, m_rooms.State())) RunCommand(id, m_rooms, m_commands);
+}
+
+void frmQLMain::OnControlCommand(int id, int notification) {
+    if (id >= mnuSaveAs) {
+        // A button of a toolbar. The keys go on working on the graph.
+        OnCommand(id);
+        SetFocus(Graph());
+    } else if (!m_rooms.longCommand.IsBusy()) {
+        if (notification == LBN_SETFOCUS || notification == LBN_KILLFOCUS) ShowFocus();
+        if (id == lstBlock && notification == LBN_SELCHANGE) m_rooms.recording.ClickBlock();
+        m_rooms.browser.OnListCommand(id, notification);
+    }
+}
+
+LRESULT frmQLMain::OnNotify(const NMHDR* header) {
+    if (header->code == TTN_GETDISPINFOW) {
+        auto* tip = const_cast<NMTTDISPINFOW*>(reinterpret_cast<const NMTTDISPINFOW*>(header));
+        m_tipText = Wide(m_services.Text(ToolTipId(static_cast<int>(header->idFrom))));
+        if (!m_tipText.empty()) tip->lpszText = m_tipText.data();
+        return 0;
+    }
+    if (header->code == TCN_SELCHANGE) ShowSelectedPages(m_window);
+    if (header->code == NM_SETFOCUS || header->code == NM_KILLFOCUS) ShowFocus();
+    // The list takes the release of the button for itself.
+    if (header->code == NM_CLICK) ReturnKeyboard(static_cast<int>(header->idFrom));
+    if (header->idFrom == lvCh) m_rooms.recording.OnNotify(header);
+    return 0;
+}
+
+void frmQLMain::OnInitMenu(HMENU menu) {
+    if (GetMenuItemID(menu, 0) == mnuSoundCard || GetMenuItemID(menu, 0) == mnuSoundPlay)
+        m_rooms.playback.LookForDevices();
+    if (GetMenuItemID(menu, 0) == mnuSoundCard) m_menu.FillSoundDevices(menu, m_rooms.playback.DeviceNames());
+    m_menu.Update(menu, m_rooms.State());
+}
+
+void frmQLMain::ShowContextMenu(POINT screen) {
+    const int chosen = m_menu.ShowContextMenu(m_window, screen);
+    if (m_window == nullptr) return;
+    if (chosen != 0) OnCommand(chosen);
+    m_rooms.ForgetMenuChannel();
+}
+
+// Focus and mouse.
+
+bool frmQLMain::PreTranslate(const MSG& message) try {
+    if (m_window != nullptr && message.message == WM_LBUTTONUP) ReturnKeyboard(GetDlgCtrlID(message.hwnd));
+    return m_keys.Translate(message);
+} catch (const std::exception& error) {
+    Failed(error);
+    return true;
+}
+
+void frmQLMain::ReturnKeyboard(int control) const {
+    // Once the control has done its part of the click.
+    if (control == lstFile || control == lstBlock || control == lvCh || control == tabPath || control == tabFile)
+        PostMessageW(m_window, kFocusGraph, 0, 0);
+}
+
+void frmQLMain::OnPaint() const {
+    PAINTSTRUCT paint{};
+    m_layout.PaintFocus(BeginPaint(m_window, &paint));
+    EndPaint(m_window, &paint);
+}
+
+bool frmQLMain::OnSetCursor(HWND child) const {
+    if (m_rooms.longCommand.IsBusy() && IsWindowEnabled(m_window))
+        return SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true;
+    POINT point{};
+    GetCursorPos(&point);
+    ScreenToClient(m_window, &point);
+    return child == m_window && m_layout.SetCursorAt(point);
+}
+
+void frmQLMain::OnMouse(UINT message, int x, int y) {
+    if (message == WM_LBUTTONDOWN) return m_layout.Press(x, y);
+    if (message != WM_MOUSEMOVE) return m_layout.Release(message == WM_LBUTTONUP);
+    if (!m_layout.Move(x, y)) return;
+    SizesChanged();
+    m_rooms.Refresh();
 }
 
 }  // namespace quillon

@@ -112,9 +112,7 @@ class EffectTest : public MainWindowTest {
         m_device.count = 2;
         m_device.names = {u"card 1", u"card 2"};
         StartWith(m_device);
-        auto save = std::make_unique<FakeSaveDialog>();
-        save->answer = [this](FakeSaveDialog&) { return ++m_saves, false; };
-        m_global.saveDialog = std::move(save);
+        m_saveDialog->answer = [this](SaveFileDialog&) { return ++m_saves, false; };
         m_global.settings.exportFastFile = m_folder.File(u"no such folder/fast.txt").u16string();
     }
 
@@ -140,7 +138,7 @@ class EffectTest : public MainWindowTest {
     }
 
     void Prepare(const Effect& effect) {
-        if (m_global.fileCount == 0) m_form->OpenPath(Wide(m_folder.Path()));
+        if (m_form->State().fileCount == 0) m_form->OpenPath(Wide(m_folder.Path()));
         Command(mnuSelect + 2);
         Command(mnuSelect + 2);
         if (m_global.document->IsSolo()) Command(mnuSoloChannel);

@@ -42,12 +42,10 @@ class ExportWindowTest : public MainWindowTest {
     }
     /// From now on the save dialog is not shown, and gives this.
     void Choose(const std::u16string& name, std::int32_t type, std::function<void()> meanwhile = {}) {
-        auto dialog = std::make_unique<FakeSaveDialog>();
-        dialog->answer = [=](FakeSaveDialog& shown) {
+        m_saveDialog->answer = [=](SaveFileDialog& shown) {
             if (meanwhile) meanwhile();
             return shown.fileName = name, shown.filterIndex = type, true;
         };
-        m_global.saveDialog = std::move(dialog);
     }
     std::u16string m_source;
 };

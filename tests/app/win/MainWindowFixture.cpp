@@ -175,6 +175,9 @@ void MainWindowTest::Create(const std::wstring& folder) {
     SetCursorPos(0, 0);
     m_services = std::make_unique<WinServices>(m_language);
     ASSERT_TRUE(Init(m_global, SystemParts(), *m_services));
+    auto dialog = std::make_unique<SaveDialogSwitch>(std::move(m_global.saveDialog));
+    m_saveDialog = dialog.get();
+    m_global.saveDialog = std::move(dialog);
     m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer, m_shutdown);
     m_global.settings.filesPath = Narrow16(folder);
     m_form->Create();

@@ -128,6 +128,31 @@ class DialogCloser {
     std::thread m_thread{[this] { Run(); }};
 };
 
+/// The save dialog of the system, or an answer that a test gives in its place.
+class SaveDialogSwitch final : public SaveFileDialog {
+  public:
+    explicit SaveDialogSwitch(std::unique_ptr<SaveFileDialog> real) : m_real(std::move(real)) {}
+    bool Show() override {
+        if (answer) return answer(*this);
+        SaveFileDialog& fields = *this;
+        const auto copy = [](const SaveFileDialog& from, SaveFileDialog& to) {
+            to.title = from.title;
+            to.filter = from.filter;
+            to.filterIndex = from.filterIndex;
+            to.fileName = from.fileName;
+            to.folder = from.folder;
+        };
+        copy(fields, *m_real);
+        const bool chosen = m_real->Show();
+        copy(*m_real, fields);
+        return chosen;
+    }
+    std::function<bool(SaveFileDialog&)> answer;
+
+  private:
+    std::unique_ptr<SaveFileDialog> m_real;
+};
+
 /// The real main window over a folder of its own, driven by messages. Nothing waits: the window's thread is the test's.
 class MainWindowTest : public ::testing::Test {
   protected:
@@ -188,6 +213,7 @@ class MainWindowTest : public ::testing::Test {
     /// Moves the view to a column.
     void ScrollTo(std::int32_t column);
 
+    SaveDialogSwitch* m_saveDialog = nullptr;  ///< from Create on
     Language m_language = Language::English;
     std::function<void()> m_shutdown;
     TemporaryFolder m_folder;

@@ -289,7 +289,7 @@ TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
         m_folder.Write(u"d.bin", BinRecording(0.5F, {{1, -32768, 32767, 0}, {7, 0, 0, 0}, {9, 1, 2, 3}})));
     Start();
     DialogCloser closer;
-    m_global.saveDialog = std::make_unique<FakeSaveDialog>();
+    m_saveDialog->answer = [](SaveFileDialog&) { return false; };
     m_global.settings.exportFastFile = m_folder.File(u"fast.txt").u16string();
     std::size_t handles = 0;
     for (int action = 0; action < 1000; ++action) {

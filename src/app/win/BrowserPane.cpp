@@ -1,0 +1,289 @@
+#include "app/win/BrowserPane.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "app/ControlIds.h"
+#include "app/ToolbarIcons.h"
+#include "app/win/InputBox.h"
+#include "app/win/Toolbar.h"
+#include "base/FilePath.h"
+#include "base/StringIds.h"
+#include "data/FileOperationPlan.h"
+#include "data/win/FileIdentity.h"
+#include "data/win/FileOperation.h"
+
+namespace quillon {
+
+void BrowserPane::Open(const TimerFactory& makeTimer) {
+    m_watch = std::make_unique<cFileNotification>(makeTimer, [this] { FilesChanged(); });
+    m_browser.SetPattern(m_parts.library.FileTypeMask(0));
+    const std::wstring folder = Wide(m_parts.settings.filesPath);
+    if (folder.empty() || !m_browser.ShowFolder(folder)) {
+        m_browser.ShowFolder(L".");
+        m_folderMissing = !folder.empty();
+    }
+    StartWatch();
+}
+
+void BrowserPane::Attach(HWND parent, int dpi) {
+    m_dpi = dpi;
+    m_types = GetDlgItem(parent, cboFileType);
+    m_browser.Attach(GetDlgItem(parent, lstDrive), GetDlgItem(parent, lstDir), GetDlgItem(parent, lstFile));
+    if (!m_pathList.Create(parent, pbPathList, *this, true))
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
+    const int size = MulDiv(16, m_dpi, 96);
+    m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size)}, size);
+    FillTypes(m_types);
+}
+
+void BrowserPane::KeepSettings() const {
+    // A folder that is only missing today, on a drive that is not there, is kept until the user goes elsewhere.
+    if (!m_folderMissing) m_parts.settings.filesPath = Narrow16(m_browser.Folder());
+}
+
+void BrowserPane::FillTypes(HWND types) const {
+    const auto add = [&](const std::u16string& text) { SendPointer(types, CB_ADDSTRING, 0, Wide(text).c_str()); };
+    add(m_parts.library.FileTypeName(0));
+    const std::int32_t count = m_parts.library.FileTypeCount();
+    for (std::int32_t type = 1; type <= count; ++type) {
+        const std::u16string name = m_parts.library.FileTypeName(type);
+        add(name + u" (" + m_parts.library.FileTypeMask(type) + u')');
+    }
+    SendMessageW(types, CB_SETCURSEL, 0, 0);
+}
+
+void BrowserPane::PaintPicture(int, HDC dc, const RECT& clip) {
+    RECT client{};
+    GetClientRect(m_pathList.Window(), &client);
+    FillRect(dc, &clip, GetSysColorBrush(COLOR_BTNFACE));
+    DrawFrameControl(dc, &client, DFC_BUTTON, DFCS_BUTTONPUSH);
+    const int size = MulDiv(16, m_dpi, 96);
+    ImageList_Draw(m_pathListIcon.Get(), 0, dc, (static_cast<int>(client.right) - size) / 2,
+                   (static_cast<int>(client.bottom) - size) / 2, ILD_TRANSPARENT);
+    InflateRect(&client, -3, -3);
+    if (GetFocus() == m_pathList.Window()) DrawFocusRect(dc, &client);
+}
+
+bool BrowserPane::PictureMouse(int, UINT message, WPARAM, LPARAM) {
+    if (m_parts.longCommand.IsBusy())
+        return message == WM_SETCURSOR && (SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true);
+    if (message == WM_LBUTTONDOWN) onPathList();
+    return message == WM_LBUTTONDOWN;
+}
+
+void BrowserPane::OnListCommand(int id, int notification) {
+    if (id == lstFile && notification == LBN_SELCHANGE) ChooseFile();
+    if (id == lstDir && notification == LBN_DBLCLK) OpenFolder();
+    if (id == lstDrive && notification == CBN_SELCHANGE) SelectDrive();
+    if (id == lstDrive && notification == CBN_DROPDOWN) m_browser.ListDrives();
+    if (id == cboFileType && notification == CBN_SELCHANGE) SelectType();
+}
+
+void BrowserPane::OpenFirstFile() {
+    m_browser.SelectFile(0);
+    ClickFile();
+}
+
+bool BrowserPane::ShowFolder(const std::wstring& folder) {
+    if (m_browser.Shows(folder)) {
+        // It may have been away in between.
+        Refresh();
+        return true;
+    }
+    if (!m_browser.ShowFolder(folder)) {
+        Tell(Narrow16(folder) + u": " + m_parts.services.Text(IDS_FOLDER_UNREADABLE));
+        m_browser.ShowChoice();
+        return false;
+    }
+    m_folderMissing = false;
+    Tell({});
+    ClickFile();
+    StartWatch();
+    TellMissing();
+    return true;
+}
+
+void BrowserPane::OpenUnlisted(const std::wstring& name) {
+    // No line of the list stands for it, so none may look as if delete and rename would concern it.
+    m_browser.SelectFile(-1);
+    onList(false);
+    onFile(name);
+}
+
+void BrowserPane::OpenPath(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        ShowFolder(path);
+        return;
+    }
+    const std::size_t end = path.rfind(L'\\');
+    if (end == std::wstring::npos) return;
+    const std::wstring name = path.substr(end + 1);
+    // The root of a drive keeps its backslash.
+    if (!ShowFolder(path.substr(0, end == 2 ? 3 : end))) return;
+    m_folderMissing = false;
+    if (m_browser.SelectFileNamed(name)) {
+        ClickFile();
+    } else {
+        // A name that the listed type leaves out: its content may be readable all the same.
+        OpenUnlisted(name);
+    }
+}
+
+void BrowserPane::Opened() {
+    if (m_browser.Pattern() == u"*.*") return;
+    const std::u16string folder = Narrow16(m_browser.Folder());
+    m_parts.settings.pathList.Add(folder, [](const std::u16string& path) {
+        const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+        return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    });
+}
+
+void BrowserPane::ChoosePath(int index) {
+    const auto& folders = m_parts.settings.pathList.Folders();
+    if (static_cast<std::size_t>(index) < folders.size()) ShowFolder(Wide(folders[static_cast<std::size_t>(index)]));
+}
+
+void BrowserPane::TellMissing() {
+    if (m_browser.IsComplete()) return;
+    m_parts.status.Tell(
+        StatusBar::Topic::Folder,
+        Narrow16(m_browser.Folder()) + u": " +
+            m_parts.services.Text(m_browser.IsReadable() ? IDS_FOLDER_INCOMPLETE : IDS_FOLDER_UNREADABLE));
+}
+
+void BrowserPane::TellStart() {
+    if (!m_folderMissing) return TellMissing();
+    Tell(m_parts.settings.filesPath + u": " + m_parts.services.Text(IDS_FOLDER_UNREADABLE));
+}
+
+void BrowserPane::Refresh() {
+    // The watch ends with a folder that goes, and does not know when it is back. It comes first, so that what happens
+    // between the two is told by it.
+    StartWatch();
+    // What was missing may be back.
+    m_parts.status.Retract(StatusBar::Topic::Folder);
+    FilesChanged();
+    onLook();
+    TellMissing();
+}
+
+void BrowserPane::FilesChanged() try {
+    m_changedMeanwhile = m_parts.longCommand.IsBusy();
+    if (m_parts.longCommand.IsBusy()) return;
+    const bool wasSelected = m_browser.SelectedPosition() >= 0;
+    m_browser.Refresh();
+    // A refused file that is gone needs no explanation any more.
+    if (wasSelected && m_browser.SelectedPosition() < 0 && m_parts.document.File().fileName.empty()) ClickFile();
+    const std::wstring open = Wide(m_parts.document.File().fileName);
+    const bool unseen = !open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES;
+    const DWORD reason = GetLastError();
+    // Any other reason may pass, as a network's does.
+    if (unseen && (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND)) {
+        const std::u16string name = FileNameOf(m_parts.document.File().fileName);
+        m_browser.SelectFile(-1);
+        ClickFile();
+        m_parts.status.Tell(StatusBar::Topic::Folder, name + u": " + m_parts.services.Text(IDS_FILE_GONE));
+    }
+    onList(true);
+} catch (const std::exception& error) {
+    onFailed(error);
+}
+
+void BrowserPane::DeleteSelected() {
+    const std::wstring folder = m_browser.Folder();
+    const std::wstring name = m_browser.SelectedFile();
+    const int position = m_browser.SelectedPosition();
+    if (name.empty()) return;
+    onClose();
+    m_watch->StopWatch();
+    if (!m_parts.longCommand.RunPending()) return;
+    const FileOperationResult result = DeleteToRecycleBin(folder, name, m_parts.longCommand.Window());
+    // The shell's dialog runs messages: the window may be closed by now, or show another folder.
+    if (m_parts.longCommand.IsGone()) return;
+    // Whatever came of it: others may have changed the folder meanwhile.
+    Refresh();
+    if (m_browser.Folder() != folder) return;
+    if (result == FileOperationResult::Done) m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
+    ClickFile();
+    if (result == FileOperationResult::Failed) Tell(Narrow16(name) + u": " + m_parts.services.Text(IDS_DELETE_FAILED));
+}
+
+void BrowserPane::RenameSelected() {
+    const std::wstring folder = m_browser.Folder();
+    const std::wstring name = m_browser.SelectedFile();
+    if (name.empty()) return;
+    const std::optional<std::wstring> answer =
+        AskForText(m_parts.longCommand.Window(),
+                   {Wide(m_parts.services.Text(IDS_RENAME)), Wide(m_parts.services.Text(IDS_NEW_NAME)),
+                    Wide(m_parts.services.Text(IDS_OK)), Wide(m_parts.services.Text(IDS_CANCEL))},
+                   name, name.rfind(L'.'));
+    if (m_parts.longCommand.IsGone() || !answer || answer->empty() || *answer == name) return;
+    const std::u16string failure = Narrow16(name) + u": " + m_parts.services.Text(IDS_RENAME_FAILED);
+    if (!PlanRename(Narrow16(folder), Narrow16(name), Narrow16(*answer))) {
+        // Nothing that the shell could do: the recording stays open as it is.
+        Tell(failure);
+        return;
+    }
+    onClose();
+    m_watch->StopWatch();
+    if (!m_parts.longCommand.RunPending()) return;
+    const FileOperationResult result = RenameFile(folder, name, *answer, m_parts.longCommand.Window());
+    if (m_parts.longCommand.IsGone()) return;
+    Refresh();
+    if (m_browser.Folder() != folder) return;
+    const bool renamed = result == FileOperationResult::Done;
+    if (renamed && !m_browser.SelectFileNamed(*answer)) {
+        OpenUnlisted(*answer);
+        return;
+    }
+    ClickFile();
+    if (!renamed) Tell(failure);
+}
+
+void BrowserPane::SelectDrive() {
+    const std::wstring drive = m_browser.ChosenDrive();
+    // The drive that is shown already leaves the folder as it is, unless that has gone.
+    const std::wstring& shown = m_browser.Folder();
+    const bool stays = !shown.empty() && towupper(shown[0]) == towupper(drive[0]) &&
+                       GetFileAttributesW(shown.c_str()) != INVALID_FILE_ATTRIBUTES;
+    stays ? Refresh() : static_cast<void>(ShowFolder(drive));
+}
+
+void BrowserPane::SelectType() {
+    const auto type = SendMessageW(m_types, CB_GETCURSEL, 0, 0);
+    m_browser.SetPattern(m_parts.library.FileTypeMask(static_cast<std::int32_t>(type)));
+    onList(false);
+    if (m_parts.document.File().fileName.empty()) return;
+    m_browser.SelectFileNamed(Wide(FileNameOf(m_parts.document.File().fileName)));
+    ClickFile();
+}
+
+void BrowserPane::ClickFile() {
+    onList(false);
+    onFile(m_browser.SelectedFile());
+}
+
+void BrowserPane::ChooseFile() {
+    ClickFile();
+    // The folder that this one stands for is not asked for again.
+    if (m_parts.document.File().recording) m_folderMissing = false;
+}
+
+void BrowserPane::OpenNeighbour(int index) {
+    const int position = m_browser.SelectedPosition();
+    m_browser.SelectFile(index == 1 ? position + 1 : position < 0 ? m_browser.FileCount() - 1 : position - 1);
+    ChooseFile();
+}
+
+void BrowserPane::CatchUp() {
+    if (std::exchange(m_changedMeanwhile, false)) FilesChanged();
+}
+
+void BrowserPane::Tell(const std::u16string& text) {
+    m_parts.status.Tell(StatusBar::Topic::Outcome, text);
+}
+
+}  // namespace quillon

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "app/Settings.h"
+#include "app/win/LongCommand.h"
+#include "app/win/StatusBar.h"
+#include "base/win/WinHandle.h"
+#include "data/Document.h"
+#include "data/win/FileBrowser.h"
+#include "data/win/cFileNotification.h"
+#include "view/win/PictureBox.h"
+
+namespace quillon {
+
+/// The lists of drives, folders, types and files, with the path list, the watch over the folder, and what is done with
+/// the selected file.
+class BrowserPane final : private PictureOwner {
+  public:
+    /// What it works with; all outlive it.
+    struct Parts {
+        const Document& document;
+        RecordingLibrary& library;
+        const UserServices& services;
+        StatusBar& status;
+        LongCommand& longCommand;
+        Settings& settings;  ///< folder and path list
+    };
+    explicit BrowserPane(const Parts& parts) : m_parts(parts) {}
+
+    // To be set by the owner.
+    std::function<void(const std::wstring& name)> onFile;  ///< a file is to be opened; empty: none
+    std::function<void()> onClose;                         ///< the open file is to be closed
+    std::function<void(bool changed)> onList;              ///< files, or the selected one; `changed` by others
+    std::function<void()> onLook;                          ///< the user wants the open file as it is now
+    std::function<void()> onPathList;                      ///< the list is to be shown
+    std::function<void(const std::exception& error)> onFailed;
+
+    /// Shows the folder of the settings, or the current one, and watches it. The controls come later.
+    void Open(const TimerFactory& makeTimer);
+    void Attach(HWND parent, int dpi);
+    /// Ends the watch.
+    void Close() { m_watch.reset(); }
+    /// Remembers the folder.
+    void KeepSettings() const;
+
+    [[nodiscard]] HWND PathList() const { return m_pathList.Window(); }
+    [[nodiscard]] std::wstring Folder() const { return m_browser.Folder(); }
+    [[nodiscard]] int FileCount() const { return m_browser.FileCount(); }
+    /// From 0; -1: none.
+    [[nodiscard]] int SelectedPosition() const { return m_browser.SelectedPosition(); }
+
+    /// A notification of one of the lists.
+    void OnListCommand(int id, int notification);
+    void OpenFirstFile();
+    /// Opens a file or folder by its full path.
+    void OpenPath(const std::wstring& path);
+    void OpenFolder() { ShowFolder(m_browser.ChosenFolder()); }
+    void ChoosePath(int index);
+    /// The recording before (0) or behind (1) the selected one.
+    void OpenNeighbour(int index);
+    /// Reads the folder and watches it anew; the open recording stays open.
+    void Refresh();
+    /// Files were created, deleted or renamed by others.
+    void FilesChanged();
+    /// After a command during which files may have changed.
+    void CatchUp();
+    void DeleteSelected();
+    void RenameSelected();
+    /// A recording of the shown folder was opened.
+    void Opened();
+    /// Says at the start when the folder of the settings is missing.
+    void TellStart();
+
+  private:
+    void PaintPicture(int id, HDC dc, const RECT& clip) override;
+    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    void PictureFailed(const std::exception& error) override { onFailed(error); }
+    /// False when the folder cannot be read; then the old one stays.
+    bool ShowFolder(const std::wstring& folder);
+    /// Opens a file of the shown folder that the list leaves out.
+    void OpenUnlisted(const std::wstring& name);
+    void ClickFile();
+    /// Opens the file that the user has selected.
+    void ChooseFile();
+    /// Says when the folder could not be listed to its end.
+    void TellMissing();
+    void SelectType();
+    void SelectDrive();
+    void FillTypes(HWND types) const;
+    void StartWatch() { m_watch->StartWatch(m_browser.Folder()); }
+    void Tell(const std::u16string& text);
+
+    Parts m_parts;
+    FileBrowser m_browser;
+    std::unique_ptr<cFileNotification> m_watch;
+    PictureBox m_pathList;
+    ImageList m_pathListIcon;
+    HWND m_types = nullptr;
+    int m_dpi = 96;
+    bool m_folderMissing = false;     ///< that of the settings could not be read, and the user chose no other yet
+    bool m_changedMeanwhile = false;  ///< files did, while a command ran
+};
+
+}  // namespace quillon

@@ -1,0 +1,61 @@
+#include "app/win/CommandRoutes.h"
+
+#include "app/Commands.h"
+
+namespace quillon {
+
+void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
+    using R = MainRooms&;
+    using F = const FrameCommands&;
+    struct Route {
+        int first;
+        int count;
+        void (*run)(R rooms, F frame, int index);
+    };
+    static const Route routes[] = {
+        {mnuSaveAs, 1, [](R r, F, int) { r.exports.SaveAs(); }},
+        {mnuFastExport, 1, [](R r, F, int) { r.exports.FastExport(); }},
+        {mnuCopy, 2, [](R r, F, int i) { i == 0 ? r.exports.CopyData() : r.dialogs.CopyImage(); }},
+        {mnuSplit, 1, [](R r, F, int) { r.dialogs.Split(); }},
+        {mnuOptions, 1, [](R r, F, int) { r.dialogs.Options(); }},
+        {mnuSoundPlay, 3, [](R r, F, int i) { r.SoundPlay(i); }},
+        {mnuSoundCard, kSoundCards, [](R r, F, int i) { r.playback.ChooseDevice(static_cast<std::int16_t>(i)); }},
+        {mnuFileOperation, 2, [](R r, F, int i) { i == 0 ? r.browser.DeleteSelected() : r.browser.RenameSelected(); }},
+        {mnuExit, 1, [](R, F f, int) { f.exit(); }},
+        {mnuTabPath, 2, [](R, F f, int i) { f.selectPage(TabPages::Path, i); }},
+        {mnuTabFile, 2,
+         [](R r, F f, int i) {
+             if (i == 0) r.browser.Refresh();
+             f.selectPage(TabPages::File, i);
+         }},
+        {mnuSpectrogram, 1, [](R r, F, int) { r.ShowSpectrogram(); }},
+        {mnuNextPalette, 1, [](R r, F, int) { r.spectrogram.NextPalette(); }},
+        {mnuScaleX, TimeAxis::kMenuZoomCount, [](R r, F, int i) { r.ViewChanged(r.view.SelectZoomX(i)); }},
+        {mnuZoomX, 2, [](R r, F, int i) { r.ViewChanged(r.view.ZoomX(i == 1)); }},
+        {mnuGoTo, 4, [](R r, F, int i) { r.ViewChanged(r.view.GoToPage(i)); }},
+        {mnuScaleY, AmplitudeScale::kScaleCount, [](R r, F, int i) { r.ViewChanged(r.view.SelectScaleY(i)); }},
+        {mnuZoomY, 2, [](R r, F, int i) { r.ViewChanged(r.view.ZoomY(i == 0 ? -1 : 1)); }},
+        {mnuBaseLine, 2, [](R r, F, int i) { r.ViewChanged(i == 0 ? r.view.SetBipolar() : r.view.FindData()); }},
+        {mnuChShow, 3, [](R r, F, int i) { r.recording.SetAllShown(i); }},
+        {mnuHelp, 1, [](R, F f, int) { f.help(); }},
+        {mnuHelpLang, 3, [](R, F f, int i) { f.helpLanguage(i); }},
+        {mnuView, 3, [](R r, F, int i) { r.ChangeView(i); }},
+        {mnuMark, 2, [](R r, F, int i) { r.GoToMark(i == 1); }},
+        {mnuSelect, 3, [](R r, F, int i) { r.Select(i); }},
+        {mnuGoToPlace, 1, [](R r, F, int) { r.dialogs.GoToPlace(); }},
+        {mnuStatistics, 1, [](R r, F, int) { r.dialogs.Statistics(); }},
+        {mnuSoloChannel, 1, [](R r, F, int) { r.recording.ShowAlone(r.MenuChannel()); }},
+        {mnuKeysAndMouse, 1, [](R, F f, int) { f.showKeys(); }},
+        {mnuOpenFolder, 1, [](R r, F, int) { r.browser.OpenFolder(); }},
+        {mnuRecording, 2, [](R r, F, int i) { r.browser.OpenNeighbour(i); }},
+        {mnuFocus, 4, [](R, F f, int i) { f.focusList(i); }},
+        {mnuMove, static_cast<int>(Moves().size()),
+         [](R r, F, int i) { r.MoveView(Moves()[static_cast<std::size_t>(i)]); }},
+        {mnuPathList, kPathListEntries, [](R r, F, int i) { r.browser.ChoosePath(i); }},
+    };
+    for (const Route& route : routes) {
+        if (id >= route.first && id < route.first + route.count) route.run(rooms, frame, id - route.first);
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/MainLayout.h"
+#include "app/Settings.h"
+#include "base/win/Win32.h"
+
+namespace quillon {
+
+/// Places the controls of the main window, lets the user drag the splitters between them, and frames the one that has
+/// the keyboard.
+class ControlLayout {
+  public:
+    /// The settings hold what the user has dragged, and outlive it.
+    explicit ControlLayout(Settings& settings) : m_settings(settings) {}
+
+    void SetWindow(HWND window, HFONT font, int dpi);
+    /// What the toolbars need; before there are any, none.
+    void SetToolSizes(SIZE main, SIZE pages);
+    /// Before the other controls exist only the graph is placed, where it is going to be.
+    void Arrange();
+    /// Whether the controls fill the client area as it is now.
+    [[nodiscard]] bool IsArranged() const;
+    /// The next size is to be arranged for, whatever it is.
+    void Forget() { m_size = {}; }
+    [[nodiscard]] const PixelRect& Graph() const { return m_layout.graph; }
+
+    [[nodiscard]] bool IsDragging() const { return m_drag != Drag::None; }
+    /// Sets the pointer over a splitter; false elsewhere.
+    [[nodiscard]] bool SetCursorAt(POINT point) const;
+    void Press(int x, int y);
+    /// True when a splitter has moved.
+    bool Move(int x, int y);
+    void Release(bool released);
+    /// Frames the list or graph that has the focus, in the gap around it.
+    void PaintFocus(HDC dc) const;
+
+  private:
+    enum class Drag { None, Column, Lists, Values, Spectrogram };
+    [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
+    /// Heights and widths that the controls have, or, before they exist, are going to have.
+    void MeasureControls(LayoutInput& input) const;
+    void ExpectBars(LayoutInput& input) const;
+    void PlaceControls() const;
+
+    Settings& m_settings;
+    HWND m_window = nullptr;
+    HFONT m_font = nullptr;
+    int m_dpi = 96;
+    SIZE m_mainTools{};
+    SIZE m_pageTools{};
+    MainLayout m_layout;
+    SIZE m_size{};  ///< of the client area that the controls fill
+    Drag m_drag = Drag::None;
+};
+
+}  // namespace quillon

@@ -1,0 +1,201 @@
+#include "app/win/ExportCommands.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/FilePath.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "base/win/SystemPath.h"
+#include "base/win/YesNoBox.h"
+#include "export/QL_Export.h"
+
+namespace quillon {
+
+namespace {
+
+/// File names that the question about replacing shows.
+constexpr std::size_t kNamesShown = 8;
+
+/// The name without its extension, and without those that the save dialog would take for the type that is meant.
+std::u16string BareName(const std::u16string& path) {
+    std::u16string name = FileNameOf(path);
+    name.resize(std::min(name.rfind(u'.'), name.size()));
+    for (bool more = true; more && name.size() > 4;) {
+        const std::u16string end = LowerCase(name.substr(name.size() - 4));
+        more = end == u".bin" || end == u".wav" || end == u".edf" || end == u".txt";
+        if (more) name.resize(name.size() - 4);
+    }
+    return name;
+}
+
+bool FileExists(const std::u16string& path) {
+    return GetFileAttributesW(SystemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+std::u16string Joined(const std::vector<std::u16string>& texts) {
+    std::u16string joined;
+    for (const std::u16string& text : texts) joined += (joined.empty() ? u"" : u"; ") + text;
+    return joined;
+}
+
+}  // namespace
+
+ExportCommands::SampleRange ExportCommands::Range() const {
+    const Selection& selection = m_parts.view.Selected();
+    if (selection.active) return {selection.First(), selection.Count()};
+    return {1, m_parts.document.Block().sampleCount};
+}
+
+void ExportCommands::SaveAs() {
+    SaveFileDialog& dialog = m_parts.saveDialog;
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    const SampleRange range = Range();
+    dialog.title = m_parts.services.Text(IDS_SAVE_AS_TITLE);
+    dialog.filter = BuildSaveFilter();
+    dialog.filterIndex = m_saveType;
+    dialog.fileName = BareName(m_parts.document.File().fileName);
+    const std::u16string& last = m_parts.settings.exportPath;
+    dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_parts.document.File().fileName) : last;
+    onDialog();
+    if (!dialog.Show() || m_parts.longCommand.IsGone()) return;
+    // Its messages may have closed the recording, which another program can take away.
+    if (m_parts.document.Block().block != block) return;
+    m_saveType = dialog.filterIndex;
+    const std::u16string name = dialog.fileName;
+    if (LowerCase(name).ends_with(u".txt")) {
+        // The dialog has asked about the target itself, which a file per channel leaves alone.
+        std::vector<std::u16string> files =
+            TextExportFiles(name, *block, TextSettings(m_parts.settings), m_parts.document.Slots());
+        std::erase(files, name);
+        if (!MayReplace(std::move(files)) || m_parts.longCommand.IsGone()) return;
+        if (m_parts.document.Block().block != block) return;
+        m_parts.settings.exportPath = FolderOf(name);
+        WriteText(name, range);
+    } else {
+        WriteRecording(*block, name, range, dialog.filterIndex);
+    }
+}
+
+void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range,
+                                    std::int32_t type) {
+    KVExport& exporter = m_parts.exporter;
+    bool done = false;
+    onWork([&] {
+        std::int32_t shown = -1;
+        exporter.SetProgress([&](std::int32_t samples, std::int32_t total) {
+            const auto percent = static_cast<std::int32_t>(std::int64_t{100} * samples / std::max(total, 1));
+            if (percent != std::exchange(shown, percent))
+                m_parts.status.Tell(StatusBar::Topic::Outcome,
+                                    m_parts.services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
+            m_parts.longCommand.StayAlive();
+        });
+        m_parts.status.Tell(StatusBar::Topic::Outcome, {});
+        exporter.SetRecording(m_parts.document.File().fileName);
+        done = exporter.Export(&block, name, range.first, range.count, type);
+    });
+    exporter.SetProgress({});
+    if (m_parts.longCommand.IsGone()) return;
+    // What went wrong was told in a box.
+    const std::u16string loss = DescribeLoss(exporter.Outcome(), m_parts.language);
+    m_parts.status.Tell(StatusBar::Topic::Outcome,
+                        done ? m_parts.services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") + loss
+                             : std::u16string());
+}
+
+bool ExportCommands::MayReplace(std::vector<std::u16string> files) const {
+    std::erase_if(files, [](const std::u16string& file) { return !FileExists(file); });
+    if (files.empty()) return true;
+    std::u16string question = m_parts.services.Text(IDS_REPLACE_FILES) + u"\n";
+    for (std::size_t i = 0; i < std::min(files.size(), kNamesShown); ++i) question += u"\n" + FileNameOf(files[i]);
+    if (files.size() > kNamesShown) question += u"\n... (" + Decimal(static_cast<std::int64_t>(files.size())) + u")";
+    return AskYesNo(m_parts.longCommand.Window(), question);
+}
+
+void ExportCommands::WriteText(const std::u16string& target, const SampleRange& range) {
+    TextExportContext context{m_parts.document.Slots(), m_parts.format, m_parts.view.RawCodes(), m_parts.services,
+                              m_parts.openText};
+    context.runPending = [this] { return m_parts.longCommand.StayAlive(); };
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    std::u16string unread;
+    onWork([&] {
+        try {
+            ExportText(target, *block, range.first, range.count, TextSettings(m_parts.settings), context);
+        } catch (const std::exception& error) {
+            unread = m_parts.document.File().fileName + u": " + Utf16(error.what());
+        }
+    });
+    if (m_parts.longCommand.IsGone()) return;
+    const bool file = target != kClipboardTarget;
+    const auto tell = [&](int text, const std::u16string& name) {
+        m_parts.status.Tell(StatusBar::Topic::Outcome,
+                            m_parts.services.Text(text) + (name.empty() ? name : u": " + name));
+    };
+    if (!unread.empty()) {
+        tell(IDS_SOUND_UNREADABLE, unread);
+    } else if (!context.failures.empty()) {
+        tell(file ? IDS_CANNOT_WRITE : IDS_CLIPBOARD_FAILED, Joined(context.failures));
+    } else if (context.written.empty()) {
+        tell(IDS_NO_SHOWN_CHANNEL, {});
+    } else if (!file) {
+        tell(IDS_COPIED, {});
+    } else {
+        const bool several = context.written.size() > 1;
+        tell(IDS_WRITTEN, context.written.front() + (several ? u" ... " + FileNameOf(context.written.back()) : u""));
+    }
+}
+
+void ExportCommands::FastExport() {
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    if (m_parts.settings.exportFastFile.empty()) {
+        std::u16string name;
+        onDialog();
+        if (!FastExportDialog(m_parts.saveDialog, m_parts.services, name)) return;
+        if (m_parts.longCommand.IsGone()) return;
+        m_parts.settings.exportFastFile = name;
+    }
+    if (m_parts.document.Block().block != block) return;
+    std::u16string target = m_parts.settings.exportFastFile;
+    // A name without a folder means the recording's own.
+    if (target.find_first_of(u":\\/") == std::u16string::npos)
+        target.insert(0, FolderOf(m_parts.document.File().fileName));
+    if (!MayReplaceFastFiles(*block, target) || m_parts.longCommand.IsGone()) return;
+    if (m_parts.document.Block().block == block) WriteText(target, Range());
+}
+
+bool ExportCommands::MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target) {
+    std::vector<std::u16string> files =
+        TextExportFiles(target, block, TextSettings(m_parts.settings), m_parts.document.Slots());
+    std::erase_if(files, [&](const std::u16string& file) {
+        if (std::find(m_fastFiles.begin(), m_fastFiles.end(), file) != m_fastFiles.end()) return true;
+        // The one that the user has named is not asked about, unless it is what nobody would replace by a text.
+        return file == target && (file == m_parts.document.File().fileName || !IsRecording(file));
+    });
+    if (!MayReplace(files)) return false;
+    // What has been agreed to, or is written now, is not asked about again.
+    m_fastFiles.insert(m_fastFiles.end(), files.begin(), files.end());
+    return true;
+}
+
+bool ExportCommands::IsRecording(const std::u16string& path) const {
+    std::shared_ptr<Recording> recording;
+    return m_parts.library.OpenRecording(path, recording);
+}
+
+bool ExportCommands::MayCopy(std::int32_t samples) const {
+    constexpr std::int64_t bytesPerValue = 16;  // about, as the clipboard holds them
+    constexpr std::int64_t usual = 512;         // MB
+    const std::int64_t megabytes = samples * bytesPerValue * m_parts.document.Block().channelCount / 1000000;
+    if (megabytes <= usual) return true;
+    const std::u16string question = m_parts.services.Text(IDS_COPY_LARGE) + u"\n\n" + Decimal(megabytes) + u" MB";
+    return AskYesNo(m_parts.longCommand.Window(), question);
+}
+
+void ExportCommands::CopyData() {
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    const SampleRange range = Range();
+    if (!MayCopy(range.count) || m_parts.longCommand.IsGone() || m_parts.document.Block().block != block) return;
+    WriteText(std::u16string(kClipboardTarget), range);
+}
+
+}  // namespace quillon

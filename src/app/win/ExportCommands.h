@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/Settings.h"
+#include "app/win/LongCommand.h"
+#include "app/win/StatusBar.h"
+#include "data/Document.h"
+#include "data/SaveFileDialog.h"
+#include "data/TextSink.h"
+#include "export/KVExport.h"
+#include "view/WaveformView.h"
+
+namespace quillon {
+
+/// Writes the selection, or the whole block, as a recording or as text, and says in "Status" what came of it. Files
+/// that exist are asked about.
+class ExportCommands {
+  public:
+    /// What it works with; all outlive it.
+    struct Parts {
+        const Document& document;
+        const WaveformView& view;
+        Settings& settings;  ///< what and where to; remembers the names that the user chose
+        const FormatOptions& format;
+        RecordingLibrary& library;
+        KVExport& exporter;
+        SaveFileDialog& saveDialog;
+        const TextSinkFactory& openText;
+        Language language;
+        UserServices& services;
+        StatusBar& status;
+        LongCommand& longCommand;
+    };
+    explicit ExportCommands(const Parts& parts) : m_parts(parts) {}
+
+    // To be set by the owner.
+    std::function<void()> onDialog;                                 ///< a dialog is going to be shown
+    std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that takes long
+
+    void SaveAs();
+    void FastExport();
+    /// As text to the clipboard.
+    void CopyData();
+
+  private:
+    /// A stretch of the block; samples count from 1.
+    struct SampleRange {
+        std::int32_t first = 1;
+        std::int32_t count = 0;
+    };
+    [[nodiscard]] SampleRange Range() const;
+    void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range, std::int32_t type);
+    void WriteText(const std::u16string& target, const SampleRange& range);
+    /// Asks the user once about those of the files that exist.
+    [[nodiscard]] bool MayReplace(std::vector<std::u16string> files) const;
+    /// The same about files that the fast export would replace and nobody has named for it.
+    [[nodiscard]] bool MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target);
+    [[nodiscard]] bool IsRecording(const std::u16string& path) const;
+    /// Asks the user where so much text would hardly find room.
+    [[nodiscard]] bool MayCopy(std::int32_t samples) const;
+
+    Parts m_parts;
+    std::int32_t m_saveType = 1;              ///< chosen last in the Save As dialog
+    std::vector<std::u16string> m_fastFiles;  ///< that the fast export may replace unasked
+};
+
+}  // namespace quillon

@@ -1,0 +1,370 @@
+#include "app/win/GraphPane.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "app/ControlIds.h"
+#include "app/win/NoticePainter.h"
+#include "view/Readout.h"
+#include "view/ScaleLabels.h"
+#include "view/win/GDI_Utils.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr UINT_PTR kAutoScroll = 1;
+constexpr UINT kAutoScrollPeriod = 40;  // ms
+/// The amplitude scroll bar moves the base line this many rows up or down at most.
+constexpr std::int64_t kBaseLineReach = 2000;
+/// Columns or rows of a click on an end of a scroll bar.
+constexpr int kScrollStep = 20;
+
+/// Present position of a thumb that is held; WM_HSCROLL and WM_VSCROLL carry only 16 bits of it.
+int TrackPosition(HWND scrollBar) {
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_TRACKPOS;
+    GetScrollInfo(scrollBar, SB_CTL, &info);
+    return info.nTrackPos;
+}
+
+}  // namespace
+
+GraphPane::GraphPane(const Document& document, WaveformView& view, const Playback& playback, const Settings& settings,
+                     const FormatOptions& format, HoverCapture& hover, bool foldOrigin)
+    : m_document(document),
+      m_view(view),
+      m_playback(playback),
+      m_settings(settings),
+      m_format(format),
+      m_hover(hover),
+      m_foldOrigin(foldOrigin),
+      m_gestures(view) {}
+
+bool GraphPane::CreateGraph(HWND parent) {
+    return m_graph.Create(parent, pbGraph, *this, true);
+}
+
+bool GraphPane::CreateRest(HWND parent) {
+    return m_scaleX.Create(parent, pbScaleX, *this, false) && m_scaleY.Create(parent, pbScaleY, *this, false) &&
+           m_zoomX.Create(parent, btnZoomX, *this);
+}
+
+void GraphPane::SetSize(std::int32_t width, std::int32_t height) {
+    m_width = width;
+    m_height = height;
+    m_view.Arrange(width, height);
+}
+
+void GraphPane::SetNotice(GraphNotice notice) {
+    if (notice.title == m_notice.title && notice.text == m_notice.text) return;
+    m_notice = std::move(notice);
+    m_graph.Invalidate();
+}
+
+GraphScene GraphPane::Scene() const {
+    return {m_document.Block(),
+            m_view.Axis(),
+            m_view.GetLanes(),
+            m_view.RawCodes(),
+            m_foldOrigin,
+            static_cast<GridStyle>(std::clamp<int>(m_settings.gridStyle, 0, 2)),
+            TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(m_settings.gridColor))))};
+}
+
+void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
+    RECT client{};
+    const HWND picture = id == pbGraph ? m_graph.Window() : id == pbScaleX ? m_scaleX.Window() : m_scaleY.Window();
+    GetClientRect(picture, &client);
+    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_format));
+    if (id == pbScaleY) {
+        m_scales.PaintAmplitude(dc, client,
+                                HasSamples()
+                                    ? AmplitudeLabels(m_view.GetLanes(), m_view.RawCodes(), m_format.decimalSeparator)
+                                    : std::vector<ScaleLabel>());
+    }
+    if (id != pbGraph) return;
+    m_painter.Paint(dc, clip);
+    PaintNotice(dc, client, m_notice, ScreenDpi());
+}
+
+void GraphPane::UpdateScrollBars() {
+    const TimeAxis& axis = m_view.Axis();
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_ALL;
+    info.nPage = static_cast<UINT>(axis.ScrollPage());
+    // A scroll bar stops one page before its maximum; ours counts positions of the first column.
+    info.nMax = TimeAxis::kScrollMax + static_cast<int>(info.nPage) - 1;
+    info.nPos = axis.ScrollValue();
+    SetScrollInfo(ScrollBar(scScaleX), SB_CTL, &info, TRUE);
+    EnableWindow(ScrollBar(scScaleX), axis.CanScroll());
+
+    // A base line that lies farther away is the middle of the bar, so that the thumb moves it from where it is.
+    const std::int64_t shift = m_view.BaseLineShift();
+    if (std::abs(shift - m_baseLineMiddle) > kBaseLineReach) m_baseLineMiddle = shift;
+    if (std::abs(shift) <= kBaseLineReach) m_baseLineMiddle = 0;
+    constexpr auto reach = static_cast<int>(kBaseLineReach);
+    info.nMin = -reach;
+    info.nPage = static_cast<UINT>(std::max(m_height, 1));
+    info.nMax = reach + static_cast<int>(info.nPage) - 1;
+    info.nPos = static_cast<int>(m_baseLineMiddle - shift);
+    SetScrollInfo(ScrollBar(scScaleY), SB_CTL, &info, TRUE);
+    EnableWindow(ScrollBar(scScaleY), HasSamples());
+}
+
+void GraphPane::OnHScroll(UINT code) {
+    const std::int32_t page = m_width - m_width % TimeAxis::kDivision;
+    switch (code) {
+        case SB_LINELEFT: return onChange(m_view.ScrollBy(-kScrollStep));
+        case SB_LINERIGHT: return onChange(m_view.ScrollBy(kScrollStep));
+        case SB_PAGELEFT: return onChange(m_view.ScrollBy(-page));
+        case SB_PAGERIGHT: return onChange(m_view.ScrollBy(page));
+        case SB_LEFT: return onChange(m_view.ScrollBy(m_view.Axis().PageShift(0)));
+        case SB_RIGHT: return onChange(m_view.ScrollBy(m_view.Axis().PageShift(3)));
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION: return onChange(m_view.SetScrollValue(TrackPosition(ScrollBar(scScaleX))));
+        default: return;
+    }
+}
+
+void GraphPane::OnVScroll(UINT code) {
+    const std::int32_t page = m_height / AmplitudeScale::kDivision * AmplitudeScale::kDivision;
+    switch (code) {
+        case SB_LINEUP: return onChange(m_view.MoveBaseLine(kScrollStep));
+        case SB_LINEDOWN: return onChange(m_view.MoveBaseLine(-kScrollStep));
+        case SB_PAGEUP: return onChange(m_view.MoveBaseLine(page));
+        case SB_PAGEDOWN: return onChange(m_view.MoveBaseLine(-page));
+        case SB_THUMBTRACK:
+        case SB_THUMBPOSITION: break;
+        default: return;
+    }
+    const std::int64_t shift = m_baseLineMiddle - TrackPosition(ScrollBar(scScaleY));
+    onChange(m_view.MoveBaseLine(shift - m_view.BaseLineShift()));
+}
+
+void GraphPane::FitScales() {
+    if (m_height > 0) m_view.FitScales(m_painter.SeenRanges(Scene()));
+}
+
+void GraphPane::Refresh(std::int32_t shift) {
+    m_view.Arrange(m_width, m_height);
+    // The first recording is open before the graph has a size.
+    if (!m_view.HasFittedScales()) FitScales();
+    if (HasSamples()) {
+        HideCursor();
+        ShowSelection();
+        ShowPlayLine();
+        if (shift != 0) {
+            m_painter.Scroll(Scene(), shift);
+        } else {
+            m_painter.Draw(Scene(), m_width, m_height);
+        }
+    } else {
+        m_painter.Clear(m_width, m_height);
+    }
+    m_graph.Invalidate();
+    if (m_scaleX.Window() == nullptr) return;
+    m_zoomX.SetCaption(ZoomCaption(m_view.Axis().ZoomIndex()));
+    UpdateScrollBars();
+    m_scaleX.Invalidate();
+    if (shift == 0) m_scaleY.Invalidate();
+}
+
+std::string GraphPane::Failure() const {
+    return HasSamples() ? m_painter.ReadFailure() : std::string();
+}
+
+void GraphPane::LeaveBlock() {
+    // A gesture or readout under way concerns what is no longer there.
+    EndGesture();
+    m_hover.End();
+    const HWND capture = GetCapture();
+    if (capture != nullptr && (capture == m_graph.Window() || capture == m_scaleY.Window())) ReleaseCapture();
+    m_painter.ForgetBlock();
+    m_painter.Clear(m_width, m_height);
+}
+
+// Bands over the graph.
+
+void GraphPane::SetBand(GraphBand which, const std::optional<ColumnBand>& band) {
+    const RECT changed = m_painter.SetBand(which, band);
+    if (!IsRectEmpty(&changed)) InvalidateRect(m_graph.Window(), &changed, FALSE);
+}
+
+void GraphPane::ShowSelection() {
+    const Selection& selection = m_view.Selected();
+    SetBand(GraphBand::Selection,
+            selection.active ? BandOf(m_view.Axis(), selection.First(), selection.Last()) : std::nullopt);
+}
+
+void GraphPane::ShowPlayLine(std::int32_t sample) {
+    const auto band = sample > 0 ? BandOf(m_view.Axis(), sample, sample) : std::nullopt;
+    SetBand(GraphBand::Play, band);
+    onBand(CommonBand::Play, band);
+}
+
+void GraphPane::ShowCursor(const std::optional<ColumnBand>& band) {
+    SetBand(GraphBand::Cursor, band);
+    onBand(CommonBand::Cursor, band);
+}
+
+// The mouse.
+
+bool GraphPane::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (onBusy()) return message == WM_SETCURSOR && (SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true);
+    if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN) SetFocus(m_graph.Window());
+    const GraphPointer pointer{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam), (wParam & MK_SHIFT) != 0,
+                               (wParam & MK_CONTROL) != 0, false};
+    if (id == pbScaleY) return ScaleYMouse(message, pointer);
+    if (id == pbScaleX) return message == WM_LBUTTONDOWN;
+    if (message == WM_SETCURSOR) return SetCursor(Pointer()), true;
+    if (message == WM_CANCELMODE || message == WM_CAPTURECHANGED) {
+        // Taken by a menu, a dialog or another window.
+        EndGesture();
+        if (message == WM_CANCELMODE) m_hover.End();
+        m_hover.Lose(m_graph.Window());
+        return false;
+    }
+    return GraphMouse(message, wParam, pointer);
+}
+
+bool GraphPane::GraphMouse(UINT message, WPARAM wParam, const GraphPointer& pointer) {
+    const bool starts = message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK || message == WM_MBUTTONDOWN ||
+                        message == WM_MBUTTONDBLCLK;
+    if (!HasSamples()) {
+        m_hover.End();
+        return starts;
+    }
+    // One gesture at a time.
+    if (starts && HasGesture()) return true;
+    switch (message) {
+        case WM_LBUTTONDOWN:
+        case WM_LBUTTONDBLCLK:
+            if (pointer.control) {
+                Hover(pointer.x, pointer.y);
+            } else {
+                Press(m_graph.Window(), GraphButton::Left, GraphZone::Traces, pointer);
+            }
+            return true;
+        case WM_MBUTTONDOWN:
+        case WM_MBUTTONDBLCLK:
+            Press(m_graph.Window(), GraphButton::Middle, GraphZone::Traces, pointer);
+            SetCursor(LoadCursorW(nullptr, IDC_SIZEALL));
+            return true;
+        case WM_MOUSEMOVE:
+            if (HasGesture()) {
+                Drag(pointer);
+            } else if ((wParam & MK_LBUTTON) == 0 || pointer.control) {
+                Hover(pointer.x, pointer.y);
+            }
+            return true;
+        case WM_LBUTTONUP:
+            if (m_gestures.Current() == GraphGestures::Kind::Select) FinishSelection(pointer);
+            return true;
+        case WM_MBUTTONUP:
+            if (m_gestures.Current() == GraphGestures::Kind::Pan) ReleaseCapture();
+            return true;
+        case WM_RBUTTONUP: {
+            if (HasGesture()) return true;
+            m_hover.End();
+            POINT screen{pointer.x, pointer.y};
+            ClientToScreen(m_graph.Window(), &screen);
+            const ReadoutSource source{m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes()};
+            onContextMenu(screen,
+                          ChannelNear(source, m_view.GetLanes(), SampleUnder(m_view.Axis(), pointer.x), pointer.y));
+            return true;
+        }
+        default: return false;
+    }
+}
+
+bool GraphPane::ScaleYMouse(UINT message, const GraphPointer& pointer) {
+    const bool drags = m_gestures.Current() == GraphGestures::Kind::BaseLine;
+    if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
+        Press(m_scaleY.Window(), GraphButton::Left, GraphZone::AmplitudeScale, pointer);
+    } else if (message == WM_MOUSEMOVE && drags) {
+        Drag(pointer);
+    } else if (message == WM_LBUTTONUP && drags) {
+        ReleaseCapture();
+    } else if (message == WM_CAPTURECHANGED) {
+        EndGesture();
+    } else if (message == WM_SETCURSOR) {
+        SetCursor(LoadCursorW(nullptr, IDC_SIZENS));
+        return true;
+    }
+    return message == WM_LBUTTONDOWN;
+}
+
+void GraphPane::Press(HWND box, GraphButton button, GraphZone zone, const GraphPointer& pointer) {
+    m_hover.End();
+    const ViewChange change = m_gestures.Press(button, zone, pointer);
+    if (!HasGesture()) return;
+    SetCapture(box);
+    if (!change.selection) return;
+    if (m_view.Selected().start != m_view.Selected().end) return Drag(pointer);
+    ShowSelection();
+    onSelectionStart();
+}
+
+void GraphPane::Drag(const GraphPointer& pointer) {
+    onChange(m_gestures.Move(pointer));
+    if (m_gestures.IsBeside()) {
+        SetTimer(GetParent(m_graph.Window()), kAutoScroll, kAutoScrollPeriod, nullptr);
+    } else {
+        KillTimer(GetParent(m_graph.Window()), kAutoScroll);
+    }
+}
+
+void GraphPane::OnTimer(UINT_PTR timer) {
+    if (timer == kAutoScroll) onChange(m_gestures.AutoScroll());
+}
+
+void GraphPane::EndGesture() {
+    if (!HasGesture()) return;
+    KillTimer(GetParent(m_graph.Window()), kAutoScroll);
+    m_gestures.Cancel();
+    ShowSelection();
+    onSelectionEnd();
+}
+
+void GraphPane::EndSelecting() {
+    if (m_gestures.Current() == GraphGestures::Kind::Select) ReleaseCapture();
+}
+
+void GraphPane::FinishSelection(const GraphPointer& pointer) {
+    KillTimer(GetParent(m_graph.Window()), kAutoScroll);
+    const ViewChange change = m_gestures.Release(pointer);
+    ReleaseCapture();
+    onChange(change);
+    if (m_view.Selected().active) m_hover.HoldUntilMoved();
+}
+
+void GraphPane::Wheel(int delta, GraphZone zone, const GraphPointer& pointer) {
+    onChange(m_gestures.Wheel(delta, zone, pointer));
+}
+
+// The readout.
+
+void GraphPane::Hover(int x, int y) {
+    if (m_hover.StaysIn(m_graph.Window(), Pointer(), {x, y})) ReadOut(SampleUnder(m_view.Axis(), x), x, y);
+}
+
+void GraphPane::HoverAgain() {
+    if (m_hover.Picture() != nullptr && m_hover.Picture() == m_graph.Window() && !HasGesture())
+        Hover(static_cast<int>(m_hover.Point().x), static_cast<int>(m_hover.Point().y));
+}
+
+void GraphPane::ShowSample(std::int32_t sample) {
+    ReadOut(sample, (sample - 1) / m_view.Axis().SamplesPerPixel() - m_view.Axis().FirstColumn(), 0);
+}
+
+void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
+    ShowCursor(BandOf(m_view.Axis(), sample, sample));
+    const auto mark = m_painter.MarkAt(Scene(), x, row);
+    onHover(sample, mark ? m_document.Block().marks[*mark].text : std::u16string());
+}
+
+}  // namespace quillon

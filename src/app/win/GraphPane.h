@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "app/GraphNotice.h"
+#include "app/Playback.h"
+#include "app/Settings.h"
+#include "app/win/HoverCapture.h"
+#include "app/win/SpectrogramPane.h"
+#include "view/GraphGestures.h"
+#include "view/win/GraphCursor.h"
+#include "view/win/GraphPainter.h"
+#include "view/win/PictureBox.h"
+#include "view/win/ScalePainter.h"
+#include "view/win/ucZoomX.h"
+
+namespace quillon {
+
+/// The graph with its scales, scroll bars and zoom control: turns the mouse into gestures and readouts, and paints what
+/// document, view and playback hold.
+class GraphPane final : private PictureOwner, private ZoomXEvents {
+  public:
+    /// All outlive it. `foldOrigin`: see TraceGeometry.
+    GraphPane(const Document& document, WaveformView& view, const Playback& playback, const Settings& settings,
+              const FormatOptions& format, HoverCapture& hover, bool foldOrigin);
+
+    // To be set by the owner.
+    std::function<void(const ViewChange& change)> onChange;  ///< the mouse has changed the view
+    std::function<void()> onSelectionStart;
+    std::function<void()> onSelectionEnd;                                          ///< there may be none any more
+    std::function<void(std::int32_t sample, const std::u16string& mark)> onHover;  ///< a readout
+    std::function<void(CommonBand which, const std::optional<ColumnBand>& band)> onBand;  ///< shown, moved or hidden
+    std::function<void(POINT screen, std::int16_t channel)> onContextMenu;  ///< channel of the trace there, 0: none
+    std::function<void(int index)> onZoom;                                  ///< 0 out, 1 in
+    std::function<void(HWND control)> onZoomMenu;
+    std::function<bool()> onBusy;  ///< whether the mouse goes nowhere now
+    std::function<void(const std::exception& error)> onFailed;
+
+    /// The graph, which the first waveform needs.
+    [[nodiscard]] bool CreateGraph(HWND parent);
+    /// The scales and the zoom control; the scroll bars are made by their parent.
+    [[nodiscard]] bool CreateRest(HWND parent);
+    [[nodiscard]] HWND Graph() const { return m_graph.Window(); }
+    [[nodiscard]] HWND ScaleX() const { return m_scaleX.Window(); }
+    [[nodiscard]] HWND ScaleY() const { return m_scaleY.Window(); }
+    /// The shape of the pointer over graph and spectrogram.
+    [[nodiscard]] HCURSOR Pointer() { return m_cursors.Get(m_settings.waveformCursor); }
+    /// Pixels of the graph.
+    void SetSize(std::int32_t width, std::int32_t height);
+    /// What stands in a graph without traces.
+    void SetNotice(GraphNotice notice);
+
+    /// Chooses scales for the block where its data are not readable at the present ones.
+    void FitScales();
+    /// Draws everything for the present view. A shift says that the view was only scrolled since it was drawn.
+    void Refresh(std::int32_t shift);
+    /// The block goes.
+    void LeaveBlock();
+    void ShowSelection();
+    void ShowPlayLine() { ShowPlayLine(m_playback.Position()); }
+    /// The line of the sound is no part of a picture of the view.
+    void HidePlayLine() { ShowPlayLine(0); }
+    void HideCursor() { ShowCursor(std::nullopt); }
+    void ShowCursor(const std::optional<ColumnBand>& band);
+    /// Reads out a sample, wherever the pointer is.
+    void ShowSample(std::int32_t sample);
+    /// The view has moved under the pointer.
+    void HoverAgain();
+    /// Why a part of what is drawn could not be read; empty when all could.
+    [[nodiscard]] std::string Failure() const;
+
+    [[nodiscard]] bool HasGesture() const { return m_gestures.Current() != GraphGestures::Kind::None; }
+    void EndGesture();
+    /// Another command takes the selection.
+    void EndSelecting();
+    void Wheel(int delta, GraphZone zone, const GraphPointer& pointer);
+    void OnHScroll(UINT code);
+    void OnVScroll(UINT code);
+    void OnTimer(UINT_PTR timer);
+
+  private:
+    void PaintPicture(int id, HDC dc, const RECT& clip) override;
+    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    void PictureFailed(const std::exception& error) override { onFailed(error); }
+    void ZoomDown(int index) override { onZoom(index); }
+    void ZoomButtonDown() override { onZoomMenu(m_zoomX.Window()); }
+    void ZoomFailed(const std::exception& error) override { onFailed(error); }
+    bool GraphMouse(UINT message, WPARAM wParam, const GraphPointer& pointer);
+    bool ScaleYMouse(UINT message, const GraphPointer& pointer);
+    void Press(HWND box, GraphButton button, GraphZone zone, const GraphPointer& pointer);
+    void Drag(const GraphPointer& pointer);
+    void FinishSelection(const GraphPointer& pointer);
+    void Hover(int x, int y);
+    void ReadOut(std::int32_t sample, int x, int row);
+    void ShowPlayLine(std::int32_t sample);
+    void SetBand(GraphBand which, const std::optional<ColumnBand>& band);
+    void UpdateScrollBars();
+    [[nodiscard]] HWND ScrollBar(int id) const { return GetDlgItem(GetParent(m_graph.Window()), id); }
+    [[nodiscard]] GraphScene Scene() const;
+    [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
+
+    const Document& m_document;
+    WaveformView& m_view;
+    const Playback& m_playback;
+    const Settings& m_settings;
+    const FormatOptions& m_format;
+    HoverCapture& m_hover;
+    bool m_foldOrigin;
+    GraphGestures m_gestures;
+    PictureBox m_graph;
+    PictureBox m_scaleX;
+    PictureBox m_scaleY;
+    ucZoomX m_zoomX;
+    GraphPainter m_painter;
+    ScalePainter m_scales;
+    GraphCursor m_cursors;
+    GraphNotice m_notice;
+    std::int32_t m_width = 0;
+    std::int32_t m_height = 0;
+    std::int64_t m_baseLineMiddle = 0;  ///< shift of the base line at which the amplitude scroll bar is in its middle
+};
+
+}  // namespace quillon

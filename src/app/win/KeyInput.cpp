@@ -1,0 +1,129 @@
+#include "app/win/KeyInput.h"
+
+#include <utility>
+
+#include "app/Commands.h"
+#include "app/ControlIds.h"
+
+namespace quillon {
+
+namespace {
+
+Key KeyOf(WPARAM code) {
+    if ((code >= 'A' && code <= 'Z') || (code >= '0' && code <= '9')) return static_cast<Key>(code);
+    switch (code) {
+        case VK_LEFT: return Key::Left;
+        case VK_RIGHT: return Key::Right;
+        case VK_UP: return Key::Up;
+        case VK_DOWN: return Key::Down;
+        case VK_PRIOR: return Key::PageUp;
+        case VK_NEXT: return Key::PageDown;
+        case VK_HOME: return Key::Home;
+        case VK_END: return Key::End;
+        case VK_ADD:
+        case VK_OEM_PLUS: return Key::Plus;
+        case VK_SUBTRACT:
+        case VK_OEM_MINUS: return Key::Minus;
+        case VK_SPACE: return Key::Space;
+        case VK_RETURN: return Key::Enter;
+        case VK_ESCAPE: return Key::Escape;
+        case VK_BACK: return Key::Backspace;
+        case VK_DELETE: return Key::Delete;
+        case VK_F1: return Key::F1;
+        case VK_F2: return Key::F2;
+        case VK_F5: return Key::F5;
+        default: return Key::None;
+    }
+}
+
+/// Whether a key message repeats a key that is held.
+bool IsRepeated(const MSG& message) {
+    return (message.lParam & (1 << 30)) != 0;
+}
+
+}  // namespace
+
+KeyPlace KeyInput::FocusPlace() const {
+    const HWND focus = GetFocus();
+    if (focus == m_window || focus == Control(pbGraph)) return KeyPlace::Graph;
+    if (focus == Control(lstDir)) return KeyPlace::FolderList;
+    if (focus == Control(lstFile)) return KeyPlace::FileList;
+    if (focus == Control(lvCh)) return KeyPlace::ChannelList;
+    return KeyPlace::Everywhere;
+}
+
+bool KeyInput::Translate(const MSG& message) {
+    if (m_window == nullptr) return false;
+    if (message.message == WM_MOUSEWHEEL) return RouteWheel(message);
+    // After another key its release comes as that of an ordinary one.
+    const bool released = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
+    if (released && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
+    if (message.message == WM_SYSKEYDOWN && message.wParam == VK_MENU && !IsRepeated(message)) m_altUsed = false;
+    if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
+    return (message.hwnd == m_window || IsChild(m_window, message.hwnd)) && TranslateKey(message);
+}
+
+bool KeyInput::TranslateKey(const MSG& message) {
+    const bool control = GetKeyState(VK_CONTROL) < 0;
+    // A plus needs it on most keyboards.
+    const bool shift = GetKeyState(VK_SHIFT) < 0 && message.wParam != VK_OEM_PLUS;
+    const bool alt = GetKeyState(VK_MENU) < 0;
+    const HWND focus = GetFocus();
+    const WPARAM code = message.wParam;
+    if (code == VK_TAB && !control && !alt) {
+        if (const HWND next = GetNextDlgTabItem(m_window, focus, shift)) onFocus(next);
+        return true;
+    }
+    if (focus == Control(pbPathList) && (code == VK_RETURN || code == VK_SPACE || code == VK_DOWN)) {
+        onPathList();
+        return true;
+    }
+    if (code == VK_APPS || (code == VK_F10 && shift)) {
+        if (focus != Control(pbGraph)) return false;
+        onContextMenu();
+        return true;
+    }
+    const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
+    if (command == 0) return false;
+    // The key that plays a channel also stops; held down it does neither again.
+    if (command == mnuSoundPlay && IsRepeated(message)) return true;
+    if (alt) m_altUsed = true;
+    onCommand(command);
+    return true;
+}
+
+bool KeyInput::RouteWheel(const MSG& message) {
+    // The wheel belongs to what lies under the pointer, wherever the focus is.
+    const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
+    if (under == nullptr || !IsWindowEnabled(m_window) || !IsChild(m_window, under)) return false;
+    const int id = GetDlgCtrlID(under);
+    if (id != pbGraph && id != pbFFT && id != pbScaleX && id != pbScaleY) {
+        // A closed drop-down list would choose another entry: it has to have the focus for that.
+        const bool choice = id == lstDrive || id == cboFileType;
+        if (!choice || GetFocus() == under) SendMessageW(under, WM_MOUSEWHEEL, message.wParam, message.lParam);
+        return true;
+    }
+    int delta = GET_WHEEL_DELTA_WPARAM(message.wParam);
+    // What has queued up while the last turn was drawn is one turn.
+    MSG next{};
+    while (PeekMessageW(&next, nullptr, WM_MOUSEWHEEL, WM_MOUSEWHEEL, PM_NOREMOVE) && next.hwnd == message.hwnd &&
+           LOWORD(next.wParam) == LOWORD(message.wParam)) {
+        PeekMessageW(&next, nullptr, WM_MOUSEWHEEL, WM_MOUSEWHEEL, PM_REMOVE);
+        delta += GET_WHEEL_DELTA_WPARAM(next.wParam);
+    }
+    POINT point{GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)};
+    ScreenToClient(Control(pbGraph), &point);
+    const UINT keys = GET_KEYSTATE_WPARAM(message.wParam);
+    const GraphPointer pointer{static_cast<std::int32_t>(point.x), static_cast<std::int32_t>(point.y),
+                               (keys & MK_SHIFT) != 0, (keys & MK_CONTROL) != 0, GetKeyState(VK_MENU) < 0};
+    // The release of the key would open the menu.
+    if (pointer.alt) m_altUsed = true;
+    const GraphZone zone = id == pbScaleX   ? GraphZone::TimeScale
+                           : id == pbScaleY ? GraphZone::AmplitudeScale
+                           : id == pbFFT    ? GraphZone::Spectrogram
+                                            : GraphZone::Traces;
+    onWheel(delta, zone, pointer);
+    return true;
+}
+
+}  // namespace quillon

@@ -1,0 +1,111 @@
+#include "app/win/MainControls.h"
+
+#include <system_error>
+
+#include "app/ControlIds.h"
+#include "base/StringIds.h"
+
+namespace quillon {
+
+namespace {
+
+/// Makes controls of one window.
+struct Maker {
+    HWND window;
+    HFONT font;
+    HWND operator()(const wchar_t* className, DWORD style, DWORD extendedStyle, int id) const {
+        const auto menu = reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
+        const HWND control = CreateWindowExW(extendedStyle, className, L"", WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0,
+                                             window, menu, GetModuleHandleW(nullptr), nullptr);
+        if (control == nullptr)
+            throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "control");
+        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+        return control;
+    }
+};
+
+void FillTabs(HWND tabs, int firstCaption, const UserServices& services) {
+    for (int page = 0; page < 2; ++page) {
+        std::wstring caption = Wide(services.Text(firstCaption + page));
+        TCITEMW item{};
+        item.mask = TCIF_TEXT;
+        item.pszText = caption.data();
+        TabCtrl_InsertItem(tabs, page, &item);
+    }
+}
+
+}  // namespace
+
+void MakeMainControls(HWND window, HFONT font, const UserServices& services) {
+    constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
+    constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
+    constexpr DWORD channels =
+        WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS;
+    const Maker make{window, font};
+    FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS, services);
+    make(WC_COMBOBOXW, combo, 0, lstDrive);
+    make(WC_LISTBOXW, list, WS_EX_CLIENTEDGE, lstDir);
+    make(WC_LISTVIEWW, channels, WS_EX_CLIENTEDGE, lvCh);
+    FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES, services);
+    make(WC_COMBOBOXW, combo, 0, cboFileType);
+    make(WC_LISTBOXW, list | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
+    make(WC_LISTBOXW, list | LBS_USETABSTOPS, WS_EX_CLIENTEDGE, lstBlock);
+    make(WC_SCROLLBARW, SBS_HORZ, 0, scScaleX);
+    make(WC_SCROLLBARW, SBS_VERT, 0, scScaleY);
+    make(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
+    // The graph was there before.
+    SetWindowPos(GetDlgItem(window, pbGraph), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
+void AddToolTip(HWND control, const std::u16string& text) {
+    const HWND window = GetParent(control);
+    const HWND tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0, 0,
+                                      window, nullptr, GetModuleHandleW(nullptr), nullptr);
+    std::wstring wide = Wide(text);
+    TTTOOLINFOW tool{};
+    tool.cbSize = sizeof tool;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = window;
+    tool.uId = reinterpret_cast<UINT_PTR>(control);
+    tool.lpszText = wide.data();
+    SendPointer(tips, TTM_ADDTOOLW, 0, &tool);
+}
+
+void SelectPage(HWND window, TabPages tabs, int page) {
+    TabCtrl_SetCurSel(GetDlgItem(window, tabs == TabPages::Path ? tabPath : tabFile), page);
+    ShowSelectedPages(window);
+}
+
+void ShowSelectedPages(HWND window) {
+    struct Place {
+        int control;
+        int tabs;
+        int page;
+    };
+    constexpr Place places[] = {{lstDrive, tabPath, 0}, {pbPathList, tabPath, 0},  {lstDir, tabPath, 0},
+                                {lvCh, tabPath, 1},     {cboFileType, tabFile, 0}, {lstFile, tabFile, 0},
+                                {lstBlock, tabFile, 1}};
+    const HWND focus = GetFocus();
+    for (const Place& place : places) {
+        const HWND control = GetDlgItem(window, place.control);
+        const bool shown = TabCtrl_GetCurSel(GetDlgItem(window, place.tabs)) == place.page;
+        // What is hidden loses the focus, which would leave it with no control at all.
+        if (!shown && focus == control && focus != nullptr) SetFocus(GetDlgItem(window, pbGraph));
+        ShowWindow(control, shown ? SW_SHOWNA : SW_HIDE);
+    }
+}
+
+void MoveFocus(HWND window, HWND control) {
+    // The system hides what marks the focus from those who use the mouse.
+    SendMessageW(window, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
+    SetFocus(control);
+    InvalidateRect(window, nullptr, TRUE);
+}
+
+void FocusList(HWND window, int list) {
+    SelectPage(window, list < 2 ? TabPages::Path : TabPages::File, list % 2);
+    constexpr int lists[] = {lstDir, lvCh, lstFile, lstBlock};
+    MoveFocus(window, GetDlgItem(window, lists[list]));
+}
+
+}  // namespace quillon

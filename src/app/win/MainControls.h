@@ -1,0 +1,26 @@
+#pragma once
+
+#include "base/win/Win32.h"
+#include "data/UserServices.h"
+
+namespace quillon {
+
+/// Makes the controls of the main window that are the system's own: tabs, lists, scroll bars and status bar, in the
+/// order of the Tab key. Throws std::system_error when one cannot be made.
+void MakeMainControls(HWND window, HFONT font, const UserServices& services);
+
+/// Gives a control a text that shows when the pointer rests on it.
+void AddToolTip(HWND control, const std::u16string& text);
+
+/// The two pages of a strip of tabs over lists that share their place.
+enum class TabPages { Path, File };
+void SelectPage(HWND window, TabPages tabs, int page);
+/// Shows the lists of the selected pages and hides the others. The focus of what is hidden goes to the graph.
+void ShowSelectedPages(HWND window);
+
+/// Gives a control the keyboard and lets it be seen.
+void MoveFocus(HWND window, HWND control);
+/// Turns to the page of a list and gives it the keyboard: 0 folders, 1 channels, 2 files, 3 blocks.
+void FocusList(HWND window, int list);
+
+}  // namespace quillon

@@ -1,0 +1,111 @@
+#include "app/win/MainMenu.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "app/GraphKeys.h"
+#include "base/StringIds.h"
+#include "view/AmplitudeScale.h"
+
+namespace quillon {
+
+namespace {
+
+/// An ampersand in a name is a letter, not a mnemonic.
+std::wstring Escaped(const std::u16string& name) {
+    std::wstring text;
+    for (const wchar_t letter : Wide(name)) text.append(letter == L'&' ? 2 : 1, letter);
+    return text;
+}
+
+}  // namespace
+
+std::wstring MainMenu::CaptionOf(const MenuEntry& entry, int index) const {
+    if (entry.captionId == 0)
+        return Wide(ComputedCaption(entry.id + index, m_view.RawCodes(), m_format.decimalSeparator));
+    const std::u16string caption = m_services.Text(entry.captionId + index);
+    const std::u16string accelerator = AcceleratorText(entry.id + index, m_services);
+    return Wide(accelerator.empty() ? caption : caption + u'\t' + accelerator);
+}
+
+void MainMenu::Fill(HMENU menu, std::span<const MenuEntry> entries) {
+    std::vector<HMENU> parents{menu};
+    for (const MenuEntry& entry : entries) {
+        parents.resize(static_cast<std::size_t>(entry.depth) + 1);
+        const HMENU parent = parents.back();
+        if (entry.kind == MenuEntry::Kind::Separator) {
+            AppendMenuW(parent, MF_SEPARATOR, 0, nullptr);
+        } else if (entry.kind == MenuEntry::Kind::Popup) {
+            const HMENU popup = CreatePopupMenu();
+            AppendMenuW(parent, MF_POPUP, reinterpret_cast<UINT_PTR>(popup),
+                        Wide(m_services.Text(entry.captionId)).c_str());
+            if (entry.captionId == IDS_MENU_XZOOM) m_zoomMenu = popup;
+            parents.push_back(popup);
+        } else {
+            for (int index = 0; index < entry.count; ++index) {
+                AppendMenuW(parent, MF_STRING, static_cast<UINT_PTR>(entry.id + index),
+                            CaptionOf(entry, index).c_str());
+            }
+        }
+    }
+}
+
+HMENU MainMenu::Make() {
+    m_menu.Reset(CreateMenu());
+    Fill(m_menu.Get(), MenuTree());
+    return m_menu.Get();
+}
+
+int MainMenu::ShowContextMenu(HWND owner, POINT screen) {
+    const Menu menu(CreatePopupMenu());
+    Fill(menu.Get(), ContextMenu());
+    return TrackPopupMenu(menu.Get(), TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON | TPM_RETURNCMD,
+                          static_cast<int>(screen.x), static_cast<int>(screen.y), 0, owner, nullptr);
+}
+
+void MainMenu::ShowZooms(HWND owner, HWND control) const {
+    RECT place{};
+    GetWindowRect(control, &place);
+    TrackPopupMenu(m_zoomMenu, TPM_CENTERALIGN | TPM_BOTTOMALIGN, (place.left + place.right) / 2, place.top, 0, owner,
+                   nullptr);
+}
+
+void MainMenu::ShowFolders(HWND owner, HWND control, std::span<const std::u16string> folders) const {
+    const Menu menu(CreatePopupMenu());
+    for (std::size_t at = 0; at < folders.size(); ++at)
+        AppendMenuW(menu.Get(), MF_STRING, static_cast<UINT_PTR>(mnuPathList) + at, Escaped(folders[at]).c_str());
+    if (folders.empty()) AppendMenuW(menu.Get(), MF_GRAYED, 0, Wide(m_services.Text(IDS_PATHLIST_EMPTY)).c_str());
+    RECT place{};
+    GetWindowRect(control, &place);
+    TrackPopupMenu(menu.Get(), TPM_RIGHTALIGN | TPM_TOPALIGN, place.right, place.bottom, 0, owner, nullptr);
+}
+
+void MainMenu::FillSoundDevices(HMENU menu, std::span<const std::u16string> devices) const {
+    while (DeleteMenu(menu, 0, MF_BYPOSITION)) {
+    }
+    const std::size_t count = std::min<std::size_t>(devices.size(), kSoundCards);
+    for (std::size_t device = 0; device < count; ++device)
+        AppendMenuW(menu, MF_STRING, static_cast<UINT_PTR>(mnuSoundCard) + device, Escaped(devices[device]).c_str());
+    // A menu without an entry would not open.
+    if (count == 0) AppendMenuW(menu, MF_STRING, mnuSoundCard, Wide(m_services.Text(IDS_SOUNDCARD_0)).c_str());
+}
+
+void MainMenu::Update(HMENU menu, const CommandState& state) const {
+    const int count = GetMenuItemCount(menu);
+    for (int position = 0; position < count; ++position) {
+        const UINT id = GetMenuItemID(menu, position);
+        if (id == 0 || id == static_cast<UINT>(-1)) continue;
+        if (id >= mnuScaleY && id < mnuScaleY + AmplitudeScale::kScaleCount) {
+            // Units or codes, as the options have it now.
+            const std::u16string caption =
+                ComputedCaption(static_cast<int>(id), m_view.RawCodes(), m_format.decimalSeparator);
+            ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
+        }
+        const bool enabled = IsEnabled(static_cast<int>(id), state);
+        const bool checked = IsChecked(static_cast<int>(id), state);
+        EnableMenuItem(menu, id, enabled ? MF_ENABLED : MF_GRAYED);
+        CheckMenuItem(menu, id, checked ? MF_CHECKED : MF_UNCHECKED);
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "app/CommandState.h"
+#include "app/Commands.h"
+#include "base/win/WinHandle.h"
+#include "data/UserServices.h"
+#include "format/QL_Format.h"
+#include "view/WaveformView.h"
+
+namespace quillon {
+
+/// The menu of the main window and those that pop up in it. They send the commands of their entries to their owner.
+class MainMenu {
+  public:
+    /// All outlive it.
+    MainMenu(const UserServices& services, const WaveformView& view, const FormatOptions& format)
+        : m_services(services), m_view(view), m_format(format) {}
+
+    [[nodiscard]] HMENU Make();
+    /// The system destroys the menu with its window.
+    void Release() { static_cast<void>(m_menu.Release()); }
+    /// Makes the entries of a menu that is going to open what they are in that state.
+    void Update(HMENU menu, const CommandState& state) const;
+    void FillSoundDevices(HMENU menu, std::span<const std::u16string> devices) const;
+    /// The menu of the graph; returns the chosen command, 0 without one.
+    int ShowContextMenu(HWND owner, POINT screen);
+    /// The list of X zooms above the control.
+    void ShowZooms(HWND owner, HWND control) const;
+    /// The path list below the control.
+    void ShowFolders(HWND owner, HWND control, std::span<const std::u16string> folders) const;
+
+  private:
+    void Fill(HMENU menu, std::span<const MenuEntry> entries);
+    [[nodiscard]] std::wstring CaptionOf(const MenuEntry& entry, int index) const;
+
+    const UserServices& m_services;
+    const WaveformView& m_view;
+    const FormatOptions& m_format;
+    Menu m_menu;
+    HMENU m_zoomMenu = nullptr;  ///< the list of X zooms, part of m_menu
+};
+
+}  // namespace quillon

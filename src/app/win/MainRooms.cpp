@@ -1,0 +1,387 @@
+#include "app/win/MainRooms.h"
+
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+#include "app/Commands.h"
+#include "app/ControlIds.h"
+#include "base/FilePath.h"
+#include "base/StringIds.h"
+#include "base/Text.h"
+#include "data/win/FileIdentity.h"
+
+namespace quillon {
+
+MainRooms::MainRooms(RoomParts parts)
+    : m_parts(std::move(parts)),
+      m_document(m_parts.document),
+      view(m_parts.view),
+      playback(m_parts.playback),
+      values(m_document, view, m_parts.format, m_parts.settings),
+      graph(m_document, view, playback, m_parts.settings, m_parts.format, hover, m_parts.foldOrigin),
+      spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, hover),
+      recording(m_document),
+      browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
+      exports({m_document, view, m_parts.settings, m_parts.format, m_parts.library, m_parts.exporter,
+               m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services, status, longCommand}),
+      dialogs(*this, m_parts) {
+    WireGraph();
+    WireLists();
+    WireSound();
+    exports.onDialog = [this] { hover.End(); };
+    exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
+}
+
+void MainRooms::WireGraph() {
+    hover.onEnd = [this] { graph.HideCursor(); };
+    graph.onChange = [this](const ViewChange& change) { ViewChanged(change); };
+    graph.onSelectionStart = [this] { values.SelectionStarted(); };
+    graph.onSelectionEnd = [this] {
+        values.SelectionChanged(false);
+        UpdateState();
+    };
+    graph.onHover = [this](std::int32_t sample, const std::u16string& mark) { values.TellHover(sample, mark); };
+    graph.onBand = [this](CommonBand which, const auto& band) { spectrogram.ShowBand(which, band); };
+    graph.onContextMenu = [this](POINT screen, std::int16_t channel) {
+        m_menuChannel = channel;
+        onContextMenu(screen);
+    };
+    graph.onZoom = [this](int index) { onCommand(mnuZoomX + index); };
+    graph.onZoomMenu = [this](HWND control) { onZoomMenu(control); };
+    graph.onBusy = [this] { return longCommand.IsBusy(); };
+    graph.onFailed = [this](const std::exception& error) { onFailed(error); };
+    spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
+        graph.ShowCursor(BandOf(view.Axis(), sample, sample));
+        values.TellSpectrum(text);
+    };
+    spectrogram.onBusy = graph.onBusy;
+    spectrogram.onPointer = [this] { return graph.Pointer(); };
+    spectrogram.onPress = [this] { SetFocus(graph.Graph()); };
+    spectrogram.onFailed = graph.onFailed;
+}
+
+void MainRooms::WireLists() {
+    recording.onBlock = [this](int index) { LoadBlock(index); };
+    recording.onShown = [this] { Refresh(); };
+    recording.onChannel = [this] { ChooseChannel(); };
+    browser.onFile = [this](const std::wstring& name) {
+        OpenFile(name);
+        LookAtRecording(true, false);
+    };
+    browser.onClose = [this] { CloseCurrentFile(); };
+    browser.onList = [this](bool changed) {
+        m_lookDue = m_lookDue || changed;
+        UpdateState();
+    };
+    browser.onLook = [this] { LookAtRecording(true, false); };
+    browser.onPathList = [this] { onPathList(); };
+    browser.onFailed = [this](const std::exception& error) { onFailed(error); };
+}
+
+void MainRooms::WireSound() {
+    playback.onState = [this] { UpdateState(); };
+    playback.onPosition = [this] { ShowPosition(); };
+    playback.onError = [this](const std::u16string& text) { status.Tell(StatusBar::Topic::Sound, text); };
+    playback.onScroll = [this](std::int32_t columns) { ViewChanged(view.ScrollBy(columns)); };
+    playback.onFailed = [this](const std::exception& error) { onFailed(error); };
+}
+
+void MainRooms::CreateFirst(HWND window) {
+    if (!graph.CreateGraph(window))
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "graph");
+    longCommand.SetWindow(window);
+    m_parts.services.SetWindow(window, &status);
+    spectrogram.BuildPalette();
+}
+
+void MainRooms::CreateRest(HFONT font, int dpi) {
+    const HWND window = Window();
+    recording.Attach(GetDlgItem(window, lstBlock), GetDlgItem(window, lvCh), dpi);
+    browser.Attach(window, dpi);
+    if (!graph.CreateRest(window) || !values.Create(window, pnValues) || !spectrogram.Create(window))
+        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
+    status.Attach(GetDlgItem(window, sbInfo), font, dpi);
+    m_complete = true;
+    // Messages have their place from here on.
+    ShowPanels();
+}
+
+void MainRooms::ShowAll() {
+    recording.FillChannels(false);
+    values.TellDetails();
+    Refresh();
+    ShowBlockSpectrum();
+}
+
+void MainRooms::Close() {
+    browser.Close();
+    playback.Close();
+    longCommand.SetWindow(nullptr);
+}
+
+CommandState MainRooms::State() const {
+    CommandState state;
+    state.fileCount = browser.FileCount();
+    state.filePosition = browser.SelectedPosition();
+    state.channelCount = m_document.Block().channelCount;
+    state.sampleCount = m_document.Block().sampleCount;
+    state.hasMarks = !m_document.Block().marks.empty();
+    state.isSolo = m_document.IsSolo();
+    state.hasSelection = view.Selected().active;
+    state.hasHistory = view.HasHistory();
+    state.zoomX = view.Axis().ZoomIndex();
+    state.scaleY = view.ScaleY();
+    state.spectrogramShown = m_parts.settings.spectrogramShown;
+    state.soundDevices = playback.DeviceCount();
+    state.soundDevice = playback.Device();
+    state.playing = playback.IsPlaying();
+    state.helpLanguage = m_parts.settings.helpLanguage;
+    return state;
+}
+
+void MainRooms::UpdateState() {
+    graph.SetNotice(NoticeOf(m_document, browser.FileCount(), m_parts.services));
+    if (m_complete) onState();
+}
+
+// Recording and block.
+
+void MainRooms::OpenFile(const std::wstring& name) {
+    const std::u16string path = name.empty() ? std::u16string() : PathOf(Narrow16(browser.Folder()), Narrow16(name));
+    const FileStamp stamp = StampOf(Wide(path));
+    if (!path.empty() && m_document.IsOpen(path, stamp)) return;
+    LeaveBlock();
+    if (path.empty()) {
+        m_document.CloseCurrentFile();
+    } else if (m_document.OpenFile(path, stamp)) {
+        status.Tell(StatusBar::Topic::Outcome, {});
+        browser.Opened();
+    } else {
+        status.Tell(StatusBar::Topic::Outcome, Narrow16(name) + u": " + m_document.File().refusal);
+    }
+    RecordingChanged();
+}
+
+void MainRooms::CloseCurrentFile() {
+    LeaveBlock();
+    m_document.CloseCurrentFile();
+}
+
+void MainRooms::LoadBlock(int index) {
+    LeaveBlock();
+    m_document.LoadBlock(static_cast<std::int16_t>(index));
+    ShowBlock();
+}
+
+void MainRooms::RecordingChanged() {
+    recording.FillBlocks();
+    ShowBlock();
+}
+
+void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
+    if (longCommand.IsBusy() || longCommand.IsGone() || !IsWindowEnabled(Window())) return;
+    if (!asked) {
+        // Neither a drag nor the sound is disturbed.
+        if (isDragging || graph.HasGesture() || playback.IsPlaying()) return;
+        const bool due = std::exchange(m_lookDue, false) || m_document.ChangePending();
+        if (!due && IsRemote(browser.Folder())) return;
+    }
+    const FileStamp stamp = StampOf(Wide(m_document.LastPath()));
+    if (!m_document.HasChanged(stamp, asked)) return;
+    const std::u16string name = FileNameOf(m_document.File().fileName);
+    if (name.empty()) return OpenFile(Wide(FileNameOf(m_document.LastPath())));
+    playback.Stop();
+    m_kept = view.Keep();
+    const bool loaded = m_document.Reload(stamp);
+    if (loaded) {
+        LeaveBlock();
+        RecordingChanged();
+    }
+    m_kept.reset();
+    // What was told of something else stays, unless this is of more use.
+    const std::u16string text = name + u": " + m_parts.services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
+    if (loaded) {
+        status.Offer(StatusBar::Topic::Reload, text);
+    } else {
+        status.Tell(StatusBar::Topic::Reload, text + u": " + m_parts.library.LastErrorText());
+    }
+} catch (const std::exception& error) {
+    m_kept.reset();
+    onFailed(error);
+}
+
+void MainRooms::LeaveBlock() {
+    playback.Stop();
+    graph.LeaveBlock();
+    spectrogram.LeaveBlock();
+    view.LeaveBlock();
+    m_menuChannel = 0;
+    m_unreadable.clear();
+    status.Retract(StatusBar::Topic::Unreadable);
+}
+
+void MainRooms::ShowBlock() {
+    view.BlockLoaded();
+    if (m_kept) view.Restore(*m_kept);
+    if (m_complete) {
+        recording.FillChannels(m_kept.has_value());
+        values.TellDetails();
+    }
+    if (!m_kept) graph.FitScales();
+    ShowCaption();
+    Refresh();
+    if (m_kept && view.Selected().active) values.TellRange();
+    if (m_complete) ShowBlockSpectrum();
+}
+
+void MainRooms::ShowBlockSpectrum() {
+    if (!m_parts.settings.spectrogramShown) return;
+    // The range of the channel takes a look at the whole block: the waveform is seen before.
+    UpdateWindow(graph.Graph());
+    SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    spectrogram.Spectrogram_Init(true);
+    TellUnreadable(false);
+    SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+}
+
+void MainRooms::ShowCaption() const {
+    std::wstring caption = L"Quillon";
+    if (!m_document.File().fileName.empty()) {
+        caption = Wide(FileNameOf(m_document.File().fileName));
+        if (const std::wstring block = recording.BlockTitle(); !block.empty()) caption += L" - [" + block + L"]";
+    }
+    SetWindowTextW(Window(), caption.c_str());
+}
+
+void MainRooms::ChooseChannel() {
+    playback.Stop();
+    spectrogram.ChooseChannel();
+    spectrogram.Spectrogram_Draw(true);
+    TellUnreadable(false);
+    values.KeepTrue();
+}
+
+// The view.
+
+void MainRooms::ViewChanged(const ViewChange& change) {
+    if (change.redraw || change.scrolled != 0) Refresh(change.scrolled);
+    playback.ViewChanged(change);
+    if (!change.selection) return;
+    graph.ShowSelection();
+    values.SelectionChanged(true);
+    UpdateState();
+}
+
+void MainRooms::Refresh(std::int32_t shift) {
+    if (longCommand.IsGone() || IsIconic(Window())) return;
+    graph.Refresh(shift);
+    if (m_complete) spectrogram.Spectrogram_Draw(false);
+    // A place that was not understood is of the past once the view changes.
+    status.Retract(StatusBar::Topic::Place);
+    TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
+    UpdateState();
+    if (!m_complete) return;
+    values.SelectionChanged(false);
+    values.KeepTrue();
+    ShowPanels();
+    graph.HoverAgain();
+    spectrogram.HoverAgain();
+}
+
+void MainRooms::TellUnreadable(bool wholeView) {
+    std::string reason = graph.Failure();
+    if (reason.empty()) reason = spectrogram.Failure();
+    const bool inView = !reason.empty();
+    if (!inView) reason = view.Ranges().Failure();
+    if (!reason.empty()) {
+        const std::u16string text = FileNameOf(m_document.File().fileName) + u": " +
+                                    m_parts.services.Text(inView ? IDS_UNREADABLE : IDS_RANGE_PARTIAL) + u": " +
+                                    Utf16(reason);
+        // What lies out of view is told once.
+        if (inView || text != m_unreadable) status.Tell(StatusBar::Topic::Unreadable, text);
+        m_unreadable = text;
+    } else if (wholeView && !m_unreadable.empty()) {
+        status.Retract(StatusBar::Topic::Unreadable);
+        m_unreadable.clear();
+    }
+}
+
+void MainRooms::ShowPanels() {
+    status.ShowPanels(BlockPanels(
+        {m_document.Block(), m_document.Slots(), view.Axis(), m_parts.format, view.ScaleY(), view.RawCodes()},
+        m_parts.services));
+}
+
+void MainRooms::MoveView(const Move& move) {
+    const bool movesSelection = std::abs(move.columns) == 1 && view.Selected().active;
+    ViewChanged(movesSelection ? view.MoveSelectionEnd(move.columns) : view.Move(move.columns, move.rows));
+}
+
+void MainRooms::ChangeView(int index) {
+    ViewChanged(index == 0 ? view.FitSelection() : index == 1 ? view.FitBlock() : view.Back());
+    // Where there was no way back, there is none any more.
+    UpdateState();
+}
+
+void MainRooms::GoToMark(bool next) {
+    if (const std::optional<std::int32_t> sample = view.MarkFrom(next)) GoTo(*sample);
+}
+
+void MainRooms::GoTo(std::int32_t sample) {
+    ViewChanged(view.GoTo(sample));
+    // Where the view could not move, a readout says where the sample is.
+    graph.ShowSample(sample);
+}
+
+void MainRooms::Select(int index) {
+    if (index == 2 && playback.IsPlaying()) return playback.Stop();
+    graph.EndSelecting();
+    ViewChanged(index == 0 ? view.SelectBlock() : index == 1 ? view.SelectVisible() : view.Deselect());
+}
+
+void MainRooms::ShowSpectrogram() {
+    m_parts.settings.spectrogramShown = !m_parts.settings.spectrogramShown;
+    spectrogram.Spectrogram_Init(false);
+    onArrange();
+    Refresh();
+}
+
+// Sound and long commands.
+
+void MainRooms::SoundPlay(int index) {
+    if (index == 2) return playback.Stop();
+    playback.Play(index == 1 ? std::int16_t{0} : MenuChannel());
+}
+
+void MainRooms::ShowPosition() {
+    const std::int32_t sample = playback.Position();
+    if (sample == 0) {
+        status.Retract(StatusBar::Topic::Sound);
+    } else {
+        // The outcome of an export, or an error, stays.
+        status.Offer(StatusBar::Topic::Sound, m_parts.services.Text(IDS_PLAYING) + u' ' +
+                                                  PositionText(m_document.Block(), sample, u" ", m_parts.format));
+    }
+    graph.ShowPlayLine();
+}
+
+void MainRooms::RunBusy(const std::function<void()>& work) {
+    const std::exception_ptr failure = longCommand.Run(work);
+    if (longCommand.IsGone()) return;
+    longCommand.CloseIfAsked();
+    browser.CatchUp();
+    if (failure) std::rethrow_exception(failure);
+}
+
+void MainRooms::RunLong(const std::function<void()>& work) {
+    hover.End();
+    graph.EndGesture();
+    // Its position would take the place of what is told about the work.
+    playback.Stop();
+    const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    RunBusy(work);
+    SetCursor(pointer);
+}
+
+}  // namespace quillon

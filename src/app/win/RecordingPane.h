@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "data/Document.h"
+#include "data/win/ChannelLists.h"
+
+namespace quillon {
+
+/// The lists of blocks and channels, with the check boxes that say which channels are shown.
+class RecordingPane {
+  public:
+    /// The document outlives it.
+    explicit RecordingPane(Document& document) : m_document(document) {}
+
+    // To be set by the owner.
+    std::function<void(int index)> onBlock;  ///< the user has chosen a block, from 0; -1: none
+    std::function<void()> onShown;           ///< other channels are shown
+    std::function<void()> onChannel;         ///< the user has chosen the current channel
+
+    /// Gives it its controls. Before, it keeps the lines of the blocks for them.
+    void Attach(HWND blocks, HWND channels, int dpi);
+    /// Another recording is open.
+    void FillBlocks();
+    /// Another block is loaded; `keepsChannel`: the current channel is the one of before.
+    void FillChannels(bool keepsChannel);
+    /// Title of the loaded block.
+    [[nodiscard]] std::wstring BlockTitle() const;
+    void ClickBlock() { onBlock(m_blocks.Selected()); }
+    /// A notification of the list of channels.
+    void OnNotify(const NMHDR* header);
+    /// 0 all, 1 none, 2 those that are not.
+    void SetAllShown(int index);
+    /// Shows a channel alone, or all those again that were shown before.
+    void ShowAlone(std::int16_t channel);
+    /// The list of channels gets the keyboard: its current line marks that.
+    void ShowFocus() const { m_channels.ShowFocus(m_document.CurrentChannel() - 1); }
+    void FitColumns() const { m_channels.FitColumns(); }
+
+  private:
+    Document& m_document;
+    BlockList m_blocks;
+    ChannelList m_channels;
+    bool m_channelByKey = false;  ///< a key of the channel list may change the chosen one
+    bool m_channelTold = false;   ///< the click that goes on has changed the chosen channel already
+};
+
+}  // namespace quillon

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+
+#include "app/Playback.h"
+#include "app/Settings.h"
+#include "app/win/WinServices.h"
+#include "base/Language.h"
+#include "data/Document.h"
+#include "data/SaveFileDialog.h"
+#include "data/TextSink.h"
+#include "export/KVExport.h"
+#include "view/WaveformView.h"
+
+namespace quillon {
+
+/// What the rooms of the main window work with; all outlive them.
+struct RoomParts {
+    Document& document;
+    WaveformView& view;
+    Playback& playback;
+    Settings& settings;
+    const FormatOptions& format;
+    RecordingLibrary& library;
+    KVExport& exporter;
+    SaveFileDialog& saveDialog;
+    const TextSinkFactory& openText;
+    Language language;
+    bool foldOrigin;  ///< see TraceGeometry
+    WinServices& services;
+    std::function<void()> applySettings;  ///< what the user chose about scales and texts takes effect
+};
+
+}  // namespace quillon

@@ -1,0 +1,58 @@
+#include "app/win/ValuesPane.h"
+
+#include "data/ChannelSelection.h"
+
+namespace quillon {
+
+ReadoutSource ValuesPane::Source() const {
+    return {m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes()};
+}
+
+ValuesPane::Basis ValuesPane::PresentBasis() const {
+    return {ShownChannels(m_document.Block(), m_document.Slots()),
+            m_format,
+            m_view.RawCodes(),
+            m_settings,
+            m_document.CurrentChannel(),
+            m_settings.spectrogramShown};
+}
+
+void ValuesPane::Tell(Kind kind, const std::u16string& text) {
+    m_kind = kind;
+    m_basis = PresentBasis();
+    m_panel.Text(text);
+    m_panel.Refresh();
+}
+
+void ValuesPane::TellHover(std::int32_t sample, const std::u16string& mark) {
+    m_hoverSample = sample;
+    m_hoverMark = mark;
+    Tell(Kind::Hover, (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample));
+}
+
+void ValuesPane::TellRange() {
+    Tell(Kind::Range, RangeReadout(Source(), m_view.Selected()));
+}
+
+void ValuesPane::SelectionChanged(bool moved) {
+    if (m_view.Selected().active) {
+        if (moved) TellRange();
+    } else if (m_kind == Kind::Range) {
+        TellDetails();
+    }
+}
+
+void ValuesPane::SelectionStarted() {
+    if (m_kind == Kind::Range) TellHover(m_view.Selected().start, {});
+}
+
+void ValuesPane::KeepTrue() {
+    if (m_kind == Kind::Details || PresentBasis() == m_basis) return;
+    switch (m_kind) {
+        case Kind::Hover: return TellHover(m_hoverSample, m_hoverMark);
+        case Kind::Range: return TellRange();
+        default: return TellDetails();
+    }
+}
+
+}  // namespace quillon

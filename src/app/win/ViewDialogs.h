@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/win/Win32.h"
+#include "data/UserServices.h"
+#include "view/Readout.h"
+#include "view/Selection.h"
+
+namespace quillon {
+
+// Small windows of the main window's commands. Each returns when the user has closed it.
+
+/// Statistics of the shown channels over a selection.
+void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services);
+
+/// What keys and mouse do.
+void ShowKeys(HWND owner, const UserServices& services);
+
+/// Asks for a place of the block; `present` stands there at first. None when the user thinks better of it.
+[[nodiscard]] std::optional<std::u16string> AskForPlace(HWND owner, const std::u16string& present,
+                                                        const UserServices& services);
+
+}  // namespace quillon
