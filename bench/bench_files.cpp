@@ -5,8 +5,8 @@
 
 #include "../samples/BenchRecordings.h"
 #include "BenchData.h"
-#include "norvik/ByteSource.h"
-#include "norvik/RecordingLibrary.h"
+#include "norvik/private/ByteSource.h"
+#include "norvik/private/ReadRecording.h"
 #include "nsp/NspExtrema.h"
 #include "view/ExtremesCache.h"
 

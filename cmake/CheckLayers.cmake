@@ -4,17 +4,17 @@ cmake_minimum_required(VERSION 3.25)
 set(rules
   "lib/base|"
   "lib/nsp|base"
-  "src/format|base nsp"
-  "src/data|base nsp format"
-  "lib/norvik|base nsp data"
-  "src/view|base nsp format data"
-  "src/spectrum|base nsp format data view"
-  "src/export|base nsp format data view spectrum"
-  "src/sound|base nsp format data view"
-  "lib/kvsound|base sound"
-  "src/dialogs|base nsp format data view spectrum export sound"
-  "src/cli|base nsp format data view spectrum export dialogs norvik"
-  "src/app|base nsp format data view spectrum export sound dialogs")
+  "lib/norvik|base nsp"
+  "lib/kvsound|base"
+  "src/format|base"
+  "src/data|base nsp norvik"
+  "src/view|base nsp norvik format data"
+  "src/spectrum|base nsp norvik format data view"
+  "src/export|base norvik format data view"
+  "src/sound|base norvik kvsound data"
+  "src/dialogs|base norvik format data view spectrum export"
+  "src/cli|base norvik format data view spectrum export dialogs"
+  "src/app|base norvik kvsound format data view spectrum export sound dialogs")
 set(failed FALSE)
 foreach(rule IN LISTS rules)
   string(REGEX REPLACE "\\|.*" "" folder "${rule}")
@@ -24,18 +24,16 @@ foreach(rule IN LISTS rules)
   list(APPEND allowed ${own})
   file(GLOB_RECURSE sources ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
   foreach(source IN LISTS sources)
-    # The start-up procedure alone names the substitutes of the libraries.
-    set(extra "")
-    if(source MATCHES "/app/win/QL_Main\\.cpp$")
-      list(APPEND extra kvsound/win/WaveOut.h norvik/OutputFile.h norvik/RecordingLibrary.h norvik/SystemBytes.h
-        norvik/TextWriter.h norvik/win/ClipboardWriter.h norvik/win/Registry.h norvik/win/SaveDialog.h norvik/win/Timer.h)
-    endif()
     file(STRINGS ${source} includes REGEX "^#include \"")
     foreach(include IN LISTS includes)
       string(REGEX REPLACE "^#include \"([^\"]*)\".*" "\\1" path "${include}")
       string(REGEX REPLACE "/.*" "" target "${path}")
-      if(NOT target IN_LIST allowed AND NOT path IN_LIST extra)
+      if(NOT target IN_LIST allowed)
         message("${source}: may not include \"${path}\"")
+        set(failed TRUE)
+      endif()
+      if(path MATCHES "/private/" AND (NOT target STREQUAL own OR source MATCHES "\\.h$" AND NOT source MATCHES "/private/"))
+        message("${source}: \"${path}\" is private to the library")
         set(failed TRUE)
       endif()
       if(path MATCHES "/win/" AND NOT source MATCHES "/win/")

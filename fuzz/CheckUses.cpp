@@ -1,11 +1,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "data/OutputFile.h"
 #include "data/QL_Types.h"
 #include "export/KV_Export.h"
 #include "fuzz/Checks.h"
 #include "fuzz/FuzzedRecording.h"
+#include "norvik/OutputFile.h"
 #include "spectrum/QL_FFT.h"
 #include "view/DataRange.h"
 #include "view/QL_ChUtils.h"

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include "data/NorvikCore.h"
+#include "norvik/NorvikCore.h"
 
 namespace quillon::fuzz {
 

@@ -5,7 +5,7 @@
 #include <span>
 #include <stdexcept>
 
-#include "norvik/RecordingLibrary.h"
+#include "norvik/private/ReadRecording.h"
 
 namespace quillon::fuzz {
 

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "base/Language.h"
-#include "data/OutputFile.h"
-#include "data/TextSink.h"
+#include "norvik/OutputFile.h"
+#include "norvik/TextSink.h"
 
 namespace quillon {
 

@@ -8,13 +8,13 @@
 #include "app/Settings.h"
 #include "base/Language.h"
 #include "data/Document.h"
-#include "data/NorvikCore.h"
-#include "data/SaveFileDialog.h"
-#include "data/TextSink.h"
 #include "export/KVExport.h"
 #include "export/QL_Export.h"
 #include "format/QL_Format.h"
-#include "sound/SoundOutput.h"
+#include "kvsound/SoundOutput.h"
+#include "norvik/NorvikCore.h"
+#include "norvik/SaveFileDialog.h"
+#include "norvik/TextSink.h"
 #include "view/WaveformView.h"
 
 namespace quillon {

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "data/PathList.h"
-#include "data/RegistryObject.h"
 #include "dialogs/SplitSettings.h"
 #include "export/QL_Export.h"
+#include "norvik/RegistryObject.h"
 #include "spectrum/SpectrumSettings.h"
 
 namespace quillon {

@@ -3,8 +3,8 @@
 #include <functional>
 
 #include "app/QL_Global.h"
-#include "data/TimerObject.h"
 #include "data/UserServices.h"
+#include "norvik/TimerObject.h"
 
 namespace quillon {
 

@@ -8,9 +8,9 @@
 
 #include "base/Language.h"
 #include "cli/Options.h"
-#include "data/NorvikCore.h"
 #include "data/UserServices.h"
 #include "export/KVExport.h"
+#include "norvik/NorvikCore.h"
 
 /// What several commands need.
 namespace quillon::cli {

@@ -8,7 +8,7 @@
 
 #include "base/Language.h"
 #include "cli/Options.h"
-#include "data/OutputFile.h"
+#include "norvik/OutputFile.h"
 
 namespace quillon::cli {
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "data/FileStamp.h"
-#include "data/NorvikCore.h"
 #include "data/QL_Types.h"
 #include "data/UserServices.h"
+#include "norvik/NorvikCore.h"
 
 namespace quillon {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "data/NorvikCore.h"
+#include "norvik/NorvikCore.h"
 
 /// The records in which the viewer keeps what it has read. Each is reset by assigning a fresh one.
 namespace quillon {

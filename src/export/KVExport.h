@@ -5,10 +5,10 @@
 #include <string>
 #include <utility>
 
-#include "data/NorvikCore.h"
-#include "data/SaveFileDialog.h"
 #include "data/UserServices.h"
 #include "export/KV_Export.h"
+#include "norvik/NorvikCore.h"
+#include "norvik/SaveFileDialog.h"
 
 namespace quillon {
 

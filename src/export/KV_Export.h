@@ -9,10 +9,10 @@
 
 #include "base/Language.h"
 #include "base/Text.h"
-#include "data/NorvikCore.h"
-#include "data/OutputFile.h"
 #include "export/ByteWriter.h"
 #include "export/ExportOutcome.h"
+#include "norvik/NorvikCore.h"
+#include "norvik/OutputFile.h"
 
 namespace quillon {
 

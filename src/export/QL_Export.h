@@ -7,13 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "data/NorvikCore.h"
 #include "data/QL_Types.h"
-#include "data/SaveFileDialog.h"
-#include "data/TextSink.h"
 #include "data/UserServices.h"
 #include "export/TextRows.h"
 #include "format/QL_Format.h"
+#include "norvik/NorvikCore.h"
+#include "norvik/SaveFileDialog.h"
+#include "norvik/TextSink.h"
 
 /// Samples as text, into a file or onto the clipboard.
 namespace quillon {

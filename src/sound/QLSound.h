@@ -8,7 +8,7 @@
 
 #include "data/QL_Types.h"
 #include "data/UserServices.h"
-#include "sound/SoundOutput.h"
+#include "kvsound/SoundOutput.h"
 
 namespace quillon {
 

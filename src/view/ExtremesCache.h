@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "data/NorvikCore.h"
+#include "norvik/NorvikCore.h"
 
 namespace quillon {
 

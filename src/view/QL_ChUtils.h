@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "data/NorvikCore.h"
+#include "norvik/NorvikCore.h"
 #include "view/ExtremesCache.h"
 
 namespace quillon {

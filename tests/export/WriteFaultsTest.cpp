@@ -9,6 +9,7 @@
 #include "norvik/OutputFile.h"
 #include "norvik/TemporaryFolder.h"
 #include "norvik/TextWriter.h"
+#include "norvik/private/ReplacingFile.h"
 #include "support/FakeRecording.h"
 
 namespace quillon {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "fuzz/Checks.h"
-#include "norvik/EdfAnnotations.h"
 #include "norvik/TemporaryFolder.h"
+#include "norvik/private/EdfAnnotations.h"
 
 #ifdef __SANITIZE_ADDRESS__
 // No number in a file may size an allocation before it is compared with the size of the file: the sanitizer ends the

@@ -10,9 +10,9 @@
 
 #include "base/Text.h"
 #include "fuzz/Checks.h"
-#include "norvik/FileBlock.h"
-#include "norvik/RecordingLibrary.h"
 #include "norvik/TemporaryFolder.h"
+#include "norvik/private/FileBlock.h"
+#include "norvik/private/ReadRecording.h"
 
 namespace quillon::testing {
 

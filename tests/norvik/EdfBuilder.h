@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "RecordingWriters.h"
-#include "norvik/ByteSource.h"
+#include "norvik/private/ByteSource.h"
 
 namespace quillon {
 

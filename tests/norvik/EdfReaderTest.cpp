@@ -5,10 +5,10 @@
 #include "base/DateTime.h"
 #include "base/Text.h"
 #include "norvik/BlockChecks.h"
-#include "norvik/EdfAnnotations.h"
 #include "norvik/EdfBuilder.h"
-#include "norvik/EdfReader.h"
-#include "norvik/WideScale.h"
+#include "norvik/private/EdfAnnotations.h"
+#include "norvik/private/EdfReader.h"
+#include "norvik/private/WideScale.h"
 
 namespace quillon {
 namespace {

@@ -7,10 +7,10 @@
 
 #include "RecordingWriters.h"
 #include "base/DateTime.h"
-#include "norvik/BinReader.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/RecordingLibrary.h"
 #include "norvik/TemporaryFolder.h"
+#include "norvik/private/BinReader.h"
 
 namespace quillon {
 namespace {

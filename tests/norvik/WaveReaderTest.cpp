@@ -1,4 +1,4 @@
-#include "norvik/WaveReader.h"
+#include "norvik/private/WaveReader.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "base/Text.h"
-#include "kvsound/PlayPosition.h"
+#include "kvsound/private/PlayPosition.h"
 #include "support/FakeRecording.h"
 
 namespace quillon::testing {

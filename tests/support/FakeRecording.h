@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "data/NorvikCore.h"
-#include "data/SaveFileDialog.h"
 #include "data/UserServices.h"
-#include "sound/SoundOutput.h"
+#include "kvsound/SoundOutput.h"
+#include "norvik/NorvikCore.h"
+#include "norvik/SaveFileDialog.h"
 
 namespace quillon::testing {
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "base/Bilingual.h"
-#include "kvsound/PlayPosition.h"
+#include "kvsound/private/PlayPosition.h"
 
 namespace quillon {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Language.h"
-#include "sound/SoundOutput.h"
+#include "kvsound/SoundOutput.h"
 
 namespace quillon {
 

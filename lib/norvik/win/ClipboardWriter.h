@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "data/TextSink.h"
+#include "norvik/TextSink.h"
 
 namespace quillon {
 

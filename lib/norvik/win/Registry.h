@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "data/RegistryObject.h"
+#include "norvik/RegistryObject.h"
 
 namespace quillon {
 

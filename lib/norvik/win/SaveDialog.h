@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "data/SaveFileDialog.h"
+#include "norvik/SaveFileDialog.h"
 
 namespace quillon {
 

@@ -1,7 +1,7 @@
 #include "norvik/SystemBytes.h"
 
 #include "base/Text.h"
-#include "norvik/win/CodePage.h"
+#include "norvik/private/win/CodePage.h"
 
 namespace quillon {
 

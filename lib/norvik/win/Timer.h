@@ -1,6 +1,6 @@
 #pragma once
 
-#include "data/TimerObject.h"
+#include "norvik/TimerObject.h"
 
 namespace quillon {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/win/Win32.h"
-#include "data/TimerObject.h"
+#include "norvik/TimerObject.h"
 
 namespace quillon {
 

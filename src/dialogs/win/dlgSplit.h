@@ -6,10 +6,10 @@
 #include <string>
 
 #include "base/win/Win32.h"
-#include "data/NorvikCore.h"
 #include "data/UserServices.h"
 #include "dialogs/SplitSettings.h"
 #include "export/KVExport.h"
+#include "norvik/NorvikCore.h"
 
 namespace quillon {
 

@@ -6,9 +6,9 @@
 
 #include "base/win/Clipboard.h"
 #include "base/win/WinHandle.h"
-#include "data/TextSink.h"
 #include "export/ByteWriter.h"
 #include "export/ImagePlan.h"
+#include "norvik/TextSink.h"
 #include "view/win/cMemDC.h"
 
 namespace quillon {

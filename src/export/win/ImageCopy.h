@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "base/win/Win32.h"
-#include "data/OutputFile.h"
+#include "norvik/OutputFile.h"
 
 namespace quillon {
 

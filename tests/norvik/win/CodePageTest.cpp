@@ -1,4 +1,4 @@
-#include "norvik/win/CodePage.h"
+#include "norvik/private/win/CodePage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,299 @@
+#include "norvik/private/EdfHeader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+#include "base/Text.h"
+#include "norvik/private/EdfDate.h"
+#include "norvik/private/FileBlock.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::uint64_t kFixedBytes = 256;      // of the header's fixed part
+constexpr std::uint64_t kPerSignalBytes = 256;  // that the header grows by with every signal
+// Whole numbers above this are not exact in every step of the arithmetic on them; no real field comes near.
+constexpr double kLargestWhole = 1e15;
+constexpr double kShortestRecord = 1e-9;  // seconds
+constexpr double kLongestRecord = 1e9;    // seconds, some 30 years
+
+/// A field of the header: its bytes and where they are, for messages.
+struct Field {
+    std::string_view text;
+    std::uint64_t place = 0;
+    [[nodiscard]] std::u16string Shown() const { return FromUtf8OrLatin1(Trim(text)); }
+};
+
+[[noreturn]] void Refuse(Bilingual reason) {
+    throw FormatError(std::move(reason));
+}
+
+/// "<name> '<text>' at byte <place>"
+[[noreturn]] void RefuseField(std::u16string_view english, std::u16string_view russian, const Field& field) {
+    const Bilingual place =
+        Say(u" '%1' at byte %2", u" «%1», байт %2", {field.Shown(), Decimal(static_cast<std::int64_t>(field.place))});
+    Refuse({std::u16string(english) + place.english, std::u16string(russian) + place.russian});
+}
+
+std::u16string Number(std::uint64_t number) {
+    return Decimal(static_cast<std::int64_t>(number));
+}
+
+[[noreturn]] void RefuseCut(std::uint64_t size, std::uint64_t needed) {
+    Refuse(Say(u"the header ends at byte %1 of %2", u"заголовок обрывается на байте %1 из %2",
+               {Number(size), Number(needed)}));
+}
+
+std::optional<std::int64_t> ParseWhole(std::string_view field) {
+    const std::optional<double> number = ParseEdfNumber(field);
+    if (!number || std::nearbyint(*number) != *number || std::abs(*number) > kLargestWhole) return std::nullopt;
+    return static_cast<std::int64_t>(*number);
+}
+
+/// The signals' part of the header: the first field of every signal, then the second field of every signal, ...
+class SignalFields {
+  public:
+    SignalFields(std::string_view bytes, std::size_t signals) : m_bytes(bytes), m_signals(signals) {}
+
+    /// The field of one signal; `before` is the width of all fields that come before it.
+    [[nodiscard]] Field At(std::size_t before, std::size_t width, std::size_t signal) const {
+        const std::size_t at = before * m_signals + width * signal;
+        return {m_bytes.substr(at, width), kFixedBytes + at};
+    }
+
+  private:
+    std::string_view m_bytes;
+    std::size_t m_signals;
+};
+
+/// What is odd about the signals' limits; told once for all signals.
+struct LimitOddities {
+    std::size_t signals = 0;
+    std::u16string first;  ///< label of the first such signal
+    std::uint64_t place = 0;
+
+    void AddTo(std::vector<Bilingual>& notes) const {
+        if (signals == 0) return;
+        notes.push_back(Say(u"no usable limits in %1 of the signals, first in '%2' at byte %3: shown as stored",
+                            u"негодные пределы у сигналов: %1, первый «%2», байт %3: показаны хранимые числа",
+                            {Number(signals), first, Number(place)}));
+    }
+};
+
+void ReadScale(const SignalFields& fields, std::size_t at, EdfSignal& signal, LimitOddities& odd) {
+    const Field physical = fields.At(104, 8, at);
+    const std::optional<double> physicalMinimum = ParseEdfNumber(physical.text);
+    const std::optional<double> physicalMaximum = ParseEdfNumber(fields.At(112, 8, at).text);
+    const std::optional<double> digitalMinimum = ParseEdfNumber(fields.At(120, 8, at).text);
+    const std::optional<double> digitalMaximum = ParseEdfNumber(fields.At(128, 8, at).text);
+    if (physicalMinimum && physicalMaximum && digitalMinimum && digitalMaximum && *digitalMaximum != *digitalMinimum) {
+        const double scale = (*physicalMaximum - *physicalMinimum) / (*digitalMaximum - *digitalMinimum);
+        const double offset = *physicalMinimum - scale * *digitalMinimum;
+        // The block keeps both in single precision, where they may become zero or infinite.
+        const bool usable = std::isfinite(static_cast<float>(scale)) && std::isfinite(static_cast<float>(offset)) &&
+                            static_cast<float>(scale) != 0.0F;
+        if (usable) {
+            signal.unitsPerSample = scale;
+            signal.unitsOffset = offset;
+            return;
+        }
+    }
+    if (odd.signals++ == 0) {
+        odd.first = signal.label;
+        odd.place = physical.place;
+    }
+}
+
+void ReadSignals(const SignalFields& fields, std::size_t count, EdfHeader& header) {
+    LimitOddities odd;
+    for (std::size_t at = 0; at < count; ++at) {
+        EdfSignal signal;
+        const std::string_view label = Trim(fields.At(0, 16, at).text);
+        signal.label = FromUtf8OrLatin1(label);
+        signal.unit = fields.At(96, 8, at).Shown();
+        const Field samples = fields.At(216, 8, at);
+        const std::optional<std::int64_t> perRecord = ParseWhole(samples.text);
+        if (!perRecord || *perRecord < 1 || *perRecord > kBlockSamples) {
+            RefuseField(u"samples per record", u"число отсчётов в записи", samples);
+        }
+        signal.samplesPerRecord = static_cast<std::uint64_t>(*perRecord);
+        signal.partBytes = signal.samplesPerRecord * header.sampleBytes;
+        signal.offset = header.recordBytes;
+        header.recordBytes += signal.partBytes;
+        const bool annotations = label == "EDF Annotations" || label == "BDF Annotations";
+        if (!annotations) ReadScale(fields, at, signal, odd);
+        (annotations ? header.annotations : header.signals).push_back(std::move(signal));
+    }
+    odd.AddTo(header.notes);
+    if (header.signals.empty()) {
+        Refuse(Say(u"the file holds annotations only: none of the signals described from byte 256 has samples",
+                   u"файл содержит только аннотации: ни у одного из сигналов, описанных с байта 256, нет отсчётов"));
+    }
+}
+
+/// How many records there are: the header's count where the file holds them all, else as many as are whole.
+void CountRecords(const Field& field, std::uint64_t fileSize, EdfHeader& header) {
+    const std::uint64_t dataBytes = fileSize - header.dataStart;
+    const std::uint64_t whole = dataBytes / header.recordBytes;
+    if (whole == 0) {
+        Refuse(Say(u"no whole record: the first one takes bytes %1 to %2, the file ends at byte %3",
+                   u"нет ни одной целой записи: первая занимает байты с %1 по %2, файл кончается на байте %3",
+                   {Number(header.dataStart), Number(header.dataStart + header.recordBytes), Number(fileSize)}));
+    }
+    header.records = whole;
+    const std::optional<std::int64_t> told = ParseWhole(field.text);
+    if (!told || *told < 1) {
+        header.notes.push_back(Say(u"record count '%1' at byte %2: counted from the file's size",
+                                   u"число записей «%1», байт %2: посчитано по размеру файла",
+                                   {field.Shown(), Number(field.place)}));
+    } else if (static_cast<std::uint64_t>(*told) > whole) {
+        header.notes.push_back(
+            Say(u"cut short: %1 of %2 records", u"файл обрезан: записей %1 из %2", {Number(whole), Decimal(*told)}));
+    } else {
+        header.records = static_cast<std::uint64_t>(*told);
+        const std::uint64_t left = dataBytes - header.records * header.recordBytes;
+        if (left == 0) return;
+        header.notes.push_back(
+            Say(u"%1 bytes after the last record", u"после последней записи ещё байт: %1", {Number(left)}));
+    }
+}
+
+void ReadNames(std::string_view patient, std::string_view recording, bool plus, EdfHeader& header) {
+    constexpr std::string_view device = "ADC: ";
+    constexpr std::string_view block = "Kelvara Block: ";
+    if (patient.starts_with(block)) header.blockName = FromUtf8OrLatin1(Trim(patient.substr(block.size())));
+    if (recording.starts_with(device)) {
+        header.deviceName = FromUtf8OrLatin1(Trim(recording.substr(device.size())));
+        return;
+    }
+    if (!plus || !recording.starts_with("Startdate ")) return;
+    // "Startdate", the date, the investigation's code, the investigator's code, the equipment.
+    std::string_view rest = recording;
+    for (int skipped = 0; skipped < 4; ++skipped) {
+        const std::size_t blank = rest.find(' ');
+        if (blank == std::string_view::npos) return;
+        rest = Trim(rest.substr(blank));
+    }
+    const std::string_view equipment = rest.substr(0, rest.find(' '));
+    if (equipment != "X") header.deviceName = FromUtf8OrLatin1(equipment);
+}
+
+void ReadStart(std::string_view fixed, std::string_view recording, EdfHeader& header) {
+    const Field date{fixed.substr(168, 8), 168};
+    const Field clock{fixed.substr(176, 8), 176};
+    const EdfStart start = ParseEdfStart(date.text, clock.text, recording);
+    if (!start.date) {
+        header.notes.push_back(Say(u"start date '%1' at byte 168 cannot be read",
+                                   u"дата начала «%1», байт 168, не читается", {date.Shown()}));
+        return;
+    }
+    if (!start.clock) {
+        header.notes.push_back(Say(u"start time '%1' at byte 176 cannot be read",
+                                   u"время начала «%1», байт 176, не читается", {clock.Shown()}));
+    }
+    // The first moment that the short form can tell stands for one that nobody knows.
+    if (Trim(date.text) == "01.01.85" && start.clock == 0.0) {
+        header.notes.push_back(Say(u"start not known", u"начало неизвестно"));
+        return;
+    }
+    constexpr double secondsPerDay = 86400.0;
+    header.startDate = *start.date + start.clock.value_or(0.0) / secondsPerDay;
+}
+
+/// Everything in front of the signals' part but the counts.
+void ReadFixed(std::string_view fixed, EdfHeader& header) {
+    const std::string_view reserved = Trim(fixed.substr(192, 44));
+    const bool bdf = header.sampleBytes == 3;
+    const std::string_view family = bdf ? "BDF" : "EDF";
+    const bool plus = reserved.starts_with(std::string(family) + "+");
+    header.format = FromLatin1(family);
+    if (plus) {
+        const std::string_view kind = reserved.substr(family.size(), 2);
+        header.discontinuous = kind == "+D";
+        header.format += header.discontinuous ? u"+D" : kind == "+C" ? u"+C" : u"+";
+    }
+    const std::string_view recording = Trim(fixed.substr(88, 80));
+    ReadNames(Trim(fixed.substr(8, 80)), recording, plus, header);
+    ReadStart(fixed, plus ? recording : std::string_view(), header);
+}
+
+std::string ReadText(ByteSource& source, std::uint64_t offset, std::size_t count) {
+    std::string bytes(count, '\0');
+    source.ReadExactly(offset, bytes.data(), count);
+    return bytes;
+}
+
+}  // namespace
+
+bool LooksLikeEdf(std::span<const std::uint8_t> start) {
+    constexpr std::string_view edf = "0       ";
+    constexpr std::string_view bdf = "\377BIOSEMI";
+    const auto begins = [&](std::string_view version) {
+        return start.size() >= version.size() &&
+               std::equal(version.begin(), version.end(), start.begin(),
+                          [](char wanted, std::uint8_t there) { return static_cast<std::uint8_t>(wanted) == there; });
+    };
+    return begins(edf) || begins(bdf);
+}
+
+std::optional<double> ParseEdfNumber(std::string_view field) {
+    field = Trim(field);
+    std::string digits(field);
+    std::replace(digits.begin(), digits.end(), ',', '.');
+    std::string_view text = digits;
+    if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
+    double number = 0.0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(number)) return std::nullopt;
+    return number;
+}
+
+std::u16string PlainNumber(double number) {
+    const bool whole = std::nearbyint(number) == number && std::abs(number) <= kLargestWhole;
+    return whole ? Decimal(static_cast<std::int64_t>(number)) : ShortestDecimal(number);
+}
+
+EdfHeader ReadEdfHeader(ByteSource& source) {
+    const std::uint64_t size = source.Size();
+    if (size < kFixedBytes) RefuseCut(size, kFixedBytes);
+    const std::string fixed = ReadText(source, 0, kFixedBytes);
+    const std::vector<std::uint8_t> start(fixed.begin(), fixed.end());
+    const std::string_view all = fixed;
+    if (!LooksLikeEdf(start))
+        RefuseField(u"not EDF or BDF: version", u"не EDF и не BDF: версия", {all.substr(0, 8), 0});
+
+    EdfHeader header;
+    header.sampleBytes = start.front() == 0xFF ? 3 : 2;
+    ReadFixed(all, header);
+    const Field count{all.substr(252, 4), 252};
+    const std::optional<std::int64_t> signals = ParseWhole(count.text);
+    // Four digits is what the field holds; other spellings of a number ("33e3") could ask for far more signals than
+    // blocks can be numbered.
+    if (!signals || *signals < 1 || *signals > 9999) RefuseField(u"signal count", u"число сигналов", count);
+    const auto signalCount = static_cast<std::size_t>(*signals);
+    // The count has four characters; one that asks for more than the file has is told as a header cut short.
+    header.dataStart = kFixedBytes + signalCount * kPerSignalBytes;
+    if (size < header.dataStart) RefuseCut(size, header.dataStart);
+
+    const std::string perSignal = ReadText(source, kFixedBytes, signalCount * kPerSignalBytes);
+    const Field length{all.substr(184, 8), 184};
+    if (ParseWhole(length.text) != static_cast<std::int64_t>(header.dataStart)) {
+        header.notes.push_back(Say(u"header length '%1' at byte 184 taken as %2",
+                                   u"длина заголовка «%1», байт 184, принята за %2",
+                                   {length.Shown(), Number(header.dataStart)}));
+    }
+    ReadSignals(SignalFields(perSignal, signalCount), signalCount, header);
+    const Field seconds{all.substr(244, 8), 244};
+    const std::optional<double> duration = ParseEdfNumber(seconds.text);
+    if (!duration || *duration < kShortestRecord || *duration > kLongestRecord) {
+        RefuseField(u"record duration", u"длительность записи", seconds);
+    }
+    header.recordSeconds = *duration;
+    CountRecords({all.substr(236, 8), 236}, size, header);
+    return header;
+}
+
+}  // namespace quillon

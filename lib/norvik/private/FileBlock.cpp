@@ -1,0 +1,129 @@
+#include "norvik/private/FileBlock.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+namespace quillon {
+
+FileBlock::FileBlock(BlockDescription description) : m_description(std::move(description)) {}
+
+const ChannelDescription& FileBlock::Channel(std::int16_t channel) const {
+    if (channel < 1 || static_cast<std::size_t>(channel) > m_description.channels.size()) {
+        throw std::out_of_range("a channel outside the block");
+    }
+    return m_description.channels[static_cast<std::size_t>(channel) - 1];
+}
+
+const MarkDescription& FileBlock::Mark(std::int32_t mark) const {
+    if (mark < 1 || mark > MarkCount()) {
+        throw std::out_of_range("a mark outside the block");
+    }
+    return (*m_description.marks)[static_cast<std::size_t>(mark) - 1];
+}
+
+void FileBlock::CheckRange(std::int32_t first, std::int32_t count) const {
+    if (first < 0 || count < 0 || first > m_description.sampleCount || count > m_description.sampleCount - first) {
+        throw std::out_of_range("samples outside the block");
+    }
+}
+
+std::int16_t FileBlock::ChannelCount() const {
+    return static_cast<std::int16_t>(m_description.channels.size());
+}
+
+std::int16_t FileBlock::ChannelNumber(std::int16_t channel) const {
+    return Channel(channel).number;
+}
+
+std::u16string FileBlock::ChannelTitle(std::int16_t channel) const {
+    return Channel(channel).title;
+}
+
+std::u16string FileBlock::ChannelUnit(std::int16_t channel) const {
+    return Channel(channel).unit;
+}
+
+float FileBlock::ChannelScale(std::int16_t channel) const {
+    ResolveScales();
+    return Channel(channel).scale;
+}
+
+float FileBlock::ChannelOffset(std::int16_t channel) const {
+    ResolveScales();
+    return Channel(channel).offset;
+}
+
+std::int32_t FileBlock::ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    static_cast<void>(Channel(channel));
+    CheckRange(first, count);
+    ResolveScales();
+    if (count > 0) FetchCodes(static_cast<std::size_t>(channel) - 1, first, count, buffer);
+    return 0;
+}
+
+std::int32_t FileBlock::ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) {
+    static_cast<void>(Channel(channel));
+    CheckRange(first, count);
+    ResolveScales();
+    const ChannelDescription& description = Channel(channel);
+    std::array<std::int16_t, 8192> codes;
+    const auto piece = static_cast<std::int32_t>(codes.size());
+    for (std::int32_t done = 0; done < count;) {
+        const std::int32_t size = std::min(piece, count - done);
+        FetchCodes(static_cast<std::size_t>(channel) - 1, first + done, size, codes.data());
+        for (std::int32_t at = 0; at < size; ++at) {
+            buffer[done + at] =
+                static_cast<float>(codes[static_cast<std::size_t>(at)]) * description.scale + description.offset;
+        }
+        done += size;
+    }
+    return 0;
+}
+
+std::int32_t FileBlock::MarkCount() const {
+    return m_description.marks ? static_cast<std::int32_t>(m_description.marks->size()) : 0;
+}
+
+std::int32_t FileBlock::MarkPosition(std::int32_t mark) const {
+    return Mark(mark).position;
+}
+
+std::u16string FileBlock::MarkText(std::int32_t mark) const {
+    return Mark(mark).text;
+}
+
+std::int16_t FileBlock::InputNumber(std::int16_t channel) const {
+    return Channel(channel).inputNumber;
+}
+
+std::int32_t FileBlock::ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    CheckRange(first, count);
+    ResolveScales();
+    if (count > 0 && !m_description.channels.empty()) FetchFrames(first, count, buffer);
+    return 0;
+}
+
+std::int32_t FileBlock::ReadRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    CheckRange(first, count);
+    ResolveScales();
+    if (count > 0 && !m_description.channels.empty()) FetchRows(first, count, buffer);
+    return 0;
+}
+
+bool FileBlock::ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
+                               std::int32_t run, std::span<RunExtremes* const> out) {
+    CheckRange(first, count);
+    if (run < 1 || channels.size() != out.size()) throw std::invalid_argument("runs of extremes");
+    if (channels.empty() || count == 0) return true;
+    ResolveScales();
+    std::vector<std::size_t> indexes;
+    indexes.reserve(channels.size());
+    for (const std::int16_t channel : channels) {
+        static_cast<void>(Channel(channel));
+        indexes.push_back(static_cast<std::size_t>(channel) - 1);
+    }
+    return FetchExtremes(indexes, first, count, run, out);
+}
+
+}  // namespace quillon

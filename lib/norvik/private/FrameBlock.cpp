@@ -1,0 +1,279 @@
+#include "norvik/private/FrameBlock.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+#include "base/LittleEndian.h"
+#include "base/Text.h"
+#include "nsp/RunReducer.h"
+#include "nsp/SplitFrames.h"
+
+namespace quillon {
+
+namespace {
+
+/// Whole numbers are kept exactly by this factor where floats hold what was recorded with 16 bits.
+constexpr double kSixteenBits = 32768.0;
+
+/// Calls use(read) with the function that reads one stored sample, so that loops over samples do not choose the kind.
+template <typename Use>
+void WithReader(SampleKind kind, const Use& use) {
+    switch (kind) {
+        case SampleKind::Unsigned8: return use([](const std::uint8_t* at) { return *at - 128; });
+        case SampleKind::Int16: return use([](const std::uint8_t* at) { return LeSigned16(at); });
+        case SampleKind::Int24: return use([](const std::uint8_t* at) { return LeSigned24(at); });
+        case SampleKind::Int32: return use([](const std::uint8_t* at) { return static_cast<std::int32_t>(Le32(at)); });
+        case SampleKind::Float32: return use([](const std::uint8_t* at) { return LeFloat(at); });
+        case SampleKind::Float64: return use([](const std::uint8_t* at) { return LeDouble(at); });
+    }
+}
+
+bool IsFloat(SampleKind kind) {
+    return kind == SampleKind::Float32 || kind == SampleKind::Float64;
+}
+
+/// What has been seen of one channel's samples; undefined and infinite ones do not count.
+struct SeenSamples {
+    double minimum = std::numeric_limits<double>::infinity();
+    double maximum = -std::numeric_limits<double>::infinity();
+    bool sixteenBits = true;  ///< every sample is a multiple of 1/32768 within -1 and 1
+
+    void Add(double sample) {
+        if (!std::isfinite(sample)) return;
+        minimum = std::min(minimum, sample);
+        maximum = std::max(maximum, sample);
+        if (!sixteenBits) return;
+        const double code = sample * kSixteenBits;
+        sixteenBits = code >= -32768.0 && code <= 32767.0 && code == std::trunc(code);
+    }
+};
+
+}  // namespace
+
+std::size_t SampleBytes(SampleKind kind) {
+    switch (kind) {
+        case SampleKind::Unsigned8: return 1;
+        case SampleKind::Int16: return 2;
+        case SampleKind::Int24: return 3;
+        case SampleKind::Int32:
+        case SampleKind::Float32: return 4;
+        case SampleKind::Float64: return 8;
+    }
+    return 0;
+}
+
+bool IsWide(SampleKind kind) {
+    return kind != SampleKind::Unsigned8 && kind != SampleKind::Int16;
+}
+
+double FullScaleUnit(SampleKind kind) {
+    if (IsFloat(kind)) return 1.0;
+    return std::ldexp(1.0, 1 - 8 * static_cast<int>(SampleBytes(kind)));
+}
+
+FrameBlock::FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description)
+    : FileBlock(std::move(description)), m_source(std::move(source)), m_layout(layout) {}
+
+std::size_t FrameBlock::Place(std::size_t channel) const {
+    return (m_layout.firstChannel + channel) * SampleBytes(m_layout.kind);
+}
+
+void FrameBlock::ForEachPiece(std::int32_t first, std::int32_t count, const UsePiece& use) const {
+    const std::size_t frameBytes = m_layout.frameBytes;
+    const auto wanted = static_cast<std::size_t>(count);
+    const std::size_t pieceFrames = std::min(wanted, std::max<std::size_t>(kPieceBytes / frameBytes, 1));
+    std::uint64_t offset = m_layout.dataOffset + static_cast<std::uint64_t>(first) * frameBytes;
+    for (std::size_t done = 0; done < wanted;) {
+        const std::size_t frames = std::min(pieceFrames, wanted - done);
+        use(m_piece.Read(*m_source, offset, frames * frameBytes), frames);
+        offset += frames * frameBytes;
+        done += frames;
+    }
+}
+
+void FrameBlock::Decode(std::size_t channel, const std::uint8_t* bytes, std::size_t frames, std::int16_t* out,
+                        std::size_t step) const {
+    const std::size_t frameBytes = m_layout.frameBytes;
+    const std::uint8_t* at = bytes + Place(channel);
+    const bool wide = IsWide(m_layout.kind);
+    const ChannelScaling scaling = wide ? m_scaling[channel] : ChannelScaling();
+    WithReader(m_layout.kind, [&](auto read) {
+        for (std::size_t frame = 0; frame < frames; ++frame, at += frameBytes, out += step) {
+            const auto sample = read(at);
+            *out = wide ? scaling.scale.Code(static_cast<double>(sample) * scaling.factor)
+                        : static_cast<std::int16_t>(sample);
+        }
+    });
+}
+
+void FrameBlock::FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
+        Decode(channel, bytes, frames, buffer, 1);
+        buffer += frames;
+    });
+}
+
+void FrameBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    const std::size_t channels = m_description.channels.size();
+    if (m_layout.kind == SampleKind::Int16 && m_layout.frameBytes == 2 * channels) {
+        const std::uint64_t offset = m_layout.dataOffset + static_cast<std::uint64_t>(first) * m_layout.frameBytes;
+        return m_source->ReadExactly(offset, buffer, static_cast<std::size_t>(count) * m_layout.frameBytes);
+    }
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            Decode(channel, bytes, frames, buffer + channel, channels);
+        }
+        buffer += frames * channels;
+    });
+}
+
+void FrameBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    const std::size_t channels = m_description.channels.size();
+    const auto rowLength = static_cast<std::size_t>(count);
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
+        if (m_layout.kind == SampleKind::Int16) {
+            nsp::SplitFrames(bytes + Place(0), m_layout.frameBytes, channels, frames, buffer, rowLength);
+        } else {
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                Decode(channel, bytes, frames, buffer + channel * rowLength, 1);
+        }
+        buffer += frames;
+    });
+}
+
+bool FrameBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                               std::int32_t run, std::span<RunExtremes* const> out) {
+    std::vector<std::size_t> sorted(channels.begin(), channels.end());
+    std::sort(sorted.begin(), sorted.end());
+    const bool repeats = std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
+    const bool stored =
+        m_layout.kind == SampleKind::Int16 && m_layout.frameBytes % 2 == 0 && m_layout.dataOffset % 2 == 0 && !repeats;
+    if (stored) {
+        ReduceStoredCodes(channels, first, count, run, out);
+    } else {
+        ReduceDecoded(channels, first, count, run, out);
+    }
+    return true;
+}
+
+void FrameBlock::ReduceStoredCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                                   std::int32_t run, std::span<RunExtremes* const> out) const {
+    std::vector<std::size_t> places;
+    for (const std::size_t channel : channels) places.push_back(m_layout.firstChannel + channel);
+    nsp::FrameRunReducer reducer(m_layout.frameBytes / 2, places, run, out);
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
+        reducer.Feed(reinterpret_cast<const std::int16_t*>(bytes), frames);
+    });
+    reducer.Finish();
+}
+
+void FrameBlock::ReduceDecoded(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                               std::int32_t run, std::span<RunExtremes* const> out) const {
+    std::vector<std::size_t> places(channels.size());
+    std::iota(places.begin(), places.end(), std::size_t{0});
+    nsp::FrameRunReducer reducer(channels.size(), places, run, out);
+    std::vector<std::int16_t> codes;
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
+        codes.resize(frames * channels.size());
+        for (std::size_t at = 0; at < channels.size(); ++at) {
+            Decode(channels[at], bytes, frames, codes.data() + at, channels.size());
+        }
+        reducer.Feed(codes.data(), frames);
+    });
+    reducer.Finish();
+}
+
+void FrameBlock::ResolveScales() const {
+    if (!IsWide(m_layout.kind) || !m_scaling.empty()) return;
+    std::vector<SeenSamples> seen(m_description.channels.size());
+    const auto look = [&](const std::uint8_t* bytes, std::size_t frames) {
+        for (std::size_t channel = 0; channel < seen.size(); ++channel) {
+            const std::uint8_t* at = bytes + Place(channel);
+            SeenSamples& samples = seen[channel];
+            WithReader(m_layout.kind, [&](auto read) {
+                for (std::size_t frame = 0; frame < frames; ++frame, at += m_layout.frameBytes) {
+                    samples.Add(static_cast<double>(read(at)));
+                }
+            });
+        }
+    };
+    try {
+        ForEachPiece(0, m_description.sampleCount, look);
+    } catch (const ReadError&) {
+        // What was seen up to there decides: looking again at every call would read a damaged file over and over.
+    }
+    std::vector<ChannelScaling> scaling(seen.size());
+    for (std::size_t channel = 0; channel < seen.size(); ++channel) {
+        const bool recast = IsFloat(m_layout.kind) && seen[channel].sixteenBits;
+        const double factor = recast ? kSixteenBits : 1.0;
+        const WideScale scale =
+            ChooseWideScale(seen[channel].minimum * factor, seen[channel].maximum * factor,
+                            recast || !IsFloat(m_layout.kind), FullScaleUnit(m_layout.kind) / factor, 0.0);
+        scaling[channel] = {factor, scale};
+        m_description.channels[channel].scale = scale.scale;
+        m_description.channels[channel].offset = scale.offset;
+    }
+    m_scaling = std::move(scaling);
+}
+
+namespace {
+
+std::u16string BlockTitle(std::uint64_t stretch, std::uint64_t stretches, std::size_t firstChannel,
+                          std::size_t lastChannel, std::size_t allChannels) {
+    std::u16string title;
+    if (stretches > 1) {
+        title = Decimal(static_cast<std::int64_t>(stretch) + 1) + u"/" + Decimal(static_cast<std::int64_t>(stretches));
+    }
+    if (lastChannel - firstChannel == allChannels) return title;
+    if (!title.empty()) title += u", ";
+    return title + Decimal(static_cast<std::int64_t>(firstChannel) + 1) + u"-" +
+           Decimal(static_cast<std::int64_t>(lastChannel));
+}
+
+/// Marks from `first` on that lie inside the block.
+std::vector<MarkDescription> MarksWithin(const std::vector<FrameMark>& marks, std::uint64_t first, std::int32_t count) {
+    std::vector<MarkDescription> within;
+    for (const FrameMark& mark : marks) {
+        if (mark.position < first || mark.position - first >= static_cast<std::uint64_t>(count)) continue;
+        within.push_back({static_cast<std::int32_t>(mark.position - first), mark.text});
+    }
+    return within;
+}
+
+}  // namespace
+
+std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<ByteSource>& source,
+                                                        const FrameRecording& recording) {
+    const auto longest = static_cast<std::uint64_t>(kBlockSamples);
+    const std::size_t channels = recording.channels.size();
+    const std::size_t groups = (channels + kBlockChannels - 1) / kBlockChannels;
+    const std::uint64_t mostStretches = std::max<std::uint64_t>(32767 / std::max<std::size_t>(groups, 1), 1);
+    const std::uint64_t stretches =
+        std::clamp<std::uint64_t>((recording.frameCount + longest - 1) / longest, 1, mostStretches);
+    std::vector<std::shared_ptr<FileBlock>> blocks;
+    for (std::uint64_t stretch = 0; stretch < stretches; ++stretch) {
+        const std::uint64_t first = stretch * longest;
+        BlockDescription description;
+        description.deviceName = recording.deviceName;
+        description.startTime = recording.startTime + static_cast<double>(first) / recording.sampleRate / 86400.0;
+        description.sampleRate = recording.sampleRate;
+        description.sampleCount = static_cast<std::int32_t>(std::min(recording.frameCount - first, longest));
+        description.marks = std::make_shared<const std::vector<MarkDescription>>(
+            MarksWithin(recording.marks, first, description.sampleCount));
+        FrameLayout layout = recording.layout;
+        layout.dataOffset += first * layout.frameBytes;
+        for (std::size_t channel = 0; channel < channels; channel += kBlockChannels) {
+            const std::size_t end = std::min(channel + kBlockChannels, channels);
+            description.title = BlockTitle(stretch, stretches, channel, end, channels);
+            description.channels.assign(recording.channels.begin() + static_cast<std::ptrdiff_t>(channel),
+                                        recording.channels.begin() + static_cast<std::ptrdiff_t>(end));
+            layout.firstChannel = channel;
+            blocks.push_back(std::make_shared<FrameBlock>(source, layout, description));
+        }
+    }
+    return blocks;
+}
+
+}  // namespace quillon

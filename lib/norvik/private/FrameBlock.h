@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "norvik/private/ByteSource.h"
+#include "norvik/private/FileBlock.h"
+#include "norvik/private/PieceBuffer.h"
+#include "norvik/private/WideScale.h"
+
+namespace quillon {
+
+/// How one sample is stored; all little-endian. Unsigned8 gives the code sample - 128. Float samples are full scale
+/// at 1.
+enum class SampleKind { Unsigned8, Int16, Int24, Int32, Float32, Float64 };
+
+[[nodiscard]] std::size_t SampleBytes(SampleKind kind);
+/// True for the kinds that do not fit 16-bit codes as they are.
+[[nodiscard]] bool IsWide(SampleKind kind);
+/// Units per code of samples whose full scale is 1; for wide kinds the units per stored sample.
+[[nodiscard]] double FullScaleUnit(SampleKind kind);
+
+/// Where the frames of a file lie. A frame holds one sample of every channel and may be padded.
+struct FrameLayout {
+    SampleKind kind = SampleKind::Int16;
+    std::uint64_t dataOffset = 0;  ///< of the first frame
+    std::size_t frameBytes = 0;    ///< from one frame to the next; 1 to kPieceBytes
+    std::size_t firstChannel = 0;  ///< place in the frame of the block's first channel; the others follow
+};
+
+/// A block of frames: some consecutive channels of every frame. Wide samples get their scales from one pass over the
+/// block, made when scales or samples are first asked for; nothing else reads more than the samples asked for.
+class FrameBlock final : public FileBlock {
+  public:
+    FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description);
+
+    [[nodiscard]] bool FramesAreCheap() const override { return true; }
+
+  private:
+    void FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
+    void FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
+    void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
+    bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
+                       std::span<RunExtremes* const> out) override;
+    void ResolveScales() const override;
+
+    /// Calls use(bytes, frames) for consecutive pieces of whole frames.
+    using UsePiece = std::function<void(const std::uint8_t* bytes, std::size_t frames)>;
+    void ForEachPiece(std::int32_t first, std::int32_t count, const UsePiece& use) const;
+    /// Bytes from the start of a frame to a channel's sample.
+    [[nodiscard]] std::size_t Place(std::size_t channel) const;
+    /// Codes of one channel of the frames at `bytes`, written `step` apart.
+    void Decode(std::size_t channel, const std::uint8_t* bytes, std::size_t frames, std::int16_t* out,
+                std::size_t step) const;
+    void ReduceStoredCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                           std::int32_t run, std::span<RunExtremes* const> out) const;
+    void ReduceDecoded(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
+                       std::span<RunExtremes* const> out) const;
+
+    /// How a channel's wide samples become codes: the sample times `factor` is what `scale` takes.
+    struct ChannelScaling {
+        double factor = 1.0;
+        WideScale scale;
+    };
+
+    std::shared_ptr<ByteSource> m_source;
+    FrameLayout m_layout;
+    mutable std::vector<ChannelScaling> m_scaling;  ///< of wide kinds; empty until resolved
+    mutable PieceBuffer m_piece;
+};
+
+struct FrameMark {
+    std::uint64_t position = 0;  ///< sample index in the file
+    std::u16string text;
+};
+
+/// A whole file of frames, before it is cut into blocks.
+struct FrameRecording {
+    FrameLayout layout;
+    std::uint64_t frameCount = 0;
+    double startTime = 0.0;
+    double sampleRate = 0.0;
+    std::u16string deviceName;
+    std::vector<ChannelDescription> channels;  ///< all channels of a frame; numbers unique among each 32
+    std::vector<FrameMark> marks;              ///< in order of position; those outside the frames are dropped
+};
+
+/// The blocks of a file of frames: 32 channels and 2^31 - 1 samples each at most, ordered by time and then by channel.
+/// Frames beyond the 32767th block are left out.
+[[nodiscard]] std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<ByteSource>& source,
+                                                                      const FrameRecording& recording);
+
+}  // namespace quillon

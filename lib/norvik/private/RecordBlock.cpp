@@ -1,0 +1,121 @@
+#include "norvik/private/RecordBlock.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+
+#include "base/LittleEndian.h"
+#include "nsp/SplitFrames.h"
+
+namespace quillon {
+
+RecordBlock::RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, RecordLayout layout)
+    : FileBlock(std::move(description)),
+      m_layout(std::move(layout)),
+      m_records(source, m_layout.start, m_layout.recordBytes) {}
+
+void RecordBlock::ResolveScales() const {
+    if (m_layout.sampleBytes == 2 || !m_wide.empty()) return;
+    struct Extremes {
+        std::int32_t minimum = std::numeric_limits<std::int32_t>::max();
+        std::int32_t maximum = std::numeric_limits<std::int32_t>::min();
+    };
+    std::vector<Extremes> extremes(m_layout.offsets.size());
+    const auto visit = [&](std::uint64_t, std::span<const std::uint8_t* const> channels, std::size_t bytes) {
+        for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+            Extremes found = extremes[channel];
+            for (std::size_t at = 0; at < bytes; at += 3) {
+                const std::int32_t sample = LeSigned24(channels[channel] + at);
+                found.minimum = std::min(found.minimum, sample);
+                found.maximum = std::max(found.maximum, sample);
+            }
+            extremes[channel] = found;
+        }
+    };
+    const auto samples = static_cast<std::uint64_t>(m_description.sampleCount);
+    try {
+        m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
+    } catch (const ReadError&) {
+        // What was seen up to there decides: looking again at every call would read a damaged file over and over.
+    }
+    std::vector<WideScale> scales;
+    for (std::size_t channel = 0; channel < extremes.size(); ++channel) {
+        const RecordLayout::Units& units = m_layout.units[channel];
+        const WideScale scale =
+            ChooseWideScale(extremes[channel].minimum, extremes[channel].maximum, true, units.perSample, units.offset);
+        m_description.channels[channel].scale = scale.scale;
+        m_description.channels[channel].offset = scale.offset;
+        scales.push_back(scale);
+    }
+    m_wide = std::move(scales);
+}
+
+void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                             const CodeVisitor& visitor) {
+    std::vector<std::uint64_t> offsets;
+    offsets.reserve(channels.size());
+    for (const std::size_t channel : channels) offsets.push_back(m_layout.offsets[channel]);
+    const std::uint64_t width = m_layout.sampleBytes;
+    std::vector<const std::int16_t*> codes(channels.size());
+    const auto visit = [&](std::uint64_t position, std::span<const std::uint8_t* const> streams, std::size_t bytes) {
+        const auto samples = bytes / static_cast<std::size_t>(width);
+        if (width == 3) m_codes.resize(std::max(m_codes.size(), samples * channels.size()));
+        for (std::size_t which = 0; which < channels.size(); ++which) {
+            // Every field of a record of 16-bit samples has an even size, so the bytes are aligned.
+            codes[which] = width == 2 ? reinterpret_cast<const std::int16_t*>(streams[which])
+                                      : DecodeWide(channels[which], streams[which], samples, which * samples);
+        }
+        visitor(static_cast<std::size_t>(position / width), codes, samples);
+    };
+    m_records.Visit(offsets, m_layout.samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
+                    static_cast<std::uint64_t>(count) * width, visit);
+}
+
+const std::int16_t* RecordBlock::DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
+                                            std::size_t place) {
+    const WideScale scale = m_wide[channel];
+    std::int16_t* const codes = m_codes.data() + place;
+    for (std::size_t at = 0; at < samples; ++at) codes[at] = scale.Code(LeSigned24(bytes + at * 3));
+    return codes;
+}
+
+void RecordBlock::FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    VisitCodes({&channel, 1}, first, count,
+               [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   std::copy_n(codes[0], samples, buffer + position);
+               });
+}
+
+void RecordBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    const std::size_t width = m_layout.offsets.size();
+    std::vector<std::size_t> channels(width);
+    std::iota(channels.begin(), channels.end(), std::size_t{0});
+    VisitCodes(channels, first, count,
+               [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   nsp::JoinRows(codes, samples, buffer + position * width, width);
+               });
+}
+
+void RecordBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
+    std::vector<std::size_t> channels(m_layout.offsets.size());
+    std::iota(channels.begin(), channels.end(), std::size_t{0});
+    VisitCodes(channels, first, count,
+               [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   for (std::size_t channel = 0; channel < codes.size(); ++channel)
+                       std::copy_n(codes[channel], samples,
+                                   buffer + channel * static_cast<std::size_t>(count) + position);
+               });
+}
+
+bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
+                                std::int32_t run, std::span<RunExtremes* const> out) {
+    nsp::PlanarSetReducer reducer(run, out);
+    VisitCodes(channels, first, count,
+               [&](std::size_t, std::span<const std::int16_t* const> codes, std::size_t samples) {
+                   reducer.Feed(codes, samples);
+               });
+    reducer.Finish();
+    return true;
+}
+
+}  // namespace quillon
