@@ -13,7 +13,7 @@ set(rules
   "src/export|base norvik format data view"
   "src/sound|base norvik kvsound data"
   "src/dialogs|base norvik format data view spectrum export"
-  "src/cli|base norvik format data view spectrum export dialogs"
+  "src/cli|base norvik format data view spectrum export"
   "src/app|base norvik kvsound format data view spectrum export sound dialogs")
 set(failed FALSE)
 foreach(rule IN LISTS rules)

@@ -8,6 +8,7 @@
 #include "data/PathList.h"
 #include "dialogs/SplitSettings.h"
 #include "export/QL_Export.h"
+#include "export/SplitSettings.h"
 #include "norvik/RegistryObject.h"
 #include "spectrum/SpectrumSettings.h"
 

@@ -8,8 +8,8 @@
 #include "base/SystemText.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
-#include "dialogs/SplitPlan.h"
-#include "dialogs/SplitRun.h"
+#include "export/SplitPlan.h"
+#include "export/SplitRun.h"
 #include "norvik/OutputFile.h"
 #include "norvik/SystemBytes.h"
 

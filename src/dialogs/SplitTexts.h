@@ -4,8 +4,8 @@
 #include <string>
 
 #include "data/UserServices.h"
-#include "dialogs/SplitPlan.h"
-#include "dialogs/SplitRun.h"
+#include "export/SplitPlan.h"
+#include "export/SplitRun.h"
 
 /// What the split dialog tells, in the user's language.
 namespace quillon {

@@ -3,9 +3,9 @@
 #include <map>
 
 #include "base/Text.h"
-#include "dialogs/SplitRun.h"
 #include "export/KVExport.h"
 #include "export/QL_Export.h"
+#include "export/SplitRun.h"
 #include "norvik/OutputFile.h"
 #include "norvik/TemporaryFolder.h"
 #include "norvik/TextWriter.h"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/win/Win32.h"
-#include "dialogs/SplitPlan.h"
+#include "export/SplitPlan.h"
 
 /// The output folder on the disk. Paths may be longer than the system's usual 260 characters.
 namespace quillon {

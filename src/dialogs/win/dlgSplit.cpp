@@ -9,11 +9,11 @@
 #include "base/StringIds.h"
 #include "base/Text.h"
 #include "base/win/PendingMessages.h"
-#include "dialogs/SplitPlan.h"
-#include "dialogs/SplitRun.h"
 #include "dialogs/SplitTexts.h"
 #include "dialogs/win/SplitFolder.h"
 #include "dialogs/win/SplitTemplate.h"
+#include "export/SplitPlan.h"
+#include "export/SplitRun.h"
 #include "format/NumberText.h"
 
 namespace quillon {

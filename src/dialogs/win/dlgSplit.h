@@ -7,8 +7,8 @@
 
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
-#include "dialogs/SplitSettings.h"
 #include "export/KVExport.h"
+#include "export/SplitSettings.h"
 #include "norvik/NorvikCore.h"
 
 namespace quillon {

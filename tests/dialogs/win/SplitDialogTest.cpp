@@ -9,7 +9,6 @@
 #include "RecordingWriters.h"
 #include "app/KV_Resources.h"
 #include "app/win/MainWindowFixture.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "base/win/SystemPath.h"
 #include "dialogs/win/SplitFolder.h"

@@ -1,4 +1,4 @@
-#include "dialogs/SplitPlan.h"
+#include "export/SplitPlan.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "dialogs/SplitRun.h"
+#include "export/SplitRun.h"
 
 namespace quillon {
 

@@ -4,8 +4,8 @@
 #include <functional>
 #include <string>
 
-#include "dialogs/SplitPlan.h"
 #include "export/KVExport.h"
+#include "export/SplitPlan.h"
 
 namespace quillon {
 
