@@ -12,7 +12,7 @@ function(add_help)
   add_custom_command(OUTPUT ${checked}
     COMMAND ${check} ${CMAKE_SOURCE_DIR}
     COMMAND ${CMAKE_COMMAND} -E touch ${checked}
-    DEPENDS ${pages} ${check} ${CMAKE_SOURCE_DIR}/lib/base/StringIds.h ${CMAKE_SOURCE_DIR}/res/strings_en.rc
+    DEPENDS ${pages} ${check} ${CMAKE_SOURCE_DIR}/src/app/StringIds.h ${CMAKE_SOURCE_DIR}/res/strings_en.rc
             ${CMAKE_SOURCE_DIR}/res/strings_ru.rc
     COMMENT "Checking the help" VERBATIM)
 

@@ -49,7 +49,7 @@ captions() {
     awk -v first=3000 -v last=3199 '
         FNR == NR { if ($1 == "#define" && $3 >= first && $3 <= last) menu[$2]; next }
         $1 in menu { sub(/^[^"]*"/, ""); sub(/"[^"]*$/, ""); sub(/\\t.*/, ""); gsub(/&/, ""); print }
-    ' lib/base/StringIds.h "$1"
+    ' src/app/StringIds.h "$1"
 }
 
 check_language() {

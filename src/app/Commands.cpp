@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 #include "view/ScaleLabels.h"
 
 namespace quillon {

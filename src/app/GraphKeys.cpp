@@ -4,7 +4,7 @@
 #include <array>
 
 #include "app/Commands.h"
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 
 namespace quillon {
 

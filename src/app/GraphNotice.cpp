@@ -1,6 +1,6 @@
 #include "app/GraphNotice.h"
 
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 #include "data/ChannelSelection.h"
 
 namespace quillon {

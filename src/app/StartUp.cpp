@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 #include "base/SystemText.h"
 #include "base/Text.h"
 

@@ -1,7 +1,7 @@
 #include "app/StatusPanels.h"
 
+#include "app/StringIds.h"
 #include "base/Rounding.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
 #include "format/QL_Format.h"

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "base/FilePath.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
+#include "data/CoreTexts.h"
 
 namespace quillon {
 

@@ -13,7 +13,7 @@ class UserServices {
     void ShowMessage(const std::u16string& text) { ShowMessage(text, u"Quillon"); }
     /// Text of the status bar's panel "Status".
     virtual void SetStatus(const std::u16string& text) = 0;
-    /// Localised string of base/StringIds.h; empty when there is none of that number.
+    /// Localised string; data/CoreTexts.h has the numbers. Empty when there is none of that number.
     [[nodiscard]] virtual std::u16string Text(int id) const = 0;
     /// Hours, minutes and seconds of an automation date in the system's long time format.
     [[nodiscard]] virtual std::u16string LongTime(double date) const = 0;

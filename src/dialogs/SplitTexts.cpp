@@ -1,7 +1,7 @@
 #include "dialogs/SplitTexts.h"
 
-#include "base/StringIds.h"
 #include "base/Text.h"
+#include "dialogs/DialogTexts.h"
 
 namespace quillon {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "base/FilePath.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
+#include "data/CoreTexts.h"
 #include "export/KVExport.h"
 #include "export/TextRows.h"
 

@@ -5,8 +5,8 @@
 #include <exception>
 #include <utility>
 
-#include "base/StringIds.h"
 #include "base/Text.h"
+#include "data/CoreTexts.h"
 
 namespace quillon {
 

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "app/KV_Resources.h"
+#include "app/StringIds.h"
 #include "app/win/frmQLMain.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "kvsound/win/WaveOut.h"
 #include "norvik/OutputFile.h"

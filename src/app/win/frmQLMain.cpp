@@ -9,6 +9,9 @@
 #include "app/win/ViewDialogs.h"
 #include "app/win/WindowPlace.h"
 #include "base/StringIds.h"
+#include "app/StatusPanels.h"
+#include "app/StringIds.h"
+#include "app/ToolbarIcons.h"
 #include "base/SystemText.h"
 #include "view/win/GDI_Utils.h"
 

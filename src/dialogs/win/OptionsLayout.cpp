@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "base/StringIds.h"
+#include "dialogs/DialogTexts.h"
 
 namespace quillon {
 

@@ -1,6 +1,6 @@
 #include "dialogs/win/SplitTemplate.h"
 
-#include "base/StringIds.h"
+#include "dialogs/DialogTexts.h"
 #include "dialogs/win/dlgSplit.h"
 
 namespace quillon {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "base/win/PendingMessages.h"
+#include "dialogs/DialogTexts.h"
 #include "dialogs/win/ColorChooser.h"
 
 namespace quillon {

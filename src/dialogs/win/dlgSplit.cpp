@@ -6,9 +6,9 @@
 #include <optional>
 #include <vector>
 
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "base/win/PendingMessages.h"
+#include "dialogs/DialogTexts.h"
 #include "dialogs/SplitTexts.h"
 #include "dialogs/win/SplitFolder.h"
 #include "dialogs/win/SplitTemplate.h"

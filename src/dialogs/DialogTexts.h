@@ -1,0 +1,78 @@
+// Numbers of the localised strings of the dialogs; read by the resource compiler too, so plain macros.
+#pragma once
+
+#define IDS_OK 2017
+#define IDS_CANCEL 2018
+
+// The options dialog; captions of an array follow each other.
+#define IDS_DLG_OPTIONS 5200
+#define IDS_OPT_TAB_0 5201
+#define IDS_OPT_TIME 5204
+#define IDS_OPT_TIME_0 5205
+#define IDS_OPT_TIMEUNIT_0 5208
+#define IDS_OPT_SCALE 5214
+#define IDS_OPT_SCALE_0 5215
+#define IDS_OPT_UNITSCALING 5217
+#define IDS_OPT_DIGITS_0 5218
+#define IDS_OPT_AUTO 5220
+#define IDS_OPT_GRID 5221
+#define IDS_OPT_GRID_0 5222
+#define IDS_OPT_CURSOR 5225
+#define IDS_OPT_CURSOR_0 5226
+#define IDS_OPT_COLOR 5230
+#define IDS_OPT_PALETTE 5231
+#define IDS_OPT_PALETTE_0 5232
+#define IDS_OPT_SPECTRUM 5235
+#define IDS_OPT_SPECTRUM_0 5236
+#define IDS_OPT_AMPSCALE 5238
+#define IDS_OPT_DBRANGE 5239
+#define IDS_OPT_DB 5240
+#define IDS_OPT_WINDOW 5241
+#define IDS_OPT_WINDOW_0 5242
+#define IDS_OPT_FFTSIZE 5246
+#define IDS_OPT_TEXT 5247
+#define IDS_OPT_XCOLUMN 5248
+#define IDS_OPT_XFORMAT_0 5249
+#define IDS_OPT_ROW_0 5251
+#define IDS_OPT_FILE 5255
+#define IDS_OPT_FILE_0 5256
+#define IDS_OPT_CH 5258
+#define IDS_OPT_CH_0 5259
+#define IDS_OPT_FASTFILE 5261
+#define IDS_OPT_BROWSE 5262
+#define IDS_OPT_HELP 5263
+
+// The dialog that splits a block into files; options of an array follow each other.
+#define IDS_SPLIT_TITLE 5300
+#define IDS_SPLIT_BY_0 5301
+#define IDS_SPLIT_FILES 5303
+#define IDS_SPLIT_FRAME 5304
+#define IDS_SPLIT_SIZE 5305
+#define IDS_SPLIT_STEP 5306
+#define IDS_SPLIT_FORMAT 5307
+#define IDS_SPLIT_BASENAME 5308
+#define IDS_SPLIT_INDEX_0 5309
+#define IDS_SPLIT_PATH 5311
+#define IDS_SPLIT_DELETE 5312
+#define IDS_SPLIT_STATUS 5313
+#define IDS_SPLIT_RUN 5314
+#define IDS_SPLIT_HELP 5315
+#define IDS_SPLIT_PIECES 5316
+#define IDS_SPLIT_PROGRESS 5317
+#define IDS_SPLIT_BAD_SECONDS 5318
+#define IDS_SPLIT_BAD_SAMPLES 5319
+#define IDS_SPLIT_TOO_LARGE 5320
+#define IDS_SPLIT_NO_PIECES 5321
+#define IDS_SPLIT_LONG_NAME 5322
+#define IDS_SPLIT_NOT_FOLDER 5323
+#define IDS_SPLIT_UNREADABLE 5324
+#define IDS_SPLIT_RECORDING 5325
+#define IDS_SPLIT_WILL_DELETE 5326
+#define IDS_SPLIT_WILL_REPLACE 5327
+#define IDS_SPLIT_REPLACE 5328
+#define IDS_SPLIT_DONE 5329
+#define IDS_SPLIT_NOT_DELETED 5330
+#define IDS_SPLIT_NO_FOLDER 5331
+#define IDS_SPLIT_FAILED 5332
+#define IDS_SPLIT_STOPPED 5334
+#define IDS_SPLIT_MANY 5335
