@@ -27,9 +27,10 @@ delay_load(delayed_winmm winmm.dll waveOutClose waveOutGetDevCapsW waveOutGetErr
   waveOutWrite)
 
 # The compiler links some of these DLLs by itself: a function that is left out above is taken from there unnoticed. So
-# the program's import table is looked at.
-function(check_delay_loaded target)
+# the program's import table is looked at. Further arguments are names of DLLs that it may not hold either.
+function(check_imports target)
+  string(REPLACE ";" "|" unwanted "comctl32;comdlg32;shell32;uxtheme;winmm;${ARGN}")
   add_custom_command(TARGET ${target} POST_BUILD VERBATIM
-    COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP} -DPROGRAM=$<TARGET_FILE:${target}>
+    COMMAND ${CMAKE_COMMAND} -DOBJDUMP=${CMAKE_OBJDUMP} -DPROGRAM=$<TARGET_FILE:${target}> -DUNWANTED=${unwanted}
       -P ${CMAKE_SOURCE_DIR}/cmake/CheckImports.cmake)
 endfunction()

@@ -1,0 +1,66 @@
+# One library for each folder of Folders.cmake: quillon_base, quillon_nsp, ... Entry points of programs are left out.
+include(cmake/Folders.cmake)
+set(cli_entry src/cli/posix/main.cpp)
+set(other_system win)
+if(WIN32)
+  set(cli_entry src/cli/win/main.cpp)
+  set(other_system posix)
+endif()
+set(app_entry src/app/win/WinMain.cpp)
+
+set(listed "")
+foreach(line IN LISTS quillon_folders)
+  read_folder_line("${line}")
+  foreach(lower IN LISTS allowed)
+    if(NOT TARGET quillon_${lower})
+      message(FATAL_ERROR "cmake/Folders.cmake: ${folder} may not include ${lower}, which does not stand above it")
+    endif()
+  endforeach()
+  list(APPEND listed ${folder})
+
+  file(GLOB_RECURSE sources RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS ${folder}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/${other_system}/")
+  list(REMOVE_ITEM sources ${cli_entry} ${app_entry})
+  set(portable_sources ${sources})
+  list(FILTER portable_sources EXCLUDE REGEX "/(win|posix)/")
+  if(WIN32)
+    set_source_files_properties(${portable_sources} PROPERTIES
+      COMPILE_OPTIONS "-include;${CMAKE_SOURCE_DIR}/cmake/PoisonWindows.h")
+  endif()
+
+  list(TRANSFORM allowed PREPEND quillon_)
+  if(sources)
+    add_library(quillon_${own} STATIC ${sources})
+    target_link_libraries(quillon_${own} PUBLIC quillon_options ${allowed})
+    add_dependencies(quillon_${own} check_layers)
+  else()
+    add_library(quillon_${own} INTERFACE)
+    target_link_libraries(quillon_${own} INTERFACE quillon_options ${allowed})
+  endif()
+endforeach()
+
+file(GLOB folders RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS lib/* src/*)
+list(REMOVE_ITEM folders ${listed})
+if(folders)
+  message(FATAL_ERROR "Not in cmake/Folders.cmake: ${folders}")
+endif()
+
+# Before anything is compiled.
+file(GLOB_RECURSE checked_sources CONFIGURE_DEPENDS lib/*.h lib/*.cpp src/*.h src/*.cpp)
+add_custom_command(OUTPUT layers_checked VERBATIM
+  COMMAND ${CMAKE_COMMAND} -DROOT=${CMAKE_SOURCE_DIR} -P ${CMAKE_SOURCE_DIR}/cmake/CheckLayers.cmake
+  COMMAND ${CMAKE_COMMAND} -E touch layers_checked
+  DEPENDS ${checked_sources} cmake/CheckLayers.cmake cmake/Folders.cmake
+  COMMENT "Checking what the folders include")
+add_custom_target(check_layers ALL DEPENDS layers_checked)
+
+# What the parts in win/ call of Windows beyond what the compiler links by itself.
+if(WIN32)
+  include(cmake/DelayLoad.cmake)
+  target_link_libraries(quillon_base PUBLIC gdi32)
+  target_link_libraries(quillon_norvik PUBLIC delayed_comdlg32)
+  target_link_libraries(quillon_kvsound PUBLIC delayed_winmm)
+  target_link_libraries(quillon_data PUBLIC delayed_comctl32 delayed_shell32)
+  target_link_libraries(quillon_dialogs PUBLIC delayed_comctl32 delayed_uxtheme)
+  target_link_libraries(quillon_app PUBLIC delayed_comctl32 delayed_shell32)
+endif()
