@@ -6,7 +6,6 @@
 #include <string>
 
 #include "data/PathList.h"
-#include "dialogs/SplitSettings.h"
 #include "export/QL_Export.h"
 #include "export/SplitSettings.h"
 #include "norvik/RegistryObject.h"

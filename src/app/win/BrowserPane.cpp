@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "app/ControlIds.h"
+#include "app/StringIds.h"
 #include "app/ToolbarIcons.h"
 #include "app/win/InputBox.h"
 #include "app/win/Toolbar.h"
 #include "base/FilePath.h"
-#include "base/StringIds.h"
 #include "data/FileOperationPlan.h"
 #include "data/win/FileIdentity.h"
 #include "data/win/FileOperation.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "app/OptionSettings.h"
+#include "app/StringIds.h"
 #include "app/win/MainRooms.h"
 #include "app/win/ViewDialogs.h"
-#include "base/StringIds.h"
 #include "dialogs/win/dlgOptions.h"
 #include "dialogs/win/dlgSplit.h"
 #include "export/QL_Export.h"

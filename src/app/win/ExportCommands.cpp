@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/StringIds.h"
 #include "base/FilePath.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "base/win/SystemPath.h"
 #include "base/win/YesNoBox.h"

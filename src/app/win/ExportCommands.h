@@ -9,9 +9,9 @@
 #include "app/win/LongCommand.h"
 #include "app/win/StatusBar.h"
 #include "data/Document.h"
-#include "data/SaveFileDialog.h"
-#include "data/TextSink.h"
 #include "export/KVExport.h"
+#include "norvik/SaveFileDialog.h"
+#include "norvik/TextSink.h"
 #include "view/WaveformView.h"
 
 namespace quillon {

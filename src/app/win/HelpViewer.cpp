@@ -1,6 +1,6 @@
 #include "app/win/HelpViewer.h"
 
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 #include "base/win/WinHandle.h"
 
 namespace quillon {

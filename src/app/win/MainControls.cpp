@@ -3,7 +3,7 @@
 #include <system_error>
 
 #include "app/ControlIds.h"
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 
 namespace quillon {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/GraphKeys.h"
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 #include "view/AmplitudeScale.h"
 
 namespace quillon {

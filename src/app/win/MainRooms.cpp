@@ -6,8 +6,8 @@
 
 #include "app/Commands.h"
 #include "app/ControlIds.h"
+#include "app/StringIds.h"
 #include "base/FilePath.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 #include "data/win/FileIdentity.h"
 

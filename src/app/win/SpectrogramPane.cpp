@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "app/ControlIds.h"
-#include "base/StringIds.h"
+#include "app/StringIds.h"
 #include "base/Text.h"
 #include "view/Readout.h"
 #include "view/win/GDI_Utils.h"

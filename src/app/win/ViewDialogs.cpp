@@ -2,9 +2,9 @@
 
 #include "app/Commands.h"
 #include "app/GraphKeys.h"
+#include "app/StringIds.h"
 #include "app/win/InputBox.h"
 #include "app/win/TableWindow.h"
-#include "base/StringIds.h"
 #include "base/Text.h"
 
 namespace quillon {

@@ -5,13 +5,12 @@
 
 #include "app/Commands.h"
 #include "app/ControlIds.h"
-#include "app/win/MainControls.h"
-#include "app/win/ViewDialogs.h"
-#include "app/win/WindowPlace.h"
-#include "base/StringIds.h"
 #include "app/StatusPanels.h"
 #include "app/StringIds.h"
 #include "app/ToolbarIcons.h"
+#include "app/win/MainControls.h"
+#include "app/win/ViewDialogs.h"
+#include "app/win/WindowPlace.h"
 #include "base/SystemText.h"
 #include "view/win/GDI_Utils.h"
 

@@ -14,7 +14,7 @@
 #include "app/win/MainRooms.h"
 #include "app/win/Toolbar.h"
 #include "base/win/WinHandle.h"
-#include "data/TimerObject.h"
+#include "norvik/TimerObject.h"
 
 namespace quillon {
 
