@@ -36,6 +36,29 @@ void FillTabs(HWND tabs, int firstCaption, const UserServices& services) {
 
 }  // namespace
 
+HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner) {
+    constexpr const wchar_t* className = L"frmQLMain";
+    WNDCLASSEXW windowClass{};
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.lpfnWndProc = procedure;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.hIcon = LoadIconW(windowClass.hInstance, MAKEINTRESOURCEW(1));
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
+    windowClass.lpszClassName = className;
+    RegisterClassExW(&windowClass);
+    return CreateWindowExW(0, className, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
+                           CW_USEDEFAULT, MulDiv(1060, dpi, 96), MulDiv(700, dpi, 96), nullptr, menu,
+                           windowClass.hInstance, owner);
+}
+
+std::wstring DroppedPath(HDROP drop) {
+    std::wstring path(DragQueryFileW(drop, 0, nullptr, 0), L'\0');
+    DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size()) + 1);
+    DragFinish(drop);
+    return path;
+}
+
 void MakeMainControls(HWND window, HFONT font, const UserServices& services) {
     constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
     constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;

@@ -1,9 +1,18 @@
 #pragma once
 
+#include <string>
+
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
 
 namespace quillon {
+
+/// Makes the main window, hidden, in its usual size. `owner` comes to the procedure with WM_NCCREATE. Null when it
+/// cannot be made.
+[[nodiscard]] HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner);
+
+/// The first of the files and folders that were dropped on a window.
+[[nodiscard]] std::wstring DroppedPath(HDROP drop);
 
 /// Makes the controls of the main window that are the system's own: tabs, lists, scroll bars and status bar, in the
 /// order of the Tab key. Throws std::system_error when one cannot be made.

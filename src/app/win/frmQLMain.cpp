@@ -18,7 +18,6 @@ namespace quillon {
 
 namespace {
 
-constexpr const wchar_t* kClassName = L"frmQLMain";
 constexpr std::int32_t kLookInterval = 2000;  // ms
 
 }  // namespace
@@ -79,24 +78,10 @@ void frmQLMain::Wire() {
 
 void frmQLMain::Create() {
     m_dpi = ScreenDpi();
-    WNDCLASSEXW windowClass{};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = Procedure;
-    windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.hIcon = LoadIconW(windowClass.hInstance, MAKEINTRESOURCEW(1));
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
-    windowClass.lpszClassName = kClassName;
-    RegisterClassExW(&windowClass);
-    const int width = MulDiv(1060, m_dpi, 96);
-    const int height = MulDiv(700, m_dpi, 96);
     // A menu that comes later would resize the window.
-    CreateWindowExW(0, kClassName, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                    width, height, nullptr, m_menu.Make(), windowClass.hInstance, this);
+    const HWND made = MakeMainWindow(Procedure, m_menu.Make(), m_dpi, this);
     if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
-    if (m_window == nullptr) {
-        throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
-    }
+    if (made == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
 }
 
 void frmQLMain::Show(int showCommand) {
@@ -272,9 +257,7 @@ void frmQLMain::OpenFirstFile() {
 }
 
 void frmQLMain::OnDropFiles(HDROP drop) {
-    std::wstring path(DragQueryFileW(drop, 0, nullptr, 0), L'\0');
-    DragQueryFileW(drop, 0, path.data(), static_cast<UINT>(path.size()) + 1);
-    DragFinish(drop);
+    const std::wstring path = DroppedPath(drop);
     if (!path.empty() && !m_rooms.longCommand.IsBusy()) OpenPath(path);
 }
 
