@@ -1,0 +1,159 @@
+#include "app/Playback.h"
+
+#include <gmock/gmock.h>
+
+#include "app/CommandState.h"
+#include "app/Commands.h"
+#include "app/StatusMessage.h"
+#include "support/ViewFixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+
+class PlaybackTest : public ::quillon::testing::ViewFixture {
+  protected:
+    PlaybackTest() {
+        m_playback.onState = [this] { ++m_states; };
+        m_playback.onError = [this](const std::u16string& text) { m_errors.push_back(text); };
+        m_playback.onScroll = [this](std::int32_t columns) { m_playback.ViewChanged(m_view.ScrollBy(columns)); };
+        m_playback.Open();
+    }
+    void Hear(std::int32_t sample) { m_device.events.writeProgress(sample - m_first); }
+    void Play(std::int32_t first) {
+        m_first = first;
+        m_playback.Play(1);
+    }
+
+    ::quillon::testing::DeviceState m_device;
+    SoundOutputFactory m_make = [this](SoundOutputEvents events) {
+        m_device.events = std::move(events);
+        return std::make_unique<::quillon::testing::FakeOutput>(m_device);
+    };
+    Playback m_playback{m_document, m_view, m_services, m_make};
+    std::int32_t m_first = 1;
+    int m_states = 0;
+    std::vector<std::u16string> m_errors;
+};
+
+TEST_F(PlaybackTest, TheViewFollowsTheLineUntilTheUserGoesElsewhere) {
+    m_view.SelectBlock();
+    Play(1);
+    m_view.Deselect();
+    ASSERT_TRUE(m_playback.IsPlaying());
+    Hear(200);
+    EXPECT_NEAR(m_playback.Position(), 200, 1);
+    Hear(530);
+    EXPECT_NEAR(m_axis.FirstColumn(), 529, 1) << "over the edge: the line is at the left of the next page";
+    // A zoom about the middle leaves the line outside; the view comes back to it.
+    m_playback.ViewChanged(m_view.SelectZoomX(1));
+    m_view.ScrollBy(300);
+    m_playback.ViewChanged(m_view.SelectZoomX(0));
+    Hear(540);
+    EXPECT_NEAR(m_axis.FirstColumn(), 539, 1);
+    // Where the user has looked elsewhere it does not, until the line comes into view by itself.
+    m_playback.ViewChanged(m_view.GoTo(2000));
+    const std::int32_t chosen = m_axis.FirstColumn();
+    Hear(900);
+    EXPECT_EQ(m_axis.FirstColumn(), chosen);
+    Hear(chosen + 100);
+    Hear(chosen + 600);
+    EXPECT_GT(m_axis.FirstColumn(), chosen + 500);
+    m_device.events.stopped();
+    EXPECT_EQ(m_playback.Position(), 0);
+    EXPECT_FALSE(m_playback.IsPlaying());
+}
+
+TEST_F(PlaybackTest, WhatIsSelectedOrSeenIsPlayedAndRefusalsAreTold) {
+    m_view.ScrollBy(1000);
+    m_device.written.clear();
+    m_playback.Play(0);
+    EXPECT_THAT(m_device.calls, ElementsAre("open 2 100"));
+    while (m_device.written.size() < 1000) m_device.events.moreWanted();
+    EXPECT_EQ(m_device.written.size(), 1000U) << "500 samples of two channels";
+    m_playback.Stop();
+    m_device.refusal = u"bad format";
+    m_states = 0;
+    m_playback.Play(1);
+    EXPECT_THAT(m_errors, ElementsAre(u"bad format"));
+    EXPECT_FALSE(m_playback.IsPlaying());
+    EXPECT_GT(m_states, 0);
+    // What a handler throws does not leave the sound.
+    m_device.refusal.clear();
+    int failures = 0;
+    m_playback.onFailed = [&](const std::exception&) { ++failures; };
+    m_playback.onPosition = [] { throw std::runtime_error("no memory"); };
+    EXPECT_THROW(m_playback.Play(1), std::runtime_error) << "a command tells its own";
+    m_playback.onPosition = nullptr;
+    m_playback.Play(1);
+    m_playback.onPosition = [] { throw std::runtime_error("no memory"); };
+    m_device.events.writeProgress(20);
+    EXPECT_EQ(failures, 1);
+}
+
+TEST(StatusMessage, StandsUntilItsTopicIsOver) {
+    using Topic = StatusMessage::Topic;
+    StatusMessage message;
+    EXPECT_TRUE(message.Offer(Topic::Sound, u"1 s"));
+    EXPECT_TRUE(message.Offer(Topic::Sound, u"2 s"));
+    EXPECT_FALSE(message.Retract(Topic::Folder));
+    message.Tell(Topic::Outcome, u"written");
+    EXPECT_FALSE(message.Offer(Topic::Sound, u"3 s"));
+    EXPECT_FALSE(message.Retract(Topic::Sound));
+    EXPECT_EQ(message.Text(), u"written");
+    EXPECT_TRUE(message.Retract(Topic::Outcome));
+    EXPECT_TRUE(message.Offer(Topic::Sound, u"3 s"));
+}
+
+TEST(CommandState, EachFactEnablesItsCommands) {
+    CommandState loaded;
+    loaded.fileCount = 3;
+    loaded.filePosition = 1;
+    loaded.channelCount = 2;
+    loaded.sampleCount = 100;
+    loaded.zoomX = 3;
+    loaded.scaleY = 5;
+    const auto enabled = [](int id, auto change, CommandState state) {
+        change(state);
+        return IsEnabled(id, state);
+    };
+    using S = CommandState;
+    struct Row {
+        std::vector<int> commands;
+        void (*with)(S& state);
+        void (*without)(S& state);
+    };
+    for (const Row& row : {
+             Row{{mnuView, mnuStatistics}, [](S& s) { s.hasSelection = true; }, [](S&) {}},
+             Row{{mnuView + 2}, [](S& s) { s.hasHistory = true; }, [](S&) {}},
+             Row{{mnuMark, mnuMark + 1}, [](S& s) { s.hasMarks = true; }, [](S&) {}},
+             Row{{mnuSelect + 2, mnuSoundPlay + 2}, [](S& s) { s.playing = true; }, [](S&) {}},
+             Row{{mnuSoundPlay, mnuSoundCard}, [](S& s) { s.soundDevices = 1; }, [](S&) {}},
+             Row{{mnuNextPalette}, [](S& s) { s.spectrogramShown = true; }, [](S&) {}},
+             Row{{mnuZoomX}, [](S&) {}, [](S& s) { s.zoomX = TimeAxis::kMenuZoomCount - 1; }},
+             Row{{mnuZoomX + 1}, [](S&) {}, [](S& s) { s.zoomX = 0; }},
+             Row{{mnuZoomY}, [](S&) {}, [](S& s) { s.scaleY = 0; }},
+             Row{{mnuZoomY + 1}, [](S&) {}, [](S& s) { s.scaleY = AmplitudeScale::kScaleCount - 1; }},
+             Row{{mnuFileOperation, mnuFileOperation + 1}, [](S&) {}, [](S& s) { s.filePosition = -1; }},
+             Row{{mnuRecording}, [](S&) {}, [](S& s) { s.filePosition = 0; }},
+             Row{{mnuRecording + 1}, [](S&) {}, [](S& s) { s.filePosition = 2; }},
+             Row{{mnuSaveAs, mnuFastExport, mnuSplit, mnuCopy, mnuCopy + 1, mnuView + 1, mnuSelect, mnuGoToPlace,
+                  mnuMove},
+                 [](S&) {},
+                 [](S& s) { s.sampleCount = 0; }},
+             Row{{mnuSaveAs, mnuGoTo, mnuScaleX, mnuScaleY, mnuBaseLine, mnuChShow, mnuSoloChannel},
+                 [](S&) {},
+                 [](S& s) { s.channelCount = 0; }},
+         }) {
+        for (const int id : row.commands) {
+            EXPECT_TRUE(enabled(id, row.with, loaded)) << id;
+            EXPECT_FALSE(enabled(id, row.without, loaded)) << id;
+        }
+    }
+    for (const int always : {mnuExit, mnuHelp, mnuOptions, mnuSpectrogram, mnuTabPath, mnuFocus, mnuPathList})
+        EXPECT_TRUE(IsEnabled(always, {})) << always;
+}
+
+}  // namespace
+}  // namespace quillon
