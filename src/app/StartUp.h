@@ -19,6 +19,7 @@ struct StartUpParts {
     TextSinkFactory openText;
     std::function<std::unique_ptr<SaveFileDialog>()> makeSaveDialog;
     SoundOutputFactory makeSoundOutput;
+    std::u16string path = {};  ///< file or folder that the shell hands over, opened at the start; may be empty
 };
 
 /// Creates the process-wide objects. On a failure the user is told (a numbered error by its number, any other as an

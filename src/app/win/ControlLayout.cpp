@@ -114,7 +114,10 @@ void ControlLayout::PlaceControls() const {
     RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
-bool ControlLayout::SetCursorAt(POINT point) const {
+bool ControlLayout::SetPointer() const {
+    POINT point{};
+    GetCursorPos(&point);
+    ScreenToClient(m_window, &point);
     const bool column = Contains(m_layout.splitColumn, point.x, point.y);
     bool rows = false;
     for (const PixelRect& split : {m_layout.splitLists, m_layout.splitValues, m_layout.splitSpectrogram})

@@ -25,8 +25,8 @@ class ControlLayout {
     [[nodiscard]] const PixelRect& Graph() const { return m_layout.graph; }
 
     [[nodiscard]] bool IsDragging() const { return m_drag != Drag::None; }
-    /// Sets the pointer over a splitter; false elsewhere.
-    [[nodiscard]] bool SetCursorAt(POINT point) const;
+    /// Sets the shape of the pointer over a splitter; false elsewhere.
+    [[nodiscard]] bool SetPointer() const;
     void Press(int x, int y);
     /// True when a splitter has moved.
     bool Move(int x, int y);

@@ -70,7 +70,8 @@ void MainMenu::ShowZooms(HWND owner, HWND control) const {
                    nullptr);
 }
 
-void MainMenu::ShowFolders(HWND owner, HWND control, std::span<const std::u16string> folders) const {
+void MainMenu::ShowFolders(HWND owner, HWND control, const PathList& pathList) const {
+    const auto& folders = pathList.Folders();
     const Menu menu(CreatePopupMenu());
     for (std::size_t at = 0; at < folders.size(); ++at)
         AppendMenuW(menu.Get(), MF_STRING, static_cast<UINT_PTR>(mnuPathList) + at, Escaped(folders[at]).c_str());
@@ -90,7 +91,11 @@ void MainMenu::FillSoundDevices(HMENU menu, std::span<const std::u16string> devi
     if (count == 0) AppendMenuW(menu, MF_STRING, mnuSoundCard, Wide(m_services.Text(IDS_SOUNDCARD_0)).c_str());
 }
 
-void MainMenu::Update(HMENU menu, const CommandState& state) const {
+void MainMenu::Open(HMENU menu, Playback& playback, const std::function<CommandState()>& present) const {
+    const UINT first = GetMenuItemID(menu, 0);
+    if (first == mnuSoundCard || first == mnuSoundPlay) playback.LookForDevices();
+    if (first == mnuSoundCard) FillSoundDevices(menu, playback.DeviceNames());
+    const CommandState state = present();
     const int count = GetMenuItemCount(menu);
     for (int position = 0; position < count; ++position) {
         const UINT id = GetMenuItemID(menu, position);

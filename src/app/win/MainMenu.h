@@ -1,11 +1,14 @@
 #pragma once
 
+#include <functional>
 #include <span>
 #include <string>
 
 #include "app/CommandState.h"
 #include "app/Commands.h"
+#include "app/Playback.h"
 #include "base/win/WinHandle.h"
+#include "data/PathList.h"
 #include "data/UserServices.h"
 #include "format/QL_Format.h"
 #include "view/WaveformView.h"
@@ -22,17 +25,17 @@ class MainMenu {
     [[nodiscard]] HMENU Make();
     /// The system destroys the menu with its window.
     void Release() { static_cast<void>(m_menu.Release()); }
-    /// Makes the entries of a menu that is going to open what they are in that state.
-    void Update(HMENU menu, const CommandState& state) const;
-    void FillSoundDevices(HMENU menu, std::span<const std::u16string> devices) const;
+    /// A menu is going to open: makes its entries what they are now. That of the sound looks for devices.
+    void Open(HMENU menu, Playback& playback, const std::function<CommandState()>& state) const;
     /// The menu of the graph; returns the chosen command, 0 without one.
     int ShowContextMenu(HWND owner, POINT screen);
     /// The list of X zooms above the control.
     void ShowZooms(HWND owner, HWND control) const;
     /// The path list below the control.
-    void ShowFolders(HWND owner, HWND control, std::span<const std::u16string> folders) const;
+    void ShowFolders(HWND owner, HWND control, const PathList& pathList) const;
 
   private:
+    void FillSoundDevices(HMENU menu, std::span<const std::u16string> devices) const;
     void Fill(HMENU menu, std::span<const MenuEntry> entries);
     [[nodiscard]] std::wstring CaptionOf(const MenuEntry& entry, int index) const;
 

@@ -354,6 +354,13 @@ void MainRooms::SoundPlay(int index) {
     playback.Play(index == 1 ? std::int16_t{0} : MenuChannel());
 }
 
+void MainRooms::OpenContextMenu() {
+    RECT place{};
+    GetWindowRect(graph.Graph(), &place);
+    ForgetMenuChannel();
+    onContextMenu({place.left, place.top});
+}
+
 void MainRooms::ShowPosition() {
     const std::int32_t sample = playback.Position();
     if (sample == 0) {

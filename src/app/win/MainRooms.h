@@ -85,6 +85,8 @@ class MainRooms {
     }
     /// From elsewhere than the context menu a command concerns the current channel.
     void ForgetMenuChannel() { m_menuChannel = 0; }
+    /// Opens the context menu at the corner of the graph.
+    void OpenContextMenu();
     /// The drag, readout or sound under way ends.
     void EndHover() { hover.End(); }
 

@@ -1,5 +1,6 @@
 #include "app/win/QL_Main.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -62,6 +63,20 @@ StartUpParts SystemParts() {
             [](SoundOutputEvents events) { return MakeSoundOutput(std::move(events), InterfaceLanguage()); }};
 }
 
+std::u16string PathOfArguments(std::wstring arguments) {
+    // The shell puts names with blanks into quotation marks.
+    if (!arguments.empty() && arguments.front() == L'"') {
+        arguments.erase(0, 1);
+        arguments.resize(std::min(arguments.find(L'"'), arguments.size()));
+    }
+    std::wstring path(32768, L'\0');
+    const DWORD length =
+        arguments.empty() ? 0
+                          : GetFullPathNameW(arguments.c_str(), static_cast<DWORD>(path.size()), path.data(), nullptr);
+    path.resize(length < path.size() ? length : 0);
+    return Narrow16(path);
+}
+
 int QL_Main(const StartUpParts& parts, int showCommand) {
     QL_Global global;
     global.language = InterfaceLanguage();
@@ -80,6 +95,7 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
         form.ChooseHelp();
         form.Create();
         form.Show(showCommand);
+        if (!parts.path.empty() && form.Window() != nullptr) form.OpenPath(Wide(parts.path));
         UpdateWindow(form.Window());
         return RunMessages(form);
     } catch (const std::system_error& error) {

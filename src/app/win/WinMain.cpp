@@ -2,7 +2,9 @@
 #include "app/win/SystemDlls.h"
 #include "base/win/Win32.h"
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int showCommand) {
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR arguments, int showCommand) {
     quillon::LoadSystemDllsOnly();
-    return quillon::QL_Main(quillon::SystemParts(), showCommand);
+    quillon::StartUpParts parts = quillon::SystemParts();
+    parts.path = quillon::PathOfArguments(arguments);
+    return quillon::QL_Main(parts, showCommand);
 }

@@ -47,7 +47,7 @@ void frmQLMain::Wire() {
     m_rooms.onContextMenu = [this](POINT screen) { ShowContextMenu(screen); };
     m_rooms.onCommand = [this](int command) { OnCommand(command); };
     m_rooms.onPathList = [this] {
-        m_menu.ShowFolders(m_window, m_rooms.browser.PathList(), m_global.settings.pathList.Folders());
+        m_menu.ShowFolders(m_window, m_rooms.browser.PathList(), m_global.settings.pathList);
     };
     m_rooms.onZoomMenu = [this](HWND control) { m_menu.ShowZooms(m_window, control); };
     m_rooms.onFailed = [this](const std::exception& error) { Failed(error); };
@@ -65,15 +65,8 @@ void frmQLMain::Wire() {
     };
     m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
     m_keys.onPathList = m_rooms.onPathList;
-    m_keys.onContextMenu = [this] {
-        RECT graph{};
-        GetWindowRect(Graph(), &graph);
-        m_rooms.ForgetMenuChannel();
-        ShowContextMenu({graph.left, graph.top});
-    };
-    m_keys.onWheel = [this](int delta, GraphZone zone, const GraphPointer& pointer) {
-        m_rooms.graph.Wheel(delta, zone, pointer);
-    };
+    m_keys.onContextMenu = [this] { m_rooms.OpenContextMenu(); };
+    m_keys.onWheel = [this](auto delta, auto zone, const auto& at) { m_rooms.graph.Wheel(delta, zone, at); };
 }
 
 void frmQLMain::Create() {
@@ -157,7 +150,7 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_INITMENUPOPUP:
             // The window's own menu holds the system's commands.
             if (HIWORD(lParam) != 0) break;
-            OnInitMenu(reinterpret_cast<HMENU>(wParam));
+            m_menu.Open(reinterpret_cast<HMENU>(wParam), m_rooms.playback, [this] { return State(); });
             return 0;
         case WM_HSCROLL: m_rooms.graph.OnHScroll(LOWORD(wParam)); return 0;
         case WM_VSCROLL: m_rooms.graph.OnVScroll(LOWORD(wParam)); return 0;
@@ -347,7 +340,7 @@ void frmQLMain::OnControlCommand(int id, int notification) {
 
 LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     if (header->code == TTN_GETDISPINFOW) {
-        auto* tip = const_cast<NMTTDISPINFOW*>(reinterpret_cast<const NMTTDISPINFOW*>(header));
+        auto* const tip = reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(header));
         m_tipText = Wide(m_services.Text(ToolTipId(static_cast<int>(header->idFrom))));
         if (!m_tipText.empty()) tip->lpszText = m_tipText.data();
         return 0;
@@ -358,13 +351,6 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     if (header->code == NM_CLICK) ReturnKeyboard(static_cast<int>(header->idFrom));
     if (header->idFrom == lvCh) m_rooms.recording.OnNotify(header);
     return 0;
-}
-
-void frmQLMain::OnInitMenu(HMENU menu) {
-    if (GetMenuItemID(menu, 0) == mnuSoundCard || GetMenuItemID(menu, 0) == mnuSoundPlay)
-        m_rooms.playback.LookForDevices();
-    if (GetMenuItemID(menu, 0) == mnuSoundCard) m_menu.FillSoundDevices(menu, m_rooms.playback.DeviceNames());
-    m_menu.Update(menu, m_rooms.State());
 }
 
 void frmQLMain::ShowContextMenu(POINT screen) {
@@ -399,10 +385,7 @@ void frmQLMain::OnPaint() const {
 bool frmQLMain::OnSetCursor(HWND child) const {
     if (m_rooms.longCommand.IsBusy() && IsWindowEnabled(m_window))
         return SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true;
-    POINT point{};
-    GetCursorPos(&point);
-    ScreenToClient(m_window, &point);
-    return child == m_window && m_layout.SetCursorAt(point);
+    return child == m_window && m_layout.SetPointer();
 }
 
 void frmQLMain::OnMouse(UINT message, int x, int y) {

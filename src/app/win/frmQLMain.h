@@ -73,7 +73,6 @@ class frmQLMain {
     void OnCommand(int id);
     void OnControlCommand(int id, int notification);
     LRESULT OnNotify(const NMHDR* header);
-    void OnInitMenu(HMENU menu);
     void OnMouse(UINT message, int x, int y);
     bool OnSetCursor(HWND child) const;
     void OnPaint() const;
