@@ -72,7 +72,7 @@ void CheckExports(RecordingBlock& block, std::uint32_t choice) {
             Require(!error.Reason().english.empty(), "a format that cannot hold the block says why");
             continue;
         }
-        const RecordingContent read = ReadRecording(std::make_shared<MemorySource>(bytes), name);
+        const RecordingContent read = ReadRecording({std::make_shared<MemorySource>(bytes), std::u16string(name)});
         RecordingBlock& copy = *read.blocks.front();
         Require(copy.ChannelCount() == block.ChannelCount(), "an export keeps the channels");
         Require(copy.SampleCount() == writers.Outcome().written, "an export keeps the samples that it tells");

@@ -55,10 +55,12 @@ std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes) {
         source = std::make_shared<MemorySource>(std::move(file));
     }
     try {
-        FuzzedRecording recording{ReadRecording(source, names[choice[0] % names.size()]), isLong, shrinks};
+        FuzzedRecording recording{ReadRecording({source, std::u16string(names[choice[0] % names.size()])}), isLong,
+                                  shrinks};
         const RecordingContent& content = recording.content;
         Require(!content.blocks.empty(), "a recording has a block");
-        Require(!content.info.english.empty() && !content.info.russian.empty(), "a recording is described");
+        const bool described = content.info.english.starts_with(content.format) && !content.info.russian.empty();
+        Require(!content.format.empty() && described, "a recording is described");
         return recording;
     } catch (const FormatError& error) {
         Require(!error.Reason().english.empty() && !error.Reason().russian.empty(), "a refusal has a reason");

@@ -85,6 +85,8 @@ class Recording {
     virtual ~Recording() = default;
     /// Full path of the file.
     [[nodiscard]] virtual std::u16string FileName() const = 0;
+    /// Short name of the file's format, the same in every language: "WAVE", "EDF+C".
+    [[nodiscard]] virtual std::u16string FormatName() const = 0;
     /// What kind of file it is and anything odd about it, as one line for the user.
     [[nodiscard]] virtual std::u16string FileInfo() const = 0;
     [[nodiscard]] virtual std::int16_t BlockCount() const = 0;

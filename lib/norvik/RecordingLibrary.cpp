@@ -1,6 +1,5 @@
 #include "norvik/RecordingLibrary.h"
 
-#include <array>
 #include <new>
 #include <stdexcept>
 
@@ -13,20 +12,7 @@ namespace quillon {
 
 namespace {
 
-struct FileType {
-    std::u16string_view english;
-    std::u16string_view russian;
-    std::u16string_view mask;
-};
-
-/// The first entry stands for all of them; its mask is put together from the others.
-constexpr std::array<FileType, 5> kFileTypes{{
-    {u"Supported Files", u"Поддерживаемые файлы", u""},
-    {u"Binary Files", u"Двоичные файлы", u"*.bin"},
-    {u"Waveform Audio", u"Звуковые файлы", u"*.wav;*.rf64"},
-    {u"European Data Format", u"Европейский формат данных", u"*.edf"},
-    {u"BDF 24-bit", u"BDF, 24 бита", u"*.bdf"},
-}};
+constexpr TypeName kAllTypes{u"Supported Files", u"Поддерживаемые файлы"};
 
 class FileRecording final : public Recording {
   public:
@@ -34,6 +20,7 @@ class FileRecording final : public Recording {
         : m_fileName(std::move(fileName)), m_content(std::move(content)), m_language(language) {}
 
     [[nodiscard]] std::u16string FileName() const override { return m_fileName; }
+    [[nodiscard]] std::u16string FormatName() const override { return m_content.format; }
     [[nodiscard]] std::u16string FileInfo() const override { return m_content.info.In(m_language); }
     [[nodiscard]] std::int16_t BlockCount() const override {
         return static_cast<std::int16_t>(m_content.blocks.size());
@@ -61,7 +48,7 @@ class FileLibrary final : public RecordingLibrary {
             m_lastError = reason.In(m_language);
             if (!source) return false;
             source->TellIn(m_language);
-            RecordingContent content = ReadRecording(source, fileName);
+            RecordingContent content = ReadRecording({source, fileName, FilesBeside(fileName, m_language)});
             recording = std::make_shared<FileRecording>(fileName, std::move(content), m_language);
             return true;
         } catch (const FormatError& error) {
@@ -77,31 +64,29 @@ class FileLibrary final : public RecordingLibrary {
 
     void CloseRecording(std::shared_ptr<Recording>& recording) override { recording.reset(); }
     [[nodiscard]] std::u16string LastErrorText() const override { return m_lastError; }
-    [[nodiscard]] std::int32_t FileTypeCount() const override {
-        return static_cast<std::int32_t>(kFileTypes.size()) - 1;
-    }
+    [[nodiscard]] std::int32_t FileTypeCount() const override { return static_cast<std::int32_t>(FileTypes().size()); }
 
     [[nodiscard]] std::u16string FileTypeName(std::int32_t index) const override {
-        const FileType& type = Type(index);
-        return std::u16string(m_language == Language::Russian ? type.russian : type.english);
+        const TypeName& name = index == 0 ? kAllTypes : Type(index).name;
+        return std::u16string(m_language == Language::Russian ? name.russian : name.english);
     }
 
     [[nodiscard]] std::u16string FileTypeMask(std::int32_t index) const override {
-        if (index != 0) return std::u16string(Type(index).mask);
+        if (index != 0) return std::u16string(Type(index).masks);
         std::u16string all;
-        for (const FileType& type : kFileTypes) {
+        for (const FileType& type : FileTypes()) {
             if (!all.empty()) all += u';';
-            all += type.mask;
+            all += type.masks;
         }
         return all;
     }
 
   private:
     static const FileType& Type(std::int32_t index) {
-        if (index < 0 || static_cast<std::size_t>(index) >= kFileTypes.size()) {
+        if (index < 1 || static_cast<std::size_t>(index) > FileTypes().size()) {
             throw std::out_of_range("a file type that there is not");
         }
-        return kFileTypes[static_cast<std::size_t>(index)];
+        return FileTypes()[static_cast<std::size_t>(index) - 1];
     }
 
     Language m_language;

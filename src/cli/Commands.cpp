@@ -56,10 +56,9 @@ std::string JsonBlock(std::int16_t number, const RecordingBlock& block) {
 void RunInfo(const CommandContext& context) {
     const OpenFile file(context.parsed.words[1], context.language);
     Recording& recording = file.Get();
-    const std::u16string info = recording.FileInfo();
     std::string json = "{\"file\":" + JsonText(recording.FileName());
-    json += ",\"format\":" + JsonText(info.substr(0, info.find(u',')));
-    json += ",\"fileInfo\":" + JsonText(info) + ",\"blocks\":[";
+    json += ",\"format\":" + JsonText(recording.FormatName());
+    json += ",\"fileInfo\":" + JsonText(recording.FileInfo()) + ",\"blocks\":[";
     const std::int16_t blocks = recording.BlockCount();
     for (std::int32_t number = 1; number <= blocks; ++number) {
         const auto block = static_cast<std::int16_t>(number);

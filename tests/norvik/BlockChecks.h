@@ -60,7 +60,7 @@ inline void ExpectReads(RecordingBlock& block, const std::vector<Codes>& codes) 
 /// Why the file is refused, in English; there is a Russian text too, and no place is left open in either.
 inline std::string Refusal(std::shared_ptr<ByteSource> source, std::u16string_view fileName) {
     try {
-        static_cast<void>(ReadRecording(std::move(source), fileName));
+        static_cast<void>(ReadRecording({std::move(source), std::u16string(fileName)}));
         return "read";
     } catch (const FormatError& error) {
         const Bilingual& reason = error.Reason();

@@ -24,6 +24,7 @@ TEST(RecordingLibrary, OpensByContentUnderAnyNameAndLeavesTheFileFree) {
     std::shared_ptr<Recording> recording;
     ASSERT_TRUE(library->OpenRecording(path, recording)) << Utf8(library->LastErrorText());
     EXPECT_EQ(recording->FileName(), path);
+    EXPECT_EQ(recording->FormatName(), u"WAVE");
     EXPECT_EQ(recording->FileInfo(), u"WAVE, PCM 16 bit, 1 channel at 100 Hz, 2 samples");
     ASSERT_EQ(recording->BlockCount(), 1);
     EXPECT_THROW(static_cast<void>(recording->GetBlock(0)), std::out_of_range);
@@ -63,6 +64,34 @@ TEST(RecordingLibrary, TheExtensionDecidesWhoTellsTheFaultOfAFileThatBeginsLikeN
           Case(u"a.bin", "3 of 128"),
           Case(u"a.txt", "not a recording of a known format (the file begins with 01 02 03)")})
         ExpectRefusal(SourceOf(FileBytes().Text("\x01\x02\x03")), name, part);
+}
+
+TEST(RecordingLibrary, FilesBesideARecordingAreOpenedByPlainNamesOnly) {
+    const TemporaryFolder folder;
+    const std::u16string path = folder.Write(u"a.hea", "header");
+    folder.Write(u"a.dat", "samples");
+    std::filesystem::create_directory(folder.File(u"sub"));
+    folder.Write(u"sub/b.dat", "elsewhere");
+    const Companions beside = FilesBeside(path, Language::English);
+    Bilingual error;
+    const auto source = beside.Open(u"a.dat", error);
+    ASSERT_TRUE(source) << Utf8(error.english);
+    EXPECT_EQ(source->Size(), 7U);
+    EXPECT_FALSE(beside.Open(u"missing.dat", error));
+    EXPECT_FALSE(error.english.empty());
+
+    int asked = 0;
+    const Companions any([&](const std::u16string&, Bilingual&) { return ++asked, source; });
+    for (const std::u16string name : {u"", u".", u"..", u".. ", u"sub/b.dat", u"sub\\b.dat", u"../a.dat",
+                                      u"/etc/passwd", u"\\\\host\\share", u"C:a.dat", u"a.dat:stream", u"a\n.dat",
+                                      u"a.dat.", u"a.dat ", u"CON", u"nul.dat", u"Aux .x", u"com1", u"LPT\u00B2.dat"}) {
+        error = {};
+        EXPECT_FALSE(any.Open(name, error) || error.english.empty() || error.russian.empty()) << Utf8(name);
+    }
+    EXPECT_FALSE(any.Open(std::u16string_view(u"a.dat\0b", 7), error));
+    EXPECT_EQ(asked, 0) << "nothing is asked of the system";
+    for (const std::u16string name : {u"..a", u"Запись 1.dat", u"console.dat", u"com.dat", u"com10", u".dat"})
+        EXPECT_TRUE(any.Open(name, error)) << Utf8(name);
 }
 
 /// A file of random codes at 250 Hz.

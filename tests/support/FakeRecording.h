@@ -118,6 +118,7 @@ class FakeRecording : public Recording {
     std::u16string name;
     std::vector<std::shared_ptr<FakeBlock>> blocks;
     std::u16string FileName() const override { return name; }
+    std::u16string FormatName() const override { return u"FAKE"; }
     std::u16string FileInfo() const override { return u"fake"; }
     std::int16_t BlockCount() const override { return static_cast<std::int16_t>(blocks.size()); }
     std::shared_ptr<RecordingBlock> GetBlock(std::int16_t number) override {

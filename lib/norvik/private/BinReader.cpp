@@ -140,7 +140,8 @@ RecordingContent ReadBin(const std::shared_ptr<ByteSource>& source) {
     const bool dated = ReadStart(header.data(), recording.startTime);
 
     RecordingContent content;
-    content.info = DescribeFrames({u"BIN", u"BIN"}, recording);
+    content.format = u"BIN";
+    content.info = DescribeFrames({content.format, content.format}, recording);
     AppendRemark(content.info, frames.remark);
     if (!dated) AppendRemark(content.info, Say(u"start taken from the file's time", u"начало взято из времени файла"));
     if (channels.scalesReplaced)

@@ -205,6 +205,7 @@ RecordingContent ReadEdf(const std::shared_ptr<ByteSource>& source) {
         timeline.notes.push_back(
             Say(u"too many marks, the last ones left out", u"слишком много меток, последние пропущены"));
     }
+    content.format = header.format;
     content.info = Describe(header, timeline.notes);
     return content;
 }

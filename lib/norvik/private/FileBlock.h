@@ -95,7 +95,8 @@ class FileBlock : public RecordingBlock {
 
 /// What a reader makes of a file.
 struct RecordingContent {
-    Bilingual info;  ///< one line: format, size, oddities ("EDF+C, 11 signals, 600 records of 1 s")
+    std::u16string format;  ///< short name, without a comma ("EDF+C")
+    Bilingual info;         ///< one line: format, size, oddities ("EDF+C, 11 signals, 600 records of 1 s")
     std::vector<std::shared_ptr<FileBlock>> blocks;  ///< at least one
 };
 

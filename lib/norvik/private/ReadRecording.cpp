@@ -1,7 +1,7 @@
 #include "norvik/private/ReadRecording.h"
 
 #include <algorithm>
-#include <span>
+#include <array>
 #include <vector>
 
 #include "base/Text.h"
@@ -14,6 +14,35 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t kStartBytes = 4096;
+
+RecordingContent ReadBinFile(const RecordingFile& file) {
+    return ReadBin(file.source);
+}
+
+RecordingContent ReadWaveFile(const RecordingFile& file) {
+    return ReadWave(file.source);
+}
+
+RecordingContent ReadEdfFile(const RecordingFile& file) {
+    return ReadEdf(file.source);
+}
+
+constexpr std::array<FileType, 4> kFileTypes{{
+    {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadBinFile},
+    {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadWaveFile},
+    {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
+    {{u"BDF 24-bit", u"BDF, 24 бита"}, u"*.bdf", LooksLikeEdf, ReadEdfFile},
+}};
+
+/// `name` in lower case.
+bool HasExtension(const FileType& type, std::u16string_view name) {
+    for (std::size_t at = 0; at < type.masks.size();) {
+        const std::size_t end = std::min(type.masks.find(u';', at), type.masks.size());
+        if (name.ends_with(type.masks.substr(at + 1, end - at - 1))) return true;
+        at = end + 1;
+    }
+    return false;
+}
 
 std::vector<std::uint8_t> ReadStart(ByteSource& source) {
     std::vector<std::uint8_t> start(kStartBytes);
@@ -35,16 +64,20 @@ std::vector<std::uint8_t> ReadStart(ByteSource& source) {
 
 }  // namespace
 
-RecordingContent ReadRecording(const std::shared_ptr<ByteSource>& source, std::u16string_view fileName) {
-    const std::vector<std::uint8_t> start = ReadStart(*source);
+std::span<const FileType> FileTypes() {
+    return kFileTypes;
+}
+
+RecordingContent ReadRecording(const RecordingFile& file) {
+    const std::vector<std::uint8_t> start = ReadStart(*file.source);
     if (start.empty()) throw FormatError(Say(u"the file is empty", u"файл пуст"));
-    if (LooksLikeBin(start)) return ReadBin(source);
-    if (LooksLikeWave(start)) return ReadWave(source);
-    if (LooksLikeEdf(start)) return ReadEdf(source);
-    const std::u16string name = LowerCase(fileName);
-    if (name.ends_with(u".edf") || name.ends_with(u".bdf")) return ReadEdf(source);
-    if (name.ends_with(u".wav") || name.ends_with(u".rf64")) return ReadWave(source);
-    if (name.ends_with(u".bin")) return ReadBin(source);
+    for (const FileType& type : kFileTypes) {
+        if (type.looksLike(start)) return type.read(file);
+    }
+    const std::u16string name = LowerCase(file.name);
+    for (const FileType& type : kFileTypes) {
+        if (HasExtension(type, name)) return type.read(file);
+    }
     RefuseUnknown(start);
 }
 

@@ -1,16 +1,44 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <span>
+#include <string>
 #include <string_view>
 
 #include "norvik/private/ByteSource.h"
+#include "norvik/private/Companions.h"
 #include "norvik/private/FileBlock.h"
 
 namespace quillon {
 
-/// Chooses the reader by what the bytes begin with; the extension of `fileName` only decides who tells what is wrong
-/// with a file that begins like none. Throws FormatError for a file that cannot be read, ReadError when the device
-/// fails.
-[[nodiscard]] RecordingContent ReadRecording(const std::shared_ptr<ByteSource>& source, std::u16string_view fileName);
+/// A file to be read as a recording.
+struct RecordingFile {
+    std::shared_ptr<ByteSource> source;
+    std::u16string name;         ///< with or without its folder
+    Companions companions = {};  ///< the files beside it
+};
+
+struct TypeName {
+    std::u16string_view english;
+    std::u16string_view russian;
+};
+
+/// A type of file: how it is offered, known and read.
+struct FileType {
+    TypeName name;
+    std::u16string_view masks;  ///< "*.ext", separated by semicolons
+    /// Tells by the file's first bytes, 4096 of them where there are as many.
+    bool (*looksLike)(std::span<const std::uint8_t> start);
+    RecordingContent (*read)(const RecordingFile& file);
+};
+
+/// All types, in the order in which they are offered.
+[[nodiscard]] std::span<const FileType> FileTypes();
+
+/// Reads a file by the first type that its bytes look like. The extension of its name only decides who tells what is
+/// wrong with a file that begins like none. Throws FormatError for a file that cannot be read, ReadError when the
+/// device fails.
+[[nodiscard]] RecordingContent ReadRecording(const RecordingFile& file);
 
 }  // namespace quillon

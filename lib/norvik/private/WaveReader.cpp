@@ -129,6 +129,7 @@ RecordingContent ReadWave(const std::shared_ptr<ByteSource>& source) {
     }
 
     RecordingContent content;
+    content.format = u"WAVE";
     content.info = DescribeFrames(WaveFormatName(format), recording);
     AppendRemark(content.info, frames.remark);
     content.blocks = MakeFrameBlocks(source, recording);
