@@ -55,6 +55,7 @@ void ExportAgainstCopy(benchmark::State& state, bool edfSource, const char* targ
     std::shared_ptr<Recording> recording;
     if (!library->OpenRecording(source, recording)) return state.SkipWithError("the recording cannot be opened");
     const auto block = recording->GetBlock(1);
+    block->Prepare();
     const std::u16string written = folder.File(target);
     exporter.Export(block.get(), written, 1, 0, 0);
     const fs::path model = folder.File("model");
@@ -80,6 +81,7 @@ void TextAgainstWrite(benchmark::State& state) {
     std::shared_ptr<Recording> recording;
     if (!library->OpenRecording(source, recording)) return state.SkipWithError("the recording cannot be opened");
     const auto block = recording->GetBlock(1);
+    block->Prepare();
     const std::u16string written = folder.File("out.txt");
     const ChannelSlots slots;
     const FormatOptions format;

@@ -27,6 +27,7 @@ class BenchFile {
         m_source = OpenFileSource(m_path.u16string(), reason);
         if (m_source == nullptr) throw std::runtime_error("the bench recording cannot be opened");
         m_block = ReadRecording({m_source, m_path.u16string()}).blocks.front();
+        m_block->Prepare();
     }
     ~BenchFile() {
         std::error_code error;

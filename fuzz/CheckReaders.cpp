@@ -102,6 +102,7 @@ namespace {
 
 void CheckBlock(RecordingBlock& block, std::int32_t most) {
     CheckDescription(block);
+    block.Prepare();
     const std::int32_t samples = block.SampleCount();
     const std::int32_t size = std::min(samples, most / block.ChannelCount());
     CheckRange(block, 0, size, 7);

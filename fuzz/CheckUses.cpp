@@ -19,6 +19,7 @@ namespace {
 ViewBlock Loaded(const std::shared_ptr<FileBlock>& block) {
     ViewBlock loaded;
     loaded.block = block;
+    block->Prepare();
     loaded.sampleCount = block->SampleCount();
     loaded.sampleRate = block->SampleRate();
     loaded.startTime = block->StartTime();
@@ -74,6 +75,7 @@ void CheckExports(RecordingBlock& block, std::uint32_t choice) {
         }
         const RecordingContent read = ReadRecording({std::make_shared<MemorySource>(bytes), std::u16string(name)});
         RecordingBlock& copy = *read.blocks.front();
+        copy.Prepare();
         Require(copy.ChannelCount() == block.ChannelCount(), "an export keeps the channels");
         Require(copy.SampleCount() == writers.Outcome().written, "an export keeps the samples that it tells");
         std::vector<std::int16_t> codes(static_cast<std::size_t>(copy.SampleCount()));

@@ -20,9 +20,18 @@ using RunExtremes = nsp::ExtremePair;
 
 /// One block: a stretch of simultaneous sampling of up to 32 acquisition channels at one rate.
 /// The physical value of a sample is code x ChannelScale + ChannelOffset, in the channel's unit.
+///
+/// What describes the block costs nothing. Its scales, offsets and samples are there once Prepare was called; a block
+/// of a file throws std::logic_error where they are asked for without it, whether or not there was anything to prepare.
 class RecordingBlock {
   public:
     virtual ~RecordingBlock() = default;
+
+    /// Finds out what the codes stand for, which may take a pass over all samples of the block: those wider than 16
+    /// bits are scaled by their extremes. Costs nothing for 16-bit samples and after the first call. Whoever loads a
+    /// block to use its samples calls it; who only lists blocks does not. Samples that cannot be read are left out of
+    /// account.
+    virtual void Prepare() {}
 
     /// May be empty.
     [[nodiscard]] virtual std::u16string Title() const = 0;
@@ -38,6 +47,7 @@ class RecordingBlock {
     /// May be empty.
     [[nodiscard]] virtual std::u16string ChannelTitle(std::int16_t channel) const = 0;
     [[nodiscard]] virtual std::u16string ChannelUnit(std::int16_t channel) const = 0;
+    /// Scale and offset: of a prepared block, as all that reads samples.
     [[nodiscard]] virtual float ChannelScale(std::int16_t channel) const = 0;
     [[nodiscard]] virtual float ChannelOffset(std::int16_t channel) const = 0;
     /// Fills buffer[0 .. count-1] with the codes of samples first .. first+count-1, which must lie inside the block.
@@ -90,7 +100,7 @@ class Recording {
     /// What kind of file it is and anything odd about it, as one line for the user.
     [[nodiscard]] virtual std::u16string FileInfo() const = 0;
     [[nodiscard]] virtual std::int16_t BlockCount() const = 0;
-    /// Throws std::out_of_range for a number outside 1 .. BlockCount.
+    /// Reads nothing: the block is not prepared. Throws std::out_of_range for a number outside 1 .. BlockCount.
     [[nodiscard]] virtual std::shared_ptr<RecordingBlock> GetBlock(std::int16_t number) = 0;
 };
 

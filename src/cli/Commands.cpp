@@ -62,7 +62,9 @@ void RunInfo(const CommandContext& context) {
     const std::int16_t blocks = recording.BlockCount();
     for (std::int32_t number = 1; number <= blocks; ++number) {
         const auto block = static_cast<std::int16_t>(number);
-        context.target.Write(json + (number > 1 ? ",\n" : "\n") + JsonBlock(block, *recording.GetBlock(block)));
+        const std::shared_ptr<RecordingBlock> described = recording.GetBlock(block);
+        described->Prepare();
+        context.target.Write(json + (number > 1 ? ",\n" : "\n") + JsonBlock(block, *described));
         json.clear();
     }
     context.target.Write(json + "\n]}\n");
@@ -101,6 +103,7 @@ template <typename Read>
 void WriteSamples(const CommandContext& context, Read read) {
     const OpenFile file(context.parsed.words[1], context.language);
     const SampleRange range = FindRange(context, file.Get());
+    range.block->Prepare();
     std::vector<char> bytes;
     for (std::int32_t done = 0; done < range.count;) {
         const std::int32_t size = std::min(kPieceSamples, range.count - done);

@@ -72,6 +72,7 @@ void RunExport(const CommandContext& context) {
     KVExport exporter(services, {.makeFile = [&] { return std::make_unique<TargetFile>(context.target, refusal); },
                                  .fieldText = SystemBytes,
                                  .language = context.language});
+    range.block->Prepare();
     const bool done = exporter.Export(range.block.get(), parsed.words[2], range.first, range.count, type);
     if (refusal) std::rethrow_exception(refusal);
     if (!done) RefuseExport(exporter, parsed.words[2]);

@@ -152,6 +152,7 @@ std::u16string WriteSpectrum(const BlockChannel& source, SpectrumRequest request
 
     // A target that cannot be written is told before the work.
     target.Open();
+    source.block->Prepare();
     std::u16string lost;
     const ValueRange limits = request.limits ? *request.limits : WholeRange(source, lost);
     QL_FFT spectrum(request.settings);

@@ -130,6 +130,7 @@ void RunSplitCommand(const CommandContext& context) {
                           .In(context.language));
     }
     CheckReplaced(context, plan, folder);
+    block->Prepare();
 
     SilentServices services;
     KVExport exporter(services, {.makeFile = MakeOutputFile, .fieldText = SystemBytes, .language = context.language});

@@ -98,6 +98,7 @@ void RunText(const CommandContext& context) {
                            }};
     text.utf8Mark = !context.target.IsStandard();
     if (context.target.IsStandard()) text.lineEnd = context.lineEnd;
+    range.block->Prepare();
     WriteTextExport(*range.block, request, text);
     if (refusal) std::rethrow_exception(refusal);
 }

@@ -119,6 +119,7 @@ void Document::LoadBlock(std::int16_t index) {
     }
     RecordingBlock* const block = m_block.block.get();
     if (block == nullptr) return;
+    Resume([&] { block->Prepare(); });
     Resume([&] { m_block.sampleCount = block->SampleCount(); });
     Resume([&] { m_block.sampleRate = block->SampleRate(); });
     Resume([&] { m_block.startTime = block->StartTime(); });

@@ -40,8 +40,8 @@ class Document {
     bool OpenFile(const std::u16string& path, const FileStamp& stamp);
     /// Sets the no-file state and closes the recording.
     void CloseCurrentFile();
-    /// Loads the block at a position from 0; -1: none. Library failures are not reported: every step runs, and a failed
-    /// one leaves its field empty. The first channel becomes the current one, and a solo ends.
+    /// Loads and prepares the block at a position from 0; -1: none. Library failures are not reported: every step runs,
+    /// and a failed one leaves its field empty. The first channel becomes the current one, and a solo ends.
     void LoadBlock(std::int16_t index);
     /// The lines of the block list: title or, where it is empty, start time, a tab, the number from 1.
     [[nodiscard]] std::vector<std::u16string> BlockTitles() const;

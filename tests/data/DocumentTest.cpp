@@ -45,8 +45,12 @@ class DocumentTest : public ::testing::Test {
 };
 
 TEST_F(DocumentTest, OpeningLoadsTheFirstBlockAndARefusedFileLeavesNone) {
-    Open(u"one.fake", {Block(u"first"), Block(u"")});
+    const auto first = Block(u"first");
+    const auto second = Block(u"");
+    Open(u"one.fake", {first, second});
     EXPECT_THAT(m_document.BlockTitles(), ElementsAre(u"first\t1", u"12:00:00\t2"));
+    EXPECT_THAT(first->calls, ::testing::Contains("Prepare"));
+    EXPECT_THAT(second->calls, ::testing::Not(::testing::Contains("Prepare"))) << "the list reads no samples";
     EXPECT_EQ(m_file.currentBlockIndex, 0);
     Open(u"Запись.fake", {Block(u"only")});
     EXPECT_THAT(m_document.BlockTitles(), ElementsAre(u"only\t1"));

@@ -170,12 +170,13 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
 /// How far values that a reader computes from the header of an EDF file are from code x scale + offset, in codes, at
 /// the most: what is linear in the code is most at the ends. Our own reader must have the same line, in single
 /// precision.
-double EdfMiss(const std::string& file, const RecordingBlock& read, std::int16_t channel, float scale, float offset) {
+double EdfMiss(const std::string& file, RecordingBlock& read, std::int16_t channel, float scale, float offset) {
     const auto channels = static_cast<std::size_t>(read.ChannelCount());
     const auto number = [&](std::size_t before) {
         return std::stod(file.substr(256 + before * channels + 8 * (static_cast<std::size_t>(channel) - 1), 8));
     };
     const double low = number(104), high = number(112), first = number(120), last = number(128);
+    read.Prepare();
     EXPECT_TRUE(first >= -32768 && first < last && last <= 32767) << first << ' ' << last;
     const double k = (high - low) / (last - first);
     const double b = low - k * first;

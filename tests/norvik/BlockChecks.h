@@ -22,8 +22,9 @@ inline std::shared_ptr<ByteSource> SourceOf(const FileBytes& file) {
     return std::make_shared<MemorySource>(std::vector<std::uint8_t>(file.Get().begin(), file.Get().end()));
 }
 
-/// All codes of a channel (from 1) in one call.
+/// All codes of a channel (from 1) in one call; prepares the block.
 inline Codes AllCodes(RecordingBlock& block, std::int16_t channel) {
+    block.Prepare();
     Codes codes(static_cast<std::size_t>(block.SampleCount()));
     block.ReadCodes(channel, 0, block.SampleCount(), codes.data());
     return codes;

@@ -188,6 +188,7 @@ TEST(EdfReader, LimitsGiveScalesOrAreToldToBeUseless) {
     const auto scale = [](std::string low, std::string high, std::string lowCode, std::string highCode) {
         const EdfBuilder file{.signals = {{"EEG", "uV", low, high, lowCode, highCode}}};
         const auto block = ReadEdf(file.Source()).blocks[0];
+        block->Prepare();
         const std::string odd = "no usable limits in 1 of the signals, first in 'EEG' at byte 360";
         return std::tuple(block->ChannelScale(1), block->ChannelOffset(1), Info(file).find(odd) != std::string::npos);
     };
@@ -312,6 +313,10 @@ void ExpectReads(const Shape& shape) {
     }
     const auto source = std::make_shared<CountingSource>(file.Bytes());
     const auto block = ReadEdf(source).blocks[0];
+    EXPECT_EQ(source->total, 256 * (file.signals.size() + 1)) << "opening reads the header";
+    EXPECT_THROW(static_cast<void>(block->ChannelScale(1)), std::logic_error) << "not prepared";
+    for (int time = 1; time <= 2; ++time) block->Prepare();
+    EXPECT_LE(source->total, 256 * (file.signals.size() + 1) + (bdf ? source->Size() : 0)) << "one pass or none";
     testing::ExpectReads(*block, codes);
     float value = 0;
     block->ReadValues(static_cast<std::int16_t>(channels), block->SampleCount() - 1, 1, &value);

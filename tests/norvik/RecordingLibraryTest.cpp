@@ -30,6 +30,7 @@ TEST(RecordingLibrary, OpensByContentUnderAnyNameAndLeavesTheFileFree) {
     EXPECT_THROW(static_cast<void>(recording->GetBlock(0)), std::out_of_range);
     EXPECT_THROW(static_cast<void>(recording->GetBlock(2)), std::out_of_range);
     const auto block = recording->GetBlock(1);
+    block->Prepare();
     EXPECT_GT(block->StartTime(), DateFromCivil({2020, 1, 1, 0, 0, 0, 0})) << "the file's own time";
 
     const std::filesystem::path renamed = folder.File(u"renamed.wav");
@@ -132,6 +133,7 @@ TEST(BinReader, FurtherChannelsFormFurtherBlocks) {
     ASSERT_EQ(content.blocks.size(), 3U);
     for (std::size_t at = 0; at < 3; ++at) {
         RecordingBlock& block = *content.blocks[at];
+        block.Prepare();
         EXPECT_EQ(Utf8(block.Title()), (std::array{"1-32", "33-64", "65-70"}[at]));
         EXPECT_EQ(Iso8601(block.StartTime()), "2011-04-04T12:57:02.500");
         EXPECT_EQ(block.ChannelTitle(2), u"Fp1");
@@ -162,6 +164,7 @@ TEST(BinReader, TheDataSizeIsBelievedAsFarAsTheDataReach) {
 TEST(BinReader, UnusableScalesAndDatesAreReplacedAndTold) {
     for (const float scale : {0.0F, std::numeric_limits<float>::infinity()}) {
         const RecordingContent content = BinFile(1, 4, scale).Read();
+        content.blocks[0]->Prepare();
         EXPECT_EQ(content.blocks[0]->ChannelScale(1), 1.0F);
         EXPECT_THAT(Utf8(content.info.english), ::testing::EndsWith("; unusable scales replaced"));
     }

@@ -43,6 +43,7 @@ constexpr std::size_t kRampDataSize = 40;
 std::shared_ptr<FileBlock> OnlyBlock(const FileBytes& file) {
     const RecordingContent content = ReadWave(SourceOf(file));
     EXPECT_EQ(content.blocks.size(), 1U);
+    content.blocks.at(0)->Prepare();
     return content.blocks.at(0);
 }
 

@@ -29,6 +29,7 @@ class FakeBlock : public RecordingBlock {
     std::vector<std::string> failing;
     std::int32_t holeFrom = 0, holeTo = 0;  ///< samples from 0 that cannot be read, the second one outside
 
+    void Prepare() override { Ask("Prepare"); }
     std::u16string Title() const override { return Ask("Title"), title; }
     double StartTime() const override { return Ask("StartTime"), start; }
     double SampleRate() const override { return Ask("SampleRate"), rate; }

@@ -28,6 +28,16 @@ void FileBlock::CheckRange(std::int32_t first, std::int32_t count) const {
     }
 }
 
+void FileBlock::RequirePrepared() const {
+    if (!m_prepared) throw std::logic_error("the block is not prepared");
+}
+
+void FileBlock::Prepare() {
+    if (m_prepared) return;
+    ChooseScales();
+    m_prepared = true;
+}
+
 std::int16_t FileBlock::ChannelCount() const {
     return static_cast<std::int16_t>(m_description.channels.size());
 }
@@ -45,19 +55,19 @@ std::u16string FileBlock::ChannelUnit(std::int16_t channel) const {
 }
 
 float FileBlock::ChannelScale(std::int16_t channel) const {
-    ResolveScales();
+    RequirePrepared();
     return Channel(channel).scale;
 }
 
 float FileBlock::ChannelOffset(std::int16_t channel) const {
-    ResolveScales();
+    RequirePrepared();
     return Channel(channel).offset;
 }
 
 std::int32_t FileBlock::ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
     static_cast<void>(Channel(channel));
     CheckRange(first, count);
-    ResolveScales();
+    RequirePrepared();
     if (count > 0) FetchCodes(static_cast<std::size_t>(channel) - 1, first, count, buffer);
     return 0;
 }
@@ -65,7 +75,7 @@ std::int32_t FileBlock::ReadCodes(std::int16_t channel, std::int32_t first, std:
 std::int32_t FileBlock::ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) {
     static_cast<void>(Channel(channel));
     CheckRange(first, count);
-    ResolveScales();
+    RequirePrepared();
     const ChannelDescription& description = Channel(channel);
     std::array<std::int16_t, 8192> codes;
     const auto piece = static_cast<std::int32_t>(codes.size());
@@ -99,14 +109,14 @@ std::int16_t FileBlock::InputNumber(std::int16_t channel) const {
 
 std::int32_t FileBlock::ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
     CheckRange(first, count);
-    ResolveScales();
+    RequirePrepared();
     if (count > 0 && !m_description.channels.empty()) FetchFrames(first, count, buffer);
     return 0;
 }
 
 std::int32_t FileBlock::ReadRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
     CheckRange(first, count);
-    ResolveScales();
+    RequirePrepared();
     if (count > 0 && !m_description.channels.empty()) FetchRows(first, count, buffer);
     return 0;
 }
@@ -116,7 +126,7 @@ bool FileBlock::ColumnExtremes(std::span<const std::int16_t> channels, std::int3
     CheckRange(first, count);
     if (run < 1 || channels.size() != out.size()) throw std::invalid_argument("runs of extremes");
     if (channels.empty() || count == 0) return true;
-    ResolveScales();
+    RequirePrepared();
     std::vector<std::size_t> indexes;
     indexes.reserve(channels.size());
     for (const std::int16_t channel : channels) {

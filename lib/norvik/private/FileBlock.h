@@ -45,11 +45,13 @@ struct BlockDescription {
 };
 
 /// A block of a file: answers every question out of its description and checks every argument, so that a reader's own
-/// class only has to fetch codes. Throws std::out_of_range for a channel, mark or range outside the block.
+/// class only has to fetch codes. Throws std::out_of_range for a channel, mark or range outside the block,
+/// std::logic_error for scales and samples of a block that is not prepared.
 class FileBlock : public RecordingBlock {
   public:
     explicit FileBlock(BlockDescription description);
 
+    void Prepare() final;
     [[nodiscard]] std::u16string Title() const final { return m_description.title; }
     [[nodiscard]] double StartTime() const final { return m_description.startTime; }
     [[nodiscard]] double SampleRate() const final { return m_description.sampleRate; }
@@ -81,16 +83,18 @@ class FileBlock : public RecordingBlock {
     /// `channels` is not empty. Every sample of the range is reduced as RecordingBlock::ColumnExtremes says.
     virtual bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                std::int32_t run, std::span<RunExtremes* const> out) = 0;
-    /// Called before scales, offsets or samples are used: a reader of wide samples chooses its scales here, once.
-    virtual void ResolveScales() const {}
+    /// Called once, before anything is fetched: a reader of wide samples sets their scales and offsets here.
+    virtual void ChooseScales() {}
 
-    /// Mutable for ResolveScales.
-    mutable BlockDescription m_description;
+    BlockDescription m_description;
 
   private:
+    void RequirePrepared() const;
     [[nodiscard]] const ChannelDescription& Channel(std::int16_t channel) const;
     [[nodiscard]] const MarkDescription& Mark(std::int32_t mark) const;
     void CheckRange(std::int32_t first, std::int32_t count) const;
+
+    bool m_prepared = false;
 };
 
 /// What a reader makes of a file.

@@ -80,7 +80,7 @@ std::size_t FrameBlock::Place(std::size_t channel) const {
     return (m_layout.firstChannel + channel) * SampleBytes(m_layout.kind);
 }
 
-void FrameBlock::ForEachPiece(std::int32_t first, std::int32_t count, const UsePiece& use) const {
+void FrameBlock::ForEachPiece(std::int32_t first, std::int32_t count, const UsePiece& use) {
     const std::size_t frameBytes = m_layout.frameBytes;
     const auto wanted = static_cast<std::size_t>(count);
     const std::size_t pieceFrames = std::min(wanted, std::max<std::size_t>(kPieceBytes / frameBytes, 1));
@@ -159,7 +159,7 @@ bool FrameBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32
 }
 
 void FrameBlock::ReduceStoredCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
-                                   std::int32_t run, std::span<RunExtremes* const> out) const {
+                                   std::int32_t run, std::span<RunExtremes* const> out) {
     std::vector<std::size_t> places;
     for (const std::size_t channel : channels) places.push_back(m_layout.firstChannel + channel);
     nsp::FrameRunReducer reducer(m_layout.frameBytes / 2, places, run, out);
@@ -170,7 +170,7 @@ void FrameBlock::ReduceStoredCodes(std::span<const std::size_t> channels, std::i
 }
 
 void FrameBlock::ReduceDecoded(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
-                               std::int32_t run, std::span<RunExtremes* const> out) const {
+                               std::int32_t run, std::span<RunExtremes* const> out) {
     std::vector<std::size_t> places(channels.size());
     std::iota(places.begin(), places.end(), std::size_t{0});
     nsp::FrameRunReducer reducer(channels.size(), places, run, out);
@@ -185,8 +185,8 @@ void FrameBlock::ReduceDecoded(std::span<const std::size_t> channels, std::int32
     reducer.Finish();
 }
 
-void FrameBlock::ResolveScales() const {
-    if (!IsWide(m_layout.kind) || !m_scaling.empty()) return;
+void FrameBlock::ChooseScales() {
+    if (!IsWide(m_layout.kind)) return;
     std::vector<SeenSamples> seen(m_description.channels.size());
     const auto look = [&](const std::uint8_t* bytes, std::size_t frames) {
         for (std::size_t channel = 0; channel < seen.size(); ++channel) {
@@ -202,7 +202,7 @@ void FrameBlock::ResolveScales() const {
     try {
         ForEachPiece(0, m_description.sampleCount, look);
     } catch (const ReadError&) {
-        // What was seen up to there decides: looking again at every call would read a damaged file over and over.
+        // What was seen up to there decides, so that the rest of a damaged file can be shown.
     }
     std::vector<ChannelScaling> scaling(seen.size());
     for (std::size_t channel = 0; channel < seen.size(); ++channel) {

@@ -31,7 +31,7 @@ struct FrameLayout {
 };
 
 /// A block of frames: some consecutive channels of every frame. Wide samples get their scales from one pass over the
-/// block, made when scales or samples are first asked for; nothing else reads more than the samples asked for.
+/// block; nothing else reads more than the samples asked for.
 class FrameBlock final : public FileBlock {
   public:
     FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description);
@@ -44,20 +44,20 @@ class FrameBlock final : public FileBlock {
     void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
     bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
                        std::span<RunExtremes* const> out) override;
-    void ResolveScales() const override;
+    void ChooseScales() override;
 
     /// Calls use(bytes, frames) for consecutive pieces of whole frames.
     using UsePiece = std::function<void(const std::uint8_t* bytes, std::size_t frames)>;
-    void ForEachPiece(std::int32_t first, std::int32_t count, const UsePiece& use) const;
+    void ForEachPiece(std::int32_t first, std::int32_t count, const UsePiece& use);
     /// Bytes from the start of a frame to a channel's sample.
     [[nodiscard]] std::size_t Place(std::size_t channel) const;
     /// Codes of one channel of the frames at `bytes`, written `step` apart.
     void Decode(std::size_t channel, const std::uint8_t* bytes, std::size_t frames, std::int16_t* out,
                 std::size_t step) const;
     void ReduceStoredCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
-                           std::int32_t run, std::span<RunExtremes* const> out) const;
+                           std::int32_t run, std::span<RunExtremes* const> out);
     void ReduceDecoded(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
-                       std::span<RunExtremes* const> out) const;
+                       std::span<RunExtremes* const> out);
 
     /// How a channel's wide samples become codes: the sample times `factor` is what `scale` takes.
     struct ChannelScaling {
@@ -67,8 +67,8 @@ class FrameBlock final : public FileBlock {
 
     std::shared_ptr<ByteSource> m_source;
     FrameLayout m_layout;
-    mutable std::vector<ChannelScaling> m_scaling;  ///< of wide kinds; empty until resolved
-    mutable PieceBuffer m_piece;
+    std::vector<ChannelScaling> m_scaling;  ///< of wide kinds; empty until they are chosen
+    PieceBuffer m_piece;
 };
 
 struct FrameMark {

@@ -14,8 +14,8 @@ RecordBlock::RecordBlock(BlockDescription description, const std::shared_ptr<Byt
       m_layout(std::move(layout)),
       m_records(source, m_layout.start, m_layout.recordBytes) {}
 
-void RecordBlock::ResolveScales() const {
-    if (m_layout.sampleBytes == 2 || !m_wide.empty()) return;
+void RecordBlock::ChooseScales() {
+    if (m_layout.sampleBytes == 2) return;
     struct Extremes {
         std::int32_t minimum = std::numeric_limits<std::int32_t>::max();
         std::int32_t maximum = std::numeric_limits<std::int32_t>::min();
@@ -36,7 +36,7 @@ void RecordBlock::ResolveScales() const {
     try {
         m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
     } catch (const ReadError&) {
-        // What was seen up to there decides: looking again at every call would read a damaged file over and over.
+        // What was seen up to there decides, so that the rest of a damaged file can be shown.
     }
     std::vector<WideScale> scales;
     for (std::size_t channel = 0; channel < extremes.size(); ++channel) {

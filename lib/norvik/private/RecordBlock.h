@@ -29,7 +29,7 @@ struct RecordLayout {
 };
 
 /// A block whose samples lie in records, as the EDF family stores them.
-/// 16-bit samples are the codes; of 24-bit ones the whole block is read once to choose what codes stand for.
+/// 16-bit samples are the codes; of 24-bit ones Prepare reads the whole block to choose what codes stand for.
 class RecordBlock final : public FileBlock {
   public:
     RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, RecordLayout layout);
@@ -42,7 +42,7 @@ class RecordBlock final : public FileBlock {
     void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
     bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
                        std::span<RunExtremes* const> out) override;
-    void ResolveScales() const override;
+    void ChooseScales() override;
 
   private:
     /// Called with the same stretch of every channel asked for: its first sample counted from the first one asked for,
@@ -56,10 +56,9 @@ class RecordBlock final : public FileBlock {
                                    std::size_t place);
 
     RecordLayout m_layout;
-    // Mutable for ResolveScales, which reads.
-    mutable EdfRecords m_records;
-    mutable std::vector<WideScale> m_wide;  ///< per channel; empty until resolved, and for 16-bit samples
-    std::vector<std::int16_t> m_codes;      ///< of one stretch, where samples are wider
+    EdfRecords m_records;
+    std::vector<WideScale> m_wide;      ///< of 24-bit samples, per channel; empty until they are chosen
+    std::vector<std::int16_t> m_codes;  ///< of one stretch, where samples are wider
 };
 
 }  // namespace quillon

@@ -44,6 +44,7 @@ class SplitDialog : public ::testing::Test {
         m_library = MakeRecordingLibrary(Language::English);
         m_path = fs::path(m_folder.Path()).make_preferred() / name;
         ASSERT_TRUE(m_library->OpenRecording(m_path.u16string(), m_recording));
+        m_recording->GetBlock(1)->Prepare();
         m_pieces = m_path.parent_path() / m_path.stem();
     }
 

@@ -38,6 +38,7 @@ TEST(LargeFile, SamplesBeyondFourGibibytesAreReached) {
         ASSERT_TRUE(library->OpenRecording(path, recording)) << Utf8(library->LastErrorText());
         ASSERT_EQ(recording->BlockCount(), 2) << Utf8(recording->FileInfo());
         const auto last = recording->GetBlock(2);
+        last->Prepare();
         EXPECT_EQ(recording->GetBlock(1)->SampleCount(), samples);
         EXPECT_EQ(last->Title(), title);
         EXPECT_NEAR(last->StartTime() - recording->GetBlock(1)->StartTime(), samples / last->SampleRate() / 86400.0,
