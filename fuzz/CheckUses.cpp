@@ -99,7 +99,7 @@ void CheckTraces(RecordingBlock& block, std::uint32_t choice) {
             block.SampleCount() > 0 ? static_cast<std::int32_t>(choice) % block.SampleCount() / 2 : 0;
         const std::int32_t aligned = first / samplesPerPixel * samplesPerPixel;
         const std::int32_t count = std::min(block.SampleCount() - aligned, samplesPerPixel * 60 + 3);
-        cached.Read(block, channels, {aligned, count, samplesPerPixel});
+        cached.Read(block, channels, {{aligned, count}, samplesPerPixel});
         // What could not be read ends the trace early.
         if (!cached.Failure().empty()) return;
         for (std::size_t at = 0; at < channels.size(); ++at) {
@@ -143,13 +143,13 @@ void CheckReadouts(const ViewBlock& block, std::uint32_t choice) {
     const std::int32_t first = std::max(last - 2000, 1);
     Require(HoverReadout(source, last).starts_with(u"X:\t"), "a readout begins with the position");
     Require(RangeReadout(source, {true, 1, last, first}).starts_with(u"dX:\t"), "a range begins with its length");
-    for (const ChannelStatistics& channel : StatisticsOf(source, first, last)) {
+    for (const ChannelStatistics& channel : StatisticsOf(source, {first - 1, last - first + 1})) {
         Require(!(channel.minimum > channel.maximum), "the minimum is not above the maximum");
         Require(!(channel.deviation < 0.0), "no negative deviation");
     }
     TraceReader reader;
     const std::vector<std::int16_t> one{1};
-    reader.Read(*block.block, one, {first - 1, last - first + 1, 1});
+    reader.Read(*block.block, one, {{first - 1, last - first + 1}, 1});
     const std::optional<ValueRange> range = CentralRange(block, one, reader.points(), choice % 5 == 1);
     Require(!range || !(range->minimum > range->maximum), "the lower end of a range is not above the upper one");
 }

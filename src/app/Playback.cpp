@@ -48,14 +48,10 @@ void Playback::ChooseDevice(std::int16_t index) {
 void Playback::Play(std::int16_t channel) {
     if (!m_sound) return;
     const Selection& selection = m_view.Selected();
-    const VisibleRange visible = m_view.Axis().Visible();
     m_follows = false;
     SetPosition(0);
-    if (selection.active) {
-        m_sound->Play(channel, selection.First(), selection.Count());
-    } else {
-        m_sound->Play(channel, visible.first, visible.Count());
-    }
+    const SampleSpan samples = selection.active ? selection.Samples() : m_view.Axis().Visible();
+    m_sound->Play(channel, samples.first + 1, samples.count);
     Tell(onState);
     if (!m_sound->Playing() && !m_sound->ErrorText().empty()) Tell(onError, m_sound->ErrorText());
 }
@@ -83,7 +79,7 @@ void Playback::SetPosition(std::int32_t sample) {
 }
 
 bool Playback::IsInView() const {
-    return m_position > 0 && BandOf(m_view.Axis(), m_position, m_position).has_value();
+    return m_position > 0 && BandOf(m_view.Axis(), {m_position - 1, 1}).has_value();
 }
 
 void Playback::OnProgress(std::int32_t sample) {

@@ -63,7 +63,7 @@ BlockRange FindRange(Recording& recording, const ParsedArguments& parsed, Langua
         RefuseRange(language, u"a count of %1 does not fit (counts %2 to %3 from there)",
                     u"количество %1 не помещается (отсюда от %2 до %3)", count, 1, samples - first + 1);
     }
-    return {block, static_cast<std::int32_t>(first), static_cast<std::int32_t>(count)};
+    return {block, {static_cast<std::int32_t>(first - 1), static_cast<std::int32_t>(count)}};
 }
 
 void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/Language.h"
+#include "base/SampleSpan.h"
 #include "cli/Options.h"
 #include "data/UserServices.h"
 #include "export/KVExport.h"
@@ -46,11 +47,10 @@ struct BlockChannel {
 /// The channel of that number, from 1. Throws Refusal where the block has none.
 [[nodiscard]] std::int16_t CheckChannel(const RecordingBlock& block, std::int64_t channel, Language language);
 
-/// A stretch of a block; samples count from 1.
+/// Some samples of a block.
 struct BlockRange {
     std::shared_ptr<RecordingBlock> block;
-    std::int32_t first = 1;
-    std::int32_t count = 0;
+    SampleSpan samples;
 };
 
 /// What --block, --first and --count ask for. A script that asks for samples that are not there has a mistake in it:

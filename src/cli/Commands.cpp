@@ -71,14 +71,13 @@ void RunInfo(const CommandContext& context) {
 }
 
 /// The samples that the words BLOCK CHANNEL [FIRST [COUNT]] name; all of them are inside the recording.
-struct SampleRange {
+struct AskedRange {
     std::shared_ptr<RecordingBlock> block;
     std::int16_t channel = 1;
-    std::int32_t first = 0;
-    std::int32_t count = 0;
+    SampleSpan samples;
 };
 
-SampleRange FindRange(const CommandContext& context, Recording& recording) {
+AskedRange FindRange(const CommandContext& context, Recording& recording) {
     const auto& words = context.parsed.words;
     const Language language = context.language;
     const std::int64_t number = WholeNumber(words[2], u"BLOCK");
@@ -95,20 +94,20 @@ SampleRange FindRange(const CommandContext& context, Recording& recording) {
         RefuseRange(language, u"a count of %1 does not fit (counts %2 to %3 from there)",
                     u"количество %1 не помещается (отсюда от %2 до %3)", count, 0, samples - first);
     }
-    return {block, position, static_cast<std::int32_t>(first), static_cast<std::int32_t>(count)};
+    return {block, position, {static_cast<std::int32_t>(first), static_cast<std::int32_t>(count)}};
 }
 
 /// `read(range, first, count)` fills `bytes` with one piece.
 template <typename Read>
 void WriteSamples(const CommandContext& context, Read read) {
     const OpenFile file(context.parsed.words[1], context.language);
-    const SampleRange range = FindRange(context, file.Get());
+    const AskedRange range = FindRange(context, file.Get());
     range.block->Prepare();
     std::vector<char> bytes;
-    for (std::int32_t done = 0; done < range.count;) {
-        const std::int32_t size = std::min(kPieceSamples, range.count - done);
+    for (std::int32_t done = 0; done < range.samples.count;) {
+        const std::int32_t size = std::min(kPieceSamples, range.samples.count - done);
         bytes.clear();
-        read(range, range.first + done, size, bytes);
+        read(range, range.samples.first + done, size, bytes);
         context.target.Write(bytes);
         done += size;
     }
@@ -116,7 +115,7 @@ void WriteSamples(const CommandContext& context, Read read) {
 
 void RunCodes(const CommandContext& context) {
     std::vector<std::int16_t> codes(kPieceSamples);
-    WriteSamples(context, [&](const SampleRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
+    WriteSamples(context, [&](const AskedRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
         range.block->ReadCodes(range.channel, first, count, codes.data());
         for (std::int32_t i = 0; i < count; ++i) {
             AppendLittleEndian(to, static_cast<std::uint16_t>(codes[static_cast<std::size_t>(i)]), 2);
@@ -126,7 +125,7 @@ void RunCodes(const CommandContext& context) {
 
 void RunValues(const CommandContext& context) {
     std::vector<float> values(kPieceSamples);
-    WriteSamples(context, [&](const SampleRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
+    WriteSamples(context, [&](const AskedRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
         range.block->ReadValues(range.channel, first, count, values.data());
         for (std::int32_t i = 0; i < count; ++i) {
             AppendLittleEndian(to, std::bit_cast<std::uint32_t>(values[static_cast<std::size_t>(i)]), 4);

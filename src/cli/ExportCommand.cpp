@@ -73,7 +73,8 @@ void RunExport(const CommandContext& context) {
                                  .fieldText = SystemBytes,
                                  .language = context.language});
     range.block->Prepare();
-    const bool done = exporter.Export(range.block.get(), parsed.words[2], range.first, range.count, type);
+    const bool done =
+        exporter.Export(range.block.get(), parsed.words[2], range.samples.first + 1, range.samples.count, type);
     if (refusal) std::rethrow_exception(refusal);
     if (!done) RefuseExport(exporter, parsed.words[2]);
     const std::u16string loss = DescribeLoss(exporter.Outcome(), context.language);

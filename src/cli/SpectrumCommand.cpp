@@ -94,7 +94,7 @@ Request Understand(const ParsedArguments& parsed) {
 ValueRange WholeRange(const BlockChannel& source, std::u16string& failure) {
     RecordingBlock& block = *source.block;
     if (block.SampleCount() < 1) return {};
-    const ReadableExtremes extremes = ReadableExtremeCodes(block, {source.channel}, {1, block.SampleCount()});
+    const ReadableExtremes extremes = ReadableExtremeCodes(block, {source.channel}, {0, block.SampleCount()});
     failure = Utf16(extremes.failure);
     if (!extremes.codes.front()) throw Refusal(failure);
     const auto value = [&](std::int16_t code) {

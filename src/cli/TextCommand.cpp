@@ -81,8 +81,8 @@ void RunText(const CommandContext& context) {
 
     const OpenFile file(parsed.words[1], context.language);
     const BlockRange range = FindRange(file.Get(), parsed, context.language);
-    request.first = range.first;
-    request.count = range.count;
+    request.first = range.samples.first + 1;
+    request.count = range.samples.count;
     request.target = parsed.words[2];
     ChannelSlots slots;
     for (const std::int64_t position : ChannelPositions(parsed, *range.block)) {

@@ -45,11 +45,11 @@ int DayOfWeek(double date) {
     return ((day + 6) % 7 + 7) % 7;
 }
 
-ByteWriter BinHeader(const RecordingBlock& block, std::int32_t first, std::int32_t count, const ExportSystem& system) {
+ByteWriter BinHeader(const RecordingBlock& block, const SampleSpan& range, const ExportSystem& system) {
     const auto rate = static_cast<float>(block.SampleRate());
     if (!std::isfinite(rate) || rate <= 0.0F) RefuseRate(block);
     double start = block.StartTime();
-    if (first > 1) start += (first - 1) / static_cast<double>(rate) / kSecondsPerDay;
+    if (range.first > 0) start += range.first / static_cast<double>(rate) / kSecondsPerDay;
     const CivilTime time = CivilFromDate(start);
     // The day of the rounded time: a start a hair before midnight belongs to the next one.
     const int weekday = DayOfWeek(DateFromCivil({time.year, time.month, time.day}));
@@ -73,7 +73,7 @@ ByteWriter BinHeader(const RecordingBlock& block, std::int32_t first, std::int32
         field(block.ChannelUnit(channel), 24);
         header.Float(block.ChannelScale(channel)).Float(block.ChannelOffset(channel)).Zeros(8);
     }
-    header.Text("data").U32(DataBytes(block, count, 0));
+    header.Text("data").U32(DataBytes(block, range.count, 0));
     return header;
 }
 
@@ -176,7 +176,7 @@ void KV_Export::Clear() {
 }
 
 bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
-                          Range& range) {
+                          SampleSpan& range) {
     if (block == nullptr) {
         m_lastFailure = u"Block is nothing!";
         return false;
@@ -186,8 +186,8 @@ bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample,
         m_lastFailure = u"Data start is out!";
         return false;
     }
-    range.first = std::max(firstSample, 1);
-    const std::int32_t rest = samples - range.first + 1;
+    range.first = std::max(firstSample, 1) - 1;
+    const std::int32_t rest = samples - range.first;
     range.count = sampleCount >= 1 && sampleCount <= rest ? sampleCount : rest;
     m_outcome = {range.count, range.count, false, false, block->SampleRate(), block->SampleRate()};
     return true;
@@ -209,12 +209,12 @@ void KV_Export::Report(std::int64_t done, std::int32_t total) const {
     if (m_system.progress) m_system.progress(static_cast<std::int32_t>(done), total);
 }
 
-bool KV_Export::WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file) {
+bool KV_Export::WriteFrames(RecordingBlock& block, const SampleSpan& range, OutputFile& file) {
     const auto channels = static_cast<std::size_t>(block.ChannelCount());
     std::vector<std::int16_t> buffer(channels * static_cast<std::size_t>(std::min(kChunkFrames, range.count)));
     for (std::int32_t done = 0; done < range.count;) {
         const std::int32_t size = std::min(kChunkFrames, range.count - done);
-        Read([&] { block.ReadFrames(range.first - 1 + done, size, buffer.data()); });
+        Read([&] { block.ReadFrames(range.first + done, size, buffer.data()); });
         if (!file.Write(std::as_bytes(std::span(buffer).first(channels * static_cast<std::size_t>(size)))))
             return false;
         done += size;
@@ -225,15 +225,15 @@ bool KV_Export::WriteFrames(RecordingBlock& block, const Range& range, OutputFil
 
 bool KV_Export::WriteBinFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                              std::int32_t sampleCount) {
-    Range range;
+    SampleSpan range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
-    return WriteFile(fileName, BinHeader(*block, range.first, range.count, m_system),
+    return WriteFile(fileName, BinHeader(*block, range, m_system),
                      [&](OutputFile& file) { return WriteFrames(*block, range, file); });
 }
 
 bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                              std::int32_t sampleCount) {
-    Range range;
+    SampleSpan range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     m_outcome.ratedAs = std::nearbyint(block->SampleRate());
     return WriteFile(fileName, WaveHeader(*block, range.count),
@@ -278,13 +278,13 @@ bool KV_Export::WriteLargeRecord(RecordingBlock& block, std::int32_t first, std:
     return true;
 }
 
-bool KV_Export::WriteRecords(RecordingBlock& block, const Range& range, const Records& records, OutputFile& file) {
+bool KV_Export::WriteRecords(RecordingBlock& block, const SampleSpan& range, const Records& records, OutputFile& file) {
     const auto samples = static_cast<std::size_t>(records.samples);
     const std::size_t codes = samples * static_cast<std::size_t>(block.ChannelCount());
     // A record of a usual size is read at once, a larger one channel by channel in pieces.
     std::vector<std::int16_t> buffer(std::min(codes, kRecordCodes));
     for (std::int32_t number = 0; number < records.count; ++number) {
-        const std::int32_t first = range.first - 1 + number * records.samples;
+        const std::int32_t first = range.first + number * records.samples;
         if (codes <= kRecordCodes) {
             Read([&] { block.ReadRows(first, records.samples, buffer.data()); });
             if (!file.Write(std::as_bytes(std::span(buffer)))) return false;
@@ -298,7 +298,7 @@ bool KV_Export::WriteRecords(RecordingBlock& block, const Range& range, const Re
 
 bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                              std::int32_t sampleCount) {
-    Range range;
+    SampleSpan range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     const Records records = CutIntoRecords(*block, range.count);
     std::vector<EdfLimits> limits;
@@ -327,7 +327,7 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
     if (!IsSameRate(block->SampleRate(), EdfRate(records.samples, seconds)))
         seconds = NearestNumber(records.seconds, 8);
     m_outcome.written = records.count * records.samples;
-    m_outcome.earlier = range.first > 1;
+    m_outcome.earlier = range.first > 0;
     m_outcome.otherDate = block->StartTime() != 0.0 && !IsEdfYear(CivilFromDate(block->StartTime()).year);
     m_outcome.ratedAs = EdfRate(records.samples, seconds);
     return WriteFile(fileName, EdfHeader(*block, records.samples, seconds, records.count, limits),

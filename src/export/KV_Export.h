@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/Language.h"
+#include "base/SampleSpan.h"
 #include "base/Text.h"
 #include "export/ByteWriter.h"
 #include "export/ExportOutcome.h"
@@ -68,10 +69,6 @@ class KV_Export {
                       std::int32_t sampleCount);
 
   private:
-    struct Range {
-        std::int32_t first = 1;  ///< from 1
-        std::int32_t count = 0;
-    };
     struct Records {
         std::int32_t samples = 0;  ///< per channel and record
         double seconds = 0.0;
@@ -79,11 +76,11 @@ class KV_Export {
     };
     static Records CutIntoRecords(const RecordingBlock& block, std::int32_t sampleCount);
 
-    bool FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount, Range& range);
+    bool FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount, SampleSpan& range);
     bool WriteFile(const std::u16string& fileName, const ByteWriter& header,
                    const std::function<bool(OutputFile&)>& writeSamples);
-    [[nodiscard]] bool WriteFrames(RecordingBlock& block, const Range& range, OutputFile& file);
-    [[nodiscard]] bool WriteRecords(RecordingBlock& block, const Range& range, const Records& records,
+    [[nodiscard]] bool WriteFrames(RecordingBlock& block, const SampleSpan& range, OutputFile& file);
+    [[nodiscard]] bool WriteRecords(RecordingBlock& block, const SampleSpan& range, const Records& records,
                                     OutputFile& file);
     [[nodiscard]] bool WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t samples,
                                         std::span<std::int16_t> buffer, OutputFile& file);

@@ -12,19 +12,18 @@
 namespace quillon {
 
 std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
-                                      const VisibleRange& samples) {
+                                      const SampleSpan& samples) {
     std::vector<RunExtremes> extremes(channels.size());
     std::vector<RunExtremes*> targets;
     for (RunExtremes& entry : extremes) targets.push_back(&entry);
-    const std::int32_t first = samples.first - 1;
-    if (block.ColumnExtremes(channels, first, samples.Count(), samples.Count(), targets)) return extremes;
+    if (block.ColumnExtremes(channels, samples.first, samples.count, samples.count, targets)) return extremes;
     std::vector<std::int16_t> codes;
     constexpr std::int32_t piece = 65536;
     for (std::size_t at = 0; at < channels.size(); ++at) {
-        for (std::int64_t start = 0; start < samples.Count(); start += piece) {
+        for (std::int64_t start = 0; start < samples.count; start += piece) {
             const auto done = static_cast<std::int32_t>(start);
-            codes.resize(static_cast<std::size_t>(std::min(piece, samples.Count() - done)));
-            block.ReadCodes(channels[at], first + done, static_cast<std::int32_t>(codes.size()), codes.data());
+            codes.resize(static_cast<std::size_t>(std::min(piece, samples.count - done)));
+            block.ReadCodes(channels[at], samples.first + done, static_cast<std::int32_t>(codes.size()), codes.data());
             const auto [low, high] = std::minmax_element(codes.begin(), codes.end());
             if (done == 0) extremes[at] = {*low, *high};
             extremes[at] = {std::min(extremes[at].first, *low), std::max(extremes[at].second, *high)};
@@ -43,17 +42,18 @@ class ReadableGatherer {
         m_result.codes.resize(channels.size());
     }
 
-    /// Samples count from 1.
-    void Gather(std::int32_t first, std::int32_t count) {
+    void Gather(const SampleSpan& samples) {
         try {
-            Widen(ExtremeCodes(m_block, m_channels, {first, first + count - 1}));
+            Widen(ExtremeCodes(m_block, m_channels, samples));
         } catch (const std::exception& error) {
             m_result.failure = error.what();
             // Between two samples that cannot be read lies mostly a hole or the missing end of a file.
-            if (count == 1 || m_halvings == 0 || !(CanRead(first) || CanRead(first + count - 1))) return;
+            const bool hopeless = samples.count == 1 || m_halvings == 0;
+            if (hopeless || !(CanRead(samples.first) || CanRead(samples.End() - 1))) return;
             --m_halvings;
-            Gather(first, count / 2);
-            Gather(first + count / 2, count - count / 2);
+            const std::int32_t half = samples.count / 2;
+            Gather({samples.first, half});
+            Gather({samples.first + half, samples.count - half});
         }
     }
     [[nodiscard]] ReadableExtremes& Result() { return m_result; }
@@ -61,7 +61,7 @@ class ReadableGatherer {
   private:
     [[nodiscard]] bool CanRead(std::int32_t sample) const try {
         std::int16_t code = 0;
-        return m_block.ReadCodes(m_channels.back(), sample - 1, 1, &code) == 0;
+        return m_block.ReadCodes(m_channels.back(), sample, 1, &code) == 0;
     } catch (const std::exception&) {
         return false;
     }
@@ -100,7 +100,7 @@ void Widen(std::optional<ValueRange>& range, const std::optional<ValueRange>& ot
 }  // namespace
 
 ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
-                                      const VisibleRange& samples) {
+                                      const SampleSpan& samples) {
     ReadableGatherer gatherer(block, channels);
     try {
         const std::vector<RunExtremes> extremes = ExtremeCodes(block, channels, samples);
@@ -108,9 +108,9 @@ ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<s
     } catch (const std::exception&) {
         // Then in pieces, so that little is lost where halving has an end.
         constexpr std::int32_t piece = 65536;
-        for (std::int64_t first = samples.first; first <= samples.last; first += piece) {
+        for (std::int64_t first = samples.first; first < samples.End(); first += piece) {
             const auto from = static_cast<std::int32_t>(first);
-            gatherer.Gather(from, std::min(piece, samples.last - from + 1));
+            gatherer.Gather({from, std::min(piece, samples.End() - from)});
         }
     }
     return std::move(gatherer.Result());
@@ -122,7 +122,7 @@ void RangeRecords::Learn(const ViewBlock& block, const std::vector<std::int16_t>
     std::copy_if(channels.begin(), channels.end(), std::back_inserter(unknown),
                  [&](std::int16_t channel) { return !m_ranges[static_cast<std::size_t>(channel - 1)].whole; });
     if (unknown.empty()) return;
-    const ReadableExtremes extremes = ReadableExtremeCodes(*block.block, unknown, {1, block.sampleCount});
+    const ReadableExtremes extremes = ReadableExtremeCodes(*block.block, unknown, {0, block.sampleCount});
     for (std::size_t at = 0; at < unknown.size(); ++at) {
         Record& record = m_ranges[static_cast<std::size_t>(unknown[at] - 1)];
         record = {extremes.failure.empty(), extremes.failure, std::nullopt};

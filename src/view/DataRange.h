@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "base/SampleSpan.h"
 #include "data/QL_Types.h"
 #include "view/AmplitudeScale.h"
 #include "view/QL_ChUtils.h"
-#include "view/TimeAxis.h"
 
 namespace quillon {
 
@@ -18,7 +18,7 @@ inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
 /// The two extreme codes of every channel over a range of samples, each pair in any order. Throws where a channel
 /// cannot be read.
 [[nodiscard]] std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
-                                                    const VisibleRange& samples);
+                                                    const SampleSpan& samples);
 
 /// The same for what can be read of them.
 struct ReadableExtremes {
@@ -26,7 +26,7 @@ struct ReadableExtremes {
     std::string failure;                            ///< why some samples are not counted; empty when all are
 };
 [[nodiscard]] ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
-                                                    const VisibleRange& samples);
+                                                    const SampleSpan& samples);
 
 /// The ranges of whole blocks' channels, each found on first need and kept until Reset. Samples that cannot be read are
 /// left out; such a range is looked for again at every need.

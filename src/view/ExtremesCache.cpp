@@ -33,7 +33,7 @@ void ExtremesCache::Prepare(const RecordingBlock& block) {
     m_coarseKnown.assign(channels, std::vector<bool>(static_cast<std::size_t>(CeilDivide(gridSamples, kChunk))));
 }
 
-ExtremesCache::Range ExtremesCache::SamplesOf(std::int32_t chunk) const {
+SampleSpan ExtremesCache::SamplesOf(std::int32_t chunk) const {
     const std::int32_t before = chunk * kChunk;
     return {before + 1, std::min(kChunk, m_samples - 1 - before)};
 }
@@ -56,9 +56,8 @@ bool ExtremesCache::Fill(RecordingBlock& block, std::span<const std::int16_t> ch
         std::iota(all.begin(), all.end(), std::int16_t{1});
         channels = all;
     }
-    const Range last = SamplesOf(firstChunk + chunkCount - 1);
     const std::int32_t first = SamplesOf(firstChunk).first;
-    const std::int32_t count = last.first + last.count - first;
+    const std::int32_t count = SamplesOf(firstChunk + chunkCount - 1).End() - first;
     const auto cells = static_cast<std::size_t>(CeilDivide(count, kCell));
     m_buffer.resize(cells * channels.size());
     std::vector<RunExtremes*> targets(channels.size());
@@ -129,8 +128,8 @@ bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::i
                 ++unknown;
             if (!Fill(block, channels, chunk, unknown)) return false;
         }
-        const Range samples = SamplesOf(chunk);
-        const std::int32_t stop = std::min(samples.first + samples.count, cellsEnd);
+        const SampleSpan samples = SamplesOf(chunk);
+        const std::int32_t stop = std::min(samples.End(), cellsEnd);
         const auto cells = static_cast<std::size_t>(CeilDivide(stop - at, cellSamples));
         if (!coarse) m_chunks.at(chunk).used = m_clock;
         for (std::size_t channel = 0; channel < channels.size(); ++channel) {

@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "base/SampleSpan.h"
 #include "norvik/NorvikCore.h"
 
 namespace quillon {
@@ -49,13 +50,9 @@ class ExtremesCache {
         Cells fine;
         std::uint64_t used = 0;  ///< m_clock at its last use
     };
-    struct Range {
-        std::int32_t first;
-        std::int32_t count;
-    };
 
     void Prepare(const RecordingBlock& block);
-    [[nodiscard]] Range SamplesOf(std::int32_t chunk) const;
+    [[nodiscard]] SampleSpan SamplesOf(std::int32_t chunk) const;
     [[nodiscard]] bool Knows(std::int32_t chunk, std::span<const std::int16_t> channels, bool coarse) const;
     bool Fill(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t firstChunk,
               std::int32_t chunkCount);

@@ -127,9 +127,9 @@ void TraceReader::Read(RecordingBlock& block, std::span<const std::int16_t> chan
     constexpr std::int64_t margin = 2;
     const std::int64_t perPixel = stretch.samplesPerPixel;
     const std::int64_t skipped = std::max<std::int64_t>(stretch.fromColumn - margin, 0) * perPixel;
-    const std::int64_t end = std::min<std::int64_t>((stretch.toColumn + margin) * perPixel + 1, stretch.count);
+    const std::int64_t end = std::min<std::int64_t>((stretch.toColumn + margin) * perPixel + 1, stretch.samples.count);
     if (end <= skipped || channels.empty()) return;
-    const auto first = static_cast<std::int32_t>(stretch.first + skipped);
+    const auto first = static_cast<std::int32_t>(stretch.samples.first + skipped);
     const auto count = static_cast<std::int32_t>(end - skipped);
     const auto left = static_cast<std::int32_t>(perPixel > 2 ? 2 * skipped / perPixel : skipped);
     ReadPoints(block, channels, first, count, stretch.samplesPerPixel);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/SampleSpan.h"
 #include "norvik/NorvikCore.h"
 #include "view/ExtremesCache.h"
 
@@ -32,11 +33,10 @@ std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::
                               std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
                               std::vector<TracePoint>& points);
 
-/// The part of a trace that is wanted: samples first .. first+count-1 (from 0) fill the graph from its left edge on; of
-/// their points those that pixel columns fromColumn .. toColumn-1 need are enough.
+/// The part of a trace that is wanted: the samples fill the graph from its left edge on; of their points those that
+/// pixel columns fromColumn .. toColumn-1 need are enough.
 struct TraceStretch {
-    std::int32_t first = 0;
-    std::int32_t count = 0;
+    SampleSpan samples;
     std::int32_t samplesPerPixel = 1;
     std::int32_t fromColumn = 0;
     std::int32_t toColumn = std::numeric_limits<std::int32_t>::max();

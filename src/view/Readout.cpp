@@ -78,7 +78,7 @@ std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample) {
 std::u16string RangeReadout(const ReadoutSource& source, const Selection& range) {
     FormatOptions duration = source.format;
     duration.timeOfDay = false;
-    const std::int32_t steps = range.Last() - range.First();
+    const std::int32_t steps = range.Samples().count - 1;
     const double seconds = source.block.sampleRate > 0.0 ? steps / source.block.sampleRate : 0.0;
     const bool indexes = source.format.sampleIndexes || !(source.block.sampleRate > 0.0);
     std::u16string text =
@@ -86,7 +86,7 @@ std::u16string RangeReadout(const ReadoutSource& source, const Selection& range)
     text += kLineEnd;
     const std::vector<std::int16_t> shown = ShownChannels(source.block, source.slots);
     std::vector<RunExtremes> extremes;
-    Attempt([&] { extremes = ExtremeCodes(*source.block.block, shown, {range.First(), range.Last()}); });
+    Attempt([&] { extremes = ExtremeCodes(*source.block.block, shown, range.Samples()); });
     for (std::size_t at = 0; at < shown.size(); ++at) {
         const std::int16_t channel = shown[at];
         text += Name(source, channel);
@@ -131,7 +131,7 @@ std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::i
     return nearest;
 }
 
-std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, std::int32_t first, std::int32_t last) {
+std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, const SampleSpan& samples) {
     struct Sums {
         std::int16_t minimum = 32767;
         std::int16_t maximum = -32768;
@@ -146,9 +146,9 @@ std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, std::in
     const auto width = static_cast<std::size_t>(frames ? source.block.channelCount : 1);
     constexpr std::int32_t piece = 65536;
     std::vector<std::int16_t> codes(static_cast<std::size_t>(piece) * width);
-    for (std::int64_t start = first - 1; start < last; start += piece) {
+    for (std::int64_t start = samples.first; start < samples.End(); start += piece) {
         const auto from = static_cast<std::int32_t>(start);
-        const std::int32_t count = std::min(piece, last - from);
+        const std::int32_t count = std::min(piece, samples.End() - from);
         bool framesRead = true;
         if (frames) {
             framesRead = false;
@@ -172,7 +172,7 @@ std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, std::in
         }
     }
     std::vector<ChannelStatistics> statistics;
-    const double count = last - first + 1.0;
+    const double count = samples.count;
     for (std::size_t at = 0; at < shown.size(); ++at) {
         if (!sums[at].readable) continue;
         const std::int16_t channel = shown[at];

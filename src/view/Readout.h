@@ -40,7 +40,7 @@ struct ReadoutSource {
 [[nodiscard]] std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::int32_t sample,
                                        std::int32_t row);
 
-/// Of the samples first .. last (from 1) of one channel, in its unit (codes where raw codes are shown).
+/// Of some samples of one channel, in its unit (codes where raw codes are shown).
 struct ChannelStatistics {
     std::int16_t channel = 0;  ///< position in the block, from 1
     double minimum = 0.0;
@@ -51,7 +51,6 @@ struct ChannelStatistics {
 };
 
 /// Statistics of the shown channels, in one pass over the data. Channels that cannot be read are left out.
-[[nodiscard]] std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, std::int32_t first,
-                                                          std::int32_t last);
+[[nodiscard]] std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, const SampleSpan& samples);
 
 }  // namespace quillon

@@ -7,9 +7,9 @@ std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(sample, 1, std::max(axis.SampleCount(), 1)));
 }
 
-std::optional<ColumnBand> BandOf(const TimeAxis& axis, std::int32_t first, std::int32_t last) {
-    const std::int32_t left = (first - 1) / axis.SamplesPerPixel() - axis.FirstColumn();
-    const std::int32_t right = (last - 1) / axis.SamplesPerPixel() - axis.FirstColumn();
+std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples) {
+    const std::int32_t left = samples.first / axis.SamplesPerPixel() - axis.FirstColumn();
+    const std::int32_t right = (samples.End() - 1) / axis.SamplesPerPixel() - axis.FirstColumn();
     if (right < 0 || left >= axis.Width()) return std::nullopt;
     return ColumnBand{std::max(left, 0), std::min(right, axis.Width() - 1)};
 }

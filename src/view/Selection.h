@@ -25,13 +25,14 @@ struct Selection {
     [[nodiscard]] std::int32_t First() const { return std::min(start, end); }
     [[nodiscard]] std::int32_t Last() const { return std::max(start, end); }
     [[nodiscard]] std::int32_t Count() const { return Last() - First() + 1; }
+    [[nodiscard]] SampleSpan Samples() const { return {First() - 1, Count()}; }
 };
 
 /// The first sample of a pixel column of the graph, which may lie outside it; clamped to the block's samples. The block
 /// has at least one.
 [[nodiscard]] std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column);
 
-/// The columns that show samples first .. last, cut to the graph; none where they lie outside it.
-[[nodiscard]] std::optional<ColumnBand> BandOf(const TimeAxis& axis, std::int32_t first, std::int32_t last);
+/// The columns that show samples, at least one, cut to the graph; none where they lie outside it.
+[[nodiscard]] std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples);
 
 }  // namespace quillon

@@ -35,12 +35,12 @@ void TimeAxis::SetWidth(std::int32_t pixels) {
     m_width = std::max(pixels, 1);
 }
 
-VisibleRange TimeAxis::Visible() const {
+SampleSpan TimeAxis::Visible() const {
     const std::int64_t perPixel = SamplesPerPixel();
-    const std::int64_t first = m_first * perPixel + 1;
-    const std::int64_t last = std::min<std::int64_t>((std::int64_t{m_first} + m_width) * perPixel, m_samples);
-    if (last < first) return {};
-    return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
+    const std::int64_t first = m_first * perPixel;
+    const std::int64_t end = std::min<std::int64_t>((std::int64_t{m_first} + m_width) * perPixel, m_samples);
+    if (end <= first) return {};
+    return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(end - first)};
 }
 
 void TimeAxis::SetZoom(int index) {
@@ -72,15 +72,15 @@ bool TimeAxis::SelectZoomAbout(int index, std::int32_t column) {
     return true;
 }
 
-void TimeAxis::ShowSamples(std::int32_t first, std::int32_t last) {
+void TimeAxis::ShowSamples(const SampleSpan& samples) {
     int index = 0;
     const auto columns = [&] {
         const std::int32_t perPixel = TableEntry(index);
-        return (last - 1) / perPixel - (first - 1) / perPixel + 1;
+        return (samples.End() - 1) / perPixel - samples.first / perPixel + 1;
     };
     while (index < kZoomCount - 1 && columns() > m_width) ++index;
     SetZoom(index);
-    const std::int32_t left = (first - 1) / SamplesPerPixel();
+    const std::int32_t left = samples.first / SamplesPerPixel();
     m_first = std::clamp(left - (m_width - columns()) / 2, 0, m_length);
 }
 

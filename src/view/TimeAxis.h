@@ -2,14 +2,9 @@
 
 #include <cstdint>
 
-namespace quillon {
+#include "base/SampleSpan.h"
 
-/// Visible samples of a block, counted from 1; empty when last < first.
-struct VisibleRange {
-    std::int32_t first = 1;
-    std::int32_t last = 0;
-    [[nodiscard]] std::int32_t Count() const { return last < first ? 0 : last - first + 1; }
-};
+namespace quillon {
 
 /// Which part of the block the graph shows and how many samples fall on one pixel column.
 ///
@@ -35,15 +30,16 @@ class TimeAxis {
     [[nodiscard]] std::int32_t StripLength() const { return m_length; }
     [[nodiscard]] std::int32_t Width() const { return m_width; }
     [[nodiscard]] std::int32_t SampleCount() const { return m_samples; }
-    [[nodiscard]] VisibleRange Visible() const;
+    /// The samples that the graph shows; empty where it lies behind the last one.
+    [[nodiscard]] SampleSpan Visible() const;
 
     /// Selects a zoom and keeps the sample at the middle of the graph where it is, as far as the strip allows.
     /// False when nothing changes.
     bool SelectZoom(int index);
     /// Selects a zoom and keeps the sample under a pixel column where it is, as far as the strip allows.
     bool SelectZoomAbout(int index, std::int32_t column);
-    /// Shows samples first .. last (from 1) as large as they fit, in the middle of the graph.
-    void ShowSamples(std::int32_t first, std::int32_t last);
+    /// Shows samples, at least one, as large as they fit, in the middle of the graph.
+    void ShowSamples(const SampleSpan& samples);
     /// Returns to a view; what is no longer possible is brought within limits.
     void Restore(int zoom, std::int32_t firstColumn);
     /// Moves the view by columns, stopping at both ends of the strip; returns by how much it moved.

@@ -19,8 +19,7 @@ void TracePicture::Scroll(std::int32_t shift) {
 }
 
 void TracePicture::Read(const GraphScene& scene, std::int32_t from, std::int32_t to) {
-    const VisibleRange visible = scene.axis.Visible();
-    const TraceStretch stretch{visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), from, to};
+    const TraceStretch stretch{scene.axis.Visible(), scene.axis.SamplesPerPixel(), from, to};
     std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (std::exchange(m_readAhead, std::nullopt) == stretch && shown == m_shown) return;
     m_shown = std::move(shown);
@@ -29,11 +28,10 @@ void TracePicture::Read(const GraphScene& scene, std::int32_t from, std::int32_t
 
 std::vector<std::optional<ValueRange>> TracePicture::SeenRanges(const GraphScene& scene) {
     std::vector<std::optional<ValueRange>> ranges(scene.lanes.size());
-    const VisibleRange visible = scene.axis.Visible();
-    if (!scene.block.block || visible.Count() < 1) return ranges;
+    if (!scene.block.block || scene.axis.Visible().count < 1) return ranges;
     const std::int32_t width = scene.axis.Width();
     Read(scene, 0, width);
-    m_readAhead = {visible.first - 1, visible.Count(), scene.axis.SamplesPerPixel(), 0, width};
+    m_readAhead = {scene.axis.Visible(), scene.axis.SamplesPerPixel(), 0, width};
     std::size_t trace = 0;
     for (std::size_t at = 0; at < ranges.size(); ++at) {
         const std::vector<std::int16_t>& channels = scene.lanes[at].channels;
@@ -47,7 +45,7 @@ std::vector<std::optional<ValueRange>> TracePicture::SeenRanges(const GraphScene
 void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     m_canvas.Reset(from, to, m_height);
     m_colors.clear();
-    if (scene.axis.Visible().Count() < 1) return m_sides.Forget(from, to);
+    if (scene.axis.Visible().count < 1) return m_sides.Forget(from, to);
     Read(scene, from, to);
     if (m_failure.empty()) m_failure = m_reader.Failure();
     m_colors.resize(m_shown.size());
@@ -73,7 +71,7 @@ void TracePicture::DrawLane(const GraphScene& scene, const Lane& lane, std::size
         const std::size_t trace = firstTrace + at;
         const TraceMapping mapping = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
         if (mapping.flat) {
-            FlatTrace(mapping, scene.axis.Visible().Count(), geometry.samplesPerPixel, m_trace);
+            FlatTrace(mapping, scene.axis.Visible().count, geometry.samplesPerPixel, m_trace);
         } else {
             ToPixels(mapping, m_reader.points()[trace], m_trace);
         }

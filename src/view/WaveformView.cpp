@@ -65,7 +65,7 @@ void WaveformView::GoBackTo(const ViewPlace& place) {
 void WaveformView::Restore(const State& state) {
     GoBackTo(state.place);
     // Of a shorter recording the last page is seen rather than nothing.
-    if (m_axis.Visible().Count() == 0) m_axis.ScrollBy(m_axis.PageShift(1));
+    if (m_axis.Visible().count == 0) m_axis.ScrollBy(m_axis.PageShift(1));
     m_history = state.history;
     const std::int32_t samples = m_axis.SampleCount();
     m_selection = state.selection;
@@ -161,13 +161,13 @@ ViewChange WaveformView::FindData() {
 
 ViewChange WaveformView::FitBlock() {
     Push();
-    m_axis.ShowSamples(1, m_axis.SampleCount());
+    m_axis.ShowSamples({0, m_axis.SampleCount()});
     return Redraw(true);
 }
 
 ViewChange WaveformView::FitSelection() {
     Push();
-    m_axis.ShowSamples(m_selection.First(), m_selection.Last());
+    m_axis.ShowSamples(m_selection.Samples());
     return Redraw(true);
 }
 
@@ -209,8 +209,8 @@ ViewChange WaveformView::SelectTo(std::int32_t end) {
 }
 
 ViewChange WaveformView::SelectVisible() {
-    const VisibleRange visible = m_axis.Visible();
-    return visible.Count() < 1 ? ViewChange{} : Select(visible.first, visible.last);
+    const SampleSpan visible = m_axis.Visible();
+    return visible.count < 1 ? ViewChange{} : Select(visible.first + 1, visible.End());
 }
 
 ViewChange WaveformView::Deselect() {

@@ -62,8 +62,9 @@ TEST(TimeAxis, MovesAndScrollBarFollowTheirFormulas) {
         ASSERT_TRUE(length < 2 || axis.FirstColumn() == std::clamp(wanted, 0, std::max(length - width, 0)));
         // What is shown as large as it fits lies in the middle.
         const std::int32_t last = sample + static_cast<std::int32_t>(random() % 2000);
-        axis.ShowSamples(sample, std::min(last, samples));
-        const auto band = BandOf(axis, sample, std::min(last, samples));
+        const SampleSpan shown{sample - 1, std::min(last, samples) - sample + 1};
+        axis.ShowSamples(shown);
+        const auto band = BandOf(axis, shown);
         ASSERT_TRUE(band);
         const bool atAnEnd = axis.FirstColumn() == 0;
         ASSERT_TRUE(atAnEnd || std::abs(band->left - (axis.Width() - 1 - band->right)) <= 1);
@@ -116,16 +117,16 @@ TEST(TimeAxis, RandomWalkStaysOnTheStripAndKeepsTheSampleUnderThePointer) {
                 case 4:
                     // At the block's ends the strip cannot move further.
                     if (!axis.SelectZoomAbout(zoom, column) || axis.FirstColumn() == 0 || sample == samples) break;
-                    ASSERT_EQ(BandOf(axis, sample, sample)->left, column);
+                    ASSERT_EQ(BandOf(axis, {sample - 1, 1})->left, column);
                     break;
                 default:
                     if (samples == 0) break;
                     const std::int32_t last =
                         sample + static_cast<std::int32_t>(
                                      std::int64_t{samples - sample} * static_cast<std::int64_t>(random()) >> 32);
-                    axis.ShowSamples(sample, last);
-                    ASSERT_LE(axis.Visible().first, sample);
-                    ASSERT_GE(axis.Visible().last, last);
+                    axis.ShowSamples({sample - 1, last - sample + 1});
+                    ASSERT_LT(axis.Visible().first, sample);
+                    ASSERT_GE(axis.Visible().End(), last);
                     ASSERT_TRUE(axis.ZoomIndex() == 0 ||
                                 last - sample + 1 > 776LL * TimeAxis::TableEntry(axis.ZoomIndex() - 1))
                         << "no coarser than needed";
@@ -134,8 +135,8 @@ TEST(TimeAxis, RandomWalkStaysOnTheStripAndKeepsTheSampleUnderThePointer) {
             ASSERT_LE(axis.FirstColumn(), axis.StripLength());
             ASSERT_GE(axis.ScrollValue(), 0);
             ASSERT_LE(axis.ScrollValue(), TimeAxis::kScrollMax);
-            const VisibleRange visible = axis.Visible();
-            ASSERT_TRUE(visible.Count() == 0 || (visible.first >= 1 && visible.last <= samples));
+            const SampleSpan visible = axis.Visible();
+            ASSERT_TRUE(visible.count == 0 || (visible.first >= 0 && visible.count > 0 && visible.End() <= samples));
         }
     }
 }

@@ -115,7 +115,7 @@ TEST(TracePicture, DrawnInPartsAndScrolledItIsWhatItIsDrawnAtOnce) {
         }
         TracePicture anew;
         ASSERT_TRUE(moved == Drawn(anew, noise.Scene(), 3)) << round << ", shift " << shift;
-        const bool empty = noise.axis.Visible().Count() < 1;
+        const bool empty = noise.axis.Visible().count < 1;
         EXPECT_EQ(scrolled.SideOf(1), empty ? TraceSides::Side::None : TraceSides::Side::Above);
     }
 }

@@ -58,7 +58,7 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
         if (count < 1) continue;
         block.offersExtremes = round % 3 != 0;
         block.failing = round % 7 == 0 ? std::vector<std::string>{"ColumnExtremes"} : std::vector<std::string>{};
-        TraceStretch stretch{first, count, perPixel};
+        TraceStretch stretch{{first, count}, perPixel};
         if (round % 2 == 0) {
             stretch.fromColumn = static_cast<std::int32_t>(random() % static_cast<unsigned>(width));
             stretch.toColumn = stretch.fromColumn + 1 + static_cast<std::int32_t>(random() % 50);
@@ -84,7 +84,7 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
         }
     }
     block.failing = {"ReadCodes", "ColumnExtremes"};
-    reader.Read(block, channels, {0, 100, 5});
+    reader.Read(block, channels, {{0, 100}, 5});
     EXPECT_TRUE(reader.points()[0].empty()) << "what cannot be read is not drawn with old samples";
 }
 
@@ -101,7 +101,7 @@ TEST(TraceReader, ATraceEndsWhereItCannotBeReadOn) {
         for (const std::int32_t count : {300000, perPixel == 1 ? 300000 : 6000000, 240000}) {
             block.offersExtremes = count > 300000 || perPixel > 5;
             TraceReader reader;
-            reader.Read(block, channels, {0, count, perPixel});
+            reader.Read(block, channels, {{0, count}, perPixel});
             const auto readable = static_cast<std::size_t>(std::min(count, 250000));
             const auto run = static_cast<std::size_t>(perPixel);
             EXPECT_EQ(reader.points()[0].size(), perPixel == 1 ? readable : 3 + (readable - 2) / run * 2);
@@ -175,7 +175,7 @@ TEST(TraceReader, ReachesTheEndOfTheLongestBlock) {
     TraceReader reader;
     for (const std::int32_t perPixel : {1, 50, 100, 2000}) {
         const std::int32_t first = LongestBlock::kSamples / perPixel * perPixel - 900 * perPixel;
-        reader.Read(block, channels, {first, LongestBlock::kSamples - first, perPixel});
+        reader.Read(block, channels, {{first, LongestBlock::kSamples - first}, perPixel});
         ASSERT_FALSE(reader.points()[0].empty()) << perPixel;
         EXPECT_EQ(reader.points()[0].back().y, 9) << perPixel;
     }

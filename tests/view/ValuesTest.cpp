@@ -74,7 +74,7 @@ TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
         for (std::int16_t& code : channel) code = static_cast<std::int16_t>(random() % 3000);
     }
     block.sampleCount = 70000;
-    const auto statistics = StatisticsOf(Source(), 1001, 69000);
+    const auto statistics = StatisticsOf(Source(), {1000, 68000});
     ASSERT_EQ(statistics.size(), 2U);
     double sum = 0.0;
     double squares = 0.0;
@@ -89,16 +89,16 @@ TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
     EXPECT_NEAR(statistics[1].deviation, std::sqrt(squares / 68000 - mean * mean), 1e-6);
     EXPECT_EQ(std::pair(statistics[1].minimum, statistics[1].maximum), std::pair(2.0, 1501.5));
     fake->failing = {"ReadCodes"};
-    EXPECT_TRUE(StatisticsOf(Source(), 1, 10).empty());
+    EXPECT_TRUE(StatisticsOf(Source(), {0, 10}).empty());
     // The same where whole frames are read, and of a constant without an error of rounding below zero.
     fake->failing.clear();
     fake->framed = true;
-    const auto again = StatisticsOf(Source(), 1001, 69000);
+    const auto again = StatisticsOf(Source(), {1000, 68000});
     for (std::size_t at = 0; at < 2; ++at)
         EXPECT_EQ(std::tuple(again[at].mean, again[at].rms, again[at].minimum, again[at].maximum),
                   std::tuple(statistics[at].mean, statistics[at].rms, statistics[at].minimum, statistics[at].maximum));
     fake->samples.assign(2, std::vector<std::int16_t>(70000, 31111));
-    EXPECT_EQ(StatisticsOf(Source(), 1, 69999)[0].deviation, 0.0);
+    EXPECT_EQ(StatisticsOf(Source(), {0, 69999})[0].deviation, 0.0);
 }
 
 TEST_F(ReadoutTest, TheNearestTraceIsThatOfTheLeastDistanceInRows) {

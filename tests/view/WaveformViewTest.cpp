@@ -17,7 +17,7 @@ TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
     const auto first = Seen();
     m_view.Select(101, 200);
     EXPECT_TRUE(m_view.FitBlock().newPlace);
-    EXPECT_EQ(m_axis.Visible().Count(), 100000);
+    EXPECT_EQ(m_axis.Visible().count, 100000);
     m_view.FitSelection();
     EXPECT_EQ(m_axis.ZoomIndex(), 0) << "it fits at 1:1";
     const auto selected = Seen();
@@ -156,7 +156,7 @@ TEST_F(WaveformViewTest, AReloadedRecordingIsSeenWhereItWas) {
         shorter->samples.assign(1, std::vector<std::int16_t>(static_cast<std::size_t>(samples)));
         Load(shorter);
         m_view.Restore(state);
-        EXPECT_GT(m_axis.Visible().Count(), 0);
+        EXPECT_GT(m_axis.Visible().count, 0);
         EXPECT_EQ(m_view.Selected().active, samples == 70000);
         EXPECT_LE(m_view.Selected().Last(), samples);
     }

@@ -41,16 +41,16 @@ std::u16string Joined(const std::vector<std::u16string>& texts) {
 
 }  // namespace
 
-ExportCommands::SampleRange ExportCommands::Range() const {
+SampleSpan ExportCommands::Range() const {
     const Selection& selection = m_parts.view.Selected();
-    if (selection.active) return {selection.First(), selection.Count()};
-    return {1, m_parts.document.Block().sampleCount};
+    if (selection.active) return selection.Samples();
+    return {0, m_parts.document.Block().sampleCount};
 }
 
 void ExportCommands::SaveAs() {
     SaveFileDialog& dialog = m_parts.saveDialog;
     const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
-    const SampleRange range = Range();
+    const SampleSpan range = Range();
     dialog.title = m_parts.services.Text(IDS_SAVE_AS_TITLE);
     dialog.filter = BuildSaveFilter();
     dialog.filterIndex = m_saveType;
@@ -77,7 +77,7 @@ void ExportCommands::SaveAs() {
     }
 }
 
-void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range,
+void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleSpan& range,
                                     std::int32_t type) {
     KVExport& exporter = m_parts.exporter;
     bool done = false;
@@ -92,7 +92,7 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
         });
         m_parts.status.Tell(StatusBar::Topic::Outcome, {});
         exporter.SetRecording(m_parts.document.File().fileName);
-        done = exporter.Export(&block, name, range.first, range.count, type);
+        done = exporter.Export(&block, name, range.first + 1, range.count, type);
     });
     exporter.SetProgress({});
     if (m_parts.longCommand.IsGone()) return;
@@ -112,7 +112,7 @@ bool ExportCommands::MayReplace(std::vector<std::u16string> files) const {
     return AskYesNo(m_parts.longCommand.Window(), question);
 }
 
-void ExportCommands::WriteText(const std::u16string& target, const SampleRange& range) {
+void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& range) {
     TextExportContext context{m_parts.document.Slots(), m_parts.format, m_parts.view.RawCodes(), m_parts.services,
                               m_parts.openText};
     context.runPending = [this] { return m_parts.longCommand.StayAlive(); };
@@ -120,7 +120,7 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleRange& 
     std::u16string unread;
     onWork([&] {
         try {
-            ExportText(target, *block, range.first, range.count, TextSettings(m_parts.settings), context);
+            ExportText(target, *block, range.first + 1, range.count, TextSettings(m_parts.settings), context);
         } catch (const std::exception& error) {
             unread = m_parts.document.File().fileName + u": " + Utf16(error.what());
         }
@@ -193,7 +193,7 @@ bool ExportCommands::MayCopy(std::int32_t samples) const {
 
 void ExportCommands::CopyData() {
     const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
-    const SampleRange range = Range();
+    const SampleSpan range = Range();
     if (!MayCopy(range.count) || m_parts.longCommand.IsGone() || m_parts.document.Block().block != block) return;
     WriteText(std::u16string(kClipboardTarget), range);
 }

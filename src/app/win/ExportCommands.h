@@ -47,14 +47,10 @@ class ExportCommands {
     void CopyData();
 
   private:
-    /// A stretch of the block; samples count from 1.
-    struct SampleRange {
-        std::int32_t first = 1;
-        std::int32_t count = 0;
-    };
-    [[nodiscard]] SampleRange Range() const;
-    void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleRange& range, std::int32_t type);
-    void WriteText(const std::u16string& target, const SampleRange& range);
+    /// What is to be exported: the selection, or the whole block.
+    [[nodiscard]] SampleSpan Range() const;
+    void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleSpan& range, std::int32_t type);
+    void WriteText(const std::u16string& target, const SampleSpan& range);
     /// Asks the user once about those of the files that exist.
     [[nodiscard]] bool MayReplace(std::vector<std::u16string> files) const;
     /// The same about files that the fast export would replace and nobody has named for it.

@@ -196,12 +196,11 @@ void GraphPane::SetBand(GraphBand which, const std::optional<ColumnBand>& band) 
 
 void GraphPane::ShowSelection() {
     const Selection& selection = m_view.Selected();
-    SetBand(GraphBand::Selection,
-            selection.active ? BandOf(m_view.Axis(), selection.First(), selection.Last()) : std::nullopt);
+    SetBand(GraphBand::Selection, selection.active ? BandOf(m_view.Axis(), selection.Samples()) : std::nullopt);
 }
 
 void GraphPane::ShowPlayLine(std::int32_t sample) {
-    const auto band = sample > 0 ? BandOf(m_view.Axis(), sample, sample) : std::nullopt;
+    const auto band = sample > 0 ? BandOf(m_view.Axis(), {sample - 1, 1}) : std::nullopt;
     SetBand(GraphBand::Play, band);
     onBand(CommonBand::Play, band);
 }
@@ -362,7 +361,7 @@ void GraphPane::ShowSample(std::int32_t sample) {
 }
 
 void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
-    ShowCursor(BandOf(m_view.Axis(), sample, sample));
+    ShowCursor(BandOf(m_view.Axis(), {sample - 1, 1}));
     const auto mark = m_painter.MarkAt(Scene(), x, row);
     onHover(sample, mark ? m_document.Block().marks[*mark].text : std::u16string());
 }

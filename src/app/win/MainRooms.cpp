@@ -52,7 +52,7 @@ void MainRooms::WireGraph() {
     graph.onBusy = [this] { return longCommand.IsBusy(); };
     graph.onFailed = [this](const std::exception& error) { onFailed(error); };
     spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
-        graph.ShowCursor(BandOf(view.Axis(), sample, sample));
+        graph.ShowCursor(BandOf(view.Axis(), {sample - 1, 1}));
         values.TellSpectrum(text);
     };
     spectrogram.onBusy = graph.onBusy;

@@ -164,7 +164,7 @@ std::u16string SpectrogramPane::Readout(std::int32_t sample, int row) const {
     const bool linear = m_settings.type == 1;
     const std::u16string place = u"X:\t" + PositionText(m_document.Block(), sample, u" ", m_format) + u"\r\nF:\t" +
                                  FormatFrequency(hertz, u" ", false, m_format) + u"\r\nL:\t";
-    const std::optional<ColumnBand> band = BandOf(m_view.Axis(), sample, sample);
+    const std::optional<ColumnBand> band = BandOf(m_view.Axis(), {sample - 1, 1});
     if (!band || band->left >= m_fft.ImageWidth() || !m_fft.IsRead(band->left)) return place + u"\r\n";
     const std::uint8_t index =
         m_fft.Image()[static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_fft.ImageWidth()) +

@@ -24,7 +24,7 @@ std::wstring Plain(const std::u16string& caption) {
 
 void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services) {
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    const std::vector<ChannelStatistics> statistics = StatisticsOf(source, selection.First(), selection.Last());
+    const std::vector<ChannelStatistics> statistics = StatisticsOf(source, selection.Samples());
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));
     TableTexts texts;
     texts.title = Plain(services.Text(IDS_STATISTICS));

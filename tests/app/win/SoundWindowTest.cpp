@@ -42,7 +42,7 @@ class SoundWindowTest : public MainWindowTest {
 
 TEST_F(SoundWindowTest, WhatIsSeenOrSelectedIsPlayed) {
     EXPECT_THAT(Calls(mnuSoundPlay), ElementsAre("open 1 100"));
-    const auto visible = static_cast<std::size_t>(m_global.view->Axis().Visible().Count());
+    const auto visible = static_cast<std::size_t>(m_global.view->Axis().Visible().count);
     ASSERT_EQ(m_device.written.size(), visible);
     EXPECT_EQ(m_device.written[99], 99);
     // The second channel, of a selection; then all channels of it.
