@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <system_error>
 
 #include "base/FilePath.h"
+#include "base/NativePath.h"
 #include "base/Text.h"
 
 namespace quillon {
@@ -19,6 +22,22 @@ bool IsDevice(std::u16string_view name) {
     constexpr std::u16string_view ports = u"0123456789\u00B9\u00B2\u00B3";  // COM1 with a raised 1 is COM1
     return stem.size() == 4 && (stem.starts_with(u"com") || stem.starts_with(u"lpt")) &&
            ports.find(stem.back()) != std::u16string_view::npos;
+}
+
+std::shared_ptr<ByteSource> OpenInFolder(const std::u16string& folder, const std::u16string& name, Bilingual& error) {
+    std::shared_ptr<ByteSource> source = OpenFileSource(folder + name, error);
+    if (source) return source;
+    // Recordings come from systems that do not tell letter cases apart.
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(NativePath(folder.empty() ? u"." : folder), failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const std::u16string other = FromNativePath(entry->path().filename());
+        if (other == name || LowerCase(other) != LowerCase(name)) continue;
+        Bilingual ignored;
+        source = OpenFileSource(folder + other, ignored);
+        if (source) break;
+    }
+    return source;
 }
 
 }  // namespace
@@ -47,7 +66,7 @@ std::shared_ptr<ByteSource> Companions::Open(std::u16string_view name, Bilingual
 
 Companions FilesBeside(const std::u16string& path, Language language) {
     return Companions([folder = FolderOf(path), language](const std::u16string& name, Bilingual& error) {
-        std::shared_ptr<ByteSource> source = OpenFileSource(folder + name, error);
+        std::shared_ptr<ByteSource> source = OpenInFolder(folder, name, error);
         if (source) source->TellIn(language);
         return source;
     });

@@ -36,7 +36,8 @@ class Companions {
     Opener m_open;
 };
 
-/// The files in the folder of `path`; the errors of their reads are told in `language`.
+/// The files in the folder of `path`; where none has the name, one that differs from it in letter case only. The errors
+/// of their reads are told in `language`.
 [[nodiscard]] Companions FilesBeside(const std::u16string& path, Language language);
 
 }  // namespace quillon
