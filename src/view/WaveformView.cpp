@@ -23,7 +23,11 @@ void WaveformView::Arrange(std::int32_t width, std::int32_t height) {
     lane.top = 0;
     lane.height = height;
     lane.scale.SetGraph(height, height / 2);
-    lane.channels = ShownChannels(m_document.Block(), m_document.Slots());
+    FillLanes();
+}
+
+void WaveformView::FillLanes() {
+    m_lanes.front().channels = ShownChannels(m_document.Block(), m_document.Slots());
 }
 
 void WaveformView::LeaveBlock() {
@@ -35,6 +39,7 @@ void WaveformView::LeaveBlock() {
 
 void WaveformView::BlockLoaded() {
     m_axis.SetBlock(m_document.Block().sampleCount);
+    FillLanes();
 }
 
 void WaveformView::FitScales(std::span<const std::optional<ValueRange>> seen) {

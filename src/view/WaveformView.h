@@ -101,6 +101,8 @@ class WaveformView {
   private:
     [[nodiscard]] ViewPlace Place() const;
     void GoBackTo(const ViewPlace& place);
+    /// The lanes hold the channels that are shown.
+    void FillLanes();
     /// The view is about to be left.
     void Push() { m_history.Push(Place()); }
     ViewChange Redraw(bool newPlace = false);
