@@ -3,15 +3,15 @@
 namespace quillon {
 
 void ApplyDisplaySettings(QL_Global& global) {
-    const Settings& settings = global.settings;
+    const DisplaySettings& display = global.settings.display;
     FormatOptions& format = global.format;
-    format.unitScaling = settings.unitScaling;
-    format.digitsCount = settings.digitsCount;
-    format.digitsAreDecimals = settings.digitsType != 0;
-    format.timeUnit = settings.timeIndex;
-    format.timeOfDay = settings.timeFormat == 0;
-    format.sampleIndexes = settings.timeFormat == 2;
-    global.view->SetRawCodes(settings.scaleFormat == 1);
+    format.unitScaling = display.unitScaling;
+    format.digitsCount = display.digitsCount;
+    format.digitsAreDecimals = display.digitsType != 0;
+    format.timeUnit = display.timeIndex;
+    format.timeOfDay = display.timeFormat == 0;
+    format.sampleIndexes = display.timeFormat == 2;
+    global.view->SetRawCodes(display.scaleFormat == 1);
 }
 
 }  // namespace quillon

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <exception>
-#include <span>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -14,90 +14,61 @@ namespace quillon {
 
 namespace {
 
-/// A value's name and where it is kept.
+/// A value's name and the member of a struct that it is kept in.
+template <typename Group>
 struct Entry {
-    using Member = std::variant<std::u16string Settings::*, std::int16_t Settings::*, std::int32_t Settings::*,
-                                float Settings::*, bool Settings::*>;
+    using Member = std::variant<std::u16string Group::*, std::int16_t Group::*, std::int32_t Group::*, float Group::*,
+                                bool Group::*>;
     std::u16string_view name;
     Member member;
 };
-using Entries = std::span<const Entry>;
 
-Entries DisplayEntries() {
-    static constexpr std::array<Entry, 11> entries{{{u"FilesPath", &Settings::filesPath},
-                                                    {u"HelpLanguage", &Settings::helpLanguage},
-                                                    {u"TimeFormat", &Settings::timeFormat},
-                                                    {u"TimeIndex", &Settings::timeIndex},
-                                                    {u"ScaleFormat", &Settings::scaleFormat},
-                                                    {u"UnitScaling", &Settings::unitScaling},
-                                                    {u"DigitsCount", &Settings::digitsCount},
-                                                    {u"DigitsType", &Settings::digitsType},
-                                                    {u"GridColor", &Settings::gridColor},
-                                                    {u"GridStyle", &Settings::gridStyle},
-                                                    {u"WaveformCursor", &Settings::waveformCursor}}};
-    return entries;
-}
-
-Entries ExportEntries() {
-    static constexpr std::array<Entry, 8> entries{{{u"ExpFileType", &Settings::exportFileType},
-                                                   {u"ExpChType", &Settings::exportChannels},
-                                                   {u"ExpRowSize", &Settings::exportRowSize},
-                                                   {u"ExpRowRate", &Settings::exportRowRate},
-                                                   {u"ExpRowStep", &Settings::exportRowStep},
-                                                   {u"ExpRowHead", &Settings::exportRowHead},
-                                                   {u"ExpXColumn", &Settings::exportXColumn},
-                                                   {u"ExpXFormat", &Settings::exportXFormat}}};
-    return entries;
-}
-
-Entries ExportPathEntries() {
-    static constexpr std::array<Entry, 2> entries{
-        {{u"ExpPath", &Settings::exportPath}, {u"ExpFastFile", &Settings::exportFastFile}}};
-    return entries;
-}
-
-Entries SplitEntries() {
-    static constexpr std::array<Entry, 7> entries{{{u"SplitType", &Settings::splitType},
-                                                   {u"SplitPtStep", &Settings::splitSamplesStep},
-                                                   {u"SplitPtSize", &Settings::splitSamplesSize},
-                                                   {u"SplitTmStep", &Settings::splitTimeStep},
-                                                   {u"SplitTmSize", &Settings::splitTimeSize},
-                                                   {u"SplitFileIndex", &Settings::splitFileIndex},
-                                                   {u"SplitBaseName", &Settings::splitBaseName}}};
-    return entries;
-}
-
-Entries SpectrumEntries() {
-    static constexpr std::array<Entry, 6> entries{{{u"FFTOrder2", &Settings::order},
-                                                   {u"WindowType", &Settings::window},
-                                                   {u"Palette", &Settings::palette},
-                                                   {u"SpectrumType", &Settings::type},
-                                                   {u"AmpScale", &Settings::amplitudeScale},
-                                                   {u"DBRange", &Settings::decibelRange}}};
-    return entries;
-}
-
-Entries WindowEntries() {
-    static constexpr std::array<Entry, 10> entries{{{u"Left", &Settings::windowLeft},
-                                                    {u"Top", &Settings::windowTop},
-                                                    {u"Width", &Settings::windowWidth},
-                                                    {u"Height", &Settings::windowHeight},
-                                                    {u"Maximized", &Settings::windowMaximized},
-                                                    {u"ListWidth", &Settings::listWidth},
-                                                    {u"UpperPercent", &Settings::upperPercent},
-                                                    {u"ValuesHeight", &Settings::valuesHeight},
-                                                    {u"SpectrogramPercent", &Settings::spectrogramPercent},
-                                                    {u"SpectrogramShown", &Settings::spectrogramShown}}};
-    return entries;
-}
-
-// The values of the main key; the family's programs write the export's paths ahead of its choices but read them after.
-std::array<Entries, 4> LoadOrder() {
-    return {DisplayEntries(), ExportEntries(), ExportPathEntries(), SplitEntries()};
-}
-std::array<Entries, 4> SaveOrder() {
-    return {DisplayEntries(), ExportPathEntries(), ExportEntries(), SplitEntries()};
-}
+constexpr std::array<Entry<Settings>, 2> kFirstEntries{
+    {{u"FilesPath", &Settings::filesPath}, {u"HelpLanguage", &Settings::helpLanguage}}};
+constexpr std::array<Entry<DisplaySettings>, 9> kDisplayEntries{
+    {{u"TimeFormat", &DisplaySettings::timeFormat},
+     {u"TimeIndex", &DisplaySettings::timeIndex},
+     {u"ScaleFormat", &DisplaySettings::scaleFormat},
+     {u"UnitScaling", &DisplaySettings::unitScaling},
+     {u"DigitsCount", &DisplaySettings::digitsCount},
+     {u"DigitsType", &DisplaySettings::digitsType},
+     {u"GridColor", &DisplaySettings::gridColor},
+     {u"GridStyle", &DisplaySettings::gridStyle},
+     {u"WaveformCursor", &DisplaySettings::waveformCursor}}};
+constexpr std::array<Entry<TextExportSettings>, 8> kTextEntries{{{u"ExpFileType", &TextExportSettings::fileType},
+                                                                 {u"ExpChType", &TextExportSettings::channels},
+                                                                 {u"ExpRowSize", &TextExportSettings::rowSize},
+                                                                 {u"ExpRowRate", &TextExportSettings::rowRate},
+                                                                 {u"ExpRowStep", &TextExportSettings::rowStep},
+                                                                 {u"ExpRowHead", &TextExportSettings::rowHead},
+                                                                 {u"ExpXColumn", &TextExportSettings::xColumn},
+                                                                 {u"ExpXFormat", &TextExportSettings::xFormat}}};
+constexpr std::array<Entry<TextExportSettings>, 2> kTextPathEntries{
+    {{u"ExpPath", &TextExportSettings::folder}, {u"ExpFastFile", &TextExportSettings::fastFile}}};
+constexpr std::array<Entry<SplitSettings>, 7> kSplitEntries{{{u"SplitType", &SplitSettings::type},
+                                                             {u"SplitPtStep", &SplitSettings::samplesStep},
+                                                             {u"SplitPtSize", &SplitSettings::samplesSize},
+                                                             {u"SplitTmStep", &SplitSettings::timeStep},
+                                                             {u"SplitTmSize", &SplitSettings::timeSize},
+                                                             {u"SplitFileIndex", &SplitSettings::fileIndex},
+                                                             {u"SplitBaseName", &SplitSettings::baseName}}};
+constexpr std::array<Entry<SpectrumSettings>, 6> kSpectrumEntries{{{u"FFTOrder2", &SpectrumSettings::order},
+                                                                   {u"WindowType", &SpectrumSettings::window},
+                                                                   {u"Palette", &SpectrumSettings::palette},
+                                                                   {u"SpectrumType", &SpectrumSettings::type},
+                                                                   {u"AmpScale", &SpectrumSettings::amplitudeScale},
+                                                                   {u"DBRange", &SpectrumSettings::decibelRange}}};
+constexpr std::array<Entry<WindowPlacement>, 10> kWindowEntries{
+    {{u"Left", &WindowPlacement::left},
+     {u"Top", &WindowPlacement::top},
+     {u"Width", &WindowPlacement::width},
+     {u"Height", &WindowPlacement::height},
+     {u"Maximized", &WindowPlacement::maximized},
+     {u"ListWidth", &WindowPlacement::listWidth},
+     {u"UpperPercent", &WindowPlacement::upperPercent},
+     {u"ValuesHeight", &WindowPlacement::valuesHeight},
+     {u"SpectrogramPercent", &WindowPlacement::spectrogramPercent},
+     {u"SpectrogramShown", &WindowPlacement::spectrogramShown}}};
 
 bool Read(RegistryObject& registry, const std::u16string& name, std::u16string& value) {
     return registry.ReadText(name, value);
@@ -144,22 +115,23 @@ bool Attempt(Step step) {
     }
 }
 
-void LoadEntries(RegistryObject& registry, Entries entries, Settings& settings) {
-    for (const Entry& entry : entries) {
+template <typename Group, std::size_t count>
+void LoadEntries(RegistryObject& registry, const std::array<Entry<Group>, count>& entries, Group& group) {
+    for (const Entry<Group>& entry : entries) {
         Attempt([&] {
-            return std::visit([&](auto member) { return Read(registry, std::u16string(entry.name), settings.*member); },
+            return std::visit([&](auto member) { return Read(registry, std::u16string(entry.name), group.*member); },
                               entry.member);
         });
     }
 }
 
-bool SaveEntries(RegistryObject& registry, Entries entries, const Settings& settings) {
+template <typename Group, std::size_t count>
+bool SaveEntries(RegistryObject& registry, const std::array<Entry<Group>, count>& entries, const Group& group) {
     bool complete = true;
-    for (const Entry& entry : entries) {
+    for (const Entry<Group>& entry : entries) {
         complete &= Attempt([&] {
-            return std::visit(
-                [&](auto member) { return Write(registry, std::u16string(entry.name), settings.*member); },
-                entry.member);
+            return std::visit([&](auto member) { return Write(registry, std::u16string(entry.name), group.*member); },
+                              entry.member);
         });
     }
     return complete;
@@ -216,28 +188,32 @@ bool SettingsStore::Open(const std::u16string& subkey) {
 
 void SettingsStore::Load(Settings& settings) {
     if (Open({})) {
-        for (const Entries entries : LoadOrder()) LoadEntries(*m_registry, entries, settings);
+        LoadEntries(*m_registry, kFirstEntries, settings);
+        LoadEntries(*m_registry, kDisplayEntries, settings.display);
+        LoadEntries(*m_registry, kTextEntries, settings.text);
+        LoadEntries(*m_registry, kTextPathEntries, settings.text);
+        LoadEntries(*m_registry, kSplitEntries, settings.split);
         LoadPathList(*m_registry, settings.pathList);
     }
-    if (Open(u"\\Spectrogram")) LoadEntries(*m_registry, SpectrumEntries(), settings);
-    if (Open(u"\\Window")) LoadEntries(*m_registry, WindowEntries(), settings);
+    if (Open(u"\\Spectrogram")) LoadEntries(*m_registry, kSpectrumEntries, settings.spectrum);
+    if (Open(u"\\Window")) LoadEntries(*m_registry, kWindowEntries, settings.window);
 }
 
 bool SettingsStore::Save(const Settings& settings) {
     bool complete = Open({});
     if (complete) {
         complete &= SaveVersion(*m_registry, m_program);
-        for (const Entries entries : SaveOrder()) complete &= SaveEntries(*m_registry, entries, settings);
+        complete &= SaveEntries(*m_registry, kFirstEntries, settings);
+        complete &= SaveEntries(*m_registry, kDisplayEntries, settings.display);
+        // The family's programs write the text export's paths ahead of its choices but read them after.
+        complete &= SaveEntries(*m_registry, kTextPathEntries, settings.text);
+        complete &= SaveEntries(*m_registry, kTextEntries, settings.text);
+        complete &= SaveEntries(*m_registry, kSplitEntries, settings.split);
         complete &= SavePathList(*m_registry, settings.pathList);
     }
-    const bool spectrum = Open(u"\\Spectrogram") && SaveEntries(*m_registry, SpectrumEntries(), settings);
-    const bool window = Open(u"\\Window") && SaveEntries(*m_registry, WindowEntries(), settings);
+    const bool spectrum = Open(u"\\Spectrogram") && SaveEntries(*m_registry, kSpectrumEntries, settings.spectrum);
+    const bool window = Open(u"\\Window") && SaveEntries(*m_registry, kWindowEntries, settings.window);
     return complete && spectrum && window;
-}
-
-TextExportSettings TextSettings(const Settings& settings) {
-    return {settings.exportFileType, settings.exportChannels, settings.exportRowSize, settings.exportRowRate,
-            settings.exportRowStep,  settings.exportRowHead,  settings.exportXColumn, settings.exportXFormat};
 }
 
 }  // namespace quillon

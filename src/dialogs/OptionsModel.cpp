@@ -70,16 +70,16 @@ bool TakeNumber(float& value, const std::u16string& shown, const std::u16string&
     return true;
 }
 
-void ApplyGeneral(const OptionEntries& shown, const OptionEntries& entries, OptionValues& values) {
-    TakeChoice(values.timeFormat, shown.timeFormat, entries.timeFormat);
-    TakeChoice(values.timeIndex, shown.timeIndex, entries.timeIndex);
-    TakeChoice(values.scaleFormat, shown.scaleFormat, entries.scaleFormat);
-    values.unitScaling = entries.unitScaling;
-    TakeChoice(values.digitsType, shown.digitsType, entries.digitsType);
-    TakeChoice(values.digitsCount, shown.digitsCount, entries.digitsCount);
-    TakeChoice(values.gridColor, shown.gridColor, entries.gridColor);
-    TakeChoice(values.gridStyle, shown.gridStyle, entries.gridStyle);
-    TakeChoice(values.waveformCursor, shown.waveformCursor, entries.waveformCursor);
+void ApplyGeneral(const OptionEntries& shown, const OptionEntries& entries, DisplaySettings& display) {
+    TakeChoice(display.timeFormat, shown.timeFormat, entries.timeFormat);
+    TakeChoice(display.timeIndex, shown.timeIndex, entries.timeIndex);
+    TakeChoice(display.scaleFormat, shown.scaleFormat, entries.scaleFormat);
+    display.unitScaling = entries.unitScaling;
+    TakeChoice(display.digitsType, shown.digitsType, entries.digitsType);
+    TakeChoice(display.digitsCount, shown.digitsCount, entries.digitsCount);
+    TakeChoice(display.gridColor, shown.gridColor, entries.gridColor);
+    TakeChoice(display.gridStyle, shown.gridStyle, entries.gridStyle);
+    TakeChoice(display.waveformCursor, shown.waveformCursor, entries.waveformCursor);
 }
 
 OptionChanges ApplySpectrum(const OptionEntries& shown, const OptionEntries& entries, char16_t separator,
@@ -97,32 +97,34 @@ OptionChanges ApplySpectrum(const OptionEntries& shown, const OptionEntries& ent
     return changes;
 }
 
-void ApplyExport(const OptionEntries& shown, const OptionEntries& entries, OptionValues& values) {
-    TakeFlag(values.exportXColumn, entries.xColumn);
-    TakeChoice(values.exportXFormat, shown.xFormat, entries.xFormat);
-    TakeFlag(values.exportRowHead, entries.rowHead);
-    TakeFlag(values.exportRowSize, entries.rowSize);
-    TakeFlag(values.exportRowRate, entries.rowRate);
-    TakeFlag(values.exportRowStep, entries.rowStep);
-    TakeChoice(values.exportFileType, shown.fileType, entries.fileType);
-    TakeChoice(values.exportChannels, shown.channels, entries.channels);
-    values.exportFastFile = entries.fastFile;
+void ApplyExport(const OptionEntries& shown, const OptionEntries& entries, TextExportSettings& text) {
+    TakeFlag(text.xColumn, entries.xColumn);
+    TakeChoice(text.xFormat, shown.xFormat, entries.xFormat);
+    TakeFlag(text.rowHead, entries.rowHead);
+    TakeFlag(text.rowSize, entries.rowSize);
+    TakeFlag(text.rowRate, entries.rowRate);
+    TakeFlag(text.rowStep, entries.rowStep);
+    TakeChoice(text.fileType, shown.fileType, entries.fileType);
+    TakeChoice(text.channels, shown.channels, entries.channels);
+    text.fastFile = entries.fastFile;
 }
 
 }  // namespace
 
 OptionEntries ShowOptions(const OptionValues& values, char16_t separator) {
+    const DisplaySettings& display = values.display;
     const SpectrumSettings& spectrum = values.spectrum;
+    const TextExportSettings& text = values.text;
     OptionEntries entries;
-    entries.timeFormat = PositionOf(values.timeFormat, 3);
-    entries.timeIndex = PositionOf(values.timeIndex, kTimeUnits);
-    entries.scaleFormat = PositionOf(values.scaleFormat, 2);
-    entries.unitScaling = values.unitScaling;
-    entries.digitsType = PositionOf(values.digitsType, 2);
-    entries.digitsCount = PositionOf(values.digitsCount, kDigitCounts);
-    entries.gridColor = std::abs(static_cast<int>(values.gridColor)) % kTraceColors;
-    entries.gridStyle = PositionOf(values.gridStyle, 3);
-    entries.waveformCursor = std::abs(static_cast<int>(values.waveformCursor)) % kCursorStyles;
+    entries.timeFormat = PositionOf(display.timeFormat, 3);
+    entries.timeIndex = PositionOf(display.timeIndex, kTimeUnits);
+    entries.scaleFormat = PositionOf(display.scaleFormat, 2);
+    entries.unitScaling = display.unitScaling;
+    entries.digitsType = PositionOf(display.digitsType, 2);
+    entries.digitsCount = PositionOf(display.digitsCount, kDigitCounts);
+    entries.gridColor = std::abs(static_cast<int>(display.gridColor)) % kTraceColors;
+    entries.gridStyle = PositionOf(display.gridStyle, 3);
+    entries.waveformCursor = std::abs(static_cast<int>(display.waveformCursor)) % kCursorStyles;
     entries.palette = PositionOf(spectrum.palette, 3);
     entries.spectrumType = PositionOf(spectrum.type, 2);
     entries.amplitudeScale = SingleNumberText(static_cast<double>(spectrum.amplitudeScale), separator);
@@ -130,23 +132,23 @@ OptionEntries ShowOptions(const OptionValues& values, char16_t separator) {
     entries.window = PositionOf(spectrum.window, 4);
     const bool hasSize = spectrum.order >= kLeastFftOrder && spectrum.order < kLeastFftOrder + kFftSizes;
     entries.fftSize = hasSize ? spectrum.order - kLeastFftOrder : -1;
-    entries.xColumn = values.exportXColumn != 0;
-    entries.xFormat = PositionOf(values.exportXFormat, 2);
-    entries.rowHead = values.exportRowHead != 0;
-    entries.rowSize = values.exportRowSize != 0;
-    entries.rowRate = values.exportRowRate != 0;
-    entries.rowStep = values.exportRowStep != 0;
-    entries.fileType = PositionOf(values.exportFileType, 2);
-    entries.channels = PositionOf(values.exportChannels, 2);
-    entries.fastFile = values.exportFastFile;
+    entries.xColumn = text.xColumn != 0;
+    entries.xFormat = PositionOf(text.xFormat, 2);
+    entries.rowHead = text.rowHead != 0;
+    entries.rowSize = text.rowSize != 0;
+    entries.rowRate = text.rowRate != 0;
+    entries.rowStep = text.rowStep != 0;
+    entries.fileType = PositionOf(text.fileType, 2);
+    entries.channels = PositionOf(text.channels, 2);
+    entries.fastFile = text.fastFile;
     return entries;
 }
 
-OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, OptionValues& values) {
+OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, OptionValues values) {
     const OptionEntries shown = ShowOptions(values, separator);
-    ApplyGeneral(shown, entries, values);
+    ApplyGeneral(shown, entries, values.display);
     const OptionChanges changes = ApplySpectrum(shown, entries, separator, values.spectrum);
-    ApplyExport(shown, entries, values);
+    ApplyExport(shown, entries, values.text);
     return changes;
 }
 

@@ -5,34 +5,19 @@
 #include <string>
 #include <string_view>
 
+#include "export/TextExportSettings.h"
 #include "format/QL_Format.h"
 #include "spectrum/SpectrumSettings.h"
+#include "view/DisplaySettings.h"
 
 /// What the options dialog shows of the settings and what its entries do to them, without a window.
 namespace quillon {
 
-/// The settings that the dialog edits, as they are stored.
+/// The settings that the dialog edits.
 struct OptionValues {
-    std::int16_t timeFormat = 0;  ///< 0 time of day, 1 from the start, 2 sample indexes
-    std::int32_t timeIndex = 0;   ///< FormatOptions::timeUnit
-    std::int16_t scaleFormat = 0;
-    bool unitScaling = false;
-    std::int16_t digitsType = 0;  ///< 0 significant digits, 1 decimal places
-    std::int16_t digitsCount = 0;
-    std::int16_t gridColor = 0;  ///< index of a trace colour, by its magnitude
-    std::int16_t gridStyle = 0;
-    std::int16_t waveformCursor = 0;  ///< style of GraphCursor, by its magnitude
-    SpectrumSettings spectrum;
-    std::int16_t exportXColumn = 0;  ///< flag, as those of the rows
-    std::int16_t exportXFormat = 0;
-    std::int16_t exportRowHead = 0;
-    std::int16_t exportRowSize = 0;
-    std::int16_t exportRowRate = 0;
-    std::int16_t exportRowStep = 0;
-    std::int16_t exportFileType = 0;
-    std::int16_t exportChannels = 0;
-    std::u16string exportFastFile;
-    friend bool operator==(const OptionValues&, const OptionValues&) = default;
+    DisplaySettings& display;
+    TextExportSettings& text;
+    SpectrumSettings& spectrum;
 };
 
 /// What the dialog's controls hold. Option buttons and lists by position from 0, -1 where none is chosen.
@@ -85,7 +70,7 @@ inline constexpr std::array<std::u16string_view, 5> kDecibelRanges{u"30", u"60",
 
 /// Takes the entries over into the values that were shown. An entry that the user left as it was shown keeps its value,
 /// also one that the control cannot show; so does a number that cannot be read or lies outside its limits.
-OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, OptionValues& values);
+OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, OptionValues values);
 
 /// Number of samples of a transform.
 [[nodiscard]] constexpr std::int32_t FftSize(int position) {

@@ -9,6 +9,7 @@
 
 #include "data/QL_Types.h"
 #include "data/UserServices.h"
+#include "export/TextExportSettings.h"
 #include "export/TextRows.h"
 #include "format/QL_Format.h"
 #include "norvik/NorvikCore.h"
@@ -17,18 +18,6 @@
 
 /// Samples as text, into a file or onto the clipboard.
 namespace quillon {
-
-/// The stored settings of the export; 16-bit flags are set when not zero.
-struct TextExportSettings {
-    std::int16_t fileType = 0;  ///< 0 a file per channel, else a single file
-    std::int16_t channels = 0;  ///< 0 or less all channels, else the shown ones
-    std::int16_t rowSize = 0;
-    std::int16_t rowRate = 0;
-    std::int16_t rowStep = 0;
-    std::int16_t rowHead = 0;
-    std::int16_t xColumn = 0;
-    std::int16_t xFormat = 0;  ///< 0 time, else sample number
-};
 
 /// What one run writes.
 struct TextExportRequest {

@@ -76,11 +76,11 @@ void ControlLayout::Arrange() {
         ExpectBars(input);
     }
     input.dpi = m_dpi;
-    input.listWidth = m_settings.listWidth;
-    input.upperPercent = m_settings.upperPercent;
-    input.valuesHeight = m_settings.valuesHeight;
-    input.spectrogram = m_settings.spectrogramShown;
-    input.spectrogramPercent = m_settings.spectrogramPercent;
+    input.listWidth = m_placement.listWidth;
+    input.upperPercent = m_placement.upperPercent;
+    input.valuesHeight = m_placement.valuesHeight;
+    input.spectrogram = m_placement.spectrogramShown;
+    input.spectrogramPercent = m_placement.spectrogramPercent;
     m_layout = ArrangeMain(input);
     if (complete) return PlaceControls();
     MoveWindow(Control(pbGraph), m_layout.graph.left, m_layout.graph.top, m_layout.graph.width, m_layout.graph.height,
@@ -139,21 +139,21 @@ bool ControlLayout::Move(int x, int y) {
     if (m_drag == Drag::None) return false;
     const int top = m_layout.tabPath.top;
     const int height = m_layout.blocks.Bottom() - top - m_layout.splitLists.height;
-    if (m_drag == Drag::Column) m_settings.listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
-    if (m_drag == Drag::Lists && height > 0) m_settings.upperPercent = std::max((y - top) * 100 / height, 1);
+    if (m_drag == Drag::Column) m_placement.listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
+    if (m_drag == Drag::Lists && height > 0) m_placement.upperPercent = std::max((y - top) * 100 / height, 1);
     if (m_drag == Drag::Values)
-        m_settings.valuesHeight = std::max(m_layout.values.Bottom() - y - m_layout.splitValues.height / 2, 1);
+        m_placement.valuesHeight = std::max(m_layout.values.Bottom() - y - m_layout.splitValues.height / 2, 1);
     const int shared = m_layout.spectrogram.Bottom() - m_layout.graph.top - m_layout.splitSpectrogram.height;
     if (m_drag == Drag::Spectrogram && shared > 0)
-        m_settings.spectrogramPercent =
+        m_placement.spectrogramPercent =
             std::max((m_layout.spectrogram.Bottom() - y - m_layout.splitSpectrogram.height / 2) * 100 / shared, 1);
     Arrange();
     // What was reached counts, so that dragging beyond a limit and back has no dead travel.
-    m_settings.listWidth = m_layout.listWidth;
-    m_settings.upperPercent = m_layout.upperPercent;
-    if (m_drag == Drag::Values) m_settings.valuesHeight = m_layout.valuesHeight;
+    m_placement.listWidth = m_layout.listWidth;
+    m_placement.upperPercent = m_layout.upperPercent;
+    if (m_drag == Drag::Values) m_placement.valuesHeight = m_layout.valuesHeight;
     if (m_drag == Drag::Spectrogram && m_layout.spectrogramPercent > 0)
-        m_settings.spectrogramPercent = m_layout.spectrogramPercent;
+        m_placement.spectrogramPercent = m_layout.spectrogramPercent;
     return true;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/MainLayout.h"
-#include "app/Settings.h"
+#include "app/WindowPlacement.h"
 #include "base/win/Win32.h"
 
 namespace quillon {
@@ -10,8 +10,8 @@ namespace quillon {
 /// the keyboard.
 class ControlLayout {
   public:
-    /// The settings hold what the user has dragged, and outlive it.
-    explicit ControlLayout(Settings& settings) : m_settings(settings) {}
+    /// The placement holds what the user has dragged, and outlives it.
+    explicit ControlLayout(WindowPlacement& placement) : m_placement(placement) {}
 
     void SetWindow(HWND window, HFONT font, int dpi);
     /// What the toolbars need; before there are any, none.
@@ -42,7 +42,7 @@ class ControlLayout {
     void ExpectBars(LayoutInput& input) const;
     void PlaceControls() const;
 
-    Settings& m_settings;
+    WindowPlacement& m_placement;
     HWND m_window = nullptr;
     HFONT m_font = nullptr;
     int m_dpi = 96;

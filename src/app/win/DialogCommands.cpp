@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "app/OptionSettings.h"
 #include "app/StringIds.h"
 #include "app/win/MainRooms.h"
 #include "app/win/ViewDialogs.h"
@@ -40,14 +39,13 @@ void DialogCommands::Statistics() {
 void DialogCommands::Options() {
     m_rooms.hover.End();
     Settings& settings = m_parts.settings;
-    OptionValues options = OptionsOf(settings);
     const OptionsCalls calls{
         [this](HWND, std::u16string& name) { return FastExportDialog(m_parts.saveDialog, m_parts.services, name); },
         [this](HWND) { m_rooms.onHelp(); }};
     dlgOptions dialog(m_parts.services, calls, m_parts.format, m_parts.document.Block().sampleRate);
-    const std::optional<OptionChanges> changes = dialog.Show(m_rooms.longCommand.Window(), options);
+    const std::optional<OptionChanges> changes =
+        dialog.Show(m_rooms.longCommand.Window(), {settings.display, settings.text, settings.spectrum});
     if (!changes || m_rooms.longCommand.IsGone()) return;
-    StoreOptions(options, settings);
     const bool codesBefore = m_rooms.view.RawCodes();
     m_parts.applySettings();
     // Codes and values have scales of their own.
@@ -55,7 +53,7 @@ void DialogCommands::Options() {
     if (changes->initSpectrogram) m_rooms.spectrogram.Prepare();
     if (changes->buildPalette) m_rooms.spectrogram.BuildPalette();
     if (changes->buildWindow) m_rooms.spectrogram.BuildWindow();
-    if (changes->setOrder) m_rooms.spectrogram.SetOrder(settings.order);
+    if (changes->setOrder) m_rooms.spectrogram.SetOrder(settings.spectrum.order);
     if (changes->initSpectrogram) m_rooms.spectrogram.Spectrogram_Init(true);
     m_rooms.Refresh();
 }
@@ -65,7 +63,7 @@ void DialogCommands::Split() {
     if (m_rooms.playback.IsPlaying()) m_rooms.playback.Stop();
     m_rooms.RunBusy([&] {
         ShowSplitDialog(m_rooms.longCommand.Window(), {m_parts.document.Block().block, m_parts.document.File().fileName,
-                                                       m_parts.settings, m_parts.exporter, m_parts.services,
+                                                       m_parts.settings.split, m_parts.exporter, m_parts.services,
                                                        m_parts.format.decimalSeparator, [this] { m_rooms.onHelp(); }});
     });
     // The folder that was made is not among what the watch tells.
@@ -75,7 +73,7 @@ void DialogCommands::Split() {
 void DialogCommands::CopyImage() {
     m_rooms.hover.End();
     m_rooms.graph.HidePlayLine();
-    const bool hasSpectrogram = m_parts.settings.spectrogramShown;
+    const bool hasSpectrogram = m_parts.settings.window.spectrogramShown;
     const ImageWindows windows{m_rooms.graph.ScaleY(), m_rooms.graph.Graph(),
                                hasSpectrogram ? m_rooms.spectrogram.Scale() : nullptr,
                                hasSpectrogram ? m_rooms.spectrogram.Picture() : nullptr, m_rooms.graph.ScaleX()};

@@ -55,7 +55,7 @@ void ExportCommands::SaveAs() {
     dialog.filter = BuildSaveFilter();
     dialog.filterIndex = m_saveType;
     dialog.fileName = BareName(m_parts.document.File().fileName);
-    const std::u16string& last = m_parts.settings.exportPath;
+    const std::u16string& last = m_parts.settings.folder;
     dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_parts.document.File().fileName) : last;
     onDialog();
     if (!dialog.Show() || m_parts.longCommand.IsGone()) return;
@@ -65,12 +65,11 @@ void ExportCommands::SaveAs() {
     const std::u16string name = dialog.fileName;
     if (LowerCase(name).ends_with(u".txt")) {
         // The dialog has asked about the target itself, which a file per channel leaves alone.
-        std::vector<std::u16string> files =
-            TextExportFiles(name, *block, TextSettings(m_parts.settings), m_parts.document.Slots());
+        std::vector<std::u16string> files = TextExportFiles(name, *block, m_parts.settings, m_parts.document.Slots());
         std::erase(files, name);
         if (!MayReplace(std::move(files)) || m_parts.longCommand.IsGone()) return;
         if (m_parts.document.Block().block != block) return;
-        m_parts.settings.exportPath = FolderOf(name);
+        m_parts.settings.folder = FolderOf(name);
         WriteText(name, range);
     } else {
         WriteRecording(*block, name, range, dialog.filterIndex);
@@ -120,7 +119,7 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
     std::u16string unread;
     onWork([&] {
         try {
-            ExportText(target, *block, range.first + 1, range.count, TextSettings(m_parts.settings), context);
+            ExportText(target, *block, range.first + 1, range.count, m_parts.settings, context);
         } catch (const std::exception& error) {
             unread = m_parts.document.File().fileName + u": " + Utf16(error.what());
         }
@@ -147,15 +146,15 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
 
 void ExportCommands::FastExport() {
     const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
-    if (m_parts.settings.exportFastFile.empty()) {
+    if (m_parts.settings.fastFile.empty()) {
         std::u16string name;
         onDialog();
         if (!FastExportDialog(m_parts.saveDialog, m_parts.services, name)) return;
         if (m_parts.longCommand.IsGone()) return;
-        m_parts.settings.exportFastFile = name;
+        m_parts.settings.fastFile = name;
     }
     if (m_parts.document.Block().block != block) return;
-    std::u16string target = m_parts.settings.exportFastFile;
+    std::u16string target = m_parts.settings.fastFile;
     // A name without a folder means the recording's own.
     if (target.find_first_of(u":\\/") == std::u16string::npos)
         target.insert(0, FolderOf(m_parts.document.File().fileName));
@@ -164,8 +163,7 @@ void ExportCommands::FastExport() {
 }
 
 bool ExportCommands::MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target) {
-    std::vector<std::u16string> files =
-        TextExportFiles(target, block, TextSettings(m_parts.settings), m_parts.document.Slots());
+    std::vector<std::u16string> files = TextExportFiles(target, block, m_parts.settings, m_parts.document.Slots());
     std::erase_if(files, [&](const std::u16string& file) {
         if (std::find(m_fastFiles.begin(), m_fastFiles.end(), file) != m_fastFiles.end()) return true;
         // The one that the user has named is not asked about, unless it is what nobody would replace by a text.

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "app/Settings.h"
 #include "app/win/LongCommand.h"
 #include "app/win/StatusBar.h"
 #include "data/Document.h"
 #include "export/KVExport.h"
+#include "export/TextExportSettings.h"
 #include "norvik/SaveFileDialog.h"
 #include "norvik/TextSink.h"
 #include "view/WaveformView.h"
@@ -24,7 +24,7 @@ class ExportCommands {
     struct Parts {
         const Document& document;
         const WaveformView& view;
-        Settings& settings;  ///< what and where to; remembers the names that the user chose
+        TextExportSettings& settings;  ///< what and where to; remembers the names that the user chose
         const FormatOptions& format;
         RecordingLibrary& library;
         KVExport& exporter;

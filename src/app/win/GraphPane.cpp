@@ -32,12 +32,12 @@ int TrackPosition(HWND scrollBar) {
 
 }  // namespace
 
-GraphPane::GraphPane(const Document& document, WaveformView& view, const Playback& playback, const Settings& settings,
-                     const FormatOptions& format, HoverCapture& hover, bool foldOrigin)
+GraphPane::GraphPane(const Document& document, WaveformView& view, const Playback& playback,
+                     const DisplaySettings& display, const FormatOptions& format, HoverCapture& hover, bool foldOrigin)
     : m_document(document),
       m_view(view),
       m_playback(playback),
-      m_settings(settings),
+      m_display(display),
       m_format(format),
       m_hover(hover),
       m_foldOrigin(foldOrigin),
@@ -70,8 +70,8 @@ GraphScene GraphPane::Scene() const {
             m_view.GetLanes(),
             m_view.RawCodes(),
             m_foldOrigin,
-            static_cast<GridStyle>(std::clamp<int>(m_settings.gridStyle, 0, 2)),
-            TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(m_settings.gridColor))))};
+            static_cast<GridStyle>(std::clamp<int>(m_display.gridStyle, 0, 2)),
+            TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor))))};
 }
 
 void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {

@@ -7,9 +7,9 @@
 
 #include "app/GraphNotice.h"
 #include "app/Playback.h"
-#include "app/Settings.h"
 #include "app/win/HoverCapture.h"
 #include "app/win/SpectrogramPane.h"
+#include "view/DisplaySettings.h"
 #include "view/GraphGestures.h"
 #include "view/win/GraphCursor.h"
 #include "view/win/GraphPainter.h"
@@ -24,7 +24,7 @@ namespace quillon {
 class GraphPane final : private PictureOwner, private ZoomXEvents {
   public:
     /// All outlive it. `foldOrigin`: see TraceGeometry.
-    GraphPane(const Document& document, WaveformView& view, const Playback& playback, const Settings& settings,
+    GraphPane(const Document& document, WaveformView& view, const Playback& playback, const DisplaySettings& display,
               const FormatOptions& format, HoverCapture& hover, bool foldOrigin);
 
     // To be set by the owner.
@@ -47,7 +47,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] HWND ScaleX() const { return m_scaleX.Window(); }
     [[nodiscard]] HWND ScaleY() const { return m_scaleY.Window(); }
     /// The shape of the pointer over graph and spectrogram.
-    [[nodiscard]] HCURSOR Pointer() { return m_cursors.Get(m_settings.waveformCursor); }
+    [[nodiscard]] HCURSOR Pointer() { return m_cursors.Get(m_display.waveformCursor); }
     /// Pixels of the graph.
     void SetSize(std::int32_t width, std::int32_t height);
     /// What stands in a graph without traces.
@@ -105,7 +105,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     const Document& m_document;
     WaveformView& m_view;
     const Playback& m_playback;
-    const Settings& m_settings;
+    const DisplaySettings& m_display;
     const FormatOptions& m_format;
     HoverCapture& m_hover;
     bool m_foldOrigin;

@@ -19,11 +19,11 @@ MainRooms::MainRooms(RoomParts parts)
       view(m_parts.view),
       playback(m_parts.playback),
       values(m_document, view, m_parts.format, m_parts.settings),
-      graph(m_document, view, playback, m_parts.settings, m_parts.format, hover, m_parts.foldOrigin),
+      graph(m_document, view, playback, m_parts.settings.display, m_parts.format, hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, hover),
       recording(m_document),
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
-      exports({m_document, view, m_parts.settings, m_parts.format, m_parts.library, m_parts.exporter,
+      exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services, status, longCommand}),
       dialogs(*this, m_parts) {
     WireGraph();
@@ -132,7 +132,7 @@ CommandState MainRooms::State() const {
     state.hasHistory = view.HasHistory();
     state.zoomX = view.Axis().ZoomIndex();
     state.scaleY = view.ScaleY();
-    state.spectrogramShown = m_parts.settings.spectrogramShown;
+    state.spectrogramShown = m_parts.settings.window.spectrogramShown;
     state.soundDevices = playback.DeviceCount();
     state.soundDevice = playback.Device();
     state.playing = playback.IsPlaying();
@@ -236,7 +236,7 @@ void MainRooms::ShowBlock() {
 }
 
 void MainRooms::ShowBlockSpectrum() {
-    if (!m_parts.settings.spectrogramShown) return;
+    if (!m_parts.settings.window.spectrogramShown) return;
     // The range of the channel takes a look at the whole block: the waveform is seen before.
     UpdateWindow(graph.Graph());
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
@@ -341,7 +341,7 @@ void MainRooms::Select(int index) {
 }
 
 void MainRooms::ShowSpectrogram() {
-    m_parts.settings.spectrogramShown = !m_parts.settings.spectrogramShown;
+    m_parts.settings.window.spectrogramShown = !m_parts.settings.window.spectrogramShown;
     spectrogram.Spectrogram_Init(false);
     onArrange();
     Refresh();

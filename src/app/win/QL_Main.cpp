@@ -89,7 +89,7 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     store.Load(global.settings);
     ApplyDisplaySettings(global);
     // Before anything shows them or saves them.
-    QL_FFT::RepairSettings(global.settings);
+    QL_FFT::RepairSettings(global.settings.spectrum);
     try {
         frmQLMain form(global, services, parts.makeTimer, [&] { store.Save(global.settings); });
         form.ChooseHelp();

@@ -18,7 +18,7 @@ SpectrogramPane::SpectrogramPane(const Document& document, WaveformView& view, S
       m_format(format),
       m_services(services),
       m_hover(hover),
-      m_fft(settings) {}
+      m_fft(settings.spectrum) {}
 
 bool SpectrogramPane::Create(HWND parent) {
     return m_picture.Create(parent, pbFFT, *this, false) && m_palette.Create(parent, pbPal, *this, false) &&
@@ -31,7 +31,7 @@ void SpectrogramPane::Prepare() {
 }
 
 void SpectrogramPane::Spectrogram_Init(bool redraw) {
-    if (!m_settings.spectrogramShown) return;
+    if (!m_settings.window.spectrogramShown) return;
     Prepare();
     if (!HasSamples()) return Spectrogram_Draw(false);
     ChooseChannel();
@@ -43,7 +43,7 @@ void SpectrogramPane::ChooseChannel() {
     const std::int16_t channel = m_document.CurrentChannel();
     // A channel of no range stays blank; its range is looked for only when it will be seen.
     ValueRange limits;
-    if (m_settings.spectrogramShown) {
+    if (m_settings.window.spectrogramShown) {
         // Where nothing can be read any range lets the columns be tried again.
         const auto range = m_view.Ranges().Of(m_document.Block(), channel);
         limits = range ? *range : m_view.Ranges().Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
@@ -61,7 +61,7 @@ void SpectrogramPane::InvalidateAll() const {
 }
 
 void SpectrogramPane::Spectrogram_Draw(bool force) {
-    if (!m_settings.spectrogramShown) return;
+    if (!m_settings.window.spectrogramShown) return;
     if (!HasSamples()) return InvalidateAll();
     const TimeAxis& axis = m_view.Axis();
     const bool zoomed = m_fft.State().samplesPerColumn != axis.SamplesPerPixel();
@@ -79,7 +79,7 @@ void SpectrogramPane::Spectrogram_Draw(bool force) {
 }
 
 void SpectrogramPane::NextPalette() {
-    if (!m_settings.spectrogramShown) return;
+    if (!m_settings.window.spectrogramShown) return;
     Prepare();
     m_fft.FFT_NextPalette();
     m_palette.Invalidate();
@@ -87,7 +87,7 @@ void SpectrogramPane::NextPalette() {
 }
 
 std::string SpectrogramPane::Failure() const {
-    return m_settings.spectrogramShown && HasSamples() ? m_fft.ReadFailure() : std::string();
+    return m_settings.window.spectrogramShown && HasSamples() ? m_fft.ReadFailure() : std::string();
 }
 
 void SpectrogramPane::ShowBand(CommonBand which, const std::optional<ColumnBand>& band) {
@@ -161,7 +161,7 @@ std::u16string SpectrogramPane::Readout(std::int32_t sample, int row) const {
     const std::int32_t bins = m_fft.BinCount();
     const std::int32_t bin = std::clamp((height - 1 - row) * bins / height, 0, bins - 1);
     const double hertz = bin * m_document.Block().sampleRate / m_fft.Length();
-    const bool linear = m_settings.type == 1;
+    const bool linear = m_settings.spectrum.type == 1;
     const std::u16string place = u"X:\t" + PositionText(m_document.Block(), sample, u" ", m_format) + u"\r\nF:\t" +
                                  FormatFrequency(hertz, u" ", false, m_format) + u"\r\nL:\t";
     const std::optional<ColumnBand> band = BandOf(m_view.Axis(), {sample - 1, 1});

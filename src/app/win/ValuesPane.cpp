@@ -12,9 +12,9 @@ ValuesPane::Basis ValuesPane::PresentBasis() const {
     return {ShownChannels(m_document.Block(), m_document.Slots()),
             m_format,
             m_view.RawCodes(),
-            m_settings,
+            m_settings.spectrum,
             m_document.CurrentChannel(),
-            m_settings.spectrogramShown};
+            m_settings.window.spectrogramShown};
 }
 
 void ValuesPane::Tell(Kind kind, const std::u16string& text) {

@@ -9,16 +9,15 @@ constexpr std::int32_t kFarthest = 1 << 20;
 
 }  // namespace
 
-void RestoreWindowPlace(HWND window, const Settings& settings, int& showCommand) {
+void RestoreWindowPlace(HWND window, const WindowPlacement& kept, int& showCommand) {
     const auto sane = [](std::int32_t value) { return value > -kFarthest && value < kFarthest; };
-    if (settings.windowWidth > 0 && settings.windowHeight > 0 && sane(settings.windowLeft) &&
-        sane(settings.windowTop) && sane(settings.windowWidth) && sane(settings.windowHeight)) {
+    if (kept.width > 0 && kept.height > 0 && sane(kept.left) && sane(kept.top) && sane(kept.width) &&
+        sane(kept.height)) {
         WINDOWPLACEMENT placement{};
         placement.length = sizeof placement;
         placement.showCmd = SW_HIDE;
         RECT& place = placement.rcNormalPosition;
-        place = {settings.windowLeft, settings.windowTop, settings.windowLeft + settings.windowWidth,
-                 settings.windowTop + settings.windowHeight};
+        place = {kept.left, kept.top, kept.left + kept.width, kept.top + kept.height};
         // A place outside all monitors is moved onto the nearest one.
         MONITORINFO monitor{};
         monitor.cbSize = sizeof monitor;
@@ -29,21 +28,20 @@ void RestoreWindowPlace(HWND window, const Settings& settings, int& showCommand)
         SetWindowPlacement(window, &placement);
         const bool minimized =
             showCommand == SW_SHOWMINIMIZED || showCommand == SW_MINIMIZE || showCommand == SW_SHOWMINNOACTIVE;
-        if (settings.windowMaximized && !minimized) showCommand = SW_SHOWMAXIMIZED;
+        if (kept.maximized && !minimized) showCommand = SW_SHOWMAXIMIZED;
     }
 }
 
-void KeepWindowPlace(HWND window, Settings& settings) {
+void KeepWindowPlace(HWND window, WindowPlacement& kept) {
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     if (!GetWindowPlacement(window, &placement)) return;
     const RECT& place = placement.rcNormalPosition;
-    settings.windowLeft = static_cast<std::int32_t>(place.left);
-    settings.windowTop = static_cast<std::int32_t>(place.top);
-    settings.windowWidth = static_cast<std::int32_t>(place.right - place.left);
-    settings.windowHeight = static_cast<std::int32_t>(place.bottom - place.top);
-    settings.windowMaximized =
-        IsZoomed(window) != FALSE || (IsIconic(window) && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0);
+    kept.left = static_cast<std::int32_t>(place.left);
+    kept.top = static_cast<std::int32_t>(place.top);
+    kept.width = static_cast<std::int32_t>(place.right - place.left);
+    kept.height = static_cast<std::int32_t>(place.bottom - place.top);
+    kept.maximized = IsZoomed(window) != FALSE || (IsIconic(window) && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0);
 }
 
 }  // namespace quillon

@@ -31,7 +31,7 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
                *global.exporter, *global.saveDialog, global.openText, global.language, global.systemVersion < 4,
                services, [&global] { ApplyDisplaySettings(global); }}),
       m_menu(services, *global.view, global.format),
-      m_layout(global.settings),
+      m_layout(global.settings.window),
       m_help(global.helpFile, global.settings.helpLanguage, services, m_rooms.status) {
     Wire();
 }
@@ -78,7 +78,7 @@ void frmQLMain::Create() {
 }
 
 void frmQLMain::Show(int showCommand) {
-    RestoreWindowPlace(m_window, m_global.settings, showCommand);
+    RestoreWindowPlace(m_window, m_global.settings.window, showCommand);
     ShowWindow(m_window, showCommand);
     // Shown inactive: WM_ACTIVATE never came, so create the rest now.
     if (m_window != nullptr && !m_rooms.IsComplete()) CreateRemainingControls();
@@ -291,14 +291,14 @@ void frmQLMain::OnEndSession(bool ends) {
     }
     // The command that runs has use for the recording as long as it can.
     m_rooms.browser.KeepSettings();
-    KeepWindowPlace(m_window, m_global.settings);
+    KeepWindowPlace(m_window, m_global.settings.window);
     if (m_shutdown) m_shutdown();
 }
 
 void frmQLMain::EndSession() {
     // Each step runs whatever becomes of the others, and the program ends in any case.
     for (const auto& step : std::initializer_list<std::function<void()>>{
-             [&] { m_rooms.browser.KeepSettings(); }, [&] { KeepWindowPlace(m_window, m_global.settings); },
+             [&] { m_rooms.browser.KeepSettings(); }, [&] { KeepWindowPlace(m_window, m_global.settings.window); },
              [&] { m_rooms.CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
         try {
             step();

@@ -27,14 +27,15 @@ int PageDirection(WPARAM key) {
 dlgOptions::dlgOptions(const UserServices& services, OptionsCalls calls, const FormatOptions& format, double sampleRate)
     : m_services(services), m_calls(std::move(calls)), m_format(format), m_sampleRate(sampleRate) {}
 
-std::optional<OptionChanges> dlgOptions::Show(HWND owner, OptionValues& values) {
-    m_values = &values;
-    m_changes.reset();
+std::optional<OptionChanges> dlgOptions::Show(HWND owner, OptionValues values) {
+    m_shown = ShowOptions(values, m_format.decimalSeparator);
+    m_confirmed.reset();
     m_failure = nullptr;
     const DialogTemplate dialog = OptionsFrame(m_services);
     DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
     if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
-    return m_changes;
+    if (!m_confirmed) return std::nullopt;
+    return ApplyOptions(*m_confirmed, m_format.decimalSeparator, values);
 }
 
 INT_PTR CALLBACK dlgOptions::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -101,10 +102,9 @@ INT_PTR dlgOptions::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 void dlgOptions::Initialise() {
     MakePages();
     FillLists();
-    const OptionEntries entries = ShowOptions(*m_values, m_format.decimalSeparator);
-    FillGeneral(entries);
-    FillSpectrogram(entries);
-    FillExport(entries);
+    FillGeneral(m_shown);
+    FillSpectrogram(m_shown);
+    FillExport(m_shown);
     const auto listen = [](HWND control, LPARAM self) -> BOOL {
         SetWindowSubclass(control, PageKeys, 1, static_cast<DWORD_PTR>(self));
         return TRUE;
@@ -249,7 +249,7 @@ void dlgOptions::OnCommand(int id, int notification) {
     if (id >= imgCur && id < imgCur + GraphCursor::kStyles) return Choose(optCursor, GraphCursor::kStyles, id - imgCur);
     switch (id) {
         case cmdOk:
-            m_changes = ApplyOptions(Entries(), m_format.decimalSeparator, *m_values);
+            m_confirmed = Entries();
             EndDialog(m_dialog, IDOK);
             break;
         case cmdCancel: EndDialog(m_dialog, IDCANCEL); break;

@@ -30,9 +30,9 @@ class dlgOptions {
     dlgOptions(const dlgOptions&) = delete;
     dlgOptions& operator=(const dlgOptions&) = delete;
 
-    /// Returns what the stored values ask of the spectrogram, none when the user cancels. What a call threw closes the
-    /// dialog as Cancel does and is thrown on.
-    [[nodiscard]] std::optional<OptionChanges> Show(HWND owner, OptionValues& values);
+    /// The values change after the dialog has closed. Returns what they ask of the spectrogram, none when the user
+    /// cancels. What a call threw closes the dialog as Cancel does and is thrown on.
+    [[nodiscard]] std::optional<OptionChanges> Show(HWND owner, OptionValues values);
 
   private:
     static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
@@ -71,8 +71,8 @@ class dlgOptions {
     OptionsCalls m_calls;
     FormatOptions m_format;
     double m_sampleRate;
-    OptionValues* m_values = nullptr;
-    std::optional<OptionChanges> m_changes;
+    OptionEntries m_shown;
+    std::optional<OptionEntries> m_confirmed;
     std::exception_ptr m_failure;
     HWND m_dialog = nullptr;
     std::array<HWND, kOptionPages> m_pages{};

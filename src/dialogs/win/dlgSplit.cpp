@@ -200,35 +200,35 @@ void SplitDialog::LoadSettings() {
     };
     const auto samples = [](std::int32_t stored, std::int32_t otherwise) { return stored > 0 ? stored : otherwise; };
     const auto firstSeconds = static_cast<float>(FirstSplitSize(kSplitSeconds, m_samples / m_rate));
-    const float timeSize = seconds(settings.splitTimeSize, firstSeconds);
-    const float timeStep = seconds(settings.splitTimeStep, timeSize);
-    const std::int32_t size = samples(settings.splitSamplesSize, FirstSplitSize(kSplitSamples, m_samples));
-    const std::int32_t step = samples(settings.splitSamplesStep, size);
+    const float timeSize = seconds(settings.timeSize, firstSeconds);
+    const float timeStep = seconds(settings.timeStep, timeSize);
+    const std::int32_t size = samples(settings.samplesSize, FirstSplitSize(kSplitSamples, m_samples));
+    const std::int32_t step = samples(settings.samplesStep, size);
     FillCombo(cboSize, kSplitSeconds, SingleNumberText(timeSize, m_context.decimalSeparator));
     FillCombo(cboStep, kSplitSeconds, SingleNumberText(timeStep, m_context.decimalSeparator));
     FillCombo(cboSize + 1, kSplitSamples, Decimal(size));
     FillCombo(cboStep + 1, kSplitSamples, Decimal(step));
-    CheckRadioButton(m_dialog, optSplit, optSplit + 1, settings.splitType == 1 ? optSplit + 1 : optSplit);
+    CheckRadioButton(m_dialog, optSplit, optSplit + 1, settings.type == 1 ? optSplit + 1 : optSplit);
     CheckRadioButton(m_dialog, optFileIndex, optFileIndex + 1,
-                     settings.splitFileIndex == 1 ? optFileIndex + 1 : optFileIndex);
-    CheckDlgButton(m_dialog, chkBaseName, settings.splitBaseName != 0 ? BST_CHECKED : BST_UNCHECKED);
+                     settings.fileIndex == 1 ? optFileIndex + 1 : optFileIndex);
+    CheckDlgButton(m_dialog, chkBaseName, settings.baseName != 0 ? BST_CHECKED : BST_UNCHECKED);
 }
 
 void SplitDialog::KeepSettings() {
     SplitSettings& settings = m_context.settings;
-    settings.splitType = BySamples() ? 1 : 0;
-    settings.splitFileIndex = IsChecked(optFileIndex + 1) ? 1 : 0;
-    settings.splitBaseName = IsChecked(chkBaseName) ? 1 : 0;
+    settings.type = BySamples() ? 1 : 0;
+    settings.fileIndex = IsChecked(optFileIndex + 1) ? 1 : 0;
+    settings.baseName = IsChecked(chkBaseName) ? 1 : 0;
     // The other mode may hold what is no number; then its setting stays.
     const auto keep = [&](int id, bool samples, auto& setting) {
         const SplitEntry entry = Entry(id, samples);
         if (entry.fault == EntryFault::None)
             setting = static_cast<std::remove_reference_t<decltype(setting)>>(entry.number);
     };
-    keep(cboSize, false, settings.splitTimeSize);
-    keep(cboStep, false, settings.splitTimeStep);
-    keep(cboSize, true, settings.splitSamplesSize);
-    keep(cboStep, true, settings.splitSamplesStep);
+    keep(cboSize, false, settings.timeSize);
+    keep(cboStep, false, settings.timeStep);
+    keep(cboSize, true, settings.samplesSize);
+    keep(cboStep, true, settings.samplesStep);
 }
 
 SplitEntry SplitDialog::Entry(int id, bool samples) const {

@@ -29,7 +29,7 @@ class OptionsDialog : public ::testing::Test {
             // A test that has failed must not wait for ever.
             PostMessageW(window, WM_COMMAND, cmdCancel, 0);
         });
-        return dialog.Show(nullptr, m_values);
+        return dialog.Show(nullptr, {m_display, m_text, m_spectrum});
     }
     [[nodiscard]] HWND Control(int id) const { return FindChild(m_dialog, id); }
     void Click(int id) const { SendMessageW(Control(id), BM_CLICK, 0, 0); }
@@ -46,13 +46,15 @@ class OptionsDialog : public ::testing::Test {
     [[nodiscard]] bool IsShown(int page) const { return IsWindowVisible(GetDlgItem(m_dialog, pbTab + page)) != FALSE; }
     [[nodiscard]] HWND Focus() const { return FocusOf(m_dialog); }
 
-    OptionValues m_values;
+    DisplaySettings m_display;
+    TextExportSettings m_text;
+    SpectrumSettings m_spectrum;
     OptionsCalls m_calls;
     HWND m_dialog = nullptr;
 };
 
 TEST_F(OptionsDialog, ShowsWhatIsStoredAndTakesWhatIsChosen) {
-    m_values.waveformCursor = 6;
+    m_display.waveformCursor = 6;
     m_calls.chooseFastFile = [](HWND, std::u16string& name) {
         name += u"\\fast.txt";
         return true;
@@ -72,13 +74,13 @@ TEST_F(OptionsDialog, ShowsWhatIsStoredAndTakesWhatIsChosen) {
         Press(cmdOk);
     });
     EXPECT_EQ(changes, (OptionChanges{false, false, true, true}));
-    EXPECT_EQ(m_values.exportFastFile, u"C:\\fast.txt");
-    EXPECT_EQ(m_values.spectrum.decibelRange, 120.0F) << "what was typed is out of its range";
-    EXPECT_EQ(m_values.waveformCursor, 6) << "left as it was shown";
+    EXPECT_EQ(m_text.fastFile, u"C:\\fast.txt");
+    EXPECT_EQ(m_spectrum.decibelRange, 120.0F) << "what was typed is out of its range";
+    EXPECT_EQ(m_display.waveformCursor, 6) << "left as it was shown";
 }
 
 TEST_F(OptionsDialog, SwatchOffersTheTraceColors) {
-    m_values.gridColor = 5;
+    m_display.gridColor = 5;
     HWND chooser = nullptr;
     const auto isOpen = [&] {
         chooser = FindWindowW(L"#32770", L"Select color");
@@ -101,7 +103,7 @@ TEST_F(OptionsDialog, SwatchOffersTheTraceColors) {
         EXPECT_TRUE(WaitUntil([&] { return !isOpen(); }));
         Press(cmdOk);
     });
-    EXPECT_EQ(m_values.gridColor, 14);
+    EXPECT_EQ(m_display.gridColor, 14);
 }
 
 TEST_F(OptionsDialog, KeysAndTabsChangePagesAndHelpOpens) {

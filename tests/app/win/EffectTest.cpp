@@ -113,7 +113,7 @@ class EffectTest : public MainWindowTest {
         m_device.names = {u"card 1", u"card 2"};
         StartWith(m_device);
         m_saveDialog->answer = [this](SaveFileDialog&) { return ++m_saves, false; };
-        m_global.settings.exportFastFile = m_folder.File(u"no such folder/fast.txt").u16string();
+        m_global.settings.text.fastFile = m_folder.File(u"no such folder/fast.txt").u16string();
     }
 
     void TearDown() override {
@@ -154,8 +154,8 @@ class EffectTest : public MainWindowTest {
         ClickCheckBox(0);
         Command(mnuTabPath + 1);
         Command(mnuTabFile + 1);
-        if (m_global.settings.spectrogramShown != (effect.command == mnuNextPalette)) Command(mnuSpectrogram);
-        m_global.settings.palette = 0;
+        if (m_global.settings.window.spectrogramShown != (effect.command == mnuNextPalette)) Command(mnuSpectrogram);
+        m_global.settings.spectrum.palette = 0;
         m_global.settings.helpLanguage = 7;
         m_global.helpFile.clear();
         ScrollTo(1000);
@@ -197,8 +197,8 @@ class EffectTest : public MainWindowTest {
                 {"shown", shown},
                 {"alone", m_global.document->IsSolo() ? "1" : "0"},
                 {"pages", page(tabPath) + page(tabFile)},
-                {"spectrogram", m_global.settings.spectrogramShown ? "1" : "0"},
-                {"palette", std::to_string(m_global.settings.palette)},
+                {"spectrogram", m_global.settings.window.spectrogramShown ? "1" : "0"},
+                {"palette", std::to_string(m_global.settings.spectrum.palette)},
                 {"help", std::to_string(m_global.settings.helpLanguage)},
                 {"selection",
                  selection.active ? std::to_string(selection.First()) + '-' + std::to_string(selection.Last()) : ""},

@@ -69,12 +69,12 @@ TEST_F(ExportWindowTest, SaveAsWritesEveryTypeTheChoiceOrTheNameTells) {
     m_global.view->Select(120, 101);
     SaveAs(Path(u"later.edf"));
     EXPECT_EQ(Status(), L"Written: " + Wide(Path(u"later.edf")) + L": starts at the block's start");
-    m_global.settings.exportFileType = 1;
+    m_global.settings.text.fileType = 1;
     SaveAs(Path(u"part.TXT"));
     const std::string text = Contents(Path(u"part.TXT"));
     EXPECT_THAT(text, StartsWith("0.0\t5.0\r\n1.0\t5.0\r\n"));
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 20);
-    EXPECT_EQ(m_global.settings.exportPath, Path(u""));
+    EXPECT_EQ(m_global.settings.text.folder, Path(u""));
 }
 
 TEST_F(ExportWindowTest, NothingOfTheUsersIsLost) {
@@ -108,12 +108,12 @@ TEST_F(ExportWindowTest, NothingOfTheUsersIsLost) {
 }
 
 TEST_F(ExportWindowTest, FastExportAsksForItsNameOnce) {
-    m_global.settings.exportFileType = 1;
+    m_global.settings.text.fileType = 1;
     Start();
     CommandWith(mnuFastExport, [&](HWND dialog) { SaveUnder(dialog, Path(u"fast.txt")); });
-    EXPECT_EQ(m_global.settings.exportFastFile, Path(u"fast.txt"));
+    EXPECT_EQ(m_global.settings.text.fastFile, Path(u"fast.txt"));
     EXPECT_EQ(Status(), L"Written: " + Wide(Path(u"fast.txt")));
-    m_global.settings.exportRowSize = 1;
+    m_global.settings.text.rowSize = 1;
     Command(mnuFastExport);
     EXPECT_THAT(Contents(Path(u"fast.txt")), StartsWith("250\r\n0.0\t5.0\r\n"));
 }
@@ -142,28 +142,28 @@ TEST_F(ExportWindowTest, TheSystemsDialogTakesAnyFolderAndName) {
 
 TEST_F(ExportWindowTest, FastExportAsksBeforeItReplacesWhatNobodyNamed) {
     Start();
-    m_global.settings.exportFastFile = Path(u"out.txt");
+    m_global.settings.text.fastFile = Path(u"out.txt");
     std::ofstream(m_folder.File(u"out1.txt")) << "mine";
     CommandPressing(mnuFastExport, IDNO);
     EXPECT_EQ(Contents(Path(u"out1.txt")), "mine");
     EXPECT_FALSE(Exists(u"out2.txt"));
     CommandPressing(mnuFastExport, IDYES);
-    m_global.settings.exportRowSize = 1;
+    m_global.settings.text.rowSize = 1;
     Command(mnuFastExport);  // not asked again, nor about what it has written itself
     EXPECT_THAT(Contents(Path(u"out1.txt")), StartsWith("250\r\n0.0"));
     // A recording is hardly meant; what is no recording is what the user has named.
-    m_global.settings.exportFileType = 1;
-    m_global.settings.exportFastFile = m_folder.Write(u"other.bin", SawRecording(20));
+    m_global.settings.text.fileType = 1;
+    m_global.settings.text.fastFile = m_folder.Write(u"other.bin", SawRecording(20));
     const std::string other = Contents(Path(u"other.bin"));
     CommandPressing(mnuFastExport, IDNO);
     EXPECT_EQ(Contents(Path(u"other.bin")), other);
     CommandPressing(mnuFastExport, IDYES);
     EXPECT_THAT(Contents(Path(u"other.bin")), StartsWith("250\r\n"));
     // All that cannot be written is told.
-    m_global.settings.exportFileType = 0;
+    m_global.settings.text.fileType = 0;
     std::filesystem::create_directory(m_folder.File(u"dir1.txt"));
     std::filesystem::create_directory(m_folder.File(u"dir2.txt"));
-    m_global.settings.exportFastFile = Path(u"dir.txt");
+    m_global.settings.text.fastFile = Path(u"dir.txt");
     CommandPressing(mnuFastExport, IDYES);
     EXPECT_THAT(Status(), HasSubstr(Wide(Path(u"dir1.txt"))));
     EXPECT_THAT(Status(), HasSubstr(Wide(Path(u"dir2.txt"))));
@@ -184,9 +184,9 @@ TEST_F(ExportWindowTest, ARecordingThatGoesWhileTheUserIsAskedEndsTheCommand) {
 
 TEST_F(ExportWindowTest, CopiedDataAreTheTextOfTheSelection) {
     Start();
-    m_global.settings.exportRowHead = 1;
-    m_global.settings.exportXColumn = 1;
-    m_global.settings.exportXFormat = 1;
+    m_global.settings.text.rowHead = 1;
+    m_global.settings.text.xColumn = 1;
+    m_global.settings.text.xFormat = 1;
     m_global.view->Select(99, 101);
     Command(mnuCopy);
     const std::wstring text = ClipboardText();

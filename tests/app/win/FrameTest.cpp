@@ -17,7 +17,7 @@ using FrameTest = MainWindowTest;
 
 TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
-    m_global.settings.spectrogramShown = true;
+    m_global.settings.window.spectrogramShown = true;
     Start();
     const auto place = [&](int id) {
         RECT rect = Place(id);
@@ -25,11 +25,11 @@ TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
         return rect;
     };
     // The controls before and behind it, its way, and what is kept of it.
-    using Splitter = std::tuple<int, int, int, int, std::int32_t Settings::*>;
-    for (const auto& [first, second, dx, dy, kept] : {Splitter{lvCh, pbScaleY, 40, 0, &Settings::listWidth},
-                                                      {lvCh, tabFile, 0, 30, &Settings::upperPercent},
-                                                      {lstFile, pnValues, 0, -40, &Settings::valuesHeight},
-                                                      {pbGraph, pbFFT, 0, -50, &Settings::spectrogramPercent}}) {
+    using Splitter = std::tuple<int, int, int, int, std::int32_t WindowPlacement::*>;
+    for (const auto& [first, second, dx, dy, kept] : {Splitter{lvCh, pbScaleY, 40, 0, &WindowPlacement::listWidth},
+                                                      {lvCh, tabFile, 0, 30, &WindowPlacement::upperPercent},
+                                                      {lstFile, pnValues, 0, -40, &WindowPlacement::valuesHeight},
+                                                      {pbGraph, pbFFT, 0, -50, &WindowPlacement::spectrogramPercent}}) {
         SCOPED_TRACE(second);
         const RECT before = place(first);
         const RECT behind = place(second);
@@ -46,7 +46,7 @@ TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
         EXPECT_NEAR(place(first).bottom - before.bottom, dy, 8);
         EXPECT_NEAR(place(second).left - behind.left, dx, 4);
         EXPECT_NEAR(place(second).top - behind.top, dy, 8);
-        EXPECT_GT(m_global.settings.*kept, 0);
+        EXPECT_GT(m_global.settings.window.*kept, 0);
         const RECT moved = place(second);
         mouse(WM_MOUSEMOVE, 0);
         const RECT still = place(second);
@@ -124,7 +124,7 @@ TEST_F(FrameTest, ScrollBarsReachTheWholeRecordingAndTheirThumbsMoveTheView) {
 
 TEST_F(FrameTest, NothingOverlapsAtThisResolutionAndAHigherOne) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
-    m_global.settings.spectrogramShown = true;
+    m_global.settings.window.spectrogramShown = true;
     Start();
     const int dpi = ScreenDpi();
     for (const int edge : {0, 1500}) {

@@ -97,13 +97,13 @@ class RegistryTest : public ::testing::Test {
 TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     Settings settings;
     settings.filesPath = u"C:\\Записи\\Ночь";
-    settings.timeIndex = std::numeric_limits<std::int32_t>::min();
-    settings.waveformCursor = -3;
-    settings.splitTimeSize = 0.1F;
-    settings.amplitudeScale = 1234567.0F;
-    settings.decibelRange = 1e-7F;
+    settings.display.timeIndex = std::numeric_limits<std::int32_t>::min();
+    settings.display.waveformCursor = -3;
+    settings.split.timeSize = 0.1F;
+    settings.spectrum.amplitudeScale = 1234567.0F;
+    settings.spectrum.decibelRange = 1e-7F;
     settings.pathList = PathList({u"C:\\", u"\\\\server\\ecg"});
-    settings.windowMaximized = true;
+    settings.window.maximized = true;
     EXPECT_TRUE(Store().Save(settings));
     Values main = ValuesIn(MainPath());
     EXPECT_EQ(main[L"FilesPath"], Text(L"C:\\Записи\\Ночь"));
@@ -129,10 +129,10 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     Settings loaded;
     Store().Load(loaded);
     EXPECT_EQ(loaded.filesPath, settings.filesPath);
-    EXPECT_EQ(std::tuple(loaded.helpLanguage, loaded.timeIndex, loaded.decibelRange),
-              std::tuple(0, settings.timeIndex, 1e-7F));
+    EXPECT_EQ(std::tuple(loaded.helpLanguage, loaded.display.timeIndex, loaded.spectrum.decibelRange),
+              std::tuple(0, settings.display.timeIndex, 1e-7F));
     EXPECT_EQ(loaded.pathList.Folders(), settings.pathList.Folders());
-    EXPECT_TRUE(loaded.windowMaximized);
+    EXPECT_TRUE(loaded.window.maximized);
 }
 
 TEST_F(RegistryTest, NumbersThatDoNotFitOrAreOfAnotherTypeLeaveTheVariable) {
@@ -195,12 +195,12 @@ TEST_F(RegistryTest, AKeyThatCannotBeMadeIsReportedAndCostsNoOther) {
     // Below a volatile key no lasting key can be made, so the subkeys fail.
     const KeyHandle main = Key(MainPath(), KEY_ALL_ACCESS, REG_OPTION_VOLATILE);
     Settings settings;
-    settings.gridStyle = 1;
+    settings.display.gridStyle = 1;
     EXPECT_FALSE(Store().Save(settings));
     Settings loaded;
     Store().Load(loaded);
-    EXPECT_EQ(loaded.gridStyle, 1);
-    EXPECT_EQ(loaded.order, 8);
+    EXPECT_EQ(loaded.display.gridStyle, 1);
+    EXPECT_EQ(loaded.spectrum.order, 8);
 }
 
 }  // namespace

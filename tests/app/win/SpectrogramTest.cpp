@@ -53,7 +53,7 @@ TEST_F(SpectrogramTest, ShowsTheChosenChannelColumnForColumn) {
     Click(lvCh, line.left + 10, (line.top + line.bottom) / 2);
     EXPECT_NEAR(Brightest(200), 0.5, 0.02);
     const Pixels taken = Capture(pbFFT);
-    m_global.settings.decibelRange = 30.0F;
+    m_global.settings.spectrum.decibelRange = 30.0F;
     Click(lvCh, line.left + 10, (line.top + line.bottom) / 2);
     EXPECT_FALSE(Capture(pbFFT) == taken) << "a click on the shown one computes it anew";
     // What was scrolled is what is computed anew.
@@ -94,14 +94,14 @@ TEST_F(SpectrogramTest, WhatCannotBeReadIsToldAndComputedWhenItCanBe) {
 
 TEST_F(SpectrogramTest, PaletteReadoutAndNoBlock) {
     StartWithTones();
-    const std::int16_t palette = m_global.settings.palette;
+    const std::int16_t palette = m_global.settings.spectrum.palette;
     Click(pbPal, 3, 3);
-    EXPECT_EQ(m_global.settings.palette, palette) << "nothing while it is off";
+    EXPECT_EQ(m_global.settings.spectrum.palette, palette) << "nothing while it is off";
     Command(mnuSpectrogram);
     const Pixels before = Capture(pbFFT);
     for (const int next : {1, 2, 0}) {
         Click(pbPal, 3, 3);
-        EXPECT_EQ(m_global.settings.palette, (palette + next) % 3);
+        EXPECT_EQ(m_global.settings.spectrum.palette, (palette + next) % 3);
         EXPECT_EQ(Capture(pbFFT) == before, next == 0);
     }
     // The pointer reads time, frequency and level, with the band across both pictures.

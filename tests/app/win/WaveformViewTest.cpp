@@ -45,7 +45,7 @@ TEST_F(WaveformViewTest, ScrollingByCopyingEqualsDrawingAnew) {
     StartWith(Noise(60000, 3));
     std::mt19937 random(10);
     // Marks, a selection and a dotted grid take part.
-    m_global.settings.gridStyle = 2;
+    m_global.settings.display.gridStyle = 2;
     std::vector<BlockMark> marks;
     for (int mark = 0; mark < 300; ++mark)
         marks.push_back({mark * 200 + static_cast<std::int32_t>(random() % 200), u"Mark " + Decimal(mark)});
@@ -95,7 +95,7 @@ TEST_F(WaveformViewTest, ADragSelectsTheSamplesOfItsColumns) {
 }
 
 TEST_F(WaveformViewTest, TheHoverReadsOutAndLeavesNoTrace) {
-    m_global.settings.timeFormat = 1;
+    m_global.settings.display.timeFormat = 1;
     StartWith({{10, -3}, {20, 5}, {30, 7}});
     ApplyDisplaySettings(m_global);
     const Pixels before = Redrawn();
@@ -122,7 +122,7 @@ TEST_F(WaveformViewTest, TheHoverReadsOutAndLeavesNoTrace) {
 }
 
 TEST_F(WaveformViewTest, WhatThePanelTellsIsSo) {
-    m_global.settings.timeFormat = 1;
+    m_global.settings.display.timeFormat = 1;
     StartWith(Noise(5000, 2));
     ApplyDisplaySettings(m_global);
     const std::wstring details = Values();

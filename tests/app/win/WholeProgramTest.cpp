@@ -9,7 +9,6 @@
 #include <mmsystem.h>
 
 #include "app/GraphKeys.h"
-#include "app/OptionSettings.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "dialogs/win/OptionsLayout.h"
@@ -155,17 +154,18 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     Settings stored;
     SettingsStore(MakeRegistryObject, parts.program).Load(stored);
     EXPECT_EQ(stored.filesPath, folder.File(u"samples").u16string());
-    const SpectrumSettings spectrum{1, 2, 2, 12.5F, 200.0F, 11};
-    EXPECT_EQ(OptionsOf(stored), (OptionValues{2, 4, 1, true, 1, 3, 0, 2, 1, spectrum, 1, 1, 1, 1, 1, 1, 1, 1, fast}));
-    EXPECT_TRUE(stored.spectrogramShown);
+    EXPECT_EQ(stored.display, (DisplaySettings{2, 4, 1, true, 1, 3, 0, 2, 1}));
+    EXPECT_EQ(stored.text, (TextExportSettings{1, 1, 1, 1, 1, 1, 1, 1, stored.text.folder, fast}));
+    EXPECT_EQ(stored.spectrum, (SpectrumSettings{1, 2, 2, 12.5F, 200.0F, 11}));
+    EXPECT_TRUE(stored.window.spectrogramShown);
     // What no choice of the dialog gives is repaired at the start, shown or not.
-    stored.spectrogramShown = false;
-    stored.amplitudeScale = -5.0F;
-    stored.decibelRange = 300.0F;
-    stored.order = 31;
+    stored.window.spectrogramShown = false;
+    stored.spectrum.amplitudeScale = -5.0F;
+    stored.spectrum.decibelRange = 300.0F;
+    stored.spectrum.order = 31;
     // A place off all screens is moved onto one.
-    EXPECT_TRUE(stored.windowLeft == 44 && stored.windowTop == 55);
-    stored.windowTop = 20000;
+    EXPECT_TRUE(stored.window.left == 44 && stored.window.top == 55);
+    stored.window.top = 20000;
     SettingsStore(MakeRegistryObject, parts.program).Save(stored);
     {
         const User user([&](User& me) {
@@ -180,7 +180,8 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
         EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
     }
     SettingsStore(MakeRegistryObject, parts.program).Load(stored);
-    EXPECT_EQ(std::tuple(stored.amplitudeScale, stored.decibelRange, stored.order), std::tuple(100.0F, 120.0F, 11));
+    EXPECT_EQ(std::tuple(stored.spectrum.amplitudeScale, stored.spectrum.decibelRange, stored.spectrum.order),
+              std::tuple(100.0F, 120.0F, 11));
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Norvik\\Quillon day test");
 }
 
@@ -290,7 +291,7 @@ TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
     Start();
     DialogCloser closer;
     m_saveDialog->answer = [](SaveFileDialog&) { return false; };
-    m_global.settings.exportFastFile = m_folder.File(u"fast.txt").u16string();
+    m_global.settings.text.fastFile = m_folder.File(u"fast.txt").u16string();
     std::size_t handles = 0;
     for (int action = 0; action < 1000; ++action) {
         Act();
@@ -301,7 +302,7 @@ TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
     EXPECT_LE(Handles(), handles + 100);
     // It still shows what it is asked for.
     ReleaseCapture();
-    m_global.settings.gridStyle = 0;
+    m_global.settings.display.gridStyle = 0;
     ClickLine(lstFile, 0);
     Command(mnuGoTo);
     Command(mnuChShow);

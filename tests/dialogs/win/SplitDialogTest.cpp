@@ -118,7 +118,7 @@ class SplitDialog : public ::testing::Test {
 };
 
 TEST_F(SplitDialog, WritesThePiecesAndKeepsTheChoices) {
-    m_settings.splitTimeSize = 1.0F;
+    m_settings.timeSize = 1.0F;
     Show([&] {
         EXPECT_EQ(Label(lblStatus), "Files: \"#.bin\"");
         EXPECT_EQ(Label(lblPieces), "Pieces: 10") << "of one second each";
@@ -133,25 +133,25 @@ TEST_F(SplitDialog, WritesThePiecesAndKeepsTheChoices) {
         EXPECT_TRUE(Run("Files written: 4"));
         EXPECT_EQ(Files(),
                   (Names{u"Ночь_0000-0299.bin", u"Ночь_0200-0499.bin", u"Ночь_0400-0699.bin", u"Ночь_0600-0899.bin"}));
-        EXPECT_EQ(m_settings.splitSamplesSize, 300);
+        EXPECT_EQ(m_settings.samplesSize, 300);
         Type(cboSize + 1, L"50");
     });
-    EXPECT_EQ(m_settings.splitType, 1);
-    EXPECT_EQ(m_settings.splitSamplesSize, 300) << "what no run was started with is not kept";
-    EXPECT_EQ(m_settings.splitSamplesStep, 200);
-    EXPECT_EQ(m_settings.splitFileIndex, 1);
-    EXPECT_NE(m_settings.splitBaseName, 0);
-    EXPECT_EQ(m_settings.splitTimeSize, 1.0F) << "kept where the entry is no number";
-    EXPECT_EQ(m_settings.splitTimeStep, 1.0F);
+    EXPECT_EQ(m_settings.type, 1);
+    EXPECT_EQ(m_settings.samplesSize, 300) << "what no run was started with is not kept";
+    EXPECT_EQ(m_settings.samplesStep, 200);
+    EXPECT_EQ(m_settings.fileIndex, 1);
+    EXPECT_NE(m_settings.baseName, 0);
+    EXPECT_EQ(m_settings.timeSize, 1.0F) << "kept where the entry is no number";
+    EXPECT_EQ(m_settings.timeStep, 1.0F);
 
-    m_settings.splitTimeSize = 2.5F;
-    m_settings.splitType = 0;
+    m_settings.timeSize = 2.5F;
+    m_settings.type = 0;
     Show([&] {
         EXPECT_EQ(Label(cboSize), "2.5");
         ChooseLine(Control(cboStep), 2);
         EXPECT_EQ(Label(lblPieces), "Pieces: 2") << "steps of 5 s";
     });
-    EXPECT_EQ(m_settings.splitTimeStep, 1.0F);
+    EXPECT_EQ(m_settings.timeStep, 1.0F);
 }
 
 TEST_F(SplitDialog, ChecksEverythingBeforeAnythingIsDeleted) {
@@ -181,7 +181,7 @@ TEST_F(SplitDialog, ChecksEverythingBeforeAnythingIsDeleted) {
         EXPECT_TRUE(Run("holds the open recording"));
         EXPECT_EQ(Files(), (Names{u"a.txt", u"b.txt", u"link.dat"}));
     });
-    EXPECT_EQ(m_settings.splitType, 0) << "nothing was run";
+    EXPECT_EQ(m_settings.type, 0) << "nothing was run";
     EXPECT_TRUE(m_services.messages.empty());
 }
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quillon {
+
+/// What the user chose about the export of text. A flag is set when it is not zero.
+struct TextExportSettings {
+    std::int16_t fileType = 0;  ///< 0 a file per channel, else a single file
+    std::int16_t channels = 0;  ///< 0 or less all channels, else the shown ones
+    std::int16_t rowSize = 0;   ///< flag
+    std::int16_t rowRate = 0;   ///< flag
+    std::int16_t rowStep = 0;   ///< flag
+    std::int16_t rowHead = 0;   ///< flag
+    std::int16_t xColumn = 0;   ///< flag
+    std::int16_t xFormat = 0;   ///< 0 time, else sample number
+    std::u16string folder{};    ///< of the last export
+    std::u16string fastFile{};  ///< file name of the fast export
+    friend bool operator==(const TextExportSettings&, const TextExportSettings&) = default;
+};
+
+}  // namespace quillon
