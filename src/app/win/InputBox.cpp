@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "dialogs/win/DialogTemplate.h"
+#include "dialogs/DialogTemplate.h"
 
 namespace quillon {
 
@@ -42,14 +42,15 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 std::optional<std::wstring> AskForText(HWND owner, const InputBoxTexts& texts, const std::wstring& value,
                                        std::size_t selected) {
-    DialogTemplate dialog(texts.title, 230, 62, 4);
-    dialog.Item(DialogTemplate::kStatic, SS_LEFT, 100, texts.prompt, 7, 7, 216, 9);
+    DialogTemplate dialog(Narrow16(texts.title), 230, 62);
+    dialog.Item(DialogTemplate::kStatic, SS_LEFT, 100, Narrow16(texts.prompt), 7, 7, 216, 9);
     dialog.Item(DialogTemplate::kEdit, WS_TABSTOP | ES_AUTOHSCROLL, kEdit, {}, 7, 19, 216, 13);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, texts.ok, 119, 41, 50, 14);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, IDCANCEL, texts.cancel, 173, 41, 50, 14);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, Narrow16(texts.ok), 119, 41, 50, 14);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, IDCANCEL, Narrow16(texts.cancel), 173, 41, 50, 14);
     Input input{value, selected == 0 || selected == std::wstring::npos ? -1 : static_cast<LPARAM>(selected)};
-    const INT_PTR answer = DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure,
-                                                   reinterpret_cast<LPARAM>(&input));
+    const INT_PTR answer =
+        DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(dialog.Get()), owner,
+                                Procedure, reinterpret_cast<LPARAM>(&input));
     if (answer != IDOK) return std::nullopt;
     return input.text;
 }

@@ -6,7 +6,7 @@
 
 #include "base/win/Clipboard.h"
 #include "base/win/WinHandle.h"
-#include "dialogs/win/DialogTemplate.h"
+#include "dialogs/DialogTemplate.h"
 
 namespace quillon {
 
@@ -256,13 +256,13 @@ void ShowTable(HWND owner, const TableTexts& texts, const std::vector<std::vecto
     const Table table{texts, rows};
     // All get their sizes when the texts have been measured. Until then the list is larger than a screen: of two scroll
     // bars that it once shows each would be a reason for the other.
-    DialogTemplate dialog(texts.title, 200, 100, 4);
-    dialog.Item(WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER, kList, 7,
-                7, 5000, 5000);
-    dialog.Item(DialogTemplate::kStatic, SS_NOPREFIX | SS_ENDELLIPSIS, kHeading, texts.heading, 7, 7, 186, 8);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, texts.copy, 89, 79, 50, 14);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, texts.close, 143, 79, 50, 14);
-    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure,
+    DialogTemplate dialog(Narrow16(texts.title), 200, 100);
+    dialog.Item(Narrow16(WC_LISTVIEWW), WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
+                kList, 7, 7, 5000, 5000);
+    dialog.Item(DialogTemplate::kStatic, SS_NOPREFIX | SS_ENDELLIPSIS, kHeading, Narrow16(texts.heading), 7, 7, 186, 8);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, Narrow16(texts.copy), 89, 79, 50, 14);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, Narrow16(texts.close), 143, 79, 50, 14);
+    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(dialog.Get()), owner, Procedure,
                             reinterpret_cast<LPARAM>(&table));
 }
 

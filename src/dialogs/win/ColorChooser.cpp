@@ -1,6 +1,7 @@
 #include "dialogs/win/ColorChooser.h"
 
-#include "dialogs/win/DialogTemplate.h"
+#include "base/Text.h"
+#include "dialogs/DialogTemplate.h"
 #include "view/QL_ChUtils.h"
 #include "view/win/GDI_Utils.h"
 
@@ -64,12 +65,13 @@ std::optional<int> ChooseTraceColor(HWND owner, const std::wstring& title, int c
     constexpr int side = 18;
     constexpr int step = 20;
     constexpr int margin = 7;
-    DialogTemplate dialog(title, 2 * margin + kPerRow * step - 2, 2 * margin + 2 * step - 2, kTraceColors);
+    DialogTemplate dialog(Narrow16(title), 2 * margin + kPerRow * step - 2, 2 * margin + 2 * step - 2);
     for (int at = 0; at < kTraceColors; ++at)
         dialog.Item(DialogTemplate::kButton, BS_OWNERDRAW | (at == 0 ? WS_GROUP | WS_TABSTOP : 0U),
-                    kFirstColorButton + at, std::to_wstring(at + 1), static_cast<short>(margin + at % kPerRow * step),
+                    kFirstColorButton + at, Decimal(at + 1), static_cast<short>(margin + at % kPerRow * step),
                     static_cast<short>(margin + at / kPerRow * step), side, side);
-    const INT_PTR chosen = DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure, color);
+    const INT_PTR chosen = DialogBoxIndirectParamW(
+        GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(dialog.Get()), owner, Procedure, color);
     if (chosen < kFirstColorButton) return std::nullopt;
     return static_cast<int>(chosen) - kFirstColorButton;
 }

@@ -32,7 +32,8 @@ std::optional<OptionChanges> dlgOptions::Show(HWND owner, OptionValues values) {
     m_confirmed.reset();
     m_failure = nullptr;
     const DialogTemplate dialog = OptionsFrame(m_services);
-    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
+    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(dialog.Get()), owner, Procedure,
+                            reinterpret_cast<LPARAM>(this));
     if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
     if (!m_confirmed) return std::nullopt;
     return ApplyOptions(*m_confirmed, m_format.decimalSeparator, values);
@@ -130,8 +131,8 @@ void dlgOptions::MakePages() {
     MapWindowPoints(tabs, m_dialog, reinterpret_cast<POINT*>(&inner), 2);
     for (int page = 0; page < kOptionPages; ++page) {
         const DialogTemplate controls = OptionsPage(m_services, page);
-        const HWND window =
-            CreateDialogIndirectParamW(GetModuleHandleW(nullptr), controls.Get(), m_dialog, PageProcedure, 0);
+        const HWND window = CreateDialogIndirectParamW(
+            GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(controls.Get()), m_dialog, PageProcedure, 0);
         m_pages[static_cast<std::size_t>(page)] = window;
         SetWindowLongPtrW(window, GWLP_ID, pbTab + page);
         // In front of the strip, and so first in the order of keys.

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "data/UserServices.h"
+#include "dialogs/OptionsLayout.h"
 #include "dialogs/OptionsModel.h"
-#include "dialogs/win/OptionsLayout.h"
 #include "view/win/GraphCursor.h"
 
 namespace quillon {

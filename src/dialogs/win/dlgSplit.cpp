@@ -9,9 +9,9 @@
 #include "base/Text.h"
 #include "base/win/PendingMessages.h"
 #include "dialogs/DialogTexts.h"
+#include "dialogs/SplitTemplate.h"
 #include "dialogs/SplitTexts.h"
 #include "dialogs/win/SplitFolder.h"
-#include "dialogs/win/SplitTemplate.h"
 #include "export/SplitPlan.h"
 #include "export/SplitRun.h"
 #include "format/NumberText.h"
@@ -86,7 +86,8 @@ class SplitDialog {
 
 void SplitDialog::Show(HWND owner) {
     const DialogTemplate dialog = MakeSplitTemplate(m_context.services, m_baseName, m_folder);
-    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), dialog.Get(), owner, Procedure, reinterpret_cast<LPARAM>(this));
+    DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(dialog.Get()), owner, Procedure,
+                            reinterpret_cast<LPARAM>(this));
 }
 
 INT_PTR CALLBACK SplitDialog::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {

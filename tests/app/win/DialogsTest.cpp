@@ -9,8 +9,8 @@
 #include "app/win/TableWindow.h"
 #include "app/win/WinServices.h"
 #include "base/Text.h"
+#include "dialogs/OptionsLayout.h"
 #include "dialogs/win/ColorChooser.h"
-#include "dialogs/win/OptionsLayout.h"
 #include "dialogs/win/dlgOptions.h"
 #include "view/ScaleLabels.h"
 

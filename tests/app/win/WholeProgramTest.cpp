@@ -11,7 +11,7 @@
 #include "app/GraphKeys.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
-#include "dialogs/win/OptionsLayout.h"
+#include "dialogs/OptionsLayout.h"
 #include "norvik/win/Registry.h"
 #include "support/FakeRecording.h"
 #include "view/ScaleLabels.h"

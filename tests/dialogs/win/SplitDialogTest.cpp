@@ -11,6 +11,7 @@
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "base/win/SystemPath.h"
+#include "dialogs/SplitTemplate.h"
 #include "dialogs/win/SplitFolder.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"

@@ -1,4 +1,4 @@
-#include "dialogs/win/OptionsLayout.h"
+#include "dialogs/OptionsLayout.h"
 
 #include <span>
 
@@ -11,7 +11,7 @@ namespace {
 /// A control in dialog units of its page.
 struct PageItem {
     std::uint16_t windowClass;
-    DWORD style;
+    std::uint32_t style;
     int id;
     int text;  ///< number of its caption, 0: none
     short x;
@@ -24,14 +24,15 @@ constexpr std::uint16_t kButton = DialogTemplate::kButton;
 constexpr std::uint16_t kStatic = DialogTemplate::kStatic;
 constexpr std::uint16_t kCombo = DialogTemplate::kComboBox;
 
-constexpr DWORD kFrame = BS_GROUPBOX | WS_GROUP;
-constexpr DWORD kFirstOption = BS_AUTORADIOBUTTON | WS_GROUP | WS_TABSTOP;
-constexpr DWORD kNextOption = BS_AUTORADIOBUTTON;
-constexpr DWORD kCheck = BS_AUTOCHECKBOX | WS_GROUP | WS_TABSTOP;
-constexpr DWORD kList = CBS_DROPDOWNLIST | WS_VSCROLL | WS_GROUP | WS_TABSTOP;
-constexpr DWORD kEditList = CBS_DROPDOWN | CBS_AUTOHSCROLL | WS_VSCROLL | WS_GROUP | WS_TABSTOP;
-constexpr DWORD kLabel = SS_LEFTNOWORDWRAP | WS_GROUP;
-constexpr DWORD kPicture = SS_OWNERDRAW | SS_NOTIFY | WS_GROUP;
+constexpr std::uint32_t kFrame = control::kFrame | control::kGroup;
+constexpr std::uint32_t kFirstOption = control::kOption | control::kGroup | control::kTabStop;
+constexpr std::uint32_t kNextOption = control::kOption;
+constexpr std::uint32_t kCheck = control::kCheckBox | control::kGroup | control::kTabStop;
+constexpr std::uint32_t kList = control::kDropDownList | control::kVerticalScroll | control::kGroup | control::kTabStop;
+constexpr std::uint32_t kEditList =
+    control::kDropDown | control::kComboAutoScroll | control::kVerticalScroll | control::kGroup | control::kTabStop;
+constexpr std::uint32_t kLabel = control::kLeftOneLine | control::kGroup;
+constexpr std::uint32_t kPicture = control::kOwnerDrawnPicture | control::kNotify | control::kGroup;
 
 constexpr short kPageWidth = 312;
 constexpr short kPageHeight = 173;
@@ -50,7 +51,7 @@ constexpr PageItem kGeneral[] = {
     {kButton, kNextOption, optDigits + 1, IDS_OPT_DIGITS_0 + 1, 166, 57, 98, 10},
     {kCombo, kList, cboDigits, 0, 266, 48, 36, 140},
     {kButton, kFrame, frGrid, IDS_OPT_GRID, 4, 78, 304, 32},
-    {kButton, BS_OWNERDRAW | WS_GROUP | WS_TABSTOP, pbGridColor, 0, 12, 89, 26, 14},
+    {kButton, control::kOwnerDrawn | control::kGroup | control::kTabStop, pbGridColor, 0, 12, 89, 26, 14},
     {kButton, kFirstOption, optGridStyle, IDS_OPT_GRID_0, 56, 91, 76, 10},
     {kButton, kNextOption, optGridStyle + 1, IDS_OPT_GRID_0 + 1, 136, 91, 76, 10},
     {kButton, kNextOption, optGridStyle + 2, IDS_OPT_GRID_0 + 2, 216, 91, 86, 10},
@@ -101,27 +102,29 @@ constexpr PageItem kExport[] = {
     {kButton, kFirstOption, optCh, IDS_OPT_CH_0, 166, 68, 136, 10},
     {kButton, kNextOption, optCh + 1, IDS_OPT_CH_0 + 1, 166, 82, 136, 10},
     {kButton, kFrame, frFastFile, IDS_OPT_FASTFILE, 4, 104, 304, 34},
-    {DialogTemplate::kEdit, ES_AUTOHSCROLL | WS_GROUP | WS_TABSTOP, txtFastFile, 0, 12, 117, 236, 13},
-    {kButton, BS_PUSHBUTTON | WS_GROUP | WS_TABSTOP, cmdBrowse, IDS_OPT_BROWSE, 252, 116, 50, 14},
+    {DialogTemplate::kEdit, control::kEditAutoScroll | control::kGroup | control::kTabStop, txtFastFile, 0, 12, 117,
+     236, 13},
+    {kButton, control::kPushButton | control::kGroup | control::kTabStop, cmdBrowse, IDS_OPT_BROWSE, 252, 116, 50, 14},
 };
 
 }  // namespace
 
 DialogTemplate OptionsFrame(const UserServices& services) {
-    const auto text = [&](int id) { return Wide(services.Text(id)); };
+    const auto text = [&](int id) { return services.Text(id); };
     // The strip's own edges need less than what it is larger than a page.
     constexpr short width = kPageWidth + 8;
     constexpr short height = kPageHeight + 20;
     constexpr short row = 7 + height + 5;
-    DialogTemplate dialog(text(IDS_DLG_OPTIONS), width + 14, row + 14 + 7, 4);
-    dialog.Item(DialogTemplate::kButton, WS_GROUP | WS_TABSTOP | BS_DEFPUSHBUTTON, cmdOk, text(IDS_OK), width - 151,
-                row, 50, 14);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, cmdCancel, text(IDS_CANCEL), width - 97, row, 50,
-                14);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, cmdHelp, text(IDS_OPT_HELP), width - 43, row, 50,
-                14);
+    DialogTemplate dialog(text(IDS_DLG_OPTIONS), width + 14, row + 14 + 7);
+    dialog.Item(DialogTemplate::kButton, control::kGroup | control::kTabStop | control::kDefaultButton, cmdOk,
+                text(IDS_OK), width - 151, row, 50, 14);
+    dialog.Item(DialogTemplate::kButton, control::kTabStop | control::kPushButton, cmdCancel, text(IDS_CANCEL),
+                width - 97, row, 50, 14);
+    dialog.Item(DialogTemplate::kButton, control::kTabStop | control::kPushButton, cmdHelp, text(IDS_OPT_HELP),
+                width - 43, row, 50, 14);
     // Behind the pages that lie on it, and so the last in the order of keys.
-    dialog.Item(WC_TABCONTROLW, WS_GROUP | WS_TABSTOP | WS_CLIPSIBLINGS, tabOptions, 7, 7, width, height, 0);
+    dialog.Item(control::kTabClass, control::kGroup | control::kTabStop | control::kClipSiblings, tabOptions, 7, 7,
+                width, height, 0);
     return dialog;
 }
 
@@ -129,9 +132,9 @@ DialogTemplate OptionsPage(const UserServices& services, int page) {
     const std::span<const PageItem> items = page == 0   ? std::span<const PageItem>(kGeneral)
                                             : page == 1 ? std::span<const PageItem>(kSpectrogram)
                                                         : std::span<const PageItem>(kExport);
-    DialogTemplate dialog({}, kPageWidth, kPageHeight, static_cast<std::uint16_t>(items.size()), DialogTemplate::kPage);
+    DialogTemplate dialog({}, kPageWidth, kPageHeight, DialogTemplate::kPage);
     for (const PageItem& item : items)
-        dialog.Item(item.windowClass, item.style, item.id, item.text != 0 ? Wide(services.Text(item.text)) : L"",
+        dialog.Item(item.windowClass, item.style, item.id, item.text != 0 ? services.Text(item.text) : std::u16string(),
                     item.x, item.y, item.width, item.height);
     return dialog;
 }

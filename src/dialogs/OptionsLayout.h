@@ -1,7 +1,7 @@
 #pragma once
 
 #include "data/UserServices.h"
-#include "dialogs/win/DialogTemplate.h"
+#include "dialogs/DialogTemplate.h"
 
 namespace quillon {
 
@@ -10,9 +10,9 @@ namespace quillon {
 enum OptionsControl : int {
     tabOptions = 100,
     pbTab = 101,  ///< three pages
-    cmdOk = IDOK,
-    cmdCancel = IDCANCEL,
-    cmdHelp = IDHELP,
+    cmdOk = control::kIdOk,
+    cmdCancel = control::kIdCancel,
+    cmdHelp = control::kIdHelp,
 
     frTime = 110,
     optTime = 111,
