@@ -247,7 +247,7 @@ void dlgOptions::OnCommand(int id, int notification) {
     if (id == cboFFTSize && notification == CBN_SELCHANGE) ShowBinWidth();
     // Also the number of STN_CLICKED and of a command by a key.
     if (notification != BN_CLICKED) return;
-    if (id >= imgCur && id < imgCur + GraphCursor::kStyles) return Choose(optCursor, GraphCursor::kStyles, id - imgCur);
+    if (id >= imgCur && id < imgCur + kCursorStyles) return Choose(optCursor, kCursorStyles, id - imgCur);
     switch (id) {
         case cmdOk:
             m_confirmed = Entries();
