@@ -4,6 +4,7 @@
 #include <random>
 
 #include "support/FakeRecording.h"
+#include "view/GraphPicture.h"
 #include "view/InvertLightness.h"
 #include "view/TraceCanvas.h"
 #include "view/TracePicture.h"
@@ -90,33 +91,55 @@ TEST(TracePicture, EveryColumnHoldsItsRunOfSamplesAndLinesToItsNeighbours) {
     }
 }
 
-TEST(TracePicture, DrawnInPartsAndScrolledItIsWhatItIsDrawnAtOnce) {
+/// With all that the picture consists of: grid, zero levels, marks, traces, bands and arrows.
+TEST(GraphPicture, ScrolledItIsWhatItIsDrawnAtOnce) {
     Noise noise(3);
     noise.block.offsets[1] = 1e6F;
+    noise.lanes.push_back(noise.lanes[0]);
+    noise.lanes[0].height = noise.lanes[1].height = noise.lanes[1].top = kHeight / 2 - 5;
+    noise.lanes[0].channels.pop_back();
+    noise.lanes[1].channels = {3};
     std::mt19937 random(5);
-    TracePicture scrolled;
+    const auto some = [&](std::int32_t below) { return static_cast<std::int32_t>(random() % 65536) % below; };
+    for (std::int32_t at = some(900); at < noise.block.sampleCount; at += some(900))
+        noise.block.marks.push_back({at, {}});
+    const auto arrowsOf = [](const GraphPicture& picture) {
+        std::vector<std::int32_t> places;
+        for (const EdgeArrow& arrow : picture.Arrows(96)) places.push_back(arrow.corners[0].y);
+        return places;
+    };
+    GraphPicture scrolled;
+    Image image(static_cast<std::size_t>(kWidth * kHeight));
+    scrolled.SetPixels(image.data(), kWidth, kHeight);
     for (int round = 0; round < 60; ++round) {
-        if (round % 6 == 0) noise.axis.SelectZoom(static_cast<int>(random() % 8));
-        Image image = Drawn(scrolled, noise.Scene(), 3);
-        const std::int32_t shift = noise.axis.ScrollBy(static_cast<std::int32_t>(random() % 400) - 200);
-        if (std::abs(shift) >= kWidth) continue;
-        scrolled.Scroll(shift);
-        const std::int32_t left = std::min(std::max(-shift, 0) + 2, kWidth);
-        const std::int32_t right = std::max(kWidth - std::max(shift, 0) - 2, left);
-        Image moved(image.size(), 0xFFFFFF);
-        for (std::int32_t row = 0; row < kHeight; ++row) {
-            for (std::int32_t column = left; column < right; ++column)
-                moved[static_cast<std::size_t>(row * kWidth + column)] =
-                    image[static_cast<std::size_t>(row * kWidth + column + shift)];
+        GraphScene scene = noise.Scene();
+        scene.gridStyle = static_cast<GridStyle>(round % 3);
+        scene.gridColor = 0x4080C0;
+        if (round % 6 == 0) noise.axis.SelectZoom(some(8));
+        scrolled.Draw(scene);
+        GraphPicture anew;
+        Image expected(image.size());
+        anew.SetPixels(expected.data(), kWidth, kHeight);
+        for (const GraphBand which : {GraphBand::Selection, GraphBand::Cursor, GraphBand::Play}) {
+            std::optional<ColumnBand> band;
+            if (const std::int32_t left = some(kWidth + 20) - 10; round % 4 != 0) band = {left, left + some(kWidth)};
+            scrolled.SetBand(which, band);
+            anew.SetBand(which, band);
         }
-        for (const auto& [from, to] : {std::pair(0, left), std::pair(right, kWidth)}) {
-            scrolled.Draw(noise.Scene(), from, to);
-            scrolled.Compose(moved.data());
+        const std::int32_t shift = noise.axis.ScrollBy(some(700) - 350);
+        scrolled.Scroll(scene, shift);
+        anew.Draw(scene);
+        ASSERT_TRUE(image == expected) << round << ", shift " << shift;
+        ASSERT_EQ(arrowsOf(scrolled), arrowsOf(anew));
+        EXPECT_EQ(arrowsOf(anew).size(), noise.axis.Visible().count < 1 ? 0U : 1U);
+        // A band that goes leaves nothing behind.
+        for (const GraphBand which : {GraphBand::Play, GraphBand::Selection, GraphBand::Cursor}) {
+            scrolled.SetBand(which, {});
         }
-        TracePicture anew;
-        ASSERT_TRUE(moved == Drawn(anew, noise.Scene(), 3)) << round << ", shift " << shift;
-        const bool empty = noise.axis.Visible().count < 1;
-        EXPECT_EQ(scrolled.SideOf(1), empty ? TraceSides::Side::None : TraceSides::Side::Above);
+        GraphPicture plain;
+        plain.SetPixels(expected.data(), kWidth, kHeight);
+        plain.Draw(scene);
+        ASSERT_TRUE(image == expected) << round;
     }
 }
 

@@ -1,0 +1,209 @@
+#include "view/GraphPicture.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "view/InvertLightness.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr std::uint32_t kWhite = 0xFFFFFF;
+constexpr std::uint32_t kZeroColor = 0xB4BAC4;
+constexpr std::uint32_t kMarkLineColor = 0xDFA6A6;
+
+/// Rows and columns between the dots of a dotted grid; a divisor of a division of either axis.
+constexpr std::int32_t kDotStep = 4;
+static_assert(TimeAxis::kDivision % kDotStep == 0 && AmplitudeScale::kDivision % kDotStep == 0);
+
+/// A colour mixed with white.
+std::uint32_t Lighter(std::uint32_t rgb) {
+    constexpr double share = 0.3;
+    const auto mixed = [&](std::uint32_t part) {
+        return static_cast<std::uint32_t>(255.0 - (255.0 - static_cast<double>(part & 0xFF)) * share);
+    };
+    return mixed(rgb >> 16) << 16 | mixed(rgb >> 8) << 8 | mixed(rgb);
+}
+
+/// What a row of the graph holds of the grid.
+enum class GridRow { Empty, Between, Level, Zero, Count };
+
+/// Rows of every kind from a division's first column on; one division longer than the graph, so that it may begin
+/// anywhere in them.
+using GridRows = std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(GridRow::Count)>;
+
+GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color) {
+    GridRows rows;
+    const auto length = static_cast<std::size_t>(width) + TimeAxis::kDivision;
+    rows.fill(std::vector<std::uint32_t>(length, kWhite));
+    auto& [empty, between, level, zero] = rows;
+    std::fill(zero.begin(), zero.end(), kZeroColor);
+    const std::uint32_t lighter = Lighter(color);
+    for (std::size_t at = 0; at < length; at += TimeAxis::kDivision) between[at] = lighter;
+    const std::size_t step = style == GridStyle::Dots ? kDotStep : 1;
+    for (std::size_t at = 0; at < length; at += step) level[at] = lighter;
+    return rows;
+}
+
+GridRow KindOf(const Lane& lane, GridStyle style, std::int32_t row) {
+    const std::int64_t above = lane.ZeroRow() - row;
+    // The zero level is no part of the grid.
+    if (above == 0) return GridRow::Zero;
+    if (style == GridStyle::None) return GridRow::Empty;
+    if (above % AmplitudeScale::kDivision == 0) return GridRow::Level;
+    // The dots of the vertical lines lie on the levels. Whole lines begin where their first dot would be.
+    if (above % kDotStep == 0) return GridRow::Between;
+    const std::int64_t down = row - lane.top;
+    const bool begun = down >= kDotStep || ((above + down) % kDotStep + kDotStep) % kDotStep < down;
+    return style == GridStyle::Lines && begun ? GridRow::Between : GridRow::Empty;
+}
+
+}  // namespace
+
+void GraphPicture::SetPixels(std::uint32_t* pixels, std::int32_t width, std::int32_t height) {
+    m_pixels = pixels;
+    m_width = width;
+    m_height = height;
+}
+
+void GraphPicture::Clear() {
+    m_bands = {};
+    m_beyond.clear();
+    m_traces.Reset(0, m_width, m_height);
+    std::fill_n(m_pixels, static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height), kWhite);
+}
+
+void GraphPicture::Draw(const GraphScene& scene) {
+    m_traces.Reset(ChannelsOf(scene.lanes).size(), m_width, m_height);
+    if (m_width == 0) return;
+    DrawColumns(scene, 0, m_width);
+    FindBeyond(scene);
+    InvertBands();
+}
+
+void GraphPicture::Scroll(const GraphScene& scene, std::int32_t shift) {
+    if (m_width == 0 || shift == 0) return;
+    if (shift >= m_width || shift <= -m_width) return Draw(scene);
+    InvertBands();
+    const auto stays = static_cast<std::size_t>(m_width - std::abs(shift)) * sizeof *m_pixels;
+    for (std::int32_t row = 0; row < m_height; ++row)
+        std::memmove(Row(row) + std::max(-shift, 0), Row(row) + std::max(shift, 0), stays);
+    m_traces.Scroll(shift);
+    // At both edges a trace begins and ends otherwise than it runs through: those columns are never copied.
+    constexpr std::int32_t edge = 2;
+    const std::int32_t left = std::min(std::max(-shift, 0) + edge, m_width);
+    const std::int32_t right = std::max(m_width - std::max(shift, 0) - edge, left);
+    DrawColumns(scene, 0, left);
+    if (right < m_width) DrawColumns(scene, right, m_width);
+    FindBeyond(scene);
+    InvertBands();
+}
+
+void GraphPicture::DrawColumns(const GraphScene& scene, std::int32_t from, std::int32_t to) {
+    DrawGrid(scene, from, to);
+    DrawMarkLines(scene, from, to);
+    if (onMarkTexts) onMarkTexts(scene, from, to);
+    m_traces.Draw(scene, from, to);
+    m_traces.Compose(m_pixels);
+}
+
+void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to) {
+    const GridRows rows = MakeGridRows(to - from, scene.gridStyle, scene.gridColor);
+    const std::int32_t phase = (scene.axis.FirstColumn() + from) % TimeAxis::kDivision;
+    const auto draw = [&](std::int32_t row, GridRow kind) {
+        std::copy_n(rows[static_cast<std::size_t>(kind)].data() + phase, to - from, Row(row) + from);
+    };
+    std::int32_t row = 0;
+    for (const Lane& lane : scene.lanes) {
+        for (; row < std::min(lane.top, m_height); ++row) draw(row, GridRow::Empty);
+        for (; row < std::min(lane.top + lane.height, m_height); ++row) draw(row, KindOf(lane, scene.gridStyle, row));
+    }
+    for (; row < m_height; ++row) draw(row, GridRow::Empty);
+}
+
+void GraphPicture::DrawMarkLines(const GraphScene& scene, std::int32_t from, std::int32_t to) {
+    for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
+        if (line.column < from || line.column >= to) continue;
+        for (std::int32_t row = 0; row < m_height; ++row) Row(row)[line.column] = kMarkLineColor;
+    }
+}
+
+std::optional<ColumnBand> GraphPicture::Invert(const ColumnBand& band) {
+    const ColumnBand seen{std::max(band.left, 0), std::min(band.right, m_width - 1)};
+    if (seen.left > seen.right) return std::nullopt;
+    for (std::int32_t row = 0; row < m_height; ++row)
+        InvertLightness({Row(row) + seen.left, Row(row) + seen.right + 1});
+    return seen;
+}
+
+void GraphPicture::InvertBands() {
+    for (const auto& band : m_bands) {
+        if (band) Invert(*band);
+    }
+}
+
+std::optional<ColumnBand> GraphPicture::SetBand(GraphBand which, const std::optional<ColumnBand>& columns) {
+    std::optional<ColumnBand>& band = m_bands[static_cast<std::size_t>(which)];
+    if (m_width == 0 || band == columns) return std::nullopt;
+    const auto gone = band ? Invert(*band) : std::nullopt;
+    band = columns;
+    const auto come = band ? Invert(*band) : std::nullopt;
+    if (!gone || !come) return gone ? gone : come;
+    return ColumnBand{std::min(gone->left, come->left), std::max(gone->right, come->right)};
+}
+
+void GraphPicture::FindBeyond(const GraphScene& scene) {
+    m_beyond.clear();
+    const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
+    for (std::size_t at = 0; at < shown.size(); ++at) {
+        const TraceSides::Side side = m_traces.SideOf(at);
+        if (side == TraceSides::Side::None) continue;
+        const std::int16_t number = scene.block.channelNumbers[static_cast<std::size_t>(shown[at] - 1)];
+        m_beyond.push_back({TraceColor(number), side == TraceSides::Side::Above});
+    }
+    m_marksSeen = !VisibleMarks(scene.axis, scene.block).empty();
+}
+
+std::vector<EdgeArrow> GraphPicture::Arrows(int dpi) const {
+    const auto scaled = [&](int length) { return (length * dpi + 48) / 96; };
+    const std::int32_t half = scaled(6);
+    const std::int32_t height = scaled(8);
+    const std::int32_t step = scaled(16);
+    const std::int32_t margin = scaled(4);
+    const std::int32_t perRow = std::max((m_width - 2 * margin) / step, 1);
+    // The texts of marks stand along the upper edge.
+    const std::int32_t labels = m_marksSeen ? scaled(16) : 0;
+    std::array<std::int32_t, 2> placed{};  // below, above
+    std::vector<EdgeArrow> arrows;
+    for (const Beyond& trace : m_beyond) {
+        const std::int32_t at = placed[trace.above ? 1 : 0]++;
+        const std::int32_t x = margin + half + at % perRow * step;
+        const std::int32_t inward = margin + at / perRow * (height + margin);
+        const std::int32_t tip = trace.above ? labels + inward : m_height - 1 - inward;
+        const std::int32_t base = trace.above ? tip + height : tip - height;
+        arrows.push_back({trace.color, {{{x, tip}, {x + half, base}, {x - half, base}}}});
+    }
+    return arrows;
+}
+
+std::u16string MarkText(const ViewBlock& block, const MarkLine& line) {
+    constexpr std::int32_t leastText = 16;
+    return line.textWidth < leastText ? std::u16string() : block.marks[static_cast<std::size_t>(line.markIndex)].text;
+}
+
+std::optional<std::size_t> MarkAt(const GraphScene& scene, std::int32_t x, std::int32_t y,
+                                  const std::function<TextSize(const std::u16string&)>& sizeOf) {
+    constexpr std::int32_t reach = 3;  // pixels beside a line that still mean it
+    std::optional<std::size_t> found;
+    for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
+        const TextSize size = sizeOf(MarkText(scene.block, line));
+        const std::int32_t width = std::min(size.width + kMarkGap, line.textWidth);
+        const bool onLabel = y <= size.height && x >= line.column && x < line.column + width;
+        if (onLabel || std::abs(x - line.column) <= reach) found = static_cast<std::size_t>(line.markIndex);
+    }
+    return found;
+}
+
+}  // namespace quillon

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "view/GraphScene.h"
+#include "view/ScaleLabels.h"
+#include "view/Selection.h"
+#include "view/TracePicture.h"
+
+namespace quillon {
+
+/// The bands that lie over the image with its lightness inverted.
+enum class GraphBand { Selection, Cursor, Play, Count };
+
+/// A triangle at the upper or lower edge of the graph, for a trace that lies wholly beyond it.
+struct EdgeArrow {
+    std::uint32_t color = 0;  ///< 0xRRGGBB
+    std::array<DevicePoint, 3> corners;
+};
+
+/// The image of the graph: grid, lines of marks and traces, and the bands over them. It draws into pixels that its
+/// owner made, so that they may be those of a bitmap of the system.
+///
+/// The bands are part of the image: each is inverted once when it appears and once more when it goes, which leaves no
+/// trace of it.
+class GraphPicture {
+  public:
+    /// Draws the texts of the marks into columns from .. to-1, over their lines and under the traces.
+    std::function<void(const GraphScene& scene, std::int32_t from, std::int32_t to)> onMarkTexts;
+
+    /// `pixels`: 0xRRGGBB, rows of that width from the top, of any content; null and 0 for an image of no size.
+    void SetPixels(std::uint32_t* pixels, std::int32_t width, std::int32_t height);
+    [[nodiscard]] std::int32_t Width() const { return m_width; }
+    [[nodiscard]] std::int32_t Height() const { return m_height; }
+
+    /// White, without bands.
+    void Clear();
+    /// Draws the scene, the bands over it.
+    void Draw(const GraphScene& scene);
+    /// The same image for a scene that differs from the drawn one only by its first column, which was moved by `shift`:
+    /// what stays visible is copied, the rest is drawn.
+    void Scroll(const GraphScene& scene, std::int32_t shift);
+    /// Moves, shows or hides a band; returns the columns that hold what has changed, within the image.
+    std::optional<ColumnBand> SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
+    [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const {
+        return m_bands[static_cast<std::size_t>(which)];
+    }
+    /// The arrows of what was drawn last; they lie over the image and are no part of it.
+    [[nodiscard]] std::vector<EdgeArrow> Arrows(int dpi) const;
+    [[nodiscard]] TracePicture& Traces() { return m_traces; }
+    [[nodiscard]] const TracePicture& Traces() const { return m_traces; }
+
+  private:
+    void DrawColumns(const GraphScene& scene, std::int32_t from, std::int32_t to);
+    void DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to);
+    void DrawMarkLines(const GraphScene& scene, std::int32_t from, std::int32_t to);
+    void FindBeyond(const GraphScene& scene);
+    void InvertBands();
+    std::optional<ColumnBand> Invert(const ColumnBand& band);
+    [[nodiscard]] std::uint32_t* Row(std::int32_t row) const {
+        return m_pixels + static_cast<std::ptrdiff_t>(row) * m_width;
+    }
+
+    /// A trace that lies beyond the graph.
+    struct Beyond {
+        std::uint32_t color;
+        bool above;
+    };
+
+    std::uint32_t* m_pixels = nullptr;
+    std::int32_t m_width = 0;
+    std::int32_t m_height = 0;
+    TracePicture m_traces;
+    std::vector<Beyond> m_beyond;
+    bool m_marksSeen = false;
+    std::array<std::optional<ColumnBand>, static_cast<std::size_t>(GraphBand::Count)> m_bands;
+};
+
+/// Columns between the line of a mark and its text.
+inline constexpr std::int32_t kMarkGap = 3;
+
+/// What stands beside the line of a mark; empty where there is no room for it.
+[[nodiscard]] std::u16string MarkText(const ViewBlock& block, const MarkLine& line);
+
+/// Pixels of a text.
+struct TextSize {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+};
+
+/// The mark whose line or text lies at a point of the graph; none where there is none.
+[[nodiscard]] std::optional<std::size_t> MarkAt(const GraphScene& scene, std::int32_t x, std::int32_t y,
+                                                const std::function<TextSize(const std::u16string&)>& sizeOf);
+
+}  // namespace quillon
