@@ -1,8 +1,8 @@
 #include "dialogs/OptionsLayout.h"
 
-#include <span>
-
+#include "base/Text.h"
 #include "dialogs/DialogTexts.h"
+#include "view/CursorPicture.h"
 
 namespace quillon {
 
@@ -107,7 +107,70 @@ constexpr PageItem kExport[] = {
     {kButton, control::kPushButton | control::kGroup | control::kTabStop, cmdBrowse, IDS_OPT_BROWSE, 252, 116, 50, 14},
 };
 
+constexpr OptionChoice kChoices[] = {
+    {optTime, 3, &OptionEntries::timeFormat},
+    {cboTime, 0, &OptionEntries::timeIndex},
+    {optScale, 2, &OptionEntries::scaleFormat},
+    {optDigits, 2, &OptionEntries::digitsType},
+    {cboDigits, 0, &OptionEntries::digitsCount},
+    {optGridStyle, 3, &OptionEntries::gridStyle},
+    {optCursor, kCursorStyles, &OptionEntries::waveformCursor},
+    {optFFTPalette, 3, &OptionEntries::palette},
+    {optSpectrumType, 2, &OptionEntries::spectrumType},
+    {cboFFTWindow, 0, &OptionEntries::window},
+    {cboFFTSize, 0, &OptionEntries::fftSize},
+    {optXFormat, 2, &OptionEntries::xFormat},
+    {optFile, 2, &OptionEntries::fileType},
+    {optCh, 2, &OptionEntries::channels},
+};
+
+constexpr OptionTick kTicks[] = {
+    {chkUnitScaling, &OptionEntries::unitScaling}, {chkXColumn, &OptionEntries::xColumn},
+    {chkRowHead, &OptionEntries::rowHead},         {chkRowSize, &OptionEntries::rowSize},
+    {chkRowRate, &OptionEntries::rowRate},         {chkRowStep, &OptionEntries::rowStep},
+};
+
+constexpr OptionText kTexts[] = {
+    {cboAmpScale, &OptionEntries::amplitudeScale},
+    {cboDBRange, &OptionEntries::decibelRange},
+    {txtFastFile, &OptionEntries::fastFile},
+};
+
 }  // namespace
+
+std::span<const OptionChoice> OptionChoices() {
+    return kChoices;
+}
+
+std::span<const OptionTick> OptionTicks() {
+    return kTicks;
+}
+
+std::span<const OptionText> OptionTexts() {
+    return kTexts;
+}
+
+std::vector<std::u16string> OptionLines(const UserServices& services, int id) {
+    std::vector<std::u16string> lines;
+    const auto add = [&](int first, int count) {
+        for (int text = first; text < first + count; ++text) lines.push_back(services.Text(text));
+    };
+    switch (id) {
+        case cboTime: add(IDS_OPT_TIMEUNIT_0, kTimeUnits); break;
+        case cboDigits:
+            add(IDS_OPT_AUTO, 1);
+            for (int digits = 1; digits < kDigitCounts; ++digits) lines.push_back(Decimal(digits));
+            break;
+        case cboAmpScale: lines.assign(kAmplitudeScales.begin(), kAmplitudeScales.end()); break;
+        case cboDBRange: lines.assign(kDecibelRanges.begin(), kDecibelRanges.end()); break;
+        case cboFFTWindow: add(IDS_OPT_WINDOW_0, 4); break;
+        case cboFFTSize:
+            for (int size = 0; size < kFftSizes; ++size) lines.push_back(Decimal(FftSize(size)));
+            break;
+        default: break;
+    }
+    return lines;
+}
 
 DialogTemplate OptionsFrame(const UserServices& services) {
     const auto text = [&](int id) { return services.Text(id); };

@@ -1,7 +1,12 @@
 #pragma once
 
+#include <span>
+#include <string>
+#include <vector>
+
 #include "data/UserServices.h"
 #include "dialogs/DialogTemplate.h"
+#include "dialogs/OptionsModel.h"
 
 namespace quillon {
 
@@ -61,6 +66,28 @@ enum OptionsControl : int {
 };
 
 inline constexpr int kOptionPages = 3;
+
+/// Which entry a control holds. Option buttons follow each other; with 0 buttons it is a list.
+struct OptionChoice {
+    int id;
+    int buttons;
+    int OptionEntries::*entry;
+};
+struct OptionTick {
+    int id;
+    bool OptionEntries::*entry;
+};
+struct OptionText {
+    int id;
+    std::u16string OptionEntries::*entry;
+};
+/// All but the colour of the grid, which no control of the system holds.
+[[nodiscard]] std::span<const OptionChoice> OptionChoices();
+[[nodiscard]] std::span<const OptionTick> OptionTicks();
+[[nodiscard]] std::span<const OptionText> OptionTexts();
+
+/// What a list or an edit field with a list offers; nothing for other controls.
+[[nodiscard]] std::vector<std::u16string> OptionLines(const UserServices& services, int id);
 
 /// The dialog itself: tab strip and buttons.
 [[nodiscard]] DialogTemplate OptionsFrame(const UserServices& services);

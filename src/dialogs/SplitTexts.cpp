@@ -1,12 +1,28 @@
 #include "dialogs/SplitTexts.h"
 
+#include <algorithm>
+
 #include "base/Text.h"
 #include "dialogs/DialogTexts.h"
 
 namespace quillon {
 
-std::u16string SplitExampleText(const UserServices& services, const SplitPlan& plan) {
-    return services.Text(IDS_SPLIT_FILES) + u": \"" + plan.ExampleName() + u'"';
+std::u16string SplitStatusText(const UserServices& services, const SplitChoices& choices, const SplitSource& source,
+                               const SplitFolderState& folder) {
+    const SplitPlan plan = MakeSplitPlan(choices, source);
+    const std::u16string names = services.Text(IDS_SPLIT_FILES) + u": \"" + plan.ExampleName() + u'"';
+    const auto about = [&](int id, std::int64_t files) {
+        return names + u"\r\n" + FillPlaces(services.Text(id), {Decimal(files)});
+    };
+    if (choices.deleteFiles) return about(IDS_SPLIT_WILL_DELETE, std::ssize(folder.files));
+    const std::int64_t replaced = FindSplitFault(choices, source) ? 0 : CountReplaced(plan, folder);
+    return replaced > 0 ? about(IDS_SPLIT_WILL_REPLACE, replaced) : names;
+}
+
+std::u16string SplitCountText(const UserServices& services, const SplitChoices& choices, const SplitSource& source) {
+    if (FindSplitFault(choices, source)) return {};
+    const std::int64_t pieces = std::max<std::int64_t>(MakeSplitPlan(choices, source).PieceCount(), 0);
+    return FillPlaces(services.Text(IDS_SPLIT_PIECES), {Decimal(pieces)});
 }
 
 std::u16string SplitProgressText(const UserServices& services, const SplitPlan& plan, std::int64_t piece,
@@ -14,11 +30,10 @@ std::u16string SplitProgressText(const UserServices& services, const SplitPlan& 
     return FillPlaces(services.Text(IDS_SPLIT_PROGRESS), {Decimal(piece + 1), Decimal(plan.PieceCount()), name});
 }
 
-std::u16string SplitFaultText(const UserServices& services, int label, const std::u16string& typed, bool seconds,
-                              EntryFault fault) {
-    const int bad = seconds ? IDS_SPLIT_BAD_SECONDS : IDS_SPLIT_BAD_SAMPLES;
-    return FillPlaces(services.Text(fault == EntryFault::TooLarge ? IDS_SPLIT_TOO_LARGE : bad),
-                      {services.Text(label), typed});
+std::u16string SplitFaultText(const UserServices& services, const SplitFault& fault, bool bySamples) {
+    const int bad = bySamples ? IDS_SPLIT_BAD_SAMPLES : IDS_SPLIT_BAD_SECONDS;
+    return FillPlaces(services.Text(fault.fault == EntryFault::TooLarge ? IDS_SPLIT_TOO_LARGE : bad),
+                      {services.Text(fault.step ? IDS_SPLIT_STEP : IDS_SPLIT_SIZE), fault.typed});
 }
 
 std::u16string SplitObstacleText(const UserServices& services, SplitObstacle obstacle, const SplitPlan& plan,

@@ -9,9 +9,6 @@
 /// The output folder on the disk. Paths may be longer than the system's usual 260 characters.
 namespace quillon {
 
-/// Path of a file in the folder, in the form that has no limit where it needs that.
-[[nodiscard]] std::u16string SplitFilePath(const std::u16string& folder, const std::u16string& name);
-
 /// `recording` is the path of the open recording. It is known by what the system calls it, not by its path.
 [[nodiscard]] SplitFolderState ReadSplitFolder(const std::u16string& folder, const std::u16string& recording);
 

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "base/Text.h"
 #include "base/win/PendingMessages.h"
 #include "dialogs/DialogTexts.h"
 #include "dialogs/win/ColorChooser.h"
@@ -102,10 +101,7 @@ INT_PTR dlgOptions::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 
 void dlgOptions::Initialise() {
     MakePages();
-    FillLists();
-    FillGeneral(m_shown);
-    FillSpectrogram(m_shown);
-    FillExport(m_shown);
+    Fill(m_shown);
     const auto listen = [](HWND control, LPARAM self) -> BOOL {
         SetWindowSubclass(control, PageKeys, 1, static_cast<DWORD_PTR>(self));
         return TRUE;
@@ -142,16 +138,6 @@ void dlgOptions::MakePages() {
     }
 }
 
-void dlgOptions::FillLists() {
-    for (int unit = 0; unit < kTimeUnits; ++unit) AddLine(cboTime, m_services.Text(IDS_OPT_TIMEUNIT_0 + unit));
-    AddLine(cboDigits, m_services.Text(IDS_OPT_AUTO));
-    for (int digits = 1; digits < kDigitCounts; ++digits) AddLine(cboDigits, Decimal(digits));
-    for (const std::u16string_view scale : kAmplitudeScales) AddLine(cboAmpScale, scale);
-    for (const std::u16string_view range : kDecibelRanges) AddLine(cboDBRange, range);
-    for (int window = 0; window < 4; ++window) AddLine(cboFFTWindow, m_services.Text(IDS_OPT_WINDOW_0 + window));
-    for (int size = 0; size < kFftSizes; ++size) AddLine(cboFFTSize, Decimal(FftSize(size)));
-}
-
 void dlgOptions::Draw(const DRAWITEMSTRUCT& item) {
     if (item.CtlID == pbGridColor) return DrawSwatch(item, m_gridColor);
     // A static control with an image would do, but not every version of the common controls shows cursors.
@@ -161,67 +147,28 @@ void dlgOptions::Draw(const DRAWITEMSTRUCT& item) {
                    static_cast<int>(item.CtlID) - imgCur);
 }
 
-void dlgOptions::FillGeneral(const OptionEntries& entries) {
-    Choose(optTime, 3, entries.timeFormat);
-    SetPosition(cboTime, entries.timeIndex);
-    Choose(optScale, 2, entries.scaleFormat);
-    Tick(chkUnitScaling, entries.unitScaling);
-    Choose(optDigits, 2, entries.digitsType);
-    SetPosition(cboDigits, entries.digitsCount);
+void dlgOptions::Fill(const OptionEntries& entries) {
+    for (const auto& [id, buttons, entry] : OptionChoices()) {
+        AddLines(id);
+        buttons > 0 ? Choose(id, buttons, entries.*entry) : SetPosition(id, entries.*entry);
+    }
+    for (const auto& [id, entry] : OptionTicks()) Tick(id, entries.*entry);
+    for (const auto& [id, entry] : OptionTexts()) {
+        AddLines(id);
+        SetWindowTextW(Control(id), Wide(entries.*entry).c_str());
+    }
     m_gridColor = entries.gridColor;
-    Choose(optGridStyle, 3, entries.gridStyle);
-    Choose(optCursor, 4, entries.waveformCursor);
-}
-
-void dlgOptions::FillSpectrogram(const OptionEntries& entries) {
-    Choose(optFFTPalette, 3, entries.palette);
-    Choose(optSpectrumType, 2, entries.spectrumType);
-    SetWindowTextW(Control(cboAmpScale), Wide(entries.amplitudeScale).c_str());
-    SetWindowTextW(Control(cboDBRange), Wide(entries.decibelRange).c_str());
-    SetPosition(cboFFTWindow, entries.window);
-    SetPosition(cboFFTSize, entries.fftSize);
     ShowBinWidth();
-}
-
-void dlgOptions::FillExport(const OptionEntries& entries) {
-    Tick(chkXColumn, entries.xColumn);
-    Choose(optXFormat, 2, entries.xFormat);
     EnableXFormat();
-    Tick(chkRowHead, entries.rowHead);
-    Tick(chkRowSize, entries.rowSize);
-    Tick(chkRowRate, entries.rowRate);
-    Tick(chkRowStep, entries.rowStep);
-    Choose(optFile, 2, entries.fileType);
-    Choose(optCh, 2, entries.channels);
-    SetWindowTextW(Control(txtFastFile), Wide(entries.fastFile).c_str());
 }
 
 OptionEntries dlgOptions::Entries() const {
     OptionEntries entries;
-    entries.timeFormat = Chosen(optTime, 3);
-    entries.timeIndex = Position(cboTime);
-    entries.scaleFormat = Chosen(optScale, 2);
-    entries.unitScaling = IsTicked(chkUnitScaling);
-    entries.digitsType = Chosen(optDigits, 2);
-    entries.digitsCount = Position(cboDigits);
+    for (const auto& [id, buttons, entry] : OptionChoices())
+        entries.*entry = buttons > 0 ? Chosen(id, buttons) : Position(id);
+    for (const auto& [id, entry] : OptionTicks()) entries.*entry = IsTicked(id);
+    for (const auto& [id, entry] : OptionTexts()) entries.*entry = Typed(id);
     entries.gridColor = m_gridColor;
-    entries.gridStyle = Chosen(optGridStyle, 3);
-    entries.waveformCursor = Chosen(optCursor, 4);
-    entries.palette = Chosen(optFFTPalette, 3);
-    entries.spectrumType = Chosen(optSpectrumType, 2);
-    entries.amplitudeScale = Typed(cboAmpScale);
-    entries.decibelRange = Typed(cboDBRange);
-    entries.window = Position(cboFFTWindow);
-    entries.fftSize = Position(cboFFTSize);
-    entries.xColumn = IsTicked(chkXColumn);
-    entries.xFormat = Chosen(optXFormat, 2);
-    entries.rowHead = IsTicked(chkRowHead);
-    entries.rowSize = IsTicked(chkRowSize);
-    entries.rowRate = IsTicked(chkRowRate);
-    entries.rowStep = IsTicked(chkRowStep);
-    entries.fileType = Chosen(optFile, 2);
-    entries.channels = Chosen(optCh, 2);
-    entries.fastFile = Typed(txtFastFile);
     return entries;
 }
 
@@ -327,8 +274,9 @@ void dlgOptions::SetPosition(int list, int position) {
     SendMessageW(Control(list), CB_SETCURSEL, static_cast<WPARAM>(position), 0);
 }
 
-void dlgOptions::AddLine(int list, std::u16string_view text) {
-    SendPointer(Control(list), CB_ADDSTRING, 0, Wide(text).c_str());
+void dlgOptions::AddLines(int list) {
+    for (const std::u16string& line : OptionLines(m_services, list))
+        SendPointer(Control(list), CB_ADDSTRING, 0, Wide(line).c_str());
 }
 
 }  // namespace quillon

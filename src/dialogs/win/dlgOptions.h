@@ -42,11 +42,8 @@ class dlgOptions {
     INT_PTR Handle(UINT message, WPARAM wParam, LPARAM lParam);
     void Initialise();
     void MakePages();
-    void FillLists();
     void Draw(const DRAWITEMSTRUCT& item);
-    void FillGeneral(const OptionEntries& entries);
-    void FillSpectrogram(const OptionEntries& entries);
-    void FillExport(const OptionEntries& entries);
+    void Fill(const OptionEntries& entries);
     [[nodiscard]] OptionEntries Entries() const;
     void ShowPage(int page);
     void SwitchPage(int direction);
@@ -65,7 +62,7 @@ class dlgOptions {
     [[nodiscard]] int Position(int list) const;
     void SetPosition(int list, int position);
     [[nodiscard]] std::u16string Typed(int id) const { return Narrow16(WindowText(Control(id))); }
-    void AddLine(int list, std::u16string_view text);
+    void AddLines(int list);
 
     const UserServices& m_services;
     OptionsCalls m_calls;

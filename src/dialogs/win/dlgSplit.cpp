@@ -1,20 +1,20 @@
 #include "dialogs/win/dlgSplit.h"
 
-#include <array>
-#include <cmath>
 #include <exception>
 #include <optional>
+#include <span>
 #include <vector>
 
+#include "base/FilePath.h"
 #include "base/Text.h"
 #include "base/win/PendingMessages.h"
 #include "dialogs/DialogTexts.h"
+#include "dialogs/SplitChoices.h"
 #include "dialogs/SplitTemplate.h"
 #include "dialogs/SplitTexts.h"
 #include "dialogs/win/SplitFolder.h"
 #include "export/SplitPlan.h"
 #include "export/SplitRun.h"
-#include "format/NumberText.h"
 
 namespace quillon {
 
@@ -26,8 +26,8 @@ class SplitDialog {
   public:
     explicit SplitDialog(SplitDialogContext context)
         : m_context(std::move(context)),
-          m_samples(m_context.block->SampleCount()),
-          m_rate(m_context.block->SampleRate()),
+          m_source{m_context.block->SampleCount(), m_context.block->SampleRate(), m_context.recording,
+                   m_context.decimalSeparator},
           m_baseName(SplitBaseName(m_context.recording)),
           m_folder(SplitFolderName(m_context.recording)) {}
 
@@ -43,18 +43,12 @@ class SplitDialog {
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_dialog, id); }
     [[nodiscard]] std::u16string Text(int id) const { return m_context.services.Text(id); }
     [[nodiscard]] bool IsChecked(int id) const { return IsDlgButtonChecked(m_dialog, id) == BST_CHECKED; }
-    [[nodiscard]] bool BySamples() const { return IsChecked(optSplit + 1); }
     void SetStatus(const std::u16string& text);
     void AddToolTips();
     void FillCombo(int id, std::span<const std::int32_t> offered, const std::u16string& text) const;
-    void LoadSettings();
-    void KeepSettings();
-
-    /// The entry of a combo box of a mode.
-    [[nodiscard]] SplitEntry Entry(int id, bool samples) const;
-    /// The plan of the choices; size and step are those of the entries where these have no fault.
-    [[nodiscard]] SplitPlan Plan() const;
-    [[nodiscard]] bool EntriesAreRight() const;
+    void ShowChoices(const SplitChoices& choices) const;
+    [[nodiscard]] SplitChoices Choices() const;
+    [[nodiscard]] SplitPlan Plan() const { return MakeSplitPlan(Choices(), m_source); }
     void ReadFolder() { m_state = ReadSplitFolder(m_folder, m_context.recording); }
     void Refresh();
     void EnableControls(bool enabled) const;
@@ -64,15 +58,13 @@ class SplitDialog {
     /// Whether nothing stands against the run, now that the folder has been read anew.
     [[nodiscard]] bool CheckFolder(const SplitPlan& plan);
     [[nodiscard]] bool MayReplace(const SplitPlan& plan);
-    /// Asks the user where that many files are hardly meant.
     [[nodiscard]] bool MayWriteSoMany(const SplitPlan& plan);
     [[nodiscard]] bool Agrees(const std::u16string& question) const;
     void Split();
     [[nodiscard]] SplitResult Run(const SplitPlan& plan);
 
     SplitDialogContext m_context;
-    std::int32_t m_samples;
-    double m_rate;
+    SplitSource m_source;
     std::u16string m_baseName;
     std::u16string m_folder;
     HWND m_dialog = nullptr;
@@ -122,7 +114,7 @@ INT_PTR SplitDialog::OnMessage(UINT message, WPARAM wParam, LPARAM) {
 }
 
 void SplitDialog::OnInitDialog() {
-    LoadSettings();
+    ShowChoices(ShowSplitSettings(m_context.settings, m_source));
     AddToolTips();
     ReadFolder();
     Refresh();
@@ -193,84 +185,34 @@ void SplitDialog::FillCombo(int id, std::span<const std::int32_t> offered, const
     SetWindowTextW(Control(id), Wide(text).c_str());
 }
 
-void SplitDialog::LoadSettings() {
-    const SplitSettings& settings = m_context.settings;
-    const auto seconds = [&](float stored, float otherwise) {
-        const bool usable = stored > 0.0F && std::isfinite(stored);
-        return usable ? stored : otherwise;
-    };
-    const auto samples = [](std::int32_t stored, std::int32_t otherwise) { return stored > 0 ? stored : otherwise; };
-    const auto firstSeconds = static_cast<float>(FirstSplitSize(kSplitSeconds, m_samples / m_rate));
-    const float timeSize = seconds(settings.timeSize, firstSeconds);
-    const float timeStep = seconds(settings.timeStep, timeSize);
-    const std::int32_t size = samples(settings.samplesSize, FirstSplitSize(kSplitSamples, m_samples));
-    const std::int32_t step = samples(settings.samplesStep, size);
-    FillCombo(cboSize, kSplitSeconds, SingleNumberText(timeSize, m_context.decimalSeparator));
-    FillCombo(cboStep, kSplitSeconds, SingleNumberText(timeStep, m_context.decimalSeparator));
-    FillCombo(cboSize + 1, kSplitSamples, Decimal(size));
-    FillCombo(cboStep + 1, kSplitSamples, Decimal(step));
-    CheckRadioButton(m_dialog, optSplit, optSplit + 1, settings.type == 1 ? optSplit + 1 : optSplit);
-    CheckRadioButton(m_dialog, optFileIndex, optFileIndex + 1,
-                     settings.fileIndex == 1 ? optFileIndex + 1 : optFileIndex);
-    CheckDlgButton(m_dialog, chkBaseName, settings.baseName != 0 ? BST_CHECKED : BST_UNCHECKED);
+void SplitDialog::ShowChoices(const SplitChoices& choices) const {
+    for (const int mode : {0, 1}) {
+        const std::span<const std::int32_t> offered = mode == 0 ? std::span(kSplitSeconds) : std::span(kSplitSamples);
+        FillCombo(cboSize + mode, offered, choices.size[static_cast<std::size_t>(mode)]);
+        FillCombo(cboStep + mode, offered, choices.step[static_cast<std::size_t>(mode)]);
+    }
+    CheckRadioButton(m_dialog, optSplit, optSplit + 1, optSplit + (choices.bySamples ? 1 : 0));
+    CheckRadioButton(m_dialog, optFileIndex, optFileIndex + 1, optFileIndex + (choices.sampleNames ? 1 : 0));
+    CheckDlgButton(m_dialog, chkBaseName, choices.baseName ? BST_CHECKED : BST_UNCHECKED);
 }
 
-void SplitDialog::KeepSettings() {
-    SplitSettings& settings = m_context.settings;
-    settings.type = BySamples() ? 1 : 0;
-    settings.fileIndex = IsChecked(optFileIndex + 1) ? 1 : 0;
-    settings.baseName = IsChecked(chkBaseName) ? 1 : 0;
-    // The other mode may hold what is no number; then its setting stays.
-    const auto keep = [&](int id, bool samples, auto& setting) {
-        const SplitEntry entry = Entry(id, samples);
-        if (entry.fault == EntryFault::None)
-            setting = static_cast<std::remove_reference_t<decltype(setting)>>(entry.number);
-    };
-    keep(cboSize, false, settings.timeSize);
-    keep(cboStep, false, settings.timeStep);
-    keep(cboSize, true, settings.samplesSize);
-    keep(cboStep, true, settings.samplesStep);
-}
-
-SplitEntry SplitDialog::Entry(int id, bool samples) const {
-    const std::u16string text = Narrow16(WindowText(Control(id + (samples ? 1 : 0))));
-    return samples ? ParseSplitSamples(text) : ParseSplitSeconds(text, m_rate, m_context.decimalSeparator);
-}
-
-SplitPlan SplitDialog::Plan() const {
-    SplitPlan plan;
-    plan.blockSamples = m_samples;
-    const SplitEntry size = Entry(cboSize, BySamples());
-    const SplitEntry step = Entry(cboStep, BySamples());
-    if (size.fault == EntryFault::None) plan.size = size.samples;
-    if (step.fault == EntryFault::None) plan.step = step.samples;
-    plan.sampleNames = IsChecked(optFileIndex + 1);
-    if (IsChecked(chkBaseName)) plan.prefix = m_baseName + u'_';
-    plan.extension = SplitExtension(m_context.recording);
-    return plan;
-}
-
-bool SplitDialog::EntriesAreRight() const {
-    return Entry(cboSize, BySamples()).fault == EntryFault::None &&
-           Entry(cboStep, BySamples()).fault == EntryFault::None;
+SplitChoices SplitDialog::Choices() const {
+    const auto typed = [&](int id) { return Narrow16(WindowText(Control(id))); };
+    return {.bySamples = IsChecked(optSplit + 1),
+            .size = {typed(cboSize), typed(cboSize + 1)},
+            .step = {typed(cboStep), typed(cboStep + 1)},
+            .sampleNames = IsChecked(optFileIndex + 1),
+            .baseName = IsChecked(chkBaseName),
+            .deleteFiles = IsChecked(chkDelFiles)};
 }
 
 void SplitDialog::Refresh() {
     EnableControls(true);
-    const SplitPlan plan = Plan();
-    const bool right = EntriesAreRight();
-    std::u16string status = SplitExampleText(m_context.services, plan);
+    const SplitChoices choices = Choices();
     m_announced.reset();
-    if (IsChecked(chkDelFiles)) {
-        m_announced = m_state.files;
-        status += u"\r\n" + FillPlaces(Text(IDS_SPLIT_WILL_DELETE), {Decimal(std::ssize(m_state.files))});
-    } else if (const std::int64_t replaced = right ? CountReplaced(plan, m_state) : 0; replaced > 0) {
-        status += u"\r\n" + FillPlaces(Text(IDS_SPLIT_WILL_REPLACE), {Decimal(replaced)});
-    }
-    SetStatus(status);
-    const std::int64_t pieces = std::max<std::int64_t>(plan.PieceCount(), 0);
-    const std::u16string count = right ? FillPlaces(Text(IDS_SPLIT_PIECES), {Decimal(pieces)}) : std::u16string();
-    SetWindowTextW(Control(lblPieces), Wide(count).c_str());
+    if (choices.deleteFiles) m_announced = m_state.files;
+    SetStatus(SplitStatusText(m_context.services, choices, m_source, m_state));
+    SetWindowTextW(Control(lblPieces), Wide(SplitCountText(m_context.services, choices, m_source)).c_str());
 }
 
 void SplitDialog::EnableControls(bool enabled) const {
@@ -278,22 +220,20 @@ void SplitDialog::EnableControls(bool enabled) const {
                          int{optFileIndex}, optFileIndex + 1, int{chkDelFiles}})
         EnableWindow(Control(id), enabled ? TRUE : FALSE);
     for (const int mode : {0, 1}) {
-        const BOOL own = enabled && BySamples() == (mode == 1) ? TRUE : FALSE;
+        const BOOL own = enabled && IsChecked(optSplit + mode) ? TRUE : FALSE;
         EnableWindow(Control(cboSize + mode), own);
         EnableWindow(Control(cboStep + mode), own);
     }
 }
 
 bool SplitDialog::CheckEntries() {
-    for (const auto& [id, label] : {std::pair(cboSize, IDS_SPLIT_SIZE), std::pair(cboStep, IDS_SPLIT_STEP)}) {
-        const EntryFault fault = Entry(id, BySamples()).fault;
-        if (fault == EntryFault::None) continue;
-        const HWND combo = Control(id + (BySamples() ? 1 : 0));
-        SetStatus(SplitFaultText(m_context.services, label, Narrow16(WindowText(combo)), !BySamples(), fault));
-        SendMessageW(m_dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(combo), TRUE);
-        return false;
-    }
-    return true;
+    const SplitChoices choices = Choices();
+    const std::optional<SplitFault> fault = FindSplitFault(choices, m_source);
+    if (!fault) return true;
+    SetStatus(SplitFaultText(m_context.services, *fault, choices.bySamples));
+    const HWND combo = Control((fault->step ? cboStep : cboSize) + (choices.bySamples ? 1 : 0));
+    SendMessageW(m_dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(combo), TRUE);
+    return false;
 }
 
 bool SplitDialog::CheckFolder(const SplitPlan& plan) {
@@ -323,8 +263,7 @@ bool SplitDialog::MayReplace(const SplitPlan& plan) {
 }
 
 bool SplitDialog::MayWriteSoMany(const SplitPlan& plan) {
-    constexpr std::int64_t usual = 10000;
-    if (plan.PieceCount() <= usual) return true;
+    if (!IsUnusualCount(plan)) return true;
     return Agrees(FillPlaces(Text(IDS_SPLIT_MANY), {Decimal(plan.PieceCount())}));
 }
 
@@ -338,7 +277,7 @@ void SplitDialog::Split() {
     const SplitPlan plan = Plan();
     ReadFolder();
     if (!CheckFolder(plan) || m_destroyed) return;
-    KeepSettings();
+    KeepSplitSettings(Choices(), m_source, m_context.settings);
     m_context.exporter.SetRecording(m_context.recording);
     const SplitResult result = Run(plan);
     const std::u16string text = SplitResultText(m_context.services, result, m_folder);
@@ -382,7 +321,7 @@ SplitResult SplitDialog::Run(const SplitPlan& plan) {
     }
     system.createFolder = [&] { return CreateSplitFolder(m_folder); };
     system.exportPiece = [&](std::int64_t piece, const std::u16string& name) {
-        return ExportPiece(m_context.exporter, *m_context.block, plan, piece, SplitFilePath(m_folder, name));
+        return ExportPiece(m_context.exporter, *m_context.block, plan, piece, PathOf(m_folder, name));
     };
     system.status = [&](std::int64_t piece, const std::u16string& name) {
         SetStatus(SplitProgressText(m_context.services, plan, piece, name));
