@@ -61,6 +61,7 @@ struct BlockRange {
 class SilentServices final : public UserServices {
   public:
     void ShowMessage(const std::u16string&, const std::u16string&) override {}
+    [[nodiscard]] bool Ask(const std::u16string&) override { return false; }
     void SetStatus(const std::u16string&) override {}
     [[nodiscard]] std::u16string Text(int) const override { return {}; }
     [[nodiscard]] std::u16string LongTime(double) const override { return {}; }

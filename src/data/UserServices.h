@@ -11,6 +11,8 @@ class UserServices {
     /// A message box with the exclamation icon.
     virtual void ShowMessage(const std::u16string& text, const std::u16string& title) = 0;
     void ShowMessage(const std::u16string& text) { ShowMessage(text, u"Quillon"); }
+    /// A question that is answered with Yes or No, the latter being the default.
+    [[nodiscard]] virtual bool Ask(const std::u16string& question) = 0;
     /// Text of the status bar's panel "Status".
     virtual void SetStatus(const std::u16string& text) = 0;
     /// Localised string; data/CoreTexts.h has the numbers. Empty when there is none of that number.

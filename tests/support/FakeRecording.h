@@ -156,6 +156,7 @@ class FakeServices : public UserServices {
     std::u16string status;
     using UserServices::ShowMessage;
     void ShowMessage(const std::u16string& text, const std::u16string&) override { messages.push_back(text); }
+    bool Ask(const std::u16string& text) override { return messages.push_back(text), false; }
     void SetStatus(const std::u16string& text) override { status = text; }
     std::u16string Text(int id) const override {
         return id == 501 ? u"Канал" : u"#" + std::u16string(1, static_cast<char16_t>(id));

@@ -2,8 +2,9 @@
 
 namespace quillon {
 
-bool AskYesNo(HWND owner, const std::u16string& question) {
-    return MessageBoxW(owner, Wide(question).c_str(), L"Quillon", MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
+bool AskYesNo(HWND owner, const std::u16string& question, const std::u16string& title) {
+    return MessageBoxW(owner, Wide(question).c_str(), Wide(title).c_str(),
+                       MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
 }
 
 }  // namespace quillon

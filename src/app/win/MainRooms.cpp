@@ -24,13 +24,15 @@ MainRooms::MainRooms(RoomParts parts)
       recording(m_document),
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
-               m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services, status, longCommand}),
+               m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
       dialogs(*this, m_parts) {
     WireGraph();
     WireLists();
     WireSound();
     exports.onDialog = [this] { hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
+    exports.onPending = [this] { return longCommand.StayAlive(); };
+    exports.isGone = [this] { return longCommand.IsGone(); };
 }
 
 void MainRooms::WireGraph() {

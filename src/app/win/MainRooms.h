@@ -7,9 +7,9 @@
 
 #include "app/CommandState.h"
 #include "app/Commands.h"
+#include "app/ExportCommands.h"
 #include "app/win/BrowserPane.h"
 #include "app/win/DialogCommands.h"
-#include "app/win/ExportCommands.h"
 #include "app/win/GraphPane.h"
 #include "app/win/HoverCapture.h"
 #include "app/win/LongCommand.h"

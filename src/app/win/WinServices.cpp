@@ -5,6 +5,7 @@
 #include "app/KV_Resources.h"
 #include "base/DateTime.h"
 #include "base/Text.h"
+#include "base/win/YesNoBox.h"
 
 namespace quillon {
 
@@ -31,9 +32,11 @@ void WinServices::SetWindow(HWND window, StatusBar* statusBar) {
 }
 
 void WinServices::ShowMessage(const std::u16string& text, const std::u16string& title) {
-    // Of a dialog that is open, where there is one.
-    const HWND owner = m_window == nullptr ? nullptr : GetLastActivePopup(m_window);
-    MessageBoxW(owner, Wide(text).c_str(), Wide(title).c_str(), MB_OK | MB_ICONEXCLAMATION);
+    MessageBoxW(Owner(), Wide(text).c_str(), Wide(title).c_str(), MB_OK | MB_ICONEXCLAMATION);
+}
+
+bool WinServices::Ask(const std::u16string& question) {
+    return AskYesNo(Owner(), question);
 }
 
 void WinServices::SetStatus(const std::u16string& text) {

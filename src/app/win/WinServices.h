@@ -18,12 +18,16 @@ class WinServices final : public UserServices {
 
     using UserServices::ShowMessage;
     void ShowMessage(const std::u16string& text, const std::u16string& title) override;
+    [[nodiscard]] bool Ask(const std::u16string& question) override;
     void SetStatus(const std::u16string& text) override;
     [[nodiscard]] std::u16string Text(int id) const override;
     [[nodiscard]] std::u16string LongTime(double date) const override;
     [[nodiscard]] std::u16string DateAndTime(double date) const override;
 
   private:
+    /// Of message boxes: a dialog that is open, where there is one.
+    [[nodiscard]] HWND Owner() const { return m_window == nullptr ? nullptr : GetLastActivePopup(m_window); }
+
     Language m_language;
     HWND m_window = nullptr;
     StatusBar* m_statusBar = nullptr;

@@ -8,6 +8,7 @@
 #include "base/FilePath.h"
 #include "base/Text.h"
 #include "base/win/PendingMessages.h"
+#include "base/win/YesNoBox.h"
 #include "dialogs/DialogTexts.h"
 #include "dialogs/SplitChoices.h"
 #include "dialogs/SplitTemplate.h"
@@ -268,8 +269,7 @@ bool SplitDialog::MayWriteSoMany(const SplitPlan& plan) {
 }
 
 bool SplitDialog::Agrees(const std::u16string& question) const {
-    return MessageBoxW(m_dialog, Wide(question).c_str(), Wide(Text(IDS_SPLIT_TITLE)).c_str(),
-                       MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) == IDYES;
+    return AskYesNo(m_dialog, question, Text(IDS_SPLIT_TITLE));
 }
 
 void SplitDialog::Split() {

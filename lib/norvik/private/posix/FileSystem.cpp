@@ -12,6 +12,7 @@
 
 #include "base/NativePath.h"
 #include "base/SystemText.h"
+#include "norvik/OutputFile.h"
 
 namespace quillon {
 
@@ -136,6 +137,11 @@ class PosixFiles final : public FileSystem {
 FileSystem& SystemFiles() {
     static PosixFiles files;
     return files;
+}
+
+bool FileExists(const std::u16string& path) {
+    struct stat status {};
+    return ::lstat(NativeBytes(path).c_str(), &status) == 0;
 }
 
 }  // namespace quillon

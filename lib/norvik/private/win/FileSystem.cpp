@@ -5,6 +5,7 @@
 #include "base/SystemText.h"
 #include "base/win/SystemPath.h"
 #include "base/win/Win32.h"
+#include "norvik/OutputFile.h"
 
 namespace quillon {
 
@@ -102,6 +103,10 @@ class WindowsFiles final : public FileSystem {
 FileSystem& SystemFiles() {
     static WindowsFiles files;
     return files;
+}
+
+bool FileExists(const std::u16string& path) {
+    return ::GetFileAttributesW(SystemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 }  // namespace quillon

@@ -1,4 +1,4 @@
-#include "app/win/ExportCommands.h"
+#include "app/ExportCommands.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,9 +6,8 @@
 #include "app/StringIds.h"
 #include "base/FilePath.h"
 #include "base/Text.h"
-#include "base/win/SystemPath.h"
-#include "base/win/YesNoBox.h"
 #include "export/QL_Export.h"
+#include "norvik/OutputFile.h"
 
 namespace quillon {
 
@@ -27,10 +26,6 @@ std::u16string BareName(const std::u16string& path) {
         if (more) name.resize(name.size() - 4);
     }
     return name;
-}
-
-bool FileExists(const std::u16string& path) {
-    return GetFileAttributesW(SystemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 std::u16string Joined(const std::vector<std::u16string>& texts) {
@@ -58,7 +53,7 @@ void ExportCommands::SaveAs() {
     const std::u16string& last = m_parts.settings.folder;
     dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_parts.document.File().fileName) : last;
     onDialog();
-    if (!dialog.Show() || m_parts.longCommand.IsGone()) return;
+    if (!dialog.Show() || isGone()) return;
     // Its messages may have closed the recording, which another program can take away.
     if (m_parts.document.Block().block != block) return;
     m_saveType = dialog.filterIndex;
@@ -67,7 +62,7 @@ void ExportCommands::SaveAs() {
         // The dialog has asked about the target itself, which a file per channel leaves alone.
         std::vector<std::u16string> files = TextExportFiles(name, *block, m_parts.settings, m_parts.document.Slots());
         std::erase(files, name);
-        if (!MayReplace(std::move(files)) || m_parts.longCommand.IsGone()) return;
+        if (!MayReplace(std::move(files)) || isGone()) return;
         if (m_parts.document.Block().block != block) return;
         m_parts.settings.folder = FolderOf(name);
         WriteText(name, range);
@@ -85,21 +80,20 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
         exporter.SetProgress([&](std::int32_t samples, std::int32_t total) {
             const auto percent = static_cast<std::int32_t>(std::int64_t{100} * samples / std::max(total, 1));
             if (percent != std::exchange(shown, percent))
-                m_parts.status.Tell(StatusBar::Topic::Outcome,
-                                    m_parts.services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
-            m_parts.longCommand.StayAlive();
+                m_parts.services.SetStatus(m_parts.services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
+            onPending();
         });
-        m_parts.status.Tell(StatusBar::Topic::Outcome, {});
+        m_parts.services.SetStatus({});
         exporter.SetRecording(m_parts.document.File().fileName);
         done = exporter.Export(&block, name, range.first + 1, range.count, type);
     });
     exporter.SetProgress({});
-    if (m_parts.longCommand.IsGone()) return;
+    if (isGone()) return;
     // What went wrong was told in a box.
     const std::u16string loss = DescribeLoss(exporter.Outcome(), m_parts.language);
-    m_parts.status.Tell(StatusBar::Topic::Outcome,
-                        done ? m_parts.services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") + loss
-                             : std::u16string());
+    m_parts.services.SetStatus(done ? m_parts.services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") +
+                                          loss
+                                    : std::u16string());
 }
 
 bool ExportCommands::MayReplace(std::vector<std::u16string> files) const {
@@ -108,13 +102,13 @@ bool ExportCommands::MayReplace(std::vector<std::u16string> files) const {
     std::u16string question = m_parts.services.Text(IDS_REPLACE_FILES) + u"\n";
     for (std::size_t i = 0; i < std::min(files.size(), kNamesShown); ++i) question += u"\n" + FileNameOf(files[i]);
     if (files.size() > kNamesShown) question += u"\n... (" + Decimal(static_cast<std::int64_t>(files.size())) + u")";
-    return AskYesNo(m_parts.longCommand.Window(), question);
+    return m_parts.services.Ask(question);
 }
 
 void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& range) {
     TextExportContext context{m_parts.document.Slots(), m_parts.format, m_parts.view.RawCodes(), m_parts.services,
                               m_parts.openText};
-    context.runPending = [this] { return m_parts.longCommand.StayAlive(); };
+    context.runPending = onPending;
     const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
     std::u16string unread;
     onWork([&] {
@@ -124,11 +118,10 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
             unread = m_parts.document.File().fileName + u": " + Utf16(error.what());
         }
     });
-    if (m_parts.longCommand.IsGone()) return;
+    if (isGone()) return;
     const bool file = target != kClipboardTarget;
     const auto tell = [&](int text, const std::u16string& name) {
-        m_parts.status.Tell(StatusBar::Topic::Outcome,
-                            m_parts.services.Text(text) + (name.empty() ? name : u": " + name));
+        m_parts.services.SetStatus(m_parts.services.Text(text) + (name.empty() ? name : u": " + name));
     };
     if (!unread.empty()) {
         tell(IDS_SOUND_UNREADABLE, unread);
@@ -150,7 +143,7 @@ void ExportCommands::FastExport() {
         std::u16string name;
         onDialog();
         if (!FastExportDialog(m_parts.saveDialog, m_parts.services, name)) return;
-        if (m_parts.longCommand.IsGone()) return;
+        if (isGone()) return;
         m_parts.settings.fastFile = name;
     }
     if (m_parts.document.Block().block != block) return;
@@ -158,7 +151,7 @@ void ExportCommands::FastExport() {
     // A name without a folder means the recording's own.
     if (target.find_first_of(u":\\/") == std::u16string::npos)
         target.insert(0, FolderOf(m_parts.document.File().fileName));
-    if (!MayReplaceFastFiles(*block, target) || m_parts.longCommand.IsGone()) return;
+    if (!MayReplaceFastFiles(*block, target) || isGone()) return;
     if (m_parts.document.Block().block == block) WriteText(target, Range());
 }
 
@@ -186,13 +179,13 @@ bool ExportCommands::MayCopy(std::int32_t samples) const {
     const std::int64_t megabytes = samples * bytesPerValue * m_parts.document.Block().channelCount / 1000000;
     if (megabytes <= usual) return true;
     const std::u16string question = m_parts.services.Text(IDS_COPY_LARGE) + u"\n\n" + Decimal(megabytes) + u" MB";
-    return AskYesNo(m_parts.longCommand.Window(), question);
+    return m_parts.services.Ask(question);
 }
 
 void ExportCommands::CopyData() {
     const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
     const SampleSpan range = Range();
-    if (!MayCopy(range.count) || m_parts.longCommand.IsGone() || m_parts.document.Block().block != block) return;
+    if (!MayCopy(range.count) || isGone() || m_parts.document.Block().block != block) return;
     WriteText(std::u16string(kClipboardTarget), range);
 }
 

@@ -5,11 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "app/win/LongCommand.h"
-#include "app/win/StatusBar.h"
 #include "data/Document.h"
 #include "export/KVExport.h"
 #include "export/TextExportSettings.h"
+#include "format/QL_Format.h"
 #include "norvik/SaveFileDialog.h"
 #include "norvik/TextSink.h"
 #include "view/WaveformView.h"
@@ -32,14 +31,14 @@ class ExportCommands {
         const TextSinkFactory& openText;
         Language language;
         UserServices& services;
-        StatusBar& status;
-        LongCommand& longCommand;
     };
     explicit ExportCommands(const Parts& parts) : m_parts(parts) {}
 
     // To be set by the owner.
     std::function<void()> onDialog;                                 ///< a dialog is going to be shown
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that takes long
+    std::function<bool()> onPending;  ///< called now and then by such work; false once the window is gone
+    std::function<bool()> isGone;     ///< whether the window is
 
     void SaveAs();
     void FastExport();
