@@ -15,7 +15,9 @@
 #include "app/MainLayout.h"
 #include "app/StartUp.h"
 #include "app/StatusPanels.h"
+#include "app/ValuesReadout.h"
 #include "support/FakeRecording.h"
+#include "support/ViewFixture.h"
 
 namespace quillon {
 namespace {
@@ -153,6 +155,58 @@ TEST(StatusPanels, TellLengthsBeyondADayAndCodes) {
     EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10#"));
     facts.rawCodes = true;
     EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10 k#"));
+}
+
+class ValuesReadoutTest : public ViewFixture {
+  protected:
+    ValuesReadoutTest() {
+        m_values.onText = [this](const std::u16string& text) {
+            m_text = text;
+            ++m_told;
+        };
+    }
+    Settings m_settings;
+    FormatOptions m_format{false};
+    ValuesReadout m_values{m_document, m_view, m_format, m_settings};
+    std::u16string m_text;
+    int m_told = 0;
+};
+
+TEST_F(ValuesReadoutTest, TellsAnewOnlyWhatIsNotSoAnyLonger) {
+    const std::u16string& details = m_document.File().fileInfo;
+    m_values.TellHover(6, u"mark");
+    m_values.KeepTrue();
+    EXPECT_EQ(m_told, 1) << "nothing has changed";
+    m_document.ShowAll(false);
+    m_values.KeepTrue();
+    EXPECT_EQ(m_text, u"mark\r\nX:\t0.05 s\r\n") << "the place and its mark are kept";
+    m_values.TellSpectrum(u"spectrum");
+    m_settings.window.spectrogramShown = true;
+    m_values.KeepTrue();
+    EXPECT_EQ(m_text, details);
+    m_format.sampleIndexes = true;
+    m_told = 0;
+    m_values.KeepTrue();
+    EXPECT_EQ(m_told, 0) << "the description depends on nothing";
+}
+
+TEST_F(ValuesReadoutTest, ARangeIsToldAsLongAsItIsSelected) {
+    m_view.SelectBlock();
+    m_values.TellHover(6, {});
+    const std::u16string hover = m_text;
+    m_values.SelectionChanged(false);
+    EXPECT_EQ(m_text, hover);
+    m_values.SelectionChanged(true);
+    EXPECT_TRUE(m_text.starts_with(u"dX:"));
+    m_values.SelectionStarted();
+    EXPECT_TRUE(m_text.starts_with(u"X:\t0 s")) << "where the next one starts";
+    m_values.TellRange();
+    m_view.Deselect();
+    m_values.SelectionChanged(false);
+    EXPECT_EQ(m_text, m_document.File().fileInfo);
+    m_values.TellHover(6, {});
+    m_values.SelectionChanged(false);
+    EXPECT_EQ(m_text, hover) << "a readout of a sample has no need of a selection";
 }
 
 TEST(GraphKeys, FocusChoosesTheCommandAndNoKeyHasTwo) {

@@ -67,6 +67,10 @@ void MainRooms::WireLists() {
     recording.onBlock = [this](int index) { LoadBlock(index); };
     recording.onShown = [this] { Refresh(); };
     recording.onChannel = [this] { ChooseChannel(); };
+    values.onText = [this](const std::u16string& text) {
+        valuesPanel.Text(text);
+        valuesPanel.Refresh();
+    };
     browser.onFile = [this](const std::wstring& name) {
         OpenFile(name);
         LookAtRecording(true, false);
@@ -101,7 +105,7 @@ void MainRooms::CreateRest(HFONT font, int dpi) {
     const HWND window = Window();
     recording.Attach(GetDlgItem(window, lstBlock), GetDlgItem(window, lvCh), dpi);
     browser.Attach(window, dpi);
-    if (!graph.CreateRest(window) || !values.Create(window, pnValues) || !spectrogram.Create(window))
+    if (!graph.CreateRest(window) || !valuesPanel.Create(window, pnValues) || !spectrogram.Create(window))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
     status.Attach(GetDlgItem(window, sbInfo), font, dpi);
     m_complete = true;

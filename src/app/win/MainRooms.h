@@ -8,16 +8,17 @@
 #include "app/CommandState.h"
 #include "app/Commands.h"
 #include "app/ExportCommands.h"
+#include "app/ValuesReadout.h"
 #include "app/win/BrowserPane.h"
 #include "app/win/DialogCommands.h"
 #include "app/win/GraphPane.h"
 #include "app/win/HoverCapture.h"
 #include "app/win/LongCommand.h"
+#include "app/win/Panel.h"
 #include "app/win/RecordingPane.h"
 #include "app/win/RoomParts.h"
 #include "app/win/SpectrogramPane.h"
 #include "app/win/StatusBar.h"
-#include "app/win/ValuesPane.h"
 
 namespace quillon {
 
@@ -123,7 +124,8 @@ class MainRooms {
     StatusBar status;
     LongCommand longCommand;
     HoverCapture hover;
-    ValuesPane values;
+    ValuesReadout values;
+    Panel valuesPanel;
     GraphPane graph;
     SpectrogramPane spectrogram;
     RecordingPane recording;

@@ -40,7 +40,7 @@ class frmQLMain {
     /// What the commands can do now.
     [[nodiscard]] CommandState State() const { return m_rooms.State(); }
     /// What the values panel shows.
-    [[nodiscard]] const std::u16string& ValuesText() const { return m_rooms.values.Text(); }
+    [[nodiscard]] const std::u16string& ValuesText() const { return m_rooms.valuesPanel.Text(); }
     /// Opens a file or folder by its full path, as if it had been chosen in the lists.
     void OpenPath(const std::wstring& path) { m_rooms.browser.OpenPath(path); }
     /// Handles a key of the graph or the focus's way through the controls; true when the message is done with.

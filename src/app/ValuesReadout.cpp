@@ -1,14 +1,14 @@
-#include "app/win/ValuesPane.h"
+#include "app/ValuesReadout.h"
 
 #include "data/ChannelSelection.h"
 
 namespace quillon {
 
-ReadoutSource ValuesPane::Source() const {
+ReadoutSource ValuesReadout::Source() const {
     return {m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes()};
 }
 
-ValuesPane::Basis ValuesPane::PresentBasis() const {
+ValuesReadout::Basis ValuesReadout::PresentBasis() const {
     return {ShownChannels(m_document.Block(), m_document.Slots()),
             m_format,
             m_view.RawCodes(),
@@ -17,24 +17,23 @@ ValuesPane::Basis ValuesPane::PresentBasis() const {
             m_settings.window.spectrogramShown};
 }
 
-void ValuesPane::Tell(Kind kind, const std::u16string& text) {
+void ValuesReadout::Tell(Kind kind, const std::u16string& text) {
     m_kind = kind;
     m_basis = PresentBasis();
-    m_panel.Text(text);
-    m_panel.Refresh();
+    onText(text);
 }
 
-void ValuesPane::TellHover(std::int32_t sample, const std::u16string& mark) {
+void ValuesReadout::TellHover(std::int32_t sample, const std::u16string& mark) {
     m_hoverSample = sample;
     m_hoverMark = mark;
     Tell(Kind::Hover, (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample));
 }
 
-void ValuesPane::TellRange() {
+void ValuesReadout::TellRange() {
     Tell(Kind::Range, RangeReadout(Source(), m_view.Selected()));
 }
 
-void ValuesPane::SelectionChanged(bool moved) {
+void ValuesReadout::SelectionChanged(bool moved) {
     if (m_view.Selected().active) {
         if (moved) TellRange();
     } else if (m_kind == Kind::Range) {
@@ -42,11 +41,11 @@ void ValuesPane::SelectionChanged(bool moved) {
     }
 }
 
-void ValuesPane::SelectionStarted() {
+void ValuesReadout::SelectionStarted() {
     if (m_kind == Kind::Range) TellHover(m_view.Selected().start, {});
 }
 
-void ValuesPane::KeepTrue() {
+void ValuesReadout::KeepTrue() {
     if (m_kind == Kind::Details || PresentBasis() == m_basis) return;
     switch (m_kind) {
         case Kind::Hover: return TellHover(m_hoverSample, m_hoverMark);

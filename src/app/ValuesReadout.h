@@ -1,27 +1,26 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "app/Settings.h"
-#include "app/win/Panel.h"
 #include "data/Document.h"
 #include "view/Readout.h"
 #include "view/WaveformView.h"
 
 namespace quillon {
 
-/// The panel of values: the description of the recording, or what was read out last, as long as that is true.
-class ValuesPane {
+/// What the panel of values says: the description of the recording, or what was read out last, as long as that is true.
+class ValuesReadout {
   public:
     /// All outlive it.
-    ValuesPane(const Document& document, const WaveformView& view, const FormatOptions& format,
-               const Settings& settings)
+    ValuesReadout(const Document& document, const WaveformView& view, const FormatOptions& format,
+                  const Settings& settings)
         : m_document(document), m_view(view), m_format(format), m_settings(settings) {}
 
-    [[nodiscard]] bool Create(HWND parent, int id) { return m_panel.Create(parent, id); }
-    [[nodiscard]] const std::u16string& Text() const { return m_panel.Text(); }
+    std::function<void(const std::u16string& text)> onText;  ///< to be shown; set by the owner
 
     void TellDetails() { Tell(Kind::Details, m_document.File().fileInfo); }
     /// The values at a sample, below the text of the mark under the pointer.
@@ -56,7 +55,6 @@ class ValuesPane {
     const WaveformView& m_view;
     const FormatOptions& m_format;
     const Settings& m_settings;
-    Panel m_panel;
     Kind m_kind = Kind::Details;
     Basis m_basis;
     std::int32_t m_hoverSample = 0;
