@@ -22,38 +22,6 @@ struct MemoryTraits {
     static void Close(Handle handle) { GlobalFree(handle); }
 };
 
-struct Table {
-    const TableTexts& texts;
-    const std::vector<std::vector<std::wstring>>& rows;
-
-    [[nodiscard]] const wchar_t* Cell(std::size_t row, std::size_t column) const {
-        return column < rows[row].size() ? rows[row][column].c_str() : L"";
-    }
-};
-
-/// A cell in a line of cells: what would end it becomes a blank.
-void AppendCell(std::wstring& line, std::wstring_view cell) {
-    for (const wchar_t letter : cell) line += letter == L'\t' || letter == L'\r' || letter == L'\n' ? L' ' : letter;
-}
-
-std::wstring TabbedText(const Table& table) {
-    std::wstring text;
-    const std::size_t columns = table.texts.columns.size();
-    for (std::size_t column = 0; column < columns; ++column) {
-        if (column != 0) text += L'\t';
-        AppendCell(text, table.texts.columns[column]);
-    }
-    text += L"\r\n";
-    for (std::size_t row = 0; row < table.rows.size(); ++row) {
-        for (std::size_t column = 0; column < columns; ++column) {
-            if (column != 0) text += L'\t';
-            AppendCell(text, table.Cell(row, column));
-        }
-        text += L"\r\n";
-    }
-    return text;
-}
-
 /// False where another program keeps the clipboard open or memory is short.
 bool PutOnClipboard(const std::wstring& text) {
     const std::size_t size = (text.size() + 1) * sizeof(wchar_t);
@@ -68,13 +36,13 @@ bool PutOnClipboard(const std::wstring& text) {
     return done;
 }
 
-const Table& TableOf(HWND dialog) {
-    return *reinterpret_cast<const Table*>(GetWindowLongPtrW(dialog, DWLP_USER));
+const TextTable& TableOf(HWND dialog) {
+    return *reinterpret_cast<const TextTable*>(GetWindowLongPtrW(dialog, DWLP_USER));
 }
 
 void Copy(HWND dialog) {
     try {
-        if (PutOnClipboard(TabbedText(TableOf(dialog)))) return;
+        if (PutOnClipboard(Wide(TabbedText(TableOf(dialog))))) return;
     } catch (const std::exception&) {  // no memory for the text
     }
     MessageBeep(MB_ICONWARNING);
@@ -102,27 +70,27 @@ SIZE SizeOf(const RECT& rect) {
 }
 
 /// Puts the table into the list; the columns are as wide as their widest text.
-int FillList(HWND list, const Table& table, int cellMargins) {
+int FillList(HWND list, const TextTable& table, int cellMargins) {
     ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
     const auto width = [&](const wchar_t* text) {
         return static_cast<int>(SendPointer(list, LVM_GETSTRINGWIDTHW, 0, text)) + cellMargins;
     };
     int all = 0;
-    for (std::size_t at = 0; at < table.texts.columns.size(); ++at) {
-        std::wstring caption = table.texts.columns[at];
+    for (std::size_t at = 0; at < table.columns.size(); ++at) {
+        std::wstring caption = Wide(table.columns[at]);
         LVCOLUMNW column{};
         column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
-        column.fmt = at != 0 && table.texts.numeric ? LVCFMT_RIGHT : LVCFMT_LEFT;
+        column.fmt = at != 0 && table.numeric ? LVCFMT_RIGHT : LVCFMT_LEFT;
         column.pszText = caption.data();
         column.cx = width(caption.c_str());
         for (std::size_t row = 0; row < table.rows.size(); ++row)
-            column.cx = std::max(column.cx, width(table.Cell(row, at)));
+            column.cx = std::max(column.cx, width(Wide(table.Cell(row, at)).c_str()));
         SendPointer(list, LVM_INSERTCOLUMNW, at, &column);
         all += column.cx;
     }
     for (std::size_t row = 0; row < table.rows.size(); ++row) {
-        for (std::size_t at = 0; at < table.texts.columns.size(); ++at) {
-            std::wstring cell = table.Cell(row, at);
+        for (std::size_t at = 0; at < table.columns.size(); ++at) {
+            std::wstring cell = Wide(table.Cell(row, at));
             LVITEMW item{};
             item.mask = LVIF_TEXT;
             item.iItem = static_cast<int>(row);
@@ -252,16 +220,15 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 }  // namespace
 
-void ShowTable(HWND owner, const TableTexts& texts, const std::vector<std::vector<std::wstring>>& rows) {
-    const Table table{texts, rows};
+void ShowTable(HWND owner, const TextTable& table) {
     // All get their sizes when the texts have been measured. Until then the list is larger than a screen: of two scroll
     // bars that it once shows each would be a reason for the other.
-    DialogTemplate dialog(Narrow16(texts.title), 200, 100);
+    DialogTemplate dialog(table.title, 200, 100);
     dialog.Item(Narrow16(WC_LISTVIEWW), WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
                 kList, 7, 7, 5000, 5000);
-    dialog.Item(DialogTemplate::kStatic, SS_NOPREFIX | SS_ENDELLIPSIS, kHeading, Narrow16(texts.heading), 7, 7, 186, 8);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, Narrow16(texts.copy), 89, 79, 50, 14);
-    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, Narrow16(texts.close), 143, 79, 50, 14);
+    dialog.Item(DialogTemplate::kStatic, SS_NOPREFIX | SS_ENDELLIPSIS, kHeading, table.heading, 7, 7, 186, 8);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, table.copy, 89, 79, 50, 14);
+    dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, table.close, 143, 79, 50, 14);
     DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(dialog.Get()), owner, Procedure,
                             reinterpret_cast<LPARAM>(&table));
 }

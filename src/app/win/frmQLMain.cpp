@@ -9,7 +9,7 @@
 #include "app/StringIds.h"
 #include "app/ToolbarIcons.h"
 #include "app/win/MainControls.h"
-#include "app/win/ViewDialogs.h"
+#include "app/win/TableWindow.h"
 #include "app/win/WindowPlace.h"
 #include "base/SystemText.h"
 #include "view/win/GDI_Utils.h"
@@ -54,7 +54,7 @@ void frmQLMain::Wire() {
     m_commands.exit = [this] { SendMessageW(m_window, WM_CLOSE, 0, 0); };
     m_commands.help = m_rooms.onHelp;
     m_commands.helpLanguage = [this](int index) { m_help.ChooseLanguage(static_cast<std::int16_t>(index)); };
-    m_commands.showKeys = [this] { ShowKeys(m_window, m_services); };
+    m_commands.showKeys = [this] { ShowTable(m_window, KeysTable(m_services)); };
     m_commands.selectPage = [this](TabPages tabs, int page) { SelectPage(m_window, tabs, page); };
     m_commands.focusList = [this](int list) {
         if (list == 1) m_rooms.recording.ShowFocus();

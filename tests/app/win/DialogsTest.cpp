@@ -259,7 +259,12 @@ TEST_F(OptionsWindowTest, EveryOptionIsSeenAtOnceAndCancelChangesNothing) {
 }
 
 TEST(TableWindow, ShowsAndCopiesTheTable) {
-    const TableTexts texts{L"T", {L"Канал", L"Среднее значение", L"Единица"}, L"Закрыть", L"Копировать", true};
+    const TextTable table{.title = u"T",
+                          .columns = {u"Канал", u"Среднее значение", u"Единица"},
+                          .close = u"Закрыть",
+                          .copy = u"Копировать",
+                          .numeric = true,
+                          .rows = {{u"C3\tA1", u"-1.5", u"мкВ"}, {u"O2", u"20"}}};
     const std::wstring all = L"Канал\tСреднее значение\tЕдиница\r\nC3 A1\t-1.5\tмкВ\r\nO2\t20\t\r\n";
     for (const int key : {VK_ESCAPE, VK_RETURN}) {
         const DialogAnswer answer([&](HWND dialog) {
@@ -281,7 +286,7 @@ TEST(TableWindow, ShowsAndCopiesTheTable) {
             EXPECT_EQ(ClipboardText(), all);
             PostMessageW(list, WM_KEYDOWN, static_cast<WPARAM>(key), 0);
         });
-        ShowTable(nullptr, texts, {{L"C3\tA1", L"-1.5", L"мкВ"}, {L"O2", L"20"}});
+        ShowTable(nullptr, table);
     }
 }
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "data/UserServices.h"
+#include "view/Readout.h"
+#include "view/Selection.h"
+
+namespace quillon {
+
+/// A table that a window shows, in the user's language.
+struct TextTable {
+    std::u16string title;
+    std::vector<std::u16string> columns;  ///< captions
+    std::u16string close;
+    std::u16string copy;
+    bool numeric = false;      ///< all columns but the first hold numbers and are right-aligned
+    std::u16string heading{};  ///< a line above the columns; may be empty
+    std::vector<std::vector<std::u16string>> rows{};
+
+    /// Cells missing at a row's end are empty.
+    [[nodiscard]] std::u16string Cell(std::size_t row, std::size_t column) const {
+        return column < rows[row].size() ? rows[row][column] : std::u16string();
+    }
+};
+
+/// Lines of cells with tabs between them, the captions first. What would end a cell is a blank in it.
+[[nodiscard]] std::u16string TabbedText(const TextTable& table);
+
+/// A caption without the mark of its mnemonic and its dots.
+[[nodiscard]] std::u16string PlainCaption(const std::u16string& caption);
+
+/// Statistics of the shown channels over a selection.
+[[nodiscard]] TextTable StatisticsTable(const ReadoutSource& source, const Selection& selection,
+                                        const UserServices& services);
+
+/// What keys and mouse do.
+[[nodiscard]] TextTable KeysTable(const UserServices& services);
+
+}  // namespace quillon
