@@ -10,10 +10,6 @@ namespace quillon {
 
 namespace {
 
-bool Contains(const PixelRect& rect, int x, int y) {
-    return x >= rect.left && x < rect.Right() && y >= rect.top && y < rect.Bottom();
-}
-
 int HeightOf(HWND window) {
     RECT rect{};
     GetWindowRect(window, &rect);
@@ -76,11 +72,7 @@ void ControlLayout::Arrange() {
         ExpectBars(input);
     }
     input.dpi = m_dpi;
-    input.listWidth = m_placement.listWidth;
-    input.upperPercent = m_placement.upperPercent;
-    input.valuesHeight = m_placement.valuesHeight;
-    input.spectrogram = m_placement.spectrogramShown;
-    input.spectrogramPercent = m_placement.spectrogramPercent;
+    TakeSizes(m_placement, input);
     m_layout = ArrangeMain(input);
     if (complete) return PlaceControls();
     MoveWindow(Control(pbGraph), m_layout.graph.left, m_layout.graph.top, m_layout.graph.width, m_layout.graph.height,
@@ -88,21 +80,9 @@ void ControlLayout::Arrange() {
 }
 
 void ControlLayout::PlaceControls() const {
-    struct Place {
-        int id;
-        const PixelRect& rect;
-    };
-    const Place places[] = {
-        {tbMain, m_layout.tools},      {tbGoTo, m_layout.goTo},         {tabPath, m_layout.tabPath},
-        {lstDrive, m_layout.drive},    {pbPathList, m_layout.pathList}, {lstDir, m_layout.folders},
-        {lvCh, m_layout.channels},     {tabFile, m_layout.tabFile},     {cboFileType, m_layout.fileType},
-        {lstFile, m_layout.files},     {lstBlock, m_layout.blocks},     {pnValues, m_layout.values},
-        {pbScaleY, m_layout.scaleY},   {pbGraph, m_layout.graph},       {scScaleY, m_layout.scrollY},
-        {btnZoomX, m_layout.zoomX},    {pbScaleX, m_layout.scaleX},     {scScaleX, m_layout.scrollX},
-        {pbFFT, m_layout.spectrogram}, {pbPal, m_layout.palette},       {pbScaleF, m_layout.scaleF},
-    };
-    HDWP positions = BeginDeferWindowPos(static_cast<int>(std::size(places)));
-    for (const Place& place : places) {
+    const std::vector<ControlPlace> places = PlacesOf(m_layout);
+    HDWP positions = BeginDeferWindowPos(static_cast<int>(places.size()));
+    for (const ControlPlace& place : places) {
         // The height of a drop-down list is that of its open list.
         const bool isCombo = place.id == lstDrive || place.id == cboFileType;
         const int height = isCombo ? MulDiv(240, m_dpi, 96) : place.rect.height;
@@ -118,64 +98,35 @@ bool ControlLayout::SetPointer() const {
     POINT point{};
     GetCursorPos(&point);
     ScreenToClient(m_window, &point);
-    const bool column = Contains(m_layout.splitColumn, point.x, point.y);
-    bool rows = false;
-    for (const PixelRect& split : {m_layout.splitLists, m_layout.splitValues, m_layout.splitSpectrogram})
-        rows |= Contains(split, point.x, point.y);
-    if (!column && !rows) return false;
-    SetCursor(LoadCursorW(nullptr, column ? IDC_SIZEWE : IDC_SIZENS));
+    const Splitter splitter = SplitterAt(m_layout, point.x, point.y);
+    if (splitter == Splitter::None) return false;
+    SetCursor(LoadCursorW(nullptr, splitter == Splitter::Column ? IDC_SIZEWE : IDC_SIZENS));
     return true;
 }
 
 void ControlLayout::Press(int x, int y) {
-    if (Contains(m_layout.splitColumn, x, y)) m_drag = Drag::Column;
-    if (Contains(m_layout.splitLists, x, y)) m_drag = Drag::Lists;
-    if (Contains(m_layout.splitValues, x, y)) m_drag = Drag::Values;
-    if (Contains(m_layout.splitSpectrogram, x, y)) m_drag = Drag::Spectrogram;
-    if (m_drag != Drag::None) SetCapture(m_window);
+    m_drag = SplitterAt(m_layout, x, y);
+    if (IsDragging()) SetCapture(m_window);
 }
 
 bool ControlLayout::Move(int x, int y) {
-    if (m_drag == Drag::None) return false;
-    const int top = m_layout.tabPath.top;
-    const int height = m_layout.blocks.Bottom() - top - m_layout.splitLists.height;
-    if (m_drag == Drag::Column) m_placement.listWidth = std::max(x - m_layout.splitColumn.width / 2, 1);
-    if (m_drag == Drag::Lists && height > 0) m_placement.upperPercent = std::max((y - top) * 100 / height, 1);
-    if (m_drag == Drag::Values)
-        m_placement.valuesHeight = std::max(m_layout.values.Bottom() - y - m_layout.splitValues.height / 2, 1);
-    const int shared = m_layout.spectrogram.Bottom() - m_layout.graph.top - m_layout.splitSpectrogram.height;
-    if (m_drag == Drag::Spectrogram && shared > 0)
-        m_placement.spectrogramPercent =
-            std::max((m_layout.spectrogram.Bottom() - y - m_layout.splitSpectrogram.height / 2) * 100 / shared, 1);
+    if (!IsDragging()) return false;
+    DragSplitter(m_drag, m_layout, x, y, m_placement);
     Arrange();
-    // What was reached counts, so that dragging beyond a limit and back has no dead travel.
-    m_placement.listWidth = m_layout.listWidth;
-    m_placement.upperPercent = m_layout.upperPercent;
-    if (m_drag == Drag::Values) m_placement.valuesHeight = m_layout.valuesHeight;
-    if (m_drag == Drag::Spectrogram && m_layout.spectrogramPercent > 0)
-        m_placement.spectrogramPercent = m_layout.spectrogramPercent;
+    KeepReached(m_drag, m_layout, m_placement);
     return true;
 }
 
 void ControlLayout::Release(bool released) {
-    if (m_drag == Drag::None) return;
-    m_drag = Drag::None;
+    if (!IsDragging()) return;
+    m_drag = Splitter::None;
     if (released) ReleaseCapture();
 }
 
 void ControlLayout::PaintFocus(HDC dc) const {
     const HWND focus = GetFocus();
     const int id = focus == nullptr || GetParent(focus) != m_window ? 0 : GetDlgCtrlID(focus);
-    PixelRect place;
-    if (id == lstDir) place = m_layout.folders;
-    if (id == lvCh) place = m_layout.channels;
-    if (id == lstFile) place = m_layout.files;
-    if (id == lstBlock) place = m_layout.blocks;
-    if (id == pbGraph) {
-        place = m_layout.scaleY;
-        place.width = m_layout.scrollY.Right() - place.left;
-        place.height = m_layout.scrollX.Bottom() - place.top;
-    }
+    const PixelRect place = FramedWith(m_layout, id);
     if (place.width > 0 && m_mainTools.cx > 0) {
         RECT frame{place.left, place.top, place.Right(), place.Bottom()};
         // Thin round the graph, which has it most of the time.

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "app/MainLayout.h"
-#include "app/WindowPlacement.h"
+#include "app/MainSplitters.h"
 #include "base/win/Win32.h"
 
 namespace quillon {
@@ -24,7 +23,7 @@ class ControlLayout {
     void Forget() { m_size = {}; }
     [[nodiscard]] const PixelRect& Graph() const { return m_layout.graph; }
 
-    [[nodiscard]] bool IsDragging() const { return m_drag != Drag::None; }
+    [[nodiscard]] bool IsDragging() const { return m_drag != Splitter::None; }
     /// Sets the shape of the pointer over a splitter; false elsewhere.
     [[nodiscard]] bool SetPointer() const;
     void Press(int x, int y);
@@ -35,7 +34,6 @@ class ControlLayout {
     void PaintFocus(HDC dc) const;
 
   private:
-    enum class Drag { None, Column, Lists, Values, Spectrogram };
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
     /// Heights and widths that the controls have, or, before they exist, are going to have.
     void MeasureControls(LayoutInput& input) const;
@@ -50,7 +48,7 @@ class ControlLayout {
     SIZE m_pageTools{};
     MainLayout m_layout;
     SIZE m_size{};  ///< of the client area that the controls fill
-    Drag m_drag = Drag::None;
+    Splitter m_drag = Splitter::None;
 };
 
 }  // namespace quillon

@@ -1,0 +1,78 @@
+#include "app/MainSplitters.h"
+
+#include <algorithm>
+
+#include "app/ControlIds.h"
+
+namespace quillon {
+
+namespace {
+
+bool Contains(const PixelRect& rect, int x, int y) {
+    return x >= rect.left && x < rect.Right() && y >= rect.top && y < rect.Bottom();
+}
+
+}  // namespace
+
+Splitter SplitterAt(const MainLayout& layout, int x, int y) {
+    if (Contains(layout.splitSpectrogram, x, y)) return Splitter::Spectrogram;
+    if (Contains(layout.splitValues, x, y)) return Splitter::Values;
+    if (Contains(layout.splitLists, x, y)) return Splitter::Lists;
+    return Contains(layout.splitColumn, x, y) ? Splitter::Column : Splitter::None;
+}
+
+void TakeSizes(const WindowPlacement& placement, LayoutInput& input) {
+    input.listWidth = placement.listWidth;
+    input.upperPercent = placement.upperPercent;
+    input.valuesHeight = placement.valuesHeight;
+    input.spectrogram = placement.spectrogramShown;
+    input.spectrogramPercent = placement.spectrogramPercent;
+}
+
+void DragSplitter(Splitter splitter, const MainLayout& layout, int x, int y, WindowPlacement& placement) {
+    const int top = layout.tabPath.top;
+    const int height = layout.blocks.Bottom() - top - layout.splitLists.height;
+    if (splitter == Splitter::Column) placement.listWidth = std::max(x - layout.splitColumn.width / 2, 1);
+    if (splitter == Splitter::Lists && height > 0) placement.upperPercent = std::max((y - top) * 100 / height, 1);
+    if (splitter == Splitter::Values)
+        placement.valuesHeight = std::max(layout.values.Bottom() - y - layout.splitValues.height / 2, 1);
+    const int shared = layout.spectrogram.Bottom() - layout.graph.top - layout.splitSpectrogram.height;
+    if (splitter == Splitter::Spectrogram && shared > 0)
+        placement.spectrogramPercent =
+            std::max((layout.spectrogram.Bottom() - y - layout.splitSpectrogram.height / 2) * 100 / shared, 1);
+}
+
+void KeepReached(Splitter splitter, const MainLayout& layout, WindowPlacement& placement) {
+    placement.listWidth = layout.listWidth;
+    placement.upperPercent = layout.upperPercent;
+    if (splitter == Splitter::Values) placement.valuesHeight = layout.valuesHeight;
+    if (splitter == Splitter::Spectrogram && layout.spectrogramPercent > 0)
+        placement.spectrogramPercent = layout.spectrogramPercent;
+}
+
+std::vector<ControlPlace> PlacesOf(const MainLayout& layout) {
+    return {
+        {tbMain, layout.tools},      {tbGoTo, layout.goTo},         {tabPath, layout.tabPath},
+        {lstDrive, layout.drive},    {pbPathList, layout.pathList}, {lstDir, layout.folders},
+        {lvCh, layout.channels},     {tabFile, layout.tabFile},     {cboFileType, layout.fileType},
+        {lstFile, layout.files},     {lstBlock, layout.blocks},     {pnValues, layout.values},
+        {pbScaleY, layout.scaleY},   {pbGraph, layout.graph},       {scScaleY, layout.scrollY},
+        {btnZoomX, layout.zoomX},    {pbScaleX, layout.scaleX},     {scScaleX, layout.scrollX},
+        {pbFFT, layout.spectrogram}, {pbPal, layout.palette},       {pbScaleF, layout.scaleF},
+    };
+}
+
+PixelRect FramedWith(const MainLayout& layout, int control) {
+    switch (control) {
+        case lstDir: return layout.folders;
+        case lvCh: return layout.channels;
+        case lstFile: return layout.files;
+        case lstBlock: return layout.blocks;
+        case pbGraph:
+            return {layout.scaleY.left, layout.scaleY.top, layout.scrollY.Right() - layout.scaleY.left,
+                    layout.scrollX.Bottom() - layout.scaleY.top};
+        default: return {};
+    }
+}
+
+}  // namespace quillon
