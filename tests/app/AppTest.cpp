@@ -12,7 +12,8 @@
 #include "app/Commands.h"
 #include "app/GraphKeys.h"
 #include "app/HelpFile.h"
-#include "app/MainLayout.h"
+#include "app/MainSplitters.h"
+#include "app/PanelTable.h"
 #include "app/StartUp.h"
 #include "app/StatusPanels.h"
 #include "app/ValuesReadout.h"
@@ -123,6 +124,67 @@ TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
         EXPECT_EQ(again.values.top, layout.values.top);
         EXPECT_EQ(again.upperPercent, layout.upperPercent);
         EXPECT_EQ(again.spectrogramPercent, layout.spectrogramPercent);
+    }
+}
+
+TEST(MainSplitters, FollowThePointer) {
+    WindowPlacement placement;
+    placement.spectrogramShown = true;
+    const auto arranged = [&] {
+        LayoutInput input{1600, 1000, 22, 21, 24, 30, 380, 100, 96};
+        TakeSizes(placement, input);
+        return ArrangeMain(input);
+    };
+    const std::pair<Splitter, PixelRect MainLayout::*> splitters[] = {
+        {Splitter::Column, &MainLayout::splitColumn},
+        {Splitter::Lists, &MainLayout::splitLists},
+        {Splitter::Values, &MainLayout::splitValues},
+        {Splitter::Spectrogram, &MainLayout::splitSpectrogram}};
+    for (const auto& [splitter, member] : splitters) {
+        const MainLayout before = arranged();
+        const auto middle = [member = member](const MainLayout& layout) {
+            const PixelRect& rect = layout.*member;
+            return std::pair(rect.left + rect.width / 2, rect.top + rect.height / 2);
+        };
+        const auto [x, y] = middle(before);
+        SCOPED_TRACE(static_cast<int>(splitter));
+        EXPECT_EQ(SplitterAt(before, x, y), splitter);
+        DragSplitter(splitter, before, x + 30, y - 30, placement);
+        const auto [right, up] = middle(arranged());
+        // Shares are whole percents of some 900 pixels.
+        if (splitter == Splitter::Column) {
+            EXPECT_NEAR(right, x + 30, 1);
+        } else {
+            EXPECT_NEAR(up, y - 30, 12);
+        }
+    }
+    EXPECT_EQ(SplitterAt(arranged(), arranged().graph.left + 50, arranged().graph.top + 50), Splitter::None);
+}
+
+TEST(PanelTable, EveryLineIsSeenWholeOrCanBeScrolledTo) {
+    std::u16string text = u"X:\t1 s\r\n";
+    for (int line = 1; line < 20; ++line) text += u"Ch:\t-1 mV\r\n";
+    const CellLines lines = CellsOf(text);
+    ASSERT_EQ(lines.size(), 20U);
+    // 10 pixels a letter: lines are 30 + 10 + 50 + 10 wide.
+    const CellFont font{20, 10, [](const std::u16string& cell) { return 10 * static_cast<std::int32_t>(cell.size()); }};
+    using Case = std::array<int, 4>;
+    for (const auto& [width, height, columns, seen] :
+         {Case{100, 400, 1, 20}, Case{200, 200, 2, 20}, Case{199, 200, 1, 10}, Case{99, 400, 1, 20},
+          Case{5000, 20, 20, 20}}) {
+        SCOPED_TRACE(width);
+        const PanelTable table = ArrangeCells(lines, width, height, font);
+        EXPECT_EQ(table.columns, columns);
+        EXPECT_EQ(table.fits, seen == 20 && width >= 100);
+        std::int32_t first = 1000;
+        const std::vector<SeenCell> cells = SeenCells(lines, table, width, first);
+        EXPECT_EQ(first, 20 - seen) << "the last line is the last that is seen";
+        ASSERT_EQ(cells.size(), 2U * static_cast<unsigned>(seen));
+        EXPECT_EQ(cells.back().text, u"-1 mV");
+        for (const SeenCell& cell : cells) {
+            EXPECT_LE(cell.top + table.lineHeight, height);
+            EXPECT_LE(cell.right, width);
+        }
     }
 }
 

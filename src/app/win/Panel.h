@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "base/win/WinHandle.h"
 #include "view/win/PictureBox.h"
@@ -26,13 +26,13 @@ class Panel final : public PictureOwner {
     void PictureFailed(const std::exception&) override {}
 
   private:
-    void PaintTable(HDC dc, const RECT& place, const std::wstring& text);
+    void PaintTable(HDC dc, const RECT& place);
 
     PictureBox m_box;
     std::u16string m_text;
     bool m_bold = false;
-    int m_first = 0;      ///< line that stands at the top
-    int m_wheelRest = 0;  ///< of turns that make no whole line
+    std::int32_t m_first = 0;  ///< line that stands at the top
+    int m_wheelRest = 0;       ///< of turns that make no whole line
 };
 
 }  // namespace quillon
