@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/Commands.h"
+#include "app/ControlIds.h"
 #include "app/StringIds.h"
 
 namespace quillon {
@@ -97,6 +98,27 @@ int CommandOf(KeyPlace place, Key key, bool control, bool shift, bool alt) {
                binding.control == control && binding.shift == shift && binding.alt == alt;
     });
     return found == kBindings.end() ? 0 : found->command;
+}
+
+KeyPlace KeyPlaceOf(int control) {
+    switch (control) {
+        case 0:
+        case pbGraph: return KeyPlace::Graph;
+        case lstDir: return KeyPlace::FolderList;
+        case lstFile: return KeyPlace::FileList;
+        case lvCh: return KeyPlace::ChannelList;
+        default: return KeyPlace::Everywhere;
+    }
+}
+
+std::optional<GraphZone> WheelZoneOf(int control) {
+    switch (control) {
+        case pbGraph: return GraphZone::Traces;
+        case pbFFT: return GraphZone::Spectrogram;
+        case pbScaleX: return GraphZone::TimeScale;
+        case pbScaleY: return GraphZone::AmplitudeScale;
+        default: return std::nullopt;
+    }
 }
 
 std::u16string KeyText(const KeyBinding& binding, const UserServices& services) {

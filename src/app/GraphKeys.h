@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
 #include "data/UserServices.h"
+#include "view/GraphGestures.h"
 
 namespace quillon {
 
@@ -52,6 +54,12 @@ struct KeyBinding {
 
 /// Command of a key; 0 where it has none at that place.
 [[nodiscard]] int CommandOf(KeyPlace place, Key key, bool control, bool shift, bool alt);
+
+/// What the keys mean where a control of the main window has the focus; 0: the window itself.
+[[nodiscard]] KeyPlace KeyPlaceOf(int control);
+
+/// What the wheel turns over a control; nothing of the graph over others.
+[[nodiscard]] std::optional<GraphZone> WheelZoneOf(int control);
 
 /// The key as a menu shows it, such as "Ctrl+Shift+E".
 [[nodiscard]] std::u16string KeyText(const KeyBinding& binding, const UserServices& services);

@@ -45,11 +45,8 @@ bool IsRepeated(const MSG& message) {
 
 KeyPlace KeyInput::FocusPlace() const {
     const HWND focus = GetFocus();
-    if (focus == m_window || focus == Control(pbGraph)) return KeyPlace::Graph;
-    if (focus == Control(lstDir)) return KeyPlace::FolderList;
-    if (focus == Control(lstFile)) return KeyPlace::FileList;
-    if (focus == Control(lvCh)) return KeyPlace::ChannelList;
-    return KeyPlace::Everywhere;
+    if (focus == m_window) return KeyPlaceOf(0);
+    return GetParent(focus) == m_window ? KeyPlaceOf(GetDlgCtrlID(focus)) : KeyPlace::Everywhere;
 }
 
 bool KeyInput::Translate(const MSG& message) {
@@ -97,7 +94,8 @@ bool KeyInput::RouteWheel(const MSG& message) {
     const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
     if (under == nullptr || !IsWindowEnabled(m_window) || !IsChild(m_window, under)) return false;
     const int id = GetDlgCtrlID(under);
-    if (id != pbGraph && id != pbFFT && id != pbScaleX && id != pbScaleY) {
+    const std::optional<GraphZone> zone = WheelZoneOf(id);
+    if (!zone) {
         // A closed drop-down list would choose another entry: it has to have the focus for that.
         const bool choice = id == lstDrive || id == cboFileType;
         if (!choice || GetFocus() == under) SendMessageW(under, WM_MOUSEWHEEL, message.wParam, message.lParam);
@@ -118,11 +116,7 @@ bool KeyInput::RouteWheel(const MSG& message) {
                                (keys & MK_SHIFT) != 0, (keys & MK_CONTROL) != 0, GetKeyState(VK_MENU) < 0};
     // The release of the key would open the menu.
     if (pointer.alt) m_altUsed = true;
-    const GraphZone zone = id == pbScaleX   ? GraphZone::TimeScale
-                           : id == pbScaleY ? GraphZone::AmplitudeScale
-                           : id == pbFFT    ? GraphZone::Spectrogram
-                                            : GraphZone::Traces;
-    onWheel(delta, zone, pointer);
+    onWheel(delta, *zone, pointer);
     return true;
 }
 

@@ -223,7 +223,7 @@ void MainRooms::LeaveBlock() {
     spectrogram.LeaveBlock();
     view.LeaveBlock();
     m_menuChannel = 0;
-    m_unreadable.clear();
+    m_unreadable = {};
     status.Retract(StatusBar::Topic::Unreadable);
 }
 
@@ -304,12 +304,9 @@ void MainRooms::TellUnreadable(bool wholeView) {
         const std::u16string text = FileNameOf(m_document.File().fileName) + u": " +
                                     m_parts.services.Text(inView ? IDS_UNREADABLE : IDS_RANGE_PARTIAL) + u": " +
                                     Utf16(reason);
-        // What lies out of view is told once.
-        if (inView || text != m_unreadable) status.Tell(StatusBar::Topic::Unreadable, text);
-        m_unreadable = text;
-    } else if (wholeView && !m_unreadable.empty()) {
+        if (m_unreadable.Found(text, inView)) status.Tell(StatusBar::Topic::Unreadable, text);
+    } else if (wholeView && m_unreadable.Gone()) {
         status.Retract(StatusBar::Topic::Unreadable);
-        m_unreadable.clear();
     }
 }
 

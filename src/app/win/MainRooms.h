@@ -8,6 +8,7 @@
 #include "app/CommandState.h"
 #include "app/Commands.h"
 #include "app/ExportCommands.h"
+#include "app/UnreadableSamples.h"
 #include "app/ValuesReadout.h"
 #include "app/win/BrowserPane.h"
 #include "app/win/DialogCommands.h"
@@ -116,7 +117,7 @@ class MainRooms {
     bool m_lookDue = false;
     std::int16_t m_menuChannel = 0;             ///< of the trace nearest to where the context menu opened; 0: none
     std::optional<WaveformView::State> m_kept;  ///< while the recording is loaded anew
-    std::u16string m_unreadable;                ///< what "Status" was told of samples that cannot be read
+    UnreadableSamples m_unreadable;
 
   public:
     WaveformView& view;
