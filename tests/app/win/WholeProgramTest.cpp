@@ -303,12 +303,13 @@ TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
     // It still shows what it is asked for.
     ReleaseCapture();
     m_global.settings.display.gridStyle = 0;
+    SetWindowPos(m_form->Window(), nullptr, 0, 0, 1000, 640, SWP_NOMOVE | SWP_NOZORDER);
+    SendMessageW(Control(lstFile), LB_SETTOPINDEX, 0, 0);
     ClickLine(lstFile, 0);
     Command(mnuGoTo);
     Command(mnuChShow);
     Command(mnuBaseLine + 1);
     EXPECT_THAT(Caption(), StartsWith(L"a.bin"));
-    SetWindowPos(m_form->Window(), nullptr, 0, 0, 1000, 640, SWP_NOMOVE | SWP_NOZORDER);
     EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 100);
 }
 
