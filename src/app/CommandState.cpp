@@ -23,7 +23,7 @@ bool IsEnabled(int id, const CommandState& state) {
     if (Within(id, mnuFocus, 4)) return true;
     if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
         return true;
-    // A file that was refused can be deleted and renamed as well.
+    // A file that could not be opened can still be deleted and renamed.
     if (Within(id, mnuFileOperation, 2)) return state.filePosition >= 0;
     if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard < state.soundDevices;
     if (id == mnuSoundPlay + 2) return state.playing;

@@ -4,7 +4,7 @@
 
 namespace quillon {
 
-/// What decides which commands can be run, and which of them show a check mark.
+/// State that determines which commands are enabled and which show a check mark.
 struct CommandState {
     std::int32_t fileCount = 0;      ///< in the file list
     std::int32_t filePosition = -1;  ///< of the selected one, from 0, whether or not it could be opened; -1: none is
@@ -13,7 +13,7 @@ struct CommandState {
     bool hasMarks = false;
     bool isSolo = false;
     bool hasSelection = false;
-    bool hasHistory = false;  ///< views that can be gone back to
+    bool hasHistory = false;  ///< there are previous views to return to
     std::int32_t zoomX = 0;   ///< indexes in the tables of scales
     std::int32_t scaleY = 0;
     bool spectrogramShown = false;
@@ -23,7 +23,7 @@ struct CommandState {
     std::int16_t helpLanguage = 0;
 };
 
-/// Whether a command can do anything in that state.
+/// Whether a command is enabled in that state.
 [[nodiscard]] bool IsEnabled(int id, const CommandState& state);
 
 /// Whether a command shows a check mark.

@@ -43,7 +43,7 @@ enum CommandId : int {
     mnuNextPalette,
     mnuMove = 1640,       ///< by keys, see Moves
     mnuRecording = 1660,  ///< of the file list: 0 previous, 1 next
-    mnuFocus = 1670,      ///< the keyboard goes to: 0 folders, 1 channels, 2 files, 3 blocks
+    mnuFocus = 1670,      ///< move the focus to: 0 folders, 1 channels, 2 files, 3 blocks
 };
 
 /// A move of the view by pixels: columns scroll it, rows move the base line (downwards positive).
@@ -54,10 +54,10 @@ struct Move {
 /// The moves of mnuMove, by index.
 [[nodiscard]] std::span<const Move> Moves();
 
-/// Sound devices that the menu offers at most.
+/// Maximum number of sound devices in the menu.
 inline constexpr int kSoundCards = 64;
 
-/// Folders that the path list offers at most.
+/// Maximum number of folders in the path list.
 inline constexpr int kPathListEntries = 30;
 
 /// One line of the menu tree, in order. An entry of depth d belongs to the nearest popup of depth d-1 above it.
@@ -81,7 +81,7 @@ struct MenuEntry {
 /// Caption of an entry whose captions are computed (the zoom and scale lists).
 [[nodiscard]] std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator);
 
-/// What a picture on a button shows.
+/// Pictures of the buttons.
 enum class Icon {
     ZoomYOut,
     ZoomYIn,

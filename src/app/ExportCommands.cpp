@@ -13,10 +13,10 @@ namespace quillon {
 
 namespace {
 
-/// File names that the question about replacing shows.
+/// Maximum number of file names listed in the question about overwriting.
 constexpr std::size_t kNamesShown = 8;
 
-/// The name without its extension, and without those that the save dialog would take for the type that is meant.
+/// The name without its extension, and without further ones that the save dialog would read as the chosen file type.
 std::u16string BareName(const std::u16string& path) {
     std::u16string name = FileNameOf(path);
     name.resize(std::min(name.rfind(u'.'), name.size()));
@@ -54,12 +54,12 @@ void ExportCommands::SaveAs() {
     dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_parts.document.File().fileName) : last;
     onDialog();
     if (!dialog.Show() || isGone()) return;
-    // Its messages may have closed the recording, which another program can take away.
+    // The dialog runs a message loop, in which the recording may have been closed (its file was removed).
     if (m_parts.document.Block().block != block) return;
     m_saveType = dialog.filterIndex;
     const std::u16string name = dialog.fileName;
     if (LowerCase(name).ends_with(u".txt")) {
-        // The dialog has asked about the target itself, which a file per channel leaves alone.
+        // The dialog asked only about the named target; with one file per channel other names are written.
         std::vector<std::u16string> files = TextExportFiles(name, *block, m_parts.settings, m_parts.document.Slots());
         std::erase(files, name);
         if (!MayReplace(std::move(files)) || isGone()) return;
@@ -89,7 +89,7 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
     });
     exporter.SetProgress({});
     if (isGone()) return;
-    // What went wrong was told in a box.
+    // A message box has shown the error already.
     const std::u16string loss = DescribeLoss(exporter.Outcome(), m_parts.language);
     m_parts.services.SetStatus(done ? m_parts.services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") +
                                           loss
@@ -148,7 +148,7 @@ void ExportCommands::FastExport() {
     }
     if (m_parts.document.Block().block != block) return;
     std::u16string target = m_parts.settings.fastFile;
-    // A name without a folder means the recording's own.
+    // A name without a folder is relative to the recording's folder.
     if (target.find_first_of(u":\\/") == std::u16string::npos)
         target.insert(0, FolderOf(m_parts.document.File().fileName));
     if (!MayReplaceFastFiles(*block, target) || isGone()) return;
@@ -159,11 +159,11 @@ bool ExportCommands::MayReplaceFastFiles(const RecordingBlock& block, const std:
     std::vector<std::u16string> files = TextExportFiles(target, block, m_parts.settings, m_parts.document.Slots());
     std::erase_if(files, [&](const std::u16string& file) {
         if (std::find(m_fastFiles.begin(), m_fastFiles.end(), file) != m_fastFiles.end()) return true;
-        // The one that the user has named is not asked about, unless it is what nobody would replace by a text.
+        // The target that the user named needs no question, unless it is a recording other than the open one.
         return file == target && (file == m_parts.document.File().fileName || !IsRecording(file));
     });
     if (!MayReplace(files)) return false;
-    // What has been agreed to, or is written now, is not asked about again.
+    // Files that were confirmed once, or that this export writes, are not asked about again.
     m_fastFiles.insert(m_fastFiles.end(), files.begin(), files.end());
     return true;
 }

@@ -15,15 +15,15 @@
 
 namespace quillon {
 
-/// Writes the selection, or the whole block, as a recording or as text, and says in "Status" what came of it. Files
-/// that exist are asked about.
+/// Writes the selection, or the whole block, as a recording or as text, and reports the outcome in the panel "Status".
+/// Asks before it overwrites a file.
 class ExportCommands {
   public:
-    /// What it works with; all outlive it.
+    /// Objects it works with; all must outlive it.
     struct Parts {
         const Document& document;
         const WaveformView& view;
-        TextExportSettings& settings;  ///< what and where to; remembers the names that the user chose
+        TextExportSettings& settings;  ///< format and target paths; the names chosen by the user are stored back
         const FormatOptions& format;
         RecordingLibrary& library;
         KVExport& exporter;
@@ -37,8 +37,8 @@ class ExportCommands {
     // To be set by the owner.
     std::function<void()> onDialog;                                 ///< a dialog is going to be shown
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that takes long
-    std::function<bool()> onPending;  ///< called now and then by such work; false once the window is gone
-    std::function<bool()> isGone;     ///< whether the window is
+    std::function<bool()> onPending;  ///< called periodically by long work; false once the window is destroyed
+    std::function<bool()> isGone;     ///< whether the window is destroyed
 
     void SaveAs();
     void FastExport();
@@ -46,21 +46,21 @@ class ExportCommands {
     void CopyData();
 
   private:
-    /// What is to be exported: the selection, or the whole block.
+    /// Range to export: the selection, or without one the whole block.
     [[nodiscard]] SampleSpan Range() const;
     void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleSpan& range, std::int32_t type);
     void WriteText(const std::u16string& target, const SampleSpan& range);
-    /// Asks the user once about those of the files that exist.
+    /// Asks once, for all of the files that exist, whether to overwrite them.
     [[nodiscard]] bool MayReplace(std::vector<std::u16string> files) const;
-    /// The same about files that the fast export would replace and nobody has named for it.
+    /// The same for files that the fast export would overwrite and that the user did not name for it.
     [[nodiscard]] bool MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target);
     [[nodiscard]] bool IsRecording(const std::u16string& path) const;
-    /// Asks the user where so much text would hardly find room.
+    /// Asks for confirmation when the text may be too large for the clipboard.
     [[nodiscard]] bool MayCopy(std::int32_t samples) const;
 
     Parts m_parts;
     std::int32_t m_saveType = 1;              ///< chosen last in the Save As dialog
-    std::vector<std::u16string> m_fastFiles;  ///< that the fast export may replace unasked
+    std::vector<std::u16string> m_fastFiles;  ///< that the fast export may overwrite without asking
 };
 
 }  // namespace quillon

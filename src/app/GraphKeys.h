@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-/// A key: a capital letter or a digit is its own code, as on every keyboard.
+/// A virtual-key code; capital letters and digits are their own codes.
 enum class Key : std::uint16_t {
     None = 0,
     Left = 256,
@@ -37,7 +37,7 @@ constexpr Key Letter(char letter) {
     return static_cast<Key>(letter);
 }
 
-/// Where a key means something: what has the focus.
+/// Focus context in which a key is bound.
 enum class KeyPlace { Everywhere, Graph, FolderList, FileList, ChannelList };
 
 struct KeyBinding {
@@ -52,19 +52,19 @@ struct KeyBinding {
 /// Every key of the main window and the command that it runs.
 [[nodiscard]] std::span<const KeyBinding> KeyBindings();
 
-/// Command of a key; 0 where it has none at that place.
+/// Command bound to a key in that context; 0 if none.
 [[nodiscard]] int CommandOf(KeyPlace place, Key key, bool control, bool shift, bool alt);
 
-/// What the keys mean where a control of the main window has the focus; 0: the window itself.
+/// Key context of the focused control of the main window; 0: the window itself.
 [[nodiscard]] KeyPlace KeyPlaceOf(int control);
 
-/// What the wheel turns over a control; nothing of the graph over others.
+/// Wheel zone of a control; none for controls that do not belong to the graph.
 [[nodiscard]] std::optional<GraphZone> WheelZoneOf(int control);
 
 /// The key as a menu shows it, such as "Ctrl+Shift+E".
 [[nodiscard]] std::u16string KeyText(const KeyBinding& binding, const UserServices& services);
 
-/// What the menu entry of a command shows behind its caption; empty without a key of the graph.
+/// Key text shown after the caption of a menu entry; empty without a key bound in the graph.
 [[nodiscard]] std::u16string AcceleratorText(int command, const UserServices& services);
 
 }  // namespace quillon

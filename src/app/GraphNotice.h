@@ -7,14 +7,14 @@
 
 namespace quillon {
 
-/// What stands in the middle of a graph without traces.
+/// Notice in the middle of a graph without traces.
 struct GraphNotice {
-    std::u16string title;  ///< one line; empty when there is nothing to say
+    std::u16string title;  ///< one line; empty for no notice
     std::u16string text;   ///< lines separated by LF; may be empty
 };
 
-/// Why the graph is empty and what can be done about it: the reason of a refused file, how to begin, or that nothing is
-/// shown of the block. Nothing while there are traces. `fileCount` is that of the file list.
+/// Explains why the graph is empty and what to do: why the file was refused, how to open one, or that no channel is
+/// shown. Empty while there are traces. `fileCount` is that of the file list.
 [[nodiscard]] GraphNotice NoticeOf(const Document& document, std::int32_t fileCount, const UserServices& services);
 
 }  // namespace quillon

@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-/// Localised string of app/StringIds.h out of the program's string table of that language; empty when there is none.
+/// Localised string of app/StringIds.h from the program's string table of that language; empty when there is none.
 [[nodiscard]] std::u16string ResourceText(Language language, int id);
 
 /// Russian when that is the system's interface language, else English.

@@ -18,7 +18,7 @@ void ArrangePage(const PixelRect& page, std::int32_t comboHeight, std::int32_t g
     list = {page.left, top, page.width, std::max(page.Bottom() - top, 0)};
 }
 
-/// Sizes that all parts of the window share, in pixels.
+/// Sizes common to all parts of the window, in pixels.
 struct Measures {
     explicit Measures(const LayoutInput& from)
         : input(from),
@@ -26,7 +26,7 @@ struct Measures {
           splitter(Scaled(5)),
           height(std::max(from.clientHeight - from.statusHeight, 0)),
           top(Scaled(kAboveTools) + from.toolHeight + gap) {}
-    /// Pixels at 96 dots per inch as they are on this screen.
+    /// Scales a length from 96 dots per inch to this screen.
     [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return (pixels * input.dpi + 48) / 96; }
 
     const LayoutInput& input;

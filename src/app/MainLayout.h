@@ -13,7 +13,7 @@ struct PixelRect {
     [[nodiscard]] std::int32_t Bottom() const { return top + height; }
 };
 
-/// What the layout starts from; lengths in pixels.
+/// Input of the layout; lengths in pixels.
 struct LayoutInput {
     std::int32_t clientWidth = 0;
     std::int32_t clientHeight = 0;
@@ -26,7 +26,7 @@ struct LayoutInput {
     std::int32_t dpi = 96;
     std::int32_t listWidth = 0;           ///< of the lists' column; 0: the default
     std::int32_t upperPercent = 0;        ///< share of the upper list in the column; 0: the default
-    bool spectrogram = false;             ///< it is shown
+    bool spectrogram = false;             ///< whether it is shown
     std::int32_t spectrogramPercent = 0;  ///< its share of the graph's height; 0: the default
     std::int32_t valuesHeight = 0;        ///< of the values panel; 0: the default
 };

@@ -7,18 +7,18 @@
 
 namespace quillon {
 
-/// What the user drags between the controls of the main window.
+/// The splitter bars between the controls of the main window.
 enum class Splitter { None, Column, Lists, Values, Spectrogram };
 
 [[nodiscard]] Splitter SplitterAt(const MainLayout& layout, int x, int y);
 
-/// Where the layout is to put what the user has dragged before.
+/// Input of the layout from the stored splitter positions.
 void TakeSizes(const WindowPlacement& placement, LayoutInput& input);
 
-/// Sets the size that the splitter dragged to that point asks for. The layout is the present one.
+/// Stores the size that results from dragging the splitter to that point. `layout` is the current one.
 void DragSplitter(Splitter splitter, const MainLayout& layout, int x, int y, WindowPlacement& placement);
 
-/// What was reached by it counts, so that dragging beyond a limit and back has no dead travel.
+/// Stores the sizes after clamping, so that the splitter follows the pointer at once after it was dragged past a limit.
 void KeepReached(Splitter splitter, const MainLayout& layout, WindowPlacement& placement);
 
 struct ControlPlace {
@@ -27,7 +27,7 @@ struct ControlPlace {
 };
 [[nodiscard]] std::vector<ControlPlace> PlacesOf(const MainLayout& layout);
 
-/// What is framed when a control has the keyboard; empty for one that shows that itself.
+/// Rectangle of the focus frame of a control; empty for controls that show the focus themselves.
 [[nodiscard]] PixelRect FramedWith(const MainLayout& layout, int control);
 
 }  // namespace quillon

@@ -19,29 +19,28 @@ struct CellFont {
     std::function<std::int32_t(const std::u16string&)> width;
 };
 
-/// How lines of cells lie in their place; lengths in pixels.
+/// Arrangement of lines of cells within the panel; lengths in pixels.
 struct PanelTable {
     std::array<std::int32_t, 2> widths{};  ///< of the cells before the last
     std::int32_t lineHeight = 1;
     std::int32_t rows = 1;
     std::int32_t columns = 1;
-    bool fits = false;  ///< all lines are seen whole
+    bool fits = false;  ///< all lines are fully visible
 };
 
-/// More lines than fit below each other stand side by side, unless they would be cut.
+/// Lines that do not fit in one column go to further columns, unless those would be clipped.
 [[nodiscard]] PanelTable ArrangeCells(const CellLines& lines, std::int32_t width, std::int32_t height,
                                       const CellFont& font);
 
-/// A cell that is seen, from the corner of the table's place.
+/// A visible cell, relative to the top left corner of the table.
 struct SeenCell {
     const std::u16string& text;
     std::int32_t left = 0;
     std::int32_t top = 0;
-    std::int32_t right = 0;  ///< a text that reaches beyond is cut
+    std::int32_t right = 0;  ///< the text is clipped here
 };
 
-/// The cells that are seen in a place of that width when the line `first` stands at the top; keeps `first` within what
-/// can be scrolled.
+/// The visible cells for that width with line `first` at the top; clamps `first` to the scroll range.
 [[nodiscard]] std::vector<SeenCell> SeenCells(const CellLines& lines, const PanelTable& table, std::int32_t width,
                                               std::int32_t& first);
 

@@ -13,7 +13,7 @@ void Tell(const Event& event, Arguments&&... arguments) {
 
 void Playback::Open() {
     m_sound = std::make_unique<QLSound>(m_document.Block(), m_services, m_makeOutput);
-    // No event of the sound may throw.
+    // QLSound's events must not throw.
     const auto guarded = [this](auto handle) {
         try {
             handle();
@@ -87,7 +87,7 @@ void Playback::OnProgress(std::int32_t sample) {
     if (IsInView()) {
         m_follows = true;
     } else if (m_follows) {
-        // The line went over the edge of the view, or a zoom left it there.
+        // The playback line passed the edge of the view, or a zoom put it outside.
         const TimeAxis& axis = m_view.Axis();
         Tell(onScroll, (sample - 1) / axis.SamplesPerPixel() - axis.FirstColumn());
     }

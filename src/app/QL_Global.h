@@ -39,7 +39,7 @@ struct QL_Global {
     FormatOptions format;
 };
 
-/// Makes what the user chose about scales and texts take effect.
+/// Applies the settings for scales and number texts.
 void ApplyDisplaySettings(QL_Global& global);
 
 }  // namespace quillon

@@ -105,7 +105,7 @@ bool Write(RegistryObject& registry, const std::u16string& name, bool value) {
     return registry.WriteInt16(name, value ? 1 : 0);
 }
 
-/// One step of a load or save: an exception is its failure, the next step runs all the same.
+/// One step of a load or save: an exception counts as a failure of this step, the next one still runs.
 template <typename Step>
 bool Attempt(Step step) {
     try {

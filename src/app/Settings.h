@@ -15,7 +15,7 @@
 
 namespace quillon {
 
-/// What the user chose, kept between runs. The default values are those of a first run.
+/// User settings, stored between runs. The default values apply to a first run.
 struct Settings {
     std::u16string filesPath;       ///< folder shown last
     std::int16_t helpLanguage = 0;  ///< see ChooseHelpFile
@@ -27,7 +27,7 @@ struct Settings {
     WindowPlacement window;
 };
 
-/// Whose settings they are.
+/// Program whose settings are stored.
 struct ProgramIdentity {
     std::u16string name = u"Quillon";
     std::int16_t majorVersion = QUILLON_VERSION_MAJOR;
@@ -36,14 +36,14 @@ struct ProgramIdentity {
 };
 
 /// Loads and saves the settings in the current user's hive below Software\Norvik\<name>\<major version>.x, the values
-/// of the spectrum and of the main window in subkeys. Owns the registry object, which is made on first use. A failure
-/// of the registry ends neither a load nor a save; the values that it does not concern are read and written.
+/// of the spectrum and of the main window in subkeys. Owns the registry object, which is made on first use. A failing
+/// registry access does not end a load or save; all other values are still read or written.
 class SettingsStore {
   public:
     using MakeRegistry = std::function<std::unique_ptr<RegistryObject>()>;
     SettingsStore(MakeRegistry makeRegistry, ProgramIdentity program);
 
-    /// Leaves as it is what is not stored or cannot be used.
+    /// Values that are not stored or invalid are left unchanged.
     void Load(Settings& settings);
     /// Returns whether everything was written.
     bool Save(const Settings& settings);

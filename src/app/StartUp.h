@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// Makers of the objects of the core library; the start-up procedure names the real ones.
+/// Factories of the core library's objects; the start-up procedure passes the real ones.
 struct StartUpParts {
     std::function<std::shared_ptr<RecordingLibrary>(Language)> makeLibrary;
     std::function<std::int32_t()> systemVersion;
@@ -22,8 +22,8 @@ struct StartUpParts {
     std::u16string path = {};  ///< file or folder that the shell hands over, opened at the start; may be empty
 };
 
-/// Creates the process-wide objects. On a failure the user is told (a numbered error by its number, any other as an
-/// installation that has to be repaired) and false is returned: the program then ends without a window.
+/// Creates the process-wide objects. On a failure a message is shown (a numbered error by its number, any other as a
+/// damaged installation) and false is returned: the program then ends without a window.
 [[nodiscard]] bool Init(QL_Global& global, const StartUpParts& parts, UserServices& services);
 
 }  // namespace quillon

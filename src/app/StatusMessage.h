@@ -4,31 +4,31 @@
 
 namespace quillon {
 
-/// What the panel "Status" says, and how long it stands: until something else is told, or until what it was told of is
-/// over.
+/// The message in the panel "Status" and its lifetime: until another message replaces it, or until its topic is no
+/// longer current.
 class StatusMessage {
   public:
-    /// What a message is about.
+    /// Topic of a message.
     enum class Topic {
-        Outcome,     ///< of a command; stands until the next message
-        Sound,       ///< where it is, or why there is none
+        Outcome,     ///< result of a command; kept until the next message
+        Sound,       ///< playback position, or why nothing is played
         Unreadable,  ///< samples that cannot be read
-        Place,       ///< a place that was asked for and not understood
-        Reload,      ///< the recording has changed
-        Folder       ///< it cannot be listed
+        Place,       ///< a typed position that could not be parsed
+        Reload,      ///< the file of the recording has changed
+        Folder       ///< the folder cannot be listed
     };
 
     void Tell(Topic topic, const std::u16string& text) {
         m_topic = topic;
         m_text = text;
     }
-    /// Tells it unless something of another topic stands; returns whether it does.
+    /// Sets the message unless one of another topic is shown; returns whether it is shown now.
     bool Offer(Topic topic, const std::u16string& text) {
         if (!m_text.empty() && m_topic != topic) return false;
         Tell(topic, text);
         return true;
     }
-    /// Takes back what was told of a topic, where it still stands; returns whether it did.
+    /// Clears the message if it belongs to this topic; returns whether it did.
     bool Retract(Topic topic) {
         if (m_text.empty() || m_topic != topic) return false;
         m_text.clear();

@@ -57,7 +57,7 @@ PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services) {
     panel(StatusPanel::Size) = u"S: " + Decimal(block.sampleCount);
     if (block.sampleRate > 0.0) {
         FormatOptions length = format;
-        length.timeOfDay = false;  // which would begin anew every day
+        length.timeOfDay = false;  // a time of day would wrap at 24 hours
         panel(StatusPanel::Time) = u"T: " + FormatTime(block.sampleCount / block.sampleRate, u" ", length);
     }
     panel(StatusPanel::Rate) = u"Fs: " + FormatFrequency(block.sampleRate, u" ", false, format);

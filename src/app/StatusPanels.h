@@ -20,7 +20,7 @@ enum class StatusPanel : std::size_t { Scale, XPart, Status, Size, Time, Rate, V
 
 using PanelTexts = std::array<std::u16string, static_cast<std::size_t>(StatusPanel::Count)>;
 
-/// What the panels tell of.
+/// State that the panels describe.
 struct PanelFacts {
     const ViewBlock& block;
     const ChannelSlots& slots;

@@ -100,12 +100,12 @@
 #define IDS_FOCUS_0 3316
 #define IDS_MOVE_0 3320
 
-// Names of keys, in the order of app/KeyMap.h; gestures of the mouse, each followed by what it does.
+// Names of keys, in the order of app/GraphKeys.h; mouse gestures, each followed by the text of its effect.
 #define IDS_KEY_0 3340
 #define IDS_MOUSE_0 3360
 #define IDS_MOUSE_COUNT 12
 
-// Tables and what is asked for.
+// Table windows and input boxes.
 #define IDS_TABLE_KEY 3400
 #define IDS_TABLE_ACTION 3401
 #define IDS_CLOSE 3402

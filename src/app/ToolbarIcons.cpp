@@ -20,7 +20,7 @@ struct Point {
     double y;
 };
 
-/// A picture on a grid of 16 x 16 units. Later shapes cover earlier ones; each pixel is looked at in 4 x 4 places.
+/// A picture on a grid of 16 x 16 units. Later shapes cover earlier ones; each pixel is sampled at 4 x 4 points.
 class IconCanvas {
   public:
     explicit IconCanvas(int size)
@@ -89,7 +89,7 @@ class IconCanvas {
     static constexpr std::size_t kSide = 4;
     static constexpr std::size_t kSamples = kSide * kSide;
 
-    // Squares, for roots are what takes the time.
+    // Compares squares: square roots would dominate the time.
     static double SquaredDistance(Point a, Point b) { return (a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y); }
     static double SquaredDistance(Point at, Point a, Point b) {
         const double length = SquaredDistance(a, b);

@@ -11,7 +11,7 @@ namespace quillon {
 /// alpha. The shapes are drawn at the size asked for, with smooth edges, so that they are crisp at any density.
 [[nodiscard]] std::vector<std::uint32_t> DrawIcon(Icon icon, int size);
 
-/// The picture of a button that cannot be used.
+/// The picture of a disabled button.
 [[nodiscard]] std::vector<std::uint32_t> Greyed(std::vector<std::uint32_t> pixels);
 
 }  // namespace quillon

@@ -4,16 +4,16 @@
 
 namespace quillon {
 
-/// What was told of samples that cannot be read: those in view each time, those out of view once.
+/// Decides when a message about unreadable samples is shown: for samples in view each time, for those out of view once.
 class UnreadableSamples {
   public:
-    /// Whether the text is to be told now.
+    /// Whether the text is to be shown now.
     [[nodiscard]] bool Found(const std::u16string& text, bool inView) {
         const bool tell = inView || text != m_told;
         m_told = text;
         return tell;
     }
-    /// All that is seen could be read; whether something was told that is to be taken back.
+    /// To be called when all visible samples could be read; returns whether a shown message has to be cleared.
     [[nodiscard]] bool Gone() {
         const bool told = !m_told.empty();
         m_told.clear();

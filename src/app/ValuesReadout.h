@@ -12,10 +12,10 @@
 
 namespace quillon {
 
-/// What the panel of values says: the description of the recording, or what was read out last, as long as that is true.
+/// Content of the values panel: the description of the recording, or the last readout as long as it is up to date.
 class ValuesReadout {
   public:
-    /// All outlive it.
+    /// All arguments must outlive this object.
     ValuesReadout(const Document& document, const WaveformView& view, const FormatOptions& format,
                   const Settings& settings)
         : m_document(document), m_view(view), m_format(format), m_settings(settings) {}
@@ -28,16 +28,16 @@ class ValuesReadout {
     void TellSpectrum(const std::u16string& text) { Tell(Kind::Spectrum, text); }
     /// The values of the selection.
     void TellRange();
-    /// The selection has changed: what was told of it is told anew, or no more. `moved`: it is to be read out.
+    /// The selection has changed: updates or removes its readout. `moved`: shows a readout in any case.
     void SelectionChanged(bool moved);
-    /// Where a selection starts, what was told of the one before is not so any longer.
+    /// A new selection starts: removes the readout of the previous one.
     void SelectionStarted();
-    /// Tells anew, or no more, what is not so since shown channels or options have changed.
+    /// Shown channels or options have changed: updates or removes the readout.
     void KeepTrue();
 
   private:
     enum class Kind { Details, Hover, Spectrum, Range };
-    /// What a readout was made from.
+    /// Input of a readout.
     struct Basis {
         std::vector<std::int16_t> channels;  ///< shown ones
         FormatOptions format;

@@ -40,7 +40,7 @@ std::u16string PlainCaption(const std::u16string& caption) {
 TextTable StatisticsTable(const ReadoutSource& source, const Selection& selection, const UserServices& services) {
     TextTable table;
     table.title = PlainCaption(services.Text(IDS_STATISTICS));
-    // Too long for a caption, whose letters and buttons are of the system's choice.
+    // Too long for a title bar, whose font and buttons the system chooses.
     table.heading = PositionText(source.block, selection.First(), u" ", source.format) + u" \u2013 " +
                     PositionText(source.block, selection.Last(), u" ", source.format) + u", " +
                     Decimal(selection.Count()) + u' ' + services.Text(IDS_SAMPLES);
@@ -73,7 +73,7 @@ TextTable KeysTable(const UserServices& services) {
     table.copy = services.Text(IDS_COPY);
     for (const KeyBinding& binding : KeyBindings()) {
         std::u16string action = PlainCaption(services.Text(CaptionId(binding.command)));
-        // Both zooms are called the same in their menus.
+        // The menus use the same captions for both zooms.
         if (binding.command / 2 == mnuZoomX / 2) action.insert(0, PlainCaption(services.Text(IDS_MENU_XZOOM)) + u": ");
         if (binding.command / 2 == mnuZoomY / 2) action.insert(0, PlainCaption(services.Text(IDS_MENU_YSCALE)) + u": ");
         if (binding.place != KeyPlace::Everywhere && binding.place != KeyPlace::Graph) {

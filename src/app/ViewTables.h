@@ -25,17 +25,17 @@ struct TextTable {
     }
 };
 
-/// Lines of cells with tabs between them, the captions first. What would end a cell is a blank in it.
+/// Lines of cells separated by tabs, the captions first. Tabs and line breaks within a cell become blanks.
 [[nodiscard]] std::u16string TabbedText(const TextTable& table);
 
-/// A caption without the mark of its mnemonic and its dots.
+/// A caption without its mnemonic's ampersand and its ellipsis.
 [[nodiscard]] std::u16string PlainCaption(const std::u16string& caption);
 
 /// Statistics of the shown channels over a selection.
 [[nodiscard]] TextTable StatisticsTable(const ReadoutSource& source, const Selection& selection,
                                         const UserServices& services);
 
-/// What keys and mouse do.
+/// Table of keys and mouse gestures.
 [[nodiscard]] TextTable KeysTable(const UserServices& services);
 
 }  // namespace quillon

@@ -4,7 +4,7 @@
 
 namespace quillon {
 
-/// Where the main window was and how its areas share it, in pixels. A size or share of 0: none was chosen yet.
+/// Position of the main window and the sizes of its areas, in pixels. A size or share of 0: not chosen yet.
 struct WindowPlacement {
     std::int32_t left = 0;  ///< with top, width and height the place of the window when it is not maximized
     std::int32_t top = 0;

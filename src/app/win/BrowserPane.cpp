@@ -39,7 +39,8 @@ void BrowserPane::Attach(HWND parent, int dpi) {
 }
 
 void BrowserPane::KeepSettings() const {
-    // A folder that is only missing today, on a drive that is not there, is kept until the user goes elsewhere.
+    // A folder that is temporarily missing (its drive is not connected) stays in the settings until the user selects
+    // another one.
     if (!m_folderMissing) m_parts.settings.filesPath = Narrow16(m_browser.Folder());
 }
 
@@ -88,7 +89,7 @@ void BrowserPane::OpenFirstFile() {
 
 bool BrowserPane::ShowFolder(const std::wstring& folder) {
     if (m_browser.Shows(folder)) {
-        // It may have been away in between.
+        // The folder may have been removed and restored in between.
         Refresh();
         return true;
     }
@@ -106,7 +107,7 @@ bool BrowserPane::ShowFolder(const std::wstring& folder) {
 }
 
 void BrowserPane::OpenUnlisted(const std::wstring& name) {
-    // No line of the list stands for it, so none may look as if delete and rename would concern it.
+    // The file is not in the list, so no line may be selected as if delete and rename applied to it.
     m_browser.SelectFile(-1);
     onList(false);
     onFile(name);
@@ -127,7 +128,7 @@ void BrowserPane::OpenPath(const std::wstring& path) {
     if (m_browser.SelectFileNamed(name)) {
         ClickFile();
     } else {
-        // A name that the listed type leaves out: its content may be readable all the same.
+        // The name does not match the file type filter, but the content may still be readable.
         OpenUnlisted(name);
     }
 }
@@ -160,10 +161,10 @@ void BrowserPane::TellStart() {
 }
 
 void BrowserPane::Refresh() {
-    // The watch ends with a folder that goes, and does not know when it is back. It comes first, so that what happens
-    // between the two is told by it.
+    // The watch ends when its folder is removed, so start it again. Do so before listing, so that changes made in
+    // between are reported.
     StartWatch();
-    // What was missing may be back.
+    // A missing folder may be available again.
     m_parts.status.Retract(StatusBar::Topic::Folder);
     FilesChanged();
     onLook();
@@ -175,12 +176,12 @@ void BrowserPane::FilesChanged() try {
     if (m_parts.longCommand.IsBusy()) return;
     const bool wasSelected = m_browser.SelectedPosition() >= 0;
     m_browser.Refresh();
-    // A refused file that is gone needs no explanation any more.
+    // A refused file that no longer exists needs no explanation.
     if (wasSelected && m_browser.SelectedPosition() < 0 && m_parts.document.File().fileName.empty()) ClickFile();
     const std::wstring open = Wide(m_parts.document.File().fileName);
     const bool unseen = !open.empty() && GetFileAttributesW(open.c_str()) == INVALID_FILE_ATTRIBUTES;
     const DWORD reason = GetLastError();
-    // Any other reason may pass, as a network's does.
+    // Other errors may be temporary, e.g. of a network drive.
     if (unseen && (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND)) {
         const std::u16string name = FileNameOf(m_parts.document.File().fileName);
         m_browser.SelectFile(-1);
@@ -203,7 +204,7 @@ void BrowserPane::DeleteSelected() {
     const FileOperationResult result = DeleteToRecycleBin(folder, name, m_parts.longCommand.Window());
     // The shell's dialog runs messages: the window may be closed by now, or show another folder.
     if (m_parts.longCommand.IsGone()) return;
-    // Whatever came of it: others may have changed the folder meanwhile.
+    // Regardless of the result: other programs may have changed the folder meanwhile.
     Refresh();
     if (m_browser.Folder() != folder) return;
     if (result == FileOperationResult::Done) m_browser.SelectFile(std::min(position, m_browser.FileCount() - 1));
@@ -223,7 +224,7 @@ void BrowserPane::RenameSelected() {
     if (m_parts.longCommand.IsGone() || !answer || answer->empty() || *answer == name) return;
     const std::u16string failure = Narrow16(name) + u": " + m_parts.services.Text(IDS_RENAME_FAILED);
     if (!PlanRename(Narrow16(folder), Narrow16(name), Narrow16(*answer))) {
-        // Nothing that the shell could do: the recording stays open as it is.
+        // The shell could do nothing; the recording stays open.
         Tell(failure);
         return;
     }
@@ -245,7 +246,7 @@ void BrowserPane::RenameSelected() {
 
 void BrowserPane::SelectDrive() {
     const std::wstring drive = m_browser.ChosenDrive();
-    // The drive that is shown already leaves the folder as it is, unless that has gone.
+    // Selecting the current drive keeps the folder, unless the folder no longer exists.
     const std::wstring& shown = m_browser.Folder();
     const bool stays = !shown.empty() && towupper(shown[0]) == towupper(drive[0]) &&
                        GetFileAttributesW(shown.c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -268,7 +269,7 @@ void BrowserPane::ClickFile() {
 
 void BrowserPane::ChooseFile() {
     ClickFile();
-    // The folder that this one stands for is not asked for again.
+    // A recording was opened here, so this folder replaces the missing one of the settings.
     if (m_parts.document.File().recording) m_folderMissing = false;
 }
 

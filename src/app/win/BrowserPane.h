@@ -15,11 +15,11 @@
 
 namespace quillon {
 
-/// The lists of drives, folders, types and files, with the path list, the watch over the folder, and what is done with
-/// the selected file.
+/// The lists of drives, folders, types and files, with the path list, the folder watch, and the operations on the
+/// selected file.
 class BrowserPane final : private PictureOwner {
   public:
-    /// What it works with; all outlive it.
+    /// Objects it works with; all must outlive it.
     struct Parts {
         const Document& document;
         RecordingLibrary& library;
@@ -31,14 +31,14 @@ class BrowserPane final : private PictureOwner {
     explicit BrowserPane(const Parts& parts) : m_parts(parts) {}
 
     // To be set by the owner.
-    std::function<void(const std::wstring& name)> onFile;  ///< a file is to be opened; empty: none
-    std::function<void()> onClose;                         ///< the open file is to be closed
-    std::function<void(bool changed)> onList;              ///< files, or the selected one; `changed` by others
-    std::function<void()> onLook;                          ///< the user wants the open file as it is now
-    std::function<void()> onPathList;                      ///< the list is to be shown
+    std::function<void(const std::wstring& name)> onFile;  ///< request to open a file; empty: none
+    std::function<void()> onClose;                         ///< request to close the open file
+    std::function<void(bool changed)> onList;              ///< file list or selection changed; `changed`: by others
+    std::function<void()> onLook;                          ///< request to reload the open file if it has changed
+    std::function<void()> onPathList;                      ///< request to show the path list
     std::function<void(const std::exception& error)> onFailed;
 
-    /// Shows the folder of the settings, or the current one, and watches it. The controls come later.
+    /// Lists the folder of the settings, or the current one, and watches it. Works before the controls exist.
     void Open(const TimerFactory& makeTimer);
     void Attach(HWND parent, int dpi);
     /// Ends the watch.
@@ -59,9 +59,9 @@ class BrowserPane final : private PictureOwner {
     void OpenPath(const std::wstring& path);
     void OpenFolder() { ShowFolder(m_browser.ChosenFolder()); }
     void ChoosePath(int index);
-    /// The recording before (0) or behind (1) the selected one.
+    /// Opens the recording before (0) or after (1) the selected one.
     void OpenNeighbour(int index);
-    /// Reads the folder and watches it anew; the open recording stays open.
+    /// Lists the folder again and restarts the watch; the open recording stays open.
     void Refresh();
     /// Files were created, deleted or renamed by others.
     void FilesChanged();
@@ -71,21 +71,21 @@ class BrowserPane final : private PictureOwner {
     void RenameSelected();
     /// A recording of the shown folder was opened.
     void Opened();
-    /// Says at the start when the folder of the settings is missing.
+    /// Reports at start-up that the folder of the settings is missing.
     void TellStart();
 
   private:
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
     bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
     void PictureFailed(const std::exception& error) override { onFailed(error); }
-    /// False when the folder cannot be read; then the old one stays.
+    /// False when the folder cannot be read; the old one then stays current.
     bool ShowFolder(const std::wstring& folder);
-    /// Opens a file of the shown folder that the list leaves out.
+    /// Opens a file of the current folder that the file type filter hides.
     void OpenUnlisted(const std::wstring& name);
     void ClickFile();
     /// Opens the file that the user has selected.
     void ChooseFile();
-    /// Says when the folder could not be listed to its end.
+    /// Reports that the folder could not be listed completely.
     void TellMissing();
     void SelectType();
     void SelectDrive();
@@ -100,8 +100,8 @@ class BrowserPane final : private PictureOwner {
     ImageList m_pathListIcon;
     HWND m_types = nullptr;
     int m_dpi = 96;
-    bool m_folderMissing = false;     ///< that of the settings could not be read, and the user chose no other yet
-    bool m_changedMeanwhile = false;  ///< files did, while a command ran
+    bool m_folderMissing = false;     ///< the folder of the settings could not be read, and no other was chosen since
+    bool m_changedMeanwhile = false;  ///< files changed while a command ran
 };
 
 }  // namespace quillon

@@ -47,8 +47,8 @@ void ControlLayout::MeasureControls(LayoutInput& input) const {
 }
 
 void ControlLayout::ExpectBars(LayoutInput& input) const {
-    // The graph stands between the toolbars and the status bar: as high as their controls make them, or it is moved
-    // when they are there.
+    // The graph is placed between toolbars and status bar before these exist: their heights must be predicted exactly,
+    // or the graph would move when they are created.
     const WindowDC dc(m_window);
     const SelectScope font(dc.Get(), m_font);
     TEXTMETRICW metrics{};
@@ -90,7 +90,7 @@ void ControlLayout::PlaceControls() const {
                                    place.rect.width, height, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
     }
     EndDeferWindowPos(positions);
-    // Everything anew: pixels moved along with their controls were seen to stay behind in other controls.
+    // No copied pixels (SWP_NOCOPYBITS), redraw everything: copied pixels were seen left behind in other controls.
     RedrawWindow(m_window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
@@ -129,7 +129,7 @@ void ControlLayout::PaintFocus(HDC dc) const {
     const PixelRect place = FramedWith(m_layout, id);
     if (place.width > 0 && m_mainTools.cx > 0) {
         RECT frame{place.left, place.top, place.Right(), place.Bottom()};
-        // Thin round the graph, which has it most of the time.
+        // A thin frame for the graph, which has the focus most of the time.
         const int lines = MulDiv(id == pbGraph ? 1 : 2, m_dpi, 96);
         for (int line = 0; line < lines; ++line) {
             InflateRect(&frame, 1, 1);

@@ -9,17 +9,17 @@ namespace quillon {
 /// the keyboard.
 class ControlLayout {
   public:
-    /// The placement holds what the user has dragged, and outlives it.
+    /// `placement` stores the splitter positions and must outlive this object.
     explicit ControlLayout(WindowPlacement& placement) : m_placement(placement) {}
 
     void SetWindow(HWND window, HFONT font, int dpi);
-    /// What the toolbars need; before there are any, none.
+    /// Size of the toolbars; 0 before they exist.
     void SetToolSizes(SIZE main, SIZE pages);
-    /// Before the other controls exist only the graph is placed, where it is going to be.
+    /// Before the other controls exist only the graph is placed, at its final position.
     void Arrange();
-    /// Whether the controls fill the client area as it is now.
+    /// Whether the layout matches the current client area.
     [[nodiscard]] bool IsArranged() const;
-    /// The next size is to be arranged for, whatever it is.
+    /// Forces a layout at the next size message, even for the same size.
     void Forget() { m_size = {}; }
     [[nodiscard]] const PixelRect& Graph() const { return m_layout.graph; }
 
@@ -35,7 +35,7 @@ class ControlLayout {
 
   private:
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
-    /// Heights and widths that the controls have, or, before they exist, are going to have.
+    /// Current heights and widths of the controls or, before they exist, the ones they will have.
     void MeasureControls(LayoutInput& input) const;
     void ExpectBars(LayoutInput& input) const;
     void PlaceControls() const;

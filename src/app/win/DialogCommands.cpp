@@ -66,7 +66,7 @@ void DialogCommands::Split() {
                                                        m_parts.settings.split, m_parts.exporter, m_parts.services,
                                                        m_parts.format.decimalSeparator, [this] { m_rooms.onHelp(); }});
     });
-    // The folder that was made is not among what the watch tells.
+    // The folder watch does not report new subfolders.
     if (!m_rooms.longCommand.IsGone()) m_rooms.browser.FilesChanged();
 }
 
@@ -84,7 +84,7 @@ void DialogCommands::CopyImage() {
     const std::u16string caption = Narrow16(WindowText(m_rooms.longCommand.Window())) + u"    " + place(0) +
                                    u" \u2013 " + place(std::max(axis.Width() - 1, 0)) + u"    " +
                                    m_parts.services.DateAndTime(m_parts.document.Block().startTime);
-    // Its strip is as high at any density.
+    // The caption strip has the same height at any screen density.
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
     const bool done = ImageCopy(windows, font.Get(), caption, kClipboardTarget);
     m_rooms.graph.ShowPlayLine();

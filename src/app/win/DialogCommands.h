@@ -6,10 +6,10 @@ namespace quillon {
 
 class MainRooms;
 
-/// The commands that ask the user in a dialog, or gather what several rooms show.
+/// Commands that open a dialog or combine data of several components.
 class DialogCommands {
   public:
-    /// Both outlive it.
+    /// Both arguments must outlive this object.
     DialogCommands(MainRooms& rooms, const RoomParts& parts) : m_rooms(rooms), m_parts(parts) {}
 
     void GoToPlace();

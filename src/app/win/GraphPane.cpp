@@ -21,7 +21,7 @@ constexpr std::int64_t kBaseLineReach = 2000;
 /// Columns or rows of a click on an end of a scroll bar.
 constexpr int kScrollStep = 20;
 
-/// Present position of a thumb that is held; WM_HSCROLL and WM_VSCROLL carry only 16 bits of it.
+/// Current position of a dragged thumb; WM_HSCROLL and WM_VSCROLL carry only 16 bits of it.
 int TrackPosition(HWND scrollBar) {
     SCROLLINFO info{};
     info.cbSize = sizeof info;
@@ -102,7 +102,8 @@ void GraphPane::UpdateScrollBars() {
     SetScrollInfo(ScrollBar(scScaleX), SB_CTL, &info, TRUE);
     EnableWindow(ScrollBar(scScaleX), axis.CanScroll());
 
-    // A base line that lies farther away is the middle of the bar, so that the thumb moves it from where it is.
+    // A base line outside the bar's range becomes the middle of the bar, so that dragging the thumb moves it relative
+    // to its position.
     const std::int64_t shift = m_view.BaseLineShift();
     if (std::abs(shift - m_baseLineMiddle) > kBaseLineReach) m_baseLineMiddle = shift;
     if (std::abs(shift) <= kBaseLineReach) m_baseLineMiddle = 0;
@@ -178,7 +179,7 @@ std::string GraphPane::Failure() const {
 }
 
 void GraphPane::LeaveBlock() {
-    // A gesture or readout under way concerns what is no longer there.
+    // A gesture or readout under way refers to the old block.
     EndGesture();
     m_hover.End();
     const HWND capture = GetCapture();
@@ -221,7 +222,7 @@ bool GraphPane::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
     if (id == pbScaleX) return message == WM_LBUTTONDOWN;
     if (message == WM_SETCURSOR) return SetCursor(Pointer()), true;
     if (message == WM_CANCELMODE || message == WM_CAPTURECHANGED) {
-        // Taken by a menu, a dialog or another window.
+        // The capture was taken by a menu, a dialog or another window.
         EndGesture();
         if (message == WM_CANCELMODE) m_hover.End();
         m_hover.Lose(m_graph.Window());

@@ -19,24 +19,24 @@
 
 namespace quillon {
 
-/// The graph with its scales, scroll bars and zoom control: turns the mouse into gestures and readouts, and paints what
-/// document, view and playback hold.
+/// The graph with its scales, scroll bars and zoom control: turns mouse input into gestures and readouts, and paints
+/// the state of document, view and playback.
 class GraphPane final : private PictureOwner, private ZoomXEvents {
   public:
-    /// All outlive it. `foldOrigin`: see TraceGeometry.
+    /// All arguments must outlive this object. `foldOrigin`: see TraceGeometry.
     GraphPane(const Document& document, WaveformView& view, const Playback& playback, const DisplaySettings& display,
               const FormatOptions& format, HoverCapture& hover, bool foldOrigin);
 
     // To be set by the owner.
     std::function<void(const ViewChange& change)> onChange;  ///< the mouse has changed the view
     std::function<void()> onSelectionStart;
-    std::function<void()> onSelectionEnd;                                          ///< there may be none any more
-    std::function<void(std::int32_t sample, const std::u16string& mark)> onHover;  ///< a readout
+    std::function<void()> onSelectionEnd;  ///< the selection may have been removed
+    std::function<void(std::int32_t sample, const std::u16string& mark)> onHover;         ///< a readout
     std::function<void(CommonBand which, const std::optional<ColumnBand>& band)> onBand;  ///< shown, moved or hidden
     std::function<void(POINT screen, std::int16_t channel)> onContextMenu;  ///< channel of the trace there, 0: none
     std::function<void(int index)> onZoom;                                  ///< 0 out, 1 in
     std::function<void(HWND control)> onZoomMenu;
-    std::function<bool()> onBusy;  ///< whether the mouse goes nowhere now
+    std::function<bool()> onBusy;  ///< whether mouse input is ignored now (a command runs)
     std::function<void(const std::exception& error)> onFailed;
 
     /// The graph, which the first waveform needs.
@@ -46,35 +46,35 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] HWND Graph() const { return m_graph.Window(); }
     [[nodiscard]] HWND ScaleX() const { return m_scaleX.Window(); }
     [[nodiscard]] HWND ScaleY() const { return m_scaleY.Window(); }
-    /// The shape of the pointer over graph and spectrogram.
+    /// The mouse cursor over graph and spectrogram.
     [[nodiscard]] HCURSOR Pointer() { return m_cursors.Get(m_display.waveformCursor); }
-    /// Pixels of the graph.
+    /// Size of the graph in pixels.
     void SetSize(std::int32_t width, std::int32_t height);
-    /// What stands in a graph without traces.
+    /// Text shown in a graph without traces.
     void SetNotice(GraphNotice notice);
 
     /// Chooses scales for the block where its data are not readable at the present ones.
     void FitScales();
-    /// Draws everything for the present view. A shift says that the view was only scrolled since it was drawn.
+    /// Redraws everything for the current view. A shift means that the view was only scrolled since the last drawing.
     void Refresh(std::int32_t shift);
-    /// The block goes.
+    /// The block is about to be closed.
     void LeaveBlock();
     void ShowSelection();
     void ShowPlayLine() { ShowPlayLine(m_playback.Position()); }
-    /// The line of the sound is no part of a picture of the view.
+    /// Hides the playback line, which does not belong in a copied image of the view.
     void HidePlayLine() { ShowPlayLine(0); }
     void HideCursor() { ShowCursor(std::nullopt); }
     void ShowCursor(const std::optional<ColumnBand>& band);
-    /// Reads out a sample, wherever the pointer is.
+    /// Shows the readout of a sample, independent of the pointer.
     void ShowSample(std::int32_t sample);
-    /// The view has moved under the pointer.
+    /// The view has scrolled under a resting pointer: updates the readout.
     void HoverAgain();
-    /// Why a part of what is drawn could not be read; empty when all could.
+    /// Reason why some of the drawn samples could not be read; empty when all were read.
     [[nodiscard]] std::string Failure() const;
 
     [[nodiscard]] bool HasGesture() const { return m_gestures.Current() != GraphGestures::Kind::None; }
     void EndGesture();
-    /// Another command takes the selection.
+    /// Another command is about to use the selection: ends the gesture that changes it.
     void EndSelecting();
     void Wheel(int delta, GraphZone zone, const GraphPointer& pointer);
     void OnHScroll(UINT code);

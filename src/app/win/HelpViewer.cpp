@@ -7,7 +7,7 @@ namespace quillon {
 
 bool ShowHelpFile(HWND owner, const std::wstring& path) {
     // Loaded on first use and kept: the viewer's window lives in it. Not every system has it.
-    // Only the system's own: one in the program's folder could be anybody's.
+    // Only from the system folder: a DLL of that name in the program's folder could be planted.
     wchar_t folder[MAX_PATH] = {};
     GetSystemDirectoryW(folder, MAX_PATH);
     const HMODULE viewer = LoadLibraryW((std::wstring(folder) + L"\\hhctrl.ocx").c_str());

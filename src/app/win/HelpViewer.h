@@ -15,14 +15,14 @@ namespace quillon {
 /// The help commands: which file it is, and showing it.
 class HelpCommands {
   public:
-    /// All outlive it. `file` is the path of the chosen file, empty when none is installed.
+    /// All arguments must outlive this object. `file` is the path of the chosen file, empty when none is installed.
     HelpCommands(std::u16string& file, std::int16_t& language, const UserServices& services, StatusBar& status)
         : m_file(file), m_language(language), m_services(services), m_status(status) {}
 
     /// Chooses the file by the language, see ChooseHelpFile.
     void Choose();
     void ChooseLanguage(std::int16_t language);
-    /// Shows it, or says where it is.
+    /// Opens the help file; if that fails, reports its path.
     void Show(HWND owner);
 
   private:

@@ -10,7 +10,7 @@ bool HoverCapture::StaysIn(HWND picture, HCURSOR pointer, POINT point) {
     if (m_heldAt && m_heldAt->x == now.x && m_heldAt->y == now.y) return false;
     m_heldAt.reset();
     if (GetCapture() != picture) {
-        // A window of another program or a dialog may be over ours.
+        // A dialog or another program's window may cover ours.
         const HWND window = GetParent(picture);
         if (!IsWindowEnabled(window) || GetActiveWindow() != window) return false;
         SetCapture(picture);

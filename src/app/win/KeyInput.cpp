@@ -52,7 +52,7 @@ KeyPlace KeyInput::FocusPlace() const {
 bool KeyInput::Translate(const MSG& message) {
     if (m_window == nullptr) return false;
     if (message.message == WM_MOUSEWHEEL) return RouteWheel(message);
-    // After another key its release comes as that of an ordinary one.
+    // After Alt with another key, the release of Alt must not open the menu.
     const bool released = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
     if (released && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
     if (message.message == WM_SYSKEYDOWN && message.wParam == VK_MENU && !IsRepeated(message)) m_altUsed = false;
@@ -62,7 +62,7 @@ bool KeyInput::Translate(const MSG& message) {
 
 bool KeyInput::TranslateKey(const MSG& message) {
     const bool control = GetKeyState(VK_CONTROL) < 0;
-    // A plus needs it on most keyboards.
+    // Shift is ignored for plus, which needs it on most keyboards.
     const bool shift = GetKeyState(VK_SHIFT) < 0 && message.wParam != VK_OEM_PLUS;
     const bool alt = GetKeyState(VK_MENU) < 0;
     const HWND focus = GetFocus();
@@ -82,7 +82,7 @@ bool KeyInput::TranslateKey(const MSG& message) {
     }
     const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
     if (command == 0) return false;
-    // The key that plays a channel also stops; held down it does neither again.
+    // The play key toggles; auto-repeat must not toggle again.
     if (command == mnuSoundPlay && IsRepeated(message)) return true;
     if (alt) m_altUsed = true;
     onCommand(command);
@@ -90,7 +90,7 @@ bool KeyInput::TranslateKey(const MSG& message) {
 }
 
 bool KeyInput::RouteWheel(const MSG& message) {
-    // The wheel belongs to what lies under the pointer, wherever the focus is.
+    // The wheel goes to the control under the pointer, independent of the focus.
     const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
     if (under == nullptr || !IsWindowEnabled(m_window) || !IsChild(m_window, under)) return false;
     const int id = GetDlgCtrlID(under);
@@ -102,7 +102,7 @@ bool KeyInput::RouteWheel(const MSG& message) {
         return true;
     }
     int delta = GET_WHEEL_DELTA_WPARAM(message.wParam);
-    // What has queued up while the last turn was drawn is one turn.
+    // Wheel messages queued while the last one was drawn are merged into one.
     MSG next{};
     while (PeekMessageW(&next, nullptr, WM_MOUSEWHEEL, WM_MOUSEWHEEL, PM_NOREMOVE) && next.hwnd == message.hwnd &&
            LOWORD(next.wParam) == LOWORD(message.wParam)) {
@@ -114,7 +114,7 @@ bool KeyInput::RouteWheel(const MSG& message) {
     const UINT keys = GET_KEYSTATE_WPARAM(message.wParam);
     const GraphPointer pointer{static_cast<std::int32_t>(point.x), static_cast<std::int32_t>(point.y),
                                (keys & MK_SHIFT) != 0, (keys & MK_CONTROL) != 0, GetKeyState(VK_MENU) < 0};
-    // The release of the key would open the menu.
+    // Otherwise the release of Alt would open the menu.
     if (pointer.alt) m_altUsed = true;
     onWheel(delta, *zone, pointer);
     return true;

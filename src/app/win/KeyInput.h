@@ -9,7 +9,7 @@
 namespace quillon {
 
 /// Decides what a key or the wheel does before the focused control sees it: which command a key is depends on where the
-/// focus is, and the wheel belongs to what lies under the pointer.
+/// focus is, and the wheel goes to the control under the pointer.
 class KeyInput {
   public:
     // To be set by the owner.
@@ -21,9 +21,9 @@ class KeyInput {
 
     /// The main window; null before it is made and after it is gone.
     void SetWindow(HWND window) { m_window = window; }
-    /// True when the message is done with.
+    /// True when the message must not be dispatched further.
     [[nodiscard]] bool Translate(const MSG& message);
-    /// The window has lost the keyboard.
+    /// The window has lost the focus.
     void Deactivated() { m_altUsed = false; }
 
   private:

@@ -7,8 +7,8 @@
 
 namespace quillon {
 
-/// Runs what takes long and must not be disturbed by another command. Messages are handled now and then meanwhile, but
-/// keys and mouse go nowhere, and a window that is asked to close waits for the end.
+/// Runs long work that no other command may interrupt. Messages are pumped meanwhile, but keyboard and mouse input is
+/// dropped, and a request to close the window is carried out at the end.
 class LongCommand {
   public:
     /// The window whose commands these are; null once it is gone.
@@ -17,9 +17,9 @@ class LongCommand {
     [[nodiscard]] bool IsGone() const { return m_window == nullptr; }
     [[nodiscard]] bool IsBusy() const { return m_busy; }
 
-    /// Returns what the work has thrown.
+    /// Returns the exception that the work has thrown, if any.
     std::exception_ptr Run(const std::function<void()>& work);
-    /// To be called now and then by the work. False when the window is gone.
+    /// To be called periodically by the work. False when the window is destroyed.
     bool StayAlive();
     /// Handles the messages that are waiting. False when the window is gone.
     [[nodiscard]] bool RunPending() const;

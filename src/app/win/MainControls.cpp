@@ -76,7 +76,7 @@ void MakeMainControls(HWND window, HFONT font, const UserServices& services) {
     make(WC_SCROLLBARW, SBS_HORZ, 0, scScaleX);
     make(WC_SCROLLBARW, SBS_VERT, 0, scScaleY);
     make(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
-    // The graph was there before.
+    // The graph was created earlier; put it here in the tab order.
     SetWindowPos(GetDlgItem(window, pbGraph), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
@@ -112,14 +112,14 @@ void ShowSelectedPages(HWND window) {
     for (const Place& place : places) {
         const HWND control = GetDlgItem(window, place.control);
         const bool shown = TabCtrl_GetCurSel(GetDlgItem(window, place.tabs)) == place.page;
-        // What is hidden loses the focus, which would leave it with no control at all.
+        // Hiding the focused control would leave the window without a focus.
         if (!shown && focus == control && focus != nullptr) SetFocus(GetDlgItem(window, pbGraph));
         ShowWindow(control, shown ? SW_SHOWNA : SW_HIDE);
     }
 }
 
 void MoveFocus(HWND window, HWND control) {
-    // The system hides what marks the focus from those who use the mouse.
+    // After mouse input the system hides focus cues; show them now.
     SendMessageW(window, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS), 0);
     SetFocus(control);
     InvalidateRect(window, nullptr, TRUE);

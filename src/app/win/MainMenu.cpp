@@ -11,7 +11,7 @@ namespace quillon {
 
 namespace {
 
-/// An ampersand in a name is a letter, not a mnemonic.
+/// Doubles ampersands, so that they are shown and not taken for a mnemonic.
 std::wstring Escaped(const std::u16string& name) {
     std::wstring text;
     for (const wchar_t letter : Wide(name)) text.append(letter == L'&' ? 2 : 1, letter);
@@ -101,7 +101,7 @@ void MainMenu::Open(HMENU menu, Playback& playback, const std::function<CommandS
         const UINT id = GetMenuItemID(menu, position);
         if (id == 0 || id == static_cast<UINT>(-1)) continue;
         if (id >= mnuScaleY && id < mnuScaleY + AmplitudeScale::kScaleCount) {
-            // Units or codes, as the options have it now.
+            // The captions depend on the option values or codes.
             const std::u16string caption =
                 ComputedCaption(static_cast<int>(id), m_view.RawCodes(), m_format.decimalSeparator);
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());

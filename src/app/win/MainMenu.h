@@ -18,14 +18,14 @@ namespace quillon {
 /// The menu of the main window and those that pop up in it. They send the commands of their entries to their owner.
 class MainMenu {
   public:
-    /// All outlive it.
+    /// All arguments must outlive this object.
     MainMenu(const UserServices& services, const WaveformView& view, const FormatOptions& format)
         : m_services(services), m_view(view), m_format(format) {}
 
     [[nodiscard]] HMENU Make();
     /// The system destroys the menu with its window.
     void Release() { static_cast<void>(m_menu.Release()); }
-    /// A menu is going to open: makes its entries what they are now. That of the sound looks for devices.
+    /// A menu is about to open: updates its entries. The sound menu enumerates the devices.
     void Open(HMENU menu, Playback& playback, const std::function<CommandState()>& state) const;
     /// The menu of the graph; returns the chosen command, 0 without one.
     int ShowContextMenu(HWND owner, POINT screen);

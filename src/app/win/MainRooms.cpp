@@ -109,7 +109,7 @@ void MainRooms::CreateRest(HFONT font, int dpi) {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
     status.Attach(GetDlgItem(window, sbInfo), font, dpi);
     m_complete = true;
-    // Messages have their place from here on.
+    // The status bar exists from here on.
     ShowPanels();
 }
 
@@ -188,7 +188,7 @@ void MainRooms::RecordingChanged() {
 void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
     if (longCommand.IsBusy() || longCommand.IsGone() || !IsWindowEnabled(Window())) return;
     if (!asked) {
-        // Neither a drag nor the sound is disturbed.
+        // Do not interrupt a drag or playback.
         if (isDragging || graph.HasGesture() || playback.IsPlaying()) return;
         const bool due = std::exchange(m_lookDue, false) || m_document.ChangePending();
         if (!due && IsRemote(browser.Folder())) return;
@@ -205,7 +205,7 @@ void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
         RecordingChanged();
     }
     m_kept.reset();
-    // What was told of something else stays, unless this is of more use.
+    // A successful reload does not replace a message of another topic; a failed one does.
     const std::u16string text = name + u": " + m_parts.services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
     if (loaded) {
         status.Offer(StatusBar::Topic::Reload, text);
@@ -243,7 +243,7 @@ void MainRooms::ShowBlock() {
 
 void MainRooms::ShowBlockSpectrum() {
     if (!m_parts.settings.window.spectrogramShown) return;
-    // The range of the channel takes a look at the whole block: the waveform is seen before.
+    // Finding the channel's range reads the whole block, so draw the waveform first.
     UpdateWindow(graph.Graph());
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     spectrogram.Spectrogram_Init(true);
@@ -283,7 +283,7 @@ void MainRooms::Refresh(std::int32_t shift) {
     if (longCommand.IsGone() || IsIconic(Window())) return;
     graph.Refresh(shift);
     if (m_complete) spectrogram.Spectrogram_Draw(false);
-    // A place that was not understood is of the past once the view changes.
+    // Once the view has changed, clear the message about a position that was not understood.
     status.Retract(StatusBar::Topic::Place);
     TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
     UpdateState();
@@ -323,7 +323,7 @@ void MainRooms::MoveView(const Move& move) {
 
 void MainRooms::ChangeView(int index) {
     ViewChanged(index == 0 ? view.FitSelection() : index == 1 ? view.FitBlock() : view.Back());
-    // Where there was no way back, there is none any more.
+    // Even without a change of the view Back() may have emptied the history, which disables the command.
     UpdateState();
 }
 
@@ -333,7 +333,7 @@ void MainRooms::GoToMark(bool next) {
 
 void MainRooms::GoTo(std::int32_t sample) {
     ViewChanged(view.GoTo(sample));
-    // Where the view could not move, a readout says where the sample is.
+    // The readout shows the sample where the view could not scroll to it.
     graph.ShowSample(sample);
 }
 
@@ -369,7 +369,7 @@ void MainRooms::ShowPosition() {
     if (sample == 0) {
         status.Retract(StatusBar::Topic::Sound);
     } else {
-        // The outcome of an export, or an error, stays.
+        // Do not replace the outcome of an export or an error.
         status.Offer(StatusBar::Topic::Sound, m_parts.services.Text(IDS_PLAYING) + u' ' +
                                                   PositionText(m_document.Block(), sample, u" ", m_parts.format));
     }
@@ -387,7 +387,7 @@ void MainRooms::RunBusy(const std::function<void()>& work) {
 void MainRooms::RunLong(const std::function<void()>& work) {
     hover.End();
     graph.EndGesture();
-    // Its position would take the place of what is told about the work.
+    // Playback position messages would replace the messages of the work.
     playback.Stop();
     const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     RunBusy(work);

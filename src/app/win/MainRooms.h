@@ -23,30 +23,30 @@
 
 namespace quillon {
 
-/// The rooms of the main window, and who tells whom: every room reports here, and what follows is done by the others.
-/// The members are for the main window's routes; each says in its own header what it owns.
+/// The components ("rooms") of the main window and their wiring: every component reports here through callbacks, and
+/// this class updates the others. The main window's command routes use the members directly.
 class MainRooms {
   public:
     explicit MainRooms(RoomParts parts);
 
     // To be set by the owner.
-    std::function<void()> onState;                    ///< commands may be available, or no more
-    std::function<void()> onArrange;                  ///< the controls are to be placed anew
-    std::function<void()> onHelp;                     ///< a dialog asks for it
-    std::function<void(POINT screen)> onContextMenu;  ///< that of the graph
-    std::function<void(int command)> onCommand;       ///< a control stands for a menu entry
+    std::function<void()> onState;                    ///< the availability of commands may have changed
+    std::function<void()> onArrange;                  ///< the controls have to be laid out again
+    std::function<void()> onHelp;                     ///< the user asked for help in a dialog
+    std::function<void(POINT screen)> onContextMenu;  ///< request for the context menu of the graph
+    std::function<void(int command)> onCommand;       ///< a control requests a menu command
     std::function<void()> onPathList;
     std::function<void(HWND control)> onZoomMenu;
     std::function<void(const std::exception& error)> onFailed;
 
-    /// What the first waveform needs. Throws std::system_error when it cannot be made.
+    /// Creates what the first waveform needs. Throws std::system_error when it cannot be made.
     void CreateFirst(HWND window);
-    /// What needs the controls, and shows in them what has been loaded.
+    /// Creates the rest, which needs the controls, and fills it from the loaded recording.
     void CreateRest(HFONT font, int dpi);
     [[nodiscard]] bool IsComplete() const { return m_complete; }
-    /// Shows what was loaded before there were controls for it.
+    /// Fills the controls with what was loaded before they existed.
     void ShowAll();
-    /// The window is going to be destroyed.
+    /// To be called before the window is destroyed.
     void Close();
 
     [[nodiscard]] CommandState State() const;
@@ -54,29 +54,29 @@ class MainRooms {
 
     // Recording and block.
     void CloseCurrentFile();
-    /// Loads the recording anew, at the place that is seen, when its file has changed. `asked`: by the user, who wants
-    /// it now; else it waits for a quiet moment, and until the file is written. `isDragging`: something else than the
-    /// view is being dragged.
+    /// Reloads the recording at the current view when its file has changed. `asked`: requested by the user, so reload
+    /// at once; else wait until no drag or playback is under way and the file is no longer being written. `isDragging`:
+    /// a splitter, not the view, is being dragged.
     void LookAtRecording(bool asked, bool isDragging);
-    /// A look is due, wherever the file lies.
+    /// Makes the next check look at the file even on a slow (network) drive.
     void LookSoon() { m_lookDue = true; }
 
     // The view.
-    /// Shows what a command has changed of the view.
+    /// Updates the display after a command has changed the view.
     void ViewChanged(const ViewChange& change);
-    /// Draws everything anew. A shift says that the view was only scrolled, by that many columns, since it was drawn.
+    /// Redraws everything. A shift means that the view was only scrolled, by that many columns, since the last drawing.
     void Refresh(std::int32_t shift = 0);
     void MoveView(const Move& move);
-    /// 0 what is selected, 1 the block, 2 the view before.
+    /// 0 fit the selection, 1 fit the block, 2 previous view.
     void ChangeView(int index);
     void GoToMark(bool next);
-    /// Shows a sample and reads it out.
+    /// Scrolls to a sample and shows its readout.
     void GoTo(std::int32_t sample);
-    /// 0 block, 1 what is seen, 2 nothing; while the sound plays the last one stops it first.
+    /// 0 the block, 1 the visible range, 2 nothing; during playback, 2 only stops it.
     void Select(int index);
     void ShowSpectrogram();
 
-    /// Runs what no other command, file or closing may disturb.
+    /// Runs work during which no other command may run and neither the file nor the window may be closed.
     void RunBusy(const std::function<void()>& work);
 
     // Sound.
@@ -85,11 +85,11 @@ class MainRooms {
     [[nodiscard]] std::int16_t MenuChannel() const {
         return m_menuChannel != 0 ? m_menuChannel : m_document.CurrentChannel();
     }
-    /// From elsewhere than the context menu a command concerns the current channel.
+    /// Called for commands that do not come from the context menu: they apply to the current channel.
     void ForgetMenuChannel() { m_menuChannel = 0; }
     /// Opens the context menu at the corner of the graph.
     void OpenContextMenu();
-    /// The drag, readout or sound under way ends.
+    /// Cancels the current drag, readout or playback.
     void EndHover() { hover.End(); }
 
   private:
@@ -107,7 +107,7 @@ class MainRooms {
     void ShowPosition();
     void ShowPanels();
     void TellUnreadable(bool wholeView);
-    /// Runs what takes long; meanwhile the window takes no input.
+    /// Runs long work; meanwhile the window ignores input.
     void RunLong(const std::function<void()>& work);
     [[nodiscard]] HWND Window() const { return longCommand.Window(); }
 
@@ -116,7 +116,7 @@ class MainRooms {
     bool m_complete = false;
     bool m_lookDue = false;
     std::int16_t m_menuChannel = 0;             ///< of the trace nearest to where the context menu opened; 0: none
-    std::optional<WaveformView::State> m_kept;  ///< while the recording is loaded anew
+    std::optional<WaveformView::State> m_kept;  ///< view to restore after a reload
     UnreadableSamples m_unreadable;
 
   public:

@@ -8,7 +8,7 @@
 namespace quillon {
 
 void PaintNotice(HDC dc, const RECT& place, const GraphNotice& notice, int dpi) {
-    // A name or path without blanks is broken where it has to be.
+    // A name or path without blanks is broken at any character.
     constexpr UINT format = DT_CENTER | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
     const int margin = MulDiv(12, dpi, 96);
     const int width = std::min(static_cast<int>(place.right - place.left) - 2 * margin, MulDiv(520, dpi, 96));
@@ -34,7 +34,7 @@ void PaintNotice(HDC dc, const RECT& place, const GraphNotice& notice, int dpi) 
     RECT box{};
     box.left = (place.left + place.right - width) / 2;
     box.right = box.left + width;
-    // What is too long begins at the top.
+    // A text higher than the rectangle is aligned to its top.
     box.top = std::max(static_cast<int>(place.top + place.bottom - total) / 2, static_cast<int>(place.top) + margin);
     SetBkMode(dc, TRANSPARENT);
     for (const Part& part : parts) {

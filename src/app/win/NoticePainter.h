@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-/// Writes a notice in the middle of a place, wrapped to a width that reads well, its title in bold.
+/// Draws a notice centred in a rectangle, wrapped to a readable width, its title in bold.
 void PaintNotice(HDC dc, const RECT& place, const GraphNotice& notice, int dpi);
 
 }  // namespace quillon

@@ -27,7 +27,7 @@ void Panel::PaintPicture(int, HDC dc, const RECT& clip) {
 void Panel::PaintTable(HDC dc, const RECT& place) {
     const CellLines lines = CellsOf(m_text);
     const auto width = static_cast<int>(place.right - place.left);
-    // The values of many channels are written smaller, as far as they can still be read.
+    // The values of many channels are set in a smaller font, down to a readable size.
     GdiFont font;
     PanelTable table;
     for (int percent = 100; percent >= 84 && !table.fits; percent -= 8) {
@@ -54,7 +54,7 @@ void Panel::PaintTable(HDC dc, const RECT& place) {
 
 void Panel::Text(const std::u16string& text) {
     m_text = text;
-    // The description of another recording ends what was looked for in the readout of this one.
+    // A text without cells (the description of a recording) ends a readout: scroll back to the top.
     if (text.find(u'\t') == std::u16string::npos) m_first = m_wheelRest = 0;
 }
 

@@ -9,8 +9,8 @@
 namespace quillon {
 
 /// A panel that only displays the text it is given: lines separated by CR LF, cells by tabs. Lines of cells that do not
-/// fit below each other stand side by side as far as there is room for them whole, and are written smaller; the wheel
-/// moves through what is left out. Other text is wrapped.
+/// fit in one column are set in a smaller font and in several columns as far as none is clipped; the wheel scrolls
+/// through the rest. Other text is wrapped.
 class Panel final : public PictureOwner {
   public:
     [[nodiscard]] bool Create(HWND parent, int id);
@@ -31,8 +31,8 @@ class Panel final : public PictureOwner {
     PictureBox m_box;
     std::u16string m_text;
     bool m_bold = false;
-    std::int32_t m_first = 0;  ///< line that stands at the top
-    int m_wheelRest = 0;       ///< of turns that make no whole line
+    std::int32_t m_first = 0;  ///< first visible line
+    int m_wheelRest = 0;       ///< wheel movement of less than one line
 };
 
 }  // namespace quillon

@@ -24,7 +24,7 @@ namespace quillon {
 namespace {
 
 std::int32_t SystemMajorVersion() {
-    // GetVersion tells the version that the program's manifest asks for, which is what decides how drawing behaves.
+    // GetVersion reports the version that the manifest declares, which also determines how GDI behaves.
     return static_cast<std::int32_t>(LOBYTE(LOWORD(GetVersion())));
 }
 
@@ -82,7 +82,7 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     global.language = InterfaceLanguage();
     global.format.decimalSeparator = DecimalSeparator();
     WinServices services(global.language);
-    // A drive without a medium is told in the status bar, not by a box of the system.
+    // A drive without a medium is reported in the status bar, not in a message box of the system.
     SetErrorMode(SEM_FAILCRITICALERRORS);
     if (!Init(global, parts, services)) return 1;
     SettingsStore store(parts.makeRegistry, parts.program);

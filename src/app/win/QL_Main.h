@@ -4,14 +4,14 @@
 
 namespace quillon {
 
-/// The real objects of the core library and the system.
+/// Start-up functions that use the real core library and the system.
 [[nodiscard]] StartUpParts SystemParts();
 
 /// Full path of the file or folder that the command line names behind the program; empty without one.
 [[nodiscard]] std::u16string PathOfArguments(std::wstring arguments);
 
-/// The start-up procedure: creates the objects of the process, shows the main window and runs until it is gone.
-/// `showCommand` is how the system wants the window shown. Returns the exit code of the process.
+/// The start-up procedure: creates the objects of the process, shows the main window and runs the message loop until it
+/// is destroyed. `showCommand` is how the system wants the window shown. Returns the exit code of the process.
 int QL_Main(const StartUpParts& parts, int showCommand);
 
 }  // namespace quillon

@@ -30,16 +30,17 @@ std::wstring RecordingPane::BlockTitle() const {
 }
 
 void RecordingPane::OnNotify(const NMHDR* header) {
-    // A click on the item itself, or the way to it by keys, chooses the channel for what concerns one at a time.
-    // A click that changes it is told twice, by the change and by itself.
+    // A click on the item text, or moving to it by keys, makes it the current channel.
+    // A click that changes the current item sends two notifications: LVN_ITEMCHANGED and NM_CLICK.
     if (header->code == LVN_KEYDOWN) m_channelByKey = true;
-    if (header->code == NM_CLICK && m_channels.IsOnItem(header) && !std::exchange(m_channelTold, false)) onChannel();
+    if (header->code == NM_CLICK && m_channels.IsOnItem(header) && !std::exchange(m_channelReported, false))
+        onChannel();
     if (header->code != LVN_ITEMCHANGED || m_channels.Filling()) return;
     const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
     if ((change->uChanged & LVIF_STATE) == 0) return;
     const auto channel = static_cast<std::int16_t>(change->iItem + 1);
     if ((change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0) {
-        m_channelTold = !std::exchange(m_channelByKey, false);
+        m_channelReported = !std::exchange(m_channelByKey, false);
         m_document.ChooseChannel(channel);
         onChannel();
     }

@@ -11,15 +11,15 @@ namespace quillon {
 /// The lists of blocks and channels, with the check boxes that say which channels are shown.
 class RecordingPane {
   public:
-    /// The document outlives it.
+    /// The document must outlive this object.
     explicit RecordingPane(Document& document) : m_document(document) {}
 
     // To be set by the owner.
     std::function<void(int index)> onBlock;  ///< the user has chosen a block, from 0; -1: none
-    std::function<void()> onShown;           ///< other channels are shown
+    std::function<void()> onShown;           ///< the set of shown channels has changed
     std::function<void()> onChannel;         ///< the user has chosen the current channel
 
-    /// Gives it its controls. Before, it keeps the lines of the blocks for them.
+    /// Sets its controls. Until then the block titles are kept for them.
     void Attach(HWND blocks, HWND channels, int dpi);
     /// Another recording is open.
     void FillBlocks();
@@ -34,7 +34,7 @@ class RecordingPane {
     void SetAllShown(int index);
     /// Shows a channel alone, or all those again that were shown before.
     void ShowAlone(std::int16_t channel);
-    /// The list of channels gets the keyboard: its current line marks that.
+    /// The list of channels gets the focus: makes the current item show it.
     void ShowFocus() const { m_channels.ShowFocus(m_document.CurrentChannel() - 1); }
     void FitColumns() const { m_channels.FitColumns(); }
 
@@ -42,8 +42,8 @@ class RecordingPane {
     Document& m_document;
     BlockList m_blocks;
     ChannelList m_channels;
-    bool m_channelByKey = false;  ///< a key of the channel list may change the chosen one
-    bool m_channelTold = false;   ///< the click that goes on has changed the chosen channel already
+    bool m_channelByKey = false;     ///< the channel list is handling a key, which may change the chosen channel
+    bool m_channelReported = false;  ///< the current click has already been reported by LVN_ITEMCHANGED
 };
 
 }  // namespace quillon

@@ -26,7 +26,7 @@ bool SpectrogramPane::Create(HWND parent) {
 }
 
 void SpectrogramPane::Prepare() {
-    // As wide as the graph can ever be, so that making it wider computes only what is new.
+    // As wide as the graph can become, so that widening the window computes only the new columns.
     m_fft.FFT_Init(std::max(GetSystemMetrics(SM_CXVIRTUALSCREEN), static_cast<int>(m_view.Axis().Width())));
 }
 
@@ -41,10 +41,10 @@ void SpectrogramPane::Spectrogram_Init(bool redraw) {
 void SpectrogramPane::ChooseChannel() {
     Prepare();
     const std::int16_t channel = m_document.CurrentChannel();
-    // A channel of no range stays blank; its range is looked for only when it will be seen.
+    // A channel without a value range stays blank; the range is computed only when the spectrogram is visible.
     ValueRange limits;
     if (m_settings.window.spectrogramShown) {
-        // Where nothing can be read any range lets the columns be tried again.
+        // If nothing can be read, any range will do: it allows the columns to be tried again.
         const auto range = m_view.Ranges().Of(m_document.Block(), channel);
         limits = range ? *range : m_view.Ranges().Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
     }
@@ -71,7 +71,7 @@ void SpectrogramPane::Spectrogram_Draw(bool force) {
     };
     std::int32_t computed = update(force || zoomed);
     if (m_fft.HasRecovered() && !m_view.Ranges().Failure().empty()) {
-        // What could not be read can be again, so the range was that of a part.
+        // Samples that could not be read before are readable again, so the range covered only a part.
         ChooseChannel();
         computed = update(true);
     }
@@ -157,7 +157,7 @@ std::u16string SpectrogramPane::Readout(std::int32_t sample, int row) const {
     GetClientRect(m_picture.Window(), &client);
     const auto height = static_cast<std::int32_t>(client.bottom);
     if (!m_fft.State().ready || height < 1 || m_fft.Image().empty()) return {};
-    // The row's bin, as the image is stretched.
+    // Frequency bin of the row in the stretched image.
     const std::int32_t bins = m_fft.BinCount();
     const std::int32_t bin = std::clamp((height - 1 - row) * bins / height, 0, bins - 1);
     const double hertz = bin * m_document.Block().sampleRate / m_fft.Length();
@@ -169,7 +169,7 @@ std::u16string SpectrogramPane::Readout(std::int32_t sample, int row) const {
     const std::uint8_t index =
         m_fft.Image()[static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_fft.ImageWidth()) +
                       static_cast<std::size_t>(band->left)];
-    // The ends of the scale hold what lies beyond them too.
+    // The end colours also stand for levels outside the scale.
     const std::u16string atEnd = index == 0 ? u"\u2264 " : index == 255 ? u"\u2265 " : u"";
     const std::u16string level = NumberText(RoundToPlaces(m_fft.LevelOf(index), 1), m_format.decimalSeparator);
     return place + atEnd + level + (linear ? u" %\r\n" : u" dB\r\n");

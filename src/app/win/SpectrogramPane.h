@@ -24,15 +24,15 @@ enum class CommonBand { Cursor, Play, Count };
 /// Nothing is computed while it is not shown.
 class SpectrogramPane final : private PictureOwner {
   public:
-    /// All outlive it; `settings` remembers the palette.
+    /// All arguments must outlive this object; the palette is stored in `settings`.
     SpectrogramPane(const Document& document, WaveformView& view, Settings& settings, const FormatOptions& format,
                     const UserServices& services, HoverCapture& hover);
 
     // To be set by the owner.
     std::function<void(std::int32_t sample, const std::u16string& text)> onHover;  ///< a readout
-    std::function<bool()> onBusy;        ///< whether the mouse goes nowhere now
+    std::function<bool()> onBusy;        ///< whether mouse input is ignored now (a command runs)
     std::function<HCURSOR()> onPointer;  ///< the shape of the pointer
-    std::function<void()> onPress;       ///< the keyboard goes to the graph
+    std::function<void()> onPress;       ///< request to focus the graph
     std::function<void(const std::exception& error)> onFailed;
 
     [[nodiscard]] bool Create(HWND parent);
@@ -42,21 +42,21 @@ class SpectrogramPane final : private PictureOwner {
     void BuildPalette() { m_fft.FFT_BuildPalette(); }
     void BuildWindow() { m_fft.FFT_BuildWindow(); }
     void SetOrder(std::int32_t order) { m_fft.FFT_SetOrder(order); }
-    /// Prepares for the settings and the screen.
+    /// Adapts to changed settings or screen.
     void Prepare();
-    /// Takes the current channel, and draws it anew where asked to.
+    /// Switches to the current channel, and redraws on request.
     void Spectrogram_Init(bool redraw);
-    /// Brings the picture up to date; `force` computes every column.
+    /// Updates the image; `force` recomputes every column.
     void Spectrogram_Draw(bool force);
-    /// The current channel is another one.
+    /// The current channel has changed.
     void ChooseChannel();
     void NextPalette();
-    /// The block goes.
+    /// The block is about to be closed.
     void LeaveBlock() { m_fft.FFT_ClearState(); }
     void ShowBand(CommonBand which, const std::optional<ColumnBand>& band);
-    /// The view has moved under the pointer.
+    /// The view has scrolled under a resting pointer: updates the readout.
     void HoverAgain();
-    /// Why some of the columns could not be computed; empty when all could or the picture is not shown.
+    /// Reason why some columns could not be computed; empty when all could or the spectrogram is hidden.
     [[nodiscard]] std::string Failure() const;
 
   private:
@@ -67,8 +67,8 @@ class SpectrogramPane final : private PictureOwner {
     void PaintScale(HDC dc, const RECT& client);
     void Hover(int x, int y);
     void InvalidateAll() const;
-    /// Time of a sample, frequency of a row of the picture and the level there. What is not in the picture or could not
-    /// be read has no level.
+    /// Time of a sample, frequency of an image row, and the level there. No level is given outside the image or where
+    /// samples could not be read.
     [[nodiscard]] std::u16string Readout(std::int32_t sample, int row) const;
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
 

@@ -76,11 +76,11 @@ void StatusBar::Retract(Topic topic) {
 }
 
 void StatusBar::ShowMessage() const {
-    // Without its panels the control forgets texts.
+    // Before its panels are set (SB_SETPARTS) the control does not keep texts.
     if (!m_panels) return;
     const std::wstring text = Wide(m_message.Text());
     SendPointer(m_window, SB_SETTEXTW, kMessagePanel, text.c_str());
-    // The whole text where the panel is too narrow for it.
+    // Tooltip with the full text if the panel is too narrow for it.
     SendPointer(m_window, SB_SETTIPTEXTW, kMessagePanel, text.c_str());
 }
 

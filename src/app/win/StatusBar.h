@@ -8,8 +8,7 @@
 
 namespace quillon {
 
-/// The status bar: the panels that describe the block, and "Status". It can be told everything before its control
-/// exists.
+/// The status bar: the panels that describe the block, and "Status". It accepts texts before its control exists.
 class StatusBar {
   public:
     using Topic = StatusMessage::Topic;
@@ -19,7 +18,7 @@ class StatusBar {
     [[nodiscard]] HWND Window() const { return m_window; }
     /// Every panel is as wide as its text; "Status", whose text is none of these, takes the rest.
     void ShowPanels(const PanelTexts& texts);
-    /// The control has another width.
+    /// The width of the control has changed.
     void Resize();
 
     // See StatusMessage.

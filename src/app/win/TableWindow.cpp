@@ -209,7 +209,7 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
     switch (LOWORD(wParam)) {
         case kCopy:
             Copy(dialog);
-            // So that Enter closes again.
+            // The close button becomes the default again, so that Enter closes the window.
             SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog, kList)), TRUE);
             return TRUE;
         case IDOK:
@@ -221,8 +221,8 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 }  // namespace
 
 void ShowTable(HWND owner, const TextTable& table) {
-    // All get their sizes when the texts have been measured. Until then the list is larger than a screen: of two scroll
-    // bars that it once shows each would be a reason for the other.
+    // Final sizes are set when the texts have been measured. Until then the list is larger than any screen: once both
+    // scroll bars are shown, each takes the room that makes the other one necessary.
     DialogTemplate dialog(table.title, 200, 100);
     dialog.Item(Narrow16(WC_LISTVIEWW), WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
                 kList, 7, 7, 5000, 5000);

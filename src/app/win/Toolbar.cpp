@@ -18,7 +18,7 @@ ImageList MakeIconList(const std::vector<std::vector<std::uint32_t>>& pictures, 
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     void* bits = nullptr;
-    // One strip for all: added one by one, the pictures take longer than everything else at the start.
+    // One bitmap strip for all pictures: adding them one by one dominated the start-up time.
     const GdiBitmap strip(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     if (!strip) return list;
     auto* row = static_cast<std::uint32_t*>(bits);

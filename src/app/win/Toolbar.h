@@ -17,9 +17,9 @@ class Toolbar {
     /// Throws std::system_error when the control cannot be made.
     void Create(HWND parent, int id, std::span<const ToolbarButton> buttons, int dpi);
     [[nodiscard]] HWND Window() const { return m_window; }
-    /// Size that shows every button.
+    /// Size needed for all buttons.
     [[nodiscard]] SIZE Size() const;
-    /// Enables and presses the buttons as their commands are.
+    /// Sets the enabled and checked state of the buttons from their commands.
     void Update(const CommandState& state) const;
 
   private:

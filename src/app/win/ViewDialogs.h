@@ -15,7 +15,7 @@ namespace quillon {
 /// Statistics of the shown channels over a selection.
 void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services);
 
-/// Asks for a place of the block; `present` stands there at first. None when the user thinks better of it.
+/// Asks for a place of the block; `present` is the initial text. None when the user cancels.
 [[nodiscard]] std::optional<std::u16string> AskForPlace(HWND owner, const std::u16string& present,
                                                         const UserServices& services);
 

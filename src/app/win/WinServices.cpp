@@ -57,7 +57,7 @@ std::u16string WinServices::LongTime(double date) const {
 std::u16string WinServices::DateAndTime(double date) const {
     const SYSTEMTIME time = SystemTimeOf(date);
     wchar_t text[128] = {};
-    // The system knows no dates before 1601, which a recording's header can hold.
+    // SYSTEMTIME cannot hold dates before 1601, which a recording's header can contain.
     const bool known = GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &time, nullptr, text, 128) != 0;
     return (known ? Narrow16(text) : Utf16(Iso8601(date).substr(0, 10))) + u' ' + LongTime(date);
 }

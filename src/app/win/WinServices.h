@@ -12,8 +12,8 @@ class WinServices final : public UserServices {
   public:
     explicit WinServices(Language language) : m_language(language) {}
 
-    /// From then on message boxes belong to the window and status texts go to its status bar; without one they are
-    /// lost.
+    /// Sets the owner of message boxes and the window whose status bar shows status texts; without a window they are
+    /// dropped.
     void SetWindow(HWND window, StatusBar* statusBar);
 
     using UserServices::ShowMessage;
@@ -25,7 +25,7 @@ class WinServices final : public UserServices {
     [[nodiscard]] std::u16string DateAndTime(double date) const override;
 
   private:
-    /// Of message boxes: a dialog that is open, where there is one.
+    /// Owner of message boxes: the open dialog if there is one.
     [[nodiscard]] HWND Owner() const { return m_window == nullptr ? nullptr : GetLastActivePopup(m_window); }
 
     Language m_language;

@@ -4,7 +4,7 @@ namespace quillon {
 
 namespace {
 
-/// No window lies further away or is larger, in pixels.
+/// Limit of stored positions and sizes, in pixels; anything larger is invalid.
 constexpr std::int32_t kFarthest = 1 << 20;
 
 }  // namespace

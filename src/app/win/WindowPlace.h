@@ -5,11 +5,11 @@
 
 namespace quillon {
 
-/// Puts a hidden window where it was kept, onto the nearest monitor; a window that was maximised is to be shown
-/// so, unless it is asked for as an icon.
+/// Moves a hidden window to its stored position, onto the nearest monitor; a window that was maximized is shown
+/// maximized again, unless it is to be shown minimized.
 void RestoreWindowPlace(HWND window, const WindowPlacement& kept, int& showCommand);
 
-/// Remembers where the window is when it is neither an icon nor maximised, and whether it is the latter.
+/// Remembers where the window is when it is neither minimized nor maximized, and whether it is maximized.
 void KeepWindowPlace(HWND window, WindowPlacement& kept);
 
 }  // namespace quillon

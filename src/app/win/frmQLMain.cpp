@@ -71,7 +71,7 @@ void frmQLMain::Wire() {
 
 void frmQLMain::Create() {
     m_dpi = ScreenDpi();
-    // A menu that comes later would resize the window.
+    // Set the menu before the window is sized: adding it later would change the client area.
     const HWND made = MakeMainWindow(Procedure, m_menu.Make(), m_dpi, this);
     if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
     if (made == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
@@ -94,7 +94,7 @@ LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, 
     auto* form = reinterpret_cast<frmQLMain*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (form == nullptr) return DefWindowProcW(window, message, wParam, lParam);
     // No exception may leave a window procedure. Without its controls the window is not made; any later failure (no
-    // memory, a library call) ends its command and is told in the status bar.
+    // memory, a library call) ends its command and is reported in the status bar.
     try {
         return form->Handle(message, wParam, lParam);
     } catch (const std::exception& error) {
@@ -173,7 +173,7 @@ void frmQLMain::Failed(const std::exception& error) noexcept {
         m_rooms.status.Tell(StatusBar::Topic::Outcome,
                             m_services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_global.language));
     } catch (const std::exception&) {
-        // There is no memory even for the message.
+        // Out of memory even for the message.
     }
 }
 
@@ -197,7 +197,7 @@ void frmQLMain::CreateRemainingControls() try {
     MakeMainControls(m_window, m_font.Get(), m_services);
     m_rooms.CreateRest(m_font.Get(), m_dpi);
     m_layout.SetToolSizes(m_tools.Size(), m_goTo.Size());
-    // With a recording open its channels are of more use than the way to its folder.
+    // With a recording open, show the page of channels rather than that of folders.
     SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
     DragAcceptFiles(m_window, TRUE);
     if (!IsIconic(m_window)) Arrange();
@@ -221,21 +221,21 @@ void frmQLMain::OnActivate(UINT state) {
         ShowFocus();
         return;
     }
-    // An icon has no graph to which a scale could be fitted; the window's first size comes later.
+    // A minimized window has no graph size to fit the scale to; the first real size comes later.
     if (!m_activated && IsIconic(m_window)) return;
     if (!std::exchange(m_activated, true)) {
-        // The waveform is what the user waits for; the rest follows, whatever becomes of it.
+        // The waveform is drawn first, as the user waits for it; the rest is created even if drawing fails.
         try {
             if (m_rooms.browser.FileCount() > 0) OpenFirstFile();
             UpdateWindow(Graph());
-            // What is drawn may be held back until the next message is waited for.
+            // GDI batches drawing calls until the next message wait; flush them now.
             GdiFlush();
         } catch (const std::exception& error) {
             Failed(error);
         }
         if (!m_rooms.IsComplete()) CreateRemainingControls();
         if (m_window == nullptr) return;
-        // Why the first file was refused is of more use.
+        // Do not replace the message that says why the first file was refused.
         if (m_global.document->File().refusal.empty()) m_rooms.browser.TellStart();
     }
     m_rooms.LookSoon();
@@ -255,14 +255,14 @@ void frmQLMain::OnDropFiles(HDROP drop) {
 }
 
 void frmQLMain::OnSize(UINT state) {
-    // What changes while the window is an icon is drawn when it is back.
+    // Changes made while the window was minimized are drawn when it is restored.
     if (state == SIZE_MINIMIZED) return m_layout.Forget();
-    // When it is first shown the window is told the size that it was made with.
+    // The first WM_SIZE on showing repeats the size from creation.
     if (m_layout.IsArranged()) return;
     if (m_rooms.IsComplete()) m_rooms.status.Resize();
     Arrange();
     m_rooms.Refresh();
-    // Started as an icon, it was activated before it had a size.
+    // Started minimized: the window was activated before it had a size.
     if (!m_activated && m_rooms.IsComplete() && GetActiveWindow() == m_window) OnActivate(WA_ACTIVE);
 }
 
@@ -283,20 +283,20 @@ void frmQLMain::OnClose() {
 }
 
 void frmQLMain::OnEndSession(bool ends) {
-    // The process may end without another message.
+    // At the end of the session the process may end without another message.
     if (!ends) return;
     if (!m_rooms.longCommand.IsBusy()) {
         m_rooms.playback.Stop();
         return EndSession();
     }
-    // The command that runs has use for the recording as long as it can.
+    // A running command still uses the recording.
     m_rooms.browser.KeepSettings();
     KeepWindowPlace(m_window, m_global.settings.window);
     if (m_shutdown) m_shutdown();
 }
 
 void frmQLMain::EndSession() {
-    // Each step runs whatever becomes of the others, and the program ends in any case.
+    // Each step runs even if another one fails, and the program ends in any case.
     for (const auto& step : std::initializer_list<std::function<void()>>{
              [&] { m_rooms.browser.KeepSettings(); }, [&] { KeepWindowPlace(m_window, m_global.settings.window); },
              [&] { m_rooms.CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
@@ -313,7 +313,7 @@ void frmQLMain::OnDestroy() {
     m_closing = true;
     m_lookTimer.reset();
     m_rooms.Close();
-    // A window that could not be made has nothing to keep, and its message is still to be shown.
+    // If creation failed there is nothing to save, and the error message is still to be shown.
     if (m_createFailure) return;
     EndSession();
     m_services.SetWindow(nullptr, nullptr);
@@ -328,7 +328,7 @@ void frmQLMain::OnCommand(int id) {
 
 void frmQLMain::OnControlCommand(int id, int notification) {
     if (id >= mnuSaveAs) {
-        // A button of a toolbar. The keys go on working on the graph.
+        // From a toolbar button: return the focus to the graph.
         OnCommand(id);
         SetFocus(Graph());
     } else if (!m_rooms.longCommand.IsBusy()) {
@@ -347,7 +347,7 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     }
     if (header->code == TCN_SELCHANGE) ShowSelectedPages(m_window);
     if (header->code == NM_SETFOCUS || header->code == NM_KILLFOCUS) ShowFocus();
-    // The list takes the release of the button for itself.
+    // The list consumes WM_LBUTTONUP, so the focus is moved here.
     if (header->code == NM_CLICK) ReturnKeyboard(static_cast<int>(header->idFrom));
     if (header->idFrom == lvCh) m_rooms.recording.OnNotify(header);
     return 0;
@@ -371,7 +371,7 @@ bool frmQLMain::PreTranslate(const MSG& message) try {
 }
 
 void frmQLMain::ReturnKeyboard(int control) const {
-    // Once the control has done its part of the click.
+    // Posted, so that the control has processed the click first.
     if (control == lstFile || control == lstBlock || control == lvCh || control == tabPath || control == tabFile)
         PostMessageW(m_window, kFocusGraph, 0, 0);
 }

@@ -21,8 +21,8 @@ namespace quillon {
 /// The main window: lists on the left, the graph with its scales on the right, the status bar below.
 ///
 /// It owns the frame: menu, toolbars, the place of every control, focus, and the life cycle. What the controls do is
-/// the rooms' business; every command is a line of one table of routes to them. The shared state and the services
-/// belong to the start-up procedure and outlive it.
+/// implemented by the components in MainRooms; one table of routes maps every command to a call of them. The shared
+/// state and the services belong to the start-up procedure and outlive this object.
 class frmQLMain {
   public:
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
@@ -43,22 +43,22 @@ class frmQLMain {
     [[nodiscard]] const std::u16string& ValuesText() const { return m_rooms.valuesPanel.Text(); }
     /// Opens a file or folder by its full path, as if it had been chosen in the lists.
     void OpenPath(const std::wstring& path) { m_rooms.browser.OpenPath(path); }
-    /// Handles a key of the graph or the focus's way through the controls; true when the message is done with.
+    /// Handles a key of the graph or Tab navigation; true when the message must not be dispatched further.
     [[nodiscard]] bool PreTranslate(const MSG& message);
 
   private:
-    /// The keyboard goes to the graph.
+    /// Focuses the graph.
     static constexpr UINT kFocusGraph = WM_APP;
 
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT HandleInput(UINT message, WPARAM wParam, LPARAM lParam);
     void Wire();
-    /// A command ended early (no memory, a failed library call): told in "Status".
+    /// A command ended early (no memory, a failed library call): reports it in "Status".
     void Failed(const std::exception& error) noexcept;
 
     void OnCreate();
-    /// Makes all that the first waveform does not need, and shows in it what has been loaded.
+    /// Creates all controls that the first waveform does not need, and fills them from the loaded recording.
     void CreateRemainingControls();
     void OnActivate(UINT state);
     void OpenFirstFile();
@@ -66,7 +66,7 @@ class frmQLMain {
     void OnSize(UINT state);
     void OnClose();
     void OnEndSession(bool ends);
-    /// Keeps what is to be kept and closes the recording.
+    /// Saves the settings and closes the recording.
     void EndSession();
     void OnDestroy();
 
@@ -78,10 +78,10 @@ class frmQLMain {
     void OnPaint() const;
     void ShowContextMenu(POINT screen);
     void Arrange();
-    /// Controls have other sizes.
+    /// The sizes of controls have changed: lays them out again.
     void SizesChanged();
 
-    /// After a click that has done its work the keys move the view again.
+    /// After a processed click, returns the focus to the graph so that keys move the view.
     void ReturnKeyboard(int control) const;
     /// Draws the frame round the list or graph that has the focus anew.
     void ShowFocus() const { InvalidateRect(m_window, nullptr, TRUE); }
@@ -100,13 +100,13 @@ class frmQLMain {
     Toolbar m_tools;
     Toolbar m_goTo;
     GdiFont m_font;
-    std::unique_ptr<TimerObject> m_lookTimer;  ///< looks at the file of the recording
+    std::unique_ptr<TimerObject> m_lookTimer;  ///< polls the recording's file for changes
 
     HWND m_window = nullptr;
     int m_dpi = 96;
-    std::wstring m_tipText;              ///< of the tooltip shown, which keeps a pointer to it
-    HWND m_lastFocus = nullptr;          ///< of the controls, while another program is active
-    std::exception_ptr m_createFailure;  ///< what kept the window from being made
+    std::wstring m_tipText;              ///< text of the tooltip shown; the control keeps a pointer to it
+    HWND m_lastFocus = nullptr;          ///< control that had the focus when the window was deactivated
+    std::exception_ptr m_createFailure;  ///< exception that made WM_CREATE fail
     bool m_activated = false;
     bool m_closing = false;
 };
