@@ -27,7 +27,7 @@ void Resume(Step&& step) {
 bool Document::IsOpen(const std::u16string& path, const FileStamp& stamp) const {
     if (path == m_file.fileName) return true;
     if (LowerCase(path) != LowerCase(m_file.fileName)) return false;
-    // Where a folder tells letter cases apart it may be another file.
+    // In a case-sensitive folder it may be another file.
     return !stamp.known || !m_stamp.known || stamp.IsSameFile(m_stamp);
 }
 
@@ -157,7 +157,7 @@ void Document::LoadMarks() {
         return;
     }
     const auto marks = static_cast<std::size_t>(m_block.markCount);
-    m_block.markCount = 0;  // in case there is no room for that many
+    m_block.markCount = 0;  // stays 0 if the allocation below fails
     m_block.marks.resize(marks);
     m_block.markCount = static_cast<std::int32_t>(marks);
     for (std::size_t mark = 0; mark < marks; ++mark) {

@@ -16,14 +16,14 @@ namespace quillon {
 /// A flag for every channel slot.
 using ChannelFlags = std::bitset<kSlotCount>;
 
-/// The open recording, its loaded block, and what the user chose in it: the channels that are shown and the current
-/// one, which commands on a single channel concern. Nothing is reported: who calls knows what has changed.
+/// The open recording, its loaded block, the channels that are shown and the current channel, to which single-channel
+/// commands apply. There are no change notifications: the caller knows what it has changed.
 ///
-/// Channels count from 1, in the order of the block. A channel whose acquisition number is beyond the slots is never
+/// Channels count from 1, in the order of the block. A channel whose acquisition number exceeds the slots is never
 /// shown.
 class Document {
   public:
-    /// Both outlive it. `texts` words what a recording leaves untitled.
+    /// Both must outlive this object. `texts` supplies titles where a recording has none.
     Document(RecordingLibrary& library, const UserServices& texts) : m_library(library), m_texts(texts) {}
 
     [[nodiscard]] const ViewFile& File() const { return m_file; }
@@ -48,21 +48,21 @@ class Document {
 
     /// Path of the file that was opened or refused last; empty after it was closed.
     [[nodiscard]] const std::u16string& LastPath() const { return m_lastPath; }
-    /// Whether the stamp of that file tells of another file or of a change. One look in passing (`asked` false) is not
-    /// enough for that: others may still be writing, so the file has to be the same at two.
+    /// Whether the stamp shows that the file was replaced or changed. Without a user request (`asked` false) the
+    /// changed stamp has to be equal in two successive checks, since another program may still be writing.
     [[nodiscard]] bool HasChanged(const FileStamp& now, bool asked);
-    /// A look has found a change, and another one is due.
+    /// A check has found a change, which another check has to confirm.
     [[nodiscard]] bool ChangePending() const { return m_seen.known; }
-    /// Opens the open file anew at the same block (the last one, where there are fewer), with the same channels shown.
-    /// False when it is refused now; it stays open as it is, and LastErrorText of the library says why.
+    /// Reloads the open file at the same block (the last one if there are fewer) with the same channels shown. False
+    /// when it is refused; it then stays open unchanged, and the library's LastErrorText gives the reason.
     bool Reload(const FileStamp& now);
 
     [[nodiscard]] bool IsShown(std::int16_t channel) const;
-    /// These end a solo: what the user chooses later counts.
+    /// These end a solo: the user's later choice takes precedence.
     void Show(std::int16_t channel, bool shown);
     void ShowAll(bool shown);
     void InvertShown();
-    /// Shows one channel alone; without a channel, shows those again that were shown before.
+    /// Shows one channel alone; without a channel, restores the channels shown before.
     void Solo(std::optional<std::int16_t> channel);
     void ChooseChannel(std::int16_t channel) { m_currentChannel = channel; }
 
@@ -84,7 +84,7 @@ class Document {
     std::optional<ChannelFlags> m_shownBeforeSolo;
     std::u16string m_lastPath;
     FileStamp m_stamp;  ///< of m_lastPath, from just before it was opened
-    FileStamp m_seen;   ///< at the last look, where that found a change
+    FileStamp m_seen;   ///< stamp at the last check that found a change
 };
 
 }  // namespace quillon

@@ -16,7 +16,7 @@ struct FileOperationPlan {
 /// character, not the name of a device (NUL, COM1.edf), and no blank or point at the end, which the system drops.
 [[nodiscard]] bool IsFileName(std::u16string_view name);
 
-/// Nothing when the paths would not surely name the one file meant: the folder has to be absolute (the shell deletes
+/// None when the paths might not name exactly the intended file: the folder has to be absolute (the shell deletes
 /// files named otherwise for good), names have to satisfy IsFileName, and paths have to stay below the shell's 260
 /// characters.
 [[nodiscard]] std::optional<FileOperationPlan> PlanDelete(std::u16string_view folder, std::u16string_view name);

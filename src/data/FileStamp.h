@@ -4,9 +4,9 @@
 
 namespace quillon {
 
-/// What tells one file, and one state of it, from another.
+/// Identity and modification state of a file.
 struct FileStamp {
-    bool known = false;  ///< false where there is no such file or nothing can be learnt of it
+    bool known = false;  ///< false if the file does not exist or cannot be queried
     std::uint32_t volume = 0;
     std::uint64_t file = 0;      ///< number of the file on its volume
     std::uint64_t size = 0;      ///< bytes

@@ -6,13 +6,13 @@
 
 namespace quillon {
 
-/// The folders used lately, oldest first, at most kMost of them.
+/// Recently used folders, oldest first, at most kMost.
 class PathList {
   public:
     static constexpr std::size_t kMost = 30;
 
     PathList() = default;
-    /// Folders as they were saved; empty ones are left out, and of too many the last ones are kept.
+    /// Restores saved folders; empty ones are skipped, and if there are too many the last ones are kept.
     explicit PathList(std::vector<std::u16string> folders);
 
     /// Appends a folder that passes the test and is not in the list in any letter case; a full list loses its oldest.

@@ -4,7 +4,7 @@
 
 namespace quillon {
 
-/// All that the portable core needs of the user's side: the window implements it, tests record.
+/// User-interface services that the portable core needs; implemented by the window, recorded in tests.
 class UserServices {
   public:
     virtual ~UserServices() = default;

@@ -8,7 +8,8 @@ namespace quillon {
 
 namespace {
 
-/// Shifts beyond this many rows would lose whole rows in a double. The largest single at the finest scale lies beyond.
+/// Larger shifts could not be represented to a row in a double. The largest single-precision value at the finest scale
+/// would exceed this.
 constexpr std::int64_t kFarthest = std::int64_t{1} << 52;
 
 std::int64_t Rows(double value) {

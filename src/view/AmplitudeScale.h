@@ -28,15 +28,15 @@ class AmplitudeScale {
     [[nodiscard]] int Index() const { return m_index; }
     [[nodiscard]] double UnitsPerDivision() const { return TableEntry(m_index); }
     /// Pixels by which the zero level lies below the centre line. At a fine scale the zero level of data around a large
-    /// value lies far beyond what 32 bits hold.
+    /// value is outside the 32-bit range.
     [[nodiscard]] std::int64_t Shift() const { return m_shift; }
     [[nodiscard]] std::int64_t ZeroRow() const { return m_centreLine + m_shift; }
     [[nodiscard]] std::int32_t Height() const { return m_height; }
 
-    /// Steps to a finer (+) or coarser (-) scale and keeps the value of the base line where it is; the index stops at
-    /// the table's ends.
+    /// Steps to a finer (+) or coarser (-) scale and keeps the position of the base line's value; the index is clamped
+    /// to the table.
     void ZoomY(int step);
-    /// Takes a scale of the table; the value of the base line stays where it is too.
+    /// Selects a scale of the table; the position of the base line's value is kept too.
     void SelectScale(int index);
     void SetBipolar() { m_shift = 0; }
     /// Moves the zero level by rows.
@@ -44,7 +44,7 @@ class AmplitudeScale {
     /// Chooses the finest scale at which the range fits the graph and centres the range. No range, or one whose maximum
     /// is not above its minimum, only sets the zero level to the centre line.
     void FindData(const std::optional<ValueRange>& range);
-    /// Whether a range is legible at the present scale: it fills at least an eighth of the graph, and at least four
+    /// Whether a range is readable at the current scale: it fills at least an eighth of the graph, and at least four
     /// fifths of it lie inside.
     [[nodiscard]] bool Shows(const ValueRange& range) const;
 

@@ -34,7 +34,7 @@ std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<s
 
 namespace {
 
-/// Gathers the extremes of what can be read by halving what cannot.
+/// Collects the extremes of the readable samples by halving ranges that cannot be read.
 class ReadableGatherer {
   public:
     ReadableGatherer(RecordingBlock& block, const std::vector<std::int16_t>& channels)
@@ -47,7 +47,7 @@ class ReadableGatherer {
             Widen(ExtremeCodes(m_block, m_channels, samples));
         } catch (const std::exception& error) {
             m_result.failure = error.what();
-            // Between two samples that cannot be read lies mostly a hole or the missing end of a file.
+            // If both ends are unreadable, the range is most likely a hole or the missing end of a file.
             const bool hopeless = samples.count == 1 || m_halvings == 0;
             if (hopeless || !(CanRead(samples.first) || CanRead(samples.End() - 1))) return;
             --m_halvings;
@@ -77,10 +77,10 @@ class ReadableGatherer {
     RecordingBlock& m_block;
     const std::vector<std::int16_t>& m_channels;
     ReadableExtremes m_result;
-    int m_halvings = 10000;  ///< left, so that a file full of holes takes no time without bound
+    int m_halvings = 10000;  ///< remaining; bounds the time for a file full of holes
 };
 
-/// Range in units of a channel's two extreme codes; none where its scale makes no finite values.
+/// Range in units of a channel's two extreme codes; none if its scale gives no finite values.
 std::optional<ValueRange> InUnits(const ViewBlock& block, std::int16_t channel, RunExtremes codes) {
     const auto at = static_cast<std::size_t>(channel - 1);
     if (block.invScale[at] == 0.0F) return std::nullopt;
@@ -106,7 +106,7 @@ ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<s
         const std::vector<RunExtremes> extremes = ExtremeCodes(block, channels, samples);
         return {{extremes.begin(), extremes.end()}, {}};
     } catch (const std::exception&) {
-        // Then in pieces, so that little is lost where halving has an end.
+        // Then in pieces, so that little is lost when the halvings are used up.
         constexpr std::int32_t piece = 65536;
         for (std::int64_t first = samples.first; first < samples.End(); first += piece) {
             const auto from = static_cast<std::int32_t>(first);

@@ -12,7 +12,7 @@
 
 namespace quillon {
 
-/// The range that stands for the data when raw codes are shown: every code, 1000 to a unit.
+/// The full range used when raw codes are shown: every code, 1000 per unit.
 inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
 
 /// The two extreme codes of every channel over a range of samples, each pair in any order. Throws where a channel
@@ -20,16 +20,16 @@ inline constexpr ValueRange kRawCodesRange{-32.767F, 32.767F};
 [[nodiscard]] std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
                                                     const SampleSpan& samples);
 
-/// The same for what can be read of them.
+/// The same for the readable samples only.
 struct ReadableExtremes {
     std::vector<std::optional<RunExtremes>> codes;  ///< per channel; none where no sample can be read
-    std::string failure;                            ///< why some samples are not counted; empty when all are
+    std::string failure;                            ///< why some samples are not included; empty when all are
 };
 [[nodiscard]] ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
                                                     const SampleSpan& samples);
 
-/// The ranges of whole blocks' channels, each found on first need and kept until Reset. Samples that cannot be read are
-/// left out; such a range is looked for again at every need.
+/// The ranges of whole blocks' channels, each computed on first use and cached until Reset. Samples that cannot be read
+/// are left out; such a range is computed again at every use.
 class RangeRecords {
   public:
     /// Another block is loaded.
@@ -54,11 +54,11 @@ class RangeRecords {
     std::vector<Record> m_ranges;  ///< per channel of the block
 };
 
-/// The range that a block's scale is chosen by when it is first shown: that of the central 99 % of the points of what
-/// is seen, so that no single artefact decides; of all of them where that is at most twice as wide, since the peaks of
-/// the signal itself are to be seen, and where the central ones are all the same. `points` are those of `channels`
-/// (from 1), as TraceReader gives them. With raw codes it is the range of the codes, 1000 to a unit. None where there
-/// is no point of a finite value.
+/// The range used to choose a block's scale when it is first shown: that of the central 99 % of the visible points, so
+/// that a single artefact does not determine it; that of all points if at most twice as wide (peaks of the signal
+/// itself must be visible) or if the central points are all equal. `points` are those of `channels` (from 1), as
+/// TraceReader gives them. With raw codes it is the range of the codes, 1000 to a unit. None where there is no point of
+/// a finite value.
 [[nodiscard]] std::optional<ValueRange> CentralRange(const ViewBlock& block, std::span<const std::int16_t> channels,
                                                      std::span<const std::vector<TracePoint>> points, bool rawCodes);
 

@@ -7,8 +7,8 @@ namespace quillon {
 
 namespace {
 
-/// Cells as the samples that they hold. The extremes of a run of cells, and the order in which they occur, are those of
-/// the samples that the cells kept, one cell after the other.
+/// Presents cells as the samples that they keep. The extremes of a run of cells, and their order, are those of the kept
+/// samples, cell by cell.
 const std::int16_t* CodesOf(const RunExtremes* cells) {
     static_assert(sizeof(RunExtremes) == 2 * sizeof(std::int16_t));
     return &cells->first;

@@ -16,9 +16,9 @@ namespace quillon {
 /// The runs of a trace lie on a fixed grid: at n samples per pixel they start at samples 1, 1 + n, 1 + 2n, ... of the
 /// block (from 0), wherever the view is. The steps from 100 samples per pixel on are multiples of 100, so the runs of
 /// all of them are made of the same cells of 100 samples; from 10 000 on they are made of coarse cells of 10 000, which
-/// are kept for the whole block. Fine cells are kept in chunks, of which the least recently used go when all cells
-/// together would exceed the limit. Fine cells take 2 % of the size of the samples that they stand for, coarse ones a
-/// hundredth of that.
+/// are kept for the whole block. Fine cells are kept in chunks, of which the least recently used are evicted when all
+/// cells together would exceed the limit. Fine cells take 2 % of the size of the samples that they stand for, coarse
+/// ones a hundredth of that.
 ///
 /// The results equal RecordingBlock::ColumnExtremes in value and order.
 class ExtremesCache {
@@ -30,14 +30,14 @@ class ExtremesCache {
 
     explicit ExtremesCache(std::size_t byteLimit = kDefaultLimit) : m_limit(byteLimit) {}
 
-    /// Forgets everything: another block is shown.
+    /// Clears the cache for another block.
     void Reset();
     /// Whether runs of that length that start at that sample (from 0) are made of cells.
     [[nodiscard]] static bool Serves(std::int32_t first, std::int32_t run) {
         return run >= kCell && run % kCell == 0 && first % kCell == 1;
     }
-    /// As RecordingBlock::ColumnExtremes, for what Serves; reads what it does not know yet. False, with undefined
-    /// results, where the block does not reduce runs itself.
+    /// As RecordingBlock::ColumnExtremes, for runs that Serves() accepts; reads the cells that are missing. False, with
+    /// undefined results, where the block does not reduce runs itself.
     bool ColumnExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                         std::int32_t count, std::int32_t run, std::span<RunExtremes* const> out);
     /// Bytes that the cells take.

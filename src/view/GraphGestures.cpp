@@ -47,7 +47,7 @@ ViewChange GraphGestures::Move(const GraphPointer& pointer) {
 
 ViewChange GraphGestures::Release(const GraphPointer& pointer) {
     ViewChange change;
-    // A release beside the graph ends where the drag was shown.
+    // A release outside the graph ends the drag at its last shown position.
     if (m_kind == Kind::Select) change = Move(pointer);
     change |= Cancel();
     return change;

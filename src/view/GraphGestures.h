@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-/// The parts of the window that the mouse moves the view in.
+/// Parts of the window in which the mouse moves the view.
 enum class GraphZone { Traces, TimeScale, AmplitudeScale, Spectrogram };
 
 enum class GraphButton { Left, Middle };
@@ -29,24 +29,24 @@ class GraphGestures {
     /// Wheel movement of one notch.
     static constexpr int kNotch = 120;
 
-    /// The view outlives it.
+    /// The view must outlive this object.
     explicit GraphGestures(WaveformView& view) : m_view(view) {}
 
-    /// The gesture that is under way.
+    /// The current gesture.
     [[nodiscard]] Kind Current() const { return m_kind; }
-    /// Whether the pointer is beside the graph while selecting: AutoScroll is due every 40 ms.
+    /// Whether the pointer is outside the graph while selecting: AutoScroll has to be called every 40 ms.
     [[nodiscard]] bool IsBeside() const;
 
-    /// Starts a gesture where there is none; Current() says which one.
+    /// Starts a gesture if none is under way; Current() returns which one.
     ViewChange Press(GraphButton button, GraphZone zone, const GraphPointer& pointer);
     ViewChange Move(const GraphPointer& pointer);
-    /// Ends the gesture; a selection of no length goes.
+    /// Ends the gesture; an empty selection is removed.
     ViewChange Release(const GraphPointer& pointer);
-    /// Ends the gesture where it came to last.
+    /// Ends the gesture at its last position.
     ViewChange Cancel();
     /// Movement below a notch adds up until the direction changes.
     ViewChange Wheel(int delta, GraphZone zone, const GraphPointer& pointer);
-    /// Scrolls towards the pointer beside the graph, the faster the further it is, up to a division.
+    /// Scrolls towards a pointer outside the graph, faster with its distance, at most one division.
     ViewChange AutoScroll();
 
   private:
@@ -55,7 +55,7 @@ class GraphGestures {
     std::int32_t m_x = 0;  ///< where a drag began; of a selection, where the pointer is
     std::int32_t m_y = 0;
     std::int32_t m_column = 0;  ///< first column of the view, where the drag began
-    std::int64_t m_shift = 0;   ///< the same of the base line
+    std::int64_t m_shift = 0;   ///< shift of the base line where the drag began
     int m_wheelRest = 0;
 };
 

@@ -79,7 +79,7 @@ void GraphPicture::Draw(const GraphScene& scene) {
     m_traces.Reset(ChannelsOf(scene.lanes).size(), m_width, m_height);
     if (m_width == 0) return;
     DrawColumns(scene, 0, m_width);
-    FindBeyond(scene);
+    FindOutside(scene);
     InvertBands();
 }
 
@@ -91,13 +91,13 @@ void GraphPicture::Scroll(const GraphScene& scene, std::int32_t shift) {
     for (std::int32_t row = 0; row < m_height; ++row)
         std::memmove(Row(row) + std::max(-shift, 0), Row(row) + std::max(shift, 0), stays);
     m_traces.Scroll(shift);
-    // At both edges a trace begins and ends otherwise than it runs through: those columns are never copied.
+    // At the edges a trace starts or ends and its pixels differ from those inside: those columns are never copied.
     constexpr std::int32_t edge = 2;
     const std::int32_t left = std::min(std::max(-shift, 0) + edge, m_width);
     const std::int32_t right = std::max(m_width - std::max(shift, 0) - edge, left);
     DrawColumns(scene, 0, left);
     if (right < m_width) DrawColumns(scene, right, m_width);
-    FindBeyond(scene);
+    FindOutside(scene);
     InvertBands();
 }
 
@@ -154,7 +154,7 @@ std::optional<ColumnBand> GraphPicture::SetBand(GraphBand which, const std::opti
     return ColumnBand{std::min(gone->left, come->left), std::max(gone->right, come->right)};
 }
 
-void GraphPicture::FindBeyond(const GraphScene& scene) {
+void GraphPicture::FindOutside(const GraphScene& scene) {
     m_beyond.clear();
     const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     for (std::size_t at = 0; at < shown.size(); ++at) {
@@ -195,7 +195,7 @@ std::u16string MarkText(const ViewBlock& block, const MarkLine& line) {
 
 std::optional<std::size_t> MarkAt(const GraphScene& scene, std::int32_t x, std::int32_t y,
                                   const std::function<TextSize(const std::u16string&)>& sizeOf) {
-    constexpr std::int32_t reach = 3;  // pixels beside a line that still mean it
+    constexpr std::int32_t reach = 3;  // distance in pixels at which a line is still hit
     std::optional<std::size_t> found;
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
         const TextSize size = sizeOf(MarkText(scene.block, line));

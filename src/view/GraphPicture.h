@@ -15,10 +15,10 @@
 
 namespace quillon {
 
-/// The bands that lie over the image with its lightness inverted.
+/// Bands that invert the lightness of the image below them.
 enum class GraphBand { Selection, Cursor, Play, Count };
 
-/// A triangle at the upper or lower edge of the graph, for a trace that lies wholly beyond it.
+/// A triangle at the upper or lower edge of the graph, for a trace that is entirely outside it.
 struct EdgeArrow {
     std::uint32_t color = 0;  ///< 0xRRGGBB
     std::array<DevicePoint, 3> corners;
@@ -51,7 +51,7 @@ class GraphPicture {
     [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const {
         return m_bands[static_cast<std::size_t>(which)];
     }
-    /// The arrows of what was drawn last; they lie over the image and are no part of it.
+    /// The arrows of the last drawing; they are painted over the image and are not part of it.
     [[nodiscard]] std::vector<EdgeArrow> Arrows(int dpi) const;
     [[nodiscard]] TracePicture& Traces() { return m_traces; }
     [[nodiscard]] const TracePicture& Traces() const { return m_traces; }
@@ -60,14 +60,14 @@ class GraphPicture {
     void DrawColumns(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void DrawMarkLines(const GraphScene& scene, std::int32_t from, std::int32_t to);
-    void FindBeyond(const GraphScene& scene);
+    void FindOutside(const GraphScene& scene);
     void InvertBands();
     std::optional<ColumnBand> Invert(const ColumnBand& band);
     [[nodiscard]] std::uint32_t* Row(std::int32_t row) const {
         return m_pixels + static_cast<std::ptrdiff_t>(row) * m_width;
     }
 
-    /// A trace that lies beyond the graph.
+    /// A trace that is outside the graph.
     struct Beyond {
         std::uint32_t color;
         bool above;
@@ -85,7 +85,7 @@ class GraphPicture {
 /// Columns between the line of a mark and its text.
 inline constexpr std::int32_t kMarkGap = 3;
 
-/// What stands beside the line of a mark; empty where there is no room for it.
+/// The text beside the line of a mark; empty if there is no room for it.
 [[nodiscard]] std::u16string MarkText(const ViewBlock& block, const MarkLine& line);
 
 /// Pixels of a text.
@@ -94,7 +94,7 @@ struct TextSize {
     std::int32_t height = 0;
 };
 
-/// The mark whose line or text lies at a point of the graph; none where there is none.
+/// The mark whose line or text is at a point of the graph, if any.
 [[nodiscard]] std::optional<std::size_t> MarkAt(const GraphScene& scene, std::int32_t x, std::int32_t y,
                                                 const std::function<TextSize(const std::u16string&)>& sizeOf);
 

@@ -10,7 +10,7 @@ namespace quillon {
 
 enum class GridStyle { None = 0, Lines = 1, Dots = 2 };
 
-/// What one pass of the graph shows.
+/// Everything that one drawing of the graph shows.
 struct GraphScene {
     const ViewBlock& block;
     const TimeAxis& axis;

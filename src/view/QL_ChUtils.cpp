@@ -39,7 +39,8 @@ bool CanRead(RecordingBlock& block, std::span<const std::int16_t> channels, std:
     }
 }
 
-/// How many samples from `first` on there are in a file that was cut, of at most `count`: single samples tell it.
+/// Number of samples from `first` on, at most `count`, that a truncated file still has; found by probing single
+/// samples.
 std::int32_t CountBeforeCut(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                             std::int32_t count) {
     std::int32_t readable = 0;
@@ -50,7 +51,7 @@ std::int32_t CountBeforeCut(RecordingBlock& block, std::span<const std::int16_t>
     return readable;
 }
 
-/// How many of `count` samples from `first` on come before the first that cannot be read, where there is one.
+/// Number of readable samples from `first` on, at most `count`, before the first unreadable one.
 std::int32_t CountBeforeHole(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                              std::int32_t count) {
     std::int32_t readable = 0;
@@ -68,7 +69,7 @@ std::int32_t RunCount(std::int32_t count, std::int32_t samplesPerPixel) {
 }  // namespace
 
 std::uint32_t TraceColor(std::int16_t channelNumber) {
-    // Eight hues that stay apart for people with red or green colour blindness, then the same ones darker.
+    // Eight hues that are distinguishable with red or green colour blindness, then the same ones darker.
     // Each has a contrast of at least 3 to 1 on white.
     constexpr std::array<std::uint32_t, kTraceColors> colors{
         0x0072B2, 0xD55E00, 0x00875A, 0xB8478F, 0x2B8CC4, 0xA87400, 0x555555, 0x6A51D0,
@@ -152,8 +153,7 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
         };
         if (reduced(count, ExtremesCache::Serves(first + 1, samplesPerPixel))) return;
         if (!m_failure.empty()) {
-            // The cache reads more than is asked for. Of a file that was cut the last channel is the first to miss a
-            // sample.
+            // The cache reads more than requested. In a truncated file the last channel is the first to miss a sample.
             std::int32_t readable = CountBeforeCut(block, channels.last(1), first, count);
             if (readable > 1 && reduced(readable, false)) {
                 if (readable == count) m_failure.clear();
@@ -163,7 +163,7 @@ void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t
             if (readable > 1 && reduced(readable, false)) return;
         }
     }
-    // Read sample by sample, more than this would take memory without bound.
+    // Limits the memory for reading sample by sample.
     constexpr std::int32_t most = 1 << 22;
     if (count > most) return;
     m_failure.clear();

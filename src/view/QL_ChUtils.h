@@ -33,8 +33,8 @@ std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::
                               std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
                               std::vector<TracePoint>& points);
 
-/// The part of a trace that is wanted: the samples fill the graph from its left edge on; of their points those that
-/// pixel columns fromColumn .. toColumn-1 need are enough.
+/// The requested part of a trace: the samples fill the graph from its left edge; only the points needed for pixel
+/// columns fromColumn .. toColumn-1 have to be computed.
 struct TraceStretch {
     SampleSpan samples;
     std::int32_t samplesPerPixel = 1;
@@ -43,19 +43,19 @@ struct TraceStretch {
     friend bool operator==(const TraceStretch&, const TraceStretch&) = default;
 };
 
-/// The same points for several channels, with x as it is in the whole trace. Runs that were once read are kept and not
-/// read again; what is read for several channels is read in one pass over the data where the block offers it, else
-/// channel by channel with DrawChannelTrace. Where the data can be read up to some sample only (a file that was cut
-/// while open), the traces end there; a channel that cannot be read at all gets no points.
+/// The same points for several channels, with x as it is in the whole trace. Runs already read are cached; several
+/// channels are read in one pass over the data if the block supports it, else one by one with DrawChannelTrace. Where
+/// the data can be read up to some sample only (a file truncated while open), the traces end there; a channel that
+/// cannot be read at all gets no points.
 class TraceReader {
   public:
     /// points() then holds one list per entry of `channels`. Of a part, each list begins and ends at least one column
     /// outside; its first point stands for the line that leads to it from the left.
     void Read(RecordingBlock& block, std::span<const std::int16_t> channels, const TraceStretch& stretch);
     [[nodiscard]] std::span<const std::vector<TracePoint>> points() const { return {m_points.data(), m_used}; }
-    /// What the last Read could not read, as the block said it; empty when it read everything.
+    /// The block's error text if the last Read could not read everything; else empty.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
-    /// Forgets what was read: another block is shown.
+    /// Clears the cache for another block.
     void Reset() {
         m_cache.Reset();
         m_failure.clear();

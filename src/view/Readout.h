@@ -12,7 +12,7 @@
 
 namespace quillon {
 
-/// What the readouts are made of. Lines end with CR LF; a tab stands between a name and its value.
+/// Input of the readouts. Lines end with CR LF; a tab stands between a name and its value.
 struct ReadoutSource {
     const ViewBlock& block;
     const ChannelSlots& slots;

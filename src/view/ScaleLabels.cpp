@@ -11,7 +11,7 @@ namespace quillon {
 
 namespace {
 
-/// Values nearer to zero than this are the rounding of a zero label.
+/// Smaller absolute values are rounding errors of a zero label.
 constexpr double kZero = 1e-6;
 constexpr auto kCodesPerUnit = static_cast<double>(AmplitudeScale::kCodesPerUnit);
 
@@ -35,7 +35,7 @@ double AxisSeconds(const ViewBlock& block, double position, const FormatOptions&
     const double seconds = position / block.sampleRate;
     if (!format.timeOfDay) return seconds;
     constexpr double secondsOfDay = 86400.0;
-    // The date holds the time of day to about a microsecond; more digits of it mean nothing.
+    // The date resolves the time of day to about a microsecond; further digits are meaningless.
     const double start = std::nearbyint((block.startTime - std::floor(block.startTime)) * secondsOfDay * 1e5) / 1e5;
     return std::fmod(start + seconds, secondsOfDay);
 }
@@ -83,7 +83,8 @@ std::vector<ScaleLabel> AmplitudeLabels(const Lanes& lanes, bool rawCodes, char1
 }
 
 std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block) {
-    // Those whose text may reach in, and beyond the right edge those that end such a text.
+    // Include marks left of the graph whose text may reach into it, and those right of it that limit the width of a
+    // text.
     const std::int32_t first = -kMarkTextWidth;
     const std::int32_t last = axis.Width() + kMarkTextWidth;
     const auto columnOf = [&](const BlockMark& mark) {

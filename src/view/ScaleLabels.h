@@ -31,7 +31,7 @@ struct ScaleLabel {
 /// Those of all lanes of the graph, at its rows.
 [[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const Lanes& lanes, bool rawCodes, char16_t separator);
 
-/// Pixels that the text of a mark takes at most.
+/// Maximum width of a mark's text in pixels.
 inline constexpr std::int32_t kMarkTextWidth = 300;
 
 /// A vertical line of the graph with a text: a mark of the block.
@@ -41,8 +41,8 @@ struct MarkLine {
     std::int32_t markIndex = 0;  ///< index in ViewBlock::marks
 };
 
-/// The marks that the graph shows, at most one per column. What is shown of a mark does not depend on where in the
-/// graph it lies.
+/// The marks that the graph shows, at most one per column. How a mark is shown does not depend on its position in the
+/// graph.
 [[nodiscard]] std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block);
 
 /// "1:1", "500:1", "2k:1": the X zoom as the menu and the zoom button show it.

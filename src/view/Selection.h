@@ -15,7 +15,7 @@ struct ColumnBand {
     friend bool operator==(const ColumnBand&, const ColumnBand&) = default;
 };
 
-/// A range of samples that the user marked. Samples count from 1; the end lies before the start after a drag leftwards.
+/// A range of samples that the user marked. Samples count from 1; the end is before the start after a drag to the left.
 struct Selection {
     bool active = false;
     std::int16_t channel = 1;  ///< position in the block, from 1, of the channel that it was started on
@@ -32,7 +32,7 @@ struct Selection {
 /// has at least one.
 [[nodiscard]] std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column);
 
-/// The columns that show samples, at least one, cut to the graph; none where they lie outside it.
+/// The columns that show a range of at least one sample, clipped to the graph; none if outside it.
 [[nodiscard]] std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples);
 
 }  // namespace quillon

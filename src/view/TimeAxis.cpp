@@ -25,7 +25,7 @@ std::int32_t TimeAxis::TableEntry(int index) {
 
 void TimeAxis::SetBlock(std::int32_t sampleCount) {
     m_samples = std::max(sampleCount, 0);
-    // A zoom beyond the menu's was for a longer block.
+    // A zoom coarser than the menu's was chosen to fit a longer block.
     m_zoom = std::min(m_zoom, kMenuZoomCount - 1);
     m_length = ColumnsOf(m_samples, SamplesPerPixel());
     m_first = 0;
@@ -55,7 +55,8 @@ bool TimeAxis::SelectZoom(int index) {
     const bool sampleInMiddle = middle < m_length;
     const double first = std::nearbyint(ratio * middle - m_width / 2.0);
     SetZoom(index);
-    // Where no sample was in the middle there is none to keep there: the view then must not run past the strip's end.
+    // If the middle of the graph showed no sample, there is none to keep in place; clamp the view to the end of the
+    // strip.
     const std::int32_t highest = sampleInMiddle ? m_length : std::max(m_length - m_width, 0);
     m_first = static_cast<std::int32_t>(std::clamp(first, 0.0, static_cast<double>(highest)));
     return true;

@@ -30,19 +30,19 @@ class TimeAxis {
     [[nodiscard]] std::int32_t StripLength() const { return m_length; }
     [[nodiscard]] std::int32_t Width() const { return m_width; }
     [[nodiscard]] std::int32_t SampleCount() const { return m_samples; }
-    /// The samples that the graph shows; empty where it lies behind the last one.
+    /// The samples that the graph shows; empty if it is past the last one.
     [[nodiscard]] SampleSpan Visible() const;
 
-    /// Selects a zoom and keeps the sample at the middle of the graph where it is, as far as the strip allows.
+    /// Selects a zoom and keeps the sample in the middle of the graph in place, as far as the strip allows.
     /// False when nothing changes.
     bool SelectZoom(int index);
-    /// Selects a zoom and keeps the sample under a pixel column where it is, as far as the strip allows.
+    /// Selects a zoom and keeps the sample under a pixel column in place, as far as the strip allows.
     bool SelectZoomAbout(int index, std::int32_t column);
-    /// Shows samples, at least one, as large as they fit, in the middle of the graph.
+    /// Shows a range of at least one sample, centred, at the finest zoom at which it fits.
     void ShowSamples(const SampleSpan& samples);
-    /// Returns to a view; what is no longer possible is brought within limits.
+    /// Restores a view, clamped to the current limits.
     void Restore(int zoom, std::int32_t firstColumn);
-    /// Moves the view by columns, stopping at both ends of the strip; returns by how much it moved.
+    /// Scrolls by columns, clamped to the strip; returns the columns actually scrolled.
     std::int32_t ScrollBy(std::int32_t shift);
     /// Shift of a page command: 0 start, 1 previous page, 2 next page, 3 end. A page is a whole number of divisions.
     [[nodiscard]] std::int32_t PageShift(int command) const;

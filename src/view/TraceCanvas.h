@@ -27,8 +27,8 @@ class TraceCanvas {
     void Reset(std::int32_t from, std::int32_t to, std::int32_t height);
     /// Draws a trace over those before. `id` is 1 .. kMostTraces.
     void Draw(std::span<const DevicePoint> points, std::uint8_t id);
-    /// Lays the traces over an image of `width` columns, whose rows follow each other from the top; colors[id - 1] is
-    /// that of a trace.
+    /// Composes the traces over an image of `width` columns, whose rows follow each other from the top; colors[id - 1]
+    /// is that of a trace.
     void Compose(std::uint32_t* pixels, std::int32_t width, std::span<const std::uint32_t> colors) const;
 
   private:

@@ -14,7 +14,7 @@ namespace {
 /// Both extents stay within 16 bits, which is what the mapping mode guarantees on every system.
 constexpr std::int32_t kExtent = 32000;
 constexpr std::int32_t kOriginLimit = 32768;
-/// Origins farther away than this are out of sight at any zoom and would overflow when codes are added.
+/// Origins farther away than this are off screen at any zoom, and adding codes to them would overflow.
 constexpr std::int64_t kFarthest = 1 << 28;
 
 std::int32_t Sign(double value) {
@@ -40,14 +40,14 @@ Extents ChooseExtents(float factor) {
     return {kExtent, Sign(exact), 32768.0F};
 }
 
-/// Moves the device origin into 16 bits by whole extents, which the logical origin takes back.
+/// Moves the device origin into 16 bits by whole extents and compensates in the logical origin.
 void Fold(const Extents& extents, std::int64_t origin, TraceMapping& mapping) {
     if (std::abs(origin) >= kOriginLimit) {
         const std::int64_t sign = origin < 0 ? -1 : 1;
         const std::int64_t step = std::abs(extents.device);
         const std::int64_t steps = (std::abs(origin) - kOriginLimit) / step + 1;
         origin -= sign * steps * step;
-        // As far as the number goes: beyond it the trace lies outside any graph.
+        // Clamped to the type's range: past it the trace is outside any graph.
         constexpr std::int64_t limit = 1 << 30;
         const std::int64_t direction = sign * Sign(extents.device);
         const std::int64_t logical = direction * steps * extents.logical;
@@ -56,9 +56,9 @@ void Fold(const Extents& extents, std::int64_t origin, TraceMapping& mapping) {
     mapping.viewportOriginY = static_cast<std::int32_t>(origin);
 }
 
-/// Whether the whole numbers of the extents, over as many codes as lie between that of the base line and that in the
-/// middle of the graph, put the latter at the wrong row.
-bool Strays(const Extents& extents, double rowsPerCode, double middleCode) {
+/// Whether rounding the extents to integers puts the code in the middle of the graph (`middleCode`, counted from the
+/// base line) at the wrong row.
+bool RowErrorVisible(const Extents& extents, double rowsPerCode, double middleCode) {
     const double taken = static_cast<double>(extents.device) / extents.logical;
     return std::fabs(middleCode * (taken - rowsPerCode)) >= 0.5;
 }
@@ -79,7 +79,7 @@ void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, s
     const std::int64_t sign = mapping.windowExtentY < 0 ? -1 : 1;
     const std::int64_t extent = sign * mapping.viewportExtentY;
     const std::int64_t divisor = sign * mapping.windowExtentY;
-    // Out of sight at any zoom, and lines between two such points fit into 32 bits.
+    // Clamped rows are off screen at any zoom, and lines between two such points fit into 32 bits.
     constexpr std::int64_t farthest = 1 << 30;
     for (std::size_t at = 0; at < points.size(); ++at) {
         const TracePoint& point = points[at];
@@ -107,7 +107,7 @@ TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseL
     auto factor = static_cast<float>(exact);
     double offset = geometry.rawCodes ? 0.0 : std::nearbyint(-division * static_cast<double>(baseLine) / zoom);
     if (!std::isfinite(offset)) offset = 0.0;
-    // Singles at the finest scale can be farther away than a whole number tells.
+    // Single-precision values at the finest scale can exceed the integer range.
     constexpr double whole = 4503599627370496.0;
     const std::int64_t origin = geometry.zeroRow + static_cast<std::int64_t>(std::clamp(offset, -whole, whole));
 
@@ -126,8 +126,8 @@ TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseL
     };
     const double middle = (static_cast<double>(origin) - geometry.height / 2.0) * exact;
     const double middleCode = std::nearbyint(std::clamp(middle, -32768.0, 32767.0));
-    if (!mapping.flat && (Strays(extents, 1.0 / exact, middleCode) || std::abs(origin) > kFarthest)) {
-        // The code that is seen is the one that the mapping starts from.
+    if (!mapping.flat && (RowErrorVisible(extents, 1.0 / exact, middleCode) || std::abs(origin) > kFarthest)) {
+        // The mapping starts from the code that is visible, so that rounding errors stay off screen.
         mapping.windowOriginY = static_cast<std::int32_t>(middleCode);
         mapping.viewportOriginY = near(static_cast<double>(origin) - middleCode / exact);
     } else if (geometry.foldOrigin && !mapping.flat) {
@@ -135,7 +135,7 @@ TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseL
     } else {
         mapping.viewportOriginY = near(static_cast<double>(origin));
     }
-    // What still lies beyond 16 bits is out of sight.
+    // Whatever still exceeds 16 bits is off screen.
     if (geometry.foldOrigin)
         mapping.viewportOriginY = std::clamp(mapping.viewportOriginY, 1 - kOriginLimit, kOriginLimit - 1);
     return mapping;

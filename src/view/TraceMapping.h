@@ -13,7 +13,7 @@ namespace quillon {
 struct TraceGeometry {
     std::int32_t leftMargin = 0;    ///< device column of sample 0
     std::int64_t zeroRow = 0;       ///< device row of the zero level
-    std::int32_t height = 0;        ///< device rows that are seen, from 0
+    std::int32_t height = 0;        ///< visible device rows, from 0
     double unitsPerDivision = 1.0;  ///< vertical zoom
     std::int32_t samplesPerPixel = 1;
     bool rawCodes = false;    ///< codes are drawn as they are, 1000 codes standing for one unit
@@ -23,7 +23,7 @@ struct TraceGeometry {
 /// How the logical points of one trace (x: see TracePoint, y: the code) become pixels, named as the system names the
 /// parts of an anisotropic mapping: device = viewportOrigin + (logical - windowOrigin) x viewportExtent / windowExtent,
 /// rounded to the nearest whole number, halves up. The window's origin of x is 0.
-/// Rows in sight are right to a row (plus that of the rounded base line) wherever the zero level lies.
+/// Visible rows are exact to one row (plus the rounding of the base line) for any position of the zero level.
 struct TraceMapping {
     std::int32_t windowExtentX = 1;  ///< 1 or 2
     std::int32_t windowExtentY = 1;  ///< negative of the logical extent, so that larger values go up
@@ -40,7 +40,7 @@ struct TraceMapping {
 
 /// The points in pixels.
 void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, std::vector<DevicePoint>& pixels);
-/// The straight line that stands for a flat trace of `count` samples.
+/// The straight line drawn for a flat trace of `count` samples.
 void FlatTrace(const TraceMapping& mapping, std::int32_t count, std::int32_t samplesPerPixel,
                std::vector<DevicePoint>& pixels);
 

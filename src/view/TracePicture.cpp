@@ -49,7 +49,7 @@ void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t
     Read(scene, from, to);
     if (m_failure.empty()) m_failure = m_reader.Failure();
     m_colors.resize(m_shown.size());
-    // The last channel comes first, so that the first one lies on top.
+    // The last channel comes first, so that the first one is on top.
     std::size_t trace = m_shown.size();
     for (std::size_t at = scene.lanes.size(); at-- > 0;) {
         trace -= scene.lanes[at].channels.size();

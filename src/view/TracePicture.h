@@ -14,26 +14,26 @@
 namespace quillon {
 
 /// The traces of the shown channels as pixels: reads their points, maps them to rows and draws them, the first channel
-/// on top. Remembers which of them lie wholly above or below the picture.
+/// on top. Records which of them are entirely above or below the picture.
 class TracePicture {
   public:
     /// An empty picture of that size; `traces` is the number of channels in all lanes.
     void Reset(std::size_t traces, std::int32_t width, std::int32_t height);
-    /// The drawn columns move to the left by `shift`; those that come in are still to be drawn.
+    /// Moves the drawn columns left by `shift`; the uncovered ones have to be drawn.
     void Scroll(std::int32_t shift);
     /// Reads columns from .. to-1 of the scene and rasterises them; Compose lays them over an image.
     void Draw(const GraphScene& scene, std::int32_t from, std::int32_t to);
     /// `pixels`: 0xRRGGBB, rows of the picture's width that follow each other from the top.
     void Compose(std::uint32_t* pixels) const { m_canvas.Compose(pixels, m_width, m_colors); }
-    /// On which side of the picture a trace lies wholly; `at` counts the channels of all lanes from 0.
+    /// The side of the picture on which a trace is entirely outside; `at` counts the channels of all lanes from 0.
     [[nodiscard]] TraceSides::Side SideOf(std::size_t at) const { return m_sides.Of(at); }
 
     /// The range by which the scale of each lane is chosen, see CentralRange; none where nothing is shown or can be
-    /// read. What it reads serves the next Draw of the same view.
+    /// read. The samples read are reused by the next Draw of the same view.
     [[nodiscard]] std::vector<std::optional<ValueRange>> SeenRanges(const GraphScene& scene);
-    /// What could not be read for the columns drawn since Reset or Scroll, as the block said it; empty when all could.
+    /// The block's error text if samples of columns drawn since Reset or Scroll could not be read; empty if all could.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
-    /// Another block is shown: what was read of the old one is of no use.
+    /// Discards the samples read; to be called when another block is shown.
     void ForgetBlock();
 
   private:
@@ -43,7 +43,7 @@ class TracePicture {
 
     TraceReader m_reader;
     std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read, lane by lane
-    std::optional<TraceStretch> m_readAhead;  ///< what it holds for the next Draw
+    std::optional<TraceStretch> m_readAhead;  ///< stretch that m_reader has already read for the next Draw
     TraceSides m_sides;
     TraceCanvas m_canvas;
     std::vector<std::uint32_t> m_colors;  ///< 0xRRGGBB per entry of m_shown

@@ -8,20 +8,20 @@
 
 namespace quillon {
 
-/// Knows of every trace of the graph whether it lies above or below it in all columns, so that nothing of it is seen.
+/// Records for every trace whether it is above or below the graph in all columns, so that no part of it is visible.
 class TraceSides {
   public:
     enum class Side { None, Above, Below };
 
-    /// Nothing is known of that many traces in a graph of that size.
+    /// Resets to that many traces, with nothing recorded, in a graph of that size.
     void Reset(std::size_t traces, std::int32_t width, std::int32_t height);
-    /// The columns moved to the left by `shift`; nothing is known of those that came in.
+    /// Moves the columns left by `shift`; nothing is recorded for the uncovered ones.
     void Scroll(std::int32_t shift);
-    /// Nothing is known of columns from .. to-1 of any trace.
+    /// Clears columns from .. to-1 of all traces.
     void Forget(std::int32_t from, std::int32_t to);
-    /// What columns from .. to-1 hold of a trace, whose points do not run to the left.
+    /// Records columns from .. to-1 of a trace whose x values never decrease.
     void Mark(std::size_t trace, std::int32_t from, std::int32_t to, std::span<const DevicePoint> points);
-    /// None for a trace that is seen somewhere, passes from one side to the other or has no points.
+    /// The side, or none for a trace that is visible somewhere, crosses from one side to the other or has no points.
     [[nodiscard]] Side Of(std::size_t trace) const;
 
   private:
@@ -30,7 +30,7 @@ class TraceSides {
 
     std::int32_t m_width = 0;
     std::int32_t m_height = 0;
-    std::vector<std::vector<std::uint8_t>> m_columns;  ///< per trace and column, the sides it was on; both when seen
+    std::vector<std::vector<std::uint8_t>> m_columns;  ///< per trace and column, bit set of sides; both bits: visible
 };
 
 }  // namespace quillon

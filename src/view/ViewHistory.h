@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// What part of a block was seen at which scales.
+/// A view: the visible part of a block and the scales.
 struct ViewPlace {
     /// Of a lane.
     struct Scale {
@@ -22,7 +22,7 @@ struct ViewPlace {
     friend bool operator==(const ViewPlace&, const ViewPlace&) = default;
 };
 
-/// The views that were left by a jump or a zoom, so that one can go back to them; the oldest one goes when it is full.
+/// The views before each jump or zoom, for going back; when full, the oldest one is dropped.
 class ViewHistory {
   public:
     static constexpr std::size_t kMost = 32;

@@ -45,7 +45,7 @@ void WaveformView::BlockLoaded() {
 void WaveformView::FitScales(std::span<const std::optional<ValueRange>> seen) {
     for (std::size_t at = 0; at < m_lanes.size() && at < seen.size(); ++at) {
         AmplitudeScale& scale = m_lanes[at].scale;
-        // A scale that the user chose stays from block to block as long as the new one is readable at it.
+        // A scale that the user chose is kept for the next block as long as that is readable at it.
         if (!seen[at] || (m_scalesFitted && scale.Shows(*seen[at]))) continue;
         scale.FindData(seen[at]);
         m_scalesFitted = true;
@@ -69,7 +69,7 @@ void WaveformView::GoBackTo(const ViewPlace& place) {
 
 void WaveformView::Restore(const State& state) {
     GoBackTo(state.place);
-    // Of a shorter recording the last page is seen rather than nothing.
+    // For a shorter recording show the last page rather than nothing.
     if (m_axis.Visible().count == 0) m_axis.ScrollBy(m_axis.PageShift(1));
     m_history = state.history;
     const std::int32_t samples = m_axis.SampleCount();
@@ -123,7 +123,7 @@ ViewChange WaveformView::SelectZoomX(int index) {
 }
 
 ViewChange WaveformView::ZoomX(bool in) {
-    // Beyond the menu's zooms, where a whole long block is shown, the way out ends and the way in goes on.
+    // At zooms coarser than the menu's (a long block shown whole) zooming out stops and zooming in continues.
     const int next = m_axis.ZoomIndex() + (in ? -1 : 1);
     if (next < 0 || (!in && next >= TimeAxis::kMenuZoomCount)) return {};
     return SelectZoomX(next);
@@ -177,7 +177,7 @@ ViewChange WaveformView::FitSelection() {
 }
 
 ViewChange WaveformView::Back() {
-    // A view that is the present one is no way back.
+    // Skip entries that equal the current view.
     while (const std::optional<ViewPlace> place = m_history.Pop()) {
         if (*place == Place()) continue;
         GoBackTo(*place);
@@ -226,7 +226,7 @@ ViewChange WaveformView::Deselect() {
 ViewChange WaveformView::MoveSelectionEnd(std::int32_t columns) {
     const std::int64_t end = std::int64_t{m_selection.end} + std::int64_t{columns} * m_axis.SamplesPerPixel();
     m_selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_axis.SampleCount()));
-    // The end stays in view.
+    // Keep the end of the selection in view.
     const std::int32_t column = (m_selection.end - 1) / m_axis.SamplesPerPixel() - m_axis.FirstColumn();
     ViewChange change;
     if (column < 0) change = ScrollBy(column);

@@ -16,17 +16,17 @@ namespace quillon {
 /// What a command has changed of the view.
 struct ViewChange {
     std::int32_t scrolled = 0;  ///< columns by which the view was moved along the block, where that is all
-    bool redraw = false;        ///< zoom, scales or more than one of these have changed
+    bool redraw = false;        ///< more than a scroll: zoom or scales have changed
     bool newPlace = false;      ///< the user has gone to another part of the block
     bool selection = false;
     ViewChange& operator|=(const ViewChange& other);
 };
 
-/// Which part of a document's block the graph shows at which scales, what is selected, and the views that one can go
-/// back to. Samples count from 1. Commands do nothing where there is nothing to do, and say so by an empty change.
+/// Which part of a document's block the graph shows at which scales, what is selected, and the history of views.
+/// Samples count from 1. A command that has no effect returns an empty change.
 class WaveformView {
   public:
-    /// The document outlives it.
+    /// The document must outlive this object.
     explicit WaveformView(const Document& document);
 
     [[nodiscard]] const TimeAxis& Axis() const { return m_axis; }
@@ -42,24 +42,24 @@ class WaveformView {
 
     /// Size of the graph in pixels. The lanes share it, and hold the channels that are shown now.
     void Arrange(std::int32_t width, std::int32_t height);
-    /// The block goes: forgets the selection, the history and what is known of its data.
+    /// The block is about to be closed: clears the selection, the history and the recorded ranges.
     void LeaveBlock();
-    /// Another block is loaded: its first page is seen, at the zoom and scales of before.
+    /// Another block is loaded: shows its first page at the previous zoom and scales.
     void BlockLoaded();
-    /// Chooses new scales where the data are not readable at those of before, or none was chosen since the start.
-    /// `seen` holds the range of what is seen per lane, see CentralRange.
+    /// Chooses new scales if the data are not readable at the previous ones, or none has been chosen since the start.
+    /// `seen` holds the range of the visible data per lane, see CentralRange.
     void FitScales(std::span<const std::optional<ValueRange>> seen);
-    /// Whether FitScales has found something to choose a scale by since the start.
+    /// Whether FitScales has had data to choose a scale by since the start.
     [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
 
-    /// All that is kept when a recording is loaded anew.
+    /// State that is restored after a reload of the recording.
     struct State {
         ViewPlace place;
         ViewHistory history;
         Selection selection;
     };
     [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection}; }
-    /// After BlockLoaded; what lies beyond the end of the block is brought back into it.
+    /// To be called after BlockLoaded; positions past the end of the block are clamped.
     void Restore(const State& state);
 
     ViewChange ScrollBy(std::int32_t columns);
@@ -70,9 +70,9 @@ class WaveformView {
     /// Moves the zero level by rows.
     ViewChange MoveBaseLine(std::int64_t rows);
     ViewChange SelectZoomX(int index);
-    /// One step of the menu's zooms, which ends at the coarsest of them.
+    /// One zoom step, limited to the zooms of the menu.
     ViewChange ZoomX(bool in);
-    /// Steps of the X zoom, finer ones positive, that keep the sample under a column of the graph there.
+    /// Steps of the X zoom, finer ones positive; the sample under a column of the graph stays there.
     ViewChange ZoomAbout(int steps, std::int32_t column);
     /// Steps of the Y scale, finer ones positive.
     ViewChange ZoomY(int steps);
@@ -81,14 +81,14 @@ class WaveformView {
     ViewChange FindData();
     ViewChange FitBlock();
     ViewChange FitSelection();
-    /// The view that was left last.
+    /// Returns to the previous view.
     ViewChange Back();
     ViewChange GoTo(std::int32_t sample);
-    /// The next or previous mark from the sample gone to last, as long as the view has not changed since, else from the
-    /// middle of the view.
+    /// The next or previous mark, searched from the target of the last GoTo while the view has not changed since, else
+    /// from the middle of the view.
     [[nodiscard]] std::optional<std::int32_t> MarkFrom(bool next) const;
 
-    /// From the sample where a selection starts to that where it ends, which may lie before it.
+    /// Selects from `start` to `end`; the end may be before the start.
     ViewChange Select(std::int32_t start, std::int32_t end);
     /// Moves the end of the selection.
     ViewChange SelectTo(std::int32_t end);
@@ -103,7 +103,7 @@ class WaveformView {
     void GoBackTo(const ViewPlace& place);
     /// The lanes hold the channels that are shown.
     void FillLanes();
-    /// The view is about to be left.
+    /// Saves the current view in the history.
     void Push() { m_history.Push(Place()); }
     ViewChange Redraw(bool newPlace = false);
 

@@ -10,7 +10,7 @@ namespace quillon {
 
 namespace {
 
-/// Sets a flag for as long as it lasts.
+/// Sets a flag for its own lifetime.
 class QuietScope {
   public:
     explicit QuietScope(bool& flag) : m_flag(flag) { m_flag = true; }
@@ -106,8 +106,8 @@ void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
 }
 
 void ChannelList::FitColumns() const {
-    // As wide as the list will be inside, not as it is with the scroll bars of its last content and size: those would
-    // stay for themselves alone.
+    // Use the client width without scroll bars left from the previous content: otherwise they would remain although
+    // unneeded.
     RECT list{};
     GetWindowRect(m_list, &list);
     InflateRect(&list, -GetSystemMetrics(SM_CXEDGE), -GetSystemMetrics(SM_CYEDGE));

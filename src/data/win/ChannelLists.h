@@ -9,9 +9,8 @@
 
 namespace quillon {
 
-/// The list of blocks: one line per block, its text and its number in a second column. It can be filled before there is
-/// a control that shows it. Positions count from 0; only a line that there is may be selected, and the text of any
-/// other is empty.
+/// The list of blocks: one line per block, its text and its number in a second column. It can be filled before its
+/// control exists. Positions count from 0; only an existing line may be selected; the text of any other is empty.
 class BlockList {
   public:
     void Attach(HWND list);
@@ -27,7 +26,7 @@ class BlockList {
 
     HWND m_list = nullptr;
     std::vector<std::wstring> m_lines;
-    int m_selected = -1;  ///< as long as there is no control
+    int m_selected = -1;  ///< used until the control exists
 };
 
 /// The list of the block's channels, each with a check box that mirrors the slot's Shown flag, the colour of its trace
@@ -41,15 +40,15 @@ class ChannelList {
     void FitColumns() const;
     /// Items are the channels' positions in the block, from 0.
     [[nodiscard]] bool IsChecked(int item) const;
-    /// Whether the mouse message that a notification tells of came to a line, its check box left aside.
+    /// Whether a mouse notification is for a line outside its check box.
     [[nodiscard]] bool IsOnItem(const NMHDR* notification) const;
-    /// Lets the item mark the keyboard focus, where no other one does.
+    /// Gives the item the focus mark if no other item has it.
     void ShowFocus(int item) const;
     /// Sets a check box without a change notification.
     void Check(int item, bool checked);
     /// Selects an item without a change notification.
     void Choose(int item);
-    /// True while this object itself changes the list, so that its notifications say nothing new.
+    /// True while this object itself changes the list: its notifications are to be ignored then.
     [[nodiscard]] bool Filling() const { return m_filling; }
 
   private:

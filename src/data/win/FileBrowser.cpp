@@ -73,7 +73,7 @@ void FileBrowser::ListDrives() const {
 bool FileBrowser::Read(const std::wstring& folder, Names& names) {
     WIN32_FIND_DATAW found{};
     const FindHandle search(FindFirstFileW((WithBackslash(folder) + L"*").c_str(), &found));
-    // The root of an empty drive holds not even itself.
+    // The root of a drive without a medium cannot be listed at all.
     if (!search) {
         const bool nothingFound = GetLastError() == ERROR_FILE_NOT_FOUND;
         return nothingFound && GetFileAttributesW(WithBackslash(folder).c_str()) != INVALID_FILE_ATTRIBUTES;
@@ -123,7 +123,7 @@ void FileBrowser::FillFolders() {
         SendPointer(m_folders, LB_ADDSTRING, 0, line.c_str());
         m_folderPaths.push_back(path);
     };
-    // The way from the drive to the folder, one level deeper line by line, then what lies in the folder.
+    // The path from the drive to the folder, indented level by level, then the subfolders.
     for (std::size_t start = 0; start < m_folder.size();) {
         // The first line is the drive with its backslash, or the server and share of a network folder.
         std::size_t end = start == 0 ? RootLength(m_folder) : m_folder.find(L'\\', start);
@@ -156,7 +156,7 @@ void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::w
         GetTextExtentPoint32W(dc.Get(), name.c_str(), static_cast<int>(name.size()), &size);
         widest = std::max(widest, size.cx);
     }
-    // Longer names than the list is wide are reached by scrolling.
+    // Set the horizontal extent so that long names can be scrolled.
     SendMessageW(m_files, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest) + 6, 0);
     SendMessageW(m_files, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
 }
@@ -177,7 +177,7 @@ void FileBrowser::Refresh() {
     if (!m_readable) names = {};
     m_complete = m_readable && names.complete;
     const std::wstring selected = SelectedFile();
-    // Others that write files leave the folder list, and the user's place in it, alone.
+    // When other programs write files, the folder list and its scroll position are left unchanged.
     if (names.folders != m_subfolders) {
         m_subfolders = names.folders;
         FillFolders();
@@ -196,7 +196,7 @@ int FileBrowser::SelectedPosition() const {
 }
 
 bool FileBrowser::SelectFileNamed(const std::wstring& name) {
-    // Letter by letter: the list box itself takes names for equal that name two files.
+    // Compare exactly: the list box treats names as equal that differ as file names.
     auto found = std::find(m_listed.begin(), m_listed.end(), name);
     if (found == m_listed.end())
         found = std::find_if(m_listed.begin(), m_listed.end(),

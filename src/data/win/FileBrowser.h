@@ -9,23 +9,23 @@ namespace quillon {
 
 /// The drive, folder and file lists: a folder that they all show, and the names in it.
 /// The controls belong to the window that made them; this fills and reads them. A folder can be shown and a file
-/// selected before they are there.
+/// selected before the controls exist.
 class FileBrowser {
   public:
     void Attach(HWND drives, HWND folders, HWND files);
 
-    /// Shows a folder in all three lists, as far as it can be read; false, with the lists as they were, when it cannot
-    /// be at all.
+    /// Shows a folder in all three lists, as far as it can be read; false, with unchanged lists, when it cannot be read
+    /// at all.
     bool ShowFolder(const std::wstring& folder);
     /// With a trailing backslash only for the root of a drive; empty before the first ShowFolder.
     [[nodiscard]] const std::wstring& Folder() const { return m_folder; }
 
     /// False when the last reading of the folder ended early: what had been read by then is listed.
     [[nodiscard]] bool IsComplete() const { return m_complete; }
-    /// False when nothing could be read at all, as of a folder that is gone; it is not complete then.
+    /// False when nothing could be read, e.g. for a removed folder; the listing is then incomplete, too.
     [[nodiscard]] bool IsReadable() const { return m_readable; }
 
-    /// Whether that is the folder, in any letter case and form.
+    /// Whether the path names the current folder, in any letter case and form.
     [[nodiscard]] bool Shows(const std::wstring& folder) const;
 
     /// Wildcard patterns of the files listed.
@@ -45,12 +45,12 @@ class FileBrowser {
     /// Selects the file of that name in any letter case; false when it is not listed.
     bool SelectFileNamed(const std::wstring& name);
 
-    /// Folder of the drive chosen in the drive list, and of the line of the folder list: where a choice there leads.
+    /// Target folders of the current choices in the drive list and in the folder list.
     [[nodiscard]] std::wstring ChosenDrive() const;
     [[nodiscard]] std::wstring ChosenFolder() const;
-    /// Puts the drive and folder lists back on the shown folder.
+    /// Resets the drive and folder lists to the current folder.
     void ShowChoice() const;
-    /// Lists the drives that there are now.
+    /// Lists the present drives.
     void ListDrives() const;
 
   private:
@@ -73,7 +73,7 @@ class FileBrowser {
     std::vector<std::wstring> m_listed;       ///< names in the file list
     bool m_complete = true;
     bool m_readable = true;
-    int m_selected = -1;  ///< position of the selected file, as long as there are no lists
+    int m_selected = -1;  ///< position of the selected file, used until the controls exist
 };
 
 }  // namespace quillon

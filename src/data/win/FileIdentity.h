@@ -7,15 +7,15 @@
 
 namespace quillon {
 
-/// Stamp of a file or folder as it is now. It is opened for that, without asking for its content, so no other program
-/// is in the way.
+/// Current stamp of a file or folder. It is opened without access to its content, so sharing modes of other programs do
+/// not matter.
 [[nodiscard]] FileStamp StampOf(const std::wstring& path);
 
-/// Whether two paths that differ at most in letter case lead to one file or folder: where a folder tells letter cases
-/// apart they need not. Equal letter by letter they do.
+/// Whether two paths that differ at most in letter case name one file or folder: in a case-sensitive folder they may
+/// not. Identical paths always do.
 [[nodiscard]] bool IsSamePath(const std::wstring& a, const std::wstring& b);
 
-/// Whether a look at the file may take its time: it lies on another computer.
+/// Whether accessing the file may be slow because it is on a network drive.
 [[nodiscard]] bool IsRemote(const std::wstring& path);
 
 }  // namespace quillon

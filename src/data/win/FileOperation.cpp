@@ -10,7 +10,7 @@ namespace quillon {
 
 namespace {
 
-/// The ANSI and the wide call differ in nothing but their character. The texts are lists that an empty one ends.
+/// The ANSI and the wide call differ only in the character type. The texts are lists terminated by an empty string.
 template <typename Operation, typename List>
 FileOperationResult Perform(int(WINAPI* call)(Operation*), UINT code, FILEOP_FLAGS flags, const List& from,
                             const List& to, HWND owner) {
@@ -39,7 +39,7 @@ FileOperationResult Perform(UINT code, const FileOperationPlan& plan, HWND owner
     return Perform(code, FOF_ALLOWUNDO, Wide(plan.from) + L'\0', Wide(plan.to) + L'\0', owner);
 }
 
-/// Asked before the shell, which answers a missing file with dialogs.
+/// Checked first, as the shell shows dialogs for a missing file.
 bool IsFile(const std::u16string& path) {
     const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
@@ -69,7 +69,7 @@ FileOperationResult RenameFile(const std::wstring& folder, const std::wstring& o
                                HWND owner) {
     const std::optional<FileOperationPlan> plan = PlanRename(Narrow16(folder), Narrow16(oldName), Narrow16(newName));
     if (!plan || !IsFile(plan->from)) return FileOperationResult::Failed;
-    // Asked before the shell, which may offer the user yet another name instead. What is found under a name that
+    // Checked first, as the shell may offer another name instead. What is found under a name that
     // differs in letter case only is the file itself, unless the folder tells letter cases apart.
     const bool taken = GetFileAttributesW(Wide(plan->to).c_str()) != INVALID_FILE_ATTRIBUTES;
     if (taken && !IsSamePath(Wide(plan->from), Wide(plan->to))) return FileOperationResult::Failed;

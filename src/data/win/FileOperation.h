@@ -12,7 +12,7 @@ namespace quillon {
 ///
 /// Checked here, before the shell is asked: all that data/FileOperationPlan.h checks, that the file is there and is no
 /// folder, and that no file or folder has the new name already. Left to the shell: rights, files in use, read-only
-/// files and media, and whatever changes on the disk meanwhile; it never writes over a file that is there. Names
+/// files and media, and whatever changes on the disk meanwhile; it never overwrites an existing file. Names
 /// outside the ANSI code page go through the shell's wide calls.
 
 enum class FileOperationResult {
@@ -24,7 +24,8 @@ enum class FileOperationResult {
 /// Moves a file to the recycle bin once the user has confirmed it in the shell's dialog.
 [[nodiscard]] FileOperationResult DeleteToRecycleBin(const std::wstring& folder, const std::wstring& name, HWND owner);
 
-/// Moves files of a folder to the recycle bin in one step and without asking. Declined and Failed: some may be gone.
+/// Moves files of a folder to the recycle bin in one step and without asking. After Declined and Failed some files may
+/// have been moved.
 [[nodiscard]] FileOperationResult DeleteAllToRecycleBin(const std::wstring& folder,
                                                         const std::vector<std::wstring>& names, HWND owner);
 

@@ -64,7 +64,8 @@ void cFileNotification::objTimer_Timer() {
     if (WaitForSingleObject(m_handle, 0) != WAIT_OBJECT_0) return;
     m_raising = true;
     m_changeFiles();
-    // A watch that the owner ended is gone, and one that it started is armed: arming that again could lose a change.
+    // If the owner ended the watch there is no handle; if it started another one, that is armed already, and arming it
+    // again could lose a change.
     if (!m_raising) return;
     m_raising = false;
     if (!FindNextChangeNotification(m_handle)) StopWatch();

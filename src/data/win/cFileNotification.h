@@ -9,12 +9,12 @@
 
 namespace quillon {
 
-/// Tells its owner when files are created, deleted or given new names in one folder. It owns a change notification of
+/// Notifies its owner when files are created, deleted or renamed in one folder. It owns a change notification of
 /// the system and looks at it from a timer, every 2 seconds while it watches: the owner is called on its own thread
 /// like by any other message, and at most once a period, however many changes there were.
 ///
-/// Changes of a file's size, time or attributes are not told, nor is anything about sub-folders. The end of the folder
-/// itself need not be told either.
+/// Changes of a file's size, time or attributes and changes in subfolders are not reported. The removal of the folder
+/// itself may not be reported.
 class cFileNotification {
   public:
     /// `changeFiles` is the event. It may start and stop the watch, and may run messages: as long as it has not
@@ -35,12 +35,12 @@ class cFileNotification {
   private:
     void objTimer_Timer();
 
-    // Not a WinHandle: when this handle is closed, and with which values, is settled by the destructor.
+    // Not a WinHandle: when this handle is closed, and with which values, is decided by the destructor.
     HANDLE m_handle = INVALID_HANDLE_VALUE;
     std::wstring m_path;
     std::unique_ptr<TimerObject> m_objTimer;
     std::function<void()> m_changeFiles;
-    bool m_raising = false;  ///< the event of the present handle is under way and its re-arming is due
+    bool m_raising = false;  ///< the event for the current handle is being raised; it has to be re-armed afterwards
 };
 
 }  // namespace quillon

@@ -23,7 +23,7 @@ namespace quillon {
 /// Fills a rectangle with a colour.
 void FillWith(HDC dc, const RECT& rect, COLORREF color);
 
-/// Text without a background at a position that the text alignment of the context gives meaning to.
+/// Draws text without a background; the position is interpreted by the text alignment of the context.
 void DrawTextAt(HDC dc, int x, int y, const std::u16string& text);
 
 /// One square of that size per trace colour.

@@ -15,7 +15,7 @@ struct CursorTraits {
 };
 
 /// The pointers of the graph, see DrawCursor, of the system's cursor size and with the hot spot in their middle. Each
-/// is made on first use and must not be in use any more when its owner goes.
+/// is created on first use and must no longer be in use when this object is destroyed.
 class GraphCursor {
   public:
     /// A style is taken by its magnitude modulo kCursorStyles. The system's cross where a cursor cannot be made.

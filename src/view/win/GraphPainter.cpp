@@ -31,7 +31,7 @@ GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())), m_dpi(ScreenDpi())
 }
 
 void GraphPainter::Prepare(int width, int height) {
-    // The picture writes its pixels past the system, which may still have copying of its own to do.
+    // The picture writes the pixels directly, so flush GDI's pending operations first.
     GdiFlush();
     if (width == m_picture.Width() && height == m_picture.Height()) return;
     m_picture.SetPixels(nullptr, 0, 0);

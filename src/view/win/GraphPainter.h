@@ -9,7 +9,7 @@
 namespace quillon {
 
 /// Draws the graph off-screen and copies the finished image to its picture box, with an arrow at the upper or lower
-/// edge for every trace that lies wholly beyond it. Owns the bitmap of GraphPicture and writes the texts of the marks.
+/// edge for every trace that is entirely outside it. Owns the bitmap of GraphPicture and writes the texts of the marks.
 class GraphPainter {
   public:
     GraphPainter();
@@ -21,18 +21,18 @@ class GraphPainter {
     void Scroll(const GraphScene& scene, std::int32_t shift);
     /// An empty white surface without bands.
     void Clear(int width, int height);
-    /// Why a part of what was drawn last could not be read; empty when all could.
+    /// Reason why some samples of the last drawing could not be read; empty when all could.
     [[nodiscard]] const std::string& ReadFailure() const { return m_picture.Traces().Failure(); }
-    /// Another block is shown: what was read of the old one is of no use.
+    /// Discards the samples read; to be called when another block is shown.
     void ForgetBlock() { m_picture.Traces().ForgetBlock(); }
     /// See TracePicture.
     [[nodiscard]] std::vector<std::optional<ValueRange>> SeenRanges(const GraphScene& scene) {
         return m_picture.Traces().SeenRanges(scene);
     }
-    /// Moves, shows or hides a band; the returned rectangle holds what has changed.
+    /// Moves, shows or hides a band; returns the changed rectangle.
     RECT SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
     [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const { return m_picture.Band(which); }
-    /// The mark whose line or label lies at a point of the graph; none where there is none.
+    /// The mark whose line or label is at a point of the graph, if any.
     [[nodiscard]] std::optional<std::size_t> MarkAt(const GraphScene& scene, int x, int y) const;
     /// Copies part of the image.
     void Paint(HDC target, const RECT& part) const;

@@ -75,7 +75,7 @@ void PictureBox::OnPaint() {
     } catch (const std::exception& error) {
         m_owner->PictureFailed(error);
     }
-    // Always, or the system asks for the same painting without end.
+    // Always validate, or the system would send WM_PAINT endlessly.
     EndPaint(m_window, &paint);
 }
 

@@ -6,7 +6,7 @@
 
 namespace quillon {
 
-/// What a picture box asks of its owner.
+/// Callbacks of a picture box to its owner.
 class PictureOwner {
   public:
     virtual ~PictureOwner() = default;
@@ -19,15 +19,15 @@ class PictureOwner {
 };
 
 /// A child window that shows a picture its owner paints. WM_PAINT and WM_PRINTCLIENT paint alike, so its pixels can be
-/// had without a screen; the latter answers 0 when that failed. It can take the keyboard focus; keys go to the main
-/// window, which looks at them first.
+/// obtained without a screen; WM_PRINTCLIENT returns 0 on failure. It can take the keyboard focus; keys are handled by
+/// the main window before they get here.
 class PictureBox {
   public:
     PictureBox() = default;
     PictureBox(const PictureBox&) = delete;
     PictureBox& operator=(const PictureBox&) = delete;
 
-    /// `owner` outlives the window. False when the window cannot be made.
+    /// `owner` must outlive the window. False when the window cannot be made.
     [[nodiscard]] bool Create(HWND parent, int id, PictureOwner& owner, bool tabStop);
     [[nodiscard]] HWND Window() const { return m_window; }
     void Invalidate() const {

@@ -13,9 +13,9 @@ class ZoomXEvents {
     virtual ~ZoomXEvents() = default;
     /// 0: the minus side (zoom out), 1: the plus side (zoom in).
     virtual void ZoomDown(int index) = 0;
-    /// The caption was pressed: the list of zooms is asked for.
+    /// The caption was pressed: request to show the list of zooms.
     virtual void ZoomButtonDown() = 0;
-    /// What an event started threw.
+    /// An event handler threw this exception.
     virtual void ZoomFailed(const std::exception& error) = 0;
 };
 
