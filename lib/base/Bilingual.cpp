@@ -26,7 +26,7 @@ FormatError::FormatError(Bilingual reason, Language language)
 
 Bilingual Say(std::u16string_view english, std::u16string_view russian,
               std::initializer_list<std::u16string> arguments) {
-    // A sentence without one of its numbers would not say where the fault is.
+    // A sentence without one of its numbers would not locate the fault.
     assert(HasPlaces(english, arguments.size()) && HasPlaces(russian, arguments.size()));
     return {FillPlaces(english, arguments), FillPlaces(russian, arguments)};
 }

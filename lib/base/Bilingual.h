@@ -22,7 +22,8 @@ struct Bilingual {
 [[nodiscard]] Bilingual Say(std::u16string_view english, std::u16string_view russian,
                             std::initializer_list<std::u16string> arguments = {});
 
-/// A file that is refused, cannot be read on or cannot hold what is to be written: says what is wrong and where.
+/// A file that is refused, cannot be read on or cannot hold what is to be written: the message gives the fault and its
+/// location.
 class FormatError : public std::exception {
   public:
     explicit FormatError(Bilingual reason, Language language = Language::English);

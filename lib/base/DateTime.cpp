@@ -28,7 +28,7 @@ double DateFromCivil(const CivilTime& time) {
 
 CivilTime CivilFromDate(double date) {
     using namespace std::chrono;
-    // Years -32767 to 32767 are what the calendar classes hold; a date beyond them cannot be told.
+    // Years -32767 to 32767 are what the calendar classes hold; a date outside that range cannot be represented.
     const double limited = std::isfinite(date) ? std::clamp(date, -12000000.0, 11000000.0) : 0.0;
     const auto total = static_cast<long long>(std::llround(limited * kMillisecondsPerDay));
     const long long perDay = 86400000;

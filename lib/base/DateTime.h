@@ -16,7 +16,7 @@ struct CivilTime {
     int millisecond = 0;
 };
 
-/// Fields beyond their range (a day 0, a second 61) carry over; the proleptic Gregorian calendar.
+/// Fields out of range (a day 0, a second 61) carry over; the proleptic Gregorian calendar.
 [[nodiscard]] double DateFromCivil(const CivilTime& time);
 
 /// To the nearest millisecond.

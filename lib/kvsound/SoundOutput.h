@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-/// What a sound output tells its owner. Every event comes on the thread that made the output, while that thread handles
+/// Events of a sound output. Every event comes on the thread that made the output, while that thread handles
 /// messages, and never from inside an operation of the output; so an event may call any operation. It must not throw
 /// and must not destroy the output. None comes after the output is destroyed. All four must be set.
 struct SoundOutputEvents {
@@ -28,7 +28,7 @@ struct SoundOutputEvents {
 class SoundOutput {
   public:
     virtual ~SoundOutput() = default;
-    /// Counts anew on every call: devices come and go.
+    /// Counts again on every call, as devices may be added or removed.
     [[nodiscard]] virtual std::int16_t DeviceCount() const = 0;
     /// Of device 0 .. DeviceCount-1; empty for any other.
     [[nodiscard]] virtual std::u16string DeviceName(std::int16_t index) const = 0;

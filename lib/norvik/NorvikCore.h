@@ -61,7 +61,7 @@ class RecordingBlock {
     [[nodiscard]] virtual std::int32_t MarkPosition(std::int32_t mark) const = 0;
     [[nodiscard]] virtual std::u16string MarkText(std::int32_t mark) const = 0;
 
-    // What the exporters, the sound and the drawing need beyond the above.
+    // Further functions for the exporters, playback and drawing.
 
     /// Name of the acquisition device; may be empty.
     [[nodiscard]] virtual std::u16string DeviceName() const = 0;

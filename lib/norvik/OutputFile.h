@@ -16,7 +16,7 @@ namespace quillon {
 class OutputFile {
   public:
     virtual ~OutputFile() = default;
-    /// Begins the file. False when the system would not let it be made or replaced: ErrorText tells why.
+    /// Begins the file. False when the system would not let it be made or replaced: ErrorText gives the reason.
     [[nodiscard]] virtual bool Create(const std::u16string& fileName) = 0;
     /// Appends bytes. False when they are known not to have reached the disk; after that nothing succeeds.
     [[nodiscard]] virtual bool Write(std::span<const std::byte> bytes) = 0;

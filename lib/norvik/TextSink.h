@@ -14,7 +14,7 @@ class TextSink {
     virtual ~TextSink() = default;
     /// UTF-8, lines with their ends. Never throws; a failure is kept for Close.
     virtual void Write(std::string_view text) = 0;
-    /// Whether a failure is kept already, so that Close can only say no and further text is lost.
+    /// Whether a write has failed already: Close will then return false, and further text is discarded.
     [[nodiscard]] virtual bool Failed() const { return false; }
     /// Brings the text to its end: the file takes its place, the clipboard gets it here. Returns whether all of it
     /// arrived.
@@ -27,7 +27,7 @@ class TextSink {
 /// reason in `error` when that fails.
 using TextSinkFactory = std::function<std::unique_ptr<TextSink>(const std::u16string& target, std::u16string& error)>;
 
-/// As a target: the text goes onto the clipboard.
+/// As a target name: write to the clipboard.
 inline constexpr std::u16string_view kClipboardTarget = u"Clipboard";
 
 }  // namespace quillon

@@ -10,7 +10,7 @@
 namespace quillon {
 
 /// A text file of UTF-8 without a mark of its own; it replaces one that exists when it is closed. Null, with the file's
-/// name and the reason in `error`, when it cannot be created. Reasons are told in `language`.
+/// name and the reason in `error`, when it cannot be created. Reasons are in `language`.
 [[nodiscard]] std::unique_ptr<TextSink> CreateTextFile(const std::u16string& fileName, Language language,
                                                        std::u16string& error);
 

@@ -125,7 +125,7 @@ void RunCommand(const Command& command, const ParsedArguments& parsed, Language 
     target.Finish();
 }
 
-/// `file` and `language` are what a refusal is told with.
+/// `file` and `language` are used in the message of a refusal.
 int Dispatch(const std::vector<std::u16string>& arguments, CliIo& io, std::u16string& file, Language& language) {
     const ParsedArguments parsed = ParseArguments(arguments, AllOptions());
     language = LanguageOf(parsed);

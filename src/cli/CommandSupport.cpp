@@ -18,7 +18,7 @@ OpenFile::~OpenFile() {
 void RefuseExport(const KVExport& exporter, const std::u16string& target) {
     const std::u16string& reason = exporter.Reason().empty() ? exporter.LastError() : exporter.Reason();
     if (exporter.SourceFailed()) throw Refusal(reason);
-    // What the system says of a file begins with its name.
+    // System errors about a file are prefixed with its name.
     if (reason.starts_with(target + u": ")) throw Refusal::Whole(reason);
     throw Refusal(reason, target);
 }

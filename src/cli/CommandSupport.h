@@ -57,7 +57,7 @@ struct BlockRange {
 /// throws Refusal, where the viewer's own rules would take what there is.
 [[nodiscard]] BlockRange FindRange(Recording& recording, const ParsedArguments& parsed, Language language);
 
-/// For code that also speaks to a user: there is nobody here, what matters becomes a Refusal.
+/// User services for the command line: there is no user to ask, so relevant messages become a Refusal.
 class SilentServices final : public UserServices {
   public:
     void ShowMessage(const std::u16string&, const std::u16string&) override {}

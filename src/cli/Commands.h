@@ -15,7 +15,7 @@ struct CommandContext {
     Language language;
     OutputTarget& target;
     std::string_view lineEnd;  ///< of text on the standard output
-    std::ostream& error;       ///< for what is told of a result that is not whole
+    std::ostream& error;       ///< for messages about an incomplete result
 };
 
 struct Command {

@@ -43,7 +43,7 @@ class TargetFile final : public OutputFile {
     std::exception_ptr& m_refusal;
 };
 
-/// What --type or else the extension of the output tells.
+/// The type given by --type, else by the extension of the output.
 std::int32_t FileType(const ParsedArguments& parsed, Language language) {
     const std::u16string& name = parsed.words[2];
     const std::u16string extension =

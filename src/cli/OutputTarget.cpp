@@ -44,9 +44,9 @@ OutputTarget::OutputTarget(std::ostream& standard, const ParsedArguments& parsed
 void OutputTarget::CheckPlace() const {
     const fs::path path = NativePath(m_path);
     std::error_code error;
-    // A link stands in the place even if it leads nowhere.
+    // A dangling link counts as an existing file.
     if (m_force || !fs::exists(fs::symlink_status(path, error))) return;
-    // Devices are written where they are; of a folder the system says what it is.
+    // Devices are written directly; for a folder the system's own error is reported.
     if (fs::exists(path, error) && !fs::is_regular_file(path, error)) return;
     throw Refusal(Say(u"the file exists (--force replaces it)", u"файл уже есть (--force заменит его)").In(m_language),
                   m_path);

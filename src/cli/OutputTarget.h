@@ -16,7 +16,7 @@ namespace quillon::cli {
 class Refusal : public std::runtime_error {
   public:
     explicit Refusal(const std::u16string& reason, std::u16string file = {});
-    /// A text that names itself what it is about.
+    /// A message that already names its subject.
     [[nodiscard]] static Refusal Whole(const std::u16string& text);
     [[nodiscard]] const std::u16string& File() const { return m_file; }
     [[nodiscard]] bool IsWhole() const { return m_whole; }
@@ -49,7 +49,7 @@ class OutputTarget {
     static void CheckStream(std::ostream& stream, Language language);
 
   private:
-    /// Throws Refusal where something stands in the place that may not be replaced.
+    /// Throws Refusal if the path exists and may not be replaced.
     void CheckPlace() const;
 
     std::ostream& m_standard;

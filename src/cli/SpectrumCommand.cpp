@@ -150,7 +150,7 @@ std::u16string WriteSpectrum(const BlockChannel& source, SpectrumRequest request
     const std::int32_t columns =
         request.columns.value_or(std::min(lastColumn - request.firstColumn, kMostColumns - 1) + 1);
 
-    // A target that cannot be written is told before the work.
+    // Report a target that cannot be written before doing the work.
     target.Open();
     source.block->Prepare();
     std::u16string lost;

@@ -41,7 +41,7 @@ struct SpectrumRequest {
 [[nodiscard]] std::u16string WriteSpectrum(const BlockChannel& source, SpectrumRequest request, OutputTarget& target,
                                            Language language);
 
-/// WriteSpectrum of what the command line asks for; tells on the standard error what was lost.
+/// WriteSpectrum of what the command line asks for; reports on standard error what was lost.
 void RunSpectrum(const CommandContext& context);
 
 }  // namespace quillon::cli

@@ -47,7 +47,7 @@ std::optional<float> ParseSingle(std::u16string_view text, char16_t separator) {
     return value;
 }
 
-/// Takes a choice over; a position of the list stands for the number at `first` on. Whether the value changes.
+/// Applies a choice; list positions map to the numbers from `first` on. Returns whether the value changes.
 template <typename Number>
 bool TakeChoice(Number& value, int shown, int chosen, int first = 0) {
     if (chosen < 0 || chosen == shown) return false;
@@ -59,7 +59,7 @@ void TakeFlag(std::int16_t& value, bool ticked) {
     if ((value != 0) != ticked) value = ticked ? 1 : 0;
 }
 
-/// Takes a typed number over if it was edited and is acceptable.
+/// Applies a typed number if it was edited and is valid.
 template <typename IsAcceptable>
 bool TakeNumber(float& value, const std::u16string& shown, const std::u16string& typed, char16_t separator,
                 IsAcceptable acceptable) {

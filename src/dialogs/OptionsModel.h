@@ -10,7 +10,7 @@
 #include "spectrum/SpectrumSettings.h"
 #include "view/DisplaySettings.h"
 
-/// What the options dialog shows of the settings and what its entries do to them, without a window.
+/// Converts between the settings and the entries of the options dialog, independent of the window.
 namespace quillon {
 
 /// The settings that the dialog edits.
@@ -48,7 +48,7 @@ struct OptionEntries {
     std::u16string fastFile;
 };
 
-/// What of the spectrogram has to be made anew, in this order, once the values are stored.
+/// Parts of the spectrogram to rebuild, in this order, after the values are stored.
 struct OptionChanges {
     bool buildPalette = false;     ///< FFT_BuildPalette
     bool buildWindow = false;      ///< FFT_BuildWindow
@@ -65,10 +65,10 @@ inline constexpr std::array<std::u16string_view, 9> kAmplitudeScales{u"10",  u"2
                                                                      u"150", u"200", u"500", u"1000"};
 inline constexpr std::array<std::u16string_view, 5> kDecibelRanges{u"30", u"60", u"90", u"120", u"160"};
 
-/// What the controls show of the values.
+/// The content of the controls for the settings.
 [[nodiscard]] OptionEntries ShowOptions(const OptionValues& values, char16_t separator);
 
-/// Takes the entries over into the values that were shown. An entry that the user left as it was shown keeps its value,
+/// Applies the entries to the settings that were shown. An entry that the user left as it was shown keeps its value,
 /// also one that the control cannot show; so does a number that cannot be read or lies outside its limits.
 OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, OptionValues values);
 

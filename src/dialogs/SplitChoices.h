@@ -8,7 +8,7 @@
 #include "export/SplitPlan.h"
 #include "export/SplitSettings.h"
 
-/// What the split dialog shows of the settings and what its entries mean, without a window.
+/// Converts between the settings and the entries of the split dialog, independent of the window.
 namespace quillon {
 
 /// What is split.
@@ -32,23 +32,23 @@ struct SplitChoices {
 /// What the controls show of the settings; where nothing was chosen yet, what suits the block.
 [[nodiscard]] SplitChoices ShowSplitSettings(const SplitSettings& settings, const SplitSource& source);
 
-/// Takes the choices over. A size or step that is no number keeps its setting.
+/// Stores the choices. A size or step that is not a number keeps its setting.
 void KeepSplitSettings(const SplitChoices& choices, const SplitSource& source, SplitSettings& settings);
 
 /// The plan of the choices; size and step are those of the entries where these have no fault.
 [[nodiscard]] SplitPlan MakeSplitPlan(const SplitChoices& choices, const SplitSource& source);
 
-/// A size or a step that cannot be taken.
+/// An invalid size or step.
 struct SplitFault {
     bool step = false;
     EntryFault fault = EntryFault::None;
     std::u16string typed;
 };
 
-/// The first fault of the mode that is chosen.
+/// The first invalid entry of the selected mode.
 [[nodiscard]] std::optional<SplitFault> FindSplitFault(const SplitChoices& choices, const SplitSource& source);
 
-/// Whether the user is asked, as that many files are hardly meant.
+/// Whether to ask for confirmation because of the large number of files.
 [[nodiscard]] inline bool IsUnusualCount(const SplitPlan& plan) {
     return plan.PieceCount() > 10000;
 }

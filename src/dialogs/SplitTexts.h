@@ -8,7 +8,7 @@
 #include "export/SplitPlan.h"
 #include "export/SplitRun.h"
 
-/// What the split dialog tells, in the user's language.
+/// Messages of the split dialog, in the user's language.
 namespace quillon {
 
 /// How the pieces will be named, and how many files a run would delete or replace.

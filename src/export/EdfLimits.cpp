@@ -35,7 +35,7 @@ class Search {
         for (const bool exact : {false, true}) {
             const auto at = [&](int code) {
                 const auto single = static_cast<float>(code) * static_cast<float>(m_scale);
-                return exact ? At(code) : Told(code, EdfNumber(single + static_cast<float>(m_offset), kWidth));
+                return exact ? At(code) : PointOf(code, EdfNumber(single + static_cast<float>(m_offset), kWidth));
             };
             const Point low = at(usual.digitalMinimum);
             const Point high = at(usual.digitalMaximum);
@@ -96,11 +96,11 @@ class Search {
         return number;
     }
     [[nodiscard]] double Value(double code) const { return code * m_scale + m_offset; }
-    [[nodiscard]] Point Told(int code, std::string text) const {
+    [[nodiscard]] Point PointOf(int code, std::string text) const {
         const double value = Number(text);
         return {code, std::move(text), value, (value - Value(code)) / m_scale};
     }
-    [[nodiscard]] Point At(int code) const { return Told(code, EdfNumber(Value(code), kWidth)); }
+    [[nodiscard]] Point At(int code) const { return PointOf(code, EdfNumber(Value(code), kWidth)); }
     static EdfLimits Between(const Point& low, const Point& high) { return {low.code, high.code, low.text, high.text}; }
 
     /// Whether a reader's values are near those of all codes: what is wrong with a line is most at one of its ends.

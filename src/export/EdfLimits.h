@@ -15,8 +15,8 @@ struct EdfLimits {
 };
 
 /// Limits from which a reader, in double precision, computes code x scale + offset to half a code for every code of 16
-/// bits: those of codes -32000 and 32000 where they do, else of codes as far apart as can be. Nothing where no limits
-/// do: a large offset leaves too few of the 8 characters to a fine scale.
+/// bits: those of codes -32000 and 32000 if they are exact enough, else of codes as far apart as possible. None if no
+/// limits are exact enough: a large offset leaves too few of the 8 characters for a fine scale.
 [[nodiscard]] std::optional<EdfLimits> FindEdfLimits(float scale, float offset);
 
 }  // namespace quillon

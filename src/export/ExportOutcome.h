@@ -7,12 +7,12 @@
 
 namespace quillon {
 
-/// What a file that was written holds otherwise than the recording.
+/// Differences between a written file and the recording.
 struct ExportOutcome {
     std::int32_t asked = 0;    ///< samples per channel of the range
     std::int32_t written = 0;  ///< of these; EDF keeps whole records only
-    bool earlier = false;      ///< the file tells the block's start, which is before that of the range
-    bool otherDate = false;    ///< the format has no such date as the start's and the file tells its first one
+    bool earlier = false;      ///< the file contains the block's start time, which is before that of the range
+    bool otherDate = false;    ///< the format cannot hold the start date, so the file contains its earliest one
     double rate = 0.0;         ///< of the block, Hz
     double ratedAs = 0.0;      ///< what a reader of the file gets, Hz
 };
@@ -20,7 +20,7 @@ struct ExportOutcome {
 /// Whether a rate stands for another to a millionth, a second in eleven days.
 [[nodiscard]] bool IsSameRate(double one, double other);
 
-/// What is otherwise, for the user, parted by commas; empty where all is kept.
+/// The differences as text for the user, separated by commas; empty if there are none.
 [[nodiscard]] std::u16string DescribeLoss(const ExportOutcome& outcome, Language language);
 
 }  // namespace quillon

@@ -47,8 +47,8 @@ class KVExport {
 
     /// Why the last Export failed; empty when it did not.
     [[nodiscard]] std::u16string LastError() const { return m_writers.LastFailure(); }
-    /// What LastError leaves open, in the user's language: where writing or reading failed the file's name and the
-    /// reason. Mostly empty.
+    /// Details to LastError in the user's language: if writing or reading failed, the file's name and the reason; else
+    /// mostly empty.
     [[nodiscard]] const std::u16string& Reason() const { return m_reason; }
     /// Whether the last Export failed because the recording could not be read.
     [[nodiscard]] bool SourceFailed() const { return m_sourceFailed; }
@@ -58,7 +58,7 @@ class KVExport {
     /// Full name of the recording whose blocks are exported from now on; reasons why it cannot be read begin with it.
     void SetRecording(std::u16string fileName) { m_recording = std::move(fileName); }
 
-    /// Told after each chunk from now on; see ExportSystem.
+    /// Sets the callback that is called after each chunk; see ExportSystem.
     void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
         m_writers.SetProgress(std::move(progress));
     }

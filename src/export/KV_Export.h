@@ -17,17 +17,18 @@
 
 namespace quillon {
 
-/// What the writers need of the system.
+/// System services that the writers need.
 struct ExportSystem {
     OutputFileFactory makeFile;
     /// Text of ".bin" fields in the system's bytes: at most `size` of them, ended behind a whole character.
     std::function<std::string(std::u16string_view text, std::size_t size)> fieldText = Utf8Within;
     /// The day that ".bin" files count as 1: 0 is Sunday, 1 Monday ... 6.
     int firstDayOfWeek = 1;
-    /// Called after each chunk with the samples per channel done and to do. It may run pending messages as long as
-    /// these start no other export with the same object and close no recording; what it throws ends the export.
+    /// Called after each chunk with the samples per channel done and to do. It may run pending messages provided that
+    /// they neither start another export with the same object nor close the recording; an exception from it ends the
+    /// export.
     std::function<void(std::int32_t done, std::int32_t total)> progress = {};
-    /// Of the reasons that are not the family's own texts.
+    /// Language of the failure reasons that have no prescribed text.
     Language language = Language::English;
 };
 
@@ -37,13 +38,13 @@ struct ExportSystem {
 ///
 /// False, with the reason in LastFailure, when there is no such range, the format cannot hold a channel's scale or the
 /// file cannot be created; with the reason in WriteFailure when a write fails, which ends the export at once.
-/// FormatError says what else the header cannot hold. Exceptions of the block pass through; SourceFailed tells them
-/// from the others. Whatever fails, no file was touched.
+/// FormatError reports other values that the header cannot hold. Exceptions of the block pass through; SourceFailed
+/// distinguishes them from others. On any failure existing files are unchanged.
 class KV_Export {
   public:
     explicit KV_Export(ExportSystem system) : m_system(std::move(system)) {}
 
-    /// Forgets the last failure.
+    /// Clears the last failure.
     void Clear();
     [[nodiscard]] const std::u16string& LastFailure() const { return m_lastFailure; }
     void SetLastFailure(std::u16string_view text) { m_lastFailure = text; }
@@ -51,7 +52,7 @@ class KV_Export {
     void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
         m_system.progress = std::move(progress);
     }
-    /// What could not be written, and why; empty when nothing failed so.
+    /// Which file could not be written, and why; empty without a write failure.
     [[nodiscard]] const std::u16string& WriteFailure() const { return m_writeFailure; }
     /// Whether an exception came from reading the block's samples.
     [[nodiscard]] bool SourceFailed() const { return m_reading; }

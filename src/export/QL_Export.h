@@ -19,7 +19,7 @@
 /// Samples as text, into a file or onto the clipboard.
 namespace quillon {
 
-/// What one run writes.
+/// Input of one run.
 struct TextExportRequest {
     std::u16string target;  ///< full file name, or kClipboardTarget
     bool rowOfSize = false;
@@ -34,7 +34,7 @@ struct TextExportRequest {
     std::int32_t count = 0;
 };
 
-/// What the export needs of the program around it.
+/// Environment of the export: document state and callbacks.
 struct TextExportContext {
     const ChannelSlots& slots;
     const FormatOptions& format;
@@ -43,11 +43,11 @@ struct TextExportContext {
     TextSinkFactory open;
     /// Lets pending window messages run, between chunks; false ends the export. May be empty.
     std::function<bool()> runPending{};
-    /// Programs that would take a file for one of the system's code page are told that it is UTF-8.
+    /// Write a byte order mark, so that programs do not read the UTF-8 text in the system's code page.
     bool utf8Mark = true;
     std::string_view lineEnd = kTextLineEnd;
-    bool ended = false;  ///< runPending answered false, or a write has failed
-    // For the caller to tell: targets written to the end, and what was not written, each with the reason.
+    bool ended = false;  ///< runPending returned false, or a write has failed
+    // To be reported by the caller: targets written completely, and those not written, each with the reason.
     std::vector<std::u16string> written{};
     std::vector<std::u16string> failures{};
 };

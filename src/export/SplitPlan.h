@@ -11,7 +11,7 @@
 /// How a block is cut into pieces of equal length, and what the pieces' files are called.
 namespace quillon {
 
-/// What is offered as size and step.
+/// Sizes and steps offered.
 inline constexpr std::array<std::int32_t, 10> kSplitSeconds = {1, 2, 5, 10, 20, 30, 60, 120, 300, 600};
 inline constexpr std::array<std::int32_t, 10> kSplitSamples = {100,  200,   500,   1000,  2000,
                                                                5000, 10000, 20000, 50000, 100000};
@@ -26,7 +26,7 @@ enum class EntryFault {
     TooLarge,     ///< more samples than 32 bits count
 };
 
-/// What the user typed as a size or a step.
+/// A size or step typed by the user.
 struct SplitEntry {
     double number = 0.0;       ///< in the unit of the entry
     std::int32_t samples = 0;  ///< at least 1 where there is no fault
@@ -51,8 +51,8 @@ struct SplitPlan {
     std::int32_t blockSamples = 0;  ///< per channel
     std::int32_t size = 1;          ///< samples of a piece; at least 1
     std::int32_t step = 1;          ///< samples from the start of a piece to that of the next; at least 1
-    bool sampleNames = false;       ///< names tell the range of samples, else the number of the piece
-    std::u16string prefix;          ///< what names begin with
+    bool sampleNames = false;       ///< names contain the range of samples, else the number of the piece
+    std::u16string prefix;          ///< prefix of the names
     std::u16string extension;       ///< of names by number; those by samples always end in ".bin"
 
     /// Whole pieces; a single one that is cut short where the size exceeds the block by less than a step. 0 or less:
@@ -73,7 +73,7 @@ struct SplitPlan {
     [[nodiscard]] std::optional<std::int64_t> PieceOf(std::u16string_view name) const;
 };
 
-/// What stands in the place of the output folder.
+/// State of the output folder's path.
 struct SplitFolderState {
     enum class Kind {
         Missing,
@@ -88,10 +88,10 @@ struct SplitFolderState {
 
 enum class SplitObstacle { None, NoPieces, NameTooLong, NotFolder, Unreadable, HoldsRecording };
 
-/// What forbids a run, told from what is there before anything is changed.
+/// Obstacle to a run, determined from the folder's content before anything is changed.
 [[nodiscard]] SplitObstacle FindSplitObstacle(const SplitPlan& plan, const SplitFolderState& folder);
 
-/// Files that the run would replace.
+/// Files that the run would overwrite.
 [[nodiscard]] std::int64_t CountReplaced(const SplitPlan& plan, const SplitFolderState& folder);
 
 }  // namespace quillon

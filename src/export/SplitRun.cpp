@@ -29,7 +29,7 @@ SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system) {
             return result;
         }
         ++result.written;
-        // The last piece makes the run complete whatever the program is about to do.
+        // After the last piece the run is complete even if the program is about to end.
         if (stopped() && result.written < pieces) {
             result.end = SplitEnd::Stopped;
             return result;

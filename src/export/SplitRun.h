@@ -9,18 +9,18 @@
 
 namespace quillon {
 
-/// What a run needs of its surroundings.
+/// Callbacks of a run.
 struct SplitSystem {
     /// Empties the output folder. Returns which file could not be deleted, or nothing when all are gone. None: the
     /// folder is not to be emptied.
     std::function<std::u16string()> deleteFiles = {};
     /// False when the folder neither exists nor can be made.
     std::function<bool()> createFolder = {};
-    /// False when a piece could not be written; the user has been told why.
+    /// False when a piece could not be written; the reason has been shown to the user.
     std::function<bool(std::int64_t piece, const std::u16string& name)> exportPiece = {};
     /// Called before each piece. May be none.
     std::function<void(std::int64_t piece, const std::u16string& name)> status = {};
-    /// Lets the program answer its windows; false ends the run. May be none.
+    /// Lets the program process window messages; false ends the run. May be empty.
     std::function<bool()> runPending = {};
 };
 
@@ -34,8 +34,8 @@ enum class SplitEnd {
 
 struct SplitResult {
     SplitEnd end = SplitEnd::Done;
-    std::int64_t written = 0;  ///< complete pieces, which stay whatever happened
-    std::u16string name;       ///< the file that the end is about
+    std::int64_t written = 0;  ///< complete pieces; they are kept even if the run failed
+    std::u16string name;       ///< the file that the end of the run refers to
 };
 
 /// Writes the pieces one after the other. Any failure ends the run where it happens.

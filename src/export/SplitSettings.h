@@ -4,7 +4,7 @@
 
 namespace quillon {
 
-/// What the user chose about splitting. Sizes and steps of 0 or less: nothing was chosen yet.
+/// User settings of splitting. Sizes and steps of 0 or less: not chosen yet.
 struct SplitSettings {
     std::int16_t type = 0;         ///< 0 by time, 1 by samples
     std::int32_t samplesStep = 0;  ///< samples

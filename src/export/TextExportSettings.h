@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-/// What the user chose about the export of text. A flag is set when it is not zero.
+/// User settings of the text export. A flag is set when it is not zero.
 struct TextExportSettings {
     std::int16_t fileType = 0;  ///< 0 a file per channel, else a single file
     std::int16_t channels = 0;  ///< 0 or less all channels, else the shown ones

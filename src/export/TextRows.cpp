@@ -98,7 +98,7 @@ TextRows::TextRows(const TextXValues& x, std::span<const TextChannel> channels, 
     for (const TextChannel& channel : channels) {
         m_columns.push_back({channel.scale, channel.offset, FixedText(DecimalsOfResolution(channel.scale), separator)});
     }
-    // The room of a column counts its tab or line end; only what is really written is ever touched.
+    // The size of a column includes its tab or line end; memory pages not written to are never touched.
     const std::size_t rowRoom = (m_columns.size() + 1) * (FixedText::kRoom + lineEnd.size());
     m_buffer.resize(rowRoom * static_cast<std::size_t>(kTextChunkRows));
 }
@@ -112,7 +112,7 @@ std::string_view TextRows::Make(std::int32_t first, std::int32_t count, std::spa
         }
         const auto at = static_cast<std::size_t>(row);
         out = m_rawCodes ? WriteCodes(out, at, columns) : WriteValues(out, at, columns);
-        // Every column wrote a tab behind it; the last one's gives way to the line's end.
+        // Every column ends with a tab; the last one is overwritten by the line end.
         out = Copy(m_lineEnd, out - 1);
     }
     return {m_buffer.data(), static_cast<std::size_t>(out - m_buffer.data())};

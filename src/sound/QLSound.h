@@ -12,10 +12,10 @@
 
 namespace quillon {
 
-/// Plays the codes of the loaded block through the sound card, unscaled, one channel or all at once, and tells how far
-/// it is. Owns the sound output, and during a playback a share of the block. Everything happens on the window's thread;
-/// the samples are read piece by piece, so the length of a playback costs neither time at its start nor memory.
-/// Nothing throws and nothing asks the user: what cannot be played leaves the object idle with an error text.
+/// Plays the codes of the loaded block through the sound card, unscaled, one channel or all at once, and reports the
+/// position. Owns the sound output, and during a playback a share of the block. Everything happens on the window's
+/// thread; the samples are read piece by piece, so the length of a playback costs neither time at its start nor memory.
+/// No function throws or asks the user: on any failure the object is idle and has an error text.
 class QLSound {
   public:
     /// `block` is what the viewer has loaded at the time of each Play; it and `services` must outlive the object.
@@ -25,27 +25,27 @@ class QLSound {
     QLSound(const QLSound&) = delete;
     QLSound& operator=(const QLSound&) = delete;
 
-    // What the owner may set to be told; each may call any operation and may not destroy the object. After Stop the
-    // event comes as well, later; only a Play in between takes its place.
+    // Callbacks, set by the owner; each may call any operation but must not destroy the object. Stop raises onStopped
+    // too, asynchronously, unless a Play follows before.
     std::function<void()> onStarted;
     std::function<void()> onStopped;
-    /// The sample of the block that is being heard, counted from 1 as in Play. Never goes back within a playback.
+    /// The sample of the block being played, counted from 1 as in Play. Never goes back within a playback.
     std::function<void(std::int32_t sample)> onPlayProgress;
 
     [[nodiscard]] std::int16_t DeviceCount() const;
     /// Of device 0 .. DeviceCount-1; empty for any other.
     [[nodiscard]] std::u16string DeviceName(std::int16_t index) const;
-    /// -1 while the chosen one is not there.
+    /// -1 while the chosen device is not connected.
     [[nodiscard]] std::int16_t Device() const;
     /// Chooses a device by its name, whatever its index becomes; takes effect with the next Play. While it is not there
     /// nothing is played on another one. An index without a device changes nothing.
     void PutDevice(std::int16_t index);
-    /// There was a device when the object was made, or at the last Refresh.
+    /// Whether there was a device when the object was created, or at the last Refresh.
     [[nodiscard]] bool Available() const { return m_available; }
-    /// Looks again which devices there are, for those plugged in or out since, as Play does too. Returns Available.
+    /// Enumerates the devices again, as Play does too. Returns Available.
     bool Refresh();
     [[nodiscard]] bool Playing() const { return m_playing; }
-    /// Why the last Play did not start or broke off; empty when it did neither, and after Stop.
+    /// Why the last Play did not start or was aborted; empty otherwise, and after Stop.
     [[nodiscard]] std::u16string ErrorText() const { return m_errorText; }
     void Stop();
     /// Plays samples first (from 1) .. first+sampleCount-1, as far as the block has them, of one channel (from 1) or,
@@ -85,7 +85,7 @@ class QLSound {
     std::int32_t m_begin = 0;
     std::int32_t m_end = 0;
     std::int32_t m_next = 0;   ///< to be written next
-    std::int32_t m_heard = 0;  ///< the last one told to the owner
+    std::int32_t m_heard = 0;  ///< the last one reported to the owner
 
     /// Last, because its events refer to the other members.
     std::unique_ptr<SoundOutput> m_objOut;

@@ -15,7 +15,7 @@ namespace {
 /// Columns that are computed together.
 constexpr std::int32_t kTogether = 16;
 
-/// Order of a transform that is asked for.
+/// Requested order of a transform.
 std::int32_t OrderFor(std::int32_t asked) {
     constexpr std::int32_t fallback = 8;
     return asked < QL_FFT::kLeastOrder ? fallback : std::min(asked, QL_FFT::kMostOrder);
@@ -260,7 +260,7 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
         from = held;
         if (held >= visibleColumns) to = held - 1;
     } else if (shift > held || shift < -held || visibleColumns != held) {
-        // Nothing of what it holds is seen, or not at both ends.
+        // No held column is in the view, or the held ones do not fill it: compute all columns.
     } else if (shift > 0) {
         const auto moved = static_cast<std::int32_t>(shift);
         FFT_ShiftImage(moved, 0, held - moved);

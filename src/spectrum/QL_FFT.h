@@ -53,9 +53,9 @@ class QL_FFT {
     static void RepairSettings(SpectrumSettings& settings);
     /// Once per run: repairs the settings, builds palette, window and an image for that many columns.
     void FFT_Init(std::int32_t imageWidth);
-    /// Makes room for as many columns; the image is computed anew when there was less. Rounded up to a multiple of 4.
+    /// Reserves that many columns; if there were fewer, the image is recomputed. Rounded up to a multiple of 4.
     void FFT_SetImageWidth(std::int32_t columns);
-    /// An order below 5 becomes 8, one above 11 becomes 11. Everything is computed anew at the next update.
+    /// An order below 5 becomes 8, one above 11 becomes 11. Everything is recomputed at the next update.
     void FFT_SetOrder(std::int32_t order);
     void FFT_BuildWindow();
     void FFT_BuildPalette() { m_palette = BuildPalette(m_settings.palette); }

@@ -8,7 +8,7 @@ namespace quillon {
 /// some devices jumps back a little. Fed at least once per 2^31 counts.
 class PlayPosition {
   public:
-    /// `raw` is what the device says now. Returns the count since the playback began.
+    /// `raw` is the device's current position. Returns the count since the playback began.
     std::int64_t Advance(std::uint32_t raw) {
         const auto step = static_cast<std::int32_t>(raw - static_cast<std::uint32_t>(m_count));
         if (step > 0) m_count += step;

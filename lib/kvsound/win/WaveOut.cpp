@@ -37,7 +37,7 @@ constexpr UINT kProgressInterval = 30;  ///< ms
 /// KSDATAFORMAT_SUBTYPE_PCM, which would need another library to link.
 constexpr GUID kPcm = {WAVE_FORMAT_PCM, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xaa, 0x00, 0x38, 0x9b, 0x71}};
 
-/// What happens to a device that there was. The system tells it in its own language alone.
+/// Errors of a device that was present before. The system's texts exist in its own language only.
 Bilingual CommonError(MMRESULT result) {
     switch (result) {
         case MMSYSERR_BADDEVICEID:
@@ -95,7 +95,7 @@ class WaveDevice {
     [[nodiscard]] bool HasBuffers() const { return !m_queued.empty(); }
     [[nodiscard]] bool NeedsMore() const { return m_queued.size() < kFewestBuffers || m_written - m_done < m_rate; }
 
-    /// The device is silent until Run. The window is told of every buffer that comes back.
+    /// The device is silent until Run. The window gets a message for every buffer returned.
     MMRESULT Open(UINT index, std::int16_t channelCount, std::int32_t rate, HWND window) {
         // Two channels are left and right for certain.
         MMRESULT result = WAVERR_BADFORMAT;
@@ -363,7 +363,7 @@ class WaveOut final : public SoundOutput {
     WaveDevice m_device;
     std::int16_t m_index = 0;
     std::u16string m_errorText;
-    WPARAM m_playback = 0;   ///< number of the last playback, so that late messages of another are told apart
+    WPARAM m_playback = 0;   ///< number of the last playback, to recognise late messages of an earlier one
     bool m_begun = false;    ///< from the first Write to the end
     bool m_running = false;  ///< the device plays
 };

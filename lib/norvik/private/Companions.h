@@ -37,7 +37,7 @@ class Companions {
 };
 
 /// The files in the folder of `path`; where none has the name, one that differs from it in letter case only. The errors
-/// of their reads are told in `language`.
+/// of their reads are in `language`.
 [[nodiscard]] Companions FilesBeside(const std::u16string& path, Language language);
 
 }  // namespace quillon

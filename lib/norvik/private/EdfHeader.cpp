@@ -69,7 +69,7 @@ class SignalFields {
     std::size_t m_signals;
 };
 
-/// What is odd about the signals' limits; told once for all signals.
+/// Warnings about the signals' limits; reported once for all signals.
 struct LimitOddities {
     std::size_t signals = 0;
     std::u16string first;  ///< label of the first such signal
@@ -194,7 +194,7 @@ void ReadStart(std::string_view fixed, std::string_view recording, EdfHeader& he
         header.notes.push_back(Say(u"start time '%1' at byte 176 cannot be read",
                                    u"время начала «%1», байт 176, не читается", {clock.Shown()}));
     }
-    // The first moment that the short form can tell stands for one that nobody knows.
+    // The earliest time of the short form is used for an unknown start.
     if (Trim(date.text) == "01.01.85" && start.clock == 0.0) {
         header.notes.push_back(Say(u"start not known", u"начало неизвестно"));
         return;
@@ -274,7 +274,7 @@ EdfHeader ReadEdfHeader(ByteSource& source) {
     // blocks can be numbered.
     if (!signals || *signals < 1 || *signals > 9999) RefuseField(u"signal count", u"число сигналов", count);
     const auto signalCount = static_cast<std::size_t>(*signals);
-    // The count has four characters; one that asks for more than the file has is told as a header cut short.
+    // The count has four characters; a count that exceeds the file is reported as a truncated header.
     header.dataStart = kFixedBytes + signalCount * kPerSignalBytes;
     if (size < header.dataStart) RefuseCut(size, header.dataStart);
 

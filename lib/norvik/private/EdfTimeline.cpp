@@ -27,7 +27,7 @@ class StretchCutter {
         m_tolerance = 0.5000001 * header.recordSeconds / static_cast<double>(fastest);
     }
 
-    /// The next record, with its onset where it tells one.
+    /// The next record, with its onset if it contains one.
     void Add(std::optional<double> onset) {
         const std::uint64_t record = m_record++;
         if (m_full) return;
@@ -95,7 +95,7 @@ void ReadAnnotations(const std::shared_ptr<ByteSource>& source, const EdfHeader&
             if ((position + bytes) % signal.partBytes != 0) return;
             const std::optional<double> onset = timeline.annotations.EndRecord();
             ++read;
-            // Only the first annotation signal tells the onsets of records.
+            // Only the first annotation signal contains the onsets of records.
             if (at > 0) return;
             if (!onset) ++withoutOnset;
             cutter.Add(onset);

@@ -9,7 +9,7 @@
 
 #include "base/Bilingual.h"
 
-/// What the writing of files asks of the system. Every call that fails leaves the system's reason in `error`.
+/// System calls for writing files. Every call that fails leaves the system's reason in `error`.
 namespace quillon {
 
 /// An open file that takes bytes.

@@ -202,7 +202,7 @@ void FrameBlock::ChooseScales() {
     try {
         ForEachPiece(0, m_description.sampleCount, look);
     } catch (const ReadError&) {
-        // What was seen up to there decides, so that the rest of a damaged file can be shown.
+        // Use the samples scanned so far, so that the rest of a damaged file can be shown.
     }
     std::vector<ChannelScaling> scaling(seen.size());
     for (std::size_t channel = 0; channel < seen.size(); ++channel) {

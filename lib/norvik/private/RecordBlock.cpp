@@ -36,7 +36,7 @@ void RecordBlock::ChooseScales() {
     try {
         m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
     } catch (const ReadError&) {
-        // What was seen up to there decides, so that the rest of a damaged file can be shown.
+        // Use the samples scanned so far, so that the rest of a damaged file can be shown.
     }
     std::vector<WideScale> scales;
     for (std::size_t channel = 0; channel < extremes.size(); ++channel) {

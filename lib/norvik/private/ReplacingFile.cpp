@@ -96,7 +96,7 @@ class ReplacingFile final : public OutputFile {
     FileSystem& m_files;
     Place m_place;
     std::unique_ptr<ByteSink> m_sink;
-    std::u16string m_name;  ///< as it was asked for
+    std::u16string m_name;  ///< as requested
     std::u16string m_part;  ///< where it is written; empty for a device and when there is nothing to remove
     std::vector<std::byte> m_gathered;
     Bilingual m_error;

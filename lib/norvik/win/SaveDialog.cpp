@@ -55,7 +55,7 @@ std::u16string ProposedName(const std::u16string& name, const std::u16string& fo
     return name.substr(0, room);
 }
 
-/// The active window of the thread, or its first one that is seen while another program is in front.
+/// The active window of the thread, or its first visible one while another program is active.
 HWND Owner() {
     HWND owner = GetActiveWindow();
     const auto firstVisible = [](HWND window, LPARAM found) -> BOOL {

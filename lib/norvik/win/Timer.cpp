@@ -9,7 +9,7 @@ namespace quillon {
 
 namespace {
 
-/// Owns a message-only window: the system hands a tick back with its window, and the window knows its timer. A timer
+/// Owns a message-only window: WM_TIMER is delivered to the window, which stores a pointer to its timer. A timer
 /// without a window has no place for that, and its last tick could arrive after its end; a window takes the ticks that
 /// are still queued along when it goes.
 class Timer final : public TimerObject {

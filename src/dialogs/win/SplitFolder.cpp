@@ -53,7 +53,7 @@ void ListFiles(const std::u16string& folder, const std::u16string& recording, Sp
         if (candidate && AreSame(stamp, StampOf(SystemPath(PathOf(folder, state.files.back())))).value_or(false))
             state.holdsRecording = true;
     } while (FindNextFileW(search.Get(), &found) != FALSE);
-    // A list that breaks off must not be taken for all there is.
+    // An incomplete listing must not be taken for the whole folder.
     if (GetLastError() != ERROR_NO_MORE_FILES) state.kind = SplitFolderState::Kind::Unreadable;
     std::sort(state.files.begin(), state.files.end());
 }
@@ -96,11 +96,11 @@ std::u16string DeleteSplitFiles(const std::u16string& folder, const std::vector<
         if (PlanDelete(folder, name)) {
             forShell.push_back(Wide(name));
         } else {
-            // Too long, or not to be spelled for the shell. What fails is found below.
+            // The name is too long for the shell or not representable in its call. A failure is detected below.
             DeleteFileW(SystemPath(PathOf(folder, name)).c_str());
         }
     }
-    // Its result is seen by what is left.
+    // Its result is determined by checking which files are left.
     static_cast<void>(DeleteAllToRecycleBin(Wide(folder), forShell, owner));
     for (const std::u16string& name : files) {
         if (GetFileAttributesW(SystemPath(PathOf(folder, name)).c_str()) != INVALID_FILE_ATTRIBUTES) return name;

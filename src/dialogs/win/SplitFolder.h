@@ -9,14 +9,14 @@
 /// The output folder on the disk. Paths may be longer than the system's usual 260 characters.
 namespace quillon {
 
-/// `recording` is the path of the open recording. It is known by what the system calls it, not by its path.
+/// `recording` is the path of the open recording. It is identified by its file number, not by its path.
 [[nodiscard]] SplitFolderState ReadSplitFolder(const std::u16string& folder, const std::u16string& recording);
 
 /// The first of the files that could not be deleted because it is write-protected or in use; empty when all could.
 [[nodiscard]] std::u16string FindUndeletable(const std::u16string& folder, const std::vector<std::u16string>& files);
 
-/// Moves the files to the recycle bin, without asking; deletes those whose names the shell does not take. Returns the
-/// first that is still there, or nothing.
+/// Moves the files to the recycle bin, without asking; deletes those whose names the shell does not accept. Returns the
+/// first file that still exists, or none.
 [[nodiscard]] std::u16string DeleteSplitFiles(const std::u16string& folder, const std::vector<std::u16string>& files,
                                               HWND owner);
 

@@ -177,7 +177,7 @@ void dlgOptions::ShowPage(int page) {
     const HWND before = m_pages[static_cast<std::size_t>(std::exchange(m_page, page))];
     const HWND window = m_pages[static_cast<std::size_t>(page)];
     ShowWindow(window, SW_SHOW);
-    // Keys must not go on to what is hidden.
+    // Hidden controls must not keep the focus.
     if (IsChild(before, GetFocus()))
         SendMessageW(m_dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetNextDlgTabItem(window, nullptr, FALSE)),
                      TRUE);
@@ -236,7 +236,7 @@ void dlgOptions::SendHelpKey() {
     keys[0].type = keys[1].type = INPUT_KEYBOARD;
     keys[0].ki.wVk = keys[1].ki.wVk = VK_F1;
     keys[1].ki.dwFlags = KEYEVENTF_KEYUP;
-    // The key goes to the window in front, whichever that is.
+    // The key is sent to the active window, whichever that is.
     const bool sent = GetForegroundWindow() == m_dialog && SendInput(2, keys, sizeof keys[0]) == 2;
     if (!sent) SendMessageW(m_dialog, WM_HELP, 0, 0);
 }

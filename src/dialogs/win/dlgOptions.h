@@ -13,7 +13,7 @@
 
 namespace quillon {
 
-/// What the options dialog asks of its owner. Both may throw.
+/// Callbacks of the options dialog to its owner. Both may throw.
 struct OptionsCalls {
     /// Lets the user choose the file of the fast export; true with the name changed when the user confirms.
     std::function<bool(HWND dialog, std::u16string& name)> chooseFastFile;

@@ -54,9 +54,9 @@ class SplitDialog {
     void Refresh();
     void EnableControls(bool enabled) const;
 
-    /// Tells what is wrong with the entries and leads the user there.
+    /// Reports an invalid entry and moves the focus to it.
     [[nodiscard]] bool CheckEntries();
-    /// Whether nothing stands against the run, now that the folder has been read anew.
+    /// Reads the folder again and returns whether the run can start.
     [[nodiscard]] bool CheckFolder(const SplitPlan& plan);
     [[nodiscard]] bool MayReplace(const SplitPlan& plan);
     [[nodiscard]] bool MayWriteSoMany(const SplitPlan& plan);
@@ -71,7 +71,7 @@ class SplitDialog {
     HWND m_dialog = nullptr;
     HWND m_toolTips = nullptr;  ///< owned by the dialog
     SplitFolderState m_state;   ///< as it was read last
-    /// Files that the user has been told will be deleted; none when nothing was told.
+    /// Files announced to the user as to be deleted; none when nothing was announced.
     std::optional<std::vector<std::u16string>> m_announced;
     bool m_running = false;
     bool m_destroyed = false;
@@ -246,7 +246,7 @@ bool SplitDialog::CheckFolder(const SplitPlan& plan) {
     if (!MayWriteSoMany(plan)) return false;
     if (!IsChecked(chkDelFiles)) return MayReplace(plan);
     if (m_announced != m_state.files) {
-        // Other files than the user was told of: they go with the next press.
+        // The files differ from those announced: show them and wait for another press.
         Refresh();
         return false;
     }
@@ -291,13 +291,13 @@ void SplitDialog::Split() {
 }
 
 SplitResult SplitDialog::Run(const SplitPlan& plan) {
-    // Whatever ends the run, the user can go on.
+    // However the run ends, enable the dialog again.
     struct Scope {
         explicit Scope(SplitDialog& split) : dialog(split) {
             dialog.m_running = true;
             dialog.EnableControls(false);
-            // Long pieces too leave the windows alive; the end of the program is seen after the piece.
-            constexpr ULONGLONG interval = 30;  // ms, too short to be seen
+            // Messages are also pumped within long pieces; the end of the program is noticed after the piece.
+            constexpr ULONGLONG interval = 30;  // ms, not noticeable to the user
             dialog.m_context.exporter.SetProgress(
                 [window = split.m_dialog, last = GetTickCount64()](std::int32_t, std::int32_t) mutable {
                     if (GetTickCount64() - last < interval) return;

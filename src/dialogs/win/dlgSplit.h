@@ -23,9 +23,9 @@ struct SplitDialogContext {
     std::function<void()> showHelp = {};
 };
 
-/// Lets the user split a block into files; returns when the dialog is closed. During a run the dialog answers nothing
-/// and cannot be closed. A run ends early when the program does. Throws what the block does when it is asked for its
-/// length and rate.
+/// Lets the user split a block into files; returns when the dialog is closed. During a run the dialog ignores input and
+/// cannot be closed. A run ends early when the program does. Throws what the block does when it is asked for its length
+/// and rate.
 void ShowSplitDialog(HWND owner, SplitDialogContext context);
 
 }  // namespace quillon

@@ -90,7 +90,7 @@ class PosixFiles final : public FileSystem {
             return place;
         }
         if (exists && !S_ISREG(status.st_mode)) return refuse(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-        // The system lets its administrator write anything; a file that nobody may write is meant to stay.
+        // Root may write any file; still refuse one without any write permission, as it is meant to be kept.
         constexpr mode_t anyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
         if (exists && (status.st_mode & anyWrite) == 0) return refuse(EACCES);
         if (exists && ::access(native.c_str(), W_OK) != 0) return refuse(errno);

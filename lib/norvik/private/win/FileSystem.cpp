@@ -52,7 +52,7 @@ class WindowsFiles final : public FileSystem {
     [[nodiscard]] std::optional<Place> Look(const std::u16string& path, Bilingual& error) override {
         Place place;
         place.path = path;
-        // Shared with nobody: a file that is open for reading, as the recording itself is, is refused. Renaming over it
+        // No sharing: a file that is open for reading, as the recording itself is, is refused. Renaming over it
         // could succeed, as our readers let files be renamed and deleted.
         const HANDLE file = ::CreateFileW(SystemPath(path).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                           FILE_ATTRIBUTE_NORMAL, nullptr);
