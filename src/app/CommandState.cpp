@@ -42,7 +42,8 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuZoomX + 1) return state.zoomX > 0;
     if (id == mnuZoomY) return state.scaleY > 0;
     if (id == mnuZoomY + 1) return state.scaleY < AmplitudeScale::kScaleCount - 1;
-    return true;
+    return Within(id, mnuScaleX, TimeAxis::kMenuZoomCount) || Within(id, mnuScaleY, AmplitudeScale::kScaleCount) ||
+           Within(id, mnuGoTo, 4) || Within(id, mnuBaseLine, 2) || Within(id, mnuChShow, 3) || id == mnuSoloChannel;
 }
 
 bool IsChecked(int id, const CommandState& state) {

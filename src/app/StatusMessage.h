@@ -15,7 +15,8 @@ class StatusMessage {
         Unreadable,  ///< samples that cannot be read
         Place,       ///< a typed position that could not be parsed
         Reload,      ///< the file of the recording has changed
-        Folder       ///< the folder cannot be listed
+        Refusal,     ///< the selected file is no recording
+        Folder       ///< the folder, or the open file in it, is gone or cannot be listed
     };
 
     void Tell(Topic topic, const std::u16string& text) {

@@ -83,7 +83,6 @@ class QL_FFT {
     [[nodiscard]] bool IsRead(std::int32_t column) const { return !m_unread[static_cast<std::size_t>(column)]; }
 
     [[nodiscard]] const SpectrumState& State() const { return m_state; }
-    [[nodiscard]] std::span<const float> Cache() const { return m_cache; }
     /// Row after row from 0 Hz up, ImageWidth() bytes each.
     [[nodiscard]] std::span<const std::uint8_t> Image() const { return m_image; }
     [[nodiscard]] std::int32_t ImageWidth() const { return m_imageWidth; }

@@ -151,6 +151,7 @@ TEST(CommandState, EachFactEnablesItsCommands) {
             EXPECT_FALSE(enabled(id, row.without, loaded)) << id;
         }
     }
+    EXPECT_FALSE(IsEnabled(mnuMove + 500, loaded)) << "no command";
     for (const int always : {mnuExit, mnuHelp, mnuOptions, mnuSpectrogram, mnuTabPath, mnuFocus, mnuPathList})
         EXPECT_TRUE(IsEnabled(always, {})) << always;
 }

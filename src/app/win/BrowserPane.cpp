@@ -157,7 +157,8 @@ void BrowserPane::TellMissing() {
 
 void BrowserPane::TellStart() {
     if (!m_folderMissing) return TellMissing();
-    Tell(m_parts.settings.filesPath + u": " + m_parts.services.Text(IDS_FOLDER_UNREADABLE));
+    m_parts.status.Tell(StatusBar::Topic::Folder,
+                        m_parts.settings.filesPath + u": " + m_parts.services.Text(IDS_FOLDER_UNREADABLE));
 }
 
 void BrowserPane::Refresh() {

@@ -164,7 +164,7 @@ void MainRooms::OpenFile(const std::wstring& name) {
         status.Tell(StatusBar::Topic::Outcome, {});
         browser.Opened();
     } else {
-        status.Tell(StatusBar::Topic::Outcome, Narrow16(name) + u": " + m_document.File().refusal);
+        status.Tell(StatusBar::Topic::Refusal, Narrow16(name) + u": " + m_document.File().refusal);
     }
     RecordingChanged();
 }
@@ -224,7 +224,9 @@ void MainRooms::LeaveBlock() {
     view.LeaveBlock();
     m_menuChannel = 0;
     m_unreadable = {};
-    status.Retract(StatusBar::Topic::Unreadable);
+    // What was told of the file that goes.
+    for (const auto topic : {StatusBar::Topic::Unreadable, StatusBar::Topic::Refusal, StatusBar::Topic::Reload})
+        status.Retract(topic);
 }
 
 void MainRooms::ShowBlock() {

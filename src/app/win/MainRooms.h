@@ -89,7 +89,7 @@ class MainRooms {
     void ForgetMenuChannel() { m_menuChannel = 0; }
     /// Opens the context menu at the corner of the graph.
     void OpenContextMenu();
-    /// Cancels the current drag, readout or playback.
+    /// Ends the readout under the pointer.
     void EndHover() { hover.End(); }
 
   private:

@@ -36,7 +36,6 @@ class GraphPainter {
     [[nodiscard]] std::optional<std::size_t> MarkAt(const GraphScene& scene, int x, int y) const;
     /// Copies part of the image.
     void Paint(HDC target, const RECT& part) const;
-    [[nodiscard]] const cMemDC& Surface() const { return m_surface; }
 
   private:
     void Prepare(int width, int height);
