@@ -88,8 +88,7 @@ void Playback::OnProgress(std::int32_t sample) {
         m_follows = true;
     } else if (m_follows) {
         // The playback line passed the edge of the view, or a zoom put it outside.
-        const TimeAxis& axis = m_view.Axis();
-        Tell(onScroll, (sample - 1) / axis.SamplesPerPixel() - axis.FirstColumn());
+        Tell(onScroll, m_view.Axis().ColumnOf(sample - 1));
     }
 }
 

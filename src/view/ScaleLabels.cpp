@@ -87,9 +87,7 @@ std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block)
     // text.
     const std::int32_t first = -kMarkTextWidth;
     const std::int32_t last = axis.Width() + kMarkTextWidth;
-    const auto columnOf = [&](const BlockMark& mark) {
-        return mark.position / axis.SamplesPerPixel() - axis.FirstColumn();
-    };
+    const auto columnOf = [&](const BlockMark& mark) { return axis.ColumnOf(mark.position); };
     const auto leftOf = [&](std::int32_t column) {
         return [=](const BlockMark& mark) { return columnOf(mark) < column; };
     };

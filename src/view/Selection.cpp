@@ -8,8 +8,8 @@ std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column) {
 }
 
 std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples) {
-    const std::int32_t left = samples.first / axis.SamplesPerPixel() - axis.FirstColumn();
-    const std::int32_t right = (samples.End() - 1) / axis.SamplesPerPixel() - axis.FirstColumn();
+    const std::int32_t left = axis.ColumnOf(samples.first);
+    const std::int32_t right = axis.ColumnOf(samples.End() - 1);
     if (right < 0 || left >= axis.Width()) return std::nullopt;
     return ColumnBand{std::max(left, 0), std::min(right, axis.Width() - 1)};
 }

@@ -30,6 +30,8 @@ class TimeAxis {
     [[nodiscard]] std::int32_t StripLength() const { return m_length; }
     [[nodiscard]] std::int32_t Width() const { return m_width; }
     [[nodiscard]] std::int32_t SampleCount() const { return m_samples; }
+    /// Pixel column of the graph that shows a sample (from 0); it may lie outside the graph.
+    [[nodiscard]] std::int32_t ColumnOf(std::int32_t sample) const { return sample / SamplesPerPixel() - m_first; }
     /// The samples that the graph shows; empty if it is past the last one.
     [[nodiscard]] SampleSpan Visible() const;
 

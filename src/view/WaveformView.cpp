@@ -227,7 +227,7 @@ ViewChange WaveformView::MoveSelectionEnd(std::int32_t columns) {
     const std::int64_t end = std::int64_t{m_selection.end} + std::int64_t{columns} * m_axis.SamplesPerPixel();
     m_selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_axis.SampleCount()));
     // Keep the end of the selection in view.
-    const std::int32_t column = (m_selection.end - 1) / m_axis.SamplesPerPixel() - m_axis.FirstColumn();
+    const std::int32_t column = m_axis.ColumnOf(m_selection.end - 1);
     ViewChange change;
     if (column < 0) change = ScrollBy(column);
     if (column >= m_axis.Width()) change = ScrollBy(column - m_axis.Width() + 1);

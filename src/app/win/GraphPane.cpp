@@ -358,7 +358,7 @@ void GraphPane::HoverAgain() {
 }
 
 void GraphPane::ShowSample(std::int32_t sample) {
-    ReadOut(sample, (sample - 1) / m_view.Axis().SamplesPerPixel() - m_view.Axis().FirstColumn(), 0);
+    ReadOut(sample, m_view.Axis().ColumnOf(sample - 1), 0);
 }
 
 void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
