@@ -2,11 +2,22 @@
 
 #include <functional>
 
-#include "app/QL_Global.h"
+#include <memory>
+#include <string>
+
+#include "app/Settings.h"
+#include "base/Language.h"
 #include "data/UserServices.h"
+#include "export/KVExport.h"
+#include "kvsound/SoundOutput.h"
+#include "norvik/NorvikCore.h"
+#include "norvik/SaveFileDialog.h"
+#include "norvik/TextSink.h"
 #include "norvik/TimerObject.h"
 
 namespace quillon {
+
+struct QL_Global;
 
 /// Factories of the core library's objects; the start-up procedure passes the real ones.
 struct StartUpParts {

@@ -14,6 +14,7 @@
 #include "app/HelpFile.h"
 #include "app/MainSplitters.h"
 #include "app/PanelTable.h"
+#include "app/QL_Global.h"
 #include "app/StartUp.h"
 #include "app/StatusPanels.h"
 #include "app/ValuesReadout.h"

@@ -7,8 +7,8 @@
 
 #include "app/GraphNotice.h"
 #include "app/Playback.h"
+#include "app/win/CommonBand.h"
 #include "app/win/HoverCapture.h"
-#include "app/win/SpectrogramPane.h"
 #include "view/DisplaySettings.h"
 #include "view/GraphGestures.h"
 #include "view/win/GraphCursor.h"

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/Settings.h"
+#include "app/win/CommonBand.h"
 #include "app/win/HoverCapture.h"
 #include "data/Document.h"
 #include "data/UserServices.h"
@@ -16,9 +17,6 @@
 #include "view/win/PictureBox.h"
 
 namespace quillon {
-
-/// Bands that run across graph and spectrogram.
-enum class CommonBand { Cursor, Play, Count };
 
 /// The spectrogram of the current channel below the graph, column for column, with its palette bar and frequency scale.
 /// Nothing is computed while it is not shown.
