@@ -2,19 +2,16 @@
 
 namespace quillon {
 
-ClipboardScope::ClipboardScope()
-    : m_owner(CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, GetModuleHandleW(nullptr),
-                              nullptr)) {
+ClipboardScope::ClipboardScope() {
     for (int attempt = 0; attempt < 50 && !m_open; ++attempt) {
         if (attempt > 0) Sleep(20);
-        m_open = OpenClipboard(m_owner) != FALSE;
+        m_open = OpenClipboard(m_owner.Handle()) != FALSE;
     }
     if (m_open) EmptyClipboard();
 }
 
 ClipboardScope::~ClipboardScope() {
     if (m_open) CloseClipboard();
-    if (m_owner != nullptr) DestroyWindow(m_owner);
 }
 
 bool ClipboardScope::Put(UINT format, HANDLE data) const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/win/Win32.h"
+#include "base/win/MessageWindow.h"
 
 namespace quillon {
 
@@ -17,7 +17,7 @@ class ClipboardScope {
     [[nodiscard]] bool Put(UINT format, HANDLE data) const;
 
   private:
-    HWND m_owner;  ///< an own one: without an owner nothing can be put, and no window of ours need be active
+    MessageWindow m_owner;  ///< without an owner nothing can be put, and no other window need exist
     bool m_open = false;
 };
 

@@ -1,6 +1,6 @@
 #include "kvsound/win/WaveOut.h"
 
-#include "base/win/Win32.h"
+#include "base/win/MessageWindow.h"
 // After windows.h, on which they depend.
 #include <mmsystem.h>
 
@@ -210,27 +210,18 @@ class WaveDevice {
     PlayPosition m_position;     ///< in what the device counts
 };
 
-/// Owns a message-only window: the device's messages, the timer of the progress and the events that must not come from
-/// inside an operation all end there, and those still queued go with it.
+/// The device's messages, the timer of the progress and the events that must not come from inside an operation all go
+/// through its window.
 class WaveOut final : public SoundOutput {
   public:
     WaveOut(SoundOutputEvents events, Language language)
         : m_events(std::move(events)),
           m_language(language),
-          m_window(::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr)) {
-        if (m_window == nullptr) {
+          m_window([this](UINT message, WPARAM wParam) { return OnMessage(message, wParam); }) {
+        if (m_window.Handle() == nullptr) {
             throw std::system_error(static_cast<int>(::GetLastError()), std::system_category(), "Sound window");
         }
-        ::SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        ::SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&WaveOut::WindowProc));
     }
-    ~WaveOut() override {
-        m_device.Close();
-        ::SetWindowLongPtrW(m_window, GWLP_USERDATA, 0);
-        ::DestroyWindow(m_window);
-    }
-    WaveOut(const WaveOut&) = delete;
-    WaveOut& operator=(const WaveOut&) = delete;
 
     [[nodiscard]] std::int16_t DeviceCount() const override {
         return static_cast<std::int16_t>(
@@ -265,8 +256,9 @@ class WaveOut final : public SoundOutput {
         // Not left to the system: some of its parts answer a rate without sense by ending the process.
         const bool sane = channelCount > 0 && rate > 0 && rate <= kMaximumRate;
         const MMRESULT result = m_index >= DeviceCount() ? MMRESULT{MMSYSERR_BADDEVICEID}
-                                : sane ? m_device.Open(static_cast<UINT>(m_index), channelCount, rate, m_window)
-                                       : MMRESULT{WAVERR_BADFORMAT};
+                                : sane
+                                    ? m_device.Open(static_cast<UINT>(m_index), channelCount, rate, m_window.Handle())
+                                    : MMRESULT{WAVERR_BADFORMAT};
         if (result != MMSYSERR_NOERROR) m_errorText = ErrorTextOf(result, m_language);
         return result == MMSYSERR_NOERROR;
     }
@@ -282,17 +274,17 @@ class WaveOut final : public SoundOutput {
         if (result != MMSYSERR_NOERROR) {
             Break(result);
         } else if (first) {
-            ::PostMessageW(m_window, kStarted, m_playback, 0);
+            ::PostMessageW(m_window.Handle(), kStarted, m_playback, 0);
         }
     }
 
   private:
     /// Frees the device; the event comes when the window handles its message.
     void End() {
-        ::KillTimer(m_window, kProgressTimer);
+        ::KillTimer(m_window.Handle(), kProgressTimer);
         m_device.Close();
         m_running = false;
-        if (std::exchange(m_begun, false)) ::PostMessageW(m_window, kStopped, m_playback, 0);
+        if (std::exchange(m_begun, false)) ::PostMessageW(m_window.Handle(), kStopped, m_playback, 0);
     }
 
     void Break(MMRESULT result) {
@@ -310,7 +302,7 @@ class WaveOut final : public SoundOutput {
         const MMRESULT result = m_device.Run();
         if (result != MMSYSERR_NOERROR) return Break(result);
         m_running = true;
-        ::SetTimer(m_window, kProgressTimer, kProgressInterval, nullptr);
+        ::SetTimer(m_window.Handle(), kProgressTimer, kProgressInterval, nullptr);
     }
 
     /// False when the playback is over.
@@ -343,24 +335,22 @@ class WaveOut final : public SoundOutput {
         m_events.writeProgress(played);
     }
 
-    static LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
-        auto* output = reinterpret_cast<WaveOut*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
-        if (output == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
+    bool OnMessage(UINT message, WPARAM wParam) {
         switch (message) {
-            case kStarted: output->OnStarted(wParam); return 0;
+            case kStarted: OnStarted(wParam); return true;
             case kStopped:
-                if (wParam == output->m_playback) output->m_events.stopped();
-                return 0;
-            case MM_WOM_DONE: output->OnBufferBack(); return 0;
-            case WM_TIMER: output->OnTimer(); return 0;
-            default: return ::DefWindowProcW(window, message, wParam, lParam);
+                if (wParam == m_playback) m_events.stopped();
+                return true;
+            case MM_WOM_DONE: OnBufferBack(); return true;
+            case WM_TIMER: OnTimer(); return true;
+            default: return false;
         }
     }
 
     SoundOutputEvents m_events;
     Language m_language;
-    HWND m_window;
-    WaveDevice m_device;
+    MessageWindow m_window;
+    WaveDevice m_device;  ///< closed before the window goes
     std::int16_t m_index = 0;
     std::u16string m_errorText;
     WPARAM m_playback = 0;   ///< number of the last playback, to recognise late messages of an earlier one

@@ -3,29 +3,21 @@
 #include <system_error>
 #include <utility>
 
-#include "base/win/Win32.h"
+#include "base/win/MessageWindow.h"
 
 namespace quillon {
 
 namespace {
 
-/// Owns a message-only window: WM_TIMER is delivered to the window, which stores a pointer to its timer. A timer
-/// without a window has no place for that, and its last tick could arrive after its end; a window takes the ticks that
-/// are still queued along when it goes.
+/// Has a window of its own: the last tick of a timer without one could arrive after its end.
 class Timer final : public TimerObject {
   public:
     explicit Timer(std::function<void()> tick)
-        : m_tick(std::move(tick)),
-          m_window(::CreateWindowExW(0, ClassName(), L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                     ::GetModuleHandleW(nullptr), nullptr)) {
-        if (m_window == nullptr) {
+        : m_tick(std::move(tick)), m_window([this](UINT message, WPARAM) { return OnMessage(message); }) {
+        if (m_window.Handle() == nullptr) {
             throw std::system_error(static_cast<int>(::GetLastError()), std::system_category(), "Timer window");
         }
-        ::SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     }
-    ~Timer() override { ::DestroyWindow(m_window); }
-    Timer(const Timer&) = delete;
-    Timer& operator=(const Timer&) = delete;
 
     void PutEnabled(bool enabled) override {
         m_enabled = enabled;
@@ -40,41 +32,31 @@ class Timer final : public TimerObject {
   private:
     static constexpr UINT_PTR timerId = 1;
 
-    /// A class of its own: the system's first control would load the library of all of them.
-    static const wchar_t* ClassName() {
-        static constexpr const wchar_t* name = L"NorvikTimer";
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = ::DefWindowProcW;
-        windowClass.hInstance = ::GetModuleHandleW(nullptr);
-        windowClass.lpszClassName = name;
-        ::RegisterClassW(&windowClass);  // fails harmlessly from the second timer on
-        return name;
-    }
-
     [[nodiscard]] bool Runs() const { return m_enabled && m_interval > 0; }
 
     void Restart() const {
         // The system's own answer to an interval of 0 is its shortest one.
         if (Runs()) {
-            ::SetTimer(m_window, timerId, static_cast<UINT>(m_interval), OnTimer);
+            ::SetTimer(m_window.Handle(), timerId, static_cast<UINT>(m_interval), nullptr);
         } else {
-            ::KillTimer(m_window, timerId);
+            ::KillTimer(m_window.Handle(), timerId);
         }
     }
 
-    static void CALLBACK OnTimer(HWND window, UINT /*message*/, UINT_PTR /*id*/, DWORD /*time*/) noexcept {
-        const auto* timer = reinterpret_cast<const Timer*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
+    [[nodiscard]] bool OnMessage(UINT message) const {
+        if (message != WM_TIMER) return false;
         // A tick that was queued before the timer was disabled still arrives.
-        if (timer == nullptr || !timer->Runs()) return;
+        if (!Runs()) return true;
         // A copy, because the call may destroy the timer.
-        const std::function<void()> tick = timer->m_tick;
+        const std::function<void()> tick = m_tick;
         tick();
+        return true;
     }
 
     std::function<void()> m_tick;
-    HWND m_window;
     bool m_enabled = false;
     std::int32_t m_interval = 0;
+    MessageWindow m_window;
 };
 
 }  // namespace
