@@ -1,28 +1,15 @@
 #include "data/Document.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 #include "base/FilePath.h"
+#include "base/Resume.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
 #include "data/CoreTexts.h"
 
 namespace quillon {
-
-namespace {
-
-/// Runs one step of a load; a failure leaves what the step would have set and the load goes on with the next one.
-template <typename Step>
-void Resume(Step&& step) {
-    try {
-        std::forward<Step>(step)();
-    } catch (const std::exception&) {
-    }
-}
-
-}  // namespace
 
 bool Document::IsOpen(const std::u16string& path, const FileStamp& stamp) const {
     if (path == m_file.fileName) return true;

@@ -1,8 +1,8 @@
 #include "view/Readout.h"
 
 #include <cmath>
-#include <exception>
 
+#include "base/Resume.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
 #include "view/DataRange.h"
@@ -47,15 +47,6 @@ std::int16_t CodeAt(const ReadoutSource& source, std::int16_t channel, std::int3
     return code;
 }
 
-/// Runs a step that reads samples; what cannot be read is left out.
-template <typename Step>
-void Attempt(Step step) {
-    try {
-        step();
-    } catch (const std::exception&) {
-    }
-}
-
 }  // namespace
 
 std::u16string PositionText(const ViewBlock& block, std::int32_t sample, std::u16string_view separator,
@@ -69,7 +60,7 @@ std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample) {
     text += kLineEnd;
     for (const std::int16_t channel : ShownChannels(source.block, source.slots)) {
         text += Name(source, channel);
-        Attempt([&] { text += ValueText(source, channel, Shown(source, channel, CodeAt(source, channel, sample))); });
+        Resume([&] { text += ValueText(source, channel, Shown(source, channel, CodeAt(source, channel, sample))); });
         text += kLineEnd;
     }
     return text;
@@ -86,11 +77,11 @@ std::u16string RangeReadout(const ReadoutSource& source, const Selection& range)
     text += kLineEnd;
     const std::vector<std::int16_t> shown = ShownChannels(source.block, source.slots);
     std::vector<RunExtremes> extremes;
-    Attempt([&] { extremes = ExtremeCodes(*source.block.block, shown, range.Samples()); });
+    Resume([&] { extremes = ExtremeCodes(*source.block.block, shown, range.Samples()); });
     for (std::size_t at = 0; at < shown.size(); ++at) {
         const std::int16_t channel = shown[at];
         text += Name(source, channel);
-        Attempt([&] {
+        Resume([&] {
             if (extremes.empty()) return;
             const double first = Shown(source, channel, extremes[at].first);
             const double second = Shown(source, channel, extremes[at].second);
@@ -116,7 +107,7 @@ std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::i
     for (const Lane& lane : lanes) {
         if (row < lane.top || row >= lane.top + lane.height) continue;
         for (const std::int16_t channel : lane.channels) {
-            Attempt([&] {
+            Resume([&] {
                 double value = Shown(source, channel, CodeAt(source, channel, sample));
                 if (source.rawCodes) value /= 1000.0;
                 const double trace = static_cast<double>(lane.ZeroRow()) -
@@ -152,13 +143,13 @@ std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, const S
         bool framesRead = true;
         if (frames) {
             framesRead = false;
-            Attempt([&] { framesRead = block.ReadFrames(from, count, codes.data()) == 0; });
+            Resume([&] { framesRead = block.ReadFrames(from, count, codes.data()) == 0; });
         }
         for (std::size_t at = 0; at < shown.size(); ++at) {
             Sums& sum = sums[at];
             if (!frames && sum.readable) {
                 sum.readable = false;
-                Attempt([&] { sum.readable = block.ReadCodes(shown[at], from, count, codes.data()) == 0; });
+                Resume([&] { sum.readable = block.ReadCodes(shown[at], from, count, codes.data()) == 0; });
             }
             sum.readable = sum.readable && framesRead;
             const std::size_t offset = frames ? At(shown[at]) : 0;
