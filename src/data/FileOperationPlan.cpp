@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/FilePath.h"
 #include "base/Text.h"
 
 namespace quillon {
@@ -40,11 +41,9 @@ bool IsAbsoluteFolder(std::u16string_view folder) {
            });
 }
 
-std::optional<std::u16string> PathOf(std::u16string_view folder, std::u16string_view name) {
+std::optional<std::u16string> CheckedPath(std::u16string_view folder, std::u16string_view name) {
     if (!IsAbsoluteFolder(folder) || !IsFileName(name)) return std::nullopt;
-    std::u16string path(folder);
-    if (path.back() != u'\\') path.push_back(u'\\');
-    path.append(name);
+    std::u16string path = PathOf(folder, name);
     if (path.size() >= pathLimit) return std::nullopt;
     return path;
 }
@@ -60,15 +59,15 @@ bool IsFileName(std::u16string_view name) {
 }
 
 std::optional<FileOperationPlan> PlanDelete(std::u16string_view folder, std::u16string_view name) {
-    std::optional<std::u16string> from = PathOf(folder, name);
+    std::optional<std::u16string> from = CheckedPath(folder, name);
     if (!from) return std::nullopt;
     return FileOperationPlan{*from, {}};
 }
 
 std::optional<FileOperationPlan> PlanRename(std::u16string_view folder, std::u16string_view oldName,
                                             std::u16string_view newName) {
-    std::optional<std::u16string> from = PathOf(folder, oldName);
-    std::optional<std::u16string> to = PathOf(folder, newName);
+    std::optional<std::u16string> from = CheckedPath(folder, oldName);
+    std::optional<std::u16string> to = CheckedPath(folder, newName);
     if (!from || !to || *from == *to) return std::nullopt;
     return FileOperationPlan{*from, *to};
 }

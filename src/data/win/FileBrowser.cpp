@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/FilePath.h"
 #include "base/win/WinHandle.h"
 #include "data/FileFilter.h"
 #include "data/win/FileIdentity.h"
@@ -12,9 +13,8 @@ namespace quillon {
 
 namespace {
 
-std::wstring WithBackslash(std::wstring folder) {
-    if (folder.empty() || folder.back() != L'\\') folder.push_back(L'\\');
-    return folder;
+std::wstring PathIn(const std::wstring& folder, const std::wstring& name) {
+    return Wide(PathOf(Narrow16(folder), Narrow16(name)));
 }
 
 /// Length of "C:\\" or of "\\\\server\\share".
@@ -72,11 +72,11 @@ void FileBrowser::ListDrives() const {
 
 bool FileBrowser::Read(const std::wstring& folder, Names& names) {
     WIN32_FIND_DATAW found{};
-    const FindHandle search(FindFirstFileW((WithBackslash(folder) + L"*").c_str(), &found));
+    const FindHandle search(FindFirstFileW(PathIn(folder, L"*").c_str(), &found));
     // The root of a drive without a medium cannot be listed at all.
     if (!search) {
         const bool nothingFound = GetLastError() == ERROR_FILE_NOT_FOUND;
-        return nothingFound && GetFileAttributesW(WithBackslash(folder).c_str()) != INVALID_FILE_ATTRIBUTES;
+        return nothingFound && GetFileAttributesW(PathIn(folder, L"").c_str()) != INVALID_FILE_ATTRIBUTES;
     }
     do {
         const std::wstring name = found.cFileName;
@@ -132,7 +132,7 @@ void FileBrowser::FillFolders() {
         ++depth;
         start = end + (start == 0 && m_folder[end - 1] == L'\\' ? 0 : 1);
     }
-    for (const std::wstring& name : m_subfolders) add(name, WithBackslash(m_folder) + name);
+    for (const std::wstring& name : m_subfolders) add(name, PathIn(m_folder, name));
     const auto top = static_cast<std::ptrdiff_t>(m_folderPaths.size() - m_subfolders.size()) - 2;
     SendMessageW(m_folders, LB_SETTOPINDEX, static_cast<WPARAM>(std::max<std::ptrdiff_t>(top, 0)), 0);
 }
