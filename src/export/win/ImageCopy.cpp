@@ -9,6 +9,7 @@
 #include "export/ByteWriter.h"
 #include "export/ImagePlan.h"
 #include "norvik/TextSink.h"
+#include "view/win/GDI_Utils.h"
 #include "view/win/cMemDC.h"
 
 namespace quillon {
@@ -96,12 +97,7 @@ bool Picture::CopyBlackAndWhite(HWND window, const ImagePart& part) const {
 DibPixels Picture::Pixels() const {
     const SIZE size = m_canvas.Size();
     DibPixels pixels;
-    pixels.header.biSize = sizeof pixels.header;
-    pixels.header.biWidth = size.cx;
-    pixels.header.biHeight = size.cy;
-    pixels.header.biPlanes = 1;
-    pixels.header.biBitCount = 24;
-    pixels.header.biCompression = BI_RGB;
+    pixels.header = DibHeader(size.cx, size.cy, 24);
     const std::size_t row = (static_cast<std::size_t>(size.cx) * 3 + 3) / 4 * 4;
     pixels.bytes.resize(row * static_cast<std::size_t>(size.cy));
     pixels.header.biSizeImage = static_cast<DWORD>(pixels.bytes.size());

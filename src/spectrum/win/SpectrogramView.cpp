@@ -50,11 +50,7 @@ void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) 
         return;
     }
     ImageInfo info{};
-    info.header.biSize = sizeof info.header;
-    info.header.biWidth = fft.ImageWidth();
-    info.header.biHeight = fft.BinCount();
-    info.header.biPlanes = 1;
-    info.header.biBitCount = 8;
+    info.header = DibHeader(fft.ImageWidth(), fft.BinCount(), 8);
     info.header.biClrUsed = 256;
     info.header.biClrImportant = 256;
     info.colors = fft.Colors();

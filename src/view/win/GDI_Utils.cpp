@@ -19,6 +19,17 @@ GdiFont MakeFont(int dpi, bool bold) {
     return GdiFont(CreateFontIndirectW(&font));
 }
 
+BITMAPINFOHEADER DibHeader(int width, int height, WORD bitsPerPixel) {
+    BITMAPINFOHEADER header{};
+    header.biSize = sizeof header;
+    header.biWidth = width;
+    header.biHeight = height;
+    header.biPlanes = 1;
+    header.biBitCount = bitsPerPixel;
+    header.biCompression = BI_RGB;
+    return header;
+}
+
 void FillWith(HDC dc, const RECT& rect, COLORREF color) {
     // The background colour fills without an object to make and delete.
     const COLORREF previous = SetBkColor(dc, color);

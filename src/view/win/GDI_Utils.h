@@ -20,6 +20,10 @@ namespace quillon {
 /// default fonts do not all have Cyrillic letters.
 [[nodiscard]] GdiFont MakeFont(int dpi, bool bold = false);
 
+/// Header of a device-independent bitmap without compression; rows follow each other from the top where `height` is
+/// negative, else from the bottom.
+[[nodiscard]] BITMAPINFOHEADER DibHeader(int width, int height, WORD bitsPerPixel);
+
 /// Fills a rectangle with a colour.
 void FillWith(HDC dc, const RECT& rect, COLORREF color);
 

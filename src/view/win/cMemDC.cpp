@@ -1,6 +1,7 @@
 #include "view/win/cMemDC.h"
 
 #include "base/win/WinHandle.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -75,11 +76,7 @@ bool cMemDC::CreateBitmap(int width, int height) {
 
 std::uint32_t* cMemDC::CreatePixels(int width, int height) {
     BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader = DibHeader(width, -height, 32);
     void* pixels = nullptr;
     const HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
     if (bitmap == nullptr) return nullptr;
