@@ -1,12 +1,13 @@
 #include "app/win/TableWindow.h"
 
 #include <algorithm>
-#include <cstring>
 #include <exception>
+#include <memory>
 
-#include "base/win/Clipboard.h"
+#include "base/Text.h"
 #include "base/win/WinHandle.h"
 #include "dialogs/DialogTemplate.h"
+#include "norvik/win/ClipboardWriter.h"
 
 namespace quillon {
 
@@ -16,24 +17,11 @@ constexpr int kList = 101;
 constexpr int kCopy = 102;
 constexpr int kHeading = 103;
 
-struct MemoryTraits {
-    using Handle = HGLOBAL;
-    static Handle Invalid() { return nullptr; }
-    static void Close(Handle handle) { GlobalFree(handle); }
-};
-
 /// False where another program keeps the clipboard open or memory is short.
-bool PutOnClipboard(const std::wstring& text) {
-    const std::size_t size = (text.size() + 1) * sizeof(wchar_t);
-    WinHandle<MemoryTraits> memory(GlobalAlloc(GMEM_MOVEABLE, size));
-    if (!memory) return false;
-    void* const place = GlobalLock(memory.Get());
-    if (place == nullptr) return false;
-    std::memcpy(place, text.c_str(), size);
-    GlobalUnlock(memory.Get());
-    const bool done = ClipboardScope().Put(CF_UNICODETEXT, memory.Get());
-    if (done) static_cast<void>(memory.Release());  // it is the system's now
-    return done;
+bool PutOnClipboard(const std::u16string& text) {
+    const std::unique_ptr<TextSink> clipboard = MakeClipboardText();
+    clipboard->Write(Utf8(text));
+    return clipboard->Close();
 }
 
 const TextTable& TableOf(HWND dialog) {
@@ -42,7 +30,7 @@ const TextTable& TableOf(HWND dialog) {
 
 void Copy(HWND dialog) {
     try {
-        if (PutOnClipboard(Wide(TabbedText(TableOf(dialog))))) return;
+        if (PutOnClipboard(TabbedText(TableOf(dialog)))) return;
     } catch (const std::exception&) {  // no memory for the text
     }
     MessageBeep(MB_ICONWARNING);
