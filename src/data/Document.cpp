@@ -138,16 +138,9 @@ void Document::LoadChannel(std::int16_t channel) {
 }
 
 void Document::LoadMarks() {
-    Resume([&] { m_block.markCount = m_block.block->MarkCount(); });
-    if (m_block.markCount < 1) {
-        m_block.markCount = 0;
-        return;
-    }
-    const auto marks = static_cast<std::size_t>(m_block.markCount);
-    m_block.markCount = 0;  // stays 0 if the allocation below fails
-    m_block.marks.resize(marks);
-    m_block.markCount = static_cast<std::int32_t>(marks);
-    for (std::size_t mark = 0; mark < marks; ++mark) {
+    const std::int32_t marks = m_block.block->MarkCount();
+    m_block.marks.resize(static_cast<std::size_t>(std::max(marks, 0)));
+    for (std::size_t mark = 0; mark < m_block.marks.size(); ++mark) {
         BlockMark& entry = m_block.marks[mark];
         const auto number = static_cast<std::int32_t>(mark + 1);
         Resume([&] { entry.position = m_block.block->MarkPosition(number); });

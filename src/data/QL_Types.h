@@ -41,8 +41,7 @@ struct ViewBlock {
     std::vector<std::int16_t> channelNumbers;  ///< per channel: acquisition channel number, index of its slot
     std::vector<float> invScale;               ///< per channel: 1 / scale
     std::vector<float> offsets;                ///< per channel
-    std::int32_t markCount = 0;
-    std::vector<BlockMark> marks;  ///< in order of their positions
+    std::vector<BlockMark> marks;              ///< in order of their positions
 };
 
 /// What is kept per acquisition channel number for the whole run of the program.

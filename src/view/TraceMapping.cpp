@@ -86,8 +86,7 @@ void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, s
         const std::int64_t code = std::int64_t{point.y} - mapping.windowOriginY;
         const std::int32_t column = mapping.windowExtentX == 1 ? point.x : (point.x + 1) >> 1;
         const std::int64_t row = mapping.viewportOriginY + RoundedQuotient(code * extent, divisor);
-        pixels[at] = {mapping.viewportOriginX + column,
-                      static_cast<std::int32_t>(std::clamp(row, -farthest, farthest))};
+        pixels[at] = {column, static_cast<std::int32_t>(std::clamp(row, -farthest, farthest))};
     }
 }
 
@@ -113,7 +112,6 @@ TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseL
 
     TraceMapping mapping;
     mapping.windowExtentX = geometry.samplesPerPixel == 1 ? 1 : 2;
-    mapping.viewportOriginX = geometry.leftMargin;
     mapping.flat = !std::isfinite(factor) || factor == 0.0F;
     if (mapping.flat) factor = 1.0F;
     const Extents extents = ChooseExtents(factor);

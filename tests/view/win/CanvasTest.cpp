@@ -83,7 +83,7 @@ TEST(ToPixels, EqualsTheMappingOfTheSystem) {
         ToPixels(mapping, points, pixels);
         SetWindowExtEx(dc, mapping.windowExtentX, mapping.windowExtentY, nullptr);
         SetViewportExtEx(dc, 1, mapping.viewportExtentY, nullptr);
-        SetViewportOrgEx(dc, mapping.viewportOriginX, mapping.viewportOriginY, nullptr);
+        SetViewportOrgEx(dc, 0, mapping.viewportOriginY, nullptr);
         for (std::size_t at = 0; at < points.size(); ++at) {
             POINT expected{points[at].x, points[at].y - mapping.windowOriginY};
             LPtoDP(dc, &expected, 1);
