@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "data/PathList.h"
+
 namespace quillon {
 
 /// Command identifiers. An indexed entry of the menu takes its first identifier plus its index.
@@ -58,7 +60,7 @@ struct Move {
 inline constexpr int kSoundCards = 64;
 
 /// Maximum number of folders in the path list.
-inline constexpr int kPathListEntries = 30;
+inline constexpr int kPathListEntries = PathList::kMost;
 
 /// One line of the menu tree, in order. An entry of depth d belongs to the nearest popup of depth d-1 above it.
 struct MenuEntry {

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "spectrum/QL_FFT.h"
+#include "view/CursorPicture.h"
 #include "view/QL_ChUtils.h"
 
 namespace quillon {
@@ -16,7 +17,6 @@ namespace {
 
 static_assert(kLeastFftOrder == QL_FFT::kLeastOrder && kLeastFftOrder + kFftSizes - 1 == QL_FFT::kMostOrder);
 
-constexpr int kCursorStyles = 4;
 constexpr float kLeastRange = 10.0F;
 constexpr float kMostRange = 200.0F;
 
