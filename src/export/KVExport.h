@@ -12,7 +12,8 @@
 
 namespace quillon {
 
-/// Writes a block of a recording, or a stretch of it, to a new file; one object for the viewer's whole life.
+/// The export object, made once: chooses the writer of KV_Export by type or extension, runs it and tells the user of a
+/// failure. Text goes through QL_Export instead.
 class KVExport {
   public:
     /// `services` must outlive the object.
@@ -20,7 +21,8 @@ class KVExport {
 
     /// Also the title of the failure message.
     [[nodiscard]] static std::u16string LibraryName() { return u"KVExportLib"; }
-    /// "major.minor.revision" of the application.
+    /// "major.minor.revision" of the application, and its parts. Kept for callers of the family's interface; the
+    /// program itself does not use them.
     [[nodiscard]] static std::u16string Version();
     [[nodiscard]] static std::int16_t VersionMajor() { return QUILLON_VERSION_MAJOR; }
     [[nodiscard]] static std::int16_t VersionMinor() { return QUILLON_VERSION_MINOR; }
@@ -41,7 +43,8 @@ class KVExport {
                 std::int32_t sampleCount, std::int32_t fileType);
 
     /// Asks for name and type with the dialog as it is set up, then exports; false also when the user cancels. The
-    /// dialog's filter is that of BuildSaveFilter.
+    /// dialog's filter is that of BuildSaveFilter. Kept for callers of the family's interface; the program itself does
+    /// not use it.
     bool ExportWithDialog(RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
                           SaveFileDialog& dialog);
 

@@ -28,13 +28,13 @@ struct ExportSystem {
     /// they neither start another export with the same object nor close the recording; an exception from it ends the
     /// export.
     std::function<void(std::int32_t done, std::int32_t total)> progress = {};
-    /// Language of the failure reasons that have no prescribed text.
+    /// Language of the failure reasons that are given in both languages.
     Language language = Language::English;
 };
 
-/// The three writers. Each writes samples firstSample (from 1) to firstSample + sampleCount - 1 of all channels of a
-/// block as the 16-bit codes that they are. A first sample below 1 is 1; a count below 1 or beyond the end means: to
-/// the end.
+/// The writers of ".bin", WAVE and EDF, which KVExport calls. Each writes samples firstSample (from 1) to firstSample +
+/// sampleCount - 1 of all channels of a block as the 16-bit codes that they are. A first sample below 1 is 1; a count
+/// below 1 or beyond the end means: to the end.
 ///
 /// False, with the reason in LastFailure, when there is no such range, the format cannot hold a channel's scale or the
 /// file cannot be created; with the reason in WriteFailure when a write fails, which ends the export at once.

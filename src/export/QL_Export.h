@@ -16,7 +16,8 @@
 #include "norvik/SaveFileDialog.h"
 #include "norvik/TextSink.h"
 
-/// Samples as text, into a file or onto the clipboard.
+/// The text export: samples as text, into a file or onto the clipboard, and the save dialogs' filter and names. Binary
+/// files are written by KVExport.
 namespace quillon {
 
 /// Input of one run.

@@ -70,7 +70,8 @@ struct PrefixedUnit {
 
 [[nodiscard]] std::u16string_view AxisUnit(AxisKind kind);
 
-/// Number of the localised string that names the axis.
+/// Number of the localised string that names the axis. Kept for callers of the family's interface; the program itself
+/// does not use it.
 [[nodiscard]] int AxisTitleId(AxisKind kind);
 
 }  // namespace quillon

@@ -16,7 +16,7 @@ struct GraphScene {
     const TimeAxis& axis;
     const Lanes& lanes;
     bool rawCodes = false;
-    bool foldOrigin = false;  ///< for systems whose mapping has 16 bits, see TraceGeometry
+    bool foldOrigin = false;  ///< only below system version 4, see TraceGeometry
     GridStyle gridStyle = GridStyle::None;
     std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
 };

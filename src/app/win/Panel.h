@@ -18,6 +18,7 @@ class Panel final : public PictureOwner {
     [[nodiscard]] const std::u16string& Text() const { return m_text; }
     /// Shown by the next Refresh.
     void Text(const std::u16string& text);
+    /// Kept for callers of the family's interface; the program itself does not use it.
     void FontBold(bool bold) { m_bold = bold; }
     void Refresh() const { m_box.Invalidate(); }
 

@@ -19,15 +19,22 @@ class cMemDC {
 
     /// Source of copies to the screen.
     [[nodiscard]] HDC Handle() const { return m_dc; }
+    /// Kept for callers of the family's interface; the program itself does not use it.
     void MapMode(int mode) const { SetMapMode(m_dc, mode); }
 
+    // Kept for callers of the family's interface; the program itself does not use these of pen, brush and font.
     [[nodiscard]] HPEN Pen() const;
     [[nodiscard]] HBRUSH Brush() const;
     [[nodiscard]] HFONT Font() const;
-    [[nodiscard]] HBITMAP Bitmap() const;
     void Pen(HPEN pen) { Take(pen, OBJ_PEN, OBJ_EXTPEN, m_initialPen); }
     void Brush(HBRUSH brush) { Take(brush, OBJ_BRUSH, OBJ_BRUSH, m_initialBrush); }
     void Font(HFONT font) { Take(font, OBJ_FONT, OBJ_FONT, m_initialFont); }
+    void CreatePen(int style, int width, COLORREF color) { Pen(::CreatePen(style, width, color)); }
+    void CreateBrush(COLORREF color) { Brush(::CreateSolidBrush(color)); }
+    void CreateStockBrush(int stockObject) { Brush(static_cast<HBRUSH>(::GetStockObject(stockObject))); }
+    void CreatePatternBrush(HBITMAP pattern) { Brush(::CreatePatternBrush(pattern)); }
+
+    [[nodiscard]] HBITMAP Bitmap() const;
     void Bitmap(HBITMAP bitmap) { Take(bitmap, OBJ_BITMAP, OBJ_BITMAP, m_initialBitmap); }
 
     /// A bitmap of its own with the same content; the caller owns it.
@@ -41,10 +48,6 @@ class cMemDC {
     [[nodiscard]] std::uint32_t* CreatePixels(int width, int height);
     /// A bitmap of one bit per pixel, of no particular content; false when there is no memory for it.
     bool CreateMonochromeBitmap(int width, int height);
-    void CreatePen(int style, int width, COLORREF color) { Pen(::CreatePen(style, width, color)); }
-    void CreateBrush(COLORREF color) { Brush(::CreateSolidBrush(color)); }
-    void CreateStockBrush(int stockObject) { Brush(static_cast<HBRUSH>(::GetStockObject(stockObject))); }
-    void CreatePatternBrush(HBITMAP pattern) { Brush(::CreatePatternBrush(pattern)); }
 
     /// Size of the bitmap in pixels.
     [[nodiscard]] SIZE Size() const;
