@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-/// The two parts of a path, whose last separator is "\" or "/". None of these asks the system.
+/// Folder and name of a path; separators are "\" and "/". These work on the text alone.
 namespace quillon {
 
 /// Where the name begins: behind the last separator, at 0 without one.

@@ -31,7 +31,7 @@ std::string NativeBytes(std::u16string_view path) {
     std::string bytes;
     std::size_t start = 0;
     for (std::size_t at = 0; at < path.size(); ++at) {
-        // The second half of a pair is none of these.
+        // The second half of a surrogate pair does not stand for a byte.
         if (path[at] >= 0xD800 && path[at] < 0xDC00 && at + 1 < path.size()) {
             ++at;
             continue;

@@ -22,7 +22,7 @@ template <typename Integer = std::int32_t>
     return static_cast<Integer>(rounded);
 }
 
-/// The same for a value that is known to fit, for inner loops: the processor's own conversion, which rounds so.
+/// The same for a value that is known to fit, for inner loops: the processor's own conversion, with equal results.
 [[nodiscard]] inline std::int32_t RoundHalfEvenInRange(double value) {
     return _mm_cvtsd_si32(_mm_set_sd(value));
 }

@@ -4,8 +4,8 @@
 
 namespace quillon {
 
-/// Consecutive samples of a block; `first` counts from 0. Numbers from 1 are made of it where texts and prescribed
-/// calls want them.
+/// Consecutive samples of a block; `first` counts from 0. Numbers from 1 exist only in texts and in calls that count
+/// so.
 struct SampleSpan {
     std::int32_t first = 0;
     std::int32_t count = 0;

@@ -12,7 +12,7 @@ namespace quillon {
 
 namespace {
 
-/// What files, folders, devices, pipes and network drives answer.
+/// The errors of files, folders, devices, pipes and network drives.
 constexpr std::array kRussian = std::to_array<std::pair<int, std::u16string_view>>({
     {EPERM, u"Операция не разрешена"},
     {ENOENT, u"Нет такого файла или папки"},

@@ -33,7 +33,7 @@ using OutputFileFactory = std::function<std::unique_ptr<OutputFile>()>;
 /// written where they are.
 [[nodiscard]] std::unique_ptr<OutputFile> MakeOutputFile();
 
-/// Whether anything bears that name, so that a file written there would replace it.
+/// Whether something of that name exists, which a file written there would replace.
 [[nodiscard]] bool FileExists(const std::u16string& path);
 
 }  // namespace quillon

@@ -47,7 +47,7 @@ class FileLibrary final : public RecordingLibrary {
             const std::shared_ptr<ByteSource> source = OpenFileSource(fileName, reason);
             m_lastError = reason.In(m_language);
             if (!source) return false;
-            source->TellIn(m_language);
+            source->SetErrorLanguage(m_language);
             RecordingContent content = ReadRecording({source, fileName, FilesBeside(fileName, m_language)});
             recording = std::make_shared<FileRecording>(fileName, std::move(content), m_language);
             return true;

@@ -9,8 +9,8 @@
 
 namespace quillon {
 
-/// A text file of UTF-8 without a mark of its own; it replaces one that exists when it is closed. Null, with the file's
-/// name and the reason in `error`, when it cannot be created. Reasons are in `language`.
+/// A text file of UTF-8, to which no byte order mark is added; it replaces one that exists when it is closed. Null,
+/// with the file's name and the reason in `error`, when it cannot be created. Reasons are in `language`.
 [[nodiscard]] std::unique_ptr<TextSink> CreateTextFile(const std::u16string& fileName, Language language,
                                                        std::u16string& error);
 

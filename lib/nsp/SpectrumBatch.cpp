@@ -149,7 +149,7 @@ void SpectrumBatch::Compute(std::span<const float* const> frames, std::uint8_t* 
         const float* lanes[kLanes];
         for (std::size_t lane = 0; lane < kLanes; ++lane) lanes[lane] = frames[at + std::min(lane, count - 1)];
         LoadFrames(lanes);
-        // The input is done with after the first step.
+        // The input is not needed after the first step.
         const float* const bins =
             TransformComplex<FourLanes>(m_input.data(), half, m_twiddles, m_work.data(), m_input.data());
         if (m_scale.linear) {

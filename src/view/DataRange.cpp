@@ -116,7 +116,7 @@ ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<s
     return std::move(gatherer.Result());
 }
 
-void RangeRecords::Learn(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
+void RangeRecords::ReadMissing(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
     m_ranges.resize(block.channelNumbers.size());
     std::vector<std::int16_t> unknown;
     std::copy_if(channels.begin(), channels.end(), std::back_inserter(unknown),
@@ -139,7 +139,7 @@ std::string RangeRecords::Failure() const {
 
 std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
     if (!block.block || block.sampleCount < 1) return std::nullopt;
-    Learn(block, channels);
+    ReadMissing(block, channels);
     std::optional<ValueRange> range;
     for (const std::int16_t channel : channels) Widen(range, m_ranges[static_cast<std::size_t>(channel - 1)].range);
     return range;
@@ -147,7 +147,7 @@ std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, const std::ve
 
 std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, std::int16_t channel) {
     if (!block.block || block.sampleCount < 1 || channel < 1 || channel > block.channelCount) return std::nullopt;
-    Learn(block, {channel});
+    ReadMissing(block, {channel});
     return m_ranges[static_cast<std::size_t>(channel - 1)].range;
 }
 

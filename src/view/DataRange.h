@@ -44,7 +44,7 @@ class RangeRecords {
     [[nodiscard]] std::string Failure() const;
 
   private:
-    void Learn(const ViewBlock& block, const std::vector<std::int16_t>& channels);
+    void ReadMissing(const ViewBlock& block, const std::vector<std::int16_t>& channels);
 
     struct Record {
         bool whole = false;  ///< of every sample

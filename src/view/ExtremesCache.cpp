@@ -38,7 +38,7 @@ SampleSpan ExtremesCache::SamplesOf(std::int32_t chunk) const {
     return {before + 1, std::min(kChunk, m_samples - 1 - before)};
 }
 
-bool ExtremesCache::Knows(std::int32_t chunk, std::span<const std::int16_t> channels, bool coarse) const {
+bool ExtremesCache::HasCells(std::int32_t chunk, std::span<const std::int16_t> channels, bool coarse) const {
     const auto found = m_chunks.find(chunk);
     return std::all_of(channels.begin(), channels.end(), [&](std::int16_t channel) {
         const auto at = static_cast<std::size_t>(channel - 1);
@@ -121,10 +121,10 @@ bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::i
     for (std::int32_t at = first; at < cellsEnd;) {
         const std::int32_t chunk = (at - 1) / kChunk;
         ++m_clock;
-        if (!Knows(chunk, channels, coarse)) {
+        if (!HasCells(chunk, channels, coarse)) {
             std::int32_t unknown = 1;
             while (unknown < chunksAtOnce && chunk + unknown < chunks && SamplesOf(chunk + unknown).first < cellsEnd &&
-                   !Knows(chunk + unknown, channels, coarse))
+                   !HasCells(chunk + unknown, channels, coarse))
                 ++unknown;
             if (!Fill(block, channels, chunk, unknown)) return false;
         }

@@ -53,7 +53,7 @@ class ExtremesCache {
 
     void Prepare(const RecordingBlock& block);
     [[nodiscard]] SampleSpan SamplesOf(std::int32_t chunk) const;
-    [[nodiscard]] bool Knows(std::int32_t chunk, std::span<const std::int16_t> channels, bool coarse) const;
+    [[nodiscard]] bool HasCells(std::int32_t chunk, std::span<const std::int16_t> channels, bool coarse) const;
     bool Fill(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t firstChunk,
               std::int32_t chunkCount);
     void Store(std::int32_t chunk, std::size_t channel, std::span<const RunExtremes> cells);

@@ -132,7 +132,7 @@ std::optional<double> ClockSeconds(const TypedNumber& first, Scanner& input) {
 std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, const FormatOptions& format,
                                    double present) {
     constexpr double day = 86400.0;
-    constexpr double resolution = 1e-4;  // of the texts: a start may read a little earlier than it is
+    constexpr double resolution = 1e-4;  // of the texts: that of a start may be a little earlier than the start
     if (timeOfDay >= day) return std::nullopt;
     double elapsed = timeOfDay - AxisSeconds(block, 0.0, format);
     if (elapsed < 0.0) elapsed += day;  // past midnight

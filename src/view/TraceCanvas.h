@@ -17,8 +17,8 @@ struct DevicePoint {
 /// goes at most one column to the right. It is drawn into columns of one byte per pixel, in which its vertical runs are
 /// filled as memory, and laid over the image at the end.
 ///
-/// The pixels are those of the system's one pixel wide lines: a steep line from (x, y0) to (x + 1, y1) passes into the
-/// right column behind the half of its way, and the last point of a trace is left out.
+/// The pixels are those of the system's one pixel wide lines: a steep line from (x, y0) to (x + 1, y1) changes to the
+/// right column after half of its height, and the last point of a trace is left out.
 class TraceCanvas {
   public:
     static constexpr std::size_t kMostTraces = 255;

@@ -24,9 +24,9 @@ class FaultyFiles final : public FileSystem {
     Fault fault = None;
     std::size_t room = 0;  ///< bytes that are written before a fault of Write
 
-    std::optional<Place> Look(const std::u16string& path, Bilingual& error) override {
+    std::optional<Place> FindPlace(const std::u16string& path, Bilingual& error) override {
         if (fault == Look_) return error = {u"fault", u"сбой"}, std::nullopt;
-        return SystemFiles().Look(path, error);
+        return SystemFiles().FindPlace(path, error);
     }
     std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place, bool& taken,
                                         Bilingual& error) override {

@@ -72,7 +72,7 @@ TEST(Corpus, NoNumberOfAHeaderIsTakenOnTrust) {
 TEST(Corpus, AnnotationsStayWithinTheirMemory) {
     EdfAnnotations annotations;
     const std::string list = "+1\x14" + std::string(100000, 'x') + "\x14" + std::string(1, '\0');
-    while (!annotations.Overflown()) annotations.Feed(list);
+    while (!annotations.LimitReached()) annotations.Feed(list);
     std::size_t bytes = 0;
     for (const EdfAnnotation& annotation : annotations.All())
         bytes += sizeof annotation + annotation.text.size() * sizeof(char16_t);

@@ -4,8 +4,8 @@
 
 namespace quillon {
 
-/// The clipboard, open and emptied for what is put onto it, until the scope ends. Programs that watch it hold it now
-/// and then for a moment: it is waited for up to a second. When it is not to be had its content stays.
+/// The clipboard, open and emptied for what is put onto it, until the scope ends. Other programs may keep it open
+/// for a moment, so opening it is tried for up to a second; where that fails its content stays.
 class ClipboardScope {
   public:
     ClipboardScope();

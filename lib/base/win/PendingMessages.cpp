@@ -12,7 +12,7 @@ bool IsInput(UINT message) {
 }  // namespace
 
 bool RunPendingMessages(HWND dialog, PendingInput input) {
-    // Messages that make new ones must not keep the caller from its work.
+    // Handlers that post new messages must not keep the caller here for ever.
     constexpr int most = 1000;
     MSG message{};
     for (int count = 0; count < most && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE; ++count) {

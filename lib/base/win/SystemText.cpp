@@ -23,7 +23,7 @@ std::u16string Message(DWORD number, DWORD language) {
     return copy;
 }
 
-/// For systems that came without a language: the most frequent reasons, as the C library sorts them. Empty for others.
+/// For systems that lack a language: the text of the errno that the error corresponds to; empty where there is none.
 Bilingual OwnText(DWORD number) {
     if (number == ERROR_SHARING_VIOLATION || number == ERROR_LOCK_VIOLATION) {
         return Say(u"The file is in use by another program", u"Файл занят другой программой");

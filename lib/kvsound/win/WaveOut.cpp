@@ -114,7 +114,7 @@ class WaveDevice {
         if (m_device == nullptr) return;
         ::waveOutReset(m_device);
         for (auto& buffer : m_queued) {
-            // What a broken driver still holds must not be freed under it.
+            // Memory that a faulty driver still holds must not be freed.
             if (Unprepare(*buffer) == WAVERR_STILLPLAYING) static_cast<void>(buffer.release());
         }
         ::waveOutClose(m_device);
@@ -253,7 +253,7 @@ class WaveOut final : public SoundOutput {
 
     [[nodiscard]] bool Open(std::int16_t channelCount, std::int32_t rate) override {
         Stop();
-        // Not left to the system: some of its parts answer a rate without sense by ending the process.
+        // Not left to the system: some sound systems end the process at a rate beyond their limits.
         const bool sane = channelCount > 0 && rate > 0 && rate <= kMaximumRate;
         const MMRESULT result = m_index >= DeviceCount() ? MMRESULT{MMSYSERR_BADDEVICEID}
                                 : sane
@@ -292,13 +292,13 @@ class WaveOut final : public SoundOutput {
         m_errorText = ErrorTextOf(result, m_language);
     }
 
-    // Every event may end this playback and start another; then what follows here is none of its business.
-    [[nodiscard]] bool Still(WPARAM playback) const { return m_begun && playback == m_playback; }
+    // Every event may end this playback and start another: the function that called it must then do no more.
+    [[nodiscard]] bool IsCurrent(WPARAM playback) const { return m_begun && playback == m_playback; }
 
     void OnStarted(WPARAM playback) {
-        if (!Still(playback)) return;
+        if (!IsCurrent(playback)) return;
         m_events.started();
-        if (!Still(playback) || !Refill(playback)) return;
+        if (!IsCurrent(playback) || !Refill(playback)) return;
         const MMRESULT result = m_device.Run();
         if (result != MMSYSERR_NOERROR) return Break(result);
         m_running = true;
@@ -310,7 +310,7 @@ class WaveOut final : public SoundOutput {
         while (m_device.NeedsMore()) {
             const std::int64_t before = m_device.Written();
             m_events.moreWanted();
-            if (!Still(playback)) return false;
+            if (!IsCurrent(playback)) return false;
             if (m_device.Written() == before) break;
         }
         return true;
@@ -322,7 +322,7 @@ class WaveOut final : public SoundOutput {
         m_device.TakeBack();
         if (!Refill(playback) || m_device.HasBuffers()) return;
         m_events.writeProgress(m_device.Written());
-        if (Still(playback)) End();
+        if (IsCurrent(playback)) End();
     }
 
     void OnTimer() {

@@ -42,7 +42,7 @@ class ByteSource {
     }
 
     /// Language of what() of the errors from now on; at first English.
-    void TellIn(Language language) { m_language = language; }
+    void SetErrorLanguage(Language language) { m_language = language; }
 
   protected:
     [[nodiscard]] Language ErrorLanguage() const { return m_language; }

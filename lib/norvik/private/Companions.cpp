@@ -67,7 +67,7 @@ std::shared_ptr<ByteSource> Companions::Open(std::u16string_view name, Bilingual
 Companions FilesBeside(const std::u16string& path, Language language) {
     return Companions([folder = FolderOf(path), language](const std::u16string& name, Bilingual& error) {
         std::shared_ptr<ByteSource> source = OpenInFolder(folder, name, error);
-        if (source) source->TellIn(language);
+        if (source) source->SetErrorLanguage(language);
         return source;
     });
 }

@@ -75,8 +75,8 @@ void EdfAnnotations::AddTexts(double onset, std::string_view texts) {
         if (end > 0) {
             EdfAnnotation annotation{onset, FromUtf8OrLatin1(texts.substr(0, end))};
             m_bytes += sizeof annotation + annotation.text.size() * sizeof(char16_t);
-            m_overflown = m_overflown || m_bytes > kAnnotationMemory;
-            if (m_overflown) return;
+            m_limitReached = m_limitReached || m_bytes > kAnnotationMemory;
+            if (m_limitReached) return;
             m_all.push_back(std::move(annotation));
         }
         texts.remove_prefix(end + 1);

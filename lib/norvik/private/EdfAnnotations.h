@@ -29,7 +29,7 @@ class EdfAnnotations {
     [[nodiscard]] const std::vector<EdfAnnotation>& All() const { return m_all; }
     [[nodiscard]] std::size_t Malformed() const { return m_malformed; }
     /// True when there were more than memory is given for (some millions); the rest was left out.
-    [[nodiscard]] bool Overflown() const { return m_overflown; }
+    [[nodiscard]] bool LimitReached() const { return m_limitReached; }
 
   private:
     void EndList();
@@ -42,14 +42,14 @@ class EdfAnnotations {
     std::vector<EdfAnnotation> m_all;
     std::size_t m_bytes = 0;  ///< memory that the annotations take
     std::size_t m_malformed = 0;
-    bool m_overflown = false;
+    bool m_limitReached = false;
 };
 
 /// Seconds as annotations tell them: a sign, digits and at most one point. Nothing beyond some 300 years is accepted.
 [[nodiscard]] std::optional<double> ParseOnset(std::string_view text);
 
 /// Memory that the annotations of a file, and the marks of all its blocks, may take at most, in bytes. A damaged file
-/// could else fill many times its own size.
+/// could otherwise take many times its own size.
 inline constexpr std::size_t kAnnotationMemory = 1U << 28;
 
 }  // namespace quillon

@@ -11,8 +11,8 @@ namespace quillon {
 
 namespace {
 
-/// Three groups of one or two digits, each but the last followed by one other sign: dots by the book, colons, slashes
-/// and dashes in the field.
+/// Three groups of one or two digits, each but the last followed by one other sign: dots in the standard, also
+/// colons, slashes and dashes in existing files.
 std::optional<std::array<int, 3>> ThreeNumbers(std::string_view field) {
     field = Trim(field);
     const auto digit = [&] { return !field.empty() && field.front() >= '0' && field.front() <= '9'; };

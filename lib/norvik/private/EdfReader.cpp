@@ -109,8 +109,8 @@ class MarkPlacer {
             const double position = std::nearbyint((m_annotations[*index].onset - onset) * rate);
             if (position < 0.0 || position >= sampleCount) continue;
             m_bytes += sizeof(MarkDescription) + m_annotations[*index].text.size() * sizeof(char16_t);
-            m_overflown = m_overflown || m_bytes > kAnnotationMemory;
-            if (m_overflown) break;
+            m_limitReached = m_limitReached || m_bytes > kAnnotationMemory;
+            if (m_limitReached) break;
             found.emplace_back(static_cast<std::int32_t>(position), *index);
         }
         std::sort(found.begin(), found.end());
@@ -121,13 +121,13 @@ class MarkPlacer {
     }
 
     /// True when marks were left out because they took too much memory.
-    [[nodiscard]] bool Overflown() const { return m_overflown; }
+    [[nodiscard]] bool LimitReached() const { return m_limitReached; }
 
   private:
     const std::vector<EdfAnnotation>& m_annotations;
     std::vector<std::size_t> m_byOnset;
     std::size_t m_bytes = 0;
-    bool m_overflown = false;
+    bool m_limitReached = false;
 };
 
 std::shared_ptr<FileBlock> MakeBlock(const std::shared_ptr<ByteSource>& source, const EdfHeader& header,
@@ -201,7 +201,7 @@ RecordingContent ReadEdf(const std::shared_ptr<ByteSource>& source) {
                 MakeBlock(source, header, timeline.stretches[stretch], group, stretchTitles[stretch], placer));
         }
     }
-    if (placer.Overflown()) {
+    if (placer.LimitReached()) {
         timeline.notes.push_back(
             Say(u"too many marks, the last ones left out", u"слишком много меток, последние пропущены"));
     }

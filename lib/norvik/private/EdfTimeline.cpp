@@ -154,7 +154,7 @@ EdfTimeline ReadEdfTimeline(const std::shared_ptr<ByteSource>& source, const Edf
         timeline.notes.push_back(Say(u"%1 damaged annotations left out", u"пропущено повреждённых аннотаций: %1",
                                      {Decimal(static_cast<std::int64_t>(timeline.annotations.Malformed()))}));
     }
-    if (timeline.annotations.Overflown()) {
+    if (timeline.annotations.LimitReached()) {
         timeline.notes.push_back(Say(u"too many annotations, the first %1 read",
                                      u"слишком много аннотаций, прочитаны первые %1",
                                      {Decimal(static_cast<std::int64_t>(timeline.annotations.All().size()))}));

@@ -45,9 +45,9 @@ class FileSystem {
     FileSystem& operator=(const FileSystem&) = delete;
 
     /// Nothing where the path is no place for a file, or the file there is write-protected or, on Windows, open.
-    [[nodiscard]] virtual std::optional<Place> Look(const std::u16string& path, Bilingual& error) = 0;
-    /// Makes a file for that place under a name that nothing bears yet. Null when it cannot; `taken` where the reason
-    /// is that something bears the name. Where it is going to replace a file, its Close waits for the disk, so that a
+    [[nodiscard]] virtual std::optional<Place> FindPlace(const std::u16string& path, Bilingual& error) = 0;
+    /// Makes a file for that place under an unused name. Null when it cannot; `taken` where the reason is that
+    /// something has the name. Where it is going to replace a file, its Close waits for the disk, so that a
     /// loss of power leaves the old file or the whole new one.
     [[nodiscard]] virtual std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place,
                                                               bool& taken, Bilingual& error) = 0;

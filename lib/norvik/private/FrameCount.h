@@ -10,10 +10,10 @@ namespace quillon {
 /// How many frames a file really holds, and what to tell about it.
 struct FrameCount {
     std::uint64_t count = 0;
-    Bilingual remark;  ///< empty when the file keeps its promise
+    Bilingual remark;  ///< empty when the file holds what its header declares
 };
 
-/// `declared` bytes were promised, `available` follow the header: as far as the data reach.
+/// Frames of the `declared` bytes that the header states, as far as the `available` bytes behind it reach.
 [[nodiscard]] FrameCount CountFrames(std::uint64_t declared, std::uint64_t available, std::size_t frameBytes);
 
 /// Everything that follows the header, as a recording that was not closed has it.

@@ -14,7 +14,7 @@ constexpr std::size_t kPage = 4096;
 const std::uint8_t* PieceBuffer::Read(ByteSource& source, std::uint64_t offset, std::size_t count) {
     const std::size_t needed = (count + 2 * kPage) / sizeof(std::int16_t);
     if (m_memory.size() < needed) m_memory.resize(needed);
-    // The bytes of 16-bit samples may be looked at as what they are.
+    // Made of 16-bit numbers so that callers may read samples in place; bytes may be read in any object.
     auto* const memory = reinterpret_cast<std::uint8_t*>(m_memory.data());
     const std::size_t toPage = (kPage - reinterpret_cast<std::uintptr_t>(memory) % kPage) % kPage;
     std::uint8_t* const piece = memory + toPage + static_cast<std::size_t>(offset % kPage / 2 * 2);

@@ -23,7 +23,7 @@ class ReplacingFile final : public OutputFile {
         Abandon();
         m_name = fileName;
         m_error = {};
-        std::optional<Place> place = m_files.Look(fileName, m_error);
+        std::optional<Place> place = m_files.FindPlace(fileName, m_error);
         if (!place) return Fail();
         m_place = std::move(*place);
         m_sink = std::move(m_place.device);

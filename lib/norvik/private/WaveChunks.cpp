@@ -94,7 +94,7 @@ WaveData DescribeData(ByteSource& source, const WaveChunk& chunk, const ChunkHea
     return data;
 }
 
-void Keep(std::optional<WaveChunk>& place, const WaveChunk& chunk) {
+void KeepFirst(std::optional<WaveChunk>& place, const WaveChunk& chunk) {
     if (!place) place = chunk;
 }
 
@@ -115,9 +115,9 @@ WaveChunks WalkWaveChunks(ByteSource& source) {
 
         const std::string_view id = header->Id();
         if (id == "ds64") longSizes = ReadLongSizes(source, chunk);
-        if (id == "fmt ") Keep(chunks.format, chunk);
-        if (id == "cue ") Keep(chunks.cues, chunk);
-        if (id == "bext") Keep(chunks.broadcast, chunk);
+        if (id == "fmt ") KeepFirst(chunks.format, chunk);
+        if (id == "cue ") KeepFirst(chunks.cues, chunk);
+        if (id == "bext") KeepFirst(chunks.broadcast, chunk);
         if (id == "plst") chunks.playlist = true;
         if (id == "LIST") chunks.lists.push_back(chunk);
         if (id == "data" && !chunks.data) {

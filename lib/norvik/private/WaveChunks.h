@@ -12,7 +12,7 @@ namespace quillon {
 /// Where a chunk's content lies in the file.
 struct WaveChunk {
     std::uint64_t offset = 0;
-    std::uint64_t declared = 0;   ///< bytes promised
+    std::uint64_t declared = 0;   ///< bytes, by the header of the chunk
     std::uint64_t available = 0;  ///< bytes of them that the file holds
 };
 

@@ -55,7 +55,7 @@ class Registry final : public RegistryObject {
     }
 
     bool ReadText(const std::u16string& name, std::u16string& value) override {
-        // The terminator is part of the stored text, when the writer cared.
+        // Most writers store the terminator with the text, some do not.
         std::vector<wchar_t> buffer(kLongestText + 1);
         DWORD size = static_cast<DWORD>(buffer.size() * sizeof(wchar_t));
         if (!Query(name, REG_SZ, buffer.data(), size)) return false;

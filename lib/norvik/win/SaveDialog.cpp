@@ -36,8 +36,8 @@ std::vector<std::u16string> ExtensionsOf(const std::u16string& filter) {
     return extensions;
 }
 
-/// The folder that the dialog may begin in. The system's dialogs take longer ones for none or, in some versions, end
-/// the program.
+/// The folder that the dialog starts in; none where it is too long: the system's dialogs ignore such a folder or, in
+/// some versions, crash.
 std::u16string StartFolder(const std::u16string& folder) {
     return folder.size() < MAX_PATH - 1 ? folder : std::u16string();
 }
@@ -50,7 +50,7 @@ std::u16string ProposedName(const std::u16string& name, const std::u16string& fo
     const std::u16string start = StartFolder(folder);
     const std::size_t taken = start.size() + extension;
     std::size_t room = taken + least > MAX_PATH ? least : std::min(MAX_PATH - taken, most);
-    // A name of two halves of a character ends before them.
+    // Do not cut between the two halves of a surrogate pair.
     if (room < name.size() && (name[room] & 0xFC00U) == 0xDC00U) --room;
     return name.substr(0, room);
 }
@@ -94,7 +94,7 @@ class SystemSaveDialog final : public SaveFileDialog {
         // Any extension here makes the dialog add that of the chosen pair to a name without one.
         request.lpstrDefExt = L"txt";
         while (!GetSaveFileNameW(&request)) {
-            // A name that cannot be one is no reason not to ask.
+            // Where the proposed name is not a possible one, ask again without it.
             if (CommDlgExtendedError() != FNERR_INVALIDFILENAME || name[0] == 0) return false;
             name[0] = 0;
         }

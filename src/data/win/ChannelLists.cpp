@@ -11,12 +11,12 @@ namespace quillon {
 namespace {
 
 /// Sets a flag for its own lifetime.
-class QuietScope {
+class FlagScope {
   public:
-    explicit QuietScope(bool& flag) : m_flag(flag) { m_flag = true; }
-    ~QuietScope() { m_flag = false; }
-    QuietScope(const QuietScope&) = delete;
-    QuietScope& operator=(const QuietScope&) = delete;
+    explicit FlagScope(bool& flag) : m_flag(flag) { m_flag = true; }
+    ~FlagScope() { m_flag = false; }
+    FlagScope(const FlagScope&) = delete;
+    FlagScope& operator=(const FlagScope&) = delete;
 
   private:
     bool& m_flag;
@@ -79,7 +79,7 @@ void ChannelList::Attach(HWND list, ImageList colors, int dpi) {
 }
 
 void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
-    const QuietScope quiet(m_filling);
+    const FlagScope quiet(m_filling);
     const FillScope fill(m_list);
     ListView_DeleteAllItems(m_list);
     for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
@@ -133,7 +133,7 @@ bool ChannelList::IsChecked(int item) const {
 }
 
 void ChannelList::Choose(int item) {
-    const QuietScope quiet(m_filling);
+    const FlagScope quiet(m_filling);
     ListView_SetItemState(m_list, item, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     ListView_EnsureVisible(m_list, item, FALSE);
 }
@@ -144,7 +144,7 @@ void ChannelList::ShowFocus(int item) const {
 }
 
 void ChannelList::Check(int item, bool checked) {
-    const QuietScope quiet(m_filling);
+    const FlagScope quiet(m_filling);
     ListView_SetCheckState(m_list, item, checked);
 }
 

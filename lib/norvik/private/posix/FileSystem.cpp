@@ -73,7 +73,7 @@ bool FollowLinks(std::string& path) {
 
 class PosixFiles final : public FileSystem {
   public:
-    [[nodiscard]] std::optional<Place> Look(const std::u16string& path, Bilingual& error) override {
+    [[nodiscard]] std::optional<Place> FindPlace(const std::u16string& path, Bilingual& error) override {
         const auto refuse = [&](int number) {
             error = SystemText(number);
             return std::nullopt;

@@ -9,13 +9,13 @@ namespace quillon {
 
 namespace {
 
-/// Bytes of one character, the first `units` of `text`; 0 where it cannot be said at all.
+/// Bytes of one character, the first `units` of `text`; 0 where it cannot be converted.
 std::size_t Convert(UINT codePage, const wchar_t* text, int units, std::span<char> out) {
     const auto convert = [&](DWORD flags, const char* substitute) {
         return static_cast<std::size_t>(WideCharToMultiByte(codePage, flags, text, units, out.data(),
                                                             static_cast<int>(out.size()), substitute, nullptr));
     };
-    // A look-alike would be another name. Code pages that hold all of Unicode know neither the flag nor substitutes.
+    // A best-fit letter would change the name. Code pages of all of Unicode take neither the flag nor a substitute.
     const std::size_t bytes = convert(WC_NO_BEST_FIT_CHARS, "?");
     return bytes != 0 ? bytes : convert(0, nullptr);
 }

@@ -49,7 +49,7 @@ class FileSink final : public ByteSink {
 
 class WindowsFiles final : public FileSystem {
   public:
-    [[nodiscard]] std::optional<Place> Look(const std::u16string& path, Bilingual& error) override {
+    [[nodiscard]] std::optional<Place> FindPlace(const std::u16string& path, Bilingual& error) override {
         Place place;
         place.path = path;
         // No sharing: a file that is open for reading, as the recording itself is, is refused. Renaming over it
