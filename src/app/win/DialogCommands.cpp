@@ -72,7 +72,8 @@ void DialogCommands::Split() {
 
 void DialogCommands::CopyImage() {
     m_rooms.hover.End();
-    m_rooms.graph.HidePlayLine();
+    // The playback line does not belong in a copied image.
+    m_rooms.graph.ShowPlayLine(0);
     const bool hasSpectrogram = m_parts.settings.window.spectrogramShown;
     const ImageWindows windows{m_rooms.graph.ScaleY(), m_rooms.graph.Graph(),
                                hasSpectrogram ? m_rooms.spectrogram.Scale() : nullptr,
@@ -87,7 +88,7 @@ void DialogCommands::CopyImage() {
     // The caption strip has the same height at any screen density.
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
     const bool done = ImageCopy(windows, font.Get(), caption, kClipboardTarget);
-    m_rooms.graph.ShowPlayLine();
+    m_rooms.graph.ShowPlayLine(m_rooms.playback.Position());
     m_rooms.status.Tell(StatusBar::Topic::Outcome, m_parts.services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
 }
 

@@ -16,10 +16,10 @@ namespace {
 
 constexpr UINT_PTR kAutoScroll = 1;
 constexpr UINT kAutoScrollPeriod = 40;  // ms
-/// The amplitude scroll bar moves the base line this many rows up or down at most.
-constexpr std::int64_t kBaseLineReach = 2000;
-/// Columns or rows of a click on an end of a scroll bar.
-constexpr int kScrollStep = 20;
+static_assert(SB_LINEDOWN == static_cast<int>(ScrollAction::LineOn) &&
+              SB_LEFT == static_cast<int>(ScrollAction::Start) &&
+              SB_THUMBTRACK == static_cast<int>(ScrollAction::ThumbDragged) &&
+              SB_ENDSCROLL == static_cast<int>(ScrollAction::End) + 1);
 
 /// Current position of a dragged thumb; WM_HSCROLL and WM_VSCROLL carry only 16 bits of it.
 int TrackPosition(HWND scrollBar) {
@@ -28,6 +28,19 @@ int TrackPosition(HWND scrollBar) {
     info.fMask = SIF_TRACKPOS;
     GetScrollInfo(scrollBar, SB_CTL, &info);
     return info.nTrackPos;
+}
+
+void ShowBar(HWND scrollBar, const ScrollBarValues& values, bool enabled) {
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_ALL;
+    info.nMin = values.least;
+    info.nPage = static_cast<UINT>(values.page);
+    // A scroll bar stops one page before its maximum.
+    info.nMax = values.most + values.page - 1;
+    info.nPos = values.position;
+    SetScrollInfo(scrollBar, SB_CTL, &info, TRUE);
+    EnableWindow(scrollBar, enabled);
 }
 
 }  // namespace
@@ -41,7 +54,8 @@ GraphPane::GraphPane(const Document& document, WaveformView& view, const Playbac
       m_format(format),
       m_hover(hover),
       m_foldOrigin(foldOrigin),
-      m_gestures(view) {}
+      m_gestures(view),
+      m_scrollBars(view) {}
 
 bool GraphPane::CreateGraph(HWND parent) {
     return m_graph.Create(parent, pbGraph, *this, true);
@@ -53,8 +67,7 @@ bool GraphPane::CreateRest(HWND parent) {
 }
 
 void GraphPane::SetSize(std::int32_t width, std::int32_t height) {
-    m_width = width;
-    m_height = height;
+    m_size = {width, height};
     m_view.Arrange(width, height);
 }
 
@@ -90,86 +103,39 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     PaintNotice(dc, client, m_notice, ScreenDpi());
 }
 
-void GraphPane::UpdateScrollBars() {
-    const TimeAxis& axis = m_view.Axis();
-    SCROLLINFO info{};
-    info.cbSize = sizeof info;
-    info.fMask = SIF_ALL;
-    info.nPage = static_cast<UINT>(axis.ScrollPage());
-    // A scroll bar stops one page before its maximum; ours counts positions of the first column.
-    info.nMax = TimeAxis::kScrollMax + static_cast<int>(info.nPage) - 1;
-    info.nPos = axis.ScrollValue();
-    SetScrollInfo(ScrollBar(scScaleX), SB_CTL, &info, TRUE);
-    EnableWindow(ScrollBar(scScaleX), axis.CanScroll());
-
-    // A base line outside the bar's range becomes the middle of the bar, so that dragging the thumb moves it relative
-    // to its position.
-    const std::int64_t shift = m_view.BaseLineShift();
-    if (std::abs(shift - m_baseLineMiddle) > kBaseLineReach) m_baseLineMiddle = shift;
-    if (std::abs(shift) <= kBaseLineReach) m_baseLineMiddle = 0;
-    constexpr auto reach = static_cast<int>(kBaseLineReach);
-    info.nMin = -reach;
-    info.nPage = static_cast<UINT>(std::max(m_height, 1));
-    info.nMax = reach + static_cast<int>(info.nPage) - 1;
-    info.nPos = static_cast<int>(m_baseLineMiddle - shift);
-    SetScrollInfo(ScrollBar(scScaleY), SB_CTL, &info, TRUE);
-    EnableWindow(ScrollBar(scScaleY), HasSamples());
-}
-
-void GraphPane::OnHScroll(UINT code) {
-    const std::int32_t page = m_width - m_width % TimeAxis::kDivision;
-    switch (code) {
-        case SB_LINELEFT: return onChange(m_view.ScrollBy(-kScrollStep));
-        case SB_LINERIGHT: return onChange(m_view.ScrollBy(kScrollStep));
-        case SB_PAGELEFT: return onChange(m_view.ScrollBy(-page));
-        case SB_PAGERIGHT: return onChange(m_view.ScrollBy(page));
-        case SB_LEFT: return onChange(m_view.ScrollBy(m_view.Axis().PageShift(0)));
-        case SB_RIGHT: return onChange(m_view.ScrollBy(m_view.Axis().PageShift(3)));
-        case SB_THUMBTRACK:
-        case SB_THUMBPOSITION: return onChange(m_view.SetScrollValue(TrackPosition(ScrollBar(scScaleX))));
-        default: return;
-    }
-}
-
-void GraphPane::OnVScroll(UINT code) {
-    const std::int32_t page = m_height / AmplitudeScale::kDivision * AmplitudeScale::kDivision;
-    switch (code) {
-        case SB_LINEUP: return onChange(m_view.MoveBaseLine(kScrollStep));
-        case SB_LINEDOWN: return onChange(m_view.MoveBaseLine(-kScrollStep));
-        case SB_PAGEUP: return onChange(m_view.MoveBaseLine(page));
-        case SB_PAGEDOWN: return onChange(m_view.MoveBaseLine(-page));
-        case SB_THUMBTRACK:
-        case SB_THUMBPOSITION: break;
-        default: return;
-    }
-    const std::int64_t shift = m_baseLineMiddle - TrackPosition(ScrollBar(scScaleY));
-    onChange(m_view.MoveBaseLine(shift - m_view.BaseLineShift()));
+void GraphPane::OnScroll(int bar, int code) {
+    if (code >= SB_ENDSCROLL) return;
+    const auto action = static_cast<ScrollAction>(code);
+    const int thumb = TrackPosition(GetDlgItem(GetParent(m_graph.Window()), bar));
+    onChange(bar == scScaleX ? m_scrollBars.ScrollTime(action, thumb) : m_scrollBars.ScrollAmplitude(action, thumb));
 }
 
 void GraphPane::FitScales() {
-    if (m_height > 0) m_view.FitScales(m_painter.SeenRanges(Scene()));
+    if (m_size.cy > 0) m_view.FitScales(m_painter.SeenRanges(Scene()));
 }
 
 void GraphPane::Refresh(std::int32_t shift) {
-    m_view.Arrange(m_width, m_height);
+    m_view.Arrange(m_size.cx, m_size.cy);
     // The first recording is open before the graph has a size.
     if (!m_view.HasFittedScales()) FitScales();
     if (HasSamples()) {
         HideCursor();
         ShowSelection();
-        ShowPlayLine();
+        ShowPlayLine(m_playback.Position());
         if (shift != 0) {
             m_painter.Scroll(Scene(), shift);
         } else {
-            m_painter.Draw(Scene(), m_width, m_height);
+            m_painter.Draw(Scene(), m_size.cx, m_size.cy);
         }
     } else {
-        m_painter.Clear(m_width, m_height);
+        m_painter.Clear(m_size.cx, m_size.cy);
     }
     m_graph.Invalidate();
     if (m_scaleX.Window() == nullptr) return;
     m_zoomX.SetCaption(ZoomCaption(m_view.Axis().ZoomIndex()));
-    UpdateScrollBars();
+    const HWND window = GetParent(m_graph.Window());
+    ShowBar(GetDlgItem(window, scScaleX), m_scrollBars.Time(), m_view.Axis().CanScroll());
+    ShowBar(GetDlgItem(window, scScaleY), m_scrollBars.Amplitude(), HasSamples());
     m_scaleX.Invalidate();
     if (shift == 0) m_scaleY.Invalidate();
 }
@@ -185,7 +151,7 @@ void GraphPane::LeaveBlock() {
     const HWND capture = GetCapture();
     if (capture != nullptr && (capture == m_graph.Window() || capture == m_scaleY.Window())) ReleaseCapture();
     m_painter.ForgetBlock();
-    m_painter.Clear(m_width, m_height);
+    m_painter.Clear(m_size.cx, m_size.cy);
 }
 
 // Bands over the graph.

@@ -7,6 +7,7 @@
 
 #include "app/GraphNotice.h"
 #include "app/Playback.h"
+#include "app/ScrollBars.h"
 #include "app/win/CommonBand.h"
 #include "app/win/HoverCapture.h"
 #include "view/DisplaySettings.h"
@@ -60,9 +61,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// The block is about to be closed.
     void LeaveBlock();
     void ShowSelection();
-    void ShowPlayLine() { ShowPlayLine(m_playback.Position()); }
-    /// Hides the playback line, which does not belong in a copied image of the view.
-    void HidePlayLine() { ShowPlayLine(0); }
+    /// The playback line at a sample from 1; 0 hides it.
+    void ShowPlayLine(std::int32_t sample);
     void HideCursor() { ShowCursor(std::nullopt); }
     void ShowCursor(const std::optional<ColumnBand>& band);
     /// Shows the readout of a sample, independent of the pointer.
@@ -77,8 +77,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// Another command is about to use the selection: ends the gesture that changes it.
     void EndSelecting();
     void Wheel(int delta, GraphZone zone, const GraphPointer& pointer);
-    void OnHScroll(UINT code);
-    void OnVScroll(UINT code);
+    void OnScroll(int bar, int code);
     void OnTimer(UINT_PTR timer);
 
   private:
@@ -95,10 +94,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void FinishSelection(const GraphPointer& pointer);
     void Hover(int x, int y);
     void ReadOut(std::int32_t sample, int x, int row);
-    void ShowPlayLine(std::int32_t sample);
     void SetBand(GraphBand which, const std::optional<ColumnBand>& band);
-    void UpdateScrollBars();
-    [[nodiscard]] HWND ScrollBar(int id) const { return GetDlgItem(GetParent(m_graph.Window()), id); }
     [[nodiscard]] GraphScene Scene() const;
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
 
@@ -110,6 +106,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     HoverCapture& m_hover;
     bool m_foldOrigin;
     GraphGestures m_gestures;
+    ScrollBars m_scrollBars;
     PictureBox m_graph;
     PictureBox m_scaleX;
     PictureBox m_scaleY;
@@ -118,9 +115,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     ScalePainter m_scales;
     GraphCursor m_cursors;
     GraphNotice m_notice;
-    std::int32_t m_width = 0;
-    std::int32_t m_height = 0;
-    std::int64_t m_baseLineMiddle = 0;  ///< shift of the base line at which the amplitude scroll bar is in its middle
+    SIZE m_size{};
 };
 
 }  // namespace quillon

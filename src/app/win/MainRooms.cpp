@@ -375,7 +375,7 @@ void MainRooms::ShowPosition() {
         status.Offer(StatusBar::Topic::Sound, m_parts.services.Text(IDS_PLAYING) + u' ' +
                                                   PositionText(m_document.Block(), sample, u" ", m_parts.format));
     }
-    graph.ShowPlayLine();
+    graph.ShowPlayLine(sample);
 }
 
 void MainRooms::RunBusy(const std::function<void()>& work) {

@@ -152,8 +152,8 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
             if (HIWORD(lParam) != 0) break;
             m_menu.Open(reinterpret_cast<HMENU>(wParam), m_rooms.playback, [this] { return State(); });
             return 0;
-        case WM_HSCROLL: m_rooms.graph.OnHScroll(LOWORD(wParam)); return 0;
-        case WM_VSCROLL: m_rooms.graph.OnVScroll(LOWORD(wParam)); return 0;
+        case WM_HSCROLL: m_rooms.graph.OnScroll(scScaleX, LOWORD(wParam)); return 0;
+        case WM_VSCROLL: m_rooms.graph.OnScroll(scScaleY, LOWORD(wParam)); return 0;
         case WM_DEVICECHANGE: m_rooms.playback.LookForDevices(); break;
         case WM_ENTERMENULOOP: m_rooms.EndHover(); break;
         case WM_SETCURSOR:
