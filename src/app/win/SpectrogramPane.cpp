@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "app/ControlIds.h"
+#include "app/SpectrumReadout.h"
 #include "app/StringIds.h"
-#include "base/Text.h"
 #include "view/Readout.h"
 #include "view/win/GDI_Utils.h"
 
@@ -43,11 +43,7 @@ void SpectrogramPane::ChooseChannel() {
     const std::int16_t channel = m_document.CurrentChannel();
     // A channel without a value range stays blank; the range is computed only when the spectrogram is visible.
     ValueRange limits;
-    if (m_settings.window.spectrogramShown) {
-        // If nothing can be read, any range will do: it allows the columns to be tried again.
-        const auto range = m_view.Ranges().Of(m_document.Block(), channel);
-        limits = range ? *range : m_view.Ranges().Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
-    }
+    if (m_settings.window.spectrogramShown) limits = SpectrumRange(m_view.Ranges(), m_document.Block(), channel);
     m_fft.FFT_SetChannel(m_document.Block().block.get(), m_document.File().currentBlockIndex,
                          static_cast<std::int16_t>(channel - 1), limits);
     m_scale.Invalidate();
@@ -149,30 +145,10 @@ void SpectrogramPane::HoverAgain() {
 void SpectrogramPane::Hover(int x, int y) {
     if (!m_hover.StaysIn(m_picture.Window(), onPointer(), {x, y})) return;
     const std::int32_t sample = SampleUnder(m_view.Axis(), x);
-    onHover(sample, Readout(sample, y));
-}
-
-std::u16string SpectrogramPane::Readout(std::int32_t sample, int row) const {
     RECT client{};
     GetClientRect(m_picture.Window(), &client);
-    const auto height = static_cast<std::int32_t>(client.bottom);
-    if (!m_fft.State().ready || height < 1 || m_fft.Image().empty()) return {};
-    // Frequency bin of the row in the stretched image.
-    const std::int32_t bins = m_fft.BinCount();
-    const std::int32_t bin = std::clamp((height - 1 - row) * bins / height, 0, bins - 1);
-    const double hertz = bin * m_document.Block().sampleRate / m_fft.Length();
-    const bool linear = m_settings.spectrum.type == 1;
-    const std::u16string place = u"X:\t" + PositionText(m_document.Block(), sample, u" ", m_format) + u"\r\nF:\t" +
-                                 FormatFrequency(hertz, u" ", false, m_format) + u"\r\nL:\t";
-    const std::optional<ColumnBand> band = BandOf(m_view.Axis(), {sample - 1, 1});
-    if (!band || band->left >= m_fft.ImageWidth() || !m_fft.IsRead(band->left)) return place + u"\r\n";
-    const std::uint8_t index =
-        m_fft.Image()[static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_fft.ImageWidth()) +
-                      static_cast<std::size_t>(band->left)];
-    // The end colours also stand for levels outside the scale.
-    const std::u16string atEnd = index == 0 ? u"\u2264 " : index == 255 ? u"\u2265 " : u"";
-    const std::u16string level = NumberText(RoundToPlaces(m_fft.LevelOf(index), 1), m_format.decimalSeparator);
-    return place + atEnd + level + (linear ? u" %\r\n" : u" dB\r\n");
+    onHover(sample, SpectrumReadout({m_fft, m_document.Block(), m_view.Axis(), m_format, m_settings.spectrum.type == 1},
+                                    sample, y, static_cast<std::int32_t>(client.bottom)));
 }
 
 }  // namespace quillon

@@ -65,9 +65,6 @@ class SpectrogramPane final : private PictureOwner {
     void PaintScale(HDC dc, const RECT& client);
     void Hover(int x, int y);
     void InvalidateAll() const;
-    /// Time of a sample, frequency of an image row, and the level there. No level is given outside the image or where
-    /// samples could not be read.
-    [[nodiscard]] std::u16string Readout(std::int32_t sample, int row) const;
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
 
     const Document& m_document;
