@@ -1,6 +1,8 @@
 #include "app/CommandState.h"
 
 #include "app/Commands.h"
+#include "app/Playback.h"
+#include "app/Settings.h"
 #include "view/AmplitudeScale.h"
 #include "view/TimeAxis.h"
 
@@ -13,6 +15,31 @@ bool Within(int id, int first, int count) {
 }
 
 }  // namespace
+
+CommandState StateOf(const Document& document, const WaveformView& view, const Playback& playback,
+                     const Settings& settings, std::int32_t fileCount, std::int32_t filePosition) {
+    CommandState state;
+    state.fileCount = fileCount;
+    state.filePosition = filePosition;
+    state.channelCount = document.Block().channelCount;
+    state.sampleCount = document.Block().sampleCount;
+    state.hasMarks = !document.Block().marks.empty();
+    state.isSolo = document.IsSolo();
+    state.hasSelection = view.Selected().active;
+    state.hasHistory = view.HasHistory();
+    state.zoomX = view.Axis().ZoomIndex();
+    state.scaleY = view.ScaleY();
+    state.spectrogramShown = settings.window.spectrogramShown;
+    state.soundDevices = playback.DeviceCount();
+    state.soundDevice = playback.Device();
+    state.playing = playback.IsPlaying();
+    state.helpLanguage = settings.helpLanguage;
+    return state;
+}
+
+int CommandOfKey(int command, const CommandState& state) {
+    return command == mnuSoundPlay && state.playing ? mnuSoundPlay + 2 : command;
+}
 
 bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;

@@ -4,6 +4,11 @@
 
 namespace quillon {
 
+class Document;
+class Playback;
+struct Settings;
+class WaveformView;
+
 /// State that determines which commands are enabled and which show a check mark.
 struct CommandState {
     std::int32_t fileCount = 0;      ///< in the file list
@@ -22,6 +27,13 @@ struct CommandState {
     bool playing = false;
     std::int16_t helpLanguage = 0;
 };
+
+/// What the rooms say of it; `fileCount` and `filePosition` as above.
+[[nodiscard]] CommandState StateOf(const Document& document, const WaveformView& view, const Playback& playback,
+                                   const Settings& settings, std::int32_t fileCount, std::int32_t filePosition);
+
+/// The command that the key of a command runs: the key that plays stops the sound while it plays.
+[[nodiscard]] int CommandOfKey(int command, const CommandState& state);
 
 /// Whether a command is enabled in that state.
 [[nodiscard]] bool IsEnabled(int id, const CommandState& state);

@@ -4,6 +4,7 @@
 
 #include "app/CommandState.h"
 #include "app/Commands.h"
+#include "app/Settings.h"
 #include "app/StatusMessage.h"
 #include "support/ViewFixture.h"
 
@@ -90,6 +91,27 @@ TEST_F(PlaybackTest, WhatIsSelectedOrSeenIsPlayedAndRefusalsAreTold) {
     m_playback.onPosition = [] { throw std::runtime_error("no memory"); };
     m_device.events.writeProgress(20);
     EXPECT_EQ(failures, 1);
+}
+
+TEST_F(PlaybackTest, TheStateOfCommandsIsThatOfTheRooms) {
+    Settings settings;
+    const auto state = [&] { return StateOf(m_document, m_view, m_playback, settings, 4, 2); };
+    const CommandState before = state();
+    EXPECT_EQ(std::tuple(before.fileCount, before.filePosition, before.channelCount, before.sampleCount),
+              std::tuple(4, 2, 2, 100000));
+    EXPECT_TRUE(before.hasMarks);
+    EXPECT_FALSE(before.hasSelection || before.hasHistory || before.playing || before.isSolo);
+    EXPECT_EQ(CommandOfKey(mnuSoundPlay, before), mnuSoundPlay);
+    m_view.SelectZoomX(3);
+    m_view.SelectBlock();
+    m_document.Solo(std::int16_t{1});
+    Play(1);
+    const CommandState after = state();
+    EXPECT_TRUE(after.hasSelection && after.hasHistory && after.playing && after.isSolo);
+    EXPECT_EQ(std::pair(after.zoomX, after.scaleY), std::pair(3, m_view.ScaleY()));
+    // The key that plays stops, those beside it do what they say.
+    EXPECT_EQ(CommandOfKey(mnuSoundPlay, after), mnuSoundPlay + 2);
+    EXPECT_EQ(CommandOfKey(mnuSoundPlay + 1, after), mnuSoundPlay + 1);
 }
 
 TEST(StatusMessage, StandsUntilItsTopicIsOver) {

@@ -119,11 +119,12 @@ void BrowserPane::OpenPath(const std::wstring& path) {
         ShowFolder(path);
         return;
     }
-    const std::size_t end = path.rfind(L'\\');
-    if (end == std::wstring::npos) return;
-    const std::wstring name = path.substr(end + 1);
+    std::u16string folder = FolderOf(Narrow16(path));
+    if (folder.empty()) return;
     // The root of a drive keeps its backslash.
-    if (!ShowFolder(path.substr(0, end == 2 ? 3 : end))) return;
+    if (folder.size() > 3) folder.pop_back();
+    const std::wstring name = Wide(FileNameOf(Narrow16(path)));
+    if (!ShowFolder(Wide(folder))) return;
     m_folderMissing = false;
     if (m_browser.SelectFileNamed(name)) {
         ClickFile();

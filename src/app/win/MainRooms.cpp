@@ -4,11 +4,11 @@
 #include <system_error>
 #include <utility>
 
+#include "app/Captions.h"
 #include "app/Commands.h"
 #include "app/ControlIds.h"
 #include "app/StringIds.h"
 #include "base/FilePath.h"
-#include "base/Text.h"
 #include "data/win/FileIdentity.h"
 
 namespace quillon {
@@ -16,6 +16,7 @@ namespace quillon {
 MainRooms::MainRooms(RoomParts parts)
     : m_parts(std::move(parts)),
       m_document(m_parts.document),
+      m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
       view(m_parts.view),
       playback(m_parts.playback),
       values(m_document, view, m_parts.format, m_parts.settings),
@@ -28,6 +29,7 @@ MainRooms::MainRooms(RoomParts parts)
       dialogs(*this, m_parts) {
     WireGraph();
     WireLists();
+    WireReload();
     WireSound();
     exports.onDialog = [this] { hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
@@ -77,12 +79,26 @@ void MainRooms::WireLists() {
     };
     browser.onClose = [this] { CloseCurrentFile(); };
     browser.onList = [this](bool changed) {
-        m_lookDue = m_lookDue || changed;
+        if (changed) m_reload.Soon();
         UpdateState();
     };
     browser.onLook = [this] { LookAtRecording(true, false); };
     browser.onPathList = [this] { onPathList(); };
     browser.onFailed = [this](const std::exception& error) { onFailed(error); };
+}
+
+void MainRooms::WireReload() {
+    m_reload.stampOf = [](const std::u16string& path) { return StampOf(Wide(path)); };
+    m_reload.isSlow = [this] { return IsRemote(browser.Folder()); };
+    m_reload.onOpen = [this](const std::u16string& name) { OpenFile(Wide(name)); };
+    m_reload.onReloaded = [this] {
+        LeaveBlock();
+        RecordingChanged();
+    };
+    m_reload.onTell = [this](bool loaded, const std::u16string& text) {
+        // A successful reload does not replace a message of another topic; a failed one does.
+        loaded ? status.Offer(StatusBar::Topic::Reload, text) : status.Tell(StatusBar::Topic::Reload, text);
+    };
 }
 
 void MainRooms::WireSound() {
@@ -127,23 +143,7 @@ void MainRooms::Close() {
 }
 
 CommandState MainRooms::State() const {
-    CommandState state;
-    state.fileCount = browser.FileCount();
-    state.filePosition = browser.SelectedPosition();
-    state.channelCount = m_document.Block().channelCount;
-    state.sampleCount = m_document.Block().sampleCount;
-    state.hasMarks = !m_document.Block().marks.empty();
-    state.isSolo = m_document.IsSolo();
-    state.hasSelection = view.Selected().active;
-    state.hasHistory = view.HasHistory();
-    state.zoomX = view.Axis().ZoomIndex();
-    state.scaleY = view.ScaleY();
-    state.spectrogramShown = m_parts.settings.window.spectrogramShown;
-    state.soundDevices = playback.DeviceCount();
-    state.soundDevice = playback.Device();
-    state.playing = playback.IsPlaying();
-    state.helpLanguage = m_parts.settings.helpLanguage;
-    return state;
+    return StateOf(m_document, view, playback, m_parts.settings, browser.FileCount(), browser.SelectedPosition());
 }
 
 void MainRooms::UpdateState() {
@@ -187,33 +187,8 @@ void MainRooms::RecordingChanged() {
 
 void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
     if (longCommand.IsBusy() || longCommand.IsGone() || !IsWindowEnabled(Window())) return;
-    if (!asked) {
-        // Do not interrupt a drag or playback.
-        if (isDragging || graph.HasGesture() || playback.IsPlaying()) return;
-        const bool due = std::exchange(m_lookDue, false) || m_document.ChangePending();
-        if (!due && IsRemote(browser.Folder())) return;
-    }
-    const FileStamp stamp = StampOf(Wide(m_document.LastPath()));
-    if (!m_document.HasChanged(stamp, asked)) return;
-    const std::u16string name = FileNameOf(m_document.File().fileName);
-    if (name.empty()) return OpenFile(Wide(FileNameOf(m_document.LastPath())));
-    playback.Stop();
-    m_kept = view.Keep();
-    const bool loaded = m_document.Reload(stamp);
-    if (loaded) {
-        LeaveBlock();
-        RecordingChanged();
-    }
-    m_kept.reset();
-    // A successful reload does not replace a message of another topic; a failed one does.
-    const std::u16string text = name + u": " + m_parts.services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
-    if (loaded) {
-        status.Offer(StatusBar::Topic::Reload, text);
-    } else {
-        status.Tell(StatusBar::Topic::Reload, text + u": " + m_parts.library.LastErrorText());
-    }
+    m_reload.Look(asked, isDragging || graph.HasGesture());
 } catch (const std::exception& error) {
-    m_kept.reset();
     onFailed(error);
 }
 
@@ -230,16 +205,17 @@ void MainRooms::LeaveBlock() {
 }
 
 void MainRooms::ShowBlock() {
+    const auto& kept = m_reload.Kept();
     view.BlockLoaded();
-    if (m_kept) view.Restore(*m_kept);
+    if (kept) view.Restore(*kept);
     if (m_complete) {
-        recording.FillChannels(m_kept.has_value());
+        recording.FillChannels(kept.has_value());
         values.TellDetails();
     }
-    if (!m_kept) graph.FitScales();
-    ShowCaption();
+    if (!kept) graph.FitScales();
+    SetWindowTextW(Window(), Wide(WindowCaption(m_document.File().fileName, recording.BlockLine())).c_str());
     Refresh();
-    if (m_kept && view.Selected().active) values.TellRange();
+    if (kept && view.Selected().active) values.TellRange();
     if (m_complete) ShowBlockSpectrum();
 }
 
@@ -251,15 +227,6 @@ void MainRooms::ShowBlockSpectrum() {
     spectrogram.Spectrogram_Init(true);
     TellUnreadable(false);
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));
-}
-
-void MainRooms::ShowCaption() const {
-    std::wstring caption = L"Quillon";
-    if (!m_document.File().fileName.empty()) {
-        caption = Wide(FileNameOf(m_document.File().fileName));
-        if (const std::wstring block = recording.BlockTitle(); !block.empty()) caption += L" - [" + block + L"]";
-    }
-    SetWindowTextW(Window(), caption.c_str());
 }
 
 void MainRooms::ChooseChannel() {
@@ -298,18 +265,13 @@ void MainRooms::Refresh(std::int32_t shift) {
 }
 
 void MainRooms::TellUnreadable(bool wholeView) {
-    std::string reason = graph.Failure();
-    if (reason.empty()) reason = spectrogram.Failure();
-    const bool inView = !reason.empty();
-    if (!inView) reason = view.Ranges().Failure();
-    if (!reason.empty()) {
-        const std::u16string text = FileNameOf(m_document.File().fileName) + u": " +
-                                    m_parts.services.Text(inView ? IDS_UNREADABLE : IDS_RANGE_PARTIAL) + u": " +
-                                    Utf16(reason);
-        if (m_unreadable.Found(text, inView)) status.Tell(StatusBar::Topic::Unreadable, text);
-    } else if (wholeView && m_unreadable.Gone()) {
-        status.Retract(StatusBar::Topic::Unreadable);
-    }
+    std::string inView = graph.Failure();
+    if (inView.empty()) inView = spectrogram.Failure();
+    const auto text = m_unreadable.Tell(
+        {FileNameOf(m_document.File().fileName), inView, view.Ranges().Failure(), wholeView}, m_parts.services);
+    if (!text) return;
+    if (text->empty()) return status.Retract(StatusBar::Topic::Unreadable);
+    status.Tell(StatusBar::Topic::Unreadable, *text);
 }
 
 void MainRooms::ShowPanels() {

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "app/CommandState.h"
 #include "app/Commands.h"
 #include "app/ExportCommands.h"
+#include "app/RecordingReload.h"
 #include "app/UnreadableSamples.h"
 #include "app/ValuesReadout.h"
 #include "app/win/BrowserPane.h"
@@ -54,12 +54,9 @@ class MainRooms {
 
     // Recording and block.
     void CloseCurrentFile();
-    /// Reloads the recording at the current view when its file has changed. `asked`: requested by the user, so reload
-    /// at once; else wait until no drag or playback is under way and the file is no longer being written. `isDragging`:
-    /// a splitter, not the view, is being dragged.
+    /// See RecordingReload. `isDragging`: a splitter, not the view, is being dragged.
     void LookAtRecording(bool asked, bool isDragging);
-    /// Makes the next check look at the file even on a slow (network) drive.
-    void LookSoon() { m_lookDue = true; }
+    void LookSoon() { m_reload.Soon(); }
 
     // The view.
     /// Updates the display after a command has changed the view.
@@ -95,6 +92,7 @@ class MainRooms {
   private:
     void WireGraph();
     void WireLists();
+    void WireReload();
     void WireSound();
     void OpenFile(const std::wstring& name);
     void LoadBlock(int index);
@@ -102,7 +100,6 @@ class MainRooms {
     void LeaveBlock();
     void ShowBlock();
     void ShowBlockSpectrum();
-    void ShowCaption() const;
     void ChooseChannel();
     void ShowPosition();
     void ShowPanels();
@@ -114,9 +111,8 @@ class MainRooms {
     RoomParts m_parts;
     Document& m_document;
     bool m_complete = false;
-    bool m_lookDue = false;
-    std::int16_t m_menuChannel = 0;             ///< of the trace nearest to where the context menu opened; 0: none
-    std::optional<WaveformView::State> m_kept;  ///< view to restore after a reload
+    std::int16_t m_menuChannel = 0;  ///< of the trace nearest to where the context menu opened; 0: none
+    RecordingReload m_reload;
     UnreadableSamples m_unreadable;
 
   public:

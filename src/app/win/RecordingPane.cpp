@@ -1,6 +1,5 @@
 #include "app/win/RecordingPane.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "data/ChannelSelection.h"
@@ -21,12 +20,6 @@ void RecordingPane::FillBlocks() {
 void RecordingPane::FillChannels(bool keepsChannel) {
     m_channels.Fill(m_document.Block(), m_document.Slots());
     if (keepsChannel) m_channels.Choose(m_document.CurrentChannel() - 1);
-}
-
-std::wstring RecordingPane::BlockTitle() const {
-    std::wstring title = m_blocks.Text(m_document.File().currentBlockIndex);
-    title.resize(std::min(title.find(L'\t'), title.size()));
-    return title;
 }
 
 void RecordingPane::OnNotify(const NMHDR* header) {

@@ -25,8 +25,10 @@ class RecordingPane {
     void FillBlocks();
     /// Another block is loaded; `keepsChannel`: the current channel is the one of before.
     void FillChannels(bool keepsChannel);
-    /// Title of the loaded block.
-    [[nodiscard]] std::wstring BlockTitle() const;
+    /// The line of the loaded block.
+    [[nodiscard]] std::u16string BlockLine() const {
+        return Narrow16(m_blocks.Text(m_document.File().currentBlockIndex));
+    }
     void ClickBlock() { onBlock(m_blocks.Selected()); }
     /// A notification of the list of channels.
     void OnNotify(const NMHDR* header);

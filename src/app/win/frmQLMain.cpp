@@ -60,9 +60,7 @@ void frmQLMain::Wire() {
         if (list == 1) m_rooms.recording.ShowFocus();
         FocusList(m_window, list);
     };
-    m_keys.onCommand = [this](int command) {
-        OnCommand(command == mnuSoundPlay && m_rooms.playback.IsPlaying() ? mnuSoundPlay + 2 : command);
-    };
+    m_keys.onCommand = [this](int command) { OnCommand(CommandOfKey(command, State())); };
     m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
     m_keys.onPathList = m_rooms.onPathList;
     m_keys.onContextMenu = [this] { m_rooms.OpenContextMenu(); };

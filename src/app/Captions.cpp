@@ -1,0 +1,26 @@
+#include "app/Captions.h"
+
+#include <algorithm>
+
+#include "base/FilePath.h"
+#include "view/Readout.h"
+
+namespace quillon {
+
+std::u16string WindowCaption(const std::u16string& file, const std::u16string& blockLine) {
+    if (file.empty()) return u"Quillon";
+    // Behind the tab stands the number of the block.
+    const std::u16string block = blockLine.substr(0, blockLine.find(u'\t'));
+    return FileNameOf(file) + (block.empty() ? u"" : u" - [" + block + u"]");
+}
+
+std::u16string ImageCaption(const std::u16string& windowCaption, const ViewBlock& block, const TimeAxis& axis,
+                            const FormatOptions& format, const UserServices& services) {
+    const auto place = [&](std::int32_t column) {
+        return PositionText(block, SampleUnder(axis, column), u" ", format);
+    };
+    return windowCaption + u"    " + place(0) + u" \u2013 " + place(std::max(axis.Width() - 1, 0)) + u"    " +
+           services.DateAndTime(block.startTime);
+}
+
+}  // namespace quillon

@@ -1,0 +1,40 @@
+#include "app/RecordingReload.h"
+
+#include <utility>
+
+#include "app/StringIds.h"
+#include "base/FilePath.h"
+
+namespace quillon {
+
+void RecordingReload::Look(bool asked, bool isDragging) {
+    const Document& document = m_parts.document;
+    if (!asked) {
+        // Do not interrupt a drag or playback.
+        if (isDragging || m_parts.playback.IsPlaying()) return;
+        const bool due = std::exchange(m_due, false) || document.ChangePending();
+        if (!due && isSlow()) return;
+    }
+    const FileStamp stamp = stampOf(document.LastPath());
+    if (!m_parts.document.HasChanged(stamp, asked)) return;
+    const std::u16string name = FileNameOf(document.File().fileName);
+    if (name.empty()) return onOpen(FileNameOf(document.LastPath()));
+    try {
+        Reload(stamp, name);
+    } catch (...) {
+        m_kept.reset();
+        throw;
+    }
+}
+
+void RecordingReload::Reload(const FileStamp& stamp, const std::u16string& name) {
+    m_parts.playback.Stop();
+    m_kept = m_parts.view.Keep();
+    const bool loaded = m_parts.document.Reload(stamp);
+    if (loaded) onReloaded();
+    m_kept.reset();
+    const std::u16string text = name + u": " + m_parts.services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
+    onTell(loaded, loaded ? text : text + u": " + m_parts.library.LastErrorText());
+}
+
+}  // namespace quillon
