@@ -1,9 +1,12 @@
 #include "app/win/DialogCommands.h"
 
-#include <algorithm>
-
+#include "app/Captions.h"
 #include "app/StringIds.h"
-#include "app/win/MainRooms.h"
+#include "app/win/GraphPane.h"
+#include "app/win/HoverCapture.h"
+#include "app/win/LongCommand.h"
+#include "app/win/SpectrogramPane.h"
+#include "app/win/StatusBar.h"
 #include "app/win/ViewDialogs.h"
 #include "dialogs/win/dlgOptions.h"
 #include "dialogs/win/dlgSplit.h"
@@ -15,81 +18,73 @@
 namespace quillon {
 
 void DialogCommands::GoToPlace() {
-    const std::int32_t present = SampleUnder(m_rooms.view.Axis(), 0);
+    const std::int32_t present = SampleUnder(m_shared.view.Axis(), 0);
     const std::optional<std::u16string> answer =
-        AskForPlace(m_rooms.longCommand.Window(), PositionText(m_parts.document.Block(), present, u" ", m_parts.format),
-                    m_parts.services);
-    if (!answer || m_rooms.longCommand.IsGone() || m_parts.document.Block().sampleCount == 0) return;
-    const std::optional<std::int32_t> sample =
-        ParsePosition(*answer, m_parts.document.Block(), m_parts.format, present);
+        AskForPlace(m_parts.window.Window(), PositionText(Block(), present, u" ", m_shared.format), m_shared.services);
+    if (!answer || m_parts.window.IsGone() || Block().sampleCount == 0) return;
+    const std::optional<std::int32_t> sample = ParsePosition(*answer, Block(), m_shared.format, present);
     if (!sample) {
-        m_rooms.status.Tell(StatusBar::Topic::Place, *answer + u": " + m_parts.services.Text(IDS_PLACE_BAD));
+        m_parts.status.Tell(StatusBar::Topic::Place, *answer + u": " + m_shared.services.Text(IDS_PLACE_BAD));
         return;
     }
-    m_rooms.status.Tell(StatusBar::Topic::Outcome, {});
-    m_rooms.GoTo(*sample);
+    m_parts.status.Tell(StatusBar::Topic::Outcome, {});
+    onGoTo(*sample);
 }
 
 void DialogCommands::Statistics() {
-    const ReadoutSource source{m_parts.document.Block(), m_parts.document.Slots(), m_parts.format,
-                               m_rooms.view.RawCodes()};
-    ShowStatistics(m_rooms.longCommand.Window(), source, m_rooms.view.Selected(), m_parts.services);
+    const ReadoutSource source{Block(), m_shared.document.Slots(), m_shared.format, m_shared.view.RawCodes()};
+    ShowStatistics(m_parts.window.Window(), source, m_shared.view.Selected(), m_shared.services);
 }
 
 void DialogCommands::Options() {
-    m_rooms.hover.End();
-    Settings& settings = m_parts.settings;
+    m_parts.hover.End();
+    Settings& settings = m_shared.settings;
     const OptionsCalls calls{
-        [this](HWND, std::u16string& name) { return FastExportDialog(m_parts.saveDialog, m_parts.services, name); },
-        [this](HWND) { m_rooms.onHelp(); }};
-    dlgOptions dialog(m_parts.services, calls, m_parts.format, m_parts.document.Block().sampleRate);
+        [this](HWND, std::u16string& name) { return FastExportDialog(m_shared.saveDialog, m_shared.services, name); },
+        [this](HWND) { onHelp(); }};
+    dlgOptions dialog(m_shared.services, calls, m_shared.format, Block().sampleRate);
     const std::optional<OptionChanges> changes =
-        dialog.Show(m_rooms.longCommand.Window(), {settings.display, settings.text, settings.spectrum});
-    if (!changes || m_rooms.longCommand.IsGone()) return;
-    const bool codesBefore = m_rooms.view.RawCodes();
-    m_parts.applySettings();
+        dialog.Show(m_parts.window.Window(), {settings.display, settings.text, settings.spectrum});
+    if (!changes || m_parts.window.IsGone()) return;
+    const bool codesBefore = m_shared.view.RawCodes();
+    m_shared.applySettings();
     // Codes and values have scales of their own.
-    if (m_rooms.view.RawCodes() != codesBefore) m_rooms.graph.FitScales();
-    if (changes->initSpectrogram) m_rooms.spectrogram.Prepare();
-    if (changes->buildPalette) m_rooms.spectrogram.BuildPalette();
-    if (changes->buildWindow) m_rooms.spectrogram.BuildWindow();
-    if (changes->setOrder) m_rooms.spectrogram.SetOrder(settings.spectrum.order);
-    if (changes->initSpectrogram) m_rooms.spectrogram.Spectrogram_Init(true);
-    m_rooms.Refresh();
+    if (m_shared.view.RawCodes() != codesBefore) m_parts.graph.FitScales();
+    if (changes->initSpectrogram) m_parts.spectrogram.Prepare();
+    if (changes->buildPalette) m_parts.spectrogram.BuildPalette();
+    if (changes->buildWindow) m_parts.spectrogram.BuildWindow();
+    if (changes->setOrder) m_parts.spectrogram.SetOrder(settings.spectrum.order);
+    if (changes->initSpectrogram) m_parts.spectrogram.Spectrogram_Init(true);
+    onRedraw();
 }
 
 void DialogCommands::Split() {
-    m_rooms.hover.End();
-    if (m_rooms.playback.IsPlaying()) m_rooms.playback.Stop();
-    m_rooms.RunBusy([&] {
-        ShowSplitDialog(m_rooms.longCommand.Window(), {m_parts.document.Block().block, m_parts.document.File().fileName,
-                                                       m_parts.settings.split, m_parts.exporter, m_parts.services,
-                                                       m_parts.format.decimalSeparator, [this] { m_rooms.onHelp(); }});
+    m_parts.hover.End();
+    if (m_shared.playback.IsPlaying()) m_shared.playback.Stop();
+    onWork([&] {
+        ShowSplitDialog(m_parts.window.Window(),
+                        {Block().block, m_shared.document.File().fileName, m_shared.settings.split, m_shared.exporter,
+                         m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(); }});
     });
     // The folder watch does not report new subfolders.
-    if (!m_rooms.longCommand.IsGone()) m_rooms.browser.FilesChanged();
+    if (!m_parts.window.IsGone()) onFiles();
 }
 
 void DialogCommands::CopyImage() {
-    m_rooms.hover.End();
+    m_parts.hover.End();
     // The playback line does not belong in a copied image.
-    m_rooms.graph.ShowPlayLine(0);
-    const bool hasSpectrogram = m_parts.settings.window.spectrogramShown;
-    const ImageWindows windows{m_rooms.graph.ScaleY(), m_rooms.graph.Graph(),
-                               hasSpectrogram ? m_rooms.spectrogram.Scale() : nullptr,
-                               hasSpectrogram ? m_rooms.spectrogram.Picture() : nullptr, m_rooms.graph.ScaleX()};
-    const TimeAxis& axis = m_rooms.view.Axis();
-    const auto place = [&](std::int32_t column) {
-        return PositionText(m_parts.document.Block(), SampleUnder(axis, column), u" ", m_parts.format);
-    };
-    const std::u16string caption = Narrow16(WindowText(m_rooms.longCommand.Window())) + u"    " + place(0) +
-                                   u" \u2013 " + place(std::max(axis.Width() - 1, 0)) + u"    " +
-                                   m_parts.services.DateAndTime(m_parts.document.Block().startTime);
+    m_parts.graph.ShowPlayLine(0);
+    const bool hasSpectrogram = m_shared.settings.window.spectrogramShown;
+    const ImageWindows windows{m_parts.graph.ScaleY(), m_parts.graph.Graph(),
+                               hasSpectrogram ? m_parts.spectrogram.Scale() : nullptr,
+                               hasSpectrogram ? m_parts.spectrogram.Picture() : nullptr, m_parts.graph.ScaleX()};
+    const std::u16string caption = ImageCaption(Narrow16(WindowText(m_parts.window.Window())), Block(),
+                                                m_shared.view.Axis(), m_shared.format, m_shared.services);
     // The caption strip has the same height at any screen density.
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
     const bool done = ImageCopy(windows, font.Get(), caption, kClipboardTarget);
-    m_rooms.graph.ShowPlayLine(m_rooms.playback.Position());
-    m_rooms.status.Tell(StatusBar::Topic::Outcome, m_parts.services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
+    m_parts.graph.ShowPlayLine(m_shared.playback.Position());
+    m_parts.status.Tell(StatusBar::Topic::Outcome, m_shared.services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
 }
 
 }  // namespace quillon

@@ -1,16 +1,38 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
+
 #include "app/win/RoomParts.h"
 
 namespace quillon {
 
-class MainRooms;
+class GraphPane;
+class HoverCapture;
+class LongCommand;
+class SpectrogramPane;
+class StatusBar;
 
 /// Commands that open a dialog or combine data of several components.
 class DialogCommands {
   public:
-    /// Both arguments must outlive this object.
-    DialogCommands(MainRooms& rooms, const RoomParts& parts) : m_rooms(rooms), m_parts(parts) {}
+    /// The rooms that it works with, and what all rooms share; all must outlive it.
+    struct Parts {
+        const RoomParts& shared;
+        GraphPane& graph;
+        SpectrogramPane& spectrogram;
+        HoverCapture& hover;
+        StatusBar& status;
+        const LongCommand& window;
+    };
+    explicit DialogCommands(const Parts& parts) : m_parts(parts), m_shared(parts.shared) {}
+
+    // To be set by the owner.
+    std::function<void()> onHelp;                                   ///< the user asked for help in a dialog
+    std::function<void(std::int32_t sample)> onGoTo;                ///< request to show a sample
+    std::function<void()> onRedraw;                                 ///< the settings have changed
+    std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that no command may interrupt
+    std::function<void()> onFiles;                                  ///< files may have been written
 
     void GoToPlace();
     void Statistics();
@@ -20,8 +42,10 @@ class DialogCommands {
     void CopyImage();
 
   private:
-    MainRooms& m_rooms;
-    const RoomParts& m_parts;
+    [[nodiscard]] const ViewBlock& Block() const { return m_shared.document.Block(); }
+
+    Parts m_parts;
+    const RoomParts& m_shared;
 };
 
 }  // namespace quillon

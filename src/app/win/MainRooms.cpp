@@ -26,11 +26,20 @@ MainRooms::MainRooms(RoomParts parts)
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
-      dialogs(*this, m_parts) {
+      dialogs({m_parts, graph, spectrogram, hover, status, longCommand}) {
     WireGraph();
     WireLists();
     WireReload();
     WireSound();
+    WireDialogs();
+}
+
+void MainRooms::WireDialogs() {
+    dialogs.onHelp = [this] { onHelp(); };
+    dialogs.onGoTo = [this](std::int32_t sample) { GoTo(sample); };
+    dialogs.onRedraw = [this] { Refresh(); };
+    dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
+    dialogs.onFiles = [this] { browser.FilesChanged(); };
     exports.onDialog = [this] { hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
     exports.onPending = [this] { return longCommand.StayAlive(); };

@@ -93,6 +93,7 @@ class MainRooms {
     void WireGraph();
     void WireLists();
     void WireReload();
+    void WireDialogs();
     void WireSound();
     void OpenFile(const std::wstring& name);
     void LoadBlock(int index);
