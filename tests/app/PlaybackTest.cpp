@@ -6,6 +6,7 @@
 #include "app/Commands.h"
 #include "app/Settings.h"
 #include "app/StatusMessage.h"
+#include "app/ViewCommands.h"
 #include "support/ViewFixture.h"
 
 namespace quillon {
@@ -93,25 +94,27 @@ TEST_F(PlaybackTest, WhatIsSelectedOrSeenIsPlayedAndRefusalsAreTold) {
     EXPECT_EQ(failures, 1);
 }
 
-TEST_F(PlaybackTest, TheStateOfCommandsIsThatOfTheRooms) {
-    Settings settings;
-    const auto state = [&] { return StateOf(m_document, m_view, m_playback, settings, 4, 2); };
-    const CommandState before = state();
-    EXPECT_EQ(std::tuple(before.fileCount, before.filePosition, before.channelCount, before.sampleCount),
-              std::tuple(4, 2, 2, 100000));
-    EXPECT_TRUE(before.hasMarks);
-    EXPECT_FALSE(before.hasSelection || before.hasHistory || before.playing || before.isSolo);
-    EXPECT_EQ(CommandOfKey(mnuSoundPlay, before), mnuSoundPlay);
-    m_view.SelectZoomX(3);
-    m_view.SelectBlock();
-    m_document.Solo(std::int16_t{1});
-    Play(1);
-    const CommandState after = state();
-    EXPECT_TRUE(after.hasSelection && after.hasHistory && after.playing && after.isSolo);
-    EXPECT_EQ(std::pair(after.zoomX, after.scaleY), std::pair(3, m_view.ScaleY()));
-    // The key that plays stops, those beside it do what they say.
-    EXPECT_EQ(CommandOfKey(mnuSoundPlay, after), mnuSoundPlay + 2);
-    EXPECT_EQ(CommandOfKey(mnuSoundPlay + 1, after), mnuSoundPlay + 1);
+TEST_F(PlaybackTest, CommandsOnViewAndSelectionRespectTheSoundAndADrag) {
+    ViewCommands commands{m_document, m_view, m_playback};
+    bool dragEnded = false;
+    commands.onChange = [](const ViewChange&) {};
+    commands.onSelect = [&] { dragEnded = m_view.Selected().active; };
+    // A column moves the view, or the end of a selection; more columns always move the view.
+    commands.MoveView({1, 0});
+    m_view.Select(100, 200);
+    commands.MoveView({-1, 0});
+    EXPECT_EQ(std::pair(m_view.Selected().end, m_axis.FirstColumn()), std::pair(199, 1));
+    commands.MoveView({20, 0});
+    EXPECT_EQ(std::pair(m_view.Selected().end, m_axis.FirstColumn()), std::pair(199, 21));
+    // The key that plays stops, and so does what removes the selection, which it leaves then.
+    Play(100);
+    const CommandState state = StateOf(m_document, m_view, m_playback, Settings(), 0, -1);
+    EXPECT_EQ(CommandOfKey(mnuSoundPlay, state), mnuSoundPlay + 2);
+    EXPECT_EQ(CommandOfKey(mnuSoundPlay + 1, state), mnuSoundPlay + 1);
+    commands.Select(2);
+    EXPECT_TRUE(!m_playback.IsPlaying() && m_view.Selected().active && !dragEnded);
+    commands.Select(2);
+    EXPECT_TRUE(dragEnded && !m_view.Selected().active) << "the drag ends while its selection stands";
 }
 
 TEST(StatusMessage, StandsUntilItsTopicIsOver) {

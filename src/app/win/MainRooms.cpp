@@ -17,47 +17,35 @@ MainRooms::MainRooms(RoomParts parts)
     : m_parts(std::move(parts)),
       m_document(m_parts.document),
       m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
+      m_values(m_document, m_parts.view, m_parts.format, m_parts.settings),
       view(m_parts.view),
       playback(m_parts.playback),
-      values(m_document, view, m_parts.format, m_parts.settings),
-      graph(m_document, view, playback, m_parts.settings.display, m_parts.format, hover, m_parts.foldOrigin),
-      spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, hover),
+      commands(m_document, view, playback),
+      graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
+      spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
       recording(m_document),
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
-      dialogs({m_parts, graph, spectrogram, hover, status, longCommand}) {
+      dialogs({m_parts, graph, spectrogram, m_hover, status, longCommand}) {
     WireGraph();
     WireLists();
-    WireReload();
     WireSound();
-    WireDialogs();
-}
-
-void MainRooms::WireDialogs() {
-    dialogs.onHelp = [this] { onHelp(); };
-    dialogs.onGoTo = [this](std::int32_t sample) { GoTo(sample); };
-    dialogs.onRedraw = [this] { Refresh(); };
-    dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
-    dialogs.onFiles = [this] { browser.FilesChanged(); };
-    exports.onDialog = [this] { hover.End(); };
-    exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
-    exports.onPending = [this] { return longCommand.StayAlive(); };
-    exports.isGone = [this] { return longCommand.IsGone(); };
+    WireCommands();
 }
 
 void MainRooms::WireGraph() {
-    hover.onEnd = [this] { graph.HideCursor(); };
+    m_hover.onEnd = [this] { graph.HideCursor(); };
     graph.onChange = [this](const ViewChange& change) { ViewChanged(change); };
-    graph.onSelectionStart = [this] { values.SelectionStarted(); };
+    graph.onSelectionStart = [this] { m_values.SelectionStarted(); };
     graph.onSelectionEnd = [this] {
-        values.SelectionChanged(false);
+        m_values.SelectionChanged(false);
         UpdateState();
     };
-    graph.onHover = [this](std::int32_t sample, const std::u16string& mark) { values.TellHover(sample, mark); };
+    graph.onHover = [this](std::int32_t sample, const std::u16string& mark) { m_values.TellHover(sample, mark); };
     graph.onBand = [this](CommonBand which, const auto& band) { spectrogram.ShowBand(which, band); };
     graph.onContextMenu = [this](POINT screen, std::int16_t channel) {
-        m_menuChannel = channel;
+        commands.SetMenuChannel(channel);
         onContextMenu(screen);
     };
     graph.onZoom = [this](int index) { onCommand(mnuZoomX + index); };
@@ -66,7 +54,7 @@ void MainRooms::WireGraph() {
     graph.onFailed = [this](const std::exception& error) { onFailed(error); };
     spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
         graph.ShowCursor(BandOf(view.Axis(), {sample - 1, 1}));
-        values.TellSpectrum(text);
+        m_values.TellSpectrum(text);
     };
     spectrogram.onBusy = graph.onBusy;
     spectrogram.onPointer = [this] { return graph.Pointer(); };
@@ -78,9 +66,9 @@ void MainRooms::WireLists() {
     recording.onBlock = [this](int index) { LoadBlock(index); };
     recording.onShown = [this] { Refresh(); };
     recording.onChannel = [this] { ChooseChannel(); };
-    values.onText = [this](const std::u16string& text) {
-        valuesPanel.Text(text);
-        valuesPanel.Refresh();
+    m_values.onText = [this](const std::u16string& text) {
+        m_valuesPanel.Text(text);
+        m_valuesPanel.Refresh();
     };
     browser.onFile = [this](const std::wstring& name) {
         OpenFile(name);
@@ -94,9 +82,6 @@ void MainRooms::WireLists() {
     browser.onLook = [this] { LookAtRecording(true, false); };
     browser.onPathList = [this] { onPathList(); };
     browser.onFailed = [this](const std::exception& error) { onFailed(error); };
-}
-
-void MainRooms::WireReload() {
     m_reload.stampOf = [](const std::u16string& path) { return StampOf(Wide(path)); };
     m_reload.isSlow = [this] { return IsRemote(browser.Folder()); };
     m_reload.onOpen = [this](const std::u16string& name) { OpenFile(Wide(name)); };
@@ -118,6 +103,22 @@ void MainRooms::WireSound() {
     playback.onFailed = [this](const std::exception& error) { onFailed(error); };
 }
 
+void MainRooms::WireCommands() {
+    commands.onChange = [this](const ViewChange& change) { ViewChanged(change); };
+    commands.onHistory = [this] { UpdateState(); };
+    commands.onSelect = [this] { graph.EndSelecting(); };
+    commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
+    dialogs.onHelp = [this] { onHelp(); };
+    dialogs.onGoTo = [this](std::int32_t sample) { commands.GoTo(sample); };
+    dialogs.onRedraw = [this] { Refresh(); };
+    dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
+    dialogs.onFiles = [this] { browser.FilesChanged(); };
+    exports.onDialog = [this] { m_hover.End(); };
+    exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
+    exports.onPending = [this] { return longCommand.StayAlive(); };
+    exports.isGone = [this] { return longCommand.IsGone(); };
+}
+
 void MainRooms::CreateFirst(HWND window) {
     if (!graph.CreateGraph(window))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "graph");
@@ -130,7 +131,7 @@ void MainRooms::CreateRest(HFONT font, int dpi) {
     const HWND window = Window();
     recording.Attach(GetDlgItem(window, lstBlock), GetDlgItem(window, lvCh), dpi);
     browser.Attach(window, dpi);
-    if (!graph.CreateRest(window) || !valuesPanel.Create(window, pnValues) || !spectrogram.Create(window))
+    if (!graph.CreateRest(window) || !m_valuesPanel.Create(window, pnValues) || !spectrogram.Create(window))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
     status.Attach(GetDlgItem(window, sbInfo), font, dpi);
     m_complete = true;
@@ -140,7 +141,7 @@ void MainRooms::CreateRest(HFONT font, int dpi) {
 
 void MainRooms::ShowAll() {
     recording.FillChannels(false);
-    values.TellDetails();
+    m_values.TellDetails();
     Refresh();
     ShowBlockSpectrum();
 }
@@ -206,7 +207,7 @@ void MainRooms::LeaveBlock() {
     graph.LeaveBlock();
     spectrogram.LeaveBlock();
     view.LeaveBlock();
-    m_menuChannel = 0;
+    commands.SetMenuChannel(0);
     m_unreadable = {};
     // What was told of the file that goes.
     for (const auto topic : {StatusBar::Topic::Unreadable, StatusBar::Topic::Refusal, StatusBar::Topic::Reload})
@@ -219,12 +220,12 @@ void MainRooms::ShowBlock() {
     if (kept) view.Restore(*kept);
     if (m_complete) {
         recording.FillChannels(kept.has_value());
-        values.TellDetails();
+        m_values.TellDetails();
     }
     if (!kept) graph.FitScales();
     SetWindowTextW(Window(), Wide(WindowCaption(m_document.File().fileName, recording.BlockLine())).c_str());
     Refresh();
-    if (kept && view.Selected().active) values.TellRange();
+    if (kept && view.Selected().active) m_values.TellRange();
     if (m_complete) ShowBlockSpectrum();
 }
 
@@ -243,7 +244,7 @@ void MainRooms::ChooseChannel() {
     spectrogram.ChooseChannel();
     spectrogram.Spectrogram_Draw(true);
     TellUnreadable(false);
-    values.KeepTrue();
+    m_values.KeepTrue();
 }
 
 // The view.
@@ -253,7 +254,7 @@ void MainRooms::ViewChanged(const ViewChange& change) {
     playback.ViewChanged(change);
     if (!change.selection) return;
     graph.ShowSelection();
-    values.SelectionChanged(true);
+    m_values.SelectionChanged(true);
     UpdateState();
 }
 
@@ -266,8 +267,8 @@ void MainRooms::Refresh(std::int32_t shift) {
     TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
     UpdateState();
     if (!m_complete) return;
-    values.SelectionChanged(false);
-    values.KeepTrue();
+    m_values.SelectionChanged(false);
+    m_values.KeepTrue();
     ShowPanels();
     graph.HoverAgain();
     spectrogram.HoverAgain();
@@ -289,33 +290,6 @@ void MainRooms::ShowPanels() {
         m_parts.services));
 }
 
-void MainRooms::MoveView(const Move& move) {
-    const bool movesSelection = std::abs(move.columns) == 1 && view.Selected().active;
-    ViewChanged(movesSelection ? view.MoveSelectionEnd(move.columns) : view.Move(move.columns, move.rows));
-}
-
-void MainRooms::ChangeView(int index) {
-    ViewChanged(index == 0 ? view.FitSelection() : index == 1 ? view.FitBlock() : view.Back());
-    // Even without a change of the view Back() may have emptied the history, which disables the command.
-    UpdateState();
-}
-
-void MainRooms::GoToMark(bool next) {
-    if (const std::optional<std::int32_t> sample = view.MarkFrom(next)) GoTo(*sample);
-}
-
-void MainRooms::GoTo(std::int32_t sample) {
-    ViewChanged(view.GoTo(sample));
-    // The readout shows the sample where the view could not scroll to it.
-    graph.ShowSample(sample);
-}
-
-void MainRooms::Select(int index) {
-    if (index == 2 && playback.IsPlaying()) return playback.Stop();
-    graph.EndSelecting();
-    ViewChanged(index == 0 ? view.SelectBlock() : index == 1 ? view.SelectVisible() : view.Deselect());
-}
-
 void MainRooms::ShowSpectrogram() {
     m_parts.settings.window.spectrogramShown = !m_parts.settings.window.spectrogramShown;
     spectrogram.Spectrogram_Init(false);
@@ -325,15 +299,10 @@ void MainRooms::ShowSpectrogram() {
 
 // Sound and long commands.
 
-void MainRooms::SoundPlay(int index) {
-    if (index == 2) return playback.Stop();
-    playback.Play(index == 1 ? std::int16_t{0} : MenuChannel());
-}
-
 void MainRooms::OpenContextMenu() {
     RECT place{};
     GetWindowRect(graph.Graph(), &place);
-    ForgetMenuChannel();
+    commands.SetMenuChannel(0);
     onContextMenu({place.left, place.top});
 }
 
@@ -358,7 +327,7 @@ void MainRooms::RunBusy(const std::function<void()>& work) {
 }
 
 void MainRooms::RunLong(const std::function<void()>& work) {
-    hover.End();
+    m_hover.End();
     graph.EndGesture();
     // Playback position messages would replace the messages of the work.
     playback.Stop();

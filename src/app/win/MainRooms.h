@@ -5,11 +5,11 @@
 #include <string>
 
 #include "app/CommandState.h"
-#include "app/Commands.h"
 #include "app/ExportCommands.h"
 #include "app/RecordingReload.h"
 #include "app/UnreadableSamples.h"
 #include "app/ValuesReadout.h"
+#include "app/ViewCommands.h"
 #include "app/win/BrowserPane.h"
 #include "app/win/DialogCommands.h"
 #include "app/win/GraphPane.h"
@@ -63,38 +63,19 @@ class MainRooms {
     void ViewChanged(const ViewChange& change);
     /// Redraws everything. A shift means that the view was only scrolled, by that many columns, since the last drawing.
     void Refresh(std::int32_t shift = 0);
-    void MoveView(const Move& move);
-    /// 0 fit the selection, 1 fit the block, 2 previous view.
-    void ChangeView(int index);
-    void GoToMark(bool next);
-    /// Scrolls to a sample and shows its readout.
-    void GoTo(std::int32_t sample);
-    /// 0 the block, 1 the visible range, 2 nothing; during playback, 2 only stops it.
-    void Select(int index);
     void ShowSpectrogram();
 
-    /// Runs work during which no other command may run and neither the file nor the window may be closed.
-    void RunBusy(const std::function<void()>& work);
-
-    // Sound.
-    /// 0 the channel of the menu or the current one, 1 all, 2 stop.
-    void SoundPlay(int index);
-    [[nodiscard]] std::int16_t MenuChannel() const {
-        return m_menuChannel != 0 ? m_menuChannel : m_document.CurrentChannel();
-    }
-    /// Called for commands that do not come from the context menu: they apply to the current channel.
-    void ForgetMenuChannel() { m_menuChannel = 0; }
     /// Opens the context menu at the corner of the graph.
     void OpenContextMenu();
     /// Ends the readout under the pointer.
-    void EndHover() { hover.End(); }
+    void EndHover() { m_hover.End(); }
+    [[nodiscard]] const std::u16string& ValuesText() const { return m_valuesPanel.Text(); }
 
   private:
     void WireGraph();
     void WireLists();
-    void WireReload();
-    void WireDialogs();
     void WireSound();
+    void WireCommands();
     void OpenFile(const std::wstring& name);
     void LoadBlock(int index);
     void RecordingChanged();
@@ -105,25 +86,27 @@ class MainRooms {
     void ShowPosition();
     void ShowPanels();
     void TellUnreadable(bool wholeView);
-    /// Runs long work; meanwhile the window ignores input.
+    /// Runs work during which no other command may run and neither the file nor the window may be closed.
+    void RunBusy(const std::function<void()>& work);
+    /// The same for work that no dialog shows: gestures, readout and playback end before.
     void RunLong(const std::function<void()>& work);
     [[nodiscard]] HWND Window() const { return longCommand.Window(); }
 
     RoomParts m_parts;
     Document& m_document;
     bool m_complete = false;
-    std::int16_t m_menuChannel = 0;  ///< of the trace nearest to where the context menu opened; 0: none
     RecordingReload m_reload;
     UnreadableSamples m_unreadable;
+    HoverCapture m_hover;
+    ValuesReadout m_values;
+    Panel m_valuesPanel;
 
   public:
     WaveformView& view;
     Playback& playback;
     StatusBar status;
     LongCommand longCommand;
-    HoverCapture hover;
-    ValuesReadout values;
-    Panel valuesPanel;
+    ViewCommands commands;
     GraphPane graph;
     SpectrogramPane spectrogram;
     RecordingPane recording;

@@ -355,7 +355,7 @@ void frmQLMain::ShowContextMenu(POINT screen) {
     const int chosen = m_menu.ShowContextMenu(m_window, screen);
     if (m_window == nullptr) return;
     if (chosen != 0) OnCommand(chosen);
-    m_rooms.ForgetMenuChannel();
+    m_rooms.commands.SetMenuChannel(0);
 }
 
 // Focus and mouse.

@@ -40,7 +40,7 @@ class frmQLMain {
     /// What the commands can do now.
     [[nodiscard]] CommandState State() const { return m_rooms.State(); }
     /// What the values panel shows.
-    [[nodiscard]] const std::u16string& ValuesText() const { return m_rooms.valuesPanel.Text(); }
+    [[nodiscard]] const std::u16string& ValuesText() const { return m_rooms.ValuesText(); }
     /// Opens a file or folder by its full path, as if it had been chosen in the lists.
     void OpenPath(const std::wstring& path) { m_rooms.browser.OpenPath(path); }
     /// Handles a key of the graph or Tab navigation; true when the message must not be dispatched further.

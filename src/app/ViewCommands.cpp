@@ -1,0 +1,39 @@
+#include "app/ViewCommands.h"
+
+#include <cstdlib>
+
+namespace quillon {
+
+void ViewCommands::MoveView(const Move& move) {
+    const bool movesSelection = std::abs(move.columns) == 1 && m_view.Selected().active;
+    onChange(movesSelection ? m_view.MoveSelectionEnd(move.columns) : m_view.Move(move.columns, move.rows));
+}
+
+void ViewCommands::ChangeView(int index) {
+    onChange(index == 0 ? m_view.FitSelection() : index == 1 ? m_view.FitBlock() : m_view.Back());
+    // Even without a change of the view Back() may have emptied the history, which disables the command.
+    onHistory();
+}
+
+void ViewCommands::GoToMark(bool next) {
+    if (const std::optional<std::int32_t> sample = m_view.MarkFrom(next)) GoTo(*sample);
+}
+
+void ViewCommands::GoTo(std::int32_t sample) {
+    onChange(m_view.GoTo(sample));
+    // The readout shows the sample where the view could not scroll to it.
+    onReadout(sample);
+}
+
+void ViewCommands::Select(int index) {
+    if (index == 2 && m_playback.IsPlaying()) return m_playback.Stop();
+    onSelect();
+    onChange(index == 0 ? m_view.SelectBlock() : index == 1 ? m_view.SelectVisible() : m_view.Deselect());
+}
+
+void ViewCommands::Play(int index) {
+    if (index == 2) return m_playback.Stop();
+    m_playback.Play(index == 1 ? std::int16_t{0} : MenuChannel());
+}
+
+}  // namespace quillon
