@@ -111,6 +111,10 @@ KeyPlace KeyPlaceOf(int control) {
     }
 }
 
+bool ReturnsKeyboard(int control) {
+    return control == lstFile || control == lstBlock || control == lvCh || control == tabPath || control == tabFile;
+}
+
 std::optional<GraphZone> WheelZoneOf(int control) {
     switch (control) {
         case pbGraph: return GraphZone::Traces;

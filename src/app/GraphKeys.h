@@ -58,6 +58,9 @@ struct KeyBinding {
 /// Key context of the focused control of the main window; 0: the window itself.
 [[nodiscard]] KeyPlace KeyPlaceOf(int control);
 
+/// Whether a click on a control leaves the keyboard with the graph.
+[[nodiscard]] bool ReturnsKeyboard(int control);
+
 /// Wheel zone of a control; none for controls that do not belong to the graph.
 [[nodiscard]] std::optional<GraphZone> WheelZoneOf(int control);
 

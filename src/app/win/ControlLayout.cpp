@@ -104,9 +104,16 @@ bool ControlLayout::SetPointer() const {
     return true;
 }
 
-void ControlLayout::Press(int x, int y) {
-    m_drag = SplitterAt(m_layout, x, y);
-    if (IsDragging()) SetCapture(m_window);
+bool ControlLayout::OnMouse(UINT message, int x, int y) {
+    if (message == WM_MOUSEMOVE) return Move(x, y);
+    if (message == WM_LBUTTONDOWN) {
+        m_drag = SplitterAt(m_layout, x, y);
+        if (IsDragging()) SetCapture(m_window);
+    } else if (IsDragging()) {
+        m_drag = Splitter::None;
+        if (message == WM_LBUTTONUP) ReleaseCapture();
+    }
+    return false;
 }
 
 bool ControlLayout::Move(int x, int y) {
@@ -117,10 +124,10 @@ bool ControlLayout::Move(int x, int y) {
     return true;
 }
 
-void ControlLayout::Release(bool released) {
-    if (!IsDragging()) return;
-    m_drag = Splitter::None;
-    if (released) ReleaseCapture();
+void ControlLayout::OnPaint() const {
+    PAINTSTRUCT paint{};
+    PaintFocus(BeginPaint(m_window, &paint));
+    EndPaint(m_window, &paint);
 }
 
 void ControlLayout::PaintFocus(HDC dc) const {

@@ -26,15 +26,15 @@ class ControlLayout {
     [[nodiscard]] bool IsDragging() const { return m_drag != Splitter::None; }
     /// Sets the shape of the pointer over a splitter; false elsewhere.
     [[nodiscard]] bool SetPointer() const;
-    void Press(int x, int y);
-    /// True when a splitter has moved.
-    bool Move(int x, int y);
-    void Release(bool released);
-    /// Frames the list or graph that has the focus, in the gap around it.
-    void PaintFocus(HDC dc) const;
+    /// A message of the left mouse button, of a move or of a lost capture. True when a splitter has moved.
+    bool OnMouse(UINT message, int x, int y);
+    /// Paints the window: frames the list or graph that has the focus, in the gap around it.
+    void OnPaint() const;
 
   private:
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
+    bool Move(int x, int y);
+    void PaintFocus(HDC dc) const;
     /// Current heights and widths of the controls or, before they exist, the ones they will have.
     void MeasureControls(LayoutInput& input) const;
     void ExpectBars(LayoutInput& input) const;

@@ -119,7 +119,7 @@ void GraphPane::Refresh(std::int32_t shift) {
     // The first recording is open before the graph has a size.
     if (!m_view.HasFittedScales()) FitScales();
     if (HasSamples()) {
-        HideCursor();
+        ShowCursor(std::nullopt);
         ShowSelection();
         ShowPlayLine(m_playback.Position());
         if (shift != 0) {

@@ -63,7 +63,6 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void ShowSelection();
     /// The playback line at a sample from 1; 0 hides it.
     void ShowPlayLine(std::int32_t sample);
-    void HideCursor() { ShowCursor(std::nullopt); }
     void ShowCursor(const std::optional<ColumnBand>& band);
     /// Shows the readout of a sample, independent of the pointer.
     void ShowSample(std::int32_t sample);

@@ -9,6 +9,7 @@
 #include "app/ControlIds.h"
 #include "app/StringIds.h"
 #include "base/FilePath.h"
+#include "base/SystemText.h"
 #include "data/win/FileIdentity.h"
 
 namespace quillon {
@@ -35,7 +36,7 @@ MainRooms::MainRooms(RoomParts parts)
 }
 
 void MainRooms::WireGraph() {
-    m_hover.onEnd = [this] { graph.HideCursor(); };
+    m_hover.onEnd = [this] { graph.ShowCursor(std::nullopt); };
     graph.onChange = [this](const ViewChange& change) { ViewChanged(change); };
     graph.onSelectionStart = [this] { m_values.SelectionStarted(); };
     graph.onSelectionEnd = [this] {
@@ -51,7 +52,7 @@ void MainRooms::WireGraph() {
     graph.onZoom = [this](int index) { onCommand(mnuZoomX + index); };
     graph.onZoomMenu = [this](HWND control) { onZoomMenu(control); };
     graph.onBusy = [this] { return longCommand.IsBusy(); };
-    graph.onFailed = [this](const std::exception& error) { onFailed(error); };
+    graph.onFailed = [this](const std::exception& error) { Failed(error); };
     spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
         graph.ShowCursor(BandOf(view.Axis(), {sample - 1, 1}));
         m_values.TellSpectrum(text);
@@ -81,7 +82,7 @@ void MainRooms::WireLists() {
     };
     browser.onLook = [this] { LookAtRecording(true, false); };
     browser.onPathList = [this] { onPathList(); };
-    browser.onFailed = [this](const std::exception& error) { onFailed(error); };
+    browser.onFailed = [this](const std::exception& error) { Failed(error); };
     m_reload.stampOf = [](const std::u16string& path) { return StampOf(Wide(path)); };
     m_reload.isSlow = [this] { return IsRemote(browser.Folder()); };
     m_reload.onOpen = [this](const std::u16string& name) { OpenFile(Wide(name)); };
@@ -100,7 +101,7 @@ void MainRooms::WireSound() {
     playback.onPosition = [this] { ShowPosition(); };
     playback.onError = [this](const std::u16string& text) { status.Tell(StatusBar::Topic::Sound, text); };
     playback.onScroll = [this](std::int32_t columns) { ViewChanged(view.ScrollBy(columns)); };
-    playback.onFailed = [this](const std::exception& error) { onFailed(error); };
+    playback.onFailed = [this](const std::exception& error) { Failed(error); };
 }
 
 void MainRooms::WireCommands() {
@@ -161,6 +162,15 @@ void MainRooms::UpdateState() {
     if (m_complete) onState();
 }
 
+void MainRooms::Failed(const std::exception& error) noexcept {
+    try {
+        status.Tell(StatusBar::Topic::Outcome,
+                    m_parts.services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_parts.language));
+    } catch (const std::exception&) {
+        // Out of memory even for the message.
+    }
+}
+
 // Recording and block.
 
 void MainRooms::OpenFile(const std::wstring& name) {
@@ -199,7 +209,7 @@ void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
     if (longCommand.IsBusy() || longCommand.IsGone() || !IsWindowEnabled(Window())) return;
     m_reload.Look(asked, isDragging || graph.HasGesture());
 } catch (const std::exception& error) {
-    onFailed(error);
+    Failed(error);
 }
 
 void MainRooms::LeaveBlock() {

@@ -37,7 +37,6 @@ class MainRooms {
     std::function<void(int command)> onCommand;       ///< a control requests a menu command
     std::function<void()> onPathList;
     std::function<void(HWND control)> onZoomMenu;
-    std::function<void(const std::exception& error)> onFailed;
 
     /// Creates what the first waveform needs. Throws std::system_error when it cannot be made.
     void CreateFirst(HWND window);
@@ -51,6 +50,8 @@ class MainRooms {
 
     [[nodiscard]] CommandState State() const;
     void UpdateState();
+    /// A command ended early (no memory, a failed library call): reports it in "Status".
+    void Failed(const std::exception& error) noexcept;
 
     // Recording and block.
     void CloseCurrentFile();

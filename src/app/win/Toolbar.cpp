@@ -4,6 +4,7 @@
 #include <system_error>
 #include <vector>
 
+#include "app/ControlIds.h"
 #include "app/ToolbarIcons.h"
 
 namespace quillon {
@@ -84,6 +85,21 @@ void Toolbar::Update(const CommandState& state) const {
             SendMessageW(m_window, TB_SETSTATE, id, MAKELPARAM(flags, 0));
         }
     }
+}
+
+void Toolbars::Create(HWND parent, int dpi) {
+    m_main.Create(parent, tbMain, MainButtons(), dpi);
+    m_goTo.Create(parent, tbGoTo, GoToButtons(), dpi);
+}
+
+void Toolbars::Update(const CommandState& state) const {
+    m_main.Update(state);
+    m_goTo.Update(state);
+}
+
+void Toolbars::OnTip(NMTTDISPINFOW& tip, const UserServices& services) {
+    m_tipText = Wide(services.Text(ToolTipId(static_cast<int>(tip.hdr.idFrom))));
+    if (!m_tipText.empty()) tip.lpszText = m_tipText.data();
 }
 
 }  // namespace quillon

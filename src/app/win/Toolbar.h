@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "app/CommandState.h"
 #include "app/Commands.h"
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
+#include "data/UserServices.h"
 
 namespace quillon {
 
@@ -27,6 +29,23 @@ class Toolbar {
     std::span<const ToolbarButton> m_buttons;
     ImageList m_images;
     ImageList m_disabledImages;
+};
+
+/// The two toolbars of the main window and the texts of their tooltips.
+class Toolbars {
+  public:
+    /// Throws std::system_error when one cannot be made.
+    void Create(HWND parent, int dpi);
+    [[nodiscard]] SIZE MainSize() const { return m_main.Size(); }
+    [[nodiscard]] SIZE GoToSize() const { return m_goTo.Size(); }
+    void Update(const CommandState& state) const;
+    /// A tooltip asks for the text of its button.
+    void OnTip(NMTTDISPINFOW& tip, const UserServices& services);
+
+  private:
+    Toolbar m_main;
+    Toolbar m_goTo;
+    std::wstring m_tipText;  ///< of the tooltip shown, which keeps a pointer to it
 };
 
 /// A list of pictures as DrawIcon makes them, each size x size pixels.

@@ -5,13 +5,10 @@
 
 #include "app/Commands.h"
 #include "app/ControlIds.h"
-#include "app/StatusPanels.h"
 #include "app/StringIds.h"
-#include "app/ToolbarIcons.h"
 #include "app/win/MainControls.h"
 #include "app/win/TableWindow.h"
 #include "app/win/WindowPlace.h"
-#include "base/SystemText.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -37,11 +34,7 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
 }
 
 void frmQLMain::Wire() {
-    m_rooms.onState = [this] {
-        const CommandState state = m_rooms.State();
-        m_tools.Update(state);
-        m_goTo.Update(state);
-    };
+    m_rooms.onState = [this] { m_tools.Update(State()); };
     m_rooms.onArrange = [this] { Arrange(); };
     m_rooms.onHelp = [this] { m_help.Show(m_window); };
     m_rooms.onContextMenu = [this](POINT screen) { ShowContextMenu(screen); };
@@ -50,7 +43,6 @@ void frmQLMain::Wire() {
         m_menu.ShowFolders(m_window, m_rooms.browser.PathList(), m_global.settings.pathList);
     };
     m_rooms.onZoomMenu = [this](HWND control) { m_menu.ShowZooms(m_window, control); };
-    m_rooms.onFailed = [this](const std::exception& error) { Failed(error); };
     m_commands.exit = [this] { SendMessageW(m_window, WM_CLOSE, 0, 0); };
     m_commands.help = m_rooms.onHelp;
     m_commands.helpLanguage = [this](int index) { m_help.ChooseLanguage(static_cast<std::int16_t>(index)); };
@@ -96,7 +88,7 @@ LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, 
     try {
         return form->Handle(message, wParam, lParam);
     } catch (const std::exception& error) {
-        if (message != WM_CREATE) return form->Failed(error), 0;
+        if (message != WM_CREATE) return form->m_rooms.Failed(error), 0;
         form->m_createFailure = std::current_exception();
         form->m_services.SetWindow(nullptr, nullptr);
         return -1;
@@ -107,14 +99,9 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_CREATE: OnCreate(); return 0;
         case WM_ACTIVATE: OnActivate(LOWORD(wParam)); return 0;
-        case WM_SETFOCUS:
-            if (Graph() != nullptr) SetFocus(Graph());
-            return 0;
-        case kFocusGraph:
-            if (GetActiveWindow() == m_window) SetFocus(Graph());
-            ShowFocus();
-            return 0;
-        case WM_PAINT: OnPaint(); return 0;
+        case WM_SETFOCUS: m_focus.ToGraph(); return 0;
+        case KeyboardFocus::kReturnMessage: m_focus.Return(); return 0;
+        case WM_PAINT: m_layout.OnPaint(); return 0;
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
         case WM_GETMINMAXINFO:
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {MulDiv(560, m_dpi, 96), MulDiv(380, m_dpi, 96)};
@@ -128,6 +115,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_NCDESTROY: {
             const HWND window = std::exchange(m_window, nullptr);
             m_keys.SetWindow(nullptr);
+            m_focus.SetWindow(nullptr);
             SetWindowLongPtrW(window, GWLP_USERDATA, 0);
             return DefWindowProcW(window, message, wParam, lParam);
         }
@@ -166,20 +154,12 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
     return DefWindowProcW(m_window, message, wParam, lParam);
 }
 
-void frmQLMain::Failed(const std::exception& error) noexcept {
-    try {
-        m_rooms.status.Tell(StatusBar::Topic::Outcome,
-                            m_services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_global.language));
-    } catch (const std::exception&) {
-        // Out of memory even for the message.
-    }
-}
-
 void frmQLMain::OnCreate() {
     // Only what the first waveform needs; CreateRemainingControls() makes the rest.
     m_font = MakeFont(m_dpi);
     m_layout.SetWindow(m_window, m_font.Get(), m_dpi);
     m_keys.SetWindow(m_window);
+    m_focus.SetWindow(m_window);
     m_rooms.CreateFirst(m_window);
     m_rooms.browser.Open(m_makeTimer);
     m_lookTimer = m_makeTimer([this] { m_rooms.LookAtRecording(false, m_layout.IsDragging()); });
@@ -190,11 +170,10 @@ void frmQLMain::OnCreate() {
 void frmQLMain::CreateRemainingControls() try {
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
-    m_tools.Create(m_window, tbMain, MainButtons(), m_dpi);
-    m_goTo.Create(m_window, tbGoTo, GoToButtons(), m_dpi);
+    m_tools.Create(m_window, m_dpi);
     MakeMainControls(m_window, m_font.Get(), m_services);
     m_rooms.CreateRest(m_font.Get(), m_dpi);
-    m_layout.SetToolSizes(m_tools.Size(), m_goTo.Size());
+    m_layout.SetToolSizes(m_tools.MainSize(), m_tools.GoToSize());
     // With a recording open, show the page of channels rather than that of folders.
     SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
     DragAcceptFiles(m_window, TRUE);
@@ -203,7 +182,7 @@ void frmQLMain::CreateRemainingControls() try {
     AddToolTip(m_rooms.browser.PathList(), m_services.Text(IDS_TIP_PATHLIST));
     m_rooms.playback.Open();
 } catch (const std::exception& error) {
-    if (m_rooms.IsComplete()) return Failed(error);
+    if (m_rooms.IsComplete()) return m_rooms.Failed(error);
     // As without the window itself.
     m_createFailure = std::current_exception();
     m_services.SetWindow(nullptr, nullptr);
@@ -215,9 +194,7 @@ void frmQLMain::OnActivate(UINT state) {
     if (state == WA_INACTIVE) {
         m_rooms.EndHover();
         m_keys.Deactivated();
-        m_lastFocus = GetFocus();
-        ShowFocus();
-        return;
+        return m_focus.Keep();
     }
     // A minimized window has no graph size to fit the scale to; the first real size comes later.
     if (!m_activated && IsIconic(m_window)) return;
@@ -225,11 +202,11 @@ void frmQLMain::OnActivate(UINT state) {
         // The waveform is drawn first, as the user waits for it; the rest is created even if drawing fails.
         try {
             if (m_rooms.browser.FileCount() > 0) OpenFirstFile();
-            UpdateWindow(Graph());
+            UpdateWindow(m_rooms.graph.Graph());
             // GDI batches drawing calls until the next message wait; flush them now.
             GdiFlush();
         } catch (const std::exception& error) {
-            Failed(error);
+            m_rooms.Failed(error);
         }
         if (!m_rooms.IsComplete()) CreateRemainingControls();
         if (m_window == nullptr) return;
@@ -237,8 +214,7 @@ void frmQLMain::OnActivate(UINT state) {
         if (m_global.document->File().refusal.empty()) m_rooms.browser.TellStart();
     }
     m_rooms.LookSoon();
-    SetFocus(m_lastFocus != nullptr ? m_lastFocus : Graph());
-    ShowFocus();
+    m_focus.Restore();
 }
 
 void frmQLMain::OpenFirstFile() {
@@ -301,7 +277,7 @@ void frmQLMain::EndSession() {
         try {
             step();
         } catch (const std::exception& error) {
-            Failed(error);
+            m_rooms.Failed(error);
         }
     }
 }
@@ -328,9 +304,9 @@ void frmQLMain::OnControlCommand(int id, int notification) {
     if (id >= mnuSaveAs) {
         // From a toolbar button: return the focus to the graph.
         OnCommand(id);
-        SetFocus(Graph());
+        m_focus.ToGraph();
     } else if (!m_rooms.longCommand.IsBusy()) {
-        if (notification == LBN_SETFOCUS || notification == LBN_KILLFOCUS) ShowFocus();
+        if (notification == LBN_SETFOCUS || notification == LBN_KILLFOCUS) m_focus.Show();
         if (id == lstBlock && notification == LBN_SELCHANGE) m_rooms.recording.ClickBlock();
         m_rooms.browser.OnListCommand(id, notification);
     }
@@ -338,15 +314,13 @@ void frmQLMain::OnControlCommand(int id, int notification) {
 
 LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     if (header->code == TTN_GETDISPINFOW) {
-        auto* const tip = reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(header));
-        m_tipText = Wide(m_services.Text(ToolTipId(static_cast<int>(header->idFrom))));
-        if (!m_tipText.empty()) tip->lpszText = m_tipText.data();
+        m_tools.OnTip(*reinterpret_cast<NMTTDISPINFOW*>(const_cast<NMHDR*>(header)), m_services);
         return 0;
     }
     if (header->code == TCN_SELCHANGE) ShowSelectedPages(m_window);
-    if (header->code == NM_SETFOCUS || header->code == NM_KILLFOCUS) ShowFocus();
+    if (header->code == NM_SETFOCUS || header->code == NM_KILLFOCUS) m_focus.Show();
     // The list consumes WM_LBUTTONUP, so the focus is moved here.
-    if (header->code == NM_CLICK) ReturnKeyboard(static_cast<int>(header->idFrom));
+    if (header->code == NM_CLICK) m_focus.Clicked(static_cast<int>(header->idFrom));
     if (header->idFrom == lvCh) m_rooms.recording.OnNotify(header);
     return 0;
 }
@@ -361,23 +335,11 @@ void frmQLMain::ShowContextMenu(POINT screen) {
 // Focus and mouse.
 
 bool frmQLMain::PreTranslate(const MSG& message) try {
-    if (m_window != nullptr && message.message == WM_LBUTTONUP) ReturnKeyboard(GetDlgCtrlID(message.hwnd));
+    if (m_window != nullptr && message.message == WM_LBUTTONUP) m_focus.Clicked(GetDlgCtrlID(message.hwnd));
     return m_keys.Translate(message);
 } catch (const std::exception& error) {
-    Failed(error);
+    m_rooms.Failed(error);
     return true;
-}
-
-void frmQLMain::ReturnKeyboard(int control) const {
-    // Posted, so that the control has processed the click first.
-    if (control == lstFile || control == lstBlock || control == lvCh || control == tabPath || control == tabFile)
-        PostMessageW(m_window, kFocusGraph, 0, 0);
-}
-
-void frmQLMain::OnPaint() const {
-    PAINTSTRUCT paint{};
-    m_layout.PaintFocus(BeginPaint(m_window, &paint));
-    EndPaint(m_window, &paint);
 }
 
 bool frmQLMain::OnSetCursor(HWND child) const {
@@ -387,9 +349,7 @@ bool frmQLMain::OnSetCursor(HWND child) const {
 }
 
 void frmQLMain::OnMouse(UINT message, int x, int y) {
-    if (message == WM_LBUTTONDOWN) return m_layout.Press(x, y);
-    if (message != WM_MOUSEMOVE) return m_layout.Release(message == WM_LBUTTONUP);
-    if (!m_layout.Move(x, y)) return;
+    if (!m_layout.OnMouse(message, x, y)) return;
     SizesChanged();
     m_rooms.Refresh();
 }

@@ -10,6 +10,7 @@
 #include "app/win/ControlLayout.h"
 #include "app/win/HelpViewer.h"
 #include "app/win/KeyInput.h"
+#include "app/win/KeyboardFocus.h"
 #include "app/win/MainMenu.h"
 #include "app/win/MainRooms.h"
 #include "app/win/Toolbar.h"
@@ -47,16 +48,10 @@ class frmQLMain {
     [[nodiscard]] bool PreTranslate(const MSG& message);
 
   private:
-    /// Focuses the graph.
-    static constexpr UINT kFocusGraph = WM_APP;
-
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT HandleInput(UINT message, WPARAM wParam, LPARAM lParam);
     void Wire();
-    /// A command ended early (no memory, a failed library call): reports it in "Status".
-    void Failed(const std::exception& error) noexcept;
-
     void OnCreate();
     /// Creates all controls that the first waveform does not need, and fills them from the loaded recording.
     void CreateRemainingControls();
@@ -75,17 +70,10 @@ class frmQLMain {
     LRESULT OnNotify(const NMHDR* header);
     void OnMouse(UINT message, int x, int y);
     bool OnSetCursor(HWND child) const;
-    void OnPaint() const;
     void ShowContextMenu(POINT screen);
     void Arrange();
     /// The sizes of controls have changed: lays them out again.
     void SizesChanged();
-
-    /// After a processed click, returns the focus to the graph so that keys move the view.
-    void ReturnKeyboard(int control) const;
-    /// Draws the frame round the list or graph that has the focus anew.
-    void ShowFocus() const { InvalidateRect(m_window, nullptr, TRUE); }
-    [[nodiscard]] HWND Graph() const { return m_rooms.graph.Graph(); }
 
     QL_Global& m_global;
     WinServices& m_services;
@@ -94,18 +82,16 @@ class frmQLMain {
     MainRooms m_rooms;
     MainMenu m_menu;
     KeyInput m_keys;
+    KeyboardFocus m_focus;
     ControlLayout m_layout;
     HelpCommands m_help;
     FrameCommands m_commands;
-    Toolbar m_tools;
-    Toolbar m_goTo;
+    Toolbars m_tools;
     GdiFont m_font;
     std::unique_ptr<TimerObject> m_lookTimer;  ///< polls the recording's file for changes
 
     HWND m_window = nullptr;
     int m_dpi = 96;
-    std::wstring m_tipText;              ///< text of the tooltip shown; the control keeps a pointer to it
-    HWND m_lastFocus = nullptr;          ///< control that had the focus when the window was deactivated
     std::exception_ptr m_createFailure;  ///< exception that made WM_CREATE fail
     bool m_activated = false;
     bool m_closing = false;
