@@ -18,6 +18,7 @@
 #include "app/StartUp.h"
 #include "app/StatusPanels.h"
 #include "app/ValuesReadout.h"
+#include "app/ViewTables.h"
 #include "support/FakeRecording.h"
 #include "support/ViewFixture.h"
 
@@ -283,6 +284,13 @@ TEST(GraphKeys, FocusChoosesTheCommandAndNoKeyHasTwo) {
         EXPECT_NE(CaptionId(binding.command), 0) << binding.command;
         EXPECT_EQ(CommandOf(binding.place, binding.key, binding.control, binding.shift, binding.alt), binding.command);
     }
+}
+
+TEST(ViewTables, TextKeepsItsColumnsWhateverTheCellsHold) {
+    TextTable table;
+    table.columns = {u"Name", u"a\tb", u"End"};
+    table.rows = {{u"x\r\ny", u"1"}, {}, {u"1", u"2", u"3", u"of no column"}};
+    EXPECT_EQ(TabbedText(table), u"Name\ta b\tEnd\r\nx  y\t1\t\r\n\t\t\r\n1\t2\t3\r\n");
 }
 
 constexpr const char16_t* kRussian = u"C:\\Q\\Kelvo.chm";

@@ -1,0 +1,111 @@
+#include "app/ExportCommands.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+
+#include "app/StringIds.h"
+#include "export/QL_Export.h"
+#include "norvik/OutputFile.h"
+#include "norvik/TemporaryFolder.h"
+#include "support/ViewFixture.h"
+
+namespace quillon {
+namespace {
+
+using namespace ::quillon::testing;
+
+class ExportCommandsTest : public ViewFixture {
+  protected:
+    struct Services : FakeServices {
+        bool Ask(const std::u16string& text) override { return FakeServices::Ask(text), yes; }
+        bool yes = false;
+    };
+    struct Sink : TextSink {
+        explicit Sink(std::string& target) : written(target) {}
+        void Write(std::string_view text) override { written += text; }
+        bool Close() override { return true; }
+        std::string& written;
+    };
+
+    ExportCommandsTest() {
+        auto block = std::make_shared<FakeBlock>();
+        block->samples.assign(10, std::vector<std::int16_t>(100, 7));
+        Load(block);
+        m_commands.onDialog = [] {};
+        m_commands.onWork = [](const std::function<void()>& work) { work(); };
+        m_commands.onPending = [] { return true; };
+        m_commands.isGone = [] { return false; };
+    }
+    Services m_told;
+    TextExportSettings m_settings{};
+    FormatOptions m_format;
+    KVExport m_exporter{m_told, {MakeOutputFile}};
+    FakeSaveDialog m_dialog;
+    std::map<std::u16string, std::string> m_texts;
+    TextSinkFactory m_open = [this](const std::u16string& target, std::u16string&) {
+        return std::make_unique<Sink>(m_texts[target]);
+    };
+    TemporaryFolder m_folder;
+    ExportCommands m_commands{
+        {m_document, m_view, m_settings, m_format, m_library, m_exporter, m_dialog, m_open, Language::English, m_told}};
+};
+
+TEST_F(ExportCommandsTest, SaveAsProposesTheBareNameBesideTheRecordingOrWhereTheLastWent) {
+    m_dialog.answer = [](FakeSaveDialog&) { return false; };
+    m_settings.folder = m_folder.Path() + u"/gone";
+    for (const auto& [file, name] :
+         {std::pair{u"C:\\d\\x.v2.WAV.edf.bin", u"x.v2"}, {u"C:\\d\\.bin.bin", u".bin"}, {u"C:\\d\\plain", u"plain"}}) {
+        m_library.files[file] = m_library.files[u"C:\\a.fake"];
+        m_library.files[file]->name = file;
+        m_document.OpenFile(file, {});
+        m_commands.SaveAs();
+        EXPECT_EQ(std::pair(m_dialog.folder, m_dialog.fileName),
+                  std::pair(std::u16string(u"C:\\d\\"), std::u16string(name)));
+    }
+    m_settings.folder = m_folder.Path();
+    m_commands.SaveAs();
+    EXPECT_EQ(m_dialog.folder, m_folder.Path());
+}
+
+TEST_F(ExportCommandsTest, OneQuestionNamesTheFilesThatWouldBeLostAndNoLosesNone) {
+    // A file per channel: the dialog has asked about none of them.
+    m_dialog.answer = [&](FakeSaveDialog& dialog) { return dialog.fileName = m_folder.Path() + u"/t.txt", true; };
+    const std::vector<std::u16string> files =
+        TextExportFiles(m_folder.Path() + u"/t.txt", *m_document.Block().block, m_settings, m_document.Slots());
+    ASSERT_EQ(files.size(), 10U);
+    for (const std::u16string& file : files) static_cast<void>(std::ofstream(std::filesystem::path(file)));
+    m_commands.SaveAs();
+    ASSERT_EQ(m_told.messages.size(), 1U);
+    EXPECT_EQ(std::count(m_told.messages[0].begin(), m_told.messages[0].end(), u'\n'), 1 + 8 + 1);
+    EXPECT_TRUE(m_told.messages[0].ends_with(u"... (10)"));
+    EXPECT_TRUE(m_texts.empty());
+    m_told.yes = true;
+    m_view.Select(11, 20);
+    m_commands.SaveAs();
+    EXPECT_EQ(m_texts.size(), 10U);
+    EXPECT_EQ(std::count(m_texts[files[3]].begin(), m_texts[files[3]].end(), '\n'), 10) << "of the selection";
+    EXPECT_TRUE(m_told.status.starts_with(m_told.Text(IDS_WRITTEN) + u": " + files[0] + u" ... "));
+}
+
+/// Says that it is large.
+struct LargeBlock : FakeBlock {
+    std::int32_t SampleCount() const override { return 40'000'000; }
+};
+
+TEST_F(ExportCommandsTest, ATextTooLargeForTheClipboardIsAskedAbout) {
+    auto block = std::make_shared<LargeBlock>();
+    block->samples.assign(1, std::vector<std::int16_t>(100, 7));
+    Load(block);
+    m_commands.CopyData();
+    ASSERT_EQ(m_told.messages.size(), 1U);
+    EXPECT_TRUE(m_told.messages[0].ends_with(u"640 MB"));
+    EXPECT_TRUE(m_texts.empty());
+    m_view.Select(1, 100);
+    m_commands.CopyData();
+    EXPECT_EQ(m_told.messages.size(), 1U) << "the selection is small";
+    EXPECT_EQ(m_texts.size(), 1U);
+}
+
+}  // namespace
+}  // namespace quillon
