@@ -58,12 +58,12 @@ prepare_sound
 wineserver -p
 rm -rf build/samples
 quietly wine build/windows/make-samples.exe build/samples
-# On demand, what is exported is read by programs of others too.
+# On demand other programs read the exported files too.
 if [ -n "${QUILLON_REFERENCE:-}" ]; then
     if scripts/check-exports.sh; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
 fi
 run_tests unit_tests_windows wine build/windows/tests/unit_tests.exe
-run_tests win_tests "${captured_sound[@]}" wine build/windows/tests/win_tests.exe '--gtest_filter=-WaveOutSilence.*'
+run_tests win_tests "${captured_sound[@]}" wine build/windows/tests/win_tests.exe '--gtest_filter=-WaveOutWithoutDevice.*'
 # Once more as a Russian system: other code page, other separators, other interface language. And one without sound.
 # Left out are long tests that have nothing to do with either.
 locale -a | grep -qi '^ru_RU\.utf-\?8$' || ${as_root[@]+"${as_root[@]}"} localedef -i ru_RU -f UTF-8 ru_RU.UTF-8

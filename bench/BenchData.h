@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <vector>
 
-/// Shared by the benchmarks: a yardstick that reads every byte once, and ratios taken inside one process.
+/// Shared by the benchmarks: a baseline that reads every byte once, and ratios measured inside one process.
 namespace quillon::bench {
 
 /// The maximum over all samples: the least that can be done with them. Prefetch as in the kernels, so that the ratio
@@ -39,15 +39,15 @@ inline double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// Runs candidate and yardstick alternately. The time reported is the candidate's; the counter "ratio" is the median
-/// over the rounds of candidate / yardstick (or its reciprocal as "speedup", for yardsticks that are to be beaten).
-template <typename Candidate, typename Yardstick>
-void Compare(benchmark::State& state, std::size_t bytes, bool speedup, Candidate candidate, Yardstick yardstick) {
+/// Runs candidate and baseline alternately. The time reported is the candidate's; the counter "ratio" is the median
+/// over the rounds of candidate / baseline (or its reciprocal as "speedup", for baselines that are slower).
+template <typename Candidate, typename Baseline>
+void Compare(benchmark::State& state, std::size_t bytes, bool speedup, Candidate candidate, Baseline baseline) {
     std::vector<double> ratios;
     std::vector<double> rates;
     for (auto _ : state) {
         const double ours = Seconds(candidate);
-        const double theirs = Seconds(yardstick);
+        const double theirs = Seconds(baseline);
         state.SetIterationTime(ours);
         ratios.push_back(speedup ? theirs / ours : ours / theirs);
         rates.push_back(static_cast<double>(bytes) / ours * 1e-9);
@@ -56,9 +56,9 @@ void Compare(benchmark::State& state, std::size_t bytes, bool speedup, Candidate
     state.counters["GB/s"] = Median(rates);
 }
 
-/// Slowly wandering noise, as recordings are: neighbouring samples are close and extremes are rare. The pattern's
-/// length is a prime number, so that channels and runs fall on other places of it all the time.
-inline std::vector<std::int16_t> WanderingSamples(std::size_t count) {
+/// Low-pass noise, as recordings are: neighbouring samples are close and extremes are rare. The pattern's length is a
+/// prime number, so that channels and runs begin at ever different places of it.
+inline std::vector<std::int16_t> NoiseSamples(std::size_t count) {
     constexpr std::size_t kPattern = 1000003;
     std::vector<std::int16_t> samples(count);
     std::uint32_t random = 1;

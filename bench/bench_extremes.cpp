@@ -11,7 +11,7 @@ constexpr std::size_t kBytes = std::size_t{512} << 20;  // beyond the caches
 constexpr std::size_t kPieceSamples = 128 * 1024;       // the readers' pieces of 256 KiB
 
 const std::vector<std::int16_t>& Samples() {
-    static const std::vector<std::int16_t> samples = WanderingSamples(kBytes / 2);
+    static const std::vector<std::int16_t> samples = NoiseSamples(kBytes / 2);
     return samples;
 }
 

@@ -15,7 +15,7 @@ constexpr std::size_t kValues = 1600000;
 const std::vector<float>& Values() {
     static const std::vector<float> values = [] {
         std::vector<float> made;
-        for (const std::int16_t code : WanderingSamples(kValues)) {
+        for (const std::int16_t code : NoiseSamples(kValues)) {
             made.push_back(static_cast<float>(code) * 0.0125F + 0.5F);
         }
         return made;
@@ -46,7 +46,7 @@ struct ToChars {
     }
 };
 
-template <typename Yardstick>
+template <typename Baseline>
 void FixedTextAgainst(benchmark::State& state) {
     const auto decimals = static_cast<int>(state.range(0));
     std::vector<char> ours(kValues * 24 + FixedText::kRoom);
@@ -61,8 +61,7 @@ void FixedTextAgainst(benchmark::State& state) {
     Compare(
         state, Values().size() * sizeof(float), true, [&] { seconds.push_back(Seconds(write)); },
         [&] {
-            theirSize =
-                WriteAll(theirs, [&](char* out, float value) { return Yardstick::Write(out, value, decimals); });
+            theirSize = WriteAll(theirs, [&](char* out, float value) { return Baseline::Write(out, value, decimals); });
         });
     state.counters["ns/value"] = Median(seconds) * 1e9 / static_cast<double>(kValues);
     if (ourSize != theirSize || !std::equal(ours.data(), ours.data() + ourSize, theirs.data())) {

@@ -89,7 +89,7 @@ void CheckRange(RecordingBlock& block, std::int32_t first, std::int32_t count, s
             Require(extremes[channel][at] == PlainExtremes(codes.data() + from, codes.data() + to),
                     "extremes are those of the codes");
         }
-        // One channel of many is read in a way of its own.
+        // A single one of several channels takes another code path.
         std::vector<RunExtremes> alone(runs);
         RunExtremes* const only = alone.data();
         Require(

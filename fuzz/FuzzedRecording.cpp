@@ -41,7 +41,7 @@ std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes) {
     std::array<std::uint8_t, kChoiceBytes> choice{};
     if (bytes.size() >= kChoiceBytes) std::copy(bytes.end() - kChoiceBytes, bytes.end(), choice.begin());
     std::vector<std::uint8_t> file(bytes.begin(), bytes.end());
-    // An odd byte asks for it, so that seeds which end with silence stay what they are.
+    // Only for odd numbers, so that seeds that end with zeros are read unchanged.
     const bool isLong = choice[1] % 2 == 1;
     const auto tail = bytes.last(std::min(bytes.size(), kRepeatedBytes));
     for (std::size_t repeat = 0; isLong && repeat < choice[1] % kMostRepeats; ++repeat)

@@ -9,21 +9,21 @@
 
 namespace quillon::fuzz {
 
-/// A promise that was not kept: thrown by the checks, so that libFuzzer sees an uncaught exception and a unit test a
-/// failure.
-class BrokenPromise : public std::logic_error {
+/// A check that failed: libFuzzer sees an uncaught exception, a unit test a failure.
+class CheckFailed : public std::logic_error {
   public:
     using std::logic_error::logic_error;
 };
 
-inline void Require(bool kept, const char* promise) {
-    if (!kept) throw BrokenPromise(promise);
+/// `condition` says what is expected.
+inline void Require(bool holds, const char* condition) {
+    if (!holds) throw CheckFailed(condition);
 }
 
 /// What the fuzzer's bytes mean. They are a file as it is; its last four bytes also choose what happens around it, so
-/// that any recording can be a seed: the extension of its name (the reader of a file that begins like none), how often
-/// its end is repeated (vector code and piece buffers need more bytes than an input has), and after how many reads the
-/// file is shorter than when it was opened, and by how much.
+/// that any recording can be a seed: the extension of its name (which chooses the reader where the first bytes do not),
+/// how often its end is repeated (vector code and piece buffers need more bytes than an input has), and after how many
+/// reads the file is shorter than when it was opened, and by how much.
 struct FuzzedRecording {
     RecordingContent content;
     bool isLong = false;   ///< its end is repeated: more samples are worth a look
@@ -33,7 +33,7 @@ struct FuzzedRecording {
 /// Nothing for bytes that are refused as no recording. Blocks throw ReadError once the file has become shorter.
 [[nodiscard]] std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes);
 
-/// Positions of the blocks that are looked at: a few bytes can promise thousands of blocks, and one input must not take
+/// Positions of the blocks that are looked at: a few bytes can declare thousands of blocks, and one input must not take
 /// longer than a second.
 [[nodiscard]] std::vector<std::size_t> BlocksToCheck(const RecordingContent& content);
 

@@ -1,4 +1,4 @@
-// libFuzzer target: what CheckReaders promises holds for any bytes. The seeds in corpus/ are tiny recordings of every
+// libFuzzer target: CheckReaders on any bytes. The seeds in corpus/ are tiny recordings of every
 // format; real ones may be named as further folders:
 //     fuzz_readers -max_total_time=300 -max_len=8192 work_folder fuzz/corpus ../shared/recordings/wav
 #include "fuzz/Checks.h"

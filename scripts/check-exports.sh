@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Exports the sample recordings and reads them back with programs of others, which it installs: WAVE with sox, EDF with
+# Exports the sample recordings and reads them back with other programs, which it installs: WAVE with sox, EDF with
 # EDFlib, which also refuses every header that is not exactly EDF. Every sample must be the same.
 set -euo pipefail
 source "$(dirname "$0")/common.sh"

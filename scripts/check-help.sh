@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks the help pages: every link leads somewhere, every page is in project and contents under its own title, both
-# languages have the same pages and sections, and every caption of the menus is told. Usage: check-help.sh [folder]
+# Checks the help pages: every link has its target, every page is in project and contents under its own title, both
+# languages have the same pages and sections, and every caption of the menus is explained. Usage: check-help.sh [folder]
 set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "${1:-$(dirname "$0")/..}"
@@ -18,13 +18,13 @@ check_targets() {
     local file=$1 target page anchor
     while IFS= read -r target; do
         case $target in
-            http:* | https:* | mailto:*) fault "$file: leads out of the help: $target"; continue ;;
+            http:* | https:* | mailto:*) fault "$file: is a link out of the help: $target"; continue ;;
         esac
         page=${target%%#*} anchor=
         [[ $target != *'#'* ]] || anchor=${target#*#}
         page=$(dirname "$file")/${page:-$(basename "$file")}
         if [ ! -f "$page" ]; then
-            fault "$file: leads nowhere: $target"
+            fault "$file: has no target: $target"
         elif [ -n "$anchor" ] && ! grep -qxF -- "$anchor" <(anchors "$page"); then
             fault "$file: no such section: $target"
         fi
@@ -61,7 +61,7 @@ check_language() {
     check_targets "$project.hhc"
     check_targets "$project.hhk"
     while IFS= read -r caption; do
-        grep -qF -- "$caption" "$folder/commands.html" || fault "$folder/commands.html: does not tell of \"$caption\""
+        grep -qF -- "$caption" "$folder/commands.html" || fault "$folder/commands.html: does not mention \"$caption\""
     done < <(captions "res/strings_$language.rc")
 }
 

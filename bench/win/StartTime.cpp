@@ -1,8 +1,8 @@
 // Start-up time and memory of the viewer against those of a program with an empty window, under the same warm system:
 //     start-time VIEWER FOLDER [ROUNDS]
-// Both are started in turn; medians are told. A start has two ends: the program waits for input, and the user sees what
-// it shows. The viewer shows the first recording of the folder, so the graph must hold pixels of a trace; the empty
-// window is filled with a colour of its own.
+// Both are started in turn; medians are printed. A start has two ends: the program waits for input, and the user sees
+// what it shows. The viewer shows the first recording of the folder, so the graph must hold pixels of a trace; the
+// empty window is filled with a colour of its own.
 #include "base/win/Win32.h"
 
 #include <psapi.h>
@@ -164,7 +164,7 @@ double Median(const std::vector<Start>& starts, double Start::*what) {
 
 }  // namespace
 
-// A program with windows, as the viewer is: only such a one can be waited for.
+// wWinMain, because WaitForInputIdle works with programs of the Windows subsystem only.
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     const int argc = __argc;
     wchar_t** const argv = __wargv;

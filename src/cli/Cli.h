@@ -14,7 +14,7 @@ enum ExitCode { kDone = 0, kRefused = 1, kUsage = 2 };
 struct CliIo {
     std::ostream& out;
     std::ostream& error;
-    /// Of text on `out`, as the system's programs end theirs.
+    /// Of text on `out`: the system's usual one.
     std::string_view lineEnd = "\n";
 };
 

@@ -39,8 +39,8 @@ struct BlockChannel {
     std::int16_t channel = 1;
 };
 
-/// Block and channel by their numbers, from 1. Throws Refusal where there is no such one. Every command prepares its
-/// block when all that can be refused beforehand is checked: that may read the whole block.
+/// Block and channel by their numbers, from 1. Throws Refusal where there is no such one. Prepare() of the block is
+/// left to the command, after its other checks: it may read the whole block.
 [[nodiscard]] BlockChannel FindChannel(Recording& recording, std::int64_t block, std::int64_t channel,
                                        Language language);
 

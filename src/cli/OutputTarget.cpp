@@ -72,7 +72,7 @@ void OutputTarget::Write(std::span<const char> bytes) {
 void OutputTarget::Finish() {
     Open();
     if (!m_file) return CheckStream(m_standard, m_language);
-    // What has come into the place meanwhile, a piece of a split for one, is not replaced either.
+    // Checked again: a file created at this path meanwhile, e.g. a piece of a split, is not replaced either.
     CheckPlace();
     if (!m_file->Close()) throw Refusal::Whole(m_file->ErrorText().In(m_language));
 }

@@ -63,7 +63,7 @@ std::optional<ValueRange> Limits(const ParsedArguments& parsed) {
     return limits;
 }
 
-Request Understand(const ParsedArguments& parsed) {
+Request ParseRequest(const ParsedArguments& parsed) {
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
     constexpr std::int64_t any = std::numeric_limits<std::int64_t>::max();
     Request request;
@@ -157,7 +157,7 @@ std::u16string WriteSpectrum(const BlockChannel& source, SpectrumRequest request
     const ValueRange limits = request.limits ? *request.limits : WholeRange(source, lost);
     QL_FFT spectrum(request.settings);
     spectrum.FFT_Init(columns);
-    // One block and one channel are all that this one sees.
+    // Number 0 for both: this object is given one block and one channel only.
     spectrum.FFT_SetChannel(source.block.get(), 0, static_cast<std::int16_t>(source.channel - 1), limits);
     spectrum.FFT_Update(request.firstColumn, columns, request.samplesPerColumn, true);
     std::int32_t unread = 0;
@@ -176,7 +176,7 @@ std::u16string WriteSpectrum(const BlockChannel& source, SpectrumRequest request
 }
 
 void RunSpectrum(const CommandContext& context) {
-    const Request request = Understand(context.parsed);
+    const Request request = ParseRequest(context.parsed);
     const OpenFile file(context.parsed.words[1], context.language);
     const BlockChannel source = FindChannel(file.Get(), request.block, request.channel, context.language);
     const std::u16string lost = WriteSpectrum(source, request.picture, context.target, context.language);

@@ -58,7 +58,7 @@ SplitPlan MakePlan(const ParsedArguments& parsed, const RecordingBlock& block) {
     throw Refusal(reason.In(context.language), FromNativePath(path));
 }
 
-/// With the system's reason.
+/// Throws the Refusal with the system's reason.
 [[noreturn]] void RefuseFolder(const CommandContext& context, std::u16string_view english, std::u16string_view russian,
                                const std::error_code& error, const fs::path& folder) {
     const Bilingual reason = SystemText(error);
@@ -67,12 +67,12 @@ SplitPlan MakePlan(const ParsedArguments& parsed, const RecordingBlock& block) {
            folder);
 }
 
-/// Throws Refusal where the list of the pieces would go to the place of one of them.
+/// Throws Refusal where the list of the pieces has the path of one of them.
 void CheckList(const CommandContext& context, const SplitPlan& plan, const fs::path& folder) {
     if (context.target.IsStandard()) return;
     const fs::path list = NativePath(context.parsed.Value(u"--out"));
     std::error_code error;
-    // Letter case apart, as on some systems: the folder need not be there yet, so that the system cannot be asked.
+    // Without regard to letter case, as on some systems: the folder may not exist yet, so the system cannot be asked.
     const auto place = [&](const fs::path& path) {
         return LowerCase(FromNativePath(fs::weakly_canonical(fs::absolute(path, error), error)));
     };

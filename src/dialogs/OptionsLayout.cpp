@@ -174,7 +174,7 @@ std::vector<std::u16string> OptionLines(const UserServices& services, int id) {
 
 DialogTemplate OptionsFrame(const UserServices& services) {
     const auto text = [&](int id) { return services.Text(id); };
-    // The strip's own edges need less than what it is larger than a page.
+    // Larger than a page by more than the tabs and edges of the strip need.
     constexpr short width = kPageWidth + 8;
     constexpr short height = kPageHeight + 20;
     constexpr short row = 7 + height + 5;
@@ -185,7 +185,7 @@ DialogTemplate OptionsFrame(const UserServices& services) {
                 width - 97, row, 50, 14);
     dialog.Item(DialogTemplate::kButton, control::kTabStop | control::kPushButton, cmdHelp, text(IDS_OPT_HELP),
                 width - 43, row, 50, 14);
-    // Behind the pages that lie on it, and so the last in the order of keys.
+    // Behind the pages in front of it, and therefore last in the tab order.
     dialog.Item(control::kTabClass, control::kGroup | control::kTabStop | control::kClipSiblings, tabOptions, 7, 7,
                 width, height, 0);
     return dialog;

@@ -155,7 +155,7 @@ OptionChanges ApplyOptions(const OptionEntries& entries, char16_t separator, Opt
 std::u16string BinWidthText(double sampleRate, int position, const FormatOptions& format) {
     if (!(sampleRate > 0.0) || position < 0 || position >= kFftSizes) return {};
     const double width = sampleRate / FftSize(position);
-    // As any frequency, but three digits of a small one too.
+    // Three decimals as for other frequencies, more where a small width needs them for three significant digits.
     const int places = std::max(3, 2 - DecimalExponent(width));
     return NumberText(RoundToPlaces(width, places), format.decimalSeparator) + u" Hz";
 }

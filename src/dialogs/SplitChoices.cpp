@@ -38,7 +38,7 @@ void KeepSplitSettings(const SplitChoices& choices, const SplitSource& source, S
     settings.type = choices.bySamples ? 1 : 0;
     settings.fileIndex = choices.sampleNames ? 1 : 0;
     settings.baseName = choices.baseName ? 1 : 0;
-    // The other mode may hold what is no number.
+    // Both modes are stored; entries of the one that is not selected may be invalid.
     const auto keep = [&](const std::u16string& typed, bool samples, auto& setting) {
         const SplitEntry entry = Parse(typed, samples, source);
         if (entry.fault == EntryFault::None)

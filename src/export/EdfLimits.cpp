@@ -16,14 +16,14 @@ namespace {
 constexpr std::size_t kWidth = 8;
 constexpr int kLowest = -32768;
 constexpr int kHighest = 32767;
-constexpr double kMostMiss = 0.499;  // of a code
+constexpr double kMostError = 0.499;  // of a code
 
 /// A code and the text that is nearest to its value.
 struct Point {
     int code = 0;
     std::string text;
     double value = 0.0;  ///< of the text
-    double miss = 0.0;   ///< of it, in codes
+    double error = 0.0;  ///< of that value, in codes
 };
 
 class Search {
@@ -44,7 +44,7 @@ class Search {
         return std::nullopt;
     }
 
-    /// The widest near both ends of the codes.
+    /// The widest limits that lie near both ends of the codes.
     [[nodiscard]] std::optional<EdfLimits> Wide() const {
         constexpr int most = 768;
         std::vector<Point> low;
@@ -61,18 +61,18 @@ class Search {
         return std::nullopt;
     }
 
-    /// The widest of any codes. Few have a near text where this is needed.
+    /// The widest limits of any codes. Where this is needed few codes have a text near enough.
     [[nodiscard]] std::optional<EdfLimits> Any() const {
         constexpr std::size_t most = 500;  // from each end, and of the nearest
         std::vector<Point> points;
         for (int code = kLowest; code <= kHighest; ++code) {
             Point point = At(code);
-            if (std::abs(point.miss) <= kMostMiss) points.push_back(std::move(point));
+            if (std::abs(point.error) <= kMostError) points.push_back(std::move(point));
         }
         if (points.size() > 3 * most) {
             const auto inner = std::ptrdiff_t{most};
             std::nth_element(points.begin() + inner, points.begin() + 2 * inner, points.end() - inner,
-                             [](const Point& a, const Point& b) { return std::abs(a.miss) < std::abs(b.miss); });
+                             [](const Point& a, const Point& b) { return std::abs(a.error) < std::abs(b.error); });
             points.erase(points.begin() + 2 * inner, points.end() - inner);
             std::sort(points.begin(), points.end(), [](const Point& a, const Point& b) { return a.code < b.code; });
         }
@@ -103,14 +103,15 @@ class Search {
     [[nodiscard]] Point At(int code) const { return PointOf(code, EdfNumber(Value(code), kWidth)); }
     static EdfLimits Between(const Point& low, const Point& high) { return {low.code, high.code, low.text, high.text}; }
 
-    /// Whether a reader's values are near those of all codes: what is wrong with a line is most at one of its ends.
+    /// Whether a reader's values are near those of all codes: the error is linear in the code, so it is largest at an
+    /// end.
     [[nodiscard]] bool AreNear(const Point& low, const Point& high) const {
         const double scale = (high.value - low.value) / (high.code - low.code);
         const double offset = low.value - scale * low.code;
-        // Readers that keep both in single precision need something of the scale there too.
+        // The scale must not become 0 for readers that keep it in single precision.
         if (static_cast<float>(scale) == 0.0F) return false;
-        const auto miss = [&](int code) { return std::abs(scale * code + offset - Value(code)); };
-        return std::max(miss(kLowest), miss(kHighest)) <= kMostMiss * std::abs(m_scale);
+        const auto error = [&](int code) { return std::abs(scale * code + offset - Value(code)); };
+        return std::max(error(kLowest), error(kHighest)) <= kMostError * std::abs(m_scale);
     }
 
     double m_scale;

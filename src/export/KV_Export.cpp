@@ -51,7 +51,7 @@ ByteWriter BinHeader(const RecordingBlock& block, const SampleSpan& range, const
     double start = block.StartTime();
     if (range.first > 0) start += range.first / static_cast<double>(rate) / kSecondsPerDay;
     const CivilTime time = CivilFromDate(start);
-    // The day of the rounded time: a start a hair before midnight belongs to the next one.
+    // The day of the rounded time: a start less than a millisecond before midnight may belong to the next.
     const int weekday = DayOfWeek(DateFromCivil({time.year, time.month, time.day}));
     // The family counts from 1 here, and from the system's first day, unlike the usual form of this record of a date.
     const int day = (weekday - system.firstDayOfWeek + 7) % 7 + 1;
@@ -104,7 +104,7 @@ bool IsEdfYear(int year) {
 /// "dd.mm.yyhh.mm.ss"
 std::string EdfStart(double date) {
     CivilTime time = CivilFromDate(date);
-    // The first day stands for one that is not known.
+    // The first day of that range stands for a date that is unknown or outside it.
     if (!IsEdfYear(time.year)) {
         time.year = 1985;
         time.month = time.day = 1;
@@ -118,7 +118,7 @@ std::string EdfStart(double date) {
     return text.substr(0, 16);
 }
 
-/// The rate that a reader finds.
+/// The rate that a reader computes from the header.
 double EdfRate(std::int32_t samplesPerRecord, const std::string& recordSeconds) {
     double seconds = 0.0;
     std::from_chars(recordSeconds.data(), recordSeconds.data() + recordSeconds.size(), seconds);

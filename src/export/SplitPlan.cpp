@@ -83,7 +83,7 @@ SplitEntry ParseSplitSeconds(std::u16string_view text, double rate, char16_t sep
     double seconds = 0.0;
     const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), seconds, std::chars_format::fixed);
     if (read.ec == std::errc::result_out_of_range) {
-        // Neither a double: hundreds of digits before the point, or of zeros behind it.
+        // Beyond the range of doubles: hundreds of digits before the point, or of zeros after it.
         if (digits.find_first_of("123456789") < digits.find('.')) return Fault(EntryFault::TooLarge);
         seconds = std::numeric_limits<double>::min();
     }

@@ -32,7 +32,7 @@ FixedText::FixedText(int decimals, char separator)
                                            : std::numeric_limits<double>::infinity()) {
     if (m_decimals > kDivisorDecimals) return;
     // With 2^(shift - 31) >= divisor the reciprocal, rounded up, is too large by less than 2^(shift - 31) / divisor
-    // units, which no number below 2^31 can notice; the product stays below 2^63.
+    // units, which changes no quotient of a number below 2^31; the product stays below 2^63.
     m_divisor = static_cast<std::uint32_t>(PowerOfTen(m_decimals));
     m_shift = 31 + static_cast<int>(std::bit_width(m_divisor - 1));
     m_reciprocal = ((std::uint64_t{1} << m_shift) + m_divisor - 1) / m_divisor;

@@ -32,7 +32,7 @@ inline char* WriteWhole(char* out, std::uint64_t number) {
     }
     // A last single digit, or the only one of zero.
     if (number > 0 || at == digits.size()) digits[--at] = static_cast<char>('0' + number);
-    // Of a number like 105 the pairs are 05 and 1; of 1005 they are 05 and 10: no zero ever leads.
+    // Of a number like 105 the pairs are 05 and 1; of 1005 they are 05 and 10: there are no leading zeros.
     for (; at < digits.size(); ++at) *out++ = digits[at];
     return out;
 }
@@ -79,7 +79,7 @@ class FixedText {
         std::memcpy(&pair, &kDigitPairs[2 * static_cast<std::size_t>(number)], sizeof pair);
         return pair;
     }
-    /// A number below 10000. Its length is as good as random, so no branch depends on it.
+    /// A number below 10000. Its length is unpredictable, so no branch depends on it.
     static char* WriteUpToFour(char* out, std::uint32_t number) {
         const std::uint32_t digits = PairOf(number / 100) | PairOf(number % 100) << 16;
         // A zero is all bits clear once '0' is taken off; the last digit stays whatever it is.

@@ -42,7 +42,7 @@ std::size_t Count(int number) {
     return static_cast<std::size_t>(std::max(number, 0));
 }
 
-/// Texts of all numbers have a point until here.
+/// Replaces the point, which all other functions here write, by the caller's separator.
 std::u16string WithSeparator(std::string_view text, char16_t separator) {
     std::u16string out(text.begin(), text.end());
     std::replace(out.begin(), out.end(), u'.', separator);

@@ -37,7 +37,7 @@ PaletteColor FromHsv(double hue, double saturation, double value) {
     }
 }
 
-/// Black through blue, magenta and, at index 155, pure red; then through orange and yellow, paling to white.
+/// Black through blue, magenta and, at index 155, pure red; then through orange and yellow to white.
 PaletteColor ColorEntry(int index) {
     constexpr int red = 155;
     const double hue = (index + 205) % 360;
@@ -50,7 +50,7 @@ std::uint8_t RampByte(int numerator, int denominator) {
     return ToByte(static_cast<double>(static_cast<float>(static_cast<double>(numerator) / denominator)) * 255.0);
 }
 
-/// Black through pure green, reached at index 200, whitening from 140 on.
+/// Black through green, at full value from index 200 on; from 140 on the saturation falls towards white.
 PaletteColor GreenEntry(int index) {
     constexpr int fullGreen = 200;
     constexpr int whitening = 140;

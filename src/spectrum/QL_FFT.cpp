@@ -73,7 +73,7 @@ void QL_FFT::FFT_BuildWindow() {
         case 3: nsp::nspsWinHamming(window, m_length); break;
         default: nsp::nspsWinBlackmanStd(window, m_length); break;
     }
-    // The same peak for a sine whatever the window.
+    // So that a sine has the same peak with every window.
     const double sum = static_cast<double>(nsp::nspsSum(window, m_length));
     if (std::nearbyint(sum) != m_length) nsp::nspsbMpy1(static_cast<float>(m_length / sum), window, m_length);
     m_batch.reset();
@@ -142,7 +142,7 @@ QL_FFT::Frame QL_FFT::FrameOf(std::int32_t column) const {
     std::int64_t start = (std::int64_t{m_state.firstColumn} + column) * m_state.samplesPerColumn + 1 - half;
     std::int64_t length = m_length;
     if (!(m_state.halfRange > 0.0F) || start + half > samples) return {1, 0};
-    // At the beginning the frame is moved, not padded, and so it is at the end.
+    // At both ends of the block the frame is shifted into it, not padded.
     start = std::max<std::int64_t>(start, 1);
     if (start + length - 1 > samples) {
         start = samples - length + 1;
@@ -183,7 +183,7 @@ void QL_FFT::FFT_ComputeColumns(std::int32_t from, std::int32_t to) {
         try {
             if (readable) FFT_ReadSamples(frame.start, frame.length);
         } catch (const std::exception& error) {
-            // Its part of the recording cannot be read, and the cache holds part of it.
+            // The frame cannot be read; the failed call may have overwritten part of the cache.
             m_state.cachedLength = 0;
             readable = false;
             m_unread[static_cast<std::size_t>(column)] = true;
@@ -272,7 +272,7 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
     }
     m_state.samplesPerColumn = samplesPerColumn;
     m_state.firstColumn = firstColumn;
-    // Until they are computed no column is valid.
+    // No column is valid until the missing ones are computed.
     m_state.columnCount = 0;
     m_failure.clear();
     m_recovered = false;

@@ -69,7 +69,7 @@ TEST(Text, EveryCodePointSurvivesTheWayToUtf8AndBack) {
     EXPECT_EQ(Utf16(Utf8(loneSurrogates)), u"\uFFFD\uFFFDb");
 }
 
-TEST(Text, FieldsEndBehindAWholeCharacter) {
+TEST(Text, FieldsEndAfterAWholeCharacter) {
     const std::u16string text = u"aµ€\U0001D11E";  // characters of 1 to 4 bytes
     for (const auto& [size, fitting] :
          {std::pair{11U, 10U}, {10U, 10U}, {9U, 6U}, {7U, 6U}, {5U, 3U}, {2U, 1U}, {0U, 0U}})

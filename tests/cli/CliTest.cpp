@@ -91,7 +91,8 @@ TEST_F(CliTest, RangesOutsideTheRecordingAreRefusedWithTheRange) {
           Case("1 1 -1", "samples 0 to 4"), Case("1 1 4294967296", "samples 0 to 4"),
           Case("1 1 2 4", "counts 0 to 3")}) {
         ExpectRefused(kRefused, "codes % " + words, range);
-        EXPECT_EQ(Run("codes % " + words + " --language ru").error.find(range), std::string::npos) << "told in Russian";
+        EXPECT_EQ(Run("codes % " + words + " --language ru").error.find(range), std::string::npos)
+            << "reported in Russian";
     }
     ExpectRefused(kRefused, "info none.edf", "none.edf: ");
 }
@@ -132,14 +133,14 @@ TEST_F(CliTest, WrongCommandLinesNameTheWrongWord) {
     EXPECT_EQ(Run("info -- --out").code, kRefused) << "after \"--\" a word is no option";
 }
 
-TEST_F(CliTest, OutWritesAFileAndReplacesNoneUnasked) {
+TEST_F(CliTest, OutWritesAFileAndReplacesOneOnlyWithForce) {
     const fs::path target = m_folder.File(u"коды.raw");
     EXPECT_EQ(Run("codes % 1 1 --out %", target).out, "");
     EXPECT_EQ(Contents(target), m_codes);
 
     m_folder.Write(u"коды.raw", "kept");
     ExpectRefused(kRefused, "codes % 1 1 --out %", "--force", target);
-    // A command that is refused for another reason leaves the file alone even with --force.
+    // A command that is refused for another reason does not change the file even with --force.
     ExpectRefused(kRefused, "codes % 9 1 --force --out %", "blocks", target);
     EXPECT_EQ(Contents(target), "kept");
     EXPECT_EQ(Run("codes % 1 1 --force --out=%", target).code, kDone);
@@ -147,7 +148,7 @@ TEST_F(CliTest, OutWritesAFileAndReplacesNoneUnasked) {
     ExpectRefused(kRefused, "codes % 1 1 --out %", "x", m_folder.File(u"no") / "x");
 }
 
-TEST_F(CliTest, OutTakesNoLinkUnasked) {
+TEST_F(CliTest, OutFollowsALinkOnlyWithForce) {
     const fs::path link = m_folder.File(u"link.raw");
     std::error_code error;
     fs::create_symlink(m_folder.File(u"nowhere"), link, error);
@@ -160,7 +161,7 @@ TEST_F(CliTest, OutTakesNoLinkUnasked) {
     }
 }
 
-TEST_F(CliTest, WhatComesIntoThePlaceMeanwhileStays) {
+TEST_F(CliTest, AFileCreatedMeanwhileIsKept) {
     const fs::path place = m_folder.File(u"codes.raw");
     std::ostringstream standard;
     {
@@ -183,23 +184,23 @@ TEST_F(CliTest, ExportWritesAStretch) {
     EXPECT_EQ(Contents(copy).substr(44), samples::Bytes().Codes({10, -1, 20, -2}).Get());
 }
 
-TEST_F(CliTest, ExportTellsWhatTheFormatDoesNotKeep) {
+TEST_F(CliTest, ExportReportsWhatTheFormatDoesNotKeep) {
     m_recording = m_folder.Write(
         u"slow.bin", samples::BinHeader(0.3333F, "", {{"A", "V", 1.0F, 0.0F}}, 400) + std::string(800, '\0'));
     const fs::path copy = m_folder.File(u"copy");
-    const auto told = [&](const std::string& options) {
+    const auto reported = [&](const std::string& options) {
         const Answer answer = Run("export % % --force " + options, copy);
         EXPECT_EQ(answer.code, kDone);
         const std::string start = "quillon-cli: " + Utf8(copy.u16string());
         return answer.error.starts_with(start) ? answer.error.substr(start.size()) : answer.error;
     };
-    EXPECT_EQ(told("--type=bin"), "");
-    EXPECT_EQ(told("--type=edf"), ": 333 of 400 samples (whole records), 0.333 Hz instead of 0.3333 Hz\n");
-    EXPECT_EQ(told("--type=edf --first=30 --count=333 --language=ru"),
+    EXPECT_EQ(reported("--type=bin"), "");
+    EXPECT_EQ(reported("--type=edf"), ": 333 of 400 samples (whole records), 0.333 Hz instead of 0.3333 Hz\n");
+    EXPECT_EQ(reported("--type=edf --first=30 --count=333 --language=ru"),
               ": 0.333 Гц вместо 0.3333 Гц, время начала — от начала блока\n");
 }
 
-TEST_F(CliTest, ForeignLettersArriveAndOnlyATextFileIsMarkedAsUtf8) {
+TEST_F(CliTest, NonAsciiTextsAreKeptAndOnlyATextFileIsMarkedAsUtf8) {
     const std::string header = samples::BinHeader(250.0F, "", {{"ЭЭГ", "V", 1.0F, 0.0F}}, 1);
     m_recording = m_folder.Write(u"eeg.bin", header + std::string(2, '\0'));
     const fs::path file = m_folder.File(u"a.txt");
@@ -233,7 +234,7 @@ TEST_F(CliTest, AFailedWriteIsRefused) {
     EXPECT_EQ(error.str(), "quillon-cli: standard output: writing failed\n");
 }
 
-TEST(SpectrumCommandTest, WritesTheSineIntoItsRowAndReplacesNothingUnasked) {
+TEST(SpectrumCommandTest, WritesTheSineIntoItsRowAndReplacesFilesOnlyWithForce) {
     const testing::TemporaryFolder folder;
     const std::filesystem::path picture = folder.File(u"синус.bmp");
     samples::Bytes sine;  // 24 periods in 128 samples
@@ -267,30 +268,30 @@ TEST(SpectrumCommandTest, WritesTheSineIntoItsRowAndReplacesNothingUnasked) {
     EXPECT_EQ(run(""), kRefused) << "it exists and --force is not given";
 }
 
-TEST(SpectrumCommandTest, WhatCannotBeReadIsBlankAndTold) {
+TEST(SpectrumCommandTest, WhatCannotBeReadIsBlankAndReported) {
     const auto block = std::make_shared<testing::FakeBlock>();
     block->samples.resize(1);
     for (int i = 0; i < 3200; ++i) block->samples[0].push_back(static_cast<std::int16_t>(i % 7 * 100 - 300));
     SpectrumRequest request{{.order = 5}, {}, 32, 0, {}};
-    std::u16string told;
+    std::u16string reported;
     const auto picture = [&] {
         std::ostringstream out;
         OutputTarget target(out, {}, u"", Language::English);
-        told = WriteSpectrum({block, 1}, request, target, Language::English);
+        reported = WriteSpectrum({block, 1}, request, target, Language::English);
         return out.str().substr(1078);
     };
     const std::string whole = picture();
-    EXPECT_EQ(told, u"");
+    EXPECT_EQ(reported, u"");
     block->samples[0][1610] = 30000;  // would widen the range
     block->holeFrom = 1610;
     block->holeTo = 1612;
-    std::string holey = picture();
-    EXPECT_EQ(told, u"1 of 100 columns are blank: hole");
-    for (std::size_t at = 50; at < holey.size(); at += 100) EXPECT_EQ(std::exchange(holey[at], whole[at]), 0) << at;
-    EXPECT_TRUE(holey == whole);
+    std::string damaged = picture();
+    EXPECT_EQ(reported, u"1 of 100 columns are blank: hole");
+    for (std::size_t at = 50; at < damaged.size(); at += 100) EXPECT_EQ(std::exchange(damaged[at], whole[at]), 0) << at;
+    EXPECT_TRUE(damaged == whole);
     request.columns = 50;
     EXPECT_EQ(picture()[5], whole[5]);
-    EXPECT_EQ(told, u"the range leaves out what cannot be read: hole");
+    EXPECT_EQ(reported, u"the range leaves out what cannot be read: hole");
     request.limits = {-149.0F, 151.0F};
     block->holeFrom = 0;
     EXPECT_THROW(picture(), Refusal) << "no column can be read";
@@ -340,7 +341,7 @@ TEST_F(SplitCommand, WritesAndListsThePieces) {
     EXPECT_EQ(std::distance(fs::directory_iterator(m_pieces), fs::directory_iterator()), 12);
 }
 
-TEST_F(SplitCommand, ReplacesNothingUnaskedAndTheRecordingNever) {
+TEST_F(SplitCommand, ReplacesFilesOnlyWithForceAndTheRecordingNever) {
     fs::create_directories(m_pieces);
     std::ofstream(m_pieces / "07.bin") << "kept";
     ExpectRefused("--size=100", "07.bin: the file exists");

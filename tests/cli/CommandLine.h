@@ -16,7 +16,7 @@ struct Answer {
     std::string error;
 };
 
-/// Runs the command line whose words are parted by blanks: "%" stands for the next of the paths, "''" for nothing.
+/// Runs the command line whose words are separated by blanks: "%" stands for the next of the paths, "''" for nothing.
 inline Answer RunLine(const std::string& line, const std::vector<std::filesystem::path>& paths = {}) {
     std::vector<std::u16string> words;
     std::istringstream stream(line);

@@ -66,7 +66,7 @@ TEST_F(DocumentTest, OpeningLoadsTheFirstBlockAndARefusedFileLeavesNone) {
     EXPECT_EQ(m_file.refusal, u"") << "the reason of the earlier refusal is gone";
 }
 
-TEST_F(DocumentTest, WhatIsShownOutlivesBlocksAndASoloDoesNot) {
+TEST_F(DocumentTest, ShownChannelsPersistAcrossBlocksAndASoloDoesNot) {
     const auto wide = [](std::vector<std::int16_t> numbers) {
         auto block = std::make_shared<FakeBlock>();
         block->numbers = std::move(numbers);

@@ -49,7 +49,7 @@ TEST(FileOperationPlan, JoinsFolderAndNamesAndRefusesWhatCouldHitAnotherFile) {
     EXPECT_FALSE(PlanDelete(u"C:\\data", std::u16string(252, u'a')));
 }
 
-TEST(PathList, AddsAtTheEndWhatIsAFolderAndNewAndLosesItsOldest) {
+TEST(PathList, AddsNewFoldersAtTheEndAndDropsTheOldest) {
     const auto isFolder = [](const std::u16string& path) { return path != u"E:\\gone"; };
     std::vector<std::u16string> folders{u"", u"C:\\lost"};
     for (int number = 1; number <= 30; ++number) folders.push_back(u"C:\\Ночь" + Decimal(number));

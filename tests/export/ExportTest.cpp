@@ -97,17 +97,17 @@ TEST_F(ExportTest, HeadersAreExactToTheByte) {
 
 TEST_F(ExportTest, EdfRecordsSuitTheRate) {
     using Case = std::tuple<double, std::size_t, std::string>;  // rate, samples, records, seconds, samples per record
-    for (const auto& [rate, count, told] : {Case{5, 1000, "2 100 500"},
-                                            {1000, 2500, "2 1 1000"},
-                                            {1000, 300, "1 0.3 300"},
-                                            {3, 1, "1 0.333333 1"},
-                                            {44100, 4, "1 90703E-9 4"}}) {
+    for (const auto& [rate, count, expected] : {Case{5, 1000, "2 100 500"},
+                                                {1000, 2500, "2 1 1000"},
+                                                {1000, 300, "1 0.3 300"},
+                                                {3, 1, "1 0.333333 1"},
+                                                {44100, 4, "1 90703E-9 4"}}) {
         TestBlock block(count, rate);
         ASSERT_TRUE(Export(&block, 1, 0, u"a.edf"));
         std::istringstream fields(bytes.substr(236, 8) + ' ' + bytes.substr(244, 8) + ' ' + bytes.substr(688, 8));
         std::string records, seconds, samples;
         fields >> records >> seconds >> samples;
-        EXPECT_EQ(records + ' ' + seconds + ' ' + samples, told);
+        EXPECT_EQ(records + ' ' + seconds + ' ' + samples, expected);
         EXPECT_EQ(bytes.size(), 768 + 4 * std::stoul(records) * std::stoul(samples)) << rate;
     }
     TestBlock block(0, 1000.0);
@@ -136,7 +136,7 @@ TEST(EdfTextTest, NumbersAreNeverCutAndTextsArePrintable) {
     EXPECT_EQ(EdfText(u"longer", 3), "longer");
 }
 
-TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
+TEST_F(ExportTest, RangesAreNormalisedAndFailuresReported) {
     TestBlock block(2500, 100.0);
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
     using Case = std::array<std::int32_t, 3>;  // first, count, frames written
@@ -162,7 +162,7 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresAreTold) {
     }
     EXPECT_EQ(services.messages,
               (std::vector<std::u16string>{u"Block is nothing!", u"File type is unknown!", u"Data start is out!",
-                                           u"Error of file export!",  // nothing to say
+                                           u"Error of file export!",  // without a reason
                                            u"Error of file export!\n\nthe data are too large for the format"}));
     EXPECT_EQ(exporter.LastError(), u"Error of file export!");
 }
@@ -278,7 +278,7 @@ TEST_F(ReadBackTest, WhatReadersRefuseIsRefusedAndAnUnknownDateStaysUnknown) {
         std::shared_ptr<Recording> recording;
         ASSERT_TRUE(library->OpenRecording(path, recording)) << Utf8(library->LastErrorText());
         EXPECT_EQ(recording->GetBlock(1)->StartTime(), read);
-        EXPECT_EQ(DescribeLoss(exporter.Outcome(), Language::English).empty(), start == read) << "told";
+        EXPECT_EQ(DescribeLoss(exporter.Outcome(), Language::English).empty(), start == read) << "reported";
     }
 }
 

@@ -135,7 +135,7 @@ TEST(SplitPlan, ObstaclesAreFoundBeforeTheRun) {
     EXPECT_EQ(FindSplitObstacle(longest, {}), SplitObstacle::NameTooLong);
 }
 
-/// Runs four pieces, one step of which fails, and gives back what happened.
+/// Runs four pieces, one step of which fails; returns the calls that were made.
 std::string Events(const std::string& failing, SplitResult& result) {
     std::string events;
     const auto happens = [&](const std::string& event) {
@@ -154,7 +154,7 @@ std::string Events(const std::string& failing, SplitResult& result) {
 }
 
 TEST(SplitRun, EndsWhereSomethingFails) {
-    // What fails, what happens until the end, how it ends, the pieces that are written, and the name that is told.
+    // What fails, what happens until the end, how it ends, the pieces that are written, and the name that is reported.
     using Case = std::tuple<std::string, std::string, SplitEnd, std::int64_t, std::u16string>;
     const std::string two = "delete p0 create 1:1.bin p1 2:2.bin ";
     const Case cases[] = {

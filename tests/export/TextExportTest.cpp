@@ -133,7 +133,7 @@ TEST_F(TextExportTest, HeadersTitlesAndXColumn) {
     EXPECT_EQ("150", xOfSecondRow());
 }
 
-TEST_F(TextExportTest, FilesPerChannelAreAnnounced) {
+TEST_F(TextExportTest, FilesPerChannelAreListedAndWritten) {
     settings.fileType = 0;
     EXPECT_TRUE(ExportText(u"c:\\x.y\\name.txt", block, 1, 3, settings, context));
     EXPECT_THAT(texts, ElementsAre(Key(u"c:\\x.y\\name1.txt"), Key(u"c:\\x.y\\name5.txt"), Key(u"c:\\x.y\\name8.txt")));
@@ -168,7 +168,7 @@ TEST_F(TextExportTest, WhatEndsAnExport) {
     settings.fileType = 0;
     context.open = [](const std::u16string& name, std::u16string& error) { return error = name, nullptr; };
     EXPECT_FALSE(ExportText(u"b.txt", block, 1, 1, settings, context));
-    EXPECT_THAT(context.failures, ElementsAre(u"b1.txt", u"b2.txt", u"b3.txt")) << "all are told";
+    EXPECT_THAT(context.failures, ElementsAre(u"b1.txt", u"b2.txt", u"b3.txt")) << "all are reported";
 }
 
 }  // namespace

@@ -72,7 +72,7 @@ class WriteFaults : public ::testing::Test {
     }
     [[nodiscard]] std::u16string Path(const std::u16string& name) const { return folder.File(name).u16string(); }
 
-    /// Writes one kind; returns what the user is told, and nothing when all was written.
+    /// Writes one kind; returns the message to the user, empty when all was written.
     std::u16string Run(const std::u16string& kind) {
         services.messages.clear();
         if (kind == u"split") {
@@ -112,7 +112,7 @@ class WriteFaults : public ::testing::Test {
     KVExport exporter{services, {.makeFile = [this] { return MakeOutputFileOn(files); }}};
 };
 
-TEST_F(WriteFaults, LeaveWhatWasThereAndNothingElse) {
+TEST_F(WriteFaults, LeaveTheFolderAsItWas) {
     exporter.SetRecording(exporterName);
     for (const std::u16string name : {u"a.bin", u"a.wav", u"a.edf", u"a.txt", u"p_1.wav", u"p_2.wav"})
         folder.Write(name, "old " + Utf8(name));
@@ -124,8 +124,8 @@ TEST_F(WriteFaults, LeaveWhatWasThereAndNothingElse) {
             for (const std::size_t room : {0U, 300000U}) {
                 files.fault = static_cast<FaultyFiles::Fault>(fault);
                 files.room = room;
-                const std::u16string told = Run(kind);
-                EXPECT_TRUE(told.ends_with(target + u": fault")) << Utf8(told);
+                const std::u16string message = Run(kind);
+                EXPECT_TRUE(message.ends_with(target + u": fault")) << Utf8(message);
                 ASSERT_EQ(Files(), before);
             }
         }
@@ -151,7 +151,7 @@ TEST_F(WriteFaults, LeaveWhatWasThereAndNothingElse) {
     after[u"p_1.wav"] = "old p_1.wav";
     EXPECT_EQ(after, before);
 
-    // Without a fault everything is replaced, and nothing lies beside it.
+    // Without a fault everything is replaced, and no temporary file is left.
     block.holeTo = 0;
     for (const std::u16string kind : {u"bin", u"wav", u"edf", u"txt", u"split"}) EXPECT_EQ(Run(kind), u"");
     after = Files();
@@ -159,7 +159,7 @@ TEST_F(WriteFaults, LeaveWhatWasThereAndNothingElse) {
     for (const auto& [name, bytes] : after) EXPECT_GT(bytes.size(), 400000U) << Utf8(name);
 }
 
-TEST_F(WriteFaults, NamesThatAreTakenAndLongOnesAreNoHindrance) {
+TEST_F(WriteFaults, TemporaryNamesAvoidExistingFilesAndAreShortEnough) {
     folder.Write(u"quillon-1.part", "another's");
     const std::u16string longest = std::u16string(246, u'n') + u".bin";
     for (int time = 0; time < 2; ++time) {

@@ -107,7 +107,7 @@ TEST(NumberText, Patterns) {
     }
 }
 
-TEST(FormatValue, ChoosesPrefixAndFoldsInTheOneOfTheUnit) {
+TEST(FormatValue, ChoosesThePrefixAndAddsThatOfTheUnit) {
     EXPECT_EQ(Values({0, 0.05, -150, 1e5, -9.99999, 0.0001}, u""), " 0 V| 50 mV|-0.15 kV| 0.1 MV|-10 V| 0.1 mV|");
     EXPECT_EQ(Values({-0.0, 0.5, 2e-5, 100}, u"mV"), " 0 mV| 500 mV| 20000 nV| 100 V|");
     EXPECT_EQ(Values({1.5, 2e-5, 3e5}, u"kHz"), " 0.0015 kHz| 0.02 mHz| 0.0003 GHz|");
@@ -207,7 +207,7 @@ TEST(FormatFrequency, UnitsMeetAtTheirBounds) {
     EXPECT_EQ(FormatFrequency(1e6, u" ", true, {}), u"1000000 Hz");
 }
 
-TEST(Format, NoNumberBreaksAText) {
+TEST(Format, EveryNumberGivesAText) {
     EXPECT_EQ(Values({kNan, -kInfinity}, u"V"), " NaN V|-Inf V|");
     EXPECT_EQ(FormatTime(kNan, u" ", {}), u"NaN s");
     EXPECT_EQ(Hertz(kInfinity), u"Inf GHz");

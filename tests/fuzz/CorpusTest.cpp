@@ -39,7 +39,7 @@ void CheckAll(const std::string& name, const Bytes& bytes) {
     EXPECT_NO_THROW(fuzz::CheckUses(bytes)) << name;
 }
 
-TEST(Corpus, SeedsKeepEveryPromiseWholeAndDamaged) {
+TEST(Corpus, ChecksPassOnWholeAndDamagedSeeds) {
     const auto seeds = FilesOf("fuzz/corpus");
     ASSERT_FALSE(seeds.empty());
     std::mt19937 random(7);
@@ -57,7 +57,7 @@ TEST(Corpus, SeedsKeepEveryPromiseWholeAndDamaged) {
     }
 }
 
-TEST(Corpus, NoNumberOfAHeaderIsTakenOnTrust) {
+TEST(Corpus, ExtremeNumbersInHeadersAreChecked) {
     for (const auto& [name, seed] : FilesOf("fuzz/corpus")) {
         for (std::size_t at = 0; at + 4 <= std::min<std::size_t>(seed.size(), 1024); at += 4) {
             for (const std::string_view number : {"\xFF\xFF\xFF\x7F", "\xFE\xFF\xFF\xFF", "9999"}) {
@@ -80,7 +80,7 @@ TEST(Corpus, AnnotationsStayWithinTheirMemory) {
     EXPECT_GT(bytes, kAnnotationMemory / 2);
 }
 
-TEST(Corpus, DamagedRecordingsKeepEveryPromise) {
+TEST(Corpus, ChecksPassOnDamagedRecordings) {
     const std::filesystem::path recordings = "../shared/recordings";
     if (!std::filesystem::exists(recordings)) GTEST_SKIP() << "no reference recordings beside the project";
     for (const char* folder : {"malformed", "malformed-derived"}) {

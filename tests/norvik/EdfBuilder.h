@@ -10,7 +10,7 @@
 
 namespace quillon {
 
-/// Makes small EDF and BDF files in memory. Every field can be set to a lie.
+/// Makes small EDF and BDF files in memory. Every field can be set to a wrong value.
 struct EdfBuilder {
     struct Signal {
         std::string label = "EEG";

@@ -24,7 +24,7 @@ std::vector<std::string> Titles(const RecordingContent& content) {
     return titles;
 }
 
-/// The list that tells a record's onset.
+/// The list that states a record's onset.
 std::string Onset(const std::string& seconds) {
     return seconds + "\x14\x14\0"s;
 }
@@ -69,7 +69,7 @@ class FailingSource final : public ByteSource {
     std::uint64_t m_end;
 };
 
-TEST(EdfReader, UnreadableAnnotationsCostNoSamplesWhereThereAreNoGaps) {
+TEST(EdfReader, UnreadableAnnotationsLoseNoSamplesWhereThereAreNoGaps) {
     EdfBuilder file{.reserved = "EDF+C", .recordCount = 10, .signals = {{.samplesPerRecord = 40000}}};
     file.Annotate({Onset("+0") + Note("+0.5", "first"), Onset("+1"), Onset("+2"), Onset("+3"), Onset("+4"), Onset("+5"),
                    Onset("+6"), Onset("+7") + Note("+7", "lost")});
@@ -91,7 +91,8 @@ TEST(EdfReader, OnsetsWithinHalfASampleOfTheFastestSignalAreNoGap) {
     EXPECT_EQ(ReadEdf(file.Source()).blocks.size(), 2U) << "two rates, one stretch";
     file.signals.back().lists[3] = Onset("+3.06");
     EXPECT_EQ(ReadEdf(file.Source()).blocks.size(), 4U);
-    // A record without an onset goes on where the one before ended; a file that says it has no gaps is believed.
+    // A record without an onset goes on where the one before ended; in a file declared to have no gaps
+    // only the first onset counts.
     file.signals.back().lists = {Onset("+5"), "", Onset("+7"), Note("+99", "no onset")};
     EXPECT_EQ(ReadEdf(file.Source()).blocks.size(), 2U);
     EXPECT_THAT(Info(file), HasSubstr("2 records without an onset"));
@@ -164,27 +165,27 @@ TEST(EdfReader, WhatCannotBeReadIsRefusedWithItsPlace) {
     EXPECT_EQ(cut(100), "the header ends at byte 100 of 256");
     EXPECT_EQ(cut(767), "the header ends at byte 767 of 768");
     EXPECT_EQ(cut(787), "no whole record: the first one takes bytes 768 to 788, the file ends at byte 787");
-    const auto lie = [&](int place, std::string text, std::size_t width) {
+    const auto wrong = [&](int place, std::string text, std::size_t width) {
         text.resize(width, ' ');
         std::vector<std::uint8_t> changed = bytes;
         std::copy(text.begin(), text.end(), changed.begin() + place);
         return refusal(changed);
     };
-    EXPECT_EQ(lie(0, "1", 8), "not EDF or BDF: version '1' at byte 0");
+    EXPECT_EQ(wrong(0, "1", 8), "not EDF or BDF: version '1' at byte 0");
     for (const std::string count : {"abcd", "33e3", "0", "-3", "", "1.5", "nan"})
-        EXPECT_EQ(lie(252, count, 4), "signal count '" + count + "' at byte 252");
-    EXPECT_EQ(lie(252, "9999", 4), "the header ends at byte 828 of 2560000");
+        EXPECT_EQ(wrong(252, count, 4), "signal count '" + count + "' at byte 252");
+    EXPECT_EQ(wrong(252, "9999", 4), "the header ends at byte 828 of 2560000");
     for (const std::string time : {"0", "-1", "inf", "1E300", "1e-300", "one", ""})
-        EXPECT_EQ(lie(244, time, 8), "record duration '" + time + "' at byte 244");
+        EXPECT_EQ(wrong(244, time, 8), "record duration '" + time + "' at byte 244");
     for (const std::string count : {"0", "-4", "x", "2.5", "1e300", ""})
-        EXPECT_EQ(lie(696, count, 8), "samples per record '" + count + "' at byte 696");
-    EXPECT_THAT(lie(696, "99999999", 8), HasSubstr("the first one takes bytes 768 to 200000774"));
+        EXPECT_EQ(wrong(696, count, 8), "samples per record '" + count + "' at byte 696");
+    EXPECT_THAT(wrong(696, "99999999", 8), HasSubstr("the first one takes bytes 768 to 200000774"));
     EdfBuilder annotations{.seconds = "0"};
     annotations.Annotate({Onset("+0")});
     EXPECT_THAT(refusal(annotations.Bytes()), HasSubstr("annotations only"));
 }
 
-TEST(EdfReader, LimitsGiveScalesOrAreToldToBeUseless) {
+TEST(EdfReader, LimitsGiveScalesOrAreReportedAsUnusable) {
     const auto scale = [](std::string low, std::string high, std::string lowCode, std::string highCode) {
         const EdfBuilder file{.signals = {{"EEG", "uV", low, high, lowCode, highCode}}};
         const auto block = ReadEdf(file.Source()).blocks[0];
@@ -235,7 +236,7 @@ std::string Lists(std::string text) {
     return text;
 }
 
-/// What one record gives: "onset;" when it tells one, "at text;" of every annotation, "!" for every damaged list.
+/// What one record gives: "onset;" when it states one, "at text;" of every annotation, "!" for every damaged list.
 std::string Parse(const std::string& bytes, std::size_t piece) {
     EdfAnnotations annotations;
     for (std::size_t at = 0; at < bytes.size(); at += piece)
@@ -247,11 +248,11 @@ std::string Parse(const std::string& bytes, std::size_t piece) {
     return out + std::string(annotations.Malformed(), '!');
 }
 
-TEST(EdfAnnotations, ListsHoldToTheirFormOrAreCounted) {
+TEST(EdfAnnotations, MalformedListsAreCounted) {
     const std::vector<std::pair<std::string, std::string>> cases{
         {"-0.065||Recording starts|___", "-0.065;-0.065 Recording starts;"},
         {"+1||_+1.5~2.25|a|b|__+2|c|", "1;1.5 a;1.5 b;2 c;"},
-        {"+3|text first|_+4||_", "3 text first;"},  // tells no onset of the record
+        {"+3|text first|_+4||_", "3 text first;"},  // does not state the onset of the record
         {"+1||_+2|caf\xE9 |_+3|caf\xC3\xA9|_", "1;2 caf\xC3\xA9 ;3 caf\xC3\xA9;"},
         {"+12345678.000000001|a|_", "12345678.000000002 a;"},
         // No sign, no digits, an exponent, two points, a number that is none, no end, not even a stamp.

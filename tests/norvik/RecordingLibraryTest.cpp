@@ -43,7 +43,7 @@ TEST(RecordingLibrary, OpensByContentUnderAnyNameAndLeavesTheFileFree) {
     EXPECT_THROW(block->ReadCodes(1, 0, 2, codes), ReadError) << "cut while open";
 }
 
-TEST(RecordingLibrary, FailuresAreToldInTheLanguageOfTheLibrary) {
+TEST(RecordingLibrary, FailuresAreInTheLanguageOfTheLibrary) {
     const TemporaryFolder folder;
     const auto reason = [](Language language, const std::u16string& path) {
         const auto library = MakeRecordingLibrary(language);
@@ -58,7 +58,7 @@ TEST(RecordingLibrary, FailuresAreToldInTheLanguageOfTheLibrary) {
     EXPECT_FALSE(reason(Language::English, folder.Path()).empty()) << "a folder";
 }
 
-TEST(RecordingLibrary, TheExtensionDecidesWhoTellsTheFaultOfAFileThatBeginsLikeNone) {
+TEST(RecordingLibrary, TheExtensionChoosesTheReaderOfAnUnrecognisedFile) {
     using Case = std::pair<std::u16string_view, std::string>;
     for (const auto& [name, part] :
          {Case(u"A.EDF", "3 of 256"), Case(u"a.bdf", "3 of 256"), Case(u"a.Rf64", "3 of 12"),
@@ -116,7 +116,7 @@ struct BinFile {
     std::vector<Codes> codes;
 };
 
-TEST(BinReader, AcquisitionNumbersAreKeptAndOthersGiveWayToThePosition) {
+TEST(BinReader, AcquisitionNumbersAreKeptAndUnusableOnesReplacedByThePosition) {
     // Usable, repeated, beyond 32, senseless.
     for (const auto& [first, second] : {std::pair{4U, 2U}, {5U, 5U}, {0U, 32U}, {0xFFFFFFFFU, 32U}}) {
         const auto block = BinFile(2).Input(0, first).Input(1, second).Read().blocks.at(0);
@@ -147,10 +147,10 @@ TEST(BinReader, FurtherChannelsFormFurtherBlocks) {
     }
 }
 
-TEST(BinReader, TheDataSizeIsBelievedAsFarAsTheDataReach) {
+TEST(BinReader, TheDataSizeIsLimitedToTheFile) {
     const FileBytes whole = BinFile(2, 100).file;
     const std::string grown = "; length taken from the file's size";
-    using Case = std::tuple<std::uint32_t, std::size_t, std::string>;  // declared size, bytes cut off, told
+    using Case = std::tuple<std::uint32_t, std::size_t, std::string>;  // declared size, bytes cut off, remark
     for (const auto& [declared, cut, samples] :
          {Case(400, 0, "100 samples"), Case(399, 0, "99 samples"), Case(40, 0, "10 samples"),
           Case(0, 0, "100 samples" + grown), Case(400, 400, "0 samples; cut short: 0 of 100 samples"),
@@ -162,7 +162,7 @@ TEST(BinReader, TheDataSizeIsBelievedAsFarAsTheDataReach) {
     }
 }
 
-TEST(BinReader, UnusableScalesAndDatesAreReplacedAndTold) {
+TEST(BinReader, UnusableScalesAndDatesAreReplacedAndReported) {
     for (const float scale : {0.0F, std::numeric_limits<float>::infinity()}) {
         const RecordingContent content = BinFile(1, 4, scale).Read();
         content.blocks[0]->Prepare();

@@ -176,7 +176,7 @@ TEST(WaveReader, ChunksAreFoundInAnyOrderAndWithoutPadding) {
         EXPECT_EQ(AllCodes(*OnlyBlock(Form(chunks)), 1), (Codes{5, 6}));
 }
 
-TEST(WaveReader, SizesThatLieAreCutToTheFile) {
+TEST(WaveReader, WrongSizesAreLimitedToTheFile) {
     const FileBytes list = FileBytes().Chunk("LIST", FileBytes().Text("INFOxxxx"));
     const FileBytes plain = Ramp(50);
     const std::pair<FileBytes, int> cases[] = {

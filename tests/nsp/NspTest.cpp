@@ -99,7 +99,7 @@ TEST(Spectrum, TransformAndIndicesAreThoseOfDoublePrecision) {
         const std::size_t length = std::size_t{1} << order;
         // Among them ranges whose squared magnitudes would leave single precision.
         const float h = order == 6 ? 1e-20F : order == 7 ? 1e20F : 1.0F;
-        // An offset of many half ranges hides nothing.
+        // A large offset does not change the result.
         const float offset = order % 2 == 0 ? 0.0F : 40.0F;
         const Samples recording = Recording(length + 450, h, offset);
         for (int kind = 0; kind < 4; ++kind) {
@@ -145,7 +145,7 @@ TEST(Spectrum, TransformAndIndicesAreThoseOfDoublePrecision) {
     EXPECT_THROW(SpectrumBatch(kMostFftOrder + 1, nullptr, {}), std::invalid_argument);
 }
 
-TEST(Spectrum, SilenceIsBlankAndWhatIsNoNumberStaysInItsFrame) {
+TEST(Spectrum, ZerosAreBlankAndNaNAffectsItsFrameOnly) {
     const Samples window(32, 1.0F);
     const Samples noise = Recording(32, 1.0F, 0.0F);
     for (const float decibels : {0.0F, 1.0F, 120.0F}) {

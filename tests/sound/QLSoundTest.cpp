@@ -29,9 +29,9 @@ class QLSoundTest : public ::testing::Test {
             device.events = std::move(events);
             return std::make_unique<FakeOutput>(device);
         });
-        sound->onStarted = [this] { told.emplace_back("started"); };
-        sound->onStopped = [this] { told.emplace_back("stopped"); };
-        sound->onPlayProgress = [this](std::int32_t sample) { told.push_back(std::to_string(sample)); };
+        sound->onStarted = [this] { raised.emplace_back("started"); };
+        sound->onStopped = [this] { raised.emplace_back("stopped"); };
+        sound->onPlayProgress = [this](std::int32_t sample) { raised.push_back(std::to_string(sample)); };
     }
 
     std::vector<std::string> TakeCalls() { return std::exchange(device.calls, {}); }
@@ -41,7 +41,7 @@ class QLSoundTest : public ::testing::Test {
     ViewBlock view;
     FakeServices services;
     DeviceState device;
-    std::vector<std::string> told;
+    std::vector<std::string> raised;
     std::optional<QLSound> sound;
 };
 
@@ -121,18 +121,18 @@ TEST_F(QLSoundTest, AReadErrorEndsThePlaybackAndFreesTheRecording) {
     EXPECT_FALSE(sound->Playing());
     device.events.stopped();
     EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadCodes") << "kept for the window";
-    EXPECT_EQ(told, Lines({"stopped"}));
+    EXPECT_EQ(raised, Lines({"stopped"}));
     sound->Play(0, 1, 10000);
     EXPECT_FALSE(sound->Playing());
     EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadFrames");
     EXPECT_EQ(fake.use_count(), 2) << "held by the view and the test alone";
 }
 
-TEST_F(QLSoundTest, EventsTellWhereItIsAndHowItEnded) {
+TEST_F(QLSoundTest, EventsReportThePositionAndTheEnd) {
     sound->Play(1, 101, 200);
     device.events.started();
     for (const std::int64_t played : {0, 50, 40, 199, 100000}) device.events.writeProgress(played);
-    EXPECT_EQ(std::exchange(told, {}), Lines({"started", "101", "151", "151", "300", "300"}));
+    EXPECT_EQ(std::exchange(raised, {}), Lines({"started", "101", "151", "151", "300", "300"}));
     // The viewer may load another block meanwhile.
     view = {};
     EXPECT_EQ(fake.use_count(), 2);
@@ -143,7 +143,7 @@ TEST_F(QLSoundTest, EventsTellWhereItIsAndHowItEnded) {
     EXPECT_EQ(fake.use_count(), 1);
 
     device.events.writeProgress(7);
-    EXPECT_EQ(told, Lines({"stopped"})) << "a late position says nothing";
+    EXPECT_EQ(raised, Lines({"stopped"})) << "a late position raises no event";
 }
 
 TEST_F(QLSoundTest, TheChosenDeviceIsTheOneOfThatName) {

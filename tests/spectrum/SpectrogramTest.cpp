@@ -67,7 +67,7 @@ std::vector<std::uint8_t> Column(ValueBlock& block, const SpectrumSettings& sett
     return indexes;
 }
 
-TEST(QL_FFT, AnyWayOfScrollingGivesWhatEveryColumnIsAlone) {
+TEST(QL_FFT, AnyWayOfScrollingEqualsComputingEveryColumnAlone) {
     std::mt19937 random(18);
     for (int kind = 0; kind < 12; ++kind) {
         // Longer than the transform, shorter than it, and too short for it; frames that would end one sample too far
@@ -149,21 +149,21 @@ TEST(QL_FFT, SettingsAreRepairedAndWhatCannotBeShownStaysBlank) {
 TEST(QL_FFT, WhatCouldNotBeReadIsComputedOnceItCanBeWhereverItHasMoved) {
     std::mt19937 random(31);
     ValueBlock whole = Tones(6000);
-    ValueBlock holey = whole;
+    ValueBlock damaged = whole;
     SpectrumSettings settings{.order = 6};
     QL_FFT expected(settings);
     QL_FFT actual(settings);
     for (QL_FFT* fft : {&expected, &actual}) fft->FFT_Init(100);
     expected.FFT_SetChannel(&whole, 0, 0, kLimits);
-    actual.FFT_SetChannel(&holey, 0, 0, kLimits);
+    actual.FFT_SetChannel(&damaged, 0, 0, kLimits);
     const auto same = [&] {
         return std::equal(actual.Image().begin(), actual.Image().end(), expected.Image().begin());
     };
     std::int32_t first = 100;
     for (int round = 0; round < 200; ++round) {
         // Scrolled with a hole here or there, and then without one.
-        holey.holeFrom = 1000 + static_cast<std::int32_t>(random() % 3000);
-        holey.holeTo = holey.holeFrom + 1;
+        damaged.holeFrom = 1000 + static_cast<std::int32_t>(random() % 3000);
+        damaged.holeTo = damaged.holeFrom + 1;
         for (int step = 0; step < 3; ++step) {
             first = std::clamp(first + static_cast<std::int32_t>(random() % 61) - 30, 0, 300);
             actual.FFT_Update(first, 100, 10, step == 0);
@@ -172,7 +172,7 @@ TEST(QL_FFT, WhatCouldNotBeReadIsComputedOnceItCanBeWhereverItHasMoved) {
             for (std::int32_t column = 0; column < 100; ++column) {
                 // Frames of 64 samples begin half their length before the sample of the column, from 1.
                 const std::int32_t start = std::max((first + column) * 10 + 1 - 32, 1) - 1;
-                const bool hit = start <= holey.holeFrom && holey.holeFrom < start + 64;
+                const bool hit = start <= damaged.holeFrom && damaged.holeFrom < start + 64;
                 ASSERT_EQ(actual.IsRead(column), !hit) << column;
                 unread = unread || hit;
             }
@@ -180,7 +180,7 @@ TEST(QL_FFT, WhatCouldNotBeReadIsComputedOnceItCanBeWhereverItHasMoved) {
             ASSERT_EQ(same(), !unread);
         }
         const bool unread = !actual.ReadFailure().empty();
-        holey.holeTo = 0;
+        damaged.holeTo = 0;
         ASSERT_EQ(actual.FFT_Update(first, 100, 10, false) > 0, unread);
         ASSERT_EQ(actual.ReadFailure(), "");
         ASSERT_TRUE(same());
@@ -216,7 +216,7 @@ TEST(PaletteTest, ColorIsTheHueCircleByItsOtherFormula) {
     }
 }
 
-TEST(FrequencyScaleTest, RowsTextsAndUnitAreOfOneStep) {
+TEST(FrequencyScaleTest, RowsTextsAndUnitFollowTheStep) {
     const FormatOptions options{.unitScaling = false, .decimalSeparator = u','};  // there is a prefix all the same
     const FrequencyScaleMarks marks = FrequencyMarks(200, 48000.0, options);
     std::u16string found;
@@ -228,7 +228,7 @@ TEST(FrequencyScaleTest, RowsTextsAndUnitAreOfOneStep) {
     for (double rate : {0.0, -1.0, std::nan(""), HUGE_VAL}) EXPECT_TRUE(FrequencyMarks(99, rate, {}).ticks.empty());
 }
 
-TEST(FrequencyScaleTest, LabelsNeverOverlapAndNeverLackAtAnyRateAndHeight) {
+TEST(FrequencyScaleTest, LabelsExistAndNeverOverlapAtAnyRateAndHeight) {
     for (int height = 20; height <= 2000; height += height < 120 ? 1 : 37) {
         for (double rate = 0.01; rate <= 1e6; rate *= 1.11) {
             std::int32_t below = height;

@@ -78,7 +78,7 @@ TEST(TimeAxis, MovesAndScrollBarFollowTheirFormulas) {
     }
 }
 
-TEST(ViewHistory, GivesBackTheLastViewsInReverse) {
+TEST(ViewHistory, ReturnsTheLastViewsInReverse) {
     ViewHistory history;
     const auto place = [](int n) { return ViewPlace{n % 11, n, {{n % 19, n * 3000000000LL}}}; };
     for (int n = 1; n <= 100; ++n) {

@@ -54,7 +54,7 @@ TEST_F(GraphGesturesTest, TheLeftButtonSelectsTheSamplesOfItsColumns) {
     EXPECT_FALSE(m_selected.active);
 }
 
-TEST_F(GraphGesturesTest, BesideTheGraphTheViewRunsOnUntilTheEndsOfTheBlock) {
+TEST_F(GraphGesturesTest, BesideTheGraphTheViewScrollsOnToTheEndsOfTheBlock) {
     m_view.ScrollBy(50000);
     m_gestures.Press(GraphButton::Left, GraphZone::Traces, {.x = 100});
     EXPECT_FALSE(m_gestures.IsBeside());
@@ -102,7 +102,7 @@ TEST_F(GraphGesturesTest, TheMiddleButtonDragsTheViewAndTheScaleItsBaseLine) {
     }
 }
 
-TEST_F(GraphGesturesTest, TheWheelTurnsWhatLiesUnderThePointer) {
+TEST_F(GraphGesturesTest, TheWheelActsOnWhatIsUnderThePointer) {
     struct Turn {
         GraphZone over;
         GraphPointer pointer;

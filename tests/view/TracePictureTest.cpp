@@ -92,7 +92,7 @@ TEST(TracePicture, EveryColumnHoldsItsRunOfSamplesAndLinesToItsNeighbours) {
 }
 
 /// With all that the picture consists of: grid, zero levels, marks, traces, bands and arrows.
-TEST(GraphPicture, ScrolledItIsWhatItIsDrawnAtOnce) {
+TEST(GraphPicture, ScrollingEqualsDrawingAnew) {
     Noise noise(3);
     noise.block.offsets[1] = 1e6F;
     noise.lanes.push_back(noise.lanes[0]);
@@ -132,7 +132,7 @@ TEST(GraphPicture, ScrolledItIsWhatItIsDrawnAtOnce) {
         ASSERT_TRUE(image == expected) << round << ", shift " << shift;
         ASSERT_EQ(arrowsOf(scrolled), arrowsOf(anew));
         EXPECT_EQ(arrowsOf(anew).size(), noise.axis.Visible().count < 1 ? 0U : 1U);
-        // A band that goes leaves nothing behind.
+        // A band that is removed is erased completely.
         for (const GraphBand which : {GraphBand::Play, GraphBand::Selection, GraphBand::Cursor}) {
             scrolled.SetBand(which, {});
         }
@@ -169,7 +169,7 @@ TEST(TraceCanvas, NothingLeavesTheImage) {
     }
 }
 
-TEST(InvertLightness, MovesEveryPartByTheSameAndUndoesItself) {
+TEST(InvertLightness, ShiftsEveryPartByTheSameAndIsItsOwnInverse) {
     std::vector<std::uint32_t> pixels;
     for (std::uint32_t red = 0; red < 256; red += 15)
         for (std::uint32_t green = 0; green < 256; green += 3)

@@ -150,7 +150,7 @@ TEST(ExtremesCache, EqualsTheBlockWithinItsMemoryAndReadsNothingTwice) {
     EXPECT_THROW(roomy.ColumnExtremes(block, one, 1, 200, 100, targets), std::exception);
 }
 
-/// A block as long as the contract allows, silent but for its last sample.
+/// A block as long as the contract allows, 0 but for its last sample.
 struct LongestBlock : FakeBlock {
     static constexpr std::int32_t kSamples = 2147483647;
     std::int32_t SampleCount() const override { return kSamples; }
@@ -255,7 +255,7 @@ TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {
     EXPECT_EQ(raw.viewportOriginY, 0);
 }
 
-TEST(TraceSides, AreThoseOfAllColumnsHoweverTheyCameIn) {
+TEST(TraceSides, EqualThoseOfAllColumnsInAnyOrderOfScrolling) {
     constexpr int width = 60;
     constexpr int height = 40;
     std::mt19937 random(8);

@@ -13,7 +13,7 @@ using namespace ::quillon::testing;
 
 using WaveformViewTest = ViewFixture;
 
-TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
+TEST_F(WaveformViewTest, BackReturnsToEarlierViews) {
     const auto first = Seen();
     m_view.Select(101, 200);
     EXPECT_TRUE(m_view.FitBlock().newPlace);
@@ -33,9 +33,9 @@ TEST_F(WaveformViewTest, ViewsAreLeftAndFoundAgain) {
     EXPECT_FALSE(m_view.Back().redraw) << "the present view is no way back";
 }
 
-/// Whatever is done, a redraw tells of every change that scrolling alone does not explain, and Back returns to each
-/// view that a jump or zoom has left.
-TEST_F(WaveformViewTest, ChangesAreToldAndEveryJumpCanBeTakenBack) {
+/// Whatever is done, a redraw is reported for every change that scrolling alone does not explain, and Back returns to
+/// each view that a jump or zoom has left.
+TEST_F(WaveformViewTest, ChangesAreReportedAndEveryJumpCanBeUndone) {
     std::mt19937 random(6);
     const auto any = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
     for (int round = 0; round < 5000; ++round) {
@@ -72,7 +72,7 @@ TEST_F(WaveformViewTest, ChangesAreToldAndEveryJumpCanBeTakenBack) {
     }
 }
 
-TEST_F(WaveformViewTest, MarksAreGoneToFromTheMiddleOrTheLastOne) {
+TEST_F(WaveformViewTest, TheNextMarkIsSoughtFromTheMiddleOrTheLastOne) {
     const auto middle = [&] { return SampleUnder(m_axis, m_axis.Width() / 2); };
     for (const std::int32_t mark : {30001, 70001}) {
         ASSERT_EQ(m_view.MarkFrom(true), mark);
@@ -140,7 +140,7 @@ TEST_F(WaveformViewTest, AScaleIsKeptAsLongAsTheDataAreReadableAtIt) {
     EXPECT_EQ(m_view.BaseLineShift(), 0);
 }
 
-TEST_F(WaveformViewTest, AReloadedRecordingIsSeenWhereItWas) {
+TEST_F(WaveformViewTest, AReloadedRecordingKeepsItsView) {
     m_view.SelectZoomX(1);
     m_view.ScrollBy(40000);
     m_view.Select(60000, 90000);

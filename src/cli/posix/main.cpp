@@ -7,7 +7,7 @@
 #include "cli/Cli.h"
 
 int main(int argc, char** argv) {
-    // A closed pipe shall be a failed write with exit code 1, not a silent end.
+    // A closed pipe shall be a failed write with exit code 1, not end the program by a signal.
     std::signal(SIGPIPE, SIG_IGN);
     std::ios::sync_with_stdio(false);
     const std::vector<std::string> words(argv + 1, argv + argc);

@@ -15,7 +15,8 @@ namespace quillon {
 
 namespace {
 
-/// Whether both paths lead to one file or folder; none where one cannot be opened or its file system numbers no files.
+/// Whether both paths lead to one file or folder; none where one cannot be opened or its file
+/// system has no file numbers.
 std::optional<bool> AreSame(const FileStamp& a, const FileStamp& b) {
     if (!a.known || !b.known || a.file == 0 || b.file == 0) return std::nullopt;
     return a.IsSameFile(b);

@@ -67,7 +67,7 @@ INT_PTR CALLBACK dlgOptions::PageProcedure(HWND page, UINT message, WPARAM wPara
 LRESULT CALLBACK dlgOptions::PageKeys(HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                       DWORD_PTR self) {
     auto& dialog = *reinterpret_cast<dlgOptions*>(self);
-    // The swatch is no push button to the system, so Enter would press OK.
+    // The system does not treat the owner-drawn colour button as a push button, so Enter would press OK.
     const auto opensColors = [&](WPARAM key) { return key == VK_RETURN && GetDlgCtrlID(control) == pbGridColor; };
     if (message == WM_NCDESTROY) RemoveWindowSubclass(control, PageKeys, id);
     if (message == WM_GETDLGCODE && lParam != 0) {
@@ -131,7 +131,7 @@ void dlgOptions::MakePages() {
             GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(controls.Get()), m_dialog, PageProcedure, 0);
         m_pages[static_cast<std::size_t>(page)] = window;
         SetWindowLongPtrW(window, GWLP_ID, pbTab + page);
-        // In front of the strip, and so first in the order of keys.
+        // In front of the strip, and therefore first in the tab order.
         SetWindowPos(window, HWND_TOP, inner.left, inner.top, inner.right - inner.left, inner.bottom - inner.top,
                      SWP_NOACTIVATE);
         EnableThemeDialogTexture(window, ETDT_ENABLETAB);

@@ -17,7 +17,7 @@ struct SplitDialogContext {
     std::shared_ptr<RecordingBlock> block;
     std::u16string recording;  ///< full path
     SplitSettings& settings;   ///< written when a run starts
-    KVExport& exporter;        ///< its progress is the dialog's during a run, and then none
+    KVExport& exporter;        ///< its progress callback is the dialog's during a run and is removed afterwards
     UserServices& services;
     char16_t decimalSeparator = u'.';
     std::function<void()> showHelp = {};

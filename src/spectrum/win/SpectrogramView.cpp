@@ -54,7 +54,7 @@ void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) 
     info.header.biClrUsed = 256;
     info.header.biClrImportant = 256;
     info.colors = fft.Colors();
-    // Indices are no colours that could be mixed: rows are dropped where there are more of them than pixels.
+    // Palette indices cannot be averaged: rows are dropped where there are more of them than pixels.
     if (height < fft.BinCount()) SetStretchBltMode(dc, COLORONCOLOR);
     StretchDIBits(dc, 0, 0, width, height, 0, 0, width, fft.BinCount(), fft.Image().data(),
                   reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);

@@ -62,7 +62,7 @@ fs::path TrashFolder() {
 }
 
 TEST_F(FileOperation, DeleteAsksAndMovesTheFileToTheRecycleBin) {
-    // The trash holds all that was ever deleted there, so the name tells this run's file.
+    // The trash holds all that was ever deleted there, so the file of this run has a unique name.
     const std::wstring unique = m_path.filename().wstring();
     const fs::path trash = TrashFolder();
     // Wine makes no trash without its parent folder.
@@ -88,7 +88,7 @@ TEST_F(FileOperation, DeleteAsksAndMovesTheFileToTheRecycleBin) {
     }
 }
 
-TEST_F(FileOperation, WhatIsRefusedTouchesNothing) {
+TEST_F(FileOperation, ARefusedOperationChangesNoFile) {
     for (const wchar_t* name : {L"A.edf", L"b.edf", L"Тень.edf"}) Make(name);
     fs::create_directory(m_path / "folder");
     testing::DialogCloser dialogs;

@@ -16,20 +16,20 @@ using testing::PumpUntil;
 using testing::TemporaryFolder;
 namespace fs = std::filesystem;
 
-constexpr DWORD patience = 10'000;  ///< ms until a change that has to come counts as missing
+constexpr DWORD timeout = 10'000;  ///< ms until a change that has to come counts as missing
 
-/// Sees every kind of change in a folder. When it has seen one, another notification on the same folder has had its
-/// chance too, so what that one did not report then, it never will.
-class Witness {
+/// Waits for a change of any kind in a folder. The system signals all notifications on a folder together, so after that
+/// the one under test has been signalled too or never will be.
+class ChangeWatch {
   public:
-    explicit Witness(const fs::path& folder)
+    explicit ChangeWatch(const fs::path& folder)
         : m_handle(FindFirstChangeNotificationW(folder.c_str(), FALSE,
                                                 FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_DIR_NAME |
                                                     FILE_NOTIFY_CHANGE_SIZE | FILE_NOTIFY_CHANGE_LAST_WRITE),
                    &FindCloseChangeNotification) {}
-    void Sees(const std::function<void()>& change) {
+    void Expect(const std::function<void()>& change) {
         change();
-        EXPECT_EQ(WaitForSingleObject(m_handle.get(), patience), WAIT_OBJECT_0);
+        EXPECT_EQ(WaitForSingleObject(m_handle.get(), timeout), WAIT_OBJECT_0);
         EXPECT_TRUE(FindNextChangeNotification(m_handle.get()));
     }
 
@@ -37,8 +37,8 @@ class Witness {
     std::unique_ptr<void, decltype(&FindCloseChangeNotification)> m_handle;
 };
 
-struct HandTimer final : TimerObject {
-    explicit HandTimer(std::function<void()> onTick) : tick(std::move(onTick)) {}
+struct ManualTimer final : TimerObject {
+    explicit ManualTimer(std::function<void()> onTick) : tick(std::move(onTick)) {}
     void PutEnabled(bool on) override { enabled = on; }
     void PutInterval(std::int32_t milliseconds) override { interval = milliseconds; }
     bool enabled = true;
@@ -50,7 +50,7 @@ class FileNotification : public ::testing::Test {
   protected:
     [[nodiscard]] std::unique_ptr<cFileNotification> Make() {
         const TimerFactory factory = [this](std::function<void()> tick) {
-            auto timer = std::make_unique<HandTimer>(std::move(tick));
+            auto timer = std::make_unique<ManualTimer>(std::move(tick));
             m_timer = timer.get();
             return timer;
         };
@@ -70,7 +70,7 @@ class FileNotification : public ::testing::Test {
 
     TemporaryFolder m_folder;
     fs::path m_path = m_folder.Path();
-    HandTimer* m_timer = nullptr;  ///< of the notification made last
+    ManualTimer* m_timer = nullptr;  ///< of the notification made last
     int m_events = 0;
 };
 
@@ -84,22 +84,22 @@ TEST_F(FileNotification, TellsNewDeletedAndRenamedFilesOnceAPeriodAndNothingElse
     ASSERT_TRUE(watch->StartWatch(m_path.wstring()));
     EXPECT_TRUE(m_timer->enabled);
     EXPECT_EQ(Tick(), 0);
-    Witness witness(m_path);
-    Witness inside(sub);
+    ChangeWatch changes(m_path);
+    ChangeWatch inside(sub);
     const std::function<void()> touch = [&] { Touch(a); };
     const std::function<void()> rename = [&] { fs::rename(a, b); };
     const std::function<void()> remove = [&] { fs::remove(b); };
     for (const auto& change : {touch, rename, remove}) {
-        witness.Sees(change);
+        changes.Expect(change);
         EXPECT_EQ(Tick(), 1);
         EXPECT_EQ(Tick(), 0);
     }
-    for (const auto& change : {touch, rename, touch}) witness.Sees(change);
+    for (const auto& change : {touch, rename, touch}) changes.Expect(change);
     EXPECT_EQ(Tick(), 1) << "of them all";
-    witness.Sees([&] { std::ofstream(a, std::ios::app) << "more"; });
-    witness.Sees([&] { fs::create_directory(m_path / "new"); });
-    inside.Sees([&] { Touch(sub / "b.edf"); });
-    inside.Sees([&] { fs::remove(sub / "b.edf"); });
+    changes.Expect([&] { std::ofstream(a, std::ios::app) << "more"; });
+    changes.Expect([&] { fs::create_directory(m_path / "new"); });
+    inside.Expect([&] { Touch(sub / "b.edf"); });
+    inside.Expect([&] { fs::remove(sub / "b.edf"); });
     EXPECT_EQ(Tick(), 0);
 }
 
@@ -108,16 +108,16 @@ TEST_F(FileNotification, ANewOrFailedWatchEndsTheOldOne) {
     // Names outside the ANSI code page are watched too; to one without it, A with macron looks like A.
     const fs::path second = Folder(L"Запись Ā 脳波");
     static_cast<void>(Folder(L"A"));
-    Witness inFirst(first);
-    Witness inSecond(second);
+    ChangeWatch inFirst(first);
+    ChangeWatch inSecond(second);
     const auto watch = Make();
     ASSERT_TRUE(watch->StartWatch(first.wstring()));
-    inFirst.Sees([&] { Touch(first / "a.edf"); });
+    inFirst.Expect([&] { Touch(first / "a.edf"); });
     ASSERT_TRUE(watch->StartWatch(second.wstring()));
     EXPECT_EQ(watch->Path(), second.wstring());
-    inFirst.Sees([&] { Touch(first / "b.edf"); });
+    inFirst.Expect([&] { Touch(first / "b.edf"); });
     EXPECT_EQ(Tick(), 0);
-    inSecond.Sees([&] { Touch(second / L"Ночь.edf"); });
+    inSecond.Expect([&] { Touch(second / L"Ночь.edf"); });
     EXPECT_EQ(Tick(), 1);
     for (const std::wstring& path : {(m_path / "missing").wstring(), std::wstring(), (m_path / L"Ā").wstring()}) {
         ASSERT_TRUE(watch->StartWatch(first.wstring()));
@@ -125,7 +125,7 @@ TEST_F(FileNotification, ANewOrFailedWatchEndsTheOldOne) {
         EXPECT_FALSE(m_timer->enabled);
         EXPECT_EQ(watch->Path(), L"");
     }
-    inFirst.Sees([&] { Touch(first / "c.edf"); });
+    inFirst.Expect([&] { Touch(first / "c.edf"); });
     // Not even where the timer ticks on.
     m_timer->enabled = true;
     EXPECT_EQ(Tick(), 0);

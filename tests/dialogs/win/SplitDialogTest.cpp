@@ -250,7 +250,7 @@ TEST_F(SplitDialog, TakesLongAndForeignNames) {
     EXPECT_EQ(SystemPath(u"C:/a"), L"C:/a");
 }
 
-TEST_F(SplitDialog, TellsOfFullDisksAndRefusedFiles) {
+TEST_F(SplitDialog, ReportsFullDisksAndRefusedFiles) {
     int files = 0;
     std::string bytes;
     m_makeFile = [&]() -> std::unique_ptr<OutputFile> {

@@ -115,7 +115,7 @@ TEST_F(WaveOutCapture, TheDeviceGetsTheCodesAsTheyAre) {
         EXPECT_EQ(started, 1);
         EXPECT_TRUE(std::is_sorted(heard.begin(), heard.end()));
         ASSERT_FALSE(heard.empty());
-        EXPECT_EQ(heard.back(), samples) << "the end is told";
+        EXPECT_EQ(heard.back(), samples) << "the end is reported";
         EXPECT_TRUE(Captured() == expected) << Captured().size() << " codes of " << expected.size();
     }
 }
@@ -140,7 +140,7 @@ TEST_F(WaveOutCapture, HoursStartAtOnceAndStopAtOnce) {
         ASSERT_EQ(codes[static_cast<std::size_t>(at)], EndlessBlock::CodeAt(5000 + at));
     }
 
-    // Stopped by the user: told later, once. And a playback replaced at once says nothing at all.
+    // Stop raises one event, later; a playback that is replaced at once raises none.
     sound->Play(1, 9001, kDay);
     sound->Play(1, 1, kDay);
     const std::size_t before = heard.size();
@@ -150,13 +150,13 @@ TEST_F(WaveOutCapture, HoursStartAtOnceAndStopAtOnce) {
     EXPECT_EQ(stopped, 1);
     ASSERT_TRUE(PumpUntil([&] { return stopped == 2; }));
 
-    // Unloaded while it plays: nothing comes any more.
+    // Destroyed while it plays: no event after that.
     sound->Play(1, 1, kDay);
     ASSERT_TRUE(PumpUntil([&] { return started == 4; }));
     sound.reset();
-    const std::size_t told = heard.size();
+    const std::size_t count = heard.size();
     PumpQueued();
-    EXPECT_EQ(heard.size(), told);
+    EXPECT_EQ(heard.size(), count);
     EXPECT_EQ(stopped, 2);
 }
 
@@ -179,7 +179,7 @@ TEST_F(WaveOutCapture, EventsMayStopAndStart) {
     ASSERT_TRUE(PumpUntil([&] { return rounds == 4 && !sound->Playing() && stopped == 3; }));
     EXPECT_EQ(Captured().size(), 9000U);
 
-    // The progress that tells the end, too: so short a sound is over before the timer asks for its position.
+    // Also the progress event of the end: such a short sound ends before the timer first asks for the position.
     sound->onStarted = nullptr;
     sound->onPlayProgress = [&](std::int32_t sample) {
         if (sample == 3) sound->Play(1, 4, 9000);
@@ -211,9 +211,9 @@ TEST_F(WaveOutCapture, RefusesWhatNoDeviceTakesAndTakesWhatItDoes) {
 }
 
 /// Without any device.
-class WaveOutSilence : public SoundTest {};
+class WaveOutWithoutDevice : public SoundTest {};
 
-TEST_F(WaveOutSilence, NothingHappensAndNothingIsSaid) {
+TEST_F(WaveOutWithoutDevice, NoCallFailsAndNoEventIsRaised) {
     Make();
     if (sound->Available()) GTEST_SKIP() << "this system has a sound device";
     Show(std::make_shared<EndlessBlock>(), 100000, 1, 8000);

@@ -14,7 +14,7 @@ using FileBytes = samples::Bytes;
 TEST(LargeFile, SamplesBeyondFourGibibytesAreReached) {
     const testing::TemporaryFolder folder;
     constexpr std::uint64_t size = 9ULL << 30;  // so that the second block, too, begins beyond 32 bits
-    // The size has wrapped in the first and the third file; in the second the long size tells it.
+    // The size has wrapped in the first and the third file; in the second the long size is the true one.
     FileBytes wrapped;
     wrapped.Text("RIFF").U32(0).Text("WAVEfmt ").U32(16).U16(1).U16(2).U32(100).U32(400).U16(4).U16(16);
     wrapped.Text("data").U32(static_cast<std::uint32_t>(size - 44));

@@ -5,7 +5,7 @@
 namespace quillon {
 namespace {
 
-TEST(CodePageTest, NamesGoAndComeInEveryKindOfCodePage) {
+TEST(CodePageTest, NamesAreConvertedBothWaysInEveryKindOfCodePage) {
     EXPECT_EQ(ToCodePage(1251, u"ЭЭГ Fp1 µ", 32), "\xDD\xDD\xC3 Fp1 \xB5");
     EXPECT_EQ(FromCodePage(1251, "\xDD\xDD\xC3 Fp1 \xB5"), u"ЭЭГ Fp1 µ");
     EXPECT_EQ(ToCodePage(1252, u"ЭA\u0100", 32), "?A?") << "no look-alike";
@@ -15,7 +15,7 @@ TEST(CodePageTest, NamesGoAndComeInEveryKindOfCodePage) {
     EXPECT_EQ(FromCodePage(1251, ""), u"");
 }
 
-TEST(CodePageTest, FieldsEndBehindAWholeCharacter) {
+TEST(CodePageTest, FieldsEndAfterAWholeCharacter) {
     EXPECT_EQ(ToCodePage(CP_UTF8, u"ЭЭГ", 5), "\xD0\xAD\xD0\xAD");
     EXPECT_EQ(ToCodePage(CP_UTF8, u"\U0001D11E\U0001D11E", 7), "\xF0\x9D\x84\x9E");
     EXPECT_EQ(ToCodePage(932, u"脳波", 3), ToCodePage(932, u"脳", 32));

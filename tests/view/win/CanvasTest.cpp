@@ -120,7 +120,7 @@ TEST(cMemDC, OwnsWhatItIsGivenAndIgnoresWhatItIsNot) {
         EXPECT_EQ(canvas.Pen(), second);
         EXPECT_TRUE(IsObject(brush.Get()));
         canvas.Pen(second);
-        EXPECT_TRUE(IsObject(second)) << "given once more, not deleted under the hand";
+        EXPECT_TRUE(IsObject(second)) << "setting it again does not delete it";
 
         std::uint32_t* pixels = canvas.CreatePixels(3, 2);
         ASSERT_NE(pixels, nullptr);
