@@ -18,6 +18,7 @@ struct FileType {
     bool (KV_Export::*write)(RecordingBlock*, const std::u16string&, std::int32_t, std::int32_t);
 };
 
+// Descriptions and LastError are the same in every language; Reason is in the user's.
 constexpr std::array kFileTypes = {
     FileType{u"Supported Files (*.bin;*.wav;*.edf)", u"", nullptr},
     FileType{u"Binary Files", u"*.bin", &KV_Export::WriteBinFile},

@@ -164,6 +164,7 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     sink->Write(titles);
     for (std::int32_t chunk = 0; chunk < chunks && !sink->Failed(); ++chunk) {
         if (chunk % interval == 0) {
+            // The same in every language, as are the other fixed texts of this file.
             const std::int64_t percent = std::int64_t{chunk} * 100 / chunks;
             context.services.SetStatus(u"Export to text: " + Decimal(percent) + u"% ");
         }
