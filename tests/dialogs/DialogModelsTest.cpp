@@ -2,7 +2,9 @@
 
 #include <limits>
 
+#include "dialogs/OptionsLayout.h"
 #include "dialogs/OptionsModel.h"
+#include "support/FakeRecording.h"
 
 namespace quillon {
 namespace {
@@ -53,6 +55,37 @@ TEST(OptionsModel, KeepsWhatItCannotShow) {
     expected.text.rowStep = 0;
     expected.display.waveformCursor = 3;
     EXPECT_EQ(values, expected);
+}
+
+/// Whether both have the same entries of the options table.
+void ExpectSame(const OptionEntries& shown, const OptionEntries& entries, int id) {
+    for (const OptionChoice& choice : OptionChoices())
+        EXPECT_EQ(shown.*choice.entry, entries.*choice.entry) << id << " and " << choice.id;
+    for (const OptionTick& tick : OptionTicks())
+        EXPECT_EQ(shown.*tick.entry, entries.*tick.entry) << id << " and " << tick.id;
+}
+
+TEST(OptionsModel, EveryPositionOfEveryControlIsStoredByItselfAndShownAgain) {
+    const testing::FakeServices services;
+    for (const OptionChoice& choice : OptionChoices()) {
+        const int count =
+            choice.buttons > 0 ? choice.buttons : static_cast<int>(OptionLines(services, choice.id).size());
+        ASSERT_GT(count, 1) << choice.id;
+        for (int position = 0; position < count; ++position) {
+            Values values;
+            OptionEntries entries = ShowOptions(values, u'.');
+            entries.*choice.entry = position;
+            ApplyOptions(entries, u'.', values);
+            ExpectSame(ShowOptions(values, u'.'), entries, choice.id);
+        }
+    }
+    for (const OptionTick& tick : OptionTicks()) {
+        Values values;
+        OptionEntries entries = ShowOptions(values, u'.');
+        entries.*tick.entry = !(entries.*tick.entry);
+        ApplyOptions(entries, u'.', values);
+        ExpectSame(ShowOptions(values, u'.'), entries, tick.id);
+    }
 }
 
 TEST(OptionsModel, TakesNumbersWithinTheirLimitsOnly) {
