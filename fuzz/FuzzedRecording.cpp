@@ -54,9 +54,16 @@ std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes) {
     } else {
         source = std::make_shared<MemorySource>(std::move(file));
     }
+    const auto openCompanion = [bytes, exists = choice[0] < 128](const std::u16string&,
+                                                                 Bilingual& error) -> std::shared_ptr<ByteSource> {
+        const auto half = bytes.subspan(bytes.size() / 2);
+        if (exists) return std::make_shared<MemorySource>(std::vector<std::uint8_t>(half.begin(), half.end()));
+        error = Say(u"there is no such file", u"такого файла нет");
+        return nullptr;
+    };
     try {
-        FuzzedRecording recording{ReadRecording({source, std::u16string(names[choice[0] % names.size()])}), isLong,
-                                  shrinks};
+        const std::u16string name(names[choice[0] % names.size()]);
+        FuzzedRecording recording{ReadRecording({source, name, Companions(openCompanion)}), isLong, shrinks};
         const RecordingContent& content = recording.content;
         Require(!content.blocks.empty(), "a recording has a block");
         const bool described = content.info.english.starts_with(content.format) && !content.info.russian.empty();

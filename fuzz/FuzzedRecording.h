@@ -23,7 +23,8 @@ inline void Require(bool holds, const char* condition) {
 /// What the fuzzer's bytes mean. They are a file as it is; its last four bytes also choose what happens around it, so
 /// that any recording can be a seed: the extension of its name (which chooses the reader where the first bytes do not),
 /// how often its end is repeated (vector code and piece buffers need more bytes than an input has), and after how many
-/// reads the file is shorter than when it was opened, and by how much.
+/// reads the file is shorter than when it was opened, and by how much. The first of the four also decides whether the
+/// files beside it exist: each is then the second half of the bytes, whatever its name.
 struct FuzzedRecording {
     RecordingContent content;
     bool isLong = false;   ///< its end is repeated: more samples are worth a look
