@@ -12,6 +12,10 @@
 /// System calls for writing files. Every call that fails leaves the system's reason in `error`.
 namespace quillon {
 
+/// Bytes after which a file that waits for the disk does so: Close at the end of a long file then takes no longer than
+/// any other call.
+inline constexpr std::size_t kFlushedBytes = std::size_t{16} << 20;
+
 /// An open file that takes bytes.
 class ByteSink {
   public:
@@ -48,7 +52,7 @@ class FileSystem {
     [[nodiscard]] virtual std::optional<Place> FindPlace(const std::u16string& path, Bilingual& error) = 0;
     /// Makes a file for that place under an unused name. Null when it cannot; `taken` where the reason is that
     /// something has the name. Where it is going to replace a file, its Close waits for the disk, so that a
-    /// loss of power leaves the old file or the whole new one.
+    /// loss of power leaves the old file or the whole new one; so does Write every kFlushedBytes.
     [[nodiscard]] virtual std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place,
                                                               bool& taken, Bilingual& error) = 0;
     /// Gives a file that name, replacing a file that has it, in one step.

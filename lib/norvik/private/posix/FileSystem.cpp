@@ -20,7 +20,7 @@ namespace {
 
 class FileSink final : public ByteSink {
   public:
-    /// Takes the descriptor over. With `durable` Close waits until the disk has everything.
+    /// Takes the descriptor over. With `durable` Write and Close wait for the disk, as CreateNew tells.
     explicit FileSink(int descriptor, bool durable = false) : m_descriptor(descriptor), m_durable(durable) {}
     ~FileSink() override {
         if (m_descriptor >= 0) ::close(m_descriptor);
@@ -35,8 +35,13 @@ class FileSink final : public ByteSink {
                 return false;
             }
             bytes = bytes.subspan(static_cast<std::size_t>(part));
+            m_unflushed += static_cast<std::size_t>(part);
         }
-        return true;
+        if (!m_durable || m_unflushed < kFlushedBytes) return true;
+        m_unflushed = 0;
+        if (::fsync(m_descriptor) == 0) return true;
+        error = SystemText(errno);
+        return false;
     }
 
     [[nodiscard]] bool Close(Bilingual& error) override {
@@ -52,6 +57,7 @@ class FileSink final : public ByteSink {
   private:
     int m_descriptor;
     bool m_durable;
+    std::size_t m_unflushed = 0;  ///< bytes
 };
 
 /// Follows links, also one that leads to nothing yet, as opening a file for writing would. False, with the reason in

@@ -13,7 +13,7 @@ namespace {
 
 class FileSink final : public ByteSink {
   public:
-    /// Takes the handle over. With `durable` Close waits until the disk has everything.
+    /// Takes the handle over. With `durable` Write and Close wait for the disk, as CreateNew tells.
     explicit FileSink(HANDLE file, bool durable = false) : m_file(file), m_durable(durable) {}
     ~FileSink() override {
         if (m_file != INVALID_HANDLE_VALUE) ::CloseHandle(m_file);
@@ -28,8 +28,13 @@ class FileSink final : public ByteSink {
                 return false;
             }
             bytes = bytes.subspan(part);
+            m_unflushed += part;
         }
-        return true;
+        if (!m_durable || m_unflushed < kFlushedBytes) return true;
+        m_unflushed = 0;
+        if (::FlushFileBuffers(m_file) != 0) return true;
+        error = SystemText(::GetLastError());
+        return false;
     }
 
     [[nodiscard]] bool Close(Bilingual& error) override {
@@ -45,6 +50,7 @@ class FileSink final : public ByteSink {
   private:
     HANDLE m_file;
     bool m_durable;
+    std::size_t m_unflushed = 0;  ///< bytes
 };
 
 class WindowsFiles final : public FileSystem {
