@@ -16,6 +16,9 @@ class TextSink {
     virtual void Write(std::string_view text) = 0;
     /// Whether a write has failed already: Close will then return false, and further text is discarded.
     [[nodiscard]] virtual bool Failed() const { return false; }
+    /// Does a part of what Close would take long for; false when nothing of that is left. For callers that look for
+    /// other things in between; Close does what was not done.
+    virtual bool FinishPart() { return false; }
     /// Brings the text to its end: the file takes its place, the clipboard gets it here. Returns whether all of it
     /// arrived.
     virtual bool Close() = 0;
