@@ -81,7 +81,7 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
             const auto percent = static_cast<std::int32_t>(std::int64_t{100} * samples / std::max(total, 1));
             if (percent != std::exchange(shown, percent))
                 m_parts.services.SetStatus(m_parts.services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
-            onPending();
+            return onPending();
         });
         m_parts.services.SetStatus({});
         exporter.SetRecording(m_parts.document.File().fileName);
@@ -89,11 +89,19 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
     });
     exporter.SetProgress({});
     if (isGone()) return;
-    // A message box has shown the error already.
     const std::u16string loss = DescribeLoss(exporter.Outcome(), m_parts.language);
-    m_parts.services.SetStatus(done ? m_parts.services.Text(IDS_WRITTEN) + u": " + name + (loss.empty() ? u"" : u": ") +
-                                          loss
-                                    : std::u16string());
+    if (done) {
+        Tell(IDS_WRITTEN, name + (loss.empty() ? u"" : u": ") + loss);
+    } else if (exporter.Stopped()) {
+        Tell(IDS_STOPPED_FILE, name);
+    } else {
+        // A message box has shown the error already.
+        m_parts.services.SetStatus({});
+    }
+}
+
+void ExportCommands::Tell(int text, const std::u16string& what) const {
+    m_parts.services.SetStatus(m_parts.services.Text(text) + (what.empty() ? what : u": " + what));
 }
 
 bool ExportCommands::MayReplace(std::vector<std::u16string> files) const {
@@ -120,21 +128,35 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
     });
     if (isGone()) return;
     const bool file = target != kClipboardTarget;
-    const auto tell = [&](int text, const std::u16string& name) {
-        m_parts.services.SetStatus(m_parts.services.Text(text) + (name.empty() ? name : u": " + name));
-    };
     if (!unread.empty()) {
-        tell(IDS_SOUND_UNREADABLE, unread);
+        Tell(IDS_SOUND_UNREADABLE, unread);
+    } else if (context.stopped) {
+        TellStopped(target, *block, context);
     } else if (!context.failures.empty()) {
-        tell(file ? IDS_CANNOT_WRITE : IDS_CLIPBOARD_FAILED, Joined(context.failures));
+        Tell(file ? IDS_CANNOT_WRITE : IDS_CLIPBOARD_FAILED, Joined(context.failures));
     } else if (context.written.empty()) {
-        tell(IDS_NO_SHOWN_CHANNEL, {});
+        Tell(IDS_NO_SHOWN_CHANNEL, {});
     } else if (!file) {
-        tell(IDS_COPIED, {});
+        Tell(IDS_COPIED, {});
     } else {
         const bool several = context.written.size() > 1;
-        tell(IDS_WRITTEN, context.written.front() + (several ? u" ... " + FileNameOf(context.written.back()) : u""));
+        Tell(IDS_WRITTEN, context.written.front() + (several ? u" ... " + FileNameOf(context.written.back()) : u""));
     }
+}
+
+void ExportCommands::TellStopped(const std::u16string& target, const RecordingBlock& block,
+                                 const TextExportContext& context) const {
+    if (target == kClipboardTarget) return Tell(IDS_STOPPED_COPY, {});
+    const std::vector<std::u16string> files =
+        TextExportFiles(target, block, m_parts.settings, m_parts.document.Slots());
+    if (files.size() == 1) return Tell(IDS_STOPPED_FILE, files.front());
+    const bool any = !context.written.empty();
+    std::u16string text = StoppedText(m_parts.services, std::ssize(context.written), std::ssize(files),
+                                      any ? context.written.front() : std::u16string(),
+                                      any ? FileNameOf(context.written.back()) : std::u16string());
+    if (!context.failures.empty())
+        text += u"; " + m_parts.services.Text(IDS_CANNOT_WRITE) + u": " + Joined(context.failures);
+    m_parts.services.SetStatus(text);
 }
 
 void ExportCommands::FastExport() {

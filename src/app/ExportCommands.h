@@ -15,6 +15,8 @@
 
 namespace quillon {
 
+struct TextExportContext;
+
 /// Writes the selection, or the whole block, as a recording or as text, and reports the outcome in the panel "Status".
 /// Asks before it overwrites a file.
 class ExportCommands {
@@ -37,7 +39,7 @@ class ExportCommands {
     // To be set by the owner.
     std::function<void()> onDialog;                                 ///< a dialog is going to be shown
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that takes long
-    std::function<bool()> onPending;  ///< called periodically by long work; false once the window is destroyed
+    std::function<bool()> onPending;  ///< called periodically by long work; false stops it
     std::function<bool()> isGone;     ///< whether the window is destroyed
 
     void SaveAs();
@@ -50,6 +52,10 @@ class ExportCommands {
     [[nodiscard]] SampleSpan Range() const;
     void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleSpan& range, std::int32_t type);
     void WriteText(const std::u16string& target, const SampleSpan& range);
+    /// In "Status", the words of the string table first.
+    void Tell(int text, const std::u16string& what) const;
+    /// What a text export that was stopped has written.
+    void TellStopped(const std::u16string& target, const RecordingBlock& block, const TextExportContext& context) const;
     /// Asks once, for all of the files that exist, whether to overwrite them.
     [[nodiscard]] bool MayReplace(std::vector<std::u16string> files) const;
     /// The same for files that the fast export would overwrite and that the user did not name for it.

@@ -3,6 +3,7 @@
 
 #define IDS_CHANNEL 501
 #define IDS_FAST_FILE 5341
+#define IDS_STOPPED_FILES 5353
 
 // Why nothing is played.
 #define IDS_SOUND_NO_DATA 5400

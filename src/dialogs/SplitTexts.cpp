@@ -4,6 +4,7 @@
 
 #include "base/Text.h"
 #include "dialogs/DialogTexts.h"
+#include "export/ExportOutcome.h"
 
 namespace quillon {
 
@@ -26,8 +27,9 @@ std::u16string SplitCountText(const UserServices& services, const SplitChoices& 
 }
 
 std::u16string SplitProgressText(const UserServices& services, const SplitPlan& plan, std::int64_t piece,
-                                 const std::u16string& name) {
-    return FillPlaces(services.Text(IDS_SPLIT_PROGRESS), {Decimal(piece + 1), Decimal(plan.PieceCount()), name});
+                                 std::int32_t percent) {
+    return FillPlaces(services.Text(IDS_SPLIT_PROGRESS),
+                      {Decimal(piece + 1), Decimal(plan.PieceCount()), plan.Name(piece), Decimal(percent)});
 }
 
 std::u16string SplitFaultText(const UserServices& services, const SplitFault& fault, bool bySamples) {
@@ -50,14 +52,17 @@ std::u16string SplitObstacleText(const UserServices& services, SplitObstacle obs
     return {};
 }
 
-std::u16string SplitResultText(const UserServices& services, const SplitResult& result, const std::u16string& folder) {
+std::u16string SplitResultText(const UserServices& services, const SplitPlan& plan, const SplitResult& result,
+                               const std::u16string& folder) {
     const std::u16string written = Decimal(result.written);
     switch (result.end) {
         case SplitEnd::Done: return FillPlaces(services.Text(IDS_SPLIT_DONE), {written});
         case SplitEnd::DeleteFailed: return FillPlaces(services.Text(IDS_SPLIT_NOT_DELETED), {result.name});
         case SplitEnd::FolderFailed: return FillPlaces(services.Text(IDS_SPLIT_NO_FOLDER), {folder});
         case SplitEnd::PieceFailed: return FillPlaces(services.Text(IDS_SPLIT_FAILED), {result.name, written});
-        case SplitEnd::Stopped: return FillPlaces(services.Text(IDS_SPLIT_STOPPED), {written});
+        case SplitEnd::Stopped:
+            return StoppedText(services, result.written, plan.PieceCount(), plan.Name(0),
+                               plan.Name(std::max<std::int64_t>(result.written, 1) - 1));
     }
     return {};
 }

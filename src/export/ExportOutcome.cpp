@@ -6,6 +6,7 @@
 
 #include "base/Bilingual.h"
 #include "base/Text.h"
+#include "data/CoreTexts.h"
 
 namespace quillon {
 
@@ -39,6 +40,14 @@ std::u16string DescribeLoss(const ExportOutcome& outcome, Language language) {
     add(outcome.earlier, Say(u"starts at the block's start", u"время начала — от начала блока"));
     add(outcome.otherDate, Say(u"the format has no such date and says 1 January 1985",
                                u"такой даты в формате нет, указано 1 января 1985 года"));
+    return text;
+}
+
+std::u16string StoppedText(const UserServices& services, std::int64_t written, std::int64_t asked,
+                           const std::u16string& first, const std::u16string& last) {
+    std::u16string text = FillPlaces(services.Text(IDS_STOPPED_FILES), {Decimal(written), Decimal(asked)});
+    if (written > 0) text += u": " + first;
+    if (written > 1) text += u" ... " + last;
     return text;
 }
 

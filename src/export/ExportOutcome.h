@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/Language.h"
+#include "data/UserServices.h"
 
 namespace quillon {
 
@@ -22,5 +23,9 @@ struct ExportOutcome {
 
 /// The differences as text for the user, separated by commas; empty if there are none.
 [[nodiscard]] std::u16string DescribeLoss(const ExportOutcome& outcome, Language language);
+
+/// For the user: how many files a stopped command has written, and the names of the first and the last of them.
+[[nodiscard]] std::u16string StoppedText(const UserServices& services, std::int64_t written, std::int64_t asked,
+                                         const std::u16string& first, const std::u16string& last);
 
 }  // namespace quillon

@@ -62,6 +62,7 @@ bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std
     m_reason.clear();
     m_sourceFailed = false;
     if (Run(block, fileName, firstSample, sampleCount, fileType)) return true;
+    if (Stopped()) return false;
     if (LastError().empty()) FailWith(m_writers.WriteFailure());
     m_services.ShowMessage(m_reason.empty() ? LastError() : LastError() + u"\n\n" + m_reason, LibraryName());
     return false;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <utility>
 
@@ -38,7 +37,7 @@ class KVExport {
     /// Writes samples firstSample (from 1) and following of all channels; see KV_Export for ranges. `fileType` 1 to 3
     /// names the format; with any other number the extension does, in lower case only. An existing file is replaced
     /// when the new one is complete. On failure shows LastError and Reason, leaves every file as it was and returns
-    /// false.
+    /// false; the same without a message where the progress callback has stopped it.
     bool Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                 std::int32_t sampleCount, std::int32_t fileType);
 
@@ -55,6 +54,8 @@ class KVExport {
     [[nodiscard]] const std::u16string& Reason() const { return m_reason; }
     /// Whether the last Export failed because the recording could not be read.
     [[nodiscard]] bool SourceFailed() const { return m_sourceFailed; }
+    /// Whether the progress callback has ended the last Export.
+    [[nodiscard]] bool Stopped() const { return m_writers.Stopped(); }
     /// Of the last Export that succeeded.
     [[nodiscard]] const ExportOutcome& Outcome() const { return m_writers.Outcome(); }
 
@@ -62,9 +63,7 @@ class KVExport {
     void SetRecording(std::u16string fileName) { m_recording = std::move(fileName); }
 
     /// Sets the callback that is called after each chunk; see ExportSystem.
-    void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
-        m_writers.SetProgress(std::move(progress));
-    }
+    void SetProgress(ExportProgress progress) { m_writers.SetProgress(std::move(progress)); }
 
   private:
     bool Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample, std::int32_t sampleCount,

@@ -20,7 +20,8 @@ namespace {
 constexpr std::int32_t kChunkFrames = 1024;
 constexpr double kSecondsPerDay = 86400.0;
 constexpr std::size_t kRecordCodes = std::size_t{1} << 20;
-constexpr double kShortestRecord = 1e-9;  ///< seconds that readers take
+constexpr std::int32_t kPieceCodes = std::int32_t{1} << 16;  ///< of records larger than that
+constexpr double kShortestRecord = 1e-9;                     ///< seconds that readers take
 constexpr double kLongestRecord = 1e9;
 constexpr std::uint32_t kWaveBytesBeforeData = 36;  ///< of the RIFF chunk's content
 
@@ -172,6 +173,7 @@ void KV_Export::Clear() {
     m_lastFailure.clear();
     m_writeFailure.clear();
     m_reading = false;
+    m_stopped = false;
     m_outcome = {};
 }
 
@@ -201,12 +203,14 @@ bool KV_Export::WriteFile(const std::u16string& fileName, const ByteWriter& head
         return false;
     }
     if (file->Write(header.Bytes()) && writeSamples(*file) && file->Close()) return true;
+    if (m_stopped) return false;
     m_writeFailure = file->ErrorText().In(m_system.language);
     return false;
 }
 
-void KV_Export::Report(std::int64_t done, std::int32_t total) const {
-    if (m_system.progress) m_system.progress(static_cast<std::int32_t>(done), total);
+bool KV_Export::Report(std::int64_t done, std::int32_t total) {
+    m_stopped = m_system.progress && !m_system.progress(static_cast<std::int32_t>(done), total);
+    return !m_stopped;
 }
 
 bool KV_Export::WriteFrames(RecordingBlock& block, const SampleSpan& range, OutputFile& file) {
@@ -218,7 +222,7 @@ bool KV_Export::WriteFrames(RecordingBlock& block, const SampleSpan& range, Outp
         if (!file.Write(std::as_bytes(std::span(buffer).first(channels * static_cast<std::size_t>(size)))))
             return false;
         done += size;
-        Report(done, range.count);
+        if (!Report(done, range.count)) return false;
     }
     return true;
 }
@@ -263,16 +267,17 @@ KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::i
     return {whole, seconds, sampleCount / whole};
 }
 
-bool KV_Export::WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t samples,
-                                 std::span<std::int16_t> buffer, OutputFile& file) {
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        for (std::size_t done = 0; done < samples; done += buffer.size()) {
-            const std::span<std::int16_t> part = buffer.first(std::min(buffer.size(), samples - done));
-            Read([&] {
-                block.ReadCodes(channel, first + static_cast<std::int32_t>(done),
-                                static_cast<std::int32_t>(part.size()), part.data());
-            });
-            if (!file.Write(std::as_bytes(part))) return false;
+bool KV_Export::WriteLargeRecord(RecordingBlock& block, const SampleSpan& range, std::int32_t done,
+                                 std::int32_t samples, OutputFile& file) {
+    std::vector<std::int16_t> buffer(kPieceCodes);
+    const std::int16_t channels = block.ChannelCount();
+    for (std::int16_t channel = 1; channel <= channels; ++channel) {
+        for (std::int32_t at = 0; at < samples; at += kPieceCodes) {
+            const std::int32_t size = std::min(kPieceCodes, samples - at);
+            Read([&] { block.ReadCodes(channel, range.first + done + at, size, buffer.data()); });
+            if (!file.Write(std::as_bytes(std::span(buffer).first(static_cast<std::size_t>(size))))) return false;
+            const std::int64_t inRecord = (std::int64_t{samples} * (channel - 1) + at + size) / channels;
+            if (!Report(done + inRecord, range.count)) return false;
         }
     }
     return true;
@@ -282,18 +287,45 @@ bool KV_Export::WriteRecords(RecordingBlock& block, const SampleSpan& range, con
     const auto samples = static_cast<std::size_t>(records.samples);
     const std::size_t codes = samples * static_cast<std::size_t>(block.ChannelCount());
     // A record of a usual size is read at once, a larger one channel by channel in pieces.
-    std::vector<std::int16_t> buffer(std::min(codes, kRecordCodes));
+    std::vector<std::int16_t> buffer(codes <= kRecordCodes ? codes : 0);
     for (std::int32_t number = 0; number < records.count; ++number) {
-        const std::int32_t first = range.first + number * records.samples;
-        if (codes <= kRecordCodes) {
-            Read([&] { block.ReadRows(first, records.samples, buffer.data()); });
-            if (!file.Write(std::as_bytes(std::span(buffer)))) return false;
-        } else if (!WriteLargeRecord(block, first, samples, buffer, file)) {
-            return false;
+        const std::int32_t done = number * records.samples;
+        if (buffer.empty()) {
+            if (!WriteLargeRecord(block, range, done, records.samples, file)) return false;
+            continue;
         }
-        Report((number + std::int64_t{1}) * records.samples, range.count);
+        Read([&] { block.ReadRows(range.first + done, records.samples, buffer.data()); });
+        if (!file.Write(std::as_bytes(std::span(buffer)))) return false;
+        if (!Report(std::int64_t{done} + records.samples, range.count)) return false;
     }
     return true;
+}
+
+std::vector<EdfLimits> KV_Export::FindLimits(const RecordingBlock& block, std::int32_t total) {
+    std::vector<EdfLimits> limits;
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        const float scale = block.ChannelScale(channel);
+        const float offset = block.ChannelOffset(channel);
+        // The search takes long where the scale is fine, and channels are mostly alike.
+        const bool alike = channel > 1 && scale == block.ChannelScale(static_cast<std::int16_t>(channel - 1)) &&
+                           offset == block.ChannelOffset(static_cast<std::int16_t>(channel - 1));
+        if (!alike && !Report(0, total)) return {};
+        std::optional<EdfLimits> found = alike ? limits.back() : FindEdfLimits(scale, offset);
+        if (!found) {
+            // Readers keep the limits in single precision.
+            const bool tooLarge = !std::isfinite(scale * 32000.0F + offset);
+            const std::u16string title = block.ChannelTitle(channel);
+            m_lastFailure =
+                Say(tooLarge ? u"The channel's scale is too large for EDF: %1"
+                             : u"The channel's scale is too fine for EDF: %1",
+                    tooLarge ? u"Шаг канала слишком велик для EDF: %1" : u"Шаг канала слишком мал для EDF: %1",
+                    {title.empty() ? Decimal(channel) : title})
+                    .In(m_system.language);
+            return {};
+        }
+        limits.push_back(std::move(*found));
+    }
+    return limits;
 }
 
 bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
@@ -301,28 +333,8 @@ bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileNa
     SampleSpan range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     const Records records = CutIntoRecords(*block, range.count);
-    std::vector<EdfLimits> limits;
-    for (std::int16_t channel = 1; channel <= block->ChannelCount(); ++channel) {
-        const float scale = block->ChannelScale(channel);
-        const float offset = block->ChannelOffset(channel);
-        // The search takes long where the scale is fine, and channels are mostly alike.
-        const bool alike = channel > 1 && scale == block->ChannelScale(static_cast<std::int16_t>(channel - 1)) &&
-                           offset == block->ChannelOffset(static_cast<std::int16_t>(channel - 1));
-        std::optional<EdfLimits> found = alike ? limits.back() : FindEdfLimits(scale, offset);
-        if (!found) {
-            // Readers keep the limits in single precision.
-            const bool tooLarge = !std::isfinite(scale * 32000.0F + offset);
-            const std::u16string title = block->ChannelTitle(channel);
-            m_lastFailure =
-                Say(tooLarge ? u"The channel's scale is too large for EDF: %1"
-                             : u"The channel's scale is too fine for EDF: %1",
-                    tooLarge ? u"Шаг канала слишком велик для EDF: %1" : u"Шаг канала слишком мал для EDF: %1",
-                    {title.empty() ? Decimal(channel) : title})
-                    .In(m_system.language);
-            return false;
-        }
-        limits.push_back(std::move(*found));
-    }
+    const std::vector<EdfLimits> limits = FindLimits(*block, range.count);
+    if (limits.empty()) return false;
     std::string seconds = EdfNumber(records.seconds, 8);
     if (!IsSameRate(block->SampleRate(), EdfRate(records.samples, seconds)))
         seconds = NearestNumber(records.seconds, 8);

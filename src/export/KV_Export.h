@@ -6,16 +6,22 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/Language.h"
 #include "base/SampleSpan.h"
 #include "base/Text.h"
 #include "export/ByteWriter.h"
+#include "export/EdfLimits.h"
 #include "export/ExportOutcome.h"
 #include "norvik/NorvikCore.h"
 #include "norvik/OutputFile.h"
 
 namespace quillon {
+
+/// Called after each chunk with the samples per channel done and to do; false stops the export. It may run pending
+/// messages provided that they neither start another export with the same object nor close the recording.
+using ExportProgress = std::function<bool(std::int32_t done, std::int32_t total)>;
 
 /// System services that the writers need.
 struct ExportSystem {
@@ -24,10 +30,7 @@ struct ExportSystem {
     std::function<std::string(std::u16string_view text, std::size_t size)> fieldText = Utf8Within;
     /// The day that ".bin" files count as 1: 0 is Sunday, 1 Monday ... 6.
     int firstDayOfWeek = 1;
-    /// Called after each chunk with the samples per channel done and to do. It may run pending messages provided that
-    /// they neither start another export with the same object nor close the recording; an exception from it ends the
-    /// export.
-    std::function<void(std::int32_t done, std::int32_t total)> progress = {};
+    ExportProgress progress = {};
     /// Language of the failure reasons that are given in both languages.
     Language language = Language::English;
 };
@@ -39,7 +42,8 @@ struct ExportSystem {
 /// False, with the reason in LastFailure, when there is no such range, the format cannot hold a channel's scale or the
 /// file cannot be created; with the reason in WriteFailure when a write fails, which ends the export at once.
 /// FormatError reports other values that the header cannot hold. Exceptions of the block pass through; SourceFailed
-/// distinguishes them from others. On any failure existing files are unchanged.
+/// distinguishes them from others. False without a reason where the progress has stopped it: see Stopped. On any
+/// failure existing files are unchanged.
 class KV_Export {
   public:
     explicit KV_Export(ExportSystem system) : m_system(std::move(system)) {}
@@ -49,13 +53,13 @@ class KV_Export {
     [[nodiscard]] const std::u16string& LastFailure() const { return m_lastFailure; }
     void SetLastFailure(std::u16string_view text) { m_lastFailure = text; }
     [[nodiscard]] Language TextLanguage() const { return m_system.language; }
-    void SetProgress(std::function<void(std::int32_t, std::int32_t)> progress) {
-        m_system.progress = std::move(progress);
-    }
+    void SetProgress(ExportProgress progress) { m_system.progress = std::move(progress); }
     /// Which file could not be written, and why; empty without a write failure.
     [[nodiscard]] const std::u16string& WriteFailure() const { return m_writeFailure; }
     /// Whether an exception came from reading the block's samples.
     [[nodiscard]] bool SourceFailed() const { return m_reading; }
+    /// Whether the progress callback has ended it.
+    [[nodiscard]] bool Stopped() const { return m_stopped; }
     /// Of the last file that was written.
     [[nodiscard]] const ExportOutcome& Outcome() const { return m_outcome; }
 
@@ -83,8 +87,10 @@ class KV_Export {
     [[nodiscard]] bool WriteFrames(RecordingBlock& block, const SampleSpan& range, OutputFile& file);
     [[nodiscard]] bool WriteRecords(RecordingBlock& block, const SampleSpan& range, const Records& records,
                                     OutputFile& file);
-    [[nodiscard]] bool WriteLargeRecord(RecordingBlock& block, std::int32_t first, std::size_t samples,
-                                        std::span<std::int16_t> buffer, OutputFile& file);
+    [[nodiscard]] bool WriteLargeRecord(RecordingBlock& block, const SampleSpan& range, std::int32_t done,
+                                        std::int32_t samples, OutputFile& file);
+    /// One for each channel; none, with the reason in LastFailure, where the format cannot hold a channel's scale.
+    [[nodiscard]] std::vector<EdfLimits> FindLimits(const RecordingBlock& block, std::int32_t total);
     /// Runs a call of the block that reads samples.
     template <typename Call>
     void Read(Call call) {
@@ -92,12 +98,14 @@ class KV_Export {
         call();
         m_reading = false;
     }
-    void Report(std::int64_t done, std::int32_t total) const;
+    /// False when the export is to stop.
+    [[nodiscard]] bool Report(std::int64_t done, std::int32_t total);
 
     ExportSystem m_system;
     std::u16string m_lastFailure;
     std::u16string m_writeFailure;
     bool m_reading = false;
+    bool m_stopped = false;
     ExportOutcome m_outcome;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/FilePath.h"
 #include "base/Text.h"
@@ -14,18 +15,22 @@ namespace quillon {
 
 namespace {
 
+/// Position, from 1, of the channel of that acquisition number; 0: there is none.
+std::int16_t PositionOf(const RecordingBlock& block, std::int16_t number) {
+    std::int16_t position = block.ChannelCount();
+    while (position > 0 && block.ChannelNumber(position) != number) --position;
+    return position;
+}
+
 std::vector<TextChannel> FindChannels(const RecordingBlock& block, const TextExportRequest& request,
                                       const ChannelSlots& slots) {
     std::vector<TextChannel> found;
     for (const std::int16_t number : request.channels) {
         const ChannelSlot* slot = SlotOf(slots, number);
-        if (slot == nullptr) continue;
-        for (std::int16_t position = 1; position <= block.ChannelCount(); ++position) {
-            if (block.ChannelNumber(position) != number) continue;
-            found.push_back({position, TextTitle(slot->title, number), block.ChannelScale(position),
-                             block.ChannelOffset(position)});
-            break;
-        }
+        const std::int16_t position = PositionOf(block, number);
+        if (slot == nullptr || position == 0) continue;
+        found.push_back(
+            {position, TextTitle(slot->title, number), block.ChannelScale(position), block.ChannelOffset(position)});
     }
     return found;
 }
@@ -128,11 +133,15 @@ bool ExportText(const std::u16string& target, RecordingBlock& block, std::int32_
     request.channels = ChannelList(settings, context.slots);
     if (target == kClipboardTarget || settings.fileType != 0) return WriteTextExport(block, request, context);
     bool any = false;
-    for (const std::int16_t number : std::vector<std::int16_t>(request.channels)) {
+    std::vector<std::int16_t> numbers = std::move(request.channels);
+    std::erase_if(numbers, [&](std::int16_t number) { return PositionOf(block, number) == 0; });
+    request.files = static_cast<std::int32_t>(numbers.size());
+    for (const std::int16_t number : numbers) {
         request.channels = {number};
         request.target = ChannelFileName(target, number);
         if (WriteTextExport(block, request, context)) any = true;
         if (context.ended) return false;
+        ++request.file;
     }
     return any;
 }
@@ -144,13 +153,16 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     if (channels.empty() || request.first < 1 || request.first > samples || request.count < 1) return false;
     const std::int32_t count = std::min(request.count, samples - request.first + 1);
     const std::int32_t chunks = (count - 1) / kTextChunkRows + 1;
-    const std::int32_t interval = std::max(chunks / 100, 1);
+    std::int64_t shown = -1;
     const double rate = block.SampleRate();
     const char separator = TextSeparator(context.format);
     const TextXValues x(XColumnOf(request), rate, SecondsOfDay(block.StartTime()), request.first, context.format);
     TextRows rows(x, channels, request.rawCodes, separator, context.lineEnd);
     ChunkReader reader(block, channels);
 
+    const auto isStopped = [&] {
+        return context.ended = context.stopped = context.runPending && !context.runPending();
+    };
     std::u16string failure;
     const std::unique_ptr<TextSink> sink = context.open(request.target, failure);
     if (!sink) {
@@ -163,25 +175,26 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     sink->Write(HeaderLines(request, count, rate, separator, context.lineEnd));
     sink->Write(titles);
     for (std::int32_t chunk = 0; chunk < chunks && !sink->Failed(); ++chunk) {
-        if (chunk % interval == 0) {
-            // The same in every language, as are the other fixed texts of this file.
-            const std::int64_t percent = std::int64_t{chunk} * 100 / chunks;
+        const std::int64_t percent = (std::int64_t{request.file} * chunks + chunk) * 100 / chunks / request.files;
+        // The same in every language, as are the other fixed texts of this file.
+        if (percent != std::exchange(shown, percent))
             context.services.SetStatus(u"Export to text: " + Decimal(percent) + u"% ");
-        }
         const std::int32_t done = chunk * kTextChunkRows;
         const std::int32_t size = std::min(kTextChunkRows, count - done);
         sink->Write(rows.Make(done, size, reader.Read(request.first - 1 + done, size)));
-        context.ended = context.runPending && !context.runPending();
-        if (context.ended) return false;
+        if (isStopped()) return false;
     }
     if (!file) context.services.SetStatus(u"Copy text...");
+    while (sink->FinishPart()) {
+        if (isStopped()) return false;
+    }
     if (!sink->Close()) {
         context.failures.push_back(sink->ErrorText());
         context.ended = true;
         return false;
     }
     context.written.push_back(request.target);
-    context.services.SetStatus({});
+    if (request.file + 1 == request.files) context.services.SetStatus({});
     return true;
 }
 
@@ -190,9 +203,7 @@ std::vector<std::u16string> TextExportFiles(const std::u16string& target, const 
     if (settings.fileType != 0) return {target};
     std::vector<std::u16string> files;
     for (const std::int16_t number : ChannelList(settings, slots)) {
-        for (std::int16_t position = 1; position <= block.ChannelCount(); ++position) {
-            if (block.ChannelNumber(position) == number) files.push_back(ChannelFileName(target, number));
-        }
+        if (PositionOf(block, number) != 0) files.push_back(ChannelFileName(target, number));
     }
     return files;
 }

@@ -33,6 +33,9 @@ struct TextExportRequest {
     std::vector<std::int16_t> channels;  ///< acquisition numbers, from 0
     std::int32_t first = 1;              ///< sample, from 1
     std::int32_t count = 0;
+    // One percentage runs over all files of a command.
+    std::int32_t file = 0;  ///< which of them this is, from 0
+    std::int32_t files = 1;
 };
 
 /// Environment of the export: document state and callbacks.
@@ -42,12 +45,13 @@ struct TextExportContext {
     bool rawCodes = false;  ///< the view shows codes
     UserServices& services;
     TextSinkFactory open;
-    /// Lets pending window messages run, between chunks; false ends the export. May be empty.
+    /// Lets pending window messages run, between chunks; false stops the export. May be empty.
     std::function<bool()> runPending{};
     /// Write a byte order mark, so that programs do not read the UTF-8 text in the system's code page.
     bool utf8Mark = true;
     std::string_view lineEnd = kTextLineEnd;
-    bool ended = false;  ///< runPending returned false, or a write has failed
+    bool stopped = false;  ///< by runPending
+    bool ended = false;    ///< stopped, or a write has failed
     // To be reported by the caller: targets written completely, and those not written, each with the reason.
     std::vector<std::u16string> written{};
     std::vector<std::u16string> failures{};

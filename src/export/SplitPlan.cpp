@@ -139,6 +139,11 @@ std::u16string SplitPlan::Name(std::int64_t piece) const {
     return prefix + Padded(first, digits) + u'-' + Padded(first + size - 1, digits) + u".bin";
 }
 
+std::int32_t SplitPlan::Percent(std::int64_t piece, std::int32_t done, std::int32_t total) const {
+    const double pieces = static_cast<double>(piece) + static_cast<double>(done) / std::max(total, 1);
+    return static_cast<std::int32_t>(100.0 * pieces / static_cast<double>(PieceCount()));
+}
+
 std::u16string SplitPlan::ExampleName() const {
     return prefix + (sampleNames ? u"###-###" : u"#") + u'.' + extension;
 }

@@ -67,6 +67,8 @@ struct SplitPlan {
     [[nodiscard]] std::int32_t SampleCount(std::int64_t piece) const;
     /// Name of the piece's file. Ranges of samples count from 0. All numbers have as many digits as the largest.
     [[nodiscard]] std::u16string Name(std::int64_t piece) const;
+    /// Share of the run that is done within a piece, of which `done` samples of `total` are written; whole percents.
+    [[nodiscard]] std::int32_t Percent(std::int64_t piece, std::int32_t done, std::int32_t total) const;
     /// A name with "#" for numbers.
     [[nodiscard]] std::u16string ExampleName() const;
     /// The piece whose file has that name, letter case apart.

@@ -23,9 +23,8 @@ SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system) {
     const std::int64_t pieces = plan.PieceCount();
     for (std::int64_t piece = 0; piece < pieces; ++piece) {
         result.name = plan.Name(piece);
-        if (system.status) system.status(piece, result.name);
         if (!system.exportPiece(piece, result.name)) {
-            result.end = SplitEnd::PieceFailed;
+            result.end = stopped() ? SplitEnd::Stopped : SplitEnd::PieceFailed;
             return result;
         }
         ++result.written;

@@ -16,11 +16,9 @@ struct SplitSystem {
     std::function<std::u16string()> deleteFiles = {};
     /// False when the folder neither exists nor can be made.
     std::function<bool()> createFolder = {};
-    /// False when a piece could not be written; the reason has been shown to the user.
+    /// False when a piece was stopped or could not be written; the reason has been shown to the user.
     std::function<bool(std::int64_t piece, const std::u16string& name)> exportPiece = {};
-    /// Called before each piece. May be none.
-    std::function<void(std::int64_t piece, const std::u16string& name)> status = {};
-    /// Lets the program process window messages; false ends the run. May be empty.
+    /// Lets the program process window messages; false stops the run, and again at every further call. May be empty.
     std::function<bool()> runPending = {};
 };
 
@@ -29,7 +27,7 @@ enum class SplitEnd {
     DeleteFailed,  ///< nothing was written
     FolderFailed,  ///< nothing was written
     PieceFailed,
-    Stopped,  ///< because the program ends
+    Stopped,  ///< by the user or the end of the program
 };
 
 struct SplitResult {

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "app/StringIds.h"
+#include "data/CoreTexts.h"
 #include "export/QL_Export.h"
 #include "norvik/OutputFile.h"
 #include "norvik/TemporaryFolder.h"
@@ -19,12 +20,21 @@ class ExportCommandsTest : public ViewFixture {
   protected:
     struct Services : FakeServices {
         bool Ask(const std::u16string& text) override { return FakeServices::Ask(text), yes; }
+        std::u16string Text(int id) const override {
+            const auto found = texts.find(id);
+            return found == texts.end() ? FakeServices::Text(id) : found->second;
+        }
         bool yes = false;
+        std::map<int, std::u16string> texts;
     };
     struct Sink : TextSink {
         explicit Sink(std::string& target) : written(target) {}
         void Write(std::string_view text) override { written += text; }
-        bool Close() override { return true; }
+        bool Close() override { return finished = true; }
+        ~Sink() override {
+            if (!finished) written = "unfinished";
+        }
+        bool finished = false;
         std::string& written;
     };
 
@@ -86,6 +96,39 @@ TEST_F(ExportCommandsTest, OneQuestionNamesTheFilesThatWouldBeLostAndNoLosesNone
     EXPECT_EQ(m_texts.size(), 10U);
     EXPECT_EQ(std::count(m_texts[files[3]].begin(), m_texts[files[3]].end(), '\n'), 10) << "of the selection";
     EXPECT_TRUE(m_told.status.starts_with(m_told.Text(IDS_WRITTEN) + u": " + files[0] + u" ... "));
+}
+
+TEST_F(ExportCommandsTest, WhatIsStoppedIsTold) {
+    m_told.texts = {{IDS_STOPPED_FILE, u"stopped"}, {IDS_STOPPED_COPY, u"no copy"}, {IDS_STOPPED_FILES, u"%1 of %2"}};
+    const std::u16string base = m_folder.Path() + u"/t";
+    const auto stopAfter = [&](int calls) { m_commands.onPending = [calls]() mutable { return --calls > 0; }; };
+    std::u16string extension = u".bin";
+    m_dialog.answer = [&](FakeSaveDialog& dialog) { return dialog.fileName = base + extension, true; };
+    for (const char16_t* one : {u".bin", u".wav", u".edf"}) {
+        extension = one;
+        stopAfter(1);
+        m_commands.SaveAs();
+        EXPECT_EQ(m_told.status, u"stopped: " + base + extension);
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(std::filesystem::path(m_folder.Path())));
+    extension = u".txt";
+    const std::u16string expected[] = {u"0 of 10", u"1 of 10: " + base + u"1.txt",
+                                       u"2 of 10: " + base + u"1.txt ... t2.txt"};
+    for (int files = 0; files < 3; ++files) {
+        stopAfter(files + 1);
+        m_commands.SaveAs();
+        EXPECT_EQ(m_told.status, expected[files]);
+    }
+    EXPECT_EQ(m_texts[base + u"3.txt"], "unfinished");
+    EXPECT_FALSE(m_texts.contains(base + u"4.txt"));
+    m_settings.fileType = 1;
+    stopAfter(1);
+    m_commands.SaveAs();
+    EXPECT_EQ(m_told.status, u"stopped: " + base + u".txt");
+    stopAfter(1);
+    m_commands.CopyData();
+    EXPECT_EQ(m_told.status, u"no copy");
+    EXPECT_TRUE(m_told.messages.empty());
 }
 
 /// Says that it is large.

@@ -57,7 +57,7 @@ class ExportTest : public ::testing::Test {
     FakeServices services;
     KVExport exporter{services,
                       {[this] { return std::make_unique<MemoryFile>(bytes, 100000000); }, Utf8Within, 0,
-                       [this](std::int32_t done, std::int32_t) { progress.push_back(done); }}};
+                       [this](std::int32_t done, std::int32_t) { return progress.push_back(done), true; }}};
 };
 
 TEST_F(ExportTest, HeadersAreExactToTheByte) {

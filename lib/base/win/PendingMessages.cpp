@@ -2,16 +2,12 @@
 
 namespace quillon {
 
-namespace {
-
 bool IsInput(UINT message) {
     return (message >= WM_KEYFIRST && message <= WM_KEYLAST) || (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST) ||
            (message >= WM_NCMOUSEMOVE && message <= WM_NCXBUTTONDBLCLK);
 }
 
-}  // namespace
-
-bool RunPendingMessages(HWND dialog, PendingInput input) {
+bool RunPendingMessages(const std::function<bool(MSG& message)>& take) {
     // Handlers that post new messages must not keep the caller here for ever.
     constexpr int most = 1000;
     MSG message{};
@@ -20,8 +16,7 @@ bool RunPendingMessages(HWND dialog, PendingInput input) {
             PostQuitMessage(static_cast<int>(message.wParam));
             return false;
         }
-        if (input == PendingInput::Dropped && IsInput(message.message)) continue;
-        if (dialog != nullptr && IsDialogMessageW(dialog, &message) != FALSE) continue;
+        if (take && take(message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }

@@ -1,14 +1,16 @@
 #pragma once
 
+#include <functional>
+
 #include "base/win/Win32.h"
 
 namespace quillon {
 
-enum class PendingInput { Handled, Dropped };
+/// Handles the messages that are waiting, but for those for which `take` returns true: it has handled or dropped them.
+/// False when the program is to end: the message that says so is left for the outer message loop.
+bool RunPendingMessages(const std::function<bool(MSG& message)>& take = {});
 
-/// Handles the messages that are waiting, those of the dialog (may be null) with its keys; keys and mouse can be
-/// dropped, so that they start nothing while a command runs. False when the program is to end: the message that says so
-/// is left for the outer message loop.
-bool RunPendingMessages(HWND dialog, PendingInput input = PendingInput::Handled);
+/// Whether a message is of keyboard or mouse.
+[[nodiscard]] bool IsInput(UINT message);
 
 }  // namespace quillon

@@ -64,7 +64,12 @@ void DialogCommands::Split() {
     onWork([&] {
         ShowSplitDialog(m_parts.window.Window(),
                         {Block().block, m_shared.document.File().fileName, m_shared.settings.split, m_shared.exporter,
-                         m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(); }});
+                         m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(); },
+                         [this](const std::function<void()>& run) {
+                             m_parts.window.RunPart(run);
+                             return !m_parts.window.IsCloseAsked();
+                         },
+                         [this] { return m_parts.window.StayAlive(); }});
     });
     // The folder watch does not report new subfolders.
     if (!m_parts.window.IsGone()) onFiles();

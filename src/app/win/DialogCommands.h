@@ -23,7 +23,7 @@ class DialogCommands {
         SpectrogramPane& spectrogram;
         HoverCapture& hover;
         StatusBar& status;
-        const LongCommand& window;
+        LongCommand& window;
     };
     explicit DialogCommands(const Parts& parts) : m_parts(parts), m_shared(parts.shared) {}
 

@@ -1,5 +1,7 @@
 #include "app/win/LongCommand.h"
 
+#include <array>
+
 #include "base/win/PendingMessages.h"
 
 namespace quillon {
@@ -7,6 +9,23 @@ namespace quillon {
 namespace {
 
 constexpr ULONGLONG kPumpMilliseconds = 30;
+/// How long a key that stopped the work may be held without doing anything else.
+constexpr ULONGLONG kHeldMilliseconds = 2000;
+
+/// Input by which the user closes or minimizes a window.
+bool EndsOrMinimizes(const MSG& message) {
+    if (message.message == WM_NCLBUTTONDOWN) return message.wParam == HTCLOSE || message.wParam == HTMINBUTTON;
+    return message.message == WM_SYSKEYDOWN && message.wParam == VK_F4;
+}
+
+/// Without Alt, which makes the key one of the system.
+bool IsEscape(const MSG& message) {
+    constexpr LPARAM altIsDown = LPARAM{1} << 29;
+    // Where nothing has the focus the active window gets this kind of message, without Alt too.
+    const bool pressed =
+        message.message == WM_KEYDOWN || (message.message == WM_SYSKEYDOWN && (message.lParam & altIsDown) == 0);
+    return pressed && message.wParam == VK_ESCAPE;
+}
 
 }  // namespace
 
@@ -14,29 +33,71 @@ std::exception_ptr LongCommand::Run(const std::function<void()>& work) {
     m_busy = true;
     std::exception_ptr failure;
     try {
-        work();
+        RunPart(work);
     } catch (const std::exception&) {
         failure = std::current_exception();
     }
+    DropInput();
     m_busy = false;
     return failure;
 }
 
+void LongCommand::RunPart(const std::function<void()>& part) {
+    m_stopped = false;
+    m_lastPump = 0;
+    part();
+    DropInput();
+}
+
 bool LongCommand::StayAlive() {
     const ULONGLONG now = GetTickCount64();
-    if (now - m_lastPump < kPumpMilliseconds) return m_window != nullptr;
-    m_lastPump = now;
-    return RunPending();
+    if (now - m_lastPump >= kPumpMilliseconds) {
+        m_lastPump = now;
+        Pump();
+        if (m_closeAsked && !m_stopped && m_window != nullptr) {
+            m_asking = true;
+            m_stopped = m_closeAsked = onClose && onClose();
+            m_asking = false;
+        }
+    }
+    return m_window != nullptr && !m_stopped;
+}
+
+void LongCommand::Pump() {
+    const auto drop = [this](const MSG& message) {
+        if (IsEscape(message)) m_stopped = true;
+        return IsInput(message.message) && !EndsOrMinimizes(message);
+    };
+    if (!RunPendingMessages(drop)) m_stopped = m_closeAsked = true;
+}
+
+void LongCommand::DropInput() {
+    constexpr std::array<std::array<UINT, 2>, 2> inputs = {{{WM_KEYFIRST, WM_KEYLAST}, {WM_MOUSEFIRST, WM_MOUSELAST}}};
+    const ULONGLONG start = GetTickCount64();
+    bool held = false;
+    do {
+        if (held) Sleep(kPumpMilliseconds);
+        for (const auto& [first, last] : inputs) {
+            MSG message{};
+            while (PeekMessageW(&message, nullptr, first, last, PM_REMOVE) != FALSE) {
+                // Comes whatever the range.
+                if (message.message == WM_QUIT) return PostQuitMessage(static_cast<int>(message.wParam));
+                if (EndsOrMinimizes(message)) DispatchMessageW(&message);
+            }
+        }
+        held = m_stopped && GetAsyncKeyState(VK_ESCAPE) < 0;
+    } while (held && GetTickCount64() - start < kHeldMilliseconds);
 }
 
 bool LongCommand::RunPending() const {
-    RunPendingMessages(nullptr, m_busy ? PendingInput::Dropped : PendingInput::Handled);
+    static_cast<void>(RunPendingMessages());
     return m_window != nullptr;
 }
 
 bool LongCommand::MayClose() {
-    m_closeAsked = !IsWindowEnabled(m_window) || m_busy;
-    return !m_closeAsked;
+    // While the question is shown its answer decides.
+    if (!m_asking) m_closeAsked = !IsWindowEnabled(m_window) || m_busy;
+    return !m_closeAsked && !m_asking;
 }
 
 void LongCommand::CloseIfAsked() {

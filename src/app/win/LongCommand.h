@@ -8,9 +8,13 @@
 namespace quillon {
 
 /// Runs long work that no other command may interrupt. Messages are pumped meanwhile, but keyboard and mouse input is
-/// dropped, and a request to close the window is carried out at the end.
+/// dropped, except what closes or minimizes a window. Esc stops the work; a request to close the window does so after
+/// asking, and is carried out at the end.
 class LongCommand {
   public:
+    // To be set by the owner.
+    std::function<bool()> onClose;  ///< asks whether to stop the work and close the window
+
     /// The window whose commands these are; null once it is gone.
     void SetWindow(HWND window) { m_window = window; }
     [[nodiscard]] HWND Window() const { return m_window; }
@@ -19,19 +23,33 @@ class LongCommand {
 
     /// Returns the exception that the work has thrown, if any.
     std::exception_ptr Run(const std::function<void()>& work);
-    /// To be called periodically by the work. False when the window is destroyed.
+    /// Runs a part of the work that can be stopped by itself. What is typed and clicked meanwhile is dropped, also what
+    /// is repeated by the key that stopped it, for as long as that is held.
+    void RunPart(const std::function<void()>& part);
+    /// To be called periodically by the work. False when it is to stop, and then at every call.
     bool StayAlive();
+    /// Stops the work without asking.
+    void Stop() { m_stopped = m_busy; }
     /// Handles the messages that are waiting. False when the window is gone.
     [[nodiscard]] bool RunPending() const;
 
-    /// Whether the window may close now. While a command runs or a dialog is open it may not, and closes afterwards.
+    /// Whether the window may close now. While a command runs or a dialog is open it may not, and closes afterwards
+    /// unless the user decides to go on with the work.
     [[nodiscard]] bool MayClose();
+    [[nodiscard]] bool IsCloseAsked() const { return m_closeAsked; }
     /// To be called when a command or a dialog has ended.
     void CloseIfAsked();
 
   private:
+    /// Handles messages other than input; keeps in mind that Esc was pressed.
+    void Pump();
+    /// Drops the input that is waiting, and leaves other messages.
+    void DropInput();
+
     HWND m_window = nullptr;
     bool m_busy = false;
+    bool m_stopped = false;
+    bool m_asking = false;  ///< onClose is running
     bool m_closeAsked = false;
     ULONGLONG m_lastPump = 0;  ///< milliseconds since the system's start
 };

@@ -11,6 +11,7 @@
 #include "base/FilePath.h"
 #include "base/SystemText.h"
 #include "data/win/FileIdentity.h"
+#include "dialogs/DialogTexts.h"
 
 namespace quillon {
 
@@ -114,6 +115,7 @@ void MainRooms::WireCommands() {
     dialogs.onRedraw = [this] { Refresh(); };
     dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
     dialogs.onFiles = [this] { browser.FilesChanged(); };
+    longCommand.onClose = [this] { return m_parts.services.Ask(m_parts.services.Text(IDS_STOP_AND_CLOSE)); };
     exports.onDialog = [this] { m_hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
     exports.onPending = [this] { return longCommand.StayAlive(); };

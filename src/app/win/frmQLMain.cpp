@@ -108,6 +108,10 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_CLOSE: OnClose(); return 0;
         case WM_ENABLE: m_rooms.longCommand.CloseIfAsked(); return 0;
+        case WM_QUERYENDSESSION:
+            // The process may end right after WM_ENDSESSION: an unfinished file is to be removed before.
+            m_rooms.longCommand.Stop();
+            return TRUE;
         case WM_ENDSESSION: OnEndSession(wParam != FALSE); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;

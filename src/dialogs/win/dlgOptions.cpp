@@ -230,7 +230,7 @@ void dlgOptions::EnableXFormat() {
 }
 
 void dlgOptions::SendHelpKey() {
-    RunPendingMessages(m_dialog);
+    RunPendingMessages([this](MSG& message) { return IsDialogMessageW(m_dialog, &message) != FALSE; });
     if (!IsWindowVisible(m_dialog)) return;  // one of them closed it
     INPUT keys[2]{};
     keys[0].type = keys[1].type = INPUT_KEYBOARD;

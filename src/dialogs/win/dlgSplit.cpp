@@ -1,13 +1,14 @@
 #include "dialogs/win/dlgSplit.h"
 
+#include <algorithm>
 #include <exception>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "base/FilePath.h"
 #include "base/Text.h"
-#include "base/win/PendingMessages.h"
 #include "base/win/YesNoBox.h"
 #include "dialogs/DialogTexts.h"
 #include "dialogs/SplitChoices.h"
@@ -63,6 +64,8 @@ class SplitDialog {
     [[nodiscard]] bool Agrees(const std::u16string& question) const;
     void Split();
     [[nodiscard]] SplitResult Run(const SplitPlan& plan);
+    /// Called periodically by a run: shows how far it is; false to stop it.
+    [[nodiscard]] bool GoesOn(const SplitPlan& plan, std::int64_t piece, std::int32_t percent);
 
     SplitDialogContext m_context;
     SplitSource m_source;
@@ -74,6 +77,10 @@ class SplitDialog {
     /// Files announced to the user as to be deleted; none when nothing was announced.
     std::optional<std::vector<std::u16string>> m_announced;
     bool m_running = false;
+    bool m_closeAsked = false;  ///< during a run; answered by GoesOn
+    bool m_stopped = false;
+    std::int32_t m_percent = -1;  ///< shown
+    std::int64_t m_piece = -1;    ///< shown
     bool m_destroyed = false;
 };
 
@@ -109,6 +116,10 @@ INT_PTR SplitDialog::OnMessage(UINT message, WPARAM wParam, LPARAM) {
             SetCursor(LoadCursorW(nullptr, IDC_WAIT));
             SetWindowLongPtrW(m_dialog, DWLP_MSGRESULT, TRUE);
             return TRUE;
+        case WM_SETFOCUS:
+            // Else it would give the focus to the control that had it last.
+            return m_running ? TRUE : FALSE;
+        case WM_CLOSE: m_closeAsked = m_running; return m_running ? TRUE : FALSE;
         case WM_DESTROY: m_destroyed = true; return FALSE;
         default: return FALSE;
     }
@@ -252,7 +263,7 @@ bool SplitDialog::CheckFolder(const SplitPlan& plan) {
     }
     const std::u16string kept = FindUndeletable(m_folder, m_state.files);
     if (kept.empty()) return true;
-    SetStatus(SplitResultText(m_context.services, {SplitEnd::DeleteFailed, 0, kept}, m_folder));
+    SetStatus(SplitResultText(m_context.services, plan, {SplitEnd::DeleteFailed, 0, kept}, m_folder));
     return false;
 }
 
@@ -279,15 +290,29 @@ void SplitDialog::Split() {
     if (!CheckFolder(plan) || m_destroyed) return;
     KeepSplitSettings(Choices(), m_source, m_context.settings);
     m_context.exporter.SetRecording(m_context.recording);
-    const SplitResult result = Run(plan);
-    const std::u16string text = SplitResultText(m_context.services, result, m_folder);
+    SplitResult result;
+    const bool stays = m_context.run([&] { result = Run(plan); });
+    const std::u16string text = SplitResultText(m_context.services, plan, result, m_folder);
+    // In the main window, where it can be read when the dialog is gone.
+    if (result.end == SplitEnd::Stopped) m_context.services.SetStatus(text);
     if (m_destroyed) return;
     ReadFolder();
     // What is there now was not announced.
     m_announced.reset();
     SetStatus(text);
     SendMessageW(m_dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Control(cmdSplit)), TRUE);
-    if (result.end == SplitEnd::Stopped) EndDialog(m_dialog, IDCANCEL);
+    if (!stays || m_closeAsked) EndDialog(m_dialog, IDCANCEL);
+}
+
+bool SplitDialog::GoesOn(const SplitPlan& plan, std::int64_t piece, std::int32_t percent) {
+    if (m_destroyed) return false;
+    if (std::pair(piece, percent) != std::pair(std::exchange(m_piece, piece), std::exchange(m_percent, percent)))
+        SetStatus(SplitProgressText(m_context.services, plan, piece, percent));
+    // A disabled control gets no keys, and so no Esc.
+    if (GetActiveWindow() == m_dialog && GetFocus() != m_dialog) SetFocus(m_dialog);
+    m_stopped = m_stopped || !m_context.goOn() || m_destroyed;
+    if (m_closeAsked && !m_stopped) m_stopped = m_closeAsked = Agrees(Text(IDS_STOP_AND_CLOSE));
+    return !m_stopped;
 }
 
 SplitResult SplitDialog::Run(const SplitPlan& plan) {
@@ -295,15 +320,9 @@ SplitResult SplitDialog::Run(const SplitPlan& plan) {
     struct Scope {
         explicit Scope(SplitDialog& split) : dialog(split) {
             dialog.m_running = true;
+            dialog.m_stopped = dialog.m_closeAsked = false;
+            dialog.m_percent = -1;
             dialog.EnableControls(false);
-            // Messages are also pumped within long pieces; the end of the program is noticed after the piece.
-            constexpr ULONGLONG interval = 30;  // ms, not noticeable to the user
-            dialog.m_context.exporter.SetProgress(
-                [window = split.m_dialog, last = GetTickCount64()](std::int32_t, std::int32_t) mutable {
-                    if (GetTickCount64() - last < interval) return;
-                    static_cast<void>(RunPendingMessages(window));
-                    last = GetTickCount64();
-                });
         }
         ~Scope() {
             dialog.m_context.exporter.SetProgress({});
@@ -320,13 +339,19 @@ SplitResult SplitDialog::Run(const SplitPlan& plan) {
         system.deleteFiles = [&] { return DeleteSplitFiles(m_folder, m_state.files, m_dialog); };
     }
     system.createFolder = [&] { return CreateSplitFolder(m_folder); };
+    std::int64_t started = 0;  // pieces
     system.exportPiece = [&](std::int64_t piece, const std::u16string& name) {
+        started = piece + 1;
+        m_context.exporter.SetProgress([&, piece](std::int32_t done, std::int32_t total) {
+            return GoesOn(plan, piece, plan.Percent(piece, done, total));
+        });
         return ExportPiece(m_context.exporter, *m_context.block, plan, piece, PathOf(m_folder, name));
     };
-    system.status = [&](std::int64_t piece, const std::u16string& name) {
-        SetStatus(SplitProgressText(m_context.services, plan, piece, name));
+    system.runPending = [&] {
+        // The next piece is what is being worked on.
+        const std::int64_t piece = std::min(started, plan.PieceCount() - 1);
+        return GoesOn(plan, piece, plan.Percent(started, 0, 1));
     };
-    system.runPending = [&] { return RunPendingMessages(m_dialog) && !m_destroyed; };
     return RunSplit(plan, system);
 }
 

@@ -21,11 +21,14 @@ struct SplitDialogContext {
     UserServices& services;
     char16_t decimalSeparator = u'.';
     std::function<void()> showHelp = {};
+    /// Calls `work`, which may take long. False when the dialog is to close, too.
+    std::function<bool(const std::function<void()>& work)> run = [](const auto& work) { return work(), true; };
+    /// Called periodically by it: handles messages; false stops it, and then at every call.
+    std::function<bool()> goOn = [] { return true; };
 };
 
-/// Lets the user split a block into files; returns when the dialog is closed. During a run the dialog ignores input and
-/// cannot be closed. A run ends early when the program does. Throws what the block does when it is asked for its length
-/// and rate.
+/// Lets the user split a block into files; returns when the dialog is closed. To close it during a run stops that,
+/// after asking; other input is left to `goOn`. Throws what the block does when it is asked for its length and rate.
 void ShowSplitDialog(HWND owner, SplitDialogContext context);
 
 }  // namespace quillon

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <thread>
 
+#include "app/win/LongCommand.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/win/WinHandle.h"
 #include "export/QL_Export.h"
@@ -200,6 +201,66 @@ TEST_F(ExportWindowTest, CopiedDataAreTheTextOfTheSelection) {
     CloseClipboard();
     EXPECT_FALSE(done);
     EXPECT_EQ(ClipboardText(), text);
+}
+
+TEST_F(ExportWindowTest, EscAndCloseStopEveryKindAndLeaveWhatWasThere) {
+    Start();
+    const auto write = [&](int command, const std::u16string& name) {
+        m_global.settings.text.fastFile = Path(name);
+        Choose(Path(name), 4);
+        SendMessageW(m_form->Window(), WM_COMMAND, static_cast<WPARAM>(command), 0);
+    };
+    const auto esc = [&] { PostMessageW(Control(pbGraph), WM_KEYDOWN, VK_ESCAPE, 0); };
+    const std::u16string names[] = {u"old.bin", u"old.wav", u"old.edf", u"old.txt"};
+    for (const std::u16string& name : names) std::ofstream(m_folder.File(name)) << "old";
+    m_global.settings.text.fileType = 1;
+    Command(mnuCopy);
+    const std::wstring copied = ClipboardText();
+    m_global.view->Select(5, 9);
+    const auto files = [&] {
+        return std::distance(std::filesystem::directory_iterator(m_folder.Path()),
+                             std::filesystem::directory_iterator());
+    };
+    const auto before = files();
+    for (const int command : {int{mnuSaveAs}, int{mnuFastExport}}) {
+        for (const std::u16string& name : names) {
+            if (command == mnuFastExport && name != names[3]) continue;
+            esc();
+            write(command, name);
+            EXPECT_EQ(Status(), L"Stopped, not written: " + Wide(Path(name)));
+            EXPECT_EQ(Contents(Path(name)), "old");
+        }
+    }
+    esc();
+    Command(mnuCopy);
+    EXPECT_EQ(Status(), L"Stopped, nothing copied");
+    EXPECT_EQ(ClipboardText(), copied);
+    EXPECT_EQ(files(), before);
+    Pump();
+    EXPECT_TRUE(m_global.view->Selected().active) << "Esc does nothing else";
+
+    PostMessageW(m_form->Window(), WM_QUERYENDSESSION, 0, 0);
+    write(mnuSaveAs, names[0]);
+    EXPECT_EQ(Contents(Path(names[0])), "old") << "nor does the end of the session leave a part";
+    EXPECT_EQ(files(), before);
+
+    // What is typed while no message is handled is dropped, too.
+    LongCommand frozen;
+    frozen.SetWindow(m_form->Window());
+    frozen.Run([&] { esc(); });
+    Pump();
+    EXPECT_TRUE(m_global.view->Selected().active);
+
+    for (const WORD answer : {WORD{IDNO}, WORD{IDYES}}) {
+        PostMessageW(m_form->Window(), WM_CLOSE, 0, 0);
+        const DialogAnswer box([answer](HWND dialog) { PostMessageW(dialog, WM_COMMAND, answer, 0); });
+        write(mnuSaveAs, answer == IDNO ? u"new.bin" : u"old.bin");
+        Pump();
+        EXPECT_EQ(m_form->Window() == nullptr, answer == IDYES);
+    }
+    EXPECT_TRUE(Exists(u"new.bin"));
+    EXPECT_EQ(Contents(Path(u"old.bin")), "old");
+    EXPECT_EQ(files(), before + 1);
 }
 
 TEST_F(ExportWindowTest, MessagesRunMeanwhileAndStartNothing) {

@@ -8,6 +8,7 @@
 
 #include "RecordingWriters.h"
 #include "app/KV_Resources.h"
+#include "app/win/LongCommand.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "base/win/SystemPath.h"
@@ -56,7 +57,17 @@ class SplitDialog : public ::testing::Test {
             script();
             PostMessageW(dialog, WM_COMMAND, cmdCancel, 0);
         });
-        ShowSplitDialog(nullptr, {m_recording->GetBlock(1), m_path.u16string(), m_settings, exporter, m_services});
+        LongCommand command;
+        command.SetWindow(GetDesktopWindow());
+        const auto run = [&](const std::function<void()>& work) {
+            command.RunPart(work);
+            return !command.IsCloseAsked();
+        };
+        ShowSplitDialog(
+            nullptr,
+            {m_recording->GetBlock(1), m_path.u16string(), m_settings, exporter, m_services, u'.', {}, run, [&] {
+                 return command.StayAlive();
+             }});
     }
 
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_dialog, id); }
@@ -70,16 +81,19 @@ class SplitDialog : public ::testing::Test {
     [[nodiscard]] bool StatusHolds(const std::string& text) const {
         return Label(lblStatus).find(text) != std::string::npos;
     }
-    /// Presses cmdSplit and, where the dialog asks, a button of the message box; waits for that status.
-    [[nodiscard]] bool Run(const std::string& status, WORD answer = 0) const {
+    /// Presses cmdSplit and, where the dialog asks, a button of the message box.
+    void Press(WORD answer) const {
         PostMessageW(Control(cmdSplit), BM_CLICK, 0, 0);
-        if (answer != 0) {
-            if (!WaitUntil([&] { return !IsWindowEnabled(m_dialog); })) return false;
-            HWND box = nullptr;
-            if (!WaitUntil([&] { return (box = GetLastActivePopup(m_dialog)) != m_dialog && IsWindowVisible(box); }))
-                return false;
-            PostMessageW(box, WM_COMMAND, answer, 0);
-        }
+        if (answer == 0) return;
+        HWND box = nullptr;
+        ASSERT_TRUE(WaitUntil([&] { return !IsWindowEnabled(m_dialog); }));
+        ASSERT_TRUE(
+            WaitUntil([&] { return (box = GetLastActivePopup(m_dialog)) != m_dialog && IsWindowVisible(box); }));
+        PostMessageW(box, WM_COMMAND, answer, 0);
+    }
+    /// The same, and waits for that status.
+    [[nodiscard]] bool Run(const std::string& status, WORD answer = 0) const {
+        Press(answer);
         const bool shown = WaitUntil(
             [&] { return IsWindowEnabled(m_dialog) && IsWindowEnabled(Control(cmdSplit)) && StatusHolds(status); });
         EXPECT_TRUE(shown) << status << " / " << Label(lblStatus);
@@ -271,34 +285,51 @@ TEST_F(SplitDialog, ReportsFullDisksAndRefusedFiles) {
     EXPECT_TRUE(fs::is_directory(m_pieces / u"02.bin"));
 }
 
-TEST_F(SplitDialog, ClosesOnlyAfterTheRunOrWithTheProgram) {
+TEST_F(SplitDialog, EscAndCloseStopTheRunAndOtherInputDoesNothing) {
     int files = 0;
     std::function<void()> disturb;
     m_makeFile = [&] {
-        if (++files == 3) disturb();
+        if (++files == 3) {
+            disturb();
+            Sleep(50);  // so that messages are looked for within this piece
+        }
         return MakeOutputFile();
     };
     disturb = [&] {
         EXPECT_FALSE(IsWindowEnabled(Control(cmdCancel)));
+        EXPECT_EQ(FocusOf(m_dialog), m_dialog) << "a disabled control gets no Esc";
+        EXPECT_TRUE(StatusHolds("File 3 of 10 (20%): \"03.bin\""));
         for (const UINT message : {UINT{WM_CLOSE}, UINT{WM_HELP}}) PostMessageW(m_dialog, message, 0, 0);
         for (const int command : {cmdCancel, cmdSplit})
             PostMessageW(m_dialog, WM_COMMAND, static_cast<WPARAM>(command), 0);
+        PostMessageW(Control(cmdSplit), WM_KEYDOWN, VK_SPACE, 0);
     };
     Show([&] {
         BySamples(L"100", L"100");
-        EXPECT_TRUE(Run("Files written: 10"));
+        EXPECT_TRUE(Run("Files written: 10", IDNO)) << "the user does not want to close";
+        EXPECT_EQ(files, 10) << "run once";
+        fs::remove_all(m_pieces);
+        files = 0;
+        disturb = [&] { PostMessageW(m_dialog, WM_KEYDOWN, VK_ESCAPE, 0); };
+        EXPECT_TRUE(Run("Stopped: 2 of 10 files written: 01.bin ... 02.bin"));
+        EXPECT_EQ(Files(), (Names{u"01.bin", u"02.bin"}));
     });
-    EXPECT_EQ(files, 10) << "run once";
-
-    fs::remove_all(m_pieces);
-    files = 0;
+    const auto closes = [&](WORD answer) {
+        fs::remove_all(m_pieces);
+        files = 0;
+        m_services.status.clear();
+        Show([&] {
+            BySamples(L"100", L"100");
+            Press(answer);
+            EXPECT_TRUE(WaitUntil([&] { return !IsWindow(m_dialog); }));
+        });
+        EXPECT_EQ(Files(), (Names{u"01.bin", u"02.bin"}));
+        EXPECT_EQ(m_services.status, u"Stopped: 2 of 10 files written: 01.bin ... 02.bin");
+    };
+    disturb = [&] { PostMessageW(m_dialog, WM_CLOSE, 0, 0); };
+    closes(IDYES);
     disturb = [] { PostQuitMessage(5); };
-    Show([&] {
-        BySamples(L"100", L"100");
-        PostMessageW(Control(cmdSplit), BM_CLICK, 0, 0);
-        EXPECT_TRUE(WaitUntil([&] { return !IsWindow(m_dialog); }));
-    });
-    EXPECT_EQ(Files(), (Names{u"01.bin", u"02.bin", u"03.bin"}));
+    closes(0);
     MSG message{};
     EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != FALSE && message.wParam == 5);
 }
