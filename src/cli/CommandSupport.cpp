@@ -15,6 +15,10 @@ OpenFile::~OpenFile() {
     m_library->CloseRecording(m_recording);
 }
 
+void RefuseInterrupted(Language language) {
+    throw Refusal(Say(u"interrupted", u"прервано").In(language));
+}
+
 void RefuseExport(const KVExport& exporter, const std::u16string& target) {
     const std::u16string& reason = exporter.Reason().empty() ? exporter.LastError() : exporter.Reason();
     if (exporter.SourceFailed()) throw Refusal(reason);

@@ -68,6 +68,9 @@ class SilentServices final : public UserServices {
     [[nodiscard]] std::u16string DateAndTime(double) const override { return {}; }
 };
 
+/// Throws the Refusal for a command that Ctrl+C has stopped.
+[[noreturn]] void RefuseInterrupted(Language language);
+
 /// Throws the Refusal for an export to `target` that has failed.
 [[noreturn]] void RefuseExport(const KVExport& exporter, const std::u16string& target);
 

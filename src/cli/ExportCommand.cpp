@@ -6,6 +6,7 @@
 #include "base/Bilingual.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
+#include "cli/Interrupt.h"
 #include "export/KVExport.h"
 #include "norvik/SystemBytes.h"
 
@@ -73,9 +74,12 @@ void RunExport(const CommandContext& context) {
                                  .fieldText = SystemBytes,
                                  .language = context.language});
     range.block->Prepare();
+    const InterruptScope interrupt;
+    exporter.SetProgress([&](std::int32_t, std::int32_t) { return !interrupt.IsAsked(); });
     const bool done =
         exporter.Export(range.block.get(), parsed.words[2], range.samples.first + 1, range.samples.count, type);
     if (refusal) std::rethrow_exception(refusal);
+    if (exporter.Stopped()) RefuseInterrupted(context.language);
     if (!done) RefuseExport(exporter, parsed.words[2]);
     const std::u16string loss = DescribeLoss(exporter.Outcome(), context.language);
     if (!loss.empty()) context.error << "quillon-cli: " << Utf8(parsed.words[2]) << ": " << Utf8(loss) << '\n';

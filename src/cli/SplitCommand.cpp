@@ -8,6 +8,7 @@
 #include "base/SystemText.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
+#include "cli/Interrupt.h"
 #include "export/SplitPlan.h"
 #include "export/SplitRun.h"
 #include "norvik/OutputFile.h"
@@ -151,10 +152,14 @@ void RunSplitCommand(const CommandContext& context) {
         }
         return written;
     };
+    const InterruptScope interrupt;
+    system.runPending = [&] { return !interrupt.IsAsked(); };
+    exporter.SetProgress([&](std::int32_t, std::int32_t) { return !interrupt.IsAsked(); });
     const SplitEnd end = RunSplit(plan, system).end;
     if (end == SplitEnd::FolderFailed) {
         RefuseFolder(context, u"the folder cannot be created", u"папка не создаётся", folderError, folder);
     }
+    if (end == SplitEnd::Stopped) RefuseInterrupted(context.language);
     if (end == SplitEnd::PieceFailed) RefuseExport(exporter, path);
 }
 

@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "cli/CommandSupport.h"
+#include "cli/Interrupt.h"
 #include "export/QL_Export.h"
 
 namespace quillon::cli {
@@ -99,8 +100,11 @@ void RunText(const CommandContext& context) {
     text.utf8Mark = !context.target.IsStandard();
     if (context.target.IsStandard()) text.lineEnd = context.lineEnd;
     range.block->Prepare();
+    const InterruptScope interrupt;
+    text.runPending = [&] { return !interrupt.IsAsked(); };
     WriteTextExport(*range.block, request, text);
     if (refusal) std::rethrow_exception(refusal);
+    if (text.stopped) RefuseInterrupted(context.language);
 }
 
 }  // namespace quillon::cli

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <csignal>
+#include <fstream>
+#include <thread>
+
 #include "RecordingWriters.h"
 #include "base/NativePath.h"
 #include "cli/CommandLine.h"
@@ -32,6 +36,24 @@ TEST_F(RealFaults, DevicesAreWrittenWhereTheyAre) {
     EXPECT_EQ(RunLine("info % --out=/dev/full --language=ru", {m_recording}).error,
               "quillon-cli: /dev/full: На диске нет места\n");
     EXPECT_TRUE(fs::is_character_file("/dev/null") && fs::is_character_file("/dev/full"));
+}
+
+TEST_F(RealFaults, InterruptingStopsTheCommandInsteadOfTheProcess) {
+    const fs::path pipe = m_folder.File(u"pipe.wav");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    for (const char* line : {"export % %", "text % %"}) {
+        std::string text;
+        // The command waits until the pipe is read, so it is still running at the first byte.
+        std::thread reader([&] {
+            std::ifstream stream(pipe, std::ios::binary);
+            text += static_cast<char>(stream.get());
+            std::raise(SIGINT);
+            text.append(std::istreambuf_iterator<char>(stream), {});
+        });
+        EXPECT_EQ(RunLine(line, {m_recording, pipe}).error, "quillon-cli: " + m_recording.string() + ": interrupted\n");
+        reader.join();
+        EXPECT_LT(text.size(), 600000U) << line;
+    }
 }
 
 TEST_F(RealFaults, ModesStayAndProtectedFilesToo) {
