@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "data/QL_Types.h"
@@ -91,6 +92,7 @@ void CheckExports(RecordingBlock& block, std::uint32_t choice) {
 /// Traces of cached extremes are those of reading every sample, whatever is seen first.
 void CheckTraces(RecordingBlock& block, std::uint32_t choice) {
     TraceReader cached;
+    ExtremesCache extremes;
     std::vector<std::int16_t> work;
     std::vector<TracePoint> points;
     const std::vector<std::int16_t> channels{1, block.ChannelCount()};
@@ -99,7 +101,7 @@ void CheckTraces(RecordingBlock& block, std::uint32_t choice) {
             block.SampleCount() > 0 ? static_cast<std::int32_t>(choice) % block.SampleCount() / 2 : 0;
         const std::int32_t aligned = first / samplesPerPixel * samplesPerPixel;
         const std::int32_t count = std::min(block.SampleCount() - aligned, samplesPerPixel * 60 + 3);
-        cached.Read(block, channels, {{aligned, count}, samplesPerPixel});
+        cached.Read(block, extremes, channels, {{aligned, count}, samplesPerPixel});
         // What could not be read ends the trace early.
         if (!cached.Failure().empty()) return;
         for (std::size_t at = 0; at < channels.size(); ++at) {
@@ -118,8 +120,10 @@ void CheckSpectra(const ViewBlock& block, std::uint32_t choice, bool shrinks) {
     SpectrumSettings same = settings;
     QL_FFT scrolled(settings);
     QL_FFT direct(same);
-    RangeRecords ranges;
-    const ValueRange limits = ranges.Of(block, 1).value_or(ValueRange{});
+    ExtremesCache extremes;
+    RangeRecords ranges(extremes);
+    const std::array<std::int16_t, 1> channel{1};
+    const ValueRange limits = ranges.Of(block, channel).value_or(ValueRange{});
     constexpr std::int32_t columns = 40;
     const std::int32_t hop = 1 + static_cast<std::int32_t>(choice / 32 % 50);
     for (QL_FFT* spectrum : {&scrolled, &direct}) {
@@ -148,8 +152,9 @@ void CheckReadouts(const ViewBlock& block, std::uint32_t choice) {
         Require(!(channel.deviation < 0.0), "no negative deviation");
     }
     TraceReader reader;
+    ExtremesCache extremes;
     const std::vector<std::int16_t> one{1};
-    reader.Read(*block.block, one, {{first - 1, last - first + 1}, 1});
+    reader.Read(*block.block, extremes, one, {{first - 1, last - first + 1}, 1});
     const std::optional<ValueRange> range = CentralRange(block, one, reader.points(), choice % 5 == 1);
     Require(!range || !(range->minimum > range->maximum), "the lower end of a range is not above the upper one");
 }

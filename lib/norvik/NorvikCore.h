@@ -80,6 +80,11 @@ class RecordingBlock {
     /// True when the samples are stored as frames, so that ReadFrames is the cheap order; false when the samples of one
     /// channel lie together, so that ReadCodes is.
     [[nodiscard]] virtual bool FramesAreCheap() const = 0;
+    /// Samples of every channel that lie in about 1 MiB of the file, at least 1: how much to read at once where other
+    /// work must not wait.
+    [[nodiscard]] virtual std::int32_t SamplesPerPiece() const {
+        return (1 << 19) / (ChannelCount() < 1 ? 1 : ChannelCount());
+    }
     /// Extremes of consecutive runs for several channels in one pass over the stored data.
     /// Samples first .. first+count-1 are cut into runs of `run` samples, the last one shorter where count is no
     /// multiple. out[i] points to room for ceil(count / run) results of channels[i]. Returns false, with nothing

@@ -1,6 +1,7 @@
 #include "cli/SpectrumCommand.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <span>
 
@@ -94,7 +95,7 @@ Request ParseRequest(const ParsedArguments& parsed) {
 ValueRange WholeRange(const BlockChannel& source, std::u16string& failure) {
     RecordingBlock& block = *source.block;
     if (block.SampleCount() < 1) return {};
-    const ReadableExtremes extremes = ReadableExtremeCodes(block, {source.channel}, {0, block.SampleCount()});
+    const ReadableExtremes extremes = ReadableExtremeCodes(block, std::array{source.channel}, {0, block.SampleCount()});
     failure = Utf16(extremes.failure);
     if (!extremes.codes.front()) throw Refusal(failure);
     const auto value = [&](std::int16_t code) {

@@ -11,7 +11,7 @@
 
 namespace quillon {
 
-std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
+std::vector<RunExtremes> ExtremeCodes(RecordingBlock& block, std::span<const std::int16_t> channels,
                                       const SampleSpan& samples) {
     std::vector<RunExtremes> extremes(channels.size());
     std::vector<RunExtremes*> targets;
@@ -37,8 +37,8 @@ namespace {
 /// Collects the extremes of the readable samples by halving ranges that cannot be read.
 class ReadableGatherer {
   public:
-    ReadableGatherer(RecordingBlock& block, const std::vector<std::int16_t>& channels)
-        : m_block(block), m_channels(channels) {
+    ReadableGatherer(RecordingBlock& block, std::span<const std::int16_t> channels, int searches)
+        : m_block(block), m_channels(channels), m_halvings(searches) {
         m_result.codes.resize(channels.size());
     }
 
@@ -75,9 +75,9 @@ class ReadableGatherer {
     }
 
     RecordingBlock& m_block;
-    const std::vector<std::int16_t>& m_channels;
+    std::span<const std::int16_t> m_channels;
     ReadableExtremes m_result;
-    int m_halvings = 10000;  ///< remaining; bounds the time for a file full of holes
+    int m_halvings;  ///< remaining; bounds the time for a file full of holes
 };
 
 /// Range in units of a channel's two extreme codes; none if its scale gives no finite values.
@@ -90,18 +90,18 @@ std::optional<ValueRange> InUnits(const ViewBlock& block, std::int16_t channel, 
     return ValueRange{std::min(first, second), std::max(first, second)};
 }
 
-void Widen(std::optional<ValueRange>& range, const std::optional<ValueRange>& other) {
-    if (!other) return;
-    if (!range) range = other;
-    range->minimum = std::min(range->minimum, other->minimum);
-    range->maximum = std::max(range->maximum, other->maximum);
+void Widen(std::optional<RunExtremes>& codes, const std::optional<RunExtremes>& more) {
+    if (!more) return;
+    if (!codes) codes = more;
+    const auto [low, high] = std::minmax({codes->first, codes->second, more->first, more->second});
+    codes = {low, high};
 }
 
 }  // namespace
 
-ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<std::int16_t>& channels,
-                                      const SampleSpan& samples) {
-    ReadableGatherer gatherer(block, channels);
+ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, std::span<const std::int16_t> channels,
+                                      const SampleSpan& samples, int searches) {
+    ReadableGatherer gatherer(block, channels, searches);
     try {
         const std::vector<RunExtremes> extremes = ExtremeCodes(block, channels, samples);
         return {{extremes.begin(), extremes.end()}, {}};
@@ -116,18 +116,79 @@ ReadableExtremes ReadableExtremeCodes(RecordingBlock& block, const std::vector<s
     return std::move(gatherer.Result());
 }
 
-void RangeRecords::ReadMissing(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
-    m_ranges.resize(block.channelNumbers.size());
-    std::vector<std::int16_t> unknown;
-    std::copy_if(channels.begin(), channels.end(), std::back_inserter(unknown),
-                 [&](std::int16_t channel) { return !m_ranges[static_cast<std::size_t>(channel - 1)].whole; });
-    if (unknown.empty()) return;
-    const ReadableExtremes extremes = ReadableExtremeCodes(*block.block, unknown, {0, block.sampleCount});
-    for (std::size_t at = 0; at < unknown.size(); ++at) {
-        Record& record = m_ranges[static_cast<std::size_t>(unknown[at] - 1)];
-        record = {extremes.failure.empty(), extremes.failure, std::nullopt};
-        if (extremes.codes[at]) record.range = InUnits(block, unknown[at], *extremes.codes[at]);
+void RangeRecords::Reset() {
+    m_ranges.clear();
+    m_run.reset();
+}
+
+RangeRecords::Run RangeRecords::Begin(const ViewBlock& block, std::span<const std::int16_t> channels,
+                                      const SampleSpan& seen) {
+    Run run;
+    run.channels.assign(channels.begin(), channels.end());
+    run.others.codes.resize(channels.size());
+    run.units = ExtremesCache::UnitCount(block.sampleCount);
+    run.right = run.left = std::clamp((seen.first - 1) / ExtremesCache::kCoarseCell, 0, run.units);
+    return run;
+}
+
+bool RangeRecords::ReadMissing(const ViewBlock& block, std::span<const std::int16_t> channels, const SampleSpan& seen) {
+    if (!block.block || block.sampleCount < 1 || IsKnown(channels)) return false;
+    if (!m_run || !std::equal(channels.begin(), channels.end(), m_run->channels.begin(), m_run->channels.end())) {
+        m_run = Begin(block, channels, seen);
+        // The first sample is in no unit.
+        ReadOthers(block, {0, 1});
     }
+    Run& run = *m_run;
+    const std::int32_t units = std::max(block.block->SamplesPerPiece() / ExtremesCache::kCoarseCell, 1);
+    // Several pieces on one side before the other is taken, so that a disk is read in order.
+    constexpr std::int32_t turn = 16;
+    if (run.right < run.units && (run.left == 0 || run.turns++ / turn % 2 == 0)) {
+        const std::int32_t from = std::exchange(run.right, std::min(run.right + units, run.units));
+        ReadUnits(block, from, run.right);
+    } else if (run.left > 0) {
+        const std::int32_t to = std::exchange(run.left, std::max(run.left - units, 0));
+        ReadUnits(block, run.left, to);
+    }
+    if (run.right < run.units || run.left > 0) return true;
+    Store(block);
+    return false;
+}
+
+double RangeRecords::PassedShare() const {
+    return m_run && m_run->units > 0 ? static_cast<double>(m_run->right - m_run->left) / m_run->units : 0.0;
+}
+
+void RangeRecords::ReadUnits(const ViewBlock& block, std::int32_t from, std::int32_t to) {
+    const SampleSpan samples = ExtremesCache::UnitSamples(from, to, block.sampleCount);
+    constexpr std::int32_t run = ExtremesCache::kCoarseCell;
+    try {
+        while (m_extremes.KnownTo(*block.block, m_run->channels, samples, run) < samples.End()) {
+            if (m_extremes.Fill(*block.block, m_run->channels, samples, run, ExtremesCache::Eviction::Never)) continue;
+            return ReadOthers(block, samples);
+        }
+    } catch (const std::exception&) {
+        ReadOthers(block, samples);
+    }
+}
+
+void RangeRecords::ReadOthers(const ViewBlock& block, const SampleSpan& samples) {
+    constexpr int searches = 300;
+    const ReadableExtremes extremes = ReadableExtremeCodes(*block.block, m_run->channels, samples, searches);
+    if (!extremes.failure.empty()) m_run->others.failure = extremes.failure;
+    for (std::size_t at = 0; at < extremes.codes.size(); ++at) Widen(m_run->others.codes[at], extremes.codes[at]);
+}
+
+void RangeRecords::Store(const ViewBlock& block) {
+    m_ranges.resize(block.channelNumbers.size());
+    for (std::size_t at = 0; at < m_run->channels.size(); ++at) {
+        const std::int16_t channel = m_run->channels[at];
+        std::optional<RunExtremes> codes = m_run->others.codes[at];
+        Widen(codes, m_extremes.KnownExtremes(channel));
+        Record& record = m_ranges[static_cast<std::size_t>(channel - 1)];
+        record = {m_run->others.failure.empty(), m_run->others.failure, std::nullopt};
+        if (codes) record.range = InUnits(block, channel, *codes);
+    }
+    m_run.reset();
 }
 
 std::string RangeRecords::Failure() const {
@@ -137,18 +198,29 @@ std::string RangeRecords::Failure() const {
     return {};
 }
 
-std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, const std::vector<std::int16_t>& channels) {
-    if (!block.block || block.sampleCount < 1) return std::nullopt;
-    ReadMissing(block, channels);
+bool RangeRecords::IsKnown(std::span<const std::int16_t> channels) const {
+    return std::all_of(channels.begin(), channels.end(), [&](std::int16_t channel) {
+        const auto at = static_cast<std::size_t>(channel - 1);
+        return at < m_ranges.size() && m_ranges[at].whole;
+    });
+}
+
+std::optional<ValueRange> RangeRecords::Found(std::span<const std::int16_t> channels) const {
     std::optional<ValueRange> range;
-    for (const std::int16_t channel : channels) Widen(range, m_ranges[static_cast<std::size_t>(channel - 1)].range);
+    for (const std::int16_t channel : channels) {
+        const auto at = static_cast<std::size_t>(channel - 1);
+        if (at >= m_ranges.size() || !m_ranges[at].range) continue;
+        const ValueRange& found = *m_ranges[at].range;
+        if (!range) range = found;
+        *range = {std::min(range->minimum, found.minimum), std::max(range->maximum, found.maximum)};
+    }
     return range;
 }
 
-std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, std::int16_t channel) {
-    if (!block.block || block.sampleCount < 1 || channel < 1 || channel > block.channelCount) return std::nullopt;
-    ReadMissing(block, {channel});
-    return m_ranges[static_cast<std::size_t>(channel - 1)].range;
+std::optional<ValueRange> RangeRecords::Of(const ViewBlock& block, std::span<const std::int16_t> channels) {
+    while (ReadMissing(block, channels, {})) {
+    }
+    return Found(channels);
 }
 
 namespace {

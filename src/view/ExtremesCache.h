@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <unordered_map>
 #include <vector>
@@ -20,13 +21,16 @@ namespace quillon {
 /// cells together would exceed the limit. Fine cells take 2 % of the size of the samples that they stand for, coarse
 /// ones a hundredth of that.
 ///
+/// Samples are read in units of one coarse cell. Fill reads a bounded number of units, so that a long stretch can be
+/// read in slices; ColumnExtremes reads whatever is missing.
+///
 /// The results equal RecordingBlock::ColumnExtremes in value and order.
 class ExtremesCache {
   public:
     static constexpr std::int32_t kCell = 100;          ///< samples of a fine cell
-    static constexpr std::int32_t kCoarseCell = 10000;  ///< samples of a coarse cell
+    static constexpr std::int32_t kCoarseCell = 10000;  ///< samples of a coarse cell, and of a unit
     static constexpr std::int32_t kChunk = 100000;      ///< samples of a chunk
-    static constexpr std::size_t kDefaultLimit = 256U << 20U;
+    static constexpr std::size_t kDefaultLimit = 192U << 20U;
 
     explicit ExtremesCache(std::size_t byteLimit = kDefaultLimit) : m_limit(byteLimit) {}
 
@@ -36,6 +40,29 @@ class ExtremesCache {
     [[nodiscard]] static bool Serves(std::int32_t first, std::int32_t run) {
         return run >= kCell && run % kCell == 0 && first % kCell == 1;
     }
+    /// Whether cells other than the coarse ones may be evicted to make room for new ones.
+    enum class Eviction { Allowed, Never };
+    /// The first sample from `samples.first` on whose cells are not known for all of the channels; the end of `samples`
+    /// where all are. `run`: length of the runs that the cells are wanted for; a multiple of kCoarseCell wants coarse
+    /// cells only.
+    [[nodiscard]] std::int32_t KnownTo(const RecordingBlock& block, std::span<const std::int16_t> channels,
+                                       const SampleSpan& samples, std::int32_t run);
+    /// Reads the unknown units from sample `first` (from 1) on that follow each other, about SamplesPerPiece samples of
+    /// them and none behind `end`. With Eviction::Never, fine cells that do not fit the limit are not kept. False where
+    /// the block does not reduce runs itself; throws what the block throws.
+    bool Fill(RecordingBlock& block, std::span<const std::int16_t> channels, const SampleSpan& samples,
+              std::int32_t run, Eviction eviction);
+    /// The extremes of some samples in any order, from coarse cells inside and from samples read at the ends, of which
+    /// there are less than two units. None where a coarse cell inside is not known.
+    [[nodiscard]] std::optional<std::vector<RunExtremes>> ExtremesOf(RecordingBlock& block,
+                                                                     std::span<const std::int16_t> channels,
+                                                                     const SampleSpan& samples);
+    /// The extremes in any order of those samples of a channel whose coarse cells are known; none where none are.
+    [[nodiscard]] std::optional<RunExtremes> KnownExtremes(std::int16_t channel) const;
+    /// Units of a block of that many samples. The first sample is in none.
+    [[nodiscard]] static std::int32_t UnitCount(std::int32_t samples);
+    /// The samples of units from .. to-1 of such a block; there is at least one unit.
+    [[nodiscard]] static SampleSpan UnitSamples(std::int32_t from, std::int32_t to, std::int32_t samples);
     /// As RecordingBlock::ColumnExtremes, for runs that Serves() accepts; reads the cells that are missing. False, with
     /// undefined results, where the block does not reduce runs itself.
     bool ColumnExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
@@ -48,15 +75,19 @@ class ExtremesCache {
     using Cells = std::vector<std::vector<RunExtremes>>;
     struct Chunk {
         Cells fine;
-        std::uint64_t used = 0;  ///< m_clock at its last use
+        std::vector<std::uint32_t> known;  ///< per channel, a bit for every unit of the chunk
+        std::uint64_t used = 0;            ///< m_clock at its last use
     };
 
     void Prepare(const RecordingBlock& block);
-    [[nodiscard]] SampleSpan SamplesOf(std::int32_t chunk) const;
-    [[nodiscard]] bool HasCells(std::int32_t chunk, std::span<const std::int16_t> channels, bool coarse) const;
-    bool Fill(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t firstChunk,
-              std::int32_t chunkCount);
-    void Store(std::int32_t chunk, std::size_t channel, std::span<const RunExtremes> cells);
+    [[nodiscard]] SampleSpan SamplesOf(std::int32_t unit) const;
+    [[nodiscard]] bool HasCells(std::int32_t unit, std::span<const std::int16_t> channels, bool coarse) const;
+    bool ReadUnits(RecordingBlock& block, std::span<const std::int16_t> channels, const SampleSpan& samples,
+                   std::int32_t run, Eviction eviction);
+    bool FillUnits(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t firstUnit,
+                   std::int32_t unitCount, Eviction eviction);
+    void StoreFine(std::int32_t unit, std::size_t channel, std::span<const RunExtremes> cells);
+    void StoreCoarse(std::int32_t unit, std::size_t channel, std::span<const RunExtremes> cells);
     void DropOldest();
 
     std::size_t m_limit;
@@ -65,7 +96,7 @@ class ExtremesCache {
     std::int32_t m_samples = 0;
     std::unordered_map<std::int32_t, Chunk> m_chunks;
     Cells m_coarse;                                ///< of the whole block, unknown ones included
-    std::vector<std::vector<bool>> m_coarseKnown;  ///< per channel and chunk
+    std::vector<std::vector<bool>> m_coarseKnown;  ///< per channel and unit
     std::vector<RunExtremes> m_buffer;             ///< of one pass, channel after channel
 };
 

@@ -13,6 +13,9 @@ namespace {
 constexpr std::uint32_t kWhite = 0xFFFFFF;
 constexpr std::uint32_t kZeroColor = 0xB4BAC4;
 constexpr std::uint32_t kMarkLineColor = 0xDFA6A6;
+/// The line below columns whose traces are not drawn yet.
+constexpr std::uint32_t kMissingColor = 0xE0A030;
+constexpr std::int32_t kMissingRows = 2;
 
 /// Rows and columns between the dots of a dotted grid; a divisor of a division of either axis.
 constexpr std::int32_t kDotStep = 4;
@@ -66,10 +69,30 @@ void GraphPicture::SetPixels(std::uint32_t* pixels, std::int32_t width, std::int
     m_pixels = pixels;
     m_width = width;
     m_height = height;
+    m_missing = {std::vector<bool>(static_cast<std::size_t>(width)), 0};
+}
+
+void GraphPicture::Missing::Set(std::int32_t from, std::int32_t to, bool missing) {
+    for (auto at = static_cast<std::size_t>(from); at < static_cast<std::size_t>(to); ++at) {
+        if (columns[at] == missing) continue;
+        columns[at] = missing;
+        count += missing ? 1 : -1;
+    }
+}
+
+ColumnBand GraphPicture::Missing::Next(std::int32_t from) const {
+    const auto first = std::find(columns.begin() + from, columns.end(), true);
+    const auto end = std::find(first, columns.end(), false);
+    return {static_cast<std::int32_t>(first - columns.begin()), static_cast<std::int32_t>(end - columns.begin()) - 1};
+}
+
+double GraphPicture::MissingShare() const {
+    return m_width == 0 ? 0.0 : static_cast<double>(m_missing.count) / m_width;
 }
 
 void GraphPicture::Clear() {
     m_bands = {};
+    m_missing.Set(0, m_width, false);
     m_beyond.clear();
     m_traces.Reset(0, m_width, m_height);
     std::fill_n(m_pixels, static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height), kWhite);
@@ -78,8 +101,8 @@ void GraphPicture::Clear() {
 void GraphPicture::Draw(const GraphScene& scene) {
     m_traces.Reset(ChannelsOf(scene.lanes).size(), m_width, m_height);
     if (m_width == 0) return;
-    DrawColumns(scene, 0, m_width);
-    FindOutside(scene);
+    m_missing.Set(0, m_width, true);
+    DrawMissing(scene);
     InvertBands();
 }
 
@@ -95,18 +118,61 @@ void GraphPicture::Scroll(const GraphScene& scene, std::int32_t shift) {
     constexpr std::int32_t edge = 2;
     const std::int32_t left = std::min(std::max(-shift, 0) + edge, m_width);
     const std::int32_t right = std::max(m_width - std::max(shift, 0) - edge, left);
-    DrawColumns(scene, 0, left);
-    if (right < m_width) DrawColumns(scene, right, m_width);
-    FindOutside(scene);
+    std::vector<bool>& columns = m_missing.columns;
+    if (shift > 0) {
+        std::copy(columns.begin() + shift, columns.end(), columns.begin());
+    } else {
+        std::copy_backward(columns.begin(), columns.end() + shift, columns.end());
+    }
+    m_missing.count = static_cast<std::int32_t>(std::count(columns.begin(), columns.end(), true));
+    m_missing.Set(0, left, true);
+    m_missing.Set(right, m_width, true);
+    DrawMissing(scene);
     InvertBands();
 }
 
-void GraphPicture::DrawColumns(const GraphScene& scene, std::int32_t from, std::int32_t to) {
+void GraphPicture::DrawMissing(const GraphScene& scene) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
+    while (m_missing.count > 0) {
+        DrawNext(scene);
+        if (m_patience != std::chrono::milliseconds::max() && Clock::now() - start >= m_patience) break;
+    }
+    for (ColumnBand run = m_missing.Next(0); run.left < m_width; run = m_missing.Next(run.right + 1)) {
+        m_traces.Forget(run.left, run.right + 1);
+        DrawBackground(scene, run.left, run.right + 1);
+        for (std::int32_t row = std::max(m_height - kMissingRows, 0); row < m_height; ++row)
+            std::fill_n(Row(row) + run.left, run.right + 1 - run.left, kMissingColor);
+    }
+    FindOutside(scene);
+}
+
+std::optional<ColumnBand> GraphPicture::DrawNext(const GraphScene& scene) {
+    const ColumnBand run = m_missing.Next(0);
+    const std::int32_t end = m_traces.Approach(scene, run.left, run.right + 1);
+    if (end <= run.left) return std::nullopt;
+    DrawBackground(scene, run.left, end);
+    m_traces.Draw(scene, run.left, end);
+    m_traces.Compose(m_pixels);
+    m_missing.Set(run.left, end, false);
+    return ColumnBand{run.left, end - 1};
+}
+
+std::optional<ColumnBand> GraphPicture::DrawMore(const GraphScene& scene) {
+    if (m_missing.count == 0) return std::nullopt;
+    const std::optional<ColumnBand> drawn = DrawNext(scene);
+    if (!drawn) return std::nullopt;
+    FindOutside(scene);
+    for (const auto& band : m_bands) {
+        if (band) Invert({std::max(band->left, drawn->left), std::min(band->right, drawn->right)});
+    }
+    return drawn;
+}
+
+void GraphPicture::DrawBackground(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     DrawGrid(scene, from, to);
     DrawMarkLines(scene, from, to);
     if (onMarkTexts) onMarkTexts(scene, from, to);
-    m_traces.Draw(scene, from, to);
-    m_traces.Compose(m_pixels);
 }
 
 void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -39,13 +40,24 @@ class GraphPicture {
     [[nodiscard]] std::int32_t Width() const { return m_width; }
     [[nodiscard]] std::int32_t Height() const { return m_height; }
 
+    /// How long Draw and Scroll go on reading; what they have not drawn by then is left to DrawMore. At first there is
+    /// no limit.
+    void SetPatience(std::chrono::milliseconds patience) { m_patience = patience; }
+
     /// White, without bands.
     void Clear();
-    /// Draws the scene, the bands over it.
+    /// Draws the scene, the bands over it. Columns that are left to DrawMore hold no traces, and a line along the lower
+    /// edge.
     void Draw(const GraphScene& scene);
     /// The same image for a scene that differs from the drawn one only by its first column, which was moved by `shift`:
     /// what stays visible is copied, the rest is drawn.
     void Scroll(const GraphScene& scene, std::int32_t shift);
+    /// Reads about 1 MiB of what the columns left out by Draw need, for the scene drawn last, and draws those of which
+    /// all is known then. Returns the columns drawn, if any.
+    std::optional<ColumnBand> DrawMore(const GraphScene& scene);
+    /// Whether columns are left to DrawMore, and their share of the image, from 0 to 1.
+    [[nodiscard]] bool IsIncomplete() const { return m_missing.count > 0; }
+    [[nodiscard]] double MissingShare() const;
     /// Moves, shows or hides a band; returns the columns that hold what has changed, within the image.
     std::optional<ColumnBand> SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
     [[nodiscard]] const std::optional<ColumnBand>& Band(GraphBand which) const {
@@ -57,7 +69,21 @@ class GraphPicture {
     [[nodiscard]] const TracePicture& Traces() const { return m_traces; }
 
   private:
-    void DrawColumns(const GraphScene& scene, std::int32_t from, std::int32_t to);
+    /// Columns whose traces are not drawn.
+    struct Missing {
+        std::vector<bool> columns;
+        std::int32_t count = 0;
+        void Set(std::int32_t from, std::int32_t to, bool missing);
+        /// The first missing columns from `from` on that follow each other; from the width on where there are none.
+        [[nodiscard]] ColumnBand Next(std::int32_t from) const;
+    };
+
+    /// Draws what is missing as long as the patience lasts, then the background of the rest.
+    void DrawMissing(const GraphScene& scene);
+    /// Reads on for the first missing columns and draws those that are known; returns them.
+    std::optional<ColumnBand> DrawNext(const GraphScene& scene);
+    /// Grid and marks.
+    void DrawBackground(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void DrawMarkLines(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void FindOutside(const GraphScene& scene);
@@ -77,6 +103,8 @@ class GraphPicture {
     std::int32_t m_width = 0;
     std::int32_t m_height = 0;
     TracePicture m_traces;
+    Missing m_missing;
+    std::chrono::milliseconds m_patience = std::chrono::milliseconds::max();
     std::vector<Beyond> m_beyond;
     bool m_marksSeen = false;
     std::array<std::optional<ColumnBand>, static_cast<std::size_t>(GraphBand::Count)> m_bands;

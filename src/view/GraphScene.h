@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "data/QL_Types.h"
+#include "view/ExtremesCache.h"
 #include "view/Lane.h"
 #include "view/TimeAxis.h"
 
@@ -15,6 +16,7 @@ struct GraphScene {
     const ViewBlock& block;
     const TimeAxis& axis;
     const Lanes& lanes;
+    ExtremesCache& extremes;  ///< of the block; drawing reads what it misses
     bool rawCodes = false;
     bool foldOrigin = false;  ///< only below system version 4, see TraceGeometry
     GridStyle gridStyle = GridStyle::None;

@@ -98,14 +98,15 @@ std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::
     return work.back();
 }
 
-bool TraceReader::ReadExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                               std::int32_t count, std::int32_t samplesPerPixel, bool cached) {
+bool TraceReader::ReadExtremes(RecordingBlock& block, ExtremesCache* extremes, std::span<const std::int16_t> channels,
+                               std::int32_t first, std::int32_t count, std::int32_t samplesPerPixel) {
     const auto runs = static_cast<std::size_t>(RunCount(count, samplesPerPixel));
     m_extremes.resize(runs * channels.size());
     m_targets.resize(channels.size());
     for (std::size_t at = 0; at < channels.size(); ++at) m_targets[at] = m_extremes.data() + at * runs;
-    if (!(cached ? m_cache.ColumnExtremes(block, channels, first + 1, count - 1, samplesPerPixel, m_targets)
-                 : block.ColumnExtremes(channels, first + 1, count - 1, samplesPerPixel, m_targets)))
+    if (!(extremes != nullptr
+              ? extremes->ColumnExtremes(block, channels, first + 1, count - 1, samplesPerPixel, m_targets)
+              : block.ColumnExtremes(channels, first + 1, count - 1, samplesPerPixel, m_targets)))
         return false;
     for (std::size_t at = 0; at < channels.size(); ++at) {
         std::vector<TracePoint>& points = m_points[at];
@@ -119,48 +120,82 @@ bool TraceReader::ReadExtremes(RecordingBlock& block, std::span<const std::int16
     return true;
 }
 
-void TraceReader::Read(RecordingBlock& block, std::span<const std::int16_t> channels, const TraceStretch& stretch) {
+namespace {
+
+/// A line into the part may start a column outside, and a run's points lie at its column's middle and right edge.
+constexpr std::int64_t kMargin = 2;
+
+/// The samples that columns from .. to-1 of a trace need; empty where there are none.
+SampleSpan SamplesFor(const TraceStretch& stretch) {
+    const std::int64_t perPixel = stretch.samplesPerPixel;
+    const std::int64_t skipped = std::max<std::int64_t>(stretch.fromColumn - kMargin, 0) * perPixel;
+    const std::int64_t end = std::min<std::int64_t>((stretch.toColumn + kMargin) * perPixel + 1, stretch.samples.count);
+    if (end <= skipped) return {};
+    return {static_cast<std::int32_t>(stretch.samples.first + skipped), static_cast<std::int32_t>(end - skipped)};
+}
+
+}  // namespace
+
+std::int32_t TraceReader::Approach(RecordingBlock& block, ExtremesCache& extremes,
+                                   std::span<const std::int16_t> channels, const TraceStretch& stretch) {
+    const SampleSpan wanted = SamplesFor(stretch);
+    if (wanted.count < 2 || channels.empty()) return stretch.toColumn;
+    const std::int32_t perPixel = stretch.samplesPerPixel;
+    const std::int32_t piece = block.SamplesPerPiece();
+    const std::int32_t columns = std::max(piece / perPixel, 1);
+    const std::int32_t direct =
+        columns < stretch.toColumn - stretch.fromColumn ? stretch.fromColumn + columns : stretch.toColumn;
+    if (!ExtremesCache::Serves(wanted.first + 1, perPixel)) return direct;
+    const SampleSpan runs{wanted.first + 1, wanted.count - 1};
+    try {
+        if (!extremes.Fill(block, channels, runs, perPixel, ExtremesCache::Eviction::Allowed)) return direct;
+    } catch (const std::exception&) {
+        return direct;
+    }
+    const std::int32_t known = extremes.KnownTo(block, channels, runs, perPixel);
+    if (known == runs.End()) return stretch.toColumn;
+    const std::int64_t column = (std::int64_t{known} - 1 - stretch.samples.first) / perPixel - kMargin;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(column, stretch.fromColumn, stretch.toColumn));
+}
+
+void TraceReader::Read(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                       const TraceStretch& stretch) {
     m_used = channels.size();
     if (m_points.size() < m_used) m_points.resize(m_used);
     for (std::size_t at = 0; at < m_used; ++at) m_points[at].clear();
     m_failure.clear();
-    // A line into the part may start a column outside, and a run's points lie at its column's middle and right edge.
-    constexpr std::int64_t margin = 2;
-    const std::int64_t perPixel = stretch.samplesPerPixel;
-    const std::int64_t skipped = std::max<std::int64_t>(stretch.fromColumn - margin, 0) * perPixel;
-    const std::int64_t end = std::min<std::int64_t>((stretch.toColumn + margin) * perPixel + 1, stretch.samples.count);
-    if (end <= skipped || channels.empty()) return;
-    const auto first = static_cast<std::int32_t>(stretch.samples.first + skipped);
-    const auto count = static_cast<std::int32_t>(end - skipped);
-    const auto left = static_cast<std::int32_t>(perPixel > 2 ? 2 * skipped / perPixel : skipped);
-    ReadPoints(block, channels, first, count, stretch.samplesPerPixel);
+    const SampleSpan wanted = SamplesFor(stretch);
+    if (wanted.count < 1 || channels.empty()) return;
+    const std::int32_t skipped = wanted.first - stretch.samples.first;
+    const std::int32_t left = stretch.samplesPerPixel > 2 ? 2 * (skipped / stretch.samplesPerPixel) : skipped;
+    ReadPoints(block, extremes, channels, wanted.first, wanted.count, stretch.samplesPerPixel);
     if (left == 0) return;
     for (std::size_t at = 0; at < m_used; ++at) {
         for (TracePoint& point : m_points[at]) point.x += left;
     }
 }
 
-void TraceReader::ReadPoints(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                             std::int32_t count, std::int32_t samplesPerPixel) {
+void TraceReader::ReadPoints(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                             std::int32_t first, std::int32_t count, std::int32_t samplesPerPixel) {
     if (samplesPerPixel > 2 && count > 1) {
-        const auto reduced = [&](std::int32_t samples, bool cached) {
+        const auto reduced = [&](std::int32_t samples, ExtremesCache* cells) {
             try {
-                return ReadExtremes(block, channels, first, samples, samplesPerPixel, cached);
+                return ReadExtremes(block, cells, channels, first, samples, samplesPerPixel);
             } catch (const std::exception& error) {
                 m_failure = error.what();
                 return false;
             }
         };
-        if (reduced(count, ExtremesCache::Serves(first + 1, samplesPerPixel))) return;
+        if (reduced(count, ExtremesCache::Serves(first + 1, samplesPerPixel) ? &extremes : nullptr)) return;
         if (!m_failure.empty()) {
             // The cache reads more than requested. In a truncated file the last channel is the first to miss a sample.
             std::int32_t readable = CountBeforeCut(block, channels.last(1), first, count);
-            if (readable > 1 && reduced(readable, false)) {
+            if (readable > 1 && reduced(readable, nullptr)) {
                 if (readable == count) m_failure.clear();
                 return;
             }
             readable = CountBeforeHole(block, channels, first, readable);
-            if (readable > 1 && reduced(readable, false)) return;
+            if (readable > 1 && reduced(readable, nullptr)) return;
         }
     }
     // Limits the memory for reading sample by sample.

@@ -43,31 +43,34 @@ struct TraceStretch {
     friend bool operator==(const TraceStretch&, const TraceStretch&) = default;
 };
 
-/// The same points for several channels, with x as it is in the whole trace. Runs already read are cached; several
-/// channels are read in one pass over the data if the block supports it, else one by one with DrawChannelTrace. Where
-/// the data can be read up to some sample only (a file truncated while open), the traces end there; a channel that
-/// cannot be read at all gets no points.
+/// The same points for several channels, with x as it is in the whole trace. Runs of 100 samples and more are taken
+/// from the block's extremes as far as these are known; several channels are read in one pass over the data if the
+/// block supports it, else one by one with DrawChannelTrace. Where the data can be read up to some sample only (a file
+/// truncated while open), the traces end there; a channel that cannot be read at all gets no points.
 class TraceReader {
   public:
     /// points() then holds one list per entry of `channels`. Of a part, each list begins and ends at least one column
     /// outside; its first point stands for the line that leads to it from the left.
-    void Read(RecordingBlock& block, std::span<const std::int16_t> channels, const TraceStretch& stretch);
+    void Read(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+              const TraceStretch& stretch);
+    /// Column behind the last one from `fromColumn` on that Read can read now without reading much, at most `toColumn`;
+    /// `fromColumn` where not even that is known yet. Reads about SamplesPerPiece samples of what is missing, so that
+    /// repeated calls get on. Throws nothing: what cannot be read is found by Read.
+    static std::int32_t Approach(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                                 const TraceStretch& stretch);
     [[nodiscard]] std::span<const std::vector<TracePoint>> points() const { return {m_points.data(), m_used}; }
     /// The block's error text if the last Read could not read everything; else empty.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
-    /// Clears the cache for another block.
-    void Reset() {
-        m_cache.Reset();
-        m_failure.clear();
-    }
+    /// Another block is going to be read.
+    void Reset() { m_failure.clear(); }
 
   private:
-    void ReadPoints(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                    std::int32_t count, std::int32_t samplesPerPixel);
-    bool ReadExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                      std::int32_t count, std::int32_t samplesPerPixel, bool cached);
+    void ReadPoints(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                    std::int32_t first, std::int32_t count, std::int32_t samplesPerPixel);
+    /// `extremes` is null where the runs are to be read from the block.
+    bool ReadExtremes(RecordingBlock& block, ExtremesCache* extremes, std::span<const std::int16_t> channels,
+                      std::int32_t first, std::int32_t count, std::int32_t samplesPerPixel);
 
-    ExtremesCache m_cache;
     std::string m_failure;
     std::vector<std::vector<TracePoint>> m_points;  ///< grows to the most channels ever drawn; buffers are reused
     std::size_t m_used = 0;

@@ -23,7 +23,14 @@ void TracePicture::Read(const GraphScene& scene, std::int32_t from, std::int32_t
     std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (std::exchange(m_readAhead, std::nullopt) == stretch && shown == m_shown) return;
     m_shown = std::move(shown);
-    m_reader.Read(*scene.block.block, m_shown, stretch);
+    m_reader.Read(*scene.block.block, scene.extremes, m_shown, stretch);
+}
+
+std::int32_t TracePicture::Approach(const GraphScene& scene, std::int32_t from, std::int32_t to) const {
+    const TraceStretch stretch{scene.axis.Visible(), scene.axis.SamplesPerPixel(), from, to};
+    const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
+    if (stretch.samples.count < 1 || (m_readAhead == stretch && shown == m_shown)) return to;
+    return TraceReader::Approach(*scene.block.block, scene.extremes, shown, stretch);
 }
 
 std::vector<std::optional<ValueRange>> TracePicture::SeenRanges(const GraphScene& scene) {

@@ -21,6 +21,11 @@ class TracePicture {
     void Reset(std::size_t traces, std::int32_t width, std::int32_t height);
     /// Moves the drawn columns left by `shift`; the uncovered ones have to be drawn.
     void Scroll(std::int32_t shift);
+    /// Column behind the last one from `from` on that can be drawn now without reading much, at most `to`, see
+    /// TraceReader::Approach.
+    [[nodiscard]] std::int32_t Approach(const GraphScene& scene, std::int32_t from, std::int32_t to) const;
+    /// Nothing is drawn in columns from .. to-1.
+    void Forget(std::int32_t from, std::int32_t to) { m_sides.Forget(from, to); }
     /// Reads columns from .. to-1 of the scene and rasterises them; Compose lays them over an image.
     void Draw(const GraphScene& scene, std::int32_t from, std::int32_t to);
     /// `pixels`: 0xRRGGBB, rows of the picture's width that follow each other from the top.

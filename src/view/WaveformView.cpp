@@ -31,6 +31,7 @@ void WaveformView::FillLanes() {
 }
 
 void WaveformView::LeaveBlock() {
+    m_extremes.Reset();
     m_ranges.Reset();
     m_selection = {};
     m_history.Clear();

@@ -6,6 +6,7 @@
 
 #include "data/Document.h"
 #include "view/DataRange.h"
+#include "view/ExtremesCache.h"
 #include "view/Lane.h"
 #include "view/Selection.h"
 #include "view/TimeAxis.h"
@@ -36,6 +37,8 @@ class WaveformView {
     [[nodiscard]] std::int64_t BaseLineShift() const { return m_lanes.front().scale.Shift(); }
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
     [[nodiscard]] bool HasHistory() const { return !m_history.IsEmpty(); }
+    /// Extremes of the block that are known.
+    [[nodiscard]] ExtremesCache& Extremes() { return m_extremes; }
     [[nodiscard]] RangeRecords& Ranges() { return m_ranges; }
     [[nodiscard]] bool RawCodes() const { return m_rawCodes; }
     void SetRawCodes(bool rawCodes) { m_rawCodes = rawCodes; }
@@ -110,7 +113,8 @@ class WaveformView {
     const Document& m_document;
     TimeAxis m_axis;
     Lanes m_lanes;
-    RangeRecords m_ranges;
+    ExtremesCache m_extremes;
+    RangeRecords m_ranges{m_extremes};
     Selection m_selection;
     ViewHistory m_history;
     std::int32_t m_goneTo = 0;  ///< sample that was gone to, until the view changes; 0: none

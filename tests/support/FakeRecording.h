@@ -61,6 +61,7 @@ class FakeBlock : public RecordingBlock {
         if (first < 0 || count < 0 || static_cast<std::size_t>(first) + static_cast<std::size_t>(count) > data.size()) {
             throw std::out_of_range("samples outside the block");
         }
+        samplesRead += count;
         std::copy_n(data.begin() + first, count, buffer);
         return 0;
     }
@@ -83,6 +84,7 @@ class FakeBlock : public RecordingBlock {
     std::int16_t InputNumber(std::int16_t channel) const override { return channel; }
     std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
         Ask("ReadFrames", first, count);
+        samplesRead += std::int64_t{count} * ChannelCount();
         for (std::int32_t at = first; at < first + count; ++at) {
             for (const auto& channel : samples) *buffer++ = channel.at(static_cast<std::size_t>(at));
         }
@@ -90,10 +92,14 @@ class FakeBlock : public RecordingBlock {
     }
     bool FramesAreCheap() const override { return framed; }
     bool framed = false;  ///< whether it says that it stores its samples as frames
+    std::int32_t SamplesPerPiece() const override { return pieceSamples; }
+    std::int32_t pieceSamples = 1 << 19;
+    mutable std::int64_t samplesRead = 0;  ///< of all channels together, since it was set to 0
     bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,
                         std::int32_t run, std::span<RunExtremes* const> out) override {
         Ask("ColumnExtremes", first, count);
         if (!offersExtremes) return false;
+        samplesRead += std::int64_t{count} * static_cast<std::int64_t>(channels.size());
         for (std::size_t at = 0; at < channels.size(); ++at) {
             nsp::PlanarRunReducer reducer(run, out[at]);
             reducer.Feed(samples.at(Index(channels[at])).data() + first, static_cast<std::size_t>(count));

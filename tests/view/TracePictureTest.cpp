@@ -43,7 +43,8 @@ struct Noise {
     ViewBlock block;
     TimeAxis axis;
     Lanes lanes = Lanes(1);
-    [[nodiscard]] GraphScene Scene() const { return {block, axis, lanes}; }
+    ExtremesCache extremes;
+    [[nodiscard]] GraphScene Scene() { return {block, axis, lanes, extremes}; }
 };
 
 using Image = std::vector<std::uint32_t>;
@@ -141,6 +142,50 @@ TEST(GraphPicture, ScrollingEqualsDrawingAnew) {
         plain.Draw(scene);
         ASSERT_TRUE(image == expected) << round;
     }
+}
+
+/// Drawn in slices and scrolled meanwhile it is in the end what it is drawn at once, with bands; a slice reads little.
+TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
+    std::mt19937 random(6);
+    const auto some = [&](std::int32_t below) { return static_cast<std::int32_t>(random() % 65536) % below; };
+    int slices = 0;
+    for (int round = 0; round < 150; ++round) {
+        Noise noise(2);
+        auto& source = static_cast<FakeBlock&>(*noise.block.block);
+        source.offersExtremes = round % 5 != 0;
+        source.pieceSamples = 1 + some(15000);
+        noise.axis.SelectZoom(some(10));
+        noise.axis.ScrollBy(some(500));
+        GraphPicture sliced;
+        Image image(static_cast<std::size_t>(kWidth * kHeight));
+        sliced.SetPixels(image.data(), kWidth, kHeight);
+        sliced.SetPatience(std::chrono::milliseconds(0));
+        sliced.SetBand(GraphBand::Selection, ColumnBand{50, 200});
+        sliced.SetBand(GraphBand::Cursor, ColumnBand{120, 120});
+        const GraphScene scene = noise.Scene();
+        sliced.Draw(scene);
+        for (int slice = 0; sliced.IsIncomplete(); ++slice) {
+            ASSERT_LT(slice, 3000);
+            source.samplesRead = 0;
+            const double before = sliced.MissingShare();
+            const auto drawn = sliced.DrawMore(scene);
+            EXPECT_EQ(drawn.has_value(), sliced.MissingShare() < before);
+            // A unit or a piece, the columns beside the drawn ones, and one sample per channel to begin with.
+            const std::int64_t most = std::max(source.pieceSamples, ExtremesCache::kCoarseCell);
+            EXPECT_LE(source.samplesRead, 2 * (most + 6 * noise.axis.SamplesPerPixel() + 2));
+            if (some(8) == 0) sliced.Scroll(scene, noise.axis.ScrollBy(some(400) - 200));
+            ++slices;
+        }
+        GraphPicture anew;
+        Image expected(image.size());
+        anew.SetPixels(expected.data(), kWidth, kHeight);
+        anew.SetBand(GraphBand::Selection, ColumnBand{50, 200});
+        anew.SetBand(GraphBand::Cursor, ColumnBand{120, 120});
+        anew.Draw(scene);
+        ASSERT_TRUE(image == expected) << round;
+        EXPECT_EQ(sliced.Arrows(96).size(), anew.Arrows(96).size());
+    }
+    EXPECT_GT(slices, 50);
 }
 
 /// Points far outside, and traces that are cut by every side, stay inside the image.

@@ -48,6 +48,7 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
     std::vector<std::int16_t> work;
     std::vector<TracePoint> expected;
     TraceReader reader;
+    ExtremesCache cache;
     for (int round = 0; round < 400; ++round) {
         constexpr std::array<std::int32_t, 10> steps{1, 2, 5, 50, 100, 200, 500, 1000, 10000, 20000};
         const std::int32_t perPixel = steps[random() % steps.size()];
@@ -63,7 +64,7 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
             stretch.fromColumn = static_cast<std::int32_t>(random() % static_cast<unsigned>(width));
             stretch.toColumn = stretch.fromColumn + 1 + static_cast<std::int32_t>(random() % 50);
         }
-        reader.Read(block, channels, stretch);
+        reader.Read(block, cache, channels, stretch);
         ASSERT_EQ(reader.points().size(), 2U);
         for (std::size_t at = 0; at < 2; ++at) {
             SCOPED_TRACE(::testing::Message() << first << ' ' << count << ' ' << perPixel << ' ' << stretch.fromColumn);
@@ -84,7 +85,7 @@ TEST(TraceReader, EqualsTheSampleBySampleWay) {
         }
     }
     block.failing = {"ReadCodes", "ColumnExtremes"};
-    reader.Read(block, channels, {{0, 100}, 5});
+    reader.Read(block, cache, channels, {{0, 100}, 5});
     EXPECT_TRUE(reader.points()[0].empty()) << "what cannot be read is not drawn with old samples";
 }
 
@@ -101,7 +102,8 @@ TEST(TraceReader, ATraceEndsWhereItCannotBeReadOn) {
         for (const std::int32_t count : {300000, perPixel == 1 ? 300000 : 6000000, 240000}) {
             block.offersExtremes = count > 300000 || perPixel > 5;
             TraceReader reader;
-            reader.Read(block, channels, {{0, count}, perPixel});
+            ExtremesCache cache;
+            reader.Read(block, cache, channels, {{0, count}, perPixel});
             const auto readable = static_cast<std::size_t>(std::min(count, 250000));
             const auto run = static_cast<std::size_t>(perPixel);
             EXPECT_EQ(reader.points()[0].size(), perPixel == 1 ? readable : 3 + (readable - 2) / run * 2);
@@ -173,9 +175,10 @@ TEST(TraceReader, ReachesTheEndOfTheLongestBlock) {
     block.samples.resize(1);
     const std::vector<std::int16_t> channels{1};
     TraceReader reader;
+    ExtremesCache cache;
     for (const std::int32_t perPixel : {1, 50, 100, 2000}) {
         const std::int32_t first = LongestBlock::kSamples / perPixel * perPixel - 900 * perPixel;
-        reader.Read(block, channels, {{first, LongestBlock::kSamples - first}, perPixel});
+        reader.Read(block, cache, channels, {{first, LongestBlock::kSamples - first}, perPixel});
         ASSERT_FALSE(reader.points()[0].empty()) << perPixel;
         EXPECT_EQ(reader.points()[0].back().y, 9) << perPixel;
     }

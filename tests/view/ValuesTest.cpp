@@ -205,20 +205,25 @@ class RangeTest : public ReadoutTest {
     }
 };
 
+const std::array<std::int16_t, 1> kFirst{1};
+const std::array<std::int16_t, 1> kSecond{2};
+
 TEST_F(RangeTest, RecordsTakeTheShownChannelsInTheirUnitsAndKeepThem) {
-    RangeRecords records;
+    ExtremesCache extremes;
+    RangeRecords records(extremes);
     for (const bool onePass : {true, false}) {
         fake->offersExtremes = onePass;
+        extremes.Reset();
         records.Reset();
         slots[1].shown = true;
         Expect(records.Of(block, ShownChannels(block, slots)), -40.0F, 3.0F);
         slots[1].shown = false;
         Expect(records.Of(block, ShownChannels(block, slots)), -2.5F, 3.0F);
     }
-    Expect(records.Of(block, 2), -40.0F, -10.0F);
-    for (const std::int16_t none : {std::int16_t{0}, std::int16_t{3}}) EXPECT_FALSE(records.Of(block, none));
+    Expect(records.Of(block, kSecond), -40.0F, -10.0F);
     fake->failing = {"ReadCodes", "ColumnExtremes"};
     Expect(records.Of(block, ShownChannels(block, slots)), -2.5F, 3.0F);  // read once per channel, and kept
+    extremes.Reset();
     records.Reset();
     EXPECT_FALSE(records.Of(block, ShownChannels(block, slots)).has_value());
     EXPECT_EQ(records.Failure(), "ColumnExtremes");
@@ -241,19 +246,21 @@ TEST_F(RangeTest, WhatCannotBeReadIsLeftOutUntilItCanBe) {
     put(299999, 600);
     fake->holeFrom = 150000;
     fake->holeTo = 150001;
-    RangeRecords records;
+    ExtremesCache extremes;
+    RangeRecords records(extremes);
     for (const bool onePass : {true, false}) {
         fake->offersExtremes = onePass;
+        extremes.Reset();
         records.Reset();
-        Expect(records.Of(block, 1), -149.0F, 301.0F);
+        Expect(records.Of(block, kFirst), -149.0F, 301.0F);
         EXPECT_EQ(records.Failure(), "hole");
     }
     // Whatever is lost, nothing that lies far from it is.
     fake->holeFrom = 70000;
     fake->holeTo = 280000;
-    Expect(records.Of(block, 1), 1.0F, 301.0F);
+    Expect(records.Of(block, kFirst), 1.0F, 301.0F);
     fake->holeTo = 0;
-    Expect(records.Of(block, 1), -149.0F, 1001.0F);
+    Expect(records.Of(block, kFirst), -149.0F, 1001.0F);
     EXPECT_EQ(records.Failure(), "");
 }
 

@@ -81,6 +81,7 @@ GraphScene GraphPane::Scene() const {
     return {m_document.Block(),
             m_view.Axis(),
             m_view.GetLanes(),
+            m_view.Extremes(),
             m_view.RawCodes(),
             m_foldOrigin,
             static_cast<GridStyle>(std::clamp<int>(m_display.gridStyle, 0, 2)),
