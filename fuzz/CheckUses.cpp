@@ -11,6 +11,7 @@
 #include "view/DataRange.h"
 #include "view/QL_ChUtils.h"
 #include "view/Readout.h"
+#include "view/Statistics.h"
 
 namespace quillon::fuzz {
 

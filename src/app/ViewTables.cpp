@@ -6,6 +6,7 @@
 #include "app/GraphKeys.h"
 #include "app/StringIds.h"
 #include "base/Text.h"
+#include "view/Statistics.h"
 
 namespace quillon {
 

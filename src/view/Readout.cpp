@@ -13,19 +13,13 @@ namespace quillon {
 namespace {
 
 constexpr std::u16string_view kLineEnd = u"\r\n";
+/// Stands for values that are not known yet.
+constexpr char16_t kUnknown = u'\u2026';
 /// Character 135 of the family's ANSI code pages.
 constexpr char16_t kRangeSign = u'\u2021';
 
 std::size_t At(std::int16_t channel) {
     return static_cast<std::size_t>(channel - 1);
-}
-
-/// A code as the value that is shown for it.
-double Shown(const ReadoutSource& source, std::int16_t channel, double code) {
-    if (source.rawCodes) return code;
-    const float inverse = source.block.invScale[At(channel)];
-    const double scaled = inverse == 0.0F ? 0.0 : code / static_cast<double>(inverse);
-    return scaled + static_cast<double>(source.block.offsets[At(channel)]);
 }
 
 std::u16string ValueText(const ReadoutSource& source, std::int16_t channel, double value) {
@@ -49,6 +43,13 @@ std::int16_t CodeAt(const ReadoutSource& source, std::int16_t channel, std::int3
 
 }  // namespace
 
+double ShownValue(const ReadoutSource& source, std::int16_t channel, double code) {
+    if (source.rawCodes) return code;
+    const float inverse = source.block.invScale[At(channel)];
+    const double scaled = inverse == 0.0F ? 0.0 : code / static_cast<double>(inverse);
+    return scaled + static_cast<double>(source.block.offsets[At(channel)]);
+}
+
 std::u16string PositionText(const ViewBlock& block, std::int32_t sample, std::u16string_view separator,
                             const FormatOptions& format) {
     if (format.sampleIndexes || !(block.sampleRate > 0.0)) return Decimal(sample);
@@ -60,13 +61,14 @@ std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample) {
     text += kLineEnd;
     for (const std::int16_t channel : ShownChannels(source.block, source.slots)) {
         text += Name(source, channel);
-        Resume([&] { text += ValueText(source, channel, Shown(source, channel, CodeAt(source, channel, sample))); });
+        Resume(
+            [&] { text += ValueText(source, channel, ShownValue(source, channel, CodeAt(source, channel, sample))); });
         text += kLineEnd;
     }
     return text;
 }
 
-std::u16string RangeReadout(const ReadoutSource& source, const Selection& range) {
+std::u16string RangeReadout(const ReadoutSource& source, const Selection& range, bool* complete) {
     FormatOptions duration = source.format;
     duration.timeOfDay = false;
     const std::int32_t steps = range.Samples().count - 1;
@@ -76,19 +78,35 @@ std::u16string RangeReadout(const ReadoutSource& source, const Selection& range)
         u"dX:\t" + (indexes ? Decimal(steps) : FormatAxisValueWithUnit(seconds, AxisKind::Time, u" ", duration));
     text += kLineEnd;
     const std::vector<std::int16_t> shown = ShownChannels(source.block, source.slots);
+    // Unreadable ones are known to be so; unknown ones may be found later.
     std::vector<RunExtremes> extremes;
-    Resume([&] { extremes = ExtremeCodes(*source.block.block, shown, range.Samples()); });
+    bool known = true;
+    Resume([&] {
+        if (source.extremes == nullptr) {
+            extremes = ExtremeCodes(*source.block.block, shown, range.Samples());
+        } else if (auto found = source.extremes->ExtremesOf(*source.block.block, shown, range.Samples())) {
+            extremes = std::move(*found);
+        } else {
+            known = false;
+        }
+    });
+    if (complete != nullptr) *complete = known;
     for (std::size_t at = 0; at < shown.size(); ++at) {
         const std::int16_t channel = shown[at];
         text += Name(source, channel);
         Resume([&] {
-            if (extremes.empty()) return;
-            const double first = Shown(source, channel, extremes[at].first);
-            const double second = Shown(source, channel, extremes[at].second);
-            const double change = Shown(source, channel, CodeAt(source, channel, range.end)) -
-                                  Shown(source, channel, CodeAt(source, channel, range.start));
-            text += ValueText(source, channel, std::min(first, second)) + kRangeSign +
-                    ValueText(source, channel, std::max(first, second)) + u'\t' + ValueText(source, channel, change);
+            if (extremes.empty() && known) return;
+            const double change = ShownValue(source, channel, CodeAt(source, channel, range.end)) -
+                                  ShownValue(source, channel, CodeAt(source, channel, range.start));
+            if (known) {
+                const double first = ShownValue(source, channel, extremes[at].first);
+                const double second = ShownValue(source, channel, extremes[at].second);
+                text += ValueText(source, channel, std::min(first, second)) + kRangeSign +
+                        ValueText(source, channel, std::max(first, second));
+            } else {
+                text += kUnknown;
+            }
+            text += u'\t' + ValueText(source, channel, change);
         });
         text += kLineEnd;
     }
@@ -108,7 +126,7 @@ std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::i
         if (row < lane.top || row >= lane.top + lane.height) continue;
         for (const std::int16_t channel : lane.channels) {
             Resume([&] {
-                double value = Shown(source, channel, CodeAt(source, channel, sample));
+                double value = ShownValue(source, channel, CodeAt(source, channel, sample));
                 if (source.rawCodes) value /= 1000.0;
                 const double trace = static_cast<double>(lane.ZeroRow()) -
                                      value / lane.scale.UnitsPerDivision() * AmplitudeScale::kDivision;
@@ -120,64 +138,6 @@ std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::i
         }
     }
     return nearest;
-}
-
-std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, const SampleSpan& samples) {
-    struct Sums {
-        std::int16_t minimum = 32767;
-        std::int16_t maximum = -32768;
-        std::int64_t sum = 0;
-        std::int64_t squares = 0;  // at most 2^31 samples of 2^30: below 2^61
-        bool readable = true;
-    };
-    const std::vector<std::int16_t> shown = ShownChannels(source.block, source.slots);
-    std::vector<Sums> sums(shown.size());
-    RecordingBlock& block = *source.block.block;
-    const bool frames = block.FramesAreCheap();
-    const auto width = static_cast<std::size_t>(frames ? source.block.channelCount : 1);
-    constexpr std::int32_t piece = 65536;
-    std::vector<std::int16_t> codes(static_cast<std::size_t>(piece) * width);
-    for (std::int64_t start = samples.first; start < samples.End(); start += piece) {
-        const auto from = static_cast<std::int32_t>(start);
-        const std::int32_t count = std::min(piece, samples.End() - from);
-        bool framesRead = true;
-        if (frames) {
-            framesRead = false;
-            Resume([&] { framesRead = block.ReadFrames(from, count, codes.data()) == 0; });
-        }
-        for (std::size_t at = 0; at < shown.size(); ++at) {
-            Sums& sum = sums[at];
-            if (!frames && sum.readable) {
-                sum.readable = false;
-                Resume([&] { sum.readable = block.ReadCodes(shown[at], from, count, codes.data()) == 0; });
-            }
-            sum.readable = sum.readable && framesRead;
-            const std::size_t offset = frames ? At(shown[at]) : 0;
-            for (std::size_t n = 0; sum.readable && n < static_cast<std::size_t>(count); ++n) {
-                const std::int16_t code = codes[n * width + offset];
-                sum.minimum = std::min(sum.minimum, code);
-                sum.maximum = std::max(sum.maximum, code);
-                sum.sum += code;
-                sum.squares += std::int64_t{code} * code;
-            }
-        }
-    }
-    std::vector<ChannelStatistics> statistics;
-    const double count = samples.count;
-    for (std::size_t at = 0; at < shown.size(); ++at) {
-        if (!sums[at].readable) continue;
-        const std::int16_t channel = shown[at];
-        const double low = Shown(source, channel, sums[at].minimum);
-        const double high = Shown(source, channel, sums[at].maximum);
-        const double meanCode = static_cast<double>(sums[at].sum) / count;
-        const double variance = std::max(static_cast<double>(sums[at].squares) / count - meanCode * meanCode, 0.0);
-        const double unit = std::fabs(Shown(source, channel, 1.0) - Shown(source, channel, 0.0));
-        const double mean = Shown(source, channel, meanCode);
-        const double deviation = std::sqrt(variance) * unit;
-        statistics.push_back(
-            {channel, std::min(low, high), std::max(low, high), mean, std::hypot(mean, deviation), deviation});
-    }
-    return statistics;
 }
 
 }  // namespace quillon

@@ -7,6 +7,7 @@
 
 #include "data/QL_Types.h"
 #include "format/QL_Format.h"
+#include "view/ExtremesCache.h"
 #include "view/Lane.h"
 #include "view/Selection.h"
 
@@ -17,8 +18,12 @@ struct ReadoutSource {
     const ViewBlock& block;
     const ChannelSlots& slots;
     const FormatOptions& format;
-    bool rawCodes = false;  ///< codes instead of values
+    bool rawCodes = false;              ///< codes instead of values
+    ExtremesCache* extremes = nullptr;  ///< of the block; without it the extremes of a range are read
 };
+
+/// A code as the value that is shown for it: in the channel's unit, or the code where raw codes are shown.
+[[nodiscard]] double ShownValue(const ReadoutSource& source, std::int16_t channel, double code);
 
 /// Position of a sample (from 1) on the time axis: its number, its time of day or the time from the block's start.
 [[nodiscard]] std::u16string PositionText(const ViewBlock& block, std::int32_t sample, std::u16string_view separator,
@@ -29,8 +34,10 @@ struct ReadoutSource {
 [[nodiscard]] std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample);
 
 /// "dX:", the time from the range's first to its last sample; for every shown channel the smallest and the largest
-/// value of the range and the difference between the values at its end and its start; "1/dX:" as a frequency.
-[[nodiscard]] std::u16string RangeReadout(const ReadoutSource& source, const Selection& range);
+/// value of the range and the difference between the values at its end and its start; "1/dX:" as a frequency. Where
+/// extremes are not known yet an ellipsis stands for them, and `complete` is set to false.
+[[nodiscard]] std::u16string RangeReadout(const ReadoutSource& source, const Selection& range,
+                                          bool* complete = nullptr);
 
 /// A value of a channel as the readouts write it, without the blank that stands for a sign.
 [[nodiscard]] std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, double value);
@@ -39,18 +46,5 @@ struct ReadoutSource {
 /// there is none.
 [[nodiscard]] std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::int32_t sample,
                                        std::int32_t row);
-
-/// Of some samples of one channel, in its unit (codes where raw codes are shown).
-struct ChannelStatistics {
-    std::int16_t channel = 0;  ///< position in the block, from 1
-    double minimum = 0.0;
-    double maximum = 0.0;
-    double mean = 0.0;
-    double rms = 0.0;
-    double deviation = 0.0;  ///< standard deviation, of all samples (divided by their number)
-};
-
-/// Statistics of the shown channels, in one pass over the data. Channels that cannot be read are left out.
-[[nodiscard]] std::vector<ChannelStatistics> StatisticsOf(const ReadoutSource& source, const SampleSpan& samples);
 
 }  // namespace quillon

@@ -9,6 +9,7 @@
 #include "view/DataRange.h"
 #include "view/PositionInput.h"
 #include "view/Readout.h"
+#include "view/Statistics.h"
 
 namespace quillon {
 namespace {
