@@ -43,7 +43,7 @@ int wmain(int count, wchar_t** arguments) {
     view.BlockLoaded();
     view.Arrange(width, height);
     view.SelectZoomX(10);
-    const GraphScene scene{block, view.Axis(), view.GetLanes(), false, false, GridStyle::Lines, 0x808080};
+    const GraphScene scene{block, view.Axis(), view.GetLanes(), view.Extremes(), false, false, GridStyle::Lines, 0x808080};
     GraphPainter painter;
     view.FitScales(painter.SeenRanges(scene));
     cMemDC target;
@@ -59,7 +59,12 @@ int wmain(int count, wchar_t** arguments) {
                 block.block->ReadFrames(at, std::min(4096, samples - at), frames.data());
         }));
         painter.ForgetBlock();
-        first.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
+        view.Extremes().Reset();
+        first.push_back(Milliseconds([&] {
+            painter.Draw(scene, width, height);
+            while (painter.IsIncomplete()) painter.DrawMore(scene);
+            show();
+        }));
         again.push_back(Milliseconds([&] { painter.Draw(scene, width, height), show(); }));
         const std::int32_t shift = view.ScrollBy(view.Axis().PageShift(2) / 15).scrolled;
         page.push_back(Milliseconds([&] { painter.Scroll(scene, shift), show(); }));

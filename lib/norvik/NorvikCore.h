@@ -33,6 +33,8 @@ class RecordingBlock {
     /// account.
     virtual void Prepare() {}
 
+    [[nodiscard]] virtual bool IsProvisional() const { return false; }
+
     /// May be empty.
     [[nodiscard]] virtual std::u16string Title() const = 0;
     /// Date of the first sample.

@@ -27,8 +27,8 @@ std::u16string SpectrumReadout(const SpectrumSource& source, std::int32_t sample
     return place + atEnd + level + (source.linear ? u" %\r\n" : u" dB\r\n");
 }
 
-ValueRange SpectrumRange(RangeRecords& ranges, const ViewBlock& block, std::int16_t channel) {
-    if (const std::optional<ValueRange> range = ranges.Of(block, channel)) return *range;
+ValueRange SpectrumRange(const RangeRecords& ranges, std::int16_t channel) {
+    if (const std::optional<ValueRange> range = ranges.Found({&channel, 1})) return *range;
     // If nothing can be read, any range will do: it allows the columns to be tried again.
     return ranges.Failure().empty() ? ValueRange{} : ValueRange{-1.0F, 1.0F};
 }

@@ -25,7 +25,8 @@ struct SpectrumSource {
 [[nodiscard]] std::u16string SpectrumReadout(const SpectrumSource& source, std::int32_t sample, std::int32_t row,
                                              std::int32_t height);
 
-/// The range of values that a channel's spectrogram is scaled to. Where there is none the channel stays blank.
-[[nodiscard]] ValueRange SpectrumRange(RangeRecords& ranges, const ViewBlock& block, std::int16_t channel);
+/// The range of values that a channel's spectrogram is scaled to, as it was found. Where there is none the channel
+/// stays blank.
+[[nodiscard]] ValueRange SpectrumRange(const RangeRecords& ranges, std::int16_t channel);
 
 }  // namespace quillon

@@ -11,6 +11,7 @@ class StatusMessage {
     /// Topic of a message.
     enum class Topic {
         Outcome,     ///< result of a command; kept until the next message
+        Progress,    ///< work behind what is shown
         Sound,       ///< playback position, or why nothing is played
         Unreadable,  ///< samples that cannot be read
         Place,       ///< a typed position that could not be parsed

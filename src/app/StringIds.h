@@ -129,3 +129,12 @@
 #define IDS_COPY_LARGE 5352
 #define IDS_STOPPED_FILE 5354
 #define IDS_STOPPED_COPY 5355
+
+// Work behind what is shown, with its percentage.
+#define IDS_WORK_GRAPH 5360
+#define IDS_WORK_SCALES 5361
+#define IDS_WORK_RANGE 5362
+#define IDS_WORK_SPECTRUM 5363
+#define IDS_WORK_STATISTICS 5364
+#define IDS_WORK_MARKS 5365
+#define IDS_WORK_SUMMARY 5366

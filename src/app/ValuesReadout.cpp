@@ -5,7 +5,7 @@
 namespace quillon {
 
 ReadoutSource ValuesReadout::Source() const {
-    return {m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes()};
+    return {m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes(), &m_view.Extremes()};
 }
 
 ValuesReadout::Basis ValuesReadout::PresentBasis() const {
@@ -30,7 +30,14 @@ void ValuesReadout::TellHover(std::int32_t sample, const std::u16string& mark) {
 }
 
 void ValuesReadout::TellRange() {
-    Tell(Kind::Range, RangeReadout(Source(), m_view.Selected()));
+    bool complete = true;
+    const std::u16string text = RangeReadout(Source(), m_view.Selected(), &complete);
+    m_incomplete = !complete;
+    Tell(Kind::Range, text);
+}
+
+void ValuesReadout::MoreKnown() {
+    if (IsIncomplete()) TellRange();
 }
 
 void ValuesReadout::SelectionChanged(bool moved) {

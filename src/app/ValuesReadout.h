@@ -32,6 +32,10 @@ class ValuesReadout {
     void SelectionChanged(bool moved);
     /// A new selection starts: removes the readout of the previous one.
     void SelectionStarted();
+    /// More of the block is known: completes the readout of a range.
+    void MoreKnown();
+    /// Whether the readout of a range lacks what is not known yet.
+    [[nodiscard]] bool IsIncomplete() const { return m_kind == Kind::Range && m_incomplete; }
     /// Shown channels or options have changed: updates or removes the readout.
     void KeepTrue();
 
@@ -57,6 +61,7 @@ class ValuesReadout {
     const Settings& m_settings;
     Kind m_kind = Kind::Details;
     Basis m_basis;
+    bool m_incomplete = false;  ///< see IsIncomplete; of the last range
     std::int32_t m_hoverSample = 0;
     std::u16string m_hoverMark;
 };

@@ -27,6 +27,7 @@ void ViewCommands::GoTo(std::int32_t sample) {
 
 void ViewCommands::Select(int index) {
     if (index == 2 && m_playback.IsPlaying()) return m_playback.Stop();
+    if (index == 2 && onStop()) return;
     onSelect();
     onChange(index == 0 ? m_view.SelectBlock() : index == 1 ? m_view.SelectVisible() : m_view.Deselect());
 }

@@ -20,6 +20,7 @@ class ViewCommands {
     // To be set by the owner.
     std::function<void(const ViewChange& change)> onChange;
     std::function<void()> onHistory;                     ///< the history of views may be empty now
+    std::function<bool()> onStop;                        ///< ends work that is reported; false when there is none
     std::function<void()> onSelect;                      ///< a selection that is being dragged has to end
     std::function<void(std::int32_t sample)> onReadout;  ///< request for the readout of a sample
 
@@ -30,7 +31,7 @@ class ViewCommands {
     void GoToMark(bool next);
     /// Scrolls to a sample and shows its readout.
     void GoTo(std::int32_t sample);
-    /// 0 the block, 1 the visible range, 2 nothing; during playback, 2 only stops it.
+    /// 0 the block, 1 the visible range, 2 nothing; during playback or work that is reported, 2 only stops that.
     void Select(int index);
     /// 0 the channel of the menu or the current one, 1 all, 2 stop.
     void Play(int index);

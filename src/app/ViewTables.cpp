@@ -6,11 +6,13 @@
 #include "app/GraphKeys.h"
 #include "app/StringIds.h"
 #include "base/Text.h"
-#include "view/Statistics.h"
 
 namespace quillon {
 
 namespace {
+
+/// Title, minimum, maximum, their difference, mean, RMS, standard deviation.
+constexpr std::size_t kStatisticsColumns = 7;
 
 void AppendLine(std::u16string& text, std::size_t columns, const auto& cellAt) {
     for (std::size_t column = 0; column < columns; ++column) {
@@ -50,20 +52,35 @@ TextTable StatisticsTable(const ReadoutSource& source, const Selection& selectio
         duration.timeOfDay = false;
         table.heading += u", " + FormatTime(selection.Count() / source.block.sampleRate, u" ", duration);
     }
-    constexpr int columns = 7;
-    for (int column = 0; column < columns; ++column) table.columns.push_back(services.Text(IDS_STAT_0 + column));
+    for (int column = 0; column < static_cast<int>(kStatisticsColumns); ++column)
+        table.columns.push_back(services.Text(IDS_STAT_0 + column));
     table.numeric = true;
     table.close = services.Text(IDS_CLOSE);
     table.copy = services.Text(IDS_COPY);
-    for (const ChannelStatistics& channel : StatisticsOf(source, selection.Samples())) {
-        const auto at = static_cast<std::size_t>(channel.channel - 1);
-        std::vector<std::u16string> row{source.slots[static_cast<std::size_t>(source.block.channelNumbers[at])].title};
-        for (const double value : {channel.minimum, channel.maximum, channel.maximum - channel.minimum, channel.mean,
-                                   channel.rms, channel.deviation})
-            row.push_back(ReadoutValue(source, channel.channel, value));
-        table.rows.push_back(std::move(row));
-    }
     return table;
+}
+
+std::vector<std::vector<std::u16string>> StatisticsRows(const ReadoutSource& source, const StatisticsPass& pass) {
+    std::vector<std::vector<std::u16string>> rows;
+    const auto add = [&](std::int16_t channel, const std::vector<double>& values) {
+        const std::int16_t number = source.block.channelNumbers[static_cast<std::size_t>(channel - 1)];
+        std::vector<std::u16string> row{source.slots[static_cast<std::size_t>(number)].title};
+        for (const double value : values) row.push_back(ReadoutValue(source, channel, value));
+        row.resize(kStatisticsColumns, u"\u2026");
+        rows.push_back(std::move(row));
+    };
+    if (pass.IsDone()) {
+        for (const ChannelStatistics& found : pass.Result()) {
+            add(found.channel,
+                {found.minimum, found.maximum, found.maximum - found.minimum, found.mean, found.rms, found.deviation});
+        }
+    } else if (const auto extremes = pass.Extremes()) {
+        for (const ChannelStatistics& found : *extremes)
+            add(found.channel, {found.minimum, found.maximum, found.maximum - found.minimum});
+    } else {
+        for (const std::int16_t channel : pass.Channels()) add(channel, {});
+    }
+    return rows;
 }
 
 TextTable KeysTable(const UserServices& services) {

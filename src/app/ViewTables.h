@@ -6,6 +6,7 @@
 #include "data/UserServices.h"
 #include "view/Readout.h"
 #include "view/Selection.h"
+#include "view/Statistics.h"
 
 namespace quillon {
 
@@ -31,9 +32,13 @@ struct TextTable {
 /// A caption without its mnemonic's ampersand and its ellipsis.
 [[nodiscard]] std::u16string PlainCaption(const std::u16string& caption);
 
-/// Statistics of the shown channels over a selection.
+/// Statistics of the shown channels over a selection, without rows.
 [[nodiscard]] TextTable StatisticsTable(const ReadoutSource& source, const Selection& selection,
                                         const UserServices& services);
+/// The rows of that table: what the pass has found, or before its end what is known without it, with ellipses for the
+/// rest.
+[[nodiscard]] std::vector<std::vector<std::u16string>> StatisticsRows(const ReadoutSource& source,
+                                                                      const StatisticsPass& pass);
 
 /// Table of keys and mouse gestures.
 [[nodiscard]] TextTable KeysTable(const UserServices& services);

@@ -82,6 +82,8 @@ void QL_FFT::FFT_BuildWindow() {
 void QL_FFT::FFT_AllocImage() {
     m_image.assign(static_cast<std::size_t>(m_imageWidth) * static_cast<std::size_t>(BinCount()), 0);
     m_unread.assign(static_cast<std::size_t>(m_imageWidth), false);
+    m_pending.assign(static_cast<std::size_t>(m_imageWidth), false);
+    m_pendingCount = 0;
 }
 
 void QL_FFT::FFT_NextPalette() {
@@ -94,6 +96,7 @@ void QL_FFT::FFT_ClearState() {
     m_block = nullptr;
     std::fill(m_image.begin(), m_image.end(), std::uint8_t{0});
     std::fill(m_unread.begin(), m_unread.end(), false);
+    SetPending(0, m_imageWidth, false);
     m_failure.clear();
     m_recovered = false;
 }
@@ -238,12 +241,49 @@ void QL_FFT::FFT_ShiftImage(std::int32_t source, std::int32_t destination, std::
         std::uint8_t* row = m_image.data() + static_cast<std::size_t>(bin) * static_cast<std::size_t>(m_imageWidth);
         std::memmove(row + destination, row + source, static_cast<std::size_t>(count));
     }
-    const auto flags = m_unread.begin();
-    if (destination < source) {
-        std::copy(flags + source, flags + source + count, flags + destination);
-    } else {
-        std::copy_backward(flags + source, flags + source + count, flags + destination + count);
+    for (std::vector<bool>* const columns : {&m_unread, &m_pending}) {
+        const auto flags = columns->begin();
+        if (destination < source) {
+            std::copy(flags + source, flags + source + count, flags + destination);
+        } else {
+            std::copy_backward(flags + source, flags + source + count, flags + destination + count);
+        }
     }
+    m_pendingCount = static_cast<std::int32_t>(std::count(m_pending.begin(), m_pending.end(), true));
+}
+
+void QL_FFT::SetPending(std::int32_t from, std::int32_t to, bool pending) {
+    std::fill(m_pending.begin() + from, m_pending.begin() + to, pending);
+    m_pendingCount = static_cast<std::int32_t>(std::count(m_pending.begin(), m_pending.end(), true));
+}
+
+double QL_FFT::ComputedShare() const {
+    return m_state.columnCount < 1 ? 0.0 : 1.0 - static_cast<double>(m_pendingCount) / m_state.columnCount;
+}
+
+void QL_FFT::FFT_ComputeSome(std::int32_t from, std::int32_t to) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
+    SetPending(from, to + 1, false);
+    while (from <= to) {
+        const std::int32_t end = std::min(from + kTogether - 1, to);
+        FFT_ComputeColumns(from, end);
+        from = end + 1;
+        if (m_patience != std::chrono::milliseconds::max() && Clock::now() - start >= m_patience) break;
+    }
+    for (std::int32_t column = from; column <= to; ++column) Blank(column);
+    SetPending(from, to + 1, true);
+}
+
+bool QL_FFT::FFT_ComputePending() {
+    if (m_pendingCount == 0) return false;
+    const auto first = std::find(m_pending.begin(), m_pending.end(), true);
+    const auto end = std::find(first, m_pending.end(), false);
+    const auto from = static_cast<std::int32_t>(first - m_pending.begin());
+    const auto to = std::min(from + kTogether, static_cast<std::int32_t>(end - m_pending.begin())) - 1;
+    FFT_ComputeColumns(from, to);
+    SetPending(from, to + 1, false);
+    return m_pendingCount > 0;
 }
 
 std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, std::int32_t samplesPerColumn,
@@ -277,9 +317,11 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
     m_failure.clear();
     m_recovered = false;
     std::int32_t computed = std::max(to - from + 1, 0);
-    if (computed > 0) FFT_ComputeColumns(from, to);
+    if (computed > 0) FFT_ComputeSome(from, to);
+    // What was left to be computed outside the view is no longer wanted.
+    SetPending(visibleColumns, m_imageWidth, false);
     for (std::int32_t column = 0; column < visibleColumns; ++column) {
-        if (IsRead(column) || (column >= from && column <= to)) continue;
+        if (IsRead(column) || IsPending(column) || (column >= from && column <= to)) continue;
         FFT_ComputeColumns(column, column);
         if (!IsRead(column)) continue;
         ++computed;

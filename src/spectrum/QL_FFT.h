@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -72,6 +73,16 @@ class QL_FFT {
     /// are blank and tried again each time. Returns how many were computed.
     std::int32_t FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, std::int32_t samplesPerColumn,
                             bool force);
+    /// How long FFT_Update goes on computing; the columns that it has not come to are blank and left to
+    /// FFT_ComputePending. At first there is no limit.
+    void SetPatience(std::chrono::milliseconds patience) { m_patience = patience; }
+    /// Computes some of the columns that were left; false when none is left.
+    bool FFT_ComputePending();
+    [[nodiscard]] bool IsIncomplete() const { return m_pendingCount > 0; }
+    /// Whether a column of the image was left to FFT_ComputePending.
+    [[nodiscard]] bool IsPending(std::int32_t column) const { return m_pending[static_cast<std::size_t>(column)]; }
+    /// Share of the columns that are computed, from 0 to 1.
+    [[nodiscard]] double ComputedShare() const;
     /// Makes the cache hold exactly these samples (from 1), reading only what it does not hold yet.
     void FFT_ReadSamples(std::int32_t start, std::int32_t count);
 
@@ -80,7 +91,9 @@ class QL_FFT {
     /// Whether the last update could read a column that it could not read before.
     [[nodiscard]] bool HasRecovered() const { return m_recovered; }
     /// Whether a column of the image shows what was read; blank for another reason counts as that.
-    [[nodiscard]] bool IsRead(std::int32_t column) const { return !m_unread[static_cast<std::size_t>(column)]; }
+    [[nodiscard]] bool IsRead(std::int32_t column) const {
+        return !m_unread[static_cast<std::size_t>(column)] && !IsPending(column);
+    }
 
     [[nodiscard]] const SpectrumState& State() const { return m_state; }
     /// Row after row from 0 Hz up, ImageWidth() bytes each.
@@ -101,6 +114,9 @@ class QL_FFT {
     [[nodiscard]] Frame FrameOf(std::int32_t column) const;
     void FFT_AllocImage();
     void FFT_ComputeColumns(std::int32_t from, std::int32_t to);
+    /// The same as long as the patience lasts.
+    void FFT_ComputeSome(std::int32_t from, std::int32_t to);
+    void SetPending(std::int32_t from, std::int32_t to, bool pending);
     void FFT_ShiftImage(std::int32_t source, std::int32_t destination, std::int32_t count);
     void Blank(std::int32_t column);
 
@@ -114,7 +130,10 @@ class QL_FFT {
     std::vector<float> m_window;
     std::vector<float> m_frames;  ///< windowless frames of the columns computed together
     std::vector<std::uint8_t> m_image;
-    std::vector<bool> m_unread;  ///< columns of the image that could not be read
+    std::vector<bool> m_unread;   ///< columns of the image that could not be read
+    std::vector<bool> m_pending;  ///< columns of the image that are still to be computed
+    std::int32_t m_pendingCount = 0;
+    std::chrono::milliseconds m_patience = std::chrono::milliseconds::max();
     std::string m_failure;
     bool m_recovered = false;
     std::unique_ptr<nsp::SpectrumBatch> m_batch;  ///< for the present order, window and scaling; made on need

@@ -185,7 +185,7 @@ void RangeRecords::Store(const ViewBlock& block) {
         std::optional<RunExtremes> codes = m_run->others.codes[at];
         Widen(codes, m_extremes.KnownExtremes(channel));
         Record& record = m_ranges[static_cast<std::size_t>(channel - 1)];
-        record = {m_run->others.failure.empty(), m_run->others.failure, std::nullopt};
+        record = {true, m_run->others.failure.empty(), m_run->others.failure, std::nullopt};
         if (codes) record.range = InUnits(block, channel, *codes);
     }
     m_run.reset();
@@ -202,6 +202,13 @@ bool RangeRecords::IsKnown(std::span<const std::int16_t> channels) const {
     return std::all_of(channels.begin(), channels.end(), [&](std::int16_t channel) {
         const auto at = static_cast<std::size_t>(channel - 1);
         return at < m_ranges.size() && m_ranges[at].whole;
+    });
+}
+
+bool RangeRecords::IsRecorded(std::span<const std::int16_t> channels) const {
+    return std::all_of(channels.begin(), channels.end(), [&](std::int16_t channel) {
+        const auto at = static_cast<std::size_t>(channel - 1);
+        return at < m_ranges.size() && m_ranges[at].found;
     });
 }
 

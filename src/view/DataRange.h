@@ -47,6 +47,8 @@ class RangeRecords {
     [[nodiscard]] double PassedShare() const;
     /// Whether the ranges of the channels are recorded and leave nothing out.
     [[nodiscard]] bool IsKnown(std::span<const std::int16_t> channels) const;
+    /// Whether the ranges of the channels are recorded at all.
+    [[nodiscard]] bool IsRecorded(std::span<const std::int16_t> channels) const;
     /// Smallest and largest recorded value of some channels; none where there is none.
     [[nodiscard]] std::optional<ValueRange> Found(std::span<const std::int16_t> channels) const;
     /// The same, after reading all that is missing.
@@ -56,6 +58,7 @@ class RangeRecords {
 
   private:
     struct Record {
+        bool found = false;
         bool whole = false;  ///< of every sample
         std::string failure;
         std::optional<ValueRange> range;  ///< none for a channel whose scale makes no finite values

@@ -13,9 +13,6 @@ namespace {
 constexpr std::uint32_t kWhite = 0xFFFFFF;
 constexpr std::uint32_t kZeroColor = 0xB4BAC4;
 constexpr std::uint32_t kMarkLineColor = 0xDFA6A6;
-/// The line below columns whose traces are not drawn yet.
-constexpr std::uint32_t kMissingColor = 0xE0A030;
-constexpr std::int32_t kMissingRows = 2;
 
 /// Rows and columns between the dots of a dotted grid; a divisor of a division of either axis.
 constexpr std::int32_t kDotStep = 4;

@@ -16,6 +16,12 @@
 
 namespace quillon {
 
+/// Line along the lower edge below columns whose samples have not been read yet.
+inline constexpr std::uint32_t kMissingColor = 0xE0A030;  ///< 0xRRGGBB
+inline constexpr std::int32_t kMissingRows = 2;
+/// How long a picture goes on reading before the rest is left to slices.
+inline constexpr std::chrono::milliseconds kPatience{10};
+
 /// Bands that invert the lightness of the image below them.
 enum class GraphBand { Selection, Cursor, Play, Count };
 

@@ -41,6 +41,22 @@ std::int16_t CodeAt(const ReadoutSource& source, std::int16_t channel, std::int3
     return code;
 }
 
+/// Extremes of a range that are known or quickly read.
+std::optional<std::vector<RunExtremes>> QuickExtremes(const ReadoutSource& source,
+                                                      const std::vector<std::int16_t>& channels,
+                                                      const SampleSpan& samples) {
+    RecordingBlock& block = *source.block.block;
+    constexpr int pieces = 4;
+    std::optional<std::vector<RunExtremes>> found = source.extremes->ExtremesOf(block, channels, samples);
+    const SampleSpan cells{std::max(samples.first, 1), samples.End() - std::max(samples.first, 1)};
+    for (int piece = 0; piece < pieces && !found; ++piece) {
+        if (!source.extremes->Fill(block, channels, cells, ExtremesCache::kCoarseCell, ExtremesCache::Eviction::Never))
+            return ExtremeCodes(block, channels, samples);
+        found = source.extremes->ExtremesOf(block, channels, samples);
+    }
+    return found;
+}
+
 }  // namespace
 
 double ShownValue(const ReadoutSource& source, std::int16_t channel, double code) {
@@ -84,7 +100,7 @@ std::u16string RangeReadout(const ReadoutSource& source, const Selection& range,
     Resume([&] {
         if (source.extremes == nullptr) {
             extremes = ExtremeCodes(*source.block.block, shown, range.Samples());
-        } else if (auto found = source.extremes->ExtremesOf(*source.block.block, shown, range.Samples())) {
+        } else if (auto found = QuickExtremes(source, shown, range.Samples())) {
             extremes = std::move(*found);
         } else {
             known = false;

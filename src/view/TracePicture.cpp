@@ -33,6 +33,14 @@ std::int32_t TracePicture::Approach(const GraphScene& scene, std::int32_t from, 
     return TraceReader::Approach(*scene.block.block, scene.extremes, shown, stretch);
 }
 
+bool TracePicture::CanReadNow(const GraphScene& scene) const {
+    constexpr int pieces = 4;
+    for (int piece = 0; piece < pieces; ++piece) {
+        if (Approach(scene, 0, scene.axis.Width()) == scene.axis.Width()) return true;
+    }
+    return false;
+}
+
 std::vector<std::optional<ValueRange>> TracePicture::SeenRanges(const GraphScene& scene) {
     std::vector<std::optional<ValueRange>> ranges(scene.lanes.size());
     if (!scene.block.block || scene.axis.Visible().count < 1) return ranges;

@@ -24,6 +24,8 @@ class TracePicture {
     /// Column behind the last one from `from` on that can be drawn now without reading much, at most `to`, see
     /// TraceReader::Approach.
     [[nodiscard]] std::int32_t Approach(const GraphScene& scene, std::int32_t from, std::int32_t to) const;
+    /// Whether all columns of the scene can be drawn now without reading much; reads a little of what is missing.
+    [[nodiscard]] bool CanReadNow(const GraphScene& scene) const;
     /// Nothing is drawn in columns from .. to-1.
     void Forget(std::int32_t from, std::int32_t to) { m_sides.Forget(from, to); }
     /// Reads columns from .. to-1 of the scene and rasterises them; Compose lays them over an image.

@@ -160,8 +160,14 @@ ViewChange WaveformView::SetBipolar() {
 
 ViewChange WaveformView::FindData() {
     Push();
-    for (Lane& lane : m_lanes)
-        lane.scale.FindData(m_rawCodes ? kRawCodesRange : m_ranges.Of(m_document.Block(), lane.channels));
+    for (Lane& lane : m_lanes) {
+        const auto range = [&]() -> std::optional<ValueRange> {
+            if (m_rawCodes) return kRawCodesRange;
+            if (m_ranges.IsRecorded(lane.channels)) return m_ranges.Found(lane.channels);
+            return m_ranges.Of(m_document.Block(), lane.channels);
+        };
+        lane.scale.FindData(range());
+    }
     return Redraw();
 }
 

@@ -38,7 +38,7 @@ class WaveformView {
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
     [[nodiscard]] bool HasHistory() const { return !m_history.IsEmpty(); }
     /// Extremes of the block that are known.
-    [[nodiscard]] ExtremesCache& Extremes() { return m_extremes; }
+    [[nodiscard]] ExtremesCache& Extremes() const { return m_extremes; }
     [[nodiscard]] RangeRecords& Ranges() { return m_ranges; }
     [[nodiscard]] bool RawCodes() const { return m_rawCodes; }
     void SetRawCodes(bool rawCodes) { m_rawCodes = rawCodes; }
@@ -81,6 +81,7 @@ class WaveformView {
     ViewChange ZoomY(int steps);
     ViewChange SelectScaleY(int index);
     ViewChange SetBipolar();
+    /// Reads what the ranges of the shown channels lack, unless they are recorded.
     ViewChange FindData();
     ViewChange FitBlock();
     ViewChange FitSelection();
@@ -113,7 +114,7 @@ class WaveformView {
     const Document& m_document;
     TimeAxis m_axis;
     Lanes m_lanes;
-    ExtremesCache m_extremes;
+    mutable ExtremesCache m_extremes;  ///< reading through it changes nothing that is seen
     RangeRecords m_ranges{m_extremes};
     Selection m_selection;
     ViewHistory m_history;

@@ -98,6 +98,7 @@ TEST_F(PlaybackTest, CommandsOnViewAndSelectionRespectTheSoundAndADrag) {
     ViewCommands commands{m_document, m_view, m_playback};
     bool dragEnded = false;
     commands.onChange = [](const ViewChange&) {};
+    commands.onStop = [] { return false; };
     commands.onSelect = [&] { dragEnded = m_view.Selected().active; };
     // A column moves the view, or the end of a selection; more columns always move the view.
     commands.MoveView({1, 0});

@@ -1,6 +1,7 @@
 #include "app/SpectrumReadout.h"
 
 #include <gmock/gmock.h>
+#include <array>
 
 #include <numbers>
 
@@ -68,7 +69,11 @@ TEST_F(SpectrumReadoutTest, TellsNoLevelThatIsNotInTheImage) {
 }
 
 TEST_F(SpectrumReadoutTest, AChannelThatCannotBeReadGetsARangeToTryItAgain) {
-    const auto range = [&] { return SpectrumRange(m_view.Ranges(), m_document.Block(), 1); };
+    const std::array<std::int16_t, 1> channel{1};
+    const auto range = [&] {
+        static_cast<void>(m_view.Ranges().Of(m_document.Block(), channel));
+        return SpectrumRange(m_view.Ranges(), 1);
+    };
     m_block->holeTo = 3000;
     EXPECT_LT(range().minimum, range().maximum);
     m_block->holeTo = 0;

@@ -35,7 +35,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuGoTo, 4, [](R r, F, int i) { r.ViewChanged(r.view.GoToPage(i)); }},
         {mnuScaleY, AmplitudeScale::kScaleCount, [](R r, F, int i) { r.ViewChanged(r.view.SelectScaleY(i)); }},
         {mnuZoomY, 2, [](R r, F, int i) { r.ViewChanged(r.view.ZoomY(i == 0 ? -1 : 1)); }},
-        {mnuBaseLine, 2, [](R r, F, int i) { r.ViewChanged(i == 0 ? r.view.SetBipolar() : r.view.FindData()); }},
+        {mnuBaseLine, 2, [](R r, F, int i) { i == 0 ? r.ViewChanged(r.view.SetBipolar()) : r.FindData(); }},
         {mnuChShow, 3, [](R r, F, int i) { r.recording.SetAllShown(i); }},
         {mnuHelp, 1, [](R, F f, int) { f.help(); }},
         {mnuHelpLang, 3, [](R, F f, int i) { f.helpLanguage(i); }},

@@ -32,8 +32,9 @@ void DialogCommands::GoToPlace() {
 }
 
 void DialogCommands::Statistics() {
-    const ReadoutSource source{Block(), m_shared.document.Slots(), m_shared.format, m_shared.view.RawCodes()};
-    ShowStatistics(m_parts.window.Window(), source, m_shared.view.Selected(), m_shared.services);
+    const ReadoutSource source{Block(), m_shared.document.Slots(), m_shared.format, m_shared.view.RawCodes(),
+                               &m_shared.view.Extremes()};
+    ShowStatistics(m_parts.window.Window(), source, m_shared.view.Selected(), m_shared.services, onStatistics);
 }
 
 void DialogCommands::Options() {
@@ -76,6 +77,7 @@ void DialogCommands::Split() {
 }
 
 void DialogCommands::CopyImage() {
+    if (!onPictures()) return;
     m_parts.hover.End();
     // The playback line does not belong in a copied image.
     m_parts.graph.ShowPlayLine(0);

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "app/win/RoomParts.h"
+#include "view/Statistics.h"
 
 namespace quillon {
 
@@ -32,6 +33,8 @@ class DialogCommands {
     std::function<void(std::int32_t sample)> onGoTo;                ///< request to show a sample
     std::function<void()> onRedraw;                                 ///< the settings have changed
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that no command may interrupt
+    std::function<void(StatisticsPass* pass)> onStatistics;         ///< see ShowStatistics
+    std::function<bool()> onPictures;                               ///< completes the pictures; false when it could not
     std::function<void()> onFiles;                                  ///< files may have been written
 
     void GoToPlace();

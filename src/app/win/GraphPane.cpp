@@ -112,7 +112,21 @@ void GraphPane::OnScroll(int bar, int code) {
 }
 
 void GraphPane::FitScales() {
-    if (m_size.cy > 0) m_view.FitScales(m_painter.SeenRanges(Scene()));
+    if (m_size.cy < 1) return;
+    m_fitWhenDrawn = HasSamples() && !m_painter.CanReadNow(Scene());
+    if (!m_fitWhenDrawn) m_view.FitScales(m_painter.SeenRanges(Scene()));
+}
+
+bool GraphPane::FitDrawn() {
+    if (m_painter.IsIncomplete() || !std::exchange(m_fitWhenDrawn, false)) return false;
+    m_view.FitScales(m_painter.SeenRanges(Scene()));
+    return true;
+}
+
+bool GraphPane::DrawMore() {
+    const RECT drawn = m_painter.DrawMore(Scene());
+    if (!IsRectEmpty(&drawn)) InvalidateRect(m_graph.Window(), &drawn, FALSE);
+    return m_painter.IsIncomplete();
 }
 
 void GraphPane::Refresh(std::int32_t shift) {
@@ -151,6 +165,7 @@ void GraphPane::LeaveBlock() {
     m_hover.End();
     const HWND capture = GetCapture();
     if (capture != nullptr && (capture == m_graph.Window() || capture == m_scaleY.Window())) ReleaseCapture();
+    m_fitWhenDrawn = false;
     m_painter.ForgetBlock();
     m_painter.Clear(m_size.cx, m_size.cy);
 }

@@ -54,8 +54,15 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// Text shown in a graph without traces.
     void SetNotice(GraphNotice notice);
 
-    /// Chooses scales for the block where its data are not readable at the present ones.
+    /// Chooses scales for the block where its data are not readable at the present ones. Where reading them takes long
+    /// that happens once they are drawn.
     void FitScales();
+    /// Draws some of the columns that are missing; false when none is.
+    bool DrawMore();
+    [[nodiscard]] bool IsIncomplete() const { return m_painter.IsIncomplete(); }
+    [[nodiscard]] double DrawnShare() const { return 1.0 - m_painter.MissingShare(); }
+    /// Chooses the scales that had to wait until the graph was complete; false when there were none.
+    bool FitDrawn();
     /// Redraws everything for the current view. A shift means that the view was only scrolled since the last drawing.
     void Refresh(std::int32_t shift);
     /// The block is about to be closed.
@@ -115,6 +122,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     GraphCursor m_cursors;
     GraphNotice m_notice;
     SIZE m_size{};
+    bool m_fitWhenDrawn = false;  ///< see FitScales
 };
 
 }  // namespace quillon

@@ -10,15 +10,25 @@
 #include "app/StringIds.h"
 #include "base/FilePath.h"
 #include "base/SystemText.h"
+#include "base/Text.h"
 #include "data/win/FileIdentity.h"
 #include "dialogs/DialogTexts.h"
 
 namespace quillon {
 
+namespace {
+
+/// While a menu or a dialog is open, the loop of messages that works between them is not running.
+constexpr UINT_PTR kSliceTimer = 2;
+constexpr UINT kSlicePeriod = 10;  // ms
+
+}  // namespace
+
 MainRooms::MainRooms(RoomParts parts)
     : m_parts(std::move(parts)),
       m_document(m_parts.document),
       m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
+      m_background(m_document, m_parts.view),
       m_values(m_document, m_parts.view, m_parts.format, m_parts.settings),
       view(m_parts.view),
       playback(m_parts.playback),
@@ -34,6 +44,7 @@ MainRooms::MainRooms(RoomParts parts)
     WireLists();
     WireSound();
     WireCommands();
+    WireBackground();
 }
 
 void MainRooms::WireGraph() {
@@ -108,18 +119,43 @@ void MainRooms::WireSound() {
 void MainRooms::WireCommands() {
     commands.onChange = [this](const ViewChange& change) { ViewChanged(change); };
     commands.onHistory = [this] { UpdateState(); };
+    commands.onStop = [this] { return m_background.DropCurrent() && (ShowProgress(), true); };
     commands.onSelect = [this] { graph.EndSelecting(); };
     commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
     dialogs.onHelp = [this] { onHelp(); };
     dialogs.onGoTo = [this](std::int32_t sample) { commands.GoTo(sample); };
     dialogs.onRedraw = [this] { Refresh(); };
     dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
+    dialogs.onStatistics = [this](StatisticsPass* pass) {
+        if (pass == nullptr) return m_background.EndMeasure();
+        m_background.Measure([pass] { return pass->Step(); }, [pass] { return pass->Share(); });
+    };
+    dialogs.onPictures = [this] { return CompletePictures(); };
     dialogs.onFiles = [this] { browser.FilesChanged(); };
     longCommand.onClose = [this] { return m_parts.services.Ask(m_parts.services.Text(IDS_STOP_AND_CLOSE)); };
     exports.onDialog = [this] { m_hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
     exports.onPending = [this] { return longCommand.StayAlive(); };
     exports.isGone = [this] { return longCommand.IsGone(); };
+}
+
+void MainRooms::WireBackground() {
+    m_background.onStart = [this] { SetTimer(Window(), kSliceTimer, kSlicePeriod, nullptr); };
+    m_background.onDraw = [this] { return graph.DrawMore(); };
+    m_background.onDrawnShare = [this] { return graph.DrawnShare(); };
+    m_background.onDrawn = [this] {
+        if (graph.FitDrawn()) return Refresh();
+        TellUnreadable(true);
+    };
+    m_background.onSpectrum = [this] { return spectrogram.DrawMore(); };
+    m_background.onSpectrumShare = [this] { return spectrogram.DrawnShare(); };
+    spectrogram.onRange = [this](std::int16_t channel) {
+        return m_background.FindRanges({channel}, [this] {
+            spectrogram.UseRange();
+            DrawSpectrogram(true);
+            TellUnreadable(false);
+        });
+    };
 }
 
 void MainRooms::CreateFirst(HWND window) {
@@ -150,6 +186,7 @@ void MainRooms::ShowAll() {
 }
 
 void MainRooms::Close() {
+    m_background.BlockLeft();
     browser.Close();
     playback.Close();
     longCommand.SetWindow(nullptr);
@@ -216,6 +253,8 @@ void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
 
 void MainRooms::LeaveBlock() {
     playback.Stop();
+    m_background.BlockLeft();
+    ShowProgress();
     graph.LeaveBlock();
     spectrogram.LeaveBlock();
     view.LeaveBlock();
@@ -239,22 +278,27 @@ void MainRooms::ShowBlock() {
     Refresh();
     if (kept && view.Selected().active) m_values.TellRange();
     if (m_complete) ShowBlockSpectrum();
+    m_background.BlockLoaded();
 }
 
 void MainRooms::ShowBlockSpectrum() {
     if (!m_parts.settings.window.spectrogramShown) return;
-    // Finding the channel's range reads the whole block, so draw the waveform first.
+    // The waveform first.
     UpdateWindow(graph.Graph());
-    SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     spectrogram.Spectrogram_Init(true);
+    m_background.SpectrumDrawn(!spectrogram.IsIncomplete());
     TellUnreadable(false);
-    SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+}
+
+void MainRooms::DrawSpectrogram(bool force) {
+    spectrogram.Spectrogram_Draw(force);
+    m_background.SpectrumDrawn(!spectrogram.IsIncomplete());
 }
 
 void MainRooms::ChooseChannel() {
     playback.Stop();
     spectrogram.ChooseChannel();
-    spectrogram.Spectrogram_Draw(true);
+    DrawSpectrogram(true);
     TellUnreadable(false);
     m_values.KeepTrue();
 }
@@ -267,13 +311,16 @@ void MainRooms::ViewChanged(const ViewChange& change) {
     if (!change.selection) return;
     graph.ShowSelection();
     m_values.SelectionChanged(true);
+    if (m_values.IsIncomplete()) m_background.Summarise();
     UpdateState();
 }
 
 void MainRooms::Refresh(std::int32_t shift) {
     if (longCommand.IsGone() || IsIconic(Window())) return;
     graph.Refresh(shift);
-    if (m_complete) spectrogram.Spectrogram_Draw(false);
+    if (graph.FitDrawn()) graph.Refresh(0);
+    m_background.GraphDrawn(!graph.IsIncomplete());
+    if (m_complete) DrawSpectrogram(false);
     // Once the view has changed, clear the message about a position that was not understood.
     status.Retract(StatusBar::Topic::Place);
     TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
@@ -307,6 +354,60 @@ void MainRooms::ShowSpectrogram() {
     spectrogram.Spectrogram_Init(false);
     onArrange();
     Refresh();
+}
+
+void MainRooms::FindData() {
+    const auto find = [this] { ViewChanged(view.FindData()); };
+    if (view.RawCodes() || m_background.FindRanges(ChannelsOf(view.GetLanes()), find)) find();
+}
+
+// Work behind what is shown.
+
+bool MainRooms::RunSlice() {
+    if (longCommand.IsBusy() || longCommand.IsGone() || m_background.IsIdle()) return false;
+    try {
+        m_background.RunSlice();
+    } catch (const std::exception& error) {
+        Failed(error);
+    }
+    if (longCommand.IsGone()) return false;
+    ShowProgress();
+    if (m_background.IsIdle()) KillTimer(Window(), kSliceTimer);
+    return !m_background.IsIdle();
+}
+
+void MainRooms::OnTimer(UINT_PTR timer) {
+    if (timer == kSliceTimer) {
+        RunSlice();
+    } else {
+        graph.OnTimer(timer);
+    }
+}
+
+void MainRooms::ShowProgress() {
+    const std::optional<WorkSlices::Report> progress = m_background.Current();
+    const bool changed = std::exchange(m_progress, progress) != progress;
+    if (changed || m_background.IsIdle()) m_values.MoreKnown();
+    if (!changed) return;
+    if (progress) {
+        status.Offer(StatusBar::Topic::Progress,
+                     m_parts.services.Text(progress->text) + u": " + Decimal(progress->percent) + u" %");
+    } else {
+        status.Retract(StatusBar::Topic::Progress);
+    }
+}
+
+bool MainRooms::CompletePictures() {
+    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
+    if (!m_background.ArePicturesComplete()) {
+        RunLong([this] {
+            while (!m_background.ArePicturesComplete() && longCommand.StayAlive()) {
+                m_background.RunSlice();
+                ShowProgress();
+            }
+        });
+    }
+    return !longCommand.IsGone() && m_document.Block().block == block && m_background.ArePicturesComplete();
 }
 
 // Sound and long commands.

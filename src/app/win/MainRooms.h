@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "app/BackgroundWork.h"
 #include "app/CommandState.h"
 #include "app/ExportCommands.h"
 #include "app/RecordingReload.h"
@@ -65,7 +67,11 @@ class MainRooms {
     /// Redraws everything. A shift means that the view was only scrolled, by that many columns, since the last drawing.
     void Refresh(std::int32_t shift = 0);
     void ShowSpectrogram();
+    void FindData();
 
+    /// Goes on with what is read behind what is shown, for about 10 ms. False when there is nothing to be done now.
+    bool RunSlice();
+    void OnTimer(UINT_PTR timer);
     /// Opens the context menu at the corner of the graph.
     void OpenContextMenu();
     /// Ends the readout under the pointer.
@@ -77,6 +83,7 @@ class MainRooms {
     void WireLists();
     void WireSound();
     void WireCommands();
+    void WireBackground();
     void OpenFile(const std::wstring& name);
     void LoadBlock(int index);
     void RecordingChanged();
@@ -87,6 +94,11 @@ class MainRooms {
     void ShowPosition();
     void ShowPanels();
     void TellUnreadable(bool wholeView);
+    void DrawSpectrogram(bool force);
+    /// Tells what is under way behind what is shown.
+    void ShowProgress();
+    /// Waits until the pictures hold everything; false when the user has ended that or the window is gone.
+    bool CompletePictures();
     /// Runs work during which no other command may run and neither the file nor the window may be closed.
     void RunBusy(const std::function<void()>& work);
     /// The same for work that no dialog shows: gestures, readout and playback end before.
@@ -98,6 +110,8 @@ class MainRooms {
     bool m_complete = false;
     RecordingReload m_reload;
     UnreadableSamples m_unreadable;
+    BackgroundWork m_background;
+    std::optional<WorkSlices::Report> m_progress;  ///< told in "Status"
     HoverCapture m_hover;
     ValuesReadout m_values;
     Panel m_valuesPanel;

@@ -41,7 +41,11 @@ std::unique_ptr<TextSink> OpenText(const std::u16string& target, std::u16string&
 
 int RunMessages(frmQLMain& form) {
     MSG message{};
-    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+    const auto noneWaits = [&message] { return PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) == FALSE; };
+    for (;;) {
+        while (noneWaits() && form.RunSlice()) {
+        }
+        if (GetMessageW(&message, nullptr, 0, 0) <= 0) break;
         if (form.PreTranslate(message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -5,7 +5,7 @@
 #include "app/ControlIds.h"
 #include "app/SpectrumReadout.h"
 #include "app/StringIds.h"
-#include "view/Readout.h"
+#include "view/GraphPicture.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -28,6 +28,7 @@ bool SpectrogramPane::Create(HWND parent) {
 void SpectrogramPane::Prepare() {
     // As wide as the graph can become, so that widening the window computes only the new columns.
     m_fft.FFT_Init(std::max(GetSystemMetrics(SM_CXVIRTUALSCREEN), static_cast<int>(m_view.Axis().Width())));
+    m_fft.SetPatience(kPatience);
 }
 
 void SpectrogramPane::Spectrogram_Init(bool redraw) {
@@ -40,14 +41,36 @@ void SpectrogramPane::Spectrogram_Init(bool redraw) {
 
 void SpectrogramPane::ChooseChannel() {
     Prepare();
+    // The range is searched only when the spectrogram is visible.
+    m_rangeAsked = m_settings.window.spectrogramShown && HasSamples() && !onRange(m_document.CurrentChannel());
+    if (m_rangeAsked) {
+        m_fft.FFT_ClearState();
+        return InvalidateAll();
+    }
+    UseRange();
+}
+
+void SpectrogramPane::UseRange() {
+    m_rangeAsked = false;
     const std::int16_t channel = m_document.CurrentChannel();
-    // A channel without a value range stays blank; the range is computed only when the spectrogram is visible.
+    // A channel without a range of values stays blank.
     ValueRange limits;
-    if (m_settings.window.spectrogramShown) limits = SpectrumRange(m_view.Ranges(), m_document.Block(), channel);
+    if (m_settings.window.spectrogramShown) limits = SpectrumRange(m_view.Ranges(), channel);
     m_fft.FFT_SetChannel(m_document.Block().block.get(), m_document.File().currentBlockIndex,
                          static_cast<std::int16_t>(channel - 1), limits);
     m_scale.Invalidate();
     m_palette.Invalidate();
+}
+
+bool SpectrogramPane::DrawMore() {
+    if (!IsIncomplete()) return false;
+    m_fft.FFT_ComputePending();
+    m_picture.Invalidate();
+    return IsIncomplete();
+}
+
+bool SpectrogramPane::IsIncomplete() const {
+    return m_settings.window.spectrogramShown && HasSamples() && m_fft.IsIncomplete();
 }
 
 void SpectrogramPane::InvalidateAll() const {
@@ -116,9 +139,17 @@ void SpectrogramPane::PaintScale(HDC dc, const RECT& client) {
                          FrequencyCaption(m_services.Text(IDS_CHANNEL), m_fft.State().deviceChannel + 1, marks.unit));
 }
 
+void SpectrogramPane::PaintMissing(HDC dc, const RECT& client, int from, int to) {
+    FillWith(dc, {from, client.bottom - kMissingRows, to, client.bottom}, ColorOf(kMissingColor));
+}
+
 void SpectrogramPane::PaintImage(HDC dc, const RECT& client) {
     if (!HasSamples()) return FillWith(dc, client, RGB(0xFF, 0xFF, 0xFF));
     m_painter.PaintImage(dc, client, m_fft);
+    const int width = static_cast<int>(client.right);
+    if (m_rangeAsked) PaintMissing(dc, client, 0, width);
+    for (int column = 0; column < std::min(width, m_fft.IsIncomplete() ? m_fft.ImageWidth() : 0); ++column)
+        if (m_fft.IsPending(column)) PaintMissing(dc, client, column, column + 1);
     for (const auto& band : m_bands) {
         if (band) PatBlt(dc, band->left, 0, band->right - band->left + 1, static_cast<int>(client.bottom), DSTINVERT);
     }

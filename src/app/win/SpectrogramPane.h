@@ -31,6 +31,9 @@ class SpectrogramPane final : private PictureOwner {
     std::function<bool()> onBusy;        ///< whether mouse input is ignored now (a command runs)
     std::function<HCURSOR()> onPointer;  ///< the shape of the pointer
     std::function<void()> onPress;       ///< request to focus the graph
+    /// Asks for the range of a channel (from 1) over the whole block; true when it is recorded in the view's ranges.
+    /// Else UseRange has to be called once it is.
+    std::function<bool(std::int16_t channel)> onRange;
     std::function<void(const std::exception& error)> onFailed;
 
     [[nodiscard]] bool Create(HWND parent);
@@ -48,6 +51,13 @@ class SpectrogramPane final : private PictureOwner {
     void Spectrogram_Draw(bool force);
     /// The current channel has changed.
     void ChooseChannel();
+    /// The range that onRange asked for is recorded.
+    void UseRange();
+    /// Computes some of the columns that are missing; false when none is.
+    bool DrawMore();
+    /// Whether columns are missing that DrawMore can compute, and the share of those that are there, 0 to 1.
+    [[nodiscard]] bool IsIncomplete() const;
+    [[nodiscard]] double DrawnShare() const { return m_fft.ComputedShare(); }
     void NextPalette();
     /// The block is about to be closed.
     void LeaveBlock() { m_fft.FFT_ClearState(); }
@@ -65,6 +75,8 @@ class SpectrogramPane final : private PictureOwner {
     void PaintScale(HDC dc, const RECT& client);
     void Hover(int x, int y);
     void InvalidateAll() const;
+    /// The line that says that columns from .. to-1 are missing.
+    static void PaintMissing(HDC dc, const RECT& client, int from, int to);
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
 
     const Document& m_document;
@@ -77,6 +89,7 @@ class SpectrogramPane final : private PictureOwner {
     PictureBox m_palette;
     PictureBox m_scale;
     QL_FFT m_fft;
+    bool m_rangeAsked = false;  ///< the channel's range is not known yet
     SpectrogramView m_painter;
     std::array<std::optional<ColumnBand>, static_cast<std::size_t>(CommonBand::Count)> m_bands;
 };

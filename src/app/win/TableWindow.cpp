@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "base/Text.h"
 #include "base/win/WinHandle.h"
@@ -16,6 +18,7 @@ namespace {
 constexpr int kList = 101;
 constexpr int kCopy = 102;
 constexpr int kHeading = 103;
+constexpr UINT_PTR kUpdate = 1;
 
 /// False where another program keeps the clipboard open or memory is short.
 bool PutOnClipboard(const std::u16string& text) {
@@ -24,13 +27,18 @@ bool PutOnClipboard(const std::u16string& text) {
     return clipboard->Close();
 }
 
-const TextTable& TableOf(HWND dialog) {
-    return *reinterpret_cast<const TextTable*>(GetWindowLongPtrW(dialog, DWLP_USER));
+struct Content {
+    TextTable table;
+    TableUpdate update;
+};
+
+Content& ContentOf(HWND dialog) {
+    return *reinterpret_cast<Content*>(GetWindowLongPtrW(dialog, DWLP_USER));
 }
 
 void Copy(HWND dialog) {
     try {
-        if (PutOnClipboard(TabbedText(TableOf(dialog)))) return;
+        if (PutOnClipboard(TabbedText(ContentOf(dialog).table))) return;
     } catch (const std::exception&) {  // no memory for the text
     }
     MessageBeep(MB_ICONWARNING);
@@ -53,29 +61,41 @@ SIZE Pixels(HWND dialog, int width, int height) {
     return {rect.right, rect.bottom};
 }
 
+int CellMargins(HWND dialog) {
+    return static_cast<int>(Pixels(dialog, 10, 0).cx);
+}
+
 SIZE SizeOf(const RECT& rect) {
     return {rect.right - rect.left, rect.bottom - rect.top};
 }
 
-/// Puts the table into the list; the columns are as wide as their widest text.
-int FillList(HWND list, const TextTable& table, int cellMargins) {
+void InsertColumns(HWND list, const TextTable& table) {
     ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
-    const auto width = [&](const wchar_t* text) {
-        return static_cast<int>(SendPointer(list, LVM_GETSTRINGWIDTHW, 0, text)) + cellMargins;
-    };
-    int all = 0;
     for (std::size_t at = 0; at < table.columns.size(); ++at) {
         std::wstring caption = Wide(table.columns[at]);
         LVCOLUMNW column{};
-        column.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH;
+        column.mask = LVCF_TEXT | LVCF_FMT;
         column.fmt = at != 0 && table.numeric ? LVCFMT_RIGHT : LVCFMT_LEFT;
         column.pszText = caption.data();
-        column.cx = width(caption.c_str());
-        for (std::size_t row = 0; row < table.rows.size(); ++row)
-            column.cx = std::max(column.cx, width(Wide(table.Cell(row, at)).c_str()));
         SendPointer(list, LVM_INSERTCOLUMNW, at, &column);
-        all += column.cx;
     }
+}
+
+/// Puts the rows into the list; the columns become as wide as their widest text. Returns the width of all.
+int FillList(HWND list, const TextTable& table, int cellMargins) {
+    const auto width = [&](const std::u16string& text) {
+        return static_cast<int>(SendPointer(list, LVM_GETSTRINGWIDTHW, 0, Wide(text).c_str())) + cellMargins;
+    };
+    int all = 0;
+    for (std::size_t at = 0; at < table.columns.size(); ++at) {
+        int widest = width(table.columns[at]);
+        for (std::size_t row = 0; row < table.rows.size(); ++row) widest = std::max(widest, width(table.Cell(row, at)));
+        SendMessageW(list, LVM_SETCOLUMNWIDTH, at, widest);
+        all += widest;
+    }
+    while (ListView_GetItemCount(list) > static_cast<int>(table.rows.size()))
+        ListView_DeleteItem(list, ListView_GetItemCount(list) - 1);
+    const int present = ListView_GetItemCount(list);
     for (std::size_t row = 0; row < table.rows.size(); ++row) {
         for (std::size_t at = 0; at < table.columns.size(); ++at) {
             std::wstring cell = Wide(table.Cell(row, at));
@@ -84,7 +104,8 @@ int FillList(HWND list, const TextTable& table, int cellMargins) {
             item.iItem = static_cast<int>(row);
             item.iSubItem = static_cast<int>(at);
             item.pszText = cell.data();
-            SendPointer(list, at == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, &item);
+            const bool isNew = at == 0 && static_cast<int>(row) >= present;
+            SendPointer(list, isNew ? LVM_INSERTITEMW : LVM_SETITEMW, 0, &item);
         }
     }
     return all;
@@ -177,11 +198,22 @@ void LayOut(HWND dialog, int columnsWidth) {
 void Initialise(HWND dialog, LPARAM lParam) {
     SetWindowLongPtrW(dialog, DWLP_USER, lParam);
     const HWND list = GetDlgItem(dialog, kList);
-    const int columnsWidth = FillList(list, TableOf(dialog), Pixels(dialog, 10, 0).cx);
-    LayOut(dialog, columnsWidth);
+    const Content& content = ContentOf(dialog);
+    InsertColumns(list, content.table);
+    LayOut(dialog, FillList(list, content.table, CellMargins(dialog)));
+    constexpr UINT updatePeriod = 100;  // ms
+    if (content.update) SetTimer(dialog, kUpdate, updatePeriod, nullptr);
     for (const int id : {kList, kCopy, IDOK}) SetWindowSubclass(GetDlgItem(dialog, id), CopyKey, 1, 0);
     ListView_SetItemState(list, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
     SetFocus(list);
+}
+
+void Update(HWND dialog) {
+    Content& content = ContentOf(dialog);
+    const std::vector<std::vector<std::u16string>> before = content.table.rows;
+    if (!content.update(content.table)) KillTimer(dialog, kUpdate);
+    if (content.table.rows != before)
+        LayOut(dialog, FillList(GetDlgItem(dialog, kList), content.table, CellMargins(dialog)));
 }
 
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -192,6 +224,14 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
             EndDialog(dialog, IDCANCEL);  // no memory for the texts
         }
         return FALSE;
+    }
+    if (message == WM_TIMER && wParam == kUpdate) {
+        try {
+            Update(dialog);
+        } catch (const std::exception&) {
+            KillTimer(dialog, kUpdate);  // no memory for the texts
+        }
+        return TRUE;
     }
     if (message != WM_COMMAND) return FALSE;
     switch (LOWORD(wParam)) {
@@ -208,7 +248,9 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 
 }  // namespace
 
-void ShowTable(HWND owner, const TextTable& table) {
+void ShowTable(HWND owner, TextTable shown, const TableUpdate& update) {
+    Content content{std::move(shown), update};
+    const TextTable& table = content.table;
     // Final sizes are set when the texts have been measured. Until then the list is larger than any screen: once both
     // scroll bars are shown, each takes the room that makes the other one necessary.
     DialogTemplate dialog(table.title, 200, 100);
@@ -218,7 +260,7 @@ void ShowTable(HWND owner, const TextTable& table) {
     dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, table.copy, 89, 79, 50, 14);
     dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, table.close, 143, 79, 50, 14);
     DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<const DLGTEMPLATE*>(dialog.Get()), owner, Procedure,
-                            reinterpret_cast<LPARAM>(&table));
+                            reinterpret_cast<LPARAM>(&content));
 }
 
 }  // namespace quillon

@@ -1,5 +1,7 @@
 #include "app/win/ViewDialogs.h"
 
+#include <utility>
+
 #include "app/StringIds.h"
 #include "app/ViewTables.h"
 #include "app/win/InputBox.h"
@@ -7,11 +9,25 @@
 
 namespace quillon {
 
-void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services) {
-    SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    const TextTable table = StatisticsTable(source, selection, services);
-    SetCursor(LoadCursorW(nullptr, IDC_ARROW));
-    ShowTable(owner, table);
+void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services,
+                    const std::function<void(StatisticsPass* pass)>& onWork) {
+    StatisticsPass pass(source, selection.Samples());
+    // A short pass is shown complete; not with scales that may still change.
+    constexpr ULONGLONG quick = 20;  // ms
+    const ULONGLONG start = GetTickCount64();
+    if (!source.block.block->IsProvisional()) {
+        while (GetTickCount64() - start < quick && pass.Step()) {
+        }
+    }
+    TextTable table = StatisticsTable(source, selection, services);
+    table.rows = StatisticsRows(source, pass);
+    if (pass.IsDone()) return ShowTable(owner, std::move(table));
+    onWork(&pass);
+    ShowTable(owner, std::move(table), [&](TextTable& shown) {
+        shown.rows = StatisticsRows(source, pass);
+        return !pass.IsDone();
+    });
+    onWork(nullptr);
 }
 
 std::optional<std::u16string> AskForPlace(HWND owner, const std::u16string& present, const UserServices& services) {

@@ -115,7 +115,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_ENDSESSION: OnEndSession(wParam != FALSE); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
-        case WM_TIMER: m_rooms.graph.OnTimer(wParam); return 0;
+        case WM_TIMER: m_rooms.OnTimer(wParam); return 0;
         case WM_NCDESTROY: {
             const HWND window = std::exchange(m_window, nullptr);
             m_keys.SetWindow(nullptr);

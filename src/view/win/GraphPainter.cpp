@@ -27,6 +27,7 @@ class ClipScope {
 }  // namespace
 
 GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())), m_dpi(ScreenDpi()) {
+    m_picture.SetPatience(kPatience);
     m_picture.onMarkTexts = [this](const GraphScene& scene, int from, int to) { DrawMarkTexts(scene, from, to); };
 }
 
@@ -53,6 +54,12 @@ void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
 void GraphPainter::Scroll(const GraphScene& scene, std::int32_t shift) {
     GdiFlush();
     m_picture.Scroll(scene, shift);
+}
+
+RECT GraphPainter::DrawMore(const GraphScene& scene) {
+    GdiFlush();
+    const std::optional<ColumnBand> drawn = m_picture.DrawMore(scene);
+    return drawn ? RECT{drawn->left, 0, drawn->right + 1, m_picture.Height()} : RECT{};
 }
 
 void GraphPainter::DrawMarkTexts(const GraphScene& scene, int from, int to) const {

@@ -19,6 +19,12 @@ class GraphPainter {
     /// The same image for a scene that differs from the drawn one only by its first column, which was moved by `shift`:
     /// what stays visible is copied, the rest is drawn.
     void Scroll(const GraphScene& scene, std::int32_t shift);
+    /// See GraphPicture; returns the changed rectangle.
+    RECT DrawMore(const GraphScene& scene);
+    [[nodiscard]] bool IsIncomplete() const { return m_picture.IsIncomplete(); }
+    [[nodiscard]] double MissingShare() const { return m_picture.MissingShare(); }
+    /// Whether the whole scene can be read without reading much; reads a little of what is missing.
+    [[nodiscard]] bool CanReadNow(const GraphScene& scene) const { return m_picture.Traces().CanReadNow(scene); }
     /// An empty white surface without bands.
     void Clear(int width, int height);
     /// Reason why some samples of the last drawing could not be read; empty when all could.
