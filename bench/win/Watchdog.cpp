@@ -1,0 +1,113 @@
+// How long messages wait in the viewer while it works on a large recording:
+//     watchdog VIEWER RECORDING [SECONDS]
+// Starts the viewer on the recording, gives it one command after the other, watches it for some seconds after each (3
+// without SECONDS), and prints for each the longest time that a message sent by another process has waited, and the
+// viewer's private memory.
+#include "base/win/Win32.h"
+
+#include <psapi.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "app/Commands.h"
+
+namespace {
+
+constexpr const wchar_t* kViewerClass = L"frmQLMain";
+constexpr UINT kLongest = 120000;  // ms
+
+double Milliseconds() {
+    LARGE_INTEGER now{};
+    LARGE_INTEGER perSecond{};
+    QueryPerformanceCounter(&now);
+    QueryPerformanceFrequency(&perSecond);
+    return static_cast<double>(now.QuadPart) * 1000.0 / static_cast<double>(perSecond.QuadPart);
+}
+
+/// The longest wait of messages sent in turn for that many milliseconds.
+double LongestWait(HWND window, double duration) {
+    const double end = Milliseconds() + duration;
+    double longest = 0.0;
+    for (double start = Milliseconds(); start < end; start = Milliseconds()) {
+        DWORD_PTR result = 0;
+        if (SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, kLongest, &result) == 0) return -1.0;
+        longest = std::max(longest, Milliseconds() - start);
+        Sleep(2);
+    }
+    return longest;
+}
+
+HWND WaitForWindow(DWORD process) {
+    for (const double end = Milliseconds() + 30000.0; Milliseconds() < end; Sleep(1)) {
+        const HWND window = FindWindowW(kViewerClass, nullptr);
+        DWORD owner = 0;
+        if (window != nullptr && GetWindowThreadProcessId(window, &owner) != 0 && owner == process &&
+            IsWindowVisible(window))
+            return window;
+    }
+    return nullptr;
+}
+
+/// Closes the dialog that is open, if any.
+void CloseDialog(HWND window) {
+    const HWND dialog = GetWindow(window, GW_ENABLEDPOPUP);
+    if (dialog != nullptr && dialog != window) PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+}
+
+struct Step {
+    const char* name;
+    int command;
+    int times;
+};
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    using namespace quillon;
+    if (count < 3) return 2;
+    const double seconds = count > 3 ? std::wcstod(arguments[3], nullptr) : 3.0;
+    std::wstring line = L"\"" + std::wstring(arguments[1]) + L"\" \"" + arguments[2] + L"\"";
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process{};
+    const double began = Milliseconds();
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process)) return 1;
+    const HWND window = WaitForWindow(process.dwProcessId);
+    if (window == nullptr) return 1;
+    std::printf("%-24s %8.0f ms\n", "window shown after", Milliseconds() - began);
+    constexpr Step steps[] = {
+        {"opening", 0, 0},
+        {"zoom out to 2000:1", mnuZoomX, 11},
+        {"next page", mnuGoTo + 2, 3},
+        {"fit block", mnuView + 1, 1},
+        {"find data", mnuBaseLine + 1, 1},
+        {"zoom in", mnuZoomX + 1, 4},
+        {"select block", mnuSelect, 1},
+        {"statistics", mnuStatistics, 1},
+        {"spectrogram", mnuSpectrogram, 1},
+        {"zoom in further", mnuZoomX + 1, 6},
+        {"end and start", mnuGoTo + 3, 1},
+        {"spectrogram away", mnuSpectrogram, 1},
+    };
+    double worst = 0.0;
+    for (const Step& step : steps) {
+        for (int time = 0; time < step.times; ++time)
+            PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(step.command), 0);
+        const double longest = LongestWait(window, seconds * 1000.0);
+        CloseDialog(window);
+        worst = std::max(worst, longest);
+        PROCESS_MEMORY_COUNTERS memory{};
+        GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory);
+        std::printf("%-24s %8.0f ms %8.0f MB\n", step.name, longest, static_cast<double>(memory.PagefileUsage) / 1e6);
+        std::fflush(stdout);
+        if (longest < 0.0) break;
+    }
+    std::printf("%-24s %8.0f ms\n", "longest", worst);
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    constexpr DWORD patience = 10000;
+    if (WaitForSingleObject(process.hProcess, patience) != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 1);
+    return 0;
+}
