@@ -7,58 +7,21 @@ namespace quillon::nsp {
 namespace {
 
 constexpr std::size_t kLanes = 8;
-/// Samples that stay in the first-level cache while one column after the other goes over them.
-constexpr std::size_t kTileSamples = 4096;
 /// Columns reduced together; the accumulators of more do not fit the sixteen vector registers.
 constexpr std::size_t kTogether = 4;
 constexpr std::size_t kLineSamples = 64 / sizeof(std::int16_t);
 /// Finished runs are written sixteen at a time, a cache line per channel: single results would touch as many lines as
 /// there are channels, and these often compete for the same place in the cache.
 constexpr std::size_t kStagedRuns = 16;
-constexpr std::size_t kGroup = 8;  // frames
-/// A run's first frames are taken one by one, as new extremes are frequent there.
-constexpr std::size_t kSettled = 2 * kGroup;
 
-/// Eight frames at a time: their values first. Only where a lane has both a new maximum and a new minimum among them
-/// (rare once a run has settled) their order is not known yet and the frames are taken one by one.
-void AddGroup(LaneExtremes& extremes, const std::int16_t* frame, std::size_t step) {
-    __m128i highest = LoadLanes(frame);
-    __m128i lowest = highest;
-    for (std::size_t i = 1; i < kGroup; ++i) {
-        const __m128i lanes = LoadLanes(frame + i * step);
-        highest = _mm_max_epi16(highest, lanes);
-        lowest = _mm_min_epi16(lowest, lanes);
-    }
-    const __m128i higher = _mm_cmpgt_epi16(highest, extremes.maximum);
-    const __m128i lower = _mm_cmpgt_epi16(extremes.minimum, lowest);
-    if (_mm_movemask_epi8(_mm_and_si128(higher, lower)) != 0) [[unlikely]] {
-        for (std::size_t i = 0; i < kGroup; ++i) extremes.Add(LoadLanes(frame + i * step));
-        return;
-    }
-    extremes.maximum = _mm_max_epi16(extremes.maximum, highest);
-    extremes.minimum = _mm_min_epi16(extremes.minimum, lowest);
-    extremes.order = _mm_andnot_si128(lower, _mm_or_si128(extremes.order, higher));
-}
-
-/// Adds frames to neighbouring columns at once; `done` frames of the run are in `extremes` already.
-/// Group by group over all of them, so that memory is read and prefetched in one even stream.
+/// Adds frames to neighbouring columns at once.
 template <std::size_t Count>
-void AddFrames(LaneExtremes* extremes, const std::size_t* channels, std::size_t done, const std::int16_t* frames,
-               std::size_t count, std::size_t step) {
+void AddFrames(LaneExtremes* extremes, const std::size_t* channels, const std::int16_t* frames, std::size_t count,
+               std::size_t step) {
     LaneExtremes state[Count];
     for (std::size_t i = 0; i < Count; ++i) state[i] = extremes[i];
-    for (; count > 0 && (done < kSettled || count < kGroup); ++done, --count, frames += step) {
-        for (std::size_t line = 0; line < step; line += kLineSamples) PrefetchAhead(frames + line);
-        for (std::size_t i = 0; i < Count; ++i) state[i].Add(LoadLanes(frames + channels[i]));
-    }
-    const std::size_t share = kGroup * step / Count;
-    for (; count >= kGroup; count -= kGroup, frames += kGroup * step) {
-        for (std::size_t i = 0; i < Count; ++i) {
-            for (std::size_t line = 0; line < share; line += kLineSamples) PrefetchAhead(frames + i * share + line);
-            AddGroup(state[i], frames + channels[i], step);
-        }
-    }
     for (; count > 0; --count, frames += step) {
+        for (std::size_t line = 0; line < step; line += kLineSamples) PrefetchAhead(frames + line);
         for (std::size_t i = 0; i < Count; ++i) state[i].Add(LoadLanes(frames + channels[i]));
     }
     for (std::size_t i = 0; i < Count; ++i) extremes[i] = state[i];
@@ -91,64 +54,92 @@ void WriteFourSlots(const ExtremePair* staged, std::size_t slots, std::size_t ru
     }
 }
 
+/// The fewest vectors that cover the selected channels, by the channel in their lane 0; the last one of a frame
+/// overlaps the one before it.
+std::vector<std::size_t> Columns(std::size_t channels, std::span<const std::size_t> selected) {
+    std::vector<std::size_t> sorted(selected.begin(), selected.end());
+    std::sort(sorted.begin(), sorted.end());
+    std::vector<std::size_t> columns;
+    for (const std::size_t channel : sorted) {
+        if (columns.empty() || channel >= columns.back() + kLanes)
+            columns.push_back(channels < kLanes ? 0 : std::min(channel, channels - kLanes));
+    }
+    return columns;
+}
+
 }  // namespace
 
 FrameRuns::FrameRuns(std::size_t channels, std::span<const std::size_t> selected, std::size_t run,
                      std::span<ExtremePair* const> out)
-    : m_channels(channels), m_run(run) {
-    std::vector<ExtremePair*> wanted(channels);
-    for (std::size_t i = 0; i < selected.size(); ++i) wanted[selected[i]] = out[i];
-    // The fewest vectors that cover the selected channels; the last one of a frame overlaps the one before it.
-    for (std::size_t channel = 0; channel < channels; ++channel) {
-        if (wanted[channel] == nullptr) continue;
-        if (m_channelOf.empty() || channel >= m_channelOf.back() + kLanes) {
-            m_channelOf.push_back(channels < kLanes ? 0 : std::min(channel, channels - kLanes));
-            m_out.resize(m_channelOf.size() * kLanes);
-        }
-        m_out[m_out.size() - kLanes + channel - m_channelOf.back()] = wanted[channel];
+    : m_channels(channels),
+      m_run(run),
+      m_channelOf(Columns(channels, selected)),
+      m_extremes(m_channelOf.size()),
+      m_later(m_channelOf.size()),
+      m_out(m_channelOf.size() * kLanes),
+      m_stretch(channels, m_channelOf) {
+    for (std::size_t i = 0; i < selected.size(); ++i) {
+        // Of two vectors that hold the channel, the earlier one.
+        const auto beyond = std::upper_bound(m_channelOf.begin(), m_channelOf.end(), selected[i]);
+        auto column = static_cast<std::size_t>(beyond - m_channelOf.begin()) - 1;
+        if (column > 0 && selected[i] < m_channelOf[column - 1] + kLanes) --column;
+        m_out[column * kLanes + selected[i] - m_channelOf[column]] = out[i];
     }
-    m_extremes.resize(m_channelOf.size());
     m_staged.resize(m_out.size() * kStagedRuns);
     if (channels > 0 && channels < kLanes) m_unreadable = (kLanes - 1) / channels;
 }
 
 void FrameRuns::Feed(const std::int16_t* frames, std::size_t frameCount) {
     if (m_channelOf.empty()) return;
-    const std::size_t last = std::min(m_unreadable, frameCount);
-    FeedReadable(frames, frameCount - last);
-    if (last > 0) {
-        std::array<std::int16_t, 3 * kLanes> end{};
-        std::copy_n(frames + (frameCount - last) * m_channels, last * m_channels, end.begin());
-        FeedReadable(end.data(), last);
-    }
-    WriteStaged();
-}
-
-void FrameRuns::FeedReadable(const std::int16_t* frames, std::size_t frameCount) {
-    const std::size_t columns = m_channelOf.size();
-    const std::size_t tile = columns > kTogether ? std::max<std::size_t>(1, kTileSamples / m_channels) : frameCount;
     while (frameCount > 0) {
-        const std::size_t part = std::min({frameCount, m_run - m_filled, tile});
-        for (std::size_t first = 0; first < columns; first += kTogether) {
-            LaneExtremes* extremes = &m_extremes[first];
-            const std::size_t* channels = &m_channelOf[first];
-            const std::size_t together = std::min(kTogether, columns - first);
-            if (m_filled == 0) {
-                for (std::size_t i = 0; i < together; ++i)
-                    extremes[i] = LaneExtremes::Of(LoadLanes(frames + channels[i]));
-            }
-            switch (together) {
-                case 1: AddFrames<1>(extremes, channels, m_filled, frames, part, m_channels); break;
-                case 2: AddFrames<2>(extremes, channels, m_filled, frames, part, m_channels); break;
-                case 3: AddFrames<3>(extremes, channels, m_filled, frames, part, m_channels); break;
-                default: AddFrames<kTogether>(extremes, channels, m_filled, frames, part, m_channels); break;
-            }
+        const std::size_t part = std::min({frameCount, m_run - m_filled, FrameStretch::kMostFrames});
+        // Frames of the part whose vectors reach past the piece.
+        const std::size_t last = std::min(part, m_unreadable - std::min(m_unreadable, frameCount - part));
+        if (part - last >= FrameStretch::kGroupFrames) {
+            AddStretch(frames, part - last);
+        } else {
+            AddSingly(frames, part - last);
         }
-        m_filled += part;
+        if (last > 0) {
+            std::array<std::int16_t, 3 * kLanes> end{};
+            std::copy_n(frames + (part - last) * m_channels, last * m_channels, end.begin());
+            AddSingly(end.data(), last);
+        }
         if (m_filled == m_run) RunDone();
         frames += part * m_channels;
         frameCount -= part;
     }
+    WriteStaged();
+}
+
+void FrameRuns::AddStretch(const std::int16_t* frames, std::size_t count) {
+    if (m_filled == 0) {
+        m_stretch.Reduce(frames, count, m_extremes.data());
+    } else {
+        m_stretch.Reduce(frames, count, m_later.data());
+        for (std::size_t column = 0; column < m_extremes.size(); ++column) m_extremes[column].Add(m_later[column]);
+    }
+    m_filled += count;
+}
+
+void FrameRuns::AddSingly(const std::int16_t* frames, std::size_t count) {
+    if (count == 0) return;
+    const std::size_t columns = m_channelOf.size();
+    for (std::size_t first = 0; first < columns; first += kTogether) {
+        LaneExtremes* extremes = &m_extremes[first];
+        const std::size_t* channels = &m_channelOf[first];
+        const std::size_t together = std::min(kTogether, columns - first);
+        if (m_filled == 0) {
+            for (std::size_t i = 0; i < together; ++i) extremes[i] = LaneExtremes::Of(LoadLanes(frames + channels[i]));
+        }
+        switch (together) {
+            case 1: AddFrames<1>(extremes, channels, frames, count, m_channels); break;
+            case 2: AddFrames<2>(extremes, channels, frames, count, m_channels); break;
+            case 3: AddFrames<3>(extremes, channels, frames, count, m_channels); break;
+            default: AddFrames<kTogether>(extremes, channels, frames, count, m_channels); break;
+        }
+    }
+    m_filled += count;
 }
 
 void FrameRuns::Finish() {

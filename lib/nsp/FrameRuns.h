@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "nsp/FrameStretch.h"
 #include "nsp/RunLanes.h"
 
 namespace quillon::nsp {
@@ -21,7 +22,9 @@ class FrameRuns {
     void Finish();
 
   private:
-    void FeedReadable(const std::int16_t* frames, std::size_t frameCount);
+    // Both add frames to the run under way, at most those that it lacks.
+    void AddStretch(const std::int16_t* frames, std::size_t count);
+    void AddSingly(const std::int16_t* frames, std::size_t count);
     void RunDone();
     void WriteStaged();
 
@@ -32,9 +35,11 @@ class FrameRuns {
     // A column is eight neighbouring channels of every frame.
     std::vector<std::size_t> m_channelOf;  ///< channel in lane 0 of each column
     std::vector<LaneExtremes> m_extremes;  ///< of the run under way, by column
+    std::vector<LaneExtremes> m_later;     ///< of a stretch that continues a run, by column
     std::vector<ExtremePair*> m_out;       ///< by slot = column x 8 + lane; null: not wanted
     std::vector<ExtremePair> m_staged;     ///< finished results, run by run, by slot
     std::size_t m_stagedRuns = 0;
+    FrameStretch m_stretch;
 };
 
 }  // namespace quillon::nsp

@@ -4,6 +4,8 @@
 #include <array>
 #include <bit>
 
+#include "nsp/SideBySide.h"
+
 namespace quillon::nsp {
 
 namespace {
@@ -196,6 +198,37 @@ void ReduceStretch(const std::int16_t* samples, std::size_t frames, bool carries
     }
 }
 
+namespace {
+
+/// 8 / Channels runs, frame by frame. The vectors of a run shorter than one vector reach past it.
+template <std::size_t Channels>
+LaneExtremes ReduceShortRuns(const std::int16_t* start, std::size_t run) {
+    constexpr std::size_t kTogether = kLanes / Channels;
+    LaneExtremes extremes{};
+    for (std::size_t frame = 0; frame < run; frame += kTogether) {
+        const std::size_t from = run < kTogether ? 0 : std::min(frame, run - kTogether);
+        __m128i v[kTogether];
+        for (std::size_t i = 0; i < kTogether; ++i) v[i] = LoadLanes(start + (i * run + from) * Channels);
+        TransposeFrames<Channels>(v);
+        if (frame == 0) extremes = LaneExtremes::Of(v[0]);
+        if (run >= kTogether) {
+            for (std::size_t i = 0; i < kTogether; ++i) extremes.Add(v[i]);
+        } else {
+            for (std::size_t i = 1; i < run; ++i) extremes.Add(v[i]);
+        }
+    }
+    return extremes;
+}
+
+template <std::size_t Channels>
+LaneExtremes ReduceLongRuns(const std::int16_t* start, std::size_t run) {
+    const std::int16_t* sources[kLanes / Channels];
+    for (std::size_t i = 0; i < kLanes / Channels; ++i) sources[i] = start + i * run * Channels;
+    return ReduceSideBySide<Channels>(sources, run * Channels);
+}
+
+}  // namespace
+
 template <std::size_t Channels>
 std::size_t ReduceRunsTogether(const std::int16_t* samples, std::size_t frames, std::size_t run,
                                std::span<ExtremePair* const> out) {
@@ -212,19 +245,8 @@ std::size_t ReduceRunsTogether(const std::int16_t* samples, std::size_t frames, 
         finished = done + kTogether;
         const std::int16_t* start = samples + done * step;
         for (std::size_t ahead = 0; ahead < kTogether * step; ahead += 32) PrefetchAhead(start + ahead);
-        LaneExtremes extremes{};
-        for (std::size_t frame = 0; frame < run; frame += kTogether) {
-            const std::size_t from = run < kTogether ? 0 : std::min(frame, run - kTogether);
-            __m128i v[kTogether];
-            for (std::size_t i = 0; i < kTogether; ++i) v[i] = LoadLanes(start + i * step + from * Channels);
-            TransposeFrames<Channels>(v);
-            if (frame == 0) extremes = LaneExtremes::Of(v[0]);
-            if (run >= kTogether) {
-                for (std::size_t i = 0; i < kTogether; ++i) extremes.Add(v[i]);
-            } else {
-                for (std::size_t i = 1; i < run; ++i) extremes.Add(v[i]);
-            }
-        }
+        const LaneExtremes extremes =
+            step < kLeastSideBySide ? ReduceShortRuns<Channels>(start, run) : ReduceLongRuns<Channels>(start, run);
         if constexpr (Channels == 1) {
             extremes.StorePairs(out[0] + done);
         } else {

@@ -21,7 +21,7 @@ std::size_t ReduceRunsTogether(const std::int16_t* samples, std::size_t frames, 
                                std::span<ExtremePair* const> out);
 
 /// From this run length on ReduceStretch, run by run, is the faster way.
-inline constexpr std::size_t kLongRunSamples = 192;
+inline constexpr std::size_t kLongRunSamples = 4096;
 
 /// Cuts pieces of frames into runs. `out[c]` moves on with every result of channel c; null: not wanted.
 template <std::size_t Channels>

@@ -5,6 +5,7 @@
 
 #include "nsp/PackedRuns.h"
 #include "nsp/RunReducer.h"
+#include "nsp/SideBySide.h"
 
 namespace quillon::nsp {
 
@@ -35,6 +36,11 @@ void AddStretch(const LaneSources& sources, std::size_t at, std::size_t count, L
     if (count < kLanes) {
         for (std::size_t sample = at; sample < at + count; ++sample) extremes.Add(GatherLanes(sources, sample));
         return;
+    }
+    if (count >= kLeastSideBySide) {
+        LaneSources from = sources;
+        for (const std::int16_t*& source : from) source += at;
+        return extremes.Add(ReduceSideBySide<1>(from.data(), count));
     }
     __m128i tile[kLanes];
     LaneExtremes running = extremes;

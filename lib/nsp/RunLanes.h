@@ -102,6 +102,15 @@ struct LaneExtremes {
         minimum = _mm_min_epi16(minimum, samples);
         order = _mm_andnot_si128(lower, _mm_or_si128(order, higher));
     }
+    /// Adds the extremes of the samples that follow.
+    void Add(const LaneExtremes& later) {
+        const __m128i higher = _mm_cmpgt_epi16(later.maximum, maximum);
+        const __m128i lower = _mm_cmpgt_epi16(minimum, later.minimum);
+        const __m128i one = _mm_andnot_si128(lower, _mm_or_si128(order, higher));
+        maximum = _mm_max_epi16(maximum, later.maximum);
+        minimum = _mm_min_epi16(minimum, later.minimum);
+        order = Select(_mm_and_si128(higher, lower), later.order, one);
+    }
     /// The results in drawing order: of lanes 0 to 3, then of lanes 4 to 7.
     void StorePairs(ExtremePair* pairs) const {
         static_assert(sizeof(ExtremePair) == 4 && offsetof(ExtremePair, second) == 2);

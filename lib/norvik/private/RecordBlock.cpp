@@ -110,10 +110,26 @@ void RecordBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t
 bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                 std::int32_t run, std::span<RunExtremes* const> out) {
     nsp::PlanarSetReducer reducer(run, out);
+    // Few channels are reduced many runs at a time, so their parts are joined until they hold as many.
+    constexpr std::size_t joined = 16384;
+    const bool join = channels.size() < 8 && m_layout.samplesPerRecord < joined / channels.size() / 2;
+    const std::size_t rowLength = join ? joined / channels.size() : 0;
+    std::vector<std::int16_t> rows(rowLength * channels.size());
+    std::vector<const std::int16_t*> rowStarts;
+    for (std::size_t at = 0; at < channels.size(); ++at) rowStarts.push_back(rows.data() + at * rowLength);
+    std::size_t filled = 0;
     VisitCodes(channels, first, count,
                [&](std::size_t, std::span<const std::int16_t* const> codes, std::size_t samples) {
-                   reducer.Feed(codes, samples);
+                   if (!join) return reducer.Feed(codes, samples);
+                   if (filled + samples > rowLength) {
+                       reducer.Feed(rowStarts, filled);
+                       filled = 0;
+                   }
+                   for (std::size_t at = 0; at < codes.size(); ++at)
+                       std::copy_n(codes[at], samples, rows.data() + at * rowLength + filled);
+                   filled += samples;
                });
+    reducer.Feed(rowStarts, filled);
     reducer.Finish();
     return true;
 }

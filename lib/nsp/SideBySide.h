@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "nsp/RunLanes.h"
+
+namespace quillon::nsp {
+
+/// Samples of each source that ReduceSideBySide needs at least.
+inline constexpr std::size_t kLeastSideBySide = 40;
+
+/// Extremes of 8 / Channels stretches of frames of 1, 2 or 4 channels, of the same length, at once: lane `source` x
+/// Channels + `channel`. `count` samples of each source, whole frames, kLeastSideBySide or more.
+template <std::size_t Channels>
+LaneExtremes ReduceSideBySide(const std::int16_t* const* sources, std::size_t count);
+
+extern template LaneExtremes ReduceSideBySide<1>(const std::int16_t* const*, std::size_t);
+extern template LaneExtremes ReduceSideBySide<2>(const std::int16_t* const*, std::size_t);
+extern template LaneExtremes ReduceSideBySide<4>(const std::int16_t* const*, std::size_t);
+
+}  // namespace quillon::nsp
