@@ -13,8 +13,7 @@ constexpr std::size_t kLanes = 8;
 constexpr std::size_t kGroupVectors = 5;
 constexpr std::size_t kGroup = kGroupVectors * kLanes;  // samples
 static_assert(kGroup == kLeastSideBySide);
-/// A longer stretch is reduced in parts, because groups are counted in 16 bits.
-constexpr std::size_t kPart = kGroup * LaneSearch::kMostGroups;
+static_assert(kMostSideBySide <= kGroup * LaneSearch::kMostGroups);
 
 /// Joins the lanes of each channel by `join`, two vectors at a time: half as many vectors with the same number of
 /// samples in them, in the order of the sources.
@@ -48,8 +47,10 @@ std::uint64_t PlacesOf(const std::int16_t* group, std::int16_t value) {
     return bits(found(0), found(1)) | bits(found(2), found(3)) << 16U | bits(found(4), _mm_setzero_si128()) << 32U;
 }
 
+}  // namespace
+
 template <std::size_t Channels>
-LaneExtremes ReducePart(const std::int16_t* const* sources, std::size_t count) {
+LaneExtremes ReduceSideBySide(const std::int16_t* const* sources, std::size_t count) {
     constexpr std::size_t kSources = kLanes / Channels;
     LaneSearch search{};
     // The last group overlaps the one before it: a sample seen twice changes nothing.
@@ -80,20 +81,6 @@ LaneExtremes ReducePart(const std::int16_t* const* sources, std::size_t count) {
         return std::countr_zero(PlacesOf(from, values.minimum) & wanted) <
                std::countr_zero(PlacesOf(from, values.maximum) & wanted);
     });
-}
-
-}  // namespace
-
-template <std::size_t Channels>
-LaneExtremes ReduceSideBySide(const std::int16_t* const* sources, std::size_t count) {
-    LaneExtremes extremes = ReducePart<Channels>(sources, std::min(count, kPart));
-    for (std::size_t done = kPart; done < count; done += kPart) {
-        const std::size_t at = std::min(done, count - kGroup);
-        const std::int16_t* rest[kLanes / Channels];
-        for (std::size_t i = 0; i < kLanes / Channels; ++i) rest[i] = sources[i] + at;
-        extremes.Add(ReducePart<Channels>(rest, std::min(count - at, kPart)));
-    }
-    return extremes;
 }
 
 template LaneExtremes ReduceSideBySide<1>(const std::int16_t* const*, std::size_t);

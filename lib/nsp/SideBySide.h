@@ -7,11 +7,12 @@
 
 namespace quillon::nsp {
 
-/// Samples of each source that ReduceSideBySide needs at least.
+/// Samples of each source that ReduceSideBySide takes.
 inline constexpr std::size_t kLeastSideBySide = 40;
+inline constexpr std::size_t kMostSideBySide = std::size_t{1} << 20U;
 
 /// Extremes of 8 / Channels stretches of frames of 1, 2 or 4 channels, of the same length, at once: lane `source` x
-/// Channels + `channel`. `count` samples of each source, whole frames, kLeastSideBySide or more.
+/// Channels + `channel`. `count` samples of each source, in whole frames.
 template <std::size_t Channels>
 LaneExtremes ReduceSideBySide(const std::int16_t* const* sources, std::size_t count);
 
