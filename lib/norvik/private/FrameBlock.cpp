@@ -1,9 +1,8 @@
 #include "norvik/private/FrameBlock.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <limits>
-#include <numeric>
 
 #include "base/LittleEndian.h"
 #include "base/Text.h"
@@ -14,41 +13,17 @@ namespace quillon {
 
 namespace {
 
-/// Whole numbers are kept exactly by this factor where floats hold what was recorded with 16 bits.
-constexpr double kSixteenBits = 32768.0;
-
-/// Calls use(read) with the function that reads one stored sample, so that loops over samples do not choose the kind.
-template <typename Use>
-void WithReader(SampleKind kind, const Use& use) {
-    switch (kind) {
-        case SampleKind::Unsigned8: return use([](const std::uint8_t* at) { return *at - 128; });
-        case SampleKind::Int16: return use([](const std::uint8_t* at) { return LeSigned16(at); });
-        case SampleKind::Int24: return use([](const std::uint8_t* at) { return LeSigned24(at); });
-        case SampleKind::Int32: return use([](const std::uint8_t* at) { return static_cast<std::int32_t>(Le32(at)); });
-        case SampleKind::Float32: return use([](const std::uint8_t* at) { return LeFloat(at); });
-        case SampleKind::Float64: return use([](const std::uint8_t* at) { return LeDouble(at); });
-    }
-}
-
 bool IsFloat(SampleKind kind) {
     return kind == SampleKind::Float32 || kind == SampleKind::Float64;
 }
 
-/// What has been seen of one channel's samples; undefined and infinite ones do not count.
-struct SeenSamples {
-    double minimum = std::numeric_limits<double>::infinity();
-    double maximum = -std::numeric_limits<double>::infinity();
-    bool sixteenBits = true;  ///< every sample is a multiple of 1/32768 within -1 and 1
-
-    void Add(double sample) {
-        if (!std::isfinite(sample)) return;
-        minimum = std::min(minimum, sample);
-        maximum = std::max(maximum, sample);
-        if (!sixteenBits) return;
-        const double code = sample * kSixteenBits;
-        sixteenBits = code >= -32768.0 && code <= 32767.0 && code == std::trunc(code);
-    }
-};
+/// Calls use(bytes, frames) for a piece of frames in parts of about kTileBytes.
+template <typename Use>
+void ForEachTile(const std::uint8_t* bytes, std::size_t frames, std::size_t frameBytes, const Use& use) {
+    const std::size_t tile = std::max<std::size_t>(kTileBytes / frameBytes, 8);
+    for (std::size_t done = 0; done < frames; done += tile)
+        use(bytes + done * frameBytes, std::min(tile, frames - done));
+}
 
 }  // namespace
 
@@ -97,15 +72,23 @@ void FrameBlock::Decode(std::size_t channel, const std::uint8_t* bytes, std::siz
                         std::size_t step) const {
     const std::size_t frameBytes = m_layout.frameBytes;
     const std::uint8_t* at = bytes + Place(channel);
-    const bool wide = IsWide(m_layout.kind);
-    const ChannelScaling scaling = wide ? m_scaling[channel] : ChannelScaling();
-    WithReader(m_layout.kind, [&](auto read) {
-        for (std::size_t frame = 0; frame < frames; ++frame, at += frameBytes, out += step) {
-            const auto sample = read(at);
-            *out = wide ? scaling.scale.Code(static_cast<double>(sample) * scaling.factor)
-                        : static_cast<std::int16_t>(sample);
+    if (IsWide(m_layout.kind)) {
+        const ChannelScaling& scaling = m_scaling[channel];
+        if (step == 1) return CodeSamples({m_layout.kind, at, frameBytes, frames}, scaling.factor, scaling.scale, out);
+        std::array<std::int16_t, 512> codes;
+        for (std::size_t done = 0; done < frames;) {
+            const std::size_t part = std::min(codes.size(), frames - done);
+            CodeSamples({m_layout.kind, at + done * frameBytes, frameBytes, part}, scaling.factor, scaling.scale,
+                        codes.data());
+            for (std::size_t i = 0; i < part; ++i, out += step) *out = codes[i];
+            done += part;
         }
-    });
+    } else if (m_layout.kind == SampleKind::Int16) {
+        for (std::size_t i = 0; i < frames; ++i, at += frameBytes, out += step) *out = LeSigned16(at);
+    } else {
+        for (std::size_t i = 0; i < frames; ++i, at += frameBytes, out += step)
+            *out = static_cast<std::int16_t>(*at - 128);
+    }
 }
 
 void FrameBlock::FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
@@ -171,16 +154,19 @@ void FrameBlock::ReduceStoredCodes(std::span<const std::size_t> channels, std::i
 
 void FrameBlock::ReduceDecoded(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                std::int32_t run, std::span<RunExtremes* const> out) {
-    std::vector<std::size_t> places(channels.size());
-    std::iota(places.begin(), places.end(), std::size_t{0});
-    nsp::FrameRunReducer reducer(channels.size(), places, run, out);
+    nsp::PlanarSetReducer reducer(run, out);
     std::vector<std::int16_t> codes;
+    std::vector<const std::int16_t*> rows(channels.size());
     ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
         codes.resize(frames * channels.size());
-        for (std::size_t at = 0; at < channels.size(); ++at) {
-            Decode(channels[at], bytes, frames, codes.data() + at, channels.size());
-        }
-        reducer.Feed(codes.data(), frames);
+        std::size_t done = 0;
+        ForEachTile(bytes, frames, m_layout.frameBytes, [&](const std::uint8_t* tile, std::size_t tileFrames) {
+            for (std::size_t at = 0; at < channels.size(); ++at)
+                Decode(channels[at], tile, tileFrames, codes.data() + at * frames + done, 1);
+            done += tileFrames;
+        });
+        for (std::size_t at = 0; at < channels.size(); ++at) rows[at] = codes.data() + at * frames;
+        reducer.Feed(rows, frames);
     });
     reducer.Finish();
 }
@@ -189,15 +175,10 @@ void FrameBlock::ChooseScales() {
     if (!IsWide(m_layout.kind)) return;
     std::vector<SeenSamples> seen(m_description.channels.size());
     const auto look = [&](const std::uint8_t* bytes, std::size_t frames) {
-        for (std::size_t channel = 0; channel < seen.size(); ++channel) {
-            const std::uint8_t* at = bytes + Place(channel);
-            SeenSamples& samples = seen[channel];
-            WithReader(m_layout.kind, [&](auto read) {
-                for (std::size_t frame = 0; frame < frames; ++frame, at += m_layout.frameBytes) {
-                    samples.Add(static_cast<double>(read(at)));
-                }
-            });
-        }
+        ForEachTile(bytes, frames, m_layout.frameBytes, [&](const std::uint8_t* tile, std::size_t tileFrames) {
+            for (std::size_t channel = 0; channel < seen.size(); ++channel)
+                seen[channel].Add({m_layout.kind, tile + Place(channel), m_layout.frameBytes, tileFrames});
+        });
     };
     try {
         ForEachPiece(0, m_description.sampleCount, look);

@@ -8,13 +8,10 @@
 #include "norvik/private/ByteSource.h"
 #include "norvik/private/FileBlock.h"
 #include "norvik/private/PieceBuffer.h"
+#include "norvik/private/WideSamples.h"
 #include "norvik/private/WideScale.h"
 
 namespace quillon {
-
-/// How one sample is stored; all little-endian. Unsigned8 gives the code sample - 128. Float samples are full scale
-/// at 1.
-enum class SampleKind { Unsigned8, Int16, Int24, Int32, Float32, Float64 };
 
 [[nodiscard]] std::size_t SampleBytes(SampleKind kind);
 /// True for the kinds that do not fit 16-bit codes as they are.

@@ -1,10 +1,9 @@
 #include "norvik/private/RecordBlock.h"
 
 #include <algorithm>
-#include <limits>
 #include <numeric>
 
-#include "base/LittleEndian.h"
+#include "norvik/private/WideSamples.h"
 #include "nsp/SplitFrames.h"
 
 namespace quillon {
@@ -16,21 +15,10 @@ RecordBlock::RecordBlock(BlockDescription description, const std::shared_ptr<Byt
 
 void RecordBlock::ChooseScales() {
     if (m_layout.sampleBytes == 2) return;
-    struct Extremes {
-        std::int32_t minimum = std::numeric_limits<std::int32_t>::max();
-        std::int32_t maximum = std::numeric_limits<std::int32_t>::min();
-    };
-    std::vector<Extremes> extremes(m_layout.offsets.size());
+    std::vector<SeenSamples> seen(m_layout.offsets.size());
     const auto visit = [&](std::uint64_t, std::span<const std::uint8_t* const> channels, std::size_t bytes) {
-        for (std::size_t channel = 0; channel < channels.size(); ++channel) {
-            Extremes found = extremes[channel];
-            for (std::size_t at = 0; at < bytes; at += 3) {
-                const std::int32_t sample = LeSigned24(channels[channel] + at);
-                found.minimum = std::min(found.minimum, sample);
-                found.maximum = std::max(found.maximum, sample);
-            }
-            extremes[channel] = found;
-        }
+        for (std::size_t channel = 0; channel < channels.size(); ++channel)
+            seen[channel].Add({SampleKind::Int24, channels[channel], 3, bytes / 3});
     };
     const auto samples = static_cast<std::uint64_t>(m_description.sampleCount);
     try {
@@ -39,10 +27,10 @@ void RecordBlock::ChooseScales() {
         // Use the samples scanned so far, so that the rest of a damaged file can be shown.
     }
     std::vector<WideScale> scales;
-    for (std::size_t channel = 0; channel < extremes.size(); ++channel) {
+    for (std::size_t channel = 0; channel < seen.size(); ++channel) {
         const RecordLayout::Units& units = m_layout.units[channel];
         const WideScale scale =
-            ChooseWideScale(extremes[channel].minimum, extremes[channel].maximum, true, units.perSample, units.offset);
+            ChooseWideScale(seen[channel].minimum, seen[channel].maximum, true, units.perSample, units.offset);
         m_description.channels[channel].scale = scale.scale;
         m_description.channels[channel].offset = scale.offset;
         scales.push_back(scale);
@@ -73,9 +61,8 @@ void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t
 
 const std::int16_t* RecordBlock::DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
                                             std::size_t place) {
-    const WideScale scale = m_wide[channel];
     std::int16_t* const codes = m_codes.data() + place;
-    for (std::size_t at = 0; at < samples; ++at) codes[at] = scale.Code(LeSigned24(bytes + at * 3));
+    CodeSamples({SampleKind::Int24, bytes, 3, samples}, 1.0, m_wide[channel], codes);
     return codes;
 }
 

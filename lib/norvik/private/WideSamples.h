@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "norvik/private/WideScale.h"
+
+namespace quillon {
+
+/// How one sample is stored; all little-endian. Unsigned8 gives the code sample - 128. Float samples are full scale
+/// at 1.
+enum class SampleKind { Unsigned8, Int16, Int24, Int32, Float32, Float64 };
+
+/// Whole numbers are kept exactly by this factor where floats hold what was recorded with 16 bits.
+inline constexpr double kSixteenBits = 32768.0;
+
+/// Samples of one channel, `step` bytes from one to the next.
+struct StoredSamples {
+    SampleKind kind = SampleKind::Int16;  ///< of those wider than 16 bits here
+    const std::uint8_t* first = nullptr;
+    std::size_t step = 0;
+    std::size_t count = 0;
+};
+
+/// Frames are taken by as many bytes at a time when one channel after the other is, as what the first channel has
+/// brought into the processor's cache then serves the others.
+inline constexpr std::size_t kTileBytes = 16384;
+
+/// What has been seen of one channel's samples; undefined and infinite ones do not count.
+struct SeenSamples {
+    double minimum = std::numeric_limits<double>::infinity();
+    double maximum = -std::numeric_limits<double>::infinity();
+    bool sixteenBits = true;  ///< of floats: every sample is a multiple of 1/32768 from -1 to below 1
+
+    void Add(const StoredSamples& samples);
+};
+
+/// codes[i] = scale.Code(sample i x factor).
+void CodeSamples(const StoredSamples& samples, double factor, const WideScale& scale, std::int16_t* codes);
+
+}  // namespace quillon
