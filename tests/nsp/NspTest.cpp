@@ -196,7 +196,7 @@ TEST(RunReducerTest, RunsOfFramesAndOfPlanarSetsAreThoseOfThePlainLoop) {
     for (std::size_t round = 0; round < 700; ++round) {
         const std::size_t kind = random() % 36;
         const std::size_t channels = kind < 33 ? kind + 1 : kind == 33 ? 40 : kind == 34 ? 64 : 1 + random() % 8;
-        const std::size_t lengths[] = {1 + random() % 12, 1 + random() % 300, 1000, 2000, 2001};
+        const std::size_t lengths[] = {1 + random() % 12, 1 + random() % 300, 1000, 2001, 4200};
         const std::size_t run = lengths[random() % (round % 2 == 0 ? 2 : std::size(lengths))];
         const std::size_t count = 1 + random() % (round % 5 == 0 ? 3000 : run * 3 + 40);
         std::vector<Codes> samples(channels);
@@ -239,6 +239,25 @@ TEST(RunReducerTest, RunsOfFramesAndOfPlanarSetsAreThoseOfThePlainLoop) {
                 << "channel " << channel << " of " << channels << ", run " << run << ", round " << round;
         }
     }
+}
+
+TEST(RunReducerTest, ExtremesFarApartInARunKeepTheirOrder) {
+    constexpr std::size_t frames = 800000;
+    constexpr std::size_t channels = 3;
+    Codes samples(frames * channels);
+    // More groups lie between them than 16 bits count.
+    const std::size_t places[] = {7, 790000};
+    for (std::size_t channel = 0; channel < 2; ++channel) {
+        samples[places[channel] * channels + channel] = 5;
+        samples[places[1 - channel] * channels + channel] = -5;
+    }
+    Results results(channels, 1);
+    std::vector<std::size_t> selected{0, 1, 2};
+    FrameRunReducer reducer(channels, selected, frames, results.out);
+    reducer.Feed(samples.data(), frames);
+    EXPECT_EQ(results.pairs[0][0], (ExtremePair{5, -5}));
+    EXPECT_EQ(results.pairs[1][0], (ExtremePair{-5, 5}));
+    EXPECT_EQ(results.pairs[2][0], (ExtremePair{0, 0}));
 }
 
 }  // namespace
