@@ -99,7 +99,7 @@ bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int3
     nsp::PlanarSetReducer reducer(run, out);
     // Few channels are reduced many runs at a time, so their parts are joined until they hold as many.
     constexpr std::size_t joined = 16384;
-    const bool join = channels.size() < 8 && m_layout.samplesPerRecord < joined / channels.size() / 2;
+    const bool join = run < 1000 && channels.size() < 8 && m_layout.samplesPerRecord < joined / channels.size() / 2;
     const std::size_t rowLength = join ? joined / channels.size() : 0;
     std::vector<std::int16_t> rows(rowLength * channels.size());
     std::vector<const std::int16_t*> rowStarts;
