@@ -102,7 +102,10 @@ namespace {
 
 void CheckBlock(RecordingBlock& block, std::int32_t most) {
     CheckDescription(block);
-    block.Prepare();
+    block.PrepareQuickly();
+    while (block.PrepareMore()) {
+    }
+    Require(!block.IsProvisional() && block.PreparedShare() == 1.0, "a finished pass is finished");
     const std::int32_t samples = block.SampleCount();
     const std::int32_t size = std::min(samples, most / block.ChannelCount());
     CheckRange(block, 0, size, 7);

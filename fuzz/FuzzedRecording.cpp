@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/Text.h"
+
 namespace quillon::fuzz {
 
 namespace {
@@ -34,6 +36,34 @@ class ShrinkingSource final : public ByteSource {
     std::size_t m_reads;
 };
 
+/// The answers about some blocks that pieces of reading may change.
+std::u16string Found(const RecordingContent& content) {
+    std::u16string found = content.info.english + Decimal(static_cast<std::int64_t>(content.blocks.size()));
+    for (const std::size_t at : BlocksToCheck(content)) {
+        const FileBlock& block = *content.blocks[at];
+        found += u'\n' + block.Title() + u' ' + Decimal(block.SampleCount()) + u' ' + Decimal(block.MarkCount());
+        for (std::int32_t mark = 1; mark <= std::min(block.MarkCount(), 100); ++mark)
+            found += u' ' + Decimal(block.MarkPosition(mark)) + block.MarkText(mark);
+    }
+    return found;
+}
+
+/// Reading in small pieces, in an order that `choice` decides, ends with what one pass finds.
+void CheckPieces(RecordingFile file, const RecordingContent& plain, std::uint32_t choice) {
+    file.budget = {.opening = choice % 5000, .step = 64};
+    RecordingContent content = ReadRecording(file);
+    std::size_t blocks = content.blocks.size();
+    for (bool more = content.readMore != nullptr; more;) {
+        choice = choice * 1664525U + 1013904223U;
+        const auto near = static_cast<std::int32_t>((choice >> 1) % 100000);
+        more = content.readMore(content, static_cast<std::int16_t>(choice >> 20), near);
+        Require(content.blocks.size() >= blocks, "blocks stay");
+        blocks = content.blocks.size();
+        static_cast<void>(content.blocks[choice % blocks]->MarkCount());
+    }
+    Require(Found(content) == Found(plain), "reading in pieces finds what one pass finds");
+}
+
 }  // namespace
 
 std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes) {
@@ -62,12 +92,15 @@ std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes) {
         return nullptr;
     };
     try {
-        const std::u16string name(names[choice[0] % names.size()]);
-        FuzzedRecording recording{ReadRecording({source, name, Companions(openCompanion)}), isLong, shrinks};
-        const RecordingContent& content = recording.content;
+        const RecordingFile opened{source, std::u16string(names[choice[0] % names.size()]), Companions(openCompanion)};
+        FuzzedRecording recording{ReadRecording(opened), isLong, shrinks};
+        RecordingContent& content = recording.content;
+        while (content.readMore && content.readMore(content, 1, 0)) {
+        }
         Require(!content.blocks.empty(), "a recording has a block");
         const bool described = content.info.english.starts_with(content.format) && !content.info.russian.empty();
         Require(!content.format.empty() && described, "a recording is described");
+        if (!shrinks) CheckPieces(opened, content, bytes.empty() ? 0U : bytes[bytes.size() / 2] * 65537U);
         return recording;
     } catch (const FormatError& error) {
         Require(!error.Reason().english.empty() && !error.Reason().russian.empty(), "a refusal has a reason");

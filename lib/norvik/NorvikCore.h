@@ -21,8 +21,8 @@ using RunExtremes = nsp::ExtremePair;
 /// One block: a stretch of simultaneous sampling of up to 32 acquisition channels at one rate.
 /// The physical value of a sample is code x ChannelScale + ChannelOffset, in the channel's unit.
 ///
-/// What describes the block costs nothing. Its scales, offsets and samples are there once Prepare was called; a block
-/// of a file throws std::logic_error where they are asked for without it, whether or not there was anything to prepare.
+/// What describes the block costs nothing. Its scales, offsets and samples are there once it is prepared; a block of a
+/// file throws std::logic_error where they are asked for before, whether or not there was anything to prepare.
 class RecordingBlock {
   public:
     virtual ~RecordingBlock() = default;
@@ -32,8 +32,15 @@ class RecordingBlock {
     /// block to use its samples calls it; who only lists blocks does not. Samples that cannot be read are left out of
     /// account.
     virtual void Prepare() {}
-
+    /// As Prepare, but reads about 2 MiB at most: wide samples get provisional scales, from stretches spread over the
+    /// block, that leave room for twice what was seen; codes of samples beyond are clamped.
+    virtual void PrepareQuickly() { Prepare(); }
+    /// The next piece (about 1 MiB) of the pass that Prepare makes; returns whether more is left. The scales change at
+    /// the end only, to those of Prepare, which may be called at any time to finish the pass.
+    virtual bool PrepareMore() { return false; }
     [[nodiscard]] virtual bool IsProvisional() const { return false; }
+    /// Share of that pass that is done, 0 to 1.
+    [[nodiscard]] virtual double PreparedShare() const { return 1.0; }
 
     /// May be empty.
     [[nodiscard]] virtual std::u16string Title() const = 0;
@@ -62,8 +69,6 @@ class RecordingBlock {
     /// Sample index, 0 to SampleCount-1.
     [[nodiscard]] virtual std::int32_t MarkPosition(std::int32_t mark) const = 0;
     [[nodiscard]] virtual std::u16string MarkText(std::int32_t mark) const = 0;
-
-    // Further functions for the exporters, playback and drawing.
 
     /// Name of the acquisition device; may be empty.
     [[nodiscard]] virtual std::u16string DeviceName() const = 0;
@@ -109,6 +114,19 @@ class Recording {
     [[nodiscard]] virtual std::int16_t BlockCount() const = 0;
     /// Reads nothing: the block is not prepared. Throws std::out_of_range for a number outside 1 .. BlockCount.
     [[nodiscard]] virtual std::shared_ptr<RecordingBlock> GetBlock(std::int16_t number) = 0;
+    /// Reads the next piece (about 1 MiB) of what opening left out, first what lies near a sample of a block; returns
+    /// whether more is left. Marks of the blocks grow, blocks are added, and the last one grows: GetBlock then gives a
+    /// new object, and the old one stays as it was. Titles of stretches may change until the end. Where the file cannot
+    /// be read, what was found stays, and FileInfo tells up to where.
+    virtual bool ReadMore(std::int16_t /*block*/, std::int32_t /*nearSample*/) { return false; }
+    /// Share that is read, 0 to 1.
+    [[nodiscard]] virtual double ReadShare() const { return 1.0; }
+    /// Counts changes of blocks, marks and FileInfo.
+    [[nodiscard]] virtual std::int32_t Version() const { return 0; }
+    /// Reads all that is left.
+    void Complete() {
+        for (bool more = true; more;) more = ReadMore(1, 0);
+    }
 };
 
 /// Opens recordings; one instance lives as long as the process.

@@ -29,6 +29,11 @@ class FileRecording final : public Recording {
         if (number < 1 || number > BlockCount()) throw std::out_of_range("a block outside the recording");
         return m_content.blocks[static_cast<std::size_t>(number) - 1];
     }
+    bool ReadMore(std::int16_t block, std::int32_t nearSample) override {
+        return m_content.readMore && m_content.readMore(m_content, block, nearSample);
+    }
+    [[nodiscard]] double ReadShare() const override { return m_content.share; }
+    [[nodiscard]] std::int32_t Version() const override { return m_content.version; }
 
   private:
     std::u16string m_fileName;

@@ -9,6 +9,7 @@ namespace quillon::cli {
 
 OpenFile::OpenFile(const std::u16string& file, Language language) : m_library(MakeRecordingLibrary(language)) {
     if (!m_library->OpenRecording(file, m_recording)) throw Refusal(m_library->LastErrorText());
+    m_recording->Complete();
 }
 
 OpenFile::~OpenFile() {

@@ -11,6 +11,13 @@
 
 namespace quillon {
 
+namespace {
+
+/// More marks than these are loaded again only after a further tenth of the recording.
+constexpr std::size_t kFewMarks = 20000;
+
+}  // namespace
+
 bool Document::IsOpen(const std::u16string& path, const FileStamp& stamp) const {
     if (path == m_file.fileName) return true;
     if (LowerCase(path) != LowerCase(m_file.fileName)) return false;
@@ -104,30 +111,95 @@ void Document::LoadBlock(std::int16_t index) {
         Resume([&] { m_block.block = m_file.recording->GetBlock(static_cast<std::int16_t>(index + 1)); });
         if (m_block.block) m_file.currentBlockIndex = index;
     }
+    FillBlock();
+}
+
+void Document::FillBlock() {
     RecordingBlock* const block = m_block.block.get();
     if (block == nullptr) return;
-    Resume([&] { block->Prepare(); });
+    Resume([&] { block->PrepareQuickly(); });
     Resume([&] { m_block.sampleCount = block->SampleCount(); });
     Resume([&] { m_block.sampleRate = block->SampleRate(); });
     Resume([&] { m_block.startTime = block->StartTime(); });
     Resume([&] { m_block.channelCount = block->ChannelCount(); });
     const auto channels = static_cast<std::size_t>(std::max<std::int16_t>(m_block.channelCount, 0));
     m_block.channelNumbers.resize(channels);
-    m_block.invScale.resize(channels);
-    m_block.offsets.resize(channels);
     for (std::size_t channel = 1; channel <= channels; ++channel) LoadChannel(static_cast<std::int16_t>(channel));
+    LoadScales();
     Resume([&] { LoadMarks(); });
+}
+
+void Document::LoadScales() {
+    const RecordingBlock& block = *m_block.block;
+    const auto channels = static_cast<std::size_t>(std::max<std::int16_t>(m_block.channelCount, 0));
+    m_block.invScale.assign(channels, 0.0F);
+    m_block.offsets.assign(channels, 0.0F);
+    for (std::size_t at = 0; at < channels; ++at) {
+        const auto channel = static_cast<std::int16_t>(at + 1);
+        Resume([&] {
+            // A scale of 0 has no reciprocal: the entry stays 0, and such a channel is drawn as a straight line.
+            if (const float scale = block.ChannelScale(channel); scale != 0.0F) m_block.invScale[at] = 1.0F / scale;
+        });
+        Resume([&] { m_block.offsets[at] = block.ChannelOffset(channel); });
+    }
+}
+
+PrepareStep Document::PrepareMore() {
+    if (m_block.block == nullptr) return PrepareStep::Done;
+    const bool provisional = m_block.block->IsProvisional();
+    bool more = false;
+    Resume([&] { more = m_block.block->PrepareMore(); });
+    if (more) return PrepareStep::More;
+    if (!provisional) return PrepareStep::Done;
+    const std::vector<float> invScale = m_block.invScale;
+    const std::vector<float> offsets = m_block.offsets;
+    LoadScales();
+    return invScale == m_block.invScale && offsets == m_block.offsets ? PrepareStep::Done : PrepareStep::DoneRescaled;
+}
+
+ReadStep Document::ReadMore(std::int32_t nearSample) {
+    ReadStep step;
+    if (m_file.recording == nullptr) return step;
+    Recording& recording = *m_file.recording;
+    const auto number = static_cast<std::int16_t>(m_file.currentBlockIndex + 1);
+    const auto firstTitle = [&] {
+        std::u16string title;
+        if (m_file.blockCount > 0) Resume([&] { title = recording.GetBlock(1)->Title(); });
+        return title;
+    };
+    const std::u16string title = firstTitle();
+    const std::int32_t version = recording.Version();
+    Resume([&] { step.more = recording.ReadMore(std::max<std::int16_t>(number, 1), nearSample); });
+    if (recording.Version() != version) {
+        step.infoChanged = m_file.fileInfo != recording.FileInfo();
+        m_file.fileInfo = recording.FileInfo();
+        step.blocksChanged = m_file.blockCount != recording.BlockCount();
+        m_file.blockCount = recording.BlockCount();
+        // Stretches are told apart by their times: where one title gets longer, all do.
+        step.titlesChanged = title != firstTitle();
+    }
+    if (number < 1 || number > m_file.blockCount || recording.Version() == m_marksVersion) return step;
+    std::shared_ptr<RecordingBlock> block;
+    Resume([&] { block = recording.GetBlock(number); });
+    if (block == nullptr) return step;
+    const bool grown = block != m_block.block;
+    if (grown && (!step.more || std::int64_t{4} * block->SampleCount() >= std::int64_t{5} * m_block.sampleCount)) {
+        m_block = ViewBlock{};
+        m_block.block = std::move(block);
+        FillBlock();
+        step.grown = step.marksChanged = true;
+    } else if (!step.more || m_block.marks.size() <= kFewMarks || recording.ReadShare() >= m_marksShare + 0.1) {
+        const std::size_t before = m_block.marks.size();
+        Resume([&] { LoadMarks(); });
+        step.marksChanged = m_block.marks.size() != before;
+    }
+    return step;
 }
 
 void Document::LoadChannel(std::int16_t channel) {
     RecordingBlock& block = *m_block.block;
     const auto at = static_cast<std::size_t>(channel) - 1;
     Resume([&] { m_block.channelNumbers[at] = block.ChannelNumber(channel); });
-    Resume([&] {
-        // A scale of 0 has no reciprocal: the entry stays 0, and such a channel is drawn as a straight line.
-        if (const float scale = block.ChannelScale(channel); scale != 0.0F) m_block.invScale[at] = 1.0F / scale;
-    });
-    Resume([&] { m_block.offsets[at] = block.ChannelOffset(channel); });
     ChannelSlot* const slot = Slot(channel);
     if (slot == nullptr) return;
     slot->title.clear();
@@ -138,6 +210,10 @@ void Document::LoadChannel(std::int16_t channel) {
 }
 
 void Document::LoadMarks() {
+    if (m_file.recording) {
+        m_marksVersion = m_file.recording->Version();
+        m_marksShare = m_file.recording->ReadShare();
+    }
     const std::int32_t marks = m_block.block->MarkCount();
     m_block.marks.resize(static_cast<std::size_t>(std::max(marks, 0)));
     for (std::size_t mark = 0; mark < m_block.marks.size(); ++mark) {

@@ -16,6 +16,19 @@ namespace quillon {
 /// A flag for every channel slot.
 using ChannelFlags = std::bitset<kSlotCount>;
 
+/// What a step of the pass over the loaded block has done.
+enum class PrepareStep { More, Done, DoneRescaled };
+
+/// What a step of reading the rest of the open recording has changed.
+struct ReadStep {
+    bool more = false;
+    bool marksChanged = false;   ///< of the loaded block; they were loaded anew
+    bool blocksChanged = false;  ///< there are more; File().blockCount is set
+    bool titlesChanged = false;  ///< of all blocks
+    bool infoChanged = false;    ///< File().fileInfo is set
+    bool grown = false;          ///< the loaded block has more samples and was loaded again
+};
+
 /// The open recording, its loaded block, the channels that are shown and the current channel, to which single-channel
 /// commands apply. There are no change notifications: the caller knows what it has changed.
 ///
@@ -40,9 +53,16 @@ class Document {
     bool OpenFile(const std::u16string& path, const FileStamp& stamp);
     /// Sets the no-file state and closes the recording.
     void CloseCurrentFile();
-    /// Loads and prepares the block at a position from 0; -1: none. Library failures are not reported: every step runs,
-    /// and a failed one leaves its field empty. The first channel becomes the current one, and a solo ends.
+    /// Loads the block at a position from 0 and prepares it quickly; -1: none. Library failures are not reported: every
+    /// step runs, and a failed one leaves its field empty. The first channel becomes the current one, and a solo ends.
     void LoadBlock(std::int16_t index);
+    /// Makes the next step of the pass that finds the final scales of the loaded block. They are taken over when it
+    /// ends; what was drawn or computed from codes before is then to be made anew where they differ.
+    PrepareStep PrepareMore();
+    /// Reads on in a recording that opening did not read completely, first near a sample of the loaded block. Solo, the
+    /// shown channels and the current one stay. A block that grows is loaded again, and many marks are loaded, only
+    /// from time to time, so that a step stays short.
+    ReadStep ReadMore(std::int32_t nearSample);
     /// The lines of the block list: title or, where it is empty, start time, a tab, the number from 1.
     [[nodiscard]] std::vector<std::u16string> BlockTitles() const;
 
@@ -72,6 +92,8 @@ class Document {
     [[nodiscard]] ChannelFlags ShownFlags() const;
     void SetShown(const ChannelFlags& shown);
     void Adopt(std::shared_ptr<Recording> recording, std::int16_t block);
+    void FillBlock();
+    void LoadScales();
     void LoadChannel(std::int16_t channel);
     void LoadMarks();
 
@@ -82,6 +104,8 @@ class Document {
     ChannelSlots m_slots;
     std::int16_t m_currentChannel = 1;
     std::optional<ChannelFlags> m_shownBeforeSolo;
+    std::int32_t m_marksVersion = 0;  ///< of the recording when the marks were loaded
+    double m_marksShare = 0.0;        ///< that was read of it then
     std::u16string m_lastPath;
     FileStamp m_stamp;  ///< of m_lastPath, from just before it was opened
     FileStamp m_seen;   ///< stamp at the last check that found a change

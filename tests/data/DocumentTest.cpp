@@ -11,6 +11,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using namespace ::quillon::testing;
+using namespace std::string_literals;
 
 class DocumentTest : public ::testing::Test {
   protected:
@@ -170,6 +171,71 @@ TEST_F(DocumentTest, LoadingReadsChannelsSlotsAndMarks) {
     block->titles = {u"", u""};
     Open(u"two.fake", {block});
     EXPECT_EQ(m_document.Slots()[0].title, u"Канал 1");
+}
+
+TEST_F(DocumentTest, FinalScalesAreTakenOverWhenThePassEnds) {
+    auto block = Block(u"b");
+    block->scales = {0.25F, 0.5F};
+    block->provisional = {2.0F, 0.5F};
+    block->stepsLeft = 3;
+    Open(u"one.fake", {block, Block(u"other")});
+    EXPECT_THAT(m_block.invScale, ElementsAre(0.5F, 2.0F));
+    for (int step = 0; step < 2; ++step) EXPECT_EQ(m_document.PrepareMore(), PrepareStep::More);
+    EXPECT_THAT(m_block.invScale, ElementsAre(0.5F, 2.0F));
+    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::DoneRescaled);
+    EXPECT_THAT(m_block.invScale, ElementsAre(4.0F, 2.0F));
+    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::Done);
+    block->provisional = block->scales;
+    block->stepsLeft = 1;
+    m_document.LoadBlock(0);
+    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::Done) << "the first guess was right";
+    m_document.CloseCurrentFile();
+    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::Done);
+}
+
+TEST_F(DocumentTest, WhatOpeningLeftOutIsTakenOverAsItIsRead) {
+    const auto second = Block(u"second");
+    Open(u"one.fake", {Block(u"first"), second});
+    FakeRecording& recording = *m_library.files[u"C:\\data\\one.fake"];
+    m_document.LoadBlock(1);
+    m_document.ChooseChannel(2);
+    m_document.Solo(std::int16_t{2});
+    auto grown = Block(u"second");
+    grown->samples = {{1, 2, 3, 4}, {4, 5, 6, 7}};
+    grown->marks = {};
+    recording.steps = {[&] { recording.blocks[0]->title = u"first of three"; },
+                       [&] { recording.blocks[1] = grown, recording.blocks.push_back(Block(u"third")); },
+                       [&] {
+                           second->marks.insert(second->marks.begin(), {1, u"earlier"});
+                       },
+                       [] {}};
+    const auto told = [](const ReadStep& step) {
+        std::string text;
+        for (const auto& [is, name] : {std::pair(step.more, "more"),
+                                       {step.marksChanged, "marks"},
+                                       {step.blocksChanged, "blocks"},
+                                       {step.titlesChanged, "titles"},
+                                       {step.infoChanged, "info"},
+                                       {step.grown, "grown"}})
+            text += is ? name + " "s : "";
+        return text;
+    };
+    EXPECT_EQ(told(m_document.ReadMore(7)), "more ");
+    EXPECT_EQ(recording.asked.back(), std::pair(std::int16_t{2}, 7));
+    EXPECT_EQ(told(m_document.ReadMore(7)), "more marks ");
+    ASSERT_EQ(m_block.marks.size(), 2U);
+    EXPECT_EQ(m_block.marks[0].text, u"earlier");
+    EXPECT_EQ(told(m_document.ReadMore(7)), "more marks blocks grown ");
+    EXPECT_EQ(m_block.sampleCount, 4);
+    EXPECT_EQ(m_block.marks.size(), 0U);
+    EXPECT_EQ(m_file.blockCount, 3);
+    EXPECT_EQ(m_file.currentBlockIndex, 1);
+    EXPECT_EQ(m_document.CurrentChannel(), 2);
+    EXPECT_EQ(Shown(), "0111") << "the solo goes on";
+    EXPECT_EQ(told(m_document.ReadMore(7)), "titles ");
+    EXPECT_EQ(told(m_document.ReadMore(7)), "");
+    m_document.CloseCurrentFile();
+    EXPECT_EQ(told(m_document.ReadMore(7)), "");
 }
 
 TEST_F(DocumentTest, AFailingCallLeavesItsFieldEmptyAndTheLoadGoesOn) {

@@ -81,7 +81,12 @@ TEST(EdfReader, UnreadableAnnotationsLoseNoSamplesWhereThereAreNoGaps) {
     EXPECT_THAT(Utf8(content.info.english), ::testing::HasSubstr("annotations read up to record "));
     // Where there may be, they tell the times of the samples.
     file.reserved = "EDF+D";
-    EXPECT_THROW(ReadEdf(std::make_shared<FailingSource>(file.Bytes(), 500000)), ReadError);
+    const RecordingContent cut = ReadEdf(std::make_shared<FailingSource>(file.Bytes(), 500000));
+    ASSERT_EQ(cut.blocks.size(), 1U);
+    EXPECT_EQ(cut.blocks[0]->SampleCount(), 240000) << "times of the others are not known";
+    EXPECT_THAT(Marks(*cut.blocks[0]), ElementsAre("20000 first", "30000 second"));
+    EXPECT_THAT(Utf8(cut.info.english), ::testing::HasSubstr("read up to record 6, the others left out"));
+    EXPECT_THROW(ReadEdf(std::make_shared<FailingSource>(file.Bytes(), 80000)), ReadError) << "not even the first";
 }
 
 TEST(EdfReader, OnsetsWithinHalfASampleOfTheFastestSignalAreNoGap) {

@@ -29,7 +29,18 @@ class FakeBlock : public RecordingBlock {
     std::vector<std::string> failing;
     std::int32_t holeFrom = 0, holeTo = 0;  ///< samples from 0 that cannot be read, the second one outside
 
-    void Prepare() override { Ask("Prepare"); }
+    void Prepare() override { Ask("Prepare"), stepsLeft = 0, provisional = {}; }
+    /// Provisional scales and the steps of the pass that ends with `scales`.
+    std::vector<float> provisional;
+    int stepsLeft = 0;
+    void PrepareQuickly() override {
+        if (provisional.empty()) Prepare();
+    }
+    bool PrepareMore() override {
+        if (stepsLeft > 0 && --stepsLeft == 0) provisional = {};
+        return stepsLeft > 0;
+    }
+    bool IsProvisional() const override { return !provisional.empty(); }
     std::u16string Title() const override { return Ask("Title"), title; }
     double StartTime() const override { return Ask("StartTime"), start; }
     double SampleRate() const override { return Ask("SampleRate"), rate; }
@@ -49,7 +60,9 @@ class FakeBlock : public RecordingBlock {
     }
     std::u16string ChannelUnit(std::int16_t) const override { return Ask("ChannelUnit"), u"V"; }
     float ChannelScale(std::int16_t channel) const override {
-        return Ask("ChannelScale"), scales.empty() ? 0.5F : scales.at(Index(channel));
+        Ask("ChannelScale");
+        if (!provisional.empty()) return provisional.at(Index(channel));
+        return scales.empty() ? 0.5F : scales.at(Index(channel));
     }
     float ChannelOffset(std::int16_t channel) const override {
         return Ask("ChannelOffset"), static_cast<float>(channel);
@@ -124,6 +137,18 @@ class FakeRecording : public Recording {
   public:
     std::u16string name;
     std::vector<std::shared_ptr<FakeBlock>> blocks;
+    std::vector<std::function<void()>> steps;  ///< what ReadMore does, the last one first
+    std::int32_t version = 0;
+    std::vector<std::pair<std::int16_t, std::int32_t>> asked;  ///< of ReadMore
+    bool ReadMore(std::int16_t block, std::int32_t nearSample) override {
+        asked.emplace_back(block, nearSample);
+        if (steps.empty()) return false;
+        ++version;
+        steps.back()();
+        steps.pop_back();
+        return !steps.empty();
+    }
+    std::int32_t Version() const override { return version; }
     std::u16string FileName() const override { return name; }
     std::u16string FormatName() const override { return u"FAKE"; }
     std::u16string FileInfo() const override { return u"fake"; }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quillon {
@@ -27,6 +28,7 @@ class EdfAnnotations {
 
     /// In the order of the file.
     [[nodiscard]] const std::vector<EdfAnnotation>& All() const { return m_all; }
+    [[nodiscard]] std::vector<EdfAnnotation> Take() { return std::move(m_all); }
     [[nodiscard]] std::size_t Malformed() const { return m_malformed; }
     /// True when there were more than memory is given for (some millions); the rest was left out.
     [[nodiscard]] bool LimitReached() const { return m_limitReached; }
@@ -48,8 +50,8 @@ class EdfAnnotations {
 /// Seconds as annotations tell them: a sign, digits and at most one point. Nothing beyond some 300 years is accepted.
 [[nodiscard]] std::optional<double> ParseOnset(std::string_view text);
 
-/// Memory that the annotations of a file, and the marks of all its blocks, may take at most, in bytes. A damaged file
-/// could otherwise take many times its own size.
+/// Memory that the annotations of a file may take at most, in bytes. A damaged file could otherwise take many times its
+/// own size.
 inline constexpr std::size_t kAnnotationMemory = 1U << 28;
 
 }  // namespace quillon

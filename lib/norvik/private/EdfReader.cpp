@@ -1,14 +1,13 @@
 #include "norvik/private/EdfReader.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <map>
-#include <numeric>
-#include <set>
+#include <stdexcept>
 
-#include "base/DateTime.h"
 #include "base/Text.h"
+#include "norvik/private/EdfMarks.h"
+#include "norvik/private/EdfScan.h"
 #include "norvik/private/EdfTimeline.h"
 #include "norvik/private/RecordBlock.h"
 
@@ -16,13 +15,36 @@ namespace quillon {
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
-
 /// Signals that form blocks together: at one rate, and of 32 that follow each other in the file.
 struct SignalGroup {
     std::vector<std::size_t> signals;  ///< indexes in EdfHeader::signals
     std::u16string title;              ///< what tells it from the other groups; empty for the only one
+    std::shared_ptr<const RecordLayout> layout;
+    std::shared_ptr<const std::vector<ChannelDescription>> channels;
 };
+
+void DescribeChannels(const EdfHeader& header, SignalGroup& group) {
+    const auto layout = std::make_shared<RecordLayout>();
+    const auto channels = std::make_shared<std::vector<ChannelDescription>>();
+    layout->recordBytes = header.recordBytes;
+    layout->samplesPerRecord = header.signals[group.signals.front()].samplesPerRecord;
+    layout->sampleBytes = header.sampleBytes;
+    for (const std::size_t ordinal : group.signals) {
+        const EdfSignal& signal = header.signals[ordinal];
+        ChannelDescription channel;
+        channel.number = static_cast<std::int16_t>(ordinal % kBlockChannels);
+        channel.inputNumber = static_cast<std::int16_t>(ordinal + 1);
+        channel.title = signal.label;
+        channel.unit = signal.unit;
+        channel.scale = static_cast<float>(signal.unitsPerSample);
+        channel.offset = static_cast<float>(signal.unitsOffset);
+        channels->push_back(std::move(channel));
+        layout->offsets.push_back(signal.offset);
+        layout->units.push_back({signal.unitsPerSample, signal.unitsOffset});
+    }
+    group.layout = layout;
+    group.channels = channels;
+}
 
 std::vector<SignalGroup> GroupSignals(const EdfHeader& header) {
     // The second key keeps channel numbers, which are ordinals modulo 32, unique in a block.
@@ -40,6 +62,7 @@ std::vector<SignalGroup> GroupSignals(const EdfHeader& header) {
         groups[entry->second].signals.push_back(at);
     }
     for (SignalGroup& group : groups) {
+        DescribeChannels(header, group);
         const std::uint64_t samples = header.signals[group.signals.front()].samplesPerRecord;
         if (groupsOfRate.size() > 1) {
             group.title = PlainNumber(static_cast<double>(samples) / header.recordSeconds) + u" Hz";
@@ -55,118 +78,112 @@ std::vector<SignalGroup> GroupSignals(const EdfHeader& header) {
     return groups;
 }
 
-double StretchStart(const EdfHeader& header, const EdfStretch& stretch) {
-    return header.startDate + stretch.onset / kSecondsPerDay;
-}
+/// What the blocks of a file share, and what reads the rest of its annotations.
+struct EdfFile {
+    EdfFile(const std::shared_ptr<ByteSource>& from, EdfHeader read, std::uint64_t stepBytes)
+        : source(from),
+          header(std::move(read)),
+          groups(GroupSignals(header)),
+          // Blocks are counted in 16 bits.
+          timeline(header, static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()) / groups.size()),
+          scan(source, header, timeline, marks, stepBytes) {}
 
-/// Texts that tell the stretches apart: the time of day of their starts, as short as it can be.
-std::vector<std::u16string> StretchTitles(const EdfHeader& header, const std::vector<EdfStretch>& stretches) {
-    std::vector<std::u16string> titles(stretches.size());
-    if (stretches.size() == 1) return titles;
-    const auto time = [&](const EdfStretch& stretch, bool date, bool milliseconds) {
-        std::string text = Iso8601(StretchStart(header, stretch));
-        const std::size_t dateEnd = text.find('T');
-        text[dateEnd] = ' ';
-        if (!milliseconds) text.resize(text.find('.'));
-        return Utf16(date ? text : text.substr(dateEnd + 1));
-    };
-    const bool dated = header.startDate != 0.0;
-    for (const bool milliseconds : {false, true}) {
-        for (const bool date : {false, true}) {
-            if (date && !dated) continue;
-            std::set<std::u16string> seen;
-            for (std::size_t at = 0; at < stretches.size(); ++at) {
-                titles[at] = time(stretches[at], date, milliseconds);
-                seen.insert(titles[at]);
-            }
-            if (seen.size() == titles.size()) return titles;
-        }
-    }
-    for (std::size_t at = 0; at < titles.size(); ++at) {
-        titles[at] = time(stretches[at], false, false) + u" (" + Decimal(static_cast<std::int64_t>(at + 1)) + u")";
-    }
-    return titles;
-}
-
-/// Hands out the annotations that fall into blocks as their marks.
-class MarkPlacer {
-  public:
-    explicit MarkPlacer(const std::vector<EdfAnnotation>& annotations)
-        : m_annotations(annotations), m_byOnset(annotations.size()) {
-        std::iota(m_byOnset.begin(), m_byOnset.end(), std::size_t{0});
-        std::stable_sort(m_byOnset.begin(), m_byOnset.end(),
-                         [&](std::size_t a, std::size_t b) { return annotations[a].onset < annotations[b].onset; });
-    }
-
-    /// Marks of a block that starts at `onset`, in order of position and, at one position, of the file.
-    [[nodiscard]] std::vector<MarkDescription> Marks(double onset, double rate, std::int32_t sampleCount) {
-        // Wider than the block by a sample on either side; the rounded position decides.
-        const auto before = [&](std::size_t index, double time) { return m_annotations[index].onset < time; };
-        const auto from = std::lower_bound(m_byOnset.begin(), m_byOnset.end(), onset - 1.0 / rate, before);
-        const auto to = std::lower_bound(from, m_byOnset.end(), onset + (sampleCount + 1.0) / rate, before);
-        std::vector<std::pair<std::int32_t, std::size_t>> found;
-        for (auto index = from; index != to; ++index) {
-            const double position = std::nearbyint((m_annotations[*index].onset - onset) * rate);
-            if (position < 0.0 || position >= sampleCount) continue;
-            m_bytes += sizeof(MarkDescription) + m_annotations[*index].text.size() * sizeof(char16_t);
-            m_limitReached = m_limitReached || m_bytes > kAnnotationMemory;
-            if (m_limitReached) break;
-            found.emplace_back(static_cast<std::int32_t>(position), *index);
-        }
-        std::sort(found.begin(), found.end());
-        std::vector<MarkDescription> marks;
-        marks.reserve(found.size());
-        for (const auto& [position, index] : found) marks.push_back({position, m_annotations[index].text});
-        return marks;
-    }
-
-    /// True when marks were left out because they took too much memory.
-    [[nodiscard]] bool LimitReached() const { return m_limitReached; }
-
-  private:
-    const std::vector<EdfAnnotation>& m_annotations;
-    std::vector<std::size_t> m_byOnset;
-    std::size_t m_bytes = 0;
-    bool m_limitReached = false;
+    std::shared_ptr<ByteSource> source;
+    EdfHeader header;
+    std::vector<SignalGroup> groups;
+    EdfTimeline timeline;
+    EdfMarks marks;
+    EdfScan scan;
+    std::int32_t knownMarks = 0;  ///< version of the marks at the last Update
 };
 
-std::shared_ptr<FileBlock> MakeBlock(const std::shared_ptr<ByteSource>& source, const EdfHeader& header,
-                                     const EdfStretch& stretch, const SignalGroup& group,
-                                     const std::u16string& stretchTitle, MarkPlacer& placer) {
-    const std::uint64_t samplesPerRecord = header.signals[group.signals.front()].samplesPerRecord;
-    RecordLayout layout;
-    layout.start = header.dataStart + stretch.firstRecord * header.recordBytes;
-    layout.recordBytes = header.recordBytes;
-    layout.samplesPerRecord = samplesPerRecord;
-    layout.sampleBytes = header.sampleBytes;
-    BlockDescription block;
-    block.title = stretchTitle;
-    if (!stretchTitle.empty() && !group.title.empty()) block.title += u", ";
-    block.title += group.title;
-    block.deviceName = header.deviceName;
-    block.blockName = header.blockName;
-    block.startTime = StretchStart(header, stretch);
-    block.sampleRate = static_cast<double>(samplesPerRecord) / header.recordSeconds;
-    block.sampleCount = static_cast<std::int32_t>(stretch.records * samplesPerRecord);
-    for (const std::size_t ordinal : group.signals) {
-        const EdfSignal& signal = header.signals[ordinal];
-        ChannelDescription channel;
-        channel.number = static_cast<std::int16_t>(ordinal % kBlockChannels);
-        channel.inputNumber = static_cast<std::int16_t>(ordinal + 1);
-        channel.title = signal.label;
-        channel.unit = signal.unit;
-        channel.scale = static_cast<float>(signal.unitsPerSample);
-        channel.offset = static_cast<float>(signal.unitsOffset);
-        block.channels.push_back(std::move(channel));
-        layout.offsets.push_back(signal.offset);
-        layout.units.push_back({signal.unitsPerSample, signal.unitsOffset});
+/// A stretch of the signals of one group.
+class EdfBlock final : public RecordBlock {
+  public:
+    EdfBlock(std::shared_ptr<EdfFile> file, std::size_t stretch, const SignalGroup& group)
+        : RecordBlock(
+              Describe(*file, stretch, group), file->source,
+              file->header.dataStart + file->timeline.Stretches()[stretch].firstRecord * file->header.recordBytes,
+              group.layout),
+          m_file(std::move(file)),
+          m_stretch(stretch) {}
+
+    [[nodiscard]] std::u16string Title() const override {
+        std::u16string title = m_file->timeline.Title(m_stretch);
+        if (!title.empty() && !m_description.title.empty()) title += u", ";
+        return title + m_description.title;
     }
-    block.marks = std::make_shared<const std::vector<MarkDescription>>(
-        placer.Marks(stretch.onset, block.sampleRate, block.sampleCount));
-    return std::make_shared<RecordBlock>(std::move(block), source, std::move(layout));
+    [[nodiscard]] std::int32_t MarkCount() const override { return static_cast<std::int32_t>(Marks().size()); }
+    [[nodiscard]] std::int32_t MarkPosition(std::int32_t mark) const override { return Mark(mark).position; }
+    [[nodiscard]] std::u16string MarkText(std::int32_t mark) const override { return m_file->marks.Text(Mark(mark)); }
+
+  private:
+    static BlockDescription Describe(const EdfFile& file, std::size_t stretch, const SignalGroup& group) {
+        const EdfStretch& of = file.timeline.Stretches()[stretch];
+        BlockDescription block;
+        block.title = group.title;
+        block.deviceName = file.header.deviceName;
+        block.blockName = file.header.blockName;
+        block.startTime = file.timeline.StartOf(of);
+        block.sampleRate = static_cast<double>(group.layout->samplesPerRecord) / file.header.recordSeconds;
+        block.sampleCount = static_cast<std::int32_t>(of.records * group.layout->samplesPerRecord);
+        block.channels = group.channels;
+        return block;
+    }
+    [[nodiscard]] const std::vector<EdfMarks::Mark>& Marks() const {
+        return m_file->marks.Of(m_file->timeline.Stretches()[m_stretch].onset, SampleRate(), SampleCount());
+    }
+    [[nodiscard]] const EdfMarks::Mark& Mark(std::int32_t mark) const {
+        if (mark < 1 || mark > MarkCount()) throw std::out_of_range("a mark outside the block");
+        return Marks()[static_cast<std::size_t>(mark) - 1];
+    }
+
+    std::shared_ptr<EdfFile> m_file;
+    std::size_t m_stretch;
+};
+
+std::vector<Bilingual> Notes(const EdfFile& file) {
+    std::vector<Bilingual> notes;
+    const auto number = [](std::uint64_t count) { return Decimal(static_cast<std::int64_t>(count)); };
+    const bool discontinuous = file.header.discontinuous;
+    if (file.scan.Readable() < file.header.records) {
+        notes.push_back(discontinuous ? Say(u"times of the records read up to record %1, the others left out",
+                                            u"время записей прочитано до записи %1, остальные пропущены",
+                                            {number(file.scan.Readable())})
+                                      : Say(u"annotations read up to record %1 only",
+                                            u"аннотации прочитаны до записи %1", {number(file.scan.Readable())}));
+    }
+    if (discontinuous && file.scan.WithoutOnset() > 0) {
+        notes.push_back(Say(u"%1 records without an onset taken as gapless",
+                            u"записей без времени начала: %1, приняты за непрерывные",
+                            {number(file.scan.WithoutOnset())}));
+    }
+    if (discontinuous && file.header.annotations.empty()) {
+        notes.push_back(
+            Say(u"no annotation signal, taken as gapless", u"нет сигнала аннотаций, принят за непрерывный"));
+    }
+    const std::vector<EdfStretch>& stretches = file.timeline.Stretches();
+    if (stretches.size() > 1) {
+        notes.push_back(Say(u"%1 stretches", u"участков: %1", {number(stretches.size())}));
+    }
+    if (file.timeline.Full()) {
+        notes.push_back(Say(u"too many stretches, read up to record %1",
+                            u"слишком много участков, прочитано записей: %1",
+                            {number(stretches.back().firstRecord + stretches.back().records)}));
+    }
+    if (file.scan.Malformed() > 0) {
+        notes.push_back(Say(u"%1 damaged annotations left out", u"пропущено повреждённых аннотаций: %1",
+                            {number(file.scan.Malformed())}));
+    }
+    if (file.marks.LimitReached()) {
+        notes.push_back(Say(u"too many annotations, the first %1 read", u"слишком много аннотаций, прочитаны первые %1",
+                            {number(file.marks.Count())}));
+    }
+    return notes;
 }
 
-Bilingual Describe(const EdfHeader& header, const std::vector<Bilingual>& timelineNotes) {
+Bilingual Describe(const EdfFile& file) {
+    const EdfHeader& header = file.header;
     const std::size_t signals = header.signals.size();
     Bilingual info = Say(signals == 1 ? u"%1, %2 signal" : u"%1, %2 signals", u"%1, сигналов: %2",
                          {header.format, Decimal(static_cast<std::int64_t>(signals))});
@@ -175,7 +192,8 @@ Bilingual Describe(const EdfHeader& header, const std::vector<Bilingual>& timeli
             {Decimal(static_cast<std::int64_t>(header.records)), PlainNumber(header.recordSeconds)});
     info.english += records.english;
     info.russian += records.russian;
-    for (const std::vector<Bilingual>* notes : {&header.notes, &timelineNotes}) {
+    const std::vector<Bilingual> found = Notes(file);
+    for (const std::vector<Bilingual>* notes : {&header.notes, &found}) {
         for (const Bilingual& note : *notes) {
             info.english += u"; " + note.english;
             info.russian += u"; " + note.russian;
@@ -184,29 +202,56 @@ Bilingual Describe(const EdfHeader& header, const std::vector<Bilingual>& timeli
     return info;
 }
 
+/// Adds the blocks of stretches that were found since, and makes those of the last one anew where it has grown.
+bool UpdateBlocks(const std::shared_ptr<EdfFile>& file, RecordingContent& content) {
+    const std::vector<EdfStretch>& stretches = file->timeline.Stretches();
+    const std::size_t groups = file->groups.size();
+    std::size_t made = content.blocks.size() / groups;
+    if (made > 0) {
+        const std::uint64_t records = stretches[made - 1].records;
+        const std::uint64_t samples = records * file->groups.back().layout->samplesPerRecord;
+        if (samples != static_cast<std::uint64_t>(content.blocks.back()->SampleCount())) --made;
+    }
+    if (made == stretches.size()) return false;
+    content.blocks.resize(made * groups);
+    for (; made < stretches.size(); ++made) {
+        for (const SignalGroup& group : file->groups)
+            content.blocks.push_back(std::make_shared<EdfBlock>(file, made, group));
+    }
+    return true;
+}
+
+/// Takes over what a step has found.
+void Update(const std::shared_ptr<EdfFile>& file, RecordingContent& content) {
+    content.share = file->scan.Share();
+    Bilingual info = Describe(*file);
+    const bool marks = file->marks.Version() != file->knownMarks;
+    file->knownMarks = file->marks.Version();
+    const bool changed = info.english != content.info.english;
+    content.info = std::move(info);
+    if (UpdateBlocks(file, content) || marks || changed) ++content.version;
+}
+
 }  // namespace
 
-RecordingContent ReadEdf(const std::shared_ptr<ByteSource>& source) {
-    const EdfHeader header = ReadEdfHeader(*source);
-    const std::vector<SignalGroup> groups = GroupSignals(header);
-    // Blocks are counted in 16 bits.
-    const std::size_t maxBlocks = static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max());
-    EdfTimeline timeline = ReadEdfTimeline(source, header, maxBlocks / groups.size());
-    const std::vector<std::u16string> stretchTitles = StretchTitles(header, timeline.stretches);
-    MarkPlacer placer(timeline.annotations.All());
+RecordingContent ReadEdf(const std::shared_ptr<ByteSource>& source, const ReadBudget& budget) {
+    const auto file = std::make_shared<EdfFile>(source, ReadEdfHeader(*source), budget.step);
+    bool more = true;
+    while (more && file->scan.BytesRead() < budget.opening) more = file->scan.Step(0);
     RecordingContent content;
-    for (std::size_t stretch = 0; stretch < timeline.stretches.size(); ++stretch) {
-        for (const SignalGroup& group : groups) {
-            content.blocks.push_back(
-                MakeBlock(source, header, timeline.stretches[stretch], group, stretchTitles[stretch], placer));
-        }
-    }
-    if (placer.LimitReached()) {
-        timeline.notes.push_back(
-            Say(u"too many marks, the last ones left out", u"слишком много меток, последние пропущены"));
-    }
-    content.format = header.format;
-    content.info = Describe(header, timeline.notes);
+    content.format = file->header.format;
+    Update(file, content);
+    if (!more) return content;
+    content.readMore = [file](RecordingContent& to, std::int16_t block, std::int32_t nearSample) {
+        const std::size_t groups = file->groups.size();
+        const std::vector<EdfStretch>& stretches = file->timeline.Stretches();
+        const std::size_t at = block < 1 ? 0 : static_cast<std::size_t>(block) - 1;
+        const std::uint64_t record =
+            static_cast<std::uint64_t>(std::max(nearSample, 0)) / file->groups[at % groups].layout->samplesPerRecord;
+        const bool left = file->scan.Step(stretches[std::min(at / groups, stretches.size() - 1)].firstRecord + record);
+        Update(file, to);
+        return left;
+    };
     return content;
 }
 

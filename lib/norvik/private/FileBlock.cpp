@@ -6,13 +6,22 @@
 
 namespace quillon {
 
+namespace {
+
+/// Part of a piece that one stretch of the quick scan takes: 32 KiB.
+constexpr std::int32_t kStretchesPerPiece = 32;
+/// The samples that provisional scales have room for, as a multiple of what was seen.
+constexpr double kHeadroom = 2.0;
+
+}  // namespace
+
 FileBlock::FileBlock(BlockDescription description) : m_description(std::move(description)) {}
 
 const ChannelDescription& FileBlock::Channel(std::int16_t channel) const {
-    if (channel < 1 || static_cast<std::size_t>(channel) > m_description.channels.size()) {
+    if (channel < 1 || static_cast<std::size_t>(channel) > Channels()) {
         throw std::out_of_range("a channel outside the block");
     }
-    return m_description.channels[static_cast<std::size_t>(channel) - 1];
+    return (*m_description.channels)[static_cast<std::size_t>(channel) - 1];
 }
 
 const MarkDescription& FileBlock::Mark(std::int32_t mark) const {
@@ -29,17 +38,76 @@ void FileBlock::CheckRange(std::int32_t first, std::int32_t count) const {
 }
 
 void FileBlock::RequirePrepared() const {
-    if (!m_prepared) throw std::logic_error("the block is not prepared");
+    if (m_scales == Scales::None) throw std::logic_error("the block is not prepared");
 }
 
 void FileBlock::Prepare() {
-    if (m_prepared) return;
-    ChooseScales();
-    m_prepared = true;
+    while (PrepareMore()) {
+    }
+}
+
+void FileBlock::PrepareQuickly() {
+    if (m_scales != Scales::None) return;
+    const std::int64_t samples = m_description.sampleCount;
+    const std::int64_t stretch = std::max(SamplesPerPiece() / kStretchesPerPiece, 1);
+    const std::int64_t stretches = QuickStretches();
+    if (!HasWideSamples() || samples <= stretch * stretches) return Prepare();
+    try {
+        // A pass that was begun has seen enough, and must not lose its account.
+        for (std::int64_t at = 0; at < stretches && m_scanned == 0; ++at) {
+            Scan(static_cast<std::int32_t>((samples - stretch) * at / (stretches - 1)),
+                 static_cast<std::int32_t>(stretch));
+        }
+    } catch (const ReadError&) {
+        // As in the pass.
+    }
+    ChooseScales(kHeadroom);
+    m_scales = Scales::Provisional;
+}
+
+bool FileBlock::PrepareMore() {
+    if (m_scales == Scales::Final) return false;
+    const std::int32_t left = HasWideSamples() ? m_description.sampleCount - m_scanned : 0;
+    if (left > 0) {
+        const std::int32_t count = std::min(SamplesPerPiece(), left);
+        try {
+            Scan(m_scanned, count);
+        } catch (const ReadError&) {
+            // Use the samples scanned so far, so that the rest of a damaged file can be shown.
+            EndPass();
+            return false;
+        }
+        m_scanned += count;
+        if (count < left) return true;
+    }
+    EndPass();
+    return false;
+}
+
+void FileBlock::EndPass() {
+    if (HasWideSamples()) ChooseScales(1.0);
+    m_scales = Scales::Final;
+}
+
+double FileBlock::PreparedShare() const {
+    if (m_scales == Scales::Final || !HasWideSamples() || m_description.sampleCount == 0) return 1.0;
+    return static_cast<double>(m_scanned) / static_cast<double>(m_description.sampleCount);
+}
+
+void FileBlock::SetScale(std::size_t channel, const WideScale& scale) {
+    m_wideScales.resize(Channels());
+    m_wideScales[channel] = {scale.scale, scale.offset};
+}
+
+FileBlock::ValueScale FileBlock::Scale(std::int16_t channel) const {
+    const ChannelDescription& description = Channel(channel);
+    RequirePrepared();
+    if (m_wideScales.empty()) return {description.scale, description.offset};
+    return m_wideScales[static_cast<std::size_t>(channel) - 1];
 }
 
 std::int16_t FileBlock::ChannelCount() const {
-    return static_cast<std::int16_t>(m_description.channels.size());
+    return static_cast<std::int16_t>(Channels());
 }
 
 std::int16_t FileBlock::ChannelNumber(std::int16_t channel) const {
@@ -55,13 +123,11 @@ std::u16string FileBlock::ChannelUnit(std::int16_t channel) const {
 }
 
 float FileBlock::ChannelScale(std::int16_t channel) const {
-    RequirePrepared();
-    return Channel(channel).scale;
+    return Scale(channel).scale;
 }
 
 float FileBlock::ChannelOffset(std::int16_t channel) const {
-    RequirePrepared();
-    return Channel(channel).offset;
+    return Scale(channel).offset;
 }
 
 std::int32_t FileBlock::ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {
@@ -75,16 +141,14 @@ std::int32_t FileBlock::ReadCodes(std::int16_t channel, std::int32_t first, std:
 std::int32_t FileBlock::ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) {
     static_cast<void>(Channel(channel));
     CheckRange(first, count);
-    RequirePrepared();
-    const ChannelDescription& description = Channel(channel);
+    const ValueScale scale = Scale(channel);
     std::array<std::int16_t, 8192> codes;
     const auto piece = static_cast<std::int32_t>(codes.size());
     for (std::int32_t done = 0; done < count;) {
         const std::int32_t size = std::min(piece, count - done);
         FetchCodes(static_cast<std::size_t>(channel) - 1, first + done, size, codes.data());
         for (std::int32_t at = 0; at < size; ++at) {
-            buffer[done + at] =
-                static_cast<float>(codes[static_cast<std::size_t>(at)]) * description.scale + description.offset;
+            buffer[done + at] = static_cast<float>(codes[static_cast<std::size_t>(at)]) * scale.scale + scale.offset;
         }
         done += size;
     }
@@ -110,14 +174,14 @@ std::int16_t FileBlock::InputNumber(std::int16_t channel) const {
 std::int32_t FileBlock::ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
     CheckRange(first, count);
     RequirePrepared();
-    if (count > 0 && !m_description.channels.empty()) FetchFrames(first, count, buffer);
+    if (count > 0 && Channels() > 0) FetchFrames(first, count, buffer);
     return 0;
 }
 
 std::int32_t FileBlock::ReadRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
     CheckRange(first, count);
     RequirePrepared();
-    if (count > 0 && !m_description.channels.empty()) FetchRows(first, count, buffer);
+    if (count > 0 && Channels() > 0) FetchRows(first, count, buffer);
     return 0;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -8,6 +9,7 @@
 #include "base/Bilingual.h"
 #include "norvik/NorvikCore.h"
 #include "norvik/private/ByteSource.h"
+#include "norvik/private/WideScale.h"
 
 namespace quillon {
 
@@ -39,7 +41,7 @@ struct BlockDescription {
     double startTime = 0.0;
     double sampleRate = 0.0;
     std::int32_t sampleCount = 0;
-    std::vector<ChannelDescription> channels;
+    std::shared_ptr<const std::vector<ChannelDescription>> channels;  ///< blocks of many stretches share them
     /// In order of position; the blocks of one stretch share them. Null: none.
     std::shared_ptr<const std::vector<MarkDescription>> marks;
 };
@@ -52,7 +54,11 @@ class FileBlock : public RecordingBlock {
     explicit FileBlock(BlockDescription description);
 
     void Prepare() final;
-    [[nodiscard]] std::u16string Title() const final { return m_description.title; }
+    void PrepareQuickly() final;
+    bool PrepareMore() final;
+    [[nodiscard]] bool IsProvisional() const final { return m_scales == Scales::Provisional; }
+    [[nodiscard]] double PreparedShare() const final;
+    [[nodiscard]] std::u16string Title() const override { return m_description.title; }
     [[nodiscard]] double StartTime() const final { return m_description.startTime; }
     [[nodiscard]] double SampleRate() const final { return m_description.sampleRate; }
     [[nodiscard]] std::int32_t SampleCount() const final { return m_description.sampleCount; }
@@ -64,9 +70,9 @@ class FileBlock : public RecordingBlock {
     [[nodiscard]] float ChannelOffset(std::int16_t channel) const final;
     std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
     std::int32_t ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) final;
-    [[nodiscard]] std::int32_t MarkCount() const final;
-    [[nodiscard]] std::int32_t MarkPosition(std::int32_t mark) const final;
-    [[nodiscard]] std::u16string MarkText(std::int32_t mark) const final;
+    [[nodiscard]] std::int32_t MarkCount() const override;
+    [[nodiscard]] std::int32_t MarkPosition(std::int32_t mark) const override;
+    [[nodiscard]] std::u16string MarkText(std::int32_t mark) const override;
     [[nodiscard]] std::u16string DeviceName() const final { return m_description.deviceName; }
     [[nodiscard]] std::u16string BlockName() const final { return m_description.blockName; }
     [[nodiscard]] std::int16_t InputNumber(std::int16_t channel) const final;
@@ -83,18 +89,45 @@ class FileBlock : public RecordingBlock {
     /// `channels` is not empty. Every sample of the range is reduced as RecordingBlock::ColumnExtremes says.
     virtual bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                std::int32_t run, std::span<RunExtremes* const> out) = 0;
-    /// Called once, before anything is fetched: a reader of wide samples sets their scales and offsets here.
-    virtual void ChooseScales() {}
+    // A reader of wide samples gives them their scales by what it has seen of them.
+
+    [[nodiscard]] virtual bool HasWideSamples() const { return false; }
+    /// Takes account of a range of samples, and forgets earlier ones where it begins at sample 0. Where one cannot be
+    /// read it throws ReadError, with those before it taken account of.
+    virtual void Scan([[maybe_unused]] std::int32_t first, [[maybe_unused]] std::int32_t count) {}
+    /// Sets all scales by what was scanned. `headroom` times what was seen fits into the codes.
+    virtual void ChooseScales([[maybe_unused]] double headroom) {}
+    /// How many stretches of 1/32 of a piece are scanned for provisional scales.
+    [[nodiscard]] virtual std::int32_t QuickStretches() const { return 64; }
+    void SetScale(std::size_t channel, const WideScale& scale);
+    [[nodiscard]] std::size_t Channels() const { return m_description.channels->size(); }
 
     BlockDescription m_description;
 
   private:
+    enum class Scales { None, Provisional, Final };
+    struct ValueScale {
+        float scale = 1.0F;
+        float offset = 0.0F;
+    };
+
     void RequirePrepared() const;
+    [[nodiscard]] ValueScale Scale(std::int16_t channel) const;
+    /// Finishes the pass: its scales are the final ones.
+    void EndPass();
     [[nodiscard]] const ChannelDescription& Channel(std::int16_t channel) const;
     [[nodiscard]] const MarkDescription& Mark(std::int32_t mark) const;
     void CheckRange(std::int32_t first, std::int32_t count) const;
 
-    bool m_prepared = false;
+    Scales m_scales = Scales::None;
+    std::int32_t m_scanned = 0;            ///< samples of every channel that the pass has seen
+    std::vector<ValueScale> m_wideScales;  ///< per channel, where samples are wide
+};
+
+/// How much of a file is read at once, in bytes, before it can be used and by each call of readMore.
+struct ReadBudget {
+    std::uint64_t opening = std::uint64_t{4} << 20;
+    std::uint64_t step = 4 * kPieceBytes;
 };
 
 /// What a reader makes of a file.
@@ -102,6 +135,11 @@ struct RecordingContent {
     std::u16string format;  ///< short name, without a comma ("EDF+C")
     Bilingual info;         ///< one line: format, size, oddities ("EDF+C, 11 signals, 600 records of 1 s")
     std::vector<std::shared_ptr<FileBlock>> blocks;  ///< at least one
+    /// Reads the next piece of what opening left out into this content, as Recording::ReadMore; empty where nothing was
+    /// left out.
+    std::function<bool(RecordingContent& content, std::int16_t block, std::int32_t nearSample)> readMore{};
+    double share = 1.0;        ///< that is read
+    std::int32_t version = 0;  ///< counts changes
 };
 
 }  // namespace quillon

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 
 #include "base/LittleEndian.h"
 #include "base/Text.h"
@@ -50,6 +51,16 @@ double FullScaleUnit(SampleKind kind) {
 
 FrameBlock::FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description)
     : FileBlock(std::move(description)), m_source(std::move(source)), m_layout(layout) {}
+
+std::int32_t FrameBlock::SamplesPerPiece() const {
+    constexpr std::size_t piece = 4 * kPieceBytes;
+    return static_cast<std::int32_t>(std::max<std::size_t>(piece / m_layout.frameBytes, 1));
+}
+
+std::int32_t FrameBlock::QuickStretches() const {
+    constexpr std::size_t bytes = 8 * kPieceBytes;
+    return static_cast<std::int32_t>(std::clamp<std::size_t>(bytes / m_layout.frameBytes, 8, 64));
+}
 
 std::size_t FrameBlock::Place(std::size_t channel) const {
     return (m_layout.firstChannel + channel) * SampleBytes(m_layout.kind);
@@ -99,7 +110,7 @@ void FrameBlock::FetchCodes(std::size_t channel, std::int32_t first, std::int32_
 }
 
 void FrameBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
-    const std::size_t channels = m_description.channels.size();
+    const std::size_t channels = Channels();
     if (m_layout.kind == SampleKind::Int16 && m_layout.frameBytes == 2 * channels) {
         const std::uint64_t offset = m_layout.dataOffset + static_cast<std::uint64_t>(first) * m_layout.frameBytes;
         return m_source->ReadExactly(offset, buffer, static_cast<std::size_t>(count) * m_layout.frameBytes);
@@ -113,7 +124,7 @@ void FrameBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_
 }
 
 void FrameBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
-    const std::size_t channels = m_description.channels.size();
+    const std::size_t channels = Channels();
     const auto rowLength = static_cast<std::size_t>(count);
     ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
         if (m_layout.kind == SampleKind::Int16) {
@@ -171,32 +182,29 @@ void FrameBlock::ReduceDecoded(std::span<const std::size_t> channels, std::int32
     reducer.Finish();
 }
 
-void FrameBlock::ChooseScales() {
-    if (!IsWide(m_layout.kind)) return;
-    std::vector<SeenSamples> seen(m_description.channels.size());
-    const auto look = [&](const std::uint8_t* bytes, std::size_t frames) {
+void FrameBlock::Scan(std::int32_t first, std::int32_t count) {
+    if (first == 0) m_seen.clear();
+    m_seen.resize(Channels());
+    ForEachPiece(first, count, [&](const std::uint8_t* bytes, std::size_t frames) {
         ForEachTile(bytes, frames, m_layout.frameBytes, [&](const std::uint8_t* tile, std::size_t tileFrames) {
-            for (std::size_t channel = 0; channel < seen.size(); ++channel)
-                seen[channel].Add({m_layout.kind, tile + Place(channel), m_layout.frameBytes, tileFrames});
+            for (std::size_t channel = 0; channel < m_seen.size(); ++channel)
+                m_seen[channel].Add({m_layout.kind, tile + Place(channel), m_layout.frameBytes, tileFrames});
         });
-    };
-    try {
-        ForEachPiece(0, m_description.sampleCount, look);
-    } catch (const ReadError&) {
-        // Use the samples scanned so far, so that the rest of a damaged file can be shown.
-    }
-    std::vector<ChannelScaling> scaling(seen.size());
-    for (std::size_t channel = 0; channel < seen.size(); ++channel) {
-        const bool recast = IsFloat(m_layout.kind) && seen[channel].sixteenBits;
+    });
+}
+
+void FrameBlock::ChooseScales(double headroom) {
+    m_seen.resize(Channels());
+    m_scaling.resize(m_seen.size());
+    for (std::size_t channel = 0; channel < m_seen.size(); ++channel) {
+        const bool recast = IsFloat(m_layout.kind) && m_seen[channel].sixteenBits;
         const double factor = recast ? kSixteenBits : 1.0;
         const WideScale scale =
-            ChooseWideScale(seen[channel].minimum * factor, seen[channel].maximum * factor,
-                            recast || !IsFloat(m_layout.kind), FullScaleUnit(m_layout.kind) / factor, 0.0);
-        scaling[channel] = {factor, scale};
-        m_description.channels[channel].scale = scale.scale;
-        m_description.channels[channel].offset = scale.offset;
+            ChooseWideScale(m_seen[channel].minimum * factor, m_seen[channel].maximum * factor,
+                            recast || !IsFloat(m_layout.kind), FullScaleUnit(m_layout.kind) / factor, 0.0, headroom);
+        m_scaling[channel] = {factor, scale};
+        SetScale(channel, scale);
     }
-    m_scaling = std::move(scaling);
 }
 
 namespace {
@@ -233,6 +241,12 @@ std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<By
     const std::uint64_t mostStretches = std::max<std::uint64_t>(32767 / std::max<std::size_t>(groups, 1), 1);
     const std::uint64_t stretches =
         std::clamp<std::uint64_t>((recording.frameCount + longest - 1) / longest, 1, mostStretches);
+    std::vector<std::shared_ptr<const std::vector<ChannelDescription>>> channelsOfGroup;
+    for (std::size_t channel = 0; channel < channels; channel += kBlockChannels) {
+        const auto first = recording.channels.begin() + static_cast<std::ptrdiff_t>(channel);
+        const auto size = static_cast<std::ptrdiff_t>(std::min(kBlockChannels, channels - channel));
+        channelsOfGroup.push_back(std::make_shared<const std::vector<ChannelDescription>>(first, first + size));
+    }
     std::vector<std::shared_ptr<FileBlock>> blocks;
     for (std::uint64_t stretch = 0; stretch < stretches; ++stretch) {
         const std::uint64_t first = stretch * longest;
@@ -248,8 +262,7 @@ std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<By
         for (std::size_t channel = 0; channel < channels; channel += kBlockChannels) {
             const std::size_t end = std::min(channel + kBlockChannels, channels);
             description.title = BlockTitle(stretch, stretches, channel, end, channels);
-            description.channels.assign(recording.channels.begin() + static_cast<std::ptrdiff_t>(channel),
-                                        recording.channels.begin() + static_cast<std::ptrdiff_t>(end));
+            description.channels = channelsOfGroup[channel / kBlockChannels];
             layout.firstChannel = channel;
             blocks.push_back(std::make_shared<FrameBlock>(source, layout, description));
         }

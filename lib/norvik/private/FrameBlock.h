@@ -27,13 +27,14 @@ struct FrameLayout {
     std::size_t firstChannel = 0;  ///< place in the frame of the block's first channel; the others follow
 };
 
-/// A block of frames: some consecutive channels of every frame. Wide samples get their scales from one pass over the
+/// A block of frames: some consecutive channels of every frame. Wide samples get their scales from a pass over the
 /// block; nothing else reads more than the samples asked for.
 class FrameBlock final : public FileBlock {
   public:
     FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description);
 
     [[nodiscard]] bool FramesAreCheap() const override { return true; }
+    [[nodiscard]] std::int32_t SamplesPerPiece() const override;
 
   private:
     void FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
@@ -41,7 +42,10 @@ class FrameBlock final : public FileBlock {
     void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
     bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
                        std::span<RunExtremes* const> out) override;
-    void ChooseScales() override;
+    [[nodiscard]] bool HasWideSamples() const override { return IsWide(m_layout.kind); }
+    void Scan(std::int32_t first, std::int32_t count) override;
+    void ChooseScales(double headroom) override;
+    [[nodiscard]] std::int32_t QuickStretches() const override;
 
     /// Calls use(bytes, frames) for consecutive pieces of whole frames.
     using UsePiece = std::function<void(const std::uint8_t* bytes, std::size_t frames)>;
@@ -64,6 +68,7 @@ class FrameBlock final : public FileBlock {
 
     std::shared_ptr<ByteSource> m_source;
     FrameLayout m_layout;
+    std::vector<SeenSamples> m_seen;        ///< of wide kinds, by channel: what Scan has seen
     std::vector<ChannelScaling> m_scaling;  ///< of wide kinds; empty until they are chosen
     PieceBuffer m_piece;
 };

@@ -24,7 +24,7 @@ RecordingContent ReadWaveFile(const RecordingFile& file) {
 }
 
 RecordingContent ReadEdfFile(const RecordingFile& file) {
-    return ReadEdf(file.source);
+    return ReadEdf(file.source, file.budget);
 }
 
 constexpr std::array<FileType, 4> kFileTypes{{

@@ -17,6 +17,7 @@ struct RecordingFile {
     std::shared_ptr<ByteSource> source;
     std::u16string name;         ///< with or without its folder
     Companions companions = {};  ///< the files beside it
+    ReadBudget budget = {};
 };
 
 struct TypeName {

@@ -8,42 +8,62 @@
 
 namespace quillon {
 
-RecordBlock::RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, RecordLayout layout)
-    : FileBlock(std::move(description)),
-      m_layout(std::move(layout)),
-      m_records(source, m_layout.start, m_layout.recordBytes) {}
+namespace {
 
-void RecordBlock::ChooseScales() {
-    if (m_layout.sampleBytes == 2) return;
-    std::vector<SeenSamples> seen(m_layout.offsets.size());
+constexpr std::uint64_t kStepBytes = 4 * kPieceBytes;
+/// Larger records are read in parts, with a seek for each.
+constexpr std::uint64_t kLargeRecord = 32768;
+
+}  // namespace
+
+RecordBlock::RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, std::uint64_t start,
+                         std::shared_ptr<const RecordLayout> layout)
+    : FileBlock(std::move(description)), m_layout(std::move(layout)), m_records(source, start, m_layout->recordBytes) {}
+
+std::int32_t RecordBlock::SamplesPerPiece() const {
+    const std::uint64_t record = std::max<std::uint64_t>(m_layout->recordBytes, 1);
+    // The samples of a record take at least 2 bytes each, so that no product overflows.
+    const std::uint64_t samples =
+        record <= kStepBytes
+            ? kStepBytes / record * m_layout->samplesPerRecord
+            : static_cast<std::uint64_t>(static_cast<double>(m_layout->samplesPerRecord) *
+                                         (static_cast<double>(kStepBytes) / static_cast<double>(record)));
+    return static_cast<std::int32_t>(std::max<std::uint64_t>(samples, 1));
+}
+
+std::int32_t RecordBlock::QuickStretches() const {
+    return m_layout->recordBytes <= kLargeRecord ? 64 : 16;
+}
+
+void RecordBlock::Scan(std::int32_t first, std::int32_t count) {
+    if (first == 0) m_seen.clear();
+    m_seen.resize(Channels());
     const auto visit = [&](std::uint64_t, std::span<const std::uint8_t* const> channels, std::size_t bytes) {
-        for (std::size_t channel = 0; channel < channels.size(); ++channel)
-            seen[channel].Add({SampleKind::Int24, channels[channel], 3, bytes / 3});
+        for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+            m_seen[channel].Add({SampleKind::Int24, channels[channel], 3, bytes / 3});
+        }
     };
-    const auto samples = static_cast<std::uint64_t>(m_description.sampleCount);
-    try {
-        m_records.Visit(m_layout.offsets, m_layout.samplesPerRecord * 3, 0, samples * 3, visit);
-    } catch (const ReadError&) {
-        // Use the samples scanned so far, so that the rest of a damaged file can be shown.
+    m_records.Visit(m_layout->offsets, m_layout->samplesPerRecord * 3, static_cast<std::uint64_t>(first) * 3,
+                    static_cast<std::uint64_t>(count) * 3, visit);
+}
+
+void RecordBlock::ChooseScales(double headroom) {
+    m_seen.resize(Channels());
+    m_wide.clear();
+    for (std::size_t channel = 0; channel < m_seen.size(); ++channel) {
+        const RecordLayout::Units& units = m_layout->units[channel];
+        const SeenSamples& seen = m_seen[channel];
+        m_wide.push_back(ChooseWideScale(seen.minimum, seen.maximum, true, units.perSample, units.offset, headroom));
+        SetScale(channel, m_wide.back());
     }
-    std::vector<WideScale> scales;
-    for (std::size_t channel = 0; channel < seen.size(); ++channel) {
-        const RecordLayout::Units& units = m_layout.units[channel];
-        const WideScale scale =
-            ChooseWideScale(seen[channel].minimum, seen[channel].maximum, true, units.perSample, units.offset);
-        m_description.channels[channel].scale = scale.scale;
-        m_description.channels[channel].offset = scale.offset;
-        scales.push_back(scale);
-    }
-    m_wide = std::move(scales);
 }
 
 void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                              const CodeVisitor& visitor) {
     std::vector<std::uint64_t> offsets;
     offsets.reserve(channels.size());
-    for (const std::size_t channel : channels) offsets.push_back(m_layout.offsets[channel]);
-    const std::uint64_t width = m_layout.sampleBytes;
+    for (const std::size_t channel : channels) offsets.push_back(m_layout->offsets[channel]);
+    const std::uint64_t width = m_layout->sampleBytes;
     std::vector<const std::int16_t*> codes(channels.size());
     const auto visit = [&](std::uint64_t position, std::span<const std::uint8_t* const> streams, std::size_t bytes) {
         const auto samples = bytes / static_cast<std::size_t>(width);
@@ -55,7 +75,7 @@ void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t
         }
         visitor(static_cast<std::size_t>(position / width), codes, samples);
     };
-    m_records.Visit(offsets, m_layout.samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
+    m_records.Visit(offsets, m_layout->samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
                     static_cast<std::uint64_t>(count) * width, visit);
 }
 
@@ -74,7 +94,7 @@ void RecordBlock::FetchCodes(std::size_t channel, std::int32_t first, std::int32
 }
 
 void RecordBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
-    const std::size_t width = m_layout.offsets.size();
+    const std::size_t width = m_layout->offsets.size();
     std::vector<std::size_t> channels(width);
     std::iota(channels.begin(), channels.end(), std::size_t{0});
     VisitCodes(channels, first, count,
@@ -84,7 +104,7 @@ void RecordBlock::FetchFrames(std::int32_t first, std::int32_t count, std::int16
 }
 
 void RecordBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) {
-    std::vector<std::size_t> channels(m_layout.offsets.size());
+    std::vector<std::size_t> channels(m_layout->offsets.size());
     std::iota(channels.begin(), channels.end(), std::size_t{0});
     VisitCodes(channels, first, count,
                [&](std::size_t position, std::span<const std::int16_t* const> codes, std::size_t samples) {
@@ -99,7 +119,7 @@ bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int3
     nsp::PlanarSetReducer reducer(run, out);
     // Few channels are reduced many runs at a time, so their parts are joined until they hold as many.
     constexpr std::size_t joined = 16384;
-    const bool join = run < 1000 && channels.size() < 8 && m_layout.samplesPerRecord < joined / channels.size() / 2;
+    const bool join = run < 1000 && channels.size() < 8 && m_layout->samplesPerRecord < joined / channels.size() / 2;
     const std::size_t rowLength = join ? joined / channels.size() : 0;
     std::vector<std::int16_t> rows(rowLength * channels.size());
     std::vector<const std::int16_t*> rowStarts;

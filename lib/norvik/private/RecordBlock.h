@@ -8,14 +8,13 @@
 
 #include "norvik/private/EdfRecords.h"
 #include "norvik/private/FileBlock.h"
-#include "norvik/private/WideScale.h"
+#include "norvik/private/WideSamples.h"
 
 namespace quillon {
 
 /// Where the samples of a block's channels lie: every record holds the same number of samples of each, one channel
 /// after the other.
 struct RecordLayout {
-    std::uint64_t start = 0;  ///< byte of the block's first record
     std::uint64_t recordBytes = 0;
     std::uint64_t samplesPerRecord = 0;
     std::uint64_t sampleBytes = 2;       ///< 2 or 3, a signed number
@@ -29,22 +28,27 @@ struct RecordLayout {
 };
 
 /// A block whose samples lie in records, as the EDF family stores them.
-/// 16-bit samples are the codes; of 24-bit ones Prepare reads the whole block to choose what codes stand for.
-class RecordBlock final : public FileBlock {
+/// 16-bit samples are the codes; what those of 24-bit ones stand for depends on the samples.
+class RecordBlock : public FileBlock {
   public:
-    RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, RecordLayout layout);
+    /// `start` is the byte of the block's first record.
+    RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, std::uint64_t start,
+                std::shared_ptr<const RecordLayout> layout);
 
-    [[nodiscard]] bool FramesAreCheap() const override { return false; }
-
-  protected:
-    void FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
-    void FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
-    void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
-    bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
-                       std::span<RunExtremes* const> out) override;
-    void ChooseScales() override;
+    [[nodiscard]] bool FramesAreCheap() const final { return false; }
+    [[nodiscard]] std::int32_t SamplesPerPiece() const final;
 
   private:
+    void FetchCodes(std::size_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
+    void FetchFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
+    void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
+    bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
+                       std::span<RunExtremes* const> out) final;
+    [[nodiscard]] bool HasWideSamples() const final { return m_layout->sampleBytes != 2; }
+    void Scan(std::int32_t first, std::int32_t count) final;
+    void ChooseScales(double headroom) final;
+    [[nodiscard]] std::int32_t QuickStretches() const final;
+
     /// Called with the same stretch of every channel asked for: its first sample counted from the first one asked for,
     /// a pointer to the codes of each channel, and how many they are.
     using CodeVisitor =
@@ -55,8 +59,9 @@ class RecordBlock final : public FileBlock {
     const std::int16_t* DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
                                    std::size_t place);
 
-    RecordLayout m_layout;
+    std::shared_ptr<const RecordLayout> m_layout;
     EdfRecords m_records;
+    std::vector<SeenSamples> m_seen;    ///< of 24-bit samples, per channel: what Scan has seen
     std::vector<WideScale> m_wide;      ///< of 24-bit samples, per channel; empty until they are chosen
     std::vector<std::int16_t> m_codes;  ///< of one stretch, where samples are wider
 };

@@ -25,7 +25,8 @@ WideScale WithUnits(double shift, double step, double unitsPerSample, double uni
 
 }  // namespace
 
-WideScale ChooseWideScale(double minimum, double maximum, bool whole, double unitsPerSample, double unitsOffset) {
+WideScale ChooseWideScale(double minimum, double maximum, bool whole, double unitsPerSample, double unitsOffset,
+                          double headroom) {
     if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum > maximum) {
         return WithUnits(0.0, 1.0, unitsPerSample, unitsOffset);
     }
@@ -36,7 +37,7 @@ WideScale ChooseWideScale(double minimum, double maximum, bool whole, double uni
         return WithUnits(shift, 1.0, unitsPerSample, unitsOffset);
     }
     // Halves first: the span of two large doubles may overflow.
-    const double step = (maximum / 2.0 - minimum / 2.0) / kScaledReach;
+    const double step = (maximum / 2.0 - minimum / 2.0) / kScaledReach * headroom;
     const double shift = maximum / 2.0 + minimum / 2.0;
     if (!(step > 0.0)) return WithUnits(minimum, 1.0, unitsPerSample, unitsOffset);
     return WithUnits(shift, step, unitsPerSample, unitsOffset);

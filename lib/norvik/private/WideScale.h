@@ -26,8 +26,9 @@ struct WideScale {
 /// Chooses the mapping from the channel's extremes over the block. value = sample x unitsPerSample + unitsOffset.
 /// `whole`: every sample is an integer: a span of at most 65535 is then kept exactly (step 1), moved by a
 /// whole number where the samples themselves do not fit 16 bits. Any other span is scaled so that the codes reach from
-/// -32000 to 32000. Samples that are all equal (or none: minimum above maximum) give code 0 for that value.
+/// -32000 to 32000, divided by `headroom`. Samples that are all equal (or none: minimum above maximum) give code 0 for
+/// that value.
 [[nodiscard]] WideScale ChooseWideScale(double minimum, double maximum, bool whole, double unitsPerSample,
-                                        double unitsOffset);
+                                        double unitsOffset, double headroom = 1.0);
 
 }  // namespace quillon
