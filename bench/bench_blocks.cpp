@@ -90,7 +90,7 @@ BlockDescription Describe(std::size_t channels) {
     BlockDescription description;
     description.sampleRate = 1000.0;
     description.sampleCount = static_cast<std::int32_t>(kSamples / channels);
-    description.channels.resize(channels);
+    description.channels = std::make_shared<const std::vector<ChannelDescription>>(channels);
     return description;
 }
 
@@ -111,7 +111,8 @@ std::unique_ptr<FileBlock> MakeRecords(const NoiseFile& file, std::size_t channe
     BlockDescription description = Describe(channels);
     const auto record = static_cast<std::int32_t>(samplesPerRecord);
     description.sampleCount = description.sampleCount / record * record;
-    return std::make_unique<RecordBlock>(std::move(description), file.Source(), std::move(layout));
+    return std::make_unique<RecordBlock>(std::move(description), file.Source(), 0,
+                                         std::make_shared<const RecordLayout>(std::move(layout)));
 }
 
 /// Reduces all channels, `stretch` samples of each per call, as the summary of a block asks for them.

@@ -14,7 +14,41 @@ void BackgroundWork::Start(Priority priority, WorkSlices::Pass pass) {
 }
 
 void BackgroundWork::BlockLoaded() {
+    FindScales();
+    ReadOn();
     Summarise();
+}
+
+void BackgroundWork::Rescaled() {
+    for (const Priority priority : {kScales, kRange, kSpectrum, kSummary}) m_slices.Drop(priority);
+    Summarise();
+}
+
+void BackgroundWork::FindScales() {
+    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
+    if (!block || !block->IsProvisional()) return;
+    m_rescaled = false;
+    const auto step = [this] {
+        const PrepareStep done = m_document.PrepareMore();
+        m_rescaled = done == PrepareStep::DoneRescaled;
+        return done == PrepareStep::More;
+    };
+    const auto end = [this] {
+        if (m_rescaled) onRescaled();
+    };
+    Start(kScales, {IDS_WORK_SCALES, step, [block] { return block->PreparedShare(); }, end});
+}
+
+void BackgroundWork::ReadOn() {
+    const std::shared_ptr<Recording> recording = m_document.File().recording;
+    if (!recording || recording->ReadShare() >= 1.0) return;
+    const auto step = [this] {
+        const ReadStep done = m_document.ReadMore(m_view.Axis().Visible().first);
+        if (done.marksChanged || done.blocksChanged || done.titlesChanged || done.infoChanged || done.grown)
+            onFound(done);
+        return done.more;
+    };
+    Start(kMarks, {IDS_WORK_MARKS, step, [recording] { return recording->ReadShare(); }, {}});
 }
 
 void BackgroundWork::GraphDrawn(bool complete) {

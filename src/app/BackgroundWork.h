@@ -25,10 +25,14 @@ class BackgroundWork {
     std::function<void()> onDrawn;         ///< the graph is complete
     std::function<bool()> onSpectrum;      ///< step of the spectrogram
     std::function<double()> onSpectrumShare;
-    std::function<void()> onStart;  ///< there is work: RunSlice has to be called from now on
+    std::function<void()> onRescaled;  ///< the block's scales have changed: all that came of its codes is out of date
+    std::function<void(const ReadStep& step)> onFound;  ///< more of the recording is known
+    std::function<void()> onStart;                      ///< there is work: RunSlice has to be called from now on
 
     /// A block is loaded.
     void BlockLoaded();
+    /// The scales of the block have changed: what depends on its codes begins anew.
+    void Rescaled();
     /// The block is about to be closed: everything is dropped.
     void BlockLeft() { m_slices.DropAll(); }
     /// The graph or the spectrogram has been drawn, possibly in part.
@@ -57,14 +61,17 @@ class BackgroundWork {
 
   private:
     /// In order of priority.
-    enum Priority { kGraph, kRange, kSpectrum, kStatistics, kSummary };
+    enum Priority { kGraph, kScales, kRange, kSpectrum, kStatistics, kMarks, kSummary };
     static constexpr std::chrono::milliseconds kSlice{10};
 
     void Start(Priority priority, WorkSlices::Pass pass);
+    void FindScales();
+    void ReadOn();
 
     Document& m_document;
     WaveformView& m_view;
     WorkSlices m_slices;
+    bool m_rescaled = false;  ///< the pass that found the scales has changed them
     std::vector<std::int16_t> m_rangeChannels;
     std::vector<std::function<void()>> m_rangeWaiters;
 };

@@ -75,7 +75,10 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
                                     std::int32_t type) {
     KVExport& exporter = m_parts.exporter;
     bool done = false;
+    bool stopped = false;
     onWork([&] {
+        stopped = !onPrepare();
+        if (stopped) return;
         std::int32_t shown = -1;
         exporter.SetProgress([&](std::int32_t samples, std::int32_t total) {
             const auto percent = static_cast<std::int32_t>(std::int64_t{100} * samples / std::max(total, 1));
@@ -86,13 +89,14 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
         m_parts.services.SetStatus({});
         exporter.SetRecording(m_parts.document.File().fileName);
         done = exporter.Export(&block, name, range.first + 1, range.count, type);
+        stopped = exporter.Stopped();
     });
     exporter.SetProgress({});
     if (isGone()) return;
     const std::u16string loss = DescribeLoss(exporter.Outcome(), m_parts.language);
     if (done) {
         Tell(IDS_WRITTEN, name + (loss.empty() ? u"" : u": ") + loss);
-    } else if (exporter.Stopped()) {
+    } else if (stopped) {
         Tell(IDS_STOPPED_FILE, name);
     } else {
         // A message box has shown the error already.
@@ -120,6 +124,8 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
     const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
     std::u16string unread;
     onWork([&] {
+        context.stopped = !onPrepare();
+        if (context.stopped) return;
         try {
             ExportText(target, *block, range.first + 1, range.count, m_parts.settings, context);
         } catch (const std::exception& error) {

@@ -39,6 +39,8 @@ class ExportCommands {
     // To be set by the owner.
     std::function<void()> onDialog;                                 ///< a dialog is going to be shown
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that takes long
+    /// Called first by the work: completes what it needs of the block; false when the user has stopped it.
+    std::function<bool()> onPrepare;
     std::function<bool()> onPending;  ///< called periodically by long work; false stops it
     std::function<bool()> isGone;     ///< whether the window is destroyed
 

@@ -53,7 +53,10 @@ void ValuesReadout::SelectionStarted() {
 }
 
 void ValuesReadout::KeepTrue() {
-    if (m_kind == Kind::Details || PresentBasis() == m_basis) return;
+    if (m_kind != Kind::Details && PresentBasis() != m_basis) BlockChanged();
+}
+
+void ValuesReadout::BlockChanged() {
     switch (m_kind) {
         case Kind::Hover: return TellHover(m_hoverSample, m_hoverMark);
         case Kind::Range: return TellRange();

@@ -34,6 +34,12 @@ class ValuesReadout {
     void SelectionStarted();
     /// More of the block is known: completes the readout of a range.
     void MoreKnown();
+    /// The description of the recording has changed.
+    void DetailsChanged() {
+        if (m_kind == Kind::Details) TellDetails();
+    }
+    /// The values of the samples have changed: updates or removes the readout.
+    void BlockChanged();
     /// Whether the readout of a range lacks what is not known yet.
     [[nodiscard]] bool IsIncomplete() const { return m_kind == Kind::Range && m_incomplete; }
     /// Shown channels or options have changed: updates or removes the readout.

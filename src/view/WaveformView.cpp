@@ -30,9 +30,13 @@ void WaveformView::FillLanes() {
     m_lanes.front().channels = ShownChannels(m_document.Block(), m_document.Slots());
 }
 
-void WaveformView::LeaveBlock() {
+void WaveformView::Rescaled() {
     m_extremes.Reset();
     m_ranges.Reset();
+}
+
+void WaveformView::LeaveBlock() {
+    Rescaled();
     m_selection = {};
     m_history.Clear();
     m_goneTo = 0;

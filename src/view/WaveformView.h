@@ -47,6 +47,8 @@ class WaveformView {
     void Arrange(std::int32_t width, std::int32_t height);
     /// The block is about to be closed: clears the selection, the history and the recorded ranges.
     void LeaveBlock();
+    /// The block's codes have another scale: clears what was recorded of them.
+    void Rescaled();
     /// Another block is loaded: shows its first page at the previous zoom and scales.
     void BlockLoaded();
     /// Chooses new scales if the data are not readable at the previous ones, or none has been chosen since the start.

@@ -44,6 +44,7 @@ class ExportCommandsTest : public ViewFixture {
         Load(block);
         m_commands.onDialog = [] {};
         m_commands.onWork = [](const std::function<void()>& work) { work(); };
+        m_commands.onPrepare = [] { return true; };
         m_commands.onPending = [] { return true; };
         m_commands.isGone = [] { return false; };
     }

@@ -63,6 +63,7 @@ void DialogCommands::Split() {
     m_parts.hover.End();
     if (m_shared.playback.IsPlaying()) m_shared.playback.Stop();
     onWork([&] {
+        if (!onPrepare()) return;
         ShowSplitDialog(m_parts.window.Window(),
                         {Block().block, m_shared.document.File().fileName, m_shared.settings.split, m_shared.exporter,
                          m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(); },

@@ -34,6 +34,7 @@ class DialogCommands {
     std::function<void()> onRedraw;                                 ///< the settings have changed
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that no command may interrupt
     std::function<void(StatisticsPass* pass)> onStatistics;         ///< see ShowStatistics
+    std::function<bool()> onPrepare;                                ///< see ExportCommands
     std::function<bool()> onPictures;                               ///< completes the pictures; false when it could not
     std::function<void()> onFiles;                                  ///< files may have been written
 

@@ -130,11 +130,13 @@ void MainRooms::WireCommands() {
         if (pass == nullptr) return m_background.EndMeasure();
         m_background.Measure([pass] { return pass->Step(); }, [pass] { return pass->Share(); });
     };
+    dialogs.onPrepare = [this] { return CompleteScales(); };
     dialogs.onPictures = [this] { return CompletePictures(); };
     dialogs.onFiles = [this] { browser.FilesChanged(); };
     longCommand.onClose = [this] { return m_parts.services.Ask(m_parts.services.Text(IDS_STOP_AND_CLOSE)); };
     exports.onDialog = [this] { m_hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
+    exports.onPrepare = [this] { return CompleteScales(); };
     exports.onPending = [this] { return longCommand.StayAlive(); };
     exports.isGone = [this] { return longCommand.IsGone(); };
 }
@@ -149,6 +151,8 @@ void MainRooms::WireBackground() {
     };
     m_background.onSpectrum = [this] { return spectrogram.DrawMore(); };
     m_background.onSpectrumShare = [this] { return spectrogram.DrawnShare(); };
+    m_background.onRescaled = [this] { Rescaled(); };
+    m_background.onFound = [this](const ReadStep& step) { Found(step); };
     spectrogram.onRange = [this](std::int16_t channel) {
         return m_background.FindRanges({channel}, [this] {
             spectrogram.UseRange();
@@ -236,12 +240,12 @@ void MainRooms::CloseCurrentFile() {
 void MainRooms::LoadBlock(int index) {
     LeaveBlock();
     m_document.LoadBlock(static_cast<std::int16_t>(index));
-    ShowBlock();
+    ShowBlock(std::nullopt);
 }
 
 void MainRooms::RecordingChanged() {
     recording.FillBlocks();
-    ShowBlock();
+    ShowBlock(m_reload.Kept());
 }
 
 void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
@@ -265,8 +269,7 @@ void MainRooms::LeaveBlock() {
         status.Retract(topic);
 }
 
-void MainRooms::ShowBlock() {
-    const auto& kept = m_reload.Kept();
+void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
     view.BlockLoaded();
     if (kept) view.Restore(*kept);
     if (m_complete) {
@@ -382,6 +385,41 @@ void MainRooms::OnTimer(UINT_PTR timer) {
     } else {
         graph.OnTimer(timer);
     }
+}
+
+void MainRooms::Rescaled() {
+    playback.Stop();
+    view.Rescaled();
+    spectrogram.LeaveBlock();
+    m_background.Rescaled();
+    m_values.BlockChanged();
+    Refresh();
+    if (m_complete) ShowBlockSpectrum();
+}
+
+void MainRooms::Found(const ReadStep& step) {
+    if (m_complete && (step.blocksChanged || step.titlesChanged)) recording.FillBlocks();
+    if (step.grown) {
+        const WaveformView::State kept = view.Keep();
+        LeaveBlock();
+        return ShowBlock(kept);
+    }
+    if (step.infoChanged) m_values.DetailsChanged();
+    if (step.marksChanged) Refresh();
+}
+
+bool MainRooms::CompleteScales() {
+    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
+    PrepareStep step = PrepareStep::More;
+    while (block->IsProvisional() && step == PrepareStep::More) {
+        if (!longCommand.StayAlive()) return false;
+        step = m_document.PrepareMore();
+        const auto percent = static_cast<std::int32_t>(block->PreparedShare() * 100.0);
+        status.Tell(StatusBar::Topic::Outcome,
+                    m_parts.services.Text(IDS_WORK_SCALES) + u": " + Decimal(percent) + u" %");
+    }
+    if (step == PrepareStep::DoneRescaled) Rescaled();
+    return true;
 }
 
 void MainRooms::ShowProgress() {

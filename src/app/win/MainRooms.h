@@ -88,7 +88,8 @@ class MainRooms {
     void LoadBlock(int index);
     void RecordingChanged();
     void LeaveBlock();
-    void ShowBlock();
+    /// `kept`: the view to be restored, of the same recording.
+    void ShowBlock(const std::optional<WaveformView::State>& kept);
     void ShowBlockSpectrum();
     void ChooseChannel();
     void ShowPosition();
@@ -97,6 +98,12 @@ class MainRooms {
     void DrawSpectrogram(bool force);
     /// Tells what is under way behind what is shown.
     void ShowProgress();
+    /// The scales of the loaded block have changed.
+    void Rescaled();
+    /// More of the recording is known.
+    void Found(const ReadStep& step);
+    /// A part of a long command: finds the final scales of the block; false when the user has stopped that.
+    bool CompleteScales();
     /// Waits until the pictures hold everything; false when the user has ended that or the window is gone.
     bool CompletePictures();
     /// Runs work during which no other command may run and neither the file nor the window may be closed.
