@@ -43,7 +43,8 @@ int wmain(int count, wchar_t** arguments) {
     view.BlockLoaded();
     view.Arrange(width, height);
     view.SelectZoomX(10);
-    const GraphScene scene{block, view.Axis(), view.GetLanes(), view.Extremes(), false, false, GridStyle::Lines, 0x808080};
+    const GraphScene scene{block, view.Axis(), view.GetLanes(),  view.Extremes(),
+                           false, false,       GridStyle::Lines, 0x808080};
     GraphPainter painter;
     view.FitScales(painter.SeenRanges(scene));
     cMemDC target;
@@ -75,5 +76,29 @@ int wmain(int count, wchar_t** arguments) {
         "scrolled by a fifteenth of a page %.1f ms, blit %.2f ms\n",
         block.channelCount, samples, Median(read), Median(first), Median(first) / Median(read), Median(again),
         Median(page), Median(blit));
+
+    // The whole block, of which nothing is known.
+    std::vector<double> whole, fitted, columns;
+    for (int round = 0; round < 3; ++round) {
+        whole.push_back(Milliseconds([&] {
+            for (std::int64_t at = 0; at < block.sampleCount; at += 4096) {
+                const auto from = static_cast<std::int32_t>(at);
+                block.block->ReadFrames(from, std::min(4096, block.sampleCount - from), frames.data());
+            }
+        }));
+        view.FitBlock();
+        painter.ForgetBlock();
+        view.Extremes().Reset();
+        const auto draw = [&](bool until) {
+            painter.Draw(scene, width, height);
+            while (painter.IsIncomplete() && (until || painter.MissingShare() >= 1.0)) painter.DrawMore(scene);
+            show();
+        };
+        columns.push_back(Milliseconds([&] { draw(false); }));
+        view.Extremes().Reset();
+        fitted.push_back(Milliseconds([&] { draw(true); }));
+    }
+    std::printf("whole block of %d samples: read %.0f ms, fitted %.0f ms (%.2f of it), first columns after %.1f ms\n",
+                block.sampleCount, Median(whole), Median(fitted), Median(fitted) / Median(whole), Median(columns));
     return 0;
 }

@@ -58,7 +58,7 @@ class GraphPicture {
     /// The same image for a scene that differs from the drawn one only by its first column, which was moved by `shift`:
     /// what stays visible is copied, the rest is drawn.
     void Scroll(const GraphScene& scene, std::int32_t shift);
-    /// Reads about 1 MiB of what the columns left out by Draw need, for the scene drawn last, and draws those of which
+    /// Reads about 4 MiB of what the columns left out by Draw need, for the scene drawn last, and draws those of which
     /// all is known then. Returns the columns drawn, if any.
     std::optional<ColumnBand> DrawMore(const GraphScene& scene);
     /// Whether columns are left to DrawMore, and their share of the image, from 0 to 1.
@@ -86,8 +86,9 @@ class GraphPicture {
 
     /// Draws what is missing as long as the patience lasts, then the background of the rest.
     void DrawMissing(const GraphScene& scene);
-    /// Reads on for the first missing columns and draws those that are known; returns them.
-    std::optional<ColumnBand> DrawNext(const GraphScene& scene);
+    /// Reads on for the first missing columns, a piece at a time until `isOver`, and draws those that are known;
+    /// returns them.
+    std::optional<ColumnBand> DrawNext(const GraphScene& scene, const std::function<bool()>& isOver);
     /// Grid and marks.
     void DrawBackground(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to);
