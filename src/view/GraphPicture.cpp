@@ -165,9 +165,13 @@ std::optional<ColumnBand> GraphPicture::DrawNext(const GraphScene& scene, const 
 
 std::optional<ColumnBand> GraphPicture::DrawMore(const GraphScene& scene) {
     if (m_missing.count == 0) return std::nullopt;
-    constexpr int pieces = 4;
+    using Clock = std::chrono::steady_clock;
+    constexpr int pieces = 16;
+    constexpr std::chrono::milliseconds most{5};
+    const Clock::time_point start = Clock::now();
     int read = 0;
-    const std::optional<ColumnBand> drawn = DrawNext(scene, [&] { return ++read >= pieces; });
+    const std::optional<ColumnBand> drawn =
+        DrawNext(scene, [&] { return ++read >= pieces || Clock::now() - start >= most; });
     if (!drawn) return std::nullopt;
     FindOutside(scene);
     for (const auto& band : m_bands) {

@@ -58,8 +58,8 @@ class GraphPicture {
     /// The same image for a scene that differs from the drawn one only by its first column, which was moved by `shift`:
     /// what stays visible is copied, the rest is drawn.
     void Scroll(const GraphScene& scene, std::int32_t shift);
-    /// Reads about 4 MiB of what the columns left out by Draw need, for the scene drawn last, and draws those of which
-    /// all is known then. Returns the columns drawn, if any.
+    /// Reads for some milliseconds, at most about 16 MiB, of what the columns left out by Draw need, for the scene
+    /// drawn last, and draws those of which all is known then. Returns the columns drawn, if any.
     std::optional<ColumnBand> DrawMore(const GraphScene& scene);
     /// Whether columns are left to DrawMore, and their share of the image, from 0 to 1.
     [[nodiscard]] bool IsIncomplete() const { return m_missing.count > 0; }

@@ -170,8 +170,8 @@ TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
             const double before = sliced.MissingShare();
             const auto drawn = sliced.DrawMore(scene);
             EXPECT_EQ(drawn.has_value(), sliced.MissingShare() < before);
-            // Four units or pieces, the columns beside the drawn ones, and one sample per channel to begin with.
-            const std::int64_t most = 4 * std::max(source.pieceSamples, ExtremesCache::kCoarseCell);
+            // 16 units or pieces, the columns beside the drawn ones, and one sample per channel to begin with.
+            const std::int64_t most = 16 * std::max(source.pieceSamples, ExtremesCache::kCoarseCell);
             EXPECT_LE(source.samplesRead, 2 * (most + 6 * noise.axis.SamplesPerPixel() + 2));
             if (some(8) == 0) sliced.Scroll(scene, noise.axis.ScrollBy(some(400) - 200));
             ++slices;
