@@ -1,8 +1,9 @@
 // How long messages wait in the viewer while it works on a large recording:
-//     watchdog VIEWER RECORDING [SECONDS]
+//     watchdog VIEWER RECORDING [SECONDS [export]]
 // Starts the viewer on the recording, gives it one command after the other, watches it for some seconds after each (3
 // without SECONDS), and prints for each the longest time that a message sent by another process has waited, and the
-// viewer's private memory.
+// viewer's private memory. With "export" a fast export follows, for which a target has to be set in the options, and is
+// ended with Esc.
 #include "base/win/Win32.h"
 
 #include <psapi.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 
 #include "app/Commands.h"
@@ -91,13 +93,19 @@ int wmain(int count, wchar_t** arguments) {
         {"zoom in further", mnuZoomX + 1, 6},
         {"end and start", mnuGoTo + 3, 1},
         {"spectrogram away", mnuSpectrogram, 1},
+        {"next recording", mnuRecording + 1, 1},
+        {"previous recording", mnuRecording, 1},
+        {"fast export", mnuFastExport, 1},
     };
+    const std::size_t stepCount = std::size(steps) - (count > 4 ? 0 : 1);
     double worst = 0.0;
-    for (const Step& step : steps) {
+    for (std::size_t at = 0; at < stepCount; ++at) {
+        const Step& step = steps[at];
         for (int time = 0; time < step.times; ++time)
             PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(step.command), 0);
         const double longest = LongestWait(window, seconds * 1000.0);
         CloseDialog(window);
+        if (step.command == mnuFastExport) PostMessageW(window, WM_KEYDOWN, VK_ESCAPE, 0);
         worst = std::max(worst, longest);
         PROCESS_MEMORY_COUNTERS memory{};
         GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory);
