@@ -53,10 +53,19 @@ HWND WaitForWindow(DWORD process) {
     return nullptr;
 }
 
-/// Closes the dialog that is open, if any.
+/// Closes the dialog that is open, if any, and waits until it is gone.
 void CloseDialog(HWND window) {
-    const HWND dialog = GetWindow(window, GW_ENABLEDPOPUP);
-    if (dialog != nullptr && dialog != window) PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    const auto close = [](HWND top, LPARAM found) -> BOOL {
+        wchar_t name[16] = {};
+        if (GetClassNameW(top, name, 16) == 0 || std::wstring(name) != L"#32770") return TRUE;
+        PostMessageW(top, WM_COMMAND, IDCANCEL, 0);
+        *reinterpret_cast<bool*>(found) = true;
+        return TRUE;
+    };
+    for (bool open = true; open; Sleep(50)) {
+        open = false;
+        EnumThreadWindows(GetWindowThreadProcessId(window, nullptr), close, reinterpret_cast<LPARAM>(&open));
+    }
 }
 
 struct Step {
