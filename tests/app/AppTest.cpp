@@ -5,18 +5,12 @@
 #include <random>
 #include <set>
 #include <stdexcept>
-#include <system_error>
 #include <tuple>
 #include <vector>
 
-#include "app/Commands.h"
-#include "app/GraphKeys.h"
 #include "app/HelpFile.h"
 #include "app/MainSplitters.h"
 #include "app/PanelTable.h"
-#include "app/QL_Global.h"
-#include "app/StartUp.h"
-#include "app/StatusPanels.h"
 #include "app/ValuesReadout.h"
 #include "app/ViewTables.h"
 #include "support/FakeRecording.h"
@@ -26,28 +20,6 @@ namespace quillon {
 namespace {
 
 using namespace ::quillon::testing;
-
-TEST(Init, AFailureIsToldOnceAndEndsTheStart) {
-    QL_Global global;
-    FakeServices services;
-    StartUpParts parts;
-    parts.systemVersion = [] { return 6; };
-    parts.makeSaveDialog = [] { return nullptr; };
-    parts.makeLibrary = [](Language) { return std::make_shared<FakeLibrary>(); };
-    EXPECT_TRUE(Init(global, parts, services));
-    EXPECT_EQ(global.systemVersion, 6);
-    EXPECT_TRUE(services.messages.empty());
-
-    parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> { throw std::runtime_error("no class"); };
-    EXPECT_FALSE(Init(global, parts, services));
-    parts.makeLibrary = [](Language) -> std::shared_ptr<RecordingLibrary> {
-        throw std::system_error(5, std::generic_category(), "library");
-    };
-    EXPECT_FALSE(Init(global, parts, services));
-    ASSERT_EQ(services.messages.size(), 2U);
-    EXPECT_EQ(services.messages[0], services.Text(1010)) << "an error without a number";
-    EXPECT_NE(services.messages[1].find(u" 5: library"), std::u16string::npos);
-}
 
 /// Every rectangle that something is seen in, with one page of each strip of tabs.
 std::vector<PixelRect> Seen(const MainLayout& layout, bool firstPages, bool spectrogram) {
@@ -190,37 +162,6 @@ TEST(PanelTable, EveryLineIsSeenWholeOrCanBeScrolledTo) {
     }
 }
 
-TEST(StatusPanels, TellTheVisibleShare) {
-    TimeAxis axis;
-    axis.SetWidth(1000);
-    EXPECT_EQ(VisiblePart(axis, u'.'), u"");
-    const auto part = [&](std::int32_t samples) { return axis.SetBlock(samples), VisiblePart(axis, u'.'); };
-    EXPECT_EQ(part(1000), u"100%");
-    EXPECT_EQ(part(1001), u"100%");
-    EXPECT_EQ(part(2667), u"37%");
-    EXPECT_EQ(part(10001), u"9.999%");
-    EXPECT_EQ(part(20000), u"5.0%");
-    EXPECT_EQ(part(80000), u"1.25%");
-}
-
-TEST(StatusPanels, TellLengthsBeyondADayAndCodes) {
-    FakeServices services;
-    ViewBlock block;
-    block.block = std::make_shared<FakeBlock>();
-    block.sampleCount = 187200;
-    block.sampleRate = 2.0;
-    FormatOptions format;
-    format.timeOfDay = true;
-    const ChannelSlots slots;
-    const TimeAxis axis;
-    PanelFacts facts{block, slots, axis, format, 6};
-    const auto panel = [&](StatusPanel key) { return BlockPanels(facts, services)[static_cast<std::size_t>(key)]; };
-    EXPECT_EQ(panel(StatusPanel::Time), u"T: 26:00:00");
-    EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10#"));
-    facts.rawCodes = true;
-    EXPECT_TRUE(panel(StatusPanel::Scale).starts_with(u"10 k#"));
-}
-
 class ValuesReadoutTest : public ViewFixture {
   protected:
     ValuesReadoutTest() {
@@ -271,19 +212,6 @@ TEST_F(ValuesReadoutTest, ARangeIsToldAsLongAsItIsSelected) {
     m_values.TellHover(6, {});
     m_values.SelectionChanged(false);
     EXPECT_EQ(m_text, hover) << "a readout of a sample has no need of a selection";
-}
-
-TEST(GraphKeys, FocusChoosesTheCommandAndNoKeyHasTwo) {
-    EXPECT_EQ(CommandOf(KeyPlace::Graph, Letter('A'), true, false, false), mnuSelect);
-    EXPECT_EQ(CommandOf(KeyPlace::ChannelList, Letter('A'), true, false, false), mnuChShow);
-    EXPECT_EQ(CommandOf(KeyPlace::FileList, Key::Left, false, false, false), 0) << "a list keeps its own keys";
-    EXPECT_EQ(CommandOf(KeyPlace::FileList, Letter('S'), true, false, false), mnuSaveAs);
-    std::set<std::tuple<KeyPlace, Key, bool, bool, bool>> keys;
-    for (const KeyBinding& binding : KeyBindings()) {
-        EXPECT_TRUE(keys.insert({binding.place, binding.key, binding.control, binding.shift, binding.alt}).second);
-        EXPECT_NE(CaptionId(binding.command), 0) << binding.command;
-        EXPECT_EQ(CommandOf(binding.place, binding.key, binding.control, binding.shift, binding.alt), binding.command);
-    }
 }
 
 TEST(ViewTables, TextKeepsItsColumnsWhateverTheCellsHold) {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <numbers>
 #include <numeric>
@@ -95,30 +94,6 @@ TEST_F(CliTest, RangesOutsideTheRecordingAreRefusedWithTheRange) {
             << "reported in Russian";
     }
     ExpectRefused(kRefused, "info none.edf", "none.edf: ");
-}
-
-TEST_F(CliTest, TheSystemsReasonsAreInTheLanguageChosen) {
-    const fs::path folder = m_folder.File(u"folder");
-    const fs::path none = m_folder.File(u"none") / "a.bin";
-    fs::create_directory(folder);
-    const auto reason = [&](const char* language, const std::string& line, const std::vector<fs::path>& paths) {
-        const std::string error = RunLine(line + " --language " + language, paths).error;
-        return error.substr(error.rfind(": ", error.size() - 2) + 2);
-    };
-    const auto isAscii = [](unsigned char letter) { return letter < 128; };
-    for (const auto& [line, paths] : {std::pair<std::string, std::vector<fs::path>>("info %", {none}),
-                                      {"info %", {folder}},
-                                      {"export % %", {m_recording, none}},
-                                      {"codes % 1 1 --out %", {m_recording, folder}},
-                                      {"split % --size 2 --folder %", {m_recording, m_recording / "folder"}}}) {
-        const std::string english = reason("en", line, paths);
-        const std::string russian = reason("ru", line, paths);
-        EXPECT_TRUE(std::all_of(english.begin(), english.end(), isAscii)) << line << ": " << english;
-        EXPECT_FALSE(std::any_of(russian.begin(), russian.end(),
-                                 [](unsigned char letter) { return letter < 128 && std::isalpha(letter) != 0; }))
-            << line << ": " << russian;
-        EXPECT_FALSE(std::all_of(russian.begin(), russian.end(), isAscii)) << line << ": " << russian;
-    }
 }
 
 TEST_F(CliTest, WrongCommandLinesNameTheWrongWord) {
@@ -289,13 +264,7 @@ TEST(SpectrumCommandTest, WhatCannotBeReadIsBlankAndReported) {
     EXPECT_EQ(reported, u"1 of 100 columns are blank: hole");
     for (std::size_t at = 50; at < damaged.size(); at += 100) EXPECT_EQ(std::exchange(damaged[at], whole[at]), 0) << at;
     EXPECT_TRUE(damaged == whole);
-    request.columns = 50;
-    EXPECT_EQ(picture()[5], whole[5]);
-    EXPECT_EQ(reported, u"the range leaves out what cannot be read: hole");
-    request.limits = {-149.0F, 151.0F};
     block->holeFrom = 0;
-    EXPECT_THROW(picture(), Refusal) << "no column can be read";
-    request.limits.reset();
     block->holeTo = 3200;
     EXPECT_THROW(picture(), Refusal) << "no sample can be read";
 }
@@ -367,18 +336,6 @@ TEST_F(SplitCommand, TheListOfThePiecesReplacesNone) {
     const fs::path beside = m_folder.File(u"07.bin");
     EXPECT_EQ(Split("--size=100 --out %", beside).code, kDone);
     EXPECT_EQ(Contents(beside).substr(0, 9), "01.bin\t1\t");
-}
-
-TEST_F(SplitCommand, RefusesWhatItCannotDo) {
-    using Case = std::pair<std::string, std::string>;
-    for (const auto& [options, part] :
-         {Case("", "--size"), Case("--size=abc --seconds", "'abc'"), Case("--size=1.5", "whole number for --size"),
-          Case("--size=5 --step=-1", "--step"), Case("--size=5 --step=99999999999", "too large"),
-          Case("--size=5 --names=both", "'both'"), Case("--size=5 --base=../x", "'../x'")})
-        ExpectRefused(options, part, kUsage);
-    ExpectRefused("--size=5 --block=2", "blocks 1 to 1");
-    ExpectRefused("--size=1100 --step=100", "it has 1000");
-    EXPECT_FALSE(fs::exists(m_pieces));
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 #include "base/DateTime.h"
 #include "base/Text.h"
 #include "export/EdfLimits.h"
-#include "export/EdfText.h"
 #include "export/KVExport.h"
 #include "export/QL_Export.h"
 #include "norvik/BlockChecks.h"
@@ -121,19 +120,6 @@ TEST_F(ExportTest, EdfRecordsSuitTheRate) {
         wide.samples.resize(channels, Codes(10));
         EXPECT_EQ(Export(&wide, 1, 0, u"a.edf"), channels == 126) << "the header's size is a signed 16-bit number";
     }
-}
-
-TEST(EdfTextTest, NumbersAreNeverCutAndTextsArePrintable) {
-    std::string texts;
-    for (const double number :
-         {-0.9765625, -0.0, 1e-7, -1.23456e-12, 123456789012.0, 99999999.6, 0.0012345678, -1234567.8})
-        texts += EdfNumber(number, 8) + '|';
-    EXPECT_EQ(texts, "-0.97656|0|1E-7|-1.2E-12|1.235E11|1E8|0.001235|-1234568|");
-    EXPECT_EQ(EdfNumber(0.1F, 8), "0.1");
-    EXPECT_THROW(static_cast<void>(EdfNumber(std::nan(""), 8)), FormatError);
-    EXPECT_THROW(static_cast<void>(EdfCount(123456789, 8)), FormatError);
-    EXPECT_EQ(EdfText(u"a\tж~\u007F", 7), "a??~?  ");
-    EXPECT_EQ(EdfText(u"longer", 3), "longer");
 }
 
 TEST_F(ExportTest, RangesAreNormalisedAndFailuresReported) {

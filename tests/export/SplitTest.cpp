@@ -35,22 +35,6 @@ TEST(SplitPlan, CutsWholePiecesAndCountsThem) {
     EXPECT_EQ(Plan(1000, 1099, 100).SampleCount(0), 1000);
 }
 
-TEST(SplitPlan, NamesHaveTheDigitsOfTheLargestNumber) {
-    SplitPlan plan = Plan(1000, 100, 100);
-    EXPECT_EQ(plan.Name(0), u"01.bin");
-    EXPECT_EQ(plan.Name(9), u"10.bin");
-    EXPECT_EQ(Plan(25000, 100, 100).Name(0), u"001.bin");
-    EXPECT_EQ(plan.ExampleName(), u"#.bin");
-    plan.sampleNames = true;
-    plan.prefix = u"ночь 1_";
-    plan.extension = u"wav";
-    EXPECT_EQ(plan.Name(0), u"ночь 1_0000-0099.bin") << "of whatever the block was read";
-    EXPECT_EQ(plan.Name(9), u"ночь 1_0900-0999.bin");
-    EXPECT_EQ(plan.ExampleName(), u"ночь 1_###-###.wav");
-    EXPECT_EQ(Plan(48000, 48000, 1, true).Name(0), u"00000-47999.bin");
-    EXPECT_EQ(Plan(999, 1000, 100, true).Name(0), u"000-999.bin");
-}
-
 TEST(SplitPlan, KnowsTheNamesOfItsPiecesOnly) {
     for (const bool sampleNames : {false, true}) {
         SplitPlan plan = Plan(1000, 300, 200, sampleNames);
@@ -121,12 +105,7 @@ TEST(SplitPlan, TakesFolderAndNamesFromTheRecording) {
 TEST(SplitPlan, ObstaclesAreFoundBeforeTheRun) {
     using Kind = SplitFolderState::Kind;
     const SplitPlan plan = Plan(1000, 100, 100);
-    EXPECT_EQ(FindSplitObstacle(plan, {Kind::Missing, false, {}}), SplitObstacle::None);
-    EXPECT_EQ(FindSplitObstacle(plan, {Kind::Folder, false, {u"01.bin"}}), SplitObstacle::None);
-    EXPECT_EQ(FindSplitObstacle(plan, {Kind::Folder, true, {}}), SplitObstacle::HoldsRecording);
-    EXPECT_EQ(FindSplitObstacle(plan, {Kind::Unreadable, true, {}}), SplitObstacle::HoldsRecording);
     EXPECT_EQ(FindSplitObstacle(plan, {Kind::Unreadable, false, {}}), SplitObstacle::Unreadable);
-    EXPECT_EQ(FindSplitObstacle(plan, {Kind::NotFolder, false, {}}), SplitObstacle::NotFolder);
     EXPECT_EQ(FindSplitObstacle(Plan(1000, 1100, 100), {}), SplitObstacle::NoPieces);
     SplitPlan longest = plan;
     longest.prefix = std::u16string(249, u'a');

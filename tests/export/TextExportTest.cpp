@@ -168,16 +168,5 @@ TEST_F(TextExportTest, WhatEndsAnExport) {
     EXPECT_THAT(context.failures, ElementsAre(u"b1.txt", u"b2.txt", u"b3.txt")) << "all are reported";
 }
 
-TEST_F(TextExportTest, OnePercentageRunsOverAllFiles) {
-    settings.fileType = 0;
-    std::vector<std::u16string> shown;
-    context.runPending = [&] { return shown.push_back(services.status), true; };
-    EXPECT_TRUE(ExportText(u"a.txt", block, 1, 150, settings, context));
-    std::vector<std::u16string> expected;
-    for (const char16_t* percent : {u"0", u"16", u"33", u"50", u"66", u"83"})
-        expected.push_back(u"Export to text: " + std::u16string(percent) + u"% ");
-    EXPECT_EQ(shown, expected);
-}
-
 }  // namespace
 }  // namespace quillon::testing

@@ -55,40 +55,6 @@ TEST(EdfReader, AGapStartsABlockAndMarksFallIntoTheBlockOfTheirTime) {
     EXPECT_EQ(Info(file), "EDF+D, 1 signal, 6 records of 1 s; 4 stretches");
 }
 
-/// Fails from a place on.
-class FailingSource final : public ByteSource {
-  public:
-    FailingSource(std::vector<std::uint8_t> bytes, std::uint64_t end) : m_memory(std::move(bytes)), m_end(end) {}
-    [[nodiscard]] std::uint64_t Size() const override { return m_memory.Size(); }
-    std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) override {
-        return offset + count > m_end ? 0 : m_memory.ReadAt(offset, buffer, count);
-    }
-
-  private:
-    MemorySource m_memory;
-    std::uint64_t m_end;
-};
-
-TEST(EdfReader, UnreadableAnnotationsLoseNoSamplesWhereThereAreNoGaps) {
-    EdfBuilder file{.reserved = "EDF+C", .recordCount = 10, .signals = {{.samplesPerRecord = 40000}}};
-    file.Annotate({Onset("+0") + Note("+0.5", "first"), Onset("+1"), Onset("+2"), Onset("+3"), Onset("+4"), Onset("+5"),
-                   Onset("+6"), Onset("+7") + Note("+7", "lost")});
-    file.Annotate({Note("+0.75", "second")});
-    const RecordingContent content = ReadEdf(std::make_shared<FailingSource>(file.Bytes(), 500000));
-    ASSERT_EQ(content.blocks.size(), 1U);
-    EXPECT_EQ(content.blocks[0]->SampleCount(), 400000);
-    EXPECT_THAT(Marks(*content.blocks[0]), ElementsAre("20000 first", "30000 second"));
-    EXPECT_THAT(Utf8(content.info.english), ::testing::HasSubstr("annotations read up to record "));
-    // Where there may be, they tell the times of the samples.
-    file.reserved = "EDF+D";
-    const RecordingContent cut = ReadEdf(std::make_shared<FailingSource>(file.Bytes(), 500000));
-    ASSERT_EQ(cut.blocks.size(), 1U);
-    EXPECT_EQ(cut.blocks[0]->SampleCount(), 240000) << "times of the others are not known";
-    EXPECT_THAT(Marks(*cut.blocks[0]), ElementsAre("20000 first", "30000 second"));
-    EXPECT_THAT(Utf8(cut.info.english), ::testing::HasSubstr("read up to record 6, the others left out"));
-    EXPECT_THROW(ReadEdf(std::make_shared<FailingSource>(file.Bytes(), 80000)), ReadError) << "not even the first";
-}
-
 TEST(EdfReader, OnsetsWithinHalfASampleOfTheFastestSignalAreNoGap) {
     EdfBuilder file{.bdf = true, .reserved = "BDF+D", .recordCount = 4, .signals = {{.samplesPerRecord = 2}, {}}};
     file.signals[1].samplesPerRecord = 10;

@@ -348,6 +348,10 @@ TEST(AnnotationsInSteps, AFailedReadKeepsWhatWasFound) {
         };
         EXPECT_EQ(before(found), before(all));
         EXPECT_LT(found.size(), all.size());
+        file.source->failsFrom = 256 * 5 + 4;
+        if (gaps > 0) {
+            EXPECT_THROW(ReadEdf(file.source), ReadError) << "not even the first";
+        }
     }
 }
 

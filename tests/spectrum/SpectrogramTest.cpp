@@ -107,16 +107,6 @@ TEST(QL_FFT, AnyWayOfScrollingEqualsComputingEveryColumnAlone) {
 }
 
 TEST(QL_FFT, SettingsAreRepairedAndWhatCannotBeShownStaysBlank) {
-    const std::pair<std::int32_t, std::int32_t> orders[] = {{4, 8}, {5, 5}, {11, 11}, {12, 11}};
-    for (const auto& [asked, taken] : orders) {
-        SpectrumSettings settings{0, 0, 7, -1.0F, 9.9F, asked};
-        QL_FFT fft(settings);
-        fft.FFT_Init(10);
-        EXPECT_EQ(settings.order, taken);
-        EXPECT_EQ(fft.BinCount(), (1 << taken) / 2 + 1);
-        EXPECT_EQ(settings.amplitudeScale, 100.0F);
-        EXPECT_EQ(settings.decibelRange, 120.0F);
-    }
     SpectrumSettings settings{.decibelRange = 200.0F};
     QL_FFT fft(settings);
     fft.FFT_Init(10);

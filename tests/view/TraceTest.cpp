@@ -239,25 +239,6 @@ TEST(MapTrace, PutsWhatIsSeenAtItsRowWhateverScaleOffsetZoomAndOrigin) {
     EXPECT_NEAR(RowOf(MapTrace(far, 2.0F, 0.0F), -32768), 70001 + 65536, 1e-3);
 }
 
-TEST(MapTrace, KeepsExtentsInsideSixteenBitsAndEndsInAStraightLine) {
-    TraceGeometry geometry{.unitsPerDivision = 40.0F};
-    const auto map = [&](float codesPerPixel) { return MapTrace(geometry, codesPerPixel, 0.0F); };
-    for (const float factor : {1.0F, 0.5F, -4.0F, -1e-9F, 0.001F, 30000.0F}) {
-        const TraceMapping mapping = map(factor);
-        EXPECT_EQ(std::max(std::abs(mapping.windowExtentY), std::abs(mapping.viewportExtentY)), 32000) << factor;
-        EXPECT_EQ((mapping.windowExtentY < 0) != (mapping.viewportExtentY < 0), factor > 0.0F) << factor;
-    }
-    EXPECT_FALSE(map(31999.0F).flat);
-    for (const float flat : {32000.0F, 1e9F, 0.0F}) EXPECT_TRUE(map(flat).flat) << flat;
-    EXPECT_EQ(map(1.0F).windowExtentX, 1);
-    geometry.samplesPerPixel = 2;
-    geometry.rawCodes = true;
-    const TraceMapping raw = MapTrace(geometry, 123.0F, 9.0F);
-    EXPECT_EQ(raw.windowExtentX, 2);
-    EXPECT_NEAR(RowOf(raw, 1000), -1.0, 0.01) << "1000 codes to a unit, 40 units to 40 rows";
-    EXPECT_EQ(raw.viewportOriginY, 0);
-}
-
 TEST(TraceSides, EqualThoseOfAllColumnsInAnyOrderOfScrolling) {
     constexpr int width = 60;
     constexpr int height = 40;

@@ -33,12 +33,6 @@ TEST_F(BrowserTest, FoldersOfOpenedRecordingsAreRememberedWhileATypeIsListed) {
     m_form->OpenPath(other + L"\\b.bin");
     EXPECT_THAT(Caption(), ::testing::StartsWith(L"b.bin - ["));
     EXPECT_EQ(folders.size(), 2U);
-    std::vector<std::u16string> thirty;
-    for (int at = 0; at < 29; ++at) thirty.push_back(u"C:\\gone" + Decimal(at));
-    thirty.push_back(m_folder.Path());
-    m_global.settings.pathList = PathList(thirty);
-    Command(mnuPathList + 29);
-    EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
 }
 
 TEST_F(BrowserTest, TheTypeBoxLimitsTheList) {
@@ -98,18 +92,6 @@ TEST_F(BrowserTest, ARecordingThatChangesIsLoadedAgainAtTheSamePlace) {
     EXPECT_TRUE(isAt(30000));
     EXPECT_EQ(m_global.view->Selected().Last(), 19000);
     EXPECT_THAT(Status(), ::testing::StartsWith(L"a.bin: "));
-    // Another file took its place; the user asks for it.
-    static_cast<void>(m_folder.Write(u"new.tmp", SawRecording(9000)));
-    std::filesystem::rename(m_folder.File(u"a.bin"), m_folder.File(u"a.old"));
-    std::filesystem::rename(m_folder.File(u"new.tmp"), m_folder.File(u"a.bin"));
-    Command(mnuTabFile);
-    EXPECT_TRUE(isAt(9000));
-    EXPECT_EQ(m_global.view->Selected().Last(), 9000);
-    // One that is unreadable meanwhile stays seen as it was.
-    static_cast<void>(m_folder.Write(u"a.bin", FileBytes().Text("half written")));
-    ClickLine(lstFile, 0);
-    EXPECT_TRUE(isAt(9000));
-    EXPECT_THAT(Status(), HasSubstr(L"no longer"));
 }
 
 TEST_F(BrowserTest, AFolderThatWasAwayIsListedAndWatchedAgain) {

@@ -3,7 +3,6 @@
 #include <process.h>
 
 #include "app/KV_Resources.h"
-#include "app/win/HelpViewer.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "view/win/GDI_Utils.h"
@@ -15,71 +14,22 @@ using namespace ::quillon::testing;
 
 using FrameTest = MainWindowTest;
 
-TEST_F(FrameTest, SplittersMoveWhatLiesOnBothSidesAndAreKept) {
-    static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
-    m_global.settings.window.spectrogramShown = true;
+TEST_F(FrameTest, ASplitterMovesWhatLiesOnBothSidesUntilTheButtonIsUp) {
     Start();
-    const auto place = [&](int id) {
-        RECT rect = Place(id);
-        MapWindowPoints(nullptr, m_form->Window(), reinterpret_cast<POINT*>(&rect), 2);
-        return rect;
+    const RECT list = Place(lvCh);
+    const RECT graph = Place(pbGraph);
+    POINT between{(list.right + Place(pbScaleY).left) / 2, list.top + 30};
+    ScreenToClient(m_form->Window(), &between);
+    const auto mouse = [&](UINT message, int dx) {
+        SendMessageW(m_form->Window(), message, MK_LBUTTON, MAKELPARAM(between.x + dx, between.y));
     };
-    // The controls before and behind it, its way, and what is kept of it.
-    using Splitter = std::tuple<int, int, int, int, std::int32_t WindowPlacement::*>;
-    for (const auto& [first, second, dx, dy, kept] : {Splitter{lvCh, pbScaleY, 40, 0, &WindowPlacement::listWidth},
-                                                      {lvCh, tabFile, 0, 30, &WindowPlacement::upperPercent},
-                                                      {lstFile, pnValues, 0, -40, &WindowPlacement::valuesHeight},
-                                                      {pbGraph, pbFFT, 0, -50, &WindowPlacement::spectrogramPercent}}) {
-        SCOPED_TRACE(second);
-        const RECT before = place(first);
-        const RECT behind = place(second);
-        // Into its middle, and back from beyond its limit.
-        const int x = dx != 0 ? static_cast<int>(before.right + behind.left) / 2 : static_cast<int>(before.left) + 30;
-        const int y = dy != 0 ? static_cast<int>(before.bottom + behind.top) / 2 : 300;
-        const auto mouse = [&, dx = dx, dy = dy](UINT message, int times) {
-            SendMessageW(m_form->Window(), message, MK_LBUTTON, MAKELPARAM(x + times * dx, y + times * dy));
-        };
-        mouse(WM_LBUTTONDOWN, 0);
-        for (const int times : {1, 100, 1}) mouse(WM_MOUSEMOVE, times);
-        mouse(WM_LBUTTONUP, 1);
-        EXPECT_NEAR(place(first).right - before.right, dx, 4);
-        EXPECT_NEAR(place(first).bottom - before.bottom, dy, 8);
-        EXPECT_NEAR(place(second).left - behind.left, dx, 4);
-        EXPECT_NEAR(place(second).top - behind.top, dy, 8);
-        EXPECT_GT(m_global.settings.window.*kept, 0);
-        const RECT moved = place(second);
-        mouse(WM_MOUSEMOVE, 0);
-        const RECT still = place(second);
-        EXPECT_TRUE(EqualRect(&moved, &still)) << "the button is up";
-    }
-}
-
-TEST_F(FrameTest, TheWheelTurnsWhatLiesUnderThePointer) {
-    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(60000)));
-    Start();
-    // What it is over, the keys that are held; columns, X zooms and Y scales that it moves by.
-    using Turn = std::tuple<int, WPARAM, int, int, int>;
-    for (const auto& [over, keys, columns, zooms, scales] : {Turn{pbGraph, 0, 100, 0, 0},
-                                                             {pbGraph, MK_SHIFT, 20, 0, 0},
-                                                             {pbGraph, MK_CONTROL, 0, 1, 0},
-                                                             {pbGraph, MK_CONTROL | MK_SHIFT, 0, 0, -1},
-                                                             {pbScaleX, 0, 0, 1, 0},
-                                                             {pbScaleY, 0, 0, 0, -1},
-                                                             {lstFile, 0, 0, 0, 0}}) {
-        SCOPED_TRACE(::testing::Message() << over << ' ' << keys);
-        m_global.view->SelectZoomX(2);
-        m_global.view->SelectScaleY(8);
-        ScrollTo(1000);
-        const RECT place = Place(over);
-        const LPARAM point = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
-        // Half a notch and its other half, from wherever the focus is.
-        for (int half = 0; half < 2; ++half)
-            PostMessageW(Control(tabPath), WM_MOUSEWHEEL, MAKEWPARAM(keys, static_cast<WORD>(-WHEEL_DELTA / 2)), point);
-        Pump();
-        EXPECT_TRUE(zooms != 0 || m_global.view->Axis().FirstColumn() == 1000 + columns);
-        EXPECT_EQ(m_global.view->Axis().ZoomIndex(), 2 + zooms);
-        EXPECT_EQ(m_global.view->ScaleY(), 8 + scales);
-    }
+    mouse(WM_LBUTTONDOWN, 0);
+    for (const int dx : {40, 4000, 40}) mouse(WM_MOUSEMOVE, dx);  // and back from beyond its limit
+    mouse(WM_LBUTTONUP, 40);
+    mouse(WM_MOUSEMOVE, 0);
+    EXPECT_NEAR(Place(lvCh).right - list.right, 40, 4);
+    EXPECT_NEAR(Place(pbGraph).left - graph.left, 40, 4);
+    EXPECT_GT(m_global.settings.window.listWidth, 0);
 }
 
 /// A thumb of a scroll bar is held at a position.
@@ -88,32 +38,23 @@ void HoldThumb(HWND window, HWND bar, UINT message, int position) {
     SendMessageW(window, message, SB_THUMBTRACK, reinterpret_cast<LPARAM>(bar));
 }
 
-TEST_F(FrameTest, ScrollBarsReachTheWholeRecordingAndTheirThumbsMoveTheView) {
+TEST_F(FrameTest, ThumbsTheWheelAndTheButtonsOfTheZoomControlMoveTheView) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(100000)));
     Start();
-    SCROLLINFO info{sizeof(SCROLLINFO), SIF_ALL, 0, 0, 0, 0, 0};
-    GetScrollInfo(Control(scScaleX), SB_CTL, &info);
-    EXPECT_EQ(info.nMax - static_cast<int>(info.nPage) + 1, TimeAxis::kScrollMax);
-    for (const auto& [thumb, column] : {std::pair{TimeAxis::kScrollMax, 100000}, {8192, 25001}, {0, 0}}) {
-        HoldThumb(m_form->Window(), Control(scScaleX), WM_HSCROLL, thumb);
-        EXPECT_EQ(m_global.view->Axis().FirstColumn(), column);
-        EXPECT_EQ(GetScrollPos(Control(scScaleX), SB_CTL), thumb);
-    }
+    HoldThumb(m_form->Window(), Control(scScaleX), WM_HSCROLL, 8192);
+    EXPECT_EQ(m_global.view->Axis().FirstColumn(), 25001);
     Command(mnuBaseLine);
-    const Pixels before = Capture(pbGraph);
-    for (const int thumb : {100, -35, 0}) {
-        HoldThumb(m_form->Window(), Control(scScaleY), WM_VSCROLL, thumb);
-        EXPECT_EQ(m_global.view->BaseLineShift(), -thumb);
-        EXPECT_EQ(Capture(pbGraph) == before, thumb == 0);
+    HoldThumb(m_form->Window(), Control(scScaleY), WM_VSCROLL, 100);
+    EXPECT_EQ(m_global.view->BaseLineShift(), -100);
+    // The wheel turns what lies under the pointer, wherever the focus is: not the graph over a list.
+    for (const auto& [over, column] : {std::pair<int, int>{lstFile, 25001}, {pbGraph, 25101}}) {
+        const RECT place = Place(over);
+        const LPARAM point = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        PostMessageW(Control(tabPath), WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-WHEEL_DELTA)), point);
+        Pump();
+        EXPECT_EQ(m_global.view->Axis().FirstColumn(), column);
     }
-    // Data far from zero are the middle of the bar, and a click on its end moves them from where they are.
-    m_global.view->MoveBaseLine(-500000);
-    Command(mnuMove + 6);
-    const auto shift = m_global.view->BaseLineShift();
-    SendMessageW(m_form->Window(), WM_VSCROLL, SB_LINEDOWN, reinterpret_cast<LPARAM>(Control(scScaleY)));
-    EXPECT_EQ(m_global.view->BaseLineShift(), shift - 20);
-    EXPECT_EQ(GetScrollPos(Control(scScaleY), SB_CTL), 20);
-    // The buttons of the zoom control: minus below left, plus below right.
+    // Minus below left, plus below right.
     RECT zoom{};
     GetClientRect(Control(btnZoomX), &zoom);
     for (const int expected : {1, 0}) {
@@ -256,15 +197,6 @@ TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
         EXPECT_EQ(m_global.settings.filesPath, chosen ? m_folder.Path() : u"C:\\no such folder");
     }
     std::filesystem::current_path(before);
-}
-
-TEST_F(FrameTest, AFolderIsNoHelpFile) {
-    for (const char16_t* name : {u"Kelvo.chm", u"KelvoA.chm"}) std::filesystem::create_directory(m_folder.File(name));
-    WinDirectoryLookup lookup;
-    std::int16_t language = 0;
-    EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), u"");
-    static_cast<void>(m_folder.Write(u"KelvoZ.chm", "help"));
-    EXPECT_EQ(ChooseHelpFile(lookup, m_folder.Path(), language, u"RU"), m_folder.Path() + u"\\KelvoZ.chm");
 }
 
 using ::testing::ElementsAre;

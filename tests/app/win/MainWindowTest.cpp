@@ -53,8 +53,11 @@ TEST_F(MainWindowTest, FirstActivationOpensTheFirstRecording) {
 TEST_F(MainWindowTest, AnUncheckedChannelIsNotDrawn) {
     static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Noise(5000, 3))));
     Start();
+    Point(pbGraph, 100, 40);
+    Point(pbGraph, -300, 40);
     for (const bool checked : {false, true}) {
         ClickCheckBox(1);
+        EXPECT_EQ(m_form->ValuesText().find(u"Ch2:") != std::u16string::npos, checked);
         EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 200);
         EXPECT_EQ(Capture(pbGraph).Count(TraceColor(1)) > 0, checked);
     }

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <fstream>
 
 #include "app/win/MainWindowFixture.h"
 
@@ -56,40 +55,8 @@ TEST_F(SpectrogramTest, ShowsTheChosenChannelColumnForColumn) {
     m_global.settings.spectrum.decibelRange = 30.0F;
     Click(lvCh, line.left + 10, (line.top + line.bottom) / 2);
     EXPECT_FALSE(Capture(pbFFT) == taken) << "a click on the shown one computes it anew";
-    // What was scrolled is what is computed anew.
-    Command(mnuMove + 3);
-    Command(mnuMove + 0);
-    const Pixels scrolled = Capture(pbFFT);
-    Command(mnuSpectrogram);
-    Command(mnuSpectrogram);
-    EXPECT_TRUE(Capture(pbFFT) == scrolled);
     Command(mnuScaleX + 3);
     EXPECT_NEAR(Brightest(200), 0.5, 0.02) << "zoomed";
-}
-
-TEST_F(SpectrogramTest, WhatCannotBeReadIsToldAndComputedWhenItCanBe) {
-    StartWithTones();
-    Command(mnuSpectrogram);
-    const Pixels whole = Capture(pbFFT);
-    const std::filesystem::path file = m_folder.File(u"a.bin");
-    const auto size = std::filesystem::file_size(file);
-    std::filesystem::copy_file(file, m_folder.File(u"copy"));
-    Command(mnuSpectrogram);
-    m_global.view->Ranges().Reset();
-    std::filesystem::resize_file(file, size - 4 * 29700);
-    Command(mnuSpectrogram);
-    EXPECT_NEAR(Brightest(50), 0.25, 0.02) << "what can be read is shown";
-    EXPECT_THAT(Status(), ::testing::StartsWith(L"a.bin: "));
-    Point(pbFFT, 400, 20);
-    EXPECT_THAT(Wide(m_form->ValuesText()), ::testing::EndsWith(L"L:\t\r\n"));
-    Point(pbFFT, -100, -100);
-    // The file is whole again, in place.
-    std::filesystem::resize_file(file, size);
-    std::fstream(file, std::ios::in | std::ios::out | std::ios::binary)
-        << std::ifstream(m_folder.File(u"copy"), std::ios::binary).rdbuf();
-    Command(mnuZoomY + 1);
-    EXPECT_TRUE(Capture(pbFFT) == whole);
-    EXPECT_EQ(Status(), L"");
 }
 
 TEST_F(SpectrogramTest, PaletteReadoutAndNoBlock) {

@@ -103,35 +103,6 @@ TEST_F(FileNotification, TellsNewDeletedAndRenamedFilesOnceAPeriodAndNothingElse
     EXPECT_EQ(Tick(), 0);
 }
 
-TEST_F(FileNotification, ANewOrFailedWatchEndsTheOldOne) {
-    const fs::path first = Folder("first");
-    // Names outside the ANSI code page are watched too; to one without it, A with macron looks like A.
-    const fs::path second = Folder(L"Запись Ā 脳波");
-    static_cast<void>(Folder(L"A"));
-    ChangeWatch inFirst(first);
-    ChangeWatch inSecond(second);
-    const auto watch = Make();
-    ASSERT_TRUE(watch->StartWatch(first.wstring()));
-    inFirst.Expect([&] { Touch(first / "a.edf"); });
-    ASSERT_TRUE(watch->StartWatch(second.wstring()));
-    EXPECT_EQ(watch->Path(), second.wstring());
-    inFirst.Expect([&] { Touch(first / "b.edf"); });
-    EXPECT_EQ(Tick(), 0);
-    inSecond.Expect([&] { Touch(second / L"Ночь.edf"); });
-    EXPECT_EQ(Tick(), 1);
-    for (const std::wstring& path : {(m_path / "missing").wstring(), std::wstring(), (m_path / L"Ā").wstring()}) {
-        ASSERT_TRUE(watch->StartWatch(first.wstring()));
-        EXPECT_FALSE(watch->StartWatch(path));
-        EXPECT_FALSE(m_timer->enabled);
-        EXPECT_EQ(watch->Path(), L"");
-    }
-    inFirst.Expect([&] { Touch(first / "c.edf"); });
-    // Not even where the timer ticks on.
-    m_timer->enabled = true;
-    EXPECT_EQ(Tick(), 0);
-    EXPECT_FALSE(m_timer->enabled);
-}
-
 TEST(Timer, TicksOnlyWhileEnabledAndMayEndInItsTick) {
     int ticks = 0;
     std::unique_ptr<TimerObject> once;
