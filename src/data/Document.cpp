@@ -178,7 +178,9 @@ ReadStep Document::ReadMore(std::int32_t nearSample) {
         // Stretches are told apart by their times: where one title gets longer, all do.
         step.titlesChanged = title != firstTitle();
     }
-    if (number < 1 || number > m_file.blockCount || recording.Version() == m_marksVersion) return step;
+    if (number < 1 || number > m_file.blockCount) return step;
+    // At the end also what the last steps before did not take over.
+    if (step.more && recording.Version() == m_marksVersion) return step;
     std::shared_ptr<RecordingBlock> block;
     Resume([&] { block = recording.GetBlock(number); });
     if (block == nullptr) return step;

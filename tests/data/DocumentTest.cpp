@@ -234,6 +234,12 @@ TEST_F(DocumentTest, WhatOpeningLeftOutIsTakenOverAsItIsRead) {
     EXPECT_EQ(Shown(), "0111") << "the solo goes on";
     EXPECT_EQ(told(m_document.ReadMore(7)), "titles ");
     EXPECT_EQ(told(m_document.ReadMore(7)), "");
+    // A block that has grown by little is taken over at the end, though the last step finds nothing new.
+    const auto last = std::make_shared<FakeBlock>(*grown);
+    recording.steps = {[&] { --recording.version; }, [&] { recording.blocks[1] = last; }};
+    EXPECT_EQ(told(m_document.ReadMore(7)), "more ");
+    EXPECT_EQ(told(m_document.ReadMore(7)), "marks grown ");
+    EXPECT_EQ(m_block.block, last);
     m_document.CloseCurrentFile();
     EXPECT_EQ(told(m_document.ReadMore(7)), "");
 }
