@@ -20,7 +20,8 @@ void BackgroundWork::BlockLoaded() {
 }
 
 void BackgroundWork::Rescaled() {
-    for (const Priority priority : {kScales, kRange, kSpectrum, kSummary}) m_slices.Drop(priority);
+    // Who waits for ranges gets those of the new codes.
+    for (const Priority priority : {kScales, kSpectrum, kSummary}) m_slices.Drop(priority);
     Summarise();
 }
 
@@ -62,36 +63,41 @@ void BackgroundWork::SpectrumDrawn(bool complete) {
     if (!m_slices.IsRunning(kSpectrum)) Start(kSpectrum, {IDS_WORK_SPECTRUM, onSpectrum, onSpectrumShare, {}});
 }
 
-bool BackgroundWork::FindRanges(std::vector<std::int16_t> channels, const std::function<void()>& then) {
+bool BackgroundWork::ReadRanges() {
+    return m_view.Ranges().ReadMissing(m_document.Block(), m_rangeChannels, m_view.Axis().Visible());
+}
+
+void BackgroundWork::RangesFound() {
+    for (const auto& [user, then] : std::exchange(m_rangeUsers, {})) then();
+}
+
+bool BackgroundWork::FindRanges(RangeUser user, const std::vector<std::int16_t>& channels,
+                                const std::function<void()>& then) {
     constexpr std::chrono::milliseconds quick{20};
     const WorkSlices::Clock::time_point start = WorkSlices::Clock::now();
-    RangeRecords& ranges = m_view.Ranges();
-    const auto step = [this, &ranges](const std::vector<std::int16_t>& wanted) {
-        return ranges.ReadMissing(m_document.Block(), wanted, m_view.Axis().Visible());
-    };
-    if (m_slices.IsRunning(kRange)) {
-        // One search for all who wait.
-        std::copy_if(m_rangeChannels.begin(), m_rangeChannels.end(), std::back_inserter(channels),
-                     [&](std::int16_t channel) {
-                         return std::find(channels.begin(), channels.end(), channel) == channels.end();
-                     });
-    } else {
-        m_rangeWaiters.clear();
+    const bool running = m_slices.IsRunning(kRange);
+    if (!running) {
+        m_rangeChannels.clear();
+        m_rangeUsers.clear();
     }
-    bool more = step(channels);
-    while (more && WorkSlices::Clock::now() - start < quick) more = step(channels);
+    // One search for all who wait; it begins anew only where a channel is added.
+    for (const std::int16_t channel : channels) {
+        if (std::find(m_rangeChannels.begin(), m_rangeChannels.end(), channel) == m_rangeChannels.end())
+            m_rangeChannels.push_back(channel);
+    }
+    m_rangeUsers.erase(user);
+    bool more = ReadRanges();
+    while (more && WorkSlices::Clock::now() - start < quick) more = ReadRanges();
     if (!more) {
         m_slices.Drop(kRange);
-        for (const auto& waiter : std::exchange(m_rangeWaiters, {})) waiter();
+        RangesFound();
         return true;
     }
-    m_rangeWaiters.push_back(then);
-    m_rangeChannels = std::move(channels);
-    Start(kRange,
-          {IDS_WORK_RANGE, [this, step] { return step(m_rangeChannels); }, [&ranges] { return ranges.PassedShare(); },
-           [this] {
-               for (const auto& waiter : std::exchange(m_rangeWaiters, {})) waiter();
-           }});
+    m_rangeUsers[user] = then;
+    if (!running) {
+        Start(kRange, {IDS_WORK_RANGE, [this] { return ReadRanges(); },
+                       [this] { return m_view.Ranges().PassedShare(); }, [this] { RangesFound(); }});
+    }
     return false;
 }
 

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -38,9 +39,11 @@ class BackgroundWork {
     /// The graph or the spectrogram has been drawn, possibly in part.
     void GraphDrawn(bool complete);
     void SpectrumDrawn(bool complete);
+    /// Who waits for ranges.
+    enum class RangeUser { FindData, Spectrum };
     /// Finds the ranges of channels (from 1) over the whole block. True where that is quick; else `then` is called when
-    /// they are recorded.
-    bool FindRanges(std::vector<std::int16_t> channels, const std::function<void()>& then);
+    /// they are recorded, instead of what the same user asked for before.
+    bool FindRanges(RangeUser user, const std::vector<std::int16_t>& channels, const std::function<void()>& then);
     /// Another pass, for the statistics of a selection.
     void Measure(const std::function<bool()>& step, const std::function<double()>& share);
     void EndMeasure() { m_slices.Drop(kStatistics); }
@@ -67,13 +70,15 @@ class BackgroundWork {
     void Start(Priority priority, WorkSlices::Pass pass);
     void FindScales();
     void ReadOn();
+    bool ReadRanges();
+    void RangesFound();
 
     Document& m_document;
     WaveformView& m_view;
     WorkSlices m_slices;
-    bool m_rescaled = false;  ///< the pass that found the scales has changed them
-    std::vector<std::int16_t> m_rangeChannels;
-    std::vector<std::function<void()>> m_rangeWaiters;
+    bool m_rescaled = false;                    ///< the pass that found the scales has changed them
+    std::vector<std::int16_t> m_rangeChannels;  ///< those that are searched while kRange is running
+    std::map<RangeUser, std::function<void()>> m_rangeUsers;
 };
 
 }  // namespace quillon

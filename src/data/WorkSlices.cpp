@@ -6,7 +6,7 @@
 namespace quillon {
 
 void WorkSlices::Start(int priority, Pass pass) {
-    m_passes.insert_or_assign(priority, Running{std::move(pass), Clock::now(), ++m_started});
+    m_passes.insert_or_assign(priority, Running{std::make_shared<const Pass>(std::move(pass)), Clock::now()});
 }
 
 bool WorkSlices::Run(Clock::duration slice) {
@@ -27,29 +27,27 @@ bool WorkSlices::Run(Clock::duration slice) {
 
 void WorkSlices::RunStep() {
     const int priority = m_passes.begin()->first;
-    const std::size_t number = m_passes.begin()->second.number;
-    // A copy, since the step may drop its own pass.
-    const Pass pass = m_passes.begin()->second.pass;
+    const std::shared_ptr<const Pass> pass = m_passes.begin()->second.pass;
     const auto isPresent = [&] {
         const auto found = m_passes.find(priority);
-        return found != m_passes.end() && found->second.number == number;
+        return found != m_passes.end() && found->second.pass == pass;
     };
     try {
-        if (pass.step()) return;
+        if (pass->step()) return;
     } catch (...) {
         if (isPresent()) Drop(priority);
         throw;
     }
     if (!isPresent()) return;
     Drop(priority);
-    if (pass.onDone) pass.onDone();
+    if (pass->onDone) pass->onDone();
 }
 
 std::optional<WorkSlices::Report> WorkSlices::Current() const {
     if (m_passes.empty()) return std::nullopt;
     const Running& running = m_passes.begin()->second;
     if (Clock::now() - running.start < kReportAfter) return std::nullopt;
-    return Report{running.pass.text, std::clamp(static_cast<int>(running.pass.share() * 100.0), 0, 99)};
+    return Report{running.pass->text, std::clamp(static_cast<int>(running.pass->share() * 100.0), 0, 99)};
 }
 
 }  // namespace quillon

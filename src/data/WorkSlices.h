@@ -1,9 +1,9 @@
 #pragma once
 
 #include <chrono>
-#include <cstddef>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 
 namespace quillon {
@@ -47,15 +47,13 @@ class WorkSlices {
 
   private:
     struct Running {
-        Pass pass;
+        std::shared_ptr<const Pass> pass;  ///< shared with a step that may drop or replace it
         Clock::time_point start;
-        std::size_t number = 0;  ///< tells it from a pass that has replaced it
     };
     void RunStep();
 
     std::map<int, Running> m_passes;  ///< by priority
-    std::size_t m_started = 0;
-    bool m_inside = false;  ///< a step is running
+    bool m_inside = false;            ///< a step is running
 };
 
 }  // namespace quillon

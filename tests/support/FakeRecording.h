@@ -149,6 +149,7 @@ class FakeRecording : public Recording {
         return !steps.empty();
     }
     std::int32_t Version() const override { return version; }
+    double ReadShare() const override { return steps.empty() ? 1.0 : 0.0; }
     std::u16string FileName() const override { return name; }
     std::u16string FormatName() const override { return u"FAKE"; }
     std::u16string FileInfo() const override { return u"fake"; }

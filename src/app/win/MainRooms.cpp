@@ -154,7 +154,7 @@ void MainRooms::WireBackground() {
     m_background.onRescaled = [this] { Rescaled(); };
     m_background.onFound = [this](const ReadStep& step) { Found(step); };
     spectrogram.onRange = [this](std::int16_t channel) {
-        return m_background.FindRanges({channel}, [this] {
+        return m_background.FindRanges(BackgroundWork::RangeUser::Spectrum, {channel}, [this] {
             spectrogram.UseRange();
             DrawSpectrogram(true);
             TellUnreadable(false);
@@ -361,7 +361,10 @@ void MainRooms::ShowSpectrogram() {
 
 void MainRooms::FindData() {
     const auto find = [this] { ViewChanged(view.FindData()); };
-    if (view.RawCodes() || m_background.FindRanges(ChannelsOf(view.GetLanes()), find)) find();
+    // Other channels may be shown when the ranges are found.
+    const auto found = [this, find] { view.Ranges().IsRecorded(ChannelsOf(view.GetLanes())) ? find() : FindData(); };
+    const std::vector<std::int16_t> shown = ChannelsOf(view.GetLanes());
+    if (view.RawCodes() || m_background.FindRanges(BackgroundWork::RangeUser::FindData, shown, found)) find();
 }
 
 // Work behind what is shown.
