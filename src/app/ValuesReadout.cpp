@@ -37,7 +37,7 @@ void ValuesReadout::TellRange() {
 }
 
 void ValuesReadout::MoreKnown() {
-    if (IsIncomplete()) TellRange();
+    if (IsIncomplete() && m_view.Selected().active) TellRange();
 }
 
 void ValuesReadout::SelectionChanged(bool moved) {

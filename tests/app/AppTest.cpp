@@ -214,6 +214,24 @@ TEST_F(ValuesReadoutTest, ARangeIsToldAsLongAsItIsSelected) {
     EXPECT_EQ(m_text, hover) << "a readout of a sample has no need of a selection";
 }
 
+TEST_F(ValuesReadoutTest, ARangeIsCompletedWhileItIsSelected) {
+    auto block = std::make_shared<FakeBlock>();
+    block->samples.assign(2, std::vector<std::int16_t>(100000, 7));
+    block->pieceSamples = 10000;
+    Load(block);
+    m_view.SelectBlock();
+    m_values.SelectionChanged(true);
+    EXPECT_TRUE(m_values.IsIncomplete());
+    m_view.LeaveBlock();
+    m_told = 0;
+    m_values.MoreKnown();
+    EXPECT_EQ(m_told, 0) << "the block is gone";
+    m_view.SelectBlock();
+    for (int turn = 0; turn < 3; ++turn) m_values.MoreKnown();
+    EXPECT_FALSE(m_values.IsIncomplete());
+    EXPECT_TRUE(m_text.find(u"\u2026") == std::u16string::npos);
+}
+
 TEST(ViewTables, TextKeepsItsColumnsWhateverTheCellsHold) {
     TextTable table;
     table.columns = {u"Name", u"a\tb", u"End"};

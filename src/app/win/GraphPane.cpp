@@ -165,7 +165,6 @@ void GraphPane::LeaveBlock() {
     m_hover.End();
     const HWND capture = GetCapture();
     if (capture != nullptr && (capture == m_graph.Window() || capture == m_scaleY.Window())) ReleaseCapture();
-    m_fitWhenDrawn = false;
     m_painter.ForgetBlock();
     m_painter.Clear(m_size.cx, m_size.cy);
 }

@@ -63,8 +63,12 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] double DrawnShare() const { return 1.0 - m_painter.MissingShare(); }
     /// Chooses the scales that had to wait until the graph was complete; false when there were none.
     bool FitDrawn();
+    /// Whether scales wait for that; stays so when the block is left, for its successor.
+    [[nodiscard]] bool IsFitPending() const { return m_fitWhenDrawn; }
     /// Redraws everything for the current view. A shift means that the view was only scrolled since the last drawing.
     void Refresh(std::int32_t shift);
+    /// The codes of the block have changed: what was read of them is out of date.
+    void Rescaled() { m_painter.ForgetBlock(); }
     /// The block is about to be closed.
     void LeaveBlock();
     void ShowSelection();

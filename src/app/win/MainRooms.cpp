@@ -258,10 +258,11 @@ void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
 void MainRooms::LeaveBlock() {
     playback.Stop();
     m_background.BlockLeft();
-    ShowProgress();
     graph.LeaveBlock();
     spectrogram.LeaveBlock();
     view.LeaveBlock();
+    // Not before: after a reload the view's extremes are those of another block than the document's.
+    ShowProgress();
     commands.SetMenuChannel(0);
     m_unreadable = {};
     // What was told of the file that goes.
@@ -276,7 +277,7 @@ void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
         recording.FillChannels(kept.has_value());
         m_values.TellDetails();
     }
-    if (!kept) graph.FitScales();
+    if (!kept || graph.IsFitPending()) graph.FitScales();
     SetWindowTextW(Window(), Wide(WindowCaption(m_document.File().fileName, recording.BlockLine())).c_str());
     Refresh();
     if (kept && view.Selected().active) m_values.TellRange();
@@ -393,6 +394,7 @@ void MainRooms::OnTimer(UINT_PTR timer) {
 void MainRooms::Rescaled() {
     playback.Stop();
     view.Rescaled();
+    graph.Rescaled();
     spectrogram.LeaveBlock();
     m_background.Rescaled();
     m_values.BlockChanged();
