@@ -149,7 +149,11 @@ void MainRooms::WireBackground() {
         if (graph.FitDrawn()) return Refresh();
         TellUnreadable(true);
     };
-    m_background.onSpectrum = [this] { return spectrogram.DrawMore(); };
+    m_background.onSpectrum = [this] {
+        const bool more = spectrogram.DrawMore();
+        if (!more) TellUnreadable(false);
+        return more;
+    };
     m_background.onSpectrumShare = [this] { return spectrogram.DrawnShare(); };
     m_background.onRescaled = [this] { Rescaled(); };
     m_background.onFound = [this](const ReadStep& step) { Found(step); };
@@ -379,16 +383,15 @@ bool MainRooms::RunSlice() {
     }
     if (longCommand.IsGone()) return false;
     ShowProgress();
-    if (m_background.IsIdle()) KillTimer(Window(), kSliceTimer);
     return !m_background.IsIdle();
 }
 
 void MainRooms::OnTimer(UINT_PTR timer) {
-    if (timer == kSliceTimer) {
-        RunSlice();
-    } else {
-        graph.OnTimer(timer);
-    }
+    if (timer != kSliceTimer) return graph.OnTimer(timer);
+    if (RunSlice() || !m_background.IsIdle()) return;
+    // The last pass may have been dropped outside a slice.
+    KillTimer(Window(), kSliceTimer);
+    ShowProgress();
 }
 
 void MainRooms::Rescaled() {
@@ -416,13 +419,16 @@ void MainRooms::Found(const ReadStep& step) {
 bool MainRooms::CompleteScales() {
     const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
     PrepareStep step = PrepareStep::More;
-    while (block->IsProvisional() && step == PrepareStep::More) {
-        if (!longCommand.StayAlive()) return false;
-        step = m_document.PrepareMore();
+    bool alive = true;
+    while (alive && block->IsProvisional() && step == PrepareStep::More) {
+        alive = longCommand.StayAlive();
+        if (alive) step = m_document.PrepareMore();
         const auto percent = static_cast<std::int32_t>(block->PreparedShare() * 100.0);
-        status.Tell(StatusBar::Topic::Outcome,
+        status.Tell(StatusBar::Topic::Progress,
                     m_parts.services.Text(IDS_WORK_SCALES) + u": " + Decimal(percent) + u" %");
     }
+    status.Retract(StatusBar::Topic::Progress);
+    if (!alive) return false;
     if (step == PrepareStep::DoneRescaled) Rescaled();
     return true;
 }
@@ -442,6 +448,9 @@ void MainRooms::ShowProgress() {
 
 bool MainRooms::CompletePictures() {
     const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
+    // What the user has stopped before is wanted now.
+    m_background.GraphDrawn(!graph.IsIncomplete());
+    m_background.SpectrumDrawn(!spectrogram.IsIncomplete());
     if (!m_background.ArePicturesComplete()) {
         RunLong([this] {
             while (!m_background.ArePicturesComplete() && longCommand.StayAlive()) {

@@ -1,5 +1,6 @@
 #include "app/win/ViewDialogs.h"
 
+#include <memory>
 #include <utility>
 
 #include "app/StringIds.h"
@@ -22,12 +23,13 @@ void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& se
     TextTable table = StatisticsTable(source, selection, services);
     table.rows = StatisticsRows(source, pass);
     if (pass.IsDone()) return ShowTable(owner, std::move(table));
+    // Nobody refers to the pass any longer when this function is left, in whichever way.
+    const std::shared_ptr<void> work(nullptr, [&](void*) { onWork(nullptr); });
     onWork(&pass);
     ShowTable(owner, std::move(table), [&](TextTable& shown) {
         shown.rows = StatisticsRows(source, pass);
         return !pass.IsDone();
     });
-    onWork(nullptr);
 }
 
 std::optional<std::u16string> AskForPlace(HWND owner, const std::u16string& present, const UserServices& services) {
