@@ -185,6 +185,8 @@ void RangeRecords::Store(const ViewBlock& block) {
         std::optional<RunExtremes> codes = m_run->others.codes[at];
         Widen(codes, m_extremes.KnownExtremes(channel));
         Record& record = m_ranges[static_cast<std::size_t>(channel - 1)];
+        // Another channel of this run may lack samples that this one has.
+        if (record.whole) continue;
         record = {true, m_run->others.failure.empty(), m_run->others.failure, std::nullopt};
         if (codes) record.range = InUnits(block, channel, *codes);
     }

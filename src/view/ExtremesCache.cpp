@@ -103,7 +103,10 @@ bool ExtremesCache::FillUnits(RecordingBlock& block, std::span<const std::int16_
     std::vector<RunExtremes*> targets(channels.size());
     for (std::size_t at = 0; at < targets.size(); ++at) targets[at] = m_buffer.data() + at * cells;
     if (!block.ColumnExtremes(channels, first, count, kCell, targets)) return false;
-    const bool keepFine = eviction == Eviction::Allowed || m_bytes + m_buffer.size() * sizeof(RunExtremes) <= m_limit;
+    // Cells are allocated for whole chunks, of which this may begin one more than it fills.
+    const auto chunks = static_cast<std::size_t>(unitCount / kUnitsOfChunk + 2);
+    const std::size_t most = chunks * (kChunk / kCell) * channels.size() * sizeof(RunExtremes);
+    const bool keepFine = eviction == Eviction::Allowed || m_bytes + most <= m_limit;
     constexpr auto perUnit = static_cast<std::size_t>(kCoarseCell / kCell);
     for (std::int32_t unit = 0; unit < unitCount; ++unit) {
         const std::size_t from = static_cast<std::size_t>(unit) * perUnit;

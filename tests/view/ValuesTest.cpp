@@ -265,6 +265,56 @@ TEST_F(RangeTest, WhatCannotBeReadIsLeftOutUntilItCanBe) {
     EXPECT_EQ(records.Failure(), "");
 }
 
+TEST_F(RangeTest, ReadInStepsOfAnyOrderTheyAreThoseOfAPlainPass) {
+    std::mt19937 random(7);
+    const auto some = [&](int below) { return static_cast<std::int32_t>(random() % static_cast<unsigned>(below)); };
+    const std::vector<std::vector<std::int16_t>> sets{{1}, {2}, {2, 1}};
+    for (int round = 0; round < 60; ++round) {
+        block.sampleCount = round % 10 == 0 ? 1 + some(4) : 1 + some(300000);
+        for (auto& channel : fake->samples) {
+            channel.resize(static_cast<std::size_t>(block.sampleCount));
+            for (std::int16_t& code : channel) code = static_cast<std::int16_t>(random() % 1000);
+            channel[static_cast<std::size_t>(some(block.sampleCount))] = static_cast<std::int16_t>(2000 + some(9));
+            channel[static_cast<std::size_t>(some(block.sampleCount))] = static_cast<std::int16_t>(-some(9));
+        }
+        fake->framed = round % 2 == 0;
+        fake->offersExtremes = round % 5 != 0;
+        fake->pieceSamples = 1 + some(40000);
+        ExtremesCache extremes(round % 3 == 0 ? 20000 : ExtremesCache::kDefaultLimit);
+        RangeRecords records(extremes);
+        const std::int64_t most = std::max(fake->pieceSamples, ExtremesCache::kCoarseCell) + 1;
+        std::size_t asked = 2;
+        for (int step = 0, more = 1; more != 0; ++step) {
+            ASSERT_LT(step, 5000);
+            // Another set of channels, or another view, takes over while a search is under way; what part of the range
+            // of some samples is known by then is so.
+            if (some(12) == 0 && step < 300) asked = static_cast<std::size_t>(some(3));
+            const SampleSpan range{some(block.sampleCount), 1};
+            const SampleSpan span{range.first, 1 + some(block.sampleCount - range.first)};
+            if (const auto found = extremes.ExtremesOf(*fake, sets[2], span)) {
+                const std::vector<RunExtremes> plain = ExtremeCodes(*fake, sets[2], span);
+                for (std::size_t at = 0; at < 2; ++at) {
+                    ASSERT_EQ(std::minmax({(*found)[at].first, (*found)[at].second}),
+                              std::minmax({plain[at].first, plain[at].second}));
+                }
+            }
+            fake->samplesRead = 0;
+            more = records.ReadMissing(block, sets[asked], range) ? 1 : 0;
+            ASSERT_LE(fake->samplesRead, 2 * most);
+            ASSERT_LE(extremes.Bytes(), round % 3 == 0 ? 20000 : ExtremesCache::kDefaultLimit);
+        }
+        for (const std::int16_t channel : sets[asked]) {
+            const auto [low, high] = std::minmax_element(fake->samples[static_cast<std::size_t>(channel - 1)].begin(),
+                                                         fake->samples[static_cast<std::size_t>(channel - 1)].end());
+            const float scale = channel == 1 ? 0.5F : -1.0F;
+            const auto [least, greatest] =
+                std::minmax({static_cast<float>(*low) * scale, static_cast<float>(*high) * scale});
+            const float offset = block.offsets[static_cast<std::size_t>(channel - 1)];
+            Expect(records.Found({&channel, 1}), least + offset, greatest + offset);
+        }
+    }
+}
+
 TEST_F(RangeTest, TheCentralOneLeavesOutArtefactsOfOneHundredthButNoPeaks) {
     std::mt19937 random(4);
     for (const int count : {1, 2, 100, 199, 200, 1000, 1999}) {
