@@ -189,32 +189,20 @@ TEST(QL_FFT, ColumnsLeftForLaterAreInTheEndThoseComputedAtOnce) {
     }
     hasty.SetPatience(std::chrono::milliseconds(0));
     std::int32_t first = 0;
-    for (int round = 0; round < 100; ++round) {
+    for (int round = 0; round < 300; ++round) {
         // Scrolled, narrowed and widened while columns are missing.
-        for (int move = 0; move < 4; ++move) {
-            first = std::clamp(first + static_cast<std::int32_t>(random() % 121) - 60, 0, 800);
-            const std::int32_t width = random() % 4 == 0 ? 60 : 100;
-            hasty.FFT_Update(first, width, 10, false);
-            if (random() % 2 == 0) hasty.FFT_ComputePending();
-            patient.FFT_Update(first, width, 10, true);
-            for (std::int32_t column = 0; column < width; ++column) {
-                for (std::int32_t bin = 0; bin < hasty.BinCount(); ++bin) {
-                    const auto at = static_cast<std::size_t>(bin * hasty.ImageWidth() + column);
-                    ASSERT_EQ(hasty.Image()[at], hasty.IsPending(column) ? 0 : patient.Image()[at]) << round;
-                }
+        first = std::clamp(first + static_cast<std::int32_t>(random() % 121) - 60, 0, 800);
+        const std::int32_t width = random() % 4 == 0 ? 60 : 100;
+        hasty.FFT_Update(first, width, 10, false);
+        const bool all = round % 4 == 3;
+        for (bool more = random() % 2 == 0 || all; more;) more = hasty.FFT_ComputePending() && all;
+        ASSERT_TRUE(!all || (!hasty.IsIncomplete() && hasty.ComputedShare() == 1.0));
+        patient.FFT_Update(first, width, 10, true);
+        for (std::int32_t column = 0; column < width; ++column) {
+            for (std::int32_t bin = 0; bin < hasty.BinCount(); ++bin) {
+                const auto at = static_cast<std::size_t>(bin * hasty.ImageWidth() + column);
+                ASSERT_EQ(hasty.Image()[at], hasty.IsPending(column) ? 0 : patient.Image()[at]) << round;
             }
-        }
-        for (bool more = true; more;) {
-            const double share = hasty.ComputedShare();
-            more = hasty.FFT_ComputePending();
-            EXPECT_TRUE(hasty.ComputedShare() > share || share == 1.0);
-        }
-        EXPECT_FALSE(hasty.IsIncomplete());
-        const auto columns = static_cast<std::size_t>(hasty.State().columnCount);
-        for (std::int32_t bin = 0; bin < hasty.BinCount(); ++bin) {
-            const auto row = static_cast<std::size_t>(bin * hasty.ImageWidth());
-            const auto expected = patient.Image().subspan(row, columns);
-            ASSERT_TRUE(std::equal(expected.begin(), expected.end(), &hasty.Image()[row])) << round;
         }
     }
 }

@@ -148,6 +148,16 @@ TEST(ExtremesCache, EqualsTheBlockWithinItsMemoryAndReadsNothingTwice) {
     block.failing = {"ColumnExtremes", "ReadCodes"};
     EXPECT_TRUE(roomy.ColumnExtremes(block, one, 500001, 600000, 500, targets)) << "nothing is read again";
     EXPECT_TRUE(roomy.ColumnExtremes(block, one, 1, samples - 1, 10000, targets));
+    // A summary of the whole block evicts nothing that a view has read.
+    ExtremesCache full(limit);
+    block.failing.clear();
+    block.pieceSamples = 10000;
+    ASSERT_TRUE(full.ColumnExtremes(block, one, 1, 100000, 100, targets));
+    const SampleSpan all{1, samples - 1};
+    while (full.KnownTo(block, one, all, 10000) < samples)
+        ASSERT_TRUE(full.Fill(block, one, all, 10000, ExtremesCache::Eviction::Never));
+    block.failing = {"ColumnExtremes", "ReadCodes"};
+    EXPECT_TRUE(full.ColumnExtremes(block, one, 1, 100000, 100, targets));
     roomy.Reset();
     EXPECT_THROW(roomy.ColumnExtremes(block, one, 1, 200, 100, targets), std::exception);
 }
