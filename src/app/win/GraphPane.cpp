@@ -342,6 +342,12 @@ void GraphPane::ShowSample(std::int32_t sample) {
     ReadOut(sample, m_view.Axis().ColumnOf(sample - 1), 0);
 }
 
+void GraphPane::OpenContextMenu() const {
+    RECT place{};
+    GetWindowRect(m_graph.Window(), &place);
+    onContextMenu({place.left, place.top}, 0);
+}
+
 void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
     ShowCursor(BandOf(m_view.Axis(), {sample - 1, 1}));
     const auto mark = m_painter.MarkAt(Scene(), x, row);

@@ -77,6 +77,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void ShowCursor(const std::optional<ColumnBand>& band);
     /// Shows the readout of a sample, independent of the pointer.
     void ShowSample(std::int32_t sample);
+    /// Asks for the context menu at the corner of the graph, for no channel.
+    void OpenContextMenu() const;
     /// The view has scrolled under a resting pointer: updates the readout.
     void HoverAgain();
     /// Reason why some of the drawn samples could not be read; empty when all were read.

@@ -10,28 +10,19 @@
 #include "app/StringIds.h"
 #include "base/FilePath.h"
 #include "base/SystemText.h"
-#include "base/Text.h"
 #include "data/win/FileIdentity.h"
 #include "dialogs/DialogTexts.h"
 
 namespace quillon {
 
-namespace {
-
-/// While a menu or a dialog is open, the loop of messages that works between them is not running.
-constexpr UINT_PTR kSliceTimer = 2;
-constexpr UINT kSlicePeriod = 10;  // ms
-
-}  // namespace
-
 MainRooms::MainRooms(RoomParts parts)
     : m_parts(std::move(parts)),
       m_document(m_parts.document),
       m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
-      m_background(m_document, m_parts.view),
       m_values(m_document, m_parts.view, m_parts.format, m_parts.settings),
       view(m_parts.view),
       playback(m_parts.playback),
+      slices(m_document, view, m_parts.services, status, longCommand, graph, spectrogram),
       commands(m_document, view, playback),
       graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
@@ -119,7 +110,7 @@ void MainRooms::WireSound() {
 void MainRooms::WireCommands() {
     commands.onChange = [this](const ViewChange& change) { ViewChanged(change); };
     commands.onHistory = [this] { UpdateState(); };
-    commands.onStop = [this] { return m_background.DropCurrent() && (ShowProgress(), true); };
+    commands.onStop = [this] { return slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };
     commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
     dialogs.onHelp = [this] { onHelp(); };
@@ -127,43 +118,28 @@ void MainRooms::WireCommands() {
     dialogs.onRedraw = [this] { Refresh(); };
     dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
     dialogs.onStatistics = [this](StatisticsPass* pass) {
-        if (pass == nullptr) return m_background.EndMeasure();
-        m_background.Measure([pass] { return pass->Step(); }, [pass] { return pass->Share(); });
+        if (pass == nullptr) return slices.work.EndMeasure();
+        slices.work.Measure([pass] { return pass->Step(); }, [pass] { return pass->Share(); });
     };
-    dialogs.onPrepare = [this] { return CompleteScales(); };
+    dialogs.onPrepare = [this] { return slices.CompleteScales(); };
     dialogs.onPictures = [this] { return CompletePictures(); };
     dialogs.onFiles = [this] { browser.FilesChanged(); };
     longCommand.onClose = [this] { return m_parts.services.Ask(m_parts.services.Text(IDS_STOP_AND_CLOSE)); };
     exports.onDialog = [this] { m_hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
-    exports.onPrepare = [this] { return CompleteScales(); };
+    exports.onPrepare = [this] { return slices.CompleteScales(); };
     exports.onPending = [this] { return longCommand.StayAlive(); };
     exports.isGone = [this] { return longCommand.IsGone(); };
 }
 
 void MainRooms::WireBackground() {
-    m_background.onStart = [this] { SetTimer(Window(), kSliceTimer, kSlicePeriod, nullptr); };
-    m_background.onDraw = [this] { return graph.DrawMore(); };
-    m_background.onDrawnShare = [this] { return graph.DrawnShare(); };
-    m_background.onDrawn = [this] {
-        if (graph.FitDrawn()) return Refresh();
-        TellUnreadable(true);
-    };
-    m_background.onSpectrum = [this] {
-        const bool more = spectrogram.DrawMore();
-        if (!more) TellUnreadable(false);
-        return more;
-    };
-    m_background.onSpectrumShare = [this] { return spectrogram.DrawnShare(); };
-    m_background.onRescaled = [this] { Rescaled(); };
-    m_background.onFound = [this](const ReadStep& step) { Found(step); };
-    spectrogram.onRange = [this](std::int16_t channel) {
-        return m_background.FindRanges(BackgroundWork::RangeUser::Spectrum, {channel}, [this] {
-            spectrogram.UseRange();
-            DrawSpectrogram(true);
-            TellUnreadable(false);
-        });
-    };
+    slices.onKnown = [this] { m_values.MoreKnown(); };
+    slices.onFailed = [this](const std::exception& error) { Failed(error); };
+    slices.onFitted = [this] { Refresh(); };
+    slices.onPictures = [this](bool wholeView) { TellUnreadable(wholeView); };
+    slices.onRescaled = [this] { Rescaled(); };
+    slices.work.onFound = [this](const ReadStep& step) { Found(step); };
+    slices.Wire();
 }
 
 void MainRooms::CreateFirst(HWND window) {
@@ -190,11 +166,11 @@ void MainRooms::ShowAll() {
     recording.FillChannels(false);
     m_values.TellDetails();
     Refresh();
-    ShowBlockSpectrum();
+    slices.InitSpectrogram();
 }
 
 void MainRooms::Close() {
-    m_background.BlockLeft();
+    slices.work.BlockLeft();
     browser.Close();
     playback.Close();
     longCommand.SetWindow(nullptr);
@@ -261,12 +237,12 @@ void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
 
 void MainRooms::LeaveBlock() {
     playback.Stop();
-    m_background.BlockLeft();
+    slices.work.BlockLeft();
     graph.LeaveBlock();
     spectrogram.LeaveBlock();
     view.LeaveBlock();
     // Not before: after a reload the view's extremes are those of another block than the document's.
-    ShowProgress();
+    slices.ShowProgress();
     commands.SetMenuChannel(0);
     m_unreadable = {};
     // What was told of the file that goes.
@@ -285,28 +261,14 @@ void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
     SetWindowTextW(Window(), Wide(WindowCaption(m_document.File().fileName, recording.BlockLine())).c_str());
     Refresh();
     if (kept && view.Selected().active) m_values.TellRange();
-    if (m_complete) ShowBlockSpectrum();
-    m_background.BlockLoaded();
-}
-
-void MainRooms::ShowBlockSpectrum() {
-    if (!m_parts.settings.window.spectrogramShown) return;
-    // The waveform first.
-    UpdateWindow(graph.Graph());
-    spectrogram.Spectrogram_Init(true);
-    m_background.SpectrumDrawn(!spectrogram.IsIncomplete());
-    TellUnreadable(false);
-}
-
-void MainRooms::DrawSpectrogram(bool force) {
-    spectrogram.Spectrogram_Draw(force);
-    m_background.SpectrumDrawn(!spectrogram.IsIncomplete());
+    if (m_complete) slices.InitSpectrogram();
+    slices.work.BlockLoaded();
 }
 
 void MainRooms::ChooseChannel() {
     playback.Stop();
     spectrogram.ChooseChannel();
-    DrawSpectrogram(true);
+    slices.DrawSpectrogram(true);
     TellUnreadable(false);
     m_values.KeepTrue();
 }
@@ -319,7 +281,7 @@ void MainRooms::ViewChanged(const ViewChange& change) {
     if (!change.selection) return;
     graph.ShowSelection();
     m_values.SelectionChanged(true);
-    if (m_values.IsIncomplete()) m_background.Summarise();
+    if (m_values.IsIncomplete()) slices.work.Summarise();
     UpdateState();
 }
 
@@ -327,8 +289,8 @@ void MainRooms::Refresh(std::int32_t shift) {
     if (longCommand.IsGone() || IsIconic(Window())) return;
     graph.Refresh(shift);
     if (graph.FitDrawn()) graph.Refresh(0);
-    m_background.GraphDrawn(!graph.IsIncomplete());
-    if (m_complete) DrawSpectrogram(false);
+    slices.GraphDrawn();
+    if (m_complete) slices.DrawSpectrogram(false);
     // Once the view has changed, clear the message about a position that was not understood.
     status.Retract(StatusBar::Topic::Place);
     TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
@@ -365,33 +327,13 @@ void MainRooms::ShowSpectrogram() {
 }
 
 void MainRooms::FindData() {
-    const auto find = [this] { ViewChanged(view.FindData()); };
-    // Other channels may be shown when the ranges are found.
-    const auto found = [this, find] { view.Ranges().IsRecorded(ChannelsOf(view.GetLanes())) ? find() : FindData(); };
-    const std::vector<std::int16_t> shown = ChannelsOf(view.GetLanes());
-    if (view.RawCodes() || m_background.FindRanges(BackgroundWork::RangeUser::FindData, shown, found)) find();
+    slices.FindData([this] { ViewChanged(view.FindData()); });
 }
 
 // Work behind what is shown.
 
-bool MainRooms::RunSlice() {
-    if (longCommand.IsBusy() || longCommand.IsGone() || m_background.IsIdle()) return false;
-    try {
-        m_background.RunSlice();
-    } catch (const std::exception& error) {
-        Failed(error);
-    }
-    if (longCommand.IsGone()) return false;
-    ShowProgress();
-    return !m_background.IsIdle();
-}
-
 void MainRooms::OnTimer(UINT_PTR timer) {
-    if (timer != kSliceTimer) return graph.OnTimer(timer);
-    if (RunSlice() || !m_background.IsIdle()) return;
-    // The last pass may have been dropped outside a slice.
-    KillTimer(Window(), kSliceTimer);
-    ShowProgress();
+    if (!slices.OnTimer(timer)) graph.OnTimer(timer);
 }
 
 void MainRooms::Rescaled() {
@@ -399,10 +341,10 @@ void MainRooms::Rescaled() {
     view.Rescaled();
     graph.Rescaled();
     spectrogram.LeaveBlock();
-    m_background.Rescaled();
+    slices.work.Rescaled();
     m_values.BlockChanged();
     Refresh();
-    if (m_complete) ShowBlockSpectrum();
+    if (m_complete) slices.InitSpectrogram();
 }
 
 void MainRooms::Found(const ReadStep& step) {
@@ -416,60 +358,14 @@ void MainRooms::Found(const ReadStep& step) {
     if (step.marksChanged) Refresh();
 }
 
-bool MainRooms::CompleteScales() {
-    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
-    PrepareStep step = PrepareStep::More;
-    bool alive = true;
-    while (alive && block->IsProvisional() && step == PrepareStep::More) {
-        alive = longCommand.StayAlive();
-        if (alive) step = m_document.PrepareMore();
-        const auto percent = static_cast<std::int32_t>(block->PreparedShare() * 100.0);
-        status.Tell(StatusBar::Topic::Progress,
-                    m_parts.services.Text(IDS_WORK_SCALES) + u": " + Decimal(percent) + u" %");
-    }
-    status.Retract(StatusBar::Topic::Progress);
-    if (!alive) return false;
-    if (step == PrepareStep::DoneRescaled) Rescaled();
-    return true;
-}
-
-void MainRooms::ShowProgress() {
-    const std::optional<WorkSlices::Report> progress = m_background.Current();
-    const bool changed = std::exchange(m_progress, progress) != progress;
-    if (changed || m_background.IsIdle()) m_values.MoreKnown();
-    if (!changed) return;
-    if (progress) {
-        status.Offer(StatusBar::Topic::Progress,
-                     m_parts.services.Text(progress->text) + u": " + Decimal(progress->percent) + u" %");
-    } else {
-        status.Retract(StatusBar::Topic::Progress);
-    }
-}
-
 bool MainRooms::CompletePictures() {
     const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
-    // What the user has stopped before is wanted now.
-    m_background.GraphDrawn(!graph.IsIncomplete());
-    m_background.SpectrumDrawn(!spectrogram.IsIncomplete());
-    if (!m_background.ArePicturesComplete()) {
-        RunLong([this] {
-            while (!m_background.ArePicturesComplete() && longCommand.StayAlive()) {
-                m_background.RunSlice();
-                ShowProgress();
-            }
-        });
-    }
-    return !longCommand.IsGone() && m_document.Block().block == block && m_background.ArePicturesComplete();
+    bool complete = slices.ArePicturesComplete();
+    if (!complete) RunLong([&] { complete = slices.CompletePictures(); });
+    return complete && !longCommand.IsGone() && m_document.Block().block == block;
 }
 
 // Sound and long commands.
-
-void MainRooms::OpenContextMenu() {
-    RECT place{};
-    GetWindowRect(graph.Graph(), &place);
-    commands.SetMenuChannel(0);
-    onContextMenu({place.left, place.top});
-}
 
 void MainRooms::ShowPosition() {
     const std::int32_t sample = playback.Position();

@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "app/BackgroundWork.h"
 #include "app/CommandState.h"
 #include "app/ExportCommands.h"
 #include "app/RecordingReload.h"
@@ -20,6 +19,7 @@
 #include "app/win/Panel.h"
 #include "app/win/RecordingPane.h"
 #include "app/win/RoomParts.h"
+#include "app/win/SliceRunner.h"
 #include "app/win/SpectrogramPane.h"
 #include "app/win/StatusBar.h"
 
@@ -69,11 +69,7 @@ class MainRooms {
     void ShowSpectrogram();
     void FindData();
 
-    /// Goes on with what is read behind what is shown, for about 10 ms. False when there is nothing to be done now.
-    bool RunSlice();
     void OnTimer(UINT_PTR timer);
-    /// Opens the context menu at the corner of the graph.
-    void OpenContextMenu();
     /// Ends the readout under the pointer.
     void EndHover() { m_hover.End(); }
     [[nodiscard]] const std::u16string& ValuesText() const { return m_valuesPanel.Text(); }
@@ -90,20 +86,14 @@ class MainRooms {
     void LeaveBlock();
     /// `kept`: the view to be restored, of the same recording.
     void ShowBlock(const std::optional<WaveformView::State>& kept);
-    void ShowBlockSpectrum();
     void ChooseChannel();
     void ShowPosition();
     void ShowPanels();
     void TellUnreadable(bool wholeView);
-    void DrawSpectrogram(bool force);
-    /// Tells what is under way behind what is shown.
-    void ShowProgress();
     /// The scales of the loaded block have changed.
     void Rescaled();
     /// More of the recording is known.
     void Found(const ReadStep& step);
-    /// A part of a long command: finds the final scales of the block; false when the user has stopped that.
-    bool CompleteScales();
     /// Waits until the pictures hold everything; false when the user has ended that or the window is gone.
     bool CompletePictures();
     /// Runs work during which no other command may run and neither the file nor the window may be closed.
@@ -117,8 +107,6 @@ class MainRooms {
     bool m_complete = false;
     RecordingReload m_reload;
     UnreadableSamples m_unreadable;
-    BackgroundWork m_background;
-    std::optional<WorkSlices::Report> m_progress;  ///< told in "Status"
     HoverCapture m_hover;
     ValuesReadout m_values;
     Panel m_valuesPanel;
@@ -128,6 +116,7 @@ class MainRooms {
     Playback& playback;
     StatusBar status;
     LongCommand longCommand;
+    SliceRunner slices;
     ViewCommands commands;
     GraphPane graph;
     SpectrogramPane spectrogram;

@@ -55,7 +55,7 @@ void frmQLMain::Wire() {
     m_keys.onCommand = [this](int command) { OnCommand(CommandOfKey(command, State())); };
     m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
     m_keys.onPathList = m_rooms.onPathList;
-    m_keys.onContextMenu = [this] { m_rooms.OpenContextMenu(); };
+    m_keys.onContextMenu = [this] { m_rooms.graph.OpenContextMenu(); };
     m_keys.onWheel = [this](auto delta, auto zone, const auto& at) { m_rooms.graph.Wheel(delta, zone, at); };
 }
 

@@ -45,7 +45,7 @@ class frmQLMain {
     /// Opens a file or folder by its full path, as if it had been chosen in the lists.
     void OpenPath(const std::wstring& path) { m_rooms.browser.OpenPath(path); }
     /// To be called while no message waits; false when there is nothing to be done.
-    bool RunSlice() { return m_rooms.RunSlice(); }
+    bool RunSlice() { return m_rooms.slices.RunSlice(); }
     /// Handles a key of the graph or Tab navigation; true when the message must not be dispatched further.
     [[nodiscard]] bool PreTranslate(const MSG& message);
 
