@@ -19,7 +19,7 @@ void StatisticsPass::Sums::Add(const std::int16_t* codes, std::size_t count, std
             minimum = std::min(minimum, code);
             maximum = std::max(maximum, code);
             groupSum += code;
-            squares += std::int32_t{code} * code;
+            squares += std::int64_t{code} * code;
         }
         sum += groupSum;
     }
