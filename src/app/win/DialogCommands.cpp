@@ -63,7 +63,9 @@ void DialogCommands::Split() {
     m_parts.hover.End();
     if (m_shared.playback.IsPlaying()) m_shared.playback.Stop();
     onWork([&] {
-        if (!onPrepare()) return;
+        bool prepared = false;
+        m_parts.window.RunPart([&] { prepared = onPrepare(); });
+        if (!prepared) return;
         ShowSplitDialog(m_parts.window.Window(),
                         {Block().block, m_shared.document.File().fileName, m_shared.settings.split, m_shared.exporter,
                          m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(); },

@@ -31,13 +31,13 @@ bool IsEscape(const MSG& message) {
 
 std::exception_ptr LongCommand::Run(const std::function<void()>& work) {
     m_busy = true;
+    m_stopped = false;
     std::exception_ptr failure;
     try {
-        RunPart(work);
+        work();
     } catch (const std::exception&) {
         failure = std::current_exception();
     }
-    DropInput();
     m_busy = false;
     return failure;
 }
@@ -45,7 +45,12 @@ std::exception_ptr LongCommand::Run(const std::function<void()>& work) {
 void LongCommand::RunPart(const std::function<void()>& part) {
     m_stopped = false;
     m_lastPump = 0;
-    part();
+    try {
+        part();
+    } catch (...) {
+        DropInput();
+        throw;
+    }
     DropInput();
 }
 

@@ -21,9 +21,9 @@ class LongCommand {
     [[nodiscard]] bool IsGone() const { return m_window == nullptr; }
     [[nodiscard]] bool IsBusy() const { return m_busy; }
 
-    /// Returns the exception that the work has thrown, if any.
+    /// Runs a command, which may be a dialog with work in parts. Returns the exception that it has thrown, if any.
     std::exception_ptr Run(const std::function<void()>& work);
-    /// Runs a part of the work that can be stopped by itself. What is typed and clicked meanwhile is dropped, also what
+    /// Runs a part of it that can be stopped by itself. What is typed and clicked meanwhile is dropped, also what
     /// is repeated by the key that stopped it, for as long as that is held.
     void RunPart(const std::function<void()>& part);
     /// To be called periodically by the work. False when it is to stop, and then at every call.

@@ -393,7 +393,7 @@ void MainRooms::RunLong(const std::function<void()>& work) {
     // Playback position messages would replace the messages of the work.
     playback.Stop();
     const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    RunBusy(work);
+    RunBusy([&] { longCommand.RunPart(work); });
     SetCursor(pointer);
 }
 

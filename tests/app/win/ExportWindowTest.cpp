@@ -204,7 +204,7 @@ TEST_F(ExportWindowTest, EscAndCloseStopAndLeaveWhatWasThere) {
     // What is typed while no message is handled is dropped, too.
     LongCommand frozen;
     frozen.SetWindow(m_form->Window());
-    frozen.Run([&] { esc(); });
+    frozen.Run([&] { frozen.RunPart([&] { esc(); }); });
     Pump();
     EXPECT_TRUE(m_global.view->Selected().active);
 
