@@ -1,9 +1,9 @@
 // How long messages wait in the viewer while it works on a large recording:
-//     watchdog VIEWER RECORDING [SECONDS [export]]
+//     watchdog VIEWER RECORDING [SECONDS [FOLDER]]
 // Starts the viewer on the recording, gives it one command after the other, watches it for some seconds after each (3
 // without SECONDS), and prints for each the longest time that a message sent by another process has waited, and the
-// viewer's private memory. With "export" a fast export follows, for which a target has to be set in the options, and is
-// ended with Esc.
+// viewer's private memory. With FOLDER exports of all kinds and splitting follow, each ended with Esc; what they leave
+// in FOLDER, and beside the recording, is the user's to look at.
 #include "base/win/Win32.h"
 
 #include <psapi.h>
@@ -68,10 +68,38 @@ void CloseDialog(HWND window) {
     }
 }
 
+/// The dialog that a command opens; null where it opens none, as a fast export whose target is set.
+HWND WaitForDialog(HWND window) {
+    for (const double end = Milliseconds() + 2000.0; Milliseconds() < end; Sleep(5)) {
+        const HWND dialog = GetLastActivePopup(window);
+        if (dialog != nullptr && dialog != window && IsWindowVisible(dialog)) return dialog;
+    }
+    return nullptr;
+}
+
+/// Gives a command, agrees to its dialog with this name in it, if any, watches the work, and ends it with Esc.
+double WatchExport(HWND window, int command, const std::wstring& name, double duration) {
+    constexpr int nameBox = 0x47C;  // the edit control inside the combo box of names
+    PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(command), 0);
+    const HWND dialog = WaitForDialog(window);
+    if (dialog != nullptr && !name.empty())
+        SendDlgItemMessageW(dialog, nameBox, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
+    if (dialog != nullptr) PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    const double longest = LongestWait(window, duration);
+    PostMessageW(name.empty() && dialog != nullptr ? dialog : window, WM_KEYDOWN, VK_ESCAPE, 0);
+    return std::max(longest, LongestWait(window, 500.0));
+}
+
 struct Step {
     const char* name;
     int command;
     int times;
+};
+
+struct Export {
+    const char* name;
+    int command;
+    const wchar_t* file;  ///< empty: the dialog is left as it is
 };
 
 }  // namespace
@@ -104,23 +132,36 @@ int wmain(int count, wchar_t** arguments) {
         {"spectrogram away", mnuSpectrogram, 1},
         {"next recording", mnuRecording + 1, 1},
         {"previous recording", mnuRecording, 1},
-        {"fast export", mnuFastExport, 1},
     };
-    const std::size_t stepCount = std::size(steps) - (count > 4 ? 0 : 1);
+    constexpr Export exports[] = {
+        {"save as bin", mnuSaveAs, L"watched.bin"},  {"save as wav", mnuSaveAs, L"watched.wav"},
+        {"save as edf", mnuSaveAs, L"watched.edf"},  {"save as text", mnuSaveAs, L"watched.txt"},
+        {"fast export", mnuFastExport, L"fast.txt"}, {"split", mnuSplit, L""},
+    };
     double worst = 0.0;
-    for (std::size_t at = 0; at < stepCount; ++at) {
-        const Step& step = steps[at];
+    const auto tell = [&](const char* name, double longest) {
+        worst = std::max(worst, longest);
+        PROCESS_MEMORY_COUNTERS memory{};
+        GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory);
+        std::printf("%-24s %8.0f ms %8.0f MB\n", name, longest, static_cast<double>(memory.PagefileUsage) / 1e6);
+        std::fflush(stdout);
+        return longest >= 0.0;
+    };
+    bool alive = true;
+    for (const Step& step : steps) {
+        if (!alive) break;
         for (int time = 0; time < step.times; ++time)
             PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(step.command), 0);
         const double longest = LongestWait(window, seconds * 1000.0);
         CloseDialog(window);
-        if (step.command == mnuFastExport) PostMessageW(window, WM_KEYDOWN, VK_ESCAPE, 0);
-        worst = std::max(worst, longest);
-        PROCESS_MEMORY_COUNTERS memory{};
-        GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory);
-        std::printf("%-24s %8.0f ms %8.0f MB\n", step.name, longest, static_cast<double>(memory.PagefileUsage) / 1e6);
-        std::fflush(stdout);
-        if (longest < 0.0) break;
+        alive = tell(step.name, longest);
+    }
+    for (const Export& each : exports) {
+        if (!alive || count < 5) break;
+        const std::wstring name =
+            *each.file == L'\0' ? std::wstring() : arguments[4] + (L'\\' + std::wstring(each.file));
+        alive = tell(each.name, WatchExport(window, each.command, name, seconds * 1000.0));
+        CloseDialog(window);
     }
     std::printf("%-24s %8.0f ms\n", "longest", worst);
     PostMessageW(window, WM_CLOSE, 0, 0);
