@@ -44,6 +44,7 @@ class BackgroundWork {
     /// Finds the ranges of channels (from 1) over the whole block. True where that is quick; else `then` is called when
     /// they are recorded, instead of what the same user asked for before.
     bool FindRanges(RangeUser user, const std::vector<std::int16_t>& channels, const std::function<void()>& then);
+    [[nodiscard]] bool IsSearching() const { return m_slices.IsRunning(kRange); }
     /// Another pass, for the statistics of a selection.
     void Measure(const std::function<bool()>& step, const std::function<double()>& share);
     void EndMeasure() { m_slices.Drop(kStatistics); }

@@ -58,6 +58,8 @@ void SliceRunner::GraphDrawn() {
 }
 
 void SliceRunner::DrawSpectrogram(bool force) {
+    // A search that was dropped begins again with the next view.
+    if (m_spectrogram.IsRangeAsked() && !work.IsSearching()) m_spectrogram.ChooseChannel();
     m_spectrogram.Spectrogram_Draw(force);
     work.SpectrumDrawn(!m_spectrogram.IsIncomplete());
 }

@@ -51,6 +51,8 @@ class SpectrogramPane final : private PictureOwner {
     void Spectrogram_Draw(bool force);
     /// The current channel has changed.
     void ChooseChannel();
+    /// Whether the picture is blank until the range is recorded that onRange was asked for.
+    [[nodiscard]] bool IsRangeAsked() const { return m_rangeAsked; }
     /// The range that onRange asked for is recorded.
     void UseRange();
     /// Computes some of the columns that are missing; false when none is.
