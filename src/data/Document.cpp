@@ -60,9 +60,9 @@ void Document::CloseCurrentFile() {
     if (recording) m_library.CloseRecording(recording);
 }
 
-std::vector<std::u16string> Document::BlockTitles() const {
+std::vector<std::u16string> Document::BlockTitles(int after) const {
     std::vector<std::u16string> titles;
-    for (std::int16_t number = 1; number <= m_file.blockCount; ++number) {
+    for (auto number = static_cast<std::int16_t>(after + 1); number <= m_file.blockCount; ++number) {
         const std::shared_ptr<RecordingBlock> block = m_file.recording->GetBlock(number);
         std::u16string text = block->Title();
         if (text.empty()) text = m_texts.LongTime(block->StartTime());

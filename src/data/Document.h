@@ -63,8 +63,9 @@ class Document {
     /// shown channels and the current one stay. A block that grows is loaded again, and many marks are loaded, only
     /// from time to time, so that a step stays short.
     ReadStep ReadMore(std::int32_t nearSample);
-    /// The lines of the block list: title or, where it is empty, start time, a tab, the number from 1.
-    [[nodiscard]] std::vector<std::u16string> BlockTitles() const;
+    /// The lines of the block list: title or, where it is empty, start time, a tab, the number from 1. Without the
+    /// first `after` ones.
+    [[nodiscard]] std::vector<std::u16string> BlockTitles(int after = 0) const;
 
     /// Path of the file that was opened or refused last; empty after it was closed.
     [[nodiscard]] const std::u16string& LastPath() const { return m_lastPath; }

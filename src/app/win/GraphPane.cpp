@@ -133,6 +133,7 @@ void GraphPane::Refresh(std::int32_t shift) {
     m_view.Arrange(m_size.cx, m_size.cy);
     // The first recording is open before the graph has a size.
     if (!m_view.HasFittedScales()) FitScales();
+    m_marks = VisibleMarks(m_view.Axis(), m_document.Block());
     if (HasSamples()) {
         ShowCursor(std::nullopt);
         ShowSelection();
@@ -153,6 +154,14 @@ void GraphPane::Refresh(std::int32_t shift) {
     ShowBar(GetDlgItem(window, scScaleY), m_scrollBars.Amplitude(), HasSamples());
     m_scaleX.Invalidate();
     if (shift == 0) m_scaleY.Invalidate();
+}
+
+bool GraphPane::SeesOtherMarks() const {
+    const std::vector<MarkLine> marks = VisibleMarks(m_view.Axis(), m_document.Block());
+    const auto same = [](const MarkLine& a, const MarkLine& b) {
+        return a.column == b.column && a.textWidth == b.textWidth;
+    };
+    return !std::equal(marks.begin(), marks.end(), m_marks.begin(), m_marks.end(), same);
 }
 
 std::string GraphPane::Failure() const {

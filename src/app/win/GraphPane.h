@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/GraphNotice.h"
 #include "app/Playback.h"
@@ -12,6 +13,7 @@
 #include "app/win/HoverCapture.h"
 #include "view/DisplaySettings.h"
 #include "view/GraphGestures.h"
+#include "view/ScaleLabels.h"
 #include "view/win/GraphCursor.h"
 #include "view/win/GraphPainter.h"
 #include "view/win/PictureBox.h"
@@ -67,6 +69,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] bool IsFitPending() const { return m_fitWhenDrawn; }
     /// Redraws everything for the current view. A shift means that the view was only scrolled since the last drawing.
     void Refresh(std::int32_t shift);
+    /// Whether the marks to be seen differ from those drawn by Refresh.
+    [[nodiscard]] bool SeesOtherMarks() const;
     /// The codes of the block have changed: what was read of them is out of date.
     void Rescaled() { m_painter.ForgetBlock(); }
     /// The block is about to be closed.
@@ -128,7 +132,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     GraphCursor m_cursors;
     GraphNotice m_notice;
     SIZE m_size{};
-    bool m_fitWhenDrawn = false;  ///< see FitScales
+    std::vector<MarkLine> m_marks;  ///< those of the last Refresh
+    bool m_fitWhenDrawn = false;    ///< see FitScales
 };
 
 }  // namespace quillon

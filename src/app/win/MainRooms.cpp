@@ -348,14 +348,14 @@ void MainRooms::Rescaled() {
 }
 
 void MainRooms::Found(const ReadStep& step) {
-    if (m_complete && (step.blocksChanged || step.titlesChanged)) recording.FillBlocks();
+    if (m_complete && (step.blocksChanged || step.titlesChanged)) recording.BlocksChanged(step.titlesChanged);
     if (step.grown) {
         const WaveformView::State kept = view.Keep();
         LeaveBlock();
         return ShowBlock(kept);
     }
     if (step.infoChanged) m_values.DetailsChanged();
-    if (step.marksChanged) Refresh();
+    if (step.marksChanged) graph.SeesOtherMarks() ? Refresh() : UpdateState();
 }
 
 bool MainRooms::CompletePictures() {

@@ -23,6 +23,10 @@ class RecordingPane {
     void Attach(HWND blocks, HWND channels, int dpi);
     /// Another recording is open.
     void FillBlocks();
+    /// More blocks of the same recording are known, or `titles` have changed.
+    void BlocksChanged(bool titles) {
+        titles ? FillBlocks() : m_blocks.Append(m_document.BlockTitles(m_blocks.Count()));
+    }
     /// Another block is loaded; `keepsChannel`: the current channel is the one of before.
     void FillChannels(bool keepsChannel);
     /// The line of the loaded block.

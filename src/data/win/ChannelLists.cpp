@@ -25,30 +25,51 @@ class FlagScope {
 }  // namespace
 
 void BlockList::Attach(HWND list) {
-    m_list = list;
     const int tabStop = 90;  // in quarters of a character's width
-    SendPointer(m_list, LB_SETTABSTOPS, 1, &tabStop);
-    for (const std::wstring& line : m_lines) SendPointer(m_list, LB_ADDSTRING, 0, line.c_str());
+    SendPointer(list, LB_SETTABSTOPS, 1, &tabStop);
+    m_list = list;
+    AddToList(0);
     Select(m_selected);
 }
 
 void BlockList::Fill(const std::vector<std::u16string>& lines) {
-    const int count = static_cast<int>(lines.size());
     m_selected = -1;
-    for (int position = Count() - 1; m_list != nullptr && position >= count; --position)
-        SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
-    m_lines.resize(std::min(m_lines.size(), lines.size()));
-    for (int position = 0; position < count; ++position) {
-        const std::wstring text = Wide(lines[static_cast<std::size_t>(position)]);
-        const bool replaced = position < Count();
-        if (replaced) {
-            if (std::exchange(m_lines[static_cast<std::size_t>(position)], text) == text) continue;
-            if (m_list != nullptr) SendMessageW(m_list, LB_DELETESTRING, static_cast<WPARAM>(position), 0);
-        } else {
-            m_lines.push_back(text);
-        }
-        if (m_list != nullptr) SendPointer(m_list, LB_INSERTSTRING, static_cast<WPARAM>(position), text.c_str());
+    std::vector<std::size_t> changed;
+    for (std::size_t line = 0; line < std::min(m_lines.size(), lines.size()); ++line) {
+        std::wstring text = Wide(lines[line]);
+        if (text != m_lines[line]) changed.push_back(line);
+        m_lines[line] = std::move(text);
     }
+    constexpr std::size_t few = 200;
+    const std::size_t removed = m_lines.size() - std::min(m_lines.size(), lines.size());
+    if (m_list != nullptr && changed.size() + removed > few) {
+        // One by one each would move all lines behind it.
+        SendMessageW(m_list, LB_RESETCONTENT, 0, 0);
+        m_lines.clear();
+        return Append(lines);
+    }
+    for (; m_lines.size() > lines.size(); m_lines.pop_back())
+        if (m_list != nullptr) SendMessageW(m_list, LB_DELETESTRING, m_lines.size() - 1, 0);
+    for (const std::size_t line : changed) {
+        if (m_list == nullptr) break;
+        SendMessageW(m_list, LB_DELETESTRING, line, 0);
+        SendPointer(m_list, LB_INSERTSTRING, line, m_lines[line].c_str());
+    }
+    Append({lines.begin() + Count(), lines.end()});
+}
+
+void BlockList::Append(const std::vector<std::u16string>& lines) {
+    const std::size_t before = m_lines.size();
+    for (const std::u16string& line : lines) m_lines.push_back(Wide(line));
+    if (m_list != nullptr && m_lines.size() > before) AddToList(before);
+}
+
+void BlockList::AddToList(std::size_t first) {
+    const FillScope fill(m_list);
+    // Without it the list moves all of its lines each time that some have been added.
+    SendMessageW(m_list, LB_INITSTORAGE, m_lines.size() - first, 0);
+    for (std::size_t line = first; line < m_lines.size(); ++line)
+        SendPointer(m_list, LB_ADDSTRING, 0, m_lines[line].c_str());
 }
 
 int BlockList::Selected() const {

@@ -14,15 +14,19 @@ namespace quillon {
 class BlockList {
   public:
     void Attach(HWND list);
-    /// Lines are rewritten in place, those that are too many removed.
+    /// Lines are rewritten in place, so that the list stays where it is scrolled to unless many change.
     void Fill(const std::vector<std::u16string>& lines);
+    /// Adds lines at the end; the selected one stays.
+    void Append(const std::vector<std::u16string>& lines);
+    [[nodiscard]] int Count() const { return static_cast<int>(m_lines.size()); }
     /// -1: none.
     [[nodiscard]] int Selected() const;
     void Select(int position);
     [[nodiscard]] std::wstring Text(int position) const;
 
   private:
-    [[nodiscard]] int Count() const { return static_cast<int>(m_lines.size()); }
+    /// Adds the lines from this one on to the control.
+    void AddToList(std::size_t first);
 
     HWND m_list = nullptr;
     std::vector<std::wstring> m_lines;
