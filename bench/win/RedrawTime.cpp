@@ -46,7 +46,7 @@ int wmain(int count, wchar_t** arguments) {
     const GraphScene scene{block, view.Axis(), view.GetLanes(),  view.Extremes(),
                            false, false,       GridStyle::Lines, 0x808080};
     GraphPainter painter;
-    view.FitScales(painter.SeenRanges(scene));
+    view.FitScales(painter.SeenRange(scene));
     cMemDC target;
     target.CreateBitmap(width, height);
     const auto show = [&] { painter.Paint(target.Handle(), {0, 0, width, height}); };

@@ -49,7 +49,7 @@ GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color) 
 }
 
 GridRow KindOf(const Lane& lane, GridStyle style, std::int32_t row) {
-    const std::int64_t above = lane.ZeroRow() - row;
+    const std::int64_t above = lane.zeroRow - row;
     // The zero level is no part of the grid.
     if (above == 0) return GridRow::Zero;
     if (style == GridStyle::None) return GridRow::Empty;

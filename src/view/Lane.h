@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -7,25 +8,36 @@
 
 namespace quillon {
 
-/// A horizontal strip of the graph whose traces share an amplitude scale.
+/// A horizontal strip of the graph whose traces share an amplitude scale: what its drawing needs.
 struct Lane {
-    std::int32_t top = 0;                ///< first row of the graph
-    std::int32_t height = 0;             ///< rows
-    AmplitudeScale scale;                ///< its rows count from `top`
-    std::vector<std::int16_t> channels;  ///< that are drawn in it: positions in the block, from 1
+    std::int32_t top = 0;                  ///< first row of the graph
+    std::int32_t height = 0;               ///< rows
+    std::int64_t zeroRow = 0;              ///< row of the graph at which the value 0 lies, also far outside of it
+    double unitsPerDivision = 1.0;         ///< units per AmplitudeScale::kDivision rows
+    bool negativeUp = false;               ///< values grow downwards
+    std::vector<std::int16_t> channels{};  ///< that are drawn in it: positions in the block, from 1
 
-    /// Row of the graph at which the value 0 lies.
-    [[nodiscard]] std::int64_t ZeroRow() const { return top + scale.ZeroRow(); }
+    [[nodiscard]] std::int32_t End() const { return top + height; }
+    /// The row of a value, not rounded.
+    [[nodiscard]] double RowOf(double units) const {
+        const double above = units / unitsPerDivision * AmplitudeScale::kDivision;
+        return static_cast<double>(zeroRow) + (negativeUp ? above : -above);
+    }
 };
 
 /// The lanes of a graph, from its upper edge to its lower one; at least one.
 using Lanes = std::vector<Lane>;
 
-/// The channels of all lanes, lane by lane: the order of the traces.
-[[nodiscard]] inline std::vector<std::int16_t> ChannelsOf(const Lanes& lanes) {
-    std::vector<std::int16_t> channels;
-    for (const Lane& lane : lanes) channels.insert(channels.end(), lane.channels.begin(), lane.channels.end());
-    return channels;
-}
+/// A channel and the lane that it is drawn in.
+struct LaneTrace {
+    std::int16_t channel = 0;  ///< from 1
+    std::size_t lane = 0;
+    friend bool operator==(const LaneTrace&, const LaneTrace&) = default;
+};
+
+/// The traces of all lanes in the order of the block, which is that of drawing: the first one is on top.
+[[nodiscard]] std::vector<LaneTrace> TracesOf(const Lanes& lanes);
+/// Their channels.
+[[nodiscard]] std::vector<std::int16_t> ChannelsOf(const Lanes& lanes);
 
 }  // namespace quillon

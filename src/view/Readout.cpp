@@ -144,9 +144,7 @@ std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::i
             Resume([&] {
                 double value = ShownValue(source, channel, CodeAt(source, channel, sample));
                 if (source.rawCodes) value /= 1000.0;
-                const double trace = static_cast<double>(lane.ZeroRow()) -
-                                     value / lane.scale.UnitsPerDivision() * AmplitudeScale::kDivision;
-                const double distance = std::fabs(trace - row);
+                const double distance = std::fabs(lane.RowOf(value) - row);
                 if (nearest != 0 && distance >= least) return;
                 nearest = channel;
                 least = distance;

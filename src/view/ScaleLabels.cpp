@@ -57,27 +57,19 @@ std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
     return labels;
 }
 
-std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator) {
+std::vector<ScaleLabel> AmplitudeLabels(const Lane& lane, bool rawCodes, char16_t separator) {
     constexpr std::int32_t division = AmplitudeScale::kDivision;
-    const double step = scale.UnitsPerDivision() * (rawCodes ? kCodesPerUnit : 1.0);
-    // The label rows are anchored on the zero row; n counts divisions above it.
-    auto n = static_cast<std::int64_t>(std::nearbyint(static_cast<double>(scale.ZeroRow()) / division + 0.5));
-    std::int64_t row = scale.ZeroRow() + 1 - division * n;
+    const double step = lane.unitsPerDivision * (rawCodes ? kCodesPerUnit : 1.0);
+    // The label rows are anchored on the zero row; n counts divisions above it. Rows count from the lane's top.
+    const std::int64_t zero = lane.zeroRow - lane.top;
+    auto n = static_cast<std::int64_t>(std::nearbyint(static_cast<double>(zero) / division + 0.5));
+    std::int64_t row = zero + 1 - division * n;
     for (; row > 0; row -= division) ++n;
     for (; row < -division; row += division) --n;
     std::vector<ScaleLabel> labels;
-    for (; row < scale.Height() + division; row += division, --n) {
-        labels.push_back(
-            {static_cast<std::int32_t>(row), AmplitudeText(static_cast<double>(n) * step, step, rawCodes, separator)});
-    }
-    return labels;
-}
-
-std::vector<ScaleLabel> AmplitudeLabels(const Lanes& lanes, bool rawCodes, char16_t separator) {
-    std::vector<ScaleLabel> labels;
-    for (const Lane& lane : lanes) {
-        for (ScaleLabel& label : AmplitudeLabels(lane.scale, rawCodes, separator))
-            labels.push_back({lane.top + label.position, std::move(label.text)});
+    for (; row < lane.height + division; row += division, --n) {
+        labels.push_back({lane.top + static_cast<std::int32_t>(row),
+                          AmplitudeText(static_cast<double>(n) * step, step, rawCodes, separator)});
     }
     return labels;
 }

@@ -25,11 +25,9 @@ struct ScaleLabel {
 [[nodiscard]] std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
                                                  const FormatOptions& format);
 
-/// Labels of the amplitude scale, one per division from the strip's top to its bottom; the position is the row of the
-/// text's baseline. With raw codes a label counts codes, 1000 to a unit.
-[[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const AmplitudeScale& scale, bool rawCodes, char16_t separator);
-/// Those of all lanes of the graph, at its rows.
-[[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const Lanes& lanes, bool rawCodes, char16_t separator);
+/// Labels of the amplitude scale, one per division from a lane's top to its bottom; the position is the row of the
+/// text's baseline in the graph. With raw codes a label counts codes, 1000 to a unit.
+[[nodiscard]] std::vector<ScaleLabel> AmplitudeLabels(const Lane& lane, bool rawCodes, char16_t separator);
 
 /// Maximum width of a mark's text in pixels.
 inline constexpr std::int32_t kMarkTextWidth = 300;

@@ -99,7 +99,8 @@ void FlatTrace(const TraceMapping& mapping, std::int32_t count, std::int32_t sam
 
 TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseLine) {
     constexpr double division = AmplitudeScale::kDivision;
-    const double zoom = geometry.unitsPerDivision;
+    // Upside down the rows are those of the negative values.
+    const double zoom = geometry.negativeUp ? -geometry.unitsPerDivision : geometry.unitsPerDivision;
     const double codesPerUnit =
         geometry.rawCodes ? static_cast<double>(AmplitudeScale::kCodesPerUnit) : static_cast<double>(invScale);
     const double exact = zoom * codesPerUnit / division;
@@ -122,7 +123,7 @@ TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseL
         constexpr auto farthest = static_cast<double>(kFarthest);
         return static_cast<std::int32_t>(std::nearbyint(std::clamp(row, -farthest, farthest)));
     };
-    const double middle = (static_cast<double>(origin) - geometry.height / 2.0) * exact;
+    const double middle = (static_cast<double>(origin) - geometry.top - geometry.height / 2.0) * exact;
     const double middleCode = std::nearbyint(std::clamp(middle, -32768.0, 32767.0));
     if (!mapping.flat && (RowErrorVisible(extents, 1.0 / exact, middleCode) || std::abs(origin) > kFarthest)) {
         // The mapping starts from the code that is visible, so that rounding errors stay off screen.

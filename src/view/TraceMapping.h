@@ -12,8 +12,10 @@ namespace quillon {
 /// Pixel geometry that all traces of one pass share.
 struct TraceGeometry {
     std::int64_t zeroRow = 0;       ///< device row of the zero level
-    std::int32_t height = 0;        ///< visible device rows, from 0
+    std::int32_t top = 0;           ///< first of the device rows that have to be exact
+    std::int32_t height = 0;        ///< their number
     double unitsPerDivision = 1.0;  ///< vertical zoom
+    bool negativeUp = false;        ///< values grow downwards
     std::int32_t samplesPerPixel = 1;
     bool rawCodes = false;  ///< codes are drawn as they are, 1000 codes standing for one unit
     /// Keep the device origin within 16 bits, as systems below version 4 need it. Visible rows stay the same.
@@ -23,7 +25,8 @@ struct TraceGeometry {
 /// How the logical points of one trace (x: see TracePoint, y: the code) become pixels, named as the system names the
 /// parts of an anisotropic mapping: device = viewportOrigin + (logical - windowOrigin) x viewportExtent / windowExtent,
 /// rounded to the nearest whole number, halves up. The origins of x are 0.
-/// Visible rows are exact to one row (plus the rounding of the base line) for any position of the zero level.
+/// The rows of the geometry are exact to one row (plus the rounding of the base line) for any position of the zero
+/// level.
 struct TraceMapping {
     std::int32_t windowExtentX = 1;  ///< 1 or 2
     std::int32_t windowExtentY = 1;  ///< negative of the logical extent, so that larger values go up

@@ -41,20 +41,12 @@ bool TracePicture::CanReadNow(const GraphScene& scene) const {
     return false;
 }
 
-std::vector<std::optional<ValueRange>> TracePicture::SeenRanges(const GraphScene& scene) {
-    std::vector<std::optional<ValueRange>> ranges(scene.lanes.size());
-    if (!scene.block.block || scene.axis.Visible().count < 1) return ranges;
+std::optional<ValueRange> TracePicture::SeenRange(const GraphScene& scene) {
+    if (!scene.block.block || scene.axis.Visible().count < 1) return std::nullopt;
     const std::int32_t width = scene.axis.Width();
     Read(scene, 0, width);
     m_readAhead = {scene.axis.Visible(), scene.axis.SamplesPerPixel(), 0, width};
-    std::size_t trace = 0;
-    for (std::size_t at = 0; at < ranges.size(); ++at) {
-        const std::vector<std::int16_t>& channels = scene.lanes[at].channels;
-        ranges[at] =
-            CentralRange(scene.block, channels, m_reader.points().subspan(trace, channels.size()), scene.rawCodes);
-        trace += channels.size();
-    }
-    return ranges;
+    return CentralRange(scene.block, m_shown, m_reader.points(), scene.rawCodes);
 }
 
 void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t to) {
@@ -64,36 +56,31 @@ void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t
     Read(scene, from, to);
     if (m_failure.empty()) m_failure = m_reader.Failure();
     m_colors.resize(m_shown.size());
+    const std::vector<LaneTrace> traces = TracesOf(scene.lanes);
     // The last channel comes first, so that the first one is on top.
-    std::size_t trace = m_shown.size();
-    for (std::size_t at = scene.lanes.size(); at-- > 0;) {
-        trace -= scene.lanes[at].channels.size();
-        DrawLane(scene, scene.lanes[at], trace, from, to);
-    }
+    for (std::size_t at = traces.size(); at-- > 0;) DrawTrace(scene, scene.lanes[traces[at].lane], at, from, to);
 }
 
-void TracePicture::DrawLane(const GraphScene& scene, const Lane& lane, std::size_t firstTrace, std::int32_t from,
-                            std::int32_t to) {
-    TraceGeometry geometry;
-    geometry.zeroRow = lane.ZeroRow();
-    geometry.height = m_height;
-    geometry.unitsPerDivision = lane.scale.UnitsPerDivision();
-    geometry.samplesPerPixel = scene.axis.SamplesPerPixel();
-    geometry.rawCodes = scene.rawCodes;
-    geometry.foldOrigin = scene.foldOrigin;
-    for (std::size_t at = lane.channels.size(); at-- > 0;) {
-        const auto channel = static_cast<std::size_t>(lane.channels[at] - 1);
-        const std::size_t trace = firstTrace + at;
-        const TraceMapping mapping = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
-        if (mapping.flat) {
-            FlatTrace(mapping, scene.axis.Visible().count, geometry.samplesPerPixel, m_trace);
-        } else {
-            ToPixels(mapping, m_reader.points()[trace], m_trace);
-        }
-        m_canvas.Draw(m_trace, static_cast<std::uint8_t>(trace + 1));
-        m_sides.Mark(trace, from, to, m_trace);
-        m_colors[trace] = TraceColor(scene.block.channelNumbers[channel]);
+void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, std::size_t trace, std::int32_t from,
+                             std::int32_t to) {
+    const TraceGeometry geometry{.zeroRow = lane.zeroRow,
+                                 .top = lane.top,
+                                 .height = lane.height,
+                                 .unitsPerDivision = lane.unitsPerDivision,
+                                 .negativeUp = lane.negativeUp,
+                                 .samplesPerPixel = scene.axis.SamplesPerPixel(),
+                                 .rawCodes = scene.rawCodes,
+                                 .foldOrigin = scene.foldOrigin};
+    const auto channel = static_cast<std::size_t>(m_shown[trace] - 1);
+    const TraceMapping mapping = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
+    if (mapping.flat) {
+        FlatTrace(mapping, scene.axis.Visible().count, geometry.samplesPerPixel, m_trace);
+    } else {
+        ToPixels(mapping, m_reader.points()[trace], m_trace);
     }
+    m_canvas.Draw(m_trace, static_cast<std::uint8_t>(trace + 1));
+    m_sides.Mark(trace, from, to, m_trace);
+    m_colors[trace] = TraceColor(scene.block.channelNumbers[channel]);
 }
 
 void TracePicture::ForgetBlock() {

@@ -17,7 +17,7 @@ namespace quillon {
 /// on top. Records which of them are entirely above or below the picture.
 class TracePicture {
   public:
-    /// An empty picture of that size; `traces` is the number of channels in all lanes.
+    /// An empty picture of that size; `traces` is the number of channels in all lanes, see TracesOf.
     void Reset(std::size_t traces, std::int32_t width, std::int32_t height);
     /// Moves the drawn columns left by `shift`; the uncovered ones have to be drawn.
     void Scroll(std::int32_t shift);
@@ -32,12 +32,12 @@ class TracePicture {
     void Draw(const GraphScene& scene, std::int32_t from, std::int32_t to);
     /// `pixels`: 0xRRGGBB, rows of the picture's width that follow each other from the top.
     void Compose(std::uint32_t* pixels) const { m_canvas.Compose(pixels, m_width, m_colors); }
-    /// The side of the picture on which a trace is entirely outside; `at` counts the channels of all lanes from 0.
+    /// The side of the picture on which a trace is entirely outside; `at` is its place in TracesOf.
     [[nodiscard]] TraceSides::Side SideOf(std::size_t at) const { return m_sides.Of(at); }
 
-    /// The range by which the scale of each lane is chosen, see CentralRange; none where nothing is shown or can be
+    /// The range by which the scale of one axis is chosen, see CentralRange; none where nothing is shown or can be
     /// read. The samples read are reused by the next Draw of the same view.
-    [[nodiscard]] std::vector<std::optional<ValueRange>> SeenRanges(const GraphScene& scene);
+    [[nodiscard]] std::optional<ValueRange> SeenRange(const GraphScene& scene);
     /// The block's error text if samples of columns drawn since Reset or Scroll could not be read; empty if all could.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
     /// Discards the samples read; to be called when another block is shown.
@@ -45,11 +45,10 @@ class TracePicture {
 
   private:
     void Read(const GraphScene& scene, std::int32_t from, std::int32_t to);
-    void DrawLane(const GraphScene& scene, const Lane& lane, std::size_t firstTrace, std::int32_t from,
-                  std::int32_t to);
+    void DrawTrace(const GraphScene& scene, const Lane& lane, std::size_t trace, std::int32_t from, std::int32_t to);
 
     TraceReader m_reader;
-    std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read, lane by lane
+    std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read, in the order of TracesOf
     std::optional<TraceStretch> m_readAhead;  ///< stretch that m_reader has already read for the next Draw
     TraceSides m_sides;
     TraceCanvas m_canvas;

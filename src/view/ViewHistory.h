@@ -4,21 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 namespace quillon {
 
-/// A view: the visible part of a block and the scales.
+/// A view: the visible part of a block and its amplitude scale, see AmplitudeScale.
 struct ViewPlace {
-    /// Of a lane.
-    struct Scale {
-        int scale = 0;
-        std::int64_t shift = 0;
-        friend bool operator==(const Scale&, const Scale&) = default;
-    };
     int zoom = 0;
     std::int32_t firstColumn = 0;
-    std::vector<Scale> lanes;
+    int scale = 0;
+    std::int64_t shift = 0;
     friend bool operator==(const ViewPlace&, const ViewPlace&) = default;
 };
 

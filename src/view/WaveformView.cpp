@@ -15,19 +15,23 @@ ViewChange& ViewChange::operator|=(const ViewChange& other) {
     return *this;
 }
 
-WaveformView::WaveformView(const Document& document) : m_document(document), m_lanes(1) {}
+WaveformView::WaveformView(const Document& document) : m_document(document) {
+    MakeLanes();
+}
 
 void WaveformView::Arrange(std::int32_t width, std::int32_t height) {
     m_axis.SetWidth(width);
-    Lane& lane = m_lanes.front();
-    lane.top = 0;
-    lane.height = height;
-    lane.scale.SetGraph(height, height / 2);
-    FillLanes();
+    m_scale.SetGraph(height, height / 2);
+    MakeLanes();
 }
 
-void WaveformView::FillLanes() {
-    m_lanes.front().channels = ShownChannels(m_document.Block(), m_document.Slots());
+void WaveformView::MakeLanes() {
+    m_lanes.resize(1);
+    Lane& lane = m_lanes.front();
+    lane.height = m_scale.Height();
+    lane.zeroRow = m_scale.ZeroRow();
+    lane.unitsPerDivision = m_scale.UnitsPerDivision();
+    lane.channels = ShownChannels(m_document.Block(), m_document.Slots());
 }
 
 void WaveformView::Rescaled() {
@@ -44,32 +48,26 @@ void WaveformView::LeaveBlock() {
 
 void WaveformView::BlockLoaded() {
     m_axis.SetBlock(m_document.Block().sampleCount);
-    FillLanes();
+    MakeLanes();
 }
 
-void WaveformView::FitScales(std::span<const std::optional<ValueRange>> seen) {
-    for (std::size_t at = 0; at < m_lanes.size() && at < seen.size(); ++at) {
-        AmplitudeScale& scale = m_lanes[at].scale;
-        // A scale that the user chose is kept for the next block as long as that is readable at it.
-        if (!seen[at] || (m_scalesFitted && scale.Shows(*seen[at]))) continue;
-        scale.FindData(seen[at]);
-        m_scalesFitted = true;
-    }
+void WaveformView::FitScales(const std::optional<ValueRange>& seen) {
+    // A scale that the user chose is kept for the next block as long as that is readable at it.
+    if (!seen || (m_scalesFitted && m_scale.Shows(*seen))) return;
+    m_scale.FindData(seen);
+    m_scalesFitted = true;
+    MakeLanes();
 }
 
 ViewPlace WaveformView::Place() const {
-    ViewPlace place{m_axis.ZoomIndex(), m_axis.FirstColumn(), {}};
-    for (const Lane& lane : m_lanes) place.lanes.push_back({lane.scale.Index(), lane.scale.Shift()});
-    return place;
+    return {m_axis.ZoomIndex(), m_axis.FirstColumn(), m_scale.Index(), m_scale.Shift()};
 }
 
 void WaveformView::GoBackTo(const ViewPlace& place) {
     m_axis.Restore(place.zoom, place.firstColumn);
-    for (std::size_t at = 0; at < m_lanes.size() && at < place.lanes.size(); ++at) {
-        AmplitudeScale& scale = m_lanes[at].scale;
-        scale.SelectScale(place.lanes[at].scale);
-        scale.MoveBaseLine(place.lanes[at].shift - scale.Shift());
-    }
+    m_scale.SelectScale(place.scale);
+    m_scale.MoveBaseLine(place.shift - m_scale.Shift());
+    MakeLanes();
 }
 
 void WaveformView::Restore(const State& state) {
@@ -86,6 +84,7 @@ void WaveformView::Restore(const State& state) {
 
 ViewChange WaveformView::Redraw(bool newPlace) {
     m_goneTo = 0;
+    MakeLanes();
     return {.redraw = true, .newPlace = newPlace};
 }
 
@@ -116,7 +115,7 @@ ViewChange WaveformView::Move(std::int32_t columns, std::int64_t rows) {
 
 ViewChange WaveformView::MoveBaseLine(std::int64_t rows) {
     if (m_axis.SampleCount() == 0 || rows == 0) return {};
-    for (Lane& lane : m_lanes) lane.scale.MoveBaseLine(rows);
+    m_scale.MoveBaseLine(rows);
     return Redraw();
 }
 
@@ -146,32 +145,31 @@ ViewChange WaveformView::ZoomAbout(int steps, std::int32_t column) {
 
 ViewChange WaveformView::ZoomY(int steps) {
     Push();
-    for (Lane& lane : m_lanes) lane.scale.ZoomY(steps);
+    m_scale.ZoomY(steps);
     return Redraw();
 }
 
 ViewChange WaveformView::SelectScaleY(int index) {
     Push();
-    for (Lane& lane : m_lanes) lane.scale.SelectScale(index);
+    m_scale.SelectScale(index);
     return Redraw();
 }
 
 ViewChange WaveformView::SetBipolar() {
     Push();
-    for (Lane& lane : m_lanes) lane.scale.SetBipolar();
+    m_scale.SetBipolar();
     return Redraw();
 }
 
 ViewChange WaveformView::FindData() {
     Push();
-    for (Lane& lane : m_lanes) {
-        const auto range = [&]() -> std::optional<ValueRange> {
-            if (m_rawCodes) return kRawCodesRange;
-            if (m_ranges.IsRecorded(lane.channels)) return m_ranges.Found(lane.channels);
-            return m_ranges.Of(m_document.Block(), lane.channels);
-        };
-        lane.scale.FindData(range());
-    }
+    const auto range = [&]() -> std::optional<ValueRange> {
+        if (m_rawCodes) return kRawCodesRange;
+        const std::vector<std::int16_t> shown = ChannelsOf(m_lanes);
+        if (m_ranges.IsRecorded(shown)) return m_ranges.Found(shown);
+        return m_ranges.Of(m_document.Block(), shown);
+    };
+    m_scale.FindData(range());
     return Redraw();
 }
 

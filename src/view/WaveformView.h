@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 
 #include "data/Document.h"
+#include "view/AmplitudeScale.h"
 #include "view/DataRange.h"
 #include "view/ExtremesCache.h"
 #include "view/Lane.h"
@@ -32,9 +32,9 @@ class WaveformView {
 
     [[nodiscard]] const TimeAxis& Axis() const { return m_axis; }
     [[nodiscard]] const Lanes& GetLanes() const { return m_lanes; }
-    /// Index of the amplitude scale, and rows by which the zero level lies below the middle, of the uppermost lane.
-    [[nodiscard]] int ScaleY() const { return m_lanes.front().scale.Index(); }
-    [[nodiscard]] std::int64_t BaseLineShift() const { return m_lanes.front().scale.Shift(); }
+    /// Index of the amplitude scale, and rows by which the zero level lies below the middle.
+    [[nodiscard]] int ScaleY() const { return m_scale.Index(); }
+    [[nodiscard]] std::int64_t BaseLineShift() const { return m_scale.Shift(); }
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
     [[nodiscard]] bool HasHistory() const { return !m_history.IsEmpty(); }
     /// Extremes of the block that are known.
@@ -43,7 +43,7 @@ class WaveformView {
     [[nodiscard]] bool RawCodes() const { return m_rawCodes; }
     void SetRawCodes(bool rawCodes) { m_rawCodes = rawCodes; }
 
-    /// Size of the graph in pixels. The lanes share it, and hold the channels that are shown now.
+    /// Size of the graph in pixels. The lanes share its height, and hold the channels that are shown now.
     void Arrange(std::int32_t width, std::int32_t height);
     /// The block is about to be closed: clears the selection, the history and the recorded ranges.
     void LeaveBlock();
@@ -51,9 +51,9 @@ class WaveformView {
     void Rescaled();
     /// Another block is loaded: shows its first page at the previous zoom and scales.
     void BlockLoaded();
-    /// Chooses new scales if the data are not readable at the previous ones, or none has been chosen since the start.
-    /// `seen` holds the range of the visible data per lane, see CentralRange.
-    void FitScales(std::span<const std::optional<ValueRange>> seen);
+    /// Chooses a new scale if the data are not readable at the previous one, or none has been chosen since the start.
+    /// `seen` is the range of the visible data, see CentralRange.
+    void FitScales(const std::optional<ValueRange>& seen);
     /// Whether FitScales has had data to choose a scale by since the start.
     [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
 
@@ -107,15 +107,16 @@ class WaveformView {
   private:
     [[nodiscard]] ViewPlace Place() const;
     void GoBackTo(const ViewPlace& place);
-    /// The lanes hold the channels that are shown.
-    void FillLanes();
+    /// Makes the lanes anew: of the scale, with the channels that are shown now.
+    void MakeLanes();
     /// Saves the current view in the history.
     void Push() { m_history.Push(Place()); }
     ViewChange Redraw(bool newPlace = false);
 
     const Document& m_document;
     TimeAxis m_axis;
-    Lanes m_lanes;
+    AmplitudeScale m_scale;            ///< of all channels, on one axis
+    Lanes m_lanes;                     ///< what follows from it
     mutable ExtremesCache m_extremes;  ///< reading through it changes nothing that is seen
     RangeRecords m_ranges{m_extremes};
     Selection m_selection;

@@ -126,22 +126,27 @@ TEST(AmplitudeLabels, StandAtTheirDivisions) {
     AmplitudeScale scale;
     scale.SetGraph(100, 50);
     scale.SelectScale(10);  // 0.5 units per division
+    const auto labels = [&](bool rawCodes) {
+        return AmplitudeLabels(
+            Lane{.height = 100, .zeroRow = scale.ZeroRow(), .unitsPerDivision = scale.UnitsPerDivision()}, rawCodes,
+            u'.');
+    };
     // 3000000000 rows stand for 37.5 million units.
     for (const std::int64_t rows : {0LL, 17LL, 5000LL, -7003LL, 3000000000LL}) {
         scale.SetBipolar();
         scale.MoveBaseLine(rows);
-        for (const ScaleLabel& label : AmplitudeLabels(scale, false, u'.')) {
+        for (const ScaleLabel& label : labels(false)) {
             const double value = static_cast<double>(scale.ZeroRow() + 1 - label.position) / 40.0 * 0.5;
             EXPECT_NEAR(std::stod(std::string(label.text.begin(), label.text.end())), value, 1e-9);
             EXPECT_GE(label.position, -40);
         }
-        EXPECT_GE(AmplitudeLabels(scale, false, u'.').size(), 3U);
+        EXPECT_GE(labels(false).size(), 3U);
     }
     // Codes count 1000 to a unit, in thousands and millions from 100 and 100 000 a division on.
     scale.SetBipolar();
     const auto codes = [&](int index) {
         scale.SelectScale(index);
-        return Utf8(AmplitudeLabels(scale, true, u'.')[0].text + u"|" + ScaleCaption(index, true, u'.'));
+        return Utf8(labels(true)[0].text + u"|" + ScaleCaption(index, true, u'.'));
     };
     EXPECT_EQ(codes(0), "2 M|1 M");
     EXPECT_EQ(codes(3), "0.2 M|0.1 M");

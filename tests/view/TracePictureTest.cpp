@@ -37,8 +37,11 @@ struct Noise {
         axis.SetBlock(block.sampleCount);
         axis.SetWidth(kWidth);
         lanes[0].height = kHeight;
-        lanes[0].scale.SetGraph(kHeight, kHeight / 2);
-        lanes[0].scale.FindData(ValueRange{0.0F, 99.0F});
+        AmplitudeScale scale;
+        scale.SetGraph(kHeight, kHeight / 2);
+        scale.FindData(ValueRange{0.0F, 99.0F});
+        lanes[0].zeroRow = scale.ZeroRow();
+        lanes[0].unitsPerDivision = scale.UnitsPerDivision();
     }
     ViewBlock block;
     TimeAxis axis;
@@ -60,10 +63,10 @@ Image Drawn(TracePicture& picture, const GraphScene& scene, std::size_t traces) 
 TEST(TracePicture, EveryColumnHoldsItsRunOfSamplesAndLinesToItsNeighbours) {
     Noise noise(1);
     const auto& samples = static_cast<FakeBlock&>(*noise.block.block).samples[0];
-    const double rowsPerCode = AmplitudeScale::kDivision / noise.lanes[0].scale.UnitsPerDivision();
+    const double rowsPerCode = AmplitudeScale::kDivision / noise.lanes[0].unitsPerDivision;
     const auto rowOf = [&](double code) {
         return static_cast<std::int32_t>(
-            std::floor(static_cast<double>(noise.lanes[0].ZeroRow()) - code * rowsPerCode + 0.5));
+            std::floor(static_cast<double>(noise.lanes[0].zeroRow) - code * rowsPerCode + 0.5));
     };
     for (const int zoom : {0, 2, 4, 6}) {
         noise.axis.SelectZoom(zoom);
@@ -98,6 +101,7 @@ TEST(GraphPicture, ScrollingEqualsDrawingAnew) {
     noise.block.offsets[1] = 1e6F;
     noise.lanes.push_back(noise.lanes[0]);
     noise.lanes[0].height = noise.lanes[1].height = noise.lanes[1].top = kHeight / 2 - 5;
+    noise.lanes[1].zeroRow += noise.lanes[1].top;
     noise.lanes[0].channels.pop_back();
     noise.lanes[1].channels = {3};
     std::mt19937 random(5);

@@ -106,15 +106,14 @@ TEST_F(ReadoutTest, TheNearestTraceIsThatOfTheLeastDistanceInRows) {
     Lanes lanes(1);
     lanes[0].height = 400;
     lanes[0].channels = {1, 2};
-    AmplitudeScale& amplitude = lanes[0].scale;
-    amplitude.SetGraph(400, 200);
-    amplitude.SelectScale(9);  // one unit per division
+    lanes[0].zeroRow = 200;
+    lanes[0].unitsPerDivision = 1.0;
     // At sample 3 the values are -2 and 2, at rows 280 and 120; the codes -6 and 0.
     for (const int row : {0, 119, 199}) EXPECT_EQ(ChannelNear(Source(), lanes, 3, row), 2) << row;
     for (const int row : {201, 280, 399}) EXPECT_EQ(ChannelNear(Source(), lanes, 3, row), 1) << row;
     EXPECT_EQ(ChannelNear(Source(), lanes, 3, 200), 1) << "of two as near the upper one in the list";
     rawCodes = true;
-    amplitude.SelectScale(18);  // a code per division: rows 440 and 200
+    lanes[0].unitsPerDivision = 0.001;  // a code per division: rows 440 and 200
     EXPECT_EQ(ChannelNear(Source(), lanes, 3, 319), 2);
     EXPECT_EQ(ChannelNear(Source(), lanes, 3, 321), 1);
     lanes[0].channels.clear();

@@ -113,11 +113,10 @@ TEST_F(WaveformViewTest, TheEndOfASelectionStaysInViewAndInTheBlock) {
 
 TEST_F(WaveformViewTest, AScaleIsKeptAsLongAsTheDataAreReadableAtIt) {
     const auto fit = [&](float least, float most) {
-        const std::optional<ValueRange> range = ValueRange{least, most};
-        m_view.FitScales({&range, 1});
+        m_view.FitScales(ValueRange{least, most});
         return AmplitudeScale::TableEntry(m_view.ScaleY());
     };
-    m_view.FitScales(std::vector<std::optional<ValueRange>>(1));
+    m_view.FitScales(std::nullopt);
     EXPECT_FALSE(m_view.HasFittedScales());
     EXPECT_EQ(fit(-4.0F, 4.0F), 1.0);
     m_view.ZoomY(-1);

@@ -96,7 +96,7 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     if (id == pbScaleY) {
         m_scales.PaintAmplitude(dc, client,
                                 HasSamples()
-                                    ? AmplitudeLabels(m_view.GetLanes(), m_view.RawCodes(), m_format.decimalSeparator)
+                                    ? AmplitudeLabels(m_view.GetLanes().front(), m_view.RawCodes(), m_format.decimalSeparator)
                                     : std::vector<ScaleLabel>());
     }
     if (id != pbGraph) return;
@@ -114,12 +114,12 @@ void GraphPane::OnScroll(int bar, int code) {
 void GraphPane::FitScales() {
     if (m_size.cy < 1) return;
     m_fitWhenDrawn = HasSamples() && !m_painter.CanReadNow(Scene());
-    if (!m_fitWhenDrawn) m_view.FitScales(m_painter.SeenRanges(Scene()));
+    if (!m_fitWhenDrawn) m_view.FitScales(m_painter.SeenRange(Scene()));
 }
 
 bool GraphPane::FitDrawn() {
     if (m_painter.IsIncomplete() || !std::exchange(m_fitWhenDrawn, false)) return false;
-    m_view.FitScales(m_painter.SeenRanges(Scene()));
+    m_view.FitScales(m_painter.SeenRange(Scene()));
     return true;
 }
 

@@ -32,8 +32,8 @@ class GraphPainter {
     /// Discards the samples read; to be called when another block is shown.
     void ForgetBlock() { m_picture.Traces().ForgetBlock(); }
     /// See TracePicture.
-    [[nodiscard]] std::vector<std::optional<ValueRange>> SeenRanges(const GraphScene& scene) {
-        return m_picture.Traces().SeenRanges(scene);
+    [[nodiscard]] std::optional<ValueRange> SeenRange(const GraphScene& scene) {
+        return m_picture.Traces().SeenRange(scene);
     }
     /// Moves, shows or hides a band; returns the changed rectangle.
     RECT SetBand(GraphBand which, const std::optional<ColumnBand>& columns);
