@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "HeartBeat.h"
 #include "RecordingWriters.h"
 #include "Signals.h"
 
@@ -160,38 +161,18 @@ inline std::string MusicFile() {
                     {{0, "Intro"}, {4 * kRate, "Verse"}, {12 * kRate, "Bridge"}, {16 * kRate, "Ending"}});
 }
 
-/// A heart beat: amplitude in mV, time after the beat's start in s and width in s of each wave.
-struct Wave {
-    double lead1;
-    double lead2;
-    double at;
-    double width;
-};
-
 inline std::string EcgFile() {
     constexpr double kRate = 500.0;
     constexpr std::size_t kCount = 150000;
     constexpr double kScale = 0.0005;
-    constexpr Wave kBeat[] = {{0.09, 0.15, 0.10, 0.022},
-                              {-0.06, -0.10, 0.215, 0.009},
-                              {0.75, 1.15, 0.245, 0.011},
-                              {-0.12, -0.22, 0.275, 0.010},
-                              {0.20, 0.30, 0.480, 0.045}};
     // A premature beat of the ventricle: wide, without the first wave, a turned last one.
     constexpr Wave kPremature[] = {{0.9, 1.4, 0.23, 0.035}, {-0.35, -0.5, 0.33, 0.04}, {-0.25, -0.4, 0.50, 0.06}};
     std::vector<double> lead1(kCount);
     std::vector<double> lead2(kCount);
     Random random(31);
     const auto addBeat = [&](double start, const auto& waves) {
-        for (const Wave& wave : waves) {
-            const auto from = static_cast<std::size_t>(std::max(0.0, start + wave.at - 6.0 * wave.width) * kRate);
-            const auto to = static_cast<std::size_t>((start + wave.at + 6.0 * wave.width) * kRate);
-            for (std::size_t i = from; i < std::min(to, kCount); ++i) {
-                const double bell = Bell(static_cast<double>(i) / kRate, start + wave.at, wave.width);
-                lead1[i] += wave.lead1 * bell;
-                lead2[i] += wave.lead2 * bell;
-            }
-        }
+        AddBeat(lead1, kRate, start, waves, &Wave::lead1);
+        AddBeat(lead2, kRate, start, waves, &Wave::lead2);
     };
     double start = 0.2;
     for (int beat = 1; start < static_cast<double>(kCount) / kRate; ++beat) {
