@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -8,112 +7,8 @@
 #include "RecordingWriters.h"
 #include "Signals.h"
 
-/// The sample recordings as bytes of files.
+/// The sample recordings other than the EEG, as bytes of files.
 namespace quillon::samples {
-
-struct EegEvent {
-    double time = 0.0;  ///< s
-    std::string text;
-};
-
-/// What happens in the recording: eyes open and closed in turn, blinks while they are open, spikes while closed.
-inline std::vector<EegEvent> EegEvents(double seconds) {
-    std::vector<EegEvent> events{
-        {0.0, "Eyes open"}, {20.0, "Eyes closed"}, {80.0, "Eyes open"}, {120.0, "Eyes closed"}, {200.0, "Eyes open"}};
-    for (const double time : {47.3, 52.8, 151.6, 163.1, 178.4}) events.push_back({time, "Spike"});
-    Random random(11);
-    for (double time = 2.0; time < seconds - 1.0; time += 2.0 + 4.0 * random.Uniform()) {
-        const bool open = time < 19.0 || (time > 81.0 && time < 119.0) || time > 201.0;
-        if (open) events.push_back({std::round(time * 100.0) / 100.0, "Blink"});
-    }
-    std::sort(events.begin(), events.end(), [](const auto& a, const auto& b) { return a.time < b.time; });
-    return events;
-}
-
-struct Electrode {
-    const char* label;
-    double alpha;  ///< uV while the eyes are closed
-    double blink;  ///< uV
-    double spike;  ///< uV
-};
-
-/// One channel in uV. The rhythm's loudness swells and fades together in all channels.
-inline std::vector<double> EegChannel(const Electrode& electrode, std::uint64_t seed, double rate, std::size_t count,
-                                      const std::vector<EegEvent>& events) {
-    PinkNoise noise(seed, rate);
-    Random random(seed + 100);
-    std::vector<double> signal(count);
-    const double lag = 0.05 * static_cast<double>(seed);
-    double closed = 0.0;
-    double alphaTurn = lag;
-    double swell = 0.7;
-    Random swells(5);
-    for (std::size_t i = 0; i < count; ++i) {
-        const double time = static_cast<double>(i) / rate;
-        const bool eyesClosed = (time > 20.4 && time < 80.0) || (time > 120.5 && time < 200.0);
-        closed += ((eyesClosed ? 1.0 : 0.15) - closed) / (0.4 * rate);
-        swell += (0.75 - swell) / (0.8 * rate) + 0.6 * swells.Normal() / rate * 6.0;
-        swell = std::clamp(swell, 0.1, 1.4);
-        alphaTurn += (10.1 + 0.35 * std::sin(kTurn * 0.21 * time)) / rate;
-        const double theta = 5.0 * std::sin(kTurn * (5.7 * time + lag)) * (0.6 + 0.4 * std::sin(kTurn * 0.13 * time));
-        signal[i] = electrode.alpha * closed * swell * std::sin(kTurn * alphaTurn) + theta + 7.5 * noise.Next() +
-                    1.3 * random.Normal() + 0.8 * std::sin(kTurn * 50.0 * time);
-    }
-    for (const EegEvent& event : events) {
-        const auto from = static_cast<std::size_t>(std::max(0.0, event.time - 0.5) * rate);
-        const std::size_t to = std::min(count, static_cast<std::size_t>((event.time + 1.0) * rate));
-        for (std::size_t i = from; i < to; ++i) {
-            const double time = static_cast<double>(i) / rate - event.time;
-            if (event.text == "Blink") {
-                signal[i] += electrode.blink * (Bell(time, 0.15, 0.06) - 0.2 * Bell(time, 0.4, 0.1));
-            } else if (event.text == "Spike") {
-                signal[i] -= electrode.spike * (Bell(time, 0.03, 0.012) - 0.45 * Bell(time, 0.2, 0.07));
-            }
-        }
-    }
-    return signal;
-}
-
-inline std::string EegFile() {
-    constexpr std::size_t kRate = 256;
-    constexpr std::size_t kSeconds = 240;
-    constexpr std::size_t kAnnotationBytes = 120;
-    constexpr double kScale = 1600.0 / 65535.0;
-    constexpr std::array<Electrode, 8> kElectrodes{{{"EEG Fp1", 5.0, 130.0, 10.0},
-                                                    {"EEG Fp2", 5.0, 125.0, 6.0},
-                                                    {"EEG C3", 14.0, 22.0, 75.0},
-                                                    {"EEG C4", 13.0, 20.0, 22.0},
-                                                    {"EEG P3", 24.0, 8.0, 90.0},
-                                                    {"EEG P4", 25.0, 8.0, 28.0},
-                                                    {"EEG O1", 34.0, 3.0, 35.0},
-                                                    {"EEG O2", 36.0, 3.0, 16.0}}};
-    const auto events = EegEvents(kSeconds);
-    std::vector<EdfSignal> signals;
-    std::vector<std::vector<double>> channels;
-    for (const Electrode& electrode : kElectrodes) {
-        signals.push_back({electrode.label, "AgAgCl electrode", "uV", -800, 800, "HP:0.1Hz LP:100Hz", kRate});
-        channels.push_back(EegChannel(electrode, channels.size() + 1, kRate, kRate * kSeconds, events));
-    }
-    signals.push_back({kEdfAnnotations, "", "", -1, 1, "", kAnnotationBytes / 2});
-    Bytes bytes;
-    bytes.Text(EdfHeader(signals, kSeconds));
-    auto event = events.begin();
-    for (std::size_t record = 0; record < kSeconds; ++record) {
-        for (const auto& channel : channels) {
-            for (std::size_t i = 0; i < kRate; ++i) {
-                // Code 0 stands for 0.012 uV, as the digital range is not symmetric.
-                const double microvolts = channel[record * kRate + i] - kScale / 2.0;
-                bytes.U16(static_cast<std::uint16_t>(Code(microvolts, kScale)));
-            }
-        }
-        std::string list = EdfOnset(static_cast<double>(record)) + "\x14\x14" + '\0';
-        for (; event != events.end() && event->time < static_cast<double>(record + 1); ++event) {
-            list += EdfOnset(event->time) + '\x14' + event->text + '\x14' + '\0';
-        }
-        bytes.Text(list, kAnnotationBytes, '\0');
-    }
-    return bytes.Get();
-}
 
 /// Chords of four voices with bass and a soft beat, 2 s each.
 inline std::string MusicFile() {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "BenchRecordings.h"
+#include "EegRecording.h"
 #include "SampleRecordings.h"
 
 namespace {
