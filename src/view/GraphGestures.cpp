@@ -9,14 +9,22 @@ bool GraphGestures::IsBeside() const {
     return m_kind == Kind::Select && (m_x < 0 || m_x >= m_view.Axis().Width());
 }
 
+std::int64_t GraphGestures::ZeroRow() const {
+    const Lanes& lanes = m_view.GetLanes();
+    return lanes[std::min(m_lane, lanes.size() - 1)].zeroRow;
+}
+
 ViewChange GraphGestures::Press(GraphButton button, GraphZone zone, const GraphPointer& pointer) {
     if (m_kind != Kind::None || m_view.Axis().SampleCount() == 0) return {};
     m_x = pointer.x;
     m_y = pointer.y;
     m_column = m_view.Axis().FirstColumn();
-    m_shift = m_view.BaseLineShift();
-    if (zone == GraphZone::AmplitudeScale) {
+    m_lane = m_view.LaneAt(pointer.y);
+    m_zeroRow = ZeroRow();
+    if (zone == GraphZone::AmplitudeScale || (zone == GraphZone::LaneTitles && !m_view.UsesLanes())) {
         if (button == GraphButton::Left) m_kind = Kind::BaseLine;
+    } else if (zone == GraphZone::LaneTitles) {
+        if (button == GraphButton::Left) m_kind = Kind::Title;
     } else if (zone == GraphZone::Traces && button == GraphButton::Middle) {
         m_kind = Kind::Pan;
     } else if (zone == GraphZone::Traces) {
@@ -29,7 +37,7 @@ ViewChange GraphGestures::Press(GraphButton button, GraphZone zone, const GraphP
 }
 
 ViewChange GraphGestures::Move(const GraphPointer& pointer) {
-    const std::int64_t rows = m_shift + (pointer.y - m_y) - m_view.BaseLineShift();
+    const std::int64_t rows = m_zeroRow + (pointer.y - m_y) - ZeroRow();
     switch (m_kind) {
         case Kind::Select: {
             // Another command may have taken the selection away.
@@ -39,7 +47,8 @@ ViewChange GraphGestures::Move(const GraphPointer& pointer) {
             return m_view.SelectTo(SampleUnder(m_view.Axis(), column));
         }
         case Kind::Pan: return m_view.Move(m_column - (pointer.x - m_x) - m_view.Axis().FirstColumn(), rows);
-        case Kind::BaseLine: return m_view.MoveBaseLine(rows);
+        case Kind::BaseLine: return m_view.UsesLanes() ? m_view.MoveLane(m_lane, rows) : m_view.MoveBaseLine(rows);
+        case Kind::Title: m_y = pointer.y; break;
         case Kind::None: break;
     }
     return {};
@@ -49,6 +58,7 @@ ViewChange GraphGestures::Release(const GraphPointer& pointer) {
     ViewChange change;
     // A release outside the graph ends the drag at its last shown position.
     if (m_kind == Kind::Select) change = Move(pointer);
+    if (m_kind == Kind::Title) change = m_view.DragTitle(m_lane, m_view.LaneAt(pointer.y));
     change |= Cancel();
     return change;
 }
@@ -59,14 +69,24 @@ ViewChange GraphGestures::Cancel() {
     return selection.active && selection.start == selection.end ? m_view.Deselect() : ViewChange{};
 }
 
+ViewChange GraphGestures::Zoom(int notches, GraphZone zone, const GraphPointer& pointer) {
+    // Over the other zones the rows of the pointer are not those of the lanes.
+    const bool overLane =
+        zone == GraphZone::Traces || zone == GraphZone::AmplitudeScale || zone == GraphZone::LaneTitles;
+    if (!overLane || !pointer.alt || !m_view.UsesLanes()) return m_view.ZoomY(notches);
+    const std::size_t lane = m_view.LaneAt(pointer.y);
+    return pointer.shift ? m_view.ZoomChannel(lane, notches) : m_view.ZoomGroup(lane, notches);
+}
+
 ViewChange GraphGestures::Wheel(int delta, GraphZone zone, const GraphPointer& pointer) {
     if ((m_wheelRest > 0) != (delta > 0)) m_wheelRest = 0;
     m_wheelRest += delta;
     const int notches = m_wheelRest / kNotch;
     m_wheelRest -= notches * kNotch;
     if (notches == 0 || m_view.Axis().SampleCount() == 0) return {};
-    if (zone == GraphZone::AmplitudeScale || pointer.alt || (pointer.control && pointer.shift))
-        return m_view.ZoomY(notches);
+    const bool overScale = zone == GraphZone::AmplitudeScale || zone == GraphZone::LaneTitles;
+    if (overScale && m_view.UsesLanes() && !pointer.alt && !pointer.control) return m_view.ScrollLanes(-notches);
+    if (overScale || pointer.alt || (pointer.control && pointer.shift)) return Zoom(notches, zone, pointer);
     if (zone == GraphZone::TimeScale || pointer.control) return m_view.ZoomAbout(notches, pointer.x);
     constexpr int columns = 100;
     constexpr int fewColumns = 20;

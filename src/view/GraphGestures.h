@@ -1,13 +1,14 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "view/WaveformView.h"
 
 namespace quillon {
 
-/// Parts of the window in which the mouse moves the view.
-enum class GraphZone { Traces, TimeScale, AmplitudeScale, Spectrogram };
+/// Parts of the window in which the mouse moves the view. The titles of lanes lie in the amplitude scale.
+enum class GraphZone { Traces, TimeScale, AmplitudeScale, Spectrogram, LaneTitles };
 
 enum class GraphButton { Left, Middle };
 
@@ -21,11 +22,12 @@ struct GraphPointer {
 };
 
 /// What the mouse does with the view: selecting with the left button (with Shift, moving the end of a selection),
-/// dragging view and base line with the middle one, dragging the base line in the amplitude scale, zooming and
-/// scrolling with the wheel. One gesture at a time; while one is under way the pointer may leave the graph.
+/// dragging view and base line with the middle one, dragging the base line in the amplitude scale (of the lane under
+/// the pointer) and lanes by their titles, zooming and scrolling with the wheel. One gesture at a time; while one is
+/// under way the pointer may leave the graph.
 class GraphGestures {
   public:
-    enum class Kind { None, Select, Pan, BaseLine };
+    enum class Kind { None, Select, Pan, BaseLine, Title };
     /// Wheel movement of one notch.
     static constexpr int kNotch = 120;
 
@@ -40,22 +42,30 @@ class GraphGestures {
     /// Starts a gesture if none is under way; Current() returns which one.
     ViewChange Press(GraphButton button, GraphZone zone, const GraphPointer& pointer);
     ViewChange Move(const GraphPointer& pointer);
-    /// Ends the gesture; an empty selection is removed.
+    /// The lane whose scale or title is dragged, and the one at whose place a dragged title would be dropped.
+    [[nodiscard]] std::size_t DraggedLane() const { return m_lane; }
+    [[nodiscard]] std::size_t DropLane() const { return m_view.LaneAt(m_y); }
+    /// Ends the gesture; an empty selection is removed, a dragged lane is dropped.
     ViewChange Release(const GraphPointer& pointer);
     /// Ends the gesture at its last position.
     ViewChange Cancel();
-    /// Movement below a notch adds up until the direction changes.
+    /// Movement below a notch adds up until the direction changes. Over a lane Alt zooms its group, Alt and Shift its
+    /// channel alone; beside the lanes the wheel scrolls them.
     ViewChange Wheel(int delta, GraphZone zone, const GraphPointer& pointer);
     /// Scrolls towards a pointer outside the graph, faster with its distance, at most one division.
     ViewChange AutoScroll();
 
   private:
+    [[nodiscard]] std::int64_t ZeroRow() const;
+    ViewChange Zoom(int notches, GraphZone zone, const GraphPointer& pointer);
+
     WaveformView& m_view;
     Kind m_kind = Kind::None;
-    std::int32_t m_x = 0;  ///< where a drag began; of a selection, where the pointer is
+    std::int32_t m_x = 0;  ///< where a drag began; of a selection or title, where the pointer is
     std::int32_t m_y = 0;
-    std::int32_t m_column = 0;  ///< first column of the view, where the drag began
-    std::int64_t m_shift = 0;   ///< shift of the base line where the drag began
+    std::int32_t m_column = 0;   ///< first column of the view, where the drag began
+    std::size_t m_lane = 0;      ///< lane where the drag began
+    std::int64_t m_zeroRow = 0;  ///< its zero row then
     int m_wheelRest = 0;
 };
 

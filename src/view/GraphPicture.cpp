@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <utility>
 
 #include "view/InvertLightness.h"
@@ -13,6 +14,8 @@ namespace {
 
 constexpr std::uint32_t kWhite = 0xFFFFFF;
 constexpr std::uint32_t kZeroColor = 0xB4BAC4;
+constexpr std::uint32_t kLaneZeroColor = 0xE6E9ED;  ///< of the zero levels of many lanes
+constexpr std::uint32_t kLaneEdgeColor = 0xD0D5DC;
 constexpr std::uint32_t kMarkLineColor = 0xDFA6A6;
 
 /// Rows and columns between the dots of a dotted grid; a divisor of a division of either axis.
@@ -29,7 +32,7 @@ std::uint32_t Lighter(std::uint32_t rgb) {
 }
 
 /// What a row of the graph holds of the grid.
-enum class GridRow { Empty, Between, Level, Zero, Count };
+enum class GridRow { Empty, Between, Level, Zero, LaneZero, LaneEdge, Count };
 
 /// Rows of every kind from a division's first column on; one division longer than the graph, so that it may begin
 /// anywhere in them.
@@ -39,8 +42,10 @@ GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color) 
     GridRows rows;
     const auto length = static_cast<std::size_t>(width) + TimeAxis::kDivision;
     rows.fill(std::vector<std::uint32_t>(length, kWhite));
-    auto& [empty, between, level, zero] = rows;
+    auto& [empty, between, level, zero, laneZero, laneEdge] = rows;
     std::fill(zero.begin(), zero.end(), kZeroColor);
+    std::fill(laneZero.begin(), laneZero.end(), kLaneZeroColor);
+    std::fill(laneEdge.begin(), laneEdge.end(), kLaneEdgeColor);
     const std::uint32_t lighter = Lighter(color);
     for (std::size_t at = 0; at < length; at += TimeAxis::kDivision) between[at] = lighter;
     const std::size_t step = style == GridStyle::Dots ? kDotStep : 1;
@@ -48,7 +53,16 @@ GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color) 
     return rows;
 }
 
+/// Of a lane without levels.
+GridRow KindOfSingle(const Lane& lane, GridStyle style, std::int32_t row) {
+    if (row == lane.top && row > 0) return GridRow::LaneEdge;
+    if (row == lane.zeroRow) return GridRow::LaneZero;
+    const bool lines = style == GridStyle::Lines || (style == GridStyle::Dots && row % kDotStep == 0);
+    return lines ? GridRow::Between : GridRow::Empty;
+}
+
 GridRow KindOf(const Lane& lane, GridStyle style, std::int32_t row) {
+    if (lane.single) return KindOfSingle(lane, style, row);
     const std::int64_t above = lane.zeroRow - row;
     // The zero level is no part of the grid.
     if (above == 0) return GridRow::Zero;
@@ -233,12 +247,14 @@ std::optional<ColumnBand> GraphPicture::SetBand(GraphBand which, const std::opti
 
 void GraphPicture::FindOutside(const GraphScene& scene) {
     m_beyond.clear();
-    const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
-    for (std::size_t at = 0; at < shown.size(); ++at) {
+    const std::vector<LaneTrace> traces = TracesOf(scene.lanes);
+    for (std::size_t at = 0; at < traces.size(); ++at) {
         const TraceSides::Side side = m_traces.SideOf(at);
         if (side == TraceSides::Side::None) continue;
-        const std::int16_t number = scene.block.channelNumbers[static_cast<std::size_t>(shown[at] - 1)];
-        m_beyond.push_back({TraceColor(number), side == TraceSides::Side::Above});
+        const std::int16_t number = scene.block.channelNumbers[static_cast<std::size_t>(traces[at].channel - 1)];
+        const Lane& lane = scene.lanes[traces[at].lane];
+        m_beyond.push_back(
+            {TraceColor(number), side == TraceSides::Side::Above, traces[at].lane, lane.top, lane.End()});
     }
     m_marksSeen = !VisibleMarks(scene.axis, scene.block).empty();
 }
@@ -252,13 +268,14 @@ std::vector<EdgeArrow> GraphPicture::Arrows(int dpi) const {
     const std::int32_t perRow = std::max((m_width - 2 * margin) / step, 1);
     // The texts of marks stand along the upper edge.
     const std::int32_t labels = m_marksSeen ? scaled(16) : 0;
-    std::array<std::int32_t, 2> placed{};  // below, above
+    std::map<std::pair<std::size_t, bool>, std::int32_t> placed;
     std::vector<EdgeArrow> arrows;
     for (const Beyond& trace : m_beyond) {
-        const std::int32_t at = placed[trace.above ? 1 : 0]++;
+        const std::int32_t at = placed[{trace.lane, trace.above}]++;
         const std::int32_t x = margin + half + at % perRow * step;
         const std::int32_t inward = margin + at / perRow * (height + margin);
-        const std::int32_t tip = trace.above ? labels + inward : m_height - 1 - inward;
+        const std::int32_t tip =
+            trace.above ? trace.top + (trace.top == 0 ? labels : 0) + inward : trace.end - 1 - inward;
         const std::int32_t base = trace.above ? tip + height : tip - height;
         arrows.push_back({trace.color, {{{x, tip}, {x + half, base}, {x - half, base}}}});
     }

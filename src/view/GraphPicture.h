@@ -25,7 +25,7 @@ inline constexpr std::chrono::milliseconds kPatience{10};
 /// Bands that invert the lightness of the image below them.
 enum class GraphBand { Selection, Cursor, Play, Count };
 
-/// A triangle at the upper or lower edge of the graph, for a trace that is entirely outside it.
+/// A triangle at the upper or lower edge of a lane, for a trace that is entirely outside it.
 struct EdgeArrow {
     std::uint32_t color = 0;  ///< 0xRRGGBB
     std::array<DevicePoint, 3> corners;
@@ -100,10 +100,13 @@ class GraphPicture {
         return m_pixels + static_cast<std::ptrdiff_t>(row) * m_width;
     }
 
-    /// A trace that is outside the graph.
+    /// A trace that is outside its lane.
     struct Beyond {
         std::uint32_t color;
         bool above;
+        std::size_t lane;
+        std::int32_t top;  ///< rows of the lane, the second one behind it
+        std::int32_t end;
     };
 
     std::uint32_t* m_pixels = nullptr;

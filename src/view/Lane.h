@@ -10,11 +10,13 @@ namespace quillon {
 
 /// A horizontal strip of the graph whose traces share an amplitude scale: what its drawing needs.
 struct Lane {
-    std::int32_t top = 0;                  ///< first row of the graph
-    std::int32_t height = 0;               ///< rows
-    std::int64_t zeroRow = 0;              ///< row of the graph at which the value 0 lies, also far outside of it
-    double unitsPerDivision = 1.0;         ///< units per AmplitudeScale::kDivision rows
-    bool negativeUp = false;               ///< values grow downwards
+    std::int32_t top = 0;           ///< first row of the graph
+    std::int32_t height = 0;        ///< rows
+    std::int64_t zeroRow = 0;       ///< row of the graph at which the value 0 lies, also far outside of it
+    double unitsPerDivision = 1.0;  ///< units per AmplitudeScale::kDivision rows
+    bool negativeUp = false;        ///< values grow downwards
+    bool clip = false;              ///< traces end at its edges
+    bool single = false;            ///< one channel by itself: a line between lanes instead of levels of amplitude
     std::vector<std::int16_t> channels{};  ///< that are drawn in it: positions in the block, from 1
 
     [[nodiscard]] std::int32_t End() const { return top + height; }

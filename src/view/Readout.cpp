@@ -139,7 +139,8 @@ std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::i
     std::int16_t nearest = 0;
     double least = 0.0;
     for (const Lane& lane : lanes) {
-        if (row < lane.top || row >= lane.top + lane.height) continue;
+        if (row < lane.top || row >= lane.End()) continue;
+        if (lane.single && !lane.channels.empty()) return lane.channels.front();
         for (const std::int16_t channel : lane.channels) {
             Resume([&] {
                 double value = ShownValue(source, channel, CodeAt(source, channel, sample));

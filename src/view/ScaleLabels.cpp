@@ -105,6 +105,11 @@ std::u16string ZoomCaption(int index) {
     return perPixel < 1000 ? Decimal(perPixel) + u":1" : Decimal(perPixel / 1000) + u"k:1";
 }
 
+std::u16string CodesText(double codes, char16_t separator) {
+    // Below one code the patterns of scales have no digits.
+    return codes < 1.0 ? SingleNumberText(codes, separator) : AmplitudeText(codes, codes, true, separator);
+}
+
 std::u16string ScaleCaption(int index, bool rawCodes, char16_t separator) {
     const double units = AmplitudeScale::TableEntry(index);
     if (!rawCodes) return SingleNumberText(units, separator);

@@ -24,13 +24,19 @@ void TraceCanvas::Reset(std::int32_t from, std::int32_t to, std::int32_t height)
     std::fill(m_drawn.begin(), m_drawn.end(), Rows{height, 0});
     m_from = from;
     m_height = height;
+    Limit(0, height);
+}
+
+void TraceCanvas::Limit(std::int32_t top, std::int32_t end) {
+    m_top = std::max(top, 0);
+    m_end = std::min(end, m_height);
 }
 
 void TraceCanvas::Fill(std::int32_t column, std::int64_t first, std::int64_t last, std::uint8_t id) {
     if (first > last) std::swap(first, last);
-    if (last < 0 || first >= m_height) return;
-    const auto top = static_cast<std::int32_t>(std::max<std::int64_t>(first, 0));
-    const auto bottom = static_cast<std::int32_t>(std::min<std::int64_t>(last, m_height - 1)) + 1;
+    if (last < m_top || first >= m_end) return;
+    const auto top = static_cast<std::int32_t>(std::max<std::int64_t>(first, m_top));
+    const auto bottom = static_cast<std::int32_t>(std::min<std::int64_t>(last, m_end - 1)) + 1;
     const auto at = static_cast<std::size_t>(column - m_from);
     std::memset(m_pixels.data() + at * static_cast<std::size_t>(m_height) + top, id,
                 static_cast<std::size_t>(bottom - top));

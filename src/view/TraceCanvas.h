@@ -25,6 +25,8 @@ class TraceCanvas {
 
     /// An empty canvas of columns from .. to-1 of an image of that height.
     void Reset(std::int32_t from, std::int32_t to, std::int32_t height);
+    /// Limits what is drawn from now on to rows top .. end-1, as far as the image has them.
+    void Limit(std::int32_t top, std::int32_t end);
     /// Draws a trace over those before. `id` is 1 .. kMostTraces.
     void Draw(std::span<const DevicePoint> points, std::uint8_t id);
     /// Composes the traces over an image of `width` columns, whose rows follow each other from the top; colors[id - 1]
@@ -40,6 +42,8 @@ class TraceCanvas {
 
     std::int32_t m_from = 0;
     std::int32_t m_height = 0;
+    std::int32_t m_top = 0;  ///< rows that are drawn
+    std::int32_t m_end = 0;
     std::vector<std::uint8_t> m_pixels;  ///< column after column; 0: nothing
     std::vector<Rows> m_drawn;           ///< per column, what the traces cover
 };

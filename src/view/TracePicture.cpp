@@ -9,7 +9,7 @@ namespace quillon {
 void TracePicture::Reset(std::size_t traces, std::int32_t width, std::int32_t height) {
     m_width = width;
     m_height = height;
-    m_sides.Reset(traces, width, height);
+    m_sides.Reset(traces, width);
     m_failure.clear();
 }
 
@@ -78,8 +78,9 @@ void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, std::siz
     } else {
         ToPixels(mapping, m_reader.points()[trace], m_trace);
     }
+    m_canvas.Limit(lane.clip ? lane.top : 0, lane.clip ? lane.End() : m_height);
     m_canvas.Draw(m_trace, static_cast<std::uint8_t>(trace + 1));
-    m_sides.Mark(trace, from, to, m_trace);
+    m_sides.Mark(trace, from, to, m_trace, lane.top, lane.End());
     m_colors[trace] = TraceColor(scene.block.channelNumbers[channel]);
 }
 

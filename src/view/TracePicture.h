@@ -14,7 +14,7 @@
 namespace quillon {
 
 /// The traces of the shown channels as pixels: reads their points, maps them to rows and draws them, the first channel
-/// on top. Records which of them are entirely above or below the picture.
+/// on top. Records which of them are entirely above or below their lane.
 class TracePicture {
   public:
     /// An empty picture of that size; `traces` is the number of channels in all lanes, see TracesOf.
@@ -32,7 +32,7 @@ class TracePicture {
     void Draw(const GraphScene& scene, std::int32_t from, std::int32_t to);
     /// `pixels`: 0xRRGGBB, rows of the picture's width that follow each other from the top.
     void Compose(std::uint32_t* pixels) const { m_canvas.Compose(pixels, m_width, m_colors); }
-    /// The side of the picture on which a trace is entirely outside; `at` is its place in TracesOf.
+    /// The side of its lane on which a trace is entirely outside; `at` is its place in TracesOf.
     [[nodiscard]] TraceSides::Side SideOf(std::size_t at) const { return m_sides.Of(at); }
 
     /// The range by which the scale of one axis is chosen, see CentralRange; none where nothing is shown or can be

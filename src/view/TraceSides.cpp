@@ -4,9 +4,8 @@
 
 namespace quillon {
 
-void TraceSides::Reset(std::size_t traces, std::int32_t width, std::int32_t height) {
+void TraceSides::Reset(std::size_t traces, std::int32_t width) {
     m_width = width;
-    m_height = height;
     m_columns.assign(traces, std::vector<std::uint8_t>(static_cast<std::size_t>(width), 0));
 }
 
@@ -27,13 +26,14 @@ void TraceSides::Forget(std::int32_t from, std::int32_t to) {
     for (auto& columns : m_columns) std::fill(columns.begin() + from, columns.begin() + to, std::uint8_t{0});
 }
 
-void TraceSides::Mark(std::size_t trace, std::int32_t from, std::int32_t to, std::span<const DevicePoint> points) {
+void TraceSides::Mark(std::size_t trace, std::int32_t from, std::int32_t to, std::span<const DevicePoint> points,
+                      std::int32_t top, std::int32_t end) {
     std::vector<std::uint8_t>& columns = m_columns[trace];
     std::fill(columns.begin() + from, columns.begin() + to, std::uint8_t{0});
     std::uint8_t before = 0;
     for (const DevicePoint& point : points) {
-        const std::uint8_t side = point.y < 0 ? kAbove : point.y >= m_height ? kBelow : kAbove | kBelow;
-        // The line to the next side passes through the graph.
+        const std::uint8_t side = point.y < top ? kAbove : point.y >= end ? kBelow : kAbove | kBelow;
+        // The line to the next side passes through the lane.
         if (point.x >= from && point.x < to)
             columns[static_cast<std::size_t>(point.x)] |= static_cast<std::uint8_t>(side | before);
         before = side;

@@ -5,14 +5,17 @@
 #include <cstdint>
 #include <optional>
 
+#include "view/LaneSettings.h"
+
 namespace quillon {
 
-/// A view: the visible part of a block and its amplitude scale, see AmplitudeScale.
+/// A view: the visible part of a block, the scale of one axis (see AmplitudeScale), and the lanes.
 struct ViewPlace {
     int zoom = 0;
     std::int32_t firstColumn = 0;
     int scale = 0;
     std::int64_t shift = 0;
+    LaneSettings lanes;
     friend bool operator==(const ViewPlace&, const ViewPlace&) = default;
 };
 

@@ -6,27 +6,39 @@
 
 namespace quillon {
 
-ViewChange& ViewChange::operator|=(const ViewChange& other) {
-    const bool both = scrolled != 0 && other.scrolled != 0;
-    redraw = redraw || other.redraw || both;
-    scrolled = redraw ? 0 : scrolled + other.scrolled;
-    newPlace = newPlace || other.newPlace;
-    selection = selection || other.selection;
-    return *this;
+namespace {
+
+/// Of a scale's index: units, or codes, that it stands for.
+double TableValue(int index, bool rawCodes) {
+    return AmplitudeScale::TableEntry(index) * (rawCodes ? static_cast<double>(AmplitudeScale::kCodesPerUnit) : 1.0);
 }
 
-WaveformView::WaveformView(const Document& document) : m_document(document) {
+}  // namespace
+
+WaveformView::WaveformView(const Document& document) : m_document(document), m_channelLanes(document) {
     MakeLanes();
 }
 
 void WaveformView::Arrange(std::int32_t width, std::int32_t height) {
     m_axis.SetWidth(width);
     m_scale.SetGraph(height, height / 2);
+    m_channelLanes.SetHeight(height);
+    m_channelLanes.FitOnce();
+    MakeLanes();
+}
+
+void WaveformView::SetRawCodes(bool rawCodes) {
+    m_rawCodes = rawCodes;
+    m_channelLanes.SetRawCodes(rawCodes);
     MakeLanes();
 }
 
 void WaveformView::MakeLanes() {
-    m_lanes.resize(1);
+    if (UsesLanes()) {
+        m_lanes = m_channelLanes.Make();
+        return;
+    }
+    m_lanes.assign(1, {});
     Lane& lane = m_lanes.front();
     lane.height = m_scale.Height();
     lane.zeroRow = m_scale.ZeroRow();
@@ -44,6 +56,7 @@ void WaveformView::LeaveBlock() {
     m_selection = {};
     m_history.Clear();
     m_goneTo = 0;
+    m_channelLanes.LeaveBlock();
 }
 
 void WaveformView::BlockLoaded() {
@@ -60,13 +73,14 @@ void WaveformView::FitScales(const std::optional<ValueRange>& seen) {
 }
 
 ViewPlace WaveformView::Place() const {
-    return {m_axis.ZoomIndex(), m_axis.FirstColumn(), m_scale.Index(), m_scale.Shift()};
+    return {m_axis.ZoomIndex(), m_axis.FirstColumn(), m_scale.Index(), m_scale.Shift(), m_channelLanes.Settings()};
 }
 
 void WaveformView::GoBackTo(const ViewPlace& place) {
     m_axis.Restore(place.zoom, place.firstColumn);
     m_scale.SelectScale(place.scale);
     m_scale.MoveBaseLine(place.shift - m_scale.Shift());
+    m_channelLanes.Restore(place.lanes);
     MakeLanes();
 }
 
@@ -84,6 +98,7 @@ void WaveformView::Restore(const State& state) {
 
 ViewChange WaveformView::Redraw(bool newPlace) {
     m_goneTo = 0;
+    m_channelLanes.FitOnce();
     MakeLanes();
     return {.redraw = true, .newPlace = newPlace};
 }
@@ -115,7 +130,7 @@ ViewChange WaveformView::Move(std::int32_t columns, std::int64_t rows) {
 
 ViewChange WaveformView::MoveBaseLine(std::int64_t rows) {
     if (m_axis.SampleCount() == 0 || rows == 0) return {};
-    m_scale.MoveBaseLine(rows);
+    UsesLanes() ? m_channelLanes.MoveAll(rows) : m_scale.MoveBaseLine(rows);
     return Redraw();
 }
 
@@ -145,24 +160,39 @@ ViewChange WaveformView::ZoomAbout(int steps, std::int32_t column) {
 
 ViewChange WaveformView::ZoomY(int steps) {
     Push();
-    m_scale.ZoomY(steps);
+    UsesLanes() ? m_channelLanes.ZoomAll(steps) : m_scale.ZoomY(steps);
     return Redraw();
 }
 
 ViewChange WaveformView::SelectScaleY(int index) {
     Push();
-    m_scale.SelectScale(index);
+    if (UsesLanes()) {
+        m_channelLanes.SelectScale(m_document.CurrentChannel(), TableValue(index, m_rawCodes));
+    } else {
+        m_scale.SelectScale(index);
+    }
     return Redraw();
+}
+
+int WaveformView::SelectedScaleY() const {
+    if (!UsesLanes()) return m_scale.Index();
+    int index = AmplitudeScale::kScaleCount - 1;
+    while (index >= 0 && !m_channelLanes.HasScale(m_document.CurrentChannel(), TableValue(index, m_rawCodes))) --index;
+    return index;
 }
 
 ViewChange WaveformView::SetBipolar() {
     Push();
-    m_scale.SetBipolar();
+    UsesLanes() ? m_channelLanes.CentreZero() : m_scale.SetBipolar();
     return Redraw();
 }
 
 ViewChange WaveformView::FindData() {
     Push();
+    if (UsesLanes()) {
+        m_channelLanes.FitShown(m_axis, m_extremes);
+        return Redraw();
+    }
     const auto range = [&]() -> std::optional<ValueRange> {
         if (m_rawCodes) return kRawCodesRange;
         const std::vector<std::int16_t> shown = ChannelsOf(m_lanes);
@@ -170,6 +200,82 @@ ViewChange WaveformView::FindData() {
         return m_ranges.Of(m_document.Block(), shown);
     };
     m_scale.FindData(range());
+    return Redraw();
+}
+
+std::size_t WaveformView::LaneAt(std::int32_t row) const {
+    std::size_t lane = 0;
+    while (lane + 1 < m_lanes.size() && row >= m_lanes[lane].End()) ++lane;
+    return lane;
+}
+
+std::int16_t WaveformView::ChannelOf(std::size_t lane) const {
+    return UsesLanes() && lane < m_lanes.size() && !m_lanes[lane].channels.empty() ? m_lanes[lane].channels.front()
+                                                                                   : std::int16_t{0};
+}
+
+ViewChange WaveformView::SetLanes(bool on) {
+    if (on == m_channelLanes.Settings().on) return {};
+    Push();
+    m_channelLanes.SetOn(on);
+    return Redraw();
+}
+
+ViewChange WaveformView::SetClip(bool clip) {
+    if (clip == m_channelLanes.Settings().clip) return {};
+    Push();
+    m_channelLanes.SetClip(clip);
+    return Redraw();
+}
+
+ViewChange WaveformView::SetNegativeUp(bool negativeUp) {
+    if (negativeUp == m_channelLanes.Settings().negativeUp) return {};
+    Push();
+    m_channelLanes.SetNegativeUp(negativeUp);
+    return Redraw();
+}
+
+ViewChange WaveformView::ZoomGroup(std::size_t lane, int steps) {
+    const std::int16_t channel = ChannelOf(lane);
+    if (channel == 0) return {};
+    Push();
+    m_channelLanes.ZoomGroup(channel, steps);
+    return Redraw();
+}
+
+ViewChange WaveformView::ZoomChannel(std::size_t lane, int steps) {
+    const std::int16_t channel = ChannelOf(lane);
+    if (channel == 0) return {};
+    Push();
+    m_channelLanes.ZoomChannel(channel, steps);
+    return Redraw();
+}
+
+ViewChange WaveformView::MoveLane(std::size_t lane, std::int64_t rows) {
+    const std::int16_t channel = ChannelOf(lane);
+    if (channel == 0 || rows == 0) return {};
+    m_channelLanes.Move(channel, rows);
+    return Redraw();
+}
+
+ViewChange WaveformView::FitLane(std::size_t lane) {
+    const std::int16_t channel = ChannelOf(lane);
+    if (channel == 0) return {};
+    Push();
+    m_channelLanes.FitAlone(channel, m_axis, m_extremes);
+    return Redraw();
+}
+
+ViewChange WaveformView::ScrollLanes(std::int32_t lanes) {
+    return UsesLanes() && m_channelLanes.Scroll(lanes) ? Redraw() : ViewChange{};
+}
+
+ViewChange WaveformView::DragTitle(std::size_t from, std::size_t to) {
+    const std::int16_t channel = ChannelOf(from);
+    const std::int16_t target = ChannelOf(to);
+    if (channel == 0 || target == 0 || channel == target) return {};
+    Push();
+    m_channelLanes.Reorder(channel, target);
     return Redraw();
 }
 

@@ -1,30 +1,27 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
 #include "data/Document.h"
 #include "view/AmplitudeScale.h"
+#include "view/ChannelLanes.h"
 #include "view/DataRange.h"
 #include "view/ExtremesCache.h"
 #include "view/Lane.h"
 #include "view/Selection.h"
 #include "view/TimeAxis.h"
+#include "view/ViewChange.h"
 #include "view/ViewHistory.h"
 
 namespace quillon {
 
-/// What a command has changed of the view.
-struct ViewChange {
-    std::int32_t scrolled = 0;  ///< columns by which the view was moved along the block, where that is all
-    bool redraw = false;        ///< more than a scroll: zoom or scales have changed
-    bool newPlace = false;      ///< the user has gone to another part of the block
-    bool selection = false;
-    ViewChange& operator|=(const ViewChange& other);
-};
-
 /// Which part of a document's block the graph shows at which scales, what is selected, and the history of views.
 /// Samples count from 1. A command that has no effect returns an empty change.
+///
+/// The channels share one axis, or each has a lane (see ChannelLanes); commands of the Y scale and of the base line
+/// then act on all lanes. Lanes count from 0 among the visible ones.
 class WaveformView {
   public:
     /// The document must outlive this object.
@@ -32,7 +29,13 @@ class WaveformView {
 
     [[nodiscard]] const TimeAxis& Axis() const { return m_axis; }
     [[nodiscard]] const Lanes& GetLanes() const { return m_lanes; }
-    /// Index of the amplitude scale, and rows by which the zero level lies below the middle.
+    /// Whether every channel has a lane: lanes are on, and the block has several channels.
+    [[nodiscard]] bool UsesLanes() const { return m_channelLanes.IsUsed(); }
+    /// Settings, scales, channels, which lanes are visible.
+    [[nodiscard]] const ChannelLanes& LanesOfChannels() const { return m_channelLanes; }
+    /// The lane at a row of the graph; above or below the graph, the nearest one.
+    [[nodiscard]] std::size_t LaneAt(std::int32_t row) const;
+    /// Of one axis: index of the amplitude scale, and rows by which the zero level lies below the middle.
     [[nodiscard]] int ScaleY() const { return m_scale.Index(); }
     [[nodiscard]] std::int64_t BaseLineShift() const { return m_scale.Shift(); }
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
@@ -41,8 +44,10 @@ class WaveformView {
     [[nodiscard]] ExtremesCache& Extremes() const { return m_extremes; }
     [[nodiscard]] RangeRecords& Ranges() { return m_ranges; }
     [[nodiscard]] bool RawCodes() const { return m_rawCodes; }
-    void SetRawCodes(bool rawCodes) { m_rawCodes = rawCodes; }
+    void SetRawCodes(bool rawCodes);
 
+    /// By which the least height of a lane is scaled; at first 96. To be called before Arrange.
+    void SetDpi(int dpi) { m_channelLanes.SetDpi(dpi); }
     /// Size of the graph in pixels. The lanes share its height, and hold the channels that are shown now.
     void Arrange(std::int32_t width, std::int32_t height);
     /// The block is about to be closed: clears the selection, the history and the recorded ranges.
@@ -51,8 +56,8 @@ class WaveformView {
     void Rescaled();
     /// Another block is loaded: shows its first page at the previous zoom and scales.
     void BlockLoaded();
-    /// Chooses a new scale if the data are not readable at the previous one, or none has been chosen since the start.
-    /// `seen` is the range of the visible data, see CentralRange.
+    /// Chooses a new scale of one axis if the data are not readable at the previous one, or none has been chosen since
+    /// the start. `seen` is the range of the visible data, see CentralRange.
     void FitScales(const std::optional<ValueRange>& seen);
     /// Whether FitScales has had data to choose a scale by since the start.
     [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
@@ -81,22 +86,36 @@ class WaveformView {
     ViewChange ZoomAbout(int steps, std::int32_t column);
     /// Steps of the Y scale, finer ones positive.
     ViewChange ZoomY(int steps);
+    /// In lanes the scale of the current channel's group: the table's units, or codes, per lane height.
     ViewChange SelectScaleY(int index);
+    /// The selected index; -1 where the table lacks the scale.
+    [[nodiscard]] int SelectedScaleY() const;
     ViewChange SetBipolar();
-    /// Reads what the ranges of the shown channels lack, unless they are recorded.
+    /// Reads what the recorded ranges of the shown channels lack; in lanes, what the visible columns lack.
     ViewChange FindData();
     ViewChange FitBlock();
     ViewChange FitSelection();
-    /// Returns to the previous view.
     ViewChange Back();
     ViewChange GoTo(std::int32_t sample);
+    /// These are kept also while the block does not use lanes.
+    ViewChange SetLanes(bool on);
+    ViewChange SetClip(bool clip);
+    ViewChange SetNegativeUp(bool negativeUp);
+    /// In lanes only: steps of the scale of a lane's group, or of its channel alone; moves its trace by rows.
+    ViewChange ZoomGroup(std::size_t lane, int steps);
+    ViewChange ZoomChannel(std::size_t lane, int steps);
+    ViewChange MoveLane(std::size_t lane, std::int64_t rows);
+    /// Fits a lane's channel alone to what is visible of it.
+    ViewChange FitLane(std::size_t lane);
+    ViewChange ScrollLanes(std::int32_t lanes);
+    /// Moves a lane to the place of another.
+    ViewChange DragTitle(std::size_t from, std::size_t to);
     /// The next or previous mark, searched from the target of the last GoTo while the view has not changed since, else
     /// from the middle of the view.
     [[nodiscard]] std::optional<std::int32_t> MarkFrom(bool next) const;
 
     /// Selects from `start` to `end`; the end may be before the start.
     ViewChange Select(std::int32_t start, std::int32_t end);
-    /// Moves the end of the selection.
     ViewChange SelectTo(std::int32_t end);
     ViewChange SelectBlock() { return Select(1, m_axis.SampleCount()); }
     ViewChange SelectVisible();
@@ -107,16 +126,18 @@ class WaveformView {
   private:
     [[nodiscard]] ViewPlace Place() const;
     void GoBackTo(const ViewPlace& place);
-    /// Makes the lanes anew: of the scale, with the channels that are shown now.
+    /// Makes the lanes anew, with the channels that are shown now.
     void MakeLanes();
-    /// Saves the current view in the history.
+    /// The channel of a lane; 0 on one axis, and where there is none.
+    [[nodiscard]] std::int16_t ChannelOf(std::size_t lane) const;
     void Push() { m_history.Push(Place()); }
     ViewChange Redraw(bool newPlace = false);
 
     const Document& m_document;
     TimeAxis m_axis;
-    AmplitudeScale m_scale;            ///< of all channels, on one axis
-    Lanes m_lanes;                     ///< what follows from it
+    AmplitudeScale m_scale;  ///< of all channels, on one axis
+    ChannelLanes m_channelLanes;
+    Lanes m_lanes;                     ///< what follows from either
     mutable ExtremesCache m_extremes;  ///< reading through it changes nothing that is seen
     RangeRecords m_ranges{m_extremes};
     Selection m_selection;

@@ -24,7 +24,9 @@ class FakeBlock : public RecordingBlock {
     std::vector<std::vector<std::int16_t>> samples;
     std::vector<std::int16_t> numbers;
     std::vector<std::u16string> titles;
+    std::vector<std::u16string> units;  ///< volts where there are none
     std::vector<float> scales;
+    std::vector<float> offsets;  ///< the channel's number where there are none
     std::vector<std::pair<std::int32_t, std::u16string>> marks;
     std::vector<std::string> failing;
     std::int32_t holeFrom = 0, holeTo = 0;  ///< samples from 0 that cannot be read, the second one outside
@@ -58,14 +60,16 @@ class FakeBlock : public RecordingBlock {
         Ask("ChannelTitle");
         return titles.empty() ? std::u16string() : titles.at(Index(channel));
     }
-    std::u16string ChannelUnit(std::int16_t) const override { return Ask("ChannelUnit"), u"V"; }
+    std::u16string ChannelUnit(std::int16_t channel) const override {
+        return Ask("ChannelUnit"), units.empty() ? u"V" : units.at(Index(channel));
+    }
     float ChannelScale(std::int16_t channel) const override {
         Ask("ChannelScale");
         if (!provisional.empty()) return provisional.at(Index(channel));
         return scales.empty() ? 0.5F : scales.at(Index(channel));
     }
     float ChannelOffset(std::int16_t channel) const override {
-        return Ask("ChannelOffset"), static_cast<float>(channel);
+        return Ask("ChannelOffset"), offsets.empty() ? static_cast<float>(channel) : offsets.at(Index(channel));
     }
     std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,
                            std::int16_t* buffer) override {

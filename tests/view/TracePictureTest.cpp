@@ -148,6 +148,75 @@ TEST(GraphPicture, ScrollingEqualsDrawingAnew) {
     }
 }
 
+/// In lanes: clipped or over their neighbours, upside down, in any order, with arrows at the edges of lanes.
+TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
+    std::mt19937 random(9);
+    const auto some = [&](std::int32_t below) { return static_cast<std::int32_t>(random() % 65536) % below; };
+    constexpr std::size_t channels = 5;
+    std::size_t arrows = 0;
+    for (int round = 0; round < 60; ++round) {
+        Noise noise(channels);
+        std::vector<std::int16_t> order{1, 2, 3, 4, 5};
+        std::shuffle(order.begin(), order.end(), random);
+        noise.lanes.clear();
+        const bool clip = round % 2 == 0;
+        for (std::int32_t at = 0; at < static_cast<std::int32_t>(channels); ++at) {
+            Lane lane{.top = at * kHeight / 5, .height = kHeight / 5};
+            const std::int32_t away = some(6) == 0 ? 100000 : 0;
+            lane.zeroRow = lane.top + some(60) - (some(2) == 0 ? away : -away);
+            lane.unitsPerDivision = 20.0 + some(100);
+            lane.negativeUp = round % 3 == 0;
+            lane.clip = clip;
+            lane.single = true;
+            lane.channels = {order[static_cast<std::size_t>(at)]};
+            noise.lanes.push_back(lane);
+        }
+        noise.axis.SelectZoom(some(8));
+        GraphScene scene = noise.Scene();
+        scene.gridStyle = static_cast<GridStyle>(round % 3);
+        GraphPicture scrolled, anew;
+        Image image(static_cast<std::size_t>(kWidth * kHeight)), expected(image.size());
+        scrolled.SetPixels(image.data(), kWidth, kHeight);
+        anew.SetPixels(expected.data(), kWidth, kHeight);
+        scrolled.Draw(scene);
+        for (int step = 0; step < 4; ++step) {
+            scrolled.Scroll(scene, noise.axis.ScrollBy(some(700) - 350));
+            anew.Draw(scene);
+            ASSERT_TRUE(image == expected) << round;
+        }
+        if (noise.axis.Visible().count < 1) continue;
+        for (std::size_t at = 0; at < channels; ++at) {
+            const Lane& lane = noise.lanes[at];
+            const std::uint32_t color = TraceColor(static_cast<std::int16_t>(lane.channels[0] - 1));
+            // Noise from 0 to 99.
+            const auto [low, high] = std::minmax({lane.RowOf(0.0), lane.RowOf(99.0)});
+            std::size_t pixels = 0;
+            for (std::int32_t row = 0; row < kHeight; ++row) {
+                const auto* const from = image.data() + static_cast<std::ptrdiff_t>(row) * kWidth;
+                const auto found = static_cast<std::size_t>(std::count(from, from + kWidth, color));
+                pixels += found;
+                if (found == 0) continue;
+                ASSERT_TRUE(row >= low - 1.5 && row <= high + 1.5) << "at the rows of its values";
+                ASSERT_TRUE(!clip || (row >= lane.top && row < lane.End()));
+            }
+            const bool outside = high < lane.top - 1 || low > lane.End() + 1;
+            const auto all = scrolled.Arrows(96);
+            const auto arrow =
+                std::find_if(all.begin(), all.end(), [&](const EdgeArrow& each) { return each.color == color; });
+            if (outside) {
+                ASSERT_TRUE(arrow != all.end());
+                for (const DevicePoint& corner : arrow->corners)
+                    ASSERT_TRUE(corner.y >= lane.top && corner.y < lane.End());
+                ASSERT_EQ(arrow->corners[0].y < arrow->corners[1].y, high < lane.top) << "it points to the trace";
+                ++arrows;
+            } else if (low > lane.top + 1 && high < lane.End() - 1) {
+                ASSERT_TRUE(arrow == all.end() && pixels > 0);
+            }
+        }
+    }
+    EXPECT_GT(arrows, 20U);
+}
+
 /// Drawn in slices and scrolled meanwhile it is in the end what it is drawn at once, with bands; a slice reads little.
 TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
     std::mt19937 random(6);

@@ -269,16 +269,16 @@ TEST(TraceSides, EqualThoseOfAllColumnsInAnyOrderOfScrolling) {
             return points;
         };
         TraceSides sides;
-        sides.Reset(1, width, height);
+        sides.Reset(1, width);
         int first = 150;
-        sides.Mark(0, 0, width, seen(first));
+        sides.Mark(0, 0, width, seen(first), 0, height);
         for (int step = 0; step < 5; ++step) {
             const int shift = static_cast<int>(random() % 50) - 25;
             first += shift;
             sides.Scroll(shift);
             const int left = std::max(-shift, 0) + 2;
-            sides.Mark(0, 0, left, seen(first));
-            sides.Mark(0, std::max(left, width - std::max(shift, 0) - 2), width, seen(first));
+            sides.Mark(0, 0, left, seen(first), 0, height);
+            sides.Mark(0, std::max(left, width - std::max(shift, 0) - 2), width, seen(first), 0, height);
             const std::vector<DevicePoint> points = seen(first);
             const auto all = [&](auto holds) { return std::all_of(points.begin(), points.end(), holds); };
             const auto expected = all([](DevicePoint point) { return point.y < 0; })         ? TraceSides::Side::Above
@@ -290,9 +290,9 @@ TEST(TraceSides, EqualThoseOfAllColumnsInAnyOrderOfScrolling) {
     }
     for (const int count : found) EXPECT_GT(count, 100);
     TraceSides none;
-    none.Reset(1, width, height);
+    none.Reset(1, width);
     EXPECT_EQ(none.Of(0), TraceSides::Side::None);
-    none.Mark(0, 0, width, std::vector<DevicePoint>{{3, -9}, {3, 90}});
+    none.Mark(0, 0, width, std::vector<DevicePoint>{{3, -9}, {3, 90}}, 0, height);
     EXPECT_EQ(none.Of(0), TraceSides::Side::None) << "it passes through";
 }
 
