@@ -1,0 +1,132 @@
+#include "view/LaneLabels.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "format/NumberText.h"
+#include "view/QL_ChUtils.h"
+#include "view/ScaleLabels.h"
+#include "view/ScaleSteps.h"
+
+namespace quillon {
+
+namespace {
+
+constexpr char16_t kEllipsis = u'\u2026';
+/// Part of a lane's height that its bar takes at most.
+constexpr double kBarPart = 0.6;
+
+/// Lengths of a strip in pixels.
+struct Measures {
+    explicit Measures(const LaneStrip& strip)
+        : margin(Scaled(strip, 4)), gap(Scaled(strip, 4)), tick(Scaled(strip, 3)), line(strip.sizeOf(u"0").height) {}
+    static std::int32_t Scaled(const LaneStrip& strip, int length) { return (length * strip.dpi + 48) / 96; }
+    std::int32_t margin;
+    std::int32_t gap;   ///< between texts
+    std::int32_t tick;  ///< half the width of the ends of a bar
+    std::int32_t line;  ///< height of a text
+};
+
+/// The text, or as much of its beginning as has room before an ellipsis; empty where not even that has.
+StripText Cut(const LaneStrip& strip, const std::u16string& text, std::int32_t room) {
+    StripText cut{.text = text, .size = strip.sizeOf(text)};
+    for (std::size_t length = text.size(); cut.size.width > room; --length) {
+        if (length == 0) return {};
+        // A character of two units is not cut in two.
+        const char16_t last = text[length - 1];
+        if (last >= 0xD800 && last < 0xDC00) continue;
+        if (length == text.size()) continue;
+        cut.text = text.substr(0, length) + kEllipsis;
+        cut.size = strip.sizeOf(cut.text);
+    }
+    return cut;
+}
+
+std::u16string FactorText(const LaneScales& scales, const LaneChannel& channel, char16_t separator) {
+    const int step = scales.OwnOf(channel).step;
+    return step == 0 ? std::u16string() : u'x' + SingleNumberText(StepValue(step), separator);
+}
+
+/// The bar of a lane between two rows.
+std::optional<ScaleBar> MakeBar(const LaneStrip& strip, const Measures& measures, const Lane& lane,
+                                const LaneChannel& channel, std::int32_t top, std::int32_t end) {
+    const double unit = strip.rawCodes ? static_cast<double>(AmplitudeScale::kCodesPerUnit) : 1.0;
+    const double rowsPerBase = AmplitudeScale::kDivision / (lane.unitsPerDivision * unit * channel.group.factor);
+    const double most = std::min(kBarPart * lane.height, static_cast<double>(end - top));
+    const double value = StepValue(StepWithin(most / rowsPerBase));
+    const double rows = std::nearbyint(value * rowsPerBase);
+    if (!(rows >= 1.0 && rows <= most) || end - top < measures.line) return std::nullopt;
+    ScaleBar bar{.x = strip.width - measures.margin - measures.tick - 1, .end = end};
+    bar.top = end - static_cast<std::int32_t>(rows);
+    StripText& text = bar.text;
+    text.text = strip.rawCodes ? CodesText(value, strip.decimalSeparator)
+                               : GroupValueText(channel.group, value, strip.decimalSeparator);
+    text.size = strip.sizeOf(text.text);
+    text.x = bar.x - measures.tick - measures.gap - text.size.width;
+    text.y = std::clamp((bar.top + bar.end - text.size.height) / 2, top, std::max(end - text.size.height, top));
+    // A number that is cut would be another number.
+    if (text.x < measures.margin || text.size.height > end - top) return std::nullopt;
+    return bar;
+}
+
+}  // namespace
+
+std::int32_t WantedWidth(const ChannelLanes& channels, const LaneStrip& strip) {
+    const Measures measures(strip);
+    std::int32_t widest = 0;
+    for (const LaneChannel& channel : channels.Channels()) {
+        const std::u16string factor = FactorText(channels.Scales(), channel, strip.decimalSeparator);
+        const std::int32_t beside = factor.empty() ? 0 : measures.gap + strip.sizeOf(factor).width;
+        widest = std::max(widest, strip.sizeOf(channel.title).width + beside);
+    }
+    return widest + 2 * measures.margin;
+}
+
+std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& channels, const Lanes& lanes,
+                                  const LaneStrip& strip) {
+    const Measures measures(strip);
+    const std::vector<LaneChannel> all = channels.Channels();
+    std::vector<LaneLabel> labels;
+    for (const Lane& lane : lanes) {
+        if (lane.channels.empty()) continue;
+        LaneLabel label{.channel = lane.channels.front()};
+        const auto at = static_cast<std::size_t>(label.channel - 1);
+        label.color = TraceColor(block.channelNumbers[at]);
+        // The line between lanes is part of the lower one.
+        const std::int32_t top = lane.top + 1;
+        const std::int32_t rows = lane.End() - top;
+        const bool hasBar = rows >= 3 * measures.line + measures.gap;
+        const std::int32_t y = hasBar ? top + 1 : top + (rows - measures.line) / 2;
+        std::int32_t room = strip.width - 2 * measures.margin;
+        if (rows < measures.line) room = -1;
+        StripText factor{.text = FactorText(channels.Scales(), all[at], strip.decimalSeparator)};
+        factor.size = strip.sizeOf(factor.text);
+        const std::int32_t beside = measures.gap + factor.size.width;
+        if (factor.text.empty() || room - beside < strip.sizeOf(std::u16string(1, kEllipsis)).width) {
+            factor = {};
+        } else {
+            room -= beside;
+        }
+        label.title = Cut(strip, all[at].title, room);
+        label.title.x = measures.margin;
+        label.title.y = y;
+        if (!label.title.text.empty() && !factor.text.empty()) {
+            label.factor = factor;
+            label.factor.x = label.title.x + label.title.size.width + measures.gap;
+            label.factor.y = y;
+        }
+        if (hasBar) label.bar = MakeBar(strip, measures, lane, all[at], y + measures.line, lane.End() - 2);
+        labels.push_back(std::move(label));
+    }
+    return labels;
+}
+
+bool IsOnTitle(const std::vector<LaneLabel>& labels, std::int32_t x, std::int32_t y) {
+    return std::any_of(labels.begin(), labels.end(), [&](const LaneLabel& label) {
+        const StripText& last = label.factor.text.empty() ? label.title : label.factor;
+        return x >= 0 && x < last.x + last.size.width && y >= label.title.y &&
+               y < label.title.y + label.title.size.height;
+    });
+}
+
+}  // namespace quillon

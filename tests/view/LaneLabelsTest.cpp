@@ -1,0 +1,143 @@
+#include "view/LaneLabels.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "base/Text.h"
+#include "support/FakeRecording.h"
+#include "view/ScaleSteps.h"
+#include "view/WaveformView.h"
+
+namespace quillon {
+namespace {
+
+using namespace ::quillon::testing;
+
+struct Box {
+    std::int32_t left, top, right, end;
+    std::size_t lane;
+};
+
+void Add(std::vector<Box>& boxes, const StripText& text, std::size_t lane) {
+    if (!text.text.empty())
+        boxes.push_back({text.x, text.y, text.x + text.size.width, text.y + text.size.height, lane});
+}
+
+class LaneLabelsTest : public ::testing::Test {
+  protected:
+    void Load(std::size_t channels, std::mt19937& random) {
+        auto block = std::make_shared<FakeBlock>();
+        for (std::size_t at = 0; at < channels; ++at) {
+            block->samples.emplace_back(2000);
+            for (auto& code : block->samples.back()) code = static_cast<std::int16_t>(random() % 2000);
+            std::u16string title;
+            for (std::size_t left = 1 + random() % 20; left > 0; --left)
+                title += random() % 5 == 0 ? u"\U0001F600" : u"w";
+            block->titles.push_back(title);
+            block->units.emplace_back(std::array{u"\u00B5V", u"mV", u"%", u"very long unit", u""}[random() % 5]);
+            block->scales.push_back(static_cast<float>(std::pow(10.0, static_cast<int>(random() % 9) - 6)));
+        }
+        const auto recording = std::make_shared<FakeRecording>();
+        recording->name = u"C:\\a.fake";
+        recording->blocks = {block};
+        m_library.files[recording->name] = recording;
+        m_document.CloseCurrentFile();
+        m_document.OpenFile(recording->name, {});
+        m_view.LeaveBlock();
+        m_view.SetLanes(true);
+        m_view.BlockLoaded();
+    }
+    FakeLibrary m_library;
+    FakeServices m_services;
+    Document m_document{m_library, m_services};
+    WaveformView m_view{m_document};
+};
+
+TEST_F(LaneLabelsTest, NothingLiesOverAnotherAndTheHitTestAgrees) {
+    std::mt19937 random(17);
+    const auto some = [&](int below) { return static_cast<std::int32_t>(random() % static_cast<unsigned>(below)); };
+    std::size_t bars = 0, cut = 0, factors = 0;
+    for (int round = 0; round < 100; ++round) {
+        Load(static_cast<std::size_t>(2 + some(25)), random);
+        LaneStrip strip;
+        strip.dpi = 96 + 48 * some(3);
+        strip.width = round % 7 == 0 ? some(40) : 40 + some(160);
+        strip.rawCodes = round % 4 == 0;
+        const std::int32_t font = round % 9 == 0 ? 1 + some(60) : 12 * strip.dpi / 96 + some(6);
+        strip.sizeOf = [&](const std::u16string& text) {
+            std::int32_t width = 0;
+            for (const char16_t letter : text) width += letter == u'w' ? font : font / 2;
+            return TextSize{width, font};
+        };
+        m_view.SetDpi(strip.dpi);
+        m_view.SetRawCodes(strip.rawCodes);
+        const std::int32_t height = 30 + some(800);
+        m_view.Arrange(300, height);
+        for (int step = 0; step < 4; ++step) m_view.ZoomChannel(static_cast<std::size_t>(some(8)), some(9) - 4);
+        m_view.ZoomY(some(60) - 30);
+        const Lanes& lanes = m_view.GetLanes();
+        const auto labels = LaneLabels(m_document.Block(), m_view.LanesOfChannels(), lanes, strip);
+        ASSERT_EQ(labels.size(), lanes.size());
+        std::vector<Box> boxes;
+        for (std::size_t at = 0; at < labels.size(); ++at) {
+            const LaneLabel& label = labels[at];
+            ASSERT_EQ(label.channel, lanes[at].channels[0]);
+            const bool room = lanes[at].height > font && strip.width > 12 * font;
+            ASSERT_TRUE(!room || !label.title.text.empty());
+            cut += label.title.text.ends_with(u'\u2026') ? 1U : 0U;
+            // A pair of units that stands for one character is never separated.
+            ASSERT_EQ(Utf8(label.title.text).find("\xEF\xBF\xBD"), std::string::npos);
+            factors += label.factor.text.empty() ? 0U : 1U;
+            Add(boxes, label.title, at);
+            Add(boxes, label.factor, at);
+            ASSERT_TRUE(label.bar || lanes[at].height < 4 * font + 20 || strip.width < 20 * font + 40) << round;
+            if (!label.bar) continue;
+            ++bars;
+            Add(boxes, label.bar->text, at);
+            boxes.push_back({label.bar->x, label.bar->top, label.bar->x + 1, label.bar->end, at});
+            // The bar is as high as its value in the lane, and at most 60 % of it.
+            const std::int32_t rows = label.bar->end - label.bar->top;
+            ASSERT_LE(rows, lanes[at].height * 0.6 + 0.5);
+            const LaneChannel channel =
+                m_view.LanesOfChannels().Channels()[static_cast<std::size_t>(label.channel - 1)];
+            const double units = rows / static_cast<double>(AmplitudeScale::kDivision) * lanes[at].unitsPerDivision *
+                                 (strip.rawCodes ? 1000.0 : 1.0) * channel.group.factor;
+            const double value = StepValue(StepHolding(units * 0.97));
+            ASSERT_NEAR(units, value, value * 0.6 / rows);
+            ASSERT_TRUE(strip.rawCodes || label.bar->text.text == GroupValueText(channel.group, value, u'.'));
+        }
+        for (std::size_t a = 0; a < boxes.size(); ++a) {
+            const Box& box = boxes[a];
+            ASSERT_TRUE(box.left >= 0 && box.right <= strip.width) << round;
+            ASSERT_TRUE(box.top > lanes[box.lane].top && box.end <= lanes[box.lane].End()) << round;
+            for (std::size_t b = 0; b < a; ++b) {
+                const bool apart = box.right <= boxes[b].left || boxes[b].right <= box.left ||
+                                   box.end <= boxes[b].top || boxes[b].end <= box.top;
+                ASSERT_TRUE(apart) << round;
+            }
+        }
+        for (const LaneLabel& label : labels) {
+            const StripText& title = label.title;
+            if (!title.text.empty()) {
+                ASSERT_TRUE(IsOnTitle(labels, title.x, title.y));
+                ASSERT_EQ(m_view.LaneAt(title.y), static_cast<std::size_t>(&label - labels.data()));
+                ASSERT_FALSE(IsOnTitle(labels, title.x, title.y - 1)) << "the edge of a lane is its scale";
+            }
+            if (!label.bar) continue;
+            ASSERT_FALSE(IsOnTitle(labels, label.bar->x, label.bar->top));
+            ASSERT_FALSE(IsOnTitle(labels, label.bar->text.x, label.bar->text.y));
+        }
+        if (const std::int32_t width = WantedWidth(m_view.LanesOfChannels(), strip); lanes[0].height > font) {
+            strip.width = width;
+            for (const LaneLabel& label : LaneLabels(m_document.Block(), m_view.LanesOfChannels(), lanes, strip))
+                ASSERT_FALSE(label.title.text.ends_with(u'\u2026'));
+        }
+    }
+    EXPECT_GT(bars, 30U);
+    EXPECT_GT(cut, 30U);
+    EXPECT_GT(factors, 30U);
+}
+
+}  // namespace
+}  // namespace quillon
