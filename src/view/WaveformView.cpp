@@ -216,21 +216,21 @@ std::int16_t WaveformView::ChannelOf(std::size_t lane) const {
 
 ViewChange WaveformView::SetLanes(bool on) {
     if (on == m_channelLanes.Settings().on) return {};
-    Push();
+    if (m_axis.SampleCount() > 0) Push();
     m_channelLanes.SetOn(on);
     return Redraw();
 }
 
 ViewChange WaveformView::SetClip(bool clip) {
     if (clip == m_channelLanes.Settings().clip) return {};
-    Push();
+    if (m_axis.SampleCount() > 0) Push();
     m_channelLanes.SetClip(clip);
     return Redraw();
 }
 
 ViewChange WaveformView::SetNegativeUp(bool negativeUp) {
     if (negativeUp == m_channelLanes.Settings().negativeUp) return {};
-    Push();
+    if (m_axis.SampleCount() > 0) Push();
     m_channelLanes.SetNegativeUp(negativeUp);
     return Redraw();
 }
