@@ -1,5 +1,6 @@
 #include "view/Readout.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/Resume.h"
@@ -32,7 +33,13 @@ std::u16string ValueText(const ReadoutSource& source, std::int16_t channel, doub
 }
 
 std::u16string Name(const ReadoutSource& source, std::int16_t channel) {
-    return u"Ch" + Decimal(source.block.channelNumbers[At(channel)] + 1) + u":\t";
+    const std::int16_t number = source.block.channelNumbers[At(channel)];
+    std::u16string title = source.slots[static_cast<std::size_t>(number)].title;
+    if (!source.titles || title.empty()) return u"Ch" + Decimal(number + 1) + u":\t";
+    // Tabs and line ends separate the parts of a readout.
+    std::replace_if(
+        title.begin(), title.end(), [](char16_t letter) { return letter < u' '; }, u' ');
+    return title + u":\t";
 }
 
 std::int16_t CodeAt(const ReadoutSource& source, std::int16_t channel, std::int32_t sample) {

@@ -20,6 +20,7 @@ struct ReadoutSource {
     const FormatOptions& format;
     bool rawCodes = false;              ///< codes instead of values
     ExtremesCache* extremes = nullptr;  ///< of the block; without it the extremes of a range are read
+    bool titles = false;                ///< channels are named by their titles instead of their numbers
 };
 
 /// A code as the value that is shown for it: in the channel's unit, or the code where raw codes are shown.
@@ -30,7 +31,7 @@ struct ReadoutSource {
                                           const FormatOptions& format);
 
 /// The position of a sample and the value there of every shown channel: "X:", then "Ch1:", "Ch2:" ... by acquisition
-/// channel number. A channel that cannot be read has no value.
+/// channel number, or their titles. A channel that cannot be read has no value.
 [[nodiscard]] std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample);
 
 /// "dX:", the time from the range's first to its last sample; for every shown channel the smallest and the largest

@@ -50,6 +50,12 @@ TEST_F(ReadoutTest, HoverTellsThePositionAndEveryShownValue) {
     format.timeOfDay = true;
     fake->failing = {"ReadCodes"};
     EXPECT_EQ(HoverReadout(Source(), 2), u"X:\t12:00:00.01\r\nCh1:\t\r\n");
+    slots[0].title = u"F3\tA2";
+    ReadoutSource source = Source();
+    source.titles = true;
+    EXPECT_EQ(HoverReadout(source, 2), u"X:\t12:00:00.01\r\nF3 A2:\t\r\n");
+    slots[0].title.clear();
+    EXPECT_EQ(HoverReadout(source, 2), u"X:\t12:00:00.01\r\nCh1:\t\r\n");
 }
 
 TEST_F(ReadoutTest, RangeTellsLengthExtremesAndChange) {
