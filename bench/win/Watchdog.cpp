@@ -85,6 +85,12 @@ double WatchExport(HWND window, int command, const std::wstring& name, double du
     if (dialog != nullptr && !name.empty())
         SendDlgItemMessageW(dialog, nameBox, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
     if (dialog != nullptr) PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    // Whether files may be replaced.
+    for (const double end = Milliseconds() + 300.0; dialog != nullptr && Milliseconds() < end; Sleep(10)) {
+        const HWND question = GetLastActivePopup(window);
+        if (question != dialog && question != window && IsWindowVisible(question))
+            PostMessageW(question, WM_COMMAND, IDYES, 0);
+    }
     const double longest = LongestWait(window, duration);
     PostMessageW(name.empty() && dialog != nullptr ? dialog : window, WM_KEYDOWN, VK_ESCAPE, 0);
     return std::max(longest, LongestWait(window, 500.0));
