@@ -98,8 +98,7 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
         frmQLMain form(global, services, parts.makeTimer, [&] { store.Save(global.settings); });
         form.ChooseHelp();
         form.Create();
-        form.Show(showCommand);
-        if (!parts.path.empty() && form.Window() != nullptr) form.OpenPath(Wide(parts.path));
+        form.Show(showCommand, Wide(parts.path));
         UpdateWindow(form.Window());
         return RunMessages(form);
     } catch (const std::system_error& error) {

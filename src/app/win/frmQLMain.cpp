@@ -67,12 +67,14 @@ void frmQLMain::Create() {
     if (made == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
 }
 
-void frmQLMain::Show(int showCommand) {
+void frmQLMain::Show(int showCommand, const std::wstring& path) {
+    m_firstPath = path;
     RestoreWindowPlace(m_window, m_global.settings.window, showCommand);
     ShowWindow(m_window, showCommand);
     // Shown inactive: WM_ACTIVATE never came, so create the rest now.
     if (m_window != nullptr && !m_rooms.IsComplete()) CreateRemainingControls();
     if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
+    if (m_window != nullptr && !m_firstPath.empty()) OpenPath(std::exchange(m_firstPath, {}));
 }
 
 LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -205,7 +207,11 @@ void frmQLMain::OnActivate(UINT state) {
     if (!std::exchange(m_activated, true)) {
         // The waveform is drawn first, as the user waits for it; the rest is created even if drawing fails.
         try {
-            if (m_rooms.browser.FileCount() > 0) OpenFirstFile();
+            if (!m_firstPath.empty()) {
+                OpenPath(std::exchange(m_firstPath, {}));
+            } else if (m_rooms.browser.FileCount() > 0) {
+                OpenFirstFile();
+            }
             UpdateWindow(m_rooms.graph.Graph());
             // GDI batches drawing calls until the next message wait; flush them now.
             GdiFlush();

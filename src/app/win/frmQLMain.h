@@ -34,9 +34,10 @@ class frmQLMain {
     void Create();
     /// Sets the help file of the settings' language.
     void ChooseHelp() { m_help.Choose(); }
-    /// Shows it where the settings say, else as the system wants it. When it is first activated it opens the first file
-    /// of the folder and shows its waveform, then all its controls. Throws when they cannot be made.
-    void Show(int showCommand);
+    /// Shows it where the settings say, else as the system wants it. When it is first activated it opens `path`, or
+    /// without one the first file of the folder, and shows its waveform, then all its controls. Throws when they cannot
+    /// be made.
+    void Show(int showCommand, const std::wstring& path = {});
     [[nodiscard]] HWND Window() const { return m_window; }
     /// What the commands can do now.
     [[nodiscard]] CommandState State() const { return m_rooms.State(); }
@@ -81,6 +82,7 @@ class frmQLMain {
     WinServices& m_services;
     TimerFactory m_makeTimer;
     std::function<void()> m_shutdown;
+    std::wstring m_firstPath;  ///< to be opened when the window is first activated
     MainRooms m_rooms;
     MainMenu m_menu;
     KeyInput m_keys;
