@@ -28,7 +28,12 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.hasSelection = view.Selected().active;
     state.hasHistory = view.HasHistory();
     state.zoomX = view.Axis().ZoomIndex();
-    state.scaleY = view.ScaleY();
+    const LaneSettings& lanes = view.LanesOfChannels().Settings();
+    state.lanes = lanes.on;
+    state.negativeUp = lanes.negativeUp;
+    state.clipToLanes = lanes.clip;
+    state.usesLanes = view.UsesLanes();
+    state.scaleY = view.UsesLanes() ? view.SelectedScaleY() : view.ScaleY();
     state.spectrogramShown = settings.window.spectrogramShown;
     state.soundDevices = playback.DeviceCount();
     state.soundDevice = playback.Device();
@@ -43,7 +48,9 @@ int CommandOfKey(int command, const CommandState& state) {
 
 bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
-    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuOptions) return true;
+    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuOptions)
+        return true;
+    if (id == mnuNegativeUp || id == mnuClipToLanes) return state.lanes;
     if (id == mnuNextPalette) return state.spectrogramShown;
     if (id == mnuRecording) return state.filePosition < 0 ? state.fileCount > 0 : state.filePosition > 0;
     if (id == mnuRecording + 1) return state.filePosition + 1 < state.fileCount;
@@ -67,8 +74,8 @@ bool IsEnabled(int id, const CommandState& state) {
         return state.sampleCount > 0;
     if (id == mnuZoomX) return state.zoomX < TimeAxis::kMenuZoomCount - 1;
     if (id == mnuZoomX + 1) return state.zoomX > 0;
-    if (id == mnuZoomY) return state.scaleY > 0;
-    if (id == mnuZoomY + 1) return state.scaleY < AmplitudeScale::kScaleCount - 1;
+    if (id == mnuZoomY) return state.usesLanes || state.scaleY > 0;
+    if (id == mnuZoomY + 1) return state.usesLanes || state.scaleY < AmplitudeScale::kScaleCount - 1;
     return Within(id, mnuScaleX, TimeAxis::kMenuZoomCount) || Within(id, mnuScaleY, AmplitudeScale::kScaleCount) ||
            Within(id, mnuGoTo, 4) || Within(id, mnuBaseLine, 2) || Within(id, mnuChShow, 3) || id == mnuSoloChannel;
 }
@@ -77,6 +84,9 @@ bool IsChecked(int id, const CommandState& state) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == state.zoomX;
     if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == state.scaleY;
     if (id == mnuSpectrogram) return state.spectrogramShown;
+    if (id == mnuLanes) return state.lanes;
+    if (id == mnuNegativeUp) return state.lanes && state.negativeUp;
+    if (id == mnuClipToLanes) return state.lanes && state.clipToLanes;
     if (id == mnuSoloChannel) return state.isSolo;
     if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard == state.soundDevice && IsEnabled(id, state);
     if (Within(id, mnuHelpLang, 3)) return id - mnuHelpLang == state.helpLanguage;

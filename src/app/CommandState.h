@@ -20,8 +20,12 @@ struct CommandState {
     bool hasSelection = false;
     bool hasHistory = false;  ///< there are previous views to return to
     std::int32_t zoomX = 0;   ///< indexes in the tables of scales
-    std::int32_t scaleY = 0;
+    std::int32_t scaleY = 0;  ///< -1: none of the table
     bool spectrogramShown = false;
+    bool lanes = false;      ///< chosen
+    bool usesLanes = false;  ///< and the block has several channels
+    bool negativeUp = false;
+    bool clipToLanes = false;
     std::int16_t soundDevices = 0;
     std::int16_t soundDevice = 0;  ///< the chosen one, from 0
     bool playing = false;

@@ -42,6 +42,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Key::Backspace, mnuView + 2},
     KeyBinding{KeyPlace::Graph, Letter('B'), mnuBaseLine + 0},
     KeyBinding{KeyPlace::Graph, Letter('D'), mnuBaseLine + 1},
+    KeyBinding{KeyPlace::Graph, Letter('L'), mnuLanes},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuSpectrogram},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuNextPalette, kNo, kShift},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 0},

@@ -73,13 +73,26 @@ void ArrangeColumn(const Measures& measures, MainLayout& layout) {
     ArrangePage(layout.blocks, input.comboHeight, gap, layout.fileType, layout.files);
 }
 
+/// Width of the strips left of the graph and the spectrogram.
+std::int32_t WidthOfScale(const Measures& measures, std::int32_t left, std::int32_t bar, MainLayout& layout) {
+    const std::int32_t plain = measures.Scaled(62);
+    if (measures.input.titlesWidth == 0) return plain;
+    // The graph keeps at least half of what is right of the lists.
+    const std::int32_t most = std::max((measures.input.clientWidth - measures.gap - bar - left) / 2, plain);
+    // Unless the user wants more, long titles leave most of the room to the graph.
+    const std::int32_t usual =
+        std::clamp(measures.input.titlesWidth + measures.splitter, measures.Scaled(84), measures.Scaled(160));
+    layout.laneLabels = std::clamp(measures.input.laneLabels > 0 ? measures.input.laneLabels : usual, plain, most);
+    return layout.laneLabels;
+}
+
 /// Graph, spectrogram, scales and scroll bars.
 void ArrangePictures(const Measures& measures, MainLayout& layout) {
     const auto& [input, gap, splitter, height, top] = measures;
     layout.splitColumn = {layout.listWidth, top, splitter, std::max(height - top, 0)};
     const std::int32_t left = layout.splitColumn.Right();
     const std::int32_t bar = measures.Scaled(17);
-    const std::int32_t scaleWidth = measures.Scaled(62);
+    const std::int32_t scaleWidth = WidthOfScale(measures, left, bar, layout);
     const std::int32_t scaleHeight = measures.Scaled(26);
     const std::int32_t right = std::max(input.clientWidth - gap, left + scaleWidth + bar);
     const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, top);
@@ -98,6 +111,10 @@ void ArrangePictures(const Measures& measures, MainLayout& layout) {
     }
     layout.scaleY = {left, top, scaleWidth, graphHeight};
     layout.graph = {layout.scaleY.Right(), top, std::max(right - bar - layout.scaleY.Right(), 0), graphHeight};
+    if (input.titlesWidth > 0) {
+        layout.scaleY.width -= splitter;
+        layout.splitLabels = {layout.scaleY.Right(), top, splitter, graphHeight};
+    }
     layout.scrollY = {layout.graph.Right(), top, bar, layout.graph.height};
     if (layout.spectrogramPercent > 0) {
         layout.splitSpectrogram = {left, layout.graph.Bottom(), layout.scrollY.Right() - left, splitter};

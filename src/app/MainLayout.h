@@ -29,6 +29,8 @@ struct LayoutInput {
     bool spectrogram = false;             ///< whether it is shown
     std::int32_t spectrogramPercent = 0;  ///< its share of the graph's height; 0: the default
     std::int32_t valuesHeight = 0;        ///< of the values panel; 0: the default
+    std::int32_t titlesWidth = 0;         ///< that the titles of lanes left of the graph want; 0: there are none
+    std::int32_t laneLabels = 0;          ///< that the user chose for them; 0: none
 };
 
 /// One rectangle per control. The pages of a tab strip share its page rectangle.
@@ -43,6 +45,8 @@ struct MainLayout {
     PixelRect splitLists;                    ///< between the upper and the lower list
     PixelRect splitValues;                   ///< between the lower list and the values
     PixelRect splitSpectrogram;              ///< between graph and spectrogram
+    PixelRect splitLabels;                   ///< between the strip with titles and the graph; empty without lanes
+    std::int32_t laneLabels = 0;             ///< as used, within its limits; 0 without lanes
     std::int32_t listWidth = 0;              ///< as used, within its limits
     std::int32_t upperPercent = 0;           ///< as used, within its limits
     std::int32_t valuesHeight = 0;           ///< as used, within its limits

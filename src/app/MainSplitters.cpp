@@ -16,6 +16,7 @@ bool Contains(const PixelRect& rect, int x, int y) {
 
 Splitter SplitterAt(const MainLayout& layout, int x, int y) {
     if (Contains(layout.splitSpectrogram, x, y)) return Splitter::Spectrogram;
+    if (Contains(layout.splitLabels, x, y)) return Splitter::Labels;
     if (Contains(layout.splitValues, x, y)) return Splitter::Values;
     if (Contains(layout.splitLists, x, y)) return Splitter::Lists;
     return Contains(layout.splitColumn, x, y) ? Splitter::Column : Splitter::None;
@@ -27,6 +28,7 @@ void TakeSizes(const WindowPlacement& placement, LayoutInput& input) {
     input.valuesHeight = placement.valuesHeight;
     input.spectrogram = placement.spectrogramShown;
     input.spectrogramPercent = placement.spectrogramPercent;
+    input.laneLabels = placement.laneLabels;
 }
 
 void DragSplitter(Splitter splitter, const MainLayout& layout, int x, int y, WindowPlacement& placement) {
@@ -34,6 +36,8 @@ void DragSplitter(Splitter splitter, const MainLayout& layout, int x, int y, Win
     const int height = layout.blocks.Bottom() - top - layout.splitLists.height;
     if (splitter == Splitter::Column) placement.listWidth = std::max(x - layout.splitColumn.width / 2, 1);
     if (splitter == Splitter::Lists && height > 0) placement.upperPercent = std::max((y - top) * 100 / height, 1);
+    if (splitter == Splitter::Labels)
+        placement.laneLabels = std::max(x + layout.splitLabels.width / 2 - layout.scaleY.left, 1);
     if (splitter == Splitter::Values)
         placement.valuesHeight = std::max(layout.values.Bottom() - y - layout.splitValues.height / 2, 1);
     const int shared = layout.spectrogram.Bottom() - layout.graph.top - layout.splitSpectrogram.height;
@@ -45,6 +49,7 @@ void DragSplitter(Splitter splitter, const MainLayout& layout, int x, int y, Win
 void KeepReached(Splitter splitter, const MainLayout& layout, WindowPlacement& placement) {
     placement.listWidth = layout.listWidth;
     placement.upperPercent = layout.upperPercent;
+    if (splitter == Splitter::Labels) placement.laneLabels = layout.laneLabels;
     if (splitter == Splitter::Values) placement.valuesHeight = layout.valuesHeight;
     if (splitter == Splitter::Spectrogram && layout.spectrogramPercent > 0)
         placement.spectrogramPercent = layout.spectrogramPercent;

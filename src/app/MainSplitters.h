@@ -8,7 +8,7 @@
 namespace quillon {
 
 /// The splitter bars between the controls of the main window.
-enum class Splitter { None, Column, Lists, Values, Spectrogram };
+enum class Splitter { None, Column, Lists, Values, Spectrogram, Labels };
 
 [[nodiscard]] Splitter SplitterAt(const MainLayout& layout, int x, int y);
 

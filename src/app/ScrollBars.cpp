@@ -22,7 +22,16 @@ ScrollBarValues ScrollBars::Time() const {
     return {0, TimeAxis::kScrollMax, axis.ScrollPage(), axis.ScrollValue()};
 }
 
+bool ScrollBars::CanScrollAmplitude() const {
+    const LaneLayout lanes = m_view.LanesOfChannels().Layout();
+    return !m_view.UsesLanes() || lanes.Visible() < lanes.Count();
+}
+
 ScrollBarValues ScrollBars::Amplitude() {
+    if (m_view.UsesLanes()) {
+        const LaneLayout lanes = m_view.LanesOfChannels().Layout();
+        return {0, lanes.Count() - lanes.Visible(), std::max(lanes.Visible(), 1), lanes.First()};
+    }
     // A base line outside the bar's range becomes the middle of the bar, so that dragging the thumb moves it relative
     // to its position.
     const std::int64_t shift = m_view.BaseLineShift();
@@ -47,7 +56,21 @@ ViewChange ScrollBars::ScrollTime(ScrollAction action, int thumb) {
     }
 }
 
+ViewChange ScrollBars::ScrollLanes(ScrollAction action, int thumb) {
+    const LaneLayout lanes = m_view.LanesOfChannels().Layout();
+    switch (action) {
+        case ScrollAction::LineBack: return m_view.ScrollLanes(-1);
+        case ScrollAction::LineOn: return m_view.ScrollLanes(1);
+        case ScrollAction::PageBack: return m_view.ScrollLanes(-lanes.Visible());
+        case ScrollAction::PageOn: return m_view.ScrollLanes(lanes.Visible());
+        case ScrollAction::ThumbSet:
+        case ScrollAction::ThumbDragged: return m_view.ScrollLanes(thumb - lanes.First());
+        default: return {};
+    }
+}
+
 ViewChange ScrollBars::ScrollAmplitude(ScrollAction action, int thumb) {
+    if (m_view.UsesLanes()) return ScrollLanes(action, thumb);
     const std::int32_t page = Height() / AmplitudeScale::kDivision * AmplitudeScale::kDivision;
     switch (action) {
         case ScrollAction::LineBack: return m_view.MoveBaseLine(kStep);

@@ -28,13 +28,17 @@ class ScrollBars {
     explicit ScrollBars(WaveformView& view) : m_view(view) {}
 
     [[nodiscard]] ScrollBarValues Time() const;
-    /// Where the base line is out of the bar's reach, its place becomes the middle of the bar.
+    /// Where the base line is out of the bar's reach, its place becomes the middle of the bar. In lanes the bar shows
+    /// which of them are visible.
     [[nodiscard]] ScrollBarValues Amplitude();
+    /// Whether the amplitude bar has somewhere to go.
+    [[nodiscard]] bool CanScrollAmplitude() const;
     /// `thumb` is the position of the thumb, which counts when it was moved.
     ViewChange ScrollTime(ScrollAction action, int thumb);
     ViewChange ScrollAmplitude(ScrollAction action, int thumb);
 
   private:
+    ViewChange ScrollLanes(ScrollAction action, int thumb);
     [[nodiscard]] std::int32_t Height() const;
 
     WaveformView& m_view;

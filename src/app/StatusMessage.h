@@ -17,6 +17,7 @@ class StatusMessage {
         Place,       ///< a typed position that could not be parsed
         Reload,      ///< the file of the recording has changed
         Refusal,     ///< the selected file is no recording
+        Hint,        ///< of something that helps with what is shown
         Folder       ///< the folder, or the open file in it, is gone or cannot be listed
     };
 

@@ -44,6 +44,17 @@ std::u16string VisiblePart(const TimeAxis& axis, char16_t separator) {
     return FormatPattern(static_cast<double>(share), u"0.0##%", separator);
 }
 
+std::u16string LaneScaleText(const ChannelLanes& lanes, std::int16_t channel, const PanelFacts& facts) {
+    const auto at = static_cast<std::size_t>(channel - 1);
+    const std::vector<LaneChannel> channels = lanes.Channels();
+    if (at >= channels.size()) return {};
+    const auto number = static_cast<std::size_t>(facts.block.channelNumbers[at]);
+    const std::u16string& unit = facts.slots[number].unit;
+    const std::u16string text =
+        SingleNumberText(lanes.Scales().ValuesPerLane(channels[at]), facts.format.decimalSeparator);
+    return facts.rawCodes || unit.empty() ? text : text + u' ' + unit;
+}
+
 PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services) {
     PanelTexts texts;
     const auto panel = [&](StatusPanel key) -> std::u16string& { return texts[static_cast<std::size_t>(key)]; };
@@ -51,8 +62,10 @@ PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services) {
     const FormatOptions& format = facts.format;
     if (!block.block) return texts;
     const std::u16string unit = CommonUnit(facts);
-    panel(StatusPanel::Scale) = ScaleCaption(facts.scaleY, facts.rawCodes, format.decimalSeparator) +
-                                (unit.empty() ? unit : u' ' + unit) + services.Text(IDS_PER_DIVISION);
+    panel(StatusPanel::Scale) = facts.laneScale.empty()
+                                    ? ScaleCaption(facts.scaleY, facts.rawCodes, format.decimalSeparator) +
+                                          (unit.empty() ? unit : u' ' + unit) + services.Text(IDS_PER_DIVISION)
+                                    : facts.laneScale + services.Text(IDS_PER_LANE);
     panel(StatusPanel::XPart) = VisiblePart(facts.axis, format.decimalSeparator);
     panel(StatusPanel::Size) = u"S: " + Decimal(block.sampleCount);
     if (block.sampleRate > 0.0) {

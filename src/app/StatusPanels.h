@@ -8,6 +8,7 @@
 #include "data/QL_Types.h"
 #include "data/UserServices.h"
 #include "format/QL_Format.h"
+#include "view/ChannelLanes.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
@@ -28,7 +29,11 @@ struct PanelFacts {
     const FormatOptions& format;
     std::int32_t scaleY = 0;  ///< index in the table of amplitude scales
     bool rawCodes = false;
+    std::u16string laneScale{};  ///< see LaneScaleText; empty without lanes
 };
+
+/// "200 uV": what the height of a channel's lane (from 1) stands for.
+[[nodiscard]] std::u16string LaneScaleText(const ChannelLanes& lanes, std::int16_t channel, const PanelFacts& facts);
 
 /// Texts of the panels that follow from the block; that of "Status" is left empty.
 [[nodiscard]] PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services);

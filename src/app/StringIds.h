@@ -22,6 +22,7 @@
 #define IDS_NO_CHANNEL 2011
 #define IDS_FOLDER_UNREADABLE 2013
 #define IDS_PER_DIVISION 2014
+#define IDS_PER_LANE 2037
 #define IDS_COMMAND_FAILED 2015
 #define IDS_NEW_NAME 2016
 #define IDS_DELETE_FAILED 2019
@@ -40,6 +41,7 @@
 #define IDS_FILE_REFUSED 2032
 #define IDS_FOLDER_INCOMPLETE 2033
 #define IDS_RANGE_PARTIAL 2035
+#define IDS_LANES_HINT 2036
 
 // Menu captions; those of an array follow each other.
 #define IDS_MENU_FILE 3000
@@ -63,6 +65,9 @@
 #define IDS_TABPATH_0 3030
 #define IDS_TABFILE_0 3032
 #define IDS_SPECTROGRAM 3034
+#define IDS_LANES 3035
+#define IDS_NEGATIVEUP 3036
+#define IDS_CLIPTOLANES 3037
 #define IDS_ZOOMX_0 3040
 #define IDS_GOTO_0 3050
 #define IDS_ZOOMY_0 3060
@@ -77,6 +82,7 @@
 #define IDS_TIP_ZOOMY_0 3200
 #define IDS_TIP_BASELINE_0 3202
 #define IDS_TIP_SPECTROGRAM 3204
+#define IDS_TIP_LANES 3219
 #define IDS_TIP_OPTIONS 3205
 #define IDS_TIP_SAVEAS 3206
 #define IDS_TIP_FASTEXPORT 3207
@@ -103,7 +109,7 @@
 // Names of keys, in the order of app/GraphKeys.h; mouse gestures, each followed by the text of its effect.
 #define IDS_KEY_0 3340
 #define IDS_MOUSE_0 3360
-#define IDS_MOUSE_COUNT 12
+#define IDS_MOUSE_COUNT 17
 
 // Table windows and input boxes.
 #define IDS_TABLE_KEY 3400

@@ -151,6 +151,12 @@ void DrawScaleIcons(IconCanvas& canvas, Icon icon) {
             canvas.Line({{1.5, 14.5}, {14.5, 14.5}}, kInk, 1.4);
             canvas.Line({{1.5, 9}, {4, 12.5}, {6.5, 3.5}, {9.5, 12.5}, {12, 4}, {14.5, 8}}, kBlue, 1.6);
             break;
+        case Icon::ShowLanes:
+            for (const double y : {5.5, 10.5}) canvas.Line({{1, y}, {15, y}}, 0xB4BAC4, 1);
+            canvas.Line({{1, 3}, {4, 1.2}, {6.5, 4.4}, {9.5, 1.6}, {12, 4.2}, {15, 2.6}}, kBlue, 1.4);
+            canvas.Line({{1, 8}, {4.5, 6.6}, {7, 9.2}, {10, 6.8}, {12.5, 9}, {15, 8}}, kRed, 1.4);
+            canvas.Line({{1, 13}, {3.5, 14.4}, {6.5, 11.8}, {9, 14.2}, {12, 11.8}, {15, 13.4}}, kGreen, 1.4);
+            break;
         case Icon::Spectrogram:
             canvas.Box(1, 1, 15, 15, 0x14305A);
             canvas.Box(1, 9, 4.5, 13, kBlue);

@@ -5,7 +5,8 @@
 namespace quillon {
 
 ReadoutSource ValuesReadout::Source() const {
-    return {m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes(), &m_view.Extremes()};
+    return {m_document.Block(), m_document.Slots(), m_format,
+            m_view.RawCodes(),  &m_view.Extremes(), m_view.UsesLanes()};
 }
 
 ValuesReadout::Basis ValuesReadout::PresentBasis() const {
@@ -14,7 +15,8 @@ ValuesReadout::Basis ValuesReadout::PresentBasis() const {
             m_view.RawCodes(),
             m_settings.spectrum,
             m_document.CurrentChannel(),
-            m_settings.window.spectrogramShown};
+            m_settings.window.spectrogramShown,
+            m_view.UsesLanes()};
 }
 
 void ValuesReadout::Tell(Kind kind, const std::u16string& text) {

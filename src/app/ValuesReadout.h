@@ -55,6 +55,7 @@ class ValuesReadout {
         SpectrumSettings spectrum;
         std::int16_t spectrumChannel = 0;
         bool spectrogramShown = false;
+        bool titles = false;
         friend bool operator==(const Basis&, const Basis&) = default;
     };
     [[nodiscard]] Basis PresentBasis() const;

@@ -6,6 +6,9 @@ namespace quillon {
 
 void ViewCommands::MoveView(const Move& move) {
     const bool movesSelection = std::abs(move.columns) == 1 && m_view.Selected().active;
+    const LaneLayout lanes = m_view.LanesOfChannels().Layout();
+    if (move.rows != 0 && m_view.UsesLanes() && lanes.Visible() < lanes.Count())
+        return onChange(m_view.ScrollLanes(move.rows > 0 ? 1 : -1));
     onChange(movesSelection ? m_view.MoveSelectionEnd(move.columns) : m_view.Move(move.columns, move.rows));
 }
 

@@ -16,6 +16,10 @@ struct WindowPlacement {
     std::int32_t valuesHeight = 0;
     std::int32_t spectrogramPercent = 0;  ///< share of the graph's height
     bool spectrogramShown = false;
+    bool lanes = false;           ///< each channel has a lane of its own
+    std::int32_t laneLabels = 0;  ///< width of the strip with their titles
+    bool negativeUp = false;      ///< in lanes smaller values are higher up
+    bool clipToLanes = false;
 };
 
 }  // namespace quillon

@@ -29,6 +29,9 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
              f.selectPage(TabPages::File, i);
          }},
         {mnuSpectrogram, 1, [](R r, F, int) { r.ShowSpectrogram(); }},
+        {mnuLanes, 1, [](R r, F, int) { r.lanes.ToggleLanes(); }},
+        {mnuNegativeUp, 1, [](R r, F, int) { r.lanes.ToggleNegativeUp(); }},
+        {mnuClipToLanes, 1, [](R r, F, int) { r.lanes.ToggleClip(); }},
         {mnuNextPalette, 1, [](R r, F, int) { r.spectrogram.NextPalette(); }},
         {mnuScaleX, TimeAxis::kMenuZoomCount, [](R r, F, int i) { r.ViewChanged(r.view.SelectZoomX(i)); }},
         {mnuZoomX, 2, [](R r, F, int i) { r.ViewChanged(r.view.ZoomX(i == 1)); }},

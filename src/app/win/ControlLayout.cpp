@@ -73,6 +73,7 @@ void ControlLayout::Arrange() {
     }
     input.dpi = m_dpi;
     TakeSizes(m_placement, input);
+    input.titlesWidth = m_titles;
     m_layout = ArrangeMain(input);
     if (complete) return PlaceControls();
     MoveWindow(Control(pbGraph), m_layout.graph.left, m_layout.graph.top, m_layout.graph.width, m_layout.graph.height,
@@ -100,7 +101,8 @@ bool ControlLayout::SetPointer() const {
     ScreenToClient(m_window, &point);
     const Splitter splitter = SplitterAt(m_layout, point.x, point.y);
     if (splitter == Splitter::None) return false;
-    SetCursor(LoadCursorW(nullptr, splitter == Splitter::Column ? IDC_SIZEWE : IDC_SIZENS));
+    SetCursor(
+        LoadCursorW(nullptr, splitter == Splitter::Column || splitter == Splitter::Labels ? IDC_SIZEWE : IDC_SIZENS));
     return true;
 }
 

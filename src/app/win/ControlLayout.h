@@ -15,6 +15,8 @@ class ControlLayout {
     void SetWindow(HWND window, HFONT font, int dpi);
     /// Size of the toolbars; 0 before they exist.
     void SetToolSizes(SIZE main, SIZE pages);
+    /// Width that the titles of lanes want, as far as the user has chosen no other; 0: there are no lanes.
+    void SetTitles(std::int32_t width) { m_titles = width; }
     /// Before the other controls exist only the graph is placed, at its final position.
     void Arrange();
     /// Whether the layout matches the current client area.
@@ -48,6 +50,7 @@ class ControlLayout {
     SIZE m_pageTools{};
     MainLayout m_layout;
     SIZE m_size{};  ///< of the client area that the controls fill
+    std::int32_t m_titles = 0;
     Splitter m_drag = Splitter::None;
 };
 

@@ -85,9 +85,12 @@ void DialogCommands::CopyImage() {
     // The playback line does not belong in a copied image.
     m_parts.graph.ShowPlayLine(0);
     const bool hasSpectrogram = m_shared.settings.window.spectrogramShown;
-    const ImageWindows windows{m_parts.graph.ScaleY(), m_parts.graph.Graph(),
+    const ImageWindows windows{m_parts.graph.ScaleY(),
+                               m_parts.graph.Graph(),
                                hasSpectrogram ? m_parts.spectrogram.Scale() : nullptr,
-                               hasSpectrogram ? m_parts.spectrogram.Picture() : nullptr, m_parts.graph.ScaleX()};
+                               hasSpectrogram ? m_parts.spectrogram.Picture() : nullptr,
+                               m_parts.graph.ScaleX(),
+                               m_shared.view.UsesLanes()};
     const std::u16string caption = ImageCaption(Narrow16(WindowText(m_parts.window.Window())), Block(),
                                                 m_shared.view.Axis(), m_shared.format, m_shared.services);
     // The caption strip has the same height at any screen density.

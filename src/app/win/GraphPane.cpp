@@ -55,7 +55,23 @@ GraphPane::GraphPane(const Document& document, WaveformView& view, const Playbac
       m_hover(hover),
       m_foldOrigin(foldOrigin),
       m_gestures(view),
-      m_scrollBars(view) {}
+      m_titles(document, view, m_gestures, format),
+      m_scrollBars(view) {
+    m_view.SetDpi(ScreenDpi());
+    WireTitles();
+}
+
+void GraphPane::WireTitles() {
+    m_titles.onChannel = [this](std::int16_t channel) { onChannel(channel); };
+    m_titles.onAlone = [this](std::int16_t channel) { onAlone(channel); };
+    m_titles.onMenu = [this](POINT screen, std::int16_t channel) { onContextMenu(screen, channel); };
+    m_titles.onPress = [this](GraphZone zone, const GraphPointer& pointer) {
+        Press(m_scaleY.Window(), GraphButton::Left, zone, pointer);
+    };
+    m_titles.onDrag = [this](const GraphPointer& pointer) { Drag(pointer); };
+    m_titles.onChange = [this](const ViewChange& change) { onChange(change); };
+    m_titles.onCancel = [this] { EndGesture(); };
+}
 
 bool GraphPane::CreateGraph(HWND parent) {
     return m_graph.Create(parent, pbGraph, *this, true);
@@ -93,11 +109,13 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     const HWND picture = id == pbGraph ? m_graph.Window() : id == pbScaleX ? m_scaleX.Window() : m_scaleY.Window();
     GetClientRect(picture, &client);
     if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_format));
-    if (id == pbScaleY) {
-        m_scales.PaintAmplitude(dc, client,
-                                HasSamples()
-                                    ? AmplitudeLabels(m_view.GetLanes().front(), m_view.RawCodes(), m_format.decimalSeparator)
-                                    : std::vector<ScaleLabel>());
+    if (id == pbScaleY && HasSamples() && m_view.UsesLanes()) {
+        m_titles.Paint(dc, client);
+    } else if (id == pbScaleY) {
+        m_scales.PaintAmplitude(
+            dc, client,
+            HasSamples() ? AmplitudeLabels(m_view.GetLanes().front(), m_view.RawCodes(), m_format.decimalSeparator)
+                         : std::vector<ScaleLabel>());
     }
     if (id != pbGraph) return;
     m_painter.Paint(dc, clip);
@@ -151,7 +169,7 @@ void GraphPane::Refresh(std::int32_t shift) {
     m_zoomX.SetCaption(ZoomCaption(m_view.Axis().ZoomIndex()));
     const HWND window = GetParent(m_graph.Window());
     ShowBar(GetDlgItem(window, scScaleX), m_scrollBars.Time(), m_view.Axis().CanScroll());
-    ShowBar(GetDlgItem(window, scScaleY), m_scrollBars.Amplitude(), HasSamples());
+    ShowBar(GetDlgItem(window, scScaleY), m_scrollBars.Amplitude(), HasSamples() && m_scrollBars.CanScrollAmplitude());
     m_scaleX.Invalidate();
     if (shift == 0) m_scaleY.Invalidate();
 }
@@ -196,7 +214,12 @@ void GraphPane::ShowPlayLine(std::int32_t sample) {
     onBand(CommonBand::Play, band);
 }
 
+void GraphPane::Point(std::int16_t channel) {
+    if (m_titles.Point(channel)) m_scaleY.Invalidate();
+}
+
 void GraphPane::ShowCursor(const std::optional<ColumnBand>& band) {
+    if (!band) Point(0);
     SetBand(GraphBand::Cursor, band);
     onBand(CommonBand::Cursor, band);
 }
@@ -263,8 +286,9 @@ bool GraphPane::GraphMouse(UINT message, WPARAM wParam, const GraphPointer& poin
             POINT screen{pointer.x, pointer.y};
             ClientToScreen(m_graph.Window(), &screen);
             const ReadoutSource source{m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes()};
-            onContextMenu(screen,
-                          ChannelNear(source, m_view.GetLanes(), SampleUnder(m_view.Axis(), pointer.x), pointer.y));
+            onContextMenu(screen, m_view.UsesLanes() ? m_titles.ChannelAt(pointer.y)
+                                                     : ChannelNear(source, m_view.GetLanes(),
+                                                                   SampleUnder(m_view.Axis(), pointer.x), pointer.y));
             return true;
         }
         default: return false;
@@ -272,6 +296,7 @@ bool GraphPane::GraphMouse(UINT message, WPARAM wParam, const GraphPointer& poin
 }
 
 bool GraphPane::ScaleYMouse(UINT message, const GraphPointer& pointer) {
+    if (HasSamples() && m_view.UsesLanes()) return m_titles.Mouse(m_scaleY.Window(), message, pointer);
     const bool drags = m_gestures.Current() == GraphGestures::Kind::BaseLine;
     if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
         Press(m_scaleY.Window(), GraphButton::Left, GraphZone::AmplitudeScale, pointer);
@@ -329,7 +354,9 @@ void GraphPane::FinishSelection(const GraphPointer& pointer) {
     const ViewChange change = m_gestures.Release(pointer);
     ReleaseCapture();
     onChange(change);
-    if (m_view.Selected().active) m_hover.HoldUntilMoved();
+    if (m_view.Selected().active) return m_hover.HoldUntilMoved();
+    // A click without a drag.
+    if (const std::int16_t channel = m_titles.ChannelAt(pointer.y); channel != 0) onChannel(channel);
 }
 
 void GraphPane::Wheel(int delta, GraphZone zone, const GraphPointer& pointer) {
@@ -339,7 +366,9 @@ void GraphPane::Wheel(int delta, GraphZone zone, const GraphPointer& pointer) {
 // The readout.
 
 void GraphPane::Hover(int x, int y) {
-    if (m_hover.StaysIn(m_graph.Window(), Pointer(), {x, y})) ReadOut(SampleUnder(m_view.Axis(), x), x, y);
+    if (!m_hover.StaysIn(m_graph.Window(), Pointer(), {x, y})) return;
+    ReadOut(SampleUnder(m_view.Axis(), x), x, y);
+    Point(m_titles.ChannelAt(y));
 }
 
 void GraphPane::HoverAgain() {

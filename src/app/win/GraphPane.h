@@ -11,6 +11,7 @@
 #include "app/ScrollBars.h"
 #include "app/win/CommonBand.h"
 #include "app/win/HoverCapture.h"
+#include "app/win/LaneTitles.h"
 #include "view/DisplaySettings.h"
 #include "view/GraphGestures.h"
 #include "view/ScaleLabels.h"
@@ -37,6 +38,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     std::function<void(std::int32_t sample, const std::u16string& mark)> onHover;         ///< a readout
     std::function<void(CommonBand which, const std::optional<ColumnBand>& band)> onBand;  ///< shown, moved or hidden
     std::function<void(POINT screen, std::int16_t channel)> onContextMenu;  ///< channel of the trace there, 0: none
+    std::function<void(std::int16_t channel)> onChannel;                    ///< chosen by its lane
+    std::function<void(std::int16_t channel)> onAlone;                      ///< to be shown alone, or with the others
     std::function<void(int index)> onZoom;                                  ///< 0 out, 1 in
     std::function<void(HWND control)> onZoomMenu;
     std::function<bool()> onBusy;  ///< whether mouse input is ignored now (a command runs)
@@ -51,6 +54,10 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] HWND ScaleY() const { return m_scaleY.Window(); }
     /// The mouse cursor over graph and spectrogram.
     [[nodiscard]] HCURSOR Pointer() { return m_cursors.Get(m_display.waveformCursor); }
+    /// Width that the strip left of the graph wants for the titles of lanes; 0 without lanes.
+    [[nodiscard]] std::int32_t TitlesWidth() const { return m_view.UsesLanes() ? m_titles.WantedWidth() : 0; }
+    /// Another channel is the current one.
+    void ChannelChanged() const { m_scaleY.Invalidate(); }
     /// Size of the graph in pixels.
     void SetSize(std::int32_t width, std::int32_t height);
     /// Text shown in a graph without traces.
@@ -105,6 +112,9 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void ZoomFailed(const std::exception& error) override { onFailed(error); }
     bool GraphMouse(UINT message, WPARAM wParam, const GraphPointer& pointer);
     bool ScaleYMouse(UINT message, const GraphPointer& pointer);
+    void WireTitles();
+    /// Marks the title of the channel in whose lane the pointer is; 0: in none.
+    void Point(std::int16_t channel);
     void Press(HWND box, GraphButton button, GraphZone zone, const GraphPointer& pointer);
     void Drag(const GraphPointer& pointer);
     void FinishSelection(const GraphPointer& pointer);
@@ -122,6 +132,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     HoverCapture& m_hover;
     bool m_foldOrigin;
     GraphGestures m_gestures;
+    LaneTitles m_titles;
     ScrollBars m_scrollBars;
     PictureBox m_graph;
     PictureBox m_scaleX;

@@ -9,7 +9,6 @@
 #include "app/ControlIds.h"
 #include "app/StringIds.h"
 #include "base/FilePath.h"
-#include "base/SystemText.h"
 #include "data/win/FileIdentity.h"
 #include "dialogs/DialogTexts.h"
 
@@ -20,10 +19,12 @@ MainRooms::MainRooms(RoomParts parts)
       m_document(m_parts.document),
       m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
       m_values(m_document, m_parts.view, m_parts.format, m_parts.settings),
+      m_texts(m_parts, status, graph, spectrogram),
       view(m_parts.view),
       playback(m_parts.playback),
       slices(m_document, view, m_parts.services, status, longCommand, graph, spectrogram),
       commands(m_document, view, playback),
+      lanes(m_document, view, m_parts.settings.window),
       graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
       recording(m_document),
@@ -36,6 +37,7 @@ MainRooms::MainRooms(RoomParts parts)
     WireSound();
     WireCommands();
     WireBackground();
+    lanes.Restore();
 }
 
 void MainRooms::WireGraph() {
@@ -52,10 +54,12 @@ void MainRooms::WireGraph() {
         commands.SetMenuChannel(channel);
         onContextMenu(screen);
     };
+    graph.onChannel = [this](std::int16_t channel) { recording.Choose(channel); };
+    graph.onAlone = [this](std::int16_t channel) { recording.ShowAlone(channel); };
     graph.onZoom = [this](int index) { onCommand(mnuZoomX + index); };
     graph.onZoomMenu = [this](HWND control) { onZoomMenu(control); };
     graph.onBusy = [this] { return longCommand.IsBusy(); };
-    graph.onFailed = [this](const std::exception& error) { Failed(error); };
+    graph.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
         graph.ShowCursor(BandOf(view.Axis(), {sample - 1, 1}));
         m_values.TellSpectrum(text);
@@ -85,7 +89,7 @@ void MainRooms::WireLists() {
     };
     browser.onLook = [this] { LookAtRecording(true, false); };
     browser.onPathList = [this] { onPathList(); };
-    browser.onFailed = [this](const std::exception& error) { Failed(error); };
+    browser.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     m_reload.stampOf = [](const std::u16string& path) { return StampOf(Wide(path)); };
     m_reload.isSlow = [this] { return IsRemote(browser.Folder()); };
     m_reload.onOpen = [this](const std::u16string& name) { OpenFile(Wide(name)); };
@@ -101,14 +105,21 @@ void MainRooms::WireLists() {
 
 void MainRooms::WireSound() {
     playback.onState = [this] { UpdateState(); };
-    playback.onPosition = [this] { ShowPosition(); };
+    playback.onPosition = [this] {
+        m_texts.ShowPosition(playback.Position());
+        graph.ShowPlayLine(playback.Position());
+    };
     playback.onError = [this](const std::u16string& text) { status.Tell(StatusBar::Topic::Sound, text); };
     playback.onScroll = [this](std::int32_t columns) { ViewChanged(view.ScrollBy(columns)); };
-    playback.onFailed = [this](const std::exception& error) { Failed(error); };
+    playback.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
 }
 
 void MainRooms::WireCommands() {
     commands.onChange = [this](const ViewChange& change) { ViewChanged(change); };
+    lanes.onChange = [this](const ViewChange& change) {
+        status.Retract(StatusBar::Topic::Hint);
+        ViewChanged(change);
+    };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };
@@ -134,9 +145,9 @@ void MainRooms::WireCommands() {
 
 void MainRooms::WireBackground() {
     slices.onKnown = [this] { m_values.MoreKnown(); };
-    slices.onFailed = [this](const std::exception& error) { Failed(error); };
+    slices.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     slices.onFitted = [this] { Refresh(); };
-    slices.onPictures = [this](bool wholeView) { TellUnreadable(wholeView); };
+    slices.onPictures = [this](bool wholeView) { m_texts.TellUnreadable(wholeView); };
     slices.onRescaled = [this] { Rescaled(); };
     slices.work.onFound = [this](const ReadStep& step) { Found(step); };
     slices.Wire();
@@ -159,7 +170,7 @@ void MainRooms::CreateRest(HFONT font, int dpi) {
     status.Attach(GetDlgItem(window, sbInfo), font, dpi);
     m_complete = true;
     // The status bar exists from here on.
-    ShowPanels();
+    m_texts.ShowPanels();
 }
 
 void MainRooms::ShowAll() {
@@ -170,7 +181,7 @@ void MainRooms::ShowAll() {
 }
 
 void MainRooms::Close() {
-    slices.work.BlockLeft();
+    slices.BlockLeft();
     browser.Close();
     playback.Close();
     longCommand.SetWindow(nullptr);
@@ -183,15 +194,6 @@ CommandState MainRooms::State() const {
 void MainRooms::UpdateState() {
     graph.SetNotice(NoticeOf(m_document, browser.FileCount(), m_parts.services));
     if (m_complete) onState();
-}
-
-void MainRooms::Failed(const std::exception& error) noexcept {
-    try {
-        status.Tell(StatusBar::Topic::Outcome,
-                    m_parts.services.Text(IDS_COMMAND_FAILED) + u": " + WordsOf(error, m_parts.language));
-    } catch (const std::exception&) {
-        // Out of memory even for the message.
-    }
 }
 
 // Recording and block.
@@ -232,26 +234,24 @@ void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
     if (longCommand.IsBusy() || longCommand.IsGone() || !IsWindowEnabled(Window())) return;
     m_reload.Look(asked, isDragging || graph.HasGesture());
 } catch (const std::exception& error) {
-    Failed(error);
+    m_texts.Failed(error);
 }
 
 void MainRooms::LeaveBlock() {
     playback.Stop();
-    slices.work.BlockLeft();
+    slices.BlockLeft();
     graph.LeaveBlock();
     spectrogram.LeaveBlock();
     view.LeaveBlock();
     // Not before: after a reload the view's extremes are those of another block than the document's.
     slices.ShowProgress();
     commands.SetMenuChannel(0);
-    m_unreadable = {};
-    // What was told of the file that goes.
-    for (const auto topic : {StatusBar::Topic::Unreadable, StatusBar::Topic::Refusal, StatusBar::Topic::Reload})
-        status.Retract(topic);
+    m_texts.BlockLeft();
 }
 
 void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
     view.BlockLoaded();
+    ArrangeTitles();
     if (kept) view.Restore(*kept);
     if (m_complete) {
         recording.FillChannels(kept.has_value());
@@ -263,19 +263,31 @@ void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
     if (kept && view.Selected().active) m_values.TellRange();
     if (m_complete) slices.InitSpectrogram();
     slices.work.BlockLoaded();
+    if (lanes.TakeHint()) m_texts.TellOfLanes();
+}
+
+void MainRooms::ArrangeTitles() {
+    const std::int32_t width = graph.TitlesWidth();
+    if (std::exchange(m_titlesWidth, width) != width) onArrange();
 }
 
 void MainRooms::ChooseChannel() {
     playback.Stop();
     spectrogram.ChooseChannel();
     slices.DrawSpectrogram(true);
-    TellUnreadable(false);
+    m_texts.TellUnreadable(false);
     m_values.KeepTrue();
+    graph.ChannelChanged();
+    m_texts.ShowPanels();
 }
 
 // The view.
 
 void MainRooms::ViewChanged(const ViewChange& change) {
+    if (change.redraw) {
+        lanes.Remember();
+        ArrangeTitles();
+    }
     if (change.redraw || change.scrolled != 0) Refresh(change.scrolled);
     playback.ViewChanged(change);
     if (!change.selection) return;
@@ -293,30 +305,14 @@ void MainRooms::Refresh(std::int32_t shift) {
     if (m_complete) slices.DrawSpectrogram(false);
     // Once the view has changed, clear the message about a position that was not understood.
     status.Retract(StatusBar::Topic::Place);
-    TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
+    m_texts.TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
     UpdateState();
     if (!m_complete) return;
     m_values.SelectionChanged(false);
     m_values.KeepTrue();
-    ShowPanels();
+    m_texts.ShowPanels();
     graph.HoverAgain();
     spectrogram.HoverAgain();
-}
-
-void MainRooms::TellUnreadable(bool wholeView) {
-    std::string inView = graph.Failure();
-    if (inView.empty()) inView = spectrogram.Failure();
-    const auto text = m_unreadable.Tell(
-        {FileNameOf(m_document.File().fileName), inView, view.Ranges().Failure(), wholeView}, m_parts.services);
-    if (!text) return;
-    if (text->empty()) return status.Retract(StatusBar::Topic::Unreadable);
-    status.Tell(StatusBar::Topic::Unreadable, *text);
-}
-
-void MainRooms::ShowPanels() {
-    status.ShowPanels(BlockPanels(
-        {m_document.Block(), m_document.Slots(), view.Axis(), m_parts.format, view.ScaleY(), view.RawCodes()},
-        m_parts.services));
 }
 
 void MainRooms::ShowSpectrogram() {
@@ -365,19 +361,7 @@ bool MainRooms::CompletePictures() {
     return complete && !longCommand.IsGone() && m_document.Block().block == block;
 }
 
-// Sound and long commands.
-
-void MainRooms::ShowPosition() {
-    const std::int32_t sample = playback.Position();
-    if (sample == 0) {
-        status.Retract(StatusBar::Topic::Sound);
-    } else {
-        // Do not replace the outcome of an export or an error.
-        status.Offer(StatusBar::Topic::Sound, m_parts.services.Text(IDS_PLAYING) + u' ' +
-                                                  PositionText(m_document.Block(), sample, u" ", m_parts.format));
-    }
-    graph.ShowPlayLine(sample);
-}
+// Long commands.
 
 void MainRooms::RunBusy(const std::function<void()>& work) {
     const std::exception_ptr failure = longCommand.Run(work);

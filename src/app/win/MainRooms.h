@@ -7,8 +7,8 @@
 
 #include "app/CommandState.h"
 #include "app/ExportCommands.h"
+#include "app/LaneCommands.h"
 #include "app/RecordingReload.h"
-#include "app/UnreadableSamples.h"
 #include "app/ValuesReadout.h"
 #include "app/ViewCommands.h"
 #include "app/win/BrowserPane.h"
@@ -22,6 +22,7 @@
 #include "app/win/SliceRunner.h"
 #include "app/win/SpectrogramPane.h"
 #include "app/win/StatusBar.h"
+#include "app/win/StatusTexts.h"
 
 namespace quillon {
 
@@ -52,8 +53,8 @@ class MainRooms {
 
     [[nodiscard]] CommandState State() const;
     void UpdateState();
-    /// A command ended early (no memory, a failed library call): reports it in "Status".
-    void Failed(const std::exception& error) noexcept;
+    /// See StatusTexts.
+    void Failed(const std::exception& error) noexcept { m_texts.Failed(error); }
 
     // Recording and block.
     void CloseCurrentFile();
@@ -87,9 +88,8 @@ class MainRooms {
     /// `kept`: the view to be restored, of the same recording.
     void ShowBlock(const std::optional<WaveformView::State>& kept);
     void ChooseChannel();
-    void ShowPosition();
-    void ShowPanels();
-    void TellUnreadable(bool wholeView);
+    /// The titles of lanes take room according to their length.
+    void ArrangeTitles();
     /// The scales of the loaded block have changed.
     void Rescaled();
     /// More of the recording is known.
@@ -105,11 +105,12 @@ class MainRooms {
     RoomParts m_parts;
     Document& m_document;
     bool m_complete = false;
+    std::int32_t m_titlesWidth = 0;  ///< for which the controls are laid out
     RecordingReload m_reload;
-    UnreadableSamples m_unreadable;
     HoverCapture m_hover;
     ValuesReadout m_values;
     Panel m_valuesPanel;
+    StatusTexts m_texts;
 
   public:
     WaveformView& view;
@@ -118,6 +119,7 @@ class MainRooms {
     LongCommand longCommand;
     SliceRunner slices;
     ViewCommands commands;
+    LaneCommands lanes;
     GraphPane graph;
     SpectrogramPane spectrogram;
     RecordingPane recording;

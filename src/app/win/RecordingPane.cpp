@@ -43,6 +43,12 @@ void RecordingPane::OnNotify(const NMHDR* header) {
     }
 }
 
+void RecordingPane::Choose(std::int16_t channel) {
+    m_channels.Choose(channel - 1);
+    m_document.ChooseChannel(channel);
+    onChannel();
+}
+
 void RecordingPane::SetAllShown(int index) {
     const int count = static_cast<int>(m_document.Block().channelNumbers.size());
     // The check mark of a channel without a slot is the list's own.

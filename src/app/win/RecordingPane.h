@@ -36,6 +36,8 @@ class RecordingPane {
     void ClickBlock() { onBlock(m_blocks.Selected()); }
     /// A notification of the list of channels.
     void OnNotify(const NMHDR* header);
+    /// Makes a channel the current one, as a click on it in the list does.
+    void Choose(std::int16_t channel);
     /// 0 all, 1 none, 2 those that are not.
     void SetAllShown(int index);
     /// Shows a channel alone, or all those again that were shown before.

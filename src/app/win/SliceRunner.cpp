@@ -37,7 +37,10 @@ void SliceRunner::Wire() {
     work.onRescaled = [this] { onRescaled(); };
     work.onDraw = [this] { return m_graph.DrawMore(); };
     work.onDrawnShare = [this] { return m_graph.DrawnShare(); };
-    work.onDrawn = [this] { m_graph.FitDrawn() ? onFitted() : onPictures(true); };
+    work.onDrawn = [this] {
+        m_graph.FitDrawn() ? onFitted() : onPictures(true);
+        if (const auto find = std::exchange(m_findWhenDrawn, nullptr)) find();
+    };
     work.onSpectrum = [this] {
         const bool more = m_spectrogram.DrawMore();
         if (!more) onPictures(false);
@@ -72,7 +75,18 @@ void SliceRunner::InitSpectrogram() {
     onPictures(false);
 }
 
+void SliceRunner::BlockLeft() {
+    m_findWhenDrawn = nullptr;
+    work.BlockLeft();
+}
+
 void SliceRunner::FindData(const std::function<void()>& find) {
+    if (m_view.UsesLanes()) {
+        // Lanes are fitted to what is seen.
+        if (!m_graph.IsIncomplete()) return find();
+        m_findWhenDrawn = find;
+        return;
+    }
     const std::vector<std::int16_t> shown = ChannelsOf(m_view.GetLanes());
     // Other channels may be shown when the ranges are found.
     const auto found = [this, find] {

@@ -44,6 +44,8 @@ class SliceRunner {
     void InitSpectrogram();
     /// Calls `find` once the ranges of the shown channels are recorded.
     void FindData(const std::function<void()>& find);
+    /// The block is about to be closed.
+    void BlockLeft();
     /// Drops the pass that is told; false when none is.
     bool DropCurrent();
     /// Parts of a long command: find the final scales of the block, and complete the pictures. False when the user has
@@ -63,6 +65,7 @@ class SliceRunner {
     LongCommand& m_longCommand;
     GraphPane& m_graph;
     SpectrogramPane& m_spectrogram;
+    std::function<void()> m_findWhenDrawn;         ///< see FindData
     std::optional<WorkSlices::Report> m_progress;  ///< told in "Status"
 };
 

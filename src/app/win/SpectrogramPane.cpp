@@ -135,8 +135,12 @@ void SpectrogramPane::PaintScale(HDC dc, const RECT& client) {
     if (!HasSamples()) return SpectrogramView::PaintEmptyScale(dc, client);
     const FrequencyScaleMarks marks = FrequencyMarks(static_cast<int>(client.bottom), m_document.Block().sampleRate,
                                                      m_format, m_painter.LabelHeight());
-    m_painter.PaintScale(dc, client, marks,
-                         FrequencyCaption(m_services.Text(IDS_CHANNEL), m_fft.State().deviceChannel + 1, marks.unit));
+    const auto number = static_cast<std::size_t>(m_fft.State().deviceChannel);
+    // Lanes name channels by their titles.
+    const std::u16string caption = m_view.UsesLanes() ? m_document.Slots()[number].title + u", " + marks.unit
+                                                      : FrequencyCaption(m_services.Text(IDS_CHANNEL),
+                                                                         m_fft.State().deviceChannel + 1, marks.unit);
+    m_painter.PaintScale(dc, client, marks, caption);
 }
 
 void SpectrogramPane::PaintMissing(HDC dc, const RECT& client, int from, int to) {

@@ -251,6 +251,7 @@ void frmQLMain::OnSize(UINT state) {
 }
 
 void frmQLMain::Arrange() {
+    m_layout.SetTitles(m_rooms.graph.TitlesWidth());
     m_layout.Arrange();
     SizesChanged();
 }

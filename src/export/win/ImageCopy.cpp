@@ -58,7 +58,9 @@ bool Picture::Draw(const ImageWindows& windows, HFONT font, const std::u16string
     if (!m_canvas.CreateBitmap(plan.width, plan.height)) return false;
     m_canvas.Clear();
     DrawCaption(font, caption, plan.caption);
-    bool done = CopyWindow(windows.graph, plan.graph, SRCCOPY) && CopyBlackAndWhite(windows.scaleY, plan.scaleY);
+    bool done = CopyWindow(windows.graph, plan.graph, SRCCOPY) &&
+                (windows.hasTitles ? CopyWindow(windows.scaleY, plan.scaleY, SRCCOPY)
+                                   : CopyBlackAndWhite(windows.scaleY, plan.scaleY));
     if (windows.spectrogram != nullptr) {
         done = done && CopyWindow(windows.spectrogram, plan.spectrogram, SRCCOPY);
         // White on black on the screen; against the white of the picture it becomes black on white.

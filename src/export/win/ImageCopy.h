@@ -15,6 +15,7 @@ struct ImageWindows {
     HWND scaleF;       ///< null where the spectrogram is not shown
     HWND spectrogram;  ///< null where it is not shown
     HWND scaleX;
+    bool hasTitles = false;  ///< whether scaleY holds titles of lanes, which keep their colours
 };
 
 /// Puts a picture of the view under a caption line onto the clipboard (kClipboardTarget), as a bitmap and as

@@ -62,7 +62,7 @@ LRESULT PictureBox::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         default: break;
     }
     const bool mouse = (message >= WM_MOUSEFIRST && message <= WM_MOUSELAST) || message == WM_SETCURSOR ||
-                       message == WM_CANCELMODE || message == WM_CAPTURECHANGED;
+                       message == WM_MOUSELEAVE || message == WM_CANCELMODE || message == WM_CAPTURECHANGED;
     if (mouse && m_owner->PictureMouse(m_id, message, wParam, lParam)) return 0;
     return DefWindowProcW(window, message, wParam, lParam);
 }

@@ -40,6 +40,9 @@ const Effect kEffects[] = {
     {mnuTabFile + 1, "", "pages=11", mnuTabFile},
     {mnuSpectrogram, "G", "spectrogram=1"},
     {mnuNextPalette, "Shift+G", "palette=1"},
+    {mnuLanes, "L", "lanes=on,"},
+    {mnuNegativeUp, "", "lanes=on,up,", mnuLanes},
+    {mnuClipToLanes, "", "lanes=on,clip,", mnuLanes},
     {mnuScaleX, "", "column=13024 zoom=0"},
     {mnuScaleX + 6, "", "column=0 zoom=6"},
     {mnuZoomX, "Ctrl+Minus", "column=332 zoom=4"},
@@ -144,6 +147,10 @@ class EffectTest : public MainWindowTest {
         if (m_global.document->IsSolo()) Command(mnuSoloChannel);
         for (const int list : {lstFile, lstBlock}) ClickLine(list, list == lstFile ? 1 : 0);
         SetMarks({{100, u"one"}, {15000, u"two"}});
+        const LaneSettings& lanes = m_global.view->LanesOfChannels().Settings();
+        if (lanes.clip) Command(mnuClipToLanes);
+        if (lanes.negativeUp) Command(mnuNegativeUp);
+        if (lanes.on) Command(mnuLanes);
         m_global.view->SelectZoomX(3);
         m_global.view->SelectScaleY(8);
         Command(mnuBaseLine);
@@ -182,6 +189,10 @@ class EffectTest : public MainWindowTest {
             shown += m_global.document->Slots()[static_cast<std::size_t>(channel)].shown ? '1' : '0';
         std::string calls;
         for (const std::string& call : m_device.calls) calls += call + ',';
+        const LaneSettings& settings = m_global.view->LanesOfChannels().Settings();
+        std::string lanes = settings.on ? "on," : "";
+        lanes += settings.negativeUp ? "up," : "";
+        lanes += settings.clip ? "clip," : "";
         const int focus = GetDlgCtrlID(GetFocus());
         const auto page = [&](int tabs) { return std::to_string(TabCtrl_GetCurSel(Control(tabs))); };
         std::wstring dialog = m_closer.Titles();
@@ -194,6 +205,7 @@ class EffectTest : public MainWindowTest {
                 {"zoom", std::to_string(m_global.view->Axis().ZoomIndex())},
                 {"scale", std::to_string(m_global.view->ScaleY())},
                 {"shift", std::to_string(m_global.view->BaseLineShift())},
+                {"lanes", lanes},
                 {"shown", shown},
                 {"alone", m_global.document->IsSolo() ? "1" : "0"},
                 {"pages", page(tabPath) + page(tabFile)},

@@ -314,6 +314,11 @@ TEST_F(ExportWindowTest, TheCopiedImageHoldsTheView) {
                               [](std::uint32_t pixel, std::uint32_t shown) { return pixel == (shown ^ 0xFFFFFFU); }),
                   0);
     }
+    // Titles of lanes keep their colours.
+    Command(mnuLanes);
+    Command(mnuCopy + 1);
+    EXPECT_EQ(Differences(CopiedImage(), 0, 20, Capture(pbScaleY), equal), 0);
+    EXPECT_EQ(Differences(CopiedImage(), Capture(pbScaleY).width, 20, Capture(pbGraph), equal), 0);
 }
 
 }  // namespace

@@ -52,7 +52,9 @@ TEST_F(WaveformViewTest, ScrollingByCopyingEqualsDrawingAnew) {
     SetMarks(std::move(marks));
     Command(mnuScaleX + 3);
     Drag(100, 180);
-    for (int round = 0; round < 60; ++round) {
+    for (int round = 0; round < 80; ++round) {
+        if (round == 60) Command(mnuLanes);
+        if (round == 70) Command(mnuClipToLanes);
         if (round % 6 == 0) Command(mnuScaleX + static_cast<int>(random() % 8));
         const int command =
             round % 5 == 0 ? mnuGoTo + static_cast<int>(random() % 4) : mnuMove + static_cast<int>(random() % 6);

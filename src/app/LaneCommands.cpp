@@ -1,0 +1,36 @@
+#include "app/LaneCommands.h"
+
+namespace quillon {
+
+void LaneCommands::Restore() {
+    m_view.SetLanes(m_remembered.lanes);
+    m_view.SetNegativeUp(m_remembered.negativeUp);
+    m_view.SetClip(m_remembered.clipToLanes);
+}
+
+void LaneCommands::Remember() {
+    const LaneSettings& now = m_view.LanesOfChannels().Settings();
+    m_remembered.lanes = now.on;
+    m_remembered.negativeUp = now.negativeUp;
+    m_remembered.clipToLanes = now.clip;
+}
+
+void LaneCommands::ToggleLanes() {
+    onChange(m_view.SetLanes(!m_view.LanesOfChannels().Settings().on));
+}
+
+void LaneCommands::ToggleNegativeUp() {
+    onChange(m_view.SetNegativeUp(!m_view.LanesOfChannels().Settings().negativeUp));
+}
+
+void LaneCommands::ToggleClip() {
+    onChange(m_view.SetClip(!m_view.LanesOfChannels().Settings().clip));
+}
+
+bool LaneCommands::TakeHint() {
+    if (m_hinted || m_view.UsesLanes() || !LanesWouldHelp(m_document.Block(), m_document.Slots())) return false;
+    m_hinted = true;
+    return true;
+}
+
+}  // namespace quillon
