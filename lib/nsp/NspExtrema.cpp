@@ -4,7 +4,8 @@
 #include <array>
 #include <bit>
 
-#include "nsp/RunLanes.h"
+#include "nsp/kernels/Extremes.h"
+#include "nsp/kernels/Lanes8.h"
 
 namespace quillon::nsp {
 
@@ -19,23 +20,23 @@ short Reduce(const short* src, std::size_t count, Join join) {
         src = lanes.data();
         count = lanes.size();
     }
-    __m128i result = LoadLanes(src + (count - 8));
+    __m128i result = Lanes8::Load(src + (count - 8));
     for (std::size_t at = 0; at + 8 < count; at += 8) {
-        PrefetchAhead(src + at);
-        result = join(result, LoadLanes(src + at));
+        PrefetchAhead(src + at, 8);
+        result = join(result, Lanes8::Load(src + at));
     }
-    result = join(result, _mm_shuffle_epi32(result, 0x4E));
-    result = join(result, _mm_shuffle_epi32(result, 0xB1));
-    result = join(result, _mm_shufflelo_epi16(result, 0xB1));
+    result = join(result, Lanes8::Swap4(result));
+    result = join(result, Lanes8::Swap2(result));
+    result = join(result, Lanes8::Swap1(result));
     return static_cast<short>(_mm_extract_epi16(result, 0));
 }
 
 /// The value occurs in the samples.
 int IndexOf(const short* src, std::size_t count, short value) {
-    const __m128i wanted = _mm_set1_epi16(value);
+    const __m128i wanted = Lanes8::Fill(value);
     std::size_t at = 0;
     for (; at + 8 <= count; at += 8) {
-        const auto found = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(LoadLanes(src + at), wanted)));
+        const auto found = Lanes8::Bits(Lanes8::Equal(Lanes8::Load(src + at), wanted));
         if (found != 0) return static_cast<int>(at) + std::countr_zero(found) / 2;
     }
     return static_cast<int>(std::find(src + at, src + count, value) - src);
@@ -45,12 +46,12 @@ int IndexOf(const short* src, std::size_t count, short value) {
 
 short nspwMax(const short* src, int n) {
     if (n < 1) return 0;
-    return Reduce(src, static_cast<std::size_t>(n), [](__m128i a, __m128i b) { return _mm_max_epi16(a, b); });
+    return Reduce(src, static_cast<std::size_t>(n), [](__m128i a, __m128i b) { return Lanes8::Max(a, b); });
 }
 
 short nspwMin(const short* src, int n) {
     if (n < 1) return 0;
-    return Reduce(src, static_cast<std::size_t>(n), [](__m128i a, __m128i b) { return _mm_min_epi16(a, b); });
+    return Reduce(src, static_cast<std::size_t>(n), [](__m128i a, __m128i b) { return Lanes8::Min(a, b); });
 }
 
 short nspwMaxExt(const short* src, int n, int* index) {

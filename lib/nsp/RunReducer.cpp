@@ -1,14 +1,26 @@
 #include "nsp/RunReducer.h"
 
 #include <algorithm>
-#include <array>
 #include <stdexcept>
-#include <vector>
 
-#include "nsp/FrameRuns.h"
-#include "nsp/PackedRuns.h"
+#include "nsp/kernels/Lanes16.h"
+#include "nsp/kernels/Lanes8.h"
+#include "nsp/kernels/PackedRuns.h"
+#include "nsp/kernels/RunKernels.h"
 
 namespace quillon::nsp {
+
+LaneCount MostLanes() {
+#if QUILLON_SIXTEEN_LANES
+    if (__builtin_cpu_supports("avx2")) return LaneCount::Sixteen;
+#endif
+    return LaneCount::Eight;
+}
+
+FrameKernel::FrameKernel() = default;
+FrameKernel::~FrameKernel() = default;
+PlanarKernel::PlanarKernel() = default;
+PlanarKernel::~PlanarKernel() = default;
 
 PlanarRunReducer::PlanarRunReducer(std::int32_t run, ExtremePair* out) : m_run(run), m_out(out) {
     if (run < 1) throw std::invalid_argument("a run has at least one sample");
@@ -17,7 +29,7 @@ PlanarRunReducer::PlanarRunReducer(std::int32_t run, ExtremePair* out) : m_run(r
 void PlanarRunReducer::Feed(const std::int16_t* samples, std::size_t count) {
     auto filled = static_cast<std::size_t>(m_filled);
     Extremes state{m_maximum, m_minimum, m_minimumFirst};
-    PackedRuns<1>::Feed(samples, count, static_cast<std::size_t>(m_run), filled, {&state, 1}, {&m_out, 1});
+    PackedRuns<Lanes8, 1>::Feed(samples, count, static_cast<std::size_t>(m_run), filled, {&state, 1}, {&m_out, 1});
     m_filled = static_cast<std::int32_t>(filled);
     m_maximum = state.maximum;
     m_minimum = state.minimum;
@@ -30,71 +42,47 @@ void PlanarRunReducer::Finish() {
     m_filled = 0;
 }
 
-struct FrameRunReducer::State {
-    virtual ~State() = default;
-    State() = default;
-    State(const State&) = delete;
-    State& operator=(const State&) = delete;
-    virtual void Feed(const std::int16_t* frames, std::size_t frameCount) = 0;
-    virtual void Finish() = 0;
-};
+PlanarSetReducer::PlanarSetReducer(std::int32_t run, std::span<ExtremePair* const> out, LaneCount lanes) {
+    if (run < 1) throw std::invalid_argument("a run has at least one sample");
+    const auto length = static_cast<std::size_t>(run);
+#if QUILLON_SIXTEEN_LANES
+    if (lanes == LaneCount::Sixteen) m_kernel = MakePlanarKernel<Lanes16>(length, out);
+#endif
+    if (!m_kernel) m_kernel = MakePlanarKernel<Lanes8>(length, out);
+}
 
-namespace {
+PlanarSetReducer::~PlanarSetReducer() = default;
 
-template <typename Base, std::size_t Channels>
-struct PackedState final : Base {
-    PackedState(std::span<const std::size_t> selected, std::size_t run, std::span<ExtremePair* const> out)
-        : m_run(run) {
-        for (std::size_t i = 0; i < selected.size(); ++i) m_out[selected[i]] = out[i];
-    }
-    void Feed(const std::int16_t* frames, std::size_t frameCount) override {
-        PackedRuns<Channels>::Feed(frames, frameCount, m_run, m_filled, m_extremes, m_out);
-    }
-    void Finish() override { PackedRuns<Channels>::Finish(m_filled, m_extremes, m_out); }
+void PlanarSetReducer::Feed(std::span<const std::int16_t* const> samples, std::size_t count) {
+    m_kernel->Feed(samples, count);
+}
 
-    std::size_t m_run;
-    std::size_t m_filled = 0;
-    std::array<Extremes, Channels> m_extremes;
-    std::array<ExtremePair*, Channels> m_out{};
-};
-
-template <typename Base>
-struct WideState final : Base {
-    WideState(std::size_t channels, std::span<const std::size_t> selected, std::size_t run,
-              std::span<ExtremePair* const> out)
-        : m_runs(channels, selected, run, out) {}
-    void Feed(const std::int16_t* frames, std::size_t frameCount) override { m_runs.Feed(frames, frameCount); }
-    void Finish() override { m_runs.Finish(); }
-
-    FrameRuns m_runs;
-};
-
-}  // namespace
+void PlanarSetReducer::Finish() {
+    m_kernel->Finish();
+}
 
 FrameRunReducer::FrameRunReducer(std::size_t channels, std::span<const std::size_t> selected, std::int32_t run,
-                                 std::span<ExtremePair* const> out) {
+                                 std::span<ExtremePair* const> out, LaneCount lanes) {
     if (run < 1 || channels < 1 || selected.size() != out.size() ||
         std::any_of(selected.begin(), selected.end(), [&](std::size_t channel) { return channel >= channels; })) {
         throw std::invalid_argument("runs of frames");
     }
     if (selected.empty()) return;
     const auto length = static_cast<std::size_t>(run);
-    switch (channels) {
-        case 1: m_state = std::make_unique<PackedState<State, 1>>(selected, length, out); break;
-        case 2: m_state = std::make_unique<PackedState<State, 2>>(selected, length, out); break;
-        case 4: m_state = std::make_unique<PackedState<State, 4>>(selected, length, out); break;
-        default: m_state = std::make_unique<WideState<State>>(channels, selected, length, out); break;
-    }
+#if QUILLON_SIXTEEN_LANES
+    if (lanes == LaneCount::Sixteen) m_kernel = MakeFrameKernel<Lanes16>(channels, selected, length, out);
+#endif
+    if (!m_kernel) m_kernel = MakeFrameKernel<Lanes8>(channels, selected, length, out);
 }
 
 FrameRunReducer::~FrameRunReducer() = default;
 
 void FrameRunReducer::Feed(const std::int16_t* frames, std::size_t frameCount) {
-    if (m_state) m_state->Feed(frames, frameCount);
+    if (m_kernel) m_kernel->Feed(frames, frameCount);
 }
 
 void FrameRunReducer::Finish() {
-    if (m_state) m_state->Finish();
+    if (m_kernel) m_kernel->Finish();
 }
 
 }  // namespace quillon::nsp

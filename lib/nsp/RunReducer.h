@@ -20,7 +20,18 @@ struct ExtremePair {
     friend bool operator==(const ExtremePair&, const ExtremePair&) = default;
 };
 
-/// Samples of one channel that lie together.
+class FrameKernel;
+class PlanarKernel;
+
+/// How many samples the reducers take at a time. The results are the same.
+enum class LaneCount {
+    Eight,    ///< on any processor
+    Sixteen,  ///< with AVX2
+};
+/// The most that this processor and its system can do.
+[[nodiscard]] LaneCount MostLanes();
+
+/// Few samples of one channel that lie together: eight lanes.
 class PlanarRunReducer {
   public:
     /// `run` >= 1 samples per result. `out` has room for every result that the fed samples give.
@@ -42,7 +53,7 @@ class PlanarRunReducer {
 class PlanarSetReducer {
   public:
     /// out[c] has room for the results of channel c.
-    PlanarSetReducer(std::int32_t run, std::span<ExtremePair* const> out);
+    PlanarSetReducer(std::int32_t run, std::span<ExtremePair* const> out, LaneCount lanes = MostLanes());
     ~PlanarSetReducer();
     PlanarSetReducer(const PlanarSetReducer&) = delete;
     PlanarSetReducer& operator=(const PlanarSetReducer&) = delete;
@@ -52,8 +63,7 @@ class PlanarSetReducer {
     void Finish();
 
   private:
-    struct State;
-    std::unique_ptr<State> m_state;
+    std::unique_ptr<PlanarKernel> m_kernel;
 };
 
 /// Frames: one sample of every channel after the other.
@@ -62,7 +72,7 @@ class FrameRunReducer {
     /// `channels` samples per frame (1 or more); `selected` are the channels wanted (from 0, any order, no repeats),
     /// out[i] has room for the results of selected[i].
     FrameRunReducer(std::size_t channels, std::span<const std::size_t> selected, std::int32_t run,
-                    std::span<ExtremePair* const> out);
+                    std::span<ExtremePair* const> out, LaneCount lanes = MostLanes());
     ~FrameRunReducer();
     FrameRunReducer(const FrameRunReducer&) = delete;
     FrameRunReducer& operator=(const FrameRunReducer&) = delete;
@@ -71,8 +81,7 @@ class FrameRunReducer {
     void Finish();
 
   private:
-    struct State;
-    std::unique_ptr<State> m_state;
+    std::unique_ptr<FrameKernel> m_kernel;
 };
 
 }  // namespace quillon::nsp

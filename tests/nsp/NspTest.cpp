@@ -189,8 +189,51 @@ struct Results {
     std::vector<ExtremePair*> out;
 };
 
-/// By the plain loop: first occurrences by position, the maximum first on ties. The data are fed in pieces of random
-/// size; every piece is a copy of its own, so that reading past one is caught.
+/// By the plain loop: first occurrences by position, the maximum first on ties.
+std::vector<ExtremePair> ExpectedPairs(const Codes& samples, std::size_t run) {
+    std::vector<ExtremePair> expected;
+    for (std::size_t at = 0; at < samples.size(); at += run) {
+        const std::int16_t* const from = samples.data() + at;
+        expected.push_back(fuzz::PlainExtremes(from, from + std::min(run, samples.size() - at)));
+    }
+    return expected;
+}
+
+/// The data are fed in pieces of random size; every piece is a copy of its own, so that reading past one is caught.
+void ExpectPlainResults(const std::vector<Codes>& samples, std::size_t run, const std::vector<std::size_t>& selected,
+                        LaneCount lanes, std::mt19937& random) {
+    const std::size_t channels = samples.size();
+    const std::size_t count = samples[0].size();
+    Results planar(channels, (count + run - 1) / run);
+    Results framed(selected.size(), (count + run - 1) / run);
+    PlanarSetReducer planarReducer(static_cast<std::int32_t>(run), planar.out, lanes);
+    FrameRunReducer frameReducer(channels, selected, static_cast<std::int32_t>(run), framed.out, lanes);
+    const std::size_t longest = 1 + random() % (random() % 4 == 0 ? 20 : count + 1);
+    for (std::size_t at = 0, size = 0; at < count; at += size) {
+        size = std::min<std::size_t>(count - at, random() % (longest + 1));
+        std::vector<Codes> pieces;
+        std::vector<const std::int16_t*> pointers;
+        Codes frames(size * channels);
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            pieces.emplace_back(samples[channel].data() + at, samples[channel].data() + at + size);
+            pointers.push_back(pieces.back().data());
+            for (std::size_t i = 0; i < size; ++i) frames[i * channels + channel] = pieces.back()[i];
+        }
+        planarReducer.Feed(pointers, size);
+        frameReducer.Feed(frames.data(), size);
+    }
+    planarReducer.Finish();
+    frameReducer.Finish();
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        const auto expected = ExpectedPairs(samples[channel], run);
+        ASSERT_EQ(planar.pairs[channel], expected) << "channel " << channel << " of " << channels << ", run " << run;
+        const auto found = std::find(selected.begin(), selected.end(), channel) - selected.begin();
+        if (found == std::ssize(selected)) continue;
+        ASSERT_EQ(framed.pairs[static_cast<std::size_t>(found)], expected)
+            << "frames: channel " << channel << " of " << channels << ", run " << run;
+    }
+}
+
 TEST(RunReducerTest, RunsOfFramesAndOfPlanarSetsAreThoseOfThePlainLoop) {
     std::mt19937 random(2);
     for (std::size_t round = 0; round < 700; ++round) {
@@ -205,38 +248,9 @@ TEST(RunReducerTest, RunsOfFramesAndOfPlanarSetsAreThoseOfThePlainLoop) {
         std::iota(selected.begin(), selected.end(), std::size_t{0});
         std::shuffle(selected.begin(), selected.end(), random);
         if (round % 3 != 0) selected.resize(random() % (channels + 1));
-
-        Results planar(channels, (count + run - 1) / run);
-        Results framed(selected.size(), (count + run - 1) / run);
-        PlanarSetReducer planarReducer(static_cast<std::int32_t>(run), planar.out);
-        FrameRunReducer frameReducer(channels, selected, static_cast<std::int32_t>(run), framed.out);
-        const std::size_t longest = 1 + random() % (random() % 4 == 0 ? 20 : count + 1);
-        for (std::size_t at = 0, size = 0; at < count; at += size) {
-            size = std::min<std::size_t>(count - at, random() % (longest + 1));
-            std::vector<Codes> pieces;
-            std::vector<const std::int16_t*> pointers;
-            Codes frames(size * channels);
-            for (std::size_t channel = 0; channel < channels; ++channel) {
-                pieces.emplace_back(samples[channel].data() + at, samples[channel].data() + at + size);
-                pointers.push_back(pieces.back().data());
-                for (std::size_t i = 0; i < size; ++i) frames[i * channels + channel] = pieces.back()[i];
-            }
-            planarReducer.Feed(pointers, size);
-            frameReducer.Feed(frames.data(), size);
-        }
-        planarReducer.Finish();
-        frameReducer.Finish();
-        for (std::size_t channel = 0; channel < channels; ++channel) {
-            std::vector<ExtremePair> expected;
-            for (std::size_t at = 0; at < count; at += run) {
-                const std::int16_t* const from = samples[channel].data() + at;
-                expected.push_back(fuzz::PlainExtremes(from, from + std::min(run, count - at)));
-            }
-            ASSERT_EQ(planar.pairs[channel], expected) << channels << ' ' << run << ' ' << round;
-            const auto found = std::find(selected.begin(), selected.end(), channel) - selected.begin();
-            if (found == std::ssize(selected)) continue;
-            ASSERT_EQ(framed.pairs[static_cast<std::size_t>(found)], expected)
-                << "channel " << channel << " of " << channels << ", run " << run << ", round " << round;
+        for (const LaneCount lanes : {LaneCount::Eight, MostLanes()}) {
+            ExpectPlainResults(samples, run, selected, lanes, random);
+            if (HasFatalFailure()) FAIL() << "round " << round << ", lanes " << static_cast<int>(lanes);
         }
     }
 }
@@ -253,11 +267,13 @@ TEST(RunReducerTest, ExtremesFarApartInARunKeepTheirOrder) {
     }
     Results results(channels, 1);
     std::vector<std::size_t> selected{0, 1, 2};
-    FrameRunReducer reducer(channels, selected, frames, results.out);
-    reducer.Feed(samples.data(), frames);
-    EXPECT_EQ(results.pairs[0][0], (ExtremePair{5, -5}));
-    EXPECT_EQ(results.pairs[1][0], (ExtremePair{-5, 5}));
-    EXPECT_EQ(results.pairs[2][0], (ExtremePair{0, 0}));
+    for (const LaneCount lanes : {LaneCount::Eight, MostLanes()}) {
+        FrameRunReducer reducer(channels, selected, frames, results.out, lanes);
+        reducer.Feed(samples.data(), frames);
+        EXPECT_EQ(results.pairs[0][0], (ExtremePair{5, -5}));
+        EXPECT_EQ(results.pairs[1][0], (ExtremePair{-5, 5}));
+        EXPECT_EQ(results.pairs[2][0], (ExtremePair{0, 0}));
+    }
 }
 
 }  // namespace

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "nsp/kernels/Extremes.h"
+#include "nsp/kernels/LaneExtremes.h"
+
+namespace quillon::nsp {
+
+/// Highest and lowest by lane.
+template <typename Lanes>
+struct LaneRange {
+    using Vector = typename Lanes::Vector;
+    Vector highest;
+    Vector lowest;
+
+    void Add(const LaneRange& other) {
+        highest = Lanes::Max(highest, other.highest);
+        lowest = Lanes::Min(lowest, other.lowest);
+    }
+    /// Of `Count` vectors `step` samples apart. Many are taken in four parts, because in each of them every instruction
+    /// waits for the one before it.
+    template <std::size_t Count>
+    static LaneRange Of(const std::int16_t* samples, std::size_t step) {
+        constexpr std::size_t kParts = Count < 8 ? 1 : 4;
+        LaneRange parts[kParts];
+#pragma GCC unroll 20
+        for (std::size_t i = 0; i < Count; ++i, samples += step) {
+            const Vector lanes = Lanes::Load(samples);
+            if (i < kParts) {
+                parts[i] = {lanes, lanes};
+            } else {
+                parts[i % kParts].Add({lanes, lanes});
+            }
+        }
+        for (std::size_t i = 1; i < kParts; ++i) parts[0].Add(parts[i]);
+        return parts[0];
+    }
+};
+
+/// Extremes by lane of samples that come in groups: the values of each group first, and which group they came from.
+/// Groups are counted by 16-bit numbers, so a stretch has at most kMostGroups of them.
+inline constexpr std::size_t kMostGroups = 32767;
+
+template <typename Lanes>
+struct LaneSearch {
+    using Vector = typename Lanes::Vector;
+    static constexpr std::int16_t kLaneBits[16] = {0x1,   0x2,   0x4,   0x8,   0x10,   0x20,   0x40,   0x80,
+                                                   0x100, 0x200, 0x400, 0x800, 0x1000, 0x2000, 0x4000, -0x8000};
+    Vector maximum;
+    Vector minimum;
+    Vector maximumAt;
+    Vector minimumAt;
+
+    /// Of the first group, number 0.
+    static LaneSearch Of(const LaneRange<Lanes>& group) {
+        return {group.highest, group.lowest, Lanes::Zero(), Lanes::Zero()};
+    }
+    /// Of a later group; `number` in all lanes, higher than those before.
+    void Add(const LaneRange<Lanes>& group, Vector number) {
+        const Vector higher = Lanes::Greater(group.highest, maximum);
+        const Vector lower = Lanes::Greater(minimum, group.lowest);
+        maximum = Lanes::Max(maximum, group.highest);
+        minimum = Lanes::Min(minimum, group.lowest);
+        maximumAt = Lanes::Max(maximumAt, Lanes::And(higher, number));
+        minimumAt = Lanes::Max(minimumAt, Lanes::And(lower, number));
+    }
+    /// The result of the lanes that `wanted` has bits for, as Lanes::Bits; others have no order. Where both extremes
+    /// are in one group, minimumFirst(lane, group, values) has to find it.
+    template <typename MinimumFirst>
+    [[nodiscard]] LaneExtremes<Lanes> Result(std::uint32_t wanted, const MinimumFirst& minimumFirst) const {
+        LaneExtremes<Lanes> result{maximum, minimum, Lanes::Greater(maximumAt, minimumAt)};
+        // The order of equal extremes is known: the maximum is first.
+        const Vector open = Lanes::AndNot(Lanes::Equal(maximum, minimum), Lanes::Equal(maximumAt, minimumAt));
+        std::uint32_t lanes = Lanes::Bits(open) & wanted & 0x55555555U;
+        if (lanes == 0) return result;
+        std::int16_t highest[Lanes::kCount];
+        std::int16_t lowest[Lanes::kCount];
+        std::int16_t groups[Lanes::kCount];
+        Lanes::Store(highest, maximum);
+        Lanes::Store(lowest, minimum);
+        Lanes::Store(groups, maximumAt);
+        std::uint32_t first = 0;  // one bit for each lane
+        for (; lanes != 0; lanes &= lanes - 1) {
+            const auto lane = static_cast<std::size_t>(std::countr_zero(lanes)) / 2;
+            const Extremes values{highest[lane], lowest[lane], false};
+            const bool found = minimumFirst(lane, static_cast<std::size_t>(groups[lane]), values);
+            first |= static_cast<std::uint32_t>(found) << lane;
+        }
+        const Vector bits = Lanes::Load(kLaneBits);
+        const Vector found = Lanes::And(Lanes::Fill(static_cast<std::int16_t>(first)), bits);
+        result.order = Lanes::Or(result.order, Lanes::Equal(found, bits));
+        return result;
+    }
+};
+
+}  // namespace quillon::nsp
