@@ -71,6 +71,13 @@ std::uint64_t EdfRecords::VisitPiece(const Request& request, std::uint64_t at) {
     const std::uint8_t* const piece = Read(m_piece, record * m_recordBytes + request.low + begin,
                                            (records - 1) * m_recordBytes + request.spread + lastEnd - begin);
     std::uint64_t position = at - request.first;
+    if (request.partBytes == m_recordBytes) {
+        // Nothing lies between the parts of the only stream, which may be asked for more than once.
+        const std::uint64_t bytes = (records - 1) * m_recordBytes + lastEnd - begin;
+        std::fill(m_streams.begin(), m_streams.end(), piece);
+        request.visitor(position, m_streams, static_cast<std::size_t>(bytes));
+        return bytes;
+    }
     for (std::uint64_t row = 0; row < records; ++row) {
         const std::uint64_t from = row == 0 ? begin : 0;
         const std::uint64_t to = row + 1 == records ? lastEnd : request.partBytes;

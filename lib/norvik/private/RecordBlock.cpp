@@ -117,9 +117,10 @@ void RecordBlock::FetchRows(std::int32_t first, std::int32_t count, std::int16_t
 bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                                 std::int32_t run, std::span<RunExtremes* const> out) {
     nsp::PlanarSetReducer reducer(run, out);
-    // Few channels are reduced many runs at a time, so their parts are joined until they hold as many.
+    // Many runs are reduced at a time, so parts that hold few of them are joined.
     constexpr std::size_t joined = 16384;
-    const bool join = run < 1000 && channels.size() < 8 && m_layout->samplesPerRecord < joined / channels.size() / 2;
+    const std::uint64_t runs = m_layout->samplesPerRecord * channels.size() / static_cast<std::uint64_t>(run);
+    const bool join = run < 1000 && runs < 16 && m_layout->recordBytes != m_layout->samplesPerRecord * 2;
     const std::size_t rowLength = join ? joined / channels.size() : 0;
     std::vector<std::int16_t> rows(rowLength * channels.size());
     std::vector<const std::int16_t*> rowStarts;
