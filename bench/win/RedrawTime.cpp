@@ -1,9 +1,11 @@
 // Time of a full redraw of the graph: 32 channels, 1500 columns, 2000 samples each, against reading those samples once:
 //     redraw-time RECORDING
 // "first" reads the samples, "again" has their summary, "page" scrolls by a page, "blit" copies the image once more.
+// Then the same in lanes against one axis, a wheel notch on the scale of a lane included.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <vector>
 
 #include "app/win/WinServices.h"
@@ -26,6 +28,29 @@ double Milliseconds(Work work) {
 double Median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
+}
+
+/// Redraws in lanes against those on one axis, in turn.
+void CompareLanes(WaveformView& view, const std::function<void()>& draw) {
+    std::vector<double> first, again, notch;
+    view.ScrollBy(-view.Axis().FirstColumn());
+    for (int round = 0; round < 9; ++round) {
+        double cold[2] = {};
+        double warm[2] = {};
+        for (const bool lanes : {false, true}) {
+            view.SetLanes(lanes);
+            view.Extremes().Reset();
+            cold[lanes ? 1 : 0] = Milliseconds(draw);
+            warm[lanes ? 1 : 0] = Milliseconds(draw);
+        }
+        first.push_back(cold[1] / cold[0]);
+        again.push_back(warm[1] / warm[0]);
+        view.ZoomGroup(0, round % 2 == 0 ? 1 : -1);
+        notch.push_back(Milliseconds(draw) / warm[0]);
+    }
+    view.SetLanes(false);
+    std::printf("lanes against one axis: first %.2f, again %.2f, after a notch %.2f\n", Median(first), Median(again),
+                Median(notch));
 }
 
 }  // namespace
@@ -77,6 +102,12 @@ int wmain(int count, wchar_t** arguments) {
         block.channelCount, samples, Median(read), Median(first), Median(first) / Median(read), Median(again),
         Median(page), Median(blit));
 
+    CompareLanes(view, [&] {
+        painter.Draw(scene, width, height);
+        while (painter.IsIncomplete()) painter.DrawMore(scene);
+        show();
+    });
+
     // The whole block, of which nothing is known.
     std::vector<double> whole, fitted, columns;
     for (int round = 0; round < 3; ++round) {
@@ -89,14 +120,14 @@ int wmain(int count, wchar_t** arguments) {
         view.FitBlock();
         painter.ForgetBlock();
         view.Extremes().Reset();
-        const auto draw = [&](bool until) {
+        const auto fit = [&](bool until) {
             painter.Draw(scene, width, height);
             while (painter.IsIncomplete() && (until || painter.MissingShare() >= 1.0)) painter.DrawMore(scene);
             show();
         };
-        columns.push_back(Milliseconds([&] { draw(false); }));
+        columns.push_back(Milliseconds([&] { fit(false); }));
         view.Extremes().Reset();
-        fitted.push_back(Milliseconds([&] { draw(true); }));
+        fitted.push_back(Milliseconds([&] { fit(true); }));
     }
     std::printf("whole block of %d samples: read %.0f ms, fitted %.0f ms (%.2f of it), first columns after %.1f ms\n",
                 block.sampleCount, Median(whole), Median(fitted), Median(fitted) / Median(whole), Median(columns));
