@@ -204,7 +204,8 @@ class OptionsWindowTest : public MainWindowTest {
         Command(mnuChShow);
         return {
             {"time", Utf8(TimeLabels(m_global.view->Axis(), m_global.document->Block(), m_global.format).at(1).text)},
-            {"amplitude", Utf8(AmplitudeLabels(m_global.view->GetLanes()[0], m_global.view->RawCodes(), u'.').at(0).text)},
+            {"amplitude",
+             Utf8(AmplitudeLabels(m_global.view->GetLanes()[0], m_global.view->RawCodes(), u'.').at(0).text)},
             {"length", line(values, 0)},
             {"value", line(values, 1)},
             {"grid", grid},
