@@ -1,9 +1,10 @@
 // How long messages wait in the viewer while it works on a large recording:
-//     watchdog VIEWER RECORDING [SECONDS [FOLDER]]
+//     watchdog VIEWER RECORDING [SECONDS [FOLDER [KIND]]]
 // Starts the viewer on the recording, gives it one command after the other, watches it for some seconds after each (3
 // without SECONDS), and prints for each the longest time that a message sent by another process has waited, and the
 // viewer's private memory. With FOLDER exports of all kinds and splitting follow, each ended with Esc; what they leave
-// in FOLDER, and beside the recording, is the user's to look at.
+// in FOLDER, and beside the recording, is the user's to look at. With KIND, a number from 0, only that export is made,
+// and ended by closing the window.
 #include "base/win/Win32.h"
 
 #include <psapi.h>
@@ -77,8 +78,18 @@ HWND WaitForDialog(HWND window) {
     return nullptr;
 }
 
-/// Gives a command, agrees to its dialog with this name in it, if any, watches the work, and ends it with Esc.
-double WatchExport(HWND window, int command, const std::wstring& name, double duration) {
+/// The dialog in front that is not one of these, agreed to as soon as it is seen.
+void AgreeToQuestion(HWND window, HWND dialog) {
+    for (const double end = Milliseconds() + 300.0; Milliseconds() < end; Sleep(10)) {
+        const HWND question = GetLastActivePopup(window);
+        if (question != nullptr && question != dialog && question != window && IsWindowVisible(question))
+            PostMessageW(question, WM_COMMAND, IDYES, 0);
+    }
+}
+
+/// Gives a command, agrees to its dialog with this name in it, if any, watches the work, and ends it with Esc or by
+/// closing the window.
+double WatchExport(HWND window, int command, const std::wstring& name, double duration, bool closes) {
     constexpr int nameBox = 0x47C;  // the edit control inside the combo box of names
     PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(command), 0);
     const HWND dialog = WaitForDialog(window);
@@ -86,12 +97,13 @@ double WatchExport(HWND window, int command, const std::wstring& name, double du
         SendDlgItemMessageW(dialog, nameBox, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name.c_str()));
     if (dialog != nullptr) PostMessageW(dialog, WM_COMMAND, IDOK, 0);
     // Whether files may be replaced.
-    for (const double end = Milliseconds() + 300.0; dialog != nullptr && Milliseconds() < end; Sleep(10)) {
-        const HWND question = GetLastActivePopup(window);
-        if (question != dialog && question != window && IsWindowVisible(question))
-            PostMessageW(question, WM_COMMAND, IDYES, 0);
-    }
+    if (dialog != nullptr) AgreeToQuestion(window, dialog);
     const double longest = LongestWait(window, duration);
+    if (closes) {
+        PostMessageW(window, WM_CLOSE, 0, 0);
+        AgreeToQuestion(window, dialog);
+        return longest;
+    }
     PostMessageW(name.empty() && dialog != nullptr ? dialog : window, WM_KEYDOWN, VK_ESCAPE, 0);
     return std::max(longest, LongestWait(window, 500.0));
 }
@@ -162,12 +174,14 @@ int wmain(int count, wchar_t** arguments) {
         CloseDialog(window);
         alive = tell(step.name, longest);
     }
+    const int only = count > 5 ? _wtoi(arguments[5]) : -1;
     for (const Export& each : exports) {
         if (!alive || count < 5) break;
+        if (only >= 0 && &each != &exports[only]) continue;
         const std::wstring name =
             *each.file == L'\0' ? std::wstring() : arguments[4] + (L'\\' + std::wstring(each.file));
-        alive = tell(each.name, WatchExport(window, each.command, name, seconds * 1000.0));
-        CloseDialog(window);
+        alive = tell(each.name, WatchExport(window, each.command, name, seconds * 1000.0, only >= 0));
+        if (only < 0) CloseDialog(window);
     }
     std::printf("%-24s %8.0f ms\n", "longest", worst);
     PostMessageW(window, WM_CLOSE, 0, 0);
