@@ -19,7 +19,7 @@ constexpr double kBarPart = 0.6;
 /// Lengths of a strip in pixels.
 struct Measures {
     explicit Measures(const LaneStrip& strip)
-        : margin(Scaled(strip, 4)), gap(Scaled(strip, 4)), tick(Scaled(strip, 3)), line(strip.sizeOf(u"0").height) {}
+        : margin(Scaled(strip, 6)), gap(Scaled(strip, 4)), tick(Scaled(strip, 3)), line(strip.sizeOf(u"0").height) {}
     static std::int32_t Scaled(const LaneStrip& strip, int length) { return (length * strip.dpi + 48) / 96; }
     std::int32_t margin;
     std::int32_t gap;   ///< between texts
@@ -47,12 +47,14 @@ std::u16string FactorText(const LaneScales& scales, const LaneChannel& channel, 
     return step == 0 ? std::u16string() : u'x' + SingleNumberText(StepValue(step), separator);
 }
 
-/// The bar of a lane between two rows.
+/// The bar of a lane below a row, with the room that the lowest lane has. Heights of lanes differ by a row; bars of one
+/// scale are the same.
 std::optional<ScaleBar> MakeBar(const LaneStrip& strip, const Measures& measures, const Lane& lane,
-                                const LaneChannel& channel, std::int32_t top, std::int32_t end) {
+                                const LaneChannel& channel, std::int32_t top, std::int32_t lowest) {
+    const std::int32_t end = lane.End() - 2;
     const double unit = strip.rawCodes ? static_cast<double>(AmplitudeScale::kCodesPerUnit) : 1.0;
     const double rowsPerBase = AmplitudeScale::kDivision / (lane.unitsPerDivision * unit * channel.group.factor);
-    const double most = std::min(kBarPart * lane.height, static_cast<double>(end - top));
+    const double most = std::min(kBarPart * lowest, static_cast<double>(end - top - (lane.height - lowest)));
     const double value = StepValue(StepWithin(most / rowsPerBase));
     const double rows = std::nearbyint(value * rowsPerBase);
     if (!(rows >= 1.0 && rows <= most) || end - top < measures.line) return std::nullopt;
@@ -87,6 +89,10 @@ std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& ch
     const Measures measures(strip);
     const std::vector<LaneChannel> all = channels.Channels();
     std::vector<LaneLabel> labels;
+    const auto lowest =
+        std::min_element(lanes.begin(), lanes.end(), [](const Lane& a, const Lane& b) { return a.height < b.height; });
+    // All lanes have a bar, or none.
+    const bool hasBar = lowest != lanes.end() && lowest->height - 1 >= 3 * measures.line + measures.gap;
     for (const Lane& lane : lanes) {
         if (lane.channels.empty()) continue;
         LaneLabel label{.channel = lane.channels.front()};
@@ -95,7 +101,6 @@ std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& ch
         // The line between lanes is part of the lower one.
         const std::int32_t top = lane.top + 1;
         const std::int32_t rows = lane.End() - top;
-        const bool hasBar = rows >= 3 * measures.line + measures.gap;
         const std::int32_t y = hasBar ? top + 1 : top + (rows - measures.line) / 2;
         std::int32_t room = strip.width - 2 * measures.margin;
         if (rows < measures.line) room = -1;
@@ -115,7 +120,7 @@ std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& ch
             label.factor.x = label.title.x + label.title.size.width + measures.gap;
             label.factor.y = y;
         }
-        if (hasBar) label.bar = MakeBar(strip, measures, lane, all[at], y + measures.line, lane.End() - 2);
+        if (hasBar) label.bar = MakeBar(strip, measures, lane, all[at], y + measures.line, lowest->height);
         labels.push_back(std::move(label));
     }
     return labels;

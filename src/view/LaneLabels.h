@@ -51,7 +51,7 @@ struct LaneStrip {
 /// Width of the strip in which the titles of all channels of the block have room.
 [[nodiscard]] std::int32_t WantedWidth(const ChannelLanes& channels, const LaneStrip& strip);
 
-/// The labels of the visible lanes, from top to bottom. Every lane has its title, and where it is higher than about
+/// The labels of the visible lanes, from top to bottom. Every lane has its title, and where all are higher than about
 /// three lines a bar of the largest 1-2-5 value that takes up to 60 % of it. No text or bar lies over another or
 /// outside its lane; what has no room there is left out.
 [[nodiscard]] std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& channels,

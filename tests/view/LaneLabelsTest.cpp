@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <set>
 
 #include "base/Text.h"
 #include "support/FakeRecording.h"
@@ -137,6 +138,30 @@ TEST_F(LaneLabelsTest, NothingLiesOverAnotherAndTheHitTestAgrees) {
     EXPECT_GT(bars, 30U);
     EXPECT_GT(cut, 30U);
     EXPECT_GT(factors, 30U);
+}
+
+TEST_F(LaneLabelsTest, LanesOfOneScaleLookAlikeThoughTheirHeightsDifferByARow) {
+    std::mt19937 random(5);
+    const auto sizeOf = [](const std::u16string& text) {
+        return TextSize{static_cast<std::int32_t>(6 * text.size()), 13};
+    };
+    Load(8, random);
+    m_view.SetRawCodes(true);
+    m_view.Arrange(300, 400);
+    const ChannelLanes& channels = m_view.LanesOfChannels();
+    for (std::size_t lane = 0; lane < 8; ++lane)
+        m_view.ZoomChannel(lane, -channels.Scales().OwnOf(channels.Channels()[lane]).step);
+    std::set<std::size_t> with;
+    for (std::int32_t height = 240; height < 560; ++height) {
+        m_view.Arrange(300, height);
+        std::set<std::u16string> bars;
+        for (const LaneLabel& label : LaneLabels(m_document.Block(), channels, m_view.GetLanes(),
+                                                 {.width = 150, .rawCodes = true, .sizeOf = sizeOf}))
+            bars.insert(label.bar ? label.bar->text.text : std::u16string());
+        EXPECT_EQ(bars.size(), 1U) << height;
+        with.insert(bars.begin()->size());
+    }
+    EXPECT_GT(with.size(), 1U) << "lanes with and without bars";
 }
 
 }  // namespace
