@@ -65,7 +65,7 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuSaveAs || id == mnuFastExport || id == mnuSplit || Within(id, mnuCopy, 2))
         return state.sampleCount > 0;
     if (Within(id, mnuSoundPlay, 2)) return state.soundDevices > 0 && state.sampleCount > 0;
-    if (id == mnuSelect + 2) return state.hasSelection || state.playing;
+    if (id == mnuSelect + 2) return state.hasSelection || state.playing || state.stoppable;
     if (id == mnuView || id == mnuStatistics) return state.hasSelection;
     if (id == mnuView + 2) return state.hasHistory;
     if (Within(id, mnuMark, 2)) return state.hasMarks;

@@ -24,6 +24,7 @@ struct CommandState {
     bool spectrogramShown = false;
     bool lanes = false;      ///< chosen
     bool usesLanes = false;  ///< and the block has several channels
+    bool stoppable = false;  ///< what "Status" tells is being read, or a lane is dragged: Esc ends that
     bool negativeUp = false;
     bool clipToLanes = false;
     std::int16_t soundDevices = 0;

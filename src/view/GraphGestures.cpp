@@ -9,9 +9,24 @@ bool GraphGestures::IsBeside() const {
     return m_kind == Kind::Select && (m_x < 0 || m_x >= m_view.Axis().Width());
 }
 
-std::int64_t GraphGestures::ZeroRow() const {
+std::optional<std::size_t> GraphGestures::DraggedLane() const {
     const Lanes& lanes = m_view.GetLanes();
-    return lanes[std::min(m_lane, lanes.size() - 1)].zeroRow;
+    if (!m_view.UsesLanes()) return 0;
+    for (std::size_t lane = 0; lane < lanes.size(); ++lane) {
+        if (!lanes[lane].channels.empty() && lanes[lane].channels.front() == m_channel) return lane;
+    }
+    return std::nullopt;
+}
+
+std::int64_t GraphGestures::ZeroRow() const {
+    return m_view.GetLanes()[DraggedLane().value_or(0)].zeroRow;
+}
+
+bool GraphGestures::DropsFromAbove() const {
+    const std::vector<std::int16_t>& drop = m_view.GetLanes()[DropLane()].channels;
+    const std::vector<std::int16_t> order = m_view.LanesOfChannels().Order();
+    return !drop.empty() &&
+           std::find(order.begin(), order.end(), m_channel) < std::find(order.begin(), order.end(), drop.front());
 }
 
 ViewChange GraphGestures::Press(GraphButton button, GraphZone zone, const GraphPointer& pointer) {
@@ -19,7 +34,8 @@ ViewChange GraphGestures::Press(GraphButton button, GraphZone zone, const GraphP
     m_x = pointer.x;
     m_y = pointer.y;
     m_column = m_view.Axis().FirstColumn();
-    m_lane = m_view.LaneAt(pointer.y);
+    const std::vector<std::int16_t>& channels = m_view.GetLanes()[m_view.LaneAt(pointer.y)].channels;
+    m_channel = m_view.UsesLanes() && !channels.empty() ? channels.front() : std::int16_t{0};
     m_zeroRow = ZeroRow();
     if (zone == GraphZone::AmplitudeScale || (zone == GraphZone::LaneTitles && !m_view.UsesLanes())) {
         if (button == GraphButton::Left) m_kind = Kind::BaseLine;
@@ -47,7 +63,12 @@ ViewChange GraphGestures::Move(const GraphPointer& pointer) {
             return m_view.SelectTo(SampleUnder(m_view.Axis(), column));
         }
         case Kind::Pan: return m_view.Move(m_column - (pointer.x - m_x) - m_view.Axis().FirstColumn(), rows);
-        case Kind::BaseLine: return m_view.UsesLanes() ? m_view.MoveLane(m_lane, rows) : m_view.MoveBaseLine(rows);
+        case Kind::BaseLine: {
+            if (!m_view.UsesLanes()) return m_view.MoveBaseLine(rows);
+            // The wheel may have scrolled the lane out of sight.
+            const std::optional<std::size_t> lane = DraggedLane();
+            return lane ? m_view.MoveLane(*lane, rows) : ViewChange{};
+        }
         case Kind::Title: m_y = pointer.y; break;
         case Kind::None: break;
     }
@@ -58,7 +79,7 @@ ViewChange GraphGestures::Release(const GraphPointer& pointer) {
     ViewChange change;
     // A release outside the graph ends the drag at its last shown position.
     if (m_kind == Kind::Select) change = Move(pointer);
-    if (m_kind == Kind::Title) change = m_view.DragTitle(m_lane, m_view.LaneAt(pointer.y));
+    if (m_kind == Kind::Title) change = m_view.DragTitle(m_channel, m_view.LaneAt(pointer.y));
     change |= Cancel();
     return change;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "view/WaveformView.h"
 
@@ -42,9 +43,9 @@ class GraphGestures {
     /// Starts a gesture if none is under way; Current() returns which one.
     ViewChange Press(GraphButton button, GraphZone zone, const GraphPointer& pointer);
     ViewChange Move(const GraphPointer& pointer);
-    /// The lane whose scale or title is dragged, and the one at whose place a dragged title would be dropped.
-    [[nodiscard]] std::size_t DraggedLane() const { return m_lane; }
+    /// The lane at whose place a dragged title would be dropped, and whether it comes from above that.
     [[nodiscard]] std::size_t DropLane() const { return m_view.LaneAt(m_y); }
+    [[nodiscard]] bool DropsFromAbove() const;
     /// Ends the gesture; an empty selection is removed, a dragged lane is dropped.
     ViewChange Release(const GraphPointer& pointer);
     /// Ends the gesture at its last position.
@@ -56,6 +57,8 @@ class GraphGestures {
     ViewChange AutoScroll();
 
   private:
+    /// Lane of the dragged channel; none while it is out of sight.
+    [[nodiscard]] std::optional<std::size_t> DraggedLane() const;
     [[nodiscard]] std::int64_t ZeroRow() const;
     ViewChange Zoom(int notches, GraphZone zone, const GraphPointer& pointer);
 
@@ -64,8 +67,8 @@ class GraphGestures {
     std::int32_t m_x = 0;  ///< where a drag began; of a selection or title, where the pointer is
     std::int32_t m_y = 0;
     std::int32_t m_column = 0;   ///< first column of the view, where the drag began
-    std::size_t m_lane = 0;      ///< lane where the drag began
-    std::int64_t m_zeroRow = 0;  ///< its zero row then
+    std::int16_t m_channel = 0;  ///< of the lane where the drag began; 0 on one axis
+    std::int64_t m_zeroRow = 0;  ///< of that lane then
     int m_wheelRest = 0;
 };
 

@@ -270,8 +270,7 @@ ViewChange WaveformView::ScrollLanes(std::int32_t lanes) {
     return UsesLanes() && m_channelLanes.Scroll(lanes) ? Redraw() : ViewChange{};
 }
 
-ViewChange WaveformView::DragTitle(std::size_t from, std::size_t to) {
-    const std::int16_t channel = ChannelOf(from);
+ViewChange WaveformView::DragTitle(std::int16_t channel, std::size_t to) {
     const std::int16_t target = ChannelOf(to);
     if (channel == 0 || target == 0 || channel == target) return {};
     Push();

@@ -108,8 +108,8 @@ class WaveformView {
     /// Fits a lane's channel alone to what is visible of it.
     ViewChange FitLane(std::size_t lane);
     ViewChange ScrollLanes(std::int32_t lanes);
-    /// Moves a lane to the place of another.
-    ViewChange DragTitle(std::size_t from, std::size_t to);
+    /// Moves the lane of a channel to the place of another.
+    ViewChange DragTitle(std::int16_t channel, std::size_t to);
     /// The next or previous mark, searched from the target of the last GoTo while the view has not changed since, else
     /// from the middle of the view.
     [[nodiscard]] std::optional<std::int32_t> MarkFrom(bool next) const;

@@ -89,7 +89,7 @@ class LanesTest : public ::testing::Test {
             case 5: m_view.FindData(); break;
             case 6: m_view.FitLane(static_cast<std::size_t>(Any(9))); break;
             case 7: m_view.ScrollLanes(Any(9) - 4); break;
-            case 8: m_view.DragTitle(static_cast<std::size_t>(Any(9)), static_cast<std::size_t>(Any(9))); break;
+            case 8: m_view.DragTitle(static_cast<std::int16_t>(Any(9)), static_cast<std::size_t>(Any(9))); break;
             case 9: Any(4) == 0 ? m_view.SetLanes(Any(4) != 0) : m_view.SetBipolar(); break;
             case 10: Any(2) == 0 ? m_view.SetClip(Any(2) == 0) : m_view.SetNegativeUp(Any(2) == 0); break;
             default: m_view.SelectZoomX(Any(8));
@@ -297,7 +297,7 @@ TEST_F(LanesTest, WhatWasChosenStaysWhileFilesOfTheSameTitlesAreWalkedThrough) {
     m_view.ZoomGroup(0, -1);
     m_view.ZoomChannel(2, 2);
     m_view.MoveLane(1, 12);
-    m_view.DragTitle(3, 0);
+    m_view.DragTitle(4, 0);
     m_view.DragTitle(1, 2);
     m_view.SetClip(true);
     m_view.SetNegativeUp(true);
@@ -371,6 +371,19 @@ TEST_F(LanesTest, TheMouseActsOnTheLaneUnderIt) {
     EXPECT_EQ(channels(), 1) << "two lanes further";
     m_gestures.Wheel(GraphGestures::kNotch, GraphZone::LaneTitles, {.y = 5});
     EXPECT_EQ(channels(), 3);
+    // A title may be carried beyond the visible lanes by the wheel.
+    m_gestures.Press(GraphButton::Left, GraphZone::LaneTitles, {.y = 5});
+    m_gestures.Wheel(-3 * GraphGestures::kNotch, GraphZone::LaneTitles, {.y = 5});
+    EXPECT_TRUE(m_gestures.DropsFromAbove());
+    m_gestures.Release({.y = 5});
+    EXPECT_EQ(channels(), 3) << "dropped at the fifth place";
+    m_gestures.Press(GraphButton::Left, GraphZone::AmplitudeScale, {.y = 5});
+    const std::int64_t next = zeroRow(1);
+    m_gestures.Wheel(-GraphGestures::kNotch, GraphZone::AmplitudeScale, {.y = 5});
+    m_gestures.Move({.y = 25});
+    m_gestures.Cancel();
+    EXPECT_EQ(zeroRow(0), next - 30) << "the lane that is dragged is out of sight";
+    m_gestures.Wheel(4 * GraphGestures::kNotch, GraphZone::LaneTitles, {.y = 5});
     const double before = m_view.GetLanes()[0].unitsPerDivision;
     m_gestures.Wheel(GraphGestures::kNotch, GraphZone::Traces, {.y = 100, .shift = true, .alt = true});
     EXPECT_EQ(m_view.GetLanes()[0].unitsPerDivision, before);

@@ -297,7 +297,8 @@ bool GraphPane::GraphMouse(UINT message, WPARAM wParam, const GraphPointer& poin
 
 bool GraphPane::ScaleYMouse(UINT message, const GraphPointer& pointer) {
     if (HasSamples() && m_view.UsesLanes()) return m_titles.Mouse(m_scaleY.Window(), message, pointer);
-    const bool drags = m_gestures.Current() == GraphGestures::Kind::BaseLine;
+    // Lanes may have been turned off while a title was dragged.
+    const bool drags = HasGesture();
     if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
         Press(m_scaleY.Window(), GraphButton::Left, GraphZone::AmplitudeScale, pointer);
     } else if (message == WM_MOUSEMOVE && drags) {

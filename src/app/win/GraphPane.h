@@ -45,9 +45,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     std::function<bool()> onBusy;  ///< whether mouse input is ignored now (a command runs)
     std::function<void(const std::exception& error)> onFailed;
 
-    /// The graph, which the first waveform needs.
+    /// The graph, which the first waveform needs; then scales and zoom control. Scroll bars are made by their parent.
     [[nodiscard]] bool CreateGraph(HWND parent);
-    /// The scales and the zoom control; the scroll bars are made by their parent.
     [[nodiscard]] bool CreateRest(HWND parent);
     [[nodiscard]] HWND Graph() const { return m_graph.Window(); }
     [[nodiscard]] HWND ScaleX() const { return m_scaleX.Window(); }
@@ -63,8 +62,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// Text shown in a graph without traces.
     void SetNotice(GraphNotice notice);
 
-    /// Chooses scales for the block where its data are not readable at the present ones. Where reading them takes long
-    /// that happens once they are drawn.
+    /// Chooses scales for a block that is not readable at the present ones; once it is drawn if reading takes long.
     void FitScales();
     /// Draws some of the columns that are missing; false when none is.
     bool DrawMore();
@@ -97,6 +95,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
 
     [[nodiscard]] bool HasGesture() const { return m_gestures.Current() != GraphGestures::Kind::None; }
     void EndGesture();
+    /// Whether a lane is dragged by its title; ReleaseCapture leaves it where it is.
+    [[nodiscard]] bool DragsLane() const { return m_gestures.Current() == GraphGestures::Kind::Title; }
     /// Another command is about to use the selection: ends the gesture that changes it.
     void EndSelecting();
     void Wheel(int delta, GraphZone zone, const GraphPointer& pointer);

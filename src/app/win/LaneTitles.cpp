@@ -62,9 +62,8 @@ void LaneTitles::Paint(HDC dc, const RECT& client) const {
         PaintLane(dc, client, lanes[at], labels[at]);
     if (m_gestures.Current() != GraphGestures::Kind::Title || m_gestures.DropLane() >= lanes.size()) return;
     // Where a dragged lane would be dropped.
-    const bool down = m_gestures.DropLane() > m_gestures.DraggedLane();
     const Lane& target = lanes[m_gestures.DropLane()];
-    const int row = down ? target.End() - 2 : target.top;
+    const int row = m_gestures.DropsFromAbove() ? target.End() - 2 : target.top;
     FillWith(dc, {0, row, client.right, row + 2}, GetSysColor(COLOR_HIGHLIGHT));
 }
 
@@ -79,9 +78,11 @@ void LaneTitles::PaintLane(HDC dc, const RECT& client, const Lane& lane, const L
     if (!label.bar) return;
     const ScaleBar& bar = *label.bar;
     // Caps at its ends say that it is a measure.
-    FillWith(dc, {bar.x, bar.top, bar.x + 1, bar.end}, kBarColor);
-    FillWith(dc, {bar.x - 2, bar.top, bar.x + 3, bar.top + 1}, kBarColor);
-    FillWith(dc, {bar.x - 2, bar.end - 1, bar.x + 3, bar.end}, kBarColor);
+    const int line = std::max(MulDiv(1, ScreenDpi(), 96), 1);
+    const int cap = 2 * line;
+    FillWith(dc, {bar.x, bar.top, bar.x + line, bar.end}, kBarColor);
+    FillWith(dc, {bar.x - cap, bar.top, bar.x + line + cap, bar.top + line}, kBarColor);
+    FillWith(dc, {bar.x - cap, bar.end - line, bar.x + line + cap, bar.end}, kBarColor);
     DrawStripText(dc, bar.text, kBarColor);
 }
 
@@ -145,7 +146,7 @@ bool LaneTitles::Mouse(HWND strip, UINT message, const GraphPointer& pointer) {
             ReleaseCapture();
             return Invalidate(strip), true;
         case WM_SETCURSOR: return SetPointer(strip), true;
-        case WM_CAPTURECHANGED: return onCancel(), false;
+        case WM_CAPTURECHANGED: return onCancel(), Invalidate(strip), false;
         default: return false;
     }
 }

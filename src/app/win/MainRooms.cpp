@@ -121,7 +121,7 @@ void MainRooms::WireCommands() {
         ViewChanged(change);
     };
     commands.onHistory = [this] { UpdateState(); };
-    commands.onStop = [this] { return slices.DropCurrent(); };
+    commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };
     commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
     dialogs.onHelp = [this] { onHelp(); };
@@ -188,7 +188,10 @@ void MainRooms::Close() {
 }
 
 CommandState MainRooms::State() const {
-    return StateOf(m_document, view, playback, m_parts.settings, browser.FileCount(), browser.SelectedPosition());
+    CommandState state =
+        StateOf(m_document, view, playback, m_parts.settings, browser.FileCount(), browser.SelectedPosition());
+    state.stoppable = graph.DragsLane() || slices.work.Current().has_value();
+    return state;
 }
 
 void MainRooms::UpdateState() {

@@ -84,6 +84,27 @@ TEST_F(LanesTest, TitlesAndScalesAreWorkedByTheMouse) {
     EXPECT_THAT(Wide(m_form->ValuesText()), HasSubstr(L"Signal 1:"));
 }
 
+TEST_F(LanesTest, ADragOfATitleEndsWithoutAnEffectByEscAndWithTheLanes) {
+    StartWith(4);
+    for (const WPARAM key : {WPARAM{VK_ESCAPE}, WPARAM{'L'}}) {
+        Mouse(pbScaleY, WM_LBUTTONDOWN, Title(0), MK_LBUTTON);
+        Mouse(pbScaleY, WM_MOUSEMOVE, Title(2), MK_LBUTTON);
+        const Pixels dragged = Capture(pbScaleY);
+        Key(key);
+        EXPECT_NE(Capture(pbScaleY), dragged) << "shows no longer where it would be dropped";
+        Mouse(pbScaleY, WM_LBUTTONUP, {8, 200});
+        Pump();
+        EXPECT_THAT(Order(), ElementsAre(1, 2, 3, 4)) << key;
+        EXPECT_EQ(GetCapture(), nullptr);
+        Mouse(pbGraph, WM_LBUTTONDOWN, {50, 50}, MK_LBUTTON);
+        Mouse(pbGraph, WM_MOUSEMOVE, {90, 50}, MK_LBUTTON);
+        Mouse(pbGraph, WM_LBUTTONUP, {90, 50});
+        EXPECT_TRUE(View().Selected().active) << "the next drag selects";
+        Key(VK_ESCAPE);
+        EXPECT_FALSE(View().Selected().active);
+    }
+}
+
 TEST_F(LanesTest, WhatDoesNotFitIsReachedByBarKeysAndWheel) {
     const auto range = [&] {
         SCROLLINFO info{};
