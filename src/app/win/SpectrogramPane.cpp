@@ -136,10 +136,12 @@ void SpectrogramPane::PaintScale(HDC dc, const RECT& client) {
     const FrequencyScaleMarks marks = FrequencyMarks(static_cast<int>(client.bottom), m_document.Block().sampleRate,
                                                      m_format, m_painter.LabelHeight());
     const auto number = static_cast<std::size_t>(m_fft.State().deviceChannel);
+    const std::u16string& title = m_document.Slots()[number].title;
     // Lanes name channels by their titles.
-    const std::u16string caption = m_view.UsesLanes() ? m_document.Slots()[number].title + u", " + marks.unit
-                                                      : FrequencyCaption(m_services.Text(IDS_CHANNEL),
-                                                                         m_fft.State().deviceChannel + 1, marks.unit);
+    const std::u16string caption =
+        m_view.UsesLanes() && !title.empty()
+            ? title + u", " + marks.unit
+            : FrequencyCaption(m_services.Text(IDS_CHANNEL), m_fft.State().deviceChannel + 1, marks.unit);
     m_painter.PaintScale(dc, client, marks, caption);
 }
 
