@@ -40,8 +40,9 @@ void Panel::PaintTable(HDC dc, const RECT& place) {
             GetTextExtentPoint32W(dc, Wide(text).c_str(), static_cast<int>(text.size()), &size);
             return static_cast<std::int32_t>(size.cx);
         };
-        table = ArrangeCells(lines, width, static_cast<int>(place.bottom - place.top),
-                             {static_cast<int>(metrics.tmHeight), static_cast<int>(metrics.tmAveCharWidth), widthOf});
+        table = ArrangeCells(
+            lines, width, static_cast<int>(place.bottom - place.top),
+            {static_cast<int>(metrics.tmHeight), static_cast<int>(metrics.tmAveCharWidth) * 3 / 2, widthOf});
     }
     const SelectScope select(dc, font.Get());
     for (const SeenCell& cell : SeenCells(lines, table, width, m_first)) {
