@@ -106,8 +106,8 @@ std::u16string ZoomCaption(int index) {
 }
 
 std::u16string CodesText(double codes, char16_t separator) {
-    // Below one code the patterns of scales have no digits.
-    return codes < 1.0 ? SingleNumberText(codes, separator) : AmplitudeText(codes, codes, true, separator);
+    // The patterns of scales count in thousands.
+    return codes < 1000.0 ? SingleNumberText(codes, separator) : AmplitudeText(codes, codes, true, separator);
 }
 
 std::u16string ScaleCaption(int index, bool rawCodes, char16_t separator) {

@@ -46,7 +46,7 @@ struct MarkLine {
 /// "1:1", "500:1", "2k:1": the X zoom as the menu and the zoom button show it.
 [[nodiscard]] std::u16string ZoomCaption(int index);
 
-/// A number of codes: "20", "0.5 k".
+/// A number of codes: "500", "5 k".
 [[nodiscard]] std::u16string CodesText(double codes, char16_t separator);
 
 /// Units or codes per division of a Y scale as the menu shows it: "0.05", "10 k".
