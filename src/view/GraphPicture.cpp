@@ -157,6 +157,7 @@ void GraphPicture::DrawMissing(const GraphScene& scene) {
         DrawBackground(scene, run.left, run.right + 1);
         for (std::int32_t row = std::max(m_height - kMissingRows, 0); row < m_height; ++row)
             std::fill_n(Row(row) + run.left, run.right + 1 - run.left, kMissingColor);
+        if (AreTextsAbove(scene) && onMarkTexts) onMarkTexts(scene, run.left, run.right + 1);
     }
     FindOutside(scene);
 }
@@ -173,6 +174,7 @@ std::optional<ColumnBand> GraphPicture::DrawNext(const GraphScene& scene, const 
     DrawBackground(scene, run.left, end);
     m_traces.Draw(scene, run.left, end);
     m_traces.Compose(m_pixels);
+    if (AreTextsAbove(scene) && onMarkTexts) onMarkTexts(scene, run.left, end);
     m_missing.Set(run.left, end, false);
     return ColumnBand{run.left, end - 1};
 }
@@ -197,7 +199,7 @@ std::optional<ColumnBand> GraphPicture::DrawMore(const GraphScene& scene) {
 void GraphPicture::DrawBackground(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     DrawGrid(scene, from, to);
     DrawMarkLines(scene, from, to);
-    if (onMarkTexts) onMarkTexts(scene, from, to);
+    if (!AreTextsAbove(scene) && onMarkTexts) onMarkTexts(scene, from, to);
 }
 
 void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to) {

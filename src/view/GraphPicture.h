@@ -22,6 +22,11 @@ inline constexpr std::int32_t kMissingRows = 2;
 /// How long a picture goes on reading before the rest is left to slices.
 inline constexpr std::chrono::milliseconds kPatience{10};
 
+/// Whether texts of marks lie over the traces: in lanes the first one has them across its trace.
+[[nodiscard]] inline bool AreTextsAbove(const GraphScene& scene) {
+    return !scene.lanes.empty() && scene.lanes.front().single;
+}
+
 /// Bands that invert the lightness of the image below them.
 enum class GraphBand { Selection, Cursor, Play, Count };
 
@@ -38,7 +43,8 @@ struct EdgeArrow {
 /// trace of it.
 class GraphPicture {
   public:
-    /// Draws the texts of the marks into columns from .. to-1, over their lines and under the traces.
+    /// Draws the texts of the marks into columns from .. to-1, over their lines and under the traces; where
+    /// AreTextsAbove, over the traces.
     std::function<void(const GraphScene& scene, std::int32_t from, std::int32_t to)> onMarkTexts;
 
     /// `pixels`: 0xRRGGBB, rows of that width from the top, of any content; null and 0 for an image of no size.

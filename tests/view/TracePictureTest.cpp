@@ -178,11 +178,26 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
         Image image(static_cast<std::size_t>(kWidth * kHeight)), expected(image.size());
         scrolled.SetPixels(image.data(), kWidth, kHeight);
         anew.SetPixels(expected.data(), kWidth, kHeight);
+        // Texts of marks lie over the traces.
+        constexpr std::uint32_t textColor = 0x123456;
+        const auto isText = [&](std::int32_t column) { return (noise.axis.FirstColumn() + column) % 40 < 9; };
+        const auto drawTexts = [&](Image& pixels) {
+            return [&](const GraphScene&, std::int32_t from, std::int32_t to) {
+                for (std::int32_t column = from; column < to; ++column) {
+                    for (std::size_t row = 0; isText(column) && row < 14; ++row)
+                        pixels[row * kWidth + static_cast<std::size_t>(column)] = textColor;
+                }
+            };
+        };
+        scrolled.onMarkTexts = drawTexts(image);
+        anew.onMarkTexts = drawTexts(expected);
         scrolled.Draw(scene);
         for (int step = 0; step < 4; ++step) {
             scrolled.Scroll(scene, noise.axis.ScrollBy(some(700) - 350));
             anew.Draw(scene);
             ASSERT_TRUE(image == expected) << round;
+            for (std::int32_t column = 0; column < kWidth; ++column)
+                ASSERT_TRUE(!isText(column) || image[static_cast<std::size_t>(5 * kWidth + column)] == textColor);
         }
         if (noise.axis.Visible().count < 1) continue;
         for (std::size_t at = 0; at < channels; ++at) {

@@ -67,7 +67,8 @@ void GraphPainter::DrawMarkTexts(const GraphScene& scene, int from, int to) cons
     const ClipScope clip(dc, {from, 0, to, m_picture.Height()});
     const SelectScope font(dc, m_font.Get());
     SetTextColor(dc, kMarkColor);
-    SetBkMode(dc, TRANSPARENT);
+    SetBkMode(dc, AreTextsAbove(scene) ? OPAQUE : TRANSPARENT);
+    SetBkColor(dc, kWhite);
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
         const std::wstring text = Wide(MarkText(scene.block, line));
         if (text.empty()) continue;
