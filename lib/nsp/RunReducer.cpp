@@ -42,7 +42,8 @@ void PlanarRunReducer::Finish() {
     m_filled = 0;
 }
 
-PlanarSetReducer::PlanarSetReducer(std::int32_t run, std::span<ExtremePair* const> out, LaneCount lanes) {
+PlanarSetReducer::PlanarSetReducer(std::int32_t run, std::span<ExtremePair* const> out,
+                                   [[maybe_unused]] LaneCount lanes) {
     if (run < 1) throw std::invalid_argument("a run has at least one sample");
     const auto length = static_cast<std::size_t>(run);
 #if QUILLON_SIXTEEN_LANES
@@ -62,7 +63,7 @@ void PlanarSetReducer::Finish() {
 }
 
 FrameRunReducer::FrameRunReducer(std::size_t channels, std::span<const std::size_t> selected, std::int32_t run,
-                                 std::span<ExtremePair* const> out, LaneCount lanes) {
+                                 std::span<ExtremePair* const> out, [[maybe_unused]] LaneCount lanes) {
     if (run < 1 || channels < 1 || selected.size() != out.size() ||
         std::any_of(selected.begin(), selected.end(), [&](std::size_t channel) { return channel >= channels; })) {
         throw std::invalid_argument("runs of frames");
