@@ -213,8 +213,10 @@ void frmQLMain::OnActivate(UINT state) {
                 OpenFirstFile();
             }
             UpdateWindow(m_rooms.graph.Graph());
-            // GDI batches drawing calls until the next message wait; flush them now.
+            // What is drawn is batched, and may be shown only while the program waits for messages: a wait of no
+            // length.
             GdiFlush();
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, 0, QS_ALLINPUT);
         } catch (const std::exception& error) {
             m_rooms.Failed(error);
         }
