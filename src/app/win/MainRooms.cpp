@@ -266,7 +266,8 @@ void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
     if (kept && view.Selected().active) m_values.TellRange();
     if (m_complete) slices.InitSpectrogram();
     slices.work.BlockLoaded();
-    if (lanes.TakeHint()) m_texts.TellOfLanes();
+    // Not while something else is told: it would be lost.
+    if (status.Message().empty() && lanes.TakeHint()) m_texts.TellOfLanes();
 }
 
 void MainRooms::ArrangeTitles() {
