@@ -42,12 +42,11 @@ ScrollBarValues ScrollBars::Amplitude() {
 
 ViewChange ScrollBars::ScrollTime(ScrollAction action, int thumb) {
     const TimeAxis& axis = m_view.Axis();
-    const std::int32_t page = axis.Width() - axis.Width() % TimeAxis::kDivision;
     switch (action) {
         case ScrollAction::LineBack: return m_view.ScrollBy(-kStep);
         case ScrollAction::LineOn: return m_view.ScrollBy(kStep);
-        case ScrollAction::PageBack: return m_view.ScrollBy(-page);
-        case ScrollAction::PageOn: return m_view.ScrollBy(page);
+        case ScrollAction::PageBack: return m_view.ScrollBy(axis.PageShift(1));
+        case ScrollAction::PageOn: return m_view.ScrollBy(axis.PageShift(2));
         case ScrollAction::Start: return m_view.ScrollBy(axis.PageShift(0));
         case ScrollAction::End: return m_view.ScrollBy(axis.PageShift(3));
         case ScrollAction::ThumbSet:

@@ -174,15 +174,11 @@ std::vector<std::optional<LaneSpan>> SeenSpans(RecordingBlock& block, const std:
     return spans;
 }
 
-TraceStretch StretchOf(const TimeAxis& axis) {
-    return {axis.Visible(), axis.SamplesPerPixel(), 0, axis.Width()};
-}
-
 }  // namespace
 
 void ChannelLanes::FitShown(const TimeAxis& axis, ExtremesCache& extremes) {
     const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
-    const TraceStretch stretch = StretchOf(axis);
+    const TraceStretch stretch = StretchOf(axis, 0, axis.Width());
     if (!block || stretch.samples.count < 1) return;
     std::vector<std::int16_t> wanted = Order();
     constexpr int pieces = 4;
@@ -197,7 +193,7 @@ void ChannelLanes::FitShown(const TimeAxis& axis, ExtremesCache& extremes) {
 
 void ChannelLanes::FitAlone(std::int16_t channel, const TimeAxis& axis, ExtremesCache& extremes) {
     const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
-    const TraceStretch stretch = StretchOf(axis);
+    const TraceStretch stretch = StretchOf(axis, 0, axis.Width());
     if (!block || stretch.samples.count < 1) return;
     const std::vector<LaneChannel> channels = Channels();
     const auto spans = SeenSpans(*block, channels, {channel}, stretch, extremes);

@@ -216,6 +216,17 @@ void ExtremesCache::DropOldest() {
     }
 }
 
+std::span<const RunExtremes> ExtremesCache::CellsFrom(std::int16_t channel, std::int32_t cell, std::int32_t end,
+                                                      std::int32_t size) {
+    const auto at = static_cast<std::size_t>(channel - 1);
+    if (size == kCoarseCell) return {m_coarse[at].data() + cell, static_cast<std::size_t>(end - cell)};
+    constexpr std::int32_t perChunk = kChunk / kCell;
+    Chunk& chunk = m_chunks.at(cell / perChunk);
+    chunk.used = ++m_clock;
+    const std::int32_t place = cell % perChunk;
+    return {chunk.fine[at].data() + place, static_cast<std::size_t>(std::min(end - cell, perChunk - place))};
+}
+
 bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                                    std::int32_t count, std::int32_t run, std::span<RunExtremes* const> out) {
     Prepare(block);

@@ -9,6 +9,7 @@
 
 #include "base/SampleSpan.h"
 #include "norvik/NorvikCore.h"
+#include "view/ColumnMemo.h"
 
 namespace quillon {
 
@@ -67,6 +68,12 @@ class ExtremesCache {
     /// undefined results, where the block does not reduce runs itself.
     bool ColumnExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                         std::int32_t count, std::int32_t run, std::span<RunExtremes* const> out);
+    /// Known cells of a channel that lie together: `cell` (from 0) and those behind it, at most up to `end`. Their size
+    /// is kCell or kCoarseCell.
+    [[nodiscard]] std::span<const RunExtremes> CellsFrom(std::int16_t channel, std::int32_t cell, std::int32_t end,
+                                                         std::int32_t size);
+    /// Columns of a free axis that were made of the block's samples.
+    [[nodiscard]] ColumnMemo& Columns() { return m_columns; }
     /// Bytes that the cells take.
     [[nodiscard]] std::size_t Bytes() const { return m_bytes; }
 
@@ -98,6 +105,7 @@ class ExtremesCache {
     Cells m_coarse;                                ///< of the whole block, unknown ones included
     std::vector<std::vector<bool>> m_coarseKnown;  ///< per channel and unit
     std::vector<RunExtremes> m_buffer;             ///< of one pass, channel after channel
+    ColumnMemo m_columns;
 };
 
 }  // namespace quillon

@@ -35,10 +35,11 @@ std::uint32_t Lighter(std::uint32_t rgb) {
 enum class GridRow { Empty, Between, Level, Zero, LaneZero, LaneEdge, Count };
 
 /// Rows of every kind from a division's first column on; one division longer than the graph, so that it may begin
-/// anywhere in them.
+/// anywhere in them. `lines`: the columns of vertical lines, where they do not lie at every division.
 using GridRows = std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(GridRow::Count)>;
 
-GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color) {
+GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color,
+                      const std::vector<std::int32_t>* lines) {
     GridRows rows;
     const auto length = static_cast<std::size_t>(width) + TimeAxis::kDivision;
     rows.fill(std::vector<std::uint32_t>(length, kWhite));
@@ -47,7 +48,11 @@ GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color) 
     std::fill(laneZero.begin(), laneZero.end(), kLaneZeroColor);
     std::fill(laneEdge.begin(), laneEdge.end(), kLaneEdgeColor);
     const std::uint32_t lighter = Lighter(color);
-    for (std::size_t at = 0; at < length; at += TimeAxis::kDivision) between[at] = lighter;
+    for (std::size_t at = 0; lines == nullptr && at < length; at += TimeAxis::kDivision) between[at] = lighter;
+    for (std::size_t at = 0; lines != nullptr && at < lines->size(); ++at) {
+        if (const std::int32_t line = (*lines)[at]; line >= 0 && line < static_cast<std::int32_t>(length))
+            between[static_cast<std::size_t>(line)] = lighter;
+    }
     const std::size_t step = style == GridStyle::Dots ? kDotStep : 1;
     for (std::size_t at = 0; at < length; at += step) level[at] = lighter;
     return rows;
@@ -203,8 +208,11 @@ void GraphPicture::DrawBackground(const GraphScene& scene, std::int32_t from, st
 }
 
 void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to) {
-    const GridRows rows = MakeGridRows(to - from, scene.gridStyle, scene.gridColor);
     const std::int32_t phase = (scene.axis.FirstColumn() + from) % TimeAxis::kDivision;
+    std::vector<std::int32_t> lines;
+    for (const std::int32_t column : scene.gridColumns) lines.push_back(column - from + phase);
+    const GridRows rows =
+        MakeGridRows(to - from, scene.gridStyle, scene.gridColor, scene.axis.IsFree() ? &lines : nullptr);
     const auto draw = [&](std::int32_t row, GridRow kind) {
         std::copy_n(rows[static_cast<std::size_t>(kind)].data() + phase, to - from, Row(row) + from);
     };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "data/QL_Types.h"
 #include "view/ExtremesCache.h"
@@ -21,6 +22,8 @@ struct GraphScene {
     bool foldOrigin = false;  ///< only below system version 4, see TraceGeometry
     GridStyle gridStyle = GridStyle::None;
     std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
+    /// Columns of the graph with lines of the grid on a free axis; else they lie at every division.
+    std::vector<std::int32_t> gridColumns{};
 };
 
 }  // namespace quillon

@@ -5,6 +5,8 @@
 #include <exception>
 
 #include "nsp/NspExtrema.h"
+#include "view/FreeColumns.h"
+#include "view/ReadableSamples.h"
 
 namespace quillon {
 
@@ -22,44 +24,6 @@ void AddRun(std::vector<TracePoint>& points, RunExtremes run) {
     const auto x = static_cast<std::int32_t>(points.size());
     points.push_back({x, run.first});
     points.push_back({x + 1, run.second});
-}
-
-/// `count` is at least 1.
-bool CanRead(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count) {
-    try {
-        std::vector<RunExtremes> ignored(channels.size());
-        std::vector<RunExtremes*> targets;
-        for (RunExtremes& each : ignored) targets.push_back(&each);
-        if (count > 1 && block.ColumnExtremes(channels, first, count, count, targets)) return true;
-        std::vector<std::int16_t> codes(static_cast<std::size_t>(count));
-        for (const std::int16_t channel : channels) block.ReadCodes(channel, first, count, codes.data());
-        return true;
-    } catch (const std::exception&) {
-        return false;
-    }
-}
-
-/// Number of samples from `first` on, at most `count`, that a truncated file still has; found by probing single
-/// samples.
-std::int32_t CountBeforeCut(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                            std::int32_t count) {
-    std::int32_t readable = 0;
-    for (std::int32_t end = count; readable < end;) {
-        const std::int32_t middle = readable + (end - readable) / 2;
-        CanRead(block, channels, first + middle, 1) ? readable = middle + 1 : end = middle;
-    }
-    return readable;
-}
-
-/// Number of readable samples from `first` on, at most `count`, before the first unreadable one.
-std::int32_t CountBeforeHole(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
-                             std::int32_t count) {
-    std::int32_t readable = 0;
-    for (std::int32_t end = count; readable + 1 < end;) {
-        const std::int32_t middle = readable + (end - readable) / 2;
-        CanRead(block, channels, first + readable, middle - readable) ? readable = middle : end = middle;
-    }
-    return readable;
 }
 
 std::int32_t RunCount(std::int32_t count, std::int32_t samplesPerPixel) {
@@ -134,10 +98,47 @@ SampleSpan SamplesFor(const TraceStretch& stretch) {
     return {static_cast<std::int32_t>(stretch.samples.first + skipped), static_cast<std::int32_t>(end - skipped)};
 }
 
+/// The columns of the strip whose points a part of a free axis needs: those beside it too, to which its lines lead.
+ColumnRange ColumnsFor(const TraceStretch& stretch) {
+    const std::int64_t first = stretch.free->firstColumn;
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    return {static_cast<std::int32_t>(std::max<std::int64_t>(first + stretch.fromColumn - 1, 0)),
+            static_cast<std::int32_t>(std::min(first + stretch.toColumn + 1, most))};
+}
+
+std::int32_t ApproachFree(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                          const TraceStretch& stretch) {
+    const ColumnGrid& grid = stretch.free->grid;
+    if (grid.ShowsEverySample() || channels.empty()) return stretch.toColumn;
+    const FreeColumns columns(block, extremes, grid);
+    const ColumnRange missing = extremes.Columns().Missing(grid, channels, columns.Limited(ColumnsFor(stretch)));
+    const double most = std::max(block.SamplesPerPiece() / grid.SamplesPerColumn(), 1.0);
+    const std::int32_t direct = most < stretch.toColumn - stretch.fromColumn
+                                    ? stretch.fromColumn + static_cast<std::int32_t>(most)
+                                    : stretch.toColumn;
+    if (missing.from >= missing.to) return stretch.toColumn;
+    if (!columns.AreOfCells()) return direct;
+    const SampleSpan wanted = columns.SamplesOf(missing);
+    const std::int32_t skipped = std::max(1 - wanted.first, 0);  // the first sample of a block is in no cell
+    const SampleSpan samples{wanted.first + skipped, wanted.count - skipped};
+    try {
+        if (!extremes.Fill(block, channels, samples, columns.CellRun(), ExtremesCache::Eviction::Allowed))
+            return direct;
+    } catch (const std::exception&) {
+        return direct;
+    }
+    const std::int32_t known = extremes.KnownTo(block, channels, samples, columns.CellRun());
+    if (known >= samples.End()) return stretch.toColumn;
+    // The last column that begins before is not known yet, and the one before it needs that as its neighbour.
+    const std::int64_t column = grid.FirstColumn(known) - 1 - stretch.free->firstColumn;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(column, stretch.fromColumn, stretch.toColumn));
+}
+
 }  // namespace
 
 std::int32_t TraceReader::Approach(RecordingBlock& block, ExtremesCache& extremes,
                                    std::span<const std::int16_t> channels, const TraceStretch& stretch) {
+    if (stretch.free) return ApproachFree(block, extremes, channels, stretch);
     const SampleSpan wanted = SamplesFor(stretch);
     if (wanted.count < 2 || channels.empty()) return stretch.toColumn;
     const std::int32_t perPixel = stretch.samplesPerPixel;
@@ -164,6 +165,7 @@ void TraceReader::Read(RecordingBlock& block, ExtremesCache& extremes, std::span
     if (m_points.size() < m_used) m_points.resize(m_used);
     for (std::size_t at = 0; at < m_used; ++at) m_points[at].clear();
     m_failure.clear();
+    if (stretch.free && !channels.empty()) return ReadFree(block, extremes, channels, stretch);
     const SampleSpan wanted = SamplesFor(stretch);
     if (wanted.count < 1 || channels.empty()) return;
     const std::int32_t skipped = wanted.first - stretch.samples.first;
@@ -217,6 +219,69 @@ void TraceReader::ReadPoints(RecordingBlock& block, ExtremesCache& extremes, std
         const std::int32_t readable = CountBeforeCut(block, channel, first, count);
         if (!draw(readable)) draw(CountBeforeHole(block, channel, first, readable));
     }
+}
+
+TraceStretch StretchOf(const TimeAxis& axis, std::int32_t fromColumn, std::int32_t toColumn) {
+    TraceStretch stretch{axis.Visible(), axis.SamplesPerPixel(), fromColumn, toColumn};
+    if (axis.IsFree()) stretch.free = {axis.Grid(), axis.FirstColumn()};
+    return stretch;
+}
+
+void TraceReader::ReadFree(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                           const TraceStretch& stretch) {
+    const ColumnGrid& grid = stretch.free->grid;
+    if (!grid.ShowsEverySample()) return ReadColumns(block, extremes, channels, stretch);
+    const ColumnRange columns = ColumnsFor(stretch);
+    // From the sample to the left of the part, from which a line leads into it, to the one to its right.
+    const auto first = static_cast<std::int32_t>(std::max<std::int64_t>(grid.FirstSample(columns.from) - 1, 0));
+    const std::int64_t end = std::min<std::int64_t>(grid.FirstSample(columns.to) + 2, block.SampleCount());
+    if (end <= first) return;
+    ReadPoints(block, extremes, channels, first, static_cast<std::int32_t>(end - first), 1);
+    for (std::size_t at = 0; at < m_used; ++at) {
+        for (TracePoint& point : m_points[at])
+            point.x = static_cast<std::int32_t>(grid.FirstColumn(first + point.x) - stretch.free->firstColumn);
+    }
+}
+
+void TraceReader::ReadColumns(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                              const TraceStretch& stretch) {
+    FreeColumns reader(block, extremes, stretch.free->grid);
+    const ColumnRange columns = reader.Limited(ColumnsFor(stretch));
+    const SampleSpan samples = reader.SamplesOf(columns);
+    if (samples.count < 1) return;
+    const auto add = [&](std::size_t at, const std::vector<RunExtremes>& list) {
+        std::int32_t x = columns.from - stretch.free->firstColumn;
+        m_points[at].reserve(2 * list.size());
+        for (const RunExtremes& column : list) {
+            m_points[at].push_back({x, column.first});
+            m_points[at].push_back({x++, column.second});
+        }
+    };
+    try {
+        const auto lists = reader.Read(channels, columns);
+        for (std::size_t at = 0; at < m_used; ++at) add(at, lists[at]);
+        return;
+    } catch (const std::exception& error) {
+        m_failure = error.what();
+    }
+    bool complete = true;
+    for (std::size_t at = 0; at < m_used; ++at) {
+        const std::span<const std::int16_t> channel = channels.subspan(at, 1);
+        const std::int32_t cut = CountBeforeCut(block, channel, samples.first, samples.count);
+        const auto read = [&](std::int32_t count) {
+            try {
+                add(at, reader.ReadBefore(channel.front(), columns, samples.first + count));
+                return true;
+            } catch (const std::exception&) {
+                return false;
+            }
+        };
+        // The cells reach beyond the columns, so that all may be readable after all.
+        const bool whole = read(cut);
+        complete = complete && whole && cut == samples.count;
+        if (!whole) read(CountBeforeHole(block, channel, samples.first, cut));
+    }
+    if (complete) m_failure.clear();
 }
 
 }  // namespace quillon

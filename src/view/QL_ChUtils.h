@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -9,11 +10,12 @@
 #include "base/SampleSpan.h"
 #include "norvik/NorvikCore.h"
 #include "view/ExtremesCache.h"
+#include "view/TimeAxis.h"
 
 namespace quillon {
 
 /// A point of a trace in logical units. x is the sample's index when every sample is a point of its own (1 or 2 samples
-/// per pixel column), else two units per pixel column; y is the code.
+/// per pixel column), else two units per pixel column; on a free axis it is the graph's pixel column. y is the code.
 struct TracePoint {
     std::int32_t x = 0;
     std::int32_t y = 0;
@@ -40,13 +42,25 @@ struct TraceStretch {
     std::int32_t samplesPerPixel = 1;
     std::int32_t fromColumn = 0;
     std::int32_t toColumn = std::numeric_limits<std::int32_t>::max();
+    /// Of a free axis, whose columns need more than a number of samples.
+    struct Free {
+        ColumnGrid grid;
+        std::int32_t firstColumn = 0;  ///< of the strip, at the graph's left edge
+        friend bool operator==(const Free&, const Free&) = default;
+    };
+    std::optional<Free> free{};
     friend bool operator==(const TraceStretch&, const TraceStretch&) = default;
 };
+/// The stretch for the columns of a graph.
+[[nodiscard]] TraceStretch StretchOf(const TimeAxis& axis, std::int32_t fromColumn, std::int32_t toColumn);
 
 /// The same points for several channels, with x as it is in the whole trace. Runs of 100 samples and more are taken
 /// from the block's extremes as far as these are known; several channels are read in one pass over the data if the
 /// block supports it, else one by one with DrawChannelTrace. Where the data can be read up to some sample only (a file
 /// truncated while open), the traces end there; a channel that cannot be read at all gets no points.
+///
+/// On a free axis a column has the two extremes of its own samples, see FreeColumns; with one sample per column or less
+/// every sample is a point. Traces then begin and end with the block, not with the graph.
 class TraceReader {
   public:
     /// points() then holds one list per entry of `channels`. Of a part, each list begins and ends at least one column
@@ -70,6 +84,10 @@ class TraceReader {
     /// `extremes` is null where the runs are to be read from the block.
     bool ReadExtremes(RecordingBlock& block, ExtremesCache* extremes, std::span<const std::int16_t> channels,
                       std::int32_t first, std::int32_t count, std::int32_t samplesPerPixel);
+    void ReadFree(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                  const TraceStretch& stretch);
+    void ReadColumns(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                     const TraceStretch& stretch);
 
     std::string m_failure;
     std::vector<std::vector<TracePoint>> m_points;  ///< grows to the most channels ever drawn; buffers are reused

@@ -6,6 +6,7 @@
 
 #include "base/Text.h"
 #include "format/QL_Format.h"
+#include "view/TimeTicks.h"
 
 namespace quillon {
 
@@ -40,8 +41,13 @@ double AxisSeconds(const ViewBlock& block, double position, const FormatOptions&
     return std::fmod(start + seconds, secondsOfDay);
 }
 
-std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block, const FormatOptions& format) {
+std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block, const FormatOptions& format, int dpi) {
     std::vector<ScaleLabel> labels;
+    if (axis.IsFree()) {
+        for (const TimeTick& tick : TimeTicks(axis, block, format, dpi))
+            labels.push_back({tick.column, tick.text, !tick.major});
+        return labels;
+    }
     if (block.sampleCount <= 0) return labels;
     const bool indexes = format.sampleIndexes || !(block.sampleRate > 0.0);
     const std::int64_t division = TimeAxis::kDivision;
@@ -52,9 +58,20 @@ std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
         labels.push_back({static_cast<std::int32_t>(column - axis.FirstColumn()),
                           indexes ? NumberText(static_cast<double>(sample + 1), format.decimalSeparator)
                                   : FormatAxisValue(AxisSeconds(block, static_cast<double>(sample), format), step,
-                                                    AxisKind::Time, format)});
+                                                    AxisKind::Time, format),
+                          false});
     }
     return labels;
+}
+
+std::vector<std::int32_t> GridColumns(const TimeAxis& axis, const ViewBlock& block, const FormatOptions& format,
+                                      int dpi) {
+    std::vector<std::int32_t> columns;
+    if (!axis.IsFree()) return columns;
+    for (const TimeTick& tick : TimeTicks(axis, block, format, dpi)) {
+        if (tick.major) columns.push_back(tick.column);
+    }
+    return columns;
 }
 
 std::vector<ScaleLabel> AmplitudeLabels(const Lane& lane, bool rawCodes, char16_t separator) {
@@ -69,7 +86,7 @@ std::vector<ScaleLabel> AmplitudeLabels(const Lane& lane, bool rawCodes, char16_
     std::vector<ScaleLabel> labels;
     for (; row < lane.height + division; row += division, --n) {
         labels.push_back({lane.top + static_cast<std::int32_t>(row),
-                          AmplitudeText(static_cast<double>(n) * step, step, rawCodes, separator)});
+                          AmplitudeText(static_cast<double>(n) * step, step, rawCodes, separator), false});
     }
     return labels;
 }

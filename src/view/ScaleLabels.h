@@ -15,15 +15,21 @@ namespace quillon {
 struct ScaleLabel {
     std::int32_t position = 0;
     std::u16string text;
+    bool minor = false;  ///< a shorter line without a text
 };
 
 /// Seconds at a position in samples (from 0) as the options want them: from the block's start, or from midnight.
 [[nodiscard]] double AxisSeconds(const ViewBlock& block, double position, const FormatOptions& format);
 
 /// Labels of the time scale: one per division, from the division at or left of the first visible column to the right
-/// edge: times, or the number (from 1) of the division's first sample. None without samples.
+/// edge: times, or the number (from 1) of the division's first sample. On a free axis those of TimeTicks. None without
+/// samples.
 [[nodiscard]] std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block,
-                                                 const FormatOptions& format);
+                                                 const FormatOptions& format, int dpi = 96);
+
+/// Columns of the graph at which a free axis has lines of the grid, those of major ticks; none on another axis.
+[[nodiscard]] std::vector<std::int32_t> GridColumns(const TimeAxis& axis, const ViewBlock& block,
+                                                    const FormatOptions& format, int dpi = 96);
 
 /// Labels of the amplitude scale, one per division from a lane's top to its bottom; the position is the row of the
 /// text's baseline in the graph. With raw codes a label counts codes, 1000 to a unit.

@@ -3,13 +3,13 @@
 namespace quillon {
 
 std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column) {
-    const std::int64_t sample = (std::int64_t{axis.FirstColumn()} + column) * axis.SamplesPerPixel() + 1;
+    const std::int64_t sample = axis.Grid().FirstSample(std::int64_t{axis.FirstColumn()} + column) + 1;
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(sample, 1, std::max(axis.SampleCount(), 1)));
 }
 
 std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples) {
     const std::int32_t left = axis.ColumnOf(samples.first);
-    const std::int32_t right = axis.ColumnOf(samples.End() - 1);
+    const std::int32_t right = axis.LastColumnOf(samples.End() - 1);
     if (right < 0 || left >= axis.Width()) return std::nullopt;
     return ColumnBand{std::max(left, 0), std::min(right, axis.Width() - 1)};
 }

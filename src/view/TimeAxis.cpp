@@ -3,18 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
+#include <utility>
 
 #include "base/Rounding.h"
 
 namespace quillon {
-
-namespace {
-
-std::int32_t ColumnsOf(std::int32_t samples, std::int32_t perPixel) {
-    return samples / perPixel + (samples % perPixel != 0 ? 1 : 0);
-}
-
-}  // namespace
 
 std::int32_t TimeAxis::TableEntry(int index) {
     constexpr std::array<std::int32_t, 3> steps{1, 2, 5};
@@ -23,32 +17,102 @@ std::int32_t TimeAxis::TableEntry(int index) {
     return entry;
 }
 
-void TimeAxis::SetBlock(std::int32_t sampleCount) {
+void TimeAxis::SetBlock(std::int32_t sampleCount, double sampleRate, bool free) {
+    m_free = free;
     m_samples = std::max(sampleCount, 0);
+    m_rate = sampleRate > 0.0 ? sampleRate : 1.0;
     // A zoom coarser than the menu's was chosen to fit a longer block.
     m_zoom = std::min(m_zoom, kMenuZoomCount - 1);
-    m_length = ColumnsOf(m_samples, SamplesPerPixel());
     m_first = 0;
+    if (!m_free) return SetZoom(m_zoom);
+    if (m_chosen == 0.0) m_chosen = kFirstPage;
+    SetPage(PageWithinLimits(m_chosen * m_rate));
 }
 
 void TimeAxis::SetWidth(std::int32_t pixels) {
-    m_width = std::max(pixels, 1);
+    const std::int64_t before = std::exchange(m_width, std::max(pixels, 1));
+    if (!m_free || before == m_width) return;
+    // A page that begins at a whole number of pages still does.
+    const std::int64_t first = (m_first * std::int64_t{m_width} * 2 + before) / (2 * before);
+    SetPage(m_page);
+    MoveTo(first);
+}
+
+void TimeAxis::SetFree(bool free) {
+    if (free == m_free) return;
+    m_free = free;
+    if (free) {
+        SetPage({std::int64_t{SamplesPerPixel()} * m_width, 1});
+        if (m_samples > 0) m_chosen = PageSeconds();
+        return;
+    }
+    const double middle = static_cast<double>(m_first) + m_width / 2.0;
+    const double sample = middle * m_grid.SamplesPerColumn();
+    SetZoom(NearestZoom());
+    MoveTo(std::llround(sample / SamplesPerPixel() - m_width / 2.0));
+}
+
+int TimeAxis::NearestZoom() const {
+    const double exact = std::log(m_grid.SamplesPerColumn());
+    int index = 0;
+    const auto distance = [&](int zoom) { return std::fabs(std::log(TableEntry(zoom)) - exact); };
+    while (index < kZoomCount - 1 && distance(index + 1) < distance(index)) ++index;
+    return index;
+}
+
+int TimeAxis::ZoomIndex() const {
+    if (!m_free) return m_zoom;
+    const int nearest = NearestZoom();
+    return m_grid == ColumnGrid(TableEntry(nearest)) ? nearest : -1;
 }
 
 SampleSpan TimeAxis::Visible() const {
-    const std::int64_t perPixel = SamplesPerPixel();
-    const std::int64_t first = m_first * perPixel;
-    const std::int64_t end = std::min<std::int64_t>((std::int64_t{m_first} + m_width) * perPixel, m_samples);
+    const std::int64_t first = m_grid.FirstSample(m_first);
+    const std::int64_t last = std::int64_t{m_first} + m_width - 1;
+    const std::int64_t end = std::min<std::int64_t>(m_grid.Samples(last).End(), m_samples);
     if (end <= first) return {};
     return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(end - first)};
 }
 
+double TimeAxis::PageSeconds() const {
+    return m_grid.SamplesPerColumn() * m_width / m_rate;
+}
+
+bool TimeAxis::CanZoom(bool in) const {
+    if (!m_free) return in ? m_zoom > 0 : m_zoom < kMenuZoomCount - 1;
+    const double page = m_page.Count();
+    return in ? PageWithinLimits(0.0).Count() < page : page < m_samples;
+}
+
+PageSamples TimeAxis::PageWithinLimits(double samples) const {
+    constexpr std::int64_t mostColumns = std::numeric_limits<std::int32_t>::max();
+    const std::int32_t whole = std::max(m_samples, 1);
+    const std::int64_t leastOfStrip = (std::int64_t{whole} * m_width + mostColumns - 1) / mostColumns;
+    const double least =
+        std::max(static_cast<double>(m_width) / kMostColumnsPerSample, static_cast<double>(leastOfStrip));
+    if (samples >= whole || least >= whole) return {whole, 1};
+    return PageOf(std::max(samples, least));
+}
+
+void TimeAxis::SetGrid(const ColumnGrid& grid) {
+    m_grid = grid;
+    m_length = static_cast<std::int32_t>(grid.ColumnCount(m_samples));
+}
+
 void TimeAxis::SetZoom(int index) {
     m_zoom = index;
-    m_length = ColumnsOf(m_samples, SamplesPerPixel());
+    SetGrid(TableEntry(index));
+}
+
+void TimeAxis::SetPage(const PageSamples& page) {
+    m_page = page;
+    // A graph may have grown so wide that its strip would be too long.
+    if (page.Count() < PageWithinLimits(0.0).Count()) m_page = PageWithinLimits(0.0);
+    SetGrid({m_page.samples, m_page.parts * m_width});
 }
 
 bool TimeAxis::SelectZoom(int index) {
+    if (m_free) return SelectZoomAbout(index, m_width / 2);
     if (index == m_zoom || index < 0 || index >= kZoomCount) return false;
     const auto ratio = static_cast<float>(SamplesPerPixel()) / static_cast<float>(TableEntry(index));
     const double middle = m_first + m_width / 2.0;
@@ -63,7 +127,12 @@ bool TimeAxis::SelectZoom(int index) {
 }
 
 bool TimeAxis::SelectZoomAbout(int index, std::int32_t column) {
-    if (index == m_zoom || index < 0 || index >= kZoomCount) return false;
+    if (index == ZoomIndex() || index < 0 || index >= kZoomCount) return false;
+    if (m_free) {
+        const PageSamples page{std::int64_t{TableEntry(index)} * m_width, 1};
+        m_chosen = page.Count() / m_rate;
+        return SetPageAbout(page, column);
+    }
     const std::int64_t sample = (std::int64_t{m_first} + column) * SamplesPerPixel();
     const bool sampleThere = sample < m_samples;
     SetZoom(index);
@@ -73,7 +142,38 @@ bool TimeAxis::SelectZoomAbout(int index, std::int32_t column) {
     return true;
 }
 
+bool TimeAxis::SetPageAbout(const PageSamples& page, std::int32_t column) {
+    if (page == m_page) return false;
+    const std::int64_t under = std::int64_t{m_first} + column;
+    const std::int64_t sample = m_grid.FirstSample(under);
+    const double place = static_cast<double>(under) * m_grid.SamplesPerColumn();
+    SetPage(page);
+    // The place within a sample that fills several columns counts too.
+    const std::int64_t target = std::clamp<std::int64_t>(std::llround(place / m_grid.SamplesPerColumn()),
+                                                         m_grid.FirstColumn(sample), m_grid.LastColumn(sample));
+    const std::int32_t highest = sample < m_samples ? m_length : std::max(m_length - m_width, 0);
+    m_first = static_cast<std::int32_t>(std::clamp<std::int64_t>(target - column, 0, highest));
+    return true;
+}
+
+bool TimeAxis::ZoomAbout(int steps, std::int32_t column) {
+    if (m_samples == 0) return false;
+    double seconds = PageSeconds();
+    for (int step = steps; step != 0; step += step > 0 ? -1 : 1) seconds = NextPage(seconds, step < 0);
+    // A page beyond the block, from another axis, is not made shorter by zooming out.
+    if (steps < 0 && m_page.Count() >= m_samples) return false;
+    return SelectPage(seconds, column);
+}
+
+bool TimeAxis::SelectPage(double seconds, std::int32_t column) {
+    if (!(seconds > 0.0)) return false;
+    m_chosen = seconds;
+    if (m_samples == 0 || !m_free) return false;
+    return SetPageAbout(PageWithinLimits(seconds * m_rate), column);
+}
+
 void TimeAxis::ShowSamples(const SampleSpan& samples) {
+    if (m_free) return FillWith(samples);
     int index = 0;
     const auto columns = [&] {
         const std::int32_t perPixel = TableEntry(index);
@@ -85,14 +185,38 @@ void TimeAxis::ShowSamples(const SampleSpan& samples) {
     m_first = std::clamp(left - (m_width - columns()) / 2, 0, m_length);
 }
 
+void TimeAxis::FillWith(const SampleSpan& samples) {
+    const auto columns = [&] { return m_grid.LastColumn(samples.End() - 1) - m_grid.FirstColumn(samples.first) + 1; };
+    SetPage(PageWithinLimits(samples.count));
+    // Samples that begin within a column need one more.
+    if (columns() > m_width && m_width > 1)
+        SetPage(PageWithinLimits(samples.count + std::ceil(samples.count / (m_width - 1.0))));
+    MoveTo(m_grid.FirstColumn(samples.first) - std::max<std::int64_t>(m_width - columns(), 0) / 2);
+}
+
+TimeAxis::Place TimeAxis::GetPlace() const {
+    if (!m_free) return {.zoom = m_zoom, .chosen = m_chosen, .first = m_first};
+    return {.free = true, .zoom = m_zoom, .page = m_page, .chosen = m_chosen, .first = m_first, .width = m_width};
+}
+
+void TimeAxis::Restore(const Place& place) {
+    m_free = place.free;
+    m_chosen = place.chosen;
+    if (!m_free) return Restore(place.zoom, place.first);
+    m_zoom = place.zoom;
+    SetPage(place.page);
+    const std::int64_t width = std::max(place.width, 1);
+    MoveTo((std::int64_t{place.first} * m_width * 2 + width) / (2 * width));
+}
+
 void TimeAxis::Restore(int zoom, std::int32_t firstColumn) {
     SetZoom(std::clamp(zoom, 0, kZoomCount - 1));
     m_first = std::clamp(firstColumn, 0, m_length);
 }
 
 std::int32_t TimeAxis::ShiftTo(std::int32_t sample) const {
-    const std::int32_t first = (sample - 1) / SamplesPerPixel() - m_width / 2;
-    return std::clamp(first, 0, std::max(m_length - m_width, 0)) - m_first;
+    const std::int64_t first = m_grid.FirstColumn(sample - 1) - m_width / 2;
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(first, 0, std::max(m_length - m_width, 0)) - m_first);
 }
 
 bool TimeAxis::MoveTo(std::int64_t column) {
@@ -110,7 +234,11 @@ std::int32_t TimeAxis::ScrollBy(std::int32_t shift) {
 }
 
 std::int32_t TimeAxis::PageShift(int command) const {
-    const std::int32_t page = m_width - m_width % kDivision;
+    const std::int32_t page = m_free ? m_width : m_width - m_width % kDivision;
+    // Pages of a free axis stay those that paging began with: none is left for an end of the strip.
+    const std::int32_t pagesLeft = m_free ? std::max(m_length - 1 - m_first, 0) / page : 0;
+    if (m_free && command == 2) return pagesLeft > 0 ? page : 0;
+    if (m_free && command == 3) return pagesLeft * page;
     switch (command) {
         case 0: return -m_first;
         case 1: return -page;

@@ -67,6 +67,14 @@ void TraceCanvas::Draw(std::span<const DevicePoint> points, std::uint8_t id) {
     }
 }
 
+void TraceCanvas::DrawDots(std::span<const DevicePoint> points, std::uint8_t id) {
+    const auto to = m_from + static_cast<std::int32_t>(m_drawn.size());
+    for (const DevicePoint& point : points) {
+        for (std::int32_t x = std::max(point.x - 1, m_from); x < std::min(point.x + 2, to); ++x)
+            Fill(x, std::int64_t{point.y} - 1, std::int64_t{point.y} + 1, id);
+    }
+}
+
 void TraceCanvas::Compose(std::uint32_t* pixels, std::int32_t width, std::span<const std::uint32_t> colors) const {
     // Tiles, so that both the columns read and the rows written stay in the cache.
     constexpr std::size_t tile = 32;

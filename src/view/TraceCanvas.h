@@ -29,6 +29,8 @@ class TraceCanvas {
     void Limit(std::int32_t top, std::int32_t end);
     /// Draws a trace over those before. `id` is 1 .. kMostTraces.
     void Draw(std::span<const DevicePoint> points, std::uint8_t id);
+    /// Draws a square of 3 x 3 pixels about every point.
+    void DrawDots(std::span<const DevicePoint> points, std::uint8_t id);
     /// Composes the traces over an image of `width` columns, whose rows follow each other from the top; colors[id - 1]
     /// is that of a trace.
     void Compose(std::uint32_t* pixels, std::int32_t width, std::span<const std::uint32_t> colors) const;

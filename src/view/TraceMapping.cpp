@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "base/Rounding.h"
 #include "view/AmplitudeScale.h"
@@ -88,6 +89,25 @@ void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, s
         const std::int64_t row = mapping.viewportOriginY + RoundedQuotient(code * extent, divisor);
         pixels[at] = {column, static_cast<std::int32_t>(std::clamp(row, -farthest, farthest))};
     }
+}
+
+void JoinColumns(std::vector<DevicePoint>& pixels) {
+    const auto isFar = [](const DevicePoint& a, const DevicePoint& b) { return b.x - a.x > 1; };
+    if (std::adjacent_find(pixels.begin(), pixels.end(), isFar) == pixels.end()) return;
+    std::vector<DevicePoint> joined;
+    for (const DevicePoint& end : pixels) {
+        const DevicePoint start = joined.empty() ? end : joined.back();
+        const std::int64_t columns = std::int64_t{end.x} - start.x;
+        const std::int64_t rise = std::int64_t{end.y} - start.y;
+        for (std::int64_t column = 1; column < columns; ++column) {
+            // To the nearest row.
+            const std::int64_t scaled = 2 * rise * column + columns;
+            const std::int64_t up = scaled / (2 * columns) - (scaled % (2 * columns) < 0 ? 1 : 0);
+            joined.push_back({static_cast<std::int32_t>(start.x + column), static_cast<std::int32_t>(start.y + up)});
+        }
+        joined.push_back(end);
+    }
+    pixels = std::move(joined);
 }
 
 void FlatTrace(const TraceMapping& mapping, std::int32_t count, std::int32_t samplesPerPixel,

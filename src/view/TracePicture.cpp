@@ -1,5 +1,6 @@
 #include "view/TracePicture.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "view/TraceMapping.h"
@@ -19,7 +20,7 @@ void TracePicture::Scroll(std::int32_t shift) {
 }
 
 void TracePicture::Read(const GraphScene& scene, std::int32_t from, std::int32_t to) {
-    const TraceStretch stretch{scene.axis.Visible(), scene.axis.SamplesPerPixel(), from, to};
+    const TraceStretch stretch = StretchOf(scene.axis, from, to);
     std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (std::exchange(m_readAhead, std::nullopt) == stretch && shown == m_shown) return;
     m_shown = std::move(shown);
@@ -27,7 +28,7 @@ void TracePicture::Read(const GraphScene& scene, std::int32_t from, std::int32_t
 }
 
 std::int32_t TracePicture::Approach(const GraphScene& scene, std::int32_t from, std::int32_t to) const {
-    const TraceStretch stretch{scene.axis.Visible(), scene.axis.SamplesPerPixel(), from, to};
+    const TraceStretch stretch = StretchOf(scene.axis, from, to);
     const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (stretch.samples.count < 1 || (m_readAhead == stretch && shown == m_shown)) return to;
     return TraceReader::Approach(*scene.block.block, scene.extremes, shown, stretch);
@@ -45,7 +46,7 @@ std::optional<ValueRange> TracePicture::SeenRange(const GraphScene& scene) {
     if (!scene.block.block || scene.axis.Visible().count < 1) return std::nullopt;
     const std::int32_t width = scene.axis.Width();
     Read(scene, 0, width);
-    m_readAhead = {scene.axis.Visible(), scene.axis.SamplesPerPixel(), 0, width};
+    m_readAhead = StretchOf(scene.axis, 0, width);
     return CentralRange(scene.block, m_shown, m_reader.points(), scene.rawCodes);
 }
 
@@ -63,23 +64,30 @@ void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t
 
 void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, std::size_t trace, std::int32_t from,
                              std::int32_t to) {
+    const bool free = scene.axis.IsFree();
+    // The points of a free axis are those of its columns.
     const TraceGeometry geometry{.zeroRow = lane.zeroRow,
                                  .top = lane.top,
                                  .height = lane.height,
                                  .unitsPerDivision = lane.unitsPerDivision,
                                  .negativeUp = lane.negativeUp,
-                                 .samplesPerPixel = scene.axis.SamplesPerPixel(),
+                                 .samplesPerPixel = free ? 1 : scene.axis.SamplesPerPixel(),
                                  .rawCodes = scene.rawCodes,
                                  .foldOrigin = scene.foldOrigin};
     const auto channel = static_cast<std::size_t>(m_shown[trace] - 1);
     const TraceMapping mapping = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
     if (mapping.flat) {
-        FlatTrace(mapping, scene.axis.Visible().count, geometry.samplesPerPixel, m_trace);
+        const std::int32_t columns = std::min(scene.axis.StripLength() - scene.axis.FirstColumn(), m_width);
+        FlatTrace(mapping, free ? columns : scene.axis.Visible().count, geometry.samplesPerPixel, m_trace);
     } else {
         ToPixels(mapping, m_reader.points()[trace], m_trace);
     }
     m_canvas.Limit(lane.clip ? lane.top : 0, lane.clip ? lane.End() : m_height);
-    m_canvas.Draw(m_trace, static_cast<std::uint8_t>(trace + 1));
+    const auto id = static_cast<std::uint8_t>(trace + 1);
+    constexpr std::int64_t columnsOfDots = 4;
+    if (!mapping.flat && scene.axis.Grid().HasColumnsPerSample(columnsOfDots)) m_canvas.DrawDots(m_trace, id);
+    if (free && !mapping.flat) JoinColumns(m_trace);
+    m_canvas.Draw(m_trace, id);
     m_sides.Mark(trace, from, to, m_trace, lane.top, lane.End());
     m_colors[trace] = TraceColor(scene.block.channelNumbers[channel]);
 }

@@ -101,14 +101,16 @@ GraphScene GraphPane::Scene() const {
             m_view.RawCodes(),
             m_foldOrigin,
             static_cast<GridStyle>(std::clamp<int>(m_display.gridStyle, 0, 2)),
-            TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor))))};
+            TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor)))),
+            GridColumns(m_view.Axis(), m_document.Block(), m_format, ScreenDpi())};
 }
 
 void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     RECT client{};
     const HWND picture = id == pbGraph ? m_graph.Window() : id == pbScaleX ? m_scaleX.Window() : m_scaleY.Window();
     GetClientRect(picture, &client);
-    if (id == pbScaleX) m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_format));
+    if (id == pbScaleX)
+        m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()));
     if (id == pbScaleY && HasSamples() && m_view.UsesLanes()) {
         m_titles.Paint(dc, client);
     } else if (id == pbScaleY) {
@@ -166,7 +168,9 @@ void GraphPane::Refresh(std::int32_t shift) {
     }
     m_graph.Invalidate();
     if (m_scaleX.Window() == nullptr) return;
-    m_zoomX.SetCaption(ZoomCaption(m_view.Axis().ZoomIndex()));
+    const TimeAxis& axis = m_view.Axis();
+    m_zoomX.SetCaption(axis.IsFree() ? PageCaption(axis.PageSeconds(), m_format.decimalSeparator)
+                                     : ZoomCaption(axis.ZoomIndex()));
     const HWND window = GetParent(m_graph.Window());
     ShowBar(GetDlgItem(window, scScaleX), m_scrollBars.Time(), m_view.Axis().CanScroll());
     ShowBar(GetDlgItem(window, scScaleY), m_scrollBars.Amplitude(), HasSamples() && m_scrollBars.CanScrollAmplitude());

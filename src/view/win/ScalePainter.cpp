@@ -9,6 +9,7 @@ namespace {
 constexpr COLORREF kTextColor = RGB(0x28, 0x2C, 0x34);
 constexpr COLORREF kTickColor = RGB(0x90, 0x98, 0xA4);
 constexpr int kTick = 5;
+constexpr int kMinorTick = 3;
 
 }  // namespace
 
@@ -23,7 +24,8 @@ void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<Scale
     constexpr int textTop = 10;
     int free = 0;  // first column that no label covers yet
     for (const ScaleLabel& label : labels) {
-        FillWith(dc, {label.position, 0, label.position + 1, kTick}, kTickColor);
+        FillWith(dc, {label.position, 0, label.position + 1, label.minor ? kMinorTick : kTick}, kTickColor);
+        if (label.minor) continue;
         const std::wstring text = Wide(label.text);
         SIZE size{};
         GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);

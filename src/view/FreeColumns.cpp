@@ -1,0 +1,144 @@
+#include "view/FreeColumns.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "nsp/RunReducer.h"
+#include "view/CellColumns.h"
+
+namespace quillon {
+
+namespace {
+
+/// Samples of some channels of a block.
+class SampleReader {
+  public:
+    SampleReader(RecordingBlock& block, std::span<const std::int16_t> channels) : m_block(block), m_channels(channels) {
+        // Reading all channels at once pays where the samples are stored as frames and a good part is wanted.
+        const auto all = static_cast<std::size_t>(block.ChannelCount());
+        m_rows = block.FramesAreCheap() && channels.size() * 4 > all ? all : 0;
+    }
+    void Read(std::int32_t first, std::int32_t count) {
+        m_count = static_cast<std::size_t>(count);
+        m_codes.resize(m_count * (m_rows > 0 ? m_rows : m_channels.size()));
+        if (m_rows > 0) {
+            m_block.ReadRows(first, count, m_codes.data());
+            return;
+        }
+        for (std::size_t at = 0; at < m_channels.size(); ++at)
+            m_block.ReadCodes(m_channels[at], first, count, m_codes.data() + at * m_count);
+    }
+    /// Of a channel, by its place in the list.
+    [[nodiscard]] const std::int16_t* Codes(std::size_t at) const {
+        return m_codes.data() + m_count * (m_rows > 0 ? static_cast<std::size_t>(m_channels[at] - 1) : at);
+    }
+
+  private:
+    RecordingBlock& m_block;
+    std::span<const std::int16_t> m_channels;
+    std::size_t m_rows;  ///< channels of the block, where all are read at once
+    std::size_t m_count = 0;
+    std::vector<std::int16_t> m_codes;
+};
+
+}  // namespace
+
+std::int32_t FreeColumns::CellRun() const {
+    constexpr std::int32_t coarse = ExtremesCache::kCoarseCell;
+    // As CellColumns chooses the cells of a column.
+    return m_grid.SamplesPerColumn() >= 2.0 * coarse + 1.0 ? coarse : ExtremesCache::kCell;
+}
+
+SampleSpan FreeColumns::SamplesOf(const ColumnRange& columns) const {
+    const std::int64_t first = m_grid.FirstSample(columns.from);
+    const std::int64_t end = std::min<std::int64_t>(m_grid.FirstSample(columns.to), m_block.SampleCount());
+    if (end <= first) return {};
+    return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(end - first)};
+}
+
+ColumnRange FreeColumns::Limited(const ColumnRange& columns) const {
+    const std::int64_t strip = m_grid.ColumnCount(m_block.SampleCount());
+    const auto to = static_cast<std::int32_t>(std::min<std::int64_t>(columns.to, strip));
+    return {std::min(columns.from, to), to};
+}
+
+FreeColumns::Lists FreeColumns::Read(std::span<const std::int16_t> channels, const ColumnRange& columns) {
+    Lists lists(channels.size());
+    ColumnMemo& memo = m_extremes.Columns();
+    if (const ColumnRange missing = memo.Missing(m_grid, channels, columns); missing.from < missing.to) {
+        const Lists computed = Compute(channels, missing);
+        for (std::size_t at = 0; at < channels.size(); ++at) memo.Store(channels[at], missing, computed[at]);
+    }
+    for (std::size_t at = 0; at < channels.size(); ++at) {
+        const std::span<const RunExtremes> known = memo.Columns(channels[at], columns);
+        lists[at].assign(known.begin(), known.end());
+    }
+    return lists;
+}
+
+FreeColumns::Lists FreeColumns::Compute(std::span<const std::int16_t> channels, const ColumnRange& columns) {
+    const std::int32_t end = SamplesOf(columns).End();
+    if (!AreOfCells()) return ReadSamples(channels, columns, end);
+    Lists lists(channels.size());
+    std::vector<RunExtremes> column(channels.size());
+    CellColumns cells(m_block, m_extremes, channels);
+    for (std::int32_t at = columns.from; at < columns.to; ++at) {
+        if (!cells.Reduce(SamplesOf({at, at + 1}), end, column)) return ReadSamples(channels, columns, end);
+        for (std::size_t channel = 0; channel < channels.size(); ++channel) lists[channel].push_back(column[channel]);
+    }
+    return lists;
+}
+
+void FreeColumns::Append(const std::int16_t* codes, const ColumnRange& columns, std::int32_t end,
+                         std::vector<RunExtremes>& list) const {
+    const std::int64_t begin = m_grid.FirstSample(columns.from);
+    std::int64_t first = begin;
+    for (std::int32_t column = columns.from; column < columns.to && first < end; ++column) {
+        const std::int64_t stop = std::min<std::int64_t>(m_grid.FirstSample(column + 1), end);
+        nsp::PlanarRunReducer reducer(static_cast<std::int32_t>(stop - first), &list.emplace_back());
+        reducer.Feed(codes + (first - begin), static_cast<std::size_t>(stop - first));
+        reducer.Finish();
+        first = stop;
+    }
+}
+
+FreeColumns::Lists FreeColumns::ReadSamples(std::span<const std::int16_t> channels, const ColumnRange& columns,
+                                            std::int32_t end) {
+    constexpr std::int32_t most = 1 << 16;  // samples per channel at once
+    SampleReader reader(m_block, channels);
+    Lists lists(channels.size());
+    for (std::int32_t column = columns.from; column < columns.to;) {
+        // As many columns as are read at once, or a longer one in pieces.
+        const std::int32_t first = SamplesOf({column, column + 1}).first;
+        std::int32_t next = column + 1;
+        while (next < columns.to && m_grid.FirstSample(next + 1) - first <= most) ++next;
+        const std::int32_t stop = std::min(SamplesOf({column, next}).End(), end);
+        if (stop <= first) break;
+        std::vector<nsp::PlanarRunReducer> reducers;
+        const bool isLong = stop - first > most;
+        for (auto& list : lists) {
+            if (isLong) reducers.emplace_back(stop - first, &list.emplace_back());
+        }
+        for (std::int32_t at = first; at < stop; at += most) {
+            const std::int32_t count = std::min(most, stop - at);
+            reader.Read(at, count);
+            for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+                const std::int16_t* const codes = reader.Codes(channel);
+                if (isLong) {
+                    reducers[channel].Feed(codes, static_cast<std::size_t>(count));
+                } else {
+                    Append(codes, {column, next}, stop, lists[channel]);
+                }
+            }
+        }
+        for (nsp::PlanarRunReducer& reducer : reducers) reducer.Finish();
+        column = next;
+    }
+    return lists;
+}
+
+std::vector<RunExtremes> FreeColumns::ReadBefore(std::int16_t channel, const ColumnRange& columns, std::int32_t end) {
+    return std::move(ReadSamples({&channel, 1}, columns, end).front());
+}
+
+}  // namespace quillon
