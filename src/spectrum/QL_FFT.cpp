@@ -142,7 +142,7 @@ void QL_FFT::FFT_ComputeScaling() {
 QL_FFT::Frame QL_FFT::FrameOf(std::int32_t column) const {
     const std::int64_t half = m_length / 2;
     const std::int64_t samples = m_state.sampleCount;
-    std::int64_t start = (std::int64_t{m_state.firstColumn} + column) * m_state.samplesPerColumn + 1 - half;
+    std::int64_t start = m_state.grid.FirstSample(std::int64_t{m_state.firstColumn} + column) + 1 - half;
     std::int64_t length = m_length;
     if (!(m_state.halfRange > 0.0F) || start + half > samples) return {1, 0};
     // At both ends of the block the frame is shifted into it, not padded.
@@ -286,7 +286,7 @@ bool QL_FFT::FFT_ComputePending() {
     return m_pendingCount > 0;
 }
 
-std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, std::int32_t samplesPerColumn,
+std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, const ColumnGrid& grid,
                                 bool force) {
     if (!m_state.ready) return 0;
     FFT_SetImageWidth(visibleColumns);
@@ -310,7 +310,7 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
         FFT_ShiftImage(0, moved, held - moved);
         to = moved - 1;
     }
-    m_state.samplesPerColumn = samplesPerColumn;
+    m_state.grid = grid;
     m_state.firstColumn = firstColumn;
     // No column is valid until the missing ones are computed.
     m_state.columnCount = 0;

@@ -12,6 +12,7 @@
 #include "spectrum/Palette.h"
 #include "spectrum/SpectrumSettings.h"
 #include "view/AmplitudeScale.h"
+#include "view/ColumnGrid.h"
 
 namespace quillon {
 
@@ -22,10 +23,10 @@ struct SpectrumState {
     std::int16_t channelIndex = 0;   ///< position in the block, from 0
     std::int16_t deviceChannel = 0;  ///< acquisition number
     std::int32_t sampleCount = 0;
-    std::int32_t firstColumn = 0;       ///< of the strip that column 0 shows
-    std::int32_t columnCount = 0;       ///< columns that hold valid spectra; 0: none
-    std::int32_t samplesPerColumn = 0;  ///< hop from one spectrum to the next
-    std::int32_t cachedStart = 0;       ///< first sample (from 1) in the cache
+    std::int32_t firstColumn = 0;  ///< of the strip that column 0 shows
+    std::int32_t columnCount = 0;  ///< columns that hold valid spectra; 0: none
+    ColumnGrid grid;               ///< samples at which the columns begin
+    std::int32_t cachedStart = 0;  ///< first sample (from 1) in the cache
     std::int32_t cachedLength = 0;
     float upperLimit = 0.0F;  ///< of the channel's values, in units
     float lowerLimit = 0.0F;
@@ -37,10 +38,10 @@ struct SpectrumState {
 
 /// The spectrogram of one channel: a short-time spectrum per pixel column as palette indices.
 ///
-/// Column c is the spectrum of the 2^order samples around sample (first column + c) x samples per column. With m the
-/// magnitude of a bin, N the transform's length and h half the channel's range, the logarithmic index is
-/// 255 (1 + 20 log10(m / (h N/2)) / decibel range), the linear one 255 x 1.2 m / (h N/2) x amplitude scale; the
-/// window's coefficients add up to N, so a sine of amplitude h has m = h N/2 whatever the window.
+/// Column c is the spectrum of the 2^order samples around the first sample of column (first column + c) of a grid. With
+/// m the magnitude of a bin, N the transform's length and h half the channel's range, the logarithmic index is 255 (1 +
+/// 20 log10(m / (h N/2)) / decibel range), the linear one 255 x 1.2 m / (h N/2) x amplitude scale; the window's
+/// coefficients add up to N, so a sine of amplitude h has m = h N/2 whatever the window.
 ///
 /// Owns the image, its colours and what it is computed with; refers to the block that it was given.
 class QL_FFT {
@@ -69,10 +70,9 @@ class QL_FFT {
     /// The factors from a bin's magnitude to a palette index, from the settings and the channel's limits.
     void FFT_ComputeScaling();
     /// Brings the image up to date for a view: what it already holds is moved, the other columns are computed; all of
-    /// them when `force` is set, as it has to be after a change of samples per column. Columns that could not be read
+    /// them when `force` is set, as it has to be after a change of the grid. Columns that could not be read
     /// are blank and tried again each time. Returns how many were computed.
-    std::int32_t FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, std::int32_t samplesPerColumn,
-                            bool force);
+    std::int32_t FFT_Update(std::int32_t firstColumn, std::int32_t visibleColumns, const ColumnGrid& grid, bool force);
     /// How long FFT_Update goes on computing; the columns that it has not come to are blank and left to
     /// FFT_ComputePending. At first there is no limit.
     void SetPatience(std::chrono::milliseconds patience) { m_patience = patience; }

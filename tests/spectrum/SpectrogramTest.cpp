@@ -106,6 +106,32 @@ TEST(QL_FFT, AnyWayOfScrollingEqualsComputingEveryColumnAlone) {
     }
 }
 
+/// At a rational number of samples per column, also below one, a column shows the sample at which it begins.
+TEST(QL_FFT, ColumnsLieUnderThoseOfAFreeAxis) {
+    ValueBlock block = Tones(3000);
+    SpectrumSettings settings{.order = 6};
+    QL_FFT fft(settings);
+    QL_FFT single(settings);
+    for (QL_FFT* each : {&fft, &single}) {
+        each->FFT_Init(40);
+        each->FFT_SetChannel(&block, 0, 0, kLimits);
+    }
+    const auto column = [](const QL_FFT& image, std::int32_t at) {
+        std::vector<std::uint8_t> indexes;
+        for (std::int32_t bin = 0; bin < image.BinCount(); ++bin)
+            indexes.push_back(image.Image()[static_cast<std::size_t>(bin * image.ImageWidth() + at)]);
+        return indexes;
+    };
+    for (const ColumnGrid& grid : {ColumnGrid(77, 3), ColumnGrid(2, 7), ColumnGrid(1, 50)}) {
+        fft.FFT_Update(5, 40, grid, true);
+        fft.FFT_Update(17, 40, grid, false);
+        for (std::int32_t at = 0; at < 40; ++at) {
+            single.FFT_Update(static_cast<std::int32_t>(grid.FirstSample(17 + at)), 1, 1, true);
+            ASSERT_EQ(column(fft, at), column(single, 0)) << at;
+        }
+    }
+}
+
 TEST(QL_FFT, SettingsAreRepairedAndWhatCannotBeShownStaysBlank) {
     SpectrumSettings settings{.decibelRange = 200.0F};
     QL_FFT fft(settings);

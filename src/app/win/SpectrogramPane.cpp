@@ -83,11 +83,9 @@ void SpectrogramPane::Spectrogram_Draw(bool force) {
     if (!m_settings.window.spectrogramShown) return;
     if (!HasSamples()) return InvalidateAll();
     const TimeAxis& axis = m_view.Axis();
-    const bool zoomed = m_fft.State().samplesPerColumn != axis.SamplesPerPixel();
+    const bool zoomed = m_fft.State().grid != axis.Grid();
     const bool moved = m_fft.State().firstColumn != axis.FirstColumn();
-    const auto update = [&](bool all) {
-        return m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.SamplesPerPixel(), all);
-    };
+    const auto update = [&](bool all) { return m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.Grid(), all); };
     std::int32_t computed = update(force || zoomed);
     if (m_fft.HasRecovered() && !m_view.Ranges().Failure().empty()) {
         // Samples that could not be read before are readable again, so the range covered only a part.
