@@ -28,6 +28,8 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.hasSelection = view.Selected().active;
     state.hasHistory = view.HasHistory();
     state.zoomX = view.Axis().ZoomIndex();
+    state.canZoomIn = view.Axis().CanZoom(true);
+    state.canZoomOut = view.Axis().CanZoom(false);
     const LaneSettings& lanes = view.LanesOfChannels().Settings();
     state.lanes = lanes.on;
     state.negativeUp = lanes.negativeUp;
@@ -72,8 +74,8 @@ bool IsEnabled(int id, const CommandState& state) {
     if (Within(id, mnuMove, static_cast<int>(Moves().size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
         id == mnuGoToPlace)
         return state.sampleCount > 0;
-    if (id == mnuZoomX) return state.zoomX < TimeAxis::kMenuZoomCount - 1;
-    if (id == mnuZoomX + 1) return state.zoomX > 0;
+    if (id == mnuZoomX) return state.canZoomOut;
+    if (id == mnuZoomX + 1) return state.canZoomIn;
     if (id == mnuZoomY) return state.usesLanes || state.scaleY > 0;
     if (id == mnuZoomY + 1) return state.usesLanes || state.scaleY < AmplitudeScale::kScaleCount - 1;
     return Within(id, mnuScaleX, TimeAxis::kMenuZoomCount) || Within(id, mnuScaleY, AmplitudeScale::kScaleCount) ||

@@ -19,8 +19,10 @@ struct CommandState {
     bool isSolo = false;
     bool hasSelection = false;
     bool hasHistory = false;  ///< there are previous views to return to
-    std::int32_t zoomX = 0;   ///< indexes in the tables of scales
+    std::int32_t zoomX = 0;   ///< indexes in the tables of scales; -1: not in the table
     std::int32_t scaleY = 0;  ///< -1: none of the table
+    bool canZoomIn = false;   ///< along the time axis; not at its finest zoom, which zoomX 0 is
+    bool canZoomOut = true;
     bool spectrogramShown = false;
     bool lanes = false;      ///< chosen
     bool usesLanes = false;  ///< and the block has several channels

@@ -80,8 +80,8 @@ std::u16string PageCaption(double seconds, char16_t separator) {
         {{kDay, u" d"}, {kHour, u" h"}, {kMinute, u" min"}, {1.0, u" s"}, {1e-3, u" ms"}, {1e-6, u" mks"}}};
     // What rounds up to a unit is told in it.
     constexpr double nearly = 0.99995;
-    const auto* unit = std::find_if(units.begin(), units.end(),
-                                    [&](const Unit& each) { return seconds >= each.seconds * nearly; });
+    const auto* unit =
+        std::find_if(units.begin(), units.end(), [&](const Unit& each) { return seconds >= each.seconds * nearly; });
     if (unit == units.end()) unit = &units.back();
     const double number = seconds / unit->seconds;
     constexpr int digits = 3;

@@ -84,12 +84,15 @@ bool TimeAxis::CanZoom(bool in) const {
     return in ? PageWithinLimits(0.0).Count() < page : page < m_samples;
 }
 
-PageSamples TimeAxis::PageWithinLimits(double samples) const {
+double TimeAxis::LeastPage() const {
     constexpr std::int64_t mostColumns = std::numeric_limits<std::int32_t>::max();
+    const std::int64_t columns = std::int64_t{std::max(m_samples, 1)} * m_width;
+    return static_cast<double>((columns + mostColumns - 1) / mostColumns);
+}
+
+PageSamples TimeAxis::PageWithinLimits(double samples) const {
     const std::int32_t whole = std::max(m_samples, 1);
-    const std::int64_t leastOfStrip = (std::int64_t{whole} * m_width + mostColumns - 1) / mostColumns;
-    const double least =
-        std::max(static_cast<double>(m_width) / kMostColumnsPerSample, static_cast<double>(leastOfStrip));
+    const double least = std::max(static_cast<double>(m_width) / kMostColumnsPerSample, LeastPage());
     if (samples >= whole || least >= whole) return {whole, 1};
     return PageOf(std::max(samples, least));
 }
@@ -107,7 +110,7 @@ void TimeAxis::SetZoom(int index) {
 void TimeAxis::SetPage(const PageSamples& page) {
     m_page = page;
     // A graph may have grown so wide that its strip would be too long.
-    if (page.Count() < PageWithinLimits(0.0).Count()) m_page = PageWithinLimits(0.0);
+    if (page.Count() < LeastPage()) m_page = PageOf(LeastPage());
     SetGrid({m_page.samples, m_page.parts * m_width});
 }
 
@@ -131,7 +134,7 @@ bool TimeAxis::SelectZoomAbout(int index, std::int32_t column) {
     if (m_free) {
         const PageSamples page{std::int64_t{TableEntry(index)} * m_width, 1};
         m_chosen = page.Count() / m_rate;
-        return SetPageAbout(page, column);
+        return SetPageAbout(page, column, 0);
     }
     const std::int64_t sample = (std::int64_t{m_first} + column) * SamplesPerPixel();
     const bool sampleThere = sample < m_samples;
@@ -142,34 +145,38 @@ bool TimeAxis::SelectZoomAbout(int index, std::int32_t column) {
     return true;
 }
 
-bool TimeAxis::SetPageAbout(const PageSamples& page, std::int32_t column) {
+bool TimeAxis::SetPageAbout(const PageSamples& page, std::int32_t column, std::int32_t kept) {
     if (page == m_page) return false;
+    if (kept > 0) column = ColumnOf(kept - 1);
     const std::int64_t under = std::int64_t{m_first} + column;
-    const std::int64_t sample = m_grid.FirstSample(under);
-    const double place = static_cast<double>(under) * m_grid.SamplesPerColumn();
+    // The middle of a column, so that it is found again from every part of it that becomes a column.
+    const double place = (static_cast<double>(under) + 0.5) * m_grid.SamplesPerColumn();
+    const std::int64_t sample = kept > 0                    ? kept - 1
+                                : m_grid.ShowsEverySample() ? m_grid.FirstSample(under)
+                                                            : static_cast<std::int64_t>(std::floor(place));
     SetPage(page);
-    // The place within a sample that fills several columns counts too.
-    const std::int64_t target = std::clamp<std::int64_t>(std::llround(place / m_grid.SamplesPerColumn()),
-                                                         m_grid.FirstColumn(sample), m_grid.LastColumn(sample));
+    auto target = static_cast<std::int64_t>(std::floor(place / m_grid.SamplesPerColumn()));
+    if (m_grid.ShowsEverySample()) target = std::clamp(target, m_grid.FirstColumn(sample), m_grid.LastColumn(sample));
+    if (kept > 0) target = m_grid.FirstColumn(sample);
     const std::int32_t highest = sample < m_samples ? m_length : std::max(m_length - m_width, 0);
     m_first = static_cast<std::int32_t>(std::clamp<std::int64_t>(target - column, 0, highest));
     return true;
 }
 
-bool TimeAxis::ZoomAbout(int steps, std::int32_t column) {
+bool TimeAxis::ZoomAbout(int steps, std::int32_t column, std::int32_t kept) {
     if (m_samples == 0) return false;
     double seconds = PageSeconds();
     for (int step = steps; step != 0; step += step > 0 ? -1 : 1) seconds = NextPage(seconds, step < 0);
     // A page beyond the block, from another axis, is not made shorter by zooming out.
     if (steps < 0 && m_page.Count() >= m_samples) return false;
-    return SelectPage(seconds, column);
+    return SelectPage(seconds, column, kept);
 }
 
-bool TimeAxis::SelectPage(double seconds, std::int32_t column) {
+bool TimeAxis::SelectPage(double seconds, std::int32_t column, std::int32_t kept) {
     if (!(seconds > 0.0)) return false;
     m_chosen = seconds;
     if (m_samples == 0 || !m_free) return false;
-    return SetPageAbout(PageWithinLimits(seconds * m_rate), column);
+    return SetPageAbout(PageWithinLimits(seconds * m_rate), column, kept);
 }
 
 void TimeAxis::ShowSamples(const SampleSpan& samples) {

@@ -72,8 +72,9 @@ class TimeAxis {
     bool SelectZoomAbout(int index, std::int32_t column);
     /// The same on a free axis: a page shorter by that many steps, longer for less than 0, see NextPage; and a page of
     /// that many seconds. What is chosen so is shown of other blocks too, also without a block or a free axis now.
-    bool ZoomAbout(int steps, std::int32_t column);
-    bool SelectPage(double seconds, std::int32_t column);
+    /// A sample to be kept in place (from 1; 0: none) goes before the column.
+    bool ZoomAbout(int steps, std::int32_t column, std::int32_t kept = 0);
+    bool SelectPage(double seconds, std::int32_t column, std::int32_t kept = 0);
     /// Shows a range of at least one sample, centred, at the finest zoom at which it fits; on a free axis it fills the
     /// width, which may show a column more of its neighbours.
     void ShowSamples(const SampleSpan& samples);
@@ -117,7 +118,9 @@ class TimeAxis {
     void SetZoom(int index);
     void SetPage(const PageSamples& page);
     void FillWith(const SampleSpan& samples);
-    bool SetPageAbout(const PageSamples& page, std::int32_t column);
+    bool SetPageAbout(const PageSamples& page, std::int32_t column, std::int32_t kept);
+    /// In samples, so that the strip is not too long.
+    [[nodiscard]] double LeastPage() const;
     [[nodiscard]] PageSamples PageWithinLimits(double samples) const;
     [[nodiscard]] int NearestZoom() const;
 

@@ -6,13 +6,13 @@
 #include <optional>
 
 #include "view/LaneSettings.h"
+#include "view/TimeAxis.h"
 
 namespace quillon {
 
 /// A view: the visible part of a block, the scale of one axis (see AmplitudeScale), and the lanes.
 struct ViewPlace {
-    int zoom = 0;
-    std::int32_t firstColumn = 0;
+    TimeAxis::Place time;
     int scale = 0;
     std::int64_t shift = 0;
     LaneSettings lanes;

@@ -1,6 +1,9 @@
 #include "view/WaveformView.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <utility>
 
 #include "data/ChannelSelection.h"
 
@@ -60,7 +63,8 @@ void WaveformView::LeaveBlock() {
 }
 
 void WaveformView::BlockLoaded() {
-    m_axis.SetBlock(m_document.Block().sampleCount);
+    const ViewBlock& block = m_document.Block();
+    m_axis.SetBlock(block.sampleCount, block.sampleRate, UsesLanes());
     MakeLanes();
 }
 
@@ -73,14 +77,16 @@ void WaveformView::FitScales(const std::optional<ValueRange>& seen) {
 }
 
 ViewPlace WaveformView::Place() const {
-    return {m_axis.ZoomIndex(), m_axis.FirstColumn(), m_scale.Index(), m_scale.Shift(), m_channelLanes.Settings()};
+    return {m_axis.GetPlace(), m_scale.Index(), m_scale.Shift(), m_channelLanes.Settings()};
 }
 
 void WaveformView::GoBackTo(const ViewPlace& place) {
-    m_axis.Restore(place.zoom, place.firstColumn);
+    m_axis.Restore(place.time);
     m_scale.SelectScale(place.scale);
     m_scale.MoveBaseLine(place.shift - m_scale.Shift());
     m_channelLanes.Restore(place.lanes);
+    // A recording that was reloaded may have other channels.
+    m_axis.SetFree(UsesLanes());
     MakeLanes();
 }
 
@@ -141,14 +147,47 @@ ViewChange WaveformView::SelectZoomX(int index) {
     return Redraw();
 }
 
-ViewChange WaveformView::ZoomX(bool in) {
+ViewChange WaveformView::ZoomX(bool in, std::optional<std::int32_t> hovered) {
+    if (m_axis.IsFree()) {
+        const ViewPlace before = Place();
+        const bool zoomed = m_axis.ZoomAbout(in ? 1 : -1, m_axis.Width() / 2, SampleToKeep(hovered));
+        return zoomed ? Zoomed(before, false) : ViewChange{};
+    }
     // At zooms coarser than the menu's (a long block shown whole) zooming out stops and zooming in continues.
     const int next = m_axis.ZoomIndex() + (in ? -1 : 1);
     if (next < 0 || (!in && next >= TimeAxis::kMenuZoomCount)) return {};
     return SelectZoomX(next);
 }
 
+std::int32_t WaveformView::SampleToKeep(std::optional<std::int32_t> hovered) const {
+    for (const std::int32_t sample : {m_goneTo, hovered.value_or(0)}) {
+        const std::int32_t column = sample > 0 ? m_axis.ColumnOf(sample - 1) : -1;
+        if (column >= 0 && column < m_axis.Width()) return sample;
+    }
+    return 0;
+}
+
+ViewChange WaveformView::Zoomed(const ViewPlace& before, bool newPlace) {
+    m_history.Push(before);
+    const std::int32_t goneTo = std::exchange(m_goneTo, 0);
+    const ViewChange change = Redraw(newPlace);
+    m_goneTo = goneTo;  // the next step keeps it in place too
+    return change;
+}
+
+ViewChange WaveformView::SelectPage(double seconds, std::optional<std::int32_t> hovered) {
+    const ViewPlace before = Place();
+    // Else the page begins where the one before began, in step with the epochs.
+    const std::int32_t kept = SampleToKeep(hovered);
+    if (!m_axis.SelectPage(seconds, 0, kept > 0 ? kept : SampleUnder(m_axis, 0))) return {};
+    return Zoomed(before, false);
+}
+
 ViewChange WaveformView::ZoomAbout(int steps, std::int32_t column) {
+    if (m_axis.IsFree()) {
+        const ViewPlace before = Place();
+        return m_axis.ZoomAbout(steps, column) ? Zoomed(before, true) : ViewChange{};
+    }
     const int now = m_axis.ZoomIndex();
     const int coarsest = std::max(now, TimeAxis::kMenuZoomCount - 1);
     const int next = std::clamp(now - steps, 0, coarsest);
@@ -218,6 +257,7 @@ ViewChange WaveformView::SetLanes(bool on) {
     if (on == m_channelLanes.Settings().on) return {};
     if (m_axis.SampleCount() > 0) Push();
     m_channelLanes.SetOn(on);
+    m_axis.SetFree(UsesLanes());
     return Redraw();
 }
 
@@ -338,13 +378,17 @@ ViewChange WaveformView::Deselect() {
 }
 
 ViewChange WaveformView::MoveSelectionEnd(std::int32_t columns) {
-    const std::int64_t end = std::int64_t{m_selection.end} + std::int64_t{columns} * m_axis.SamplesPerPixel();
+    // At least a sample, also where a sample is wider than a column.
+    const std::int64_t samples = std::llround(std::abs(columns) * m_axis.Grid().SamplesPerColumn());
+    const std::int64_t step = columns == 0 ? 0 : std::max<std::int64_t>(samples, 1);
+    const std::int64_t end = m_selection.end + (columns < 0 ? -step : step);
     m_selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_axis.SampleCount()));
     // Keep the end of the selection in view.
-    const std::int32_t column = m_axis.ColumnOf(m_selection.end - 1);
+    const std::int32_t left = m_axis.ColumnOf(m_selection.end - 1);
+    const std::int32_t right = m_axis.LastColumnOf(m_selection.end - 1);
     ViewChange change;
-    if (column < 0) change = ScrollBy(column);
-    if (column >= m_axis.Width()) change = ScrollBy(column - m_axis.Width() + 1);
+    if (left < 0) change = ScrollBy(left);
+    if (right >= m_axis.Width()) change = ScrollBy(right - m_axis.Width() + 1);
     change.selection = true;
     return change;
 }

@@ -20,20 +20,18 @@ namespace quillon {
 /// Which part of a document's block the graph shows at which scales, what is selected, and the history of views.
 /// Samples count from 1. A command that has no effect returns an empty change.
 ///
-/// The channels share one axis, or each has a lane (see ChannelLanes); commands of the Y scale and of the base line
-/// then act on all lanes. Lanes count from 0 among the visible ones.
+/// The channels share one axis, or each has a lane (see ChannelLanes): commands of the Y scale and of the base line
+/// then act on all lanes, and the time axis is free. Lanes count from 0 among the visible ones.
 class WaveformView {
   public:
     /// The document must outlive this object.
     explicit WaveformView(const Document& document);
-
     [[nodiscard]] const TimeAxis& Axis() const { return m_axis; }
     [[nodiscard]] const Lanes& GetLanes() const { return m_lanes; }
     /// Whether every channel has a lane: lanes are on, and the block has several channels.
     [[nodiscard]] bool UsesLanes() const { return m_channelLanes.IsUsed(); }
-    /// Settings, scales, channels, which lanes are visible.
     [[nodiscard]] const ChannelLanes& LanesOfChannels() const { return m_channelLanes; }
-    /// The lane at a row of the graph; above or below the graph, the nearest one.
+    /// At a row of the graph; above or below the graph, the nearest one.
     [[nodiscard]] std::size_t LaneAt(std::int32_t row) const;
     /// Of one axis: index of the amplitude scale, and rows by which the zero level lies below the middle.
     [[nodiscard]] int ScaleY() const { return m_scale.Index(); }
@@ -59,7 +57,6 @@ class WaveformView {
     /// Chooses a new scale of one axis if the data are not readable at the previous one, or none has been chosen since
     /// the start. `seen` is the range of the visible data, see CentralRange.
     void FitScales(const std::optional<ValueRange>& seen);
-    /// Whether FitScales has had data to choose a scale by since the start.
     [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
 
     /// State that is restored after a reload of the recording.
@@ -69,21 +66,24 @@ class WaveformView {
         Selection selection;
     };
     [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection}; }
-    /// To be called after BlockLoaded; positions past the end of the block are clamped.
+    /// After BlockLoaded; positions past the end of the block are clamped.
     void Restore(const State& state);
 
     ViewChange ScrollBy(std::int32_t columns);
     ViewChange SetScrollValue(std::int32_t value);
     /// 0 start, 1 previous page, 2 next page, 3 end.
     ViewChange GoToPage(int command);
+    /// Moves view and zero level.
     ViewChange Move(std::int32_t columns, std::int64_t rows);
-    /// Moves the zero level by rows.
     ViewChange MoveBaseLine(std::int64_t rows);
     ViewChange SelectZoomX(int index);
-    /// One zoom step, limited to the zooms of the menu.
-    ViewChange ZoomX(bool in);
+    /// One zoom step, on the axis of the table limited to the zooms of the menu. On a free axis the sample gone to,
+    /// else the `hovered` one, stays where it is while it is visible, else the middle.
+    ViewChange ZoomX(bool in, std::optional<std::int32_t> hovered = {});
     /// Steps of the X zoom, finer ones positive; the sample under a column of the graph stays there.
     ViewChange ZoomAbout(int steps, std::int32_t column);
+    /// The page of a free axis, see TimeAxis::SelectPage; the same sample stays, else the first one.
+    ViewChange SelectPage(double seconds, std::optional<std::int32_t> hovered = {});
     /// Steps of the Y scale, finer ones positive.
     ViewChange ZoomY(int steps);
     /// In lanes the scale of the current channel's group: the table's units, or codes, per lane height.
@@ -91,13 +91,12 @@ class WaveformView {
     /// The selected index; -1 where the table lacks the scale.
     [[nodiscard]] int SelectedScaleY() const;
     ViewChange SetBipolar();
-    /// Reads what the recorded ranges of the shown channels lack; in lanes, what the visible columns lack.
+    /// Reads what the ranges of the shown channels lack; in lanes, what the visible columns lack.
     ViewChange FindData();
     ViewChange FitBlock();
     ViewChange FitSelection();
     ViewChange Back();
     ViewChange GoTo(std::int32_t sample);
-    /// These are kept also while the block does not use lanes.
     ViewChange SetLanes(bool on);
     ViewChange SetClip(bool clip);
     ViewChange SetNegativeUp(bool negativeUp);
@@ -108,7 +107,6 @@ class WaveformView {
     /// Fits a lane's channel alone to what is visible of it.
     ViewChange FitLane(std::size_t lane);
     ViewChange ScrollLanes(std::int32_t lanes);
-    /// Moves the lane of a channel to the place of another.
     ViewChange DragTitle(std::int16_t channel, std::size_t to);
     /// The next or previous mark, searched from the target of the last GoTo while the view has not changed since, else
     /// from the middle of the view.
@@ -130,6 +128,8 @@ class WaveformView {
     void MakeLanes();
     /// The channel of a lane; 0 on one axis, and where there is none.
     [[nodiscard]] std::int16_t ChannelOf(std::size_t lane) const;
+    [[nodiscard]] std::int32_t SampleToKeep(std::optional<std::int32_t> hovered) const;
+    ViewChange Zoomed(const ViewPlace& before, bool newPlace);
     void Push() { m_history.Push(Place()); }
     ViewChange Redraw(bool newPlace = false);
 

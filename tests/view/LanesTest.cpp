@@ -191,7 +191,7 @@ TEST_F(LanesTest, AFitHolds99PercentOfTheSamplesOfEveryLane) {
             const LaneChannel own = m_view.LanesOfChannels().Channels()[static_cast<std::size_t>(lane.channels[0] - 1)];
             TraceReader reader;
             reader.Read(*m_document.Block().block, m_view.Extremes(), lane.channels,
-                        {m_view.Axis().Visible(), m_view.Axis().SamplesPerPixel(), 0, kWidth});
+                        StretchOf(m_view.Axis(), 0, kWidth));
             const double half = SpanOfPoints(own, reader.points()[0])->half / (m_view.RawCodes() ? 1000.0 : 1.0);
             if (std::fabs(lane.RowOf(2.0 * half) - lane.RowOf(0.0)) > rows * 0.999) tight.insert(group);
         }
@@ -312,7 +312,7 @@ TEST_F(LanesTest, WhatWasChosenStaysWhileFilesOfTheSameTitlesAreWalkedThrough) {
         }
         // Whatever lies between has scales of its own.
         if (file == 5) Load(Make({{u"X", u"Pa", 0, 3}, {u"Y", u"uV", 0, 40}})), m_view.SetNegativeUp(true);
-        if (file == 5) m_view.Restore({{0, 0, 0, 0, chosen}, {}, {}});
+        if (file == 5) m_view.Restore({{{}, 0, 0, chosen}, {}, {}});
     }
     // Codes have scales of their own, which leave those of values alone.
     m_view.SetRawCodes(true);

@@ -22,7 +22,7 @@ TimeAxis Axis(const ViewBlock& block, std::int32_t width, double page) {
     TimeAxis axis;
     axis.SetWidth(width);
     axis.SetBlock(block.sampleCount, block.sampleRate, true);
-    axis.SelectPage(page, 0);
+    axis.SelectPage(page, 0, 1);
     return axis;
 }
 
@@ -46,7 +46,7 @@ TEST(TimeTicks, AreRoundInEveryFormatAndTellTheDateWhereItChanges) {
     EXPECT_EQ(Majors(axis, block, format), "99 200|199 400|299 600|399 800|499 1000|")
         << "sample 200 is the second one of its column";
     format = {.timeOfDay = true};
-    axis.SelectPage(1200.0, 0);
+    axis.SelectPage(1200.0, 0, 1);
     EXPECT_EQ(Majors(axis, block, format), "0 2023-03-16|125 0:05|250 0:10|375 0:15|");
     format = {.timeUnit = 2};
     EXPECT_EQ(Majors(axis, block, format), "0 0|125 5|250 10|375 15|");
@@ -54,7 +54,7 @@ TEST(TimeTicks, AreRoundInEveryFormatAndTellTheDateWhereItChanges) {
     EXPECT_EQ(Majors(axis, block, format), "0 0|125 300|250 600|375 900|");
     format = {};
     EXPECT_EQ(Majors(axis, block, format), "0 0:00:00|125 0:05:00|250 0:10:00|375 0:15:00|");
-    axis.SelectPage(0.02, 0);
+    axis.SelectPage(0.02, 0, 1);
     EXPECT_EQ(Majors(axis, block, format), "0 0:00:00|125 0:00:00.005|250 0:00:00.01|375 0:00:00.015|");
     const ViewBlock shortBlock = Block(500 * 10, 500.0, 45000.0);
     EXPECT_EQ(Majors(Axis(shortBlock, 500, 2.0), shortBlock, format), "0 0|125 0.5|250 1|375 1.5|");
