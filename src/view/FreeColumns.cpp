@@ -14,9 +14,9 @@ namespace {
 class SampleReader {
   public:
     SampleReader(RecordingBlock& block, std::span<const std::int16_t> channels) : m_block(block), m_channels(channels) {
-        // Reading all channels at once pays where the samples are stored as frames and a good part is wanted.
+        // Reading all channels in one pass pays where a good part of them is wanted.
         const auto all = static_cast<std::size_t>(block.ChannelCount());
-        m_rows = block.FramesAreCheap() && channels.size() * 4 > all ? all : 0;
+        m_rows = channels.size() > 1 && channels.size() * 4 > all ? all : 0;
     }
     void Read(std::int32_t first, std::int32_t count) {
         m_count = static_cast<std::size_t>(count);
@@ -104,7 +104,7 @@ void FreeColumns::Append(const std::int16_t* codes, const ColumnRange& columns, 
 
 FreeColumns::Lists FreeColumns::ReadSamples(std::span<const std::int16_t> channels, const ColumnRange& columns,
                                             std::int32_t end) {
-    constexpr std::int32_t most = 1 << 16;  // samples per channel at once
+    constexpr std::int32_t most = 1 << 13;  // samples per channel at once, so that those of 32 stay in the cache
     SampleReader reader(m_block, channels);
     Lists lists(channels.size());
     for (std::int32_t column = columns.from; column < columns.to;) {

@@ -16,7 +16,8 @@ namespace quillon {
 /// What was computed is kept with the cache.
 class FreeColumns {
   public:
-    static constexpr double kCellColumn = 200.0;  ///< samples
+    /// Samples: below, reading all of them in one pass is faster than reading those at most edges one by one.
+    static constexpr double kCellColumn = 800.0;
 
     FreeColumns(RecordingBlock& block, ExtremesCache& extremes, const ColumnGrid& grid)
         : m_block(block), m_extremes(extremes), m_grid(grid) {}
