@@ -1,0 +1,99 @@
+// Time of a full redraw in lanes at zooms between those of the table, against the nearest of these on the same lanes:
+//     free_axis_time FILE
+// "new" is the first drawing at that zoom where the cells of the block's extremes are known, "again" the next one,
+// "page" shows the next page.
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+#include "BenchData.h"
+#include "base/Text.h"
+#include "norvik/RecordingLibrary.h"
+#include "view/GraphPicture.h"
+
+using namespace quillon;
+
+namespace {
+
+constexpr std::int32_t kWidth = 1500;
+constexpr std::int32_t kHeight = 800;
+
+/// A graph with a lane for every channel of a block.
+struct Graph {
+    explicit Graph(const std::shared_ptr<RecordingBlock>& source) : pixels(std::size_t{kWidth} * kHeight) {
+        block.block = source;
+        block.sampleCount = source->SampleCount();
+        block.sampleRate = source->SampleRate();
+        block.channelCount = source->ChannelCount();
+        const std::int32_t rows = kHeight / block.channelCount;
+        for (std::int16_t channel = 1; channel <= block.channelCount; ++channel) {
+            block.channelNumbers.push_back(source->ChannelNumber(channel));
+            block.invScale.push_back(1.0F / source->ChannelScale(channel));
+            block.offsets.push_back(source->ChannelOffset(channel));
+            Lane lane{.top = (channel - 1) * rows, .height = rows, .single = true, .channels = {channel}};
+            lane.zeroRow = lane.top + rows / 2;
+            const double span = 65536.0 * static_cast<double>(source->ChannelScale(channel));
+            lane.unitsPerDivision = span * AmplitudeScale::kDivision / rows;
+            lanes.push_back(lane);
+        }
+        picture.SetPixels(pixels.data(), kWidth, kHeight);
+    }
+    void Use(bool free) {
+        axis = {};
+        axis.SetWidth(kWidth);
+        axis.SetBlock(block.sampleCount, block.sampleRate, free);
+    }
+    double Draw() {
+        return bench::Seconds([&] { picture.Draw({block, axis, lanes, extremes}); }) * 1e3;
+    }
+    ViewBlock block;
+    TimeAxis axis;
+    Lanes lanes;
+    ExtremesCache extremes;
+    std::vector<std::uint32_t> pixels;
+    GraphPicture picture;
+};
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    if (count < 2) return 2;
+    const std::shared_ptr<RecordingLibrary> library = MakeRecordingLibrary(Language::English);
+    std::shared_ptr<Recording> recording;
+    if (!library->OpenRecording(FromUtf8OrLatin1(arguments[1]), recording)) return 1;
+    const std::shared_ptr<RecordingBlock> block = recording->GetBlock(1);
+    block->Prepare();
+    Graph graph(block);
+    graph.Use(false);
+    graph.axis.ShowSamples({0, block->SampleCount()});
+    std::printf("%d channels, %d samples; fitted cold by the table %.1f ms\n", block->ChannelCount(),
+                block->SampleCount(), graph.Draw());
+    graph.extremes.Reset();
+    graph.Use(true);
+    graph.axis.ShowSamples({0, block->SampleCount()});
+    std::printf("fitted cold on a free axis %.1f ms\n", graph.Draw());
+    std::printf("%12s %12s %10s %10s %10s %10s\n", "per column", "table", "ms", "new", "again", "page");
+    for (double perColumn = 0.02; perColumn * kWidth < block->SampleCount(); perColumn *= 1.7) {
+        graph.Use(false);
+        int zoom = 0;
+        const auto distance = [&](int index) { return std::fabs(std::log(TimeAxis::TableEntry(index) / perColumn)); };
+        while (distance(zoom + 1) < distance(zoom)) ++zoom;
+        graph.axis.SelectZoom(zoom);
+        std::vector<double> table, first, again, page;
+        for (int round = 0; round < 9; ++round) table.push_back(graph.Draw());
+        for (int round = 0; round < 5; ++round) {
+            graph.Use(true);
+            graph.axis.SelectPage(perColumn * kWidth / block->SampleRate(), 0, 1);
+            graph.extremes.Columns() = {};
+            first.push_back(graph.Draw());
+            again.push_back(graph.Draw());
+            graph.axis.ScrollBy(graph.axis.PageShift(2));
+            page.push_back(graph.Draw());
+        }
+        const double nearest = bench::Median(table);
+        std::printf("%12.3f %12d %10.2f %10.2f %10.2f %10.2f\n", perColumn, TimeAxis::TableEntry(zoom), nearest,
+                    bench::Median(first) / nearest, bench::Median(again) / nearest, bench::Median(page) / nearest);
+    }
+    return 0;
+}
