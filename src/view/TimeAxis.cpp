@@ -32,6 +32,7 @@ void TimeAxis::SetBlock(std::int32_t sampleCount, double sampleRate, bool free) 
 void TimeAxis::SetWidth(std::int32_t pixels) {
     const std::int64_t before = std::exchange(m_width, std::max(pixels, 1));
     if (!m_free || before == m_width) return;
+    if (m_takenOver) return TakeOver();
     // A page that begins at a whole number of pages still does.
     const std::int64_t first = (m_first * std::int64_t{m_width} * 2 + before) / (2 * before);
     SetPage(m_page);
@@ -42,14 +43,19 @@ void TimeAxis::SetFree(bool free) {
     if (free == m_free) return;
     m_free = free;
     if (free) {
-        SetPage({std::int64_t{SamplesPerPixel()} * m_width, 1});
-        if (m_samples > 0) m_chosen = PageSeconds();
+        TakeOver();
         return;
     }
     const double middle = static_cast<double>(m_first) + m_width / 2.0;
     const double sample = middle * m_grid.SamplesPerColumn();
     SetZoom(NearestZoom());
     MoveTo(std::llround(sample / SamplesPerPixel() - m_width / 2.0));
+}
+
+void TimeAxis::TakeOver() {
+    SetPage({std::int64_t{SamplesPerPixel()} * m_width, 1});
+    m_takenOver = true;
+    if (m_samples > 0) m_chosen = PageSeconds();
 }
 
 int TimeAxis::NearestZoom() const {
@@ -108,6 +114,7 @@ void TimeAxis::SetZoom(int index) {
 }
 
 void TimeAxis::SetPage(const PageSamples& page) {
+    m_takenOver = false;
     m_page = page;
     // A graph may have grown so wide that its strip would be too long.
     if (page.Count() < LeastPage()) m_page = PageOf(LeastPage());

@@ -33,8 +33,8 @@ class TimeAxis {
     /// a rate count samples as seconds.
     void SetBlock(std::int32_t sampleCount, double sampleRate = 0.0, bool free = false);
     void SetWidth(std::int32_t pixels);
-    /// A free axis takes over the zoom exactly, as a chosen page; back from it the nearest zoom of the table is
-    /// selected.
+    /// A free axis takes over the zoom exactly, also when the width changes before a page is chosen; back from it the
+    /// nearest zoom of the table is selected.
     void SetFree(bool free);
     [[nodiscard]] bool IsFree() const { return m_free; }
 
@@ -115,6 +115,7 @@ class TimeAxis {
   private:
     bool MoveTo(std::int64_t column);
     void SetGrid(const ColumnGrid& grid);
+    void TakeOver();
     void SetZoom(int index);
     void SetPage(const PageSamples& page);
     void FillWith(const SampleSpan& samples);
@@ -132,6 +133,7 @@ class TimeAxis {
     int m_zoom = 0;
     ColumnGrid m_grid;
     bool m_free = false;
+    bool m_takenOver = false;  ///< the page is the width at the table's zoom
     PageSamples m_page;
     double m_chosen = 0.0;
 };

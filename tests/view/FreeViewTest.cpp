@@ -47,6 +47,9 @@ TEST_F(FreeViewTest, ChangingBetweenOneAxisAndLanesKeepsThePlace) {
         m_view.SetLanes(true);
         ASSERT_EQ(std::pair(m_axis.FirstColumn(), Visible()), table) << "nothing jumps";
         ASSERT_EQ(m_axis.ZoomIndex(), zoom);
+        m_view.Arrange(440, 400);  // the titles of lanes take room
+        ASSERT_EQ(std::pair(m_axis.FirstColumn(), m_axis.ZoomIndex()), std::pair(table.first, zoom));
+        m_view.Arrange(500, 400);
         m_view.SetLanes(false);
         ASSERT_EQ(std::pair(m_axis.FirstColumn(), Visible()), table);
     }
