@@ -127,8 +127,8 @@ std::optional<double> ClockSeconds(const TypedNumber& first, Scanner& input) {
     return seconds;
 }
 
-/// Seconds from the block's start to a time of day, of several the one next to `present`. Where the block does not
-/// reach it, its nearer end is taken.
+/// Seconds from the block's start to a time of day, of several the one next to `present`. A time of day that the block
+/// does not reach is taken as time from its start.
 std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, const FormatOptions& format,
                                    double present) {
     constexpr double day = 86400.0;
@@ -137,10 +137,10 @@ std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, con
     double elapsed = timeOfDay - AxisSeconds(block, 0.0, format);
     if (elapsed < 0.0) elapsed += day;  // past midnight
     const double untilStart = day - elapsed;
-    const double pastEnd = elapsed - block.sampleCount / block.sampleRate;
+    const double length = block.sampleCount / block.sampleRate;
     const double first = untilStart < resolution ? elapsed - day : elapsed;
-    if (pastEnd > untilStart) return 0.0;
-    const double last = std::floor((block.sampleCount / block.sampleRate - first) / day);
+    if (first > length + resolution) return timeOfDay <= length ? std::optional(timeOfDay) : std::nullopt;
+    const double last = std::floor((length - first) / day);
     return std::max(first + day * std::clamp(std::nearbyint((present - first) / day), 0.0, std::max(last, 0.0)), 0.0);
 }
 
@@ -177,6 +177,17 @@ std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBl
     }
     if (!seconds) return std::nullopt;
     return ClampedSample(*seconds * block.sampleRate + 1.0, block);
+}
+
+std::optional<PositionRange> ParseRange(std::u16string_view text, const ViewBlock& block, const FormatOptions& format,
+                                        std::int32_t present) {
+    const std::size_t dots = text.find(u"..");
+    if (dots == std::u16string_view::npos) return std::nullopt;
+    const std::optional<std::int32_t> first = ParsePosition(text.substr(0, dots), block, format, present);
+    const std::optional<std::int32_t> last =
+        ParsePosition(text.substr(dots + 2), block, format, first ? *first : present);
+    if (!first || !last) return std::nullopt;
+    return PositionRange{std::min(*first, *last), std::max(*first, *last)};
 }
 
 }  // namespace quillon

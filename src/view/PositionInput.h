@@ -15,9 +15,21 @@ namespace quillon {
 /// - a number without a unit otherwise, or in h, min, s, ms, mks, us (also by their Russian names): time from the
 ///   block's start;
 /// - "h:mm:ss.fff", "m:ss": time from the block's start or, where times are times of day, of those in the block the one
-///   next to the sample `present`.
-/// A place outside the block means its nearer end. None for what is not understood, and in a block without samples.
+///   next to the sample `present`; a time of day outside the block is time from its start.
+/// A place outside the block means its nearer end, except for a time of day that is none from the start either. None
+/// for that and what is not understood, and in a block without samples.
 [[nodiscard]] std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block,
                                                         const FormatOptions& format, std::int32_t present = 1);
+
+/// Samples from 1, both included.
+struct PositionRange {
+    std::int32_t first = 0;
+    std::int32_t last = 0;
+    friend bool operator==(const PositionRange&, const PositionRange&) = default;
+};
+
+/// The range of samples that a text "a..b" of two places means, in any order. None where one of them means no place.
+[[nodiscard]] std::optional<PositionRange> ParseRange(std::u16string_view text, const ViewBlock& block,
+                                                      const FormatOptions& format, std::int32_t present = 1);
 
 }  // namespace quillon

@@ -161,8 +161,18 @@ TEST_F(PositionInputTest, UnderstandsSamplesUnitsAndClockTimes) {
     format.timeOfDay = true;
     EXPECT_EQ(Parse(u"23:59:51"), 101);
     EXPECT_EQ(Parse(u"0:00:01"), 1101) << "past midnight";
-    EXPECT_EQ(Parse(u"23:00:00"), 1) << "the nearer end";
-    EXPECT_EQ(Parse(u"0:30:00"), 20000) << "the nearer end";
+    EXPECT_EQ(Parse(u"0:03:10"), 20000) << "the end of the block";
+    block.startTime = 45000.5;
+    EXPECT_EQ(Parse(u"0:03:15"), 19501) << "no time of day of the block, so from its start";
+    block.startTime = 45000.0 + 86390.0 / 86400.0;
+    EXPECT_EQ(Parse(u"23:00:00"), -1);
+    EXPECT_EQ(Parse(u"0:30:00"), -1) << "neither way";
+    const auto range = [&](std::u16string_view text) { return ParseRange(text, block, format); };
+    EXPECT_EQ(range(u"23:59:51..0:00:01"), (PositionRange{101, 1101}));
+    EXPECT_EQ(range(u" 1.5 s .. .5 s"), (PositionRange{51, 151}));
+    EXPECT_EQ(range(u"#5..#7"), (PositionRange{5, 7}));
+    for (const auto* text : {u"5", u"..", u"1..", u"..2", u"1..x", u"0:30:00..1"})
+        EXPECT_FALSE(range(text)) << Utf8(text);
     EXPECT_EQ(Parse(u"24:00:00"), -1);
     // Of several such times in a long block the one next to the present place.
     block.sampleCount = 100 * 86400 * 3;
