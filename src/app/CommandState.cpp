@@ -1,5 +1,7 @@
 #include "app/CommandState.h"
 
+#include <cmath>
+
 #include "app/Commands.h"
 #include "app/Playback.h"
 #include "app/Settings.h"
@@ -12,6 +14,17 @@ namespace {
 
 bool Within(int id, int first, int count) {
     return id >= first && id < first + count;
+}
+
+/// The entry of the menu of pages that is shown; -1: none of them.
+std::int32_t PageIndex(const TimeAxis& axis) {
+    if (!axis.IsFree() || axis.StripLength() < 1) return -1;
+    constexpr double tolerance = 1e-6;
+    for (int index = 0; index < kPageCount; ++index) {
+        const double length = kPageLengths[static_cast<std::size_t>(index)];
+        if (std::fabs(axis.PageSeconds() - length) < length * tolerance) return index;
+    }
+    return axis.StripLength() <= axis.Width() ? kPageCount : -1;
 }
 
 }  // namespace
@@ -28,6 +41,8 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.hasSelection = view.Selected().active;
     state.hasHistory = view.HasHistory();
     state.zoomX = view.Axis().ZoomIndex();
+    state.hasPages = view.Axis().IsFree();
+    state.page = PageIndex(view.Axis());
     state.canZoomIn = view.Axis().CanZoom(true);
     state.canZoomOut = view.Axis().CanZoom(false);
     const LaneSettings& lanes = view.LanesOfChannels().Settings();
@@ -74,6 +89,7 @@ bool IsEnabled(int id, const CommandState& state) {
     if (Within(id, mnuMove, static_cast<int>(Moves().size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
         id == mnuGoToPlace)
         return state.sampleCount > 0;
+    if (Within(id, mnuPage, kPageCount + 1)) return state.hasPages;
     if (id == mnuZoomX) return state.canZoomOut;
     if (id == mnuZoomX + 1) return state.canZoomIn;
     if (id == mnuZoomY) return state.usesLanes || state.scaleY > 0;
@@ -85,6 +101,7 @@ bool IsEnabled(int id, const CommandState& state) {
 bool IsChecked(int id, const CommandState& state) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == state.zoomX;
     if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == state.scaleY;
+    if (Within(id, mnuPage, kPageCount + 1)) return id - mnuPage == state.page;
     if (id == mnuSpectrogram) return state.spectrogramShown;
     if (id == mnuLanes) return state.lanes;
     if (id == mnuNegativeUp) return state.lanes && state.negativeUp;

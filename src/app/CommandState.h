@@ -21,6 +21,8 @@ struct CommandState {
     bool hasHistory = false;  ///< there are previous views to return to
     std::int32_t zoomX = 0;   ///< indexes in the tables of scales; -1: not in the table
     std::int32_t scaleY = 0;  ///< -1: none of the table
+    bool hasPages = false;    ///< the time axis is free
+    std::int32_t page = -1;   ///< index in the menu of pages; -1: another length
     bool canZoomIn = false;   ///< along the time axis; not at its finest zoom, which zoomX 0 is
     bool canZoomOut = true;
     bool spectrogramShown = false;

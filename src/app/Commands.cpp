@@ -47,6 +47,9 @@ constexpr std::array kTree{
     Popup(1, IDS_MENU_XZOOM),
     Entry(2, mnuScaleX, 0, TimeAxis::kMenuZoomCount),
     Entry(2, mnuZoomX, IDS_ZOOMX_0, 2),
+    Popup(1, IDS_MENU_PAGE),
+    Entry(2, mnuPage, 0, kPageCount),
+    Entry(2, mnuPage + kPageCount, IDS_PAGE_WHOLE),
     Separator(1),
     Entry(1, mnuGoTo, IDS_GOTO_0, 4),
     Popup(0, IDS_MENU_GRAPH),
@@ -168,6 +171,8 @@ int CaptionId(int command) {
 
 std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return ZoomCaption(id - mnuScaleX);
+    if (Within(id, mnuPage, kPageCount))
+        return PageCaption(kPageLengths[static_cast<std::size_t>(id - mnuPage)], separator);
     return ScaleCaption(id - mnuScaleY, rawCodes, separator);
 }
 

@@ -27,6 +27,7 @@ enum CommandId : int {
     mnuScaleX = 1100,
     mnuZoomX = 1120,
     mnuGoTo = 1130,
+    mnuPage = 1140,  ///< by length, see kPageLengths; behind them the whole block
     mnuScaleY = 1200,
     mnuZoomY = 1230,
     mnuBaseLine = 1240,
@@ -83,7 +84,7 @@ struct MenuEntry {
 /// String that names a command; 0 for one whose caption is computed.
 [[nodiscard]] int CaptionId(int command);
 
-/// Caption of an entry whose captions are computed (the zoom and scale lists).
+/// Caption of an entry whose captions are computed (the lists of zooms, pages and scales).
 [[nodiscard]] std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator);
 
 /// Pictures of the buttons.

@@ -8,7 +8,8 @@
 
 namespace quillon {
 
-/// The commands that turn lanes and their ways of drawing on and off; remembered between runs.
+/// The commands that turn lanes and their ways of drawing on and off. These and the page of their time axis are
+/// remembered between runs.
 class LaneCommands {
   public:
     /// All arguments must outlive this object.

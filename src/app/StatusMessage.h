@@ -14,7 +14,6 @@ class StatusMessage {
         Progress,    ///< work behind what is shown
         Sound,       ///< playback position, or why nothing is played
         Unreadable,  ///< samples that cannot be read
-        Place,       ///< a typed position that could not be parsed
         Reload,      ///< the file of the recording has changed
         Refusal,     ///< the selected file is no recording
         Hint,        ///< of something that helps with what is shown

@@ -67,6 +67,10 @@ PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services) {
                                           (unit.empty() ? unit : u' ' + unit) + services.Text(IDS_PER_DIVISION)
                                     : facts.laneScale + services.Text(IDS_PER_LANE);
     panel(StatusPanel::XPart) = VisiblePart(facts.axis, format.decimalSeparator);
+    if (facts.axis.IsFree()) {
+        panel(StatusPanel::XPart) =
+            PageCaption(facts.axis.PageSeconds(), format.decimalSeparator) + u" (" + panel(StatusPanel::XPart) + u')';
+    }
     panel(StatusPanel::Size) = u"S: " + Decimal(block.sampleCount);
     if (block.sampleRate > 0.0) {
         FormatOptions length = format;

@@ -18,6 +18,11 @@ void ViewCommands::ChangeView(int index) {
     onHistory();
 }
 
+void ViewCommands::SelectPage(int index, std::optional<std::int32_t> hovered) {
+    if (index == kPageCount) return ChangeView(1);
+    onChange(m_view.SelectPage(kPageLengths[static_cast<std::size_t>(index)], hovered));
+}
+
 void ViewCommands::GoToMark(bool next) {
     if (const std::optional<std::int32_t> sample = m_view.MarkFrom(next)) GoTo(*sample);
 }
@@ -26,6 +31,18 @@ void ViewCommands::GoTo(std::int32_t sample) {
     onChange(m_view.GoTo(sample));
     // The readout shows the sample where the view could not scroll to it.
     onReadout(sample);
+}
+
+void ViewCommands::GoTo(const GoToMeaning& place) {
+    if (place.page) onChange(m_view.SelectPage(*place.page));
+    if (place.sample) GoTo(*place.sample);
+    if (!place.range) return;
+    onSelect();
+    const auto [first, last] = *place.range;
+    const SampleSpan visible = m_view.Axis().Visible();
+    if (first <= visible.first || last > visible.End())
+        onChange(m_view.GoTo(last - first < visible.count ? first + (last - first) / 2 : first));
+    onChange(m_view.Select(first, last));
 }
 
 void ViewCommands::Select(int index) {

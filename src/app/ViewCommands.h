@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 #include "app/Commands.h"
+#include "app/GoToInput.h"
 #include "app/Playback.h"
 #include "data/Document.h"
 #include "view/WaveformView.h"
@@ -28,9 +30,13 @@ class ViewCommands {
     void MoveView(const Move& move);
     /// 0 fit the selection, 1 fit the block, 2 previous view.
     void ChangeView(int index);
+    /// By its index in kPageLengths; behind them the whole block. `hovered`: see WaveformView::ZoomX.
+    void SelectPage(int index, std::optional<std::int32_t> hovered);
     void GoToMark(bool next);
     /// Scrolls to a sample and shows its readout.
     void GoTo(std::int32_t sample);
+    /// What was typed: the page is chosen, then a range selected, in view where it fits, or a sample gone to.
+    void GoTo(const GoToMeaning& place);
     /// 0 the block, 1 the visible range, 2 nothing; during playback or work that is reported, 2 only stops that.
     void Select(int index);
     /// 0 the channel of the menu or the current one, 1 all, 2 stop.

@@ -90,7 +90,10 @@ TextTable KeysTable(const UserServices& services) {
     table.close = services.Text(IDS_CLOSE);
     table.copy = services.Text(IDS_COPY);
     for (const KeyBinding& binding : KeyBindings()) {
-        std::u16string action = PlainCaption(services.Text(CaptionId(binding.command)));
+        const int captionId = CaptionId(binding.command);
+        std::u16string action =
+            PlainCaption(captionId == 0 ? ComputedCaption(binding.command, false, u'.') : services.Text(captionId));
+        if (captionId == 0) action.insert(0, PlainCaption(services.Text(IDS_MENU_PAGE)) + u": ");
         // The menus use the same captions for both zooms.
         if (binding.command / 2 == mnuZoomX / 2) action.insert(0, PlainCaption(services.Text(IDS_MENU_XZOOM)) + u": ");
         if (binding.command / 2 == mnuZoomY / 2) action.insert(0, PlainCaption(services.Text(IDS_MENU_YSCALE)) + u": ");

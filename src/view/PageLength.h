@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace quillon {
@@ -14,6 +16,10 @@ struct PageSamples {
     [[nodiscard]] double Count() const { return static_cast<double>(samples) / static_cast<double>(parts); }
     friend bool operator==(const PageSamples&, const PageSamples&) = default;
 };
+
+/// Pages that the menu offers, in seconds.
+inline constexpr std::array<double, 13> kPageLengths{1, 2, 5, 10, 15, 20, 30, 60, 120, 300, 600, 1800, 3600};
+inline constexpr int kPageCount = static_cast<int>(kPageLengths.size());
 
 /// The rational number nearest to a number of samples, which is above 0 and at most 2^31.
 [[nodiscard]] PageSamples PageOf(double samples);

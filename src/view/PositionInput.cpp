@@ -98,7 +98,9 @@ struct TimeUnit {
     double seconds;
 };
 
-constexpr std::array<TimeUnit, 12> kTimeUnits{{{u"", 1.0},
+constexpr std::array<TimeUnit, 14> kTimeUnits{{{u"", 1.0},
+                                               {u"d", 86400.0},
+                                               {u"д", 86400.0},
                                                {u"h", 3600.0},
                                                {u"ч", 3600.0},
                                                {u"min", 60.0},
@@ -125,6 +127,15 @@ std::optional<double> ClockSeconds(const TypedNumber& first, Scanner& input) {
     }
     if (!input.AtEnd()) return std::nullopt;
     return seconds;
+}
+
+/// Seconds of a number that the name of a unit follows, or nothing.
+std::optional<double> InUnit(double number, Scanner& input) {
+    const std::u16string_view name = input.Rest();
+    const auto* const unit = std::find_if(kTimeUnits.begin(), kTimeUnits.end(),
+                                          [&](const TimeUnit& candidate) { return candidate.name == name; });
+    if (unit == kTimeUnits.end()) return std::nullopt;
+    return number * unit->seconds;
 }
 
 /// Seconds from the block's start to a time of day, of several the one next to `present`. A time of day that the block
@@ -170,13 +181,19 @@ std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBl
         if (seconds && format.timeOfDay)
             seconds = ElapsedUntil(*seconds, block, format, (present - 1) / block.sampleRate);
     } else {
-        const std::u16string_view name = input.Rest();
-        const auto* const unit = std::find_if(kTimeUnits.begin(), kTimeUnits.end(),
-                                              [&](const TimeUnit& candidate) { return candidate.name == name; });
-        if (unit != kTimeUnits.end()) seconds = number->value * unit->seconds;
+        seconds = InUnit(number->value, input);
     }
     if (!seconds) return std::nullopt;
     return ClampedSample(*seconds * block.sampleRate + 1.0, block);
+}
+
+std::optional<double> ParseLength(std::u16string_view text, const FormatOptions& format) {
+    Scanner input(text, format.decimalSeparator);
+    const std::optional<TypedNumber> number = input.Number(true);
+    if (!number) return std::nullopt;
+    const std::optional<double> seconds =
+        input.NextIs(u':') ? ClockSeconds(*number, input) : InUnit(number->value, input);
+    return seconds && std::isfinite(*seconds) && *seconds > 0.0 ? seconds : std::nullopt;
 }
 
 std::optional<PositionRange> ParseRange(std::u16string_view text, const ViewBlock& block, const FormatOptions& format,

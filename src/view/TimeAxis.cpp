@@ -167,6 +167,8 @@ bool TimeAxis::SetPageAbout(const PageSamples& page, std::int32_t column, std::i
     if (kept > 0) target = m_grid.FirstColumn(sample);
     const std::int32_t highest = sample < m_samples ? m_length : std::max(m_length - m_width, 0);
     m_first = static_cast<std::int32_t>(std::clamp<std::int64_t>(target - column, 0, highest));
+    // Nothing beside a block that is shown whole.
+    if (m_length <= m_width) m_first = 0;
     return true;
 }
 

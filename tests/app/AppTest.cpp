@@ -8,9 +8,11 @@
 #include <tuple>
 #include <vector>
 
+#include "app/GoToInput.h"
 #include "app/HelpFile.h"
 #include "app/MainSplitters.h"
 #include "app/PanelTable.h"
+#include "app/StringIds.h"
 #include "app/ValuesReadout.h"
 #include "app/ViewTables.h"
 #include "support/FakeRecording.h"
@@ -279,6 +281,33 @@ TEST(HelpFile, TheUsersChoiceDecidesBetweenTwoFilesOnly) {
         std::int16_t chosen = choice;
         EXPECT_EQ(ChooseHelpFile(lookup, u"C:\\Q", chosen, language), file);
         EXPECT_EQ(chosen, after);
+    }
+}
+
+TEST(GoToInput, OnlyWhatWasTypedCountsAndNothingHappensByHalves) {
+    ViewBlock block;
+    block.sampleCount = 1000;
+    block.sampleRate = 10.0;
+    FormatOptions format;
+    format.timeOfDay = false;
+    const GoToTexts offered{u"5 s", u"10 s"};
+    const auto mean = [&](const std::u16string& place, const std::u16string& page) {
+        return MeaningOf({place, page}, offered, block, format, 51);
+    };
+    EXPECT_EQ(mean(u"5 s", u"10 s").sample, 51);
+    const GoToMeaning page = mean(u"5 s", u"12.5 s");
+    EXPECT_EQ(page.page, 12.5);
+    EXPECT_FALSE(page.sample) << "the view stays where it is";
+    const GoToMeaning both = mean(u"3 s", u"20 s");
+    EXPECT_EQ(both.page, 20.0);
+    EXPECT_EQ(both.sample, 31);
+    EXPECT_EQ(mean(u"#9..#3", u"10 s").range, (PositionRange{3, 9}));
+    EXPECT_FALSE(mean(u"#9..#3", u"10 s").sample);
+    for (const auto& [place, length, refusal] :
+         {std::tuple{u"3 s", u"0", IDS_PAGE_BAD}, {u"x", u"20 s", IDS_PLACE_BAD}, {u"x", u"x", IDS_PAGE_BAD}}) {
+        const GoToMeaning refused = mean(place, length);
+        EXPECT_EQ(refused.refusal, refusal);
+        EXPECT_FALSE(refused.page || refused.sample || refused.range);
     }
 }
 

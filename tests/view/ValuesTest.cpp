@@ -181,6 +181,21 @@ TEST_F(PositionInputTest, UnderstandsSamplesUnitsAndClockTimes) {
     EXPECT_EQ(ParsePosition(u"23:59:50", block, format, 8640000 * 2 + 5), 1 + 8640000 * 2);
 }
 
+TEST_F(PositionInputTest, LengthsAreWrittenAsTimesAre) {
+    const auto length = [&](std::u16string_view text) { return ParseLength(text, format).value_or(-1.0); };
+    for (const auto& [text, seconds] : {std::pair{u"12.5 s", 12.5},
+                                        {u" 12,5\u0441", 12.5},
+                                        {u"10", 10.0},
+                                        {u"1:30", 90.0},
+                                        {u"2 min", 120.0},
+                                        {u"0.5 h", 1800.0},
+                                        {u"2 d", 172800.0},
+                                        {u"20 ms", 0.02}})
+        EXPECT_DOUBLE_EQ(length(text), seconds) << Utf8(text);
+    for (const auto* text : {u"", u"0", u"0 s", u"-1 s", u"#5", u"5 x", u"1e999", u"1:60"})
+        EXPECT_EQ(length(text), -1.0) << Utf8(text);
+}
+
 TEST_F(PositionInputTest, ReadsBackEveryTextOfThePosition) {
     std::mt19937 random(5);
     for (int round = 0; round < 20000; ++round) {

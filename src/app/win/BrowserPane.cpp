@@ -218,14 +218,17 @@ void BrowserPane::RenameSelected() {
     const std::wstring folder = m_browser.Folder();
     const std::wstring name = m_browser.SelectedFile();
     if (name.empty()) return;
-    const std::optional<std::wstring> answer =
-        AskForText(m_parts.longCommand.Window(),
-                   {Wide(m_parts.services.Text(IDS_RENAME)), Wide(m_parts.services.Text(IDS_NEW_NAME)),
-                    Wide(m_parts.services.Text(IDS_OK)), Wide(m_parts.services.Text(IDS_CANCEL))},
-                   name, name.rfind(L'.'));
-    if (m_parts.longCommand.IsGone() || !answer || answer->empty() || *answer == name) return;
+    const auto text = [this](int id) { return Wide(m_parts.services.Text(id)); };
+    const auto answers = AskForText(m_parts.longCommand.Window(), {.title = text(IDS_RENAME),
+                                                                   .ok = text(IDS_OK),
+                                                                   .cancel = text(IDS_CANCEL),
+                                                                   .lines = {{text(IDS_NEW_NAME), name}},
+                                                                   .selected = name.rfind(L'.')});
+    if (m_parts.longCommand.IsGone() || !answers) return;
+    const std::wstring& answer = answers->front();
+    if (answer.empty() || answer == name) return;
     const std::u16string failure = Narrow16(name) + u": " + m_parts.services.Text(IDS_RENAME_FAILED);
-    if (!PlanRename(Narrow16(folder), Narrow16(name), Narrow16(*answer))) {
+    if (!PlanRename(Narrow16(folder), Narrow16(name), Narrow16(answer))) {
         // The shell could do nothing; the recording stays open.
         Tell(failure);
         return;
@@ -233,13 +236,13 @@ void BrowserPane::RenameSelected() {
     onClose();
     m_watch->StopWatch();
     if (!m_parts.longCommand.RunPending()) return;
-    const FileOperationResult result = RenameFile(folder, name, *answer, m_parts.longCommand.Window());
+    const FileOperationResult result = RenameFile(folder, name, answer, m_parts.longCommand.Window());
     if (m_parts.longCommand.IsGone()) return;
     Refresh();
     if (m_browser.Folder() != folder) return;
     const bool renamed = result == FileOperationResult::Done;
-    if (renamed && !m_browser.SelectFileNamed(*answer)) {
-        OpenUnlisted(*answer);
+    if (renamed && !m_browser.SelectFileNamed(answer)) {
+        OpenUnlisted(answer);
         return;
     }
     ClickFile();

@@ -12,23 +12,23 @@
 #include "dialogs/win/dlgSplit.h"
 #include "export/QL_Export.h"
 #include "export/win/ImageCopy.h"
-#include "view/PositionInput.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
 void DialogCommands::GoToPlace() {
-    const std::int32_t present = SampleUnder(m_shared.view.Axis(), 0);
-    const std::optional<std::u16string> answer =
-        AskForPlace(m_parts.window.Window(), PositionText(Block(), present, u" ", m_shared.format), m_shared.services);
-    if (!answer || m_parts.window.IsGone() || Block().sampleCount == 0) return;
-    const std::optional<std::int32_t> sample = ParsePosition(*answer, Block(), m_shared.format, present);
-    if (!sample) {
-        m_parts.status.Tell(StatusBar::Topic::Place, *answer + u": " + m_shared.services.Text(IDS_PLACE_BAD));
-        return;
-    }
+    const TimeAxis& axis = m_shared.view.Axis();
+    const std::int32_t present = SampleUnder(axis, 0);
+    const std::shared_ptr<RecordingBlock> block = Block().block;
+    const GoToTexts offered{
+        PositionText(Block(), present, u" ", m_shared.format),
+        axis.IsFree() ? PageCaption(axis.PageSeconds(), m_shared.format.decimalSeparator) : std::u16string()};
+    const auto meaning = AskForPlace(m_parts.window.Window(), offered, m_shared.services, [&](const GoToTexts& typed) {
+        return MeaningOf(typed, offered, Block(), m_shared.format, present);
+    });
+    if (!meaning || m_parts.window.IsGone() || Block().block != block) return;
     m_parts.status.Tell(StatusBar::Topic::Outcome, {});
-    onGoTo(*sample);
+    onGoTo(*meaning);
 }
 
 void DialogCommands::Statistics() {

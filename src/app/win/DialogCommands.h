@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "app/GoToInput.h"
 #include "app/win/RoomParts.h"
 #include "view/Statistics.h"
 
@@ -30,7 +31,7 @@ class DialogCommands {
 
     // To be set by the owner.
     std::function<void()> onHelp;                                   ///< the user asked for help in a dialog
-    std::function<void(std::int32_t sample)> onGoTo;                ///< request to show a sample
+    std::function<void(const GoToMeaning& place)> onGoTo;           ///< request to show a place
     std::function<void()> onRedraw;                                 ///< the settings have changed
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that no command may interrupt
     std::function<void(StatisticsPass* pass)> onStatistics;         ///< see ShowStatistics

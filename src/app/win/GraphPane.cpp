@@ -381,6 +381,11 @@ void GraphPane::HoverAgain() {
         Hover(static_cast<int>(m_hover.Point().x), static_cast<int>(m_hover.Point().y));
 }
 
+std::optional<std::int32_t> GraphPane::HoveredSample() const {
+    if (m_hover.Picture() == nullptr || m_hover.Picture() != m_graph.Window()) return std::nullopt;
+    return SampleUnder(m_view.Axis(), static_cast<std::int32_t>(m_hover.Point().x));
+}
+
 void GraphPane::ShowSample(std::int32_t sample) {
     ReadOut(sample, m_view.Axis().ColumnOf(sample - 1), 0);
 }

@@ -86,6 +86,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void ShowCursor(const std::optional<ColumnBand>& band);
     /// Shows the readout of a sample, independent of the pointer.
     void ShowSample(std::int32_t sample);
+    /// The sample (from 1) under the pointer, while values are read out there.
+    [[nodiscard]] std::optional<std::int32_t> HoveredSample() const;
     /// Asks for the context menu at the corner of the graph, for no channel.
     void OpenContextMenu() const;
     /// The view has scrolled under a resting pointer: updates the readout.

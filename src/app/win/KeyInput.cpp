@@ -11,6 +11,7 @@ namespace {
 
 Key KeyOf(WPARAM code) {
     if ((code >= 'A' && code <= 'Z') || (code >= '0' && code <= '9')) return static_cast<Key>(code);
+    if (code >= VK_NUMPAD0 && code <= VK_NUMPAD9) return static_cast<Key>('0' + code - VK_NUMPAD0);
     switch (code) {
         case VK_LEFT: return Key::Left;
         case VK_RIGHT: return Key::Right;

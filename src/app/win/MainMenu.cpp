@@ -21,9 +21,9 @@ std::wstring Escaped(const std::u16string& name) {
 }  // namespace
 
 std::wstring MainMenu::CaptionOf(const MenuEntry& entry, int index) const {
-    if (entry.captionId == 0)
-        return Wide(ComputedCaption(entry.id + index, m_view.RawCodes(), m_format.decimalSeparator));
-    const std::u16string caption = m_services.Text(entry.captionId + index);
+    const std::u16string caption = entry.captionId == 0
+                                       ? ComputedCaption(entry.id + index, m_view.RawCodes(), m_format.decimalSeparator)
+                                       : m_services.Text(entry.captionId + index);
     const std::u16string accelerator = AcceleratorText(entry.id + index, m_services);
     return Wide(accelerator.empty() ? caption : caption + u'\t' + accelerator);
 }
@@ -40,6 +40,7 @@ void MainMenu::Fill(HMENU menu, std::span<const MenuEntry> entries) {
             AppendMenuW(parent, MF_POPUP, reinterpret_cast<UINT_PTR>(popup),
                         Wide(m_services.Text(entry.captionId)).c_str());
             if (entry.captionId == IDS_MENU_XZOOM) m_zoomMenu = popup;
+            if (entry.captionId == IDS_MENU_PAGE) m_pageMenu = popup;
             parents.push_back(popup);
         } else {
             for (int index = 0; index < entry.count; ++index) {
@@ -66,8 +67,8 @@ int MainMenu::ShowContextMenu(HWND owner, POINT screen) {
 void MainMenu::ShowZooms(HWND owner, HWND control) const {
     RECT place{};
     GetWindowRect(control, &place);
-    TrackPopupMenu(m_zoomMenu, TPM_CENTERALIGN | TPM_BOTTOMALIGN, (place.left + place.right) / 2, place.top, 0, owner,
-                   nullptr);
+    TrackPopupMenu(m_view.Axis().IsFree() ? m_pageMenu : m_zoomMenu, TPM_CENTERALIGN | TPM_BOTTOMALIGN,
+                   (place.left + place.right) / 2, place.top, 0, owner, nullptr);
 }
 
 void MainMenu::ShowFolders(HWND owner, HWND control, const PathList& pathList) const {

@@ -29,7 +29,7 @@ class MainMenu {
     void Open(HMENU menu, Playback& playback, const std::function<CommandState()>& state) const;
     /// The menu of the graph; returns the chosen command, 0 without one.
     int ShowContextMenu(HWND owner, POINT screen);
-    /// The list of X zooms above the control.
+    /// The list of X zooms, on a free axis that of pages, above the control.
     void ShowZooms(HWND owner, HWND control) const;
     /// The path list below the control.
     void ShowFolders(HWND owner, HWND control, const PathList& pathList) const;
@@ -44,6 +44,7 @@ class MainMenu {
     const FormatOptions& m_format;
     Menu m_menu;
     HMENU m_zoomMenu = nullptr;  ///< the list of X zooms, part of m_menu
+    HMENU m_pageMenu = nullptr;  ///< the list of pages, part of m_menu
 };
 
 }  // namespace quillon

@@ -125,7 +125,7 @@ void MainRooms::WireCommands() {
     commands.onSelect = [this] { graph.EndSelecting(); };
     commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
     dialogs.onHelp = [this] { onHelp(); };
-    dialogs.onGoTo = [this](std::int32_t sample) { commands.GoTo(sample); };
+    dialogs.onGoTo = [this](const GoToMeaning& place) { commands.GoTo(place); };
     dialogs.onRedraw = [this] { Refresh(); };
     dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
     dialogs.onStatistics = [this](StatisticsPass* pass) {
@@ -307,8 +307,6 @@ void MainRooms::Refresh(std::int32_t shift) {
     if (graph.FitDrawn()) graph.Refresh(0);
     slices.GraphDrawn();
     if (m_complete) slices.DrawSpectrogram(false);
-    // Once the view has changed, clear the message about a position that was not understood.
-    status.Retract(StatusBar::Topic::Place);
     m_texts.TellUnreadable(shift == 0 || std::abs(shift) >= view.Axis().Width());
     UpdateState();
     if (!m_complete) return;

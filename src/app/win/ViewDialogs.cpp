@@ -32,14 +32,21 @@ void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& se
     });
 }
 
-std::optional<std::u16string> AskForPlace(HWND owner, const std::u16string& present, const UserServices& services) {
-    const std::optional<std::wstring> answer =
-        AskForText(owner,
-                   {Wide(PlainCaption(services.Text(IDS_GOTOPLACE))), Wide(services.Text(IDS_PLACE_PROMPT)),
-                    Wide(services.Text(IDS_OK)), Wide(services.Text(IDS_CANCEL))},
-                   Wide(present));
-    if (!answer) return std::nullopt;
-    return Narrow16(*answer);
+std::optional<GoToMeaning> AskForPlace(HWND owner, const GoToTexts& offered, const UserServices& services,
+                                       const std::function<GoToMeaning(const GoToTexts&)>& meaningOf) {
+    const auto text = [&](int id) { return Wide(services.Text(id)); };
+    InputBox box{.title = Wide(PlainCaption(services.Text(IDS_GOTOPLACE))),
+                 .ok = text(IDS_OK),
+                 .cancel = text(IDS_CANCEL),
+                 .lines = {{text(IDS_PLACE_PROMPT), Wide(offered.place)}}};
+    if (!offered.page.empty()) box.lines.push_back({text(IDS_PAGE_PROMPT), Wide(offered.page)});
+    GoToMeaning meaning;
+    box.refusal = [&](const std::vector<std::wstring>& texts) {
+        meaning = meaningOf({Narrow16(texts[0]), texts.size() > 1 ? Narrow16(texts[1]) : offered.page});
+        return meaning.refusal == 0 ? std::wstring() : text(meaning.refusal);
+    };
+    if (!AskForText(owner, box)) return std::nullopt;
+    return meaning;
 }
 
 }  // namespace quillon

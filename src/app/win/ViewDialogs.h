@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "app/GoToInput.h"
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
 #include "view/Readout.h"
@@ -19,8 +20,9 @@ namespace quillon {
 void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services,
                     const std::function<void(StatisticsPass* pass)>& onWork);
 
-/// Asks for a place of the block; `present` is the initial text. None when the user cancels.
-[[nodiscard]] std::optional<std::u16string> AskForPlace(HWND owner, const std::u16string& present,
-                                                        const UserServices& services);
+/// Asks for a place of the block and, unless `offered.page` is empty, for a page; `offered` are the initial texts. None
+/// when the user cancels. What `meaningOf` refuses is told in the box.
+[[nodiscard]] std::optional<GoToMeaning> AskForPlace(HWND owner, const GoToTexts& offered, const UserServices& services,
+                                                     const std::function<GoToMeaning(const GoToTexts&)>& meaningOf);
 
 }  // namespace quillon

@@ -20,9 +20,10 @@ struct Effect {
     int command;
     const char* keys;
     const char* changes;
-    int before = 0;  ///< a command that has to be run first for it to have an effect, or one of the two below
+    int before = 0;  ///< a command that has to be run first for it to have an effect, or one of those below
 };
 constexpr int kSelected = -1;      ///< samples 12001 to 12400 are selected
+constexpr int kInLanes = -3;       ///< lanes are on, with a page of 7 s
 constexpr int kFolderChosen = -2;  ///< the folder "sub" is chosen in its list
 
 const Effect kEffects[] = {
@@ -40,13 +41,28 @@ const Effect kEffects[] = {
     {mnuTabFile + 1, "", "pages=11", mnuTabFile},
     {mnuSpectrogram, "G", "spectrogram=1"},
     {mnuNextPalette, "Shift+G", "palette=1"},
-    {mnuLanes, "L", "lanes=on,"},
+    {mnuLanes, "L", "lanes=on, page=1.083 min"},
     {mnuNegativeUp, "", "lanes=on,up,", mnuLanes},
     {mnuClipToLanes, "", "lanes=on,clip,", mnuLanes},
     {mnuScaleX, "", "column=13024 zoom=0"},
     {mnuScaleX + 6, "", "column=0 zoom=6"},
     {mnuZoomX, "Ctrl+Minus", "column=332 zoom=4"},
     {mnuZoomX + 1, "Ctrl+Plus", "column=2336 zoom=2"},
+    {mnuPage, "1", "column=65000 page=1 s", kInLanes},
+    {mnuPage + 1, "2", "column=32500 page=2 s", kInLanes},
+    {mnuPage + 2, "3", "column=13000 page=5 s", kInLanes},
+    {mnuPage + 3, "4", "column=6500 page=10 s", kInLanes},
+    {mnuPage + 4, "5", "column=4333 page=15 s", kInLanes},
+    {mnuPage + 5, "6", "column=3250 page=20 s", kInLanes},
+    {mnuPage + 6, "7", "column=2166 page=30 s", kInLanes},
+    {mnuPage + 7, "8", "column=1083 page=1 min", kInLanes},
+    {mnuPage + 8, "9", "column=541 page=2 min", kInLanes},
+    // Longer ones show the whole block.
+    {mnuPage + 9, "", "column=0 page=3.333 min", kInLanes},
+    {mnuPage + 10, "", "column=0 page=3.333 min", kInLanes},
+    {mnuPage + 11, "", "column=0 page=3.333 min", kInLanes},
+    {mnuPage + 12, "", "column=0 page=3.333 min", kInLanes},
+    {mnuPage + 13, "", "column=0 page=3.333 min", kInLanes},
     {mnuGoTo + 0, "Home", "column=0"},
     {mnuGoTo + 1, "PgUp", "column=400"},
     {mnuGoTo + 2, "PgDn", "column=1600"},
@@ -170,6 +186,10 @@ class EffectTest : public MainWindowTest {
         state.history.Clear();
         m_global.view->Restore(state);
         if (effect.before > 0) Command(effect.before);
+        if (effect.before == kInLanes) {
+            Command(mnuLanes);
+            m_global.view->SelectPage(7.0);
+        }
         if (effect.before == kSelected) m_global.view->Select(12001, 12400);
         if (effect.before == kFolderChosen) SendMessageW(Control(lstDir), LB_SETCURSEL, Lines(lstDir).size() - 1, 0);
         if (OpenClipboard(m_form->Window())) {
@@ -203,6 +223,8 @@ class EffectTest : public MainWindowTest {
         if (!own.contains(dialog)) dialog = L"of the shell";
         return {{"column", std::to_string(m_global.view->Axis().FirstColumn())},
                 {"zoom", std::to_string(m_global.view->Axis().ZoomIndex())},
+                {"page",
+                 m_global.view->Axis().IsFree() ? Utf8(PageCaption(m_global.view->Axis().PageSeconds(), u'.')) : ""},
                 {"scale", std::to_string(m_global.view->ScaleY())},
                 {"shift", std::to_string(m_global.view->BaseLineShift())},
                 {"lanes", lanes},

@@ -127,17 +127,39 @@ TEST_F(WaveformViewTest, ArrowsTellOfTracesOutOfSight) {
     }
 }
 
-TEST_F(WaveformViewTest, PlacesAreGoneTo) {
+TEST_F(WaveformViewTest, PlacesRangesAndPagesAreGoneTo) {
     StartWith(Noise(100000, 2));
     const TimeAxis& axis = m_global.view->Axis();
-    for (const wchar_t* place : {L"#50000", L"somewhere"}) {
-        CommandWith(mnuGoToPlace, [place](HWND dialog) {
+    // Two lines, the second one empty where it is not to be changed; what the box says against them before it is left.
+    const auto type = [&](const wchar_t* place, const wchar_t* page) {
+        std::wstring refusal;
+        CommandWith(mnuGoToPlace, [&, place, page](HWND dialog) {
             SetDlgItemTextW(dialog, 101, place);
-            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+            if (*page != 0) SetDlgItemTextW(dialog, 111, page);
+            SendMessageW(dialog, WM_COMMAND, IDOK, 0);
+            refusal = WindowText(GetDlgItem(dialog, 99));
+            if (!refusal.empty()) PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         });
-        EXPECT_EQ(SampleUnder(axis, axis.Width() / 2), 50000);
-    }
-    EXPECT_THAT(Status(), HasSubstr(L"somewhere"));
+        return refusal;
+    };
+    const auto middle = [&] { return SampleUnder(axis, axis.Width() / 2); };
+    EXPECT_EQ(type(L"#50000", L""), L"");
+    EXPECT_EQ(middle(), 50000);
+    EXPECT_THAT(type(L"somewhere", L""), HasSubstr(L"no such place"));
+    EXPECT_THAT(type(L"#7..nowhere", L""), HasSubstr(L"no such place"));
+    EXPECT_EQ(middle(), 50000);
+    EXPECT_EQ(type(L"#80100 .. #80000", L""), L"");
+    EXPECT_EQ(middle(), 80050);
+    EXPECT_EQ(m_global.view->Selected().First(), 80000);
+    EXPECT_EQ(m_global.view->Selected().Last(), 80100);
+    Command(mnuLanes);
+    EXPECT_EQ(type(L"#30000", L"12.5 s"), L"");
+    EXPECT_DOUBLE_EQ(axis.PageSeconds(), 12.5);
+    EXPECT_NEAR(middle(), 30000, 1);
+    EXPECT_THAT(type(L"#40000", L"long"), HasSubstr(L"length"));
+    EXPECT_NEAR(middle(), 30000, 1);
+    Command(mnuPage + 3);
+    EXPECT_DOUBLE_EQ(axis.PageSeconds(), 10.0);
 }
 
 TEST_F(WaveformViewTest, GesturesAndReadoutEndWithTheirBlock) {
