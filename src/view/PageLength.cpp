@@ -83,6 +83,13 @@ std::u16string PageCaption(double seconds, char16_t separator) {
     const auto* unit =
         std::find_if(units.begin(), units.end(), [&](const Unit& each) { return seconds >= each.seconds * nearly; });
     if (unit == units.end()) unit = &units.back();
+    // "100 s" rather than "1.667 min".
+    const auto isShort = [&](const Unit& each) {
+        const double tenths = seconds / each.seconds * 10.0;
+        constexpr double mostTenths = 10000.0;
+        return tenths < mostTenths && std::fabs(tenths - std::nearbyint(tenths)) < tenths * 1e-6;
+    };
+    if (unit + 1 != units.end() && !isShort(*unit) && isShort(*(unit + 1))) ++unit;
     const double number = seconds / unit->seconds;
     constexpr int digits = 3;
     return NumberText(RoundToPlaces(number, digits - DecimalExponent(number)), separator).append(unit->name);

@@ -64,7 +64,7 @@ void WaveformView::LeaveBlock() {
 
 void WaveformView::BlockLoaded() {
     const ViewBlock& block = m_document.Block();
-    m_axis.SetBlock(block.sampleCount, block.sampleRate, UsesLanes());
+    m_axis.SetBlock(block.sampleCount, block.sampleRate, m_channelLanes.Settings().on);
     MakeLanes();
 }
 
@@ -86,7 +86,7 @@ void WaveformView::GoBackTo(const ViewPlace& place) {
     m_scale.MoveBaseLine(place.shift - m_scale.Shift());
     m_channelLanes.Restore(place.lanes);
     // A recording that was reloaded may have other channels.
-    m_axis.SetFree(UsesLanes());
+    m_axis.SetFree(m_channelLanes.Settings().on);
     MakeLanes();
 }
 
@@ -257,7 +257,7 @@ ViewChange WaveformView::SetLanes(bool on) {
     if (on == m_channelLanes.Settings().on) return {};
     if (m_axis.SampleCount() > 0) Push();
     m_channelLanes.SetOn(on);
-    m_axis.SetFree(UsesLanes());
+    m_axis.SetFree(m_channelLanes.Settings().on);
     return Redraw();
 }
 

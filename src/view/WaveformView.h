@@ -21,7 +21,8 @@ namespace quillon {
 /// Samples count from 1. A command that has no effect returns an empty change.
 ///
 /// The channels share one axis, or each has a lane (see ChannelLanes): commands of the Y scale and of the base line
-/// then act on all lanes, and the time axis is free. Lanes count from 0 among the visible ones.
+/// then act on all lanes. The time axis is free while lanes are on, also for a single channel. Lanes count from 0 among
+/// the visible ones.
 class WaveformView {
   public:
     /// The document must outlive this object.
