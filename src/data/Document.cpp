@@ -1,13 +1,13 @@
 #include "data/Document.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "base/FilePath.h"
 #include "base/Resume.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
-#include "data/CoreTexts.h"
 
 namespace quillon {
 
@@ -54,6 +54,8 @@ void Document::CloseCurrentFile() {
     std::shared_ptr<Recording> recording = std::move(m_file.recording);
     m_file = ViewFile{};
     m_block = ViewBlock{};
+    m_stretch = {};
+    m_place.reset();
     m_lastPath.clear();
     m_stamp = {};
     m_seen = {};
@@ -88,12 +90,15 @@ bool Document::Reload(const FileStamp& now) {
     if (opened) {
         const std::int16_t block = m_file.currentBlockIndex;
         const std::int16_t channel = m_currentChannel;
-        const ChannelFlags shown = ShownFlags();
-        const std::optional<ChannelFlags> before = m_shownBeforeSolo;
+        KeepShown();
+        const std::optional<std::size_t> place = m_place;
+        const ShownSignals shown = GetShown();
+        const std::optional<ShownSignals> before = m_shownBeforeSolo;
         const std::u16string lastPath = m_lastPath;
         CloseCurrentFile();
         Adopt(std::move(recording), block);
-        SetShown(shown);
+        m_stretch.SetAllShown(shown.others);
+        SetShown(place && m_place && m_place != place ? m_stretch.ShownAt(*m_place) : shown.slots);
         m_shownBeforeSolo = before;
         if (channel <= m_block.channelCount) m_currentChannel = channel;
         m_lastPath = lastPath;
@@ -104,6 +109,7 @@ bool Document::Reload(const FileStamp& now) {
 
 void Document::LoadBlock(std::int16_t index) {
     EndSolo();
+    KeepShown();
     m_currentChannel = 1;
     m_block = ViewBlock{};
     m_file.currentBlockIndex = -1;
@@ -112,49 +118,81 @@ void Document::LoadBlock(std::int16_t index) {
         if (m_block.block) m_file.currentBlockIndex = index;
     }
     FillBlock();
+    FindStretch();
+}
+
+void Document::KeepShown() {
+    if (m_place) m_stretch.SetShownAt(*m_place, ShownFlags());
+}
+
+void Document::FindStretch() {
+    if (!m_allSignals || m_block.block == nullptr) return m_stretch.Clear();
+    m_stretch.Find(*m_file.recording, m_file.currentBlockIndex, m_block, m_texts);
+    const std::size_t place = m_stretch.Place();
+    if (m_place && m_place != place) SetShown(m_stretch.ShownAt(place));
+    m_place = place;
+}
+
+void Document::SetAllSignals(bool all) {
+    if (all == m_allSignals) return;
+    EndSolo();
+    KeepShown();
+    m_allSignals = all;
+    // The slots of the loaded block count as they are.
+    m_place.reset();
+    FindStretch();
+}
+
+int Document::StretchSignals() const {
+    if (m_block.block == nullptr) return 0;
+    return Stretch::CountSignals(*m_file.recording, m_file.currentBlockIndex, m_block);
+}
+
+std::int16_t Document::SignalCount() const {
+    return static_cast<std::int16_t>(m_block.channelNumbers.size() + static_cast<std::size_t>(m_stretch.Count()));
+}
+
+Signal Document::GetSignal(std::int16_t number) const {
+    if (const OtherBlock* const other = m_stretch.Of(number)) {
+        const auto channel = static_cast<std::int16_t>(number - other->before);
+        const ChannelTexts& texts = other->texts[static_cast<std::size_t>(channel - 1)];
+        return {other->block, channel, texts.title, texts.unit, m_stretch.IsShown(number)};
+    }
+    static const ChannelSlot none{.title = {}, .unit = {}, .shown = false};
+    const ChannelSlot* slot = SlotOf(m_slots, m_block.channelNumbers.at(static_cast<std::size_t>(number) - 1));
+    if (slot == nullptr) slot = &none;
+    return {m_block, number, slot->title, slot->unit, slot->shown};
+}
+
+std::vector<std::int16_t> Document::SignalOrder() const {
+    if (m_stretch.Count() > 0) return m_stretch.Order();
+    std::vector<std::int16_t> order(m_block.channelNumbers.size());
+    std::iota(order.begin(), order.end(), std::int16_t{1});
+    return order;
 }
 
 void Document::FillBlock() {
-    RecordingBlock* const block = m_block.block.get();
-    if (block == nullptr) return;
-    Resume([&] { block->PrepareQuickly(); });
-    Resume([&] { m_block.sampleCount = block->SampleCount(); });
-    Resume([&] { m_block.sampleRate = block->SampleRate(); });
-    Resume([&] { m_block.startTime = block->StartTime(); });
-    Resume([&] { m_block.channelCount = block->ChannelCount(); });
-    const auto channels = static_cast<std::size_t>(std::max<std::int16_t>(m_block.channelCount, 0));
-    m_block.channelNumbers.resize(channels);
-    for (std::size_t channel = 1; channel <= channels; ++channel) LoadChannel(static_cast<std::int16_t>(channel));
-    LoadScales();
+    if (m_block.block == nullptr) return;
+    LoadDescription(m_block);
+    for (std::size_t at = 1; at <= m_block.channelNumbers.size(); ++at) LoadChannel(static_cast<std::int16_t>(at));
     Resume([&] { LoadMarks(); });
 }
 
-void Document::LoadScales() {
-    const RecordingBlock& block = *m_block.block;
-    const auto channels = static_cast<std::size_t>(std::max<std::int16_t>(m_block.channelCount, 0));
-    m_block.invScale.assign(channels, 0.0F);
-    m_block.offsets.assign(channels, 0.0F);
-    for (std::size_t at = 0; at < channels; ++at) {
-        const auto channel = static_cast<std::int16_t>(at + 1);
-        Resume([&] {
-            // A scale of 0 has no reciprocal: the entry stays 0, and such a channel is drawn as a straight line.
-            if (const float scale = block.ChannelScale(channel); scale != 0.0F) m_block.invScale[at] = 1.0F / scale;
-        });
-        Resume([&] { m_block.offsets[at] = block.ChannelOffset(channel); });
-    }
+const RecordingBlock* Document::Provisional() {
+    if (m_block.block == nullptr || m_block.block->IsProvisional()) return m_block.block.get();
+    const OtherBlock* const other = m_stretch.Provisional();
+    return other != nullptr ? other->block.block.get() : nullptr;
 }
 
 PrepareStep Document::PrepareMore() {
     if (m_block.block == nullptr) return PrepareStep::Done;
-    const bool provisional = m_block.block->IsProvisional();
+    OtherBlock* const other = m_block.block->IsProvisional() ? nullptr : m_stretch.Provisional();
+    ViewBlock& block = other != nullptr ? other->block : m_block;
+    const bool provisional = block.block->IsProvisional();
     bool more = false;
-    Resume([&] { more = m_block.block->PrepareMore(); });
+    Resume([&] { more = block.block->PrepareMore(); });
     if (more) return PrepareStep::More;
-    if (!provisional) return PrepareStep::Done;
-    const std::vector<float> invScale = m_block.invScale;
-    const std::vector<float> offsets = m_block.offsets;
-    LoadScales();
-    return invScale == m_block.invScale && offsets == m_block.offsets ? PrepareStep::Done : PrepareStep::DoneRescaled;
+    return provisional && LoadScales(block) ? PrepareStep::DoneRescaled : PrepareStep::Done;
 }
 
 ReadStep Document::ReadMore(std::int32_t nearSample) {
@@ -185,11 +223,15 @@ ReadStep Document::ReadMore(std::int32_t nearSample) {
     Resume([&] { block = recording.GetBlock(number); });
     if (block == nullptr) return step;
     const bool grown = block != m_block.block;
+    // Blocks of a stretch grow together.
+    if (!grown && m_allSignals)
+        step.signalsChanged = m_stretch.Find(recording, m_file.currentBlockIndex, m_block, m_texts);
     if (grown && (!step.more || std::int64_t{4} * block->SampleCount() >= std::int64_t{5} * m_block.sampleCount)) {
         m_block = ViewBlock{};
         m_block.block = std::move(block);
         FillBlock();
-        step.grown = step.marksChanged = true;
+        FindStretch();
+        step.grown = step.marksChanged = step.signalsChanged = true;
     } else if (!step.more || m_block.marks.size() <= kFewMarks || recording.ReadShare() >= m_marksShare + 0.1) {
         const std::size_t before = m_block.marks.size();
         Resume([&] { LoadMarks(); });
@@ -199,16 +241,11 @@ ReadStep Document::ReadMore(std::int32_t nearSample) {
 }
 
 void Document::LoadChannel(std::int16_t channel) {
-    RecordingBlock& block = *m_block.block;
-    const auto at = static_cast<std::size_t>(channel) - 1;
-    Resume([&] { m_block.channelNumbers[at] = block.ChannelNumber(channel); });
     ChannelSlot* const slot = Slot(channel);
     if (slot == nullptr) return;
-    slot->title.clear();
-    slot->unit.clear();
-    Resume([&] { slot->title = block.ChannelTitle(channel); });
-    if (slot->title.empty()) slot->title = m_texts.Text(IDS_CHANNEL) + u' ' + Decimal(m_block.channelNumbers[at] + 1);
-    Resume([&] { slot->unit = block.ChannelUnit(channel); });
+    ChannelTexts texts = LoadTexts(m_block, channel, m_texts);
+    slot->title = std::move(texts.title);
+    slot->unit = std::move(texts.unit);
 }
 
 void Document::LoadMarks() {
@@ -233,11 +270,8 @@ ChannelSlot* Document::Slot(std::int16_t channel) {
     return at < m_block.channelNumbers.size() ? SlotOf(m_slots, m_block.channelNumbers[at]) : nullptr;
 }
 
-bool Document::IsShown(std::int16_t channel) const {
-    const auto at = static_cast<std::size_t>(channel) - 1;
-    if (at >= m_block.channelNumbers.size()) return false;
-    const ChannelSlot* const slot = SlotOf(m_slots, m_block.channelNumbers[at]);
-    return slot != nullptr && slot->shown;
+bool Document::IsShown(std::int16_t signal) const {
+    return signal >= 1 && signal <= SignalCount() && GetSignal(signal).shown;
 }
 
 ChannelFlags Document::ShownFlags() const {
@@ -250,35 +284,38 @@ void Document::SetShown(const ChannelFlags& shown) {
     for (std::size_t slot = 0; slot < m_slots.size(); ++slot) m_slots[slot].shown = shown.test(slot);
 }
 
-void Document::Show(std::int16_t channel, bool shown) {
+void Document::Show(std::int16_t signal, bool shown) {
     m_shownBeforeSolo.reset();
-    if (ChannelSlot* const slot = Slot(channel)) slot->shown = shown;
+    if (ChannelSlot* const slot = Slot(signal)) slot->shown = shown;
+    m_stretch.Show(signal, shown);
 }
 
 void Document::ShowAll(bool shown) {
-    for (std::int16_t channel = 1; channel <= m_block.channelCount; ++channel) Show(channel, shown);
+    for (std::int16_t signal = 1; signal <= SignalCount(); ++signal) Show(signal, shown);
 }
 
 void Document::InvertShown() {
-    const ChannelFlags before = ShownFlags();
-    for (std::int16_t channel = 1; channel <= m_block.channelCount; ++channel) {
-        // Several channels may share a slot.
-        const ChannelSlot* const slot = Slot(channel);
-        if (slot != nullptr) Show(channel, !before.test(static_cast<std::size_t>(slot - m_slots.data())));
-    }
+    // Several channels may share a slot.
+    std::vector<bool> before;
+    for (std::int16_t signal = 1; signal <= SignalCount(); ++signal) before.push_back(IsShown(signal));
+    for (std::int16_t signal = 1; signal <= SignalCount(); ++signal)
+        Show(signal, !before[static_cast<std::size_t>(signal - 1)]);
 }
 
-void Document::Solo(std::optional<std::int16_t> channel) {
+void Document::Solo(std::optional<std::int16_t> signal) {
     EndSolo();
-    if (!channel) return;
-    const ChannelFlags before = ShownFlags();
+    if (!signal) return;
+    const ShownSignals before = GetShown();
     ShowAll(false);
-    Show(*channel, true);
+    Show(*signal, true);
     m_shownBeforeSolo = before;
 }
 
 void Document::EndSolo() {
-    if (m_shownBeforeSolo) SetShown(*m_shownBeforeSolo);
+    if (m_shownBeforeSolo) {
+        SetShown(m_shownBeforeSolo->slots);
+        m_stretch.SetAllShown(m_shownBeforeSolo->others);
+    }
     m_shownBeforeSolo.reset();
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <bitset>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,25 +7,24 @@
 
 #include "data/FileStamp.h"
 #include "data/QL_Types.h"
+#include "data/Stretch.h"
 #include "data/UserServices.h"
 #include "norvik/NorvikCore.h"
 
 namespace quillon {
 
-/// A flag for every channel slot.
-using ChannelFlags = std::bitset<kSlotCount>;
-
-/// What a step of the pass over the loaded block has done.
+/// What a step of the pass over the loaded block and the others of its stretch has done.
 enum class PrepareStep { More, Done, DoneRescaled };
 
 /// What a step of reading the rest of the open recording has changed.
 struct ReadStep {
     bool more = false;
-    bool marksChanged = false;   ///< of the loaded block; they were loaded anew
-    bool blocksChanged = false;  ///< there are more; File().blockCount is set
-    bool titlesChanged = false;  ///< of all blocks
-    bool infoChanged = false;    ///< File().fileInfo is set
-    bool grown = false;          ///< the loaded block has more samples and was loaded again
+    bool marksChanged = false;    ///< of the loaded block; they were loaded anew
+    bool blocksChanged = false;   ///< there are more; File().blockCount is set
+    bool titlesChanged = false;   ///< of all blocks
+    bool infoChanged = false;     ///< File().fileInfo is set
+    bool grown = false;           ///< the loaded block has more samples and was loaded again
+    bool signalsChanged = false;  ///< the stretch has other blocks besides the loaded one than before
 };
 
 /// The open recording, its loaded block, the channels that are shown and the current channel, to which single-channel
@@ -34,6 +32,9 @@ struct ReadStep {
 ///
 /// Channels count from 1, in the order of the block. A channel whose acquisition number exceeds the slots is never
 /// shown.
+///
+/// Where all signals are wanted, those of the other blocks of the same stretch (see Stretch) have numbers behind the
+/// channels of the loaded block; else there are none. A number of a signal up to Block().channelCount is that channel.
 class Document {
   public:
     /// Both must outlive this object. `texts` supplies titles where a recording has none.
@@ -58,7 +59,10 @@ class Document {
     void LoadBlock(std::int16_t index);
     /// Makes the next step of the pass that finds the final scales of the loaded block. They are taken over when it
     /// ends; what was drawn or computed from codes before is then to be made anew where they differ.
+    /// Blocks of the stretch follow one after the other, the loaded one first; each ends with Done or DoneRescaled.
     PrepareStep PrepareMore();
+    /// The block that PrepareMore goes on with; null where all scales are final.
+    [[nodiscard]] const RecordingBlock* Provisional();
     /// Reads on in a recording that opening did not read completely, first near a sample of the loaded block. Solo, the
     /// shown channels and the current one stay. A block that grows is loaded again, and many marks are loaded, only
     /// from time to time, so that a step stays short.
@@ -78,23 +82,44 @@ class Document {
     /// when it is refused; it then stays open unchanged, and the library's LastErrorText gives the reason.
     bool Reload(const FileStamp& now);
 
-    [[nodiscard]] bool IsShown(std::int16_t channel) const;
-    /// These end a solo: the user's later choice takes precedence.
-    void Show(std::int16_t channel, bool shown);
+    /// Whether the signals of the other blocks of the stretch are wanted. A change ends a solo.
+    void SetAllSignals(bool all);
+    [[nodiscard]] bool AllSignals() const { return m_allSignals; }
+    /// Signals are numbered from 1 to this.
+    [[nodiscard]] std::int16_t SignalCount() const;
+    [[nodiscard]] Signal GetSignal(std::int16_t number) const;
+    /// The numbers of all signals in the order of the recording.
+    [[nodiscard]] std::vector<std::int16_t> SignalOrder() const;
+    /// How many there are where all signals are wanted, whether or not they are; looks at the block's neighbours.
+    [[nodiscard]] int StretchSignals() const;
+    /// Empty unless all signals are wanted.
+    [[nodiscard]] const std::vector<OtherBlock>& OtherBlocks() const { return m_stretch.Others(); }
+
+    /// Check marks of signals stay with them when another block of the stretch is loaded.
+    [[nodiscard]] bool IsShown(std::int16_t signal) const;
+    /// These end a solo: the user's later choice takes precedence. All are those of SignalCount.
+    void Show(std::int16_t signal, bool shown);
     void ShowAll(bool shown);
     void InvertShown();
-    /// Shows one channel alone; without a channel, restores the channels shown before.
-    void Solo(std::optional<std::int16_t> channel);
+    /// Shows one signal alone; without one, restores those shown before.
+    void Solo(std::optional<std::int16_t> signal);
     void ChooseChannel(std::int16_t channel) { m_currentChannel = channel; }
 
   private:
+    /// Of the slots and of the other blocks.
+    struct ShownSignals {
+        ChannelFlags slots;
+        Stretch::Shown others;
+    };
     void EndSolo();
     [[nodiscard]] ChannelSlot* Slot(std::int16_t channel);
     [[nodiscard]] ChannelFlags ShownFlags() const;
     void SetShown(const ChannelFlags& shown);
+    [[nodiscard]] ShownSignals GetShown() const { return {ShownFlags(), m_stretch.AllShown()}; }
+    void FindStretch();
+    void KeepShown();
     void Adopt(std::shared_ptr<Recording> recording, std::int16_t block);
     void FillBlock();
-    void LoadScales();
     void LoadChannel(std::int16_t channel);
     void LoadMarks();
 
@@ -104,9 +129,12 @@ class Document {
     ViewBlock m_block;
     ChannelSlots m_slots;
     std::int16_t m_currentChannel = 1;
-    std::optional<ChannelFlags> m_shownBeforeSolo;
-    std::int32_t m_marksVersion = 0;  ///< of the recording when the marks were loaded
-    double m_marksShare = 0.0;        ///< that was read of it then
+    std::optional<ShownSignals> m_shownBeforeSolo;
+    Stretch m_stretch;
+    bool m_allSignals = false;
+    std::optional<std::size_t> m_place;  ///< in its stretch, of the block whose flags the slots have
+    std::int32_t m_marksVersion = 0;     ///< of the recording when the marks were loaded
+    double m_marksShare = 0.0;           ///< that was read of it then
     std::u16string m_lastPath;
     FileStamp m_stamp;  ///< of m_lastPath, from just before it was opened
     FileStamp m_seen;   ///< stamp at the last check that found a change

@@ -23,6 +23,7 @@ class FakeBlock : public RecordingBlock {
     double rate = 100.0;
     std::vector<std::vector<std::int16_t>> samples;
     std::vector<std::int16_t> numbers;
+    std::vector<std::int16_t> inputs;
     std::vector<std::u16string> titles;
     std::vector<std::u16string> units;  ///< volts where there are none
     std::vector<float> scales;
@@ -98,7 +99,9 @@ class FakeBlock : public RecordingBlock {
     }
     std::u16string DeviceName() const override { return {}; }
     std::u16string BlockName() const override { return {}; }
-    std::int16_t InputNumber(std::int16_t channel) const override { return channel; }
+    std::int16_t InputNumber(std::int16_t channel) const override {
+        return inputs.empty() ? channel : inputs.at(Index(channel));
+    }
     std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override {
         Ask("ReadFrames", first, count);
         samplesRead += std::int64_t{count} * ChannelCount();
