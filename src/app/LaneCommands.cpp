@@ -33,7 +33,7 @@ void LaneCommands::ToggleClip() {
 }
 
 bool LaneCommands::TakeHint() {
-    if (m_hinted || m_view.UsesLanes() || !LanesWouldHelp(m_document.Block(), m_document.Slots())) return false;
+    if (m_hinted || m_view.UsesLanes() || !LanesWouldHelp(m_document)) return false;
     m_hinted = true;
     return true;
 }

@@ -21,6 +21,10 @@ class AmplitudeScale {
 
     /// Units per division of a table index, 0 .. kScaleCount-1.
     [[nodiscard]] static double TableEntry(int index);
+    /// The same in units or, where codes are shown, in codes.
+    [[nodiscard]] static double TableValue(int index, bool rawCodes) {
+        return TableEntry(index) * (rawCodes ? static_cast<double>(kCodesPerUnit) : 1.0);
+    }
 
     /// Height of the graph and the row of its middle, in pixels.
     void SetGraph(std::int32_t height, std::int32_t centreLine);

@@ -46,12 +46,18 @@ void ChannelLanes::FitOnce() {
     if (m_fitted || m_height < 1 || !IsUsed()) return;
     m_fitted = true;
     const std::vector<LaneChannel> channels = Channels();
-    const auto spans = TypicalSpans(m_document.Block(), channels);
+    auto spans = TypicalSpans(m_document.Block(), channels);
+    for (const OtherBlock& other : m_document.OtherBlocks()) {
+        const auto first = static_cast<std::size_t>(other.before);
+        const auto own = std::span(channels).subspan(first, other.block.channelNumbers.size());
+        const auto found = TypicalSpans(other.block, own);
+        std::copy(found.begin(), found.end(), spans.begin() + static_cast<std::ptrdiff_t>(first));
+    }
     FitTypical({channels, spans, Layout().Margin()}, ChangedScales());
 }
 
 std::vector<LaneChannel> ChannelLanes::Channels() const {
-    return LaneChannelsOf(m_document.Block(), m_document.Slots(), m_rawCodes);
+    return LaneChannelsOf(m_document, m_rawCodes);
 }
 
 std::vector<std::int16_t> ChannelLanes::OrderOf(const std::vector<LaneChannel>& channels) const {
@@ -162,41 +168,55 @@ void ChannelLanes::CentreZero() {
 
 namespace {
 
-/// The spans of what the graph shows of some channels, one per channel of the block.
-std::vector<std::optional<LaneSpan>> SeenSpans(RecordingBlock& block, const std::vector<LaneChannel>& channels,
-                                               const std::vector<std::int16_t>& wanted, const TraceStretch& stretch,
-                                               ExtremesCache& extremes) {
-    TraceReader reader;
-    reader.Read(block, extremes, wanted, stretch);
+/// The spans of what the graph shows of some channels, one per signal; the wanted ones in ascending order.
+std::vector<std::optional<LaneSpan>> SeenSpans(const SceneBlocks& blocks, const std::vector<LaneChannel>& channels,
+                                               const std::vector<std::int16_t>& wanted, const TimeAxis& axis) {
     std::vector<std::optional<LaneSpan>> spans(channels.size());
-    for (std::size_t at = 0; at < wanted.size(); ++at)
-        spans[At(wanted[at])] = SpanOfPoints(channels[At(wanted[at])], reader.points()[at]);
+    for (const SignalGroup& group : GroupsOf(blocks, wanted)) {
+        TraceReader reader;
+        reader.Read(*group.of.block.block, group.of.extremes, group.channels, group.Stretch(axis, 0, axis.Width()));
+        for (std::size_t at = 0; at < group.channels.size(); ++at) {
+            const std::size_t signal = At(wanted[group.first + at]);
+            spans[signal] = SpanOfPoints(channels[signal], reader.points()[at]);
+        }
+    }
     return spans;
+}
+
+/// Whether all that the graph would show of some channels can be read quickly; reads a little of it.
+bool CanReadQuickly(const SceneBlocks& blocks, const std::vector<std::int16_t>& wanted, const TimeAxis& axis) {
+    constexpr int pieces = 4;
+    for (const SignalGroup& group : GroupsOf(blocks, wanted)) {
+        const TraceStretch stretch = group.Stretch(axis, 0, axis.Width());
+        bool quick = false;
+        for (int piece = 0; piece < pieces && !quick; ++piece)
+            quick = TraceReader::Approach(*group.of.block.block, group.of.extremes, group.channels, stretch) >=
+                    stretch.toColumn;
+        if (!quick) return false;
+    }
+    return true;
+}
+
+std::vector<std::int16_t> Sorted(std::vector<std::int16_t> channels) {
+    std::sort(channels.begin(), channels.end());
+    return channels;
 }
 
 }  // namespace
 
-void ChannelLanes::FitShown(const TimeAxis& axis, ExtremesCache& extremes) {
-    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
-    const TraceStretch stretch = StretchOf(axis, 0, axis.Width());
-    if (!block || stretch.samples.count < 1) return;
-    std::vector<std::int16_t> wanted = Order();
-    constexpr int pieces = 4;
-    bool quick = false;
-    for (int piece = 0; piece < pieces && !quick; ++piece)
-        quick = TraceReader::Approach(*block, extremes, wanted, stretch) >= stretch.toColumn;
-    if (!quick) wanted = Visible();
+void ChannelLanes::FitShown(const TimeAxis& axis, const SceneBlocks& blocks) {
+    if (!m_document.Block().block || axis.Visible().count < 1) return;
+    std::vector<std::int16_t> wanted = Sorted(Order());
+    if (!CanReadQuickly(blocks, wanted, axis)) wanted = Sorted(Visible());
     const std::vector<LaneChannel> channels = Channels();
-    const auto spans = SeenSpans(*block, channels, wanted, stretch, extremes);
+    const auto spans = SeenSpans(blocks, channels, wanted, axis);
     FitGroups({channels, spans, Layout().Margin()}, ChangedScales());
 }
 
-void ChannelLanes::FitAlone(std::int16_t channel, const TimeAxis& axis, ExtremesCache& extremes) {
-    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
-    const TraceStretch stretch = StretchOf(axis, 0, axis.Width());
-    if (!block || stretch.samples.count < 1) return;
+void ChannelLanes::FitAlone(std::int16_t channel, const TimeAxis& axis, const SceneBlocks& blocks) {
+    if (!m_document.Block().block || axis.Visible().count < 1) return;
     const std::vector<LaneChannel> channels = Channels();
-    const auto spans = SeenSpans(*block, channels, {channel}, stretch, extremes);
+    const auto spans = SeenSpans(blocks, channels, {channel}, axis);
     FitChannel({channels, spans, Layout().Margin()}, At(channel), ChangedScales());
 }
 
@@ -232,10 +252,10 @@ bool ChannelLanes::Reorder(std::int16_t channel, std::int16_t to) {
     return true;
 }
 
-bool LanesWouldHelp(const ViewBlock& block, const ChannelSlots& slots) {
+bool LanesWouldHelp(const Document& document) {
     std::size_t shown = 0;
     std::set<std::u16string> groups;
-    for (const LaneChannel& channel : LaneChannelsOf(block, slots, false)) {
+    for (const LaneChannel& channel : LaneChannelsOf(document, false)) {
         if (!channel.shown) continue;
         ++shown;
         groups.insert(channel.group.name);

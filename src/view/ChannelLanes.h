@@ -7,14 +7,13 @@
 #include "view/Lane.h"
 #include "view/LaneLayout.h"
 #include "view/LaneSettings.h"
+#include "view/SceneBlocks.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
 
-class ExtremesCache;
-
-/// A lane for every shown channel of a document's block: which are visible, where, at which scales. Channels count from
-/// 1. The steps of scales have no end that a recording reaches, see ScaleSteps.h.
+/// A lane for every shown signal of a document: which are visible, where, at which scales. Channels are numbers of
+/// signals. The steps of scales have no end that a recording reaches, see ScaleSteps.h.
 class ChannelLanes {
   public:
     /// The document must outlive this object.
@@ -35,8 +34,10 @@ class ChannelLanes {
     void SetNegativeUp(bool negativeUp) { m_settings.negativeUp = negativeUp; }
     /// Another block is going to be loaded.
     void LeaveBlock() { m_fitted = false; }
-    /// Whether the graph shows lanes: they are on, and the block has several channels.
-    [[nodiscard]] bool IsUsed() const { return m_settings.on && m_document.Block().channelCount > 1; }
+    /// There are other signals of the same stretch, or they have other numbers: those that are not known are fitted.
+    void SignalsChanged() { m_fitted = KnowsAll(); }
+    /// Whether the graph shows lanes: they are on, and there are several signals.
+    [[nodiscard]] bool IsUsed() const { return m_settings.on && m_document.SignalCount() > 1; }
     /// Fits a block that is shown in lanes for the first time, see FitTypical; reads its typical stretches.
     void FitOnce();
 
@@ -46,7 +47,7 @@ class ChannelLanes {
     /// The channels of all lanes from top to bottom, and of the visible ones.
     [[nodiscard]] std::vector<std::int16_t> Order() const { return OrderOf(Channels()); }
     [[nodiscard]] std::vector<std::int16_t> Visible() const { return VisibleOf(Channels()); }
-    /// The channels of the block, in its order.
+    /// All signals, by their numbers.
     [[nodiscard]] std::vector<LaneChannel> Channels() const;
     [[nodiscard]] const LaneScales& Scales() const { return m_rawCodes ? m_settings.codes : m_settings.values; }
 
@@ -66,8 +67,8 @@ class ChannelLanes {
     void CentreZero();
     /// Fits the groups, or one channel alone, to what the graph shows, see LaneFits.h. The visible lanes are read
     /// through the cache; those out of sight are fitted too where little has to be read for that.
-    void FitShown(const TimeAxis& axis, ExtremesCache& extremes);
-    void FitAlone(std::int16_t channel, const TimeAxis& axis, ExtremesCache& extremes);
+    void FitShown(const TimeAxis& axis, const SceneBlocks& blocks);
+    void FitAlone(std::int16_t channel, const TimeAxis& axis, const SceneBlocks& blocks);
     /// Makes another lane the first visible one; returns whether there was room.
     bool Scroll(std::int32_t lanes);
     /// Moves the lane of a channel to the place of another; returns whether that is another place.
@@ -91,7 +92,7 @@ class ChannelLanes {
     bool m_fitted = false;
 };
 
-/// Whether one axis for the shown channels is hard to read: there are four or more, or units of several groups.
-[[nodiscard]] bool LanesWouldHelp(const ViewBlock& block, const ChannelSlots& slots);
+/// Whether one axis for the shown signals is hard to read: there are four or more, or units of several groups.
+[[nodiscard]] bool LanesWouldHelp(const Document& document);
 
 }  // namespace quillon

@@ -33,6 +33,11 @@ void ExtremesCache::Reset() {
     *this = ExtremesCache(m_limit);
 }
 
+void ExtremesCache::SetLimit(std::size_t byteLimit) {
+    m_limit = byteLimit;
+    DropOldest();
+}
+
 void ExtremesCache::Prepare(const RecordingBlock& block) {
     if (!m_coarse.empty()) return;
     m_samples = block.SampleCount();

@@ -37,6 +37,7 @@ class ExtremesCache {
 
     /// Clears the cache for another block.
     void Reset();
+    void SetLimit(std::size_t byteLimit);
     /// Whether runs of that length that start at that sample (from 0) are made of cells.
     [[nodiscard]] static bool Serves(std::int32_t first, std::int32_t run) {
         return run >= kCell && run % kCell == 0 && first % kCell == 1;

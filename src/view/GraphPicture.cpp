@@ -258,13 +258,17 @@ std::optional<ColumnBand> GraphPicture::SetBand(GraphBand which, const std::opti
 void GraphPicture::FindOutside(const GraphScene& scene) {
     m_beyond.clear();
     const std::vector<LaneTrace> traces = TracesOf(scene.lanes);
-    for (std::size_t at = 0; at < traces.size(); ++at) {
-        const TraceSides::Side side = m_traces.SideOf(at);
-        if (side == TraceSides::Side::None) continue;
-        const std::int16_t number = scene.block.channelNumbers[static_cast<std::size_t>(traces[at].channel - 1)];
-        const Lane& lane = scene.lanes[traces[at].lane];
-        m_beyond.push_back(
-            {TraceColor(number), side == TraceSides::Side::Above, traces[at].lane, lane.top, lane.End()});
+    const SceneBlocks blocks = scene.Blocks();
+    for (const SignalGroup& group : GroupsOf(blocks, ChannelsOf(scene.lanes))) {
+        for (std::size_t at = 0; at < group.channels.size(); ++at) {
+            const std::size_t trace = group.first + at;
+            const TraceSides::Side side = m_traces.SideOf(trace);
+            if (side == TraceSides::Side::None) continue;
+            const std::int16_t number = group.of.block.channelNumbers[static_cast<std::size_t>(group.channels[at] - 1)];
+            const Lane& lane = scene.lanes[traces[trace].lane];
+            m_beyond.push_back(
+                {TraceColor(number), side == TraceSides::Side::Above, traces[trace].lane, lane.top, lane.End()});
+        }
     }
     m_marksSeen = !VisibleMarks(scene.axis, scene.block).empty();
 }

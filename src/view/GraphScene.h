@@ -6,6 +6,7 @@
 #include "data/QL_Types.h"
 #include "view/ExtremesCache.h"
 #include "view/Lane.h"
+#include "view/SceneBlocks.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
@@ -24,6 +25,14 @@ struct GraphScene {
     std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
     /// Columns of the graph with lines of the grid on a free axis; else they lie at every division.
     std::vector<std::int32_t> gridColumns{};
+    /// The other blocks of the stretch, whose signals the lanes of a free axis may show.
+    SceneBlocks others{};
+
+    [[nodiscard]] SceneBlocks Blocks() const {
+        SceneBlocks blocks{{block, extremes}};
+        for (const SceneBlock& other : others) blocks.push_back(other);
+        return blocks;
+    }
 };
 
 }  // namespace quillon

@@ -17,7 +17,7 @@ struct Lane {
     bool negativeUp = false;        ///< values grow downwards
     bool clip = false;              ///< traces end at its edges
     bool single = false;            ///< one channel by itself: a line between lanes instead of levels of amplitude
-    std::vector<std::int16_t> channels{};  ///< that are drawn in it: positions in the block, from 1
+    std::vector<std::int16_t> channels{};  ///< that are drawn in it: signals, see Document; from 1
 
     [[nodiscard]] std::int32_t End() const { return top + height; }
     /// The row of a value, not rounded.
@@ -30,16 +30,16 @@ struct Lane {
 /// The lanes of a graph, from its upper edge to its lower one; at least one.
 using Lanes = std::vector<Lane>;
 
-/// A channel and the lane that it is drawn in.
+/// A signal and the lane that it is drawn in.
 struct LaneTrace {
     std::int16_t channel = 0;  ///< from 1
     std::size_t lane = 0;
     friend bool operator==(const LaneTrace&, const LaneTrace&) = default;
 };
 
-/// The traces of all lanes in the order of the block, which is that of drawing: the first one is on top.
+/// The traces of all lanes in the order of their numbers, which is that of drawing: the first one is on top.
 [[nodiscard]] std::vector<LaneTrace> TracesOf(const Lanes& lanes);
-/// Their channels.
+/// Their signals.
 [[nodiscard]] std::vector<std::int16_t> ChannelsOf(const Lanes& lanes);
 
 }  // namespace quillon

@@ -131,7 +131,7 @@ std::optional<LaneSpan> SpanOfPoints(const LaneChannel& channel, std::span<const
     return InValues(channel, SpanOfCodes(codes, points.size() < 3 ? 0 : (points.size() - 3) / 200));
 }
 
-std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, const std::vector<LaneChannel>& channels) {
+std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::span<const LaneChannel> channels) {
     constexpr std::int32_t stretches = 16;
     constexpr std::int32_t most = 1024;
     std::vector<std::vector<double>> middles(channels.size());

@@ -22,11 +22,11 @@ struct LaneSpan {
 /// point.
 [[nodiscard]] std::optional<LaneSpan> SpanOfPoints(const LaneChannel& channel, std::span<const TracePoint> points);
 
-/// The typical spans of the channels of a block: the same of stretches that are spread over it, of whose spans the
+/// The typical spans of channels 1 .. n of a block: the same of stretches that are spread over it, of whose spans the
 /// upper quartile, of whose medians the median. Reads up to 16 stretches of 1024 samples; what cannot be read is left
 /// out. None where nothing can be read.
 [[nodiscard]] std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block,
-                                                                const std::vector<LaneChannel>& channels);
+                                                                std::span<const LaneChannel> channels);
 
 /// How a block's lanes are fitted. `margin`: see LaneLayout. Spans are one per channel; channels without one keep
 /// their scales.

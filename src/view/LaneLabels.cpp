@@ -84,8 +84,7 @@ std::int32_t WantedWidth(const ChannelLanes& channels, const LaneStrip& strip) {
     return widest + 2 * measures.margin;
 }
 
-std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& channels, const Lanes& lanes,
-                                  const LaneStrip& strip) {
+std::vector<LaneLabel> LaneLabels(const ChannelLanes& channels, const Lanes& lanes, const LaneStrip& strip) {
     const Measures measures(strip);
     const std::vector<LaneChannel> all = channels.Channels();
     std::vector<LaneLabel> labels;
@@ -97,7 +96,7 @@ std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& ch
         if (lane.channels.empty()) continue;
         LaneLabel label{.channel = lane.channels.front()};
         const auto at = static_cast<std::size_t>(label.channel - 1);
-        label.color = TraceColor(block.channelNumbers[at]);
+        label.color = TraceColor(all[at].number);
         // The line between lanes is part of the lower one.
         const std::int32_t top = lane.top + 1;
         const std::int32_t rows = lane.End() - top;

@@ -31,7 +31,7 @@ struct ScaleBar {
 
 /// What the strip says of a lane.
 struct LaneLabel {
-    std::int16_t channel = 0;  ///< from 1
+    std::int16_t channel = 0;  ///< number of its signal, from 1
     std::uint32_t color = 0;   ///< of its trace, 0xRRGGBB
     StripText title{};         ///< cut with an ellipsis where it is too wide
     StripText factor{};        ///< "x2": how much finer its scale is than that of its group; empty where it is not
@@ -54,8 +54,8 @@ struct LaneStrip {
 /// The labels of the visible lanes, from top to bottom. Every lane has its title, and where all are higher than about
 /// three lines a bar of the largest 1-2-5 value that takes up to 60 % of it. No text or bar lies over another or
 /// outside its lane; what has no room there is left out.
-[[nodiscard]] std::vector<LaneLabel> LaneLabels(const ViewBlock& block, const ChannelLanes& channels,
-                                                const Lanes& lanes, const LaneStrip& strip);
+[[nodiscard]] std::vector<LaneLabel> LaneLabels(const ChannelLanes& channels, const Lanes& lanes,
+                                                const LaneStrip& strip);
 
 /// Whether a point of the strip is on the title of a lane; everything else of a lane is its scale.
 [[nodiscard]] bool IsOnTitle(const std::vector<LaneLabel>& labels, std::int32_t x, std::int32_t y);

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 #include "base/Text.h"
-#include "data/ChannelSelection.h"
 #include "view/ScaleSteps.h"
 
 namespace quillon {
@@ -22,24 +22,26 @@ double FiniteOr0(double value) {
 
 }  // namespace
 
-std::vector<LaneChannel> LaneChannelsOf(const ViewBlock& block, const ChannelSlots& slots, bool rawCodes) {
-    std::vector<LaneChannel> channels;
+std::vector<LaneChannel> LaneChannelsOf(const Document& document, bool rawCodes) {
+    std::vector<LaneChannel> channels(static_cast<std::size_t>(document.SignalCount()));
     std::map<std::u16string, int> titles;
-    for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
-        const std::int16_t number = block.channelNumbers[at];
-        const ChannelSlot* const slot = SlotOf(slots, number);
-        LaneChannel channel;
-        if (slot != nullptr) channel.title = slot->title;
-        if (channel.title.empty()) channel.title = u"Ch " + Decimal(number + 1);
+    std::size_t place = 0;
+    for (const std::int16_t number : document.SignalOrder()) {
+        const Signal signal = document.GetSignal(number);
+        const auto at = static_cast<std::size_t>(signal.channel - 1);
+        LaneChannel& channel = channels[static_cast<std::size_t>(number - 1)];
+        channel.number = signal.block.channelNumbers[at];
+        channel.place = place++;
+        channel.title = signal.title;
+        if (channel.title.empty()) channel.title = u"Ch " + Decimal(channel.number + 1);
         channel.key = channel.title;
         // No title has a control character.
         if (const int count = ++titles[channel.title]; count > 1) channel.key += u'\x1F' + Decimal(count);
-        channel.shown = slot != nullptr && slot->shown;
-        channel.group = rawCodes ? UnitGroup{kCodes} : GroupOf(slot != nullptr ? slot->unit : std::u16string());
-        const auto invScale = static_cast<double>(block.invScale[at]);
+        channel.shown = signal.shown;
+        channel.group = rawCodes ? UnitGroup{kCodes} : GroupOf(signal.unit);
+        const auto invScale = static_cast<double>(signal.block.invScale[at]);
         channel.perCode = rawCodes ? 1.0 : invScale == 0.0 ? 0.0 : FiniteOr0(1.0 / invScale);
-        channel.offset = rawCodes ? 0.0 : FiniteOr0(static_cast<double>(block.offsets[at]));
-        channels.push_back(std::move(channel));
+        channel.offset = rawCodes ? 0.0 : FiniteOr0(static_cast<double>(signal.block.offsets[at]));
     }
     return channels;
 }
@@ -59,18 +61,21 @@ double LaneScales::ValuesPerLane(const LaneChannel& channel) const {
 }
 
 std::vector<std::size_t> LaneOrder(const std::vector<LaneChannel>& channels, const std::vector<std::u16string>& order) {
+    std::vector<std::size_t> positions(channels.size());
+    std::iota(positions.begin(), positions.end(), std::size_t{0});
+    std::stable_sort(positions.begin(), positions.end(),
+                     [&](std::size_t a, std::size_t b) { return channels[a].place < channels[b].place; });
     std::map<std::u16string_view, std::size_t> ranks;
     for (const std::u16string& key : order) ranks.emplace(key, ranks.size());
-    std::vector<std::size_t> known;
-    for (std::size_t at = 0; at < channels.size(); ++at) {
-        if (ranks.contains(channels[at].key)) known.push_back(at);
-    }
-    std::vector<std::size_t> sorted = known;
+    const auto isKnown = [&](std::size_t at) { return ranks.contains(channels[at].key); };
+    std::vector<std::size_t> sorted;
+    std::copy_if(positions.begin(), positions.end(), std::back_inserter(sorted), isKnown);
     std::sort(sorted.begin(), sorted.end(),
               [&](std::size_t a, std::size_t b) { return ranks.at(channels[a].key) < ranks.at(channels[b].key); });
-    std::vector<std::size_t> positions;
-    for (std::size_t at = 0; at < channels.size(); ++at) positions.push_back(at);
-    for (std::size_t at = 0; at < known.size(); ++at) positions[known[at]] = sorted[at];
+    auto next = sorted.begin();
+    for (std::size_t& at : positions) {
+        if (isKnown(at)) at = *next++;
+    }
     return positions;
 }
 

@@ -6,25 +6,27 @@
 #include <string>
 #include <vector>
 
-#include "data/QL_Types.h"
+#include "data/Document.h"
 #include "view/UnitGroups.h"
 
 namespace quillon {
 
-/// What the lanes know of a channel of the loaded block. Values are in its unit, or codes where these are shown.
+/// What the lanes know of a signal, see Document. Values are in its unit, or codes where these are shown.
 struct LaneChannel {
     std::u16string title;
-    /// By which its settings are kept: the title, and the how manieth channel of that title it is in the block.
+    /// By which its settings are kept: the title, and the how manieth signal of that title it is in the recording.
     std::u16string key;
     UnitGroup group;       ///< of its unit; codes are a group of their own, whose name no unit can have
     double perCode = 0.0;  ///< value of a code = code x perCode + offset; 0 for a channel without a scale
     double offset = 0.0;
     bool shown = false;
+    std::int16_t number = 0;  ///< acquisition channel number, which gives its colour
+    std::size_t place = 0;    ///< among the signals in the order of the recording
     [[nodiscard]] double ValueOf(double code) const { return code * perCode + offset; }
 };
 
-/// The channels of a block, in its order.
-[[nodiscard]] std::vector<LaneChannel> LaneChannelsOf(const ViewBlock& block, const ChannelSlots& slots, bool rawCodes);
+/// All signals, by their numbers: the first one is 1.
+[[nodiscard]] std::vector<LaneChannel> LaneChannelsOf(const Document& document, bool rawCodes);
 
 /// Scales of lanes, in steps of ScaleSteps.h.
 struct LaneScales {
@@ -57,8 +59,8 @@ struct LaneSettings {
     friend bool operator==(const LaneSettings&, const LaneSettings&) = default;
 };
 
-/// Positions of the channels (from 0) from top to bottom: those with a known key stand in that order at the places that
-/// they have in the block, the others stay at theirs.
+/// Indexes of the channels from top to bottom: those with a known key stand in that order at the places that
+/// they have in the recording, the others stay at theirs.
 [[nodiscard]] std::vector<std::size_t> LaneOrder(const std::vector<LaneChannel>& channels,
                                                  const std::vector<std::u16string>& order);
 /// Makes that the order of the channels. The keys of other blocks keep their order among themselves.

@@ -12,7 +12,7 @@ namespace quillon {
 struct PageSamples {
     static constexpr std::int64_t kMostParts = 8192;
     std::int64_t samples = 1;
-    std::int64_t parts = 1;  ///< 1 to kMostParts
+    std::int64_t parts = 1;  ///< 1 to kMostParts, more where the page was that of another block
     [[nodiscard]] double Count() const { return static_cast<double>(samples) / static_cast<double>(parts); }
     friend bool operator==(const PageSamples&, const PageSamples&) = default;
 };

@@ -227,6 +227,13 @@ TraceStretch StretchOf(const TimeAxis& axis, std::int32_t fromColumn, std::int32
     return stretch;
 }
 
+TraceStretch StretchOf(const TimeAxis& axis, std::int32_t samples, std::int32_t fromColumn, std::int32_t toColumn) {
+    if (axis.SampleCount() < 1 || samples < 1) return {{}, 1, fromColumn, toColumn};
+    const ColumnGrid grid = axis.Grid().Scaled(samples, axis.SampleCount());
+    return {grid.Samples(axis.FirstColumn(), axis.Width(), samples), 1, fromColumn, toColumn,
+            TraceStretch::Free{grid, axis.FirstColumn()}};
+}
+
 void TraceReader::ReadFree(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
                            const TraceStretch& stretch) {
     const ColumnGrid& grid = stretch.free->grid;

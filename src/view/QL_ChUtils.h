@@ -54,6 +54,10 @@ struct TraceStretch {
 /// The stretch for the columns of a graph.
 [[nodiscard]] TraceStretch StretchOf(const TimeAxis& axis, std::int32_t fromColumn, std::int32_t toColumn);
 
+/// The same on a free axis for another block of the same stretch, with that many samples, see ColumnGrid::Scaled.
+[[nodiscard]] TraceStretch StretchOf(const TimeAxis& axis, std::int32_t samples, std::int32_t fromColumn,
+                                     std::int32_t toColumn);
+
 /// The same points for several channels, with x as it is in the whole trace. Runs of 100 samples and more are taken
 /// from the block's extremes as far as these are known; several channels are read in one pass over the data if the
 /// block supports it, else one by one with DrawChannelTrace. Where the data can be read up to some sample only (a file

@@ -17,9 +17,10 @@ std::int32_t TimeAxis::TableEntry(int index) {
     return entry;
 }
 
-void TimeAxis::SetBlock(std::int32_t sampleCount, double sampleRate, bool free) {
+void TimeAxis::SetBlock(std::int32_t sampleCount, double sampleRate, bool free, std::int32_t fastest) {
     m_free = free;
     m_samples = std::max(sampleCount, 0);
+    m_fastest = std::max(fastest, m_samples);
     m_rate = sampleRate > 0.0 ? sampleRate : 1.0;
     // A zoom coarser than the menu's was chosen to fit a longer block.
     m_zoom = std::min(m_zoom, kMenuZoomCount - 1);
@@ -27,6 +28,26 @@ void TimeAxis::SetBlock(std::int32_t sampleCount, double sampleRate, bool free) 
     if (!m_free) return SetZoom(m_zoom);
     if (m_chosen == 0.0) m_chosen = kFirstPage;
     SetPage(PageWithinLimits(m_chosen * m_rate));
+}
+
+void TimeAxis::SwitchBlock(std::int32_t sampleCount, double sampleRate, std::int32_t fastest) {
+    if (!m_free || m_samples == 0 || sampleCount < 1) return SetBlock(sampleCount, sampleRate, m_free, fastest);
+    const ColumnGrid page = ColumnGrid(m_page.samples, m_page.parts).Scaled(sampleCount, m_samples);
+    const std::int32_t first = m_first;
+    m_samples = sampleCount;
+    m_fastest = std::max(fastest, m_samples);
+    m_rate = sampleRate > 0.0 ? sampleRate : 1.0;
+    // Terms that no ratio of sample rates makes are rounded, so that those of the columns do not overflow.
+    constexpr std::int64_t most = std::int64_t{1} << 44;
+    SetPage(page.Divisor() < most ? PageSamples{page.Dividend(), page.Divisor()} : PageOf(page.SamplesPerColumn()));
+    MoveTo(first);
+}
+
+void TimeAxis::SetFastest(std::int32_t fastest) {
+    m_fastest = std::max(fastest, m_samples);
+    // The page may be shorter than it can be now.
+    if (const PageSamples least = PageWithinLimits(0.0); m_free && m_page.Count() < least.Count())
+        SetPageAbout(least, 0, 0);
 }
 
 void TimeAxis::SetWidth(std::int32_t pixels) {
@@ -73,11 +94,7 @@ int TimeAxis::ZoomIndex() const {
 }
 
 SampleSpan TimeAxis::Visible() const {
-    const std::int64_t first = m_grid.FirstSample(m_first);
-    const std::int64_t last = std::int64_t{m_first} + m_width - 1;
-    const std::int64_t end = std::min<std::int64_t>(m_grid.Samples(last).End(), m_samples);
-    if (end <= first) return {};
-    return {static_cast<std::int32_t>(first), static_cast<std::int32_t>(end - first)};
+    return m_grid.Samples(m_first, m_width, m_samples);
 }
 
 double TimeAxis::PageSeconds() const {
@@ -92,13 +109,17 @@ bool TimeAxis::CanZoom(bool in) const {
 
 double TimeAxis::LeastPage() const {
     constexpr std::int64_t mostColumns = std::numeric_limits<std::int32_t>::max();
-    const std::int64_t columns = std::int64_t{std::max(m_samples, 1)} * m_width;
-    return static_cast<double>((columns + mostColumns - 1) / mostColumns);
+    const std::int64_t columns = std::int64_t{std::max(m_fastest, 1)} * m_width;
+    return static_cast<double>((columns + mostColumns - 1) / mostColumns) * ShareOfFastest();
+}
+
+double TimeAxis::ShareOfFastest() const {
+    return static_cast<double>(std::max(m_samples, 1)) / static_cast<double>(std::max(m_fastest, 1));
 }
 
 PageSamples TimeAxis::PageWithinLimits(double samples) const {
     const std::int32_t whole = std::max(m_samples, 1);
-    const double least = std::max(static_cast<double>(m_width) / kMostColumnsPerSample, LeastPage());
+    const double least = std::max(static_cast<double>(m_width) / kMostColumnsPerSample * ShareOfFastest(), LeastPage());
     if (samples >= whole || least >= whole) return {whole, 1};
     return PageOf(std::max(samples, least));
 }

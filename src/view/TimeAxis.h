@@ -30,8 +30,12 @@ class TimeAxis {
 
     /// A newly loaded block: its first column is shown, the zoom stays if it is one of the menu's, else becomes the
     /// coarsest of these. A free axis shows the page chosen last, as far as the block reaches. Pages of a block without
-    /// a rate count samples as seconds.
-    void SetBlock(std::int32_t sampleCount, double sampleRate = 0.0, bool free = false);
+    /// a rate count samples as seconds. `fastest`: samples of the fastest block of which signals are shown together
+    /// with this one, where that is another one; the shortest page is that of its samples.
+    void SetBlock(std::int32_t sampleCount, double sampleRate = 0.0, bool free = false, std::int32_t fastest = 0);
+    /// The same for another block of the same stretch: on a free axis the columns show the same time as before.
+    void SwitchBlock(std::int32_t sampleCount, double sampleRate, std::int32_t fastest);
+    void SetFastest(std::int32_t fastest);
     void SetWidth(std::int32_t pixels);
     /// A free axis takes over the zoom exactly, also when the width changes before a page is chosen; back from it the
     /// nearest zoom of the table is selected.
@@ -122,11 +126,14 @@ class TimeAxis {
     bool SetPageAbout(const PageSamples& page, std::int32_t column, std::int32_t kept);
     /// In samples, so that the strip is not too long.
     [[nodiscard]] double LeastPage() const;
+    /// Samples of the block for one of the fastest.
+    [[nodiscard]] double ShareOfFastest() const;
     [[nodiscard]] PageSamples PageWithinLimits(double samples) const;
     [[nodiscard]] int NearestZoom() const;
 
     std::int32_t m_samples = 0;
-    double m_rate = 1.0;  ///< samples per second of a page
+    std::int32_t m_fastest = 0;  ///< at least m_samples
+    double m_rate = 1.0;         ///< samples per second of a page
     std::int32_t m_width = 1;
     std::int32_t m_first = 0;
     std::int32_t m_length = 0;

@@ -91,7 +91,7 @@ void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, s
     }
 }
 
-void JoinColumns(std::vector<DevicePoint>& pixels) {
+void JoinColumns(std::vector<DevicePoint>& pixels, std::int32_t from, std::int32_t to) {
     const auto isFar = [](const DevicePoint& a, const DevicePoint& b) { return b.x - a.x > 1; };
     if (std::adjacent_find(pixels.begin(), pixels.end(), isFar) == pixels.end()) return;
     std::vector<DevicePoint> joined;
@@ -99,7 +99,9 @@ void JoinColumns(std::vector<DevicePoint>& pixels) {
         const DevicePoint start = joined.empty() ? end : joined.back();
         const std::int64_t columns = std::int64_t{end.x} - start.x;
         const std::int64_t rise = std::int64_t{end.y} - start.y;
-        for (std::int64_t column = 1; column < columns; ++column) {
+        const std::int64_t first = std::max<std::int64_t>(1, std::int64_t{from} - 1 - start.x);
+        const std::int64_t stop = std::min(columns, std::int64_t{to} + 1 - start.x);
+        for (std::int64_t column = first; column < stop; ++column) {
             // To the nearest row.
             const std::int64_t scaled = 2 * rise * column + columns;
             const std::int64_t up = scaled / (2 * columns) - (scaled % (2 * columns) < 0 ? 1 : 0);

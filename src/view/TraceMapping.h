@@ -43,8 +43,8 @@ struct TraceMapping {
 /// The points in pixels.
 void ToPixels(const TraceMapping& mapping, std::span<const TracePoint> points, std::vector<DevicePoint>& pixels);
 /// Adds points on the lines between points that are more than a column apart, one per column, as TraceCanvas needs
-/// them. Those between two points depend on nothing else.
-void JoinColumns(std::vector<DevicePoint>& pixels);
+/// them for columns from .. to-1. Those between two points depend on nothing else.
+void JoinColumns(std::vector<DevicePoint>& pixels, std::int32_t from, std::int32_t to);
 /// The straight line drawn for a flat trace of `count` samples.
 void FlatTrace(const TraceMapping& mapping, std::int32_t count, std::int32_t samplesPerPixel,
                std::vector<DevicePoint>& pixels);

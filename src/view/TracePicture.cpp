@@ -19,19 +19,32 @@ void TracePicture::Scroll(std::int32_t shift) {
     m_failure.clear();
 }
 
-void TracePicture::Read(const GraphScene& scene, std::int32_t from, std::int32_t to) {
+void TracePicture::Read(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from,
+                        std::int32_t to) {
     const TraceStretch stretch = StretchOf(scene.axis, from, to);
     std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (std::exchange(m_readAhead, std::nullopt) == stretch && shown == m_shown) return;
     m_shown = std::move(shown);
-    m_reader.Read(*scene.block.block, scene.extremes, m_shown, stretch);
+    m_readers.resize(std::max(groups.size(), m_readers.size()));
+    for (std::size_t at = 0; at < groups.size(); ++at) {
+        const SignalGroup& group = groups[at];
+        m_readers[at].Read(*group.of.block.block, group.of.extremes, group.channels,
+                           group.Stretch(scene.axis, from, to));
+    }
 }
 
 std::int32_t TracePicture::Approach(const GraphScene& scene, std::int32_t from, std::int32_t to) const {
     const TraceStretch stretch = StretchOf(scene.axis, from, to);
     const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (stretch.samples.count < 1 || (m_readAhead == stretch && shown == m_shown)) return to;
-    return TraceReader::Approach(*scene.block.block, scene.extremes, shown, stretch);
+    const SceneBlocks blocks = scene.Blocks();
+    std::int32_t end = to;
+    for (const SignalGroup& group : GroupsOf(blocks, shown)) {
+        end = TraceReader::Approach(*group.of.block.block, group.of.extremes, group.channels,
+                                    group.Stretch(scene.axis, from, end));
+        if (end <= from) break;
+    }
+    return end;
 }
 
 bool TracePicture::CanReadNow(const GraphScene& scene) const {
@@ -45,25 +58,44 @@ bool TracePicture::CanReadNow(const GraphScene& scene) const {
 std::optional<ValueRange> TracePicture::SeenRange(const GraphScene& scene) {
     if (!scene.block.block || scene.axis.Visible().count < 1) return std::nullopt;
     const std::int32_t width = scene.axis.Width();
-    Read(scene, 0, width);
+    const SceneBlocks blocks = scene.Blocks();
+    const std::vector<SignalGroup> groups = GroupsOf(blocks, ChannelsOf(scene.lanes));
+    Read(scene, groups, 0, width);
     m_readAhead = StretchOf(scene.axis, 0, width);
-    return CentralRange(scene.block, m_shown, m_reader.points(), scene.rawCodes);
+    if (groups.empty() || groups.front().of.before != 0) return std::nullopt;
+    return CentralRange(scene.block, groups.front().channels, m_readers.front().points(), scene.rawCodes);
 }
 
 void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     m_canvas.Reset(from, to, m_height);
     m_colors.clear();
     if (scene.axis.Visible().count < 1) return m_sides.Forget(from, to);
-    Read(scene, from, to);
-    if (m_failure.empty()) m_failure = m_reader.Failure();
-    m_colors.resize(m_shown.size());
     const std::vector<LaneTrace> traces = TracesOf(scene.lanes);
+    const SceneBlocks blocks = scene.Blocks();
+    const std::vector<SignalGroup> groups = GroupsOf(blocks, ChannelsOf(scene.lanes));
+    Read(scene, groups, from, to);
+    m_colors.resize(m_shown.size());
     // The last channel comes first, so that the first one is on top.
-    for (std::size_t at = traces.size(); at-- > 0;) DrawTrace(scene, scene.lanes[traces[at].lane], at, from, to);
+    for (std::size_t group = groups.size(); group-- > 0;) {
+        const auto& [of, first, channels] = groups[group];
+        const TraceReader& reader = m_readers[group];
+        const TraceStretch stretch = groups[group].Stretch(scene.axis, from, to);
+        constexpr std::int64_t columnsOfDots = 4;
+        const ColumnGrid& grid = stretch.free ? stretch.free->grid : scene.axis.Grid();
+        for (std::size_t at = channels.size(); at-- > 0;) {
+            const std::size_t trace = first + at;
+            DrawTrace(scene, scene.lanes[traces[trace].lane],
+                      {of.block, static_cast<std::size_t>(channels[at] - 1), reader.points()[at],
+                       grid.HasColumnsPerSample(columnsOfDots)},
+                      trace, from, to);
+        }
+    }
+    for (std::size_t group = 0; group < groups.size() && m_failure.empty(); ++group)
+        m_failure = m_readers[group].Failure();
 }
 
-void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, std::size_t trace, std::int32_t from,
-                             std::int32_t to) {
+void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, const Source& source, std::size_t trace,
+                             std::int32_t from, std::int32_t to) {
     const bool free = scene.axis.IsFree();
     // The points of a free axis are those of its columns.
     const TraceGeometry geometry{.zeroRow = lane.zeroRow,
@@ -74,26 +106,25 @@ void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, std::siz
                                  .samplesPerPixel = free ? 1 : scene.axis.SamplesPerPixel(),
                                  .rawCodes = scene.rawCodes,
                                  .foldOrigin = scene.foldOrigin};
-    const auto channel = static_cast<std::size_t>(m_shown[trace] - 1);
-    const TraceMapping mapping = MapTrace(geometry, scene.block.invScale[channel], scene.block.offsets[channel]);
+    const ViewBlock& block = source.block;
+    const TraceMapping mapping = MapTrace(geometry, block.invScale[source.channel], block.offsets[source.channel]);
     if (mapping.flat) {
         const std::int32_t columns = std::min(scene.axis.StripLength() - scene.axis.FirstColumn(), m_width);
         FlatTrace(mapping, free ? columns : scene.axis.Visible().count, geometry.samplesPerPixel, m_trace);
     } else {
-        ToPixels(mapping, m_reader.points()[trace], m_trace);
+        ToPixels(mapping, source.points, m_trace);
     }
     m_canvas.Limit(lane.clip ? lane.top : 0, lane.clip ? lane.End() : m_height);
     const auto id = static_cast<std::uint8_t>(trace + 1);
-    constexpr std::int64_t columnsOfDots = 4;
-    if (!mapping.flat && scene.axis.Grid().HasColumnsPerSample(columnsOfDots)) m_canvas.DrawDots(m_trace, id);
-    if (free && !mapping.flat) JoinColumns(m_trace);
+    if (!mapping.flat && source.dots) m_canvas.DrawDots(m_trace, id);
+    if (free && !mapping.flat) JoinColumns(m_trace, from, to);
     m_canvas.Draw(m_trace, id);
     m_sides.Mark(trace, from, to, m_trace, lane.top, lane.End());
-    m_colors[trace] = TraceColor(scene.block.channelNumbers[channel]);
+    m_colors[trace] = TraceColor(block.channelNumbers[source.channel]);
 }
 
 void TracePicture::ForgetBlock() {
-    m_reader.Reset();
+    for (TraceReader& reader : m_readers) reader.Reset();
     m_readAhead.reset();
 }
 

@@ -13,8 +13,8 @@
 
 namespace quillon {
 
-/// The traces of the shown channels as pixels: reads their points, maps them to rows and draws them, the first channel
-/// on top. Records which of them are entirely above or below their lane.
+/// The traces of the shown signals as pixels: reads their points, maps them to rows and draws them, the first one on
+/// top. Records which of them are entirely above or below their lane.
 class TracePicture {
   public:
     /// An empty picture of that size; `traces` is the number of channels in all lanes, see TracesOf.
@@ -44,12 +44,20 @@ class TracePicture {
     void ForgetBlock();
 
   private:
-    void Read(const GraphScene& scene, std::int32_t from, std::int32_t to);
-    void DrawTrace(const GraphScene& scene, const Lane& lane, std::size_t trace, std::int32_t from, std::int32_t to);
+    /// What one block's trace is drawn from.
+    struct Source {
+        const ViewBlock& block;
+        std::size_t channel;  ///< from 0
+        const std::vector<TracePoint>& points;
+        bool dots;  ///< every sample has one
+    };
+    void Read(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from, std::int32_t to);
+    void DrawTrace(const GraphScene& scene, const Lane& lane, const Source& source, std::size_t trace,
+                   std::int32_t from, std::int32_t to);
 
-    TraceReader m_reader;
-    std::vector<std::int16_t> m_shown;        ///< channels (from 1) that m_reader has read, in the order of TracesOf
-    std::optional<TraceStretch> m_readAhead;  ///< stretch that m_reader has already read for the next Draw
+    std::vector<TraceReader> m_readers;       ///< one per block that is shown
+    std::vector<std::int16_t> m_shown;        ///< signals that they have read, in the order of TracesOf
+    std::optional<TraceStretch> m_readAhead;  ///< stretch that they have already read for the next Draw
     TraceSides m_sides;
     TraceCanvas m_canvas;
     std::vector<std::uint32_t> m_colors;  ///< 0xRRGGBB per entry of m_shown

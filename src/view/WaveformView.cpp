@@ -9,16 +9,8 @@
 
 namespace quillon {
 
-namespace {
-
-/// Of a scale's index: units, or codes, that it stands for.
-double TableValue(int index, bool rawCodes) {
-    return AmplitudeScale::TableEntry(index) * (rawCodes ? static_cast<double>(AmplitudeScale::kCodesPerUnit) : 1.0);
-}
-
-}  // namespace
-
-WaveformView::WaveformView(const Document& document) : m_document(document), m_channelLanes(document) {
+WaveformView::WaveformView(const Document& document)
+    : m_document(document), m_channelLanes(document), m_extremes(document) {
     MakeLanes();
 }
 
@@ -50,12 +42,11 @@ void WaveformView::MakeLanes() {
 }
 
 void WaveformView::Rescaled() {
-    m_extremes.Reset();
-    m_ranges.Reset();
+    m_extremes.Rescaled();
 }
 
 void WaveformView::LeaveBlock() {
-    Rescaled();
+    m_extremes.LeaveBlock();
     m_selection = {};
     m_history.Clear();
     m_goneTo = 0;
@@ -64,8 +55,21 @@ void WaveformView::LeaveBlock() {
 
 void WaveformView::BlockLoaded() {
     const ViewBlock& block = m_document.Block();
-    m_axis.SetBlock(block.sampleCount, block.sampleRate, m_channelLanes.Settings().on);
+    if (m_extremes.BlockLoaded() && UsesLanes() && m_axis.IsFree()) {
+        m_axis.SwitchBlock(block.sampleCount, block.sampleRate, m_extremes.Fastest());
+        m_channelLanes.SignalsChanged();
+    } else {
+        m_axis.SetBlock(block.sampleCount, block.sampleRate, m_channelLanes.Settings().on, m_extremes.Fastest());
+    }
     MakeLanes();
+}
+
+ViewChange WaveformView::SignalsChanged() {
+    m_extremes.BlockLoaded();
+    m_axis.SetFree(UsesLanes());
+    m_axis.SetFastest(m_extremes.Fastest());
+    m_channelLanes.SignalsChanged();
+    return Redraw();
 }
 
 void WaveformView::FitScales(const std::optional<ValueRange>& seen) {
@@ -206,7 +210,7 @@ ViewChange WaveformView::ZoomY(int steps) {
 ViewChange WaveformView::SelectScaleY(int index) {
     Push();
     if (UsesLanes()) {
-        m_channelLanes.SelectScale(m_document.CurrentChannel(), TableValue(index, m_rawCodes));
+        m_channelLanes.SelectScale(m_document.CurrentChannel(), AmplitudeScale::TableValue(index, m_rawCodes));
     } else {
         m_scale.SelectScale(index);
     }
@@ -216,7 +220,9 @@ ViewChange WaveformView::SelectScaleY(int index) {
 int WaveformView::SelectedScaleY() const {
     if (!UsesLanes()) return m_scale.Index();
     int index = AmplitudeScale::kScaleCount - 1;
-    while (index >= 0 && !m_channelLanes.HasScale(m_document.CurrentChannel(), TableValue(index, m_rawCodes))) --index;
+    while (index >= 0 &&
+           !m_channelLanes.HasScale(m_document.CurrentChannel(), AmplitudeScale::TableValue(index, m_rawCodes)))
+        --index;
     return index;
 }
 
@@ -229,14 +235,14 @@ ViewChange WaveformView::SetBipolar() {
 ViewChange WaveformView::FindData() {
     Push();
     if (UsesLanes()) {
-        m_channelLanes.FitShown(m_axis, m_extremes);
+        m_channelLanes.FitShown(m_axis, m_extremes.All());
         return Redraw();
     }
     const auto range = [&]() -> std::optional<ValueRange> {
         if (m_rawCodes) return kRawCodesRange;
         const std::vector<std::int16_t> shown = ChannelsOf(m_lanes);
-        if (m_ranges.IsRecorded(shown)) return m_ranges.Found(shown);
-        return m_ranges.Of(m_document.Block(), shown);
+        if (m_extremes.Ranges().IsRecorded(shown)) return m_extremes.Ranges().Found(shown);
+        return m_extremes.Ranges().Of(m_document.Block(), shown);
     };
     m_scale.FindData(range());
     return Redraw();
@@ -275,20 +281,20 @@ ViewChange WaveformView::SetNegativeUp(bool negativeUp) {
     return Redraw();
 }
 
-ViewChange WaveformView::ZoomGroup(std::size_t lane, int steps) {
+ViewChange WaveformView::ChangeLane(std::size_t lane, const std::function<void(std::int16_t channel)>& change) {
     const std::int16_t channel = ChannelOf(lane);
     if (channel == 0) return {};
     Push();
-    m_channelLanes.ZoomGroup(channel, steps);
+    change(channel);
     return Redraw();
 }
 
+ViewChange WaveformView::ZoomGroup(std::size_t lane, int steps) {
+    return ChangeLane(lane, [&](std::int16_t channel) { m_channelLanes.ZoomGroup(channel, steps); });
+}
+
 ViewChange WaveformView::ZoomChannel(std::size_t lane, int steps) {
-    const std::int16_t channel = ChannelOf(lane);
-    if (channel == 0) return {};
-    Push();
-    m_channelLanes.ZoomChannel(channel, steps);
-    return Redraw();
+    return ChangeLane(lane, [&](std::int16_t channel) { m_channelLanes.ZoomChannel(channel, steps); });
 }
 
 ViewChange WaveformView::MoveLane(std::size_t lane, std::int64_t rows) {
@@ -299,11 +305,7 @@ ViewChange WaveformView::MoveLane(std::size_t lane, std::int64_t rows) {
 }
 
 ViewChange WaveformView::FitLane(std::size_t lane) {
-    const std::int16_t channel = ChannelOf(lane);
-    if (channel == 0) return {};
-    Push();
-    m_channelLanes.FitAlone(channel, m_axis, m_extremes);
-    return Redraw();
+    return ChangeLane(lane, [&](std::int16_t channel) { m_channelLanes.FitAlone(channel, m_axis, m_extremes.All()); });
 }
 
 ViewChange WaveformView::ScrollLanes(std::int32_t lanes) {

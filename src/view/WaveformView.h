@@ -2,15 +2,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "data/Document.h"
 #include "view/AmplitudeScale.h"
 #include "view/ChannelLanes.h"
-#include "view/DataRange.h"
-#include "view/ExtremesCache.h"
 #include "view/Lane.h"
 #include "view/Selection.h"
+#include "view/StretchExtremes.h"
 #include "view/TimeAxis.h"
 #include "view/ViewChange.h"
 #include "view/ViewHistory.h"
@@ -18,21 +18,19 @@
 namespace quillon {
 
 /// Which part of a document's block the graph shows at which scales, what is selected, and the history of views.
-/// Samples count from 1. A command that has no effect returns an empty change.
-///
-/// The channels share one axis, or each has a lane (see ChannelLanes): commands of the Y scale and of the base line
-/// then act on all lanes. The time axis is free while lanes are on, also for a single channel. Lanes count from 0 among
-/// the visible ones.
+/// Samples count from 1. A command that has no effect returns an empty change. The channels share one axis, or each has
+/// a lane (see ChannelLanes): commands of the Y scale and of the base line then act on all lanes. The time axis is free
+/// while lanes are on, also for a single channel. Lanes count from 0 among the visible ones.
 class WaveformView {
   public:
     /// The document must outlive this object.
     explicit WaveformView(const Document& document);
     [[nodiscard]] const TimeAxis& Axis() const { return m_axis; }
     [[nodiscard]] const Lanes& GetLanes() const { return m_lanes; }
-    /// Whether every channel has a lane: lanes are on, and the block has several channels.
+    /// Whether every signal has a lane.
     [[nodiscard]] bool UsesLanes() const { return m_channelLanes.IsUsed(); }
     [[nodiscard]] const ChannelLanes& LanesOfChannels() const { return m_channelLanes; }
-    /// At a row of the graph; above or below the graph, the nearest one.
+    /// Nearest to a row of the graph.
     [[nodiscard]] std::size_t LaneAt(std::int32_t row) const;
     /// Of one axis: index of the amplitude scale, and rows by which the zero level lies below the middle.
     [[nodiscard]] int ScaleY() const { return m_scale.Index(); }
@@ -40,27 +38,31 @@ class WaveformView {
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
     [[nodiscard]] bool HasHistory() const { return !m_history.IsEmpty(); }
     /// Extremes of the block that are known.
-    [[nodiscard]] ExtremesCache& Extremes() const { return m_extremes; }
-    [[nodiscard]] RangeRecords& Ranges() { return m_ranges; }
+    [[nodiscard]] ExtremesCache& Extremes() const { return m_extremes.Loaded(); }
+    [[nodiscard]] RangeRecords& Ranges() { return m_extremes.Ranges(); }
+    /// The other blocks of the stretch, for drawing in lanes. Valid until the document changes.
+    [[nodiscard]] SceneBlocks OtherBlocks() const { return UsesLanes() ? m_extremes.Others() : SceneBlocks(); }
+    [[nodiscard]] StretchExtremes& AllExtremes() { return m_extremes; }
     [[nodiscard]] bool RawCodes() const { return m_rawCodes; }
     void SetRawCodes(bool rawCodes);
 
-    /// By which the least height of a lane is scaled; at first 96. To be called before Arrange.
+    /// Scales the least height of a lane; at first 96. To be called before Arrange.
     void SetDpi(int dpi) { m_channelLanes.SetDpi(dpi); }
-    /// Size of the graph in pixels. The lanes share its height, and hold the channels that are shown now.
+    /// Size of the graph in pixels. The lanes hold the signals that are shown now.
     void Arrange(std::int32_t width, std::int32_t height);
     /// The block is about to be closed: clears the selection, the history and the recorded ranges.
     void LeaveBlock();
-    /// The block's codes have another scale: clears what was recorded of them.
-    void Rescaled();
-    /// Another block is loaded: shows its first page at the previous zoom and scales.
+    void Rescaled();  ///< codes have another scale: clears what was recorded of them
+    /// Another block is loaded: shows its first page at the previous zoom and scales; in lanes the same time as before
+    /// where it is one of the stretch that was left.
     void BlockLoaded();
-    /// Chooses a new scale of one axis if the data are not readable at the previous one, or none has been chosen since
-    /// the start. `seen` is the range of the visible data, see CentralRange.
+    /// The signals of the other blocks of the stretch have changed.
+    ViewChange SignalsChanged();
+    /// Chooses a scale of one axis if `seen`, see CentralRange, is not readable, or none was chosen since the start.
     void FitScales(const std::optional<ValueRange>& seen);
     [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
 
-    /// State that is restored after a reload of the recording.
+    /// Restored after a reload of the recording.
     struct State {
         ViewPlace place;
         ViewHistory history;
@@ -74,18 +76,16 @@ class WaveformView {
     ViewChange SetScrollValue(std::int32_t value);
     /// 0 start, 1 previous page, 2 next page, 3 end.
     ViewChange GoToPage(int command);
-    /// Moves view and zero level.
     ViewChange Move(std::int32_t columns, std::int64_t rows);
     ViewChange MoveBaseLine(std::int64_t rows);
     ViewChange SelectZoomX(int index);
     /// One zoom step, on the axis of the table limited to the zooms of the menu. On a free axis the sample gone to,
     /// else the `hovered` one, stays where it is while it is visible, else the middle.
     ViewChange ZoomX(bool in, std::optional<std::int32_t> hovered = {});
-    /// Steps of the X zoom, finer ones positive; the sample under a column of the graph stays there.
+    /// Steps, finer ones positive, here and below; the sample under a column of the graph stays there.
     ViewChange ZoomAbout(int steps, std::int32_t column);
     /// The page of a free axis, see TimeAxis::SelectPage; the same sample stays, else the first one.
     ViewChange SelectPage(double seconds, std::optional<std::int32_t> hovered = {});
-    /// Steps of the Y scale, finer ones positive.
     ViewChange ZoomY(int steps);
     /// In lanes the scale of the current channel's group: the table's units, or codes, per lane height.
     ViewChange SelectScaleY(int index);
@@ -109,8 +109,7 @@ class WaveformView {
     ViewChange FitLane(std::size_t lane);
     ViewChange ScrollLanes(std::int32_t lanes);
     ViewChange DragTitle(std::int16_t channel, std::size_t to);
-    /// The next or previous mark, searched from the target of the last GoTo while the view has not changed since, else
-    /// from the middle of the view.
+    /// The mark after or before the target of GoTo, until the view changes, else after or before its middle.
     [[nodiscard]] std::optional<std::int32_t> MarkFrom(bool next) const;
 
     /// Selects from `start` to `end`; the end may be before the start.
@@ -125,10 +124,11 @@ class WaveformView {
   private:
     [[nodiscard]] ViewPlace Place() const;
     void GoBackTo(const ViewPlace& place);
-    /// Makes the lanes anew, with the channels that are shown now.
-    void MakeLanes();
+    void MakeLanes();  ///< with the channels that are shown now
     /// The channel of a lane; 0 on one axis, and where there is none.
     [[nodiscard]] std::int16_t ChannelOf(std::size_t lane) const;
+    /// A command on a lane's channel; pushes the view before it.
+    ViewChange ChangeLane(std::size_t lane, const std::function<void(std::int16_t channel)>& change);
     [[nodiscard]] std::int32_t SampleToKeep(std::optional<std::int32_t> hovered) const;
     ViewChange Zoomed(const ViewPlace& before, bool newPlace);
     void Push() { m_history.Push(Place()); }
@@ -138,9 +138,8 @@ class WaveformView {
     TimeAxis m_axis;
     AmplitudeScale m_scale;  ///< of all channels, on one axis
     ChannelLanes m_channelLanes;
-    Lanes m_lanes;                     ///< what follows from either
-    mutable ExtremesCache m_extremes;  ///< reading through it changes nothing that is seen
-    RangeRecords m_ranges{m_extremes};
+    Lanes m_lanes;                       ///< what follows from either
+    mutable StretchExtremes m_extremes;  ///< reading through it changes nothing that is seen
     Selection m_selection;
     ViewHistory m_history;
     std::int32_t m_goneTo = 0;  ///< sample that was gone to, until the view changes; 0: none

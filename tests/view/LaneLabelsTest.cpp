@@ -78,7 +78,7 @@ TEST_F(LaneLabelsTest, NothingLiesOverAnotherAndTheHitTestAgrees) {
         for (int step = 0; step < 4; ++step) m_view.ZoomChannel(static_cast<std::size_t>(some(8)), some(9) - 4);
         m_view.ZoomY(some(60) - 30);
         const Lanes& lanes = m_view.GetLanes();
-        const auto labels = LaneLabels(m_document.Block(), m_view.LanesOfChannels(), lanes, strip);
+        const auto labels = LaneLabels(m_view.LanesOfChannels(), lanes, strip);
         ASSERT_EQ(labels.size(), lanes.size());
         std::vector<Box> boxes;
         for (std::size_t at = 0; at < labels.size(); ++at) {
@@ -131,7 +131,7 @@ TEST_F(LaneLabelsTest, NothingLiesOverAnotherAndTheHitTestAgrees) {
         }
         if (const std::int32_t width = WantedWidth(m_view.LanesOfChannels(), strip); lanes[0].height > font) {
             strip.width = width;
-            for (const LaneLabel& label : LaneLabels(m_document.Block(), m_view.LanesOfChannels(), lanes, strip))
+            for (const LaneLabel& label : LaneLabels(m_view.LanesOfChannels(), lanes, strip))
                 ASSERT_FALSE(label.title.text.ends_with(u'\u2026'));
         }
     }
@@ -155,8 +155,8 @@ TEST_F(LaneLabelsTest, LanesOfOneScaleLookAlikeThoughTheirHeightsDifferByARow) {
     for (std::int32_t height = 240; height < 560; ++height) {
         m_view.Arrange(300, height);
         std::set<std::u16string> bars;
-        for (const LaneLabel& label : LaneLabels(m_document.Block(), channels, m_view.GetLanes(),
-                                                 {.width = 150, .rawCodes = true, .sizeOf = sizeOf}))
+        for (const LaneLabel& label :
+             LaneLabels(channels, m_view.GetLanes(), {.width = 150, .rawCodes = true, .sizeOf = sizeOf}))
             bars.insert(label.bar ? label.bar->text.text : std::u16string());
         EXPECT_EQ(bars.size(), 1U) << height;
         with.insert(bars.begin()->size());

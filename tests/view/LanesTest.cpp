@@ -339,9 +339,9 @@ TEST_F(LanesTest, TheMenusScaleIsThatOfTheChosenChannelsGroup) {
     EXPECT_EQ(m_view.SelectedScaleY(), -1) << "2000 uV is not in the table";
     m_document.ChooseChannel(2);
     EXPECT_EQ(m_view.SelectedScaleY(), 2) << "all groups were zoomed: 200 %";
-    EXPECT_TRUE(LanesWouldHelp(m_document.Block(), m_document.Slots())) << "units differ";
+    EXPECT_TRUE(LanesWouldHelp(m_document)) << "units differ";
     m_document.Show(2, false);
-    EXPECT_FALSE(LanesWouldHelp(m_document.Block(), m_document.Slots())) << "uV and mV do not";
+    EXPECT_FALSE(LanesWouldHelp(m_document)) << "uV and mV do not";
 }
 
 TEST_F(LanesTest, TheMouseActsOnTheLaneUnderIt) {

@@ -57,7 +57,7 @@ void LaneTitles::Paint(HDC dc, const RECT& client) const {
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     const Lanes& lanes = m_view.GetLanes();
     const std::vector<LaneLabel> labels =
-        LaneLabels(m_document.Block(), m_view.LanesOfChannels(), lanes, Strip(dc, static_cast<int>(client.right)));
+        LaneLabels(m_view.LanesOfChannels(), lanes, Strip(dc, static_cast<int>(client.right)));
     for (std::size_t at = 0; at < std::min(labels.size(), lanes.size()); ++at)
         PaintLane(dc, client, lanes[at], labels[at]);
     if (m_gestures.Current() != GraphGestures::Kind::Title || m_gestures.DropLane() >= lanes.size()) return;
@@ -90,7 +90,7 @@ GraphZone LaneTitles::ZoneAt(HWND strip, std::int32_t x, std::int32_t y) const {
     RECT client{};
     GetClientRect(strip, &client);
     const WindowDC dc(strip);
-    const std::vector<LaneLabel> labels = LaneLabels(m_document.Block(), m_view.LanesOfChannels(), m_view.GetLanes(),
+    const std::vector<LaneLabel> labels = LaneLabels(m_view.LanesOfChannels(), m_view.GetLanes(),
                                                      Strip(dc.Get(), static_cast<int>(client.right)));
     return IsOnTitle(labels, x, y) ? GraphZone::LaneTitles : GraphZone::AmplitudeScale;
 }

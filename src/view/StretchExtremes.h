@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "data/Document.h"
+#include "view/DataRange.h"
+#include "view/ExtremesCache.h"
+#include "view/SceneBlocks.h"
+
+namespace quillon {
+
+/// What is known of the extremes of the blocks of a document's stretch. It is kept as long as the stretch is, also when
+/// another of its blocks is loaded; all together take no more memory than those of one block may.
+class StretchExtremes {
+  public:
+    /// The document must outlive this object.
+    explicit StretchExtremes(const Document& document) : m_document(document) {}
+    StretchExtremes(const StretchExtremes&) = delete;
+    StretchExtremes& operator=(const StretchExtremes&) = delete;
+
+    /// Of the loaded block; always the same object.
+    [[nodiscard]] ExtremesCache& Loaded() { return m_loaded; }
+    [[nodiscard]] RangeRecords& Ranges() { return m_ranges; }
+    /// Of the other blocks of the stretch; valid until the document changes.
+    [[nodiscard]] SceneBlocks Others();
+    /// The loaded block, then the others.
+    [[nodiscard]] SceneBlocks All();
+
+    /// The loaded block is about to be closed.
+    void LeaveBlock();
+    /// Another block, or another stretch, is loaded. Returns whether it is one of the stretch that was left.
+    bool BlockLoaded();
+    /// Scales have changed: what was found of codes of those blocks is forgotten.
+    void Rescaled();
+
+    /// Samples of the block of the stretch, other than the loaded one, that has most; 0 without others.
+    [[nodiscard]] std::int32_t Fastest() const;
+    /// Reads about a piece of the blocks other than the loaded one, beginning with what the axis shows, until their
+    /// extremes are known. False when nothing is left.
+    bool ReadOthers(const TimeAxis& axis);
+    /// How much of them is known, 0 to 1.
+    [[nodiscard]] double OthersShare() const;
+
+  private:
+    /// What is known of one of the blocks.
+    struct Known {
+        std::weak_ptr<RecordingBlock> block;
+        std::vector<float> invScale;  ///< to which the codes belong
+        std::vector<float> offsets;
+        ExtremesCache extremes;
+        RangeRecords ranges{extremes};
+        bool complete = false;
+    };
+    [[nodiscard]] Known& Of(const ViewBlock& block);
+    /// Divides the memory by the number of samples.
+    void ShareMemory();
+
+    const Document& m_document;
+    ExtremesCache m_loaded;
+    RangeRecords m_ranges{m_loaded};
+    std::weak_ptr<RecordingBlock> m_loadedBlock;  ///< at the last BlockLoaded, where the stretch had others
+    std::vector<float> m_invScale;                ///< of it
+    std::vector<float> m_offsets;
+    std::vector<std::unique_ptr<Known>> m_known;  ///< of the other blocks, and of those that were left
+};
+
+}  // namespace quillon
