@@ -91,6 +91,7 @@ def main():
     rf64(folder / "float32.rf64", 3, 32, 2, 48000)
     bin_file(folder / "bin32.bin", 32, 1000.0)
     edf(folder / "edf32.edf", "", [256] * 32, SIZE // (32 * 256 * 2), 1)
+    edf(folder / "edf512.edf", "", [512, 256, 64, 1] * 128, SIZE // (833 * 128 * 2), 1)
     # 50 bytes in a record; its number has eight digits at most.
     edf(folder / "short-records.edf", "C", [10], 99_999_999, 0.1, annotation=15)
     edf(folder / "bdf32.bdf", "", [256] * 32, SIZE // (32 * 256 * 3), 1, wide=True)

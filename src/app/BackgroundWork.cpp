@@ -22,22 +22,34 @@ void BackgroundWork::BlockLoaded() {
 void BackgroundWork::Rescaled() {
     // Who waits for ranges gets those of the new codes.
     for (const Priority priority : {kScales, kSpectrum, kSummary}) m_slices.Drop(priority);
+    FindScales();
+    Summarise();
+}
+
+void BackgroundWork::SignalsChanged() {
+    FindScales();
     Summarise();
 }
 
 void BackgroundWork::FindScales() {
-    const std::shared_ptr<RecordingBlock> block = m_document.Block().block;
-    if (!block || !block->IsProvisional()) return;
+    const RecordingBlock* const block = m_document.Provisional();
+    if (block == nullptr) return;
     m_rescaled = false;
     const auto step = [this] {
         const PrepareStep done = m_document.PrepareMore();
         m_rescaled = done == PrepareStep::DoneRescaled;
         return done == PrepareStep::More;
     };
-    const auto end = [this] {
-        if (m_rescaled) onRescaled();
+    const auto share = [this] {
+        const RecordingBlock* const now = m_document.Provisional();
+        return now != nullptr ? now->PreparedShare() : 1.0;
     };
-    Start(kScales, {IDS_WORK_SCALES, step, [block] { return block->PreparedShare(); }, end});
+    const auto end = [this, block] {
+        if (m_rescaled) onRescaled();
+        // The next block of the stretch.
+        if (m_document.Provisional() != block) FindScales();
+    };
+    Start(kScales, {IDS_WORK_SCALES, step, share, end});
 }
 
 void BackgroundWork::ReadOn() {
@@ -111,12 +123,18 @@ void BackgroundWork::Summarise() {
     std::vector<std::int16_t> all(static_cast<std::size_t>(block.channelCount));
     std::iota(all.begin(), all.end(), std::int16_t{1});
     RangeRecords& ranges = m_view.Ranges();
-    if (ranges.IsKnown(all)) return;
-    Start(kSummary,
-          {IDS_WORK_SUMMARY,
-           [this, all, &ranges] { return ranges.ReadMissing(m_document.Block(), all, m_view.Axis().Visible()); },
-           [&ranges] { return ranges.PassedShare(); },
-           {}});
+    StretchExtremes& extremes = m_view.AllExtremes();
+    const bool known = ranges.IsKnown(all);
+    if (known && (!m_view.UsesLanes() || extremes.OthersShare() >= 1.0)) return;
+    const auto step = [this, all, &ranges, &extremes, own = !known]() mutable {
+        own = own && ranges.ReadMissing(m_document.Block(), all, m_view.Axis().Visible());
+        return own || (m_view.UsesLanes() && extremes.ReadOthers(m_view.Axis()));
+    };
+    const auto share = [this, &ranges, &extremes] {
+        const auto others = static_cast<double>(m_document.OtherBlocks().size());
+        return (ranges.PassedShare() + others * extremes.OthersShare()) / (1.0 + others);
+    };
+    Start(kSummary, {IDS_WORK_SUMMARY, step, share, {}});
 }
 
 bool BackgroundWork::DropCurrent() {

@@ -13,8 +13,8 @@
 
 namespace quillon {
 
-/// What is read of the loaded block between the messages of the window: what the pictures lack, the extremes of the
-/// whole block, and what opening has left out. All of it ends with the block.
+/// What is read of the loaded block, and of the others of its stretch, between the messages of the window: what the
+/// pictures lack, the extremes of the whole blocks, and what opening has left out. All of it ends with the block.
 class BackgroundWork {
   public:
     /// All arguments must outlive this object.
@@ -34,6 +34,8 @@ class BackgroundWork {
     void BlockLoaded();
     /// The scales of the block have changed: what depends on its codes begins anew.
     void Rescaled();
+    /// The signals of the other blocks of the stretch have changed.
+    void SignalsChanged();
     /// The block is about to be closed: everything is dropped.
     void BlockLeft() { m_slices.DropAll(); }
     /// The graph or the spectrogram has been drawn, possibly in part.

@@ -1,22 +1,28 @@
 #include "app/ValuesReadout.h"
 
-#include "data/ChannelSelection.h"
-
 namespace quillon {
 
 ReadoutSource ValuesReadout::Source() const {
-    return {m_document.Block(), m_document.Slots(), m_format,
-            m_view.RawCodes(),  &m_view.Extremes(), m_view.UsesLanes()};
+    ReadoutSource source{m_document.Block(), m_document.Slots(), m_format,
+                         m_view.RawCodes(),  &m_view.Extremes(), m_view.UsesLanes()};
+    if (m_view.UsesLanes()) source.document = &m_document;
+    source.others = m_view.OtherBlocks();
+    return source;
 }
 
 ValuesReadout::Basis ValuesReadout::PresentBasis() const {
-    return {ShownChannels(m_document.Block(), m_document.Slots()),
-            m_format,
-            m_view.RawCodes(),
-            m_settings.spectrum,
-            m_document.CurrentChannel(),
-            m_settings.window.spectrogramShown,
-            m_view.UsesLanes()};
+    Basis basis{{},
+                m_format,
+                m_view.RawCodes(),
+                m_settings.spectrum,
+                m_document.CurrentChannel(),
+                m_settings.window.spectrogramShown,
+                m_view.UsesLanes()};
+    const std::int16_t count = m_view.UsesLanes() ? m_document.SignalCount() : m_document.Block().channelCount;
+    for (std::int16_t signal = 1; signal <= count; ++signal) {
+        if (m_document.IsShown(signal)) basis.signals.push_back(signal);
+    }
+    return basis;
 }
 
 void ValuesReadout::Tell(Kind kind, const std::u16string& text) {
@@ -25,10 +31,11 @@ void ValuesReadout::Tell(Kind kind, const std::u16string& text) {
     onText(text);
 }
 
-void ValuesReadout::TellHover(std::int32_t sample, const std::u16string& mark) {
+void ValuesReadout::TellHover(std::int32_t sample, const std::u16string& mark, std::optional<double> place) {
     m_hoverSample = sample;
+    m_hoverPlace = place;
     m_hoverMark = mark;
-    Tell(Kind::Hover, (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample));
+    Tell(Kind::Hover, (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample, place));
 }
 
 void ValuesReadout::TellRange() {
@@ -60,7 +67,7 @@ void ValuesReadout::KeepTrue() {
 
 void ValuesReadout::BlockChanged() {
     switch (m_kind) {
-        case Kind::Hover: return TellHover(m_hoverSample, m_hoverMark);
+        case Kind::Hover: return TellHover(m_hoverSample, m_hoverMark, m_hoverPlace);
         case Kind::Range: return TellRange();
         default: return TellDetails();
     }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,9 @@ class ValuesReadout {
     std::function<void(const std::u16string& text)> onText;  ///< to be shown; set by the owner
 
     void TellDetails() { Tell(Kind::Details, m_document.File().fileInfo); }
-    /// The values at a sample, below the text of the mark under the pointer.
-    void TellHover(std::int32_t sample, const std::u16string& mark);
+    /// The values at a sample, below the text of the mark under the pointer. `place`: exactly where it is pointed to,
+    /// see PlaceUnder; signals of other blocks are read out there.
+    void TellHover(std::int32_t sample, const std::u16string& mark, std::optional<double> place = {});
     void TellSpectrum(const std::u16string& text) { Tell(Kind::Spectrum, text); }
     /// The values of the selection.
     void TellRange();
@@ -49,7 +51,7 @@ class ValuesReadout {
     enum class Kind { Details, Hover, Spectrum, Range };
     /// Input of a readout.
     struct Basis {
-        std::vector<std::int16_t> channels;  ///< shown ones
+        std::vector<std::int16_t> signals;  ///< shown ones
         FormatOptions format;
         bool rawCodes = false;
         SpectrumSettings spectrum;
@@ -71,6 +73,7 @@ class ValuesReadout {
     bool m_incomplete = false;  ///< see IsIncomplete; of the last range
     std::int32_t m_hoverSample = 0;
     std::u16string m_hoverMark;
+    std::optional<double> m_hoverPlace;
 };
 
 }  // namespace quillon

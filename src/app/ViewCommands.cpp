@@ -54,7 +54,9 @@ void ViewCommands::Select(int index) {
 
 void ViewCommands::Play(int index) {
     if (index == 2) return m_playback.Stop();
-    m_playback.Play(index == 1 ? std::int16_t{0} : MenuChannel());
+    // Only the loaded block is played.
+    const bool isOfBlock = MenuChannel() <= m_document.Block().channelCount;
+    m_playback.Play(index == 1 ? std::int16_t{0} : isOfBlock ? MenuChannel() : m_document.CurrentChannel());
 }
 
 }  // namespace quillon

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "base/Resume.h"
 #include "base/Text.h"
@@ -23,54 +24,136 @@ std::size_t At(std::int16_t channel) {
     return static_cast<std::size_t>(channel - 1);
 }
 
-std::u16string ValueText(const ReadoutSource& source, std::int16_t channel, double value) {
-    if (source.rawCodes) {
-        const std::u16string text = NumberText(value, source.format.decimalSeparator);
-        return value < 0.0 ? text : u' ' + text;
-    }
-    const auto slot = static_cast<std::size_t>(source.block.channelNumbers[At(channel)]);
-    return FormatValue(static_cast<float>(value), source.slots[slot].unit, source.format);
+/// A signal that is read out.
+struct Line {
+    SceneBlock of;
+    std::int16_t channel;  ///< of that block, from 1
+    std::u16string title{};
+    std::u16string unit{};
+    [[nodiscard]] const ViewBlock& Block() const { return of.block; }
+};
+
+double ValueOf(const ViewBlock& block, std::int16_t channel, double code) {
+    const float inverse = block.invScale[At(channel)];
+    const double scaled = inverse == 0.0F ? 0.0 : code / static_cast<double>(inverse);
+    return scaled + static_cast<double>(block.offsets[At(channel)]);
 }
 
-std::u16string Name(const ReadoutSource& source, std::int16_t channel) {
-    const std::int16_t number = source.block.channelNumbers[At(channel)];
-    std::u16string title = source.slots[static_cast<std::size_t>(number)].title;
-    if (!source.titles || title.empty()) return u"Ch" + Decimal(number + 1) + u":\t";
+std::u16string ValueText(const ReadoutSource& source, const std::u16string& unit, double value) {
+    if (!source.rawCodes) return FormatValue(static_cast<float>(value), unit, source.format);
+    const std::u16string text = NumberText(value, source.format.decimalSeparator);
+    return value < 0.0 ? text : u' ' + text;
+}
+
+/// The value that is shown for a code, as text.
+std::u16string CodeText(const ReadoutSource& source, const Line& line, double code) {
+    return ValueText(source, line.unit, source.rawCodes ? code : ValueOf(line.Block(), line.channel, code));
+}
+
+std::u16string Name(const ReadoutSource& source, const Line& line) {
+    std::u16string title = line.title;
+    if (!source.titles || title.empty())
+        return u"Ch" + Decimal(line.Block().channelNumbers[At(line.channel)] + 1) + u":\t";
     // Tabs and line ends separate the parts of a readout.
     std::replace_if(
         title.begin(), title.end(), [](char16_t letter) { return letter < u' '; }, u' ');
     return title + u":\t";
 }
 
-std::int16_t CodeAt(const ReadoutSource& source, std::int16_t channel, std::int32_t sample) {
+double CodeAt(const ViewBlock& block, std::int16_t channel, std::int32_t sample) {
     std::int16_t code = 0;
-    source.block.block->ReadCodes(channel, sample - 1, 1, &code);
+    block.block->ReadCodes(channel, sample - 1, 1, &code);
     return code;
 }
 
+/// All that is shown. `unused` stands for extremes that are not asked for.
+std::vector<Line> LinesOf(const ReadoutSource& source, ExtremesCache& unused) {
+    std::vector<Line> lines;
+    const SceneBlock own{source.block, source.extremes != nullptr ? *source.extremes : unused};
+    if (source.document == nullptr) {
+        for (const std::int16_t channel : ShownChannels(source.block, source.slots)) {
+            const ChannelSlot& slot = *SlotOf(source.slots, source.block.channelNumbers[At(channel)]);
+            lines.push_back({own, channel, slot.title, slot.unit});
+        }
+        return lines;
+    }
+    for (const std::int16_t number : source.document->SignalOrder()) {
+        const Signal signal = source.document->GetSignal(number);
+        const SceneBlock* of = &own;
+        for (const SceneBlock& other : source.others) {
+            if (&other.block == &signal.block) of = &other;
+        }
+        if (signal.shown && &of->block == &signal.block)
+            lines.push_back({*of, signal.channel, signal.title, signal.unit});
+    }
+    return lines;
+}
+
+/// A place in samples of the loaded block as one in those of another block; rounded off where it is meant to be whole.
+double PlaceIn(const ReadoutSource& source, const ViewBlock& block, double place) {
+    if (&block == &source.block) return place;
+    constexpr double tolerance = 1e-6;
+    const double there = place * block.sampleCount / source.block.sampleCount;
+    const double whole = std::nearbyint(there);
+    return std::fabs(there - whole) < tolerance ? whole : there;
+}
+
+/// The sample (from 1) of a block that holds at a place.
+std::int32_t SampleAt(const ReadoutSource& source, const ViewBlock& block, double place) {
+    const double there = std::floor(PlaceIn(source, block, place));
+    return static_cast<std::int32_t>(std::clamp(there, 0.0, block.sampleCount - 1.0)) + 1;
+}
+
+/// The samples of a block that a range of the loaded one stands for.
+SampleSpan SamplesIn(const ReadoutSource& source, const ViewBlock& block, const SampleSpan& range) {
+    if (&block == &source.block) return range;
+    const auto first = static_cast<std::int32_t>(std::ceil(PlaceIn(source, block, range.first)));
+    const auto end = static_cast<std::int32_t>(std::ceil(PlaceIn(source, block, range.End())));
+    if (end <= first) return {SampleAt(source, block, range.first) - 1, 1};
+    return {first, end - first};
+}
+
 /// Extremes of a range that are known or quickly read.
-std::optional<std::vector<RunExtremes>> QuickExtremes(const ReadoutSource& source,
+std::optional<std::vector<RunExtremes>> QuickExtremes(RecordingBlock& block, ExtremesCache& extremes,
                                                       const std::vector<std::int16_t>& channels,
                                                       const SampleSpan& samples) {
-    RecordingBlock& block = *source.block.block;
     constexpr int pieces = 4;
-    std::optional<std::vector<RunExtremes>> found = source.extremes->ExtremesOf(block, channels, samples);
+    std::optional<std::vector<RunExtremes>> found = extremes.ExtremesOf(block, channels, samples);
     const SampleSpan cells{std::max(samples.first, 1), samples.End() - std::max(samples.first, 1)};
     for (int piece = 0; piece < pieces && !found; ++piece) {
-        if (!source.extremes->Fill(block, channels, cells, ExtremesCache::kCoarseCell, ExtremesCache::Eviction::Never))
+        if (!extremes.Fill(block, channels, cells, ExtremesCache::kCoarseCell, ExtremesCache::Eviction::Never))
             return ExtremeCodes(block, channels, samples);
-        found = source.extremes->ExtremesOf(block, channels, samples);
+        found = extremes.ExtremesOf(block, channels, samples);
     }
+    return found;
+}
+
+/// What is known of the extremes of a block's lines in a range.
+struct Found {
+    bool known = true;                    ///< unreadable ones are known to be so; unknown ones may be found later
+    std::vector<RunExtremes> extremes{};  ///< per channel; empty where they cannot be read
+};
+
+Found FindExtremes(const ReadoutSource& source, const SceneBlock& of, const std::vector<std::int16_t>& channels,
+                   const SampleSpan& range) {
+    Found found;
+    const SampleSpan samples = SamplesIn(source, of.block, range);
+    Resume([&] {
+        if (source.extremes == nullptr) {
+            found.extremes = ExtremeCodes(*of.block.block, channels, samples);
+        } else if (auto known = QuickExtremes(*of.block.block, of.extremes, channels, samples)) {
+            found.extremes = std::move(*known);
+        } else {
+            found.known = false;
+        }
+    });
     return found;
 }
 
 }  // namespace
 
 double ShownValue(const ReadoutSource& source, std::int16_t channel, double code) {
-    if (source.rawCodes) return code;
-    const float inverse = source.block.invScale[At(channel)];
-    const double scaled = inverse == 0.0F ? 0.0 : code / static_cast<double>(inverse);
-    return scaled + static_cast<double>(source.block.offsets[At(channel)]);
+    return source.rawCodes ? code : ValueOf(source.block, channel, code);
 }
 
 std::u16string PositionText(const ViewBlock& block, std::int32_t sample, std::u16string_view separator,
@@ -79,17 +162,49 @@ std::u16string PositionText(const ViewBlock& block, std::int32_t sample, std::u1
     return FormatAxisValueWithUnit(AxisSeconds(block, sample - 1.0, format), AxisKind::Time, separator, format);
 }
 
-std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample) {
+std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample, std::optional<double> place) {
     std::u16string text = u"X:\t" + PositionText(source.block, sample, u" ", source.format);
     text += kLineEnd;
-    for (const std::int16_t channel : ShownChannels(source.block, source.slots)) {
-        text += Name(source, channel);
-        Resume(
-            [&] { text += ValueText(source, channel, ShownValue(source, channel, CodeAt(source, channel, sample))); });
+    ExtremesCache unused;
+    for (const Line& line : LinesOf(source, unused)) {
+        text += Name(source, line);
+        const bool isOwn = &line.Block() == &source.block;
+        const std::int32_t at = isOwn ? sample : SampleAt(source, line.Block(), place.value_or(sample - 1.0));
+        Resume([&] { text += CodeText(source, line, CodeAt(line.Block(), line.channel, at)); });
         text += kLineEnd;
     }
     return text;
 }
+
+namespace {
+
+/// The values of a line of RangeReadout. `at`: its channel's place in what was found.
+std::u16string RangeText(const ReadoutSource& source, const Line& line, const Selection& range, const Found& found,
+                         std::size_t at) {
+    std::u16string text;
+    Resume([&] {
+        if (found.extremes.empty() && found.known) return;
+        const auto value = [&](double code) {
+            return source.rawCodes ? code : ValueOf(line.Block(), line.channel, code);
+        };
+        const auto end = [&](std::int32_t sample) {
+            return value(CodeAt(line.Block(), line.channel, SampleAt(source, line.Block(), sample - 1.0)));
+        };
+        const double change = end(range.end) - end(range.start);
+        if (found.known) {
+            const double first = value(found.extremes[at].first);
+            const double second = value(found.extremes[at].second);
+            text = ValueText(source, line.unit, std::min(first, second)) + kRangeSign +
+                   ValueText(source, line.unit, std::max(first, second));
+        } else {
+            text = kUnknown;
+        }
+        text += u'\t' + ValueText(source, line.unit, change);
+    });
+    return text;
+}
+
+}  // namespace
 
 std::u16string RangeReadout(const ReadoutSource& source, const Selection& range, bool* complete) {
     FormatOptions duration = source.format;
@@ -100,45 +215,27 @@ std::u16string RangeReadout(const ReadoutSource& source, const Selection& range,
     std::u16string text =
         u"dX:\t" + (indexes ? Decimal(steps) : FormatAxisValueWithUnit(seconds, AxisKind::Time, u" ", duration));
     text += kLineEnd;
-    const std::vector<std::int16_t> shown = ShownChannels(source.block, source.slots);
-    // Unreadable ones are known to be so; unknown ones may be found later.
-    std::vector<RunExtremes> extremes;
-    bool known = true;
-    Resume([&] {
-        if (source.extremes == nullptr) {
-            extremes = ExtremeCodes(*source.block.block, shown, range.Samples());
-        } else if (auto found = QuickExtremes(source, shown, range.Samples())) {
-            extremes = std::move(*found);
-        } else {
-            known = false;
-        }
-    });
-    if (complete != nullptr) *complete = known;
-    for (std::size_t at = 0; at < shown.size(); ++at) {
-        const std::int16_t channel = shown[at];
-        text += Name(source, channel);
-        Resume([&] {
-            if (extremes.empty() && known) return;
-            const double change = ShownValue(source, channel, CodeAt(source, channel, range.end)) -
-                                  ShownValue(source, channel, CodeAt(source, channel, range.start));
-            if (known) {
-                const double first = ShownValue(source, channel, extremes[at].first);
-                const double second = ShownValue(source, channel, extremes[at].second);
-                text += ValueText(source, channel, std::min(first, second)) + kRangeSign +
-                        ValueText(source, channel, std::max(first, second));
-            } else {
-                text += kUnknown;
-            }
-            text += u'\t' + ValueText(source, channel, change);
-        });
+    ExtremesCache unused;
+    const std::vector<Line> lines = LinesOf(source, unused);
+    std::map<const ViewBlock*, std::vector<std::int16_t>> channels;
+    for (const Line& line : lines) channels[&line.Block()].push_back(line.channel);
+    std::map<const ViewBlock*, Found> found;
+    std::map<const ViewBlock*, std::size_t> next;
+    for (const Line& line : lines) {
+        const ViewBlock* const block = &line.Block();
+        if (!found.contains(block)) found[block] = FindExtremes(source, line.of, channels[block], range.Samples());
+        text += Name(source, line) + RangeText(source, line, range, found[block], next[block]++);
         text += kLineEnd;
     }
+    if (complete != nullptr)
+        *complete = std::all_of(found.begin(), found.end(), [](const auto& entry) { return entry.second.known; });
     if (seconds > 0.0) text += u"1/dX:\t" + FormatFrequency(1.0 / seconds, u" ", false, source.format) + u"\r\n";
     return text;
 }
 
 std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, double value) {
-    const std::u16string text = ValueText(source, channel, value);
+    const auto slot = static_cast<std::size_t>(source.block.channelNumbers[At(channel)]);
+    const std::u16string text = ValueText(source, source.slots[slot].unit, value);
     return text.substr(text.front() == u' ' ? 1 : 0);
 }
 
@@ -150,7 +247,7 @@ std::int16_t ChannelNear(const ReadoutSource& source, const Lanes& lanes, std::i
         if (lane.single && !lane.channels.empty()) return lane.channels.front();
         for (const std::int16_t channel : lane.channels) {
             Resume([&] {
-                double value = ShownValue(source, channel, CodeAt(source, channel, sample));
+                double value = ShownValue(source, channel, CodeAt(source.block, channel, sample));
                 if (source.rawCodes) value /= 1000.0;
                 const double distance = std::fabs(lane.RowOf(value) - row);
                 if (nearest != 0 && distance >= least) return;

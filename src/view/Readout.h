@@ -1,14 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "data/QL_Types.h"
+#include "data/Document.h"
 #include "format/QL_Format.h"
 #include "view/ExtremesCache.h"
 #include "view/Lane.h"
+#include "view/SceneBlocks.h"
 #include "view/Selection.h"
 
 namespace quillon {
@@ -21,6 +23,10 @@ struct ReadoutSource {
     bool rawCodes = false;              ///< codes instead of values
     ExtremesCache* extremes = nullptr;  ///< of the block; without it the extremes of a range are read
     bool titles = false;                ///< channels are named by their titles instead of their numbers
+    /// Where signals of other blocks are read out too, in the order of the recording: whose signals they are, and their
+    /// blocks.
+    const Document* document = nullptr;
+    SceneBlocks others{};
 };
 
 /// A code as the value that is shown for it: in the channel's unit, or the code where raw codes are shown.
@@ -31,12 +37,15 @@ struct ReadoutSource {
                                           const FormatOptions& format);
 
 /// The position of a sample and the value there of every shown channel: "X:", then "Ch1:", "Ch2:" ... by acquisition
-/// channel number, or their titles. A channel that cannot be read has no value.
-[[nodiscard]] std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample);
+/// channel number, or their titles. A channel that cannot be read has no value. Of other blocks it is the sample that
+/// holds at `place`, in samples of the block from its first one on; by default where the sample begins.
+[[nodiscard]] std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample,
+                                          std::optional<double> place = {});
 
 /// "dX:", the time from the range's first to its last sample; for every shown channel the smallest and the largest
 /// value of the range and the difference between the values at its end and its start; "1/dX:" as a frequency. Where
-/// extremes are not known yet an ellipsis stands for them, and `complete` is set to false.
+/// extremes are not known yet an ellipsis stands for them, and `complete` is set to false. Of other blocks the samples
+/// that begin within the range count, or the one that holds there where none does.
 [[nodiscard]] std::u16string RangeReadout(const ReadoutSource& source, const Selection& range,
                                           bool* complete = nullptr);
 

@@ -32,6 +32,9 @@ struct Selection {
 /// has at least one.
 [[nodiscard]] std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column);
 
+/// The place at which a pixel column begins, in samples from the block's first one on; clamped to the block.
+[[nodiscard]] double PlaceUnder(const TimeAxis& axis, std::int32_t column);
+
 /// The columns that show a range of at least one sample, clipped to the graph; none if outside it.
 [[nodiscard]] std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples);
 

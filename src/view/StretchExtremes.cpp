@@ -130,9 +130,13 @@ bool StretchExtremes::ReadOthers(const TimeAxis& axis) {
 }
 
 double StretchExtremes::OthersShare() const {
-    double known = 0.0;
-    for (const auto& entry : m_known) known += entry->complete ? 1.0 : 0.0;
-    return m_known.empty() ? 1.0 : known / static_cast<double>(m_known.size());
+    const std::vector<OtherBlock>& others = m_document.OtherBlocks();
+    const auto complete = std::count_if(others.begin(), others.end(), [&](const OtherBlock& other) {
+        return std::any_of(m_known.begin(), m_known.end(), [&](const auto& known) {
+            return known->complete && known->block.lock() == other.block.block;
+        });
+    });
+    return others.empty() ? 1.0 : static_cast<double>(complete) / static_cast<double>(others.size());
 }
 
 }  // namespace quillon
