@@ -47,6 +47,7 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.canZoomOut = view.Axis().CanZoom(false);
     const LaneSettings& lanes = view.LanesOfChannels().Settings();
     state.lanes = lanes.on;
+    state.allSignals = document.AllSignals();
     state.negativeUp = lanes.negativeUp;
     state.clipToLanes = lanes.clip;
     state.usesLanes = view.UsesLanes();
@@ -65,7 +66,8 @@ int CommandOfKey(int command, const CommandState& state) {
 
 bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
-    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuOptions)
+    if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuAllSignals ||
+        id == mnuOptions)
         return true;
     if (id == mnuNegativeUp || id == mnuClipToLanes) return state.lanes;
     if (id == mnuNextPalette) return state.spectrogramShown;
@@ -104,6 +106,7 @@ bool IsChecked(int id, const CommandState& state) {
     if (Within(id, mnuPage, kPageCount + 1)) return id - mnuPage == state.page;
     if (id == mnuSpectrogram) return state.spectrogramShown;
     if (id == mnuLanes) return state.lanes;
+    if (id == mnuAllSignals) return state.lanes && state.allSignals;
     if (id == mnuNegativeUp) return state.lanes && state.negativeUp;
     if (id == mnuClipToLanes) return state.lanes && state.clipToLanes;
     if (id == mnuSoloChannel) return state.isSolo;

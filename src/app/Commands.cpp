@@ -42,6 +42,7 @@ constexpr std::array kTree{
     Separator(1),
     Entry(1, mnuSpectrogram, IDS_SPECTROGRAM),
     Entry(1, mnuLanes, IDS_LANES),
+    Entry(1, mnuAllSignals, IDS_ALLSIGNALS),
     Entry(1, mnuNegativeUp, IDS_NEGATIVEUP),
     Separator(1),
     Popup(1, IDS_MENU_XZOOM),

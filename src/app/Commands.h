@@ -24,6 +24,7 @@ enum CommandId : int {
     mnuLanes,
     mnuNegativeUp,
     mnuClipToLanes,
+    mnuAllSignals,
     mnuScaleX = 1100,
     mnuZoomX = 1120,
     mnuGoTo = 1130,

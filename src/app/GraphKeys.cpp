@@ -52,6 +52,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Letter('B'), mnuBaseLine + 0},
     KeyBinding{KeyPlace::Graph, Letter('D'), mnuBaseLine + 1},
     KeyBinding{KeyPlace::Graph, Letter('L'), mnuLanes},
+    KeyBinding{KeyPlace::Graph, Letter('A'), mnuAllSignals},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuSpectrogram},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuNextPalette, kNo, kShift},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 0},

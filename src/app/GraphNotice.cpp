@@ -1,7 +1,6 @@
 #include "app/GraphNotice.h"
 
 #include "app/StringIds.h"
-#include "data/ChannelSelection.h"
 
 namespace quillon {
 
@@ -13,8 +12,10 @@ GraphNotice NoticeOf(const Document& document, std::int32_t fileCount, const Use
         return {services.Text(IDS_NO_RECORDING), services.Text(how)};
     }
     if (document.Block().sampleCount == 0) return {services.Text(IDS_NO_SAMPLES), {}};
-    if (ShownChannels(document.Block(), document.Slots()).empty()) return {services.Text(IDS_NO_CHANNEL), {}};
-    return {};
+    for (std::int16_t signal = 1; signal <= document.SignalCount(); ++signal) {
+        if (document.IsShown(signal)) return {};
+    }
+    return {services.Text(IDS_NO_CHANNEL), {}};
 }
 
 }  // namespace quillon

@@ -8,6 +8,7 @@ void LaneCommands::Restore() {
     m_view.SetLanes(m_remembered.lanes);
     m_view.SetNegativeUp(m_remembered.negativeUp);
     m_view.SetClip(m_remembered.clipToLanes);
+    m_document.SetAllSignals(m_remembered.allSignals && m_remembered.lanes);
     if (std::isfinite(m_remembered.pageLength) && m_remembered.pageLength > 0.0F)
         m_view.SelectPage(static_cast<double>(m_remembered.pageLength));
 }
@@ -17,11 +18,34 @@ void LaneCommands::Remember() {
     m_remembered.lanes = now.on;
     m_remembered.negativeUp = now.negativeUp;
     m_remembered.clipToLanes = now.clip;
+    // Lanes may have been turned on or off.
+    ChooseSignals();
     if (const double page = m_view.Axis().ChosenPage(); page > 0.0) m_remembered.pageLength = static_cast<float>(page);
 }
 
 void LaneCommands::ToggleLanes() {
     onChange(m_view.SetLanes(!m_view.LanesOfChannels().Settings().on));
+}
+
+ViewChange LaneCommands::ChooseSignals() {
+    const bool all = m_remembered.allSignals && m_view.LanesOfChannels().Settings().on;
+    if (all == m_document.AllSignals()) return {};
+    m_document.SetAllSignals(all);
+    const ViewChange change = m_view.SignalsChanged();
+    onSignals();
+    return change;
+}
+
+void LaneCommands::SignalsFound() {
+    const ViewChange change = m_view.SignalsChanged();
+    onSignals();
+    onChange(change);
+}
+
+void LaneCommands::ToggleAllSignals() {
+    const bool lanes = m_view.LanesOfChannels().Settings().on;
+    m_remembered.allSignals = !lanes || !m_remembered.allSignals;
+    lanes ? onChange(ChooseSignals()) : ToggleLanes();
 }
 
 void LaneCommands::ToggleNegativeUp() {

@@ -42,6 +42,7 @@
 #define IDS_FOLDER_INCOMPLETE 2033
 #define IDS_RANGE_PARTIAL 2035
 #define IDS_LANES_HINT 2036
+#define IDS_OTHER_SIGNALS 2038
 
 // Menu captions; those of an array follow each other.
 #define IDS_MENU_FILE 3000
@@ -69,6 +70,7 @@
 #define IDS_LANES 3035
 #define IDS_NEGATIVEUP 3036
 #define IDS_CLIPTOLANES 3037
+#define IDS_ALLSIGNALS 3038
 #define IDS_PAGE_WHOLE 3039
 #define IDS_ZOOMX_0 3040
 #define IDS_GOTO_0 3050

@@ -1,5 +1,8 @@
 #include "app/ValuesReadout.h"
 
+#include "app/StringIds.h"
+#include "base/Text.h"
+
 namespace quillon {
 
 ReadoutSource ValuesReadout::Source() const {
@@ -29,6 +32,16 @@ void ValuesReadout::Tell(Kind kind, const std::u16string& text) {
     m_kind = kind;
     m_basis = PresentBasis();
     onText(text);
+}
+
+void ValuesReadout::TellDetails() {
+    std::u16string text = m_document.File().fileInfo;
+    const int signals = m_document.StretchSignals();
+    if (signals > m_document.SignalCount()) {
+        text += u"\r\n" +
+                FillPlaces(m_services.Text(IDS_OTHER_SIGNALS), {Decimal(m_document.SignalCount()), Decimal(signals)});
+    }
+    Tell(Kind::Details, text);
 }
 
 void ValuesReadout::TellHover(std::int32_t sample, const std::u16string& mark, std::optional<double> place) {
@@ -62,6 +75,9 @@ void ValuesReadout::SelectionStarted() {
 }
 
 void ValuesReadout::KeepTrue() {
+    const SampleSpan seen = m_view.Axis().Visible();
+    const bool hovers = m_kind == Kind::Hover || m_kind == Kind::Spectrum;
+    if (hovers && (m_hoverSample <= seen.first || m_hoverSample > seen.End())) return TellDetails();
     if (m_kind != Kind::Details && PresentBasis() != m_basis) BlockChanged();
 }
 

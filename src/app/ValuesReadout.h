@@ -18,16 +18,21 @@ class ValuesReadout {
   public:
     /// All arguments must outlive this object.
     ValuesReadout(const Document& document, const WaveformView& view, const FormatOptions& format,
-                  const Settings& settings)
-        : m_document(document), m_view(view), m_format(format), m_settings(settings) {}
+                  const Settings& settings, const UserServices& services)
+        : m_document(document), m_view(view), m_format(format), m_settings(settings), m_services(services) {}
 
     std::function<void(const std::u16string& text)> onText;  ///< to be shown; set by the owner
 
-    void TellDetails() { Tell(Kind::Details, m_document.File().fileInfo); }
+    /// What kind of recording it is, and whether it has signals that are not shown.
+    void TellDetails();
     /// The values at a sample, below the text of the mark under the pointer. `place`: exactly where it is pointed to,
     /// see PlaceUnder; signals of other blocks are read out there.
     void TellHover(std::int32_t sample, const std::u16string& mark, std::optional<double> place = {});
-    void TellSpectrum(const std::u16string& text) { Tell(Kind::Spectrum, text); }
+    /// What the spectrogram has at a sample.
+    void TellSpectrum(std::int32_t sample, const std::u16string& text) {
+        m_hoverSample = sample;
+        Tell(Kind::Spectrum, text);
+    }
     /// The values of the selection.
     void TellRange();
     /// The selection has changed: updates or removes its readout. `moved`: shows a readout in any case.
@@ -44,7 +49,8 @@ class ValuesReadout {
     void BlockChanged();
     /// Whether the readout of a range lacks what is not known yet.
     [[nodiscard]] bool IsIncomplete() const { return m_kind == Kind::Range && m_incomplete; }
-    /// Shown channels or options have changed: updates or removes the readout.
+    /// Shown channels, options or the view have changed: updates or removes the readout, also that of a sample which is
+    /// not visible any more.
     void KeepTrue();
 
   private:
@@ -68,10 +74,11 @@ class ValuesReadout {
     const WaveformView& m_view;
     const FormatOptions& m_format;
     const Settings& m_settings;
+    const UserServices& m_services;
     Kind m_kind = Kind::Details;
     Basis m_basis;
-    bool m_incomplete = false;  ///< see IsIncomplete; of the last range
-    std::int32_t m_hoverSample = 0;
+    bool m_incomplete = false;       ///< see IsIncomplete; of the last range
+    std::int32_t m_hoverSample = 0;  ///< of a readout under the pointer
     std::u16string m_hoverMark;
     std::optional<double> m_hoverPlace;
 };

@@ -20,6 +20,7 @@ struct WindowPlacement {
     std::int32_t laneLabels = 0;  ///< width of the strip with their titles
     bool negativeUp = false;      ///< in lanes smaller values are higher up
     bool clipToLanes = false;
+    bool allSignals = false;  ///< lanes for the signals of all blocks of a stretch
     float pageLength = 0.0F;  ///< of a free time axis, in seconds; 0: none was chosen
 };
 

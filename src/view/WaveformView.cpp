@@ -66,7 +66,7 @@ void WaveformView::BlockLoaded() {
 
 ViewChange WaveformView::SignalsChanged() {
     m_extremes.BlockLoaded();
-    m_axis.SetFree(UsesLanes());
+    m_axis.SetFree(m_channelLanes.Settings().on);
     m_axis.SetFastest(m_extremes.Fastest());
     m_channelLanes.SignalsChanged();
     return Redraw();

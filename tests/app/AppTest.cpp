@@ -174,7 +174,7 @@ class ValuesReadoutTest : public ViewFixture {
     }
     Settings m_settings;
     FormatOptions m_format{false};
-    ValuesReadout m_values{m_document, m_view, m_format, m_settings};
+    ValuesReadout m_values{m_document, m_view, m_format, m_settings, m_services};
     std::u16string m_text;
     int m_told = 0;
 };
@@ -187,7 +187,7 @@ TEST_F(ValuesReadoutTest, TellsAnewOnlyWhatIsNotSoAnyLonger) {
     m_document.ShowAll(false);
     m_values.KeepTrue();
     EXPECT_EQ(m_text, u"mark\r\nX:\t0.05 s\r\n") << "the place and its mark are kept";
-    m_values.TellSpectrum(u"spectrum");
+    m_values.TellSpectrum(6, u"spectrum");
     m_settings.window.spectrogramShown = true;
     m_values.KeepTrue();
     EXPECT_EQ(m_text, details);
@@ -195,6 +195,26 @@ TEST_F(ValuesReadoutTest, TellsAnewOnlyWhatIsNotSoAnyLonger) {
     m_told = 0;
     m_values.KeepTrue();
     EXPECT_EQ(m_told, 0) << "the description depends on nothing";
+}
+
+TEST_F(ValuesReadoutTest, APlaceIsToldAsLongAsItIsVisible) {
+    auto block = std::make_shared<FakeBlock>();
+    block->samples.assign(2, std::vector<std::int16_t>(100000, 7));
+    Load(block);
+    const auto details = m_document.File().fileInfo;
+    m_values.TellHover(6, {});
+    m_view.ScrollBy(3);
+    m_values.KeepTrue();
+    EXPECT_NE(m_text, details);
+    m_view.ScrollBy(3);
+    m_values.KeepTrue();
+    EXPECT_EQ(m_text, details);
+    m_values.TellSpectrum(m_view.Axis().Visible().End(), u"spectrum");
+    m_values.KeepTrue();
+    EXPECT_EQ(m_text, u"spectrum");
+    m_view.GoToPage(2);
+    m_values.KeepTrue();
+    EXPECT_EQ(m_text, details);
 }
 
 TEST_F(ValuesReadoutTest, ARangeIsToldAsLongAsItIsSelected) {

@@ -30,6 +30,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
          }},
         {mnuSpectrogram, 1, [](R r, F, int) { r.ShowSpectrogram(); }},
         {mnuLanes, 1, [](R r, F, int) { r.lanes.ToggleLanes(); }},
+        {mnuAllSignals, 1, [](R r, F, int) { r.lanes.ToggleAllSignals(); }},
         {mnuNegativeUp, 1, [](R r, F, int) { r.lanes.ToggleNegativeUp(); }},
         {mnuClipToLanes, 1, [](R r, F, int) { r.lanes.ToggleClip(); }},
         {mnuNextPalette, 1, [](R r, F, int) { r.spectrogram.NextPalette(); }},

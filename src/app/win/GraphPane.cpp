@@ -6,6 +6,7 @@
 
 #include "app/ControlIds.h"
 #include "app/win/NoticePainter.h"
+#include "app/win/ScrollBarControl.h"
 #include "view/Readout.h"
 #include "view/ScaleLabels.h"
 #include "view/win/GDI_Utils.h"
@@ -20,28 +21,6 @@ static_assert(SB_LINEDOWN == static_cast<int>(ScrollAction::LineOn) &&
               SB_LEFT == static_cast<int>(ScrollAction::Start) &&
               SB_THUMBTRACK == static_cast<int>(ScrollAction::ThumbDragged) &&
               SB_ENDSCROLL == static_cast<int>(ScrollAction::End) + 1);
-
-/// Current position of a dragged thumb; WM_HSCROLL and WM_VSCROLL carry only 16 bits of it.
-int TrackPosition(HWND scrollBar) {
-    SCROLLINFO info{};
-    info.cbSize = sizeof info;
-    info.fMask = SIF_TRACKPOS;
-    GetScrollInfo(scrollBar, SB_CTL, &info);
-    return info.nTrackPos;
-}
-
-void ShowBar(HWND scrollBar, const ScrollBarValues& values, bool enabled) {
-    SCROLLINFO info{};
-    info.cbSize = sizeof info;
-    info.fMask = SIF_ALL;
-    info.nMin = values.least;
-    info.nPage = static_cast<UINT>(values.page);
-    // A scroll bar stops one page before its maximum.
-    info.nMax = values.most + values.page - 1;
-    info.nPos = values.position;
-    SetScrollInfo(scrollBar, SB_CTL, &info, TRUE);
-    EnableWindow(scrollBar, enabled);
-}
 
 }  // namespace
 
@@ -102,7 +81,8 @@ GraphScene GraphPane::Scene() const {
             m_foldOrigin,
             static_cast<GridStyle>(std::clamp<int>(m_display.gridStyle, 0, 2)),
             TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor)))),
-            GridColumns(m_view.Axis(), m_document.Block(), m_format, ScreenDpi())};
+            GridColumns(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
+            m_view.OtherBlocks()};
 }
 
 void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
@@ -399,7 +379,7 @@ void GraphPane::OpenContextMenu() const {
 void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
     ShowCursor(BandOf(m_view.Axis(), {sample - 1, 1}));
     const auto mark = m_painter.MarkAt(Scene(), x, row);
-    onHover(sample, mark ? m_document.Block().marks[*mark].text : std::u16string());
+    onHover(sample, PlaceUnder(m_view.Axis(), x), mark ? m_document.Block().marks[*mark].text : std::u16string());
 }
 
 }  // namespace quillon

@@ -35,7 +35,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     std::function<void(const ViewChange& change)> onChange;  ///< the mouse has changed the view
     std::function<void()> onSelectionStart;
     std::function<void()> onSelectionEnd;  ///< the selection may have been removed
-    std::function<void(std::int32_t sample, const std::u16string& mark)> onHover;         ///< a readout
+    std::function<void(std::int32_t sample, double place, const std::u16string& mark)> onHover;  ///< see PlaceUnder
     std::function<void(CommonBand which, const std::optional<ColumnBand>& band)> onBand;  ///< shown, moved or hidden
     std::function<void(POINT screen, std::int16_t channel)> onContextMenu;  ///< channel of the trace there, 0: none
     std::function<void(std::int16_t channel)> onChannel;                    ///< chosen by its lane
@@ -55,8 +55,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] HCURSOR Pointer() { return m_cursors.Get(m_display.waveformCursor); }
     /// Width that the strip left of the graph wants for the titles of lanes; 0 without lanes.
     [[nodiscard]] std::int32_t TitlesWidth() const { return m_view.UsesLanes() ? m_titles.WantedWidth() : 0; }
-    /// Another channel is the current one.
-    void ChannelChanged() const { m_scaleY.Invalidate(); }
+    void ChannelChanged() const { m_scaleY.Invalidate(); }  ///< another one is the current one
     /// Size of the graph in pixels.
     void SetSize(std::int32_t width, std::int32_t height);
     /// Text shown in a graph without traces.
@@ -86,8 +85,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void ShowCursor(const std::optional<ColumnBand>& band);
     /// Shows the readout of a sample, independent of the pointer.
     void ShowSample(std::int32_t sample);
-    /// The sample (from 1) under the pointer, while values are read out there.
-    [[nodiscard]] std::optional<std::int32_t> HoveredSample() const;
+    [[nodiscard]] std::optional<std::int32_t> HoveredSample() const;  ///< from 1, while values are read out
     /// Asks for the context menu at the corner of the graph, for no channel.
     void OpenContextMenu() const;
     /// The view has scrolled under a resting pointer: updates the readout.
@@ -97,7 +95,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
 
     [[nodiscard]] bool HasGesture() const { return m_gestures.Current() != GraphGestures::Kind::None; }
     void EndGesture();
-    /// Whether a lane is dragged by its title; ReleaseCapture leaves it where it is.
+    /// A lane is dragged by its title; ReleaseCapture leaves it where it is.
     [[nodiscard]] bool DragsLane() const { return m_gestures.Current() == GraphGestures::Kind::Title; }
     /// Another command is about to use the selection: ends the gesture that changes it.
     void EndSelecting();

@@ -18,7 +18,7 @@ MainRooms::MainRooms(RoomParts parts)
     : m_parts(std::move(parts)),
       m_document(m_parts.document),
       m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
-      m_values(m_document, m_parts.view, m_parts.format, m_parts.settings),
+      m_values(m_document, m_parts.view, m_parts.format, m_parts.settings, m_parts.services),
       m_texts(m_parts, status, graph, spectrogram),
       view(m_parts.view),
       playback(m_parts.playback),
@@ -27,7 +27,7 @@ MainRooms::MainRooms(RoomParts parts)
       lanes(m_document, view, m_parts.settings.window),
       graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
-      recording(m_document),
+      recording(m_document, m_parts.format),
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
@@ -48,7 +48,9 @@ void MainRooms::WireGraph() {
         m_values.SelectionChanged(false);
         UpdateState();
     };
-    graph.onHover = [this](std::int32_t sample, const std::u16string& mark) { m_values.TellHover(sample, mark); };
+    graph.onHover = [this](std::int32_t sample, double place, const std::u16string& mark) {
+        m_values.TellHover(sample, mark, place);
+    };
     graph.onBand = [this](CommonBand which, const auto& band) { spectrogram.ShowBand(which, band); };
     graph.onContextMenu = [this](POINT screen, std::int16_t channel) {
         commands.SetMenuChannel(channel);
@@ -62,7 +64,7 @@ void MainRooms::WireGraph() {
     graph.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
         graph.ShowCursor(BandOf(view.Axis(), {sample - 1, 1}));
-        m_values.TellSpectrum(text);
+        m_values.TellSpectrum(sample, text);
     };
     spectrogram.onBusy = graph.onBusy;
     spectrogram.onPointer = [this] { return graph.Pointer(); };
@@ -119,6 +121,11 @@ void MainRooms::WireCommands() {
     lanes.onChange = [this](const ViewChange& change) {
         status.Retract(StatusBar::Topic::Hint);
         ViewChanged(change);
+    };
+    lanes.onSignals = [this] {
+        if (m_complete) recording.FillChannels(true);
+        slices.work.SignalsChanged();
+        m_values.DetailsChanged();
     };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
@@ -352,6 +359,7 @@ void MainRooms::Found(const ReadStep& step) {
         LeaveBlock();
         return ShowBlock(kept);
     }
+    if (step.signalsChanged) lanes.SignalsFound();
     if (step.infoChanged) m_values.DetailsChanged();
     if (step.marksChanged) graph.SeesOtherMarks() ? Refresh() : UpdateState();
 }

@@ -1,5 +1,6 @@
 #include "app/win/RecordingPane.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "data/ChannelSelection.h"
@@ -18,8 +19,22 @@ void RecordingPane::FillBlocks() {
 }
 
 void RecordingPane::FillChannels(bool keepsChannel) {
-    m_channels.Fill(m_document.Block(), m_document.Slots());
-    if (keepsChannel) m_channels.Choose(m_document.CurrentChannel() - 1);
+    m_signals = m_document.SignalOrder();
+    std::vector<ChannelLine> lines;
+    for (const std::int16_t number : m_signals) {
+        const Signal signal = m_document.GetSignal(number);
+        const double rate = signal.block.sampleRate;
+        lines.push_back(
+            {signal.title, signal.unit,
+             rate == m_document.Block().sampleRate ? std::u16string() : FormatFrequency(rate, u" ", false, m_format),
+             signal.block.channelNumbers[static_cast<std::size_t>(signal.channel - 1)], signal.shown});
+    }
+    m_channels.Fill(lines);
+    if (keepsChannel) m_channels.Choose(ItemOf(m_document.CurrentChannel()));
+}
+
+int RecordingPane::ItemOf(std::int16_t signal) const {
+    return static_cast<int>(std::find(m_signals.begin(), m_signals.end(), signal) - m_signals.begin());
 }
 
 void RecordingPane::OnNotify(const NMHDR* header) {
@@ -31,26 +46,29 @@ void RecordingPane::OnNotify(const NMHDR* header) {
     if (header->code != LVN_ITEMCHANGED || m_channels.Filling()) return;
     const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
     if ((change->uChanged & LVIF_STATE) == 0) return;
-    const auto channel = static_cast<std::int16_t>(change->iItem + 1);
-    if ((change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0) {
+    if (change->iItem < 0 || static_cast<std::size_t>(change->iItem) >= m_signals.size()) return;
+    const std::int16_t signal = m_signals[static_cast<std::size_t>(change->iItem)];
+    const bool chosen = (change->uNewState & LVIS_SELECTED) != 0 && (change->uOldState & LVIS_SELECTED) == 0;
+    if (chosen && signal <= m_document.Block().channelCount) {
         m_channelReported = !std::exchange(m_channelByKey, false);
-        m_document.ChooseChannel(channel);
+        m_document.ChooseChannel(signal);
         onChannel();
     }
     if (((change->uNewState ^ change->uOldState) & LVIS_STATEIMAGEMASK) != 0) {
-        m_document.Show(channel, m_channels.IsChecked(change->iItem));
+        m_document.Show(signal, m_channels.IsChecked(change->iItem));
         onShown();
     }
 }
 
 void RecordingPane::Choose(std::int16_t channel) {
-    m_channels.Choose(channel - 1);
+    if (channel > m_document.Block().channelCount) return;
+    m_channels.Choose(ItemOf(channel));
     m_document.ChooseChannel(channel);
     onChannel();
 }
 
 void RecordingPane::SetAllShown(int index) {
-    const int count = static_cast<int>(m_document.Block().channelNumbers.size());
+    const int count = static_cast<int>(m_signals.size());
     // The check mark of a channel without a slot is the list's own.
     for (int item = 0; item < count; ++item)
         m_channels.Check(item, index == 0 || (index == 2 && !m_channels.IsChecked(item)));
@@ -64,10 +82,11 @@ void RecordingPane::SetAllShown(int index) {
 
 void RecordingPane::ShowAlone(std::int16_t channel) {
     m_document.Solo(m_document.IsSolo() ? std::nullopt : std::optional(channel));
-    const ViewBlock& block = m_document.Block();
-    for (std::int16_t each = 1; each <= block.channelCount; ++each) {
-        if (SlotOf(m_document.Slots(), block.channelNumbers[static_cast<std::size_t>(each - 1)]) != nullptr)
-            m_channels.Check(each - 1, m_document.IsShown(each));
+    for (std::size_t item = 0; item < m_signals.size(); ++item) {
+        // The check mark of a channel without a slot is the list's own.
+        const Signal signal = m_document.GetSignal(m_signals[item]);
+        const std::int16_t number = signal.block.channelNumbers[static_cast<std::size_t>(signal.channel - 1)];
+        if (SlotOf(m_document.Slots(), number) != nullptr) m_channels.Check(static_cast<int>(item), signal.shown);
     }
     onShown();
 }

@@ -1,18 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "data/Document.h"
 #include "data/win/ChannelLists.h"
+#include "format/QL_Format.h"
 
 namespace quillon {
 
-/// The lists of blocks and channels, with the check boxes that say which channels are shown.
+/// The lists of blocks and of channels; the latter holds all signals (see Document) with the check boxes that say which
+/// are shown.
 class RecordingPane {
   public:
-    /// The document must outlive this object.
-    explicit RecordingPane(Document& document) : m_document(document) {}
+    /// Both must outlive this object.
+    RecordingPane(Document& document, const FormatOptions& format) : m_document(document), m_format(format) {}
 
     // To be set by the owner.
     std::function<void(int index)> onBlock;  ///< the user has chosen a block, from 0; -1: none
@@ -27,7 +31,7 @@ class RecordingPane {
     void BlocksChanged(bool titles) {
         titles ? FillBlocks() : m_blocks.Append(m_document.BlockTitles(m_blocks.Count()));
     }
-    /// Another block is loaded; `keepsChannel`: the current channel is the one of before.
+    /// Another block is loaded, or there are other signals; `keepsChannel`: the current channel is the one of before.
     void FillChannels(bool keepsChannel);
     /// The line of the loaded block.
     [[nodiscard]] std::u16string BlockLine() const {
@@ -36,18 +40,23 @@ class RecordingPane {
     void ClickBlock() { onBlock(m_blocks.Selected()); }
     /// A notification of the list of channels.
     void OnNotify(const NMHDR* header);
-    /// Makes a channel the current one, as a click on it in the list does.
+    /// Makes a channel of the loaded block the current one, as a click on it in the list does; a signal of another
+    /// block is not taken.
     void Choose(std::int16_t channel);
     /// 0 all, 1 none, 2 those that are not.
     void SetAllShown(int index);
     /// Shows a channel alone, or all those again that were shown before.
     void ShowAlone(std::int16_t channel);
     /// The list of channels gets the focus: makes the current item show it.
-    void ShowFocus() const { m_channels.ShowFocus(m_document.CurrentChannel() - 1); }
+    void ShowFocus() const { m_channels.ShowFocus(ItemOf(m_document.CurrentChannel())); }
     void FitColumns() const { m_channels.FitColumns(); }
 
   private:
+    [[nodiscard]] int ItemOf(std::int16_t signal) const;
+
     Document& m_document;
+    const FormatOptions& m_format;
+    std::vector<std::int16_t> m_signals;  ///< of the lines of the list of channels
     BlockList m_blocks;
     ChannelList m_channels;
     bool m_channelByKey = false;     ///< the channel list is handling a key, which may change the chosen channel

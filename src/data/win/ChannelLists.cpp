@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "data/ChannelSelection.h"
 #include "data/win/FillScope.h"
 
 namespace quillon {
@@ -95,33 +94,35 @@ void ChannelList::Attach(HWND list, ImageList colors, int dpi) {
     column.mask = LVCF_WIDTH | LVCF_SUBITEM;
     column.cx = 100;
     ListView_InsertColumn(list, 0, &column);
-    column.iSubItem = 1;
-    ListView_InsertColumn(list, 1, &column);
+    for (const int further : {1, 2}) {
+        column.iSubItem = further;
+        ListView_InsertColumn(list, further, &column);
+    }
 }
 
-void ChannelList::Fill(const ViewBlock& block, const ChannelSlots& slots) {
+void ChannelList::Fill(const std::vector<ChannelLine>& lines) {
     const FlagScope quiet(m_filling);
     const FillScope fill(m_list);
     ListView_DeleteAllItems(m_list);
-    for (std::size_t at = 0; at < block.channelNumbers.size(); ++at) {
-        const std::int16_t number = block.channelNumbers[at];
-        const ChannelSlot* found = SlotOf(slots, number);
-        const ChannelSlot slot = found != nullptr ? *found : ChannelSlot{{}, {}, false};
-        std::wstring title = Wide(slot.title);
+    m_hasRates = std::any_of(lines.begin(), lines.end(), [](const ChannelLine& line) { return !line.rate.empty(); });
+    for (const ChannelLine& line : lines) {
+        std::wstring title = Wide(line.title);
         LVITEMW item{};
         item.mask = LVIF_TEXT | LVIF_IMAGE;
-        item.iItem = static_cast<int>(at);
-        item.iImage = number >= 0 ? number % ImageList_GetImageCount(m_colors.Get()) : 0;
+        item.iItem = ListView_GetItemCount(m_list);
+        item.iImage = line.number >= 0 ? line.number % ImageList_GetImageCount(m_colors.Get()) : 0;
         item.pszText = title.data();
         ListView_InsertItem(m_list, &item);
-        std::wstring unit = Wide(slot.unit);
-        LVITEMW detail{};
-        detail.mask = LVIF_TEXT;
-        detail.iItem = item.iItem;
-        detail.iSubItem = 1;
-        detail.pszText = unit.data();
-        ListView_SetItem(m_list, &detail);
-        ListView_SetCheckState(m_list, item.iItem, slot.shown);
+        for (int column = 1; column <= 2; ++column) {
+            std::wstring text = Wide(column == 1 ? line.unit : line.rate);
+            LVITEMW detail{};
+            detail.mask = LVIF_TEXT;
+            detail.iItem = item.iItem;
+            detail.iSubItem = column;
+            detail.pszText = text.data();
+            ListView_SetItem(m_list, &detail);
+        }
+        ListView_SetCheckState(m_list, item.iItem, line.shown);
     }
     FitColumns();
 }
@@ -139,8 +140,11 @@ void ChannelList::FitColumns() const {
     const bool scrolls = items * (item.bottom - item.top) > list.bottom - list.top;
     const int unit = MulDiv(56, m_dpi, 96);
     const int width = static_cast<int>(list.right - list.left) - (scrolls ? GetSystemMetrics(SM_CXVSCROLL) : 0);
-    ListView_SetColumnWidth(m_list, 0, width > 2 * unit ? width - unit : width / 2);
-    ListView_SetColumnWidth(m_list, 1, width > 2 * unit ? unit : width / 2);
+    const int details = m_hasRates ? 2 : 1;
+    const int detail = width > (details + 1) * unit ? unit : width / (details + 1);
+    ListView_SetColumnWidth(m_list, 0, width - details * detail);
+    ListView_SetColumnWidth(m_list, 1, detail);
+    ListView_SetColumnWidth(m_list, 2, m_hasRates ? detail : 0);
 }
 
 bool ChannelList::IsOnItem(const NMHDR* notification) const {

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
-#include "data/QL_Types.h"
 
 namespace quillon {
 
@@ -33,16 +33,24 @@ class BlockList {
     int m_selected = -1;  ///< used until the control exists
 };
 
-/// The list of the block's channels, each with a check box that mirrors the slot's Shown flag, the colour of its trace
-/// as icon, its title and its unit.
+/// A line of the list of channels.
+struct ChannelLine {
+    std::u16string title;
+    std::u16string unit;
+    std::u16string rate;  ///< empty where it is that of the loaded block
+    std::int16_t number;  ///< of the channel in its block, by which its trace is coloured
+    bool shown;
+};
+
+/// The list of channels, each with a check box that says whether it is shown, the colour of its trace as icon, its
+/// title, its unit and, where one differs, its rate.
 class ChannelList {
   public:
     /// `colors` holds one icon per trace colour.
     void Attach(HWND list, ImageList colors, int dpi);
-    /// One line per channel of the block, in block order.
-    void Fill(const ViewBlock& block, const ChannelSlots& slots);
+    void Fill(const std::vector<ChannelLine>& lines);
     void FitColumns() const;
-    /// Items are the channels' positions in the block, from 0.
+    /// Items are lines, from 0.
     [[nodiscard]] bool IsChecked(int item) const;
     /// Whether a mouse notification is for a line outside its check box.
     [[nodiscard]] bool IsOnItem(const NMHDR* notification) const;
@@ -60,6 +68,7 @@ class ChannelList {
     ImageList m_colors;
     int m_dpi = 96;
     bool m_filling = false;
+    bool m_hasRates = false;
 };
 
 }  // namespace quillon

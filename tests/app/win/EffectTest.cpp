@@ -41,7 +41,8 @@ const Effect kEffects[] = {
     {mnuTabFile + 1, "", "pages=11", mnuTabFile},
     {mnuSpectrogram, "G", "spectrogram=1"},
     {mnuNextPalette, "Shift+G", "palette=1"},
-    {mnuLanes, "L", "lanes=on, page=1.083 min"},
+    {mnuLanes, "L", "lanes=on, page=65 s"},
+    {mnuAllSignals, "A", "lanes=on,all, page=65 s"},
     {mnuNegativeUp, "", "lanes=on,up,", mnuLanes},
     {mnuClipToLanes, "", "lanes=on,clip,", mnuLanes},
     {mnuScaleX, "", "column=13024 zoom=0"},
@@ -58,11 +59,11 @@ const Effect kEffects[] = {
     {mnuPage + 7, "8", "column=1083 page=1 min", kInLanes},
     {mnuPage + 8, "9", "column=541 page=2 min", kInLanes},
     // Longer ones show the whole block.
-    {mnuPage + 9, "", "column=0 page=3.333 min", kInLanes},
-    {mnuPage + 10, "", "column=0 page=3.333 min", kInLanes},
-    {mnuPage + 11, "", "column=0 page=3.333 min", kInLanes},
-    {mnuPage + 12, "", "column=0 page=3.333 min", kInLanes},
-    {mnuPage + 13, "", "column=0 page=3.333 min", kInLanes},
+    {mnuPage + 9, "", "column=0 page=200 s", kInLanes},
+    {mnuPage + 10, "", "column=0 page=200 s", kInLanes},
+    {mnuPage + 11, "", "column=0 page=200 s", kInLanes},
+    {mnuPage + 12, "", "column=0 page=200 s", kInLanes},
+    {mnuPage + 13, "", "column=0 page=200 s", kInLanes},
     {mnuGoTo + 0, "Home", "column=0"},
     {mnuGoTo + 1, "PgUp", "column=400"},
     {mnuGoTo + 2, "PgDn", "column=1600"},
@@ -166,6 +167,7 @@ class EffectTest : public MainWindowTest {
         const LaneSettings& lanes = m_global.view->LanesOfChannels().Settings();
         if (lanes.clip) Command(mnuClipToLanes);
         if (lanes.negativeUp) Command(mnuNegativeUp);
+        if (m_global.document->AllSignals()) Command(mnuAllSignals);
         if (lanes.on) Command(mnuLanes);
         m_global.view->SelectZoomX(3);
         m_global.view->SelectScaleY(8);
@@ -213,6 +215,7 @@ class EffectTest : public MainWindowTest {
         std::string lanes = settings.on ? "on," : "";
         lanes += settings.negativeUp ? "up," : "";
         lanes += settings.clip ? "clip," : "";
+        lanes += m_global.document->AllSignals() ? "all," : "";
         const int focus = GetDlgCtrlID(GetFocus());
         const auto page = [&](int tabs) { return std::to_string(TabCtrl_GetCurSel(Control(tabs))); };
         std::wstring dialog = m_closer.Titles();
