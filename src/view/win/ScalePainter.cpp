@@ -30,7 +30,9 @@ void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<Scale
         SIZE size{};
         GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
         const int left = label.position + 2;
-        if (left < free || left + size.cx > client.right) continue;
+        // The last letter may be a little wider than it is measured.
+        constexpr int overhang = 2;
+        if (left < free || left + size.cx + overhang > client.right) continue;
         DrawTextAt(dc, left, textTop, label.text);
         free = left + size.cx + 4;
     }
