@@ -41,6 +41,8 @@ class FrameRuns final : public FrameKernel {
           m_extremes(m_columns.size()),
           m_rows(columns.out),
           m_stretch(channels) {}
+    /// Samples per frame; a constant where that is known.
+    [[nodiscard]] std::size_t Width() const { return Channels == 0 ? m_channels : Channels; }
     /// Adds frames to the run under way, at most those that it lacks.
     void AddSingly(const std::int16_t* frames, std::size_t count);
     template <std::size_t Count>
@@ -79,11 +81,11 @@ void FrameRuns<Lanes, Channels>::Feed(const std::int16_t* frames, std::size_t fr
         }
         if (last > 0) {
             std::array<std::int16_t, 3 * Lanes::kCount> end{};
-            std::copy_n(frames + (part - last) * m_channels, last * m_channels, end.begin());
+            std::copy_n(frames + (part - last) * Width(), last * Width(), end.begin());
             AddSingly(end.data(), last);
         }
         if (m_filled == m_run) RunDone();
-        frames += part * m_channels;
+        frames += part * Width();
         frameCount -= part;
     }
     m_rows.Write();
@@ -99,8 +101,8 @@ void FrameRuns<Lanes, Channels>::AddToColumns(std::size_t first, const std::int1
         state[i] =
             m_filled > 0 ? m_extremes[first + i].Load() : LaneExtremes<Lanes>::Of(Lanes::Load(frames + places[i]));
     }
-    for (; count > 0; --count, frames += m_channels) {
-        PrefetchAhead(frames, m_channels);
+    for (; count > 0; --count, frames += Width()) {
+        PrefetchAhead(frames, Width());
         for (std::size_t i = 0; i < Count; ++i) state[i].Add(Lanes::Load(frames + places[i]));
     }
     for (std::size_t i = 0; i < Count; ++i) m_extremes[first + i].Store(state[i]);

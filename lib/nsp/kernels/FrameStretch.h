@@ -27,13 +27,13 @@ class FrameStretch {
     /// In fewer frames both extremes are in one group so often that frame by frame is the faster way.
     static constexpr std::size_t kLeastFrames = kFramesInVector == 1 ? 20 : 30;
 
-    explicit FrameStretch(std::size_t channels) : m_channels(Channels == 0 ? channels : Channels) {}
+    explicit FrameStretch(std::size_t channels) : m_channels(channels) {}
 
     /// Frames that are best reduced at once: they stay in the first-level cache from column to column.
     [[nodiscard]] std::size_t MostFrames() const {
         constexpr std::size_t kSamples = 8192;
         static_assert(kSamples < kMostGroups);
-        return std::max(kSamples / (kGroupFrames * m_channels), std::size_t{1}) * kGroupFrames;
+        return std::max(kSamples / (kGroupFrames * Width()), std::size_t{1}) * kGroupFrames;
     }
     /// Adds `count` frames, kLeastFrames to MostFrames() of them, to the extremes of each column; `carriesOn` tells
     /// that these hold anything. The vectors of the last frames may reach behind them.
@@ -55,9 +55,11 @@ class FrameStretch {
     using Search =
         std::conditional_t<Lanes::kCount == 16 && Channels != 0, TwinSearch<Lanes, Channels>, LaneSearch<Lanes>>;
 
+    /// Samples per frame; a constant where that is known.
+    [[nodiscard]] std::size_t Width() const { return Channels == 0 ? m_channels : Channels; }
     [[nodiscard]] LaneRange<Lanes> GroupRange(const std::int16_t* group, bool prefetch) const {
-        if (prefetch) PrefetchAhead(group, kGroupFrames * m_channels);
-        auto range = LaneRange<Lanes>::template Of<kGroupVectors>(group, kFramesInVector * m_channels);
+        if (prefetch) PrefetchAhead(group, kGroupFrames * Width());
+        auto range = LaneRange<Lanes>::template Of<kGroupVectors>(group, kFramesInVector * Width());
         // Of 3 channels two frames lie in a vector of 8 lanes.
         if constexpr (Lanes::kCount == 8 && Channels != 0) {
             range.Add({Lanes::template Shift<Channels>(range.highest), Lanes::template Shift<Channels>(range.lowest)});
@@ -68,14 +70,14 @@ class FrameStretch {
                                                    const FrameColumn& column, bool isFirst) const {
         // The last group overlaps the one before it: a sample seen twice changes nothing.
         const auto start = [&](std::size_t group) {
-            return frames + std::min(group * kGroupFrames, count - kGroupFrames) * m_channels + column.channel;
+            return frames + std::min(group * kGroupFrames, count - kGroupFrames) * Width() + column.channel;
         };
         auto search = Search::Of(GroupRange(start(0), isFirst));
         for (std::size_t group = 1; group * kGroupFrames < count; ++group)
             search.Add(GroupRange(start(group), isFirst), Lanes::Fill(static_cast<std::int16_t>(group)));
         return search.Result(column.wanted, [&](std::size_t lane, std::size_t group, const Extremes& values) {
             const std::int16_t* at = start(group) + lane;
-            while (*at != values.maximum && *at != values.minimum) at += m_channels;
+            while (*at != values.maximum && *at != values.minimum) at += Width();
             return *at == values.minimum;
         });
     }
