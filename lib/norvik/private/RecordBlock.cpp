@@ -119,8 +119,10 @@ bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int3
     nsp::PlanarSetReducer reducer(run, out);
     // Many runs are reduced at a time, so parts that hold few of them are joined.
     constexpr std::size_t joined = 16384;
-    const std::uint64_t runs = m_layout->samplesPerRecord * channels.size() / static_cast<std::uint64_t>(run);
-    const bool join = run < 1000 && runs < 16 && m_layout->recordBytes != m_layout->samplesPerRecord * 2;
+    const auto length = static_cast<std::uint64_t>(run);
+    const std::uint64_t record = m_layout->samplesPerRecord;
+    const bool fewRuns = record < 8 * length && record * channels.size() < 32 * length;
+    const bool join = run < 1000 && fewRuns && m_layout->recordBytes != record * 2;
     const std::size_t rowLength = join ? joined / channels.size() : 0;
     std::vector<std::int16_t> rows(rowLength * channels.size());
     std::vector<const std::int16_t*> rowStarts;
