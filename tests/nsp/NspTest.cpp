@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "norvik/BlockChecks.h"
+#include "nsp/RowRuns.h"
 #include "nsp/RunReducer.h"
 #include "nsp/Spectrum.h"
 #include "nsp/SpectrumBatch.h"
@@ -251,6 +252,42 @@ TEST(RunReducerTest, RunsOfFramesAndOfPlanarSetsAreThoseOfThePlainLoop) {
         for (const LaneCount lanes : {LaneCount::Eight, MostLanes()}) {
             ExpectPlainResults(samples, run, selected, lanes, random);
             if (HasFatalFailure()) FAIL() << "round " << round << ", lanes " << static_cast<int>(lanes);
+        }
+    }
+}
+
+TEST(RunReducerTest, RunsAnywhereInRowsAreThoseOfThePlainLoop) {
+    std::mt19937 random(3);
+    for (std::size_t round = 0; round < 500; ++round) {
+        const std::size_t lengths[] = {1 + random() % 10, 1 + random() % 200, 4090 + random() % 10};
+        const std::size_t shortest = lengths[round % 10 == 0 ? 2 : random() % 2];
+        const std::size_t differences[] = {1, 2, 3, 30};
+        const std::size_t difference = differences[random() % std::size(differences)];
+        std::vector<RowRun> runs;
+        std::int32_t end = 0;
+        for (std::size_t left = 1 + random() % 40; left > 0; --left) {
+            const auto first = end + static_cast<std::int32_t>(random() % 3 == 0 ? random() % 50 : 0);
+            end = first + static_cast<std::int32_t>(shortest + random() % difference);
+            runs.push_back({first, end});
+        }
+        const std::size_t count = std::max<std::size_t>(static_cast<std::size_t>(end),
+                                                        static_cast<std::size_t>(runs.back().first + kRowPadding));
+        std::vector<Codes> rows(1 + random() % 35);
+        std::vector<const std::int16_t*> pointers;
+        for (auto& row : rows) {
+            row = MakeSamples(random() % 2 == 0 ? round : random(), count, random);
+            pointers.push_back(row.data());
+        }
+        for (const LaneCount lanes : {LaneCount::Eight, MostLanes()}) {
+            Results results(rows.size(), runs.size());
+            ReduceRowRuns(pointers, runs, results.out, lanes);
+            for (std::size_t row = 0; row < rows.size(); ++row) {
+                for (std::size_t run = 0; run < runs.size(); ++run) {
+                    const auto expected =
+                        fuzz::PlainExtremes(pointers[row] + runs[run].first, pointers[row] + runs[run].end);
+                    ASSERT_EQ(results.pairs[row][run], expected) << round << ", run " << run << " of row " << row;
+                }
+            }
         }
     }
 }

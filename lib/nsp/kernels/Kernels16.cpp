@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "nsp/RowRuns.h"
 #include "nsp/RunReducer.h"
 #include "nsp/kernels/Extremes.h"
 #include "nsp/kernels/FrameColumns.h"
@@ -28,6 +29,8 @@ namespace quillon::nsp {
 template std::unique_ptr<FrameKernel> MakeFrameKernel<Lanes16>(std::size_t, std::span<const std::size_t>, std::size_t,
                                                                std::span<ExtremePair* const>);
 template std::unique_ptr<PlanarKernel> MakePlanarKernel<Lanes16>(std::size_t, std::span<ExtremePair* const>);
+template void ReduceListed<Lanes16>(std::span<const std::int16_t* const>, std::span<const RowRun>, std::size_t,
+                                    std::size_t, std::span<ExtremePair* const>);
 
 }  // namespace quillon::nsp
 #endif

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "nsp/kernels/FrameRuns.h"
+#include "nsp/kernels/ListedRuns.h"
 #include "nsp/kernels/PackedRuns.h"
 #include "nsp/kernels/PlanarRuns.h"
 #include "nsp/kernels/RunKernels.h"
@@ -56,6 +57,12 @@ std::unique_ptr<FrameKernel> MakeFrameKernel(std::size_t channels, std::span<con
 template <typename Lanes>
 std::unique_ptr<PlanarKernel> MakePlanarKernel(std::size_t run, std::span<ExtremePair* const> out) {
     return std::make_unique<PlanarRuns<Lanes>>(run, out);
+}
+
+template <typename Lanes>
+void ReduceListed(std::span<const std::int16_t* const> rows, std::span<const RowRun> runs, std::size_t shortest,
+                  std::size_t longest, std::span<ExtremePair* const> out) {
+    ListedRuns<Lanes>::Reduce(rows, runs, shortest, longest, out);
 }
 
 }  // namespace quillon::nsp

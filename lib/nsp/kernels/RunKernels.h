@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 
+#include "nsp/RowRuns.h"
 #include "nsp/RunReducer.h"
 
 /// What the reducers run on. The kernels are compiled twice, for eight and for sixteen lanes.
@@ -40,5 +41,9 @@ std::unique_ptr<FrameKernel> MakeFrameKernel(std::size_t channels, std::span<con
                                              std::size_t run, std::span<ExtremePair* const> out);
 template <typename Lanes>
 std::unique_ptr<PlanarKernel> MakePlanarKernel(std::size_t run, std::span<ExtremePair* const> out);
+/// Runs of `shortest` to `longest` samples, at most twice as many.
+template <typename Lanes>
+void ReduceListed(std::span<const std::int16_t* const> rows, std::span<const RowRun> runs, std::size_t shortest,
+                  std::size_t longest, std::span<ExtremePair* const> out);
 
 }  // namespace quillon::nsp
