@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "nsp/RowRuns.h"
 #include "nsp/RunReducer.h"
 #include "view/CellColumns.h"
 
@@ -18,27 +19,28 @@ class SampleReader {
         const auto all = static_cast<std::size_t>(block.ChannelCount());
         m_rows = channels.size() > 1 && channels.size() * 4 > all ? all : 0;
     }
-    void Read(std::int32_t first, std::int32_t count) {
-        m_count = static_cast<std::size_t>(count);
-        m_codes.resize(m_count * (m_rows > 0 ? m_rows : m_channels.size()));
-        if (m_rows > 0) {
-            m_block.ReadRows(first, count, m_codes.data());
-            return;
+    /// One row per channel, until the next call.
+    std::span<const std::int16_t* const> Read(std::int32_t first, std::int32_t count) {
+        const auto length = static_cast<std::size_t>(count);
+        const std::size_t rows = m_rows > 0 ? m_rows : m_channels.size();
+        m_codes.resize(std::max(m_codes.size(), length * rows + nsp::kRowPadding));
+        if (m_rows > 0) m_block.ReadRows(first, count, m_codes.data());
+        m_starts.clear();
+        for (std::size_t at = 0; at < m_channels.size(); ++at) {
+            const std::size_t row = m_rows > 0 ? static_cast<std::size_t>(m_channels[at] - 1) : at;
+            std::int16_t* const codes = m_codes.data() + length * row;
+            if (m_rows == 0) m_block.ReadCodes(m_channels[at], first, count, codes);
+            m_starts.push_back(codes);
         }
-        for (std::size_t at = 0; at < m_channels.size(); ++at)
-            m_block.ReadCodes(m_channels[at], first, count, m_codes.data() + at * m_count);
-    }
-    /// Of a channel, by its place in the list.
-    [[nodiscard]] const std::int16_t* Codes(std::size_t at) const {
-        return m_codes.data() + m_count * (m_rows > 0 ? static_cast<std::size_t>(m_channels[at] - 1) : at);
+        return m_starts;
     }
 
   private:
     RecordingBlock& m_block;
     std::span<const std::int16_t> m_channels;
     std::size_t m_rows;  ///< channels of the block, where all are read at once
-    std::size_t m_count = 0;
     std::vector<std::int16_t> m_codes;
+    std::vector<const std::int16_t*> m_starts;
 };
 
 }  // namespace
@@ -89,50 +91,39 @@ FreeColumns::Lists FreeColumns::Compute(std::span<const std::int16_t> channels, 
     return lists;
 }
 
-void FreeColumns::Append(const std::int16_t* codes, const ColumnRange& columns, std::int32_t end,
-                         std::vector<RunExtremes>& list) const {
-    const std::int64_t begin = m_grid.FirstSample(columns.from);
-    std::int64_t first = begin;
-    for (std::int32_t column = columns.from; column < columns.to && first < end; ++column) {
-        const std::int64_t stop = std::min<std::int64_t>(m_grid.FirstSample(column + 1), end);
-        nsp::PlanarRunReducer reducer(static_cast<std::int32_t>(stop - first), &list.emplace_back());
-        reducer.Feed(codes + (first - begin), static_cast<std::size_t>(stop - first));
-        reducer.Finish();
-        first = stop;
-    }
-}
-
 FreeColumns::Lists FreeColumns::ReadSamples(std::span<const std::int16_t> channels, const ColumnRange& columns,
                                             std::int32_t end) {
     constexpr std::int32_t most = 1 << 13;  // samples per channel at once, so that those of 32 stay in the cache
     SampleReader reader(m_block, channels);
     Lists lists(channels.size());
+    std::vector<nsp::RowRun> runs;
+    std::vector<RunExtremes*> out(channels.size());
     for (std::int32_t column = columns.from; column < columns.to;) {
         // As many columns as are read at once, or a longer one in pieces.
         const std::int32_t first = SamplesOf({column, column + 1}).first;
-        std::int32_t next = column + 1;
-        while (next < columns.to && m_grid.FirstSample(next + 1) - first <= most) ++next;
-        const std::int32_t stop = std::min(SamplesOf({column, next}).End(), end);
-        if (stop <= first) break;
-        std::vector<nsp::PlanarRunReducer> reducers;
-        const bool isLong = stop - first > most;
-        for (auto& list : lists) {
-            if (isLong) reducers.emplace_back(stop - first, &list.emplace_back());
+        if (first >= end) break;
+        runs.clear();
+        std::int32_t stop = first;
+        for (; column < columns.to && stop < end; ++column) {
+            const auto next = static_cast<std::int32_t>(std::min<std::int64_t>(m_grid.FirstSample(column + 1), end));
+            if (!runs.empty() && next - first > most) break;
+            runs.push_back({stop - first, next - first});
+            stop = next;
         }
-        for (std::int32_t at = first; at < stop; at += most) {
-            const std::int32_t count = std::min(most, stop - at);
-            reader.Read(at, count);
-            for (std::size_t channel = 0; channel < channels.size(); ++channel) {
-                const std::int16_t* const codes = reader.Codes(channel);
-                if (isLong) {
-                    reducers[channel].Feed(codes, static_cast<std::size_t>(count));
-                } else {
-                    Append(codes, {column, next}, stop, lists[channel]);
-                }
+        for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+            lists[channel].resize(lists[channel].size() + runs.size());
+            out[channel] = &*(lists[channel].end() - static_cast<std::ptrdiff_t>(runs.size()));
+        }
+        if (stop - first <= most) {
+            nsp::ReduceRowRuns(reader.Read(first, stop - first), runs, out);
+        } else {
+            nsp::PlanarSetReducer reducer(stop - first, out);
+            for (std::int32_t at = first; at < stop; at += most) {
+                const std::int32_t count = std::min(most, stop - at);
+                reducer.Feed(reader.Read(at, count), static_cast<std::size_t>(count));
             }
+            reducer.Finish();
         }
-        for (nsp::PlanarRunReducer& reducer : reducers) reducer.Finish();
-        column = next;
     }
     return lists;
 }

@@ -43,9 +43,6 @@ class FreeColumns {
     [[nodiscard]] Lists Compute(std::span<const std::int16_t> channels, const ColumnRange& columns);
     [[nodiscard]] Lists ReadSamples(std::span<const std::int16_t> channels, const ColumnRange& columns,
                                     std::int32_t end);
-    /// Adds the extremes of columns, from their samples before `end`.
-    void Append(const std::int16_t* codes, const ColumnRange& columns, std::int32_t end,
-                std::vector<RunExtremes>& list) const;
 
     RecordingBlock& m_block;
     ExtremesCache& m_extremes;

@@ -121,7 +121,7 @@ class FreeTraceTest : public ::testing::Test {
 
 TEST_F(FreeTraceTest, EveryColumnHoldsTheExtremesOfItsSamplesInTheirOrder) {
     for (int round = 0; round < 25; ++round) {
-        Make(static_cast<std::size_t>(1 + Any(3)), 1 + Any(round % 5 == 0 ? 4000000 : 60000));
+        Make(static_cast<std::size_t>(1 + Any(round % 7 == 1 ? 20 : 3)), 1 + Any(round % 5 == 0 ? 4000000 : 60000));
         TraceReader reader;
         for (int view = 0; view < 12; ++view) {
             if (Any(3) == 0) {
