@@ -10,6 +10,8 @@ namespace {
 
 /// Up to this size it is cheaper to read whole records than to leave out what lies between the parts.
 constexpr std::uint64_t kSmallRecord = 8192;
+/// A read costs about as much as this many bytes more; that many are fetched at least.
+constexpr std::uint64_t kReadCost = 4096;
 /// Bytes of one stream to be read at once when several are read side by side: whole samples of 2 and of 3 bytes.
 std::uint64_t ChunkBytes(std::size_t streams) {
     constexpr std::uint64_t whole = 6;
@@ -34,7 +36,7 @@ void EdfRecords::Visit(std::span<const std::uint64_t> offsets, std::uint64_t par
     for (std::uint64_t at = first; at < request.end;) {
         const std::uint64_t size = std::min(partBytes - at % partBytes, request.end - at);
         const std::uint64_t window = request.spread + size;
-        const bool farApart = m_recordBytes > kSmallRecord && offsets.size() * size < window / 4;
+        const bool farApart = m_recordBytes > kSmallRecord && offsets.size() * (size + kReadCost) < window;
         at += window > kPieceBytes || farApart ? VisitParts(request, at) : VisitPiece(request, at);
     }
 }
