@@ -20,10 +20,19 @@ RunExtremes Joined(const RunExtremes& earlier, const RunExtremes& later) {
     return lowest < highest ? RunExtremes{*lowest, *highest} : RunExtremes{*highest, *lowest};
 }
 
-/// Whether what lies in a cell is surely inside the extremes, so that it changes neither them nor their order.
-bool IsInside(const RunExtremes& cell, const RunExtremes& found) {
-    return std::max(cell.first, cell.second) < std::max(found.first, found.second) &&
-           std::min(cell.first, cell.second) > std::min(found.first, found.second);
+/// Whether what lies in a cell is surely inside the extremes, so that it changes neither them nor their order. Behind
+/// the samples that they were found in it may reach as far as they do.
+bool IsInside(const RunExtremes& cell, const RunExtremes& found, bool before) {
+    const int margin = before ? 1 : 0;
+    return std::max(cell.first, cell.second) + margin <= std::max(found.first, found.second) &&
+           std::min(cell.first, cell.second) - margin >= std::min(found.first, found.second);
+}
+
+RunExtremes ExtremesOf(const std::int16_t* codes, std::int32_t count) {
+    RunExtremes found;
+    nsp::PlanarRunReducer reducer(count, &found);
+    reducer.Feed(codes, static_cast<std::size_t>(count));
+    return found;
 }
 
 }  // namespace
@@ -78,6 +87,13 @@ RunExtremes CellColumns::OfCells(std::int16_t channel, std::int32_t first, std::
     return found;
 }
 
+void CellColumns::HoldAll(std::int32_t cell) {
+    const std::int32_t first = 1 + cell * kCell;
+    m_block.ReadRows(first, std::min(kCell, m_samples - first), m_codes.data());
+    m_cell = cell;
+    std::fill(m_held.begin(), m_held.end(), true);
+}
+
 const std::int16_t* CellColumns::SamplesOfCell(std::int16_t channel, std::int32_t cell) {
     if (cell != m_cell) std::fill(m_held.begin(), m_held.end(), false);
     m_cell = cell;
@@ -88,8 +104,7 @@ const std::int16_t* CellColumns::SamplesOfCell(std::int16_t channel, std::int32_
     if (m_held[at]) return codes;
     // Where the samples are stored as frames, reading one channel costs as much as reading all of them.
     if (m_allAtOnce) {
-        m_block.ReadRows(first, count, m_codes.data());
-        std::fill(m_held.begin(), m_held.end(), true);
+        HoldAll(cell);
     } else {
         m_block.ReadCodes(channel, first, count, codes);
         m_held[at] = true;
@@ -122,7 +137,7 @@ bool CellColumns::AddEdge(std::int16_t channel, const SampleSpan& edge, std::int
     if (edge.count < 1) return true;
     if (edge.first > 0) {
         const std::int32_t cell = (edge.first - 1) / size;
-        if (IsInside(m_extremes.CellsFrom(channel, cell, cell + 1, size).front(), found)) return true;
+        if (IsInside(m_extremes.CellsFrom(channel, cell, cell + 1, size).front(), found, before)) return true;
     }
     RunExtremes added;
     if (size == kCell || edge.first == 0) {
@@ -144,13 +159,90 @@ bool CellColumns::OfRun(std::int16_t channel, const SampleSpan& run, std::int32_
     return AddEdge(channel, inside.left, size, true, found) && AddEdge(channel, inside.right, size, false, found);
 }
 
-bool CellColumns::Reduce(const SampleSpan& run, std::int32_t end, std::span<RunExtremes> out) {
+bool CellColumns::ReduceOne(std::span<const SampleSpan> runs, std::size_t at, std::span<RunExtremes* const> out) {
+    const SampleSpan& run = runs[at];
     const std::int32_t size = run.count >= 2 * kCoarseCell ? kCoarseCell : kCell;
-    if (run.End() > 1 && !MakeKnown(run, end, size)) return false;
-    for (std::size_t at = 0; at < m_channels.size(); ++at) {
-        if (!OfRun(m_channels[at], run, size, out[at])) return false;
+    if (run.End() > 1 && !MakeKnown(run, runs.back().End(), size)) return false;
+    for (std::size_t channel = 0; channel < m_channels.size(); ++channel) {
+        if (!OfRun(m_channels[channel], run, size, out[channel][at])) return false;
     }
     return true;
+}
+
+bool CellColumns::Reduce(std::span<const SampleSpan> runs, std::span<RunExtremes* const> out) {
+    for (std::size_t at = 0; at < runs.size();) {
+        m_batch.clear();
+        std::int32_t firstCell = 0;
+        for (; at < runs.size() && runs[at].first > 0 && runs[at].count < 2 * kCoarseCell; ++at) {
+            const Inside inside = CellsIn(runs[at], kCell);
+            if (inside.first >= inside.end) break;
+            if (m_batch.empty()) firstCell = inside.first;
+            constexpr std::int32_t most = ExtremesCache::kChunk / kCell;
+            if (!m_batch.empty() && inside.end - firstCell > most) break;
+            m_batch.push_back(inside);
+        }
+        if (m_batch.empty() ? !ReduceOne(runs, at++, out) : !ReduceBatch(runs, at - m_batch.size(), out)) return false;
+    }
+    return true;
+}
+
+bool CellColumns::ReduceBatch(std::span<const SampleSpan> runs, std::size_t first, std::span<RunExtremes* const> out) {
+    const SampleSpan& last = runs[first + m_batch.size() - 1];
+    const std::int32_t begin = runs[first].first;
+    if (!MakeKnown({begin, last.End() - begin}, runs.back().End(), kCell)) return false;
+    CopyCells((begin - 1) / kCell, (last.End() - 2) / kCell + 1);
+    m_runs.clear();
+    for (const Inside& inside : m_batch)
+        m_runs.push_back({2 * (inside.first - m_firstCell), 2 * (inside.end - m_firstCell)});
+    std::vector<RunExtremes*> found;
+    std::vector<const std::int16_t*> rows;
+    for (std::size_t channel = 0; channel < m_channels.size(); ++channel) {
+        found.push_back(out[channel] + first);
+        rows.push_back(&CellOf(channel, m_firstCell).first);
+    }
+    nsp::ReduceRowRuns(rows, m_runs, found);
+    AddEdges(found);
+    return true;
+}
+
+void CellColumns::CopyCells(std::int32_t first, std::int32_t end) {
+    m_firstCell = first;
+    m_rowCells = static_cast<std::size_t>(end - first);
+    m_cells.resize(std::max(m_cells.size(), m_rowCells * m_channels.size() + nsp::kRowPadding));
+    for (std::size_t channel = 0; channel < m_channels.size(); ++channel) {
+        auto to = m_cells.begin() + static_cast<std::ptrdiff_t>(channel * m_rowCells);
+        for (std::int32_t at = first; at < end;) {
+            const std::span<const RunExtremes> cells = m_extremes.CellsFrom(m_channels[channel], at, end, kCell);
+            to = std::copy(cells.begin(), cells.end(), to);
+            at += static_cast<std::int32_t>(cells.size());
+        }
+    }
+}
+
+void CellColumns::AddEdges(std::span<RunExtremes* const> found) {
+    const std::size_t count = m_batch.size();
+    for (std::size_t at = 0; at <= count; ++at) {
+        // The cell between two runs: its first samples belong to the one, its last ones to the other.
+        const SampleSpan left = at > 0 ? m_batch[at - 1].right : SampleSpan{};
+        const SampleSpan right = at < count ? m_batch[at].left : SampleSpan{};
+        if (left.count < 1 && right.count < 1) continue;
+        const std::int32_t cell = ((left.count > 0 ? left : right).first - 1) / kCell;
+        m_open.clear();
+        for (std::size_t channel = 0; channel < m_channels.size(); ++channel) {
+            const RunExtremes& extremes = CellOf(channel, cell);
+            const bool ofLeft = left.count > 0 && !IsInside(extremes, found[channel][at - 1], false);
+            const bool ofRight = right.count > 0 && !IsInside(extremes, found[channel][at], true);
+            if (ofLeft || ofRight) m_open.push_back({channel, ofLeft, ofRight});
+        }
+        // Many channels are read faster in one pass over all.
+        if (m_open.size() * 8 > m_held.size() && m_open.size() > 1) HoldAll(cell);
+        for (const Open& open : m_open) {
+            const std::int16_t* const codes = SamplesOfCell(m_channels[open.channel], cell) - (1 + cell * kCell);
+            RunExtremes* const runs = found[open.channel] + at;
+            if (open.left) runs[-1] = Joined(runs[-1], ExtremesOf(codes + left.first, left.count));
+            if (open.right) runs[0] = Joined(ExtremesOf(codes + right.first, right.count), runs[0]);
+        }
+    }
 }
 
 }  // namespace quillon

@@ -5,21 +5,22 @@
 #include <vector>
 
 #include "norvik/NorvikCore.h"
+#include "nsp/RowRuns.h"
 #include "view/ExtremesCache.h"
 
 namespace quillon {
 
-/// Extremes of runs of samples of any place and length, from the cells of a cache. Asked for one after the other along
-/// the block, runs that follow each other read the samples of the cell between them once.
+/// Extremes of runs of samples of any place and length, from the cells of a cache, several channels at once. The
+/// samples of the cells between two runs are read where they may matter only.
 class CellColumns {
   public:
     /// The objects must outlive this one.
     CellColumns(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels);
 
-    /// The extremes of a run per channel; reads what is missing of it, and about a piece (see SamplesPerPiece) of what
-    /// is missing up to sample `end`, which later runs are going to need. False where the block does not reduce runs
-    /// itself, or the cache has no room. Throws what the block throws.
-    bool Reduce(const SampleSpan& run, std::int32_t end, std::span<RunExtremes> out);
+    /// out[c] has room for the extremes of channel c in all the runs, which follow each other. Reads what is missing of
+    /// the cells, in pieces (see SamplesPerPiece). False where the block does not reduce runs itself, or the cache has
+    /// no room. Throws what the block throws.
+    bool Reduce(std::span<const SampleSpan> runs, std::span<RunExtremes* const> out);
 
   private:
     /// Cells that lie whole inside a run, and what is left of it on both sides.
@@ -43,6 +44,24 @@ class CellColumns {
     [[nodiscard]] bool AddEdge(std::int16_t channel, const SampleSpan& edge, std::int32_t size, bool before,
                                RunExtremes& found);
     [[nodiscard]] const std::int16_t* SamplesOfCell(std::int16_t channel, std::int32_t cell);
+    void HoldAll(std::int32_t cell);
+    [[nodiscard]] bool ReduceOne(std::span<const SampleSpan> runs, std::size_t at, std::span<RunExtremes* const> out);
+    /// Runs of fine cells from `first` on: m_batch says which cells.
+    [[nodiscard]] bool ReduceBatch(std::span<const SampleSpan> runs, std::size_t first,
+                                   std::span<RunExtremes* const> out);
+    void CopyCells(std::int32_t first, std::int32_t end);
+    [[nodiscard]] const RunExtremes& CellOf(std::size_t channel, std::int32_t cell) const {
+        return m_cells[channel * m_rowCells + static_cast<std::size_t>(cell - m_firstCell)];
+    }
+    /// Extends what was found in the cells inside the runs of the batch by the samples at their edges.
+    void AddEdges(std::span<RunExtremes* const> found);
+    /// A channel whose extremes may change by the cell between two runs: by its first samples those of the run to its
+    /// left, by its last ones those of the run to its right.
+    struct Open {
+        std::size_t channel = 0;
+        bool left = false;
+        bool right = false;
+    };
 
     RecordingBlock& m_block;
     ExtremesCache& m_extremes;
@@ -54,6 +73,13 @@ class CellColumns {
     std::int32_t m_cell = -1;           ///< whose samples are held
     std::vector<bool> m_held;           ///< per channel of the block
     std::vector<std::int16_t> m_codes;  ///< one channel of the block after the other
+    // Of the batch of runs under way.
+    std::vector<Inside> m_batch;
+    std::vector<nsp::RowRun> m_runs;   ///< their cells, as samples of a row of m_cells
+    std::vector<RunExtremes> m_cells;  ///< a row for every channel asked for
+    std::int32_t m_firstCell = 0;      ///< of the rows
+    std::size_t m_rowCells = 0;
+    std::vector<Open> m_open;
 };
 
 }  // namespace quillon

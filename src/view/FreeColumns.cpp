@@ -81,13 +81,12 @@ FreeColumns::Lists FreeColumns::Read(std::span<const std::int16_t> channels, con
 FreeColumns::Lists FreeColumns::Compute(std::span<const std::int16_t> channels, const ColumnRange& columns) {
     const std::int32_t end = SamplesOf(columns).End();
     if (!AreOfCells()) return ReadSamples(channels, columns, end);
-    Lists lists(channels.size());
-    std::vector<RunExtremes> column(channels.size());
-    CellColumns cells(m_block, m_extremes, channels);
-    for (std::int32_t at = columns.from; at < columns.to; ++at) {
-        if (!cells.Reduce(SamplesOf({at, at + 1}), end, column)) return ReadSamples(channels, columns, end);
-        for (std::size_t channel = 0; channel < channels.size(); ++channel) lists[channel].push_back(column[channel]);
-    }
+    std::vector<SampleSpan> runs;
+    for (std::int32_t at = columns.from; at < columns.to; ++at) runs.push_back(SamplesOf({at, at + 1}));
+    Lists lists(channels.size(), std::vector<RunExtremes>(runs.size()));
+    std::vector<RunExtremes*> out;
+    for (auto& list : lists) out.push_back(list.data());
+    if (!CellColumns(m_block, m_extremes, channels).Reduce(runs, out)) return ReadSamples(channels, columns, end);
     return lists;
 }
 

@@ -11,19 +11,24 @@
 namespace quillon {
 
 /// Exact extremes of columns with any number of samples above one, in the order in which they occur (see RunExtremes).
-/// Columns of at least kCellColumn samples are made of the cache's cells inside them and of the samples at their edges,
-/// which are looked at only where the cell that they lie in reaches as far as those inside; shorter columns are read.
-/// What was computed is kept with the cache.
+/// Long columns are made of the cache's cells inside them and of the samples at their edges, which are looked at only
+/// where the cell that they lie in reaches as far as those inside; shorter columns are read. What was computed is kept
+/// with the cache.
 class FreeColumns {
   public:
-    /// Samples: below, reading all of them in one pass is faster than reading those at most edges one by one.
-    static constexpr double kCellColumn = 800.0;
+    /// Samples per column: below, reading all of them in one pass is faster than reading those at most edges one by
+    /// one; where the samples of many channels are stored as frames the edges of all of them are read at once.
+    static constexpr double kCellColumn = 700.0;
+    static constexpr double kCellColumnOfFrames = 450.0;
 
     FreeColumns(RecordingBlock& block, ExtremesCache& extremes, const ColumnGrid& grid)
         : m_block(block), m_extremes(extremes), m_grid(grid) {}
 
     /// Whether the columns are made of cells, where the block reduces runs itself.
-    [[nodiscard]] bool AreOfCells() const { return m_grid.SamplesPerColumn() >= kCellColumn; }
+    [[nodiscard]] bool AreOfCells() const {
+        const bool frames = m_block.FramesAreCheap() && m_block.ChannelCount() > 8;
+        return m_grid.SamplesPerColumn() >= (frames ? kCellColumnOfFrames : kCellColumn);
+    }
     /// Length of the runs by which the cache is to be asked for the cells, see ExtremesCache::KnownTo.
     [[nodiscard]] std::int32_t CellRun() const;
     /// The columns of a range that have samples.
