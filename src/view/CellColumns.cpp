@@ -176,9 +176,11 @@ bool CellColumns::Reduce(std::span<const SampleSpan> runs, std::span<RunExtremes
         for (; at < runs.size() && runs[at].first > 0 && runs[at].count < 2 * kCoarseCell; ++at) {
             const Inside inside = CellsIn(runs[at], kCell);
             if (inside.first >= inside.end) break;
-            if (m_batch.empty()) firstCell = inside.first;
-            constexpr std::int32_t most = ExtremesCache::kChunk / kCell;
-            if (!m_batch.empty() && inside.end - firstCell > most) break;
+            // The cells of a chunk lie together.
+            constexpr std::int32_t inChunk = ExtremesCache::kChunk / kCell;
+            const std::int32_t lastCell = (runs[at].End() - 2) / kCell;
+            if (m_batch.empty()) firstCell = (runs[at].first - 1) / kCell;
+            if (!m_batch.empty() && lastCell / inChunk > firstCell / inChunk) break;
             m_batch.push_back(inside);
         }
         if (m_batch.empty() ? !ReduceOne(runs, at++, out) : !ReduceBatch(runs, at - m_batch.size(), out)) return false;
@@ -190,7 +192,7 @@ bool CellColumns::ReduceBatch(std::span<const SampleSpan> runs, std::size_t firs
     const SampleSpan& last = runs[first + m_batch.size() - 1];
     const std::int32_t begin = runs[first].first;
     if (!MakeKnown({begin, last.End() - begin}, runs.back().End(), kCell)) return false;
-    CopyCells((begin - 1) / kCell, (last.End() - 2) / kCell + 1);
+    FindCells((begin - 1) / kCell, (last.End() - 2) / kCell + 1);
     m_runs.clear();
     for (const Inside& inside : m_batch)
         m_runs.push_back({2 * (inside.first - m_firstCell), 2 * (inside.end - m_firstCell)});
@@ -198,24 +200,34 @@ bool CellColumns::ReduceBatch(std::span<const SampleSpan> runs, std::size_t firs
     std::vector<const std::int16_t*> rows;
     for (std::size_t channel = 0; channel < m_channels.size(); ++channel) {
         found.push_back(out[channel] + first);
-        rows.push_back(&CellOf(channel, m_firstCell).first);
+        rows.push_back(&m_rows[channel]->first);
     }
     nsp::ReduceRowRuns(rows, m_runs, found);
     AddEdges(found);
     return true;
 }
 
-void CellColumns::CopyCells(std::int32_t first, std::int32_t end) {
+void CellColumns::FindCells(std::int32_t first, std::int32_t end) {
+    constexpr std::int32_t padding = nsp::kRowPadding / 2;
+    const auto length = static_cast<std::size_t>(end - first);
     m_firstCell = first;
-    m_rowCells = static_cast<std::size_t>(end - first);
-    m_cells.resize(std::max(m_cells.size(), m_rowCells * m_channels.size() + nsp::kRowPadding));
-    for (std::size_t channel = 0; channel < m_channels.size(); ++channel) {
-        auto to = m_cells.begin() + static_cast<std::ptrdiff_t>(channel * m_rowCells);
-        for (std::int32_t at = first; at < end;) {
-            const std::span<const RunExtremes> cells = m_extremes.CellsFrom(m_channels[channel], at, end, kCell);
-            to = std::copy(cells.begin(), cells.end(), to);
-            at += static_cast<std::int32_t>(cells.size());
+    m_rows.clear();
+    m_cells.resize(std::max(m_cells.size(), (length + padding) * m_channels.size()));
+    RunExtremes* row = m_cells.data();
+    for (const std::int16_t channel : m_channels) {
+        std::span<const RunExtremes> cells = m_extremes.CellsFrom(channel, first, end, kCell);
+        if (cells.size() == length && m_batch.back().first + padding <= end) {
+            m_rows.push_back(cells.data());
+            continue;
         }
+        m_rows.push_back(row);
+        for (std::int32_t at = first;;) {
+            row = std::copy(cells.begin(), cells.end(), row);
+            at += static_cast<std::int32_t>(cells.size());
+            if (at >= end) break;
+            cells = m_extremes.CellsFrom(channel, at, end, kCell);
+        }
+        row += padding;
     }
 }
 

@@ -49,9 +49,10 @@ class CellColumns {
     /// Runs of fine cells from `first` on: m_batch says which cells.
     [[nodiscard]] bool ReduceBatch(std::span<const SampleSpan> runs, std::size_t first,
                                    std::span<RunExtremes* const> out);
-    void CopyCells(std::int32_t first, std::int32_t end);
+    /// Fills m_rows.
+    void FindCells(std::int32_t first, std::int32_t end);
     [[nodiscard]] const RunExtremes& CellOf(std::size_t channel, std::int32_t cell) const {
-        return m_cells[channel * m_rowCells + static_cast<std::size_t>(cell - m_firstCell)];
+        return m_rows[channel][cell - m_firstCell];
     }
     /// Extends what was found in the cells inside the runs of the batch by the samples at their edges.
     void AddEdges(std::span<RunExtremes* const> found);
@@ -75,10 +76,10 @@ class CellColumns {
     std::vector<std::int16_t> m_codes;  ///< one channel of the block after the other
     // Of the batch of runs under way.
     std::vector<Inside> m_batch;
-    std::vector<nsp::RowRun> m_runs;   ///< their cells, as samples of a row of m_cells
-    std::vector<RunExtremes> m_cells;  ///< a row for every channel asked for
-    std::int32_t m_firstCell = 0;      ///< of the rows
-    std::size_t m_rowCells = 0;
+    std::vector<nsp::RowRun> m_runs;         ///< their cells, as samples of a row
+    std::vector<const RunExtremes*> m_rows;  ///< cells from m_firstCell on, for every channel asked for
+    std::vector<RunExtremes> m_cells;        ///< copies where they do not lie together
+    std::int32_t m_firstCell = 0;
     std::vector<Open> m_open;
 };
 
