@@ -70,9 +70,8 @@ class FreeTraceTest : public ::testing::Test {
         m_axis.SetBlock(samples, m_block.sampleRate, true);
     }
     /// A page of any length from the shortest to the whole block, at any place.
-    void Show() {
+    void Show(double shortest = kWidth / 50.0) {
         std::uniform_real_distribution<double> share(0.0, 1.0);
-        const double shortest = static_cast<double>(kWidth) / 50.0;
         m_axis.SelectPage(shortest * std::pow(m_block.sampleCount / shortest, share(m_random)) / m_block.sampleRate,
                           Any(kWidth));
         m_axis.ScrollBy(Any(m_axis.StripLength() + 1) - m_axis.FirstColumn());
@@ -121,11 +120,19 @@ class FreeTraceTest : public ::testing::Test {
 
 TEST_F(FreeTraceTest, EveryColumnHoldsTheExtremesOfItsSamplesInTheirOrder) {
     for (int round = 0; round < 25; ++round) {
-        Make(static_cast<std::size_t>(1 + Any(round % 7 == 1 ? 20 : 3)), 1 + Any(round % 5 == 0 ? 4000000 : 60000));
+        // Many channels whose columns are made of cells, else a few at any zoom.
+        const bool many = round % 5 == 4;
+        if (many) {
+            Make(static_cast<std::size_t>(9 + Any(8)), 120000 + Any(120000));
+        } else {
+            Make(static_cast<std::size_t>(1 + Any(3)), 1 + Any(round % 5 == 0 ? 4000000 : 60000));
+        }
         TraceReader reader;
         for (int view = 0; view < 12; ++view) {
             if (Any(3) == 0) {
                 m_axis.ScrollBy(Any(2 * kWidth) - kWidth);  // what was found before is used again
+            } else if (many) {
+                Show(kWidth * 400.0);
             } else {
                 Show();
             }
