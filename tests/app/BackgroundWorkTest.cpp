@@ -158,5 +158,37 @@ TEST_F(BackgroundWorkTest, ALoadedBlockIsPreparedReadOnAndSummarisedAndEscapeDro
     }
 }
 
+TEST_F(BackgroundWorkTest, TheOtherBlocksOfTheStretchFollowTheLoadedOne) {
+    const auto slow = std::make_shared<FakeBlock>();
+    slow->rate = 10.0;
+    slow->samples.assign(3, std::vector<std::int16_t>(10000, 7));
+    slow->provisional = {2.0F, 2.0F, 2.0F};
+    slow->stepsLeft = 3;
+    slow->pieceSamples = 10000;
+    m_block->provisional = {2.0F, 2.0F};
+    m_block->stepsLeft = 2;
+    m_library.files[u"C:\\a.fake"]->blocks.push_back(slow);
+    m_document.SetAllSignals(true);
+    m_view.SetLanes(true);
+    const auto load = [&](std::int16_t block) {
+        m_work.BlockLeft();
+        m_view.LeaveBlock();
+        m_document.LoadBlock(block);
+        m_view.BlockLoaded();
+        m_view.Arrange(500, 400);
+        m_work.BlockLoaded();
+    };
+    load(0);
+    EXPECT_EQ(RunAll(), "rr") << "the scales of either block";
+    EXPECT_EQ(m_document.GetSignal(3).block.invScale[0], 2.0F);
+    EXPECT_TRUE(m_view.Ranges().IsKnown(std::vector<std::int16_t>{1, 2}));
+    EXPECT_EQ(m_view.AllExtremes().OthersShare(), 1.0);
+    m_block->samplesRead = slow->samplesRead = 0;
+    load(1);
+    EXPECT_EQ(RunAll(), "");
+    EXPECT_TRUE(m_view.Ranges().IsKnown(std::vector<std::int16_t>{1, 2, 3}));
+    EXPECT_LE(m_block->samplesRead + slow->samplesRead, 5) << "the first samples of a block are in no cell";
+}
+
 }  // namespace
 }  // namespace quillon
