@@ -1,10 +1,8 @@
-// Time of turning pages with the signals of all blocks of a stretch in lanes, against reading once the part of the file
-// in which the visible samples lie:
+// Time of turning pages with the signals of all blocks of a stretch in lanes:
 //     all_signals_time FILE
-// "page" shows the next page, whose samples are not known yet; "all lanes" scrolls through all lanes at the same page.
-#include <fcntl.h>
+// "pass" reads the visible samples of the visible signals once from the file; "page" draws the next page, whose samples
+// are not known yet, "again" the same page once more; "lanes" scrolls through all lanes at the same page.
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -35,17 +33,20 @@ class Silent : public UserServices {
     [[nodiscard]] std::u16string LongTime(double) const override { return {}; }
 };
 
-/// Reads a share of a file from a place on.
-void ReadPart(const char* path, double place, double share) {
-    const int file = ::open(path, O_RDONLY | O_CLOEXEC);
-    const auto size = static_cast<double>(::lseek(file, 0, SEEK_END));
-    std::vector<char> piece(std::size_t{256} << 10);
-    auto at = static_cast<off_t>(place * size);
-    const auto end = static_cast<off_t>((place + share) * size);
-    for (; at < end; at += static_cast<off_t>(piece.size())) {
-        if (::pread(file, piece.data(), std::min(piece.size(), static_cast<std::size_t>(end - at)), at) <= 0) break;
+/// Reads what the view shows once, and looks at every sample.
+int ReadVisible(const GraphScene& scene) {
+    int most = 0;
+    std::vector<std::int16_t> codes;
+    const SceneBlocks blocks = scene.Blocks();
+    for (const SignalGroup& group : GroupsOf(blocks, ChannelsOf(scene.lanes))) {
+        const SampleSpan samples = group.Stretch(scene.axis, 0, kWidth).samples;
+        codes.resize(static_cast<std::size_t>(samples.count));
+        for (const std::int16_t channel : group.channels) {
+            group.of.block.block->ReadCodes(channel, samples.first, samples.count, codes.data());
+            most += bench::ReadPass(codes.data(), codes.size());
+        }
     }
-    ::close(file);
+    return most;
 }
 
 long PeakMemory() {
@@ -73,30 +74,34 @@ int main(int count, char** arguments) {
     std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
     GraphPicture picture;
     picture.SetPixels(pixels.data(), kWidth, kHeight);
-    const auto draw = [&] {
-        GraphScene scene{document.Block(), view.Axis(), view.GetLanes(), view.Extremes()};
-        scene.others = view.OtherBlocks();
-        picture.Draw(scene);
+    const auto scene = [&] {
+        GraphScene made{document.Block(), view.Axis(), view.GetLanes(), view.Extremes()};
+        made.others = view.OtherBlocks();
+        return made;
     };
+    const auto draw = [&] { return bench::Seconds([&] { picture.Draw(scene()); }) * 1e3; };
     const double whole = document.Block().sampleCount / document.Block().sampleRate;
-    std::printf("%10s %10s %10s %10s %10s %10s\n", "page s", "read ms", "page ms", "ratio", "lanes ms", "MiB");
+    std::printf("%10s %10s %10s %10s %10s %10s %10s %6s\n", "page s", "pass ms", "page ms", "again ms", "page/pass",
+                "read/pass", "lanes ms", "MiB");
+    volatile int seen = 0;
     for (double page = 1.0; page * 10.0 < whole; page *= 3.0) {
         view.SelectPage(page);
-        std::vector<double> reads, pages, ratios;
+        std::vector<double> passes, pages, again, ratios, readRatios;
         for (int round = 0; round < 7; ++round) {
             view.ScrollBy(view.Axis().PageShift(2));
-            const double place = static_cast<double>(view.Axis().Visible().first) / view.Axis().SampleCount();
-            ReadPart(arguments[1], place, page / whole);
-            reads.push_back(bench::Seconds([&] { ReadPart(arguments[1], place, page / whole); }) * 1e3);
-            pages.push_back(bench::Seconds(draw) * 1e3);
-            ratios.push_back(pages.back() / reads.back());
+            passes.push_back(bench::Seconds([&] { seen = ReadVisible(scene()); }) * 1e3);
+            pages.push_back(draw());
+            again.push_back(draw());
+            ratios.push_back(pages.back() / passes.back());
+            readRatios.push_back((pages.back() - again.back()) / passes.back());
         }
         const double lanes = bench::Seconds([&] {
             while (view.ScrollLanes(view.LanesOfChannels().Layout().Visible()).redraw) draw();
         });
         view.ScrollLanes(-document.SignalCount());
-        std::printf("%10.0f %10.2f %10.2f %10.2f %10.1f %10ld\n", page, bench::Median(reads), bench::Median(pages),
-                    bench::Median(ratios), lanes * 1e3, PeakMemory());
+        std::printf("%10.0f %10.2f %10.2f %10.2f %10.2f %10.2f %10.1f %6ld\n", page, bench::Median(passes),
+                    bench::Median(pages), bench::Median(again), bench::Median(ratios), bench::Median(readRatios),
+                    lanes * 1e3, PeakMemory());
         view.GoToPage(0);
     }
     return 0;

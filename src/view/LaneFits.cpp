@@ -136,7 +136,10 @@ std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::s
     constexpr std::int32_t most = 1024;
     std::vector<std::vector<double>> middles(channels.size());
     std::vector<std::vector<double>> halves(channels.size());
-    const std::int32_t count = std::min(most, block.sampleCount);
+    // Where the samples of a slow signal lie far apart in the file, as many as are read quickly.
+    constexpr std::int32_t least = 32;
+    const std::int32_t piece = block.block ? std::max(block.block->SamplesPerPiece(), least) : most;
+    const std::int32_t count = std::min({most, piece, block.sampleCount});
     const std::int32_t number = count < 1 || !block.block ? 0 : std::min(stretches, block.sampleCount / count);
     for (std::int32_t at = 0; at < number; ++at) {
         // The first one at the start, the last one at the end.

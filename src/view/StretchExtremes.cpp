@@ -14,14 +14,15 @@ StretchExtremes::Known& StretchExtremes::Of(const ViewBlock& block) {
     added.block = block.block;
     added.invScale = block.invScale;
     added.offsets = block.offsets;
-    ShareMemory();
     return added;
 }
 
 SceneBlocks StretchExtremes::Others() {
     SceneBlocks blocks;
+    const std::size_t known = m_known.size();
     for (const OtherBlock& other : m_document.OtherBlocks())
         blocks.push_back({other.block, Of(other.block).extremes, other.before});
+    if (m_known.size() != known) ShareMemory();
     return blocks;
 }
 
