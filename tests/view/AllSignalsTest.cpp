@@ -259,7 +259,8 @@ TEST_F(AllSignalsTest, AllSignalsComeAndGoWithoutAJump) {
     Make({10, 200}, 3000, 1);
     m_view.SelectPage(30.0);
     m_view.GoToPage(2);
-    const std::int32_t first = m_view.Axis().FirstColumn();
+    const auto place = [&] { return std::pair(m_view.Axis().FirstColumn(), m_view.Axis().PageSeconds()); };
+    const auto before = place();
     const auto toggle = [&](bool all) {
         m_document.SetAllSignals(all);
         return m_view.SignalsChanged();
@@ -267,10 +268,10 @@ TEST_F(AllSignalsTest, AllSignalsComeAndGoWithoutAJump) {
     EXPECT_TRUE(m_view.UsesLanes());
     EXPECT_TRUE(toggle(false).redraw);
     EXPECT_FALSE(m_view.UsesLanes()) << "one signal needs no lane";
+    EXPECT_EQ(place(), before);
     EXPECT_TRUE(toggle(true).redraw);
     EXPECT_TRUE(m_view.UsesLanes());
-    m_view.SelectPage(30.0);
-    m_view.ScrollBy(first - m_view.Axis().FirstColumn());
+    EXPECT_EQ(place(), before);
     for (const LaneChannel& channel : m_view.LanesOfChannels().Channels())
         EXPECT_TRUE(m_view.LanesOfChannels().Scales().channels.contains(channel.key));
     // A page shorter than a sample of the block lasts as long as the faster block is shown.
