@@ -12,6 +12,7 @@
 #include "app/HelpFile.h"
 #include "app/MainSplitters.h"
 #include "app/PanelTable.h"
+#include "app/StartSteps.h"
 #include "app/StringIds.h"
 #include "app/ValuesReadout.h"
 #include "app/ViewTables.h"
@@ -282,6 +283,34 @@ class FakeLookup final : public DirectoryLookup {
         return files.contains(name);
     }
 };
+
+TEST(StartSteps, RunOnceInOrderWhateverAsksOrFails) {
+    StartSteps steps;
+    std::vector<int> ran;
+    int failures = 0;
+    steps.onFailed = [&](const std::exception&) { ++failures; };
+    EXPECT_TRUE(steps.RunAll() && !steps.RunNext() && !steps.AreDone()) << "nothing is planned yet";
+    steps.Plan({[&] { ran.push_back(1); },
+                [&] {
+                    // A message that is handled within a step.
+                    EXPECT_FALSE(steps.RunAll() || steps.RunNext() || steps.AreDone());
+                    ran.push_back(2);
+                    throw std::runtime_error("step");
+                },
+                [&] { ran.push_back(3); }, [&] { ran.push_back(4); }});
+    steps.Plan({[&] { ran.push_back(9); }});
+    EXPECT_TRUE(steps.RunNext());
+    EXPECT_THAT(ran, ::testing::ElementsAre(1));
+    EXPECT_TRUE(steps.RunAll() && steps.AreDone());
+    EXPECT_THAT(ran, ::testing::ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(failures, 1);
+    // The window is gone with the step that failed.
+    StartSteps dropped;
+    dropped.onFailed = [&](const std::exception&) { dropped.Drop(); };
+    dropped.Plan({[] { throw std::runtime_error("step"); }, [&] { ran.push_back(9); }});
+    EXPECT_TRUE(dropped.RunAll());
+    EXPECT_EQ(ran.size(), 4U);
+}
 
 TEST(HelpFile, TheUsersChoiceDecidesBetweenTwoFilesOnly) {
     const std::u16string other = u"C:\\Q\\KelvoDE.chm";

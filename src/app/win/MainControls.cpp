@@ -59,7 +59,7 @@ std::wstring DroppedPath(HDROP drop) {
     return path;
 }
 
-void MakeMainControls(HWND window, HFONT font, const UserServices& services) {
+void MakeLists(HWND window, HFONT font, const UserServices& services) {
     constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
     constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
     constexpr DWORD channels =
@@ -73,6 +73,10 @@ void MakeMainControls(HWND window, HFONT font, const UserServices& services) {
     make(WC_COMBOBOXW, combo, 0, cboFileType);
     make(WC_LISTBOXW, list | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
     make(WC_LISTBOXW, list | LBS_USETABSTOPS, WS_EX_CLIENTEDGE, lstBlock);
+}
+
+void MakeBars(HWND window, HFONT font) {
+    const Maker make{window, font};
     make(WC_SCROLLBARW, SBS_HORZ, 0, scScaleX);
     make(WC_SCROLLBARW, SBS_VERT, 0, scScaleY);
     make(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);

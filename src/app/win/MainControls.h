@@ -14,9 +14,10 @@ namespace quillon {
 /// The first of the files and folders that were dropped on a window.
 [[nodiscard]] std::wstring DroppedPath(HDROP drop);
 
-/// Makes the controls of the main window that are the system's own: tabs, lists, scroll bars and status bar, in the
-/// order of the Tab key. Throws std::system_error when one cannot be made.
-void MakeMainControls(HWND window, HFONT font, const UserServices& services);
+/// Make the controls of the main window that are the system's own, in the order of the Tab key: tabs and lists, then
+/// scroll bars and status bar. Throw std::system_error when one cannot be made.
+void MakeLists(HWND window, HFONT font, const UserServices& services);
+void MakeBars(HWND window, HFONT font);
 
 /// Gives a control a text that shows when the pointer rests on it.
 void AddToolTip(HWND control, const std::u16string& text);

@@ -168,10 +168,13 @@ void MainRooms::CreateFirst(HWND window) {
     spectrogram.BuildPalette();
 }
 
+void MainRooms::AttachLists(int dpi) {
+    recording.Attach(GetDlgItem(Window(), lstBlock), GetDlgItem(Window(), lvCh), dpi);
+    browser.Attach(Window(), dpi);
+}
+
 void MainRooms::CreateRest(HFONT font, int dpi) {
     const HWND window = Window();
-    recording.Attach(GetDlgItem(window, lstBlock), GetDlgItem(window, lvCh), dpi);
-    browser.Attach(window, dpi);
     if (!graph.CreateRest(window) || !m_valuesPanel.Create(window, pnValues) || !spectrogram.Create(window))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
     status.Attach(GetDlgItem(window, sbInfo), font, dpi);

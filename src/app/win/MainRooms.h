@@ -43,7 +43,9 @@ class MainRooms {
 
     /// Creates what the first waveform needs. Throws std::system_error when it cannot be made.
     void CreateFirst(HWND window);
-    /// Creates the rest, which needs the controls, and fills it from the loaded recording.
+    /// Fills the lists of folders, files and channels once they exist.
+    void AttachLists(int dpi);
+    /// Creates the rest, which needs the controls.
     void CreateRest(HFONT font, int dpi);
     [[nodiscard]] bool IsComplete() const { return m_complete; }
     /// Fills the controls with what was loaded before they existed.

@@ -50,6 +50,7 @@ int RunMessages(frmQLMain& form) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
+    form.ThrowFailure();
     return static_cast<int>(message.wParam);
 }
 

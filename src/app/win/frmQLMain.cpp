@@ -9,6 +9,7 @@
 #include "app/win/MainControls.h"
 #include "app/win/TableWindow.h"
 #include "app/win/WindowPlace.h"
+#include "base/win/PendingMessages.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -34,6 +35,7 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
 }
 
 void frmQLMain::Wire() {
+    m_steps.onFailed = [this](const std::exception& error) { StepFailed(error); };
     m_rooms.onState = [this] { m_tools.Update(State()); };
     m_rooms.onArrange = [this] { Arrange(); };
     m_rooms.onHelp = [this] { m_help.Show(m_window); };
@@ -63,7 +65,7 @@ void frmQLMain::Create() {
     m_dpi = ScreenDpi();
     // Set the menu before the window is sized: adding it later would change the client area.
     const HWND made = MakeMainWindow(Procedure, m_menu.Make(), m_dpi, this);
-    if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
+    ThrowFailure();
     if (made == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
 }
 
@@ -71,10 +73,13 @@ void frmQLMain::Show(int showCommand, const std::wstring& path) {
     m_firstPath = path;
     RestoreWindowPlace(m_window, m_global.settings.window, showCommand);
     ShowWindow(m_window, showCommand);
-    // Shown inactive: WM_ACTIVATE never came, so create the rest now.
-    if (m_window != nullptr && !m_rooms.IsComplete()) CreateRemainingControls();
-    if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
+    // Shown inactive: WM_ACTIVATE never came.
+    PlanRemainingControls();
     if (m_window != nullptr && !m_firstPath.empty()) OpenPath(std::exchange(m_firstPath, {}));
+}
+
+void frmQLMain::ThrowFailure() {
+    if (m_createFailure) std::rethrow_exception(std::exchange(m_createFailure, nullptr));
 }
 
 LRESULT CALLBACK frmQLMain::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -142,6 +147,7 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_INITMENUPOPUP:
             // The window's own menu holds the system's commands.
             if (HIWORD(lParam) != 0) break;
+            if (!CreateRemainingControls()) return 0;
             m_menu.Open(reinterpret_cast<HMENU>(wParam), m_rooms.playback, [this] { return State(); });
             return 0;
         case WM_HSCROLL: m_rooms.graph.OnScroll(scScaleX, LOWORD(wParam)); return 0;
@@ -161,7 +167,7 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void frmQLMain::OnCreate() {
-    // Only what the first waveform needs; CreateRemainingControls() makes the rest.
+    // Only what the first waveform needs; the rest follows in steps.
     m_font = MakeFont(m_dpi);
     m_layout.SetWindow(m_window, m_font.Get(), m_dpi);
     m_keys.SetWindow(m_window);
@@ -173,26 +179,43 @@ void frmQLMain::OnCreate() {
     m_lookTimer->PutEnabled(true);
 }
 
-void frmQLMain::CreateRemainingControls() try {
-    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
-    InitCommonControlsEx(&controls);
-    m_tools.Create(m_window, m_dpi);
-    MakeMainControls(m_window, m_font.Get(), m_services);
-    m_rooms.CreateRest(m_font.Get(), m_dpi);
-    m_layout.SetToolSizes(m_tools.MainSize(), m_tools.GoToSize());
-    // With a recording open, show the page of channels rather than that of folders.
-    SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
-    DragAcceptFiles(m_window, TRUE);
-    if (!IsIconic(m_window)) Arrange();
-    m_rooms.ShowAll();
-    AddToolTip(m_rooms.browser.PathList(), m_services.Text(IDS_TIP_PATHLIST));
-    m_rooms.playback.Open();
-} catch (const std::exception& error) {
+void frmQLMain::PlanRemainingControls() {
+    if (m_window == nullptr) return;
+    m_steps.Plan({
+        [this] {
+            INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
+            InitCommonControlsEx(&controls);
+            m_tools.Create(m_window, m_dpi);
+        },
+        [this] { MakeLists(m_window, m_font.Get(), m_services); },
+        [this] {
+            MakeBars(m_window, m_font.Get());
+            m_rooms.AttachLists(m_dpi);
+        },
+        [this] {
+            m_rooms.CreateRest(m_font.Get(), m_dpi);
+            // With a recording open, show the page of channels rather than that of folders.
+            SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
+            DragAcceptFiles(m_window, TRUE);
+        },
+        [this] {
+            m_layout.SetToolSizes(m_tools.MainSize(), m_tools.GoToSize());
+            if (!IsIconic(m_window)) Arrange();
+        },
+        [this] {
+            m_rooms.ShowAll();
+            AddToolTip(m_rooms.browser.PathList(), m_services.Text(IDS_TIP_PATHLIST));
+        },
+        [this] { m_rooms.playback.Open(); },
+    });
+}
+
+void frmQLMain::StepFailed(const std::exception& error) {
     if (m_rooms.IsComplete()) return m_rooms.Failed(error);
-    // As without the window itself.
     m_createFailure = std::current_exception();
     m_services.SetWindow(nullptr, nullptr);
     DestroyWindow(m_window);
+    PostQuitMessage(1);
 }
 
 void frmQLMain::OnActivate(UINT state) {
@@ -214,14 +237,13 @@ void frmQLMain::OnActivate(UINT state) {
             }
             UpdateWindow(m_rooms.graph.Graph());
             // What is drawn is batched, and may be shown only while the program waits for messages: a wait of no
-            // length.
+            // length, as showing the window has not ended yet.
             GdiFlush();
             MsgWaitForMultipleObjects(0, nullptr, FALSE, 0, QS_ALLINPUT);
         } catch (const std::exception& error) {
             m_rooms.Failed(error);
         }
-        if (!m_rooms.IsComplete()) CreateRemainingControls();
-        if (m_window == nullptr) return;
+        PlanRemainingControls();
         // Do not replace the message that says why the first file was refused.
         if (m_global.document->File().refusal.empty()) m_rooms.browser.TellStart();
     }
@@ -231,7 +253,7 @@ void frmQLMain::OnActivate(UINT state) {
 
 void frmQLMain::OpenFirstFile() {
     m_rooms.browser.OpenFirstFile();
-    // CreateRemainingControls() does the same for a window that was active from the start.
+    // One of the steps does the same for a window that was active from the start.
     if (m_rooms.IsComplete() && m_global.document->Block().block) SelectPage(m_window, TabPages::Path, 1);
 }
 
@@ -298,6 +320,7 @@ void frmQLMain::EndSession() {
 void frmQLMain::OnDestroy() {
     m_menu.Release();
     m_closing = true;
+    m_steps.Drop();
     m_lookTimer.reset();
     m_rooms.Close();
     // If creation failed there is nothing to save, and the error message is still to be shown.
@@ -310,7 +333,8 @@ void frmQLMain::OnDestroy() {
 // Commands.
 
 void frmQLMain::OnCommand(int id) {
-    if (!m_rooms.longCommand.IsBusy() && IsEnabled(id, m_rooms.State())) RunCommand(id, m_rooms, m_commands);
+    if (m_rooms.longCommand.IsBusy() || !CreateRemainingControls()) return;
+    if (IsEnabled(id, m_rooms.State())) RunCommand(id, m_rooms, m_commands);
 }
 
 void frmQLMain::OnControlCommand(int id, int notification) {
@@ -348,6 +372,9 @@ void frmQLMain::ShowContextMenu(POINT screen) {
 // Focus and mouse.
 
 bool frmQLMain::PreTranslate(const MSG& message) try {
+    // The graph follows the pointer without the other controls.
+    const bool moves = message.message == WM_MOUSEMOVE || message.message == WM_NCMOUSEMOVE;
+    if (IsInput(message.message) && !moves) CreateRemainingControls();
     if (m_window != nullptr && message.message == WM_LBUTTONUP) m_focus.Clicked(GetDlgCtrlID(message.hwnd));
     return m_keys.Translate(message);
 } catch (const std::exception& error) {

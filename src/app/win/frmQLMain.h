@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/QL_Global.h"
+#include "app/StartSteps.h"
 #include "app/win/CommandRoutes.h"
 #include "app/win/ControlLayout.h"
 #include "app/win/HelpViewer.h"
@@ -35,9 +36,13 @@ class frmQLMain {
     /// Sets the help file of the settings' language.
     void ChooseHelp() { m_help.Choose(); }
     /// Shows it where the settings say, else as the system wants it. When it is first activated it opens `path`, or
-    /// without one the first file of the folder, and shows its waveform, then all its controls. Throws when they cannot
-    /// be made.
+    /// without one the first file of the folder, and shows its waveform. The calls of RunSlice that follow create the
+    /// other controls, a few each; input and commands that come before the last do not wait for them.
     void Show(int showCommand, const std::wstring& path = {});
+    /// Whether all controls exist.
+    [[nodiscard]] bool IsComplete() const { return m_steps.AreDone(); }
+    /// To be called when the message loop has ended: throws when that was because the controls could not be made.
+    void ThrowFailure();
     [[nodiscard]] HWND Window() const { return m_window; }
     /// What the commands can do now.
     [[nodiscard]] CommandState State() const { return m_rooms.State(); }
@@ -46,7 +51,7 @@ class frmQLMain {
     /// Opens a file or folder by its full path, as if it had been chosen in the lists.
     void OpenPath(const std::wstring& path) { m_rooms.browser.OpenPath(path); }
     /// To be called while no message waits; false when there is nothing to be done.
-    bool RunSlice() { return m_rooms.slices.RunSlice(); }
+    bool RunSlice() { return m_steps.RunNext() || m_rooms.slices.RunSlice(); }
     /// Handles a key of the graph or Tab navigation; true when the message must not be dispatched further.
     [[nodiscard]] bool PreTranslate(const MSG& message);
 
@@ -56,8 +61,13 @@ class frmQLMain {
     LRESULT HandleInput(UINT message, WPARAM wParam, LPARAM lParam);
     void Wire();
     void OnCreate();
-    /// Creates all controls that the first waveform does not need, and fills them from the loaded recording.
-    void CreateRemainingControls();
+    /// Plans the steps that create all controls that the first waveform does not need, and fill them from the loaded
+    /// recording.
+    void PlanRemainingControls();
+    /// Without its controls the window does not stay; whatever fails after they exist is told in the status bar.
+    void StepFailed(const std::exception& error);
+    /// Runs the steps that are left, for what needs all controls. False within one, or when the window is gone.
+    bool CreateRemainingControls() { return m_steps.RunAll() && m_window != nullptr; }
     void OnActivate(UINT state);
     void OpenFirstFile();
     void OnDropFiles(HDROP drop);
@@ -96,7 +106,8 @@ class frmQLMain {
 
     HWND m_window = nullptr;
     int m_dpi = 96;
-    std::exception_ptr m_createFailure;  ///< exception that made WM_CREATE fail
+    StartSteps m_steps;
+    std::exception_ptr m_createFailure;  ///< exception that made WM_CREATE or a step fail
     bool m_activated = false;
     bool m_closing = false;
 };

@@ -1,6 +1,11 @@
 #include <gmock/gmock.h>
 
+#include "base/win/Win32.h"
+// After windows.h, on which it depends.
 #include <process.h>
+#include <shlobj.h>
+
+#include <cstring>
 
 #include "app/KV_Resources.h"
 #include "app/win/MainWindowFixture.h"
@@ -202,7 +207,18 @@ TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-using StartTest = MainWindowTest;
+class StartTest : public MainWindowTest {
+  protected:
+    /// Shows a window up to that many steps after the first waveform.
+    void StartSteps(int steps) {
+        m_global = {};
+        Create(Wide(m_folder.Path()));
+        m_form->Show(SW_SHOW);
+        SetForegroundWindow(m_form->Window());
+        EXPECT_EQ(m_global.document->Block().sampleCount, 5000) << "the waveform comes first";
+        for (int step = 0; step < steps; ++step) EXPECT_TRUE(m_form->RunSlice());
+    }
+};
 
 TEST_F(StartTest, TheGraphIsInItsPlaceBeforeTheOtherControlsCome) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(5000)));
@@ -224,12 +240,82 @@ TEST_F(StartTest, TheGraphIsInItsPlaceBeforeTheOtherControlsCome) {
     EXPECT_THAT(order, ElementsAre(tabPath, lstDrive, lstDir, tabFile, cboFileType, lstFile, pbGraph, pbPathList));
 }
 
+/// What the shell sends with WM_DROPFILES for one file.
+WPARAM DropOf(const std::u16string& path) {
+    const std::size_t bytes = (path.size() + 2) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GHND, sizeof(DROPFILES) + bytes);
+    auto* drop = static_cast<DROPFILES*>(GlobalLock(memory));
+    drop->pFiles = sizeof(DROPFILES);
+    drop->fWide = TRUE;
+    std::memcpy(drop + 1, path.data(), bytes - 2 * sizeof(wchar_t));
+    GlobalUnlock(memory);
+    return reinterpret_cast<WPARAM>(memory);
+}
+
+TEST_F(StartTest, WhateverComesBetweenTheStepsFindsAWholeWindow) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(5000)));
+    const std::u16string other = m_folder.Write(u"b.bin", SawRecording(3000));
+    enum What { Key, Command, Menu, Drop, Size };
+    for (const What what : {Key, Command, Menu, Drop, Size}) {
+        bool last = false;
+        for (int steps = 0; !last; ++steps) {
+            SCOPED_TRACE("message " + std::to_string(what) + " after " + std::to_string(steps) + " steps");
+            StartSteps(steps);
+            last = m_form->IsComplete();
+            const HWND window = m_form->Window();
+            switch (what) {
+                case Key: PostMessageW(Control(pbGraph), WM_KEYDOWN, VK_END, 0); break;
+                case Command: PostMessageW(window, WM_COMMAND, mnuGoTo + 3, 0); break;
+                case Menu: SendMessageW(window, WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(GetMenu(window)), 0); break;
+                case Drop: PostMessageW(window, WM_DROPFILES, DropOf(other), 0); break;
+                case Size: SetWindowPos(window, nullptr, 0, 0, 900, 600, SWP_NOMOVE | SWP_NOZORDER); break;
+            }
+            Pump();
+            EXPECT_TRUE(m_form->IsComplete() || what == Drop || what == Size);
+            EXPECT_EQ(m_global.view->Axis().FirstColumn() > 0, what == Key || what == Command);
+            CreateControls();
+            EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"b.bin"));
+            EXPECT_EQ(SendMessageW(Control(lstFile), LB_GETCURSEL, 0, 0), what == Drop ? 1 : 0);
+            EXPECT_EQ(ItemCount(), 2);
+            EXPECT_EQ(TabCtrl_GetCurSel(Control(tabPath)), 1);
+            EXPECT_THAT(Status(StatusPanel::Size), ::testing::HasSubstr(what == Drop ? L"3000" : L"5000"));
+            const RECT graph = Place(pbGraph);
+            EXPECT_TRUE(Place(pbScaleX).top >= graph.bottom && Place(sbInfo).top > graph.bottom);
+            EXPECT_EQ(m_global.view->Axis().Width(), graph.right - graph.left);
+            TearDown();
+        }
+    }
+}
+
+TEST_F(StartTest, AWindowThatIsClosedBetweenTheStepsEndsAsAnyOther) {
+    static_cast<void>(m_folder.Write(u"a.bin", SawRecording(5000)));
+    int saved = 0;
+    m_shutdown = [&] { ++saved; };
+    bool last = false;
+    for (int steps = 0; !last; ++steps) {
+        SCOPED_TRACE(std::to_string(steps) + " steps");
+        StartSteps(steps);
+        last = m_form->IsComplete();
+        PostMessageW(m_form->Window(), WM_CLOSE, 0, 0);
+        MSG message{};
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) && message.message != WM_QUIT)
+            DispatchMessageW(&message);
+        EXPECT_EQ(message.message, UINT{WM_QUIT});
+        EXPECT_EQ(m_form->Window(), nullptr);
+        EXPECT_FALSE(m_form->RunSlice());
+        EXPECT_EQ(m_global.settings.filesPath, m_folder.Path());
+        EXPECT_EQ(saved, steps + 1);
+        m_form->ThrowFailure();
+    }
+}
+
 TEST_F(StartTest, AWindowThatStartsAsAnIconOpensTheFirstRecordingWhenItIsSeen) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording(5000)));
     for (const int command : {SW_SHOWMINNOACTIVE, SW_SHOWMINIMIZED}) {
         m_global = {};
         Create(Wide(m_folder.Path()));
         m_form->Show(command);
+        CreateControls();
         EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin"));
         EXPECT_THAT(Lines(lstBlock), IsEmpty());
         ShowWindow(m_form->Window(), SW_RESTORE);

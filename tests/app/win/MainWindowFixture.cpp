@@ -168,6 +168,13 @@ void MainWindowTest::Show() const {
     // Without a window manager nobody may activate the window.
     SetForegroundWindow(m_form->Window());
     Pump();
+    CreateControls();
+}
+
+void MainWindowTest::CreateControls() const {
+    while (!m_form->IsComplete() && m_form->RunSlice()) {
+    }
+    Pump();
 }
 
 void MainWindowTest::Create(const std::wstring& folder) {

@@ -162,6 +162,8 @@ class MainWindowTest : public ::testing::Test {
     /// Shows it over a sound device of the test's.
     void StartWith(DeviceState& device);
     void Show() const;
+    /// What the message loop does after the first waveform.
+    void CreateControls() const;
     /// The window as it is before it is shown.
     void Create(const std::wstring& folder);
     void TearDown() override;

@@ -62,7 +62,7 @@ class User {
     void Run(const std::function<void(User&)>& acts) {
         EXPECT_TRUE(WaitUntil([&] {
             m_window = FindWindowW(L"frmQLMain", nullptr);
-            // The status bar is made last.
+            // The status bar is made after the lists.
             return m_window != nullptr && IsWindowVisible(m_window) && Control(sbInfo) != nullptr;
         }));
         acts(*this);
