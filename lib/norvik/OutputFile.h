@@ -22,6 +22,10 @@ class OutputFile {
     [[nodiscard]] virtual bool Write(std::span<const std::byte> bytes) = 0;
     /// Completes the file in its place. False when that fails or anything before has failed.
     [[nodiscard]] virtual bool Close() = 0;
+    /// For callers that look for other things in between: gives the file up, or is called after something has failed,
+    /// and frees a part of it; false when nothing is left that takes long. Destroying the object does what was not
+    /// done.
+    virtual bool AbandonPart() { return false; }
     /// Why the last call failed: the file's name and the system's reason.
     [[nodiscard]] virtual Bilingual ErrorText() const = 0;
 };

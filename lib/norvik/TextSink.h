@@ -19,6 +19,8 @@ class TextSink {
     /// Does a part of what Close would take long for; false when nothing of that is left. For callers that look for
     /// other things in between; Close does what was not done.
     virtual bool FinishPart() { return false; }
+    /// The same for giving it up: does a part of what destroying it would take long for. Nothing is written afterwards.
+    virtual bool AbandonPart() { return false; }
     /// Brings the text to its end: the file takes its place, the clipboard gets it here. Returns whether all of it
     /// arrived.
     virtual bool Close() = 0;

@@ -16,6 +16,10 @@ class TextFile final : public TextSink {
         if (!m_failed) m_failed = !m_file->Write(std::as_bytes(std::span<const char>(text.data(), text.size())));
     }
     [[nodiscard]] bool Failed() const override { return m_failed; }
+    bool AbandonPart() override {
+        m_failed = true;
+        return m_file->AbandonPart();
+    }
     bool Close() override { return !m_failed && m_file->Close(); }
     [[nodiscard]] std::u16string ErrorText() const override { return m_file->ErrorText().In(m_language); }
 

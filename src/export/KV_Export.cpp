@@ -203,13 +203,17 @@ bool KV_Export::WriteFile(const std::u16string& fileName, const ByteWriter& head
         return false;
     }
     if (file->Write(header.Bytes()) && writeSamples(*file) && file->Close()) return true;
+    // A large file takes long to go.
+    while (file->AbandonPart()) static_cast<void>(m_system.progress && m_system.progress(m_reported, m_reportedOf));
     if (m_stopped) return false;
     m_writeFailure = file->ErrorText().In(m_system.language);
     return false;
 }
 
 bool KV_Export::Report(std::int64_t done, std::int32_t total) {
-    m_stopped = m_system.progress && !m_system.progress(static_cast<std::int32_t>(done), total);
+    m_reported = static_cast<std::int32_t>(done);
+    m_reportedOf = total;
+    m_stopped = m_system.progress && !m_system.progress(m_reported, total);
     return !m_stopped;
 }
 

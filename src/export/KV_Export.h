@@ -19,8 +19,9 @@
 
 namespace quillon {
 
-/// Called after each chunk with the samples per channel done and to do; false stops the export. It may run pending
-/// messages provided that they neither start another export with the same object nor close the recording.
+/// Called after each chunk with the samples per channel done and to do; false stops the export. It is called on, with
+/// the same numbers, while an unfinished file of many gigabytes is removed. It may run pending messages provided that
+/// they neither start another export with the same object nor close the recording.
 using ExportProgress = std::function<bool(std::int32_t done, std::int32_t total)>;
 
 /// System services that the writers need.
@@ -106,6 +107,8 @@ class KV_Export {
     std::u16string m_writeFailure;
     bool m_reading = false;
     bool m_stopped = false;
+    std::int32_t m_reported = 0;  ///< what the progress was told last
+    std::int32_t m_reportedOf = 0;
     ExportOutcome m_outcome;
 };
 

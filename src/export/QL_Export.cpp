@@ -160,15 +160,19 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     TextRows rows(x, channels, request.rawCodes, separator, context.lineEnd);
     ChunkReader reader(block, channels);
 
-    const auto isStopped = [&] {
-        return context.ended = context.stopped = context.runPending && !context.runPending();
-    };
     std::u16string failure;
     const std::unique_ptr<TextSink> sink = context.open(request.target, failure);
     if (!sink) {
         context.failures.push_back(failure);
         return false;
     }
+    const auto abandon = [&] {
+        while (sink->AbandonPart()) static_cast<void>(context.runPending && context.runPending());
+        return false;
+    };
+    const auto isStopped = [&] {
+        return context.ended = context.stopped = context.runPending && !context.runPending();
+    };
     const bool file = request.target != kClipboardTarget;
     const std::string titles = request.titleRow ? TextTitleLine(x.kind(), channels, context.lineEnd) : std::string();
     if (file && context.utf8Mark && !IsAscii(titles)) sink->Write("\xEF\xBB\xBF");
@@ -182,16 +186,16 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
         const std::int32_t done = chunk * kTextChunkRows;
         const std::int32_t size = std::min(kTextChunkRows, count - done);
         sink->Write(rows.Make(done, size, reader.Read(request.first - 1 + done, size)));
-        if (isStopped()) return false;
+        if (isStopped()) return abandon();
     }
     if (!file) context.services.SetStatus(u"Copy text...");
     while (sink->FinishPart()) {
-        if (isStopped()) return false;
+        if (isStopped()) return abandon();
     }
     if (!sink->Close()) {
         context.failures.push_back(sink->ErrorText());
         context.ended = true;
-        return false;
+        return abandon();
     }
     context.written.push_back(request.target);
     if (request.file + 1 == request.files) context.services.SetStatus({});

@@ -24,6 +24,7 @@ class FaultyFiles final : public FileSystem {
     enum Fault { None, Look_, Create, Write, Close, Rename_ };
     Fault fault = None;
     std::size_t room = 0;  ///< bytes that are written before a fault of Write
+    int parts = 0;         ///< in which a file is freed beyond the last
 
     std::optional<Place> FindPlace(const std::u16string& path, Bilingual& error) override {
         if (fault == Look_) return error = {u"fault", u"сбой"}, std::nullopt;
@@ -40,7 +41,7 @@ class FaultyFiles final : public FileSystem {
         if (fault == Rename_) return error = {u"fault", u"сбой"}, false;
         return SystemFiles().Rename(from, to, error);
     }
-    void Remove(const std::u16string& path) override { SystemFiles().Remove(path); }
+    bool Remove(const std::u16string& path) override { return SystemFiles().Remove(path); }
 
   private:
     struct Sink final : ByteSink {
@@ -56,8 +57,10 @@ class FaultyFiles final : public FileSystem {
             if (files.fault == FaultyFiles::Close) return error = {u"fault", u"сбой"}, false;
             return closed;
         }
+        bool FreePart() override { return file->FreePart() || ++freed <= files.parts; }
         FaultyFiles& files;
         std::unique_ptr<ByteSink> file;
+        int freed = 0;
     };
 };
 
@@ -204,6 +207,46 @@ TEST_F(WriteFaults, WhatIsStoppedKeepsTheFilesThatWereFinished) {
             ASSERT_EQ(Files(), expected);
         }
     }
+}
+
+TEST_F(WriteFaults, ALargeUnfinishedFileGoesInPartsBetweenWhichTheCallerIsAsked) {
+    constexpr int parts = 5;
+    files.parts = parts;
+    int calls = 0;
+    int stopAt = 0;
+    progress = [&] { return ++calls < stopAt || stopAt == 0; };
+    exporter.SetProgress([&](std::int32_t, std::int32_t) { return progress(); });
+    for (const std::u16string kind : {u"bin", u"wav", u"edf", u"txt", u"channels.txt"}) {
+        SCOPED_TRACE(Utf8(kind));
+        calls = 0;
+        stopAt = 10;
+        EXPECT_EQ(Run(kind), u"");
+        EXPECT_TRUE(stopped && written == 0);
+        EXPECT_EQ(calls, stopAt + parts);
+        EXPECT_TRUE(Files().empty());
+        // Also where the disk is full, and what is told of it stays.
+        stopAt = 0;
+        files.fault = FaultyFiles::Write;
+        files.room = 300000;
+        EXPECT_TRUE(Run(kind).ends_with(u": fault"));
+        EXPECT_FALSE(stopped);
+        EXPECT_TRUE(Files().empty());
+        files.fault = FaultyFiles::None;
+    }
+    // The system's file: removed while it is open, it shrinks until little is left, and takes nobody's place.
+    bool taken = false;
+    Bilingual error;
+    auto sink = SystemFiles().CreateNew(Path(u"large"), {}, taken, error);
+    ASSERT_TRUE(sink);
+    const std::vector<std::byte> piece(std::size_t{1} << 20);
+    for (std::int64_t size = 0; size <= 2 * kFreedBytes; size += std::ssize(piece))
+        ASSERT_TRUE(sink->Write(piece, error));
+    ASSERT_TRUE(SystemFiles().Remove(Path(u"large")));
+    EXPECT_TRUE(sink->FreePart());
+    EXPECT_TRUE(sink->FreePart());
+    EXPECT_FALSE(sink->FreePart());
+    sink.reset();
+    EXPECT_TRUE(Files().empty());
 }
 
 TEST_F(WriteFaults, TemporaryNamesAvoidExistingFilesAndAreShortEnough) {

@@ -51,6 +51,11 @@ class ReplacingFile final : public OutputFile {
         return true;
     }
 
+    bool AbandonPart() override {
+        if (m_sink) GiveUp();
+        return m_givenUp && m_givenUp->FreePart();
+    }
+
     [[nodiscard]] Bilingual ErrorText() const override {
         return {m_name + u": " + m_error.english, m_name + u": " + m_error.russian};
     }
@@ -77,26 +82,32 @@ class ReplacingFile final : public OutputFile {
     }
 
     bool Fail() {
-        Abandon();
+        GiveUp();
         return false;
+    }
+
+    /// Removes what was begun, but does not free it if it is open.
+    void GiveUp() {
+        // Under a name that was removed another program may have begun a file by now.
+        if (!m_part.empty() && m_files.Remove(m_part)) m_part.clear();
+        if (m_sink) m_givenUp = std::move(m_sink);
+        m_gathered.clear();
     }
 
     /// Leaves nothing of what was begun.
     void Abandon() {
-        if (m_sink) {
-            Bilingual ignored;
-            static_cast<void>(m_sink->Close(ignored));
-            m_sink.reset();
-        }
+        GiveUp();
+        m_givenUp.reset();
+        // Where it could not be removed while it was open.
         if (!m_part.empty()) m_files.Remove(m_part);
         m_part.clear();
-        m_gathered.clear();
     }
 
     FileSystem& m_files;
     Place m_place;
     std::unique_ptr<ByteSink> m_sink;
-    std::u16string m_name;  ///< as requested
+    std::unique_ptr<ByteSink> m_givenUp;  ///< open, but removed
+    std::u16string m_name;                ///< as requested
     std::u16string m_part;  ///< where it is written; empty for a device and when there is nothing to remove
     std::vector<std::byte> m_gathered;
     Bilingual m_error;

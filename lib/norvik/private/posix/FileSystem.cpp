@@ -54,6 +54,11 @@ class FileSink final : public ByteSink {
         return false;
     }
 
+    [[nodiscard]] bool FreePart() override {
+        const std::int64_t rest = ::lseek(m_descriptor, 0, SEEK_END) - kFreedBytes;
+        return rest > 0 && ::ftruncate(m_descriptor, rest) == 0;
+    }
+
   private:
     int m_descriptor;
     bool m_durable;
@@ -135,7 +140,7 @@ class PosixFiles final : public FileSystem {
         return false;
     }
 
-    void Remove(const std::u16string& path) override { ::unlink(NativeBytes(path).c_str()); }
+    bool Remove(const std::u16string& path) override { return ::unlink(NativeBytes(path).c_str()) == 0; }
 };
 
 }  // namespace

@@ -47,6 +47,13 @@ class FileSink final : public ByteSink {
         return false;
     }
 
+    [[nodiscard]] bool FreePart() override {
+        LARGE_INTEGER rest{};
+        if (!::GetFileSizeEx(m_file, &rest)) return false;
+        rest.QuadPart -= kFreedBytes;
+        return rest.QuadPart > 0 && ::SetFilePointerEx(m_file, rest, nullptr, FILE_BEGIN) && ::SetEndOfFile(m_file);
+    }
+
   private:
     HANDLE m_file;
     bool m_durable;
@@ -85,8 +92,9 @@ class WindowsFiles final : public FileSystem {
 
     [[nodiscard]] std::unique_ptr<ByteSink> CreateNew(const std::u16string& path, const Place& place, bool& taken,
                                                       Bilingual& error) override {
-        const HANDLE file = ::CreateFileW(SystemPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_NEW,
-                                          FILE_ATTRIBUTE_NORMAL, nullptr);
+        // Shared for deletion, so that it can be removed while it is open.
+        const HANDLE file = ::CreateFileW(SystemPath(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                                          nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         taken = file == INVALID_HANDLE_VALUE && ::GetLastError() == ERROR_FILE_EXISTS;
         if (file == INVALID_HANDLE_VALUE) {
             error = SystemText(::GetLastError());
@@ -101,7 +109,7 @@ class WindowsFiles final : public FileSystem {
         return false;
     }
 
-    void Remove(const std::u16string& path) override { ::DeleteFileW(SystemPath(path).c_str()); }
+    bool Remove(const std::u16string& path) override { return ::DeleteFileW(SystemPath(path).c_str()) != 0; }
 };
 
 }  // namespace
