@@ -211,6 +211,8 @@ TEST_F(AllSignalsTest, EveryColumnOfEverySignalIsThatOfAPlainLoop) {
         for (int view = 0; view < 8; ++view) {
             LoadBlock(Any(static_cast<std::int64_t>(rates.size())));
             Show();
+            m_format.sampleIndexes = view % 3 == 1;
+            m_format.timeOfDay = view % 3 == 2;
             m_view.ScrollLanes(Any(5) - 2);
             ASSERT_NO_FATAL_FAILURE(ExpectPlainColumns()) << round;
             ASSERT_NO_FATAL_FAILURE(ExpectScrollingCopies()) << round;
