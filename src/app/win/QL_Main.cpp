@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "app/KV_Resources.h"
 #include "app/StringIds.h"
@@ -39,14 +40,35 @@ std::unique_ptr<TextSink> OpenText(const std::u16string& target, std::u16string&
     return target == kClipboardTarget ? MakeClipboardText() : CreateTextFile(target, InterfaceLanguage(), error);
 }
 
+/// Until all controls exist: input stays in the system's queue and posted commands in a list, as both may need them;
+/// all other messages are handled between the steps. False when the program ends.
+bool RunStart(frmQLMain& form, MSG& message) {
+    constexpr UINT noInput = PM_QS_PAINT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE;
+    std::vector<MSG> commands;
+    while (!form.IsComplete()) {
+        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | noInput) == FALSE) {
+            form.RunSlice();
+        } else if (message.message == WM_QUIT) {
+            return false;
+        } else if (message.message == WM_COMMAND) {
+            commands.push_back(message);
+        } else {
+            DispatchMessageW(&message);
+        }
+    }
+    for (const MSG& command : commands) DispatchMessageW(&command);
+    return true;
+}
+
 int RunMessages(frmQLMain& form) {
     MSG message{};
     const auto noneWaits = [&message] { return PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) == FALSE; };
-    for (;;) {
+    bool runs = RunStart(form, message);
+    while (runs) {
         while (noneWaits() && form.RunSlice()) {
         }
-        if (GetMessageW(&message, nullptr, 0, 0) <= 0) break;
-        if (form.PreTranslate(message)) continue;
+        runs = GetMessageW(&message, nullptr, 0, 0) > 0;
+        if (!runs || form.PreTranslate(message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
