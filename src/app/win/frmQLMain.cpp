@@ -230,6 +230,8 @@ void frmQLMain::OnActivate(UINT state) {
     if (!std::exchange(m_activated, true)) {
         // The waveform is drawn first, as the user waits for it; the rest is created even if drawing fails.
         try {
+            // The window's first WM_SIZE comes only after this message.
+            if (!m_layout.IsArranged()) Arrange();
             if (!m_firstPath.empty()) {
                 OpenPath(std::exchange(m_firstPath, {}));
             } else if (m_rooms.browser.FileCount() > 0) {
