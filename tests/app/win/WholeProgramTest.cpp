@@ -12,6 +12,7 @@
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "dialogs/OptionsLayout.h"
+#include "norvik/EdfBuilder.h"
 #include "norvik/win/Registry.h"
 #include "support/FakeRecording.h"
 #include "view/ScaleLabels.h"
@@ -222,7 +223,11 @@ class RandomActions : public MainWindowTest {
                 Command(entry.id + Below(entry.count));
                 break;
             }
-            case 4: ClickLine(lstFile, Below(4)); break;
+            case 4: {
+                const int list = Below(2) == 0 ? lstBlock : lstFile;
+                if (const auto lines = Lines(list).size(); lines > 0) ClickLine(list, Below(static_cast<int>(lines)));
+                break;
+            }
             case 5:
                 if (ItemCount() > 0) ClickCheckBox(Below(ItemCount()));
                 break;
@@ -237,6 +242,21 @@ class RandomActions : public MainWindowTest {
                     SetWindowPos(m_form->Window(), nullptr, 0, 0, 500 + Below(700), 300 + Below(500),
                                  SWP_NOMOVE | SWP_NOZORDER);
         }
+    }
+
+    /// 40 signals in four blocks of the same time.
+    [[nodiscard]] static auto RecordingOfThreeRates() {
+        EdfBuilder edf;
+        edf.recordCount = 20;
+        for (std::size_t at = 0; at < 40; ++at) {
+            EdfBuilder::Signal signal;
+            signal.label = "S" + std::to_string(at);
+            signal.samplesPerRecord = at < 35 ? 100 : at < 38 ? 8 : 1;
+            for (std::size_t sample = 0; sample < edf.recordCount * signal.samplesPerRecord; ++sample)
+                signal.samples.push_back(static_cast<std::int32_t>(sample * (at + 1) % 2000) - 1000);
+            edf.signals.push_back(std::move(signal));
+        }
+        return edf.Bytes();
     }
 
     /// Objects of the graphics system, windows, and handles of other kinds that this process has. The functions that
@@ -288,6 +308,9 @@ TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
     static_cast<void>(m_folder.Write(u"c.bin", FileBytes().Text("no recording")));
     static_cast<void>(
         m_folder.Write(u"d.bin", BinRecording(0.5F, {{1, -32768, 32767, 0}, {7, 0, 0, 0}, {9, 1, 2, 3}})));
+    const auto edf = RecordingOfThreeRates();
+    static_cast<void>(
+        m_folder.Write(u"e.edf", std::string_view(reinterpret_cast<const char*>(edf.data()), edf.size())));
     Start();
     DialogCloser closer;
     m_saveDialog->answer = [](SaveFileDialog&) { return false; };
