@@ -44,12 +44,11 @@ std::u16string VisiblePart(const TimeAxis& axis, char16_t separator) {
     return FormatPattern(static_cast<double>(share), u"0.0##%", separator);
 }
 
-std::u16string LaneScaleText(const ChannelLanes& lanes, std::int16_t channel, const PanelFacts& facts) {
-    const auto at = static_cast<std::size_t>(channel - 1);
+std::u16string LaneScaleText(const ChannelLanes& lanes, std::int16_t signal, const std::u16string& unit,
+                             const PanelFacts& facts) {
     const std::vector<LaneChannel> channels = lanes.Channels();
+    const auto at = static_cast<std::size_t>(signal - 1);
     if (at >= channels.size()) return {};
-    const auto number = static_cast<std::size_t>(facts.block.channelNumbers[at]);
-    const std::u16string& unit = facts.slots[number].unit;
     const std::u16string text =
         SingleNumberText(lanes.Scales().ValuesPerLane(channels[at]), facts.format.decimalSeparator);
     return facts.rawCodes || unit.empty() ? text : text + u' ' + unit;

@@ -32,8 +32,9 @@ struct PanelFacts {
     std::u16string laneScale{};  ///< see LaneScaleText; empty without lanes
 };
 
-/// "200 uV": what the height of a channel's lane (from 1) stands for.
-[[nodiscard]] std::u16string LaneScaleText(const ChannelLanes& lanes, std::int16_t channel, const PanelFacts& facts);
+/// "200 uV": what the height of a signal's lane (from 1) stands for.
+[[nodiscard]] std::u16string LaneScaleText(const ChannelLanes& lanes, std::int16_t signal, const std::u16string& unit,
+                                           const PanelFacts& facts);
 
 /// Texts of the panels that follow from the block; that of "Status" is left empty.
 [[nodiscard]] PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services);

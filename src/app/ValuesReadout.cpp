@@ -1,7 +1,10 @@
 #include "app/ValuesReadout.h"
 
+#include <algorithm>
+
 #include "app/StringIds.h"
 #include "base/Text.h"
+#include "data/ChannelSelection.h"
 
 namespace quillon {
 
@@ -9,23 +12,30 @@ ReadoutSource ValuesReadout::Source() const {
     ReadoutSource source{m_document.Block(), m_document.Slots(), m_format,
                          m_view.RawCodes(),  &m_view.Extremes(), m_view.UsesLanes()};
     if (m_view.UsesLanes()) source.document = &m_document;
+    if (m_view.UsesLanes()) source.signals = ShownSignals();
     source.others = m_view.OtherBlocks();
     return source;
 }
 
+std::vector<std::int16_t> ValuesReadout::ShownSignals() const {
+    if (!m_view.UsesLanes()) return ShownChannels(m_document.Block(), m_document.Slots());
+    std::vector<std::int16_t> signals = m_document.SignalOrder();
+    std::erase_if(signals, [this](std::int16_t signal) { return !m_document.IsShown(signal); });
+    const std::vector<std::int16_t> visible = ChannelsOf(m_view.GetLanes());
+    std::stable_partition(signals.begin(), signals.end(), [&](std::int16_t signal) {
+        return std::find(visible.begin(), visible.end(), signal) != visible.end();
+    });
+    return signals;
+}
+
 ValuesReadout::Basis ValuesReadout::PresentBasis() const {
-    Basis basis{{},
-                m_format,
-                m_view.RawCodes(),
-                m_settings.spectrum,
-                m_document.CurrentChannel(),
-                m_settings.window.spectrogramShown,
-                m_view.UsesLanes()};
-    const std::int16_t count = m_view.UsesLanes() ? m_document.SignalCount() : m_document.Block().channelCount;
-    for (std::int16_t signal = 1; signal <= count; ++signal) {
-        if (m_document.IsShown(signal)) basis.signals.push_back(signal);
-    }
-    return basis;
+    return {ShownSignals(),
+            m_format,
+            m_view.RawCodes(),
+            m_settings.spectrum,
+            m_document.CurrentChannel(),
+            m_settings.window.spectrogramShown,
+            m_view.UsesLanes()};
 }
 
 void ValuesReadout::Tell(Kind kind, const std::u16string& text) {

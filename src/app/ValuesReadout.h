@@ -68,6 +68,8 @@ class ValuesReadout {
     };
     [[nodiscard]] Basis PresentBasis() const;
     [[nodiscard]] ReadoutSource Source() const;
+    /// What is shown, in the order of the readout: in lanes those that are visible come first.
+    [[nodiscard]] std::vector<std::int16_t> ShownSignals() const;
     void Tell(Kind kind, const std::u16string& text);
 
     const Document& m_document;

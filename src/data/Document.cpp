@@ -111,7 +111,7 @@ void Document::LoadBlock(std::int16_t index) {
     EndSolo();
     KeepShown();
     m_currentChannel = 1;
-    m_block = ViewBlock{};
+    const ViewBlock before = std::exchange(m_block, ViewBlock{});
     m_file.currentBlockIndex = -1;
     if (index >= 0 && m_file.recording) {
         Resume([&] { m_block.block = m_file.recording->GetBlock(static_cast<std::int16_t>(index + 1)); });
@@ -119,6 +119,7 @@ void Document::LoadBlock(std::int16_t index) {
     }
     FillBlock();
     FindStretch();
+    m_coversTheSame = before.block != nullptr && Stretch::CoverTheSame(before, m_block);
 }
 
 void Document::KeepShown() {

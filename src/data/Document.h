@@ -82,6 +82,8 @@ class Document {
     /// when it is refused; it then stays open unchanged, and the library's LastErrorText gives the reason.
     bool Reload(const FileStamp& now);
 
+    /// Whether the loaded block covers the same stretch of the recording as the block that was loaded before it.
+    [[nodiscard]] bool CoversTheSame() const { return m_coversTheSame; }
     /// Whether the signals of the other blocks of the stretch are wanted. A change ends a solo.
     void SetAllSignals(bool all);
     [[nodiscard]] bool AllSignals() const { return m_allSignals; }
@@ -132,6 +134,7 @@ class Document {
     std::optional<ShownSignals> m_shownBeforeSolo;
     Stretch m_stretch;
     bool m_allSignals = false;
+    bool m_coversTheSame = false;
     std::optional<std::size_t> m_place;  ///< in its stretch, of the block whose flags the slots have
     std::int32_t m_marksVersion = 0;     ///< of the recording when the marks were loaded
     double m_marksShare = 0.0;           ///< that was read of it then

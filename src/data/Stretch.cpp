@@ -93,6 +93,13 @@ void Stretch::Clear() {
     m_place = 0;
 }
 
+bool Stretch::CoverTheSame(const ViewBlock& one, const ViewBlock& other) {
+    const auto extentOf = [](const ViewBlock& block) {
+        return Extent{block.block, block.startTime, block.sampleRate, block.sampleCount, block.channelCount};
+    };
+    return quillon::CoverTheSame(extentOf(one), extentOf(other));
+}
+
 int Stretch::CountSignals(Recording& recording, std::int16_t index, const ViewBlock& loaded) {
     return NeighboursOf(recording, index, loaded).signals;
 }

@@ -47,6 +47,8 @@ class Stretch {
     bool Find(Recording& recording, std::int16_t index, const ViewBlock& loaded, const UserServices& texts);
     /// The signals that the stretch has then, the loaded block's included; reads nothing.
     [[nodiscard]] static int CountSignals(Recording& recording, std::int16_t index, const ViewBlock& loaded);
+    /// Whether two blocks of a recording start at the same time and end together, see above.
+    [[nodiscard]] static bool CoverTheSame(const ViewBlock& one, const ViewBlock& other);
     /// There are no other blocks; which channels are shown is kept.
     void Clear();
 

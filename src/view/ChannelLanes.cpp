@@ -42,6 +42,18 @@ bool ChannelLanes::KnowsAll() const {
                        [&](const LaneChannel& channel) { return Scales().channels.contains(channel.key); });
 }
 
+void ChannelLanes::SignalsChosen(const Lanes& before) {
+    m_fitted = false;
+    const std::vector<std::int16_t> order = Order();
+    for (const Lane& lane : before) {
+        if (lane.channels.empty() || lane.channels.front() > m_document.Block().channelCount) continue;
+        const auto found = std::find(order.begin(), order.end(), lane.channels.front());
+        if (found == order.end()) continue;
+        m_settings.first = static_cast<std::int32_t>(found - order.begin());
+        return;
+    }
+}
+
 void ChannelLanes::FitOnce() {
     if (m_fitted || m_height < 1 || !IsUsed()) return;
     m_fitted = true;

@@ -36,6 +36,9 @@ class ChannelLanes {
     void LeaveBlock() { m_fitted = false; }
     /// There are other signals of the same stretch, or they have other numbers: those that are not known are fitted.
     void SignalsChanged() { m_fitted = KnowsAll(); }
+    /// The signals of the block or of its stretch are shown from now on: they are fitted like a new block. The first
+    /// visible lane of a channel that is there before and after stays the first one.
+    void SignalsChosen(const Lanes& before);
     /// Whether the graph shows lanes: they are on, and there are several signals.
     [[nodiscard]] bool IsUsed() const { return m_settings.on && m_document.SignalCount() > 1; }
     /// Fits a block that is shown in lanes for the first time, see FitTypical; reads its typical stretches.

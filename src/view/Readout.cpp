@@ -77,14 +77,13 @@ std::vector<Line> LinesOf(const ReadoutSource& source, ExtremesCache& unused) {
         }
         return lines;
     }
-    for (const std::int16_t number : source.document->SignalOrder()) {
+    for (const std::int16_t number : source.signals) {
         const Signal signal = source.document->GetSignal(number);
         const SceneBlock* of = &own;
         for (const SceneBlock& other : source.others) {
             if (&other.block == &signal.block) of = &other;
         }
-        if (signal.shown && &of->block == &signal.block)
-            lines.push_back({*of, signal.channel, signal.title, signal.unit});
+        if (&of->block == &signal.block) lines.push_back({*of, signal.channel, signal.title, signal.unit});
     }
     return lines;
 }

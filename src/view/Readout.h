@@ -23,10 +23,11 @@ struct ReadoutSource {
     bool rawCodes = false;              ///< codes instead of values
     ExtremesCache* extremes = nullptr;  ///< of the block; without it the extremes of a range are read
     bool titles = false;                ///< channels are named by their titles instead of their numbers
-    /// Where signals of other blocks are read out too, in the order of the recording: whose signals they are, and their
-    /// blocks.
+    /// Where signals of other blocks are read out too: whose signals they are, their blocks, and the shown signals in
+    /// the order of the readout.
     const Document* document = nullptr;
     SceneBlocks others{};
+    std::vector<std::int16_t> signals{};
 };
 
 /// A code as the value that is shown for it: in the channel's unit, or the code where raw codes are shown.

@@ -32,10 +32,16 @@ struct Selection {
 /// has at least one.
 [[nodiscard]] std::int32_t SampleUnder(const TimeAxis& axis, std::int32_t column);
 
+/// The sample whose point is nearest to a column: where a sample has several columns, its point is in the first one.
+[[nodiscard]] std::int32_t SampleNear(const TimeAxis& axis, std::int32_t column);
+
 /// The place at which a pixel column begins, in samples from the block's first one on; clamped to the block.
 [[nodiscard]] double PlaceUnder(const TimeAxis& axis, std::int32_t column);
 
 /// The columns that show a range of at least one sample, clipped to the graph; none if outside it.
 [[nodiscard]] std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples);
+
+/// The column of a sample's point (from 1); none if outside the graph.
+[[nodiscard]] std::optional<ColumnBand> PointBand(const TimeAxis& axis, std::int32_t sample);
 
 }  // namespace quillon

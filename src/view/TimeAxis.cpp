@@ -285,18 +285,24 @@ std::int32_t TimeAxis::PageShift(int command) const {
 }
 
 std::int32_t TimeAxis::ScrollValue() const {
-    if (m_length == 0) return 0;
-    const float share = static_cast<float>(m_first) / static_cast<float>(m_length);
+    if (LastScrolled() == 0) return 0;
+    const float share = std::min(static_cast<float>(m_first) / static_cast<float>(LastScrolled()), 1.0F);
     return RoundHalfEven<std::int16_t>(static_cast<double>(share) * kScrollMax);
 }
 
 bool TimeAxis::SetScrollValue(std::int32_t value) {
-    return MoveTo(RoundHalfEven(static_cast<double>(m_length) * std::clamp(value, 0, kScrollMax) / kScrollMax));
+    return MoveTo(RoundHalfEven(static_cast<double>(LastScrolled()) * std::clamp(value, 0, kScrollMax) / kScrollMax));
+}
+
+std::int32_t TimeAxis::LastScrolled() const {
+    return m_free ? std::max(m_length - m_width, 0) : m_length;
 }
 
 std::int32_t TimeAxis::ScrollPage() const {
     if (m_length <= m_width) return kScrollMax;
-    return std::max(RoundHalfEven(static_cast<double>(m_width) / m_length * kScrollMax), 1);
+    const std::int32_t whole = m_free ? m_length - m_width : m_length;
+    const double most = std::int64_t{kScrollMax} * 64;
+    return std::max(RoundHalfEven(std::min(static_cast<double>(m_width) / whole * kScrollMax, most)), 1);
 }
 
 }  // namespace quillon

@@ -114,10 +114,12 @@ class TimeAxis {
     /// Size of the scroll bar's thumb in its own units, so that it shows the visible share.
     [[nodiscard]] std::int32_t ScrollPage() const;
     /// Whether there is anything to scroll.
-    [[nodiscard]] bool CanScroll() const { return m_length >= 2; }
+    [[nodiscard]] bool CanScroll() const { return m_length >= 2 && (!m_free || m_length > m_width || m_first > 0); }
 
   private:
     bool MoveTo(std::int64_t column);
+    /// The first column at the end of the scroll bar: on a free axis the graph is full there.
+    [[nodiscard]] std::int32_t LastScrolled() const;
     void SetGrid(const ColumnGrid& grid);
     void TakeOver();
     void SetZoom(int index);

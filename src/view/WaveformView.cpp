@@ -55,7 +55,9 @@ void WaveformView::LeaveBlock() {
 
 void WaveformView::BlockLoaded() {
     const ViewBlock& block = m_document.Block();
-    if (m_extremes.BlockLoaded() && UsesLanes() && m_axis.IsFree()) {
+    // In lanes the time stays from block to block of a stretch, whether or not the others are shown.
+    const bool sameStretch = m_extremes.BlockLoaded() || m_document.CoversTheSame();
+    if (sameStretch && m_axis.IsFree()) {
         m_axis.SwitchBlock(block.sampleCount, block.sampleRate, m_extremes.Fastest());
         m_channelLanes.SignalsChanged();
     } else {
@@ -68,7 +70,7 @@ ViewChange WaveformView::SignalsChanged() {
     m_extremes.BlockLoaded();
     m_axis.SetFree(m_channelLanes.Settings().on);
     m_axis.SetFastest(m_extremes.Fastest());
-    m_channelLanes.SignalsChanged();
+    m_channelLanes.SignalsChosen(m_lanes);
     return Redraw();
 }
 

@@ -288,6 +288,24 @@ TEST_F(AllSignalsTest, AllSignalsComeAndGoWithoutAJump) {
     ASSERT_NO_FATAL_FAILURE(ExpectPlainColumns());
 }
 
+TEST_F(AllSignalsTest, TheTimeStaysInAStretchAlsoWithoutItsOtherSignals) {
+    Make({100, 10}, 60, 2);
+    m_document.SetAllSignals(false);
+    m_view.SignalsChanged();
+    m_view.SelectPage(10.0);
+    m_view.GoToPage(2);
+    const std::int32_t first = m_view.Axis().FirstColumn();
+    EXPECT_GT(first, 0);
+    LoadBlock(1);
+    EXPECT_EQ(m_view.Axis().FirstColumn(), first);
+    EXPECT_NEAR(m_view.Axis().PageSeconds(), 10.0, 1e-9);
+    LoadBlock(0);
+    EXPECT_EQ(m_view.Axis().FirstColumn(), first);
+    m_view.SetLanes(false);
+    LoadBlock(1);
+    EXPECT_EQ(m_view.Axis().FirstColumn(), 0) << "on one axis a block begins with its first page";
+}
+
 TEST_F(AllSignalsTest, ReadoutsTellTheSampleThatHolds) {
     Make({10, 4}, 5, 1);
     for (std::size_t block = 0; block < 2; ++block) {
@@ -297,6 +315,7 @@ TEST_F(AllSignalsTest, ReadoutsTellTheSampleThatHolds) {
     ReadoutSource source{m_document.Block(), m_document.Slots(), m_format, true, &m_view.Extremes(), true};
     source.document = &m_document;
     source.others = m_view.OtherBlocks();
+    source.signals = {1, 2};
     EXPECT_EQ(HoverReadout(source, 13), u"X:\t1.2 s\r\nTa:\t 12\r\nTb:\t 4\r\n");
     EXPECT_EQ(HoverReadout(source, 13, 12.6), u"X:\t1.2 s\r\nTa:\t 12\r\nTb:\t 5\r\n");
     // 1.2 s to 1.9 s: of the slow one the samples at 1.25, 1.5 and 1.75 s.
@@ -306,8 +325,9 @@ TEST_F(AllSignalsTest, ReadoutsTellTheSampleThatHolds) {
     ReadoutSource slow{m_document.Block(), m_document.Slots(), m_format, true, &m_view.Extremes(), true};
     slow.document = &m_document;
     slow.others = m_view.OtherBlocks();
+    slow.signals = m_document.SignalOrder();
     EXPECT_EQ(HoverReadout(slow, 6, 5.5), u"X:\t1.25 s\r\nTa:\t 13\r\nTb:\t 5\r\n") << "in the order of the file";
-    m_document.Show(2, false);
+    slow.signals = {1};
     EXPECT_EQ(HoverReadout(slow, 6), u"X:\t1.25 s\r\nTb:\t 5\r\n");
 }
 

@@ -207,6 +207,35 @@ TEST_F(FreeViewTest, BackRestoresViewsExactly) {
     EXPECT_GT(Visible().count, 0);
 }
 
+TEST_F(FreeViewTest, TheScrollBarEndsWhereTheGraphIsFull) {
+    m_view.FitBlock();
+    EXPECT_FALSE(m_axis.CanScroll());
+    EXPECT_EQ(m_view.ScrollBy(20).scrolled, 0);
+    m_view.SelectPage(10.0);
+    EXPECT_TRUE(m_axis.CanScroll());
+    m_view.SetScrollValue(TimeAxis::kScrollMax);
+    EXPECT_EQ(Visible().End(), 100000);
+    EXPECT_EQ(m_axis.ScrollValue(), TimeAxis::kScrollMax);
+    const double share = m_axis.ScrollPage() / static_cast<double>(m_axis.ScrollPage() + TimeAxis::kScrollMax);
+    EXPECT_NEAR(share, static_cast<double>(m_axis.Width()) / m_axis.StripLength(), 1e-3);
+    m_view.GoToPage(0);
+    m_view.GoToPage(3);
+    EXPECT_EQ(m_axis.FirstColumn() % m_axis.Width(), 0) << "pages stay pages";
+    EXPECT_EQ(m_axis.ScrollValue(), TimeAxis::kScrollMax);
+}
+
+TEST_F(FreeViewTest, TheNearestPointIsRead) {
+    m_view.SelectPage(0.5);  // 50 samples, of ten columns each
+    EXPECT_EQ(SampleNear(m_axis, 34), 4);
+    EXPECT_EQ(SampleNear(m_axis, 36), 5);
+    EXPECT_EQ(SampleNear(m_axis, 499), 51);
+    EXPECT_EQ(PointBand(m_axis, 5), (ColumnBand{40, 40}));
+    EXPECT_EQ(PointBand(m_axis, 51), std::nullopt);
+    m_view.SelectPage(100.0);
+    EXPECT_EQ(SampleNear(m_axis, 36), SampleUnder(m_axis, 36));
+    EXPECT_EQ(PointBand(m_axis, 741), BandOf(m_axis, {740, 1}));
+}
+
 TEST_F(FreeViewTest, ASelectionsEndMovesBySamplesAndStaysInView) {
     m_view.SelectPage(0.1);  // ten samples, of fifty columns each
     m_view.Select(5, 8);

@@ -352,13 +352,17 @@ void GraphPane::Wheel(int delta, GraphZone zone, const GraphPointer& pointer) {
 
 void GraphPane::Hover(int x, int y) {
     if (!m_hover.StaysIn(m_graph.Window(), Pointer(), {x, y})) return;
-    ReadOut(SampleUnder(m_view.Axis(), x), x, y);
+    ReadOut(SampleNear(m_view.Axis(), x), x, y);
     Point(m_titles.ChannelAt(y));
 }
 
 void GraphPane::HoverAgain() {
-    if (m_hover.Picture() != nullptr && m_hover.Picture() == m_graph.Window() && !HasGesture())
-        Hover(static_cast<int>(m_hover.Point().x), static_cast<int>(m_hover.Point().y));
+    if (m_hover.Picture() == nullptr || m_hover.Picture() != m_graph.Window() || HasGesture()) return;
+    // The graph may have been moved under the pointer.
+    POINT at{};
+    GetCursorPos(&at);
+    ScreenToClient(m_graph.Window(), &at);
+    Hover(static_cast<int>(at.x), static_cast<int>(at.y));
 }
 
 std::optional<std::int32_t> GraphPane::HoveredSample() const {
@@ -377,7 +381,7 @@ void GraphPane::OpenContextMenu() const {
 }
 
 void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
-    ShowCursor(BandOf(m_view.Axis(), {sample - 1, 1}));
+    ShowCursor(PointBand(m_view.Axis(), sample));
     const auto mark = m_painter.MarkAt(Scene(), x, row);
     onHover(sample, PlaceUnder(m_view.Axis(), x), mark ? m_document.Block().marks[*mark].text : std::u16string());
 }

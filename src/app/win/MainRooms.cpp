@@ -63,7 +63,7 @@ void MainRooms::WireGraph() {
     graph.onBusy = [this] { return longCommand.IsBusy(); };
     graph.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
-        graph.ShowCursor(BandOf(view.Axis(), {sample - 1, 1}));
+        graph.ShowCursor(PointBand(view.Axis(), sample));
         m_values.TellSpectrum(sample, text);
     };
     spectrogram.onBusy = graph.onBusy;

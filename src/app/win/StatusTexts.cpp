@@ -15,7 +15,13 @@ void StatusTexts::ShowPanels() {
     const WaveformView& view = m_parts.view;
     const Document& document = m_parts.document;
     PanelFacts facts{document.Block(), document.Slots(), view.Axis(), m_parts.format, view.ScaleY(), view.RawCodes()};
-    if (view.UsesLanes()) facts.laneScale = LaneScaleText(view.LanesOfChannels(), document.CurrentChannel(), facts);
+    if (view.UsesLanes()) {
+        // The scale of a lane that is shown, if any.
+        std::int16_t signal = document.CurrentChannel();
+        const std::vector<std::int16_t> visible = ChannelsOf(view.GetLanes());
+        if (!document.IsShown(signal) && !visible.empty()) signal = visible.front();
+        facts.laneScale = LaneScaleText(view.LanesOfChannels(), signal, document.GetSignal(signal).unit, facts);
+    }
     m_status.ShowPanels(BlockPanels(facts, m_parts.services));
 }
 
