@@ -27,13 +27,15 @@ std::vector<double> MakePages() {
             if (page < below) pages.push_back(page);
         }
     };
-    for (double divisor = 1e9; divisor > 1.0; divisor /= 10.0) {
-        for (const double mantissa : kMantissas) pages.push_back(std::nearbyint(mantissa * 10.0) / (divisor * 10.0));
+    constexpr std::int64_t most = 1'000'000'000;
+    for (std::int64_t divisor = most; divisor > 1; divisor /= 10) {
+        for (const double mantissa : kMantissas)
+            pages.push_back(std::nearbyint(mantissa * 10.0) / static_cast<double>(divisor * 10));
     }
     for (const double scale : {1.0, 10.0}) add(scale, 1.0, kMinute);
     for (const double scale : {1.0, 10.0}) add(scale, kMinute, kHour);
     for (const double scale : {1.0, 10.0}) add(scale, kHour, kDay);
-    for (double scale = 1.0; scale < 1e9; scale *= 10.0) add(scale, kDay, 1e15);
+    for (std::int64_t scale = 1; scale < most; scale *= 10) add(static_cast<double>(scale), kDay, 1e15);
     return pages;
 }
 

@@ -110,7 +110,8 @@ bool TimeAxis::CanZoom(bool in) const {
 double TimeAxis::LeastPage() const {
     constexpr std::int64_t mostColumns = std::numeric_limits<std::int32_t>::max();
     const std::int64_t columns = std::int64_t{std::max(m_fastest, 1)} * m_width;
-    return static_cast<double>((columns + mostColumns - 1) / mostColumns) * ShareOfFastest();
+    const std::int64_t atLeast = (columns + mostColumns - 1) / mostColumns;
+    return static_cast<double>(atLeast) * ShareOfFastest();
 }
 
 double TimeAxis::ShareOfFastest() const {

@@ -381,9 +381,12 @@ void GraphPane::OpenContextMenu() const {
 }
 
 void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
-    ShowCursor(PointBand(m_view.Axis(), sample));
+    // Signals of other blocks are read out at the column, which may be far from the point of a slow one's sample.
+    const TimeAxis& axis = m_view.Axis();
+    const bool atColumn = !m_view.OtherBlocks().empty() && axis.Grid().ShowsEverySample() && x >= 0 && x < axis.Width();
+    ShowCursor(atColumn ? ColumnBand{x, x} : PointBand(axis, sample));
     const auto mark = m_painter.MarkAt(Scene(), x, row);
-    onHover(sample, PlaceUnder(m_view.Axis(), x), mark ? m_document.Block().marks[*mark].text : std::u16string());
+    onHover(sample, PlaceUnder(axis, x), mark ? m_document.Block().marks[*mark].text : std::u16string());
 }
 
 }  // namespace quillon

@@ -90,8 +90,8 @@ GraphZone LaneTitles::ZoneAt(HWND strip, std::int32_t x, std::int32_t y) const {
     RECT client{};
     GetClientRect(strip, &client);
     const WindowDC dc(strip);
-    const std::vector<LaneLabel> labels = LaneLabels(m_view.LanesOfChannels(), m_view.GetLanes(),
-                                                     Strip(dc.Get(), static_cast<int>(client.right)));
+    const std::vector<LaneLabel> labels =
+        LaneLabels(m_view.LanesOfChannels(), m_view.GetLanes(), Strip(dc.Get(), static_cast<int>(client.right)));
     return IsOnTitle(labels, x, y) ? GraphZone::LaneTitles : GraphZone::AmplitudeScale;
 }
 
