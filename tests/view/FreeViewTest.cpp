@@ -23,16 +23,6 @@ class FreeViewTest : public ViewFixture {
         block->rate = rate;
         return block;
     }
-    void Open(std::shared_ptr<FakeBlock> block) {
-        const auto recording = std::make_shared<FakeRecording>();
-        recording->name = u"C:\\b.fake";
-        recording->blocks = {std::move(block)};
-        m_library.files[recording->name] = recording;
-        m_document.OpenFile(recording->name, {});
-        m_view.LeaveBlock();
-        m_view.BlockLoaded();
-        m_view.Arrange(500, 400);
-    }
     [[nodiscard]] SampleSpan Visible() const { return m_axis.Visible(); }
     std::mt19937 m_random{41};
 };
@@ -65,7 +55,7 @@ TEST_F(FreeViewTest, ChangingBetweenOneAxisAndLanesKeepsThePlace) {
 
 TEST_F(FreeViewTest, PagesAreExactAndEpochsStayEpochs) {
     for (const double rate : {100.0, 199.98, 1.0, 4096.5}) {
-        Open(Make(2, 100000, rate));
+        Load(Make(2, 100000, rate));
         const double seconds = 30.0;
         m_view.SelectPage(seconds);
         const double page = std::min(seconds * rate, 100000.0);
@@ -89,7 +79,7 @@ TEST_F(FreeViewTest, ThePageIsRememberedAcrossBlocksAndFiles) {
     EXPECT_NEAR(m_axis.ChosenPage(), 5.0, 1e-9) << "taken over from one sample per column";
     m_view.SelectPage(10.0);
     const auto page = [&](std::size_t channels, std::int32_t samples, double rate) {
-        Open(Make(channels, samples, rate));
+        Load(Make(channels, samples, rate));
         return m_axis.PageSeconds();
     };
     EXPECT_EQ(page(2, 100000, 256.0), 10.0);
@@ -128,7 +118,7 @@ TEST_F(FreeViewTest, FitsAreExact) {
         const auto band = BandOf(m_axis, {first - 1, count});
         ASSERT_TRUE(band->left <= 1 + columns && band->right >= 498 - columns) << count;
     }
-    Open(Make(2, 3, 100.0));
+    Load(Make(2, 3, 100.0));
     m_view.FitBlock();
     EXPECT_EQ(Visible(), (SampleSpan{0, 3}));
     EXPECT_EQ(m_axis.StripLength(), 500) << "the whole block, even at more than fifty columns per sample";
@@ -198,10 +188,10 @@ TEST_F(FreeViewTest, BackRestoresViewsExactly) {
     }
     const WaveformView::State state = m_view.Keep();
     const auto seen = Visible();
-    Open(std::static_pointer_cast<FakeBlock>(m_document.Block().block));
+    Load(std::static_pointer_cast<FakeBlock>(m_document.Block().block));
     m_view.Restore(state);
     EXPECT_EQ(Visible(), seen) << "after a reload";
-    Open(Make(1, 100000, 100.0));
+    Load(Make(1, 100000, 100.0));
     m_view.Restore(state);
     EXPECT_EQ(Visible().first, seen.first) << "the recording has one channel now";
     EXPECT_GT(Visible().count, 0);
