@@ -21,7 +21,7 @@ class FrameStretch {
     /// The usual runs, multiples of 100, are made of whole groups.
     static constexpr std::size_t kGroupVectors = [] {
         if (Lanes::kCount == 8) return Channels == 0 ? 20 : 10;
-        return Channels < 5 ? 4 : Channels == 5 ? 7 : 10;
+        return Channels == 0 ? 10 : Channels < 5 ? 4 : Channels == 5 ? 7 : 10;
     }();
     static constexpr std::size_t kGroupFrames = kGroupVectors * kFramesInVector;
     /// In fewer frames both extremes are in one group so often that frame by frame is the faster way.
@@ -52,6 +52,7 @@ class FrameStretch {
     }
 
   private:
+    using Vector = typename Lanes::Vector;
     using Search =
         std::conditional_t<Lanes::kCount == 16 && Channels != 0, TwinSearch<Lanes, Channels>, LaneSearch<Lanes>>;
 
@@ -66,20 +67,41 @@ class FrameStretch {
         }
         return range;
     }
+    /// Where a group starts. The last group overlaps the one before it: a sample seen twice changes nothing.
+    struct Groups {
+        const std::int16_t* samples;
+        std::size_t count;  ///< frames
+        std::size_t width;
+
+        const std::int16_t* operator()(std::size_t group) const {
+            return samples + std::min(group * kGroupFrames, count - kGroupFrames) * width;
+        }
+    };
+    // A class, because lambdas in templates are not compiled for the processor that these are compiled for.
+    struct MinimumFirst {
+        Groups groups;
+
+        Vector operator()(std::size_t group, Vector maximum, Vector minimum) const {
+            const std::size_t width = Channels == 0 ? groups.width : Channels;
+            // Backwards, so that the first occurrence has the last word.
+            const std::int16_t* at = groups(group) + kGroupFrames * width;
+            Vector order = Lanes::Zero();
+#pragma GCC unroll 10
+            for (std::size_t frame = 0; frame < kGroupFrames; ++frame) {
+                at -= width;
+                const Vector samples = Lanes::Load(at);
+                order = Lanes::AndNot(Lanes::Equal(samples, maximum), Lanes::Or(order, Lanes::Equal(samples, minimum)));
+            }
+            return order;
+        }
+    };
     [[nodiscard]] LaneExtremes<Lanes> ReduceColumn(const std::int16_t* frames, std::size_t count,
                                                    const FrameColumn& column, bool isFirst) const {
-        // The last group overlaps the one before it: a sample seen twice changes nothing.
-        const auto start = [&](std::size_t group) {
-            return frames + std::min(group * kGroupFrames, count - kGroupFrames) * Width() + column.channel;
-        };
-        auto search = Search::Of(GroupRange(start(0), isFirst));
+        const Groups groups{frames + column.channel, count, Width()};
+        auto search = Search::Of(GroupRange(groups(0), isFirst));
         for (std::size_t group = 1; group * kGroupFrames < count; ++group)
-            search.Add(GroupRange(start(group), isFirst), Lanes::Fill(static_cast<std::int16_t>(group)));
-        return search.Result(column.wanted, [&](std::size_t lane, std::size_t group, const Extremes& values) {
-            const std::int16_t* at = start(group) + lane;
-            while (*at != values.maximum && *at != values.minimum) at += Width();
-            return *at == values.minimum;
-        });
+            search.Add(GroupRange(groups(group), isFirst), Lanes::Fill(static_cast<std::int16_t>(group)));
+        return search.Result(column.wanted, MinimumFirst{groups});
     }
 
     std::size_t m_channels;

@@ -68,9 +68,29 @@ struct LaneSearch {
         minimumAt = Lanes::Max(minimumAt, Lanes::And(lower, number));
     }
     /// The result of the lanes that `wanted` has bits for, as Lanes::Bits; others have no order. Where both extremes
-    /// are in one group, minimumFirst(lane, group, values) has to find it.
+    /// of a lane are in one group, minimumFirst(group, maximum, minimum) has to find which of them comes first, for all
+    /// lanes at once.
     template <typename MinimumFirst>
     [[nodiscard]] LaneExtremes<Lanes> Result(std::uint32_t wanted, const MinimumFirst& minimumFirst) const {
+        LaneExtremes<Lanes> result{maximum, minimum, Lanes::Greater(maximumAt, minimumAt)};
+        // The order of equal extremes is known: the maximum is first.
+        const Vector open = Lanes::AndNot(Lanes::Equal(maximum, minimum), Lanes::Equal(maximumAt, minimumAt));
+        std::uint32_t lanes = Lanes::Bits(open) & wanted;
+        if (lanes == 0) return result;
+        std::int16_t groups[Lanes::kCount];
+        Lanes::Store(groups, maximumAt);
+        while (lanes != 0) {
+            const std::int16_t group = groups[std::countr_zero(lanes) / 2];
+            const Vector here = Lanes::And(open, Lanes::Equal(maximumAt, Lanes::Fill(group)));
+            const Vector found = minimumFirst(static_cast<std::size_t>(group), maximum, minimum);
+            result.order = Lanes::Or(result.order, Lanes::And(here, found));
+            lanes &= ~Lanes::Bits(here);
+        }
+        return result;
+    }
+    /// As Result for lanes that must be looked at one by one, by minimumFirst(lane, group, values).
+    template <typename MinimumFirst>
+    [[nodiscard]] LaneExtremes<Lanes> ResultByLane(std::uint32_t wanted, const MinimumFirst& minimumFirst) const {
         LaneExtremes<Lanes> result{maximum, minimum, Lanes::Greater(maximumAt, minimumAt)};
         // The order of equal extremes is known: the maximum is first.
         const Vector open = Lanes::AndNot(Lanes::Equal(maximum, minimum), Lanes::Equal(maximumAt, minimumAt));

@@ -132,7 +132,7 @@ LaneExtremes<Lanes> SideBySide<Lanes, Channels>::ReduceGroups(const std::int16_t
             search.Add(range, Lanes::Fill(static_cast<std::int16_t>(group)));
         }
     }
-    return search.Result(~std::uint32_t{0}, OrderInGroup{sources, groups});
+    return search.ResultByLane(~std::uint32_t{0}, OrderInGroup{sources, groups});
 }
 
 }  // namespace quillon::nsp
