@@ -40,20 +40,23 @@ class FrameRuns final : public FrameKernel {
           m_columns(columns.columns),
           m_extremes(m_columns.size()),
           m_rows(columns.out),
+          m_unordered(ResultRows::kRuns * m_columns.size() + 1),
           m_stretch(channels) {}
     /// Samples per frame; a constant where that is known.
     [[nodiscard]] std::size_t Width() const { return Channels == 0 ? m_channels : Channels; }
+    /// Whole runs from the start of a piece, as many as fit the rows of results. Gives their number.
+    std::size_t FeedWholeRuns(const std::int16_t* frames, std::size_t frameCount);
     /// Adds frames to the run under way, at most those that it lacks.
     void AddSingly(const std::int16_t* frames, std::size_t count);
     template <std::size_t Count>
     void AddToColumns(std::size_t first, const std::int16_t* frames, std::size_t count);
     void RunDone() {
-        ExtremePair* pairs = m_rows.Next();
+        ExtremePair* pairs = m_rows.Next(0);
         for (const StoredExtremes<Lanes>& extremes : m_extremes) {
             extremes.Load().StorePairs(pairs);
             pairs += Lanes::kCount;
         }
-        m_rows.Added();
+        m_rows.Added(1);
         m_filled = 0;
     }
 
@@ -64,12 +67,18 @@ class FrameRuns final : public FrameKernel {
     std::vector<FrameColumn> m_columns;
     std::vector<StoredExtremes<Lanes>> m_extremes;  ///< of the run under way, by column
     ResultRows m_rows;                              ///< a slot for each lane of each column
+    std::vector<typename Stretch::Unordered> m_unordered;
     Stretch m_stretch;
 };
 
 template <typename Lanes, std::size_t Channels>
 void FrameRuns<Lanes, Channels>::Feed(const std::int16_t* frames, std::size_t frameCount) {
     while (frameCount > 0) {
+        if (const std::size_t runs = FeedWholeRuns(frames, frameCount); runs > 0) {
+            frames += runs * m_run * Width();
+            frameCount -= runs * m_run;
+            continue;
+        }
         const std::size_t part = std::min({frameCount, m_run - m_filled, m_stretch.MostFrames()});
         // Frames of the part whose vectors reach past the piece.
         const std::size_t last = std::min(part, m_unreadable - std::min(m_unreadable, frameCount - part));
@@ -89,6 +98,18 @@ void FrameRuns<Lanes, Channels>::Feed(const std::int16_t* frames, std::size_t fr
         frameCount -= part;
     }
     m_rows.Write();
+}
+
+template <typename Lanes, std::size_t Channels>
+std::size_t FrameRuns<Lanes, Channels>::FeedWholeRuns(const std::int16_t* frames, std::size_t frameCount) {
+    if (m_filled > 0 || m_run < Stretch::kLeastFrames || m_run > m_stretch.MostFrames()) return 0;
+    const std::size_t runs = std::min((frameCount - std::min(frameCount, m_unreadable)) / m_run, m_rows.Room());
+    typename Stretch::Unordered* end = m_unordered.data();
+    for (std::size_t run = 0; run < runs; ++run)
+        m_stretch.AddRun(frames + run * m_run * Width(), m_run, m_columns, m_rows.Next(run), end);
+    for (const auto* left = m_unordered.data(); left != end; ++left) m_stretch.Order(*left, m_run);
+    m_rows.Added(runs);
+    return runs;
 }
 
 template <typename Lanes, std::size_t Channels>

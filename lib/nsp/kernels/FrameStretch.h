@@ -21,7 +21,7 @@ class FrameStretch {
     /// The usual runs, multiples of 100, are made of whole groups.
     static constexpr std::size_t kGroupVectors = [] {
         if (Lanes::kCount == 8) return Channels == 0 ? 20 : 10;
-        return Channels == 0 ? 10 : Channels < 5 ? 4 : Channels == 5 ? 7 : 10;
+        return Channels == 0 ? 10 : Channels < 5 ? 5 : Channels == 5 ? 7 : 10;
     }();
     static constexpr std::size_t kGroupFrames = kGroupVectors * kFramesInVector;
     /// In fewer frames both extremes are in one group so often that frame by frame is the faster way.
@@ -51,10 +51,43 @@ class FrameStretch {
         }
     }
 
+    /// A column of a run.
+    struct Unordered {
+        StoredExtremes<Lanes> result;
+        std::int16_t groups[Lanes::kCount];
+        std::uint32_t open;  ///< lanes, as Lanes::Bits
+        const std::int16_t* samples;
+        ExtremePair* pairs;
+    };
+    /// A whole run of kLeastFrames to MostFrames() frames: its results but for the order of lanes that have both
+    /// extremes in one group, which are added to `unordered`. Looked at here, they would hold up the runs that follow.
+    void AddRun(const std::int16_t* frames, std::size_t count, const std::vector<FrameColumn>& columns,
+                ExtremePair* pairs, Unordered*& unordered) const {
+        for (const FrameColumn& column : columns) {
+            const Groups groups{frames + column.channel, count, Width()};
+            const Search search = SearchGroups(groups, &column == columns.data());
+            std::uint32_t open = 0;
+            const LaneExtremes<Lanes> result = search.Unordered(column.wanted, open, unordered->groups);
+            result.StorePairs(pairs);
+            unordered->result.Store(result);
+            unordered->open = open;
+            unordered->samples = groups.samples;
+            unordered->pairs = pairs;
+            unordered += open != 0 ? 1 : 0;
+            pairs += Lanes::kCount;
+        }
+    }
+    /// Orders what AddRun has left.
+    void Order(const Unordered& run, std::size_t count) const {
+        LaneExtremes<Lanes> result = run.result.Load();
+        LaneSearch<Lanes>::FindOrder(result, run.open, run.groups, MinimumFirst{{run.samples, count, Width()}});
+        result.StorePairs(run.pairs);
+    }
+
   private:
     using Vector = typename Lanes::Vector;
-    using Search =
-        std::conditional_t<Lanes::kCount == 16 && Channels != 0, TwinSearch<Lanes, Channels>, LaneSearch<Lanes>>;
+    static constexpr bool kIsTwin = Lanes::kCount == 16 && Channels != 0;
+    using Search = std::conditional_t<kIsTwin, TwinSearch<Lanes, Channels>, LaneSearch<Lanes>>;
 
     /// Samples per frame; a constant where that is known.
     [[nodiscard]] std::size_t Width() const { return Channels == 0 ? m_channels : Channels; }
@@ -77,33 +110,40 @@ class FrameStretch {
             return samples + std::min(group * kGroupFrames, count - kGroupFrames) * width;
         }
     };
-    // A class, because lambdas in templates are not compiled for the processor that these are compiled for.
+    // Not a lambda: in templates those are not compiled for the same processor.
     struct MinimumFirst {
         Groups groups;
 
         Vector operator()(std::size_t group, Vector maximum, Vector minimum) const {
-            const std::size_t width = Channels == 0 ? groups.width : Channels;
-            // Backwards, so that the first occurrence has the last word.
-            const std::int16_t* at = groups(group) + kGroupFrames * width;
-            Vector order = Lanes::Zero();
-#pragma GCC unroll 10
-            for (std::size_t frame = 0; frame < kGroupFrames; ++frame) {
-                at -= width;
-                const Vector samples = Lanes::Load(at);
-                order = Lanes::AndNot(Lanes::Equal(samples, maximum), Lanes::Or(order, Lanes::Equal(samples, minimum)));
+            if constexpr (kIsTwin) {
+                return Search::template MinimumFirst<kGroupVectors>(groups(group), maximum, minimum);
+            } else {
+                const std::size_t width = Channels == 0 ? groups.width : Channels;
+                // Backwards, so that the first occurrence has the last word.
+                const std::int16_t* at = groups(group) + kGroupFrames * width;
+                Vector order = Lanes::Zero();
+#pragma GCC unroll 20
+                for (std::size_t frame = 0; frame < kGroupFrames; ++frame) {
+                    at -= width;
+                    const Vector samples = Lanes::Load(at);
+                    order = Lanes::Or(order, Lanes::Equal(samples, minimum));
+                    order = Lanes::AndNot(Lanes::Equal(samples, maximum), order);
+                }
+                return order;
             }
-            return order;
         }
     };
+    [[nodiscard]] Search SearchGroups(const Groups& groups, bool prefetch) const {
+        auto search = Search::Of(GroupRange(groups(0), prefetch));
+        for (std::size_t group = 1; group * kGroupFrames < groups.count; ++group)
+            search.Add(GroupRange(groups(group), prefetch), Lanes::Fill(static_cast<std::int16_t>(group)));
+        return search;
+    }
     [[nodiscard]] LaneExtremes<Lanes> ReduceColumn(const std::int16_t* frames, std::size_t count,
                                                    const FrameColumn& column, bool isFirst) const {
         const Groups groups{frames + column.channel, count, Width()};
-        auto search = Search::Of(GroupRange(groups(0), isFirst));
-        for (std::size_t group = 1; group * kGroupFrames < count; ++group)
-            search.Add(GroupRange(groups(group), isFirst), Lanes::Fill(static_cast<std::int16_t>(group)));
-        return search.Result(column.wanted, MinimumFirst{groups});
+        return SearchGroups(groups, isFirst).Result(column.wanted, MinimumFirst{groups});
     }
-
     std::size_t m_channels;
 };
 

@@ -14,7 +14,7 @@ class GroupFold {
   public:
     /// Of `Size` vectors from sample `at` on.
     template <std::size_t Size>
-    static LaneRange<Lanes> Of(const std::int16_t* const* sources, std::size_t at) {
+    [[gnu::always_inline]] static inline LaneRange<Lanes> Of(const std::int16_t* const* sources, std::size_t at) {
         return Join<Size, kInHalf>(sources, 1, at);
     }
 

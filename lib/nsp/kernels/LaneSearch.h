@@ -28,7 +28,10 @@ struct LaneRange {
         LaneRange parts[kParts];
 #pragma GCC unroll 20
         for (std::size_t i = 0; i < Count; ++i, samples += step) {
-            const Vector lanes = Lanes::Load(samples);
+            Vector lanes = Lanes::Load(samples);
+            // Read once: the compiler would read it for each of the two instructions, and half of the reads of frames
+            // that are not a power of two touch two cache lines.
+            asm("" : "+x"(lanes));
             if (i < kParts) {
                 parts[i] = {lanes, lanes};
             } else {
@@ -67,26 +70,37 @@ struct LaneSearch {
         maximumAt = Lanes::Max(maximumAt, Lanes::And(higher, number));
         minimumAt = Lanes::Max(minimumAt, Lanes::And(lower, number));
     }
-    /// The result of the lanes that `wanted` has bits for, as Lanes::Bits; others have no order. Where both extremes
-    /// of a lane are in one group, minimumFirst(group, maximum, minimum) has to find which of them comes first, for all
-    /// lanes at once.
+    /// The result but for the lanes whose extremes are in one group: they have bits in `open`, as Lanes::Bits, and no
+    /// order yet. Lanes that `wanted` has no bits for have none either. `groups` are those of the maxima.
+    [[nodiscard]] LaneExtremes<Lanes> Unordered(std::uint32_t wanted, std::uint32_t& open, std::int16_t* groups) const {
+        // The order of equal extremes is known: the maximum is first.
+        open = Lanes::Bits(Lanes::AndNot(Lanes::Equal(maximum, minimum), Lanes::Equal(maximumAt, minimumAt))) & wanted;
+        Lanes::Store(groups, maximumAt);
+        return {maximum, minimum, Lanes::Greater(maximumAt, minimumAt)};
+    }
+    /// The result of the lanes that `wanted` has bits for; others have no order. minimumFirst(group, maximum, minimum)
+    /// has to find, for all lanes at once, which extreme comes first in a group.
     template <typename MinimumFirst>
     [[nodiscard]] LaneExtremes<Lanes> Result(std::uint32_t wanted, const MinimumFirst& minimumFirst) const {
-        LaneExtremes<Lanes> result{maximum, minimum, Lanes::Greater(maximumAt, minimumAt)};
-        // The order of equal extremes is known: the maximum is first.
-        const Vector open = Lanes::AndNot(Lanes::Equal(maximum, minimum), Lanes::Equal(maximumAt, minimumAt));
-        std::uint32_t lanes = Lanes::Bits(open) & wanted;
-        if (lanes == 0) return result;
+        std::uint32_t open = 0;
         std::int16_t groups[Lanes::kCount];
-        Lanes::Store(groups, maximumAt);
-        while (lanes != 0) {
-            const std::int16_t group = groups[std::countr_zero(lanes) / 2];
-            const Vector here = Lanes::And(open, Lanes::Equal(maximumAt, Lanes::Fill(group)));
-            const Vector found = minimumFirst(static_cast<std::size_t>(group), maximum, minimum);
-            result.order = Lanes::Or(result.order, Lanes::And(here, found));
-            lanes &= ~Lanes::Bits(here);
-        }
+        LaneExtremes<Lanes> result = Unordered(wanted, open, groups);
+        FindOrder(result, open, groups, minimumFirst);
         return result;
+    }
+    /// Orders the open lanes of a result; `groups` are those of their extremes.
+    template <typename MinimumFirst>
+    static void FindOrder(LaneExtremes<Lanes>& result, std::uint32_t open, const std::int16_t* groups,
+                          const MinimumFirst& minimumFirst) {
+        const Vector at = Lanes::Load(groups);
+        while (open != 0) {
+            const std::int16_t group = groups[std::countr_zero(open) / 2];
+            const Vector here = Lanes::Equal(at, Lanes::Fill(group));
+            const Vector found = minimumFirst(static_cast<std::size_t>(group), result.maximum, result.minimum);
+            // Of lanes that are not open, the minimum's group tells.
+            result.order = Lanes::Or(result.order, Lanes::And(here, found));
+            open &= ~Lanes::Bits(here);
+        }
     }
     /// As Result for lanes that must be looked at one by one, by minimumFirst(lane, group, values).
     template <typename MinimumFirst>

@@ -31,6 +31,7 @@ struct Lanes16 {
     static Vector Fill(std::int16_t sample) { return _mm256_set1_epi16(sample); }
     static Vector Max(Vector a, Vector b) { return _mm256_max_epi16(a, b); }
     static Vector Min(Vector a, Vector b) { return _mm256_min_epi16(a, b); }
+    static Vector Add(Vector a, Vector b) { return _mm256_add_epi16(a, b); }
     static Vector Greater(Vector a, Vector b) { return _mm256_cmpgt_epi16(a, b); }
     static Vector Equal(Vector a, Vector b) { return _mm256_cmpeq_epi16(a, b); }
     static Vector And(Vector a, Vector b) { return _mm256_and_si256(a, b); }
@@ -71,6 +72,22 @@ struct Lanes16 {
         } else {
             return _mm256_srli_si256(high, 2 * (Places - 8));
         }
+    }
+
+    /// The first `Channels` lanes, at most 8, one time after the other.
+    template <std::size_t Channels>
+    static Vector Repeat(Vector v) {
+        struct Bytes {
+            alignas(32) std::int8_t of[2 * kCount];
+        };
+        static constexpr Bytes kBytes = [] {
+            Bytes bytes{};
+            for (std::size_t i = 0; i < 2 * kCount; ++i)
+                bytes.of[i] = static_cast<std::int8_t>(2 * (i / 2 % Channels) + i % 2);
+            return bytes;
+        }();
+        const Vector low = _mm256_permute4x64_epi64(v, 0x44);
+        return _mm256_shuffle_epi8(low, _mm256_load_si256(reinterpret_cast<const __m256i*>(kBytes.of)));
     }
 
     static Vector LoadSources(const std::int16_t* const* sources, std::size_t apart, std::size_t at) {

@@ -18,17 +18,20 @@ class ResultRows {
     ResultRows(const ResultRows&) = delete;
     ResultRows& operator=(const ResultRows&) = delete;
 
-    /// Where the results of the next run are to be put, by slot.
-    [[nodiscard]] ExtremePair* Next() { return &m_rows[m_runs * m_out.size()]; }
-    /// They have been put there.
-    void Added() {
-        if (++m_runs == kRuns) Write();
+    static constexpr std::size_t kRuns = 16;
+
+    /// Runs that there is room for, 1 to kRuns.
+    [[nodiscard]] std::size_t Room() const { return kRuns - m_runs; }
+    /// Where the results of a run that follows are to be put, by slot; the next one is number 0.
+    [[nodiscard]] ExtremePair* Next(std::size_t run) { return &m_rows[(m_runs + run) * m_out.size()]; }
+    /// Those of so many runs have been put there.
+    void Added(std::size_t runs) {
+        m_runs += runs;
+        if (m_runs == kRuns) Write();
     }
     void Write();
 
   private:
-    static constexpr std::size_t kRuns = 16;
-
     std::vector<ExtremePair*> m_out;
     std::vector<ExtremePair> m_rows;
     std::size_t m_runs = 0;
