@@ -44,6 +44,25 @@
 #define IDS_LANES_HINT 2036
 #define IDS_OTHER_SIGNALS 2038
 
+// Names of controls for those who do not see them.
+#define IDS_NAME_TABS_PATH 2060
+#define IDS_NAME_DRIVE 2061
+#define IDS_NAME_TABS_FILE 2062
+#define IDS_NAME_FILETYPE 2063
+#define IDS_NAME_GRAPH 2064
+#define IDS_NAME_TIME_SCALE 2065
+#define IDS_NAME_AMPLITUDE_SCALE 2066
+#define IDS_NAME_TIME_SCROLL 2067
+#define IDS_NAME_LEVEL_SCROLL 2068
+#define IDS_NAME_TIME_ZOOM 2069
+#define IDS_NAME_VALUES 2070
+#define IDS_NAME_STATUS 2071
+#define IDS_NAME_SPECTROGRAM 2072
+#define IDS_NAME_PALETTE 2073
+#define IDS_NAME_FREQUENCY_SCALE 2074
+#define IDS_NAME_TOOLS 2075
+#define IDS_NAME_PAGES 2076
+
 // Menu captions; those of an array follow each other.
 #define IDS_MENU_FILE 3000
 #define IDS_MENU_EDIT 3001

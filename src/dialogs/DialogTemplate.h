@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -47,6 +48,11 @@ class DialogTemplate {
         StartItem(style, extendedStyle, id, x, y, width, height);
         Text(windowClass);
         EndItem({});
+    }
+    /// A label of no size: the name of the list or field that follows, for programs that read the screen aloud.
+    void Name(std::u16string text) {
+        std::erase(text, u'&');
+        Item(kStatic, control::kNoPrefix, 0xFFFF, text, 0, 0, 0, 0);
     }
     /// A DLGTEMPLATE for the system.
     [[nodiscard]] const void* Get() const { return m_words.data(); }

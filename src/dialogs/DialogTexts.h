@@ -41,6 +41,7 @@
 #define IDS_OPT_FASTFILE 5261
 #define IDS_OPT_BROWSE 5262
 #define IDS_OPT_HELP 5263
+#define IDS_OPT_GRIDCOLOR 5264
 
 // The dialog that splits a block into files; options of an array follow each other.
 #define IDS_SPLIT_TITLE 5300

@@ -1,5 +1,7 @@
 #include "dialogs/OptionsLayout.h"
 
+#include <utility>
+
 #include "base/Text.h"
 #include "dialogs/DialogTexts.h"
 #include "view/CursorPicture.h"
@@ -13,7 +15,7 @@ struct PageItem {
     std::uint16_t windowClass;
     std::uint32_t style;
     int id;
-    int text;  ///< number of its caption, 0: none
+    int text;  ///< number of its caption, 0: none; of lists and fields of the name that is not seen
     short x;
     short y;
     short width;
@@ -42,16 +44,17 @@ constexpr PageItem kGeneral[] = {
     {kButton, kFirstOption, optTime, IDS_OPT_TIME_0, 12, 14, 136, 10},
     {kButton, kNextOption, optTime + 1, IDS_OPT_TIME_0 + 1, 12, 27, 136, 10},
     {kButton, kNextOption, optTime + 2, IDS_OPT_TIME_0 + 2, 12, 57, 136, 10},
-    {kCombo, kList, cboTime, 0, 24, 39, 84, 100},
+    {kCombo, kList, cboTime, IDS_OPT_TIME_0 + 1, 24, 39, 84, 100},
     {kButton, kFrame, frScale, IDS_OPT_SCALE, 158, 2, 150, 72},
     {kButton, kFirstOption, optScale, IDS_OPT_SCALE_0, 166, 14, 66, 10},
     {kButton, kNextOption, optScale + 1, IDS_OPT_SCALE_0 + 1, 234, 14, 68, 10},
     {kButton, kCheck, chkUnitScaling, IDS_OPT_UNITSCALING, 166, 28, 136, 10},
     {kButton, kFirstOption, optDigits, IDS_OPT_DIGITS_0, 166, 43, 98, 10},
     {kButton, kNextOption, optDigits + 1, IDS_OPT_DIGITS_0 + 1, 166, 57, 98, 10},
-    {kCombo, kList, cboDigits, 0, 266, 48, 36, 140},
+    {kCombo, kList, cboDigits, IDS_OPT_DIGITS_0 + 1, 266, 48, 36, 140},
     {kButton, kFrame, frGrid, IDS_OPT_GRID, 4, 78, 304, 32},
-    {kButton, control::kOwnerDrawn | control::kGroup | control::kTabStop, pbGridColor, 0, 12, 89, 26, 14},
+    {kButton, control::kOwnerDrawn | control::kGroup | control::kTabStop, pbGridColor, IDS_OPT_GRIDCOLOR, 12, 89, 26,
+     14},
     {kButton, kFirstOption, optGridStyle, IDS_OPT_GRID_0, 56, 91, 76, 10},
     {kButton, kNextOption, optGridStyle + 1, IDS_OPT_GRID_0 + 1, 136, 91, 76, 10},
     {kButton, kNextOption, optGridStyle + 2, IDS_OPT_GRID_0 + 2, 216, 91, 86, 10},
@@ -102,8 +105,8 @@ constexpr PageItem kExport[] = {
     {kButton, kFirstOption, optCh, IDS_OPT_CH_0, 166, 68, 136, 10},
     {kButton, kNextOption, optCh + 1, IDS_OPT_CH_0 + 1, 166, 82, 136, 10},
     {kButton, kFrame, frFastFile, IDS_OPT_FASTFILE, 4, 104, 304, 34},
-    {DialogTemplate::kEdit, control::kEditAutoScroll | control::kGroup | control::kTabStop, txtFastFile, 0, 12, 117,
-     236, 13},
+    {DialogTemplate::kEdit, control::kEditAutoScroll | control::kGroup | control::kTabStop, txtFastFile,
+     IDS_OPT_FASTFILE, 12, 117, 236, 13},
     {kButton, control::kPushButton | control::kGroup | control::kTabStop, cmdBrowse, IDS_OPT_BROWSE, 252, 116, 50, 14},
 };
 
@@ -185,6 +188,7 @@ DialogTemplate OptionsFrame(const UserServices& services) {
                 width - 97, row, 50, 14);
     dialog.Item(DialogTemplate::kButton, control::kTabStop | control::kPushButton, cmdHelp, text(IDS_OPT_HELP),
                 width - 43, row, 50, 14);
+    dialog.Name(text(IDS_DLG_OPTIONS));
     // Behind the pages in front of it, and therefore last in the tab order.
     dialog.Item(control::kTabClass, control::kGroup | control::kTabStop | control::kClipSiblings, tabOptions, 7, 7,
                 width, height, 0);
@@ -196,9 +200,12 @@ DialogTemplate OptionsPage(const UserServices& services, int page) {
                                             : page == 1 ? std::span<const PageItem>(kSpectrogram)
                                                         : std::span<const PageItem>(kExport);
     DialogTemplate dialog({}, kPageWidth, kPageHeight, DialogTemplate::kPage);
-    for (const PageItem& item : items)
-        dialog.Item(item.windowClass, item.style, item.id, item.text != 0 ? services.Text(item.text) : std::u16string(),
-                    item.x, item.y, item.width, item.height);
+    for (const PageItem& item : items) {
+        std::u16string text = item.text != 0 ? services.Text(item.text) : std::u16string();
+        const bool showsOther = item.windowClass == kCombo || item.windowClass == DialogTemplate::kEdit;
+        if (showsOther && !text.empty()) dialog.Name(std::exchange(text, {}));
+        dialog.Item(item.windowClass, item.style, item.id, text, item.x, item.y, item.width, item.height);
+    }
     return dialog;
 }
 

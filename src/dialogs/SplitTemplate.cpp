@@ -27,7 +27,9 @@ DialogTemplate MakeSplitTemplate(const UserServices& services, const std::u16str
     item(DialogTemplate::kButton, option, optSplit + 1, text(IDS_SPLIT_BY_0 + 1), 14, 48, 106, 10);
     for (short mode = 0; mode < 2; ++mode) {
         const auto y = static_cast<short>(27 + 19 * mode);
+        dialog.Name(text(IDS_SPLIT_SIZE));
         item(DialogTemplate::kComboBox, combo | kGroup, cboSize + mode, {}, 124, y, 60, 120);
+        dialog.Name(text(IDS_SPLIT_STEP));
         item(DialogTemplate::kComboBox, combo | kGroup, cboStep + mode, {}, 190, y, 60, 120);
     }
     item(DialogTemplate::kButton, group | kGroup, frFile, text(IDS_SPLIT_FORMAT), 7, 71, 250, 58);

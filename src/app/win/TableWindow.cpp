@@ -254,6 +254,7 @@ void ShowTable(HWND owner, TextTable shown, const TableUpdate& update) {
     // Final sizes are set when the texts have been measured. Until then the list is larger than any screen: once both
     // scroll bars are shown, each takes the room that makes the other one necessary.
     DialogTemplate dialog(table.title, 200, 100);
+    dialog.Name(table.title);
     dialog.Item(Narrow16(WC_LISTVIEWW), WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
                 kList, 7, 7, 5000, 5000);
     dialog.Item(DialogTemplate::kStatic, SS_NOPREFIX | SS_ENDELLIPSIS, kHeading, table.heading, 7, 7, 186, 8);
