@@ -4,6 +4,8 @@
 #include <array>
 #include <initializer_list>
 
+#include "view/ReadableColor.h"
+
 namespace quillon {
 
 namespace {
@@ -23,8 +25,9 @@ struct Point {
 /// A picture on a grid of 16 x 16 units. Later shapes cover earlier ones; each pixel is sampled at 4 x 4 points.
 class IconCanvas {
   public:
-    explicit IconCanvas(int size)
+    IconCanvas(int size, std::uint32_t background)
         : m_size(size),
+          m_background(background),
           m_colors(static_cast<std::size_t>(size) * static_cast<std::size_t>(size) * kSamples, 0),
           m_covered(m_colors.size(), false) {}
 
@@ -99,7 +102,8 @@ class IconCanvas {
     }
 
     template <typename Covers>
-    void Paint(std::uint32_t color, const Covers& covers) {
+    void Paint(std::uint32_t ofLight, const Covers& covers) {
+        const std::uint32_t color = Shown(ofLight);
         const double unit = 16.0 / m_size;
         std::size_t sample = 0;
         for (int row = 0; row < m_size; ++row) {
@@ -116,7 +120,14 @@ class IconCanvas {
         }
     }
 
+    /// What stands for a colour of the drawing.
+    [[nodiscard]] std::uint32_t Shown(std::uint32_t color) const {
+        if (!IsDark(m_background)) return color;
+        return color == kPaper ? m_background : Readable(color, m_background, color == kInk ? 10 : 4);
+    }
+
     int m_size;
+    std::uint32_t m_background;
     std::vector<std::uint32_t> m_colors;
     std::vector<bool> m_covered;
 };
@@ -205,6 +216,7 @@ void DrawFileIcons(IconCanvas& canvas, Icon icon) {
         case Icon::Folders:
             canvas.Fill({{1, 3}, {6, 3}, {7.5, 5}, {15, 5}, {15, 13.5}, {1, 13.5}}, kAmber);
             canvas.Fill({{1, 6.5}, {15, 6.5}, {15, 13.5}, {1, 13.5}}, 0xF2B84B);
+            canvas.Line({{1, 3}, {6, 3}, {7.5, 5}, {15, 5}, {15, 13.5}, {1, 13.5}, {1, 3}}, kInk, 1);
             break;
         default: break;
     }
@@ -246,8 +258,8 @@ void DrawMoveIcons(IconCanvas& canvas, Icon icon) {
 
 }  // namespace
 
-std::vector<std::uint32_t> DrawIcon(Icon icon, int size) {
-    IconCanvas canvas(size);
+std::vector<std::uint32_t> DrawIcon(Icon icon, int size, std::uint32_t background) {
+    IconCanvas canvas(size, background);
     DrawScaleIcons(canvas, icon);
     DrawFileIcons(canvas, icon);
     DrawMoveIcons(canvas, icon);

@@ -13,6 +13,7 @@
 #include "data/FileOperationPlan.h"
 #include "data/win/FileIdentity.h"
 #include "data/win/FileOperation.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -33,9 +34,16 @@ void BrowserPane::Attach(HWND parent, int dpi) {
     m_browser.Attach(GetDlgItem(parent, lstDrive), GetDlgItem(parent, lstDir), GetDlgItem(parent, lstFile));
     if (!m_pathList.Create(parent, pbPathList, *this, true))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
-    const int size = MulDiv(16, m_dpi, 96);
-    m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size)}, size);
+    // The Tab key goes from the drives to it.
+    SetWindowPos(m_pathList.Window(), GetDlgItem(parent, lstDrive), 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    DrawPictures();
     FillTypes(m_types);
+}
+
+void BrowserPane::DrawPictures() {
+    const int size = MulDiv(16, m_dpi, 96);
+    m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size, SystemColor(COLOR_BTNFACE))}, size);
 }
 
 void BrowserPane::KeepSettings() const {

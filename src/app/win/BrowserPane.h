@@ -41,6 +41,8 @@ class BrowserPane final : private PictureOwner {
     /// Lists the folder of the settings, or the current one, and watches it. Works before the controls exist.
     void Open(const TimerFactory& makeTimer);
     void Attach(HWND parent, int dpi);
+    /// Draws the picture of the button anew, for the colours that the system has now.
+    void DrawPictures();
     /// Ends the watch.
     void Close() { m_watch.reset(); }
     /// Remembers the folder.

@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "view/ReadableColor.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
 namespace {
 
-constexpr COLORREF kSeparatorColor = RGB(0xC8, 0xCC, 0xD2);
-constexpr COLORREF kPointedColor = RGB(0xFF, 0xFF, 0xFF);
-constexpr COLORREF kBarColor = RGB(0x50, 0x56, 0x60);
 constexpr int kMarker = 3;  ///< pixels at 96 dpi: the edge in the colour of the chosen channel
 
 void Invalidate(HWND strip) {
@@ -68,22 +66,28 @@ void LaneTitles::Paint(HDC dc, const RECT& client) const {
 }
 
 void LaneTitles::PaintLane(HDC dc, const RECT& client, const Lane& lane, const LaneLabel& label) const {
-    const COLORREF color = ColorOf(label.color);
-    if (label.channel == m_pointed) FillWith(dc, {0, lane.top, client.right, lane.End()}, kPointedColor);
+    const std::uint32_t face = SystemColor(label.channel == m_pointed ? COLOR_WINDOW : COLOR_BTNFACE);
+    const COLORREF color = ColorOf(IsDark(face) ? Readable(label.color, face, 4) : label.color);
+    const COLORREF text = GetSysColor(label.channel == m_pointed ? COLOR_WINDOWTEXT : COLOR_BTNTEXT);
+    const auto faded = [](double share) {
+        return ColorOf(Mixed(SystemColor(COLOR_BTNTEXT), SystemColor(COLOR_BTNFACE), share));
+    };
+    const COLORREF barColor = faded(0.3);
+    if (label.channel == m_pointed) FillWith(dc, {0, lane.top, client.right, lane.End()}, ColorOf(face));
     if (label.channel == m_document.CurrentChannel())
         FillWith(dc, {0, lane.top, MulDiv(kMarker, ScreenDpi(), 96), lane.End()}, color);
-    if (lane.top > 0) FillWith(dc, {0, lane.top, client.right, lane.top + 1}, kSeparatorColor);
+    if (lane.top > 0) FillWith(dc, {0, lane.top, client.right, lane.top + 1}, faded(0.8));
     DrawStripText(dc, label.title, color);
-    DrawStripText(dc, label.factor, kBarColor);
+    DrawStripText(dc, label.factor, text);
     if (!label.bar) return;
     const ScaleBar& bar = *label.bar;
     // Caps at its ends say that it is a measure.
     const int line = std::max(MulDiv(1, ScreenDpi(), 96), 1);
     const int cap = 2 * line;
-    FillWith(dc, {bar.x, bar.top, bar.x + line, bar.end}, kBarColor);
-    FillWith(dc, {bar.x - cap, bar.top, bar.x + line + cap, bar.top + line}, kBarColor);
-    FillWith(dc, {bar.x - cap, bar.end - line, bar.x + line + cap, bar.end}, kBarColor);
-    DrawStripText(dc, bar.text, kBarColor);
+    FillWith(dc, {bar.x, bar.top, bar.x + line, bar.end}, barColor);
+    FillWith(dc, {bar.x - cap, bar.top, bar.x + line + cap, bar.top + line}, barColor);
+    FillWith(dc, {bar.x - cap, bar.end - line, bar.x + line + cap, bar.end}, barColor);
+    DrawStripText(dc, bar.text, text);
 }
 
 GraphZone LaneTitles::ZoneAt(HWND strip, std::int32_t x, std::int32_t y) const {

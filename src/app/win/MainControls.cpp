@@ -84,6 +84,49 @@ void MakeBars(HWND window, HFONT font) {
     SetWindowPos(GetDlgItem(window, pbGraph), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
+void NameControls(HWND window, const UserServices& services) {
+    struct Name {
+        int control;
+        int text;
+        bool isLabel;
+    };
+    constexpr Name names[] = {{tbMain, IDS_NAME_TOOLS, false},         {tbGoTo, IDS_NAME_PAGES, false},
+                              {tabPath, IDS_NAME_TABS_PATH, true},     {lstDrive, IDS_NAME_DRIVE, true},
+                              {pbPathList, IDS_TIP_PATHLIST, false},   {lstDir, IDS_TAB_FOLDERS, true},
+                              {lvCh, IDS_TAB_CHANNELS, true},          {tabFile, IDS_NAME_TABS_FILE, true},
+                              {cboFileType, IDS_NAME_FILETYPE, true},  {lstFile, IDS_TAB_FILES, true},
+                              {lstBlock, IDS_TAB_BLOCKS, true},        {pbGraph, IDS_NAME_GRAPH, false},
+                              {pbScaleX, IDS_NAME_TIME_SCALE, false},  {pbScaleY, IDS_NAME_AMPLITUDE_SCALE, false},
+                              {scScaleX, IDS_NAME_TIME_SCROLL, false}, {scScaleY, IDS_NAME_LEVEL_SCROLL, false},
+                              {btnZoomX, IDS_NAME_TIME_ZOOM, false},   {pnValues, IDS_NAME_VALUES, false},
+                              {sbInfo, IDS_NAME_STATUS, true},         {pbFFT, IDS_NAME_SPECTROGRAM, false},
+                              {pbPal, IDS_NAME_PALETTE, false},        {pbScaleF, IDS_NAME_FREQUENCY_SCALE, false}};
+    for (const Name& name : names) {
+        const HWND control = GetDlgItem(window, name.control);
+        const std::wstring text = Wide(services.Text(name.text));
+        if (!name.isLabel) {
+            SetWindowTextW(control, text.c_str());
+            continue;
+        }
+        const HWND label = CreateWindowExW(0, WC_STATICW, text.c_str(), WS_CHILD | WS_VISIBLE | SS_NOPREFIX, 0, 0, 0, 0,
+                                           window, nullptr, GetModuleHandleW(nullptr), nullptr);
+        const HWND before = GetWindow(control, GW_HWNDPREV);
+        SetWindowPos(label, before != nullptr ? before : HWND_TOP, 0, 0, 0, 0,
+                     SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    }
+}
+
+void PassColors(HWND window) {
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM) -> BOOL {
+            SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+            return TRUE;
+        },
+        0);
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
 void AddToolTip(HWND control, const std::u16string& text) {
     const HWND window = GetParent(control);
     const HWND tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0, 0,

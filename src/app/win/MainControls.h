@@ -19,6 +19,13 @@ namespace quillon {
 void MakeLists(HWND window, HFONT font, const UserServices& services);
 void MakeBars(HWND window, HFONT font);
 
+/// Gives every control a name for programs that read the screen aloud: a text of its own, or before lists, whose text
+/// is that of their items, a label of no size.
+void NameControls(HWND window, const UserServices& services);
+
+/// The system's colours have changed: lets the controls know, which do not get the message themselves, and draws all.
+void PassColors(HWND window);
+
 /// Gives a control a text that shows when the pointer rests on it.
 void AddToolTip(HWND control, const std::u16string& text);
 

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "app/ControlIds.h"
 #include "app/ToolbarIcons.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -41,10 +43,9 @@ void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons
     if (m_window == nullptr)
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "toolbar");
     SendMessageW(m_window, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
-    const int size = MulDiv(16, dpi, 96);
-    std::vector<std::vector<std::uint32_t>> pictures;
-    std::vector<std::vector<std::uint32_t>> disabled;
+    m_pictureSize = MulDiv(16, dpi, 96);
     std::vector<TBBUTTON> items;
+    int pictures = 0;
     for (const ToolbarButton& button : buttons) {
         if (button.startsGroup) {
             TBBUTTON gap{};
@@ -52,20 +53,32 @@ void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons
             items.push_back(gap);
         }
         TBBUTTON item{};
-        item.iBitmap = static_cast<int>(pictures.size());
+        item.iBitmap = pictures++;
         item.idCommand = button.command;
         item.fsState = TBSTATE_ENABLED;
         item.fsStyle = BTNS_BUTTON;
         items.push_back(item);
-        pictures.push_back(DrawIcon(button.icon, size));
+    }
+    SendMessageW(m_window, TB_SETBITMAPSIZE, 0, MAKELPARAM(m_pictureSize, m_pictureSize));
+    DrawPictures();
+    SendPointer(m_window, TB_ADDBUTTONSW, items.size(), items.data());
+}
+
+void Toolbar::DrawPictures() {
+    if (m_window == nullptr) return;
+    std::vector<std::vector<std::uint32_t>> pictures;
+    std::vector<std::vector<std::uint32_t>> disabled;
+    for (const ToolbarButton& button : m_buttons) {
+        pictures.push_back(DrawIcon(button.icon, m_pictureSize, SystemColor(COLOR_BTNFACE)));
         disabled.push_back(Greyed(pictures.back()));
     }
-    m_images = MakeIconList(pictures, size);
-    m_disabledImages = MakeIconList(disabled, size);
-    SendMessageW(m_window, TB_SETBITMAPSIZE, 0, MAKELPARAM(size, size));
-    SendMessageW(m_window, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(m_images.Get()));
-    SendMessageW(m_window, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(m_disabledImages.Get()));
-    SendPointer(m_window, TB_ADDBUTTONSW, items.size(), items.data());
+    // The old ones live until the window has the new ones.
+    ImageList images = MakeIconList(pictures, m_pictureSize);
+    ImageList disabledImages = MakeIconList(disabled, m_pictureSize);
+    SendMessageW(m_window, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images.Get()));
+    SendMessageW(m_window, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(disabledImages.Get()));
+    m_images = std::move(images);
+    m_disabledImages = std::move(disabledImages);
 }
 
 SIZE Toolbar::Size() const {
@@ -90,6 +103,11 @@ void Toolbar::Update(const CommandState& state) const {
 void Toolbars::Create(HWND parent, int dpi) {
     m_main.Create(parent, tbMain, MainButtons(), dpi);
     m_goTo.Create(parent, tbGoTo, GoToButtons(), dpi);
+}
+
+void Toolbars::DrawPictures() {
+    m_main.DrawPictures();
+    m_goTo.DrawPictures();
 }
 
 void Toolbars::Update(const CommandState& state) const {

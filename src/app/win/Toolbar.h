@@ -23,9 +23,12 @@ class Toolbar {
     [[nodiscard]] SIZE Size() const;
     /// Sets the enabled and checked state of the buttons from their commands.
     void Update(const CommandState& state) const;
+    /// Draws the pictures anew, for the colours that the system has now.
+    void DrawPictures();
 
   private:
     HWND m_window = nullptr;
+    int m_pictureSize = 16;
     std::span<const ToolbarButton> m_buttons;
     ImageList m_images;
     ImageList m_disabledImages;
@@ -39,6 +42,7 @@ class Toolbars {
     [[nodiscard]] SIZE MainSize() const { return m_main.Size(); }
     [[nodiscard]] SIZE GoToSize() const { return m_goTo.Size(); }
     void Update(const CommandState& state) const;
+    void DrawPictures();
     /// A tooltip asks for the text of its button.
     void OnTip(NMTTDISPINFOW& tip, const UserServices& services);
 

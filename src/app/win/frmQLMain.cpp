@@ -152,6 +152,10 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_HSCROLL: m_rooms.graph.OnScroll(scScaleX, LOWORD(wParam)); return 0;
         case WM_VSCROLL: m_rooms.graph.OnScroll(scScaleY, LOWORD(wParam)); return 0;
+        case WM_SYSCOLORCHANGE:
+            m_tools.DrawPictures();
+            m_rooms.browser.DrawPictures();
+            return PassColors(m_window), 0;
         case WM_DEVICECHANGE: m_rooms.playback.LookForDevices(); break;
         case WM_ENTERMENULOOP: m_rooms.EndHover(); break;
         case WM_SETCURSOR:
@@ -205,6 +209,7 @@ void frmQLMain::PlanRemainingControls() {
         [this] {
             m_rooms.ShowAll();
             AddToolTip(m_rooms.browser.PathList(), m_services.Text(IDS_TIP_PATHLIST));
+            NameControls(m_window, m_services);
         },
         [this] { m_rooms.playback.Open(); },
     });
@@ -332,8 +337,6 @@ void frmQLMain::OnDestroy() {
     PostQuitMessage(0);
 }
 
-// Commands.
-
 void frmQLMain::OnCommand(int id) {
     if (m_rooms.longCommand.IsBusy() || !CreateRemainingControls()) return;
     if (IsEnabled(id, m_rooms.State())) RunCommand(id, m_rooms, m_commands);
@@ -370,8 +373,6 @@ void frmQLMain::ShowContextMenu(POINT screen) {
     if (chosen != 0) OnCommand(chosen);
     m_rooms.commands.SetMenuChannel(0);
 }
-
-// Focus and mouse.
 
 bool frmQLMain::PreTranslate(const MSG& message) try {
     // The graph follows the pointer without the other controls.

@@ -1,8 +1,18 @@
 #include "view/win/GDI_Utils.h"
 
 #include "view/QL_ChUtils.h"
+#include "view/ReadableColor.h"
 
 namespace quillon {
+
+std::uint32_t SystemColor(int index) {
+    const COLORREF color = GetSysColor(index);
+    return ColorOf(static_cast<std::uint32_t>(color));  // red and blue change places in both directions
+}
+
+COLORREF TickColor() {
+    return ColorOf(Mixed(SystemColor(COLOR_BTNTEXT), SystemColor(COLOR_BTNFACE), 0.5));
+}
 
 int ScreenDpi() {
     const WindowDC screen(nullptr);

@@ -13,6 +13,12 @@ namespace quillon {
     return RGB(rgb >> 16 & 0xFF, rgb >> 8 & 0xFF, rgb & 0xFF);
 }
 
+/// A colour of the system's scheme (COLOR_BTNFACE...) as the core takes it.
+[[nodiscard]] std::uint32_t SystemColor(int index);
+
+/// Of lines beside texts: half as strong as these.
+[[nodiscard]] COLORREF TickColor();
+
 /// Pixels per inch of the screen.
 [[nodiscard]] int ScreenDpi();
 

@@ -6,8 +6,6 @@ namespace quillon {
 
 namespace {
 
-constexpr COLORREF kTextColor = RGB(0x28, 0x2C, 0x34);
-constexpr COLORREF kTickColor = RGB(0x90, 0x98, 0xA4);
 constexpr int kTick = 5;
 constexpr int kMinorTick = 3;
 
@@ -19,12 +17,13 @@ void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<Scale
     FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, kTextColor);
+    const COLORREF tick = TickColor();
+    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     constexpr int textTop = 10;
     int free = 0;  // first column that no label covers yet
     for (const ScaleLabel& label : labels) {
-        FillWith(dc, {label.position, 0, label.position + 1, label.minor ? kMinorTick : kTick}, kTickColor);
+        FillWith(dc, {label.position, 0, label.position + 1, label.minor ? kMinorTick : kTick}, tick);
         if (label.minor) continue;
         const std::wstring text = Wide(label.text);
         SIZE size{};
@@ -42,14 +41,15 @@ void ScalePainter::PaintAmplitude(HDC dc, const RECT& client, const std::vector<
     FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, kTextColor);
+    const COLORREF tick = TickColor();
+    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc, &metrics);
     SetTextAlign(dc, TA_RIGHT | TA_BASELINE);
     constexpr int textRight = 11;
     for (const ScaleLabel& label : labels) {
         const int row = label.position - 1;
-        FillWith(dc, {client.right - kTick, row, client.right, row + 1}, kTickColor);
+        FillWith(dc, {client.right - kTick, row, client.right, row + 1}, tick);
         // No label is cut at the top or bottom.
         if (label.position < metrics.tmAscent - metrics.tmInternalLeading || label.position > client.bottom) continue;
         DrawTextAt(dc, client.right - textRight, label.position, label.text);

@@ -6,18 +6,17 @@ namespace quillon {
 
 namespace {
 
-constexpr COLORREF kInk = RGB(0x28, 0x2C, 0x34);
-
 /// Two bars of a plus, or one of a minus, in the middle of a button.
 void DrawSign(HDC dc, const RECT& button, bool plus) {
+    const COLORREF ink = GetSysColor(COLOR_BTNTEXT);
     const int x = (button.left + button.right) / 2;
     const int y = (button.top + button.bottom) / 2;
     const int dpi = ScreenDpi();
     const int arm = MulDiv(4, dpi, 96);
     // Bars of an odd width have a middle.
     const int half = dpi / 192;
-    FillWith(dc, {x - arm, y - half, x + arm + 1, y + half + 1}, kInk);
-    if (plus) FillWith(dc, {x - half, y - arm, x + half + 1, y + arm + 1}, kInk);
+    FillWith(dc, {x - arm, y - half, x + arm + 1, y + half + 1}, ink);
+    if (plus) FillWith(dc, {x - half, y - arm, x + half + 1, y + arm + 1}, ink);
 }
 
 }  // namespace
@@ -55,7 +54,7 @@ void ucZoomX::PaintPicture(int, HDC dc, const RECT& clip) {
     DrawSign(dc, parts.plus, true);
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, kInk);
+    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
     const std::wstring text = Wide(m_caption);
     RECT caption = parts.caption;
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &caption, DT_SINGLELINE | DT_CENTER | DT_VCENTER);

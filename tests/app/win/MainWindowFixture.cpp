@@ -1,6 +1,10 @@
 #include "app/win/MainWindowFixture.h"
 
+#include <oleacc.h>
+
 #include <algorithm>
+#include <iterator>
+#include <map>
 #include <random>
 
 #include "base/Text.h"
@@ -77,6 +81,10 @@ void ExpectRoomForTexts(HWND dialog) {
         if (isList) used = GetSystemMetrics(SM_CXVSCROLL) + MulDiv(8, ScreenDpi(), 96);
         RECT client{};
         GetClientRect(window, &client);
+        // A label that only names what follows is not seen, nor the text of a button that shows a colour.
+        if (ClassOf(window) == L"Static" && client.right == 0) continue;
+        const LONG kind = GetWindowLongW(window, GWL_STYLE) & BS_TYPEMASK;
+        if (ClassOf(window) == L"Button" && kind == BS_OWNERDRAW) continue;
         const WindowDC dc(window);
         const SelectScope select(dc.Get(), reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0)));
         for (std::wstring& text : texts) {
@@ -87,6 +95,77 @@ void ExpectRoomForTexts(HWND dialog) {
             EXPECT_LE(size.cx + used, client.right) << Utf8(Narrow16(text));
             EXPECT_LE(size.cy, client.bottom) << Utf8(Narrow16(text));
         }
+    }
+}
+
+namespace {
+
+/// As the system tells it to programs that read the screen aloud.
+std::wstring AccessibleName(HWND window) {
+    using FromWindow = HRESULT(WINAPI*)(HWND, DWORD, REFIID, void**);
+    static const auto fromWindow = reinterpret_cast<FromWindow>(
+        reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"oleacc.dll"), "AccessibleObjectFromWindow")));
+    IAccessible* object = nullptr;
+    std::wstring name;
+    if (FAILED(fromWindow(window, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+                          reinterpret_cast<void**>(&object))))
+        return name;
+    VARIANT self{};
+    self.vt = VT_I4;
+    BSTR text = nullptr;
+    if (object->get_accName(self, &text) == S_OK && text != nullptr) {
+        name = text;
+        SysFreeString(text);
+    }
+    object->Release();
+    return name;
+}
+
+/// A list, whose text is that of its items, or a field for text is named by the label before it.
+bool IsNamedByLabel(const std::wstring& className) {
+    constexpr const wchar_t* classes[] = {L"ListBox", L"ComboBox", L"Edit", L"SysListView32", L"SysTabControl32"};
+    return std::find(std::begin(classes), std::end(classes), className) != std::end(classes);
+}
+
+/// Whether somebody who goes through a window by Tab expects `next` after `from`.
+bool IsFurther(HWND from, HWND next) {
+    RECT a{};
+    RECT b{};
+    GetWindowRect(from, &a);
+    GetWindowRect(next, &b);
+    return (b.top + b.bottom) / 2 >= a.bottom || (b.left + b.right) / 2 >= a.right;
+}
+
+}  // namespace
+
+void ExpectNamesAndOrder(HWND window) {
+    std::map<HWND, std::vector<HWND>> stops;  // by the page that they are on
+    for (const HWND control : Descendants(window)) {
+        const std::wstring kind = ClassOf(control);
+        const LONG style = GetWindowLongW(control, GWL_STYLE);
+        const std::string place = Utf8(Narrow16(kind)) + ' ' + std::to_string(GetDlgCtrlID(control));
+        // What is part of another control or a dialog, and texts, need none.
+        if (kind == L"Static" || kind == L"#32770" || kind == L"SysHeader32" || kind == L"msctls_updown32") continue;
+        if (ClassOf(GetParent(control)) == L"ComboBox") continue;
+        if (IsNamedByLabel(kind)) {
+            const HWND label = GetWindow(control, GW_HWNDPREV);
+            EXPECT_TRUE(label != nullptr && ClassOf(label) == L"Static" && !WindowText(label).empty()) << place;
+        } else {
+            EXPECT_NE(AccessibleName(control), L"") << place;
+        }
+        if ((style & WS_TABSTOP) != 0 && (style & WS_VISIBLE) != 0) stops[GetParent(control)].push_back(control);
+    }
+    for (const auto& [page, controls] : stops) {
+        // They are a circle, which goes back to its start once.
+        std::string back;
+        int steps = 0;
+        for (std::size_t i = 0; i < controls.size(); ++i) {
+            const HWND next = controls[(i + 1) % controls.size()];
+            if (IsFurther(controls[i], next)) continue;
+            ++steps;
+            back += std::to_string(GetDlgCtrlID(controls[i])) + " to " + std::to_string(GetDlgCtrlID(next)) + "; ";
+        }
+        EXPECT_LE(steps, 1) << back << Utf8(Narrow16(WindowText(window)));
     }
 }
 

@@ -42,6 +42,10 @@ void ChooseLine(HWND combo, int line);
 /// Every text of the dialog fits its control, and every line of a list the list.
 void ExpectRoomForTexts(HWND dialog);
 
+/// Every control of the window has a name for programs that read the screen aloud, and Tab goes from one to the next as
+/// the eye does: to what is further down or further right.
+void ExpectNamesAndOrder(HWND window);
+
 /// What the clipboard holds in a format; empty: nothing.
 [[nodiscard]] std::string ClipboardBytes(UINT format);
 /// What it holds as text, up to its terminator.

@@ -1,0 +1,93 @@
+#include <algorithm>
+
+#include "app/win/MainControls.h"
+#include "app/win/MainWindowFixture.h"
+#include "view/ReadableColor.h"
+#include "view/win/GDI_Utils.h"
+
+namespace quillon::testing {
+namespace {
+
+/// Sets colours of the system for this process, and afterwards those that were.
+class SystemColors {
+  public:
+    SystemColors(std::uint32_t face, std::uint32_t text) {
+        for (const int index : kIndices) m_before.push_back(GetSysColor(index));
+        const COLORREF colors[] = {ColorOf(face), ColorOf(face), ColorOf(text), ColorOf(text)};
+        SetSysColors(4, kIndices, colors);
+    }
+    ~SystemColors() { SetSysColors(4, kIndices, m_before.data()); }
+    SystemColors(const SystemColors&) = delete;
+    SystemColors& operator=(const SystemColors&) = delete;
+
+  private:
+    static constexpr INT kIndices[] = {COLOR_BTNFACE, COLOR_WINDOW, COLOR_BTNTEXT, COLOR_WINDOWTEXT};
+    std::vector<COLORREF> m_before;
+};
+
+class AccessibilityTest : public MainWindowTest {
+  protected:
+    /// Pixels that are read easily before the colour of the window.
+    [[nodiscard]] int CountReadable(int id) const {
+        const std::uint32_t face = SystemColor(COLOR_BTNFACE);
+        const Pixels pixels = Capture(id);
+        return static_cast<int>(std::count_if(pixels.rgb.begin(), pixels.rgb.end(),
+                                              [&](std::uint32_t color) { return Contrast(color, face) >= 4; }));
+    }
+    /// The numbers of the controls that Tab goes to, from the graph back to it.
+    [[nodiscard]] std::vector<int> TabOrder() const {
+        std::vector<int> order;
+        HWND control = Control(pbGraph);
+        do {
+            order.push_back(GetDlgCtrlID(control));
+            control = GetNextDlgTabItem(m_form->Window(), control, FALSE);
+        } while (control != Control(pbGraph) && order.size() < 20);
+        return order;
+    }
+};
+
+TEST_F(AccessibilityTest, WhatIsBesideTheGraphIsReadableInEveryScheme) {
+    m_folder.Write(u"a.bin", BinRecording(100, Noise(2000, 3)));
+    Start();
+    for (const int view : {0, static_cast<int>(mnuLanes)}) {
+        if (view != 0) Command(view);
+        for (const auto& [face, text] : {std::pair{0xF0F0F0U, 0x000000U}, {0x202020U, 0xEBEBEBU}, {0U, 0xFFFFFFU}}) {
+            const SystemColors scheme(face, text);
+            SendMessageW(m_form->Window(), WM_SYSCOLORCHANGE, 0, 0);
+            for (const int id : {pbScaleX, pbScaleY, btnZoomX, tbMain, tbGoTo})
+                EXPECT_GT(CountReadable(id), 30) << id << " on " << std::hex << face << (view != 0 ? " in lanes" : "");
+        }
+    }
+}
+
+TEST_F(AccessibilityTest, TabGoesFromListToListAsTheEyeDoes) {
+    m_folder.Write(u"a.bin", SawRecording());
+    Start();
+    SelectPage(m_form->Window(), TabPages::Path, 0);
+    SelectPage(m_form->Window(), TabPages::File, 0);
+    EXPECT_EQ(TabOrder(),
+              (std::vector<int>{pbGraph, tabPath, lstDrive, pbPathList, lstDir, tabFile, cboFileType, lstFile}));
+    SelectPage(m_form->Window(), TabPages::Path, 1);
+    SelectPage(m_form->Window(), TabPages::File, 1);
+    EXPECT_EQ(TabOrder(), (std::vector<int>{pbGraph, tabPath, lvCh, tabFile, lstBlock}));
+}
+
+TEST_F(AccessibilityTest, EveryControlOfEveryWindowHasAName) {
+    for (const Language language : {Language::English, Language::Russian}) {
+        m_language = language;
+        m_folder.Write(u"a.bin", SawRecording());
+        Start();
+        ExpectNamesAndOrder(m_form->Window());
+        Command(mnuSelect);
+        for (const int command :
+             {+mnuGoToPlace, +mnuStatistics, +mnuKeysAndMouse, mnuFileOperation + 1, +mnuSplit, +mnuOptions})
+            CommandWith(command, [](HWND dialog) {
+                ExpectNamesAndOrder(dialog);
+                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            });
+        MainWindowTest::TearDown();
+    }
+}
+
+}  // namespace
+}  // namespace quillon::testing
