@@ -85,7 +85,7 @@ void BackgroundWork::RangesFound() {
 
 bool BackgroundWork::FindRanges(RangeUser user, const std::vector<std::int16_t>& channels,
                                 const std::function<void()>& then) {
-    constexpr std::chrono::milliseconds quick{20};
+    constexpr std::chrono::milliseconds quick{8};
     const WorkSlices::Clock::time_point start = WorkSlices::Clock::now();
     const bool running = m_slices.IsRunning(kRange);
     if (!running) {

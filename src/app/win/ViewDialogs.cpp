@@ -14,7 +14,7 @@ void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& se
                     const std::function<void(StatisticsPass* pass)>& onWork) {
     StatisticsPass pass(source, selection.Samples());
     // A short pass is shown complete; not with scales that may still change.
-    constexpr ULONGLONG quick = 20;  // ms
+    constexpr ULONGLONG quick = 8;  // ms
     const ULONGLONG start = GetTickCount64();
     if (!source.block.block->IsProvisional()) {
         while (GetTickCount64() - start < quick && pass.Step()) {
