@@ -331,7 +331,8 @@ void MainRooms::ShowSpectrogram() {
     m_parts.settings.window.spectrogramShown = !m_parts.settings.window.spectrogramShown;
     spectrogram.Spectrogram_Init(false);
     onArrange();
-    Refresh();
+    // By a message of its own: laying out and drawing would make others wait for too long.
+    PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0);
 }
 
 void MainRooms::FindData() {
@@ -341,6 +342,7 @@ void MainRooms::FindData() {
 // Work behind what is shown.
 
 void MainRooms::OnTimer(UINT_PTR timer) {
+    if (timer == kRefreshTimer) return Refresh();
     if (!slices.OnTimer(timer)) graph.OnTimer(timer);
 }
 

@@ -78,6 +78,8 @@ class MainRooms {
     [[nodiscard]] const std::u16string& ValuesText() const { return m_valuesPanel.Text(); }
 
   private:
+    static constexpr UINT_PTR kRefreshTimer = 3;  ///< 1 and 2 are those of the graph and of slices
+
     void WireGraph();
     void WireLists();
     void WireSound();
