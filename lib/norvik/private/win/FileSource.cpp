@@ -64,6 +64,12 @@ std::unique_ptr<ByteSource> OpenFileSource(const std::u16string& path, Bilingual
         error = SystemText(::GetLastError());
         return nullptr;
     }
+    // A device or a pipe has no size and may keep a reader waiting.
+    if (::GetFileType(file) != FILE_TYPE_DISK) {
+        error = Say(u"not a file", u"это не файл");
+        ::CloseHandle(file);
+        return nullptr;
+    }
     BY_HANDLE_FILE_INFORMATION information{};
     const bool known = ::GetFileInformationByHandle(file, &information) != 0;
     const bool isFolder = known && (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
