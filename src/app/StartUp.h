@@ -30,7 +30,7 @@ struct StartUpParts {
     TextSinkFactory openText;
     std::function<std::unique_ptr<SaveFileDialog>()> makeSaveDialog;
     SoundOutputFactory makeSoundOutput;
-    std::u16string path = {};  ///< file or folder that the shell hands over, opened at the start; may be empty
+    std::u16string path = {};  ///< absolute path of a file or folder to be opened at the start; empty: none
 };
 
 /// Creates the process-wide objects. On a failure a message is shown (a numbered error by its number, any other as a

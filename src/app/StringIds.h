@@ -43,6 +43,7 @@
 #define IDS_RANGE_PARTIAL 2035
 #define IDS_LANES_HINT 2036
 #define IDS_OTHER_SIGNALS 2038
+#define IDS_PATH_MISSING 2039
 
 // Names of controls for those who do not see them.
 #define IDS_NAME_TABS_PATH 2060

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/ControlIds.h"
+#include "app/PathArgument.h"
 #include "app/StringIds.h"
 #include "app/ToolbarIcons.h"
 #include "app/win/InputBox.h"
@@ -17,15 +18,42 @@
 
 namespace quillon {
 
-void BrowserPane::Open(const TimerFactory& makeTimer) {
+namespace {
+
+bool IsFolder(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+/// Folder of a path with a backslash at its end only for the root of a drive; empty for a name alone.
+std::wstring ParentOf(const std::wstring& path) {
+    std::u16string folder = FolderOf(Narrow16(path));
+    if (folder.size() > 3) folder.pop_back();
+    return Wide(folder);
+}
+
+}  // namespace
+
+void BrowserPane::Open(const TimerFactory& makeTimer, const std::wstring& startPath) {
     m_watch = std::make_unique<cFileNotification>(makeTimer, [this] { FilesChanged(); });
     m_browser.SetPattern(m_parts.library.FileTypeMask(0));
-    const std::wstring folder = Wide(m_parts.settings.filesPath);
-    if (folder.empty() || !m_browser.ShowFolder(folder)) {
-        m_browser.ShowFolder(L".");
-        m_folderMissing = !folder.empty();
+    if (!ListStart(startPath)) {
+        m_startMissing = startPath;
+        const std::wstring folder = Wide(m_parts.settings.filesPath);
+        if (folder.empty() || !m_browser.ShowFolder(folder)) {
+            m_folderMissing = !folder.empty();
+            m_browser.ShowFolder(L".");
+        }
     }
     StartWatch();
+}
+
+bool BrowserPane::ListStart(const std::wstring& path) {
+    if (path.empty() || IsDevicePath(Narrow16(path)) || GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+        return false;
+    if (IsFolder(path)) return m_browser.ShowFolder(path);
+    m_startFile = Wide(FileNameOf(Narrow16(path)));
+    return m_browser.ShowFolder(ParentOf(path));
 }
 
 void BrowserPane::Attach(HWND parent, int dpi) {
@@ -90,7 +118,10 @@ void BrowserPane::OnListCommand(int id, int notification) {
     if (id == cboFileType && notification == CBN_SELCHANGE) SelectType();
 }
 
-void BrowserPane::OpenFirstFile() {
+void BrowserPane::OpenFirst() {
+    if (!m_startMissing.empty()) return;
+    if (!m_startFile.empty()) return OpenNamed(m_startFile);
+    if (FileCount() == 0) return;
     m_browser.SelectFile(0);
     ClickFile();
 }
@@ -122,18 +153,17 @@ void BrowserPane::OpenUnlisted(const std::wstring& name) {
 }
 
 void BrowserPane::OpenPath(const std::wstring& path) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+    if (IsFolder(path)) {
         ShowFolder(path);
         return;
     }
-    std::u16string folder = FolderOf(Narrow16(path));
-    if (folder.empty()) return;
-    // The root of a drive keeps its backslash.
-    if (folder.size() > 3) folder.pop_back();
-    const std::wstring name = Wide(FileNameOf(Narrow16(path)));
-    if (!ShowFolder(Wide(folder))) return;
+    const std::wstring folder = ParentOf(path);
+    if (folder.empty() || !ShowFolder(folder)) return;
     m_folderMissing = false;
+    OpenNamed(Wide(FileNameOf(Narrow16(path))));
+}
+
+void BrowserPane::OpenNamed(const std::wstring& name) {
     if (m_browser.SelectFileNamed(name)) {
         ClickFile();
     } else {
@@ -145,10 +175,7 @@ void BrowserPane::OpenPath(const std::wstring& path) {
 void BrowserPane::Opened() {
     if (m_browser.Pattern() == u"*.*") return;
     const std::u16string folder = Narrow16(m_browser.Folder());
-    m_parts.settings.pathList.Add(folder, [](const std::u16string& path) {
-        const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
-        return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    });
+    m_parts.settings.pathList.Add(folder, [](const std::u16string& path) { return IsFolder(Wide(path)); });
 }
 
 void BrowserPane::ChoosePath(int index) {
@@ -165,6 +192,8 @@ void BrowserPane::TellMissing() {
 }
 
 void BrowserPane::TellStart() {
+    if (!m_startMissing.empty())
+        return Tell(Narrow16(m_startMissing) + u": " + m_parts.services.Text(IDS_PATH_MISSING));
     if (!m_folderMissing) return TellMissing();
     m_parts.status.Tell(StatusBar::Topic::Folder,
                         m_parts.settings.filesPath + u": " + m_parts.services.Text(IDS_FOLDER_UNREADABLE));

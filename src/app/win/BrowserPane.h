@@ -38,8 +38,10 @@ class BrowserPane final : private PictureOwner {
     std::function<void()> onPathList;                      ///< request to show the path list
     std::function<void(const std::exception& error)> onFailed;
 
-    /// Lists the folder of the settings, or the current one, and watches it. Works before the controls exist.
-    void Open(const TimerFactory& makeTimer);
+    /// Lists the first of these folders that can be read, and watches it: `startPath` itself or, when it names a file,
+    /// that file's folder; the folder of the settings; the current folder.
+    /// `startPath` is absolute, or empty for none. Works before the controls exist.
+    void Open(const TimerFactory& makeTimer, const std::wstring& startPath);
     void Attach(HWND parent, int dpi);
     /// Draws the picture of the button anew, for the colours that the system has now.
     void DrawPictures();
@@ -56,7 +58,9 @@ class BrowserPane final : private PictureOwner {
 
     /// A notification of one of the lists.
     void OnListCommand(int id, int notification);
-    void OpenFirstFile();
+    /// Opens the file of the start path, or the first one of the folder. Nothing where the start path is not to be had:
+    /// another recording would be taken for the one that was asked for.
+    void OpenFirst();
     /// Opens a file or folder by its full path.
     void OpenPath(const std::wstring& path);
     void OpenFolder() { ShowFolder(m_browser.ChosenFolder()); }
@@ -73,7 +77,7 @@ class BrowserPane final : private PictureOwner {
     void RenameSelected();
     /// A recording of the shown folder was opened.
     void Opened();
-    /// Reports at start-up that the folder of the settings is missing.
+    /// Reports at start-up that the start path or the folder of the settings is missing.
     void TellStart();
 
   private:
@@ -82,6 +86,10 @@ class BrowserPane final : private PictureOwner {
     void PictureFailed(const std::exception& error) override { onFailed(error); }
     /// False when the folder cannot be read; the old one then stays current.
     bool ShowFolder(const std::wstring& folder);
+    /// Lists the folder of the start path; false when there is none.
+    bool ListStart(const std::wstring& path);
+    /// Selects and opens a file of the current folder.
+    void OpenNamed(const std::wstring& name);
     /// Opens a file of the current folder that the file type filter hides.
     void OpenUnlisted(const std::wstring& name);
     void ClickFile();
@@ -102,6 +110,8 @@ class BrowserPane final : private PictureOwner {
     ImageList m_pathListIcon;
     HWND m_types = nullptr;
     int m_dpi = 96;
+    std::wstring m_startFile;         ///< name of the file of the start path in the folder; empty: none
+    std::wstring m_startMissing;      ///< the start path, when it is not to be had
     bool m_folderMissing = false;     ///< the folder of the settings could not be read, and no other was chosen since
     bool m_changedMeanwhile = false;  ///< files changed while a command ran
 };

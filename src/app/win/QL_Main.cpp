@@ -1,11 +1,11 @@
 #include "app/win/QL_Main.h"
 
-#include <algorithm>
 #include <system_error>
 #include <utility>
 #include <vector>
 
 #include "app/KV_Resources.h"
+#include "app/PathArgument.h"
 #include "app/StringIds.h"
 #include "app/win/frmQLMain.h"
 #include "base/Text.h"
@@ -90,17 +90,14 @@ StartUpParts SystemParts() {
             [](SoundOutputEvents events) { return MakeSoundOutput(std::move(events), InterfaceLanguage()); }};
 }
 
-std::u16string PathOfArguments(std::wstring arguments) {
-    // The shell puts names with blanks into quotation marks.
-    if (!arguments.empty() && arguments.front() == L'"') {
-        arguments.erase(0, 1);
-        arguments.resize(std::min(arguments.find(L'"'), arguments.size()));
-    }
+std::u16string PathOfArguments(const std::wstring& arguments) {
+    const std::u16string named = PathArgument(Narrow16(arguments));
+    if (named.empty()) return {};
     std::wstring path(32768, L'\0');
-    const DWORD length =
-        arguments.empty() ? 0
-                          : GetFullPathNameW(arguments.c_str(), static_cast<DWORD>(path.size()), path.data(), nullptr);
-    path.resize(length < path.size() ? length : 0);
+    const DWORD length = GetFullPathNameW(Wide(named).c_str(), static_cast<DWORD>(path.size()), path.data(), nullptr);
+    // What has no absolute form is told as it was written.
+    if (length == 0 || length >= path.size()) return named;
+    path.resize(length);
     return Narrow16(path);
 }
 
@@ -120,8 +117,8 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     try {
         frmQLMain form(global, services, parts.makeTimer, [&] { store.Save(global.settings); });
         form.ChooseHelp();
-        form.Create();
-        form.Show(showCommand, Wide(parts.path));
+        form.Create(Wide(parts.path));
+        form.Show(showCommand);
         UpdateWindow(form.Window());
         return RunMessages(form);
     } catch (const std::system_error& error) {

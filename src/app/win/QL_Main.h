@@ -7,8 +7,9 @@ namespace quillon {
 /// Start-up functions that use the real core library and the system.
 [[nodiscard]] StartUpParts SystemParts();
 
-/// Full path of the file or folder that the command line names behind the program; empty without one.
-[[nodiscard]] std::u16string PathOfArguments(std::wstring arguments);
+/// Absolute path of the file or folder that the command line names behind the program; empty without one. To be called
+/// while the current folder is still that of the start.
+[[nodiscard]] std::u16string PathOfArguments(const std::wstring& arguments);
 
 /// The start-up procedure: creates the objects of the process, shows the main window and runs the message loop until it
 /// is destroyed. `showCommand` is how the system wants the window shown. Returns the exit code of the process.

@@ -61,7 +61,8 @@ void frmQLMain::Wire() {
     m_keys.onWheel = [this](auto delta, auto zone, const auto& at) { m_rooms.graph.Wheel(delta, zone, at); };
 }
 
-void frmQLMain::Create() {
+void frmQLMain::Create(const std::wstring& path) {
+    m_startPath = path;
     m_dpi = ScreenDpi();
     // Set the menu before the window is sized: adding it later would change the client area.
     const HWND made = MakeMainWindow(Procedure, m_menu.Make(), m_dpi, this);
@@ -69,13 +70,11 @@ void frmQLMain::Create() {
     if (made == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
 }
 
-void frmQLMain::Show(int showCommand, const std::wstring& path) {
-    m_firstPath = path;
+void frmQLMain::Show(int showCommand) {
     RestoreWindowPlace(m_window, m_global.settings.window, showCommand);
     ShowWindow(m_window, showCommand);
     // Shown inactive: WM_ACTIVATE never came.
     PlanRemainingControls();
-    if (m_window != nullptr && !m_firstPath.empty()) OpenPath(std::exchange(m_firstPath, {}));
 }
 
 void frmQLMain::ThrowFailure() {
@@ -177,7 +176,7 @@ void frmQLMain::OnCreate() {
     m_keys.SetWindow(m_window);
     m_focus.SetWindow(m_window);
     m_rooms.CreateFirst(m_window);
-    m_rooms.browser.Open(m_makeTimer);
+    m_rooms.browser.Open(m_makeTimer, m_startPath);
     m_lookTimer = m_makeTimer([this] { m_rooms.LookAtRecording(false, m_layout.IsDragging()); });
     m_lookTimer->PutInterval(kLookInterval);
     m_lookTimer->PutEnabled(true);
@@ -237,11 +236,7 @@ void frmQLMain::OnActivate(UINT state) {
         try {
             // The window's first WM_SIZE comes only after this message.
             if (!m_layout.IsArranged()) Arrange();
-            if (!m_firstPath.empty()) {
-                OpenPath(std::exchange(m_firstPath, {}));
-            } else if (m_rooms.browser.FileCount() > 0) {
-                OpenFirstFile();
-            }
+            OpenFirst();
             UpdateWindow(m_rooms.graph.Graph());
             // What is drawn is batched, and may be shown only while the program waits for messages: a wait of no
             // length, as showing the window has not ended yet.
@@ -258,8 +253,8 @@ void frmQLMain::OnActivate(UINT state) {
     m_focus.Restore();
 }
 
-void frmQLMain::OpenFirstFile() {
-    m_rooms.browser.OpenFirstFile();
+void frmQLMain::OpenFirst() {
+    m_rooms.browser.OpenFirst();
     // One of the steps does the same for a window that was active from the start.
     if (m_rooms.IsComplete() && m_global.document->Block().block) SelectPage(m_window, TabPages::Path, 1);
 }

@@ -30,15 +30,15 @@ class frmQLMain {
     /// `shutdown` is called when the window is unloaded, after the recording was closed.
     frmQLMain(QL_Global& global, WinServices& services, TimerFactory makeTimer, std::function<void()> shutdown = {});
 
-    /// Makes the window, hidden, for the folder of the settings (the process's current folder where there is none or it
-    /// cannot be read). Throws std::system_error when the window cannot be made.
-    void Create();
+    /// Makes the window, hidden, for the folder that BrowserPane::Open chooses; `path`: absolute path of a file or
+    /// folder to begin with, or empty. Throws std::system_error when the window cannot be made.
+    void Create(const std::wstring& path = {});
     /// Sets the help file of the settings' language.
     void ChooseHelp() { m_help.Choose(); }
-    /// Shows it where the settings say, else as the system wants it. When it is first activated it opens `path`, or
-    /// without one the first file of the folder, and shows its waveform. The calls of RunSlice that follow create the
-    /// other controls, a few each; input and commands that come before the last do not wait for them.
-    void Show(int showCommand, const std::wstring& path = {});
+    /// Shows it where the settings say, else as the system wants it. When it is first activated it opens the file that
+    /// Create was given, or the first file of the folder, and shows its waveform. The calls of RunSlice that follow
+    /// create the other controls, a few each; input and commands that come before the last do not wait for them.
+    void Show(int showCommand);
     /// Whether all controls exist.
     [[nodiscard]] bool IsComplete() const { return m_steps.AreDone(); }
     /// To be called when the message loop has ended: throws when that was because the controls could not be made.
@@ -69,7 +69,7 @@ class frmQLMain {
     /// Runs the steps that are left, for what needs all controls. False within one, or when the window is gone.
     bool CreateRemainingControls() { return m_steps.RunAll() && m_window != nullptr; }
     void OnActivate(UINT state);
-    void OpenFirstFile();
+    void OpenFirst();
     void OnDropFiles(HDROP drop);
     void OnSize(UINT state);
     void OnClose();
@@ -92,7 +92,7 @@ class frmQLMain {
     WinServices& m_services;
     TimerFactory m_makeTimer;
     std::function<void()> m_shutdown;
-    std::wstring m_firstPath;  ///< to be opened when the window is first activated
+    std::wstring m_startPath;  ///< see Create
     MainRooms m_rooms;
     MainMenu m_menu;
     KeyInput m_keys;

@@ -256,7 +256,7 @@ void MainWindowTest::CreateControls() const {
     Pump();
 }
 
-void MainWindowTest::Create(const std::wstring& folder) {
+void MainWindowTest::Create(const std::wstring& folder, const std::wstring& path) {
     // The real pointer would show values of its own in the graph.
     SetCursorPos(0, 0);
     m_services = std::make_unique<WinServices>(m_language);
@@ -266,7 +266,7 @@ void MainWindowTest::Create(const std::wstring& folder) {
     m_global.saveDialog = std::move(dialog);
     m_form = std::make_unique<frmQLMain>(m_global, *m_services, SystemParts().makeTimer, m_shutdown);
     m_global.settings.filesPath = Narrow16(folder);
-    m_form->Create();
+    m_form->Create(path);
     SetWindowPos(m_form->Window(), nullptr, 20, 20, MulDiv(1000, ScreenDpi(), 96), MulDiv(640, ScreenDpi(), 96),
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }

@@ -168,8 +168,8 @@ class MainWindowTest : public ::testing::Test {
     void Show() const;
     /// What the message loop does after the first waveform.
     void CreateControls() const;
-    /// The window as it is before it is shown.
-    void Create(const std::wstring& folder);
+    /// The window as it is before it is shown, with the folder of the settings and a path to begin with.
+    void Create(const std::wstring& folder, const std::wstring& path = {});
     void TearDown() override;
 
     /// Handles every message that is waiting.

@@ -139,8 +139,7 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     StartUpParts parts = SystemParts();
     parts.program.name = u"Quillon day test";
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Norvik\\Quillon day test");
-    const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(folder.File(u""));
+    parts.path = folder.Path();
     const std::u16string fast = folder.File(u"fast.txt").u16string();
     {
         const User user([&](User& me) {
@@ -151,7 +150,7 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
         });
         EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
     }
-    std::filesystem::current_path(before);
+    parts.path.clear();
     Settings stored;
     SettingsStore(MakeRegistryObject, parts.program).Load(stored);
     EXPECT_EQ(stored.filesPath, folder.File(u"samples").u16string());
