@@ -14,12 +14,11 @@ quietly cmake --build build/windows --target quillon make-samples help_files
 prepare_wine
 [ -e "build/samples/01 EEG.edf" ] || quietly wine build/windows/make-samples.exe build/samples
 
-cd build/samples
 # The sound library below Wine writes lines of its own where there is no sound card.
 if [ -n "$has_display" ]; then
-    wine ../windows/quillon.exe 2> ../viewer.log
+    wine build/windows/quillon.exe build/samples 2> build/viewer.log
 else
-    wine ../windows/quillon.exe 2> ../viewer.log &
+    wine build/windows/quillon.exe build/samples 2> build/viewer.log &
     # The caption names the recording once it is open.
     for _ in $(seq 200); do
         window=$(xdotool search --onlyvisible --name '^01 EEG.edf' 2> /dev/null | tail -n 1) || true
@@ -28,6 +27,6 @@ else
     done
     [ -n "$window" ] || { echo "The window did not open."; exit 1; }
     sleep 1
-    import -frame -window "$window" ../quillon.png
+    import -frame -window "$window" build/quillon.png
     echo "There is no display: a picture of the window is in build/quillon.png"
 fi

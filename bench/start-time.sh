@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Start to first painted waveform, against an empty window under the same warm Wine: bench/start-time.sh [FOLDER [ROUNDS]]
+# Start to first painted waveform, against an empty window under the same warm Wine: bench/start-time.sh [PATH [ROUNDS]]
 set -euo pipefail
 source "$(dirname "$0")/../scripts/common.sh"
 trap end_all EXIT

@@ -1,8 +1,8 @@
 // Start-up time and memory of the viewer against those of a program with an empty window, under the same warm system:
-//     start-time VIEWER FOLDER [ROUNDS]
+//     start-time VIEWER PATH [ROUNDS]
 // Both are started in turn; medians are printed. A start has two ends: the program waits for input, and the user sees
-// what it shows. The viewer shows the first recording of the folder, so the graph must hold pixels of a trace; the
-// empty window is filled with a colour of its own.
+// what it shows. The viewer shows the recording, or the first one of the folder, that the path names, so the graph must
+// hold pixels of a trace; the empty window is filled with a colour of its own.
 #include "base/win/Win32.h"
 
 #include <psapi.h>
@@ -130,7 +130,7 @@ double PrivateMegabytes(HANDLE process) {
 }
 
 /// A time that was not reached stays below 0.
-Start MeasureStart(std::wstring command, const wchar_t* folder) {
+Start MeasureStart(std::wstring command) {
     constexpr double patience = 20000.0;
     const Strip strip;
     STARTUPINFOW startInfo{};
@@ -138,7 +138,7 @@ Start MeasureStart(std::wstring command, const wchar_t* folder) {
     PROCESS_INFORMATION process{};
     Start start;
     const Stopwatch watch;
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, folder, &startInfo, &process))
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startInfo, &process))
         return start;
     HWND window = nullptr;
     while ((start.idle < 0 || start.painted < 0) && watch.Milliseconds() < patience) {
@@ -176,8 +176,8 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     std::vector<Start> empty;
     std::vector<Start> viewer;
     for (int round = 0; round < rounds; ++round) {
-        empty.push_back(MeasureStart(L"\"" + std::wstring(self) + L"\" --empty", argv[2]));
-        viewer.push_back(MeasureStart(L"\"" + std::wstring(argv[1]) + L"\"", argv[2]));
+        empty.push_back(MeasureStart(L"\"" + std::wstring(self) + L"\" --empty"));
+        viewer.push_back(MeasureStart(L"\"" + std::wstring(argv[1]) + L"\" \"" + argv[2] + L"\""));
         if (std::min(empty.back().painted, viewer.back().painted) < 0 ||
             std::min(empty.back().idle, viewer.back().idle) < 0)
             return 1;

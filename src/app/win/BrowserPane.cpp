@@ -14,6 +14,7 @@
 #include "data/FileOperationPlan.h"
 #include "data/win/FileIdentity.h"
 #include "data/win/FileOperation.h"
+#include "data/win/UserFolders.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -42,7 +43,8 @@ void BrowserPane::Open(const TimerFactory& makeTimer, const std::wstring& startP
         const std::wstring folder = Wide(m_parts.settings.filesPath);
         if (folder.empty() || !m_browser.ShowFolder(folder)) {
             m_folderMissing = !folder.empty();
-            m_browser.ShowFolder(L".");
+            for (const auto& standIn : {DocumentsFolder, ProfileFolder, SystemDrive})
+                if (m_browser.ShowFolder(standIn())) break;
         }
     }
     StartWatch();

@@ -39,7 +39,7 @@ class BrowserPane final : private PictureOwner {
     std::function<void(const std::exception& error)> onFailed;
 
     /// Lists the first of these folders that can be read, and watches it: `startPath` itself or, when it names a file,
-    /// that file's folder; the folder of the settings; the current folder.
+    /// that file's folder; the folder of the settings; the user's documents, their profile, the system's drive.
     /// `startPath` is absolute, or empty for none. Works before the controls exist.
     void Open(const TimerFactory& makeTimer, const std::wstring& startPath);
     void Attach(HWND parent, int dpi);

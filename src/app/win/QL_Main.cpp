@@ -101,6 +101,11 @@ std::u16string PathOfArguments(const std::wstring& arguments) {
     return Narrow16(path);
 }
 
+void LeaveStartFolder() {
+    wchar_t folder[MAX_PATH] = {};
+    if (GetSystemDirectoryW(folder, MAX_PATH) != 0) SetCurrentDirectoryW(folder);
+}
+
 int QL_Main(const StartUpParts& parts, int showCommand) {
     QL_Global global;
     global.language = InterfaceLanguage();

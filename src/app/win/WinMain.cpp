@@ -6,5 +6,6 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR arguments, int showCommand) {
     quillon::LoadSystemDllsOnly();
     quillon::StartUpParts parts = quillon::SystemParts();
     parts.path = quillon::PathOfArguments(arguments);
+    quillon::LeaveStartFolder();
     return quillon::QL_Main(parts, showCommand);
 }

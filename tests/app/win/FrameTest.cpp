@@ -192,8 +192,7 @@ TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
     // stands for it.
     TearDown();
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
-    const std::filesystem::path before = std::filesystem::current_path();
-    std::filesystem::current_path(m_folder.Path());
+    const DocumentsScope documents(Wide(m_folder.Path()));
     for (const bool chosen : {false, true}) {
         Start(L"C:\\no such folder");
         EXPECT_EQ(m_global.document->Block().sampleCount, 2000);
@@ -201,7 +200,6 @@ TEST_F(FrameTest, SettingsAreKeptWhenTheSessionEnds) {
         TearDown();
         EXPECT_EQ(m_global.settings.filesPath, chosen ? m_folder.Path() : u"C:\\no such folder");
     }
-    std::filesystem::current_path(before);
 }
 
 using ::testing::ElementsAre;

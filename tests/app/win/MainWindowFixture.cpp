@@ -224,6 +224,30 @@ HWND OpenDialog() {
     return process == GetCurrentProcessId() && IsWindowVisible(dialog) ? dialog : nullptr;
 }
 
+namespace {
+
+constexpr const wchar_t* kFolders = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+
+void PutDocuments(const std::wstring& folder) {
+    RegSetKeyValueW(HKEY_CURRENT_USER, kFolders, L"Personal", REG_EXPAND_SZ, folder.c_str(),
+                    static_cast<DWORD>((folder.size() + 1) * sizeof(wchar_t)));
+}
+
+}  // namespace
+
+DocumentsScope::DocumentsScope(const std::wstring& folder) {
+    wchar_t value[1024] = {};
+    DWORD size = sizeof value;
+    RegGetValueW(HKEY_CURRENT_USER, kFolders, L"Personal", RRF_RT_REG_EXPAND_SZ | RRF_RT_REG_SZ | RRF_NOEXPAND, nullptr,
+                 value, &size);
+    m_before = value;
+    PutDocuments(folder);
+}
+
+DocumentsScope::~DocumentsScope() {
+    PutDocuments(m_before);
+}
+
 void MainWindowTest::Start() {
     Start(Wide(m_folder.Path()));
 }

@@ -157,6 +157,18 @@ class SaveDialogSwitch final : public SaveFileDialog {
     std::unique_ptr<SaveFileDialog> m_real;
 };
 
+/// The user's documents in another folder, as long as this lasts.
+class DocumentsScope {
+  public:
+    explicit DocumentsScope(const std::wstring& folder);
+    ~DocumentsScope();
+    DocumentsScope(const DocumentsScope&) = delete;
+    DocumentsScope& operator=(const DocumentsScope&) = delete;
+
+  private:
+    std::wstring m_before;
+};
+
 /// The real main window over a folder of its own, driven by messages. Nothing waits: the window's thread is the test's.
 class MainWindowTest : public ::testing::Test {
   protected:

@@ -75,12 +75,33 @@ TEST_F(StartPathTest, WhatIsNotToBeHadIsToldAndNothingElseIsOpened) {
     }
 }
 
-TEST_F(StartPathTest, IsMadeAbsoluteInTheFolderOfTheStart) {
+TEST_F(StartPathTest, WithoutARememberedFolderTheDocumentsAreShownOrElseTheProfile) {
+    {
+        const DocumentsScope documents(Wide(m_folder.Path()));
+        Create({});
+        Show();
+        EXPECT_THAT(Caption(), StartsWith(L"kept.bin"));
+        TearDown();
+        EXPECT_EQ(m_global.settings.filesPath, m_folder.Path());
+    }
+    const DocumentsScope documents(Wide(m_folder.Path()) + L"\\gone");
+    m_global = {};
+    Create({});
+    Show();
+    TearDown();
+    wchar_t profile[MAX_PATH] = {};
+    GetEnvironmentVariableW(L"USERPROFILE", profile, MAX_PATH);
+    EXPECT_EQ(m_global.settings.filesPath, Narrow16(profile));
+}
+
+TEST_F(StartPathTest, IsMadeAbsoluteBeforeTheProgramLeavesTheFolderItWasStartedIn) {
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(Other());
     EXPECT_EQ(Wide(PathOfArguments(L"a.bin")), Other() + L"\\a.bin");
     EXPECT_EQ(Wide(PathOfArguments(L"\"../kept.bin\" a.bin")), m_folder.File(u"kept.bin").wstring());
     EXPECT_EQ(PathOfArguments(L" "), u"");
+    LeaveStartFolder();
+    EXPECT_NE(std::filesystem::current_path(), std::filesystem::path(Other()));
     std::filesystem::current_path(before);
 }
 
