@@ -31,6 +31,8 @@ struct StartUpParts {
     std::function<std::unique_ptr<SaveFileDialog>()> makeSaveDialog;
     SoundOutputFactory makeSoundOutput;
     std::u16string path = {};  ///< absolute path of a file or folder to be opened at the start; empty: none
+    std::u16string crashFile =
+        {};  ///< what a crash of an earlier run leaves, see TakeCrashFile; empty: none is looked for
 };
 
 /// Creates the process-wide objects. On a failure a message is shown (a numbered error by its number, any other as a

@@ -12,6 +12,7 @@
 #define IDS_REINSTALL 1010
 #define IDS_ERROR_NUMBERED 1011
 #define IDS_NO_WINDOW 1012
+#define IDS_CRASHED 1013
 
 // Captions of the main window.
 #define IDS_TAB_FOLDERS 2000

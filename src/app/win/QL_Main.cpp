@@ -7,6 +7,7 @@
 #include "app/KV_Resources.h"
 #include "app/PathArgument.h"
 #include "app/StringIds.h"
+#include "app/win/CrashTrace.h"
 #include "app/win/frmQLMain.h"
 #include "base/Text.h"
 #include "kvsound/win/WaveOut.h"
@@ -60,10 +61,18 @@ bool RunStart(frmQLMain& form, MSG& message) {
     return true;
 }
 
-int RunMessages(frmQLMain& form) {
+/// Once, with the place of the text.
+void TellOfCrash(const std::u16string& file, UserServices& services) {
+    const std::u16string told = TakeCrashFile(file);
+    if (!told.empty()) services.ShowMessage(services.Text(IDS_CRASHED) + u"\n\n" + told);
+}
+
+/// `onComplete` is called when all controls exist.
+int RunMessages(frmQLMain& form, const std::function<void()>& onComplete) {
     MSG message{};
     const auto noneWaits = [&message] { return PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE) == FALSE; };
     bool runs = RunStart(form, message);
+    if (runs) onComplete();
     while (runs) {
         while (noneWaits() && form.RunSlice()) {
         }
@@ -125,7 +134,7 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
         form.Create(Wide(parts.path));
         form.Show(showCommand);
         UpdateWindow(form.Window());
-        return RunMessages(form);
+        return RunMessages(form, [&] { TellOfCrash(parts.crashFile, services); });
     } catch (const std::system_error& error) {
         services.ShowMessage(services.Text(IDS_NO_WINDOW) + u' ' + services.Text(IDS_ERROR_NUMBERED) + u' ' +
                              Decimal(error.code().value()));

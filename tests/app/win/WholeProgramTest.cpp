@@ -20,6 +20,7 @@
 namespace quillon {
 namespace {
 
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using namespace ::quillon::testing;
 
@@ -151,6 +152,7 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
         EXPECT_EQ(QL_Main(parts, SW_SHOW), 0);
     }
     parts.path.clear();
+    parts.crashFile = folder.Write(u"crash.txt", "a crash");
     Settings stored;
     SettingsStore(MakeRegistryObject, parts.program).Load(stored);
     EXPECT_EQ(stored.filesPath, folder.File(u"samples").u16string());
@@ -171,6 +173,12 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
         const User user([&](User& me) {
             EXPECT_TRUE(WaitUntil([&] { return me.Caption().starts_with(L"a.bin"); }));
             EXPECT_EQ(me.Files(), 3);
+            // A crash is told when all is to be seen.
+            const HWND told = me.Dialog();
+            EXPECT_THAT(WindowText(GetDlgItem(told, 0xFFFF)), HasSubstr(folder.File(u"crash-told.txt").wstring()));
+            EXPECT_TRUE(IsWindowVisible(me.Control(lstFile)));
+            me.Press(told, IDOK);
+            EXPECT_TRUE(WaitUntil([&] { return !IsWindow(told); }));
             RECT place{};
             GetWindowRect(me.Window(), &place);
             EXPECT_TRUE(place.top < 2000 && place.right - place.left == 900);
