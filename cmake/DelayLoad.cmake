@@ -9,8 +9,9 @@ function(delay_load target dll)
   set(definition ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
   set(archive ${CMAKE_CURRENT_BINARY_DIR}/lib${target}.a)
   file(CONFIGURE OUTPUT ${definition} CONTENT "LIBRARY ${dll}\nEXPORTS\n${functions}\n")
-  add_custom_command(OUTPUT ${archive} DEPENDS ${definition} VERBATIM
-    COMMAND ${CMAKE_DLLTOOL} --input-def ${definition} --output-delaylib ${archive})
+  # Names of symbols are made from the names given here: with a folder in them they would differ from build to build.
+  add_custom_command(OUTPUT ${archive} DEPENDS ${definition} VERBATIM WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
+    COMMAND ${CMAKE_DLLTOOL} --input-def ${target}.def --output-delaylib lib${target}.a)
   add_custom_target(${target}_archive DEPENDS ${archive})
   add_library(${target} STATIC IMPORTED GLOBAL)
   set_target_properties(${target} PROPERTIES IMPORTED_LOCATION ${archive})
