@@ -65,7 +65,7 @@ int CommandOfKey(int command, const CommandState& state) {
 }
 
 bool IsEnabled(int id, const CommandState& state) {
-    if (id == mnuExit || id == mnuHelp || Within(id, mnuHelpLang, 3)) return true;
+    if (id == mnuExit || id == mnuHelp || id == mnuAbout || Within(id, mnuHelpLang, 3)) return true;
     if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuAllSignals ||
         id == mnuOptions)
         return true;

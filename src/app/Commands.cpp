@@ -70,6 +70,8 @@ constexpr std::array kTree{
     Entry(1, mnuHelp, IDS_HELP),
     Popup(1, IDS_MENU_HELPLANG),
     Entry(2, mnuHelpLang, IDS_HELPLANG_0, 3),
+    Separator(1),
+    Entry(1, mnuAbout, IDS_ABOUT),
 };
 
 constexpr std::array kContextMenu{

@@ -37,6 +37,7 @@ enum CommandId : int {
     mnuSoundCard = 1300,  ///< by device
     mnuHelp = 1400,
     mnuHelpLang = 1410,
+    mnuAbout = 1420,
     mnuPathList = 1500,
     // Commands of the graph's context menu and of keys.
     mnuView = 1600,    ///< 0 zoom to the selection, 1 fit the block, 2 previous view

@@ -28,6 +28,7 @@
 #define IDS_NEW_NAME 2016
 #define IDS_DELETE_FAILED 2019
 #define IDS_RENAME_FAILED 2020
+#define IDS_ABOUT_TEXT 2045
 #define IDS_NO_HELP 2021
 #define IDS_HELP_IS_AT 2022
 #define IDS_PATHLIST_EMPTY 2023
@@ -102,6 +103,7 @@
 #define IDS_SOUNDCARD_0 3095
 #define IDS_HELP 3096
 #define IDS_HELPLANG_0 3100
+#define IDS_ABOUT 3103
 
 // Tooltips of the buttons.
 #define IDS_TIP_ZOOMY_0 3200

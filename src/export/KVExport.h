@@ -20,7 +20,7 @@ class KVExport {
 
     /// Also the title of the failure message.
     [[nodiscard]] static std::u16string LibraryName() { return u"KVExportLib"; }
-    /// "major.minor.revision" of the application, and its parts. Kept for callers of the family's interface; the
+    /// "major.minor.revision" of the application. Its parts are kept for callers of the family's interface; the
     /// program itself does not use them.
     [[nodiscard]] static std::u16string Version();
     [[nodiscard]] static std::int16_t VersionMajor() { return QUILLON_VERSION_MAJOR; }

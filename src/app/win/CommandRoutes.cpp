@@ -44,6 +44,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuChShow, 3, [](R r, F, int i) { r.recording.SetAllShown(i); }},
         {mnuHelp, 1, [](R, F f, int) { f.help(); }},
         {mnuHelpLang, 3, [](R, F f, int i) { f.helpLanguage(i); }},
+        {mnuAbout, 1, [](R r, F, int) { r.dialogs.About(); }},
         {mnuView, 3, [](R r, F, int i) { r.commands.ChangeView(i); }},
         {mnuMark, 2, [](R r, F, int i) { r.commands.GoToMark(i == 1); }},
         {mnuSelect, 3, [](R r, F, int i) { r.commands.Select(i); }},

@@ -100,4 +100,18 @@ void DialogCommands::CopyImage() {
     m_parts.status.Tell(StatusBar::Topic::Outcome, m_shared.services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
 }
 
+void DialogCommands::About() {
+    const std::wstring text =
+        L"Quillon " + Wide(KVExport::Version()) + L"\n\n" + Wide(m_shared.services.Text(IDS_ABOUT_TEXT));
+    MSGBOXPARAMSW box{};
+    box.cbSize = sizeof box;
+    box.hwndOwner = m_parts.window.Window();
+    box.hInstance = GetModuleHandleW(nullptr);
+    box.lpszText = text.c_str();
+    box.lpszCaption = L"Quillon";
+    box.dwStyle = MB_OK | MB_USERICON;
+    box.lpszIcon = MAKEINTRESOURCEW(1);
+    MessageBoxIndirectW(&box);
+}
+
 }  // namespace quillon

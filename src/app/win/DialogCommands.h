@@ -45,6 +45,8 @@ class DialogCommands {
     void Split();
     /// A picture of the view to the clipboard.
     void CopyImage();
+    /// Name and version of the program.
+    void About();
 
   private:
     [[nodiscard]] const ViewBlock& Block() const { return m_shared.document.Block(); }

@@ -86,6 +86,7 @@ const Effect kEffects[] = {
     {mnuHelpLang, "", "help=0"},
     {mnuHelpLang + 1, "", "help=1"},
     {mnuHelpLang + 2, "", "help=2"},
+    {mnuAbout, "", "dialog=Quillon"},
     {mnuView, "Ctrl+E", "column=11864 zoom=0", kSelected},
     {mnuView + 1, "Ctrl+F", "column=0 zoom=5"},
     {mnuView + 2, "Backspace", "column=1000 zoom=3", mnuZoomX},
@@ -221,8 +222,14 @@ class EffectTest : public MainWindowTest {
         std::wstring dialog = m_closer.Titles();
         dialog.resize(std::min(dialog.find_first_of(L":;"), dialog.size()));
         // The shell's speaks the language of the system.
-        static const std::set<std::wstring> own{
-            L"", L"Splitting", L"Rename", L"Options", L"Go To", L"Statistics of Selection", L"Keys and Mouse"};
+        static const std::set<std::wstring> own{L"",
+                                                L"Splitting",
+                                                L"Rename",
+                                                L"Options",
+                                                L"Go To",
+                                                L"Quillon",
+                                                L"Statistics of Selection",
+                                                L"Keys and Mouse"};
         if (!own.contains(dialog)) dialog = L"of the shell";
         return {{"column", std::to_string(m_global.view->Axis().FirstColumn())},
                 {"zoom", std::to_string(m_global.view->Axis().ZoomIndex())},
