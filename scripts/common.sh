@@ -1,4 +1,4 @@
-# Sourced by run.sh and test.sh: packages, the Wine prefix under build/, and a display.
+# Sourced by the other scripts: packages, the Wine prefix under build/, and a display.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
@@ -47,9 +47,9 @@ start_display() {
     openbox_pid=$!
 }
 
-# The Wine prefix of this checkout, made on first use.
+# A Wine prefix of this checkout, made on first use: build/wine, or the folder below build that is named.
 prepare_wine() {
-    export WINEPREFIX="$root/build/wine" WINEARCH=win64 WINEDEBUG=-all
+    export WINEPREFIX="$root/build/${1:-wine}" WINEARCH=win64 WINEDEBUG=-all
     export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
     # The recycle bin lies in the home folder: tests must not fill the user's.
     export HOME="$root/build/home"
