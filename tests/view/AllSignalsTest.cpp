@@ -1,173 +1,27 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <filesystem>
-#include <random>
 
 #include "norvik/EdfBuilder.h"
 #include "norvik/RecordingLibrary.h"
 #include "norvik/TemporaryFolder.h"
-#include "support/FakeRecording.h"
-#include "view/GraphPicture.h"
 #include "view/Readout.h"
-#include "view/ScaleLabels.h"
-#include "view/WaveformView.h"
+#include "view/StretchFixture.h"
 
 namespace quillon {
 namespace {
 
 using namespace ::quillon::testing;
 
-constexpr std::int32_t kWidth = 140;
-constexpr std::int32_t kHeight = 200;
-__extension__ using Wide = __int128;
-
-/// Graphs of all signals of a stretch.
-class Stretches : public ::testing::Test {
+class AllSignalsTest : public FakeStretches {
   protected:
-    explicit Stretches(RecordingLibrary& library) : m_document(library, m_services) {
-        m_document.SetAllSignals(true);
-        m_view.SetLanes(true);
-    }
-    void Open(const std::u16string& path) {
-        m_view.LeaveBlock();
-        m_document.OpenFile(path, {});
-        m_view.BlockLoaded();
-        m_view.Arrange(kWidth, kHeight);
-    }
-    void LoadBlock(int block) {
-        m_view.LeaveBlock();
-        m_document.LoadBlock(static_cast<std::int16_t>(block));
-        m_view.BlockLoaded();
-        m_view.Arrange(kWidth, kHeight);
-    }
-    [[nodiscard]] std::int32_t Any(std::int64_t below) {
-        return static_cast<std::int32_t>(m_random() % static_cast<std::uint64_t>(below));
-    }
-    /// A page of any length, also of a fraction of a sample of a slow block, at any place.
-    void Show() {
-        const TimeAxis& axis = m_view.Axis();
-        const double rate = m_document.Block().sampleRate;
-        double fastest = rate;
-        for (const OtherBlock& other : m_document.OtherBlocks()) fastest = std::max(fastest, other.block.sampleRate);
-        const double shortest = kWidth / 50.0 / fastest;
-        const double whole = m_document.Block().sampleCount / rate;
-        std::uniform_real_distribution<double> share(0.0, 1.0);
-        m_view.SelectPage(shortest * std::pow(whole / shortest, share(m_random)));
-        m_view.ScrollBy(Any(std::int64_t{axis.StripLength()} + 1) - axis.FirstColumn());
-    }
-    [[nodiscard]] GraphScene Scene() {
-        GraphScene scene{m_document.Block(), m_view.Axis(), m_view.GetLanes(), m_view.Extremes()};
-        scene.gridStyle = m_gridStyle;
-        scene.gridColumns = GridColumns(m_view.Axis(), m_document.Block(), m_format);
-        scene.others = m_view.OtherBlocks();
-        return scene;
-    }
-    [[nodiscard]] std::vector<std::uint32_t> Drawn() {
-        std::vector<std::uint32_t> image(std::size_t{kWidth} * kHeight);
-        GraphPicture picture;
-        picture.SetPixels(image.data(), kWidth, kHeight);
-        picture.Draw(Scene());
-        return image;
-    }
-    /// The points of a signal by a plain loop over all its samples. Sample s holds from s n / n' on, in samples of the
-    /// loaded block; a column c begins at c q.
-    [[nodiscard]] std::vector<TracePoint> Plain(const Signal& signal) const {
-        const TimeAxis& axis = m_view.Axis();
-        const Wide dividend = static_cast<Wide>(axis.Grid().Dividend()) * signal.block.sampleCount;
-        const Wide divisor = static_cast<Wide>(axis.Grid().Divisor()) * axis.SampleCount();
-        std::vector<std::int16_t> codes(static_cast<std::size_t>(signal.block.sampleCount));
-        signal.block.block->ReadCodes(signal.channel, 0, signal.block.sampleCount, codes.data());
-        std::vector<TracePoint> points;
-        for (std::int32_t column = 0; column < kWidth; ++column) {
-            const Wide strip = axis.FirstColumn() + column;
-            if (strip >= axis.StripLength()) break;
-            const auto holds = [&](Wide at) { return static_cast<std::int64_t>(at * dividend / divisor); };
-            const std::int64_t first = holds(strip);
-            EXPECT_TRUE(first * divisor <= strip * dividend && strip * dividend < (first + 1) * divisor);
-            if (dividend <= divisor) {
-                if (strip == 0 || holds(strip - 1) < first)
-                    points.push_back({column, codes[static_cast<std::size_t>(first)]});
-                continue;
-            }
-            const std::int64_t end = std::min<std::int64_t>(holds(strip + 1), signal.block.sampleCount);
-            const auto [from, to] = std::pair(codes.begin() + first, codes.begin() + end);
-            const auto highest = std::max_element(from, to);
-            const auto lowest = std::min_element(from, to);
-            points.push_back({column, lowest < highest ? *lowest : *highest});
-            points.push_back({column, lowest < highest ? *highest : *lowest});
-        }
-        return points;
-    }
-    void ExpectPlainColumns() {
-        const SceneBlocks blocks = Scene().Blocks();
-        for (const SignalGroup& group : GroupsOf(blocks, ChannelsOf(m_view.GetLanes()))) {
-            TraceReader reader;
-            reader.Read(*group.of.block.block, group.of.extremes, group.channels,
-                        group.Stretch(m_view.Axis(), 0, kWidth));
-            ASSERT_EQ(reader.Failure(), "");
-            for (std::size_t at = 0; at < group.channels.size(); ++at) {
-                const auto number = static_cast<std::int16_t>(group.of.before + group.channels[at]);
-                std::vector<TracePoint> seen;
-                for (const TracePoint& point : reader.points()[at])
-                    if (point.x >= 0 && point.x < kWidth) seen.push_back(point);
-                ASSERT_EQ(seen, Plain(m_document.GetSignal(number))) << "page " << m_view.Axis().PageSeconds();
-            }
-        }
-    }
-    /// Scrolled and drawn in slices it is what is drawn at once.
-    void ExpectScrollingCopies() {
-        std::vector<std::uint32_t> image(std::size_t{kWidth} * kHeight);
-        GraphPicture picture;
-        picture.SetPixels(image.data(), kWidth, kHeight);
-        picture.SetPatience(std::chrono::milliseconds(Any(2) == 0 ? 0 : 100000));
-        picture.Draw(Scene());
-        for (int step = 0; step < 3; ++step) {
-            const ViewChange change = m_view.ScrollBy(Any(2 * kWidth) - kWidth);
-            picture.Scroll(Scene(), change.scrolled);
-            for (int slice = 0; picture.IsIncomplete() && slice < 3000; ++slice) picture.DrawMore(Scene());
-            ASSERT_FALSE(picture.IsIncomplete());
-            ASSERT_TRUE(image == Drawn()) << "page " << m_view.Axis().PageSeconds();
-        }
-    }
-
-    std::mt19937_64 m_random{51};
-    FakeServices m_services;
-    Document m_document;
-    WaveformView m_view{m_document};
-    FormatOptions m_format;
-    GridStyle m_gridStyle = GridStyle::Lines;
-};
-
-struct FakeFiles {
-    FakeLibrary fakes;
-};
-
-class AllSignalsTest : public FakeFiles, public Stretches {
-  protected:
-    AllSignalsTest() : Stretches(fakes) {}
     /// A recording of so many records, one block for each number of samples per record.
     void Make(const std::vector<std::int32_t>& perRecord, std::int32_t records, std::size_t channels) {
         m_blocks.clear();
         for (const std::int32_t samples : perRecord) {
-            auto block = std::make_shared<FakeBlock>();
-            block->rate = samples;
-            block->framed = Any(2) == 0;
-            block->offersExtremes = Any(8) != 0;
-            block->pieceSamples = 1 + Any(300000);
-            for (std::size_t at = 0; at < channels; ++at) {
-                auto& codes = block->samples.emplace_back(static_cast<std::size_t>(samples * records));
-                const std::int32_t reach = 2 + Any(60);
-                for (auto& code : codes) code = static_cast<std::int16_t>(Any(500) == 0 ? Any(400) - 200 : Any(reach));
-                block->titles.push_back(u"T" + std::u16string(1, static_cast<char16_t>(u'a' + m_blocks.size())));
-            }
-            m_blocks.push_back(std::move(block));
+            const std::u16string title{u'T', static_cast<char16_t>(u'a' + m_blocks.size())};
+            m_blocks.push_back(Noise(channels, samples * records, samples));
+            m_blocks.back()->titles.assign(channels, title);
         }
-        const auto recording = std::make_shared<FakeRecording>();
-        recording->name = u"C:\\a.fake";
-        recording->blocks = m_blocks;
-        fakes.files[recording->name] = recording;
-        Open(recording->name);
+        OpenBlocks(m_blocks);
     }
     std::int64_t TakeRead() {
         std::int64_t read = 0;
@@ -213,6 +67,8 @@ TEST_F(AllSignalsTest, EveryColumnOfEverySignalIsThatOfAPlainLoop) {
             Show();
             m_format.sampleIndexes = view % 3 == 1;
             m_format.timeOfDay = view % 3 == 2;
+            m_gridStyle = static_cast<GridStyle>(view % 3);
+            m_view.SetClip(view % 2 == 0);
             m_view.ScrollLanes(Any(5) - 2);
             ASSERT_NO_FATAL_FAILURE(ExpectPlainColumns()) << round;
             ASSERT_NO_FATAL_FAILURE(ExpectScrollingCopies()) << round;
@@ -222,7 +78,11 @@ TEST_F(AllSignalsTest, EveryColumnOfEverySignalIsThatOfAPlainLoop) {
 
 TEST_F(AllSignalsTest, AnotherBlockOfTheStretchShowsTheSameTimeAndReadsNothingAgain) {
     Make({1, 200, 64, 10}, 1000, 2);
-    for (const auto& block : m_blocks) block->offersExtremes = true;
+    for (const auto& block : m_blocks) {
+        block->offersExtremes = true;
+        block->marks.clear();  // those of the loaded block are drawn
+    }
+    LoadBlock(0);
     m_view.SetClip(true);
     m_view.FindData();
     m_gridStyle = GridStyle::None;  // its lines lie at samples of the loaded block
