@@ -16,7 +16,6 @@
 #include "app/StringIds.h"
 #include "app/ValuesReadout.h"
 #include "app/ViewTables.h"
-#include "support/FakeRecording.h"
 #include "support/ViewFixture.h"
 
 namespace quillon {
@@ -199,9 +198,7 @@ TEST_F(ValuesReadoutTest, TellsAnewOnlyWhatIsNotSoAnyLonger) {
 }
 
 TEST_F(ValuesReadoutTest, APlaceIsToldAsLongAsItIsVisible) {
-    auto block = std::make_shared<FakeBlock>();
-    block->samples.assign(2, std::vector<std::int16_t>(100000, 7));
-    Load(block);
+    Load(Sevens(2));
     const auto details = m_document.File().fileInfo;
     m_values.TellHover(6, {});
     m_view.ScrollBy(3);
@@ -238,8 +235,7 @@ TEST_F(ValuesReadoutTest, ARangeIsToldAsLongAsItIsSelected) {
 }
 
 TEST_F(ValuesReadoutTest, ARangeIsCompletedWhileItIsSelected) {
-    auto block = std::make_shared<FakeBlock>();
-    block->samples.assign(2, std::vector<std::int16_t>(100000, 7));
+    const auto block = Sevens(2);
     block->pieceSamples = 10000;
     Load(block);
     m_view.SelectBlock();

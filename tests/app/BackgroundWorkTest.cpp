@@ -159,9 +159,7 @@ TEST_F(BackgroundWorkTest, ALoadedBlockIsPreparedReadOnAndSummarisedAndEscapeDro
 }
 
 TEST_F(BackgroundWorkTest, TheOtherBlocksOfTheStretchFollowTheLoadedOne) {
-    const auto slow = std::make_shared<FakeBlock>();
-    slow->rate = 10.0;
-    slow->samples.assign(3, std::vector<std::int16_t>(10000, 7));
+    const auto slow = Sevens(3, 10000, 10.0);
     slow->provisional = {2.0F, 2.0F, 2.0F};
     slow->stepsLeft = 3;
     slow->pieceSamples = 10000;

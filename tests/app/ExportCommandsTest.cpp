@@ -39,9 +39,7 @@ class ExportCommandsTest : public ViewFixture {
     };
 
     ExportCommandsTest() {
-        auto block = std::make_shared<FakeBlock>();
-        block->samples.assign(10, std::vector<std::int16_t>(100, 7));
-        Load(block);
+        Load(Sevens(10, 100));
         m_commands.onDialog = [] {};
         m_commands.onWork = [](const std::function<void()>& work) { work(); };
         m_commands.onPrepare = [] { return true; };

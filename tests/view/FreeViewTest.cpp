@@ -17,12 +17,6 @@ class FreeViewTest : public ViewFixture {
         m_view.SetLanes(true);
         EXPECT_TRUE(m_axis.IsFree());
     }
-    std::shared_ptr<FakeBlock> Make(std::size_t channels, std::int32_t samples, double rate) {
-        auto block = std::make_shared<FakeBlock>();
-        block->samples.assign(channels, std::vector<std::int16_t>(static_cast<std::size_t>(samples), 7));
-        block->rate = rate;
-        return block;
-    }
     [[nodiscard]] SampleSpan Visible() const { return m_axis.Visible(); }
     std::mt19937 m_random{41};
 };
@@ -55,7 +49,7 @@ TEST_F(FreeViewTest, ChangingBetweenOneAxisAndLanesKeepsThePlace) {
 
 TEST_F(FreeViewTest, PagesAreExactAndEpochsStayEpochs) {
     for (const double rate : {100.0, 199.98, 1.0, 4096.5}) {
-        Load(Make(2, 100000, rate));
+        Load(Sevens(2, 100000, rate));
         const double seconds = 30.0;
         m_view.SelectPage(seconds);
         const double page = std::min(seconds * rate, 100000.0);
@@ -79,7 +73,7 @@ TEST_F(FreeViewTest, ThePageIsRememberedAcrossBlocksAndFiles) {
     EXPECT_NEAR(m_axis.ChosenPage(), 5.0, 1e-9) << "taken over from one sample per column";
     m_view.SelectPage(10.0);
     const auto page = [&](std::size_t channels, std::int32_t samples, double rate) {
-        Load(Make(channels, samples, rate));
+        Load(Sevens(channels, samples, rate));
         return m_axis.PageSeconds();
     };
     EXPECT_EQ(page(2, 100000, 256.0), 10.0);
@@ -118,7 +112,7 @@ TEST_F(FreeViewTest, FitsAreExact) {
         const auto band = BandOf(m_axis, {first - 1, count});
         ASSERT_TRUE(band->left <= 1 + columns && band->right >= 498 - columns) << count;
     }
-    Load(Make(2, 3, 100.0));
+    Load(Sevens(2, 3, 100.0));
     m_view.FitBlock();
     EXPECT_EQ(Visible(), (SampleSpan{0, 3}));
     EXPECT_EQ(m_axis.StripLength(), 500) << "the whole block, even at more than fifty columns per sample";
@@ -191,7 +185,7 @@ TEST_F(FreeViewTest, BackRestoresViewsExactly) {
     Load(std::static_pointer_cast<FakeBlock>(m_document.Block().block));
     m_view.Restore(state);
     EXPECT_EQ(Visible(), seen) << "after a reload";
-    Load(Make(1, 100000, 100.0));
+    Load(Sevens(1));
     m_view.Restore(state);
     EXPECT_EQ(Visible().first, seen.first) << "the recording has one channel now";
     EXPECT_GT(Visible().count, 0);

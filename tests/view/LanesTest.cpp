@@ -1,16 +1,12 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <random>
 #include <set>
 
 #include "data/ChannelSelection.h"
-#include "support/FakeRecording.h"
+#include "support/ViewFixture.h"
 #include "view/GraphGestures.h"
 #include "view/LaneFits.h"
-#include "view/ScaleSteps.h"
 #include "view/TraceMapping.h"
-#include "view/WaveformView.h"
 
 namespace quillon {
 namespace {
@@ -20,7 +16,7 @@ using namespace ::quillon::testing;
 constexpr std::int32_t kWidth = 500;
 
 /// Blocks of channels with titles, units and scales of their own, in a graph of kWidth columns with lanes.
-class LanesTest : public ::testing::Test {
+class LanesTest : public EmptyViewFixture {
   protected:
     struct Wave {
         std::u16string title;
@@ -48,15 +44,7 @@ class LanesTest : public ::testing::Test {
         return block;
     }
     void Load(const std::shared_ptr<FakeBlock>& block, std::int32_t height = 400) {
-        const auto recording = std::make_shared<FakeRecording>();
-        recording->name = u"C:\\a.fake";
-        recording->blocks = {block};
-        m_library.files[recording->name] = recording;
-        m_document.CloseCurrentFile();
-        m_document.OpenFile(recording->name, {});
-        m_view.LeaveBlock();
-        m_view.BlockLoaded();
-        m_view.Arrange(kWidth, height);
+        EmptyViewFixture::Load(block, height);
         m_height = height;
     }
     [[nodiscard]] std::int32_t Any(std::int32_t below) {
@@ -96,10 +84,6 @@ class LanesTest : public ::testing::Test {
         }
     }
     std::mt19937 m_random{7};
-    FakeLibrary m_library;
-    FakeServices m_services;
-    Document m_document{m_library, m_services};
-    WaveformView m_view{m_document};
     GraphGestures m_gestures{m_view};
     std::int32_t m_height = 0;
 };
@@ -156,6 +140,7 @@ TEST_F(LanesTest, EveryShownChannelHasOneLaneAndBackRestoresAllOfThem) {
         ASSERT_EQ(all, std::set<std::int16_t>(shown.begin(), shown.end()));
     }
     // A channel by itself has no other lanes beside it.
+    m_document.ShowAll(true);
     Load(Make({{u"T", u"V", 0.0, 1.0}}));
     EXPECT_FALSE(m_view.UsesLanes());
     EXPECT_FALSE(m_view.GetLanes()[0].single);

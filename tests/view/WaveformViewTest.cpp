@@ -151,9 +151,7 @@ TEST_F(WaveformViewTest, AReloadedRecordingKeepsItsView) {
     EXPECT_EQ(Seen(), before);
     EXPECT_EQ(m_view.Selected().Last(), 90000);
     for (const std::int32_t samples : {70000, 300}) {
-        auto shorter = std::make_shared<FakeBlock>();
-        shorter->samples.assign(1, std::vector<std::int16_t>(static_cast<std::size_t>(samples)));
-        Load(shorter);
+        Load(Sevens(1, samples));
         m_view.Restore(state);
         EXPECT_GT(m_axis.Visible().count, 0);
         EXPECT_EQ(m_view.Selected().active, samples == 70000);
