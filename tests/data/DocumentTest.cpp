@@ -173,26 +173,6 @@ TEST_F(DocumentTest, LoadingReadsChannelsSlotsAndMarks) {
     EXPECT_EQ(m_document.Slots()[0].title, u"Канал 1");
 }
 
-TEST_F(DocumentTest, FinalScalesAreTakenOverWhenThePassEnds) {
-    auto block = Block(u"b");
-    block->scales = {0.25F, 0.5F};
-    block->provisional = {2.0F, 0.5F};
-    block->stepsLeft = 3;
-    Open(u"one.fake", {block, Block(u"other")});
-    EXPECT_THAT(m_block.invScale, ElementsAre(0.5F, 2.0F));
-    for (int step = 0; step < 2; ++step) EXPECT_EQ(m_document.PrepareMore(), PrepareStep::More);
-    EXPECT_THAT(m_block.invScale, ElementsAre(0.5F, 2.0F));
-    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::DoneRescaled);
-    EXPECT_THAT(m_block.invScale, ElementsAre(4.0F, 2.0F));
-    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::Done);
-    block->provisional = block->scales;
-    block->stepsLeft = 1;
-    m_document.LoadBlock(0);
-    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::Done) << "the first guess was right";
-    m_document.CloseCurrentFile();
-    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::Done);
-}
-
 TEST_F(DocumentTest, WhatOpeningLeftOutIsTakenOverAsItIsRead) {
     const auto second = Block(u"second");
     Open(u"one.fake", {Block(u"first"), second});

@@ -189,6 +189,8 @@ TEST_F(SignalsTest, ScalesOfAllBlocksBecomeFinal) {
     for (std::int16_t number = 1; number <= 3; ++number)
         EXPECT_EQ(m_document.GetSignal(number).block.invScale[0], 2.0F);
     EXPECT_EQ(m_document.PrepareMore(), Done);
+    m_document.CloseCurrentFile();
+    EXPECT_EQ(m_document.PrepareMore(), Done);
 }
 
 /// While the rest of a recording is read, the blocks of its last stretch grow together.
