@@ -11,7 +11,6 @@
 #include "base/Text.h"
 #include "export/EdfLimits.h"
 #include "export/KVExport.h"
-#include "export/QL_Export.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"

@@ -53,13 +53,7 @@ class SparseSource final : public ByteSource {
 };
 
 /// Random numbers of 32 bits.
-struct Dice {
-    using result_type = std::uint32_t;
-    static constexpr std::uint32_t min() { return 0; }
-    static constexpr std::uint32_t max() { return 0xFFFFFFFF; }
-    std::uint32_t operator()() { return static_cast<std::uint32_t>(engine()); }
-    std::mt19937 engine;
-};
+using Dice = std::independent_bits_engine<std::mt19937, 32, std::uint32_t>;
 
 std::vector<float> ScalesOf(const RecordingBlock& block) {
     std::vector<float> scales;
@@ -110,7 +104,7 @@ struct WideFile {
 };
 
 TEST(ScalesInSteps, AnyOrderOfStepsEndsWithTheScalesOfOnePass) {
-    Dice random{std::mt19937(20240607)};
+    Dice random(20240607);
     for (const auto kind : {std::optional(SampleKind::Int24), std::optional(SampleKind::Float32),
                             std::optional(SampleKind::Float64), std::optional<SampleKind>()}) {
         for (const bool fails : {false, true}) {
@@ -192,7 +186,7 @@ TEST(ScalesInSteps, ProvisionalOnesKeepSixteenBitsExactlyAndLeaveRoomForTwiceWha
 /// An EDF+ of many records, all zeros but for their annotations, and what it must give.
 struct AnnotatedFile {
     /// `gaps`: discontinuous, a gap before about one record in `gaps`.
-    AnnotatedFile(std::size_t records, std::size_t samples, unsigned gaps, unsigned seed) : random{std::mt19937(seed)} {
+    AnnotatedFile(std::size_t records, std::size_t samples, unsigned gaps, unsigned seed) : random(seed) {
         EdfBuilder header{.reserved = gaps > 0 ? "EDF+D" : "EDF+C", .records = std::to_string(records)};
         header.recordCount = 0;
         header.signals = {{.samplesPerRecord = samples}, {.samplesPerRecord = 2 * samples}};
@@ -356,7 +350,7 @@ TEST(AnnotationsInSteps, AFailedReadKeepsWhatWasFound) {
 }
 
 TEST(EdfMarks, WhatIsLeftOutForWantOfMemoryDoesNotDependOnTheOrder) {
-    Dice random{std::mt19937(3)};
+    Dice random(3);
     for (int round = 0; round < 30; ++round) {
         std::vector<std::vector<EdfAnnotation>> parts(12);
         for (auto& part : parts) {

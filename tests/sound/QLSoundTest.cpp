@@ -5,7 +5,6 @@
 #include <limits>
 #include <optional>
 
-#include "base/Text.h"
 #include "kvsound/private/PlayPosition.h"
 #include "support/FakeRecording.h"
 

@@ -18,18 +18,9 @@ namespace {
 
 using namespace ::quillon::testing;
 
-/// Counts what was read.
-struct ValueBlock : FakeBlock {
-    std::int32_t ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) override {
-        read += count;
-        return FakeBlock::ReadValues(channel, first, count, buffer);
-    }
-    std::int64_t read = 0;
-};
-
-ValueBlock Tones(int samples) {
+FakeBlock Tones(int samples) {
     std::mt19937 random(17);
-    ValueBlock block;
+    FakeBlock block;
     block.samples.resize(1);
     for (int at = 0; at < samples; ++at) {
         const double tone = 900.0 * std::sin(at * 0.7) + 60.0 * std::sin(at * (2.1 + at * 1e-5));
@@ -41,7 +32,7 @@ ValueBlock Tones(int samples) {
 constexpr ValueRange kLimits{-500.0F, 500.0F};
 
 /// One column on its own: where its frame lies, the window of equal gain and the scale. The batch has tests of its own.
-std::vector<std::uint8_t> Column(ValueBlock& block, const SpectrumSettings& settings, std::int64_t column,
+std::vector<std::uint8_t> Column(FakeBlock& block, const SpectrumSettings& settings, std::int64_t column,
                                  std::int64_t hop) {
     const std::int64_t length = std::int64_t{1} << settings.order;
     const std::int64_t samples = block.SampleCount();
@@ -73,7 +64,7 @@ TEST(QL_FFT, AnyWayOfScrollingEqualsComputingEveryColumnAlone) {
         // Longer than the transform, shorter than it, and too short for it; frames that would end one sample too far
         // are among them.
         constexpr std::array samples{5015, 687, 161};
-        ValueBlock block = Tones(samples[static_cast<std::size_t>(kind + kind / 3) % 3]);
+        FakeBlock block = Tones(samples[static_cast<std::size_t>(kind + kind / 3) % 3]);
         const auto window = static_cast<std::int16_t>(kind / 3);
         SpectrumSettings settings{
             .type = static_cast<std::int16_t>(window % 2), .window = window, .order = 5 + kind % 3 * 3};
@@ -87,9 +78,9 @@ TEST(QL_FFT, AnyWayOfScrollingEqualsComputingEveryColumnAlone) {
             const std::int32_t width = round % 10 == 9 ? 25 : 31;
             const std::int32_t moves[] = {1, -1, 7, -13, 31, -31, 32, 70, 0};
             first = std::clamp(first + moves[random() % std::size(moves)], 0, 100);
-            block.read = 0;
+            block.samplesRead = 0;
             const std::int32_t computed = fft.FFT_Update(first, width, hop, false);
-            EXPECT_TRUE(computed != 1 || block.read <= (1 << settings.order) + hop) << block.read;
+            EXPECT_TRUE(computed != 1 || block.samplesRead <= (1 << settings.order) + hop) << block.samplesRead;
             for (std::int32_t column = first; column < first + width; ++column) {
                 std::vector<std::uint8_t>& expected = columns[column];
                 if (expected.empty()) expected = Column(block, settings, column, hop);
@@ -108,7 +99,7 @@ TEST(QL_FFT, AnyWayOfScrollingEqualsComputingEveryColumnAlone) {
 
 /// At a rational number of samples per column, also below one, a column shows the sample at which it begins.
 TEST(QL_FFT, ColumnsLieUnderThoseOfAFreeAxis) {
-    ValueBlock block = Tones(3000);
+    FakeBlock block = Tones(3000);
     SpectrumSettings settings{.order = 6};
     QL_FFT fft(settings);
     QL_FFT single(settings);
@@ -137,7 +128,7 @@ TEST(QL_FFT, SettingsAreRepairedAndWhatCannotBeShownStaysBlank) {
     QL_FFT fft(settings);
     fft.FFT_Init(10);
     EXPECT_EQ(std::pair(fft.LevelOf(255), fft.LevelOf(0)), std::pair(0.0, -200.0));
-    ValueBlock block = Tones(1000);
+    FakeBlock block = Tones(1000);
     EXPECT_EQ(fft.FFT_Update(0, 10, 10, true), 0) << "no channel";
     fft.FFT_SetChannel(&block, 0, 1, kLimits);
     EXPECT_FALSE(fft.State().ready);
@@ -164,8 +155,8 @@ TEST(QL_FFT, SettingsAreRepairedAndWhatCannotBeShownStaysBlank) {
 
 TEST(QL_FFT, WhatCouldNotBeReadIsComputedOnceItCanBeWhereverItHasMoved) {
     std::mt19937 random(31);
-    ValueBlock whole = Tones(6000);
-    ValueBlock damaged = whole;
+    FakeBlock whole = Tones(6000);
+    FakeBlock damaged = whole;
     SpectrumSettings settings{.order = 6};
     QL_FFT expected(settings);
     QL_FFT actual(settings);
@@ -205,7 +196,7 @@ TEST(QL_FFT, WhatCouldNotBeReadIsComputedOnceItCanBeWhereverItHasMoved) {
 
 TEST(QL_FFT, ColumnsLeftForLaterAreInTheEndThoseComputedAtOnce) {
     std::mt19937 random(32);
-    ValueBlock block = Tones(9000);
+    FakeBlock block = Tones(9000);
     SpectrumSettings settings{.order = 6};
     QL_FFT patient(settings);
     QL_FFT hasty(settings);
