@@ -95,60 +95,8 @@ TEST(TracePicture, EveryColumnHoldsItsRunOfSamplesAndLinesToItsNeighbours) {
     }
 }
 
-/// With all that the picture consists of: grid, zero levels, marks, traces, bands and arrows.
-TEST(GraphPicture, ScrollingEqualsDrawingAnew) {
-    Noise noise(3);
-    noise.block.offsets[1] = 1e6F;
-    noise.lanes.push_back(noise.lanes[0]);
-    noise.lanes[0].height = noise.lanes[1].height = noise.lanes[1].top = kHeight / 2 - 5;
-    noise.lanes[1].zeroRow += noise.lanes[1].top;
-    noise.lanes[0].channels.pop_back();
-    noise.lanes[1].channels = {3};
-    std::mt19937 random(5);
-    const auto some = [&](std::int32_t below) { return static_cast<std::int32_t>(random() % 65536) % below; };
-    for (std::int32_t at = some(900); at < noise.block.sampleCount; at += some(900))
-        noise.block.marks.push_back({at, {}});
-    const auto arrowsOf = [](const GraphPicture& picture) {
-        std::vector<std::int32_t> places;
-        for (const EdgeArrow& arrow : picture.Arrows(96)) places.push_back(arrow.corners[0].y);
-        return places;
-    };
-    GraphPicture scrolled;
-    Image image(static_cast<std::size_t>(kWidth * kHeight));
-    scrolled.SetPixels(image.data(), kWidth, kHeight);
-    for (int round = 0; round < 60; ++round) {
-        GraphScene scene = noise.Scene();
-        scene.gridStyle = static_cast<GridStyle>(round % 3);
-        scene.gridColor = 0x4080C0;
-        if (round % 6 == 0) noise.axis.SelectZoom(some(8));
-        scrolled.Draw(scene);
-        GraphPicture anew;
-        Image expected(image.size());
-        anew.SetPixels(expected.data(), kWidth, kHeight);
-        for (const GraphBand which : {GraphBand::Selection, GraphBand::Cursor, GraphBand::Play}) {
-            std::optional<ColumnBand> band;
-            if (const std::int32_t left = some(kWidth + 20) - 10; round % 4 != 0) band = {left, left + some(kWidth)};
-            scrolled.SetBand(which, band);
-            anew.SetBand(which, band);
-        }
-        const std::int32_t shift = noise.axis.ScrollBy(some(700) - 350);
-        scrolled.Scroll(scene, shift);
-        anew.Draw(scene);
-        ASSERT_TRUE(image == expected) << round << ", shift " << shift;
-        ASSERT_EQ(arrowsOf(scrolled), arrowsOf(anew));
-        EXPECT_EQ(arrowsOf(anew).size(), noise.axis.Visible().count < 1 ? 0U : 1U);
-        // A band that is removed is erased completely.
-        for (const GraphBand which : {GraphBand::Play, GraphBand::Selection, GraphBand::Cursor}) {
-            scrolled.SetBand(which, {});
-        }
-        GraphPicture plain;
-        plain.SetPixels(expected.data(), kWidth, kHeight);
-        plain.Draw(scene);
-        ASSERT_TRUE(image == expected) << round;
-    }
-}
-
-/// In lanes: clipped or over their neighbours, upside down, in any order, with arrows at the edges of lanes.
+/// With all that the picture consists of: grid, marks and their texts, traces, arrows and bands; lanes clipped or over
+/// their neighbours, upside down, in any order.
 TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
     std::mt19937 random(9);
     const auto some = [&](std::int32_t below) { return static_cast<std::int32_t>(random() % 65536) % below; };
@@ -171,13 +119,16 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
             lane.channels = {order[static_cast<std::size_t>(at)]};
             noise.lanes.push_back(lane);
         }
+        for (std::int32_t at = some(900); at < noise.block.sampleCount; at += some(900))
+            noise.block.marks.push_back({at, {}});
         noise.axis.SelectZoom(some(8));
         GraphScene scene = noise.Scene();
         scene.gridStyle = static_cast<GridStyle>(round % 3);
-        GraphPicture scrolled, anew;
-        Image image(static_cast<std::size_t>(kWidth * kHeight)), expected(image.size());
-        scrolled.SetPixels(image.data(), kWidth, kHeight);
-        anew.SetPixels(expected.data(), kWidth, kHeight);
+        scene.gridColor = 0x4080C0;
+        GraphPicture scrolled, anew, plain;
+        Image image(static_cast<std::size_t>(kWidth * kHeight)), expected(image.size()), without(image.size());
+        for (const auto& [picture, pixels] : {std::pair{&scrolled, &image}, {&anew, &expected}, {&plain, &without}})
+            picture->SetPixels(pixels->data(), kWidth, kHeight);
         // Texts of marks lie over the traces.
         constexpr std::uint32_t textColor = 0x123456;
         const auto isText = [&](std::int32_t column) { return (noise.axis.FirstColumn() + column) % 40 < 9; };
@@ -191,11 +142,23 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
         };
         scrolled.onMarkTexts = drawTexts(image);
         anew.onMarkTexts = drawTexts(expected);
+        plain.onMarkTexts = drawTexts(without);
         scrolled.Draw(scene);
         for (int step = 0; step < 4; ++step) {
+            for (const GraphBand which : {GraphBand::Selection, GraphBand::Cursor, GraphBand::Play}) {
+                std::optional<ColumnBand> band;
+                if (const std::int32_t left = some(kWidth + 20) - 10; some(4) != 0) band = {left, left + some(kWidth)};
+                scrolled.SetBand(which, band);
+                anew.SetBand(which, band);
+            }
             scrolled.Scroll(scene, noise.axis.ScrollBy(some(700) - 350));
             anew.Draw(scene);
             ASSERT_TRUE(image == expected) << round;
+            // A band that is removed is erased completely.
+            for (const GraphBand which : {GraphBand::Play, GraphBand::Selection, GraphBand::Cursor})
+                scrolled.SetBand(which, {});
+            plain.Draw(scene);
+            ASSERT_TRUE(image == without) << round;
             for (std::int32_t column = 0; column < kWidth; ++column)
                 ASSERT_TRUE(!isText(column) || image[static_cast<std::size_t>(5 * kWidth + column)] == textColor);
         }
