@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "app/win/MainWindowFixture.h"
-#include "base/Text.h"
-#include "base/win/WinHandle.h"
 
 namespace quillon {
 namespace {

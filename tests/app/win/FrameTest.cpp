@@ -9,7 +9,6 @@
 
 #include "app/KV_Resources.h"
 #include "app/win/MainWindowFixture.h"
-#include "base/Text.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {

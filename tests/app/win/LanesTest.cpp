@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "app/win/MainWindowFixture.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 namespace {

@@ -7,7 +7,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -139,16 +138,9 @@ class SaveDialogSwitch final : public SaveFileDialog {
     bool Show() override {
         if (answer) return answer(*this);
         SaveFileDialog& fields = *this;
-        const auto copy = [](const SaveFileDialog& from, SaveFileDialog& to) {
-            to.title = from.title;
-            to.filter = from.filter;
-            to.filterIndex = from.filterIndex;
-            to.fileName = from.fileName;
-            to.folder = from.folder;
-        };
-        copy(fields, *m_real);
+        *m_real = fields;
         const bool chosen = m_real->Show();
-        copy(*m_real, fields);
+        fields = *m_real;
         return chosen;
     }
     std::function<bool(SaveFileDialog&)> answer;

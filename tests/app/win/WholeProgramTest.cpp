@@ -15,7 +15,6 @@
 #include "norvik/EdfBuilder.h"
 #include "norvik/win/Registry.h"
 #include "support/FakeRecording.h"
-#include "view/ScaleLabels.h"
 
 namespace quillon {
 namespace {

@@ -13,7 +13,6 @@
 #include "base/Text.h"
 #include "base/win/SystemPath.h"
 #include "dialogs/SplitTemplate.h"
-#include "dialogs/win/SplitFolder.h"
 #include "norvik/OutputFile.h"
 #include "norvik/RecordingLibrary.h"
 #include "support/FakeRecording.h"
