@@ -93,6 +93,19 @@ TEST_F(FreeTraceTest, ATruncatedFileIsShownUpToItsEnd) {
     }
 }
 
+TEST_F(FreeTraceTest, ThePictureDoesNotDependOnHowItCameAbout) {
+    for (int round = 0; round < 60; ++round) {
+        Make(static_cast<std::size_t>(1 + Any(3)), 5 + Any(round % 2 == 0 ? 3000 : 300000));
+        m_view.SetClip(Any(2) == 0);
+        for (std::size_t lane = 0; lane < m_view.GetLanes().size(); ++lane)
+            m_view.MoveLane(lane, Any(kHeight) - kHeight / 2);
+        m_view.ZoomY(Any(5));
+        m_gridStyle = static_cast<GridStyle>(round % 3);
+        Show();
+        ASSERT_NO_FATAL_FAILURE(ExpectScrollingCopies()) << round;
+    }
+}
+
 /// From four columns per sample on a square marks each sample, at the column that pointing at it finds.
 TEST_F(FreeTraceTest, SamplesAreDotsAtTheirColumns) {
     Make(1, 1000);
