@@ -4,8 +4,8 @@
 
 namespace quillon {
 
-/// Contrast of two colours (0xRRGGBB) as the Web Content Accessibility Guidelines 2.1 define it: 1 for equal colours, 21
-/// for black and white. They ask for 4.5 between a text and what is behind it and 3 for parts of pictures.
+/// Contrast of two colours (0xRRGGBB) as the Web Content Accessibility Guidelines 2.1 define it: 1 for equal colours,
+/// 21 for black and white. They ask for 4.5 between a text and what is behind it and 3 for parts of pictures.
 [[nodiscard]] double Contrast(std::uint32_t first, std::uint32_t second);
 
 /// The colour where `share` 0 is the first and 1 the second.
