@@ -32,7 +32,7 @@ class FrameStretch {
     /// Frames that are best reduced at once: they stay in the first-level cache from column to column.
     [[nodiscard]] std::size_t MostFrames() const {
         constexpr std::size_t kSamples = 8192;
-        static_assert(kSamples < kMostGroups);
+        static_assert(kSamples < kMostGroups && kLeastFrames >= kGroupFrames);
         return std::max(kSamples / (kGroupFrames * Width()), std::size_t{1}) * kGroupFrames;
     }
     /// Adds `count` frames, kLeastFrames to MostFrames() of them, to the extremes of each column; `carriesOn` tells

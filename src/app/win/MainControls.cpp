@@ -116,17 +116,6 @@ void NameControls(HWND window, const UserServices& services) {
     }
 }
 
-void PassColors(HWND window) {
-    EnumChildWindows(
-        window,
-        [](HWND child, LPARAM) -> BOOL {
-            SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
-            return TRUE;
-        },
-        0);
-    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
-}
-
 void AddToolTip(HWND control, const std::u16string& text) {
     const HWND window = GetParent(control);
     const HWND tips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0, 0, 0,

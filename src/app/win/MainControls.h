@@ -23,9 +23,6 @@ void MakeBars(HWND window, HFONT font);
 /// is that of their items, a label of no size.
 void NameControls(HWND window, const UserServices& services);
 
-/// The system's colours have changed: lets the controls know, which do not get the message themselves, and draws all.
-void PassColors(HWND window);
-
 /// Gives a control a text that shows when the pointer rests on it.
 void AddToolTip(HWND control, const std::u16string& text);
 

@@ -10,6 +10,7 @@
 #include "base/win/WinHandle.h"
 #include "dialogs/DialogTemplate.h"
 #include "norvik/win/ClipboardWriter.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -233,6 +234,7 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         }
         return TRUE;
     }
+    if (message == WM_SYSCOLORCHANGE) return PassColors(dialog), TRUE;
     if (message != WM_COMMAND) return FALSE;
     switch (LOWORD(wParam)) {
         case kCopy:

@@ -5,6 +5,7 @@
 #include "base/win/PendingMessages.h"
 #include "dialogs/DialogTexts.h"
 #include "dialogs/win/ColorChooser.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -92,6 +93,7 @@ INT_PTR dlgOptions::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             if (reinterpret_cast<const NMHDR*>(lParam)->code == TCN_SELCHANGE)
                 ShowPage(TabCtrl_GetCurSel(GetDlgItem(m_dialog, tabOptions)));
             return TRUE;
+        case WM_SYSCOLORCHANGE: PassColors(m_dialog); return TRUE;
         case WM_HELP:
             if (m_calls.help) m_calls.help(m_dialog);
             return TRUE;

@@ -14,6 +14,17 @@ COLORREF TickColor() {
     return ColorOf(Mixed(SystemColor(COLOR_BTNTEXT), SystemColor(COLOR_BTNFACE), 0.5));
 }
 
+void PassColors(HWND window) {
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM) -> BOOL {
+            SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+            return TRUE;
+        },
+        0);
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
 int ScreenDpi() {
     const WindowDC screen(nullptr);
     return GetDeviceCaps(screen.Get(), LOGPIXELSX);

@@ -19,6 +19,9 @@ namespace quillon {
 /// Of lines beside texts: half as strong as these.
 [[nodiscard]] COLORREF TickColor();
 
+/// For WM_SYSCOLORCHANGE of a window: lets its controls know, which do not get the message themselves, and draws all.
+void PassColors(HWND window);
+
 /// Pixels per inch of the screen.
 [[nodiscard]] int ScreenDpi();
 
