@@ -59,6 +59,23 @@ void ControlLayout::ExpectBars(LayoutInput& input) const {
 }
 
 void ControlLayout::Arrange() {
+    FindPlaces();
+    if (m_mainTools.cx > 0) return PlaceControls(PlacesOf(m_layout));
+    MoveWindow(Control(pbGraph), m_layout.graph.left, m_layout.graph.top, m_layout.graph.width, m_layout.graph.height,
+               FALSE);
+}
+
+bool ControlLayout::ArrangePart(int part) {
+    constexpr std::size_t parts = 3;
+    if (part == 0) FindPlaces();
+    const std::vector<ControlPlace> places = PlacesOf(m_layout);
+    const std::size_t from = places.size() * static_cast<std::size_t>(part) / parts;
+    const std::size_t end = places.size() * static_cast<std::size_t>(part + 1) / parts;
+    PlaceControls(std::span(places).subspan(from, end - from));
+    return end == places.size();
+}
+
+void ControlLayout::FindPlaces() {
     RECT client{};
     GetClientRect(m_window, &client);
     m_size = {client.right, client.bottom};
@@ -75,13 +92,9 @@ void ControlLayout::Arrange() {
     TakeSizes(m_placement, input);
     input.titlesWidth = m_titles;
     m_layout = ArrangeMain(input);
-    if (complete) return PlaceControls();
-    MoveWindow(Control(pbGraph), m_layout.graph.left, m_layout.graph.top, m_layout.graph.width, m_layout.graph.height,
-               FALSE);
 }
 
-void ControlLayout::PlaceControls() const {
-    const std::vector<ControlPlace> places = PlacesOf(m_layout);
+void ControlLayout::PlaceControls(std::span<const ControlPlace> places) const {
     HDWP positions = BeginDeferWindowPos(static_cast<int>(places.size()));
     for (const ControlPlace& place : places) {
         // The height of a drop-down list is that of its open list.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "app/MainSplitters.h"
 #include "base/win/Win32.h"
 
@@ -19,6 +21,9 @@ class ControlLayout {
     void SetTitles(std::int32_t width) { m_titles = width; }
     /// Before the other controls exist only the graph is placed, at its final position.
     void Arrange();
+    /// The same in three parts, numbered from 0, for the start: moving all controls at once takes too long for one
+    /// step. True for the last one.
+    bool ArrangePart(int part);
     /// Whether the layout matches the current client area.
     [[nodiscard]] bool IsArranged() const;
     /// Forces a layout at the next size message, even for the same size.
@@ -40,7 +45,8 @@ class ControlLayout {
     /// Current heights and widths of the controls or, before they exist, the ones they will have.
     void MeasureControls(LayoutInput& input) const;
     void ExpectBars(LayoutInput& input) const;
-    void PlaceControls() const;
+    void FindPlaces();
+    void PlaceControls(std::span<const ControlPlace> places) const;
 
     WindowPlacement& m_placement;
     HWND m_window = nullptr;

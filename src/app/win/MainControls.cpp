@@ -9,6 +9,9 @@ namespace quillon {
 
 namespace {
 
+constexpr DWORD kList = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
+constexpr DWORD kCombo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
+
 /// Makes controls of one window.
 struct Maker {
     HWND window;
@@ -59,20 +62,22 @@ std::wstring DroppedPath(HDROP drop) {
     return path;
 }
 
-void MakeLists(HWND window, HFONT font, const UserServices& services) {
-    constexpr DWORD list = WS_TABSTOP | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT;
-    constexpr DWORD combo = WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST;
+void MakePathLists(HWND window, HFONT font, const UserServices& services) {
     constexpr DWORD channels =
         WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS;
     const Maker make{window, font};
     FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS, services);
-    make(WC_COMBOBOXW, combo, 0, lstDrive);
-    make(WC_LISTBOXW, list, WS_EX_CLIENTEDGE, lstDir);
+    make(WC_COMBOBOXW, kCombo, 0, lstDrive);
+    make(WC_LISTBOXW, kList, WS_EX_CLIENTEDGE, lstDir);
     make(WC_LISTVIEWW, channels, WS_EX_CLIENTEDGE, lvCh);
+}
+
+void MakeFileLists(HWND window, HFONT font, const UserServices& services) {
+    const Maker make{window, font};
     FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES, services);
-    make(WC_COMBOBOXW, combo, 0, cboFileType);
-    make(WC_LISTBOXW, list | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
-    make(WC_LISTBOXW, list | LBS_USETABSTOPS, WS_EX_CLIENTEDGE, lstBlock);
+    make(WC_COMBOBOXW, kCombo, 0, cboFileType);
+    make(WC_LISTBOXW, kList | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
+    make(WC_LISTBOXW, kList | LBS_USETABSTOPS, WS_EX_CLIENTEDGE, lstBlock);
 }
 
 void MakeBars(HWND window, HFONT font) {

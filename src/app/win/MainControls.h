@@ -14,9 +14,10 @@ namespace quillon {
 /// The first of the files and folders that were dropped on a window.
 [[nodiscard]] std::wstring DroppedPath(HDROP drop);
 
-/// Make the controls of the main window that are the system's own, in the order of the Tab key: tabs and lists, then
-/// scroll bars and status bar. Throw std::system_error when one cannot be made.
-void MakeLists(HWND window, HFONT font, const UserServices& services);
+/// Make the controls of the main window that are the system's own, in the order of the Tab key: both pairs of
+/// tabs with their lists, then scroll bars and status bar. Throw std::system_error when one cannot be made.
+void MakePathLists(HWND window, HFONT font, const UserServices& services);
+void MakeFileLists(HWND window, HFONT font, const UserServices& services);
 void MakeBars(HWND window, HFONT font);
 
 /// Gives every control a name for programs that read the screen aloud: a text of its own, or before lists, whose text

@@ -173,13 +173,14 @@ void MainRooms::AttachLists(int dpi) {
     browser.Attach(Window(), dpi);
 }
 
-void MainRooms::CreateRest(HFONT font, int dpi) {
-    const HWND window = Window();
-    if (!graph.CreateRest(window) || !m_valuesPanel.Create(window, pnValues) || !spectrogram.Create(window))
+void MainRooms::CreatePictures() {
+    if (!graph.CreateRest(Window()) || !m_valuesPanel.Create(Window(), pnValues) || !spectrogram.Create(Window()))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
-    status.Attach(GetDlgItem(window, sbInfo), font, dpi);
-    m_complete = true;
-    // The status bar exists from here on.
+}
+
+void MainRooms::CreateRest(HFONT font, int dpi) {
+    status.Attach(GetDlgItem(Window(), sbInfo), font, dpi);
+    m_complete = true;  // the status bar included
     m_texts.ShowPanels();
 }
 

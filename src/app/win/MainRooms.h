@@ -45,6 +45,8 @@ class MainRooms {
     void CreateFirst(HWND window);
     /// Fills the lists of folders, files and channels once they exist.
     void AttachLists(int dpi);
+    /// Creates the pictures beside the graph. Throws as CreateFirst.
+    void CreatePictures();
     /// Creates the rest, which needs the controls.
     void CreateRest(HFONT font, int dpi);
     [[nodiscard]] bool IsComplete() const { return m_complete; }

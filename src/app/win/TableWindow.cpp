@@ -82,33 +82,37 @@ void InsertColumns(HWND list, const TextTable& table) {
     }
 }
 
-/// Puts the rows into the list; the columns become as wide as their widest text. Returns the width of all.
+/// Pixels of texts in the font of a window.
+class TextMeasure {
+  public:
+    explicit TextMeasure(HWND window)
+        : TextMeasure(window, reinterpret_cast<HGDIOBJ>(SendMessageW(window, WM_GETFONT, 0, 0))) {}
+    TextMeasure(HWND window, HGDIOBJ font) : m_dc(window), m_select(m_dc.Get(), font) {}
+    [[nodiscard]] int Width(const std::wstring& text) const {
+        SIZE size{};
+        GetTextExtentPoint32W(m_dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+        return size.cx;
+    }
+
+  private:
+    WindowDC m_dc;
+    SelectScope m_select;
+};
+
+/// Tells the list how many rows there are; the columns become as wide as their widest text. Returns the width of all.
+/// The list asks for the cells that it shows (LVN_GETDISPINFO).
 int FillList(HWND list, const TextTable& table, int cellMargins) {
-    const auto width = [&](const std::u16string& text) {
-        return static_cast<int>(SendPointer(list, LVM_GETSTRINGWIDTHW, 0, Wide(text).c_str())) + cellMargins;
-    };
+    const TextMeasure measure(list);
     int all = 0;
     for (std::size_t at = 0; at < table.columns.size(); ++at) {
-        int widest = width(table.columns[at]);
-        for (std::size_t row = 0; row < table.rows.size(); ++row) widest = std::max(widest, width(table.Cell(row, at)));
-        SendMessageW(list, LVM_SETCOLUMNWIDTH, at, widest);
+        int widest = measure.Width(Wide(table.columns[at]));
+        for (std::size_t row = 0; row < table.rows.size(); ++row)
+            widest = std::max(widest, measure.Width(Wide(table.Cell(row, at))));
+        widest += cellMargins;
+        if (ListView_GetColumnWidth(list, at) != widest) SendMessageW(list, LVM_SETCOLUMNWIDTH, at, widest);
         all += widest;
     }
-    while (ListView_GetItemCount(list) > static_cast<int>(table.rows.size()))
-        ListView_DeleteItem(list, ListView_GetItemCount(list) - 1);
-    const int present = ListView_GetItemCount(list);
-    for (std::size_t row = 0; row < table.rows.size(); ++row) {
-        for (std::size_t at = 0; at < table.columns.size(); ++at) {
-            std::wstring cell = Wide(table.Cell(row, at));
-            LVITEMW item{};
-            item.mask = LVIF_TEXT;
-            item.iItem = static_cast<int>(row);
-            item.iSubItem = static_cast<int>(at);
-            item.pszText = cell.data();
-            const bool isNew = at == 0 && static_cast<int>(row) >= present;
-            SendPointer(list, isNew ? LVM_INSERTITEMW : LVM_SETITEMW, 0, &item);
-        }
-    }
+    ListView_SetItemCountEx(list, static_cast<int>(table.rows.size()), LVSICF_NOSCROLL);
     return all;
 }
 
@@ -130,22 +134,13 @@ SIZE ListSize(HWND list, int columnsWidth, SIZE limit) {
     return {std::min(size.cx, limit.cx), std::min(size.cy, limit.cy)};
 }
 
-/// Pixels of a text in a font.
-int TextWidth(HWND window, HGDIOBJ font, const std::wstring& text) {
-    const WindowDC dc(window);
-    const SelectScope select(dc.Get(), font);
-    SIZE size{};
-    GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
-    return size.cx;
-}
-
 /// Client width that leaves room for the title.
 int TitleWidth(HWND dialog) {
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     const GdiFont font(CreateFontIndirectW(&metrics.lfCaptionFont));
-    return TextWidth(dialog, font.Get(), WindowText(dialog)) + 4 * metrics.iCaptionWidth;
+    return TextMeasure(dialog, font.Get()).Width(WindowText(dialog)) + 4 * metrics.iCaptionWidth;
 }
 
 /// The middle of the owner, or of the work area, moved into the work area.
@@ -161,11 +156,9 @@ void LayOut(HWND dialog, int columnsWidth) {
     const SIZE margin = Pixels(dialog, 7, 7);
     const SIZE gap = Pixels(dialog, 4, 7);
     SIZE button = Pixels(dialog, 50, 14);
-    const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(dialog, WM_GETFONT, 0, 0));
-    for (const int id : {kCopy, IDOK}) {
-        const HWND control = GetDlgItem(dialog, id);
-        button.cx = std::max(button.cx, TextWidth(control, font, WindowText(control)) + 2 * margin.cx);
-    }
+    const TextMeasure measure(dialog);
+    for (const int id : {kCopy, IDOK})
+        button.cx = std::max(button.cx, measure.Width(WindowText(GetDlgItem(dialog, id))) + 2 * margin.cx);
     MONITORINFO monitor{};
     monitor.cbSize = sizeof monitor;
     GetMonitorInfoW(MonitorFromWindow(dialog, MONITOR_DEFAULTTONEAREST), &monitor);
@@ -176,7 +169,7 @@ void LayOut(HWND dialog, int columnsWidth) {
     GetClientRect(dialog, &inner);
     const HWND heading = GetDlgItem(dialog, kHeading);
     const std::wstring line = WindowText(heading);
-    const SIZE lineSize{TextWidth(dialog, font, line), line.empty() ? 0 : Pixels(dialog, 0, 8).cy};
+    const SIZE lineSize{measure.Width(line), line.empty() ? 0 : Pixels(dialog, 0, 8).cy};
     const LONG top = margin.cy + (line.empty() ? 0 : lineSize.cy + gap.cy / 2);
     const SIZE around{SizeOf(outer).cx - inner.right + 2 * margin.cx,
                       SizeOf(outer).cy - inner.bottom + top + margin.cy + gap.cy + button.cy};
@@ -213,8 +206,44 @@ void Update(HWND dialog) {
     Content& content = ContentOf(dialog);
     const std::vector<std::vector<std::u16string>> before = content.table.rows;
     if (!content.update(content.table)) KillTimer(dialog, kUpdate);
-    if (content.table.rows != before)
-        LayOut(dialog, FillList(GetDlgItem(dialog, kList), content.table, CellMargins(dialog)));
+    if (content.table.rows == before) return;
+    const HWND list = GetDlgItem(dialog, kList);
+    LayOut(dialog, FillList(list, content.table, CellMargins(dialog)));
+    InvalidateRect(list, nullptr, FALSE);
+}
+
+/// The text of a cell, which the list shows.
+void GiveCell(const TextTable& table, LVITEMW& item) {
+    if ((item.mask & LVIF_TEXT) == 0) return;
+    const std::wstring cell =
+        Wide(table.Cell(static_cast<std::size_t>(item.iItem), static_cast<std::size_t>(item.iSubItem)));
+    lstrcpynW(item.pszText, cell.c_str(), item.cchTextMax);
+}
+
+/// The row at or after `first` that begins with the letters that the user has typed, -1 when there is none.
+int RowOf(const TextTable& table, const std::wstring& typed, int first) {
+    const auto begins = [&](int row) {
+        const std::wstring cell = Wide(table.Cell(static_cast<std::size_t>(row), 0));
+        const auto length = static_cast<int>(typed.size());
+        return cell.size() >= typed.size() && CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, cell.c_str(), length,
+                                                             typed.c_str(), length) == CSTR_EQUAL;
+    };
+    const auto count = static_cast<int>(table.rows.size());
+    for (int step = 0; step < count; ++step)
+        if (begins((first + step) % count)) return (first + step) % count;
+    return -1;
+}
+
+INT_PTR OnNotify(HWND dialog, NMHDR* header) {
+    if (header->code == LVN_GETDISPINFOW) {
+        GiveCell(ContentOf(dialog).table, reinterpret_cast<NMLVDISPINFOW*>(header)->item);
+        return TRUE;
+    }
+    if (header->code != LVN_ODFINDITEMW) return FALSE;
+    const auto& search = *reinterpret_cast<NMLVFINDITEMW*>(header);
+    if ((search.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) == 0) return FALSE;
+    SetWindowLongPtrW(dialog, DWLP_MSGRESULT, RowOf(ContentOf(dialog).table, search.lvfi.psz, search.iStart));
+    return TRUE;
 }
 
 INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -235,6 +264,7 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         return TRUE;
     }
     if (message == WM_SYSCOLORCHANGE) return PassColors(dialog), TRUE;
+    if (message == WM_NOTIFY) return OnNotify(dialog, reinterpret_cast<NMHDR*>(lParam));
     if (message != WM_COMMAND) return FALSE;
     switch (LOWORD(wParam)) {
         case kCopy:
@@ -257,8 +287,9 @@ void ShowTable(HWND owner, TextTable shown, const TableUpdate& update) {
     // scroll bars are shown, each takes the room that makes the other one necessary.
     DialogTemplate dialog(table.title, 200, 100);
     dialog.Name(table.title);
-    dialog.Item(Narrow16(WC_LISTVIEWW), WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER,
-                kList, 7, 7, 5000, 5000);
+    dialog.Item(Narrow16(WC_LISTVIEWW),
+                WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_NOSORTHEADER, kList,
+                7, 7, 5000, 5000);
     dialog.Item(DialogTemplate::kStatic, SS_NOPREFIX | SS_ENDELLIPSIS, kHeading, table.heading, 7, 7, 186, 8);
     dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_PUSHBUTTON, kCopy, table.copy, 89, 79, 50, 14);
     dialog.Item(DialogTemplate::kButton, WS_TABSTOP | BS_DEFPUSHBUTTON, IDOK, table.close, 143, 79, 50, 14);

@@ -100,8 +100,13 @@ void Toolbar::Update(const CommandState& state) const {
     }
 }
 
-void Toolbars::Create(HWND parent, int dpi) {
+void Toolbars::CreateMain(HWND parent, int dpi) {
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&controls);
     m_main.Create(parent, tbMain, MainButtons(), dpi);
+}
+
+void Toolbars::CreateGoTo(HWND parent, int dpi) {
     m_goTo.Create(parent, tbGoTo, GoToButtons(), dpi);
 }
 

@@ -37,8 +37,9 @@ class Toolbar {
 /// The two toolbars of the main window and the texts of their tooltips.
 class Toolbars {
   public:
-    /// Throws std::system_error when one cannot be made.
-    void Create(HWND parent, int dpi);
+    // Both throw std::system_error when it cannot be made. The first makes all common controls available.
+    void CreateMain(HWND parent, int dpi);
+    void CreateGoTo(HWND parent, int dpi);
     [[nodiscard]] SIZE MainSize() const { return m_main.Size(); }
     [[nodiscard]] SIZE GoToSize() const { return m_goTo.Size(); }
     void Update(const CommandState& state) const;

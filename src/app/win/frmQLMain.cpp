@@ -185,28 +185,25 @@ void frmQLMain::OnCreate() {
 void frmQLMain::PlanRemainingControls() {
     if (m_window == nullptr) return;
     m_steps.Plan({
-        [this] {
-            INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
-            InitCommonControlsEx(&controls);
-            m_tools.Create(m_window, m_dpi);
-        },
-        [this] { MakeLists(m_window, m_font.Get(), m_services); },
-        [this] {
-            MakeBars(m_window, m_font.Get());
-            m_rooms.AttachLists(m_dpi);
-        },
+        [this] { m_tools.CreateMain(m_window, m_dpi); },
+        [this] { m_tools.CreateGoTo(m_window, m_dpi); },
+        [this] { MakePathLists(m_window, m_font.Get(), m_services); },
+        [this] { MakeFileLists(m_window, m_font.Get(), m_services); },
+        [this] { MakeBars(m_window, m_font.Get()); },
+        [this] { m_rooms.AttachLists(m_dpi); },
+        [this] { m_rooms.CreatePictures(); },
         [this] {
             m_rooms.CreateRest(m_font.Get(), m_dpi);
             // With a recording open, show the page of channels rather than that of folders.
             SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
             DragAcceptFiles(m_window, TRUE);
-        },
-        [this] {
             m_layout.SetToolSizes(m_tools.MainSize(), m_tools.GoToSize());
-            if (!IsIconic(m_window)) Arrange();
         },
+        [this] { ArrangePart(0); },
+        [this] { ArrangePart(1); },
+        [this] { ArrangePart(2); },
+        [this] { m_rooms.ShowAll(); },
         [this] {
-            m_rooms.ShowAll();
             AddToolTip(m_rooms.browser.PathList(), m_services.Text(IDS_TIP_PATHLIST));
             NameControls(m_window, m_services);
         },
@@ -280,6 +277,11 @@ void frmQLMain::Arrange() {
     m_layout.SetTitles(m_rooms.graph.TitlesWidth());
     m_layout.Arrange();
     SizesChanged();
+}
+
+void frmQLMain::ArrangePart(int part) {
+    if (part == 0) m_layout.SetTitles(m_rooms.graph.TitlesWidth());
+    if (!IsIconic(m_window) && m_layout.ArrangePart(part)) SizesChanged();
 }
 
 void frmQLMain::SizesChanged() {

@@ -85,6 +85,7 @@ class frmQLMain {
     bool OnSetCursor(HWND child) const;
     void ShowContextMenu(POINT screen);
     void Arrange();
+    void ArrangePart(int part);
     /// The sizes of controls have changed: lays them out again.
     void SizesChanged();
 

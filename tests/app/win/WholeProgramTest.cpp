@@ -63,8 +63,8 @@ class User {
     void Run(const std::function<void(User&)>& acts) {
         EXPECT_TRUE(WaitUntil([&] {
             m_window = FindWindowW(L"frmQLMain", nullptr);
-            // The status bar is made after the lists.
-            return m_window != nullptr && IsWindowVisible(m_window) && Control(sbInfo) != nullptr;
+            // The controls get their names when all of them are made and filled.
+            return m_window != nullptr && IsWindowVisible(m_window) && GetWindowTextLengthW(Control(pnValues)) > 0;
         }));
         acts(*this);
         PostCommand(mnuExit);
