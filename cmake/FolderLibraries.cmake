@@ -56,7 +56,7 @@ add_custom_target(check_layers ALL DEPENDS layers_checked)
 
 # On 64-bit Windows, GCC takes the stack for aligned to 32 bytes where it is only to 16: no moves that need alignment.
 if(WIN32)
-  set_property(SOURCE lib/nsp/kernels/Kernels16.cpp APPEND PROPERTY COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
+  set_property(SOURCE lib/nsp/kernels/Kernels16.cpp lib/nsp/kernels/Sections4.cpp APPEND PROPERTY COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
 endif()
 
 # What the parts in win/ call of Windows beyond what the compiler links by itself.
