@@ -10,14 +10,14 @@ set(quillon_folders
   "lib/norvik|base nsp"
   "lib/kvsound|base"
   "src/format|base"
-  "src/data|base nsp norvik"
+  "src/data|base nsp norvik format"
   "src/view|base nsp norvik format data"
   "src/spectrum|base nsp norvik format data view"
-  "src/export|base norvik format data view"
+  "src/export|base nsp norvik format data view"
   "src/sound|base norvik kvsound data"
-  "src/dialogs|base norvik format data view spectrum export"
-  "src/cli|base norvik format data view spectrum export"
-  "src/app|base norvik kvsound format data view spectrum export sound dialogs")
+  "src/dialogs|base nsp norvik format data view spectrum export"
+  "src/cli|base nsp norvik format data view spectrum export"
+  "src/app|base nsp norvik kvsound format data view spectrum export sound dialogs")
 
 # Sets `folder` to the path, `own` to its name and `allowed` to the names of a line of the list.
 macro(read_folder_line line)

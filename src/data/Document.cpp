@@ -116,10 +116,17 @@ void Document::LoadBlock(std::int16_t index) {
     if (index >= 0 && m_file.recording) {
         Resume([&] { m_block.block = m_file.recording->GetBlock(static_cast<std::int16_t>(index + 1)); });
         if (m_block.block) m_file.currentBlockIndex = index;
+        m_block.stored = m_block.block;
     }
     FillBlock();
     FindStretch();
     m_coversTheSame = before.block != nullptr && Stretch::CoverTheSame(before, m_block);
+}
+
+bool Document::ShowAs(const ShownSettings& settings) {
+    if (settings == m_shownAs) return false;
+    m_shownAs = settings;
+    return true;
 }
 
 void Document::KeepShown() {
@@ -229,7 +236,7 @@ ReadStep Document::ReadMore(std::int32_t nearSample) {
         step.signalsChanged = m_stretch.Find(recording, m_file.currentBlockIndex, m_block, m_texts);
     if (grown && (!step.more || std::int64_t{4} * block->SampleCount() >= std::int64_t{5} * m_block.sampleCount)) {
         m_block = ViewBlock{};
-        m_block.block = std::move(block);
+        m_block.block = m_block.stored = std::move(block);
         FillBlock();
         FindStretch();
         step.grown = step.marksChanged = step.signalsChanged = true;

@@ -7,6 +7,7 @@
 
 #include "data/FileStamp.h"
 #include "data/QL_Types.h"
+#include "data/ShownSettings.h"
 #include "data/Stretch.h"
 #include "data/UserServices.h"
 #include "norvik/NorvikCore.h"
@@ -44,10 +45,13 @@ class Document {
     [[nodiscard]] const ViewBlock& Block() const { return m_block; }
     [[nodiscard]] const ChannelSlots& Slots() const { return m_slots; }
     [[nodiscard]] std::int16_t CurrentChannel() const { return m_currentChannel; }
+    /// How the blocks of the stretch are shown: what Block().block gives.
+    [[nodiscard]] const ShownSettings& Shown() const { return m_shownAs; }
+    /// Shows them otherwise from now on, those of other recordings too. Returns whether that changes any signal.
+    bool ShowAs(const ShownSettings& settings);
     [[nodiscard]] bool IsSolo() const { return m_shownBeforeSolo.has_value(); }
 
-    /// Whether that is the open file, under its name or under one that differs in letter case only and leads to it.
-    /// `stamp` is that of the path.
+    /// Whether that is the open file, under its name or one that differs in letter case only. `stamp` is the path's.
     [[nodiscard]] bool IsOpen(const std::u16string& path, const FileStamp& stamp) const;
     /// Closes what is open, opens a recording and loads its first block. False when it is refused: then no file is
     /// open, and File().refusal says why. `stamp` is that of the path from just before.
@@ -57,9 +61,8 @@ class Document {
     /// Loads the block at a position from 0 and prepares it quickly; -1: none. Library failures are not reported: every
     /// step runs, and a failed one leaves its field empty. The first channel becomes the current one, and a solo ends.
     void LoadBlock(std::int16_t index);
-    /// Makes the next step of the pass that finds the final scales of the loaded block. They are taken over when it
-    /// ends; what was drawn or computed from codes before is then to be made anew where they differ.
-    /// Blocks of the stretch follow one after the other, the loaded one first; each ends with Done or DoneRescaled.
+    /// Makes the next step of the pass that finds the final scales of the loaded block, then of the others, each ending
+    /// with Done or DoneRescaled: what was drawn or computed from codes before is then to be made anew.
     PrepareStep PrepareMore();
     /// The block that PrepareMore goes on with; null where all scales are final.
     [[nodiscard]] const RecordingBlock* Provisional();
@@ -67,11 +70,11 @@ class Document {
     /// shown channels and the current one stay. A block that grows is loaded again, and many marks are loaded, only
     /// from time to time, so that a step stays short.
     ReadStep ReadMore(std::int32_t nearSample);
-    /// The lines of the block list: title or, where it is empty, start time, a tab, the number from 1. Without the
-    /// first `after` ones.
+    /// The lines of the block list without the first `after` ones: title or, where that is empty, start time, a tab,
+    /// the number from 1.
     [[nodiscard]] std::vector<std::u16string> BlockTitles(int after = 0) const;
 
-    /// Path of the file that was opened or refused last; empty after it was closed.
+    /// The file that was opened or refused last; empty after it was closed.
     [[nodiscard]] const std::u16string& LastPath() const { return m_lastPath; }
     /// Whether the stamp shows that the file was replaced or changed. Without a user request (`asked` false) the
     /// changed stamp has to be equal in two successive checks, since another program may still be writing.
@@ -133,6 +136,7 @@ class Document {
     std::int16_t m_currentChannel = 1;
     std::optional<ShownSignals> m_shownBeforeSolo;
     Stretch m_stretch;
+    ShownSettings m_shownAs;
     bool m_allSignals = false;
     bool m_coversTheSame = false;
     std::optional<std::size_t> m_place;  ///< in its stretch, of the block whose flags the slots have

@@ -33,10 +33,11 @@ struct BlockMark {
 
 /// The loaded block.
 struct ViewBlock {
-    std::shared_ptr<RecordingBlock> block;
-    std::int32_t sampleCount = 0;  ///< per channel
-    double sampleRate = 0.0;       ///< Hz; the time of sample n is n / sampleRate seconds
-    double startTime = 0.0;        ///< automation date of the first sample
+    std::shared_ptr<RecordingBlock> block;        ///< as it is shown: filtered, with a reference
+    std::shared_ptr<RecordingBlock> stored = {};  ///< as it is recorded; what is saved, played and analysed
+    std::int32_t sampleCount = 0;                 ///< per channel
+    double sampleRate = 0.0;                      ///< Hz; the time of sample n is n / sampleRate seconds
+    double startTime = 0.0;                       ///< automation date of the first sample
     std::int16_t channelCount = 0;
     std::vector<std::int16_t> channelNumbers;  ///< per channel: acquisition channel number, index of its slot
     std::vector<float> invScale;               ///< per channel: 1 / scale

@@ -113,7 +113,7 @@ bool Stretch::Find(Recording& recording, std::int16_t index, const ViewBlock& lo
         OtherBlock other;
         other.index = static_cast<std::int16_t>(index + static_cast<int>(at) - static_cast<int>(place));
         other.place = at;
-        other.block.block = found.extents[at].block;
+        other.block.block = other.block.stored = found.extents[at].block;
         others.push_back(std::move(other));
     }
     const bool isSame = place == m_place && std::equal(others.begin(), others.end(), m_others.begin(), m_others.end(),

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "data/Document.h"
-#include "view/UnitGroups.h"
+#include "data/UnitGroups.h"
 
 namespace quillon {
 

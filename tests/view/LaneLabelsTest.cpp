@@ -10,7 +10,7 @@
 #include "view/LaneLayout.h"
 #include "view/LaneSettings.h"
 #include "view/ScaleSteps.h"
-#include "view/UnitGroups.h"
+#include "data/UnitGroups.h"
 
 namespace quillon {
 namespace {

@@ -1,4 +1,4 @@
-#include "view/UnitGroups.h"
+#include "data/UnitGroups.h"
 
 #include <algorithm>
 #include <array>
