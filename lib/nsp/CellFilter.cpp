@@ -23,6 +23,15 @@ std::int64_t CellFilter::CellEndBehind(std::int64_t cellLength, std::int64_t sam
 }
 
 void CellFilter::Feed(CodeSamples samples, std::size_t count, FilteredSamples out) {
+    Run(samples, count, out);
+}
+
+void CellFilter::Feed(FloatSamples samples, std::size_t count, FilteredSamples out) {
+    Run(samples, count, out);
+}
+
+template <typename Sample>
+void CellFilter::Run(ChannelSamples<Sample> samples, std::size_t count, FilteredSamples out) {
     if (!m_started && count > 0) m_current.Start(samples);
     m_started = m_started || count > 0;
     while (count > 0) {

@@ -28,8 +28,12 @@ class CellFilter {
     [[nodiscard]] static std::int32_t StartFor(const FilterDesign& design, std::int32_t first);
     [[nodiscard]] std::int32_t Position() const { return m_position; }
     void Feed(CodeSamples samples, std::size_t count, FilteredSamples out);
+    void Feed(FloatSamples samples, std::size_t count, FilteredSamples out);
 
   private:
+    template <typename Sample>
+    void Run(ChannelSamples<Sample> samples, std::size_t count, FilteredSamples out);
+
     std::int32_t m_settling;
     std::int32_t m_cellLength;
     std::int32_t m_position;  ///< of the sample that is fed next

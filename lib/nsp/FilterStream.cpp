@@ -44,6 +44,15 @@ FilterStream::FilterStream(const FilterDesign& design, std::size_t channels, Sam
 }
 
 void FilterStream::Feed(const CodeSamples& samples, std::size_t count) {
+    Run(samples, count);
+}
+
+void FilterStream::Feed(const FloatSamples& samples, std::size_t count) {
+    Run(samples, count);
+}
+
+template <typename Sample>
+void FilterStream::Run(const ChannelSamples<Sample>& samples, std::size_t count) {
     if (static_cast<std::int64_t>(count) > m_needed.End() - m_forward.Position())
         throw std::invalid_argument("more samples than are needed");
     m_ready = {m_ready.End(), 0};
@@ -55,7 +64,8 @@ void FilterStream::Feed(const CodeSamples& samples, std::size_t count) {
     }
 }
 
-void FilterStream::FeedForward(const CodeSamples& samples, std::size_t count) {
+template <typename Sample>
+void FilterStream::FeedForward(const ChannelSamples<Sample>& samples, std::size_t count) {
     const std::int64_t before = m_forward.Position();
     for (auto& row : m_rows) row.resize(count);
     std::vector<float*> start;
@@ -65,7 +75,8 @@ void FilterStream::FeedForward(const CodeSamples& samples, std::size_t count) {
     m_ready.count = static_cast<std::int32_t>(count - m_skipped);
 }
 
-void FilterStream::FeedBothWays(const CodeSamples& samples, std::size_t count) {
+template <typename Sample>
+void FilterStream::FeedBothWays(const ChannelSamples<Sample>& samples, std::size_t count) {
     for (auto& row : m_rows) row.clear();
     const std::int64_t before = m_forward.Position();
     const std::size_t runUp =

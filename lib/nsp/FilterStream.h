@@ -21,6 +21,8 @@ class FilterStream {
     [[nodiscard]] SampleSpan Needed() const { return m_needed; }
     /// The next `count` samples of every channel, no more than are needed.
     void Feed(const CodeSamples& samples, std::size_t count);
+    /// The same for samples that were computed from codes.
+    void Feed(const FloatSamples& samples, std::size_t count);
 
     /// What the last call of Feed has finished, in codes. All calls together finish the wanted samples, in order. In
     /// both directions whole cells come at a time, one settling late: some 4 (cell + settling) bytes are kept for each
@@ -30,8 +32,12 @@ class FilterStream {
 
   private:
     using Rows = std::vector<std::vector<float>>;
-    void FeedForward(const CodeSamples& samples, std::size_t count);
-    void FeedBothWays(const CodeSamples& samples, std::size_t count);
+    template <typename Sample>
+    void Run(const ChannelSamples<Sample>& samples, std::size_t count);
+    template <typename Sample>
+    void FeedForward(const ChannelSamples<Sample>& samples, std::size_t count);
+    template <typename Sample>
+    void FeedBothWays(const ChannelSamples<Sample>& samples, std::size_t count);
     void RunBackward(std::int64_t from, std::int64_t end);
 
     SampleSpan m_wanted;

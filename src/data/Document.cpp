@@ -55,6 +55,7 @@ void Document::CloseCurrentFile() {
     m_file = ViewFile{};
     m_block = ViewBlock{};
     m_stretch = {};
+    m_shownBlocks.Forget();
     m_place.reset();
     m_lastPath.clear();
     m_stamp = {};
@@ -120,13 +121,39 @@ void Document::LoadBlock(std::int16_t index) {
     }
     FillBlock();
     FindStretch();
+    Reshow();
     m_coversTheSame = before.block != nullptr && Stretch::CoverTheSame(before, m_block);
 }
 
 bool Document::ShowAs(const ShownSettings& settings) {
-    if (settings == m_shownAs) return false;
     m_shownAs = settings;
-    return true;
+    return Reshow();
+}
+
+bool Document::Reshow() {
+    bool changed = false;
+    // A solo looks at one channel of those whose average it is against.
+    const ShownSignals shown = m_shownBeforeSolo ? *m_shownBeforeSolo : GetShown();
+    const auto show = [&](ViewBlock& block, const ChannelFlags& slots) {
+        if (block.stored == nullptr) return;
+        std::vector<bool> flags;
+        for (const std::int16_t slot : block.channelNumbers)
+            flags.push_back(slot >= 0 && slot < kSlotCount && slots.test(static_cast<std::size_t>(slot)));
+        std::shared_ptr<RecordingBlock> now = block.stored;
+        Resume([&] { now = m_shownBlocks.Of(block.stored, m_shownAs, flags); });
+        if (now == block.block) return;
+        block.block = now;
+        LoadScales(block);
+        changed = true;
+    };
+    show(m_block, shown.slots);
+    for (OtherBlock& other : m_stretch.Others()) {
+        const bool known = other.place < shown.others.size();
+        if (!other.IsMontage()) show(other.block, known ? shown.others[other.place] : ChannelFlags().set());
+    }
+    std::shared_ptr<RecordingBlock> pairs;
+    if (m_pairs && m_block.stored) Resume([&] { pairs = m_shownBlocks.PairsOf(m_block.stored, m_shownAs); });
+    return m_stretch.SetMontage(m_block, std::move(pairs), m_texts) || changed;
 }
 
 void Document::KeepShown() {
@@ -149,6 +176,7 @@ void Document::SetAllSignals(bool all) {
     // The slots of the loaded block count as they are.
     m_place.reset();
     FindStretch();
+    Reshow();
 }
 
 int Document::StretchSignals() const {
@@ -200,7 +228,11 @@ PrepareStep Document::PrepareMore() {
     bool more = false;
     Resume([&] { more = block.block->PrepareMore(); });
     if (more) return PrepareStep::More;
-    return provisional && LoadScales(block) ? PrepareStep::DoneRescaled : PrepareStep::Done;
+    if (!provisional || !LoadScales(block)) return PrepareStep::Done;
+    // What was made of codes of the old scales is of no use.
+    m_shownBlocks.Forget();
+    Reshow();
+    return PrepareStep::DoneRescaled;
 }
 
 ReadStep Document::ReadMore(std::int32_t nearSample) {
@@ -234,11 +266,13 @@ ReadStep Document::ReadMore(std::int32_t nearSample) {
     // Blocks of a stretch grow together.
     if (!grown && m_allSignals)
         step.signalsChanged = m_stretch.Find(recording, m_file.currentBlockIndex, m_block, m_texts);
+    if (step.signalsChanged) Reshow();
     if (grown && (!step.more || std::int64_t{4} * block->SampleCount() >= std::int64_t{5} * m_block.sampleCount)) {
         m_block = ViewBlock{};
         m_block.block = m_block.stored = std::move(block);
         FillBlock();
         FindStretch();
+        Reshow();
         step.grown = step.marksChanged = step.signalsChanged = true;
     } else if (!step.more || m_block.marks.size() <= kFewMarks || recording.ReadShare() >= m_marksShare + 0.1) {
         const std::size_t before = m_block.marks.size();

@@ -5,28 +5,16 @@
 #include <string>
 #include <vector>
 
+#include "data/DocumentSteps.h"
 #include "data/FileStamp.h"
 #include "data/QL_Types.h"
+#include "data/ShownBlocks.h"
 #include "data/ShownSettings.h"
 #include "data/Stretch.h"
 #include "data/UserServices.h"
 #include "norvik/NorvikCore.h"
 
 namespace quillon {
-
-/// What a step of the pass over the loaded block and the others of its stretch has done.
-enum class PrepareStep { More, Done, DoneRescaled };
-
-/// What a step of reading the rest of the open recording has changed.
-struct ReadStep {
-    bool more = false;
-    bool marksChanged = false;    ///< of the loaded block; they were loaded anew
-    bool blocksChanged = false;   ///< there are more; File().blockCount is set
-    bool titlesChanged = false;   ///< of all blocks
-    bool infoChanged = false;     ///< File().fileInfo is set
-    bool grown = false;           ///< the loaded block has more samples and was loaded again
-    bool signalsChanged = false;  ///< the stretch has other blocks besides the loaded one than before
-};
 
 /// The open recording, its loaded block, the channels that are shown and the current channel, to which single-channel
 /// commands apply. There are no change notifications: the caller knows what it has changed.
@@ -49,6 +37,12 @@ class Document {
     [[nodiscard]] const ShownSettings& Shown() const { return m_shownAs; }
     /// Shows them otherwise from now on, those of other recordings too. Returns whether that changes any signal.
     bool ShowAs(const ShownSettings& settings);
+    /// To be called when channels were shown or hidden: an average is that of the shown ones. Returns as ShowAs.
+    bool Reshow();
+    /// Whether a montage adds its pairs to the signals.
+    void SetPairs(bool wanted) { m_pairs = wanted; }
+    /// Whether the block stays of use beside those that are shown: stored, or made for other settings lately.
+    [[nodiscard]] bool Keeps(const RecordingBlock* block) const { return m_shownBlocks.Keeps(block); }
     [[nodiscard]] bool IsSolo() const { return m_shownBeforeSolo.has_value(); }
 
     /// Whether that is the open file, under its name or one that differs in letter case only. `stamp` is the path's.
@@ -137,6 +131,8 @@ class Document {
     std::optional<ShownSignals> m_shownBeforeSolo;
     Stretch m_stretch;
     ShownSettings m_shownAs;
+    ShownBlocks m_shownBlocks;
+    bool m_pairs = false;
     bool m_allSignals = false;
     bool m_coversTheSame = false;
     std::optional<std::size_t> m_place;  ///< in its stretch, of the block whose flags the slots have

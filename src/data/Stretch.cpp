@@ -116,22 +116,45 @@ bool Stretch::Find(Recording& recording, std::int16_t index, const ViewBlock& lo
         other.block.block = other.block.stored = found.extents[at].block;
         others.push_back(std::move(other));
     }
-    const bool isSame = place == m_place && std::equal(others.begin(), others.end(), m_others.begin(), m_others.end(),
-                                                       [](const OtherBlock& one, const OtherBlock& other) {
-                                                           return one.block.block == other.block.block;
-                                                       });
+    const std::size_t before = m_others.size() - (HasMontage() ? 1 : 0);
+    const bool isSame =
+        place == m_place && others.size() == before &&
+        std::equal(others.begin(), others.end(), m_others.begin(), [](const OtherBlock& one, const OtherBlock& other) {
+            return one.block.stored == other.block.stored;
+        });
     if (isSame) return false;
-    std::size_t behind = loaded.channelNumbers.size();
-    for (OtherBlock& other : others) {
-        LoadDescription(other.block);
-        other.before = static_cast<std::int16_t>(behind);
-        behind += other.block.channelNumbers.size();
-        for (std::size_t channel = 1; channel <= other.block.channelNumbers.size(); ++channel)
-            other.texts.push_back(LoadTexts(other.block, static_cast<std::int16_t>(channel), texts));
-    }
-    m_others = std::move(others);
+    m_others.clear();
+    m_count = 0;
     m_place = place;
-    m_count = static_cast<std::int16_t>(behind - loaded.channelNumbers.size());
+    for (OtherBlock& other : others) Add(std::move(other), loaded, texts);
+    FindOrder(loaded);
+    return true;
+}
+
+void Stretch::Add(OtherBlock other, const ViewBlock& loaded, const UserServices& texts) {
+    LoadDescription(other.block);
+    const std::size_t channels = other.block.channelNumbers.size();
+    other.before = static_cast<std::int16_t>(loaded.channelNumbers.size() + static_cast<std::size_t>(m_count));
+    m_count = static_cast<std::int16_t>(static_cast<std::size_t>(m_count) + channels);
+    for (std::size_t channel = 1; channel <= channels; ++channel)
+        other.texts.push_back(LoadTexts(other.block, static_cast<std::int16_t>(channel), texts));
+    m_others.push_back(std::move(other));
+}
+
+bool Stretch::SetMontage(const ViewBlock& loaded, std::shared_ptr<RecordingBlock> pairs, const UserServices& texts) {
+    const bool had = HasMontage();
+    if (had ? pairs == m_others.back().block.block : pairs == nullptr) return false;
+    if (had) {
+        m_count = static_cast<std::int16_t>(m_count - m_others.back().block.channelCount);
+        m_others.pop_back();
+    }
+    if (pairs != nullptr) {
+        OtherBlock montage;
+        montage.index = -1;
+        montage.place = kMontagePlace;
+        montage.block.block = montage.block.stored = std::move(pairs);
+        Add(std::move(montage), loaded, texts);
+    }
     FindOrder(loaded);
     return true;
 }
@@ -153,6 +176,7 @@ void Stretch::FindOrder(const ViewBlock& loaded) {
     };
     bool added = false;
     for (const OtherBlock& other : m_others) {
+        if (other.IsMontage()) continue;
         if (!added && other.place > m_place) added = (add(loaded, 0), true);
         add(other.block, other.before);
     }
@@ -160,6 +184,10 @@ void Stretch::FindOrder(const ViewBlock& loaded) {
     if (inputs.size() == entries.size())
         std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) { return a.input < b.input; });
     m_order.clear();
+    if (HasMontage()) {
+        m_order.resize(m_others.back().texts.size());
+        std::iota(m_order.begin(), m_order.end(), static_cast<std::int16_t>(m_others.back().before + 1));
+    }
     for (const Entry& entry : entries) m_order.push_back(entry.number);
 }
 

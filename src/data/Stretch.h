@@ -19,9 +19,10 @@ using ChannelFlags = std::bitset<kSlotCount>;
 struct OtherBlock {
     ViewBlock block;                  ///< without its marks
     std::vector<ChannelTexts> texts;  ///< per channel
-    std::int16_t index = 0;           ///< position in the recording, from 0
+    std::int16_t index = 0;           ///< position in the recording, from 0; -1: the pairs of a montage
     std::int16_t before = 0;          ///< number of the signal before its first channel, see Document
     std::size_t place = 0;            ///< among the blocks of the stretch, the loaded one included; from 0
+    [[nodiscard]] bool IsMontage() const { return index < 0; }
 };
 
 /// What there is of a signal; valid until the document changes.
@@ -49,11 +50,15 @@ class Stretch {
     [[nodiscard]] static int CountSignals(Recording& recording, std::int16_t index, const ViewBlock& loaded);
     /// Whether two blocks of a recording start at the same time and end together, see above.
     [[nodiscard]] static bool CoverTheSame(const ViewBlock& one, const ViewBlock& other);
+    /// The block of a montage's pairs, null for none, becomes the last of the others, or replaces the one that is; its
+    /// signals stand first in the order. Returns whether that is a change. Find and Clear take it away.
+    bool SetMontage(const ViewBlock& loaded, std::shared_ptr<RecordingBlock> pairs, const UserServices& texts);
     /// There are no other blocks; which channels are shown is kept.
     void Clear();
 
     /// In the order of the recording. References stay valid until Find returns true, or Clear.
     [[nodiscard]] const std::vector<OtherBlock>& Others() const { return m_others; }
+    [[nodiscard]] std::vector<OtherBlock>& Others() { return m_others; }
     /// The block of a signal above the loaded block's channels; null where there is none.
     [[nodiscard]] const OtherBlock* Of(std::int16_t number) const;
     /// Signals of the other blocks.
@@ -77,6 +82,10 @@ class Stretch {
     void Show(std::int16_t number, bool shown);
 
   private:
+    /// Of a montage, above those of all blocks.
+    static constexpr std::size_t kMontagePlace = kMostSignals;
+    [[nodiscard]] bool HasMontage() const { return !m_others.empty() && m_others.back().IsMontage(); }
+    void Add(OtherBlock other, const ViewBlock& loaded, const UserServices& texts);
     void FindOrder(const ViewBlock& loaded);
 
     std::vector<OtherBlock> m_others;

@@ -78,23 +78,21 @@ bool StretchExtremes::BlockLoaded() {
     }
     std::erase_if(m_known, [&](const auto& known) {
         const std::shared_ptr<RecordingBlock> block = known->block.lock();
+        if (block != nullptr && m_document.Keeps(block.get())) return false;
         const auto& others = m_document.OtherBlocks();
         return block == nullptr || std::none_of(others.begin(), others.end(),
                                                 [&](const OtherBlock& other) { return other.block.block == block; });
     });
-    m_loadedBlock.reset();
-    if (!m_document.OtherBlocks().empty()) {
-        m_loadedBlock = loaded.block;
-        m_invScale = loaded.invScale;
-        m_offsets = loaded.offsets;
-    }
+    m_loadedBlock = loaded.block;
+    m_invScale = loaded.invScale;
+    m_offsets = loaded.offsets;
     ShareMemory();
     return stays;
 }
 
 void StretchExtremes::Rescaled() {
     const ViewBlock& loaded = m_document.Block();
-    if (m_loadedBlock.lock() == nullptr || m_invScale != loaded.invScale || m_offsets != loaded.offsets) {
+    if (m_document.OtherBlocks().empty() || m_invScale != loaded.invScale || m_offsets != loaded.offsets) {
         m_loaded.Reset();
         m_ranges.Reset();
         m_invScale = loaded.invScale;
