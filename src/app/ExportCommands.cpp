@@ -44,7 +44,7 @@ SampleSpan ExportCommands::Range() const {
 
 void ExportCommands::SaveAs() {
     SaveFileDialog& dialog = m_parts.saveDialog;
-    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().stored;
     const SampleSpan range = Range();
     dialog.title = m_parts.services.Text(IDS_SAVE_AS_TITLE);
     dialog.filter = BuildSaveFilter();
@@ -55,7 +55,7 @@ void ExportCommands::SaveAs() {
     onDialog();
     if (!dialog.Show() || isGone()) return;
     // The dialog runs a message loop, in which the recording may have been closed (its file was removed).
-    if (m_parts.document.Block().block != block) return;
+    if (m_parts.document.Block().stored != block) return;
     m_saveType = dialog.filterIndex;
     const std::u16string name = dialog.fileName;
     if (LowerCase(name).ends_with(u".txt")) {
@@ -63,7 +63,7 @@ void ExportCommands::SaveAs() {
         std::vector<std::u16string> files = TextExportFiles(name, *block, m_parts.settings, m_parts.document.Slots());
         std::erase(files, name);
         if (!MayReplace(std::move(files)) || isGone()) return;
-        if (m_parts.document.Block().block != block) return;
+        if (m_parts.document.Block().stored != block) return;
         m_parts.settings.folder = FolderOf(name);
         WriteText(name, range);
     } else {
@@ -121,7 +121,7 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
     TextExportContext context{m_parts.document.Slots(), m_parts.format, m_parts.view.RawCodes(), m_parts.services,
                               m_parts.openText};
     context.runPending = onPending;
-    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().stored;
     std::u16string unread;
     onWork([&] {
         context.stopped = !onPrepare();
@@ -166,7 +166,7 @@ void ExportCommands::TellStopped(const std::u16string& target, const RecordingBl
 }
 
 void ExportCommands::FastExport() {
-    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().stored;
     if (m_parts.settings.fastFile.empty()) {
         std::u16string name;
         onDialog();
@@ -174,13 +174,13 @@ void ExportCommands::FastExport() {
         if (isGone()) return;
         m_parts.settings.fastFile = name;
     }
-    if (m_parts.document.Block().block != block) return;
+    if (m_parts.document.Block().stored != block) return;
     std::u16string target = m_parts.settings.fastFile;
     // A name without a folder is relative to the recording's folder.
     if (target.find_first_of(u":\\/") == std::u16string::npos)
         target.insert(0, FolderOf(m_parts.document.File().fileName));
     if (!MayReplaceFastFiles(*block, target) || isGone()) return;
-    if (m_parts.document.Block().block == block) WriteText(target, Range());
+    if (m_parts.document.Block().stored == block) WriteText(target, Range());
 }
 
 bool ExportCommands::MayReplaceFastFiles(const RecordingBlock& block, const std::u16string& target) {
@@ -211,9 +211,9 @@ bool ExportCommands::MayCopy(std::int32_t samples) const {
 }
 
 void ExportCommands::CopyData() {
-    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().block;
+    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().stored;
     const SampleSpan range = Range();
-    if (!MayCopy(range.count) || isGone() || m_parts.document.Block().block != block) return;
+    if (!MayCopy(range.count) || isGone() || m_parts.document.Block().stored != block) return;
     WriteText(std::u16string(kClipboardTarget), range);
 }
 

@@ -8,6 +8,7 @@ void LaneCommands::Restore() {
     m_view.SetLanes(m_remembered.lanes);
     m_view.SetNegativeUp(m_remembered.negativeUp);
     m_view.SetClip(m_remembered.clipToLanes);
+    m_document.SetPairs(m_remembered.lanes);
     m_document.SetAllSignals(m_remembered.allSignals && m_remembered.lanes);
     if (std::isfinite(m_remembered.pageLength) && m_remembered.pageLength > 0.0F)
         m_view.SelectPage(static_cast<double>(m_remembered.pageLength));
@@ -28,8 +29,10 @@ void LaneCommands::ToggleLanes() {
 }
 
 ViewChange LaneCommands::ChooseSignals() {
-    const bool all = m_remembered.allSignals && m_view.LanesOfChannels().Settings().on;
-    if (all == m_document.AllSignals()) return {};
+    const bool lanes = m_view.LanesOfChannels().Settings().on;
+    const bool all = m_remembered.allSignals && lanes;
+    m_document.SetPairs(lanes);
+    if (all == m_document.AllSignals() && !m_document.Reshow()) return {};
     m_document.SetAllSignals(all);
     const ViewChange change = m_view.SignalsChanged();
     onSignals();

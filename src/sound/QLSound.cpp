@@ -115,7 +115,7 @@ bool QLSound::OpenOutput() {
 
 void QLSound::Play(std::int16_t channel, std::int32_t first, std::int32_t sampleCount) {
     Stop();
-    if (!Refresh() || m_block.block == nullptr || channel > m_block.channelCount) return;
+    if (!Refresh() || m_block.stored == nullptr || channel > m_block.channelCount) return;
     if (!m_chosenIsThere) {
         m_errorText = m_chosen + u": " + m_services.Text(IDS_SOUND_DEVICE_GONE);
         return;
@@ -140,7 +140,7 @@ void QLSound::Start(std::int32_t first, std::int32_t sampleCount) {
     }
     m_begin = m_next = m_heard = static_cast<std::int32_t>(begin);
     m_end = static_cast<std::int32_t>(end);
-    m_source = m_block.block;
+    m_source = m_block.stored;
     WriteNext();
     m_playing = true;
 }

@@ -20,7 +20,7 @@ class QLSoundTest : public ::testing::Test {
             fake->samples[0].push_back(static_cast<std::int16_t>(at));
             fake->samples[1].push_back(static_cast<std::int16_t>(-at));
         }
-        view.block = fake;
+        view.block = view.stored = fake;
         view.sampleCount = 10000;
         view.sampleRate = 100.0;
         view.channelCount = 2;
@@ -124,7 +124,7 @@ TEST_F(QLSoundTest, AReadErrorEndsThePlaybackAndFreesTheRecording) {
     sound->Play(0, 1, 10000);
     EXPECT_FALSE(sound->Playing());
     EXPECT_EQ(sound->ErrorText(), services.Text(5401) + u": ReadFrames");
-    EXPECT_EQ(fake.use_count(), 2) << "held by the view and the test alone";
+    EXPECT_EQ(fake.use_count(), 3) << "held by the view, twice, and the test alone";
 }
 
 TEST_F(QLSoundTest, EventsReportThePositionAndTheEnd) {
@@ -134,7 +134,7 @@ TEST_F(QLSoundTest, EventsReportThePositionAndTheEnd) {
     EXPECT_EQ(std::exchange(raised, {}), Lines({"started", "101", "151", "151", "300", "300"}));
     // The viewer may load another block meanwhile.
     view = {};
-    EXPECT_EQ(fake.use_count(), 2);
+    EXPECT_EQ(fake.use_count(), 3);
     device.errorText = u"pulled out";
     device.events.stopped();
     EXPECT_FALSE(sound->Playing());

@@ -67,7 +67,7 @@ void DialogCommands::Split() {
         m_parts.window.RunPart([&] { prepared = onPrepare(); });
         if (!prepared) return;
         ShowSplitDialog(m_parts.window.Window(),
-                        {Block().block, m_shared.document.File().fileName, m_shared.settings.split, m_shared.exporter,
+                        {Block().stored, m_shared.document.File().fileName, m_shared.settings.split, m_shared.exporter,
                          m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(); },
                          [this](const std::function<void()>& run) {
                              m_parts.window.RunPart(run);

@@ -56,7 +56,7 @@ void SpectrogramPane::UseRange() {
     // A channel without a range of values stays blank.
     ValueRange limits;
     if (m_settings.window.spectrogramShown) limits = SpectrumRange(m_view.Ranges(), channel);
-    m_fft.FFT_SetChannel(m_document.Block().block.get(), m_document.File().currentBlockIndex,
+    m_fft.FFT_SetChannel(m_document.Block().stored.get(), m_document.File().currentBlockIndex,
                          static_cast<std::int16_t>(channel - 1), limits);
     m_scale.Invalidate();
     m_palette.Invalidate();

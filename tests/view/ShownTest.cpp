@@ -1,0 +1,108 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+#include "view/StretchFixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using namespace ::quillon::testing;
+
+/// What is seen of a recording when filters, reference and montage are chosen.
+class ShownTest : public FakeStretches {
+  protected:
+    void Open(std::size_t channels, std::int32_t samples) {
+        m_block = Noise(channels, samples, 200.0);
+        m_block->titles.clear();
+        for (std::size_t at = 0; at < channels; ++at)
+            m_block->titles.push_back(std::u16string(1, static_cast<char16_t>(u'A' + at)));
+        OpenBlocks({m_block});
+        m_view.SetLanes(true);
+        m_document.SetPairs(true);
+    }
+    void ShowAs(const ShownSettings& settings) {
+        if (m_document.ShowAs(settings)) m_view.SignalsChanged();
+    }
+    /// All that the summary is made of.
+    void Summarise() {
+        const std::vector<std::int16_t> all{1, 2};
+        while (m_view.Ranges().ReadMissing(m_document.Block(), all, m_view.Axis().Visible())) {
+        }
+    }
+    std::shared_ptr<FakeBlock> m_block;
+};
+
+TEST_F(ShownTest, GoingToAndFroBetweenSettingsReadsNothingAgain) {
+    Open(2, 400000);
+    Show(200000);
+    ShownSettings filtered;
+    filtered.filters[GroupOf(m_block->ChannelUnit(1)).name] = {.highPass = 0.5, .lowPass = 30.0};
+    Summarise();
+    const auto raw = Drawn();
+    ShowAs(filtered);
+    EXPECT_NE(m_document.Block().block, m_document.Block().stored);
+    EXPECT_EQ(m_document.Block().offsets[0], 0.0F);
+    Summarise();
+    const auto shown = Drawn();
+    EXPECT_NE(shown, raw);
+    m_block->samplesRead = 0;
+    for (int turn = 0; turn < 2; ++turn) {
+        ShowAs({});
+        EXPECT_EQ(m_document.Block().block, m_block);
+        EXPECT_EQ(m_document.Block().offsets[1], m_block->ChannelOffset(2));
+        EXPECT_EQ(Drawn(), raw);
+        ShowAs(filtered);
+        EXPECT_EQ(Drawn(), shown);
+    }
+    // Edges of columns that begin or end within a cell are read.
+    EXPECT_LT(m_block->samplesRead, 400000 / 4);
+}
+
+TEST_F(ShownTest, PairsOfAMontageAreSignalsInFrontOfTheOthers) {
+    Open(3, 5000);
+    ShownSettings settings;
+    settings.montage = {u"mine", u"A-B, B-C"};
+    ShowAs(settings);
+    ASSERT_EQ(m_document.SignalCount(), 5);
+    EXPECT_THAT(m_document.SignalOrder(), ElementsAre(4, 5, 1, 2, 3));
+    EXPECT_EQ(m_document.GetSignal(5).title, u"B-C");
+    m_document.Show(4, false);
+    EXPECT_FALSE(m_document.IsShown(4));
+    ExpectPlainColumns();
+    settings.montage->pairs = u"A-C";
+    ShowAs(settings);
+    EXPECT_THAT(m_document.SignalOrder(), ElementsAre(4, 1, 2, 3));
+    m_document.SetPairs(false);
+    EXPECT_TRUE(m_document.Reshow());
+    EXPECT_EQ(m_document.SignalCount(), 3);
+}
+
+TEST_F(ShownTest, AnAverageFollowsTheShownChannelsButNotASolo) {
+    Open(3, 1000);
+    ShownSettings settings;
+    settings.reference.kind = Reference::Kind::Average;
+    ShowAs(settings);
+    const auto all = m_document.Block().block;
+    m_document.Show(3, false);
+    EXPECT_TRUE(m_document.Reshow());
+    const auto two = m_document.Block().block;
+    EXPECT_NE(two, all);
+    m_document.Solo(std::int16_t{1});
+    EXPECT_FALSE(m_document.Reshow());
+    m_document.Solo({});
+    m_document.Show(3, true);
+    EXPECT_TRUE(m_document.Reshow());
+    EXPECT_EQ(m_document.Block().block, all);
+    // Found scales make what was computed of the provisional ones useless.
+    m_block->provisional = {1.0F, 2.0F, 3.0F};
+    m_block->stepsLeft = 1;
+    m_document.LoadBlock(0);
+    const auto provisional = m_document.Block().block;
+    EXPECT_EQ(m_document.PrepareMore(), PrepareStep::DoneRescaled);
+    EXPECT_NE(m_document.Block().block, provisional);
+}
+
+}  // namespace
+}  // namespace quillon
