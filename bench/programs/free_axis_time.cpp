@@ -8,55 +8,13 @@
 #include <cstdlib>
 #include <vector>
 
-#include "BenchData.h"
+#include "LaneGraph.h"
 #include "base/Text.h"
 #include "norvik/RecordingLibrary.h"
-#include "view/GraphPicture.h"
 
 using namespace quillon;
 
-namespace {
-
-constexpr std::int32_t kWidth = 1500;
-constexpr std::int32_t kHeight = 800;
-
-/// A graph with a lane for every channel of a block.
-struct Graph {
-    explicit Graph(const std::shared_ptr<RecordingBlock>& source) : pixels(std::size_t{kWidth} * kHeight) {
-        block.block = source;
-        block.sampleCount = source->SampleCount();
-        block.sampleRate = source->SampleRate();
-        block.channelCount = source->ChannelCount();
-        const std::int32_t rows = kHeight / block.channelCount;
-        for (std::int16_t channel = 1; channel <= block.channelCount; ++channel) {
-            block.channelNumbers.push_back(source->ChannelNumber(channel));
-            block.invScale.push_back(1.0F / source->ChannelScale(channel));
-            block.offsets.push_back(source->ChannelOffset(channel));
-            Lane lane{.top = (channel - 1) * rows, .height = rows, .single = true, .channels = {channel}};
-            lane.zeroRow = lane.top + rows / 2;
-            const double span = 65536.0 * static_cast<double>(source->ChannelScale(channel));
-            lane.unitsPerDivision = span * AmplitudeScale::kDivision / rows;
-            lanes.push_back(lane);
-        }
-        picture.SetPixels(pixels.data(), kWidth, kHeight);
-    }
-    void Use(bool free) {
-        axis = {};
-        axis.SetWidth(kWidth);
-        axis.SetBlock(block.sampleCount, block.sampleRate, free);
-    }
-    double Draw() {
-        return bench::Seconds([&] { picture.Draw({block, axis, lanes, extremes}); }) * 1e3;
-    }
-    ViewBlock block;
-    TimeAxis axis;
-    Lanes lanes;
-    ExtremesCache extremes;
-    std::vector<std::uint32_t> pixels;
-    GraphPicture picture;
-};
-
-}  // namespace
+using bench::kWidth;
 
 int main(int count, char** arguments) {
     if (count < 2) return 2;
@@ -65,7 +23,7 @@ int main(int count, char** arguments) {
     if (!library->OpenRecording(FromUtf8OrLatin1(arguments[1]), recording)) return 1;
     const std::shared_ptr<RecordingBlock> block = recording->GetBlock(1);
     block->Prepare();
-    Graph graph(block);
+    bench::LaneGraph graph(block);
     graph.Use(false);
     graph.axis.ShowSamples({0, block->SampleCount()});
     std::printf("%d channels, %d samples; fitted cold by the table %.1f ms\n", block->ChannelCount(),

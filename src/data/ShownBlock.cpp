@@ -13,7 +13,7 @@ namespace quillon {
 
 namespace {
 
-constexpr std::int32_t kPageSamples = 4096;
+constexpr std::int32_t kPageSamples = 1024;
 constexpr std::size_t kMostPageBytes = std::size_t{24} << 20U;
 constexpr std::size_t kNone = ShownChannel::kNone;
 
@@ -97,7 +97,9 @@ std::int32_t ShownBlock::SamplesPerPiece() const {
     std::int32_t samples = m_stored->SamplesPerPiece();
     for (const auto& group : m_groups) {
         const std::int32_t most = mostCodes / static_cast<std::int32_t>(group->channels.size());
-        if (group->design) samples = std::max(samples, std::min(group->design->CellLength(), most));
+        if (group->design)
+            samples = std::max(samples, static_cast<std::int32_t>(std::min<std::int64_t>(
+                                            std::int64_t{4} * group->design->CellLength(), most)));
     }
     return samples;
 }
@@ -128,10 +130,8 @@ void ShownBlock::MakePage(Group& group, Page& page) {
 }
 
 ShownBlock::Page& ShownBlock::PageAt(std::size_t group, std::int32_t number) {
-    const auto found = std::find_if(m_pages.begin(), m_pages.end(),
-                                    [&](const Page& page) { return page.group == group && page.number == number; });
-    if (found != m_pages.end()) {
-        m_pages.splice(m_pages.begin(), m_pages, found);
+    if (const auto found = m_pageOf.find({group, number}); found != m_pageOf.end()) {
+        m_pages.splice(m_pages.begin(), m_pages, found->second);
         return m_pages.front();
     }
     Page page;
@@ -140,8 +140,10 @@ ShownBlock::Page& ShownBlock::PageAt(std::size_t group, std::int32_t number) {
     MakePage(*m_groups[group], page);
     m_pageBytes += page.codes.size() * sizeof(std::int16_t);
     m_pages.push_front(std::move(page));
+    m_pageOf[{group, number}] = m_pages.begin();
     while (m_pageBytes > kMostPageBytes && m_pages.size() > 1) {
         m_pageBytes -= m_pages.back().codes.size() * sizeof(std::int16_t);
+        m_pageOf.erase({m_pages.back().group, m_pages.back().number});
         m_pages.pop_back();
     }
     return m_pages.front();

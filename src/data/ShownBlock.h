@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "data/ShownChannels.h"
@@ -77,6 +79,7 @@ class ShownBlock : public RecordingBlock {
     std::vector<std::size_t> m_groupOf;  ///< per channel, from 0; ShownChannel::kNone where it is the stored one
     std::vector<std::size_t> m_rowOf;    ///< per channel: its row in the group's pages
     std::list<Page> m_pages;             ///< the one used last is the first
+    std::map<std::pair<std::size_t, std::int32_t>, std::list<Page>::iterator> m_pageOf;  ///< by group and number
     std::size_t m_pageBytes = 0;
 };
 

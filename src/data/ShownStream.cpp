@@ -45,18 +45,19 @@ ShownStream::ShownStream(RecordingBlock& stored, std::vector<const ShownChannel*
 }
 
 void ShownStream::Read(std::int32_t count, std::span<std::int16_t* const> rows) {
-    while (m_ready.count < count) FeedPiece();
+    while (m_ready.count < count) FeedPiece(m_ready.first + count);
     for (std::size_t at = 0; at < rows.size(); ++at)
         std::copy_n(m_rows[at].data() + m_given, static_cast<std::size_t>(count), rows[at]);
     m_given += static_cast<std::size_t>(count);
     m_ready = {m_ready.first + count, m_ready.count - count};
 }
 
-void ShownStream::FeedPiece() {
+void ShownStream::FeedPiece(std::int32_t end) {
     // What was given makes room.
     for (auto& row : m_rows) row.erase(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(m_given));
     m_given = 0;
-    const std::int32_t count = std::min(kPiece, m_end - m_next);
+    // Both ways, samples beyond the end are needed.
+    const std::int32_t count = std::min(kPiece, (m_next < end ? end : m_end) - m_next);
     ReadStored({m_next, count});
     Feed(static_cast<std::size_t>(count));
     m_next += count;
