@@ -134,7 +134,7 @@ TEST_F(QLSoundTest, EventsReportThePositionAndTheEnd) {
     EXPECT_EQ(std::exchange(raised, {}), Lines({"started", "101", "151", "151", "300", "300"}));
     // The viewer may load another block meanwhile.
     view = {};
-    EXPECT_EQ(fake.use_count(), 3);
+    EXPECT_EQ(fake.use_count(), 2);
     device.errorText = u"pulled out";
     device.events.stopped();
     EXPECT_FALSE(sound->Playing());
