@@ -52,6 +52,19 @@ enum CommandId : int {
     mnuMove = 1640,       ///< by keys, see Moves
     mnuRecording = 1660,  ///< of the file list: 0 previous, 1 next
     mnuFocus = 1670,      ///< move the focus to: 0 folders, 1 channels, 2 files, 3 blocks
+    // How signals are shown. Filters: by value, see FilterChoices.
+    mnuFilterRow = 1700,
+    mnuUnfiltered,
+    mnuShowRaw,  ///< as long as its key is held
+    mnuHighPass = 1710,
+    mnuLowPass = 1720,
+    mnuNotch = 1730,
+    mnuFilterOrder = 1740,
+    mnuFilterDirection = 1750,  ///< 0 forward, 1 both ways
+    mnuReference = 1760,        ///< 0 as recorded, 1 average, 2 the current channel
+    mnuNewMontage = 1770,
+    mnuDeleteMontage,
+    mnuMontage = 1780,  ///< by montage, see ShownCommands
 };
 
 /// A move of the view by pixels: columns scroll it, rows move the base line (downwards positive).

@@ -58,7 +58,7 @@ constexpr std::array<Entry<SpectrumSettings>, 6> kSpectrumEntries{{{u"FFTOrder2"
                                                                    {u"SpectrumType", &SpectrumSettings::type},
                                                                    {u"AmpScale", &SpectrumSettings::amplitudeScale},
                                                                    {u"DBRange", &SpectrumSettings::decibelRange}}};
-constexpr std::array<Entry<WindowPlacement>, 16> kWindowEntries{
+constexpr std::array<Entry<WindowPlacement>, 19> kWindowEntries{
     {{u"Left", &WindowPlacement::left},
      {u"Top", &WindowPlacement::top},
      {u"Width", &WindowPlacement::width},
@@ -74,6 +74,9 @@ constexpr std::array<Entry<WindowPlacement>, 16> kWindowEntries{
      {u"NegativeUp", &WindowPlacement::negativeUp},
      {u"ClipToLanes", &WindowPlacement::clipToLanes},
      {u"AllSignals", &WindowPlacement::allSignals},
+     {u"Filters", &WindowPlacement::filters},
+     {u"Shown", &WindowPlacement::shown},
+     {u"Montages", &WindowPlacement::montages},
      {u"PageLength", &WindowPlacement::pageLength}}};
 
 bool Read(RegistryObject& registry, const std::u16string& name, std::u16string& value) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace quillon {
 
@@ -20,8 +21,11 @@ struct WindowPlacement {
     std::int32_t laneLabels = 0;  ///< width of the strip with their titles
     bool negativeUp = false;      ///< in lanes smaller values are higher up
     bool clipToLanes = false;
-    bool allSignals = false;  ///< lanes for the signals of all blocks of a stretch
-    float pageLength = 0.0F;  ///< of a free time axis, in seconds; 0: none was chosen
+    bool allSignals = false;    ///< lanes for the signals of all blocks of a stretch
+    bool filters = false;       ///< the row of filters is shown
+    std::u16string shown{};     ///< filters of groups of units, see ShownCommands
+    std::u16string montages{};  ///< of the user, see ShownCommands
+    float pageLength = 0.0F;    ///< of a free time axis, in seconds; 0: none was chosen
 };
 
 }  // namespace quillon
