@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "app/Commands.h"
+#include "app/FilterChoices.h"
 #include "app/Playback.h"
 #include "app/Settings.h"
 #include "view/AmplitudeScale.h"
@@ -69,6 +70,15 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuAllSignals ||
         id == mnuOptions)
         return true;
+    if (id == mnuFilterRow) return true;
+    if (id == mnuShowRaw) return state.shownOtherwise;
+    if (id == mnuDeleteMontage) return state.ownMontage;
+    if (const auto choice = FilterChoiceOf(id)) {
+        const nsp::FilterSettings tried = Tried(state.filter, *choice, state.sampleRate);
+        return state.hasGroup && RefusalOf(tried, state.sampleRate) == nsp::FilterRefusal::None;
+    }
+    if (id == mnuUnfiltered || Within(id, mnuReference, 3)) return state.hasGroup;
+    if (id >= mnuMontage) return id - mnuMontage < state.montages;
     if (id == mnuNegativeUp || id == mnuClipToLanes) return state.lanes;
     if (id == mnuNextPalette) return state.spectrogramShown;
     if (id == mnuRecording) return state.filePosition < 0 ? state.fileCount > 0 : state.filePosition > 0;
@@ -97,13 +107,19 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuZoomY) return state.usesLanes || state.scaleY > 0;
     if (id == mnuZoomY + 1) return state.usesLanes || state.scaleY < AmplitudeScale::kScaleCount - 1;
     return Within(id, mnuScaleX, TimeAxis::kMenuZoomCount) || Within(id, mnuScaleY, AmplitudeScale::kScaleCount) ||
-           Within(id, mnuGoTo, 4) || Within(id, mnuBaseLine, 2) || Within(id, mnuChShow, 3) || id == mnuSoloChannel;
+           id == mnuNewMontage || Within(id, mnuGoTo, 4) || Within(id, mnuBaseLine, 2) || Within(id, mnuChShow, 3) ||
+           id == mnuSoloChannel;
 }
 
 bool IsChecked(int id, const CommandState& state) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return id - mnuScaleX == state.zoomX;
     if (Within(id, mnuScaleY, AmplitudeScale::kScaleCount)) return id - mnuScaleY == state.scaleY;
     if (Within(id, mnuPage, kPageCount + 1)) return id - mnuPage == state.page;
+    if (const auto choice = FilterChoiceOf(id)) return state.hasGroup && With(state.filter, *choice) == state.filter;
+    if (Within(id, mnuReference, 3)) return state.hasGroup && id - mnuReference == state.reference;
+    if (id >= mnuMontage) return id - mnuMontage == state.montage;
+    if (id == mnuFilterRow) return state.filtersShown;
+    if (id == mnuUnfiltered) return state.unfiltered;
     if (id == mnuSpectrogram) return state.spectrogramShown;
     if (id == mnuLanes) return state.lanes;
     if (id == mnuAllSignals) return state.lanes && state.allSignals;

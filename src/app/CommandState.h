@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "nsp/FilterDesign.h"
+
 namespace quillon {
 
 class Document;
@@ -36,6 +38,17 @@ struct CommandState {
     std::int16_t soundDevice = 0;  ///< the chosen one, from 0
     bool playing = false;
     std::int16_t helpLanguage = 0;
+    // How signals are shown, see ShownCommands.
+    bool filtersShown = false;    ///< the row of filters
+    bool hasGroup = false;        ///< there is a current channel, whose unit's group has
+    nsp::FilterSettings filter;   ///< this filter
+    double sampleRate = 0.0;      ///< Hz, of the block
+    bool unfiltered = false;      ///< the current channel
+    bool shownOtherwise = false;  ///< anything is chosen besides what is stored
+    std::int32_t reference = 0;   ///< 0 as recorded, 1 average, 2 the current channel; -1: another one, a montage
+    std::int32_t montages = 0;    ///< to choose from
+    std::int32_t montage = -1;    ///< the chosen one; -1: none
+    bool ownMontage = false;      ///< it is the user's own
 };
 
 /// What the rooms say of it; `fileCount` and `filePosition` as above.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "app/FilterChoices.h"
 #include "app/StringIds.h"
 #include "view/ScaleLabels.h"
 
@@ -40,6 +41,7 @@ constexpr std::array kTree{
     Separator(1),
     Entry(1, mnuTabFile, IDS_TABFILE_0, 2),
     Separator(1),
+    Entry(1, mnuFilterRow, IDS_FILTERS),
     Entry(1, mnuSpectrogram, IDS_SPECTROGRAM),
     Entry(1, mnuLanes, IDS_LANES),
     Entry(1, mnuAllSignals, IDS_ALLSIGNALS),
@@ -59,8 +61,33 @@ constexpr std::array kTree{
     Entry(1, mnuZoomY, IDS_ZOOMY_0, 2),
     Separator(1),
     Entry(1, mnuBaseLine, IDS_BASELINE_0, 2),
+    Separator(1),
+    Popup(1, IDS_FILTERS),
+    Popup(2, IDS_FILTER_0),
+    Entry(3, mnuHighPass, IDS_FILTER_OFF),
+    Entry(3, mnuHighPass + 1, 0, 6),
+    Popup(2, IDS_FILTER_0 + 1),
+    Entry(3, mnuLowPass, IDS_FILTER_OFF),
+    Entry(3, mnuLowPass + 1, 0, 7),
+    Popup(2, IDS_FILTER_0 + 2),
+    Entry(3, mnuNotch, IDS_FILTER_OFF),
+    Entry(3, mnuNotch + 1, 0, 2),
+    Popup(2, IDS_FILTER_0 + 3),
+    Entry(3, mnuFilterOrder, IDS_FILTER_ORDER_0, 3),
+    Popup(2, IDS_FILTER_0 + 4),
+    Entry(3, mnuFilterDirection, IDS_FILTER_DIRECTION_0, 2),
+    Separator(2),
+    Entry(2, mnuUnfiltered, IDS_UNFILTERED),
     Popup(0, IDS_MENU_CHANNELS),
     Entry(1, mnuChShow, IDS_CHSHOW_0, 3),
+    Separator(1),
+    Popup(1, IDS_REFERENCE),
+    Entry(2, mnuReference, IDS_REFERENCE_0, 3),
+    Separator(2),
+    Entry(2, mnuMontage, IDS_MONTAGE_NONE),
+    Separator(2),
+    Entry(2, mnuNewMontage, IDS_NEWMONTAGE),
+    Entry(2, mnuDeleteMontage, IDS_DELETEMONTAGE),
     Popup(0, IDS_MENU_SOUND),
     Entry(1, mnuSoundPlay, IDS_SOUNDPLAY_0, 3),
     Separator(1),
@@ -160,6 +187,7 @@ int ToolTipId(int command) {
 
 int CaptionId(int command) {
     if (command == mnuOpenFolder) return IDS_OPENFOLDER;
+    if (command == mnuShowRaw) return IDS_SHOWRAW;
     if (command == mnuNextPalette) return IDS_NEXTPALETTE;
     if (Within(command, mnuFocus, 4)) return IDS_FOCUS_0 + command - mnuFocus;
     if (Within(command, mnuMove, static_cast<int>(kMoves.size()))) return IDS_MOVE_0 + command - mnuMove;
@@ -174,6 +202,7 @@ int CaptionId(int command) {
 
 std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return ZoomCaption(id - mnuScaleX);
+    if (const auto choice = FilterChoiceOf(id)) return NumberText(choice->value, separator) + u" Hz";
     if (Within(id, mnuPage, kPageCount))
         return PageCaption(kPageLengths[static_cast<std::size_t>(id - mnuPage)], separator);
     return ScaleCaption(id - mnuScaleY, rawCodes, separator);

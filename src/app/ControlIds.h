@@ -26,6 +26,16 @@ enum ControlId : int {
     pbFFT,
     pbPal,
     pbScaleF,
+    // The row of filters, in its order.
+    lblFilterGroup,
+    lblHighPass,
+    cboHighPass,
+    lblLowPass,
+    cboLowPass,
+    lblNotch,
+    cboNotch,
+    cboFilterOrder,
+    cboFilterDirection,
 };
 
 }  // namespace quillon

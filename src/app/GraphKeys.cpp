@@ -51,6 +51,8 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Key::Backspace, mnuView + 2},
     KeyBinding{KeyPlace::Graph, Letter('B'), mnuBaseLine + 0},
     KeyBinding{KeyPlace::Graph, Letter('D'), mnuBaseLine + 1},
+    KeyBinding{KeyPlace::Graph, Letter('F'), mnuFilterRow},
+    KeyBinding{KeyPlace::Everywhere, Letter('R'), mnuShowRaw, kControl},
     KeyBinding{KeyPlace::Graph, Letter('L'), mnuLanes},
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuAllSignals},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuSpectrogram},

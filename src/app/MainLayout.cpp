@@ -9,6 +9,7 @@ namespace {
 constexpr std::int32_t kDefaultUpperPercent = 42;
 constexpr std::int32_t kDefaultValuesHeight = 132;  // at 96 dots per inch: nine lines
 constexpr std::int32_t kDefaultSpectrogramPercent = 45;
+constexpr std::int32_t kFilterRow = 24;  // at 96 dots per inch: a drop-down list
 constexpr std::int32_t kAboveTools = 2;  // at 96 dots per inch
 
 /// Fills the page below a tab strip: one control above, the rest for the list.
@@ -25,20 +26,42 @@ struct Measures {
           gap(Scaled(4)),
           splitter(Scaled(5)),
           height(std::max(from.clientHeight - from.statusHeight, 0)),
-          top(Scaled(kAboveTools) + from.toolHeight + gap) {}
+          filters(Scaled(kAboveTools) + from.toolHeight + gap),
+          top(filters + (from.filters ? Scaled(kFilterRow) + gap : 0)) {}
     /// Scales a length from 96 dots per inch to this screen.
     [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return (pixels * input.dpi + 48) / 96; }
 
     const LayoutInput& input;
     std::int32_t gap;
     std::int32_t splitter;
-    std::int32_t height;  ///< above the status bar
-    std::int32_t top;     ///< below the toolbars
+    std::int32_t height;   ///< above the status bar
+    std::int32_t filters;  ///< top of the row of filters
+    std::int32_t top;      ///< below the toolbars and that row
 };
+
+/// The row of filters. Where the window is too narrow all of them are, in proportion.
+void ArrangeFilters(const Measures& measures, MainLayout& layout) {
+    const LayoutInput& input = measures.input;
+    if (!input.filters) return;
+    std::int32_t wanted = 0;
+    for (const std::int32_t width : input.filterWidths) wanted += width;
+    const auto gaps = static_cast<std::int32_t>(kFilterControls + 1) * measures.gap;
+    const std::int32_t room = std::max(input.clientWidth - gaps, 0);
+    const std::int32_t rowHeight = measures.Scaled(kFilterRow);
+    std::int32_t left = measures.gap;
+    for (std::size_t at = 0; at < kFilterControls; ++at) {
+        const std::int32_t own = input.filterWidths[at];
+        const std::int32_t width = wanted <= room ? own : own * room / wanted;
+        const bool isBox = at == 2 || at == 4 || at >= 6;
+        const std::int32_t height = isBox && input.comboHeight > 0 ? std::min(input.comboHeight, rowHeight) : rowHeight;
+        layout.filters[at] = {left, measures.filters + (rowHeight - height) / 2, width, height};
+        left += width + measures.gap;
+    }
+}
 
 /// The column on the left: folders or channels, files or blocks, the values.
 void ArrangeColumn(const Measures& measures, MainLayout& layout) {
-    const auto& [input, gap, splitter, height, top] = measures;
+    const auto& [input, gap, splitter, height, filters, top] = measures;
     const std::int32_t columnHeight = std::max(height - gap - top, 0);
     // Each list has room for its tabs, its drop-down list and at least two lines; the values for one.
     const std::int32_t leastList = input.tabHeight + 2 * gap + input.comboHeight + measures.Scaled(34);
@@ -88,7 +111,7 @@ std::int32_t WidthOfScale(const Measures& measures, std::int32_t left, std::int3
 
 /// Graph, spectrogram, scales and scroll bars.
 void ArrangePictures(const Measures& measures, MainLayout& layout) {
-    const auto& [input, gap, splitter, height, top] = measures;
+    const auto& [input, gap, splitter, height, filters, top] = measures;
     layout.splitColumn = {layout.listWidth, top, splitter, std::max(height - top, 0)};
     const std::int32_t left = layout.splitColumn.Right();
     const std::int32_t bar = measures.Scaled(17);
@@ -144,6 +167,7 @@ MainLayout ArrangeMain(const LayoutInput& input) {
     layout.tools = {measures.gap, edge, std::min(input.toolWidth, input.clientWidth), input.toolHeight};
     const std::int32_t goToLeft = layout.tools.Right() + measures.gap;
     layout.goTo = {goToLeft, edge, std::clamp(input.clientWidth - goToLeft, 0, input.goToWidth), input.toolHeight};
+    ArrangeFilters(measures, layout);
     ArrangeColumn(measures, layout);
     ArrangePictures(measures, layout);
     return layout;

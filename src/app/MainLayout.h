@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace quillon {
@@ -12,6 +14,10 @@ struct PixelRect {
     [[nodiscard]] std::int32_t Right() const { return left + width; }
     [[nodiscard]] std::int32_t Bottom() const { return top + height; }
 };
+
+/// Controls of the row of filters: the group's name, then label and box of high pass, low pass and notch, the boxes of
+/// order and direction.
+inline constexpr std::size_t kFilterControls = 9;
 
 /// Input of the layout; lengths in pixels.
 struct LayoutInput {
@@ -31,11 +37,14 @@ struct LayoutInput {
     std::int32_t valuesHeight = 0;        ///< of the values panel; 0: the default
     std::int32_t titlesWidth = 0;         ///< that the titles of lanes left of the graph want; 0: there are none
     std::int32_t laneLabels = 0;          ///< that the user chose for them; 0: none
+    bool filters = false;                 ///< whether their row is shown
+    std::array<std::int32_t, kFilterControls> filterWidths{};  ///< that they want; 0 before they exist
 };
 
 /// One rectangle per control. The pages of a tab strip share its page rectangle.
 struct MainLayout {
     PixelRect tools, goTo;
+    std::array<PixelRect, kFilterControls> filters;  ///< below the toolbars; empty when they are not shown
     PixelRect tabPath, drive, pathList, folders, channels;
     PixelRect tabFile, fileType, files, blocks;
     PixelRect values;

@@ -29,6 +29,7 @@ void TakeSizes(const WindowPlacement& placement, LayoutInput& input) {
     input.spectrogram = placement.spectrogramShown;
     input.spectrogramPercent = placement.spectrogramPercent;
     input.laneLabels = placement.laneLabels;
+    input.filters = placement.filters;
 }
 
 void DragSplitter(Splitter splitter, const MainLayout& layout, int x, int y, WindowPlacement& placement) {
@@ -56,7 +57,7 @@ void KeepReached(Splitter splitter, const MainLayout& layout, WindowPlacement& p
 }
 
 std::vector<ControlPlace> PlacesOf(const MainLayout& layout) {
-    return {
+    std::vector<ControlPlace> places{
         {tbMain, layout.tools},      {tbGoTo, layout.goTo},         {tabPath, layout.tabPath},
         {lstDrive, layout.drive},    {pbPathList, layout.pathList}, {lstDir, layout.folders},
         {lvCh, layout.channels},     {tabFile, layout.tabFile},     {cboFileType, layout.fileType},
@@ -65,6 +66,9 @@ std::vector<ControlPlace> PlacesOf(const MainLayout& layout) {
         {btnZoomX, layout.zoomX},    {pbScaleX, layout.scaleX},     {scScaleX, layout.scrollX},
         {pbFFT, layout.spectrogram}, {pbPal, layout.palette},       {pbScaleF, layout.scaleF},
     };
+    for (std::size_t at = 0; at < kFilterControls; ++at)
+        places.push_back({lblFilterGroup + static_cast<int>(at), layout.filters[at]});
+    return places;
 }
 
 PixelRect FramedWith(const MainLayout& layout, int control) {

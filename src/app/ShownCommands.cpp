@@ -83,22 +83,57 @@ void ShownCommands::Remember() {
     for (const Montage& own : m_own) AppendLine(m_remembered.montages, own.name, own.pairs);
 }
 
+void ShownCommands::Show(const ShownSettings& settings) {
+    const bool signals = settings.montage != m_document.Shown().montage;
+    if (m_document.ShowAs(settings)) onChange(signals);
+}
+
 void ShownCommands::Apply(const ShownSettings& settings) {
     // A choice ends the look at the raw signals, so that its effect is seen.
     m_kept.reset();
-    const bool changes = m_document.ShowAs(settings);
+    Show(settings);
     Remember();
-    if (changes) onChange();
     onChoice();
+}
+
+void ShownCommands::Describe(CommandState& state) const {
+    state.filtersShown = m_remembered.filters;
+    state.hasGroup = Group().has_value();
+    state.filter = Filter();
+    state.sampleRate = m_document.Block().sampleRate;
+    state.unfiltered = IsUnfiltered();
+    state.shownOtherwise = Chosen() != ShownSettings();
+    state.montages = static_cast<std::int32_t>(Montages().size());
+    state.montage = MontageIndex();
+    state.ownMontage = ShowsOwnMontage();
+    const Reference& reference = Chosen().reference;
+    const bool isOther = reference.kind == Reference::Kind::Channel && reference.channel != ChannelTitle();
+    state.reference = isOther || Chosen().montage ? -1 : static_cast<std::int32_t>(reference.kind);
+}
+
+std::u16string ShownCommands::Caption(const FilterChoice& choice) const {
+    const int second = choice.value == 4.0 ? 2 : static_cast<int>(choice.value) - 1;
+    if (choice.field == FilterField::Order) return m_services.Text(IDS_FILTER_ORDER_0 + second);
+    if (choice.field == FilterField::Direction)
+        return m_services.Text(IDS_FILTER_DIRECTION_0 + (choice.value == 0.0 ? 0 : 1));
+    if (choice.value == 0.0) return m_services.Text(IDS_FILTER_OFF);
+    return NumberText(choice.value, m_format.decimalSeparator) + u' ' + m_services.Text(IDS_HERTZ);
+}
+
+std::u16string ShownCommands::RefusalOfChoice(const FilterChoice& choice) const {
+    const double rate = m_document.Block().sampleRate;
+    return RefusalText(Tried(Filter(), choice, rate), rate, m_language, m_format.decimalSeparator);
+}
+
+void ShownCommands::ToggleRow() {
+    m_remembered.filters = !m_remembered.filters;
+    onRow();
 }
 
 void ShownCommands::Choose(const FilterChoice& choice) {
     const std::optional<std::u16string> group = Group();
     if (!group) return;
-    const double rate = m_document.Block().sampleRate;
-    const std::u16string refusal =
-        RefusalText(Tried(Filter(), choice, rate), rate, m_language, m_format.decimalSeparator);
-    if (!refusal.empty()) {
+    if (const std::u16string refusal = RefusalOfChoice(choice); !refusal.empty()) {
         onRefused(refusal);
         return onChoice();
     }
@@ -206,16 +241,9 @@ void ShownCommands::DeleteMontage() {
 
 void ShownCommands::HoldRaw(bool hold) {
     if (hold == m_kept.has_value()) return;
-    bool changes = false;
-    if (hold) {
-        m_kept = m_document.Shown();
-        changes = m_document.ShowAs(ShownSettings());
-    } else {
-        // Not any longer held when the owner asks.
-        const ShownSettings settings = *std::exchange(m_kept, std::nullopt);
-        changes = m_document.ShowAs(settings);
-    }
-    if (changes) onChange();
+    if (!hold) return Show(*std::exchange(m_kept, std::nullopt));
+    m_kept = m_document.Shown();
+    Show(ShownSettings());
 }
 
 }  // namespace quillon

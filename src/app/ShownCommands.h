@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/CommandState.h"
 #include "app/FilterChoices.h"
 #include "app/WindowPlacement.h"
 #include "base/Language.h"
@@ -32,7 +33,9 @@ class ShownCommands {
           m_language(language) {}
 
     // To be set by the owner.
-    std::function<void()> onChange;  ///< signals are shown otherwise
+    /// Signals are shown otherwise; `signals`: there are others, those of a montage.
+    std::function<void(bool signals)> onChange;
+    std::function<void()> onRow;     ///< the row of filters is shown or hidden
     std::function<void()> onChoice;  ///< something was chosen, whether or not it changes a signal of this block
     std::function<void(const std::u16string& reason)> onRefused;
 
@@ -50,6 +53,15 @@ class ShownCommands {
     /// Title of the current channel; empty without one.
     [[nodiscard]] std::u16string ChannelTitle() const;
 
+    /// What decides of it whether commands are available.
+    void Describe(CommandState& state) const;
+    /// A value as lists name it: "Off", "0.5 Hz", "Order 2", "Forward".
+    [[nodiscard]] std::u16string Caption(const FilterChoice& choice) const;
+    /// Why it cannot be chosen; empty where it can.
+    [[nodiscard]] std::u16string RefusalOfChoice(const FilterChoice& choice) const;
+
+    /// Shows or hides the row of filters.
+    void ToggleRow();
     /// What cannot be is told and changes nothing, in all of these.
     void Choose(const FilterChoice& choice);
     /// A frequency as it was typed.
@@ -78,6 +90,7 @@ class ShownCommands {
 
   private:
     [[nodiscard]] std::vector<std::u16string> Titles() const;
+    void Show(const ShownSettings& settings);
     void Apply(const ShownSettings& settings);
     void Remember();
 

@@ -32,6 +32,9 @@ std::vector<PixelRect> Seen(const MainLayout& layout, bool firstPages, bool spec
          firstPages ? std::vector{layout.drive, layout.pathList, layout.folders, layout.fileType, layout.files}
                     : std::vector{layout.channels, layout.blocks})
         all.push_back(rect);
+    for (const PixelRect& rect : layout.filters) {
+        if (rect.height > 0) all.push_back(rect);
+    }
     if (spectrogram)
         all.insert(all.end(), {layout.scaleF, layout.spectrogram, layout.palette, layout.splitSpectrogram});
     return all;
@@ -60,6 +63,8 @@ TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
         input.spectrogram = random() % 2 == 0;
         input.spectrogramPercent = perhaps(100);
         input.valuesHeight = perhaps(3000);
+        input.filters = random() % 2 == 0;
+        for (std::int32_t& width : input.filterWidths) width = scaled(between(30, 110));
         const MainLayout layout = ArrangeMain(input);
         SCOPED_TRACE(::testing::Message() << dpi << ' ' << input.clientWidth << " x " << input.clientHeight << ' '
                                           << input.listWidth << ' ' << input.upperPercent << ' ' << input.valuesHeight);
@@ -80,7 +85,7 @@ TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
             // Only the corner of the scroll bars, and the row of the toolbars, have nothing.
             for (int point = 0; point < 60; ++point) {
                 const int x = between(0, input.clientWidth - 1);
-                const int y = between(input.toolHeight, input.clientHeight - input.statusHeight - 1);
+                const int y = between(layout.graph.top, input.clientHeight - input.statusHeight - 1);
                 int nearest = input.clientWidth;
                 for (const PixelRect& rect : all) nearest = std::min(nearest, Distance(rect, x, y));
                 ASSERT_LE(nearest, x >= layout.scaleX.Right() ? scaled(22) : scaled(6)) << x << ' ' << y;

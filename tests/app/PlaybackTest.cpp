@@ -145,7 +145,7 @@ TEST(CommandState, WithNothingOpenLittleIsEnabledAndEachEndOfAWayDisablesItsStep
     for (const MenuEntry& entry : MenuTree()) {
         constexpr std::array always{mnuExit,       mnuHelp,    mnuHelpLang,   mnuKeysAndMouse, mnuSpectrogram,
                                     mnuOptions,    mnuTabPath, mnuTabFile,    mnuPathList,     mnuFocus,
-                                    mnuOpenFolder, mnuLanes,   mnuAllSignals, mnuAbout};
+                                    mnuOpenFolder, mnuLanes,   mnuAllSignals, mnuAbout,        mnuFilterRow};
         const bool expected = std::find(always.begin(), always.end(), entry.id) != always.end();
         EXPECT_EQ(IsEnabled(entry.id, {}), expected) << entry.id;
     }

@@ -72,7 +72,10 @@ class ShownCommandsTest : public EmptyViewFixture {
         block->titles = {u"EEG Fp1-REF", u"EEG F7-REF", u"EEG T3-REF", u"SpO2"};
         block->units = {u"uV", u"mV", u"V", u"%"};
         Load(block);
-        m_commands.onChange = [this] { ++m_changes; };
+        m_commands.onChange = [this](bool signals) {
+            ++m_changes;
+            m_signals += signals ? 1 : 0;
+        };
         m_commands.onChoice = [] {};
         m_commands.onRefused = [this](const std::u16string& reason) { m_told.push_back(reason); };
     }
@@ -81,6 +84,7 @@ class ShownCommandsTest : public EmptyViewFixture {
     WindowPlacement m_remembered;
     ShownCommands m_commands{m_document, m_remembered, m_services, m_format, Language::English};
     int m_changes = 0;
+    int m_signals = 0;
     std::vector<std::u16string> m_told;
 };
 
@@ -121,6 +125,32 @@ TEST_F(ShownCommandsTest, WhatCannotBeIsToldAndChangesNothing) {
     EXPECT_EQ(m_document.Shown(), before);
 }
 
+TEST_F(ShownCommandsTest, CommandsAreAvailableWhereWhatTheyChooseCanBe) {
+    m_commands.Choose({FilterField::HighPass, 10.0});
+    m_commands.AddMontage(u"Mine: Fp1-F7");
+    CommandState state;
+    m_commands.Describe(state);
+    // 100 samples per second.
+    for (const auto& [command, enabled] : {std::pair{mnuLowPass + 1, true},
+                                           {mnuLowPass + 4, true},
+                                           {mnuLowPass + 5, false},
+                                           {mnuNotch + 1, false},
+                                           {mnuNotch, true},
+                                           {+mnuShowRaw, true},
+                                           {+mnuDeleteMontage, true},
+                                           {mnuMontage + state.montages, false}})
+        EXPECT_EQ(IsEnabled(command, state), enabled) << command;
+    for (const int command :
+         {mnuHighPass + 6, +mnuLowPass, mnuFilterOrder + 1, +mnuFilterDirection, mnuMontage + state.montage})
+        EXPECT_TRUE(IsChecked(command, state)) << command;
+    for (const int command : {+mnuHighPass, +mnuReference, mnuFilterOrder + 0})
+        EXPECT_FALSE(IsChecked(command, state)) << command;
+    m_document.CloseCurrentFile();
+    m_commands.Describe(state);
+    for (const int command : {+mnuHighPass, +mnuFilterOrder, +mnuUnfiltered, +mnuReference})
+        EXPECT_FALSE(IsEnabled(command, state)) << command;
+}
+
 TEST_F(ShownCommandsTest, RawSignalsAreShownAsLongAsTheyAreHeld) {
     m_commands.Choose({FilterField::HighPass, 0.5});
     const ShownSettings chosen = m_document.Shown();
@@ -139,11 +169,13 @@ TEST_F(ShownCommandsTest, RawSignalsAreShownAsLongAsTheyAreHeld) {
 TEST_F(ShownCommandsTest, ReferenceAndMontageExcludeEachOther) {
     m_document.ChooseChannel(2);
     m_commands.SetReference(Reference::Kind::Channel);
+    EXPECT_EQ(m_signals, 0);
     EXPECT_EQ(m_document.Shown().reference, (Reference{Reference::Kind::Channel, u"EEG F7-REF"}));
     m_commands.AddMontage(u" Mine : Fp1-F7, F7-T3");
     EXPECT_EQ(m_document.Shown().reference, Reference());
     EXPECT_EQ(m_document.Shown().montage, (Montage{u"Mine", u"Fp1-F7, F7-T3"}));
     EXPECT_TRUE(m_commands.ShowsOwnMontage());
+    EXPECT_EQ(m_signals, 1);
     EXPECT_EQ(m_commands.MontageIndex(), static_cast<int>(m_commands.Montages().size()) - 1);
     m_commands.SetReference(Reference::Kind::Average);
     EXPECT_FALSE(m_document.Shown().montage.has_value());

@@ -29,6 +29,13 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
              f.selectPage(TabPages::File, i);
          }},
         {mnuSpectrogram, 1, [](R r, F, int) { r.ShowSpectrogram(); }},
+        {mnuFilterRow, 1, [](R r, F, int) { r.shown.ToggleRow(); }},
+        {mnuUnfiltered, 1, [](R r, F, int) { r.shown.ToggleUnfiltered(); }},
+        {mnuShowRaw, 1, [](R r, F, int) { r.shown.HoldRaw(true); }},
+        {mnuReference, 3, [](R r, F, int i) { r.shown.SetReference(static_cast<Reference::Kind>(i)); }},
+        {mnuNewMontage, 1, [](R r, F, int) { r.dialogs.NewMontage(r.shown); }},
+        {mnuDeleteMontage, 1, [](R r, F, int) { r.shown.DeleteMontage(); }},
+        {mnuMontage, static_cast<int>(ShownCommands::kMostMontages), [](R r, F, int i) { r.shown.ChooseMontage(i); }},
         {mnuLanes, 1, [](R r, F, int) { r.lanes.ToggleLanes(); }},
         {mnuAllSignals, 1, [](R r, F, int) { r.lanes.ToggleAllSignals(); }},
         {mnuNegativeUp, 1, [](R r, F, int) { r.lanes.ToggleNegativeUp(); }},
@@ -40,7 +47,11 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuGoTo, 4, [](R r, F, int i) { r.ViewChanged(r.view.GoToPage(i)); }},
         {mnuScaleY, AmplitudeScale::kScaleCount, [](R r, F, int i) { r.ViewChanged(r.view.SelectScaleY(i)); }},
         {mnuZoomY, 2, [](R r, F, int i) { r.ViewChanged(r.view.ZoomY(i == 0 ? -1 : 1)); }},
-        {mnuBaseLine, 2, [](R r, F, int i) { i == 0 ? r.ViewChanged(r.view.SetBipolar()) : r.FindData(); }},
+        {mnuBaseLine, 2,
+         [](R r, F, int i) {
+             i == 0 ? r.ViewChanged(r.view.SetBipolar())
+                    : r.slices.FindData([&r] { r.ViewChanged(r.view.FindData()); });
+         }},
         {mnuChShow, 3, [](R r, F, int i) { r.recording.SetAllShown(i); }},
         {mnuHelp, 1, [](R, F f, int) { f.help(); }},
         {mnuHelpLang, 3, [](R, F f, int i) { f.helpLanguage(i); }},
@@ -59,6 +70,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
          [](R r, F, int i) { r.commands.MoveView(Moves()[static_cast<std::size_t>(i)]); }},
         {mnuPathList, kPathListEntries, [](R r, F, int i) { r.browser.ChoosePath(i); }},
     };
+    if (const auto choice = FilterChoiceOf(id)) rooms.shown.Choose(*choice);
     for (const Route& route : routes) {
         if (id >= route.first && id < route.first + route.count) route.run(rooms, frame, id - route.first);
     }

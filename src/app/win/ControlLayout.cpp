@@ -24,7 +24,8 @@ void ControlLayout::SetWindow(HWND window, HFONT font, int dpi) {
     m_dpi = dpi;
 }
 
-void ControlLayout::SetToolSizes(SIZE main, SIZE pages) {
+void ControlLayout::SetToolSizes(SIZE main, SIZE pages, const std::array<std::int32_t, kFilterControls>& filters) {
+    m_filters = filters;
     m_mainTools = main;
     m_pageTools = pages;
 }
@@ -91,6 +92,7 @@ void ControlLayout::FindPlaces() {
     input.dpi = m_dpi;
     TakeSizes(m_placement, input);
     input.titlesWidth = m_titles;
+    input.filterWidths = m_filters;
     m_layout = ArrangeMain(input);
 }
 
@@ -98,7 +100,8 @@ void ControlLayout::PlaceControls(std::span<const ControlPlace> places) const {
     HDWP positions = BeginDeferWindowPos(static_cast<int>(places.size()));
     for (const ControlPlace& place : places) {
         // The height of a drop-down list is that of its open list.
-        const bool isCombo = place.id == lstDrive || place.id == cboFileType;
+        const bool isCombo = place.id == lstDrive || place.id == cboFileType || place.id == cboHighPass ||
+                             place.id == cboLowPass || (place.id >= cboNotch && place.id <= cboFilterDirection);
         const int height = isCombo ? MulDiv(240, m_dpi, 96) : place.rect.height;
         positions = DeferWindowPos(positions, Control(place.id), nullptr, place.rect.left, place.rect.top,
                                    place.rect.width, height, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <span>
 
 #include "app/MainSplitters.h"
@@ -16,7 +18,7 @@ class ControlLayout {
 
     void SetWindow(HWND window, HFONT font, int dpi);
     /// Size of the toolbars; 0 before they exist.
-    void SetToolSizes(SIZE main, SIZE pages);
+    void SetToolSizes(SIZE main, SIZE pages, const std::array<std::int32_t, kFilterControls>& filters);
     /// Width that the titles of lanes want, as far as the user has chosen no other; 0: there are no lanes.
     void SetTitles(std::int32_t width) { m_titles = width; }
     /// Before the other controls exist only the graph is placed, at its final position.
@@ -54,6 +56,7 @@ class ControlLayout {
     int m_dpi = 96;
     SIZE m_mainTools{};
     SIZE m_pageTools{};
+    std::array<std::int32_t, kFilterControls> m_filters{};
     MainLayout m_layout;
     SIZE m_size{};  ///< of the client area that the controls fill
     std::int32_t m_titles = 0;

@@ -1,6 +1,7 @@
 #include "app/win/DialogCommands.h"
 
 #include "app/Captions.h"
+#include "app/ShownCommands.h"
 #include "app/StringIds.h"
 #include "app/win/GraphPane.h"
 #include "app/win/HoverCapture.h"
@@ -77,6 +78,13 @@ void DialogCommands::Split() {
     });
     // The folder watch does not report new subfolders.
     if (!m_parts.window.IsGone()) onFiles();
+}
+
+void DialogCommands::NewMontage(ShownCommands& shown) {
+    const std::shared_ptr<RecordingBlock> block = Block().block;
+    const auto text = AskForMontage(m_parts.window.Window(), m_shared.services,
+                                    [&](const std::u16string& typed) { return shown.RefusalOfMontage(typed); });
+    if (text && !m_parts.window.IsGone() && Block().block == block) shown.AddMontage(*text);
 }
 
 void DialogCommands::CopyImage() {

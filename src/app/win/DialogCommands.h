@@ -12,6 +12,7 @@ namespace quillon {
 class GraphPane;
 class HoverCapture;
 class LongCommand;
+class ShownCommands;
 class SpectrogramPane;
 class StatusBar;
 
@@ -44,6 +45,8 @@ class DialogCommands {
     void Options();
     void Split();
     /// A picture of the view to the clipboard.
+    /// Asks for a montage and shows it.
+    void NewMontage(ShownCommands& shown);
     void CopyImage();
     /// Name and version of the program.
     void About();

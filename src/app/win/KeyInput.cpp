@@ -42,6 +42,11 @@ bool IsRepeated(const MSG& message) {
     return (message.lParam & (1 << 30)) != 0;
 }
 
+/// Boxes of the row of filters.
+bool IsFilterBox(int control) {
+    return control >= lblFilterGroup && control <= cboFilterDirection;
+}
+
 }  // namespace
 
 KeyPlace KeyInput::FocusPlace() const {
@@ -50,8 +55,14 @@ KeyPlace KeyInput::FocusPlace() const {
     return GetParent(focus) == m_window ? KeyPlaceOf(GetDlgCtrlID(focus)) : KeyPlace::Everywhere;
 }
 
+void KeyInput::ReleaseRaw() {
+    if (std::exchange(m_holdsRaw, false)) onRelease();
+}
+
 bool KeyInput::Translate(const MSG& message) {
     if (m_window == nullptr) return false;
+    // Not by the message of its release, which a menu or a long command may have taken.
+    if (m_holdsRaw && (GetKeyState(VK_CONTROL) >= 0 || GetKeyState('R') >= 0)) ReleaseRaw();
     if (message.message == WM_MOUSEWHEEL) return RouteWheel(message);
     // After Alt with another key, the release of Alt must not open the menu.
     const bool released = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
@@ -69,7 +80,9 @@ bool KeyInput::TranslateKey(const MSG& message) {
     const HWND focus = GetFocus();
     const WPARAM code = message.wParam;
     if (code == VK_TAB && !control && !alt) {
-        if (const HWND next = GetNextDlgTabItem(m_window, focus, shift)) onFocus(next);
+        // The line that is typed in is part of its box.
+        const bool isPart = focus != m_window && GetParent(focus) != m_window;
+        if (const HWND next = GetNextDlgTabItem(m_window, isPart ? GetParent(focus) : focus, shift)) onFocus(next);
         return true;
     }
     if (focus == Control(pbPathList) && (code == VK_RETURN || code == VK_SPACE || code == VK_DOWN)) {
@@ -81,25 +94,41 @@ bool KeyInput::TranslateKey(const MSG& message) {
         onContextMenu();
         return true;
     }
+    const int box = GetDlgCtrlID(GetParent(focus) == m_window ? focus : GetParent(focus));
+    if (IsFilterBox(box) && code != VK_F1 && !(control && code == 'R')) return TranslateInBox(focus, code);
     const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
     if (command == 0) return false;
     // The play key toggles; auto-repeat must not toggle again.
-    if (command == mnuSoundPlay && IsRepeated(message)) return true;
+    if ((command == mnuSoundPlay || command == mnuShowRaw) && IsRepeated(message)) return true;
+    if (command == mnuShowRaw) m_holdsRaw = true;
     if (alt) m_altUsed = true;
     onCommand(command);
     return true;
 }
 
+bool KeyInput::TranslateInBox(HWND focus, WPARAM code) const {
+    const HWND box = GetParent(focus) == m_window ? focus : GetParent(focus);
+    if (code != VK_RETURN && code != VK_ESCAPE) return false;
+    // An open list takes them itself.
+    if (SendMessageW(box, CB_GETDROPPEDSTATE, 0, 0) != 0) return false;
+    SendMessageW(m_window, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(box), code == VK_RETURN ? kEntered : kCancelled),
+                 reinterpret_cast<LPARAM>(box));
+    return true;
+}
+
 bool KeyInput::RouteWheel(const MSG& message) {
     // The wheel goes to the control under the pointer, independent of the focus.
-    const HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
+    HWND under = WindowFromPoint({GET_X_LPARAM(message.lParam), GET_Y_LPARAM(message.lParam)});
     if (under == nullptr || !IsWindowEnabled(m_window) || !IsChild(m_window, under)) return false;
+    if (GetParent(under) != m_window && IsFilterBox(GetDlgCtrlID(GetParent(under)))) under = GetParent(under);
     const int id = GetDlgCtrlID(under);
     const std::optional<GraphZone> zone = WheelZoneOf(id);
     if (!zone) {
         // A closed drop-down list would choose another entry: it has to have the focus for that.
-        const bool choice = id == lstDrive || id == cboFileType;
-        if (!choice || GetFocus() == under) SendMessageW(under, WM_MOUSEWHEEL, message.wParam, message.lParam);
+        const bool choice = id == lstDrive || id == cboFileType || IsFilterBox(id);
+        const HWND focus = GetFocus();
+        if (!choice || focus == under || IsChild(under, focus))
+            SendMessageW(under, WM_MOUSEWHEEL, message.wParam, message.lParam);
         return true;
     }
     int delta = GET_WHEEL_DELTA_WPARAM(message.wParam);

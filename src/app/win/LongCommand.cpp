@@ -42,6 +42,14 @@ std::exception_ptr LongCommand::Run(const std::function<void()>& work) {
     return failure;
 }
 
+void LongCommand::RunWhole(const std::function<void()>& work) {
+    const std::exception_ptr failure = Run(work);
+    if (IsGone()) return;
+    CloseIfAsked();
+    onEnd();
+    if (failure) std::rethrow_exception(failure);
+}
+
 void LongCommand::RunPart(const std::function<void()>& part) {
     m_stopped = false;
     m_lastPump = 0;

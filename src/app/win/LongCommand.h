@@ -13,6 +13,7 @@ namespace quillon {
 class LongCommand {
   public:
     // To be set by the owner.
+    std::function<void()> onEnd;    ///< a command has ended
     std::function<bool()> onClose;  ///< asks whether to stop the work and close the window
 
     /// The window whose commands these are; null once it is gone.
@@ -23,6 +24,8 @@ class LongCommand {
 
     /// Runs a command, which may be a dialog with work in parts. Returns the exception that it has thrown, if any.
     std::exception_ptr Run(const std::function<void()>& work);
+    /// Runs a command to its end, in which the window closes if that was asked for meanwhile. Throws what it throws.
+    void RunWhole(const std::function<void()>& work);
     /// Runs a part of it that can be stopped by itself. What is typed and clicked meanwhile is dropped, also what
     /// is repeated by the key that stopped it, for as long as that is held.
     void RunPart(const std::function<void()>& part);

@@ -95,17 +95,30 @@ void NameControls(HWND window, const UserServices& services) {
         int text;
         bool isLabel;
     };
-    constexpr Name names[] = {{tbMain, IDS_NAME_TOOLS, false},         {tbGoTo, IDS_NAME_PAGES, false},
-                              {tabPath, IDS_NAME_TABS_PATH, true},     {lstDrive, IDS_NAME_DRIVE, true},
-                              {pbPathList, IDS_TIP_PATHLIST, false},   {lstDir, IDS_TAB_FOLDERS, true},
-                              {lvCh, IDS_TAB_CHANNELS, true},          {tabFile, IDS_NAME_TABS_FILE, true},
-                              {cboFileType, IDS_NAME_FILETYPE, true},  {lstFile, IDS_TAB_FILES, true},
-                              {lstBlock, IDS_TAB_BLOCKS, true},        {pbGraph, IDS_NAME_GRAPH, false},
-                              {pbScaleX, IDS_NAME_TIME_SCALE, false},  {pbScaleY, IDS_NAME_AMPLITUDE_SCALE, false},
-                              {scScaleX, IDS_NAME_TIME_SCROLL, false}, {scScaleY, IDS_NAME_LEVEL_SCROLL, false},
-                              {btnZoomX, IDS_NAME_TIME_ZOOM, false},   {pnValues, IDS_NAME_VALUES, false},
-                              {sbInfo, IDS_NAME_STATUS, true},         {pbFFT, IDS_NAME_SPECTROGRAM, false},
-                              {pbPal, IDS_NAME_PALETTE, false},        {pbScaleF, IDS_NAME_FREQUENCY_SCALE, false}};
+    constexpr Name names[] = {{tbMain, IDS_NAME_TOOLS, false},
+                              {tbGoTo, IDS_NAME_PAGES, false},
+                              {tabPath, IDS_NAME_TABS_PATH, true},
+                              {lstDrive, IDS_NAME_DRIVE, true},
+                              {pbPathList, IDS_TIP_PATHLIST, false},
+                              {lstDir, IDS_TAB_FOLDERS, true},
+                              {lvCh, IDS_TAB_CHANNELS, true},
+                              {tabFile, IDS_NAME_TABS_FILE, true},
+                              {cboFileType, IDS_NAME_FILETYPE, true},
+                              {lstFile, IDS_TAB_FILES, true},
+                              {lstBlock, IDS_TAB_BLOCKS, true},
+                              {pbGraph, IDS_NAME_GRAPH, false},
+                              {pbScaleX, IDS_NAME_TIME_SCALE, false},
+                              {pbScaleY, IDS_NAME_AMPLITUDE_SCALE, false},
+                              {scScaleX, IDS_NAME_TIME_SCROLL, false},
+                              {scScaleY, IDS_NAME_LEVEL_SCROLL, false},
+                              {btnZoomX, IDS_NAME_TIME_ZOOM, false},
+                              {pnValues, IDS_NAME_VALUES, false},
+                              {sbInfo, IDS_NAME_STATUS, true},
+                              {pbFFT, IDS_NAME_SPECTROGRAM, false},
+                              {pbPal, IDS_NAME_PALETTE, false},
+                              {pbScaleF, IDS_NAME_FREQUENCY_SCALE, false},
+                              {cboFilterOrder, IDS_NAME_FILTER_ORDER, true},
+                              {cboFilterDirection, IDS_NAME_FILTER_DIRECTION, true}};
     for (const Name& name : names) {
         const HWND control = GetDlgItem(window, name.control);
         const std::wstring text = Wide(services.Text(name.text));

@@ -11,6 +11,8 @@ namespace quillon {
 
 namespace {
 
+constexpr UINT kFirstMontage = 4;  ///< behind the references and a separator
+
 /// Doubles ampersands, so that they are shown and not taken for a mnemonic.
 std::wstring Escaped(const std::u16string& name) {
     std::wstring text;
@@ -92,10 +94,28 @@ void MainMenu::FillSoundDevices(HMENU menu, std::span<const std::u16string> devi
     if (count == 0) AppendMenuW(menu, MF_STRING, mnuSoundCard, Wide(m_services.Text(IDS_SOUNDCARD_0)).c_str());
 }
 
-void MainMenu::Open(HMENU menu, Playback& playback, const std::function<CommandState()>& present) const {
+void MainMenu::FillReferences(HMENU menu, const ShownCommands& shown) const {
+    const std::u16string title = shown.ChannelTitle();
+    const std::wstring caption = title.empty() ? Wide(m_services.Text(IDS_REFERENCE_0 + 2)) : Escaped(title);
+    ModifyMenuW(menu, mnuReference + 2, MF_BYCOMMAND | MF_STRING, mnuReference + 2, caption.c_str());
+    while (GetMenuItemID(menu, kFirstMontage) >= mnuMontage &&
+           GetMenuItemID(menu, kFirstMontage) < mnuMontage + ShownCommands::kMostMontages)
+        DeleteMenu(menu, kFirstMontage, MF_BYPOSITION);
+    const std::vector<Montage> montages = shown.Montages();
+    for (std::size_t at = 0; at < montages.size(); ++at)
+        InsertMenuW(menu, kFirstMontage + static_cast<UINT>(at), MF_BYPOSITION | MF_STRING,
+                    static_cast<UINT_PTR>(mnuMontage) + at, Escaped(montages[at].name).c_str());
+    if (montages.empty())
+        InsertMenuW(menu, kFirstMontage, MF_BYPOSITION | MF_STRING, mnuMontage,
+                    Wide(m_services.Text(IDS_MONTAGE_NONE)).c_str());
+}
+
+void MainMenu::Open(HMENU menu, Playback& playback, const ShownCommands& shown,
+                    const std::function<CommandState()>& present) const {
     const UINT first = GetMenuItemID(menu, 0);
     if (first == mnuSoundCard || first == mnuSoundPlay) playback.LookForDevices();
     if (first == mnuSoundCard) FillSoundDevices(menu, playback.DeviceNames());
+    if (first == mnuReference) FillReferences(menu, shown);
     const CommandState state = present();
     const int count = GetMenuItemCount(menu);
     for (int position = 0; position < count; ++position) {
@@ -105,6 +125,12 @@ void MainMenu::Open(HMENU menu, Playback& playback, const std::function<CommandS
             // The captions depend on the option values or codes.
             const std::u16string caption =
                 ComputedCaption(static_cast<int>(id), m_view.RawCodes(), m_format.decimalSeparator);
+            ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
+        }
+        if (const auto choice = FilterChoiceOf(static_cast<int>(id))) {
+            // The unit of frequencies is a word of the language, and a choice that cannot be says why.
+            const std::u16string reason = state.hasGroup ? shown.RefusalOfChoice(*choice) : std::u16string();
+            const std::u16string caption = shown.Caption(*choice) + (reason.empty() ? reason : u"  (" + reason + u')');
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
         }
         const bool enabled = IsEnabled(static_cast<int>(id), state);

@@ -7,6 +7,7 @@
 #include "app/CommandState.h"
 #include "app/Commands.h"
 #include "app/Playback.h"
+#include "app/ShownCommands.h"
 #include "base/win/WinHandle.h"
 #include "data/PathList.h"
 #include "data/UserServices.h"
@@ -26,7 +27,8 @@ class MainMenu {
     /// The system destroys the menu with its window.
     void Release() { static_cast<void>(m_menu.Release()); }
     /// A menu is about to open: updates its entries. The sound menu enumerates the devices.
-    void Open(HMENU menu, Playback& playback, const std::function<CommandState()>& state) const;
+    void Open(HMENU menu, Playback& playback, const ShownCommands& shown,
+              const std::function<CommandState()>& state) const;
     /// The menu of the graph; returns the chosen command, 0 without one.
     int ShowContextMenu(HWND owner, POINT screen);
     /// The list of X zooms, on a free axis that of pages, above the control.
@@ -35,6 +37,7 @@ class MainMenu {
     void ShowFolders(HWND owner, HWND control, const PathList& pathList) const;
 
   private:
+    void FillReferences(HMENU menu, const ShownCommands& shown) const;
     void FillSoundDevices(HMENU menu, std::span<const std::u16string> devices) const;
     void Fill(HMENU menu, std::span<const MenuEntry> entries);
     [[nodiscard]] std::wstring CaptionOf(const MenuEntry& entry, int index) const;

@@ -25,6 +25,7 @@ MainRooms::MainRooms(RoomParts parts)
       slices(m_document, view, m_parts.services, status, longCommand, graph, spectrogram),
       commands(m_document, view, playback),
       lanes(m_document, view, m_parts.settings.window),
+      shown(m_document, m_parts.settings.window, m_parts.services, m_parts.format, m_parts.language),
       graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
       recording(m_document, m_parts.format),
@@ -38,6 +39,7 @@ MainRooms::MainRooms(RoomParts parts)
     WireCommands();
     WireBackground();
     lanes.Restore();
+    shown.Restore();
 }
 
 void MainRooms::WireGraph() {
@@ -127,6 +129,16 @@ void MainRooms::WireCommands() {
         slices.work.SignalsChanged();
         m_values.DetailsChanged();
     };
+    shown.onChange = [this](bool signals) {
+        SamplesChanged(false);
+        if (signals) lanes.SignalsFound();
+    };
+    shown.onChoice = [this] { UpdateState(); };
+    shown.onRefused = [this](const std::u16string& reason) { status.Tell(StatusBar::Topic::Outcome, reason); };
+    shown.onRow = [this] {
+        onArrange();
+        PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0);
+    };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };
@@ -134,7 +146,7 @@ void MainRooms::WireCommands() {
     dialogs.onHelp = [this] { onHelp(); };
     dialogs.onGoTo = [this](const GoToMeaning& place) { commands.GoTo(place); };
     dialogs.onRedraw = [this] { Refresh(); };
-    dialogs.onWork = [this](const std::function<void()>& work) { RunBusy(work); };
+    dialogs.onWork = [this](const std::function<void()>& work) { longCommand.RunWhole(work); };
     dialogs.onStatistics = [this](StatisticsPass* pass) {
         if (pass == nullptr) return slices.work.EndMeasure();
         slices.work.Measure([pass] { return pass->Step(); }, [pass] { return pass->Share(); });
@@ -142,6 +154,7 @@ void MainRooms::WireCommands() {
     dialogs.onPrepare = [this] { return slices.CompleteScales(); };
     dialogs.onPictures = [this] { return CompletePictures(); };
     dialogs.onFiles = [this] { browser.FilesChanged(); };
+    longCommand.onEnd = [this] { browser.CatchUp(); };
     longCommand.onClose = [this] { return m_parts.services.Ask(m_parts.services.Text(IDS_STOP_AND_CLOSE)); };
     exports.onDialog = [this] { m_hover.End(); };
     exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
@@ -155,7 +168,7 @@ void MainRooms::WireBackground() {
     slices.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     slices.onFitted = [this] { Refresh(); };
     slices.onPictures = [this](bool wholeView) { m_texts.TellUnreadable(wholeView); };
-    slices.onRescaled = [this] { Rescaled(); };
+    slices.onRescaled = [this] { SamplesChanged(true); };
     slices.work.onFound = [this](const ReadStep& step) { Found(step); };
     slices.Wire();
 }
@@ -201,6 +214,7 @@ void MainRooms::Close() {
 CommandState MainRooms::State() const {
     CommandState state =
         StateOf(m_document, view, playback, m_parts.settings, browser.FileCount(), browser.SelectedPosition());
+    shown.Describe(state);
     state.stoppable = graph.DragsLane() || slices.work.Current().has_value();
     return state;
 }
@@ -336,26 +350,20 @@ void MainRooms::ShowSpectrogram() {
     PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0);
 }
 
-void MainRooms::FindData() {
-    slices.FindData([this] { ViewChanged(view.FindData()); });
-}
-
-// Work behind what is shown.
-
 void MainRooms::OnTimer(UINT_PTR timer) {
     if (timer == kRefreshTimer) return Refresh();
     if (!slices.OnTimer(timer)) graph.OnTimer(timer);
 }
 
-void MainRooms::Rescaled() {
-    playback.Stop();
+void MainRooms::SamplesChanged(bool stored) {
+    if (stored) playback.Stop();
     view.Rescaled();
     graph.Rescaled();
-    spectrogram.LeaveBlock();
+    if (stored) spectrogram.LeaveBlock();
     slices.work.Rescaled();
     m_values.BlockChanged();
     Refresh();
-    if (m_complete) slices.InitSpectrogram();
+    if (stored && m_complete) slices.InitSpectrogram();
 }
 
 void MainRooms::Found(const ReadStep& step) {
@@ -379,21 +387,13 @@ bool MainRooms::CompletePictures() {
 
 // Long commands.
 
-void MainRooms::RunBusy(const std::function<void()>& work) {
-    const std::exception_ptr failure = longCommand.Run(work);
-    if (longCommand.IsGone()) return;
-    longCommand.CloseIfAsked();
-    browser.CatchUp();
-    if (failure) std::rethrow_exception(failure);
-}
-
 void MainRooms::RunLong(const std::function<void()>& work) {
     m_hover.End();
     graph.EndGesture();
     // Playback position messages would replace the messages of the work.
     playback.Stop();
     const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    RunBusy([&] { longCommand.RunPart(work); });
+    longCommand.RunWhole([&] { longCommand.RunPart(work); });
     SetCursor(pointer);
 }
 

@@ -9,6 +9,7 @@
 #include "app/ExportCommands.h"
 #include "app/LaneCommands.h"
 #include "app/RecordingReload.h"
+#include "app/ShownCommands.h"
 #include "app/ValuesReadout.h"
 #include "app/ViewCommands.h"
 #include "app/win/BrowserPane.h"
@@ -72,7 +73,6 @@ class MainRooms {
     /// Redraws everything. A shift means that the view was only scrolled, by that many columns, since the last drawing.
     void Refresh(std::int32_t shift = 0);
     void ShowSpectrogram();
-    void FindData();
 
     void OnTimer(UINT_PTR timer);
     /// Ends the readout under the pointer.
@@ -96,15 +96,13 @@ class MainRooms {
     void ChooseChannel();
     /// The titles of lanes take room according to their length.
     void ArrangeTitles();
-    /// The scales of the loaded block have changed.
-    void Rescaled();
+    /// The samples of the loaded block have changed: the stored ones too, or only how they are shown.
+    void SamplesChanged(bool stored);
     /// More of the recording is known.
     void Found(const ReadStep& step);
     /// Waits until the pictures hold everything; false when the user has ended that or the window is gone.
     bool CompletePictures();
-    /// Runs work during which no other command may run and neither the file nor the window may be closed.
-    void RunBusy(const std::function<void()>& work);
-    /// The same for work that no dialog shows: gestures, readout and playback end before.
+    /// Runs work that no dialog shows: gestures, readout and playback end before.
     void RunLong(const std::function<void()>& work);
     [[nodiscard]] HWND Window() const { return longCommand.Window(); }
 
@@ -126,6 +124,7 @@ class MainRooms {
     SliceRunner slices;
     ViewCommands commands;
     LaneCommands lanes;
+    ShownCommands shown;
     GraphPane graph;
     SpectrogramPane spectrogram;
     RecordingPane recording;

@@ -115,8 +115,9 @@ void Toolbars::DrawPictures() {
     m_goTo.DrawPictures();
 }
 
-void Toolbars::Update(const CommandState& state) const {
+void Toolbars::Update(const CommandState& state) {
     m_main.Update(state);
+    filters.Update(state);
     m_goTo.Update(state);
 }
 

@@ -7,6 +7,7 @@
 
 #include "app/CommandState.h"
 #include "app/Commands.h"
+#include "app/win/FilterBar.h"
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
 #include "data/UserServices.h"
@@ -34,15 +35,17 @@ class Toolbar {
     ImageList m_disabledImages;
 };
 
-/// The two toolbars of the main window and the texts of their tooltips.
+/// The two toolbars of the main window, the row of filters below them, and the texts of their tooltips.
 class Toolbars {
   public:
     // Both throw std::system_error when it cannot be made. The first makes all common controls available.
     void CreateMain(HWND parent, int dpi);
     void CreateGoTo(HWND parent, int dpi);
+    /// See FilterBar.
+    FilterBar filters;
     [[nodiscard]] SIZE MainSize() const { return m_main.Size(); }
     [[nodiscard]] SIZE GoToSize() const { return m_goTo.Size(); }
-    void Update(const CommandState& state) const;
+    void Update(const CommandState& state);
     void DrawPictures();
     /// A tooltip asks for the text of its button.
     void OnTip(NMTTDISPINFOW& tip, const UserServices& services);

@@ -49,4 +49,17 @@ std::optional<GoToMeaning> AskForPlace(HWND owner, const GoToTexts& offered, con
     return meaning;
 }
 
+std::optional<std::u16string> AskForMontage(HWND owner, const UserServices& services,
+                                            const std::function<std::u16string(const std::u16string&)>& refusalOf) {
+    const auto text = [&](int id) { return Wide(services.Text(id)); };
+    const InputBox box{
+        .title = Wide(PlainCaption(services.Text(IDS_NEWMONTAGE))),
+        .ok = text(IDS_OK),
+        .cancel = text(IDS_CANCEL),
+        .lines = {{text(IDS_MONTAGE_PROMPT), {}}},
+        .refusal = [&](const std::vector<std::wstring>& texts) { return Wide(refusalOf(Narrow16(texts[0]))); }};
+    const auto texts = AskForText(owner, box);
+    return texts ? std::optional(Narrow16(texts->front())) : std::nullopt;
+}
+
 }  // namespace quillon

@@ -25,4 +25,9 @@ void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& se
 [[nodiscard]] std::optional<GoToMeaning> AskForPlace(HWND owner, const GoToTexts& offered, const UserServices& services,
                                                      const std::function<GoToMeaning(const GoToTexts&)>& meaningOf);
 
+/// Asks for the name and the pairs of a montage; none when the user cancels. What `refusalOf` refuses is told in the
+/// box.
+[[nodiscard]] std::optional<std::u16string> AskForMontage(
+    HWND owner, const UserServices& services, const std::function<std::u16string(const std::u16string&)>& refusalOf);
+
 }  // namespace quillon

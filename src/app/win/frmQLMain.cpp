@@ -56,6 +56,7 @@ void frmQLMain::Wire() {
     };
     m_keys.onCommand = [this](int command) { OnCommand(CommandOfKey(command, State())); };
     m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
+    m_keys.onRelease = [this] { m_rooms.shown.HoldRaw(false); };
     m_keys.onPathList = m_rooms.onPathList;
     m_keys.onContextMenu = [this] { m_rooms.graph.OpenContextMenu(); };
     m_keys.onWheel = [this](auto delta, auto zone, const auto& at) { m_rooms.graph.Wheel(delta, zone, at); };
@@ -147,7 +148,7 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
             // The window's own menu holds the system's commands.
             if (HIWORD(lParam) != 0) break;
             if (!CreateRemainingControls()) return 0;
-            m_menu.Open(reinterpret_cast<HMENU>(wParam), m_rooms.playback, [this] { return State(); });
+            m_menu.Open(reinterpret_cast<HMENU>(wParam), m_rooms.playback, m_rooms.shown, [this] { return State(); });
             return 0;
         case WM_HSCROLL: m_rooms.graph.OnScroll(scScaleX, LOWORD(wParam)); return 0;
         case WM_VSCROLL: m_rooms.graph.OnScroll(scScaleY, LOWORD(wParam)); return 0;
@@ -187,6 +188,7 @@ void frmQLMain::PlanRemainingControls() {
     m_steps.Plan({
         [this] { m_tools.CreateMain(m_window, m_dpi); },
         [this] { m_tools.CreateGoTo(m_window, m_dpi); },
+        [this] { m_tools.filters.Create(m_window, m_font.Get(), m_dpi, m_rooms.shown, m_services); },
         [this] { MakePathLists(m_window, m_font.Get(), m_services); },
         [this] { MakeFileLists(m_window, m_font.Get(), m_services); },
         [this] { MakeBars(m_window, m_font.Get()); },
@@ -197,7 +199,7 @@ void frmQLMain::PlanRemainingControls() {
             // With a recording open, show the page of channels rather than that of folders.
             SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
             DragAcceptFiles(m_window, TRUE);
-            m_layout.SetToolSizes(m_tools.MainSize(), m_tools.GoToSize());
+            m_layout.SetToolSizes(m_tools.MainSize(), m_tools.GoToSize(), m_tools.filters.Widths());
         },
         [this] { ArrangePart(0); },
         [this] { ArrangePart(1); },
@@ -347,6 +349,7 @@ void frmQLMain::OnControlCommand(int id, int notification) {
     } else if (!m_rooms.longCommand.IsBusy()) {
         if (notification == LBN_SETFOCUS || notification == LBN_KILLFOCUS) m_focus.Show();
         if (id == lstBlock && notification == LBN_SELCHANGE) m_rooms.recording.ClickBlock();
+        m_tools.filters.OnCommand(id, notification);
         m_rooms.browser.OnListCommand(id, notification);
     }
 }

@@ -4,10 +4,13 @@
 #include <set>
 #include <sstream>
 
+#include "app/FilterChoices.h"
 #include "app/GraphKeys.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/FilePath.h"
 #include "base/Text.h"
+#include "data/ShownText.h"
+#include "data/UnitGroups.h"
 #include "support/FakeRecording.h"
 
 namespace quillon {
@@ -41,6 +44,26 @@ const Effect kEffects[] = {
     {mnuTabFile + 1, "", "pages=11", mnuTabFile},
     {mnuSpectrogram, "G", "spectrogram=1"},
     {mnuNextPalette, "Shift+G", "palette=1"},
+    {mnuFilterRow, "F", "filters=1"},
+    {mnuHighPass, "", "shown as=", mnuHighPass + 1},
+    {mnuHighPass + 1, "", "shown as=> 0.1 Hz"},
+    {mnuLowPass, "", "shown as=", mnuLowPass + 1},
+    {mnuLowPass + 1, "", "shown as=< 15 Hz"},
+    {mnuNotch, "", ""},
+    {mnuNotch + 1, "", ""},  // half the rate
+    {mnuFilterOrder, "", "shown as=> 0.1 Hz, order 1", mnuHighPass + 1},
+    {mnuFilterOrder + 1, "", "", mnuHighPass + 1},
+    {mnuFilterOrder + 2, "", "shown as=> 0.1 Hz, order 4", mnuHighPass + 1},
+    {mnuFilterDirection, "", "", mnuHighPass + 1},
+    {mnuFilterDirection + 1, "", "shown as=> 0.1 Hz, both ways", mnuHighPass + 1},
+    {mnuUnfiltered, "", "unfiltered=1"},
+    {mnuShowRaw, "Ctrl+R", "shown as=", mnuHighPass + 1},
+    {mnuReference, "", "shown as=", mnuReference + 1},
+    {mnuReference + 1, "", "shown as=average"},
+    {mnuReference + 2, "", "shown as=- Channel 1"},
+    {mnuNewMontage, "", "dialog=New Montage"},
+    {mnuDeleteMontage, "", ""},
+    {mnuMontage, "", ""},  // none fits
     {mnuLanes, "L", "lanes=on, page=65 s"},
     {mnuAllSignals, "A", "lanes=on,all, page=65 s"},
     {mnuNegativeUp, "", "lanes=on,up,", mnuLanes},
@@ -177,6 +200,10 @@ class EffectTest : public MainWindowTest {
         m_global.document->ChooseChannel(1);
         Command(mnuSoundCard);
         Command(mnuChShow);
+        // Ends the look at raw signals too.
+        Command(mnuReference);
+        m_global.document->ShowAs({});
+        if (m_global.settings.window.filters) Command(mnuFilterRow);
         ClickCheckBox(0);
         Command(mnuTabPath + 1);
         Command(mnuTabFile + 1);
@@ -226,6 +253,7 @@ class EffectTest : public MainWindowTest {
                                                 L"Splitting",
                                                 L"Rename",
                                                 L"Options",
+                                                L"New Montage",
                                                 L"Go To",
                                                 L"Quillon",
                                                 L"Statistics of Selection",
@@ -241,6 +269,10 @@ class EffectTest : public MainWindowTest {
                 {"shown", shown},
                 {"alone", m_global.document->IsSolo() ? "1" : "0"},
                 {"pages", page(tabPath) + page(tabFile)},
+                {"filters", IsWindowVisible(Control(cboHighPass)) != FALSE ? "1" : "0"},
+                {"shown as", Utf8(ShownText(m_global.document->Shown(),
+                                            GroupOf(m_global.document->GetSignal(1).unit).name, Language::English))},
+                {"unfiltered", std::to_string(m_global.document->Shown().unfiltered.size())},
                 {"spectrogram", m_global.settings.window.spectrogramShown ? "1" : "0"},
                 {"palette", std::to_string(m_global.settings.spectrum.palette)},
                 {"help", std::to_string(m_global.settings.helpLanguage)},
@@ -376,7 +408,8 @@ TEST_F(EffectTest, EveryCommandHasItsOneEffectByEveryWay) {
     EXPECT_EQ(pressed, KeyBindings().size()) << "a key that is not in the table";
     for (const auto menu : {MenuTree(), ContextMenu()}) {
         for (const MenuEntry& entry : menu) {
-            const bool list = entry.id == mnuScaleX || entry.id == mnuScaleY;
+            const bool list =
+                entry.id == mnuScaleX || entry.id == mnuScaleY || (FilterChoiceOf(entry.id) && entry.captionId == 0);
             for (int id = entry.id; id != 0 && id != mnuExit && id < entry.id + (list ? 1 : entry.count); ++id)
                 EXPECT_TRUE(tested.contains(id)) << id;
         }
