@@ -14,13 +14,13 @@ std::u16string WindowCaption(const std::u16string& file, const std::u16string& b
     return FileNameOf(file) + (block.empty() ? u"" : u" - [" + block + u"]");
 }
 
-std::u16string ImageCaption(const std::u16string& windowCaption, const ViewBlock& block, const TimeAxis& axis,
-                            const FormatOptions& format, const UserServices& services) {
+std::u16string ImageCaption(const std::u16string& windowCaption, const std::u16string& shown, const ViewBlock& block,
+                            const TimeAxis& axis, const FormatOptions& format, const UserServices& services) {
     const auto place = [&](std::int32_t column) {
         return PositionText(block, SampleUnder(axis, column), u" ", format);
     };
-    return windowCaption + u"    " + place(0) + u" \u2013 " + place(std::max(axis.Width() - 1, 0)) + u"    " +
-           services.DateAndTime(block.startTime);
+    return windowCaption + (shown.empty() ? u"" : u"    " + shown) + u"    " + place(0) + u" \u2013 " +
+           place(std::max(axis.Width() - 1, 0)) + u"    " + services.DateAndTime(block.startTime);
 }
 
 }  // namespace quillon

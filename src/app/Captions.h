@@ -13,9 +13,10 @@ namespace quillon {
 /// describes the loaded block.
 [[nodiscard]] std::u16string WindowCaption(const std::u16string& file, const std::u16string& blockLine);
 
-/// Caption of a copied picture of the view: the window's caption, the first and last place shown, and the start time.
-[[nodiscard]] std::u16string ImageCaption(const std::u16string& windowCaption, const ViewBlock& block,
-                                          const TimeAxis& axis, const FormatOptions& format,
+/// Caption of a copied picture of the view: the window's caption, how the signals are shown
+/// (see ShownTexts), the first and last place shown, and the start time.
+[[nodiscard]] std::u16string ImageCaption(const std::u16string& windowCaption, const std::u16string& shown,
+                                          const ViewBlock& block, const TimeAxis& axis, const FormatOptions& format,
                                           const UserServices& services);
 
 }  // namespace quillon

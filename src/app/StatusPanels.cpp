@@ -70,6 +70,7 @@ PanelTexts BlockPanels(const PanelFacts& facts, const UserServices& services) {
         panel(StatusPanel::XPart) =
             PageCaption(facts.axis.PageSeconds(), format.decimalSeparator) + u" (" + panel(StatusPanel::XPart) + u')';
     }
+    panel(StatusPanel::Shown) = facts.shown;
     panel(StatusPanel::Size) = u"S: " + Decimal(block.sampleCount);
     if (block.sampleRate > 0.0) {
         FormatOptions length = format;

@@ -14,7 +14,7 @@
 namespace quillon {
 
 /// Panels of the status bar, in order.
-enum class StatusPanel : std::size_t { Scale, XPart, Status, Size, Time, Rate, Volume, Date, Count };
+enum class StatusPanel : std::size_t { Scale, XPart, Shown, Status, Size, Time, Rate, Volume, Date, Count };
 
 /// Share of the block that the graph shows: "100%", "37%", "1.25%"; empty without a block.
 [[nodiscard]] std::u16string VisiblePart(const TimeAxis& axis, char16_t separator);
@@ -29,6 +29,7 @@ struct PanelFacts {
     const FormatOptions& format;
     std::int32_t scaleY = 0;  ///< index in the table of amplitude scales
     bool rawCodes = false;
+    std::u16string shown{};      ///< how the current channel is shown, see ShownTexts
     std::u16string laneScale{};  ///< see LaneScaleText; empty without lanes
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/ShownTexts.h"
 #include "app/StringIds.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
@@ -44,6 +45,11 @@ void ValuesReadout::Tell(Kind kind, const std::u16string& text) {
     onText(text);
 }
 
+std::u16string ValuesReadout::Heading() const {
+    const std::u16string text = TextOfShown(m_document, m_language, m_format.decimalSeparator);
+    return text.empty() ? text : text + u"\r\n";
+}
+
 void ValuesReadout::TellDetails() {
     std::u16string text = m_document.File().fileInfo;
     const int signals = m_document.StretchSignals();
@@ -58,12 +64,12 @@ void ValuesReadout::TellHover(std::int32_t sample, const std::u16string& mark, s
     m_hoverSample = sample;
     m_hoverPlace = place;
     m_hoverMark = mark;
-    Tell(Kind::Hover, (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample, place));
+    Tell(Kind::Hover, Heading() + (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample, place));
 }
 
 void ValuesReadout::TellRange() {
     bool complete = true;
-    const std::u16string text = RangeReadout(Source(), m_view.Selected(), &complete);
+    const std::u16string text = Heading() + RangeReadout(Source(), m_view.Selected(), &complete);
     m_incomplete = !complete;
     Tell(Kind::Range, text);
 }

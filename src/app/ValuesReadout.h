@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/Settings.h"
+#include "base/Language.h"
 #include "data/Document.h"
 #include "view/Readout.h"
 #include "view/WaveformView.h"
@@ -18,8 +19,13 @@ class ValuesReadout {
   public:
     /// All arguments must outlive this object.
     ValuesReadout(const Document& document, const WaveformView& view, const FormatOptions& format,
-                  const Settings& settings, const UserServices& services)
-        : m_document(document), m_view(view), m_format(format), m_settings(settings), m_services(services) {}
+                  const Settings& settings, const UserServices& services, Language language)
+        : m_document(document),
+          m_view(view),
+          m_format(format),
+          m_settings(settings),
+          m_services(services),
+          m_language(language) {}
 
     std::function<void(const std::u16string& text)> onText;  ///< to be shown; set by the owner
 
@@ -70,6 +76,8 @@ class ValuesReadout {
     [[nodiscard]] ReadoutSource Source() const;
     /// What is shown, in the order of the readout: in lanes those that are visible come first.
     [[nodiscard]] std::vector<std::int16_t> ShownSignals() const;
+    /// A line that says how the signals are shown; empty where they are as they are stored.
+    [[nodiscard]] std::u16string Heading() const;
     void Tell(Kind kind, const std::u16string& text);
 
     const Document& m_document;
@@ -77,6 +85,7 @@ class ValuesReadout {
     const FormatOptions& m_format;
     const Settings& m_settings;
     const UserServices& m_services;
+    Language m_language;
     Kind m_kind = Kind::Details;
     Basis m_basis;
     bool m_incomplete = false;       ///< see IsIncomplete; of the last range

@@ -179,7 +179,7 @@ class ValuesReadoutTest : public ViewFixture {
     }
     Settings m_settings;
     FormatOptions m_format{false};
-    ValuesReadout m_values{m_document, m_view, m_format, m_settings, m_services};
+    ValuesReadout m_values{m_document, m_view, m_format, m_settings, m_services, Language::English};
     std::u16string m_text;
     int m_told = 0;
 };
@@ -200,6 +200,22 @@ TEST_F(ValuesReadoutTest, TellsAnewOnlyWhatIsNotSoAnyLonger) {
     m_told = 0;
     m_values.KeepTrue();
     EXPECT_EQ(m_told, 0) << "the description depends on nothing";
+}
+
+TEST_F(ValuesReadoutTest, BeginsWithHowTheSignalsAreShown) {
+    m_values.TellHover(5, {});
+    const std::u16string raw = m_text;
+    ShownSettings settings;
+    settings.filters[u"V"].highPass = 0.5;
+    settings.filters[u"V"].lowPass = 35.0;
+    m_document.ShowAs(settings);
+    m_values.BlockChanged();
+    EXPECT_EQ(m_text, u"0.5-35 Hz\r\n" + raw);
+    // The rate of 100 Hz does not allow this one, which therefore changes nothing.
+    settings.filters[u"V"].lowPass = 50.0;
+    m_document.ShowAs(settings);
+    m_values.BlockChanged();
+    EXPECT_EQ(m_text, raw);
 }
 
 TEST_F(ValuesReadoutTest, APlaceIsToldAsLongAsItIsVisible) {

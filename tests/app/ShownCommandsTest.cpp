@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "app/Commands.h"
+#include "app/ShownTexts.h"
 #include "app/StringIds.h"
 #include "data/Montages.h"
 #include "support/ViewFixture.h"
@@ -149,6 +150,24 @@ TEST_F(ShownCommandsTest, CommandsAreAvailableWhereWhatTheyChooseCanBe) {
     m_commands.Describe(state);
     for (const int command : {+mnuHighPass, +mnuFilterOrder, +mnuUnfiltered, +mnuReference})
         EXPECT_FALSE(IsEnabled(command, state)) << command;
+}
+
+TEST_F(ShownCommandsTest, WhatIsToldIsWhatIsShownNow) {
+    const auto current = [this] { return TextOfCurrent(m_document, Language::English, u'.'); };
+    EXPECT_EQ(current(), u"");
+    m_commands.Choose({FilterField::HighPass, 0.5});
+    EXPECT_EQ(current(), u"> 0.5 Hz");
+    const std::u16string all = TextOfShown(m_document, Language::English, u'.');
+    EXPECT_NE(all.find(u"> 0.5 Hz"), std::u16string::npos);
+    m_commands.HoldRaw(true);
+    EXPECT_EQ(current(), u"");
+    m_commands.HoldRaw(false);
+    m_commands.ToggleUnfiltered();
+    EXPECT_EQ(current(), u"");
+    m_document.ChooseChannel(2);
+    EXPECT_EQ(current(), u"> 0.5 Hz");
+    m_document.ChooseChannel(4);
+    EXPECT_EQ(current(), u"");
 }
 
 TEST_F(ShownCommandsTest, RawSignalsAreShownAsLongAsTheyAreHeld) {

@@ -2,6 +2,7 @@
 
 #include "app/Captions.h"
 #include "app/ShownCommands.h"
+#include "app/ShownTexts.h"
 #include "app/StringIds.h"
 #include "app/win/GraphPane.h"
 #include "app/win/HoverCapture.h"
@@ -32,10 +33,15 @@ void DialogCommands::GoToPlace() {
     onGoTo(*meaning);
 }
 
+std::u16string DialogCommands::TextOfShown() const {
+    return quillon::TextOfShown(m_shared.document, m_shared.language, m_shared.format.decimalSeparator);
+}
+
 void DialogCommands::Statistics() {
     const ReadoutSource source{Block(), m_shared.document.Slots(), m_shared.format, m_shared.view.RawCodes(),
                                &m_shared.view.Extremes()};
-    ShowStatistics(m_parts.window.Window(), source, m_shared.view.Selected(), m_shared.services, onStatistics);
+    ShowStatistics(m_parts.window.Window(), source, m_shared.view.Selected(), TextOfShown(), m_shared.services,
+                   onStatistics);
 }
 
 void DialogCommands::Options() {
@@ -99,7 +105,7 @@ void DialogCommands::CopyImage() {
                                hasSpectrogram ? m_parts.spectrogram.Picture() : nullptr,
                                m_parts.graph.ScaleX(),
                                m_shared.view.UsesLanes()};
-    const std::u16string caption = ImageCaption(Narrow16(WindowText(m_parts.window.Window())), Block(),
+    const std::u16string caption = ImageCaption(Narrow16(WindowText(m_parts.window.Window())), TextOfShown(), Block(),
                                                 m_shared.view.Axis(), m_shared.format, m_shared.services);
     // The caption strip has the same height at any screen density.
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);

@@ -52,6 +52,7 @@ class DialogCommands {
     void About();
 
   private:
+    [[nodiscard]] std::u16string TextOfShown() const;
     [[nodiscard]] const ViewBlock& Block() const { return m_shared.document.Block(); }
 
     Parts m_parts;

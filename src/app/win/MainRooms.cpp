@@ -18,7 +18,7 @@ MainRooms::MainRooms(RoomParts parts)
     : m_parts(std::move(parts)),
       m_document(m_parts.document),
       m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
-      m_values(m_document, m_parts.view, m_parts.format, m_parts.settings, m_parts.services),
+      m_values(m_document, m_parts.view, m_parts.format, m_parts.settings, m_parts.services, m_parts.language),
       m_texts(m_parts, status, graph, spectrogram),
       view(m_parts.view),
       playback(m_parts.playback),

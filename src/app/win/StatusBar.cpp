@@ -4,6 +4,7 @@
 #include <array>
 
 #include "base/win/WinHandle.h"
+#include "view/ReadableColor.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -11,6 +12,8 @@ namespace quillon {
 namespace {
 
 constexpr auto kMessagePanel = static_cast<std::size_t>(StatusPanel::Status);
+constexpr auto kShownPanel = static_cast<std::size_t>(StatusPanel::Shown);
+constexpr std::uint32_t kShownColor = 0xF0A000;
 
 }  // namespace
 
@@ -18,6 +21,30 @@ void StatusBar::Attach(HWND control, HFONT font, int dpi) {
     m_window = control;
     m_font = font;
     m_dpi = dpi;
+    SetWindowSubclass(control, Procedure, 1, reinterpret_cast<DWORD_PTR>(this));
+}
+
+LRESULT CALLBACK StatusBar::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                      DWORD_PTR bar) {
+    const LRESULT result = DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_PAINT) reinterpret_cast<const StatusBar*>(bar)->PaintShown();
+    return result;
+}
+
+void StatusBar::PaintShown() const {
+    if (!m_panels || (*m_panels)[kShownPanel].empty()) return;
+    RECT place{};
+    if (SendPointer(m_window, SB_GETRECT, kShownPanel, &place) == 0) return;
+    InflateRect(&place, -1, -1);
+    const std::uint32_t background = Mixed(SystemColor(COLOR_BTNFACE), kShownColor, 0.35);
+    const WindowDC dc(m_window);
+    FillWith(dc.Get(), place, ColorOf(background));
+    const SelectScope font(dc.Get(), m_font);
+    SetBkMode(dc.Get(), TRANSPARENT);
+    SetTextColor(dc.Get(), ColorOf(Readable(SystemColor(COLOR_BTNTEXT), background, 4.5)));
+    const std::wstring text = Wide((*m_panels)[kShownPanel]);
+    DrawTextW(dc.Get(), text.c_str(), static_cast<int>(text.size()), &place,
+              DT_SINGLELINE | DT_CENTER | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
 void StatusBar::ShowPanels(const PanelTexts& texts) {
@@ -50,7 +77,7 @@ void StatusBar::ArrangePanels() const {
         SIZE size{};
         const std::wstring text = Wide(texts[panel]);
         GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
-        edges[panel] = static_cast<int>(size.cx) + margin;
+        edges[panel] = panel == kShownPanel && text.empty() ? 0 : static_cast<int>(size.cx) + margin;
         others += edges[panel];
     }
     RECT client{};

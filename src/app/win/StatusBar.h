@@ -28,6 +28,9 @@ class StatusBar {
     [[nodiscard]] const std::u16string& Message() const { return m_message.Text(); }
 
   private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR bar);
+    /// How the signals are shown is coloured, as it has to be seen. It stays a text of the control.
+    void PaintShown() const;
     void ShowMessage() const;
     void ArrangePanels() const;
 

@@ -1,5 +1,6 @@
 #include "app/win/StatusTexts.h"
 
+#include "app/ShownTexts.h"
 #include "app/StatusPanels.h"
 #include "app/StringIds.h"
 #include "app/win/GraphPane.h"
@@ -15,6 +16,7 @@ void StatusTexts::ShowPanels() {
     const WaveformView& view = m_parts.view;
     const Document& document = m_parts.document;
     PanelFacts facts{document.Block(), document.Slots(), view.Axis(), m_parts.format, view.ScaleY(), view.RawCodes()};
+    facts.shown = TextOfCurrent(document, m_parts.language, m_parts.format.decimalSeparator);
     if (view.UsesLanes()) {
         // The scale of a lane that is shown, if any.
         std::int16_t signal = document.CurrentChannel();

@@ -10,8 +10,8 @@
 
 namespace quillon {
 
-void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services,
-                    const std::function<void(StatisticsPass* pass)>& onWork) {
+void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const std::u16string& shown,
+                    const UserServices& services, const std::function<void(StatisticsPass* pass)>& onWork) {
     StatisticsPass pass(source, selection.Samples());
     // A short pass is shown complete; not with scales that may still change.
     constexpr ULONGLONG quick = 8;  // ms
@@ -21,13 +21,14 @@ void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& se
         }
     }
     TextTable table = StatisticsTable(source, selection, services);
+    if (!shown.empty()) table.heading += u", " + shown;
     table.rows = StatisticsRows(source, pass);
     if (pass.IsDone()) return ShowTable(owner, std::move(table));
     // Nobody refers to the pass any longer when this function is left, in whichever way.
     const std::shared_ptr<void> work(nullptr, [&](void*) { onWork(nullptr); });
     onWork(&pass);
-    ShowTable(owner, std::move(table), [&](TextTable& shown) {
-        shown.rows = StatisticsRows(source, pass);
+    ShowTable(owner, std::move(table), [&](TextTable& present) {
+        present.rows = StatisticsRows(source, pass);
         return !pass.IsDone();
     });
 }

@@ -15,10 +15,10 @@ namespace quillon {
 
 // Small windows of the main window's commands. Each returns when the user has closed it.
 
-/// Statistics of the shown channels over a selection. `onWork` is given the steps of a pass that takes longer, and
-/// nothing when they are no longer wanted.
-void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const UserServices& services,
-                    const std::function<void(StatisticsPass* pass)>& onWork);
+/// Statistics of the shown channels over a selection; `shown`: how they are shown. `onWork` is given the steps of a
+/// pass that takes longer, and nothing when they are no longer wanted.
+void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& selection, const std::u16string& shown,
+                    const UserServices& services, const std::function<void(StatisticsPass* pass)>& onWork);
 
 /// Asks for a place of the block and, unless `offered.page` is empty, for a page; `offered` are the initial texts. None
 /// when the user cancels. What `meaningOf` refuses is told in the box.

@@ -60,7 +60,7 @@ const Effect kEffects[] = {
     {mnuShowRaw, "Ctrl+R", "shown as=", mnuHighPass + 1},
     {mnuReference, "", "shown as=", mnuReference + 1},
     {mnuReference + 1, "", "shown as=average"},
-    {mnuReference + 2, "", "shown as=- Channel 1"},
+    {mnuReference + 2, "", "shown as=- Signal 1"},
     {mnuNewMontage, "", "dialog=New Montage"},
     {mnuDeleteMontage, "", ""},
     {mnuMontage, "", ""},  // none fits
@@ -182,6 +182,8 @@ class EffectTest : public MainWindowTest {
     }
 
     void Prepare(const Effect& effect) {
+        BYTE none[256]{};
+        SetKeyboardState(none);
         if (m_form->State().fileCount == 0) m_form->OpenPath(Wide(m_folder.Path()));
         Command(mnuSelect + 2);
         Command(mnuSelect + 2);
@@ -333,9 +335,11 @@ class EffectTest : public MainWindowTest {
         }
         const auto found = names.find(key);
         const int code = found != names.end() ? found->second : key.at(0);
+        state[code] = 0x80;
         SetKeyboardState(state);
         EXPECT_TRUE(m_form->PreTranslate({GetFocus(), message, static_cast<WPARAM>(code), 0, 0, {}})) << key;
-        SetKeyboardState(const_cast<BYTE*>(none));
+        // Raw signals are shown as long as their key is held: until the next effect is prepared.
+        if (code != 'R') SetKeyboardState(const_cast<BYTE*>(none));
     }
 
     /// Presses a button of a toolbar as the mouse does.
