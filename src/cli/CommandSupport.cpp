@@ -33,13 +33,17 @@ void RefuseRange(Language language, std::u16string_view english, std::u16string_
     throw Refusal(Say(english, russian, {Decimal(given), Decimal(first), Decimal(last)}).In(language));
 }
 
-BlockChannel FindChannel(Recording& recording, std::int64_t block, std::int64_t channel, Language language) {
+std::shared_ptr<RecordingBlock> FindBlock(Recording& recording, std::int64_t block, Language language) {
     if (block < 1 || block > recording.BlockCount()) {
         RefuseRange(language, u"there is no block %1 (blocks %2 to %3)", u"нет блока %1 (блоки с %2 по %3)", block, 1,
                     recording.BlockCount());
     }
+    return recording.GetBlock(static_cast<std::int16_t>(block));
+}
+
+BlockChannel FindChannel(Recording& recording, std::int64_t block, std::int64_t channel, Language language) {
     BlockChannel found;
-    found.block = recording.GetBlock(static_cast<std::int16_t>(block));
+    found.block = FindBlock(recording, block, language);
     found.channel = CheckChannel(*found.block, channel, language);
     return found;
 }

@@ -34,6 +34,9 @@ class OpenFile {
 [[noreturn]] void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian,
                               std::int64_t given, std::int64_t first, std::int64_t last);
 
+/// Block by its number, from 1. Throws Refusal where there is no such one.
+[[nodiscard]] std::shared_ptr<RecordingBlock> FindBlock(Recording& recording, std::int64_t block, Language language);
+
 struct BlockChannel {
     std::shared_ptr<RecordingBlock> block;
     std::int16_t channel = 1;

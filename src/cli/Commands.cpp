@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <utility>
 
 #include "base/DateTime.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
 #include "cli/ExportCommand.h"
 #include "cli/Json.h"
+#include "cli/ShownOptions.h"
 #include "cli/SpectrumCommand.h"
 #include "cli/SplitCommand.h"
 #include "cli/TextCommand.h"
@@ -77,13 +79,16 @@ struct AskedRange {
     SampleSpan samples;
 };
 
-AskedRange FindRange(const CommandContext& context, Recording& recording) {
+/// `show` makes the block to read of the stored one.
+template <typename Show>
+AskedRange FindRange(const CommandContext& context, Recording& recording, Show show) {
     const auto& words = context.parsed.words;
     const Language language = context.language;
     const std::int64_t number = WholeNumber(words[2], u"BLOCK");
     const std::int64_t channel = WholeNumber(words[3], u"CHANNEL");
     const std::int64_t first = words.size() > 4 ? WholeNumber(words[4], u"FIRST") : 0;
-    const auto [block, position] = FindChannel(recording, number, channel, language);
+    const std::shared_ptr<RecordingBlock> block = show(FindBlock(recording, number, language));
+    const std::int16_t position = CheckChannel(*block, channel, language);
     const std::int64_t samples = block->SampleCount();
     if (first < 0 || first > std::max<std::int64_t>(samples - 1, 0)) {
         RefuseRange(language, u"there is no sample %1 (samples %2 to %3)", u"нет отсчёта %1 (отсчёты с %2 по %3)",
@@ -98,10 +103,10 @@ AskedRange FindRange(const CommandContext& context, Recording& recording) {
 }
 
 /// `read(range, first, count)` fills `bytes` with one piece.
-template <typename Read>
-void WriteSamples(const CommandContext& context, Read read) {
+template <typename Show, typename Read>
+void WriteSamples(const CommandContext& context, Show show, Read read) {
     const OpenFile file(context.parsed.words[1], context.language);
-    const AskedRange range = FindRange(context, file.Get());
+    const AskedRange range = FindRange(context, file.Get(), show);
     range.block->Prepare();
     std::vector<char> bytes;
     for (std::int32_t done = 0; done < range.samples.count;) {
@@ -115,22 +120,27 @@ void WriteSamples(const CommandContext& context, Read read) {
 
 void RunCodes(const CommandContext& context) {
     std::vector<std::int16_t> codes(kPieceSamples);
-    WriteSamples(context, [&](const AskedRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
+    const auto stored = [](std::shared_ptr<RecordingBlock> block) { return block; };
+    const auto read = [&](const AskedRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
         range.block->ReadCodes(range.channel, first, count, codes.data());
         for (std::int32_t i = 0; i < count; ++i) {
             AppendLittleEndian(to, static_cast<std::uint16_t>(codes[static_cast<std::size_t>(i)]), 2);
         }
-    });
+    };
+    WriteSamples(context, stored, read);
 }
 
 void RunValues(const CommandContext& context) {
     std::vector<float> values(kPieceSamples);
-    WriteSamples(context, [&](const AskedRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
+    const ShownRequest request(context.parsed, context.language);
+    const auto shown = [&](std::shared_ptr<RecordingBlock> block) { return request.Show(std::move(block)); };
+    const auto read = [&](const AskedRange& range, std::int32_t first, std::int32_t count, std::vector<char>& to) {
         range.block->ReadValues(range.channel, first, count, values.data());
         for (std::int32_t i = 0; i < count; ++i) {
             AppendLittleEndian(to, std::bit_cast<std::uint32_t>(values[static_cast<std::size_t>(i)]), 4);
         }
-    });
+    };
+    WriteSamples(context, shown, read);
 }
 
 constexpr std::array kCommands = {
@@ -141,9 +151,12 @@ constexpr std::array kCommands = {
             "      Writes the stored samples as raw 16-bit integers, little-endian. Blocks and channels count from 1,\n"
             "      samples from 0; without FIRST and COUNT the samples run from 0 and to the end of the block.\n",
             "  quillon-cli codes night.edf 1 3 --out=channel3.raw\n", RunCodes},
-    Command{u"values", u"FILE BLOCK CHANNEL [FIRST [COUNT]]", 3, 5,
-            "      As codes, but physical values as raw 32-bit floats, little-endian.\n",
-            "  quillon-cli values night.edf 1 3 25600 512 > piece.f32\n", RunValues},
+    Command{
+        u"values", u"FILE BLOCK CHANNEL [FIRST [COUNT]] [options]", 3, 5,
+        "      As codes, but physical values as raw 32-bit floats, little-endian; as stored, or as the window shows\n"
+        "      them with filters, a reference or a montage. See quillon-cli values --help.\n",
+        "  quillon-cli values night.edf 1 3 25600 512 --high-pass=0.5 --low-pass=35 > piece.f32\n", RunValues,
+        kShownOptions},
     Command{u"export", u"FILE OUT [options]", 2, 2,
             "      Writes a block or a stretch of it to a new file, all channels: .bin keeps samples, scales and "
             "names, .edf\n"

@@ -8,6 +8,21 @@
 
 namespace quillon::cli {
 
+namespace {
+
+template <typename Real>
+Real FiniteNumber(const std::u16string& text, std::u16string_view what) {
+    const std::string digits = Utf8(text);
+    Real number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || end != digits.data() + digits.size() || !std::isfinite(number)) {
+        throw UsageError(u"'" + text + u"' is not a number for " + std::u16string(what));
+    }
+    return number;
+}
+
+}  // namespace
+
 UsageError::UsageError(const std::u16string& text) : std::runtime_error(Utf8(text)) {}
 
 std::u16string ParsedArguments::Value(std::u16string_view name, std::u16string_view otherwise) const {
@@ -53,14 +68,12 @@ std::u16string OutOfRange(const ParsedArguments& parsed, std::u16string_view nam
     return u"'" + parsed.Value(name) + u"' is out of range for " + std::u16string(name);
 }
 
-float RealNumber(const std::u16string& text, std::u16string_view what) {
-    const std::string digits = Utf8(text);
-    float number = 0.0F;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error != std::errc() || end != digits.data() + digits.size() || !std::isfinite(number)) {
-        throw UsageError(u"'" + text + u"' is not a number for " + std::u16string(what));
-    }
-    return number;
+double RealNumber(const std::u16string& text, std::u16string_view what) {
+    return FiniteNumber<double>(text, what);
+}
+
+float SingleNumber(const std::u16string& text, std::u16string_view what) {
+    return FiniteNumber<float>(text, what);
 }
 
 std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what) {

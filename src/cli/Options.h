@@ -44,7 +44,9 @@ struct ParsedArguments {
 [[nodiscard]] std::u16string OutOfRange(const ParsedArguments& parsed, std::u16string_view name);
 
 /// A finite number with a decimal point. Throws UsageError that calls it `what`.
-[[nodiscard]] float RealNumber(const std::u16string& text, std::u16string_view what);
+[[nodiscard]] double RealNumber(const std::u16string& text, std::u16string_view what);
+/// The nearest single, which has to be finite too.
+[[nodiscard]] float SingleNumber(const std::u16string& text, std::u16string_view what);
 
 /// A whole number of decimal digits. Throws UsageError that calls it `what`.
 [[nodiscard]] std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what);

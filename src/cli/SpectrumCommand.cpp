@@ -32,7 +32,7 @@ std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name
 
 float RealOption(const ParsedArguments& parsed, std::u16string_view name, float otherwise, float least, float most) {
     if (!parsed.Has(name)) return otherwise;
-    const float number = RealNumber(parsed.Value(name), name);
+    const float number = SingleNumber(parsed.Value(name), name);
     if (number < least || number > most) throw UsageError(OutOfRange(parsed, name));
     return number;
 }
@@ -59,7 +59,7 @@ std::optional<ValueRange> Limits(const ParsedArguments& parsed) {
     const std::u16string value = parsed.Value(name);
     const std::size_t comma = value.find(u',');
     if (comma == std::u16string::npos) throw UsageError(u"'" + value + u"' is not LO,HI for --limits");
-    const ValueRange limits{RealNumber(value.substr(0, comma), name), RealNumber(value.substr(comma + 1), name)};
+    const ValueRange limits{SingleNumber(value.substr(0, comma), name), SingleNumber(value.substr(comma + 1), name)};
     if (!(limits.minimum < limits.maximum)) throw UsageError(u"'" + value + u"' is an empty range for --limits");
     return limits;
 }
