@@ -121,12 +121,19 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
     TextExportContext context{m_parts.document.Slots(), m_parts.format, m_parts.view.RawCodes(), m_parts.services,
                               m_parts.openText};
     context.runPending = onPending;
-    const std::shared_ptr<RecordingBlock> block = m_parts.document.Block().stored;
+    // A montage is signals of its own beside the block's.
+    ShownSettings shown = m_parts.document.Shown();
+    shown.montage.reset();
+    context.language = m_parts.language;
     std::u16string unread;
     onWork([&] {
         context.stopped = !onPrepare();
         if (context.stopped) return;
         try {
+            const ViewBlock& loaded = m_parts.document.Block();
+            // Taken only now: final scales may have made the shown block anew.
+            const std::shared_ptr<RecordingBlock> block = m_parts.settings.asShown != 0 ? loaded.block : loaded.stored;
+            if (block != loaded.stored) context.shown = &shown;
             ExportText(target, *block, range.first + 1, range.count, m_parts.settings, context);
         } catch (const std::exception& error) {
             unread = m_parts.document.File().fileName + u": " + Utf16(error.what());
@@ -137,7 +144,7 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
     if (!unread.empty()) {
         Tell(IDS_SOUND_UNREADABLE, unread);
     } else if (context.stopped) {
-        TellStopped(target, *block, context);
+        TellStopped(target, *m_parts.document.Block().stored, context);
     } else if (!context.failures.empty()) {
         Tell(file ? IDS_CANNOT_WRITE : IDS_CLIPBOARD_FAILED, Joined(context.failures));
     } else if (context.written.empty()) {

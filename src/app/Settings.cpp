@@ -45,6 +45,8 @@ constexpr std::array<Entry<TextExportSettings>, 8> kTextEntries{{{u"ExpFileType"
                                                                  {u"ExpXFormat", &TextExportSettings::xFormat}}};
 constexpr std::array<Entry<TextExportSettings>, 2> kTextPathEntries{
     {{u"ExpPath", &TextExportSettings::folder}, {u"ExpFastFile", &TextExportSettings::fastFile}}};
+/// Kept with the window's state: the main key has the values that the family's programs know.
+constexpr std::array<Entry<TextExportSettings>, 1> kTextWindowEntries{{{u"ExpAsShown", &TextExportSettings::asShown}}};
 constexpr std::array<Entry<SplitSettings>, 7> kSplitEntries{{{u"SplitType", &SplitSettings::type},
                                                              {u"SplitPtStep", &SplitSettings::samplesStep},
                                                              {u"SplitPtSize", &SplitSettings::samplesSize},
@@ -205,7 +207,10 @@ void SettingsStore::Load(Settings& settings) {
         LoadPathList(*m_registry, settings.pathList);
     }
     if (Open(u"\\Spectrogram")) LoadEntries(*m_registry, kSpectrumEntries, settings.spectrum);
-    if (Open(u"\\Window")) LoadEntries(*m_registry, kWindowEntries, settings.window);
+    if (Open(u"\\Window")) {
+        LoadEntries(*m_registry, kWindowEntries, settings.window);
+        LoadEntries(*m_registry, kTextWindowEntries, settings.text);
+    }
 }
 
 bool SettingsStore::Save(const Settings& settings) {
@@ -221,7 +226,11 @@ bool SettingsStore::Save(const Settings& settings) {
         complete &= SavePathList(*m_registry, settings.pathList);
     }
     const bool spectrum = Open(u"\\Spectrogram") && SaveEntries(*m_registry, kSpectrumEntries, settings.spectrum);
-    const bool window = Open(u"\\Window") && SaveEntries(*m_registry, kWindowEntries, settings.window);
+    bool window = Open(u"\\Window");
+    if (window) {
+        window &= SaveEntries(*m_registry, kWindowEntries, settings.window);
+        window &= SaveEntries(*m_registry, kTextWindowEntries, settings.text);
+    }
     return complete && spectrum && window;
 }
 

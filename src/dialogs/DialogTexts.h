@@ -42,6 +42,7 @@
 #define IDS_OPT_BROWSE 5262
 #define IDS_OPT_HELP 5263
 #define IDS_OPT_GRIDCOLOR 5264
+#define IDS_OPT_ASSHOWN 5265
 
 // The dialog that splits a block into files; options of an array follow each other.
 #define IDS_SPLIT_TITLE 5300

@@ -94,6 +94,7 @@ constexpr PageItem kExport[] = {
     {kButton, kCheck, chkXColumn, IDS_OPT_XCOLUMN, 12, 15, 74, 10},
     {kButton, kFirstOption, optXFormat, IDS_OPT_XFORMAT_0, 88, 15, 70, 10},
     {kButton, kNextOption, optXFormat + 1, IDS_OPT_XFORMAT_0 + 1, 162, 15, 70, 10},
+    {kButton, kCheck, chkAsShown, IDS_OPT_ASSHOWN, 234, 15, 70, 10},
     {kButton, kCheck, chkRowHead, IDS_OPT_ROW_0, 12, 34, 74, 10},
     {kButton, kCheck, chkRowSize, IDS_OPT_ROW_0 + 1, 88, 34, 70, 10},
     {kButton, kCheck, chkRowRate, IDS_OPT_ROW_0 + 2, 162, 34, 70, 10},
@@ -131,6 +132,7 @@ constexpr OptionTick kTicks[] = {
     {chkUnitScaling, &OptionEntries::unitScaling}, {chkXColumn, &OptionEntries::xColumn},
     {chkRowHead, &OptionEntries::rowHead},         {chkRowSize, &OptionEntries::rowSize},
     {chkRowRate, &OptionEntries::rowRate},         {chkRowStep, &OptionEntries::rowStep},
+    {chkAsShown, &OptionEntries::asShown},
 };
 
 constexpr OptionText kTexts[] = {

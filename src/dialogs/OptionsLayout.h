@@ -56,6 +56,7 @@ enum OptionsControl : int {
     chkRowSize = 305,
     chkRowRate = 306,
     chkRowStep = 307,
+    chkAsShown = 308,
     frFile = 310,
     optFile = 311,
     frCh = 320,

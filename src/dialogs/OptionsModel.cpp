@@ -104,6 +104,7 @@ void ApplyExport(const OptionEntries& shown, const OptionEntries& entries, TextE
     TakeFlag(text.rowSize, entries.rowSize);
     TakeFlag(text.rowRate, entries.rowRate);
     TakeFlag(text.rowStep, entries.rowStep);
+    TakeFlag(text.asShown, entries.asShown);
     TakeChoice(text.fileType, shown.fileType, entries.fileType);
     TakeChoice(text.channels, shown.channels, entries.channels);
     text.fastFile = entries.fastFile;
@@ -138,6 +139,7 @@ OptionEntries ShowOptions(const OptionValues& values, char16_t separator) {
     entries.rowSize = text.rowSize != 0;
     entries.rowRate = text.rowRate != 0;
     entries.rowStep = text.rowStep != 0;
+    entries.asShown = text.asShown != 0;
     entries.fileType = PositionOf(text.fileType, 2);
     entries.channels = PositionOf(text.channels, 2);
     entries.fastFile = text.fastFile;

@@ -43,6 +43,7 @@ struct OptionEntries {
     bool rowSize = false;
     bool rowRate = false;
     bool rowStep = false;
+    bool asShown = false;
     int fileType = -1;
     int channels = -1;
     std::u16string fastFile;

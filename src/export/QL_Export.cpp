@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <utility>
 
 #include "base/FilePath.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
 #include "data/CoreTexts.h"
+#include "data/ShownText.h"
 #include "export/KVExport.h"
 #include "export/TextRows.h"
 
@@ -96,6 +98,17 @@ std::string HeaderLines(const TextExportRequest& request, std::int32_t count, do
     return lines;
 }
 
+/// The line with its end; empty where the channels are as stored.
+std::string ShownLine(const RecordingBlock& block, const std::vector<TextChannel>& channels,
+                      const TextExportContext& context) {
+    if (context.shown == nullptr) return {};
+    std::set<std::int16_t> positions;
+    for (const TextChannel& channel : channels) positions.insert(channel.position);
+    const std::u16string text = ShownText(*context.shown, block, positions, context.language,
+                                          static_cast<char16_t>(TextSeparator(context.format)));
+    return text.empty() ? std::string() : TextTitle(text, 0).append(context.lineEnd);
+}
+
 /// Numbers of the channel table, in its order.
 std::vector<std::int16_t> ChannelList(const TextExportSettings& settings, const ChannelSlots& slots) {
     std::vector<std::int16_t> numbers;
@@ -175,7 +188,9 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
     };
     const bool file = request.target != kClipboardTarget;
     const std::string titles = request.titleRow ? TextTitleLine(x.kind(), channels, context.lineEnd) : std::string();
-    if (file && context.utf8Mark && !IsAscii(titles)) sink->Write("\xEF\xBB\xBF");
+    const std::string shownLine = ShownLine(block, channels, context);
+    if (file && context.utf8Mark && !IsAscii(shownLine + titles)) sink->Write("\xEF\xBB\xBF");
+    sink->Write(shownLine);
     sink->Write(HeaderLines(request, count, rate, separator, context.lineEnd));
     sink->Write(titles);
     for (std::int32_t chunk = 0; chunk < chunks && !sink->Failed(); ++chunk) {

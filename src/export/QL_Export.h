@@ -7,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "base/Language.h"
 #include "data/QL_Types.h"
+#include "data/ShownSettings.h"
 #include "data/UserServices.h"
 #include "export/TextExportSettings.h"
 #include "export/TextRows.h"
@@ -50,8 +52,11 @@ struct TextExportContext {
     /// Write a byte order mark, so that programs do not read the UTF-8 text in the system's code page.
     bool utf8Mark = true;
     std::string_view lineEnd = kTextLineEnd;
-    bool stopped = false;  ///< by runPending
-    bool ended = false;    ///< stopped, or a write has failed
+    /// How the block's samples are shown, which the first line tells of the channels that are written; null: as stored.
+    const ShownSettings* shown = nullptr;
+    Language language = Language::English;  ///< of that line
+    bool stopped = false;                   ///< by runPending
+    bool ended = false;                     ///< stopped, or a write has failed
     // To be reported by the caller: targets written completely, and those not written, each with the reason.
     std::vector<std::u16string> written{};
     std::vector<std::u16string> failures{};

@@ -17,6 +17,7 @@ struct TextExportSettings {
     std::int16_t xFormat = 0;   ///< 0 time, else sample number
     std::u16string folder{};    ///< of the last export
     std::u16string fastFile{};  ///< file name of the fast export
+    std::int16_t asShown = 0;   ///< flag: samples as they are shown, else as they are stored
     friend bool operator==(const TextExportSettings&, const TextExportSettings&) = default;
 };
 

@@ -130,6 +130,25 @@ TEST_F(ExportCommandsTest, WhatIsStoppedIsTold) {
     EXPECT_TRUE(m_told.messages.empty());
 }
 
+TEST_F(ExportCommandsTest, TextHoldsWhatIsShownOnlyWhereItIsWantedAndSaysSo) {
+    const auto copied = [&] {
+        m_texts.clear();
+        m_commands.CopyData();
+        return m_texts[std::u16string(kClipboardTarget)];
+    };
+    const std::string stored = copied();
+    m_settings.asShown = 1;
+    EXPECT_TRUE(copied() == stored) << "nothing is shown otherwise";
+    ShownSettings settings;
+    settings.filters[u"V"] = {.highPass = 1.0};
+    settings.montage = Montage{u"Own", u"a-b"};
+    m_document.ShowAs(settings);
+    const std::string shown = copied();
+    EXPECT_TRUE(shown.starts_with("> 1 Hz\r\n0.00\t0.00\t")) << shown.substr(0, 40) << ": sevens are a constant";
+    m_settings.asShown = 0;
+    EXPECT_TRUE(copied() == stored);
+}
+
 /// Says that it is large.
 struct LargeBlock : FakeBlock {
     std::int32_t SampleCount() const override { return 40'000'000; }

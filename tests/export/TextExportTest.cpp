@@ -133,6 +133,29 @@ TEST_F(TextExportTest, HeadersTitlesAndXColumn) {
     EXPECT_EQ("150", xOfSecondRow());
 }
 
+TEST_F(TextExportTest, TheFirstLineTellsHowItsChannelsAreShown) {
+    settings.rowSize = 1;
+    const std::vector<std::string> stored = Lines(1, 2);
+    ShownSettings shown;
+    context.shown = &shown;
+    EXPECT_EQ(Lines(1, 2), stored) << "nothing to tell";
+    block.titles = {u"Fp1", u"F\t7", u"ECG"};
+    block.units = {u"uV", u"mV", u"%"};
+    shown.filters[u"V"] = {.highPass = 0.5, .lowPass = 35};
+    shown.unfiltered = {u"F\t7"};
+    format.decimalSeparator = u',';
+    EXPECT_EQ(Lines(1, 2)[0], "V: 0,5-35 Hz; unfiltered: F 7\r") << "of all three channels";
+    EXPECT_EQ(Lines(1, 2)[1], stored[0]);
+    context.language = Language::Russian;
+    settings.fileType = 0;
+    texts.clear();
+    EXPECT_TRUE(ExportText(u"a.txt", block, 1, 3, settings, context));
+    EXPECT_TRUE(
+        texts.at(u"a5.txt").starts_with("\xEF\xBB\xBF"
+                                        "0,5-35 \xD0\x93\xD1\x86\r\n3\r\n"));
+    EXPECT_TRUE(texts.at(u"a8.txt").starts_with("3\r\n")) << "as stored";
+}
+
 TEST_F(TextExportTest, FilesPerChannelAreListedAndWritten) {
     settings.fileType = 0;
     EXPECT_TRUE(ExportText(u"c:\\x.y\\name.txt", block, 1, 3, settings, context));

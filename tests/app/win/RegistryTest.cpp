@@ -104,6 +104,7 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     settings.spectrum.decibelRange = 1e-7F;
     settings.pathList = PathList({u"C:\\", u"\\\\server\\ecg"});
     settings.window.maximized = true;
+    settings.text.asShown = 1;
     EXPECT_TRUE(Store().Save(settings));
     Values main = ValuesIn(MainPath());
     EXPECT_EQ(main[L"FilesPath"], Text(L"C:\\Записи\\Ночь"));
@@ -133,6 +134,7 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
               std::tuple(0, settings.display.timeIndex, 1e-7F));
     EXPECT_EQ(loaded.pathList.Folders(), settings.pathList.Folders());
     EXPECT_TRUE(loaded.window.maximized);
+    EXPECT_EQ(loaded.text.asShown, 1);
 }
 
 TEST_F(RegistryTest, NumbersThatDoNotFitOrAreOfAnotherTypeLeaveTheVariable) {

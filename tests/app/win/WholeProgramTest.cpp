@@ -116,9 +116,10 @@ void Use(User& me, const TemporaryFolder& folder) {
 void Choose(User& me) {
     me.PostCommand(mnuOptions);
     const HWND options = me.Dialog();
-    for (const int button : {optTime + 2, optScale + 1, int{chkUnitScaling}, optDigits + 1, optGridStyle + 2,
-                             optSpectrumType + 1, optFFTPalette + 2, int{chkXColumn}, optXFormat + 1, int{chkRowHead},
-                             int{chkRowSize}, int{chkRowRate}, int{chkRowStep}, optFile + 1, optCh + 1})
+    for (const int button :
+         {optTime + 2, optScale + 1, int{chkUnitScaling}, optDigits + 1, optGridStyle + 2, optSpectrumType + 1,
+          optFFTPalette + 2, int{chkXColumn}, optXFormat + 1, int{chkRowHead}, int{chkRowSize}, int{chkRowRate},
+          int{chkRowStep}, int{chkAsShown}, optFile + 1, optCh + 1})
         SendMessageW(FindChild(options, button), BM_CLICK, 0, 0);
     for (const auto& [list, line] :
          {std::pair<int, int>{cboTime, 4}, {cboDigits, 3}, {cboFFTWindow, 2}, {cboFFTSize, 6}})
@@ -156,7 +157,7 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     SettingsStore(MakeRegistryObject, parts.program).Load(stored);
     EXPECT_EQ(stored.filesPath, folder.File(u"samples").u16string());
     EXPECT_EQ(stored.display, (DisplaySettings{2, 4, 1, true, 1, 3, 0, 2, 1}));
-    EXPECT_EQ(stored.text, (TextExportSettings{1, 1, 1, 1, 1, 1, 1, 1, stored.text.folder, fast}));
+    EXPECT_EQ(stored.text, (TextExportSettings{1, 1, 1, 1, 1, 1, 1, 1, stored.text.folder, fast, 1}));
     EXPECT_EQ(stored.spectrum, (SpectrumSettings{1, 2, 2, 12.5F, 200.0F, 11}));
     EXPECT_TRUE(stored.window.spectrogramShown);
     // What no choice of the dialog gives is repaired at the start, shown or not.
