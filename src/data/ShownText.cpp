@@ -1,12 +1,15 @@
 #include "data/ShownText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <vector>
 
 #include "base/Bilingual.h"
 #include "base/Text.h"
+#include "data/ShownChannels.h"
 #include "data/UnitGroups.h"
 #include "format/NumberText.h"
 
@@ -46,6 +49,23 @@ std::vector<std::u16string> RestTexts(const ShownSettings& settings, Language la
     if (settings.reference.kind == Reference::Kind::Channel) texts.push_back(u"- " + settings.reference.channel);
     if (settings.montage) texts.push_back(settings.montage->name);
     return texts;
+}
+
+std::u16string GroupOfChannel(const RecordingBlock& block, std::int16_t channel) {
+    return GroupOf(block.ChannelUnit(channel)).name;
+}
+
+/// Whether the reference is subtracted from any of the channels: their groups have to have it.
+bool IsReferenced(const Reference& reference, const RecordingBlock& block, const std::set<std::int16_t>& channels) {
+    std::map<std::u16string, int> parts;
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
+        if (reference.kind == Reference::Kind::Average || block.ChannelTitle(channel) == reference.channel)
+            ++parts[GroupOfChannel(block, channel)];
+    }
+    // The average of one channel is the channel.
+    const int least = reference.kind == Reference::Kind::Average ? 2 : 1;
+    return std::any_of(channels.begin(), channels.end(),
+                       [&](std::int16_t channel) { return parts[GroupOfChannel(block, channel)] >= least; });
 }
 
 std::vector<std::u16string_view> Fields(std::u16string_view text) {
@@ -95,8 +115,9 @@ std::u16string ShownText(const ShownSettings& settings, const RecordingBlock& bl
     std::set<std::u16string> seen;
     std::set<std::u16string> filters;
     for (const std::int16_t channel : channels) {
-        const std::u16string group = GroupOf(block.ChannelUnit(channel)).name;
-        const std::u16string filter = FilterText(settings.FilterOf(group), language, separator);
+        const std::u16string group = GroupOfChannel(block, channel);
+        const nsp::FilterSettings usable = UsableAt(settings.FilterOf(group), block.SampleRate());
+        const std::u16string filter = FilterText(usable, language, separator);
         const std::u16string title = block.ChannelTitle(channel);
         if (settings.unfiltered.contains(title)) {
             if (!filter.empty()) unfiltered.push_back(title);
@@ -106,7 +127,9 @@ std::u16string ShownText(const ShownSettings& settings, const RecordingBlock& bl
         if (seen.insert(group).second && !filter.empty())
             groups.push_back(group.empty() ? filter : group + u": " + filter);
     }
-    std::vector<std::u16string> texts = RestTexts(settings, language);
+    ShownSettings rest = settings;
+    if (!IsReferenced(rest.reference, block, channels)) rest.reference = {};
+    std::vector<std::u16string> texts = RestTexts(rest, language);
     if (filters.size() == 1) {
         texts.insert(texts.begin(), *filters.begin());
     } else if (!groups.empty()) {

@@ -22,8 +22,8 @@ namespace quillon {
                                        char16_t separator = u'.');
 
 /// Of some channels of a block, from 1. Where their groups have different filters, each is told behind the group's
-/// name: "V: 0.5-35 Hz; %: < 5 Hz; average"; then come the titles of those that no filter changes. Empty where all are
-/// as stored.
+/// name: "V: 0.5-35 Hz; %: < 5 Hz; average"; then come the titles of those that no filter changes. Only what there is
+/// at the block's rate and with its channels. Empty where all are as stored.
 [[nodiscard]] std::u16string ShownText(const ShownSettings& settings, const RecordingBlock& block,
                                        const std::set<std::int16_t>& channels, Language language,
                                        char16_t separator = u'.');

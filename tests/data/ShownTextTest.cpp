@@ -38,7 +38,7 @@ TEST(ShownTextTest, ABlockIsToldByItsGroupsAndExceptions) {
     EXPECT_EQ(ShownText(settings, u"%", kEnglish), u"average");
     EXPECT_EQ(text({1, 2}), u"0.5-35 Hz, average");
     EXPECT_EQ(text({1, 4}), u"V: 0.5-35 Hz; average") << "not of the group that has none";
-    EXPECT_EQ(text({4, 5}), u"average");
+    EXPECT_EQ(text({4, 5}), u"") << "each alone in its group";
     settings.filters[u"%"] = {.lowPass = 5};
     settings.reference = {Reference::Kind::Channel, u"Cz"};
     settings.montage = Montage{u"Own", u"Fp1-Cz"};
@@ -46,6 +46,9 @@ TEST(ShownTextTest, ABlockIsToldByItsGroupsAndExceptions) {
     EXPECT_EQ(text({1, 3, 4, 5}), u"V: 0.5-35 Hz; %: < 5 Hz; - Cz, Own; unfiltered: ECG");
     EXPECT_EQ(text({1, 3}, kRussian), u"0.5-35 Гц, - Cz, Own; без фильтров: ECG");
     EXPECT_EQ(text({3}), u"- Cz, Own");
+    EXPECT_EQ(text({4}), u"< 5 Hz, Own") << "Cz is of another unit";
+    block.rate = 60.0;
+    EXPECT_EQ(text({1}), u"> 0.5 Hz, - Cz, Own") << "there is no low pass of 35 Hz at 60 Hz";
 }
 
 TEST(ShownTextTest, RefusalsNameWhatIsWrong) {
