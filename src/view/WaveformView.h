@@ -30,14 +30,12 @@ class WaveformView {
     /// Whether every signal has a lane.
     [[nodiscard]] bool UsesLanes() const { return m_channelLanes.IsUsed(); }
     [[nodiscard]] const ChannelLanes& LanesOfChannels() const { return m_channelLanes; }
-    /// Nearest to a row of the graph.
-    [[nodiscard]] std::size_t LaneAt(std::int32_t row) const;
+    [[nodiscard]] std::size_t LaneAt(std::int32_t row) const;  ///< nearest to a row of the graph
     /// Of one axis: index of the amplitude scale, and rows by which the zero level lies below the middle.
     [[nodiscard]] int ScaleY() const { return m_scale.Index(); }
     [[nodiscard]] std::int64_t BaseLineShift() const { return m_scale.Shift(); }
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
     [[nodiscard]] bool HasHistory() const { return !m_history.IsEmpty(); }
-    /// Extremes of the block that are known.
     [[nodiscard]] ExtremesCache& Extremes() const { return m_extremes.Loaded(); }
     [[nodiscard]] RangeRecords& Ranges() { return m_extremes.Ranges(); }
     /// The other blocks of the stretch, for drawing in lanes. Valid until the document changes.
@@ -53,6 +51,8 @@ class WaveformView {
     /// The block is about to be closed: clears the selection, the history and the recorded ranges.
     void LeaveBlock();
     void Rescaled();  ///< codes have another scale: clears what was recorded of them
+    /// The blocks are shown otherwise: what is known of those before is kept aside.
+    void Reshown() { m_extremes.BlockLoaded(); }
     /// Another block is loaded: shows its first page at the previous zoom and scales; in lanes the same time as before
     /// where it is one of the stretch that was left.
     void BlockLoaded();

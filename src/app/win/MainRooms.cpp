@@ -76,7 +76,7 @@ void MainRooms::WireGraph() {
 
 void MainRooms::WireLists() {
     recording.onBlock = [this](int index) { LoadBlock(index); };
-    recording.onShown = [this] { Refresh(); };
+    recording.onShown = [this] { m_document.Reshow() ? SamplesChanged(false) : Refresh(); };
     recording.onChannel = [this] { ChooseChannel(); };
     m_values.onText = [this](const std::u16string& text) {
         m_valuesPanel.Text(text);
@@ -357,7 +357,7 @@ void MainRooms::OnTimer(UINT_PTR timer) {
 
 void MainRooms::SamplesChanged(bool stored) {
     if (stored) playback.Stop();
-    view.Rescaled();
+    stored ? view.Rescaled() : view.Reshown();
     graph.Rescaled();
     if (stored) spectrogram.LeaveBlock();
     slices.work.Rescaled();
