@@ -6,11 +6,10 @@
 
 #include "app/FilterChoices.h"
 #include "app/GraphKeys.h"
+#include "app/ShownTexts.h"
 #include "app/win/MainWindowFixture.h"
 #include "base/FilePath.h"
 #include "base/Text.h"
-#include "data/ShownText.h"
-#include "data/UnitGroups.h"
 #include "support/FakeRecording.h"
 
 namespace quillon {
@@ -272,8 +271,7 @@ class EffectTest : public MainWindowTest {
                 {"alone", m_global.document->IsSolo() ? "1" : "0"},
                 {"pages", page(tabPath) + page(tabFile)},
                 {"filters", IsWindowVisible(Control(cboHighPass)) != FALSE ? "1" : "0"},
-                {"shown as", Utf8(ShownText(m_global.document->Shown(),
-                                            GroupOf(m_global.document->GetSignal(1).unit).name, Language::English))},
+                {"shown as", Utf8(TextOfCurrent(*m_global.document, Language::English, u'.'))},
                 {"unfiltered", std::to_string(m_global.document->Shown().unfiltered.size())},
                 {"spectrogram", m_global.settings.window.spectrogramShown ? "1" : "0"},
                 {"palette", std::to_string(m_global.settings.spectrum.palette)},
