@@ -149,5 +149,27 @@ TEST(StartUp, AFailureShowsItsMessageAndEndsTheProcessWithoutAWindow) {
     EXPECT_NE(process, GetCurrentProcessId());
 }
 
+TEST_F(MainWindowTest, FrequenciesAreTypedIntoTheRowOfFilters) {
+    static_cast<void>(m_folder.Write(u"a.bin", BinRecording(100.0F, Noise(5000, 3))));
+    Start();
+    Command(mnuFilterRow);
+    const auto type = [this](const wchar_t* text, int key) {
+        SetFocus(Control(cboHighPass));
+        SetWindowTextW(Control(cboHighPass), text);
+        static_cast<void>(m_form->PreTranslate({GetFocus(), WM_KEYDOWN, static_cast<WPARAM>(key), 0, 0, {}}));
+        EXPECT_EQ(GetFocus(), Control(pbGraph));
+        const auto& filters = m_global.document->Shown().filters;
+        return std::pair(WindowText(Control(cboHighPass)), filters.empty() ? 0.0 : filters.begin()->second.highPass);
+    };
+    EXPECT_EQ(type(L"0,7", VK_RETURN), std::pair(std::wstring(L"0.7 Hz"), 0.7));
+    for (const auto& [text, key] : {std::pair{L"50", VK_RETURN}, {L"x", VK_RETURN}, {L"2", VK_ESCAPE}})
+        EXPECT_EQ(type(text, key), std::pair(std::wstring(L"0.7 Hz"), 0.7)) << key;
+    EXPECT_NE(Status(), L"");
+    // A row that goes away leaves the keyboard to the graph.
+    SetFocus(Control(cboHighPass));
+    Command(mnuFilterRow);
+    EXPECT_EQ(GetFocus(), Control(pbGraph));
+}
+
 }  // namespace
 }  // namespace quillon
