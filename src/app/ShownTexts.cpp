@@ -1,10 +1,8 @@
 #include "app/ShownTexts.h"
 
-#include <map>
 #include <set>
-#include <vector>
 
-#include "data/ChannelSelection.h"
+#include "data/ShownChannels.h"
 #include "data/ShownText.h"
 #include "data/UnitGroups.h"
 
@@ -15,9 +13,7 @@ namespace {
 ShownSettings Effective(const Document& document) {
     ShownSettings settings = document.Shown();
     const double rate = document.Block().sampleRate;
-    std::erase_if(settings.filters, [rate](const auto& filter) {
-        return nsp::RefusalOf(filter.second, rate) != nsp::FilterRefusal::None;
-    });
+    for (auto& [group, filter] : settings.filters) filter = UsableAt(filter, rate);
     return settings;
 }
 
@@ -35,9 +31,11 @@ std::u16string TextOfCurrent(const Document& document, Language language, char16
 
 std::u16string TextOfShown(const Document& document, Language language, char16_t separator) {
     if (!document.Block().block) return {};
-    const std::vector<std::int16_t> shown = ShownChannels(document.Block(), document.Slots());
-    return ShownText(Effective(document), *document.Block().block, std::set(shown.begin(), shown.end()), language,
-                     separator);
+    std::set<std::int16_t> shown;
+    for (std::int16_t channel = 1; channel <= document.Block().channelCount; ++channel) {
+        if (document.IsShown(channel)) shown.insert(channel);
+    }
+    return ShownText(Effective(document), *document.Block().block, shown, language, separator);
 }
 
 }  // namespace quillon

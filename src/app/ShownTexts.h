@@ -5,8 +5,8 @@
 #include "base/Language.h"
 #include "data/Document.h"
 
-/// What is told of how the signals of a document are shown. Filters that the rate of its block does not allow are not
-/// told, as they change nothing. The separator is that of decimals.
+/// What is told of how the signals of a document are shown. Frequencies that the rate of its block does not
+/// allow are not told, as they change nothing. The separator is that of decimals.
 namespace quillon {
 
 /// Of the current channel: "0.5-35 Hz, 50 Hz, average"; empty where it is shown as it is stored, and without one.
