@@ -104,11 +104,16 @@ inline void AddEegSignals(std::vector<double>& channel, const Electrode& electro
     const double alphaSize = 4.0 + 36.0 * NearPair(electrode, 0.3, -1.0, 0.55);
     // Rhythms spread from the back to the front.
     const double lag = 0.04 * electrode.x + 0.12 * electrode.y;
+    // Sweat at the front drifts, and the mains come in at the right side: what filters are there for.
+    const double drift = 4.0 + 45.0 * NearPair(electrode, 0.42, 0.7, 0.5);
+    const double mains = 0.8 + 11.0 * Near(electrode, 0.7, -0.2, 0.5);
     for (std::size_t i = 0; i < channel.size(); ++i) {
         const double time = static_cast<double>(i) / rate;
         const double theta = 4.0 * std::sin(kTurn * (5.7 * time + lag)) * (0.6 + 0.4 * std::sin(kTurn * 0.13 * time));
         channel[i] += electrode.offset + alphaSize * alpha.loudness[i] * std::sin(kTurn * (alpha.turn[i] + lag)) +
-                      theta + 1.3 * random.Normal() + 0.8 * std::sin(kTurn * 50.0 * time);
+                      theta + 1.3 * random.Normal() + mains * std::sin(kTurn * 50.0 * time) +
+                      drift * std::sin(kTurn * (0.047 * time + 0.3 * electrode.x)) +
+                      0.6 * drift * std::sin(kTurn * (0.109 * time + electrode.y));
     }
     const double blink = 130.0 * NearPair(electrode, 0.31, 0.95, 0.4);
     const double spike = 90.0 * Near(electrode, -0.45, -0.3, 0.35);

@@ -37,7 +37,7 @@ struct ShownBlock::Group {
     std::array<std::unique_ptr<ShownStream>, 2> streams;  ///< the one used last is the first
 };
 
-ShownBlock::ShownBlock(std::shared_ptr<RecordingBlock> stored, ShownChannels shown)
+ShownBlock::ShownBlock(std::shared_ptr<RecordingBlock> stored, ShownChannelSet shown)
     : m_stored(std::move(stored)), m_shown(std::move(shown)) {
     m_keepsNumbers = m_shown.channels.size() == static_cast<std::size_t>(m_stored->ChannelCount());
     for (std::size_t at = 0; at < m_shown.channels.size() && m_keepsNumbers; ++at)
@@ -228,14 +228,14 @@ bool ShownBlock::ColumnExtremes(std::span<const std::int16_t> channels, std::int
 
 std::shared_ptr<RecordingBlock> MakeShownBlock(std::shared_ptr<RecordingBlock> stored, const ShownSettings& settings,
                                                const std::vector<bool>& shown) {
-    ShownChannels channels = ChannelsShown(*stored, settings, shown);
+    ShownChannelSet channels = ChannelsShown(*stored, settings, shown);
     if (channels.AreStored()) return stored;
     return std::make_shared<ShownBlock>(std::move(stored), std::move(channels));
 }
 
 std::shared_ptr<RecordingBlock> MakeMontageBlock(std::shared_ptr<RecordingBlock> stored,
                                                  const ShownSettings& settings) {
-    ShownChannels pairs = PairsShown(*stored, settings);
+    ShownChannelSet pairs = PairsShown(*stored, settings);
     if (pairs.channels.empty()) return nullptr;
     return std::make_shared<ShownBlock>(std::move(stored), std::move(pairs));
 }

@@ -23,7 +23,7 @@ namespace quillon {
 class ShownBlock : public RecordingBlock {
   public:
     /// `stored` is prepared as far as it is wanted; where its scales change later, this block is to be made anew.
-    ShownBlock(std::shared_ptr<RecordingBlock> stored, ShownChannels shown);
+    ShownBlock(std::shared_ptr<RecordingBlock> stored, ShownChannelSet shown);
     ~ShownBlock() override;
 
     void Prepare() override { m_stored->Prepare(); }
@@ -73,7 +73,7 @@ class ShownBlock : public RecordingBlock {
                      std::int32_t run, std::span<RunExtremes* const> out);
 
     std::shared_ptr<RecordingBlock> m_stored;
-    ShownChannels m_shown;
+    ShownChannelSet m_shown;
     bool m_keepsNumbers = true;  ///< the channels are the stored ones in their order, not pairs
     std::vector<std::unique_ptr<Group>> m_groups;
     std::vector<std::size_t> m_groupOf;  ///< per channel, from 0; ShownChannel::kNone where it is the stored one

@@ -109,7 +109,7 @@ std::map<std::u16string, GroupReference> ReferencesOf(const std::vector<Stored>&
 
 }  // namespace
 
-bool ShownChannels::AreStored() const {
+bool ShownChannelSet::AreStored() const {
     return std::all_of(channels.begin(), channels.end(), [](const ShownChannel& each) { return each.IsStored(); });
 }
 
@@ -120,10 +120,10 @@ nsp::FilterSettings UsableAt(nsp::FilterSettings settings, double rate) {
     return settings;
 }
 
-ShownChannels ChannelsShown(const RecordingBlock& stored, const ShownSettings& settings,
+ShownChannelSet ChannelsShown(const RecordingBlock& stored, const ShownSettings& settings,
                             const std::vector<bool>& shown) {
     const std::vector<Stored> channels = StoredChannels(stored);
-    ShownChannels result;
+    ShownChannelSet result;
     const auto references = ReferencesOf(channels, settings.reference, shown, result.commons);
     for (const Stored& channel : channels) {
         const nsp::FilterSettings filter = FilterOf(channel, settings, stored.SampleRate());
@@ -137,8 +137,8 @@ ShownChannels ChannelsShown(const RecordingBlock& stored, const ShownSettings& s
     return result;
 }
 
-ShownChannels PairsShown(const RecordingBlock& stored, const ShownSettings& settings) {
-    ShownChannels result;
+ShownChannelSet PairsShown(const RecordingBlock& stored, const ShownSettings& settings) {
+    ShownChannelSet result;
     if (!settings.montage) return result;
     const std::vector<Stored> channels = StoredChannels(stored);
     const std::vector<std::u16string> titles = TitlesOf(channels);

@@ -32,7 +32,7 @@ struct ShownChannel {
     [[nodiscard]] bool IsStored() const { return common == kNone && filter.IsOff(); }
 };
 
-struct ShownChannels {
+struct ShownChannelSet {
     std::vector<ShownChannel> channels;
     std::vector<CommonSignal> commons;
     /// Whether each of them is the stored one.
@@ -45,10 +45,10 @@ struct ShownChannels {
 
 /// All channels of a prepared block with filter and reference. `shown` tells of each whether it is shown, for the
 /// average.
-[[nodiscard]] ShownChannels ChannelsShown(const RecordingBlock& stored, const ShownSettings& settings,
+[[nodiscard]] ShownChannelSet ChannelsShown(const RecordingBlock& stored, const ShownSettings& settings,
                                           const std::vector<bool>& shown);
 /// The pairs of the montage whose channels the block has, at most as many as there are channel slots; none without a
 /// montage. A pair is filtered as its first channel's group, whose scale it has.
-[[nodiscard]] ShownChannels PairsShown(const RecordingBlock& stored, const ShownSettings& settings);
+[[nodiscard]] ShownChannelSet PairsShown(const RecordingBlock& stored, const ShownSettings& settings);
 
 }  // namespace quillon
