@@ -8,6 +8,16 @@
 
 namespace quillon {
 
+namespace {
+
+void AddTo(std::vector<std::int16_t>& wanted, const std::vector<std::int16_t>& channels) {
+    for (const std::int16_t channel : channels) {
+        if (std::find(wanted.begin(), wanted.end(), channel) == wanted.end()) wanted.push_back(channel);
+    }
+}
+
+}  // namespace
+
 void BackgroundWork::Start(Priority priority, WorkSlices::Pass pass) {
     m_slices.Start(priority, std::move(pass));
     onStart();
@@ -76,7 +86,12 @@ void BackgroundWork::SpectrumDrawn(bool complete) {
 }
 
 bool BackgroundWork::ReadRanges() {
-    return m_view.Ranges().ReadMissing(m_document.Block(), m_rangeChannels, m_view.Axis().Visible());
+    const SampleSpan seen = m_view.Axis().Visible();
+    const ViewBlock& block = m_document.Block();
+    // Where both are the same there is one search.
+    if (block.block == block.stored) AddTo(m_rangeChannels, std::exchange(m_storedChannels, {}));
+    if (!m_rangeChannels.empty() && m_view.Ranges().ReadMissing(block, m_rangeChannels, seen)) return true;
+    return !m_storedChannels.empty() && m_view.AllExtremes().ReadStored(m_storedChannels, seen);
 }
 
 void BackgroundWork::RangesFound() {
@@ -90,13 +105,11 @@ bool BackgroundWork::FindRanges(RangeUser user, const std::vector<std::int16_t>&
     const bool running = m_slices.IsRunning(kRange);
     if (!running) {
         m_rangeChannels.clear();
+        m_storedChannels.clear();
         m_rangeUsers.clear();
     }
     // One search for all who wait; it begins anew only where a channel is added.
-    for (const std::int16_t channel : channels) {
-        if (std::find(m_rangeChannels.begin(), m_rangeChannels.end(), channel) == m_rangeChannels.end())
-            m_rangeChannels.push_back(channel);
-    }
+    AddTo(user == RangeUser::Spectrum ? m_storedChannels : m_rangeChannels, channels);
     m_rangeUsers.erase(user);
     bool more = ReadRanges();
     while (more && WorkSlices::Clock::now() - start < quick) more = ReadRanges();
@@ -108,7 +121,11 @@ bool BackgroundWork::FindRanges(RangeUser user, const std::vector<std::int16_t>&
     m_rangeUsers[user] = then;
     if (!running) {
         Start(kRange, {IDS_WORK_RANGE, [this] { return ReadRanges(); },
-                       [this] { return m_view.Ranges().PassedShare(); }, [this] { RangesFound(); }});
+                       [this] {
+                           return m_rangeChannels.empty() ? m_view.AllExtremes().StoredRanges().PassedShare()
+                                                          : m_view.Ranges().PassedShare();
+                       },
+                       [this] { RangesFound(); }});
     }
     return false;
 }

@@ -42,7 +42,7 @@ class BackgroundWork {
     void GraphDrawn(bool complete);
     void SpectrumDrawn(bool complete);
     /// Who waits for ranges.
-    enum class RangeUser { FindData, Spectrum };
+    enum class RangeUser { FindData, Spectrum };  // the latter for what is stored
     /// Finds the ranges of channels (from 1) over the whole block. True where that is quick; else `then` is called when
     /// they are recorded, instead of what the same user asked for before.
     bool FindRanges(RangeUser user, const std::vector<std::int16_t>& channels, const std::function<void()>& then);
@@ -79,8 +79,10 @@ class BackgroundWork {
     Document& m_document;
     WaveformView& m_view;
     WorkSlices m_slices;
-    bool m_rescaled = false;                    ///< the pass that found the scales has changed them
-    std::vector<std::int16_t> m_rangeChannels;  ///< those that are searched while kRange is running
+    bool m_rescaled = false;  ///< the pass that found the scales has changed them
+    // Those that are searched while kRange is running, as they are shown and as they are stored.
+    std::vector<std::int16_t> m_rangeChannels;
+    std::vector<std::int16_t> m_storedChannels;
     std::map<RangeUser, std::function<void()>> m_rangeUsers;
 };
 

@@ -196,6 +196,7 @@ void ShownCommands::ChooseMontage(int index) {
     settings.montage = settings.montage == chosen ? std::nullopt : std::optional(chosen);
     settings.reference = {};
     Apply(settings);
+    if (settings.montage) onPairs();
 }
 
 std::u16string ShownCommands::RefusalOfMontage(std::u16string_view text) const {
@@ -225,6 +226,7 @@ void ShownCommands::AddMontage(std::u16string_view text) {
     settings.montage = montage;
     settings.reference = {};
     Apply(settings);
+    onPairs();
 }
 
 bool ShownCommands::ShowsOwnMontage() const {

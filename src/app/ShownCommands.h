@@ -35,6 +35,7 @@ class ShownCommands {
     // To be set by the owner.
     /// Signals are shown otherwise; `signals`: there are others, those of a montage.
     std::function<void(bool signals)> onChange;
+    std::function<void()> onPairs;   ///< a montage was chosen, whose pairs need lanes
     std::function<void()> onRow;     ///< the row of filters is shown or hidden
     std::function<void()> onChoice;  ///< something was chosen, whether or not it changes a signal of this block
     std::function<void(const std::u16string& reason)> onRefused;

@@ -4,6 +4,8 @@
 #include <numeric>
 #include <utility>
 
+#include "data/BlockLoading.h"
+
 namespace quillon {
 
 StretchExtremes::Known& StretchExtremes::Of(const ViewBlock& block) {
@@ -15,6 +17,28 @@ StretchExtremes::Known& StretchExtremes::Of(const ViewBlock& block) {
     added.invScale = block.invScale;
     added.offsets = block.offsets;
     return added;
+}
+
+ViewBlock StretchExtremes::StoredBlock() const {
+    const ViewBlock& loaded = m_document.Block();
+    ViewBlock stored;
+    stored.block = stored.stored = loaded.stored;
+    stored.sampleCount = loaded.sampleCount;
+    stored.sampleRate = loaded.sampleRate;
+    stored.channelCount = loaded.channelCount;
+    stored.channelNumbers = loaded.channelNumbers;
+    LoadScales(stored);
+    return stored;
+}
+
+RangeRecords& StretchExtremes::StoredRanges() {
+    return IsShownAsStored() ? m_ranges : Of(StoredBlock()).ranges;
+}
+
+bool StretchExtremes::ReadStored(std::span<const std::int16_t> channels, const SampleSpan& seen) {
+    if (IsShownAsStored()) return m_ranges.ReadMissing(m_document.Block(), channels, seen);
+    const ViewBlock stored = StoredBlock();
+    return Of(stored).ranges.ReadMissing(stored, channels, seen);
 }
 
 SceneBlocks StretchExtremes::Others() {

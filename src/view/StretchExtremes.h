@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "data/Document.h"
@@ -24,6 +25,10 @@ class StretchExtremes {
     /// Of the loaded block; always the same object.
     [[nodiscard]] ExtremesCache& Loaded() { return m_loaded; }
     [[nodiscard]] RangeRecords& Ranges() { return m_ranges; }
+    /// Of the loaded block as it is stored, which is often as it is shown.
+    [[nodiscard]] RangeRecords& StoredRanges();
+    /// See RangeRecords::ReadMissing.
+    bool ReadStored(std::span<const std::int16_t> channels, const SampleSpan& seen);
     /// Of the other blocks of the stretch; valid until the document changes.
     [[nodiscard]] SceneBlocks Others();
     /// The loaded block, then the others.
@@ -55,6 +60,8 @@ class StretchExtremes {
         bool complete = false;
     };
     [[nodiscard]] Known& Of(const ViewBlock& block);
+    [[nodiscard]] bool IsShownAsStored() const { return m_document.Block().block == m_document.Block().stored; }
+    [[nodiscard]] ViewBlock StoredBlock() const;
     /// Divides the memory by the number of samples.
     void ShareMemory();
 

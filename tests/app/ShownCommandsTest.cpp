@@ -78,6 +78,7 @@ class ShownCommandsTest : public EmptyViewFixture {
             m_signals += signals ? 1 : 0;
         };
         m_commands.onChoice = [] {};
+        m_commands.onPairs = [] {};
         m_commands.onRefused = [this](const std::u16string& reason) { m_told.push_back(reason); };
     }
 

@@ -47,6 +47,18 @@ TEST_F(ShownTest, GoingToAndFroBetweenSettingsReadsNothingAgain) {
     Summarise();
     const auto shown = Drawn();
     EXPECT_NE(shown, raw);
+    // The range of what is stored is that of before, and known without reading.
+    StretchExtremes& extremes = m_view.AllExtremes();
+    m_block->samplesRead = 0;
+    while (extremes.ReadStored(std::vector<std::int16_t>{1}, {})) {
+    }
+    const std::vector<std::int16_t> first{1};
+    const auto [least, most] = std::minmax_element(m_block->samples[0].begin(), m_block->samples[0].end());
+    const float scale = m_block->ChannelScale(1);
+    EXPECT_EQ(extremes.StoredRanges().Found(first)->minimum, *least * scale + m_block->ChannelOffset(1));
+    EXPECT_EQ(extremes.StoredRanges().Found(first)->maximum, *most * scale + m_block->ChannelOffset(1));
+    EXPECT_NE(m_view.Ranges().Found(first)->maximum, extremes.StoredRanges().Found(first)->maximum);
+    EXPECT_LT(m_block->samplesRead, 30000);
     m_block->samplesRead = 0;
     for (int turn = 0; turn < 2; ++turn) {
         ShowAs({});

@@ -135,10 +135,8 @@ void MainRooms::WireCommands() {
     };
     shown.onChoice = [this] { UpdateState(); };
     shown.onRefused = [this](const std::u16string& reason) { status.Tell(StatusBar::Topic::Outcome, reason); };
-    shown.onRow = [this] {
-        onArrange();
-        PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0);
-    };
+    shown.onPairs = [this] { view.LanesOfChannels().Settings().on ? void() : lanes.ToggleLanes(); };
+    shown.onRow = [this] { onArrange(), PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0); };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };

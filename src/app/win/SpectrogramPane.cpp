@@ -55,7 +55,7 @@ void SpectrogramPane::UseRange() {
     const std::int16_t channel = m_document.CurrentChannel();
     // A channel without a range of values stays blank.
     ValueRange limits;
-    if (m_settings.window.spectrogramShown) limits = SpectrumRange(m_view.Ranges(), channel);
+    if (m_settings.window.spectrogramShown) limits = SpectrumRange(m_view.AllExtremes().StoredRanges(), channel);
     m_fft.FFT_SetChannel(m_document.Block().stored.get(), m_document.File().currentBlockIndex,
                          static_cast<std::int16_t>(channel - 1), limits);
     m_scale.Invalidate();
@@ -87,7 +87,7 @@ void SpectrogramPane::Spectrogram_Draw(bool force) {
     const bool moved = m_fft.State().firstColumn != axis.FirstColumn();
     const auto update = [&](bool all) { return m_fft.FFT_Update(axis.FirstColumn(), axis.Width(), axis.Grid(), all); };
     std::int32_t computed = update(force || zoomed);
-    if (m_fft.HasRecovered() && !m_view.Ranges().Failure().empty()) {
+    if (m_fft.HasRecovered() && !m_view.AllExtremes().StoredRanges().Failure().empty()) {
         // Samples that could not be read before are readable again, so the range covered only a part.
         ChooseChannel();
         computed = update(true);
