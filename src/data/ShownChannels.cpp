@@ -121,7 +121,7 @@ nsp::FilterSettings UsableAt(nsp::FilterSettings settings, double rate) {
 }
 
 ShownChannelSet ChannelsShown(const RecordingBlock& stored, const ShownSettings& settings,
-                            const std::vector<bool>& shown) {
+                              const std::vector<bool>& shown) {
     const std::vector<Stored> channels = StoredChannels(stored);
     ShownChannelSet result;
     const auto references = ReferencesOf(channels, settings.reference, shown, result.commons);

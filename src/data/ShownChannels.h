@@ -46,7 +46,7 @@ struct ShownChannelSet {
 /// All channels of a prepared block with filter and reference. `shown` tells of each whether it is shown, for the
 /// average.
 [[nodiscard]] ShownChannelSet ChannelsShown(const RecordingBlock& stored, const ShownSettings& settings,
-                                          const std::vector<bool>& shown);
+                                            const std::vector<bool>& shown);
 /// The pairs of the montage whose channels the block has, at most as many as there are channel slots; none without a
 /// montage. A pair is filtered as its first channel's group, whose scale it has.
 [[nodiscard]] ShownChannelSet PairsShown(const RecordingBlock& stored, const ShownSettings& settings);

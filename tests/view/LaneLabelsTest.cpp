@@ -6,11 +6,11 @@
 #include <set>
 
 #include "base/Text.h"
+#include "data/UnitGroups.h"
 #include "support/ViewFixture.h"
 #include "view/LaneLayout.h"
 #include "view/LaneSettings.h"
 #include "view/ScaleSteps.h"
-#include "data/UnitGroups.h"
 
 namespace quillon {
 namespace {

@@ -129,13 +129,13 @@ void MainRooms::WireCommands() {
         slices.work.SignalsChanged();
         m_values.DetailsChanged();
     };
-    shown.onChange = [this](bool signals) {
-        SamplesChanged(false);
-        if (signals) lanes.SignalsFound();
-    };
+    shown.onChange = [this](bool signals) { SamplesChanged(false), signals ? lanes.SignalsFound() : void(); };
     shown.onChoice = [this] { UpdateState(); };
     shown.onRefused = [this](const std::u16string& reason) { status.Tell(StatusBar::Topic::Outcome, reason); };
-    shown.onPairs = [this] { view.LanesOfChannels().Settings().on ? void() : lanes.ToggleLanes(); };
+    shown.onPairs = [this] {
+        if (!view.LanesOfChannels().Settings().on) lanes.ToggleLanes();
+        ViewChanged(view.ScrollLanes(-view.LanesOfChannels().Settings().first));
+    };
     shown.onRow = [this] { onArrange(), PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0); };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
