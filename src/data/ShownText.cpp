@@ -135,7 +135,7 @@ std::u16string ShownText(const ShownSettings& settings, const RecordingBlock& bl
     } else if (!groups.empty()) {
         texts = {Joined(groups, u"; "), Joined(texts)};
     }
-    const std::u16string text = Joined(texts, groups.size() > 0 && filters.size() > 1 ? u"; " : u", ");
+    const std::u16string text = Joined(texts, !groups.empty() && filters.size() > 1 ? u"; " : u", ");
     // Without a filtered channel among them there is nothing that these are excepted from.
     if (groups.empty() || unfiltered.empty()) return text;
     return text + u"; " + Say(u"unfiltered: %1", u"без фильтров: %1", {Joined(unfiltered)}).In(language);
