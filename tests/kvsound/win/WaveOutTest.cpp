@@ -40,7 +40,7 @@ class SoundTest : public ::testing::Test {
     }
 
     void Show(std::shared_ptr<RecordingBlock> block, std::int32_t sampleCount, std::int16_t channelCount, double rate) {
-        view.block = std::move(block);
+        view.block = view.stored = std::move(block);
         view.sampleCount = sampleCount;
         view.channelCount = channelCount;
         view.sampleRate = rate;
