@@ -165,11 +165,23 @@ std::u16string FillPlaces(std::u16string_view text, std::initializer_list<std::u
     return out;
 }
 
-std::string_view Trim(std::string_view text) {
-    const auto blank = [](char byte) { return static_cast<std::uint8_t>(byte) <= 0x20; };
-    while (!text.empty() && blank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && blank(text.back())) text.remove_suffix(1);
+namespace {
+
+template <typename View, typename IsBlank>
+View Trimmed(View text, const IsBlank& isBlank) {
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
     return text;
+}
+
+}  // namespace
+
+std::string_view Trim(std::string_view text) {
+    return Trimmed(text, [](char byte) { return static_cast<std::uint8_t>(byte) <= 0x20; });
+}
+
+std::u16string_view Trim(std::u16string_view text) {
+    return Trimmed(text, [](char16_t letter) { return letter <= u' ' || letter == u'\u00A0'; });
 }
 
 }  // namespace quillon

@@ -42,5 +42,7 @@ namespace quillon {
 
 /// Without blanks and control characters at both ends.
 [[nodiscard]] std::string_view Trim(std::string_view text);
+/// The same, no-break spaces included.
+[[nodiscard]] std::u16string_view Trim(std::u16string_view text);
 
 }  // namespace quillon

@@ -13,18 +13,11 @@ namespace quillon {
 
 namespace {
 
-std::u16string Trimmed(std::u16string_view text) {
-    constexpr std::u16string_view blanks = u" \t\r\n";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == text.npos) return {};
-    return std::u16string(text.substr(first, text.find_last_not_of(blanks) + 1 - first));
-}
-
 /// "Name: pairs"; without a colon there is no name.
 Montage MontageOf(std::u16string_view text) {
     const std::size_t colon = text.find(u':');
-    if (colon == text.npos) return {{}, Trimmed(text)};
-    return {Trimmed(text.substr(0, colon)), Trimmed(text.substr(colon + 1))};
+    if (colon == text.npos) return {{}, std::u16string(Trim(text))};
+    return {std::u16string(Trim(text.substr(0, colon))), std::u16string(Trim(text.substr(colon + 1)))};
 }
 
 // What is remembered: a line for each entry, a tab between its name and its text.

@@ -11,16 +11,6 @@ namespace {
 
 constexpr char16_t kQuote = u'"';
 
-bool IsBlank(char16_t letter) {
-    return letter <= u' ' || letter == u'\u00A0';
-}
-
-std::u16string_view Trimmed(std::u16string_view text) {
-    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-    return text;
-}
-
 bool IsSeparator(char16_t letter) {
     return letter == u',' || letter == u';' || letter == u'\n' || letter == u'\r';
 }
@@ -38,10 +28,10 @@ std::vector<std::u16string_view> CutAt(std::u16string_view text, bool (*isEnd)(c
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == kQuote) quoted = !quoted;
         if (quoted || !isEnd(text[at])) continue;
-        parts.push_back(Trimmed(text.substr(start, at - start)));
+        parts.push_back(Trim(text.substr(start, at - start)));
         start = at + 1;
     }
-    parts.push_back(Trimmed(text.substr(start)));
+    parts.push_back(Trim(text.substr(start)));
     return parts;
 }
 
@@ -55,7 +45,7 @@ std::u16string Unquoted(std::u16string_view name) {
         if (name[at] == kQuote && (++at == name.size() || name[at] != kQuote)) return {};
         plain += name[at];
     }
-    return std::u16string(Trimmed(plain));
+    return std::u16string(Trim(plain));
 }
 
 std::optional<ChannelPair> PairOf(std::u16string_view part) {
@@ -77,11 +67,11 @@ bool IsCommonReference(std::u16string_view name) {
 
 /// The electrode that a title in lower case names; empty for a difference of two.
 std::u16string_view LabelOf(std::u16string_view title) {
-    title = Trimmed(title);
-    if (title.starts_with(u"eeg ")) title = Trimmed(title.substr(4));
+    title = Trim(title);
+    if (title.starts_with(u"eeg ")) title = Trim(title.substr(4));
     if (const std::size_t hyphen = title.find(u'-'); hyphen != std::u16string_view::npos) {
-        if (!IsCommonReference(Trimmed(title.substr(hyphen + 1)))) return {};
-        title = Trimmed(title.substr(0, hyphen));
+        if (!IsCommonReference(Trim(title.substr(hyphen + 1)))) return {};
+        title = Trim(title.substr(0, hyphen));
     }
     while (!title.empty() && title.back() == u'.') title.remove_suffix(1);
     return title;
@@ -132,14 +122,14 @@ std::vector<ChannelPair> PairsOf(std::u16string_view text, std::u16string& wrong
 }
 
 std::size_t ChannelNamed(std::u16string_view name, std::span<const std::u16string> titles) {
-    const std::u16string wanted = LowerCase(Trimmed(name));
+    const std::u16string wanted = LowerCase(Trim(name));
     const std::u16string_view label = LabelOf(wanted);
     std::size_t found = titles.size();
     int best = 4;
     for (std::size_t at = 0; at < titles.size(); ++at) {
-        const std::u16string title = LowerCase(Trimmed(titles[at]));
+        const std::u16string title = LowerCase(Trim(titles[at]));
         const std::u16string_view own = LabelOf(title);
-        const int rank = Trimmed(titles[at]) == Trimmed(name)          ? 0
+        const int rank = Trim(titles[at]) == Trim(name)                ? 0
                          : title == wanted                             ? 1
                          : label.empty() || own.empty()                ? 4
                          : own == label                                ? 2

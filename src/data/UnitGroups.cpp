@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "base/Text.h"
 #include "format/NumberText.h"
 
 namespace quillon {
@@ -22,13 +23,6 @@ struct Prefix {
 constexpr std::array kPrefixes{Prefix{u'G', 1e9},  Prefix{u'M', 1e6},  Prefix{u'k', 1e3},  Prefix{0, 1.0},
                                Prefix{u'm', 1e-3}, Prefix{u'u', 1e-6}, Prefix{u'n', 1e-9}, Prefix{u'p', 1e-12}};
 
-std::u16string_view Trimmed(std::u16string_view text) {
-    const auto isBlank = [](char16_t letter) { return letter <= u' ' || letter == u'\u00A0'; };
-    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
-    return text;
-}
-
 /// The base unit as it is called here; empty for any other text.
 std::u16string_view BaseOf(std::u16string_view text) {
     if (text == u"\u03A9" || text == u"\u2126") return u"Ohm";
@@ -39,7 +33,7 @@ std::u16string_view BaseOf(std::u16string_view text) {
 }  // namespace
 
 UnitGroup GroupOf(std::u16string_view unit) {
-    const std::u16string_view text = Trimmed(unit);
+    const std::u16string_view text = Trim(unit);
     if (const std::u16string_view base = BaseOf(text); !base.empty()) return {std::u16string(base)};
     if (text.size() < 2) return {std::u16string(text)};
     const std::u16string_view base = BaseOf(text.substr(1));
