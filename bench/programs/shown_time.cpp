@@ -2,7 +2,8 @@
 //     shown_time FILE [SECONDS]
 // A page of so many seconds (10) is drawn at places far from each other, "page", and again scrolled by a tenth,
 // "scrolled"; both as ratios to what is stored. "summary" is the speed of the pass over the whole block that its
-// extremes are found in, in millions of samples of all channels per second.
+// extremes are found in, in millions of samples of all channels per second. "zoomed" are ms for large parts of the
+// block, drawn when that pass is done.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -23,6 +24,7 @@ struct Times {
     double page = 0.0;  ///< ms, as the next
     double scrolled = 0.0;
     double summary = 0.0;  ///< s
+    double zoomed = 0.0;   ///< ms
 };
 
 Times Measure(const std::shared_ptr<RecordingBlock>& block, double seconds) {
@@ -39,7 +41,7 @@ Times Measure(const std::shared_ptr<RecordingBlock>& block, double seconds) {
         graph.axis.ScrollBy(bench::kWidth / 10);
         scrolled.push_back(graph.Draw());
     }
-    Times times{bench::Median(pages), bench::Median(scrolled), 0.0};
+    Times times{bench::Median(pages), bench::Median(scrolled)};
     graph.extremes.Reset();
     RangeRecords ranges(graph.extremes);
     std::vector<std::int16_t> all(static_cast<std::size_t>(block->ChannelCount()));
@@ -48,6 +50,13 @@ Times Measure(const std::shared_ptr<RecordingBlock>& block, double seconds) {
         while (ranges.ReadMissing(graph.block, all, {samples / 3, 1000})) {
         }
     });
+    std::vector<double> zoomed;
+    for (std::int32_t part = 1; part <= 9; ++part) {
+        const std::int32_t length = samples / (part + 1) * 2 - part;
+        graph.axis.ShowSamples({(samples - length) / 2, length});
+        zoomed.push_back(graph.Draw());
+    }
+    times.zoomed = bench::Median(zoomed);
     return times;
 }
 
@@ -75,8 +84,8 @@ int main(int count, char** arguments) {
                           {"0.5-35 Hz, average", {.highPass = 0.5, .lowPass = 35.0}, true}};
     for (int round = 0; round < 2; ++round) {
         const Times raw = Measure(stored, seconds);
-        std::printf("%-22s page %6.2f ms    scrolled %6.2f ms    summary %6.0f\n", "stored", raw.page, raw.scrolled,
-                    samples / raw.summary * 1e-6);
+        std::printf("%-22s page %6.2f ms    scrolled %6.2f ms    summary %6.0f zoomed %7.1f ms\n", "stored", raw.page,
+                    raw.scrolled, samples / raw.summary * 1e-6, raw.zoomed);
         for (const Kind& kind : kinds) {
             ShownSettings settings;
             for (std::int16_t channel = 1; channel <= stored->ChannelCount(); ++channel)
@@ -84,8 +93,9 @@ int main(int count, char** arguments) {
             if (kind.average) settings.reference.kind = Reference::Kind::Average;
             const std::vector<bool> all(static_cast<std::size_t>(stored->ChannelCount()), true);
             const Times shown = Measure(MakeShownBlock(stored, settings, all), seconds);
-            std::printf("%-22s page %6.2f times scrolled %6.2f times summary %6.0f\n", kind.name, shown.page / raw.page,
-                        shown.scrolled / raw.scrolled, samples / shown.summary * 1e-6);
+            std::printf("%-22s page %6.2f times scrolled %6.2f times summary %6.0f zoomed %7.1f ms\n", kind.name,
+                        shown.page / raw.page, shown.scrolled / raw.scrolled, samples / shown.summary * 1e-6,
+                        shown.zoomed);
         }
     }
     return 0;

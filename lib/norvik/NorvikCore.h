@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
@@ -92,6 +93,13 @@ class RecordingBlock {
     [[nodiscard]] virtual std::int32_t SamplesPerPiece() const {
         return (1 << 19) / (ChannelCount() < 1 ? 1 : ChannelCount());
     }
+    /// For a block made of another one, where samples depend on many before them: does a piece of the work that reading
+    /// from sample `first` on needs beforehand. False while more of it is left, which the next call for the same sample
+    /// goes on with. Reading works without, and may then take long. Throws nothing: what cannot be read is found by
+    /// reading.
+    virtual bool Approach(std::int32_t /*first*/) { return true; }
+    /// How many places far from each other can be read, a few samples of each, where other work must not wait.
+    [[nodiscard]] virtual std::int32_t PlacesPerPiece() const { return std::numeric_limits<std::int32_t>::max(); }
     /// Extremes of consecutive runs for several channels in one pass over the stored data.
     /// Samples first .. first+count-1 are cut into runs of `run` samples, the last one shorter where count is no
     /// multiple. out[i] points to room for ceil(count / run) results of channels[i]. Returns false, with nothing

@@ -27,6 +27,8 @@ class CellFilter {
     /// The sample to be fed first where `first` is the first one wanted.
     [[nodiscard]] static std::int32_t StartFor(const FilterDesign& design, std::int32_t first);
     [[nodiscard]] std::int32_t Position() const { return m_position; }
+    /// What comes out next is a sample of its cell, not of the run-up.
+    [[nodiscard]] bool IsInCell() const { return m_position >= m_cellEnd - m_cellLength; }
     void Feed(CodeSamples samples, std::size_t count, FilteredSamples out);
     void Feed(FloatSamples samples, std::size_t count, FilteredSamples out);
 

@@ -43,6 +43,12 @@ FilterStream::FilterStream(const FilterDesign& design, std::size_t channels, Sam
     m_needed = {start, m_ahead.End() - start};
 }
 
+void FilterStream::GoOnFrom(const CellFilter& checkpoint) {
+    if (m_bothWays || checkpoint.Position() > m_wanted.first) throw std::invalid_argument("no checkpoint of this");
+    m_forward = checkpoint;
+    m_needed = {checkpoint.Position(), m_ahead.End() - checkpoint.Position()};
+}
+
 void FilterStream::Feed(const CodeSamples& samples, std::size_t count) {
     Run(samples, count);
 }

@@ -19,6 +19,8 @@ class FilterStream {
 
     /// The stored samples that are to be fed, in order.
     [[nodiscard]] SampleSpan Needed() const { return m_needed; }
+    /// The stored sample that is fed next.
+    [[nodiscard]] std::int32_t Position() const { return m_forward.Position(); }
     /// The next `count` samples of every channel, no more than are needed.
     void Feed(const CodeSamples& samples, std::size_t count);
     /// The same for samples that were computed from codes.
@@ -29,6 +31,15 @@ class FilterStream {
     /// channel.
     [[nodiscard]] SampleSpan Ready() const { return m_ready; }
     [[nodiscard]] const float* Row(std::size_t channel) const { return m_rows[channel].data() + m_skipped; }
+
+    /// The forward direction as it is now; null where other streams cannot go on from it: in a run-up, and where the
+    /// backward direction needs what came before.
+    [[nodiscard]] const CellFilter* Checkpoint() const {
+        return m_bothWays || !m_forward.IsInCell() ? nullptr : &m_forward;
+    }
+    /// Before the first call of Feed: goes on from the checkpoint of another stream of the same design, channels and
+    /// block, which is at the first wanted sample or before it.
+    void GoOnFrom(const CellFilter& checkpoint);
 
   private:
     using Rows = std::vector<std::vector<float>>;

@@ -33,7 +33,7 @@ struct ShownBlock::Page {
 /// Channels with equal filters. Two streams: one goes on to the right while others begin anew elsewhere.
 struct ShownBlock::Group {
     std::vector<const ShownChannel*> channels;
-    std::optional<nsp::FilterDesign> design;
+    std::optional<ShownStream::Filter> filter;
     std::array<std::unique_ptr<ShownStream>, 2> streams;  ///< the one used last is the first
 };
 
@@ -58,13 +58,16 @@ void ShownBlock::MakeGroups() {
             return group->channels.front()->filter == channel.filter;
         });
         const auto at = static_cast<std::size_t>(found - m_groups.begin());
-        if (at == m_groups.size()) {
-            Group& group = *m_groups.emplace_back(std::make_unique<Group>());
-            if (!channel.filter.IsOff()) group.design.emplace(channel.filter, m_stored->SampleRate());
-        }
+        if (at == m_groups.size()) m_groups.push_back(std::make_unique<Group>());
         m_groupOf.push_back(at);
         m_rowOf.push_back(m_groups[at]->channels.size());
         m_groups[at]->channels.push_back(&channel);
+    }
+    for (const auto& group : m_groups) {
+        const nsp::FilterSettings& filter = group->channels.front()->filter;
+        if (filter.IsOff()) continue;
+        const nsp::FilterDesign design(filter, m_stored->SampleRate());
+        group->filter.emplace(design, FilterCheckpoints(design, group->channels.size()));
     }
 }
 
@@ -97,9 +100,9 @@ std::int32_t ShownBlock::SamplesPerPiece() const {
     std::int32_t samples = m_stored->SamplesPerPiece();
     for (const auto& group : m_groups) {
         const std::int32_t most = mostCodes / static_cast<std::int32_t>(group->channels.size());
-        if (group->design)
+        if (group->filter)
             samples = std::max(samples, static_cast<std::int32_t>(std::min<std::int64_t>(
-                                            std::int64_t{4} * group->design->CellLength(), most)));
+                                            std::int64_t{4} * group->filter->design.CellLength(), most)));
     }
     return samples;
 }
@@ -109,8 +112,40 @@ ShownStream& ShownBlock::StreamAt(Group& group, std::int32_t first) {
     if (group.streams[0] && group.streams[0]->Position() == first) return *group.streams[0];
     std::swap(group.streams[0], group.streams[1]);
     group.streams[0] = std::make_unique<ShownStream>(*m_stored, group.channels, m_shown.commons,
-                                                     group.design ? &*group.design : nullptr, first);
+                                                     group.filter ? &*group.filter : nullptr, first);
     return *group.streams[0];
+}
+
+std::int32_t ShownBlock::PlacesPerPiece() const {
+    constexpr std::int64_t most = 1 << 22;  // samples times sections: some milliseconds
+    std::int64_t work = 1;
+    for (const auto& group : m_groups) {
+        if (!group->filter) continue;
+        const nsp::FilterDesign& design = group->filter->design;
+        const std::int64_t cell = design.CellLength();
+        const std::int64_t way =
+            design.BothWays() ? 2 * cell : std::min<std::int64_t>(group->filter->checkpoints.Spacing(), cell) / 2;
+        work += (way + kPageSamples) * static_cast<std::int64_t>(group->channels.size() * design.Sections().size());
+    }
+    return static_cast<std::int32_t>(std::max<std::int64_t>(most / work, 1));
+}
+
+bool ShownBlock::Approach(std::int32_t first) {
+    constexpr std::int32_t most = 1 << 20;  // codes: some milliseconds
+    for (std::size_t at = 0; at < m_groups.size(); ++at) {
+        std::int32_t page = first / kPageSamples;
+        while (m_pageOf.contains({at, page})) ++page;
+        if (page > (SampleCount() - 1) / kPageSamples) continue;
+        Group& group = *m_groups[at];
+        ShownStream& stream = StreamAt(group, page * kPageSamples);
+        try {
+            if (!stream.Approach(most / static_cast<std::int32_t>(group.channels.size()))) return false;
+        } catch (...) {
+            // Reading finds the same place.
+            group.streams[0].reset();
+        }
+    }
+    return true;
 }
 
 void ShownBlock::MakePage(Group& group, Page& page) {

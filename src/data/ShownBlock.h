@@ -52,6 +52,8 @@ class ShownBlock : public RecordingBlock {
     [[nodiscard]] std::int16_t InputNumber(std::int16_t channel) const override;
     std::int32_t ReadFrames(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
     [[nodiscard]] bool FramesAreCheap() const override { return false; }
+    bool Approach(std::int32_t first) override;
+    [[nodiscard]] std::int32_t PlacesPerPiece() const override;
     /// More than the stored block's where filters remember long: a piece anywhere costs the way to it.
     [[nodiscard]] std::int32_t SamplesPerPiece() const override;
     bool ColumnExtremes(std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count,

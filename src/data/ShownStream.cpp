@@ -16,7 +16,7 @@ constexpr std::int32_t kPiece = 2048;
 }  // namespace
 
 ShownStream::ShownStream(RecordingBlock& stored, std::vector<const ShownChannel*> channels,
-                         const std::vector<CommonSignal>& commons, const nsp::FilterDesign* design, std::int32_t first)
+                         const std::vector<CommonSignal>& commons, Filter* filter, std::int32_t first)
     : m_stored(stored),
       m_channels(std::move(channels)),
       m_commons(commons),
@@ -27,10 +27,13 @@ ShownStream::ShownStream(RecordingBlock& stored, std::vector<const ShownChannel*
       m_commonRows(commons.size()),
       m_ready{first, 0},
       m_rows(m_channels.size()) {
-    if (design != nullptr) {
-        m_filter =
-            std::make_unique<nsp::FilterStream>(*design, m_channels.size(), SampleSpan{first, m_end - first}, m_end);
-        m_next = m_filter->Needed().first;
+    if (filter != nullptr) {
+        m_checkpoints = &filter->checkpoints;
+        m_filter = std::make_unique<nsp::FilterStream>(filter->design, m_channels.size(),
+                                                       SampleSpan{first, m_end - first}, m_end);
+        const nsp::CellFilter* const kept = m_checkpoints->Before(first);
+        if (kept != nullptr && kept->Position() > m_filter->Position()) m_filter->GoOnFrom(*kept);
+        m_next = m_filter->Position();
     }
     std::vector<bool> needed(m_starts.size());
     const auto need = [&](std::int16_t channel) { needed[static_cast<std::size_t>(channel - 1)] = true; };
@@ -50,6 +53,11 @@ void ShownStream::Read(std::int32_t count, std::span<std::int16_t* const> rows) 
         std::copy_n(m_rows[at].data() + m_given, static_cast<std::size_t>(count), rows[at]);
     m_given += static_cast<std::size_t>(count);
     m_ready = {m_ready.first + count, m_ready.count - count};
+}
+
+bool ShownStream::Approach(std::int32_t most) {
+    for (const std::int32_t from = m_next; m_ready.count == 0 && m_next - from < most;) FeedPiece(m_ready.first + 1);
+    return m_ready.count > 0;
 }
 
 void ShownStream::FeedPiece(std::int32_t end) {
@@ -97,6 +105,7 @@ void ShownStream::Feed(std::size_t count) {
     } else {
         m_filter->Feed(nsp::CodeSamples{codes, m_step}, count);
     }
+    m_checkpoints->Pass(m_filter->Checkpoint());
     const SampleSpan ready = m_filter->Ready();
     if (ready.count == 0) return;
     std::vector<const float*> values;

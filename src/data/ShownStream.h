@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/SampleSpan.h"
+#include "data/FilterCheckpoints.h"
 #include "data/ShownChannels.h"
 #include "nsp/FilterStream.h"
 
@@ -16,13 +17,22 @@ namespace quillon {
 /// order. The codes are the same whatever sample it begins at.
 class ShownStream {
   public:
-    /// `channels` are at least one, with equal filters; `commons` are those that they name. All but the design, which
-    /// may be null where there is no filter, must outlive this object. `first` is a sample of the block.
+    /// The filter of the channels.
+    struct Filter {
+        nsp::FilterDesign design;
+        FilterCheckpoints checkpoints;
+    };
+
+    /// `channels` are at least one, with equal filters; `commons` are those that they name. `filter` is null where
+    /// there is none. All must outlive this object. `first` is a sample of the block.
     ShownStream(RecordingBlock& stored, std::vector<const ShownChannel*> channels,
-                const std::vector<CommonSignal>& commons, const nsp::FilterDesign* design, std::int32_t first);
+                const std::vector<CommonSignal>& commons, Filter* filter, std::int32_t first);
 
     /// The sample that Read gives next.
     [[nodiscard]] std::int32_t Position() const { return m_ready.first; }
+    /// Reads up to about `most` stored samples of every channel on the way to what Read gives next; false while more of
+    /// it is left. Throws as Read does.
+    bool Approach(std::int32_t most);
     /// The next `count` codes of every channel, which must lie inside the block; rows[c] has room for those of channel
     /// c. Throws what the block throws; the stream is of no use then.
     void Read(std::int32_t count, std::span<std::int16_t* const> rows);
@@ -41,6 +51,7 @@ class ShownStream {
     RecordingBlock& m_stored;
     std::vector<const ShownChannel*> m_channels;
     const std::vector<CommonSignal>& m_commons;
+    FilterCheckpoints* m_checkpoints = nullptr;
     std::unique_ptr<nsp::FilterStream> m_filter;
     bool m_usesCommons = false;
     std::vector<std::int16_t> m_needed;  ///< stored channels

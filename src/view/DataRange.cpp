@@ -142,12 +142,16 @@ bool RangeRecords::ReadMissing(const ViewBlock& block, std::span<const std::int1
     const std::int32_t units = std::max(block.block->SamplesPerPiece() / ExtremesCache::kCoarseCell, 1);
     // Several pieces on one side before the other is taken, so that a disk is read in order.
     constexpr std::int32_t turn = 16;
-    if (run.right < run.units && (run.left == 0 || run.turns++ / turn % 2 == 0)) {
-        const std::int32_t from = std::exchange(run.right, std::min(run.right + units, run.units));
-        ReadUnits(block, from, run.right);
+    if (run.right < run.units && (run.left == 0 || run.turns / turn % 2 == 0)) {
+        const std::int32_t to = std::min(run.right + units, run.units);
+        if (!Approach(block, run.right, to)) return true;
+        run.turns += run.left > 0 ? 1 : 0;
+        ReadUnits(block, std::exchange(run.right, to), to);
     } else if (run.left > 0) {
-        const std::int32_t to = std::exchange(run.left, std::max(run.left - units, 0));
-        ReadUnits(block, run.left, to);
+        const std::int32_t from = std::max(run.left - units, 0);
+        if (!Approach(block, from, run.left)) return true;
+        ++run.turns;
+        ReadUnits(block, from, std::exchange(run.left, from));
     }
     if (run.right < run.units || run.left > 0) return true;
     Store(block);
@@ -156,6 +160,12 @@ bool RangeRecords::ReadMissing(const ViewBlock& block, std::span<const std::int1
 
 double RangeRecords::PassedShare() const {
     return m_run && m_run->units > 0 ? static_cast<double>(m_run->right - m_run->left) / m_run->units : 0.0;
+}
+
+bool RangeRecords::Approach(const ViewBlock& block, std::int32_t from, std::int32_t to) const {
+    const SampleSpan samples = ExtremesCache::UnitSamples(from, to, block.sampleCount);
+    const std::int32_t first = m_extremes.KnownTo(*block.block, m_run->channels, samples, ExtremesCache::kCoarseCell);
+    return first >= samples.End() || block.block->Approach(first);
 }
 
 void RangeRecords::ReadUnits(const ViewBlock& block, std::int32_t from, std::int32_t to) {

@@ -39,9 +39,9 @@ class RangeRecords {
 
     /// Another block is loaded.
     void Reset();
-    /// Reads about one piece of the block (see SamplesPerPiece) for the ranges of these channels (from 1), beginning
-    /// at the samples that are `seen` and going on outwards. False when nothing is left to be read; the ranges are
-    /// then recorded.
+    /// Reads about one piece of the block (see SamplesPerPiece), or comes nearer to it, for the ranges of these
+    /// channels (from 1), beginning at the samples that are `seen` and going on outwards. False when nothing is left to
+    /// be read; the ranges are then recorded.
     bool ReadMissing(const ViewBlock& block, std::span<const std::int16_t> channels, const SampleSpan& seen);
     /// How much of the block the present run of ReadMissing has passed, 0 to 1.
     [[nodiscard]] double PassedShare() const;
@@ -74,6 +74,8 @@ class RangeRecords {
         ReadableExtremes others;
     };
     [[nodiscard]] Run Begin(const ViewBlock& block, std::span<const std::int16_t> channels, const SampleSpan& seen);
+    /// Comes nearer to what is not known of these units; whether they can be read now.
+    [[nodiscard]] bool Approach(const ViewBlock& block, std::int32_t from, std::int32_t to) const;
     void ReadUnits(const ViewBlock& block, std::int32_t from, std::int32_t to);
     void ReadOthers(const ViewBlock& block, const SampleSpan& samples);
     void Store(const ViewBlock& block);

@@ -75,6 +75,7 @@ bool ExtremesCache::Fill(RecordingBlock& block, std::span<const std::int16_t> ch
                          std::int32_t run, Eviction eviction) {
     const std::int32_t first = KnownTo(block, channels, samples, run);
     const std::int32_t end = std::min(samples.End(), m_samples);
+    if (first < end && !block.Approach(first)) return true;
     const bool filled = first >= end || ReadUnits(block, channels, {first, end - first}, run, eviction);
     DropOldest();
     return filled;

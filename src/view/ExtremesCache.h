@@ -50,8 +50,9 @@ class ExtremesCache {
     [[nodiscard]] std::int32_t KnownTo(const RecordingBlock& block, std::span<const std::int16_t> channels,
                                        const SampleSpan& samples, std::int32_t run);
     /// Reads the unknown units from sample `first` (from 1) on that follow each other, about SamplesPerPiece samples of
-    /// them and none behind `end`. With Eviction::Never, fine cells that do not fit the limit are not kept. False where
-    /// the block does not reduce runs itself; throws what the block throws.
+    /// them and none behind `end`; or only comes nearer to them, see RecordingBlock::Approach. With Eviction::Never,
+    /// fine cells that do not fit the limit are not kept. False where the block does not reduce runs itself; throws
+    /// what the block throws.
     bool Fill(RecordingBlock& block, std::span<const std::int16_t> channels, const SampleSpan& samples,
               std::int32_t run, Eviction eviction);
     /// The extremes of some samples in any order, from coarse cells inside and from samples read at the ends, of which

@@ -141,9 +141,10 @@ std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::s
     const std::int32_t piece = block.block ? std::max(block.block->SamplesPerPiece(), least) : most;
     const std::int32_t count = std::min({most, piece, block.sampleCount});
     const std::int32_t number = count < 1 || !block.block ? 0 : std::min(stretches, block.sampleCount / count);
+    // The first one at the start, the last one at the end; all at the start where the way to others is long.
+    const bool isNear = number < 2 || block.block->Approach(block.sampleCount - count);
+    const std::int64_t last = isNear ? block.sampleCount - count : std::int64_t{count} * (number - 1);
     for (std::int32_t at = 0; at < number; ++at) {
-        // The first one at the start, the last one at the end.
-        const std::int64_t last = block.sampleCount - count;
         const auto first = static_cast<std::int32_t>(number == 1 ? 0 : last * at / (number - 1));
         const std::vector<std::int16_t> codes = ReadStretch(*block.block, first, count);
         const auto samples = static_cast<std::size_t>(count);

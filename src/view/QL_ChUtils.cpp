@@ -106,10 +106,24 @@ ColumnRange ColumnsFor(const TraceStretch& stretch) {
             static_cast<std::int32_t>(std::min(first + stretch.toColumn + 1, most))};
 }
 
+/// The samples that a part of a free axis needs where every sample is a point: from the one to its left, from which a
+/// line leads into it, to the one to its right.
+SampleSpan EverySampleFor(const RecordingBlock& block, const TraceStretch& stretch) {
+    const ColumnGrid& grid = stretch.free->grid;
+    const ColumnRange columns = ColumnsFor(stretch);
+    const auto first = static_cast<std::int32_t>(std::max<std::int64_t>(grid.FirstSample(columns.from) - 1, 0));
+    const std::int64_t end = std::min<std::int64_t>(grid.FirstSample(columns.to) + 2, block.SampleCount());
+    return {first, static_cast<std::int32_t>(std::max<std::int64_t>(end - first, 0))};
+}
+
 std::int32_t ApproachFree(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
                           const TraceStretch& stretch) {
     const ColumnGrid& grid = stretch.free->grid;
-    if (grid.ShowsEverySample() || channels.empty()) return stretch.toColumn;
+    if (channels.empty()) return stretch.toColumn;
+    if (grid.ShowsEverySample()) {
+        const SampleSpan samples = EverySampleFor(block, stretch);
+        return samples.count < 1 || block.Approach(samples.first) ? stretch.toColumn : stretch.fromColumn;
+    }
     const FreeColumns columns(block, extremes, grid);
     const ColumnRange missing = extremes.Columns().Missing(grid, channels, columns.Limited(ColumnsFor(stretch)));
     const double most = std::max(block.SamplesPerPiece() / grid.SamplesPerColumn(), 1.0);
@@ -117,8 +131,8 @@ std::int32_t ApproachFree(RecordingBlock& block, ExtremesCache& extremes, std::s
                                     ? stretch.fromColumn + static_cast<std::int32_t>(most)
                                     : stretch.toColumn;
     if (missing.from >= missing.to) return stretch.toColumn;
-    if (!columns.AreOfCells()) return direct;
     const SampleSpan wanted = columns.SamplesOf(missing);
+    if (!columns.AreOfCells()) return block.Approach(wanted.first) ? direct : stretch.fromColumn;
     const std::int32_t skipped = std::max(1 - wanted.first, 0);  // the first sample of a block is in no cell
     const SampleSpan samples{wanted.first + skipped, wanted.count - skipped};
     try {
@@ -128,10 +142,13 @@ std::int32_t ApproachFree(RecordingBlock& block, ExtremesCache& extremes, std::s
         return direct;
     }
     const std::int32_t known = extremes.KnownTo(block, channels, samples, columns.CellRun());
-    if (known >= samples.End()) return stretch.toColumn;
     // The last column that begins before is not known yet, and the one before it needs that as its neighbour.
-    const std::int64_t column = grid.FirstColumn(known) - 1 - stretch.free->firstColumn;
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(column, stretch.fromColumn, stretch.toColumn));
+    const std::int64_t column =
+        known >= samples.End() ? stretch.toColumn : grid.FirstColumn(known) - 1 - stretch.free->firstColumn;
+    // At the edges of columns samples are read. Two more than are made stand beside them.
+    const std::int64_t reach = std::int64_t{missing.from} - stretch.free->firstColumn + 2 + block.PlacesPerPiece();
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(std::min(column, reach), stretch.fromColumn, stretch.toColumn));
 }
 
 }  // namespace
@@ -146,7 +163,8 @@ std::int32_t TraceReader::Approach(RecordingBlock& block, ExtremesCache& extreme
     const std::int32_t columns = std::max(piece / perPixel, 1);
     const std::int32_t direct =
         columns < stretch.toColumn - stretch.fromColumn ? stretch.fromColumn + columns : stretch.toColumn;
-    if (!ExtremesCache::Serves(wanted.first + 1, perPixel)) return direct;
+    if (!ExtremesCache::Serves(wanted.first + 1, perPixel))
+        return block.Approach(wanted.first) ? direct : stretch.fromColumn;
     const SampleSpan runs{wanted.first + 1, wanted.count - 1};
     try {
         if (!extremes.Fill(block, channels, runs, perPixel, ExtremesCache::Eviction::Allowed)) return direct;
@@ -238,15 +256,12 @@ void TraceReader::ReadFree(RecordingBlock& block, ExtremesCache& extremes, std::
                            const TraceStretch& stretch) {
     const ColumnGrid& grid = stretch.free->grid;
     if (!grid.ShowsEverySample()) return ReadColumns(block, extremes, channels, stretch);
-    const ColumnRange columns = ColumnsFor(stretch);
-    // From the sample to the left of the part, from which a line leads into it, to the one to its right.
-    const auto first = static_cast<std::int32_t>(std::max<std::int64_t>(grid.FirstSample(columns.from) - 1, 0));
-    const std::int64_t end = std::min<std::int64_t>(grid.FirstSample(columns.to) + 2, block.SampleCount());
-    if (end <= first) return;
-    ReadPoints(block, extremes, channels, first, static_cast<std::int32_t>(end - first), 1);
+    const SampleSpan samples = EverySampleFor(block, stretch);
+    if (samples.count < 1) return;
+    ReadPoints(block, extremes, channels, samples.first, samples.count, 1);
     for (std::size_t at = 0; at < m_used; ++at) {
         for (TracePoint& point : m_points[at])
-            point.x = static_cast<std::int32_t>(grid.FirstColumn(first + point.x) - stretch.free->firstColumn);
+            point.x = static_cast<std::int32_t>(grid.FirstColumn(samples.first + point.x) - stretch.free->firstColumn);
     }
 }
 

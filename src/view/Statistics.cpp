@@ -35,6 +35,7 @@ StatisticsPass::StatisticsPass(const ReadoutSource& source, const SampleSpan& sa
 bool StatisticsPass::Step() {
     if (IsDone()) return false;
     RecordingBlock& block = *m_source.block.block;
+    if (!block.Approach(m_next)) return true;
     const bool frames = block.FramesAreCheap();
     const auto width = static_cast<std::size_t>(frames ? m_source.block.channelCount : 1);
     const std::int32_t count = std::min(std::max(block.SamplesPerPiece(), 1), m_samples.End() - m_next);

@@ -24,7 +24,7 @@ struct ChannelStatistics {
 class StatisticsPass {
   public:
     StatisticsPass(const ReadoutSource& source, const SampleSpan& samples);
-    /// Reads about one piece, see RecordingBlock::SamplesPerPiece; false when all is read.
+    /// Reads about one piece, see RecordingBlock::SamplesPerPiece, or comes nearer to it; false when all is read.
     bool Step();
     /// How much is read, 0 to 1.
     [[nodiscard]] double Share() const;

@@ -108,6 +108,34 @@ TEST_F(ShownBlockTest, AnyWindowByAnyCallIsAPartOfTheWhole) {
     }
 }
 
+TEST_F(ShownBlockTest, TheWayToASampleIsMadeInPiecesAndOnce) {
+    constexpr std::int32_t samples = 700000;
+    constexpr std::int32_t far = 650001;
+    const auto stored = Waves(2, samples, true);
+    stored->rate = 20000.0;
+    // The whole block is one cell.
+    const ShownSettings settings = Filtered({.highPass = 0.1});
+    const Codes whole = Whole(*MakeShownBlock(stored, settings, All(*stored)), 1);
+    const auto block = MakeShownBlock(stored, settings, All(*stored));
+    const auto read = [&](const auto& work) {
+        stored->samplesRead = 0;
+        work();
+        return stored->samplesRead;
+    };
+    bool isNear = false;
+    int steps = 0;
+    for (; !isNear && steps < 10; ++steps) EXPECT_LT(read([&] { isNear = block->Approach(far); }), (1 << 20) + 10000);
+    EXPECT_TRUE(isNear);
+    EXPECT_GT(steps, 1);
+    // What is left is little, there and at every place that the way led past.
+    for (const std::int32_t first : {far, 300000, 41000, 500000}) {
+        Codes codes(100);
+        EXPECT_LT(read([&] { block->ReadCodes(1, first, 100, codes.data()); }), 30000) << first;
+        EXPECT_EQ(codes, Codes(whole.begin() + first, whole.begin() + first + 100));
+        EXPECT_TRUE(block->Approach(first));
+    }
+}
+
 TEST_F(ShownBlockTest, AReferenceIsSubtractedAsAValueOfTheSameUnit) {
     auto block = std::make_shared<FakeBlock>();
     block->samples = {{100, 200, 300}, {10, 10, -40}, {7, 8, 9}, {1, 2, 3}};

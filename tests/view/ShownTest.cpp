@@ -72,6 +72,24 @@ TEST_F(ShownTest, GoingToAndFroBetweenSettingsReadsNothingAgain) {
     EXPECT_LT(m_block->samplesRead, 400000 / 4);
 }
 
+TEST_F(ShownTest, WhatAFilterRemembersForLongIsDrawnInSlices) {
+    Open(2, 500000);
+    m_block->rate = 20000.0;
+    LoadBlock(0);
+    for (const bool bothWays : {false, true}) {
+        ShownSettings filtered;
+        filtered.filters[GroupOf(m_block->ChannelUnit(1)).name] = {.highPass = 5.0, .bothWays = bothWays};
+        ShowAs(filtered);
+        // Single samples, runs of them, columns made of cells; then again with all cells known.
+        for (const double fewest : {20.0, 20000.0, 300000.0, 250000.0}) {
+            SCOPED_TRACE(fewest);
+            Show(fewest);
+            ExpectScrollingCopies();
+            if (fewest == 300000.0) Summarise();
+        }
+    }
+}
+
 TEST_F(ShownTest, PairsOfAMontageAreSignalsInFrontOfTheOthers) {
     Open(3, 5000);
     ShownSettings settings;
