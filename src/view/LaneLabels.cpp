@@ -27,21 +27,6 @@ struct Measures {
     std::int32_t line;  ///< height of a text
 };
 
-/// The text, or as much of its beginning as has room before an ellipsis; empty where not even that has.
-StripText Cut(const LaneStrip& strip, const std::u16string& text, std::int32_t room) {
-    StripText cut{.text = text, .size = strip.sizeOf(text)};
-    for (std::size_t length = text.size(); cut.size.width > room; --length) {
-        if (length == 0) return {};
-        // A character of two units is not cut in two.
-        const char16_t last = text[length - 1];
-        if (last >= 0xD800 && last < 0xDC00) continue;
-        if (length == text.size()) continue;
-        cut.text = text.substr(0, length) + kEllipsis;
-        cut.size = strip.sizeOf(cut.text);
-    }
-    return cut;
-}
-
 std::u16string FactorText(const LaneScales& scales, const LaneChannel& channel, char16_t separator) {
     const int step = scales.OwnOf(channel).step;
     return step == 0 ? std::u16string() : u'x' + SingleNumberText(StepValue(step), separator);
@@ -73,6 +58,26 @@ std::optional<ScaleBar> MakeBar(const LaneStrip& strip, const Measures& measures
 
 }  // namespace
 
+StripText CutText(const std::function<TextSize(const std::u16string&)>& sizeOf, const std::u16string& text,
+                  std::int32_t room) {
+    StripText cut{.text = text, .size = sizeOf(text)};
+    for (std::size_t length = text.size(); cut.size.width > room; --length) {
+        if (length == 0) return {};
+        // A character of two units is not cut in two.
+        const char16_t last = text[length - 1];
+        if (last >= 0xD800 && last < 0xDC00) continue;
+        if (length == text.size()) continue;
+        cut.text = text.substr(0, length) + kEllipsis;
+        cut.size = sizeOf(cut.text);
+    }
+    return cut;
+}
+
+bool HasRoomForBars(std::int32_t rows, const LaneStrip& strip) {
+    const Measures measures(strip);
+    return rows - 1 >= 3 * measures.line + measures.gap;
+}
+
 std::int32_t WantedWidth(const ChannelLanes& channels, const LaneStrip& strip) {
     const Measures measures(strip);
     std::int32_t widest = 0;
@@ -91,7 +96,7 @@ std::vector<LaneLabel> LaneLabels(const ChannelLanes& channels, const Lanes& lan
     const auto lowest =
         std::min_element(lanes.begin(), lanes.end(), [](const Lane& a, const Lane& b) { return a.height < b.height; });
     // All lanes have a bar, or none.
-    const bool hasBar = lowest != lanes.end() && lowest->height - 1 >= 3 * measures.line + measures.gap;
+    const bool hasBar = lowest != lanes.end() && HasRoomForBars(lowest->height, strip);
     for (const Lane& lane : lanes) {
         if (lane.channels.empty()) continue;
         LaneLabel label{.channel = lane.channels.front()};
@@ -103,6 +108,8 @@ std::vector<LaneLabel> LaneLabels(const ChannelLanes& channels, const Lanes& lan
         const std::int32_t y = hasBar ? top + 1 : top + (rows - measures.line) / 2;
         std::int32_t room = strip.width - 2 * measures.margin;
         if (rows < measures.line) room = -1;
+        if (!hasBar && strip.barsBeside) label.bar = MakeBar(strip, measures, lane, all[at], top, lowest->height);
+        if (label.bar) room = label.bar->text.x - measures.gap - measures.margin;
         StripText factor{.text = FactorText(channels.Scales(), all[at], strip.decimalSeparator)};
         factor.size = strip.sizeOf(factor.text);
         const std::int32_t beside = measures.gap + factor.size.width;
@@ -111,7 +118,7 @@ std::vector<LaneLabel> LaneLabels(const ChannelLanes& channels, const Lanes& lan
         } else {
             room -= beside;
         }
-        label.title = Cut(strip, all[at].title, room);
+        label.title = CutText(strip.sizeOf, all[at].title, room);
         label.title.x = measures.margin;
         label.title.y = y;
         if (!label.title.text.empty() && !factor.text.empty()) {

@@ -44,16 +44,25 @@ struct LaneStrip {
     int dpi = 96;
     char16_t decimalSeparator = u'.';
     bool rawCodes = false;
+    bool barsBeside = false;  ///< lanes too low for a bar below the title have one beside it
     /// Pixels of a text in the font of the strip; the height is that of a line, whatever the text.
     std::function<TextSize(const std::u16string&)> sizeOf;
 };
 
+/// The text, or as much of its beginning as has room before an ellipsis; empty where not even that has. Its place is
+/// left open.
+[[nodiscard]] StripText CutText(const std::function<TextSize(const std::u16string&)>& sizeOf,
+                                const std::u16string& text, std::int32_t room);
+
+/// Whether lanes of that many rows, the lowest ones, are high enough for a bar below the title.
+[[nodiscard]] bool HasRoomForBars(std::int32_t rows, const LaneStrip& strip);
+
 /// Width of the strip in which the titles of all channels of the block have room.
 [[nodiscard]] std::int32_t WantedWidth(const ChannelLanes& channels, const LaneStrip& strip);
 
-/// The labels of the visible lanes, from top to bottom. Every lane has its title, and where all are higher than about
-/// three lines a bar of the largest 1-2-5 value that takes up to 60 % of it. No text or bar lies over another or
-/// outside its lane; what has no room there is left out.
+/// The labels of the visible lanes, from top to bottom. Every lane has its title, and where HasRoomForBars or bars
+/// stand beside the titles a bar of the largest 1-2-5 value that takes up to 60 % of it. No text or bar lies over
+/// another or outside its lane; what has no room there is left out.
 [[nodiscard]] std::vector<LaneLabel> LaneLabels(const ChannelLanes& channels, const Lanes& lanes,
                                                 const LaneStrip& strip);
 

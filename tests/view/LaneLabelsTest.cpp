@@ -56,6 +56,7 @@ TEST_F(LaneLabelsTest, NothingLiesOverAnotherAndTheHitTestAgrees) {
         strip.dpi = 96 + 48 * some(3);
         strip.width = round % 7 == 0 ? some(40) : 40 + some(160);
         strip.rawCodes = round % 4 == 0;
+        strip.barsBeside = round % 3 == 0;
         const std::int32_t font = round % 9 == 0 ? 1 + some(60) : 12 * strip.dpi / 96 + some(6);
         strip.sizeOf = [&](const std::u16string& text) {
             std::int32_t width = 0;
@@ -122,6 +123,7 @@ TEST_F(LaneLabelsTest, NothingLiesOverAnotherAndTheHitTestAgrees) {
         }
         if (const std::int32_t width = WantedWidth(m_view.LanesOfChannels(), strip); lanes[0].height > font) {
             strip.width = width;
+            strip.barsBeside = false;
             for (const LaneLabel& label : LaneLabels(m_view.LanesOfChannels(), lanes, strip))
                 ASSERT_FALSE(label.title.text.ends_with(u'\u2026'));
         }
