@@ -56,6 +56,18 @@ std::int16_t CheckChannel(const RecordingBlock& block, std::int64_t channel, Lan
     return static_cast<std::int16_t>(channel);
 }
 
+std::vector<std::int16_t> ChosenChannels(const ParsedArguments& parsed, const RecordingBlock& block,
+                                         Language language) {
+    std::vector<std::int16_t> channels;
+    if (!parsed.Has(u"--channels")) {
+        for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) channels.push_back(channel);
+        return channels;
+    }
+    for (const std::u16string& word : SplitAtCommas(parsed.Value(u"--channels")))
+        channels.push_back(CheckChannel(block, WholeNumber(word, u"--channels"), language));
+    return channels;
+}
+
 BlockRange FindRange(Recording& recording, const ParsedArguments& parsed, Language language) {
     const auto option = [&](std::u16string_view name, std::int64_t otherwise) {
         return parsed.Has(name) ? WholeNumber(parsed.Value(name), name) : otherwise;

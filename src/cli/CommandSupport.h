@@ -50,6 +50,11 @@ struct BlockChannel {
 /// The channel of that number, from 1. Throws Refusal where the block has none.
 [[nodiscard]] std::int16_t CheckChannel(const RecordingBlock& block, std::int64_t channel, Language language);
 
+/// The channels whose numbers --channels lists, in its order; all where it is not given. Throws UsageError for what is
+/// no number, Refusal where the block has none of that number.
+[[nodiscard]] std::vector<std::int16_t> ChosenChannels(const ParsedArguments& parsed, const RecordingBlock& block,
+                                                       Language language);
+
 /// Some samples of a block.
 struct BlockRange {
     std::shared_ptr<RecordingBlock> block;
@@ -61,7 +66,7 @@ struct BlockRange {
 [[nodiscard]] BlockRange FindRange(Recording& recording, const ParsedArguments& parsed, Language language);
 
 /// User services for the command line: there is no user to ask, so relevant messages become a Refusal.
-class SilentServices final : public UserServices {
+class SilentServices : public UserServices {
   public:
     void ShowMessage(const std::u16string&, const std::u16string&) override {}
     [[nodiscard]] bool Ask(const std::u16string&) override { return false; }

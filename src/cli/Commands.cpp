@@ -10,6 +10,7 @@
 #include "cli/CommandSupport.h"
 #include "cli/ExportCommand.h"
 #include "cli/Json.h"
+#include "cli/PictureCommand.h"
 #include "cli/ShownOptions.h"
 #include "cli/SpectrumCommand.h"
 #include "cli/SplitCommand.h"
@@ -173,6 +174,12 @@ constexpr std::array kCommands = {
             "      frequency from 0 Hz at the bottom to half the sampling rate. See quillon-cli spectrum --help.\n",
             "  quillon-cli spectrum night.edf night.bmp --channel=3 --order=9 --palette=gray\n", RunSpectrum,
             kSpectrumOptions, 2},
+    Command{u"picture", u"FILE OUT.png [options]", 2, 2,
+            "      Draws the channels, one below the other, as the window does in lanes: titles and scales beside the\n"
+            "      graph, the time below it. Places are as in Go To: 90 s, 1:30, 12:57:02 by the clock, #1000. See\n"
+            "      quillon-cli picture --help.\n",
+            "  quillon-cli picture night.edf page.png --from=0:10:00 --to=0:10:10 --low-pass=35 --reference=average\n",
+            RunPicture, kPictureOptions, 2},
     Command{u"split", u"FILE --folder DIR --size S [options]", 1, 1,
             "      Cuts a block into pieces of equal length, each a file of its own: .wav where FILE is one and names "
             "go by\n"

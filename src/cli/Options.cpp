@@ -86,4 +86,24 @@ std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what) {
     return number;
 }
 
+std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name, std::int64_t otherwise,
+                         std::int64_t least, std::int64_t most) {
+    if (!parsed.Has(name)) return otherwise;
+    const std::int64_t number = WholeNumber(parsed.Value(name), name);
+    if (number < least || number > most) throw UsageError(OutOfRange(parsed, name));
+    return number;
+}
+
+std::vector<std::u16string> SplitAtCommas(const std::u16string& list) {
+    std::vector<std::u16string> words(1);
+    for (const char16_t letter : list) {
+        if (letter == u',') {
+            words.emplace_back();
+        } else {
+            words.back() += letter;
+        }
+    }
+    return words;
+}
+
 }  // namespace quillon::cli

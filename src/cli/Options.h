@@ -50,5 +50,11 @@ struct ParsedArguments {
 
 /// A whole number of decimal digits. Throws UsageError that calls it `what`.
 [[nodiscard]] std::int64_t WholeNumber(const std::u16string& text, std::u16string_view what);
+/// The option's whole number from `least` to `most`, or `otherwise` where it was not given. Throws UsageError.
+[[nodiscard]] std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name, std::int64_t otherwise,
+                                       std::int64_t least, std::int64_t most);
+
+/// What stands between the commas; a part may be empty.
+[[nodiscard]] std::vector<std::u16string> SplitAtCommas(const std::u16string& list);
 
 }  // namespace quillon::cli

@@ -8,7 +8,6 @@
 #include "cli/OutputTarget.h"
 #include "data/Montages.h"
 #include "data/ShownBlock.h"
-#include "data/ShownSettings.h"
 #include "data/ShownText.h"
 #include "data/UnitGroups.h"
 
@@ -64,14 +63,15 @@ ShownRequest::ShownRequest(const ParsedArguments& parsed, Language language)
         throw UsageError(u"'" + (wrong.empty() ? m_montage : wrong) + u"' is no pair of channels for --montage");
 }
 
-std::shared_ptr<RecordingBlock> ShownRequest::Show(std::shared_ptr<RecordingBlock> stored) const {
-    if (m_filter.IsOff() && m_reference.empty() && m_montage.empty()) return stored;
-    const std::u16string reason = RefusalText(m_filter, stored->SampleRate(), m_language);
-    if (!m_filter.IsOff() && !reason.empty()) throw UsageError(reason);
+ShownSettings ShownRequest::SettingsFor(const RecordingBlock& stored) const {
     ShownSettings settings;
-    for (std::int16_t channel = 1; channel <= stored->ChannelCount(); ++channel)
-        settings.filters[GroupOf(stored->ChannelUnit(channel)).name] = m_filter;
-    const std::vector<std::u16string> titles = TitlesOf(*stored);
+    if (!m_filter.IsOff()) {
+        const std::u16string reason = RefusalText(m_filter, stored.SampleRate(), m_language);
+        if (!reason.empty()) throw UsageError(reason);
+        for (std::int16_t channel = 1; channel <= stored.ChannelCount(); ++channel)
+            settings.filters[GroupOf(stored.ChannelUnit(channel)).name] = m_filter;
+    }
+    const std::vector<std::u16string> titles = TitlesOf(stored);
     if (m_reference == u"average") {
         settings.reference.kind = Reference::Kind::Average;
     } else if (!m_reference.empty()) {
@@ -79,14 +79,21 @@ std::shared_ptr<RecordingBlock> ShownRequest::Show(std::shared_ptr<RecordingBloc
         if (index == titles.size()) RefuseTitle(m_reference, m_language);
         settings.reference = {Reference::Kind::Channel, titles[index]};
     }
-    if (m_montage.empty()) {
-        stored->Prepare();
-        const std::vector<bool> all(titles.size(), true);
+    if (!m_montage.empty()) {
+        CheckPairs(m_montage, titles, m_language);
+        settings.montage = Montage{m_montage, m_montage};
+    }
+    return settings;
+}
+
+std::shared_ptr<RecordingBlock> ShownRequest::Show(std::shared_ptr<RecordingBlock> stored) const {
+    const ShownSettings settings = SettingsFor(*stored);
+    if (settings == ShownSettings()) return stored;
+    stored->Prepare();
+    if (!settings.montage) {
+        const std::vector<bool> all(static_cast<std::size_t>(stored->ChannelCount()), true);
         return MakeShownBlock(std::move(stored), settings, all);
     }
-    CheckPairs(m_montage, titles, m_language);
-    settings.montage = Montage{m_montage, m_montage};
-    stored->Prepare();
     std::shared_ptr<RecordingBlock> pairs = MakeMontageBlock(std::move(stored), settings);
     if (!pairs) {
         throw Refusal(Say(u"there is no pair \"%1\"", u"нет пары \"%1\"", {m_montage}).In(m_language));

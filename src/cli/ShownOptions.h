@@ -6,6 +6,7 @@
 
 #include "base/Language.h"
 #include "cli/Options.h"
+#include "data/ShownSettings.h"
 #include "norvik/NorvikCore.h"
 #include "nsp/FilterDesign.h"
 
@@ -28,6 +29,8 @@ class ShownRequest {
     /// Throws UsageError for what cannot be at any block.
     ShownRequest(const ParsedArguments& parsed, Language language);
 
+    /// The settings that show the block so; the default ones where nothing is asked for. Throws as Show.
+    [[nodiscard]] ShownSettings SettingsFor(const RecordingBlock& stored) const;
     /// The block as it is asked for; the stored one itself where nothing is. Throws UsageError for a filter that cannot
     /// be at its rate, Refusal where it lacks a channel. Prepares it where need be, which may read the whole block.
     [[nodiscard]] std::shared_ptr<RecordingBlock> Show(std::shared_ptr<RecordingBlock> stored) const;

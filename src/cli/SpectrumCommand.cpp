@@ -22,14 +22,6 @@ struct Request {
     SpectrumRequest picture;
 };
 
-std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name, std::int64_t otherwise,
-                         std::int64_t least, std::int64_t most) {
-    if (!parsed.Has(name)) return otherwise;
-    const std::int64_t number = WholeNumber(parsed.Value(name), name);
-    if (number < least || number > most) throw UsageError(OutOfRange(parsed, name));
-    return number;
-}
-
 float RealOption(const ParsedArguments& parsed, std::u16string_view name, float otherwise, float least, float most) {
     if (!parsed.Has(name)) return otherwise;
     const float number = SingleNumber(parsed.Value(name), name);

@@ -30,18 +30,6 @@ class TargetText final : public TextSink {
     std::exception_ptr& m_refusal;
 };
 
-std::vector<std::u16string> SplitAtCommas(const std::u16string& list) {
-    std::vector<std::u16string> words(1);
-    for (const char16_t letter : list) {
-        if (letter == u',') {
-            words.emplace_back();
-        } else {
-            words.back() += letter;
-        }
-    }
-    return words;
-}
-
 void TakeHeader(const ParsedArguments& parsed, TextExportRequest& request) {
     if (!parsed.Has(u"--header")) return;
     for (const std::u16string& word : SplitAtCommas(parsed.Value(u"--header"))) {
@@ -53,18 +41,6 @@ void TakeHeader(const ParsedArguments& parsed, TextExportRequest& request) {
         if (flag == nullptr) throw UsageError(u"'" + word + u"' is none of size,rate,step,titles for --header");
         *flag = true;
     }
-}
-
-/// Numbers of --channels; all where it is not given.
-std::vector<std::int64_t> ChannelPositions(const ParsedArguments& parsed, const RecordingBlock& block) {
-    std::vector<std::int64_t> positions;
-    if (!parsed.Has(u"--channels")) {
-        for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) positions.push_back(channel);
-        return positions;
-    }
-    for (const std::u16string& word : SplitAtCommas(parsed.Value(u"--channels")))
-        positions.push_back(WholeNumber(word, u"--channels"));
-    return positions;
 }
 
 }  // namespace
@@ -86,8 +62,7 @@ void RunText(const CommandContext& context) {
     request.count = range.samples.count;
     request.target = parsed.words[2];
     ChannelSlots slots;
-    for (const std::int64_t position : ChannelPositions(parsed, *range.block)) {
-        const std::int16_t channel = CheckChannel(*range.block, position, context.language);
+    for (const std::int16_t channel : ChosenChannels(parsed, *range.block, context.language)) {
         request.channels.push_back(range.block->ChannelNumber(channel));
         slots[static_cast<std::size_t>(request.channels.back())].title = range.block->ChannelTitle(channel);
     }
