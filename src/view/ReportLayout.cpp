@@ -274,9 +274,10 @@ void ReportLayout::AddTimes(const WaveformView& view, const Document& document, 
 ReportPlan ReportLayout::MarkTexts(const GraphScene& scene) const {
     ReportPlan plan;
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
-        const std::u16string whole = MarkText(scene.block, line);
-        if (whole.empty()) continue;
-        const StripText text = CutText(m_style.sizeOf, whole, line.textWidth - kMarkGap);
+        // A picture does not scroll: its texts are not cut by its edges.
+        const std::int32_t room = std::min(line.textWidth, scene.axis.Width() - line.column) - kMarkGap;
+        const StripText text = CutText(m_style.sizeOf, MarkText(scene.block, line), room);
+        if (text.text.empty() || line.column < 0) continue;
         const std::int32_t x = line.column + kMarkGap;
         if (AreTextsAbove(scene)) plan.boxes.push_back({x, 1, x + text.size.width, 1 + text.size.height, kWhite});
         plan.texts.push_back({text.text, x, 1, kMarkTextColor});

@@ -79,7 +79,7 @@ class ReportLayout {
     /// Everything around the graph of a view that is arranged in these margins.
     [[nodiscard]] ReportPlan Frame(const WaveformView& view, const Document& document,
                                    const ReportMargins& margins) const;
-    /// The texts of the marks, in pixels of the graph.
+    /// The texts of the marks whose lines the graph shows, in its pixels.
     [[nodiscard]] ReportPlan MarkTexts(const GraphScene& scene) const;
 
   private:

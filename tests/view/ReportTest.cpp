@@ -137,8 +137,8 @@ TEST_F(ReportTest, TheGraphIsThatOfTheWindow) {
     }
 }
 
-/// Whatever is shown at whatever size: texts are inside the picture, none lies over another or over the graph, but for
-/// those of marks, which stay beside their own lines.
+/// Whatever is shown at whatever size: texts are inside the picture, none lies over another, and none but those of
+/// marks over the graph.
 TEST_F(ReportTest, NoTextLiesOverAnother) {
     std::mt19937 random(8);
     const auto some = [&](int below) { return static_cast<std::int32_t>(random() % static_cast<unsigned>(below)); };
@@ -187,7 +187,9 @@ TEST_F(ReportTest, NoTextLiesOverAnother) {
         const GraphScene scene{m_document.Block(), m_view.Axis(), m_view.GetLanes(), extremes};
         const std::vector<ReportText> texts = layout.MarkTexts(scene).texts;
         marks += texts.size();
-        expectApart(texts, [&](const ReportBox& box) { return box.top >= 0 && box.left >= kMarkGap - kMarkTextWidth; });
+        expectApart(texts, [&](const ReportBox& box) {
+            return box.top >= 0 && box.left >= kMarkGap && box.right <= picture.GraphSize().width;
+        });
     }
     EXPECT_GT(bars, 100U);
     EXPECT_GT(titles, 500U);
