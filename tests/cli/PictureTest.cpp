@@ -83,7 +83,7 @@ TEST_F(PictureTest, SizesAreThoseAskedFor) {
     };
     expect("", 1400, 700, 96.0);
     expect("--width=300 --height=150", 300, 150, 96.0);
-    expect("--scale=3 --width 700 --height=400", 700, 400, 288.0);
+    expect("--scale=3 --width 700 --height=450", 700, 450, 288.0);
     // Where the usual height is too low for the channels, the picture is higher.
     samples::Bytes bytes;
     bytes.Text(samples::BinHeader(100.0F, "D", std::vector<samples::BinChannel>(32, {"x", "V"}), 100));
