@@ -1,8 +1,8 @@
 #include "cli/PictureCommand.h"
 
+#include <algorithm>
 #include <limits>
 #include <optional>
-#include <set>
 #include <utility>
 
 #include "base/Bilingual.h"
@@ -119,6 +119,15 @@ SampleSpan AskedSamples(const CommandContext& context, const ViewBlock& block, c
     return {first - 1, end - first + 1};
 }
 
+/// A channel has one lane.
+std::vector<std::int16_t> WithoutRepetitions(const std::vector<std::int16_t>& channels) {
+    std::vector<std::int16_t> once;
+    for (const std::int16_t channel : channels) {
+        if (std::find(once.begin(), once.end(), channel) == once.end()) once.push_back(channel);
+    }
+    return once;
+}
+
 /// Gives these channels of the block as it is asked for, or of its pairs, a lane each.
 void ShowLanes(Document& document, WaveformView& view, const ShownSettings& settings,
                const std::vector<std::int16_t>& channels) {
@@ -181,7 +190,7 @@ void RunPicture(const CommandContext& context) {
     const SampleSpan samples = AskedSamples(context, document.Block(), request.format);
     const std::shared_ptr<RecordingBlock> shown = shownRequest.Show(document.Block().stored);
     const ShownSettings settings = shownRequest.SettingsFor(*document.Block().stored);
-    const std::vector<std::int16_t> channels = ChosenChannels(parsed, *shown, language);
+    const std::vector<std::int16_t> channels = WithoutRepetitions(ChosenChannels(parsed, *shown, language));
     // Report a target that cannot be written before doing the work.
     context.target.Open();
 
@@ -205,6 +214,7 @@ void RunPicture(const CommandContext& context) {
     }
     picture.DrawFrame();
     const std::vector<std::byte> file = PngBytes({picture.Pixels(), size.width, size.height, kDpi * request.scale});
+    if (InterruptScope::IsAsked()) RefuseInterrupted(language);
     context.target.Write({reinterpret_cast<const char*>(file.data()), file.size()});
     if (!picture.Failure().empty()) {
         const std::u16string lost =

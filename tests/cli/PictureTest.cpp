@@ -130,6 +130,7 @@ TEST_F(PictureTest, PlacesMeanWhatTheySay) {
     EXPECT_TRUE(samples == draw("--time=samples --from=#501 --to=10s"));
     EXPECT_TRUE(draw("") == draw("--from=#1 --to=20"));
     EXPECT_TRUE(draw("") == draw("--block=1 --channels=1,2,3,4 --time=clock --to=#2000 --order=4"));
+    EXPECT_TRUE(draw("--channels=2,1") == draw("--channels=2,2,1,2"));
     for (const std::string line : {"--from=0:06 --to=0:11", "--from=5 --to=10.01", "--from=5 --to=10 --time=start",
                                    "--from=5 --to=10 --reference=Fp1", "--from=5 --to=10 --scale=2"})
         EXPECT_FALSE(page == draw(line)) << line;
