@@ -87,10 +87,11 @@ ReportHeading MakeReportHeading(const Document& document, const SampleSpan& samp
 ReportLayout::ReportLayout(ReportStyle style, ReportHeading heading)
     : m_style(std::move(style)), m_heading(std::move(heading)), m_line(m_style.sizeOf(u"0").height) {}
 
-LaneStrip ReportLayout::Strip(std::int32_t width) const {
+LaneStrip ReportLayout::Strip(const WaveformView& view, std::int32_t width) const {
     return {.width = width,
             .dpi = m_style.dpi,
             .decimalSeparator = m_style.format.decimalSeparator,
+            .rawCodes = view.RawCodes(),
             .barsBeside = true,
             .sizeOf = m_style.sizeOf};
 }
@@ -132,7 +133,7 @@ std::int32_t ReportLayout::StripWidth(const WaveformView& view, const Document& 
         return widest + Scaled(kEdge);
     }
     const ChannelLanes& lanes = view.LanesOfChannels();
-    const LaneStrip strip = Strip(0);
+    const LaneStrip strip = Strip(view, 0);
     std::int32_t bars = 0;
     for (const LaneChannel& channel : lanes.Channels()) {
         // "500 uV" is as wide as any value with a prefix.
@@ -195,7 +196,7 @@ void ReportLayout::AddBorder(const WaveformView& view, const ReportMargins& marg
 void ReportLayout::AddLanes(const WaveformView& view, const ReportMargins& margins, ReportPlan& plan) const {
     const Lanes& lanes = view.GetLanes();
     const std::int32_t line = std::max(Scaled(1), 1);
-    const LaneStrip strip = Strip(margins.left);
+    const LaneStrip strip = Strip(view, margins.left);
     const auto lowest =
         std::min_element(lanes.begin(), lanes.end(), [](const Lane& a, const Lane& b) { return a.height < b.height; });
     const bool all = HasRoomForBars(lowest->height, strip);

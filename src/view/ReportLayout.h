@@ -84,7 +84,7 @@ class ReportLayout {
 
   private:
     [[nodiscard]] std::int32_t Scaled(int length) const { return (length * m_style.dpi + 48) / 96; }
-    [[nodiscard]] LaneStrip Strip(std::int32_t width) const;
+    [[nodiscard]] LaneStrip Strip(const WaveformView& view, std::int32_t width) const;
     [[nodiscard]] std::int32_t HeightWithLanes(const WaveformView& view, std::int32_t width, std::int32_t rows) const;
     [[nodiscard]] std::int32_t StripWidth(const WaveformView& view, const Document& document, std::int32_t rows) const;
     /// The heading in lines of the picture's width.
