@@ -70,6 +70,8 @@ class RecordingBlock {
     /// Sample index, 0 to SampleCount-1.
     [[nodiscard]] virtual std::int32_t MarkPosition(std::int32_t mark) const = 0;
     [[nodiscard]] virtual std::u16string MarkText(std::int32_t mark) const = 0;
+    /// How long what is marked lasted, in seconds; 0 where the recording does not tell.
+    [[nodiscard]] virtual double MarkDuration(std::int32_t /*mark*/) const { return 0.0; }
 
     /// Name of the acquisition device; may be empty.
     [[nodiscard]] virtual std::u16string DeviceName() const = 0;

@@ -83,8 +83,8 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuNextPalette) return state.spectrogramShown;
     if (id == mnuRecording) return state.filePosition < 0 ? state.fileCount > 0 : state.filePosition > 0;
     if (id == mnuRecording + 1) return state.filePosition + 1 < state.fileCount;
-    if (Within(id, mnuFocus, 4)) return true;
-    if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 2) || Within(id, mnuPathList, kPathListEntries))
+    if (Within(id, mnuFocus, 5)) return true;
+    if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 3) || Within(id, mnuPathList, kPathListEntries))
         return true;
     // A file that could not be opened can still be deleted and renamed.
     if (Within(id, mnuFileOperation, 2)) return state.filePosition >= 0;
@@ -97,7 +97,7 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuSelect + 2) return state.hasSelection || state.playing || state.stoppable;
     if (id == mnuView || id == mnuStatistics) return state.hasSelection;
     if (id == mnuView + 2) return state.hasHistory;
-    if (Within(id, mnuMark, 2)) return state.hasMarks;
+    if (Within(id, mnuMark, 2) || Within(id, mnuMarkList, 3)) return state.hasMarks;
     if (Within(id, mnuMove, static_cast<int>(Moves().size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
         id == mnuGoToPlace)
         return state.sampleCount > 0;

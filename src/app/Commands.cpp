@@ -40,6 +40,7 @@ constexpr std::array kTree{
     Entry(1, mnuTabPath, IDS_TABPATH_0, 2),
     Separator(1),
     Entry(1, mnuTabFile, IDS_TABFILE_0, 2),
+    Entry(1, mnuTabFile + 2, IDS_TABFILE_MARKS),
     Separator(1),
     Entry(1, mnuFilterRow, IDS_FILTERS),
     Entry(1, mnuSpectrogram, IDS_SPECTROGRAM),
@@ -78,6 +79,10 @@ constexpr std::array kTree{
     Entry(3, mnuFilterDirection, IDS_FILTER_DIRECTION_0, 2),
     Separator(2),
     Entry(2, mnuUnfiltered, IDS_UNFILTERED),
+    Popup(1, IDS_MENU_MARKS),
+    Entry(2, mnuMark, IDS_MARK_0, 2),
+    Separator(2),
+    Entry(2, mnuMarkList, IDS_MARKLIST_0, 3),
     Popup(0, IDS_MENU_CHANNELS),
     Entry(1, mnuChShow, IDS_CHSHOW_0, 3),
     Separator(1),
@@ -119,6 +124,10 @@ constexpr std::array kContextMenu{
     Entry(0, mnuClipToLanes, IDS_CLIPTOLANES),
     Separator(0),
     Entry(0, mnuKeysAndMouse, IDS_KEYSANDMOUSE),
+};
+
+constexpr std::array kMarksMenu{
+    Entry(0, mnuMarkList, IDS_MARKLIST_0, 3),
 };
 
 constexpr std::array kMoves{Move{-20, 0}, Move{20, 0}, Move{-100, 0}, Move{100, 0}, Move{-1, 0}, Move{1, 0},
@@ -164,6 +173,10 @@ std::span<const MenuEntry> ContextMenu() {
     return kContextMenu;
 }
 
+std::span<const MenuEntry> MarksMenu() {
+    return kMarksMenu;
+}
+
 std::span<const Move> Moves() {
     return kMoves;
 }
@@ -189,6 +202,7 @@ int CaptionId(int command) {
     if (command == mnuOpenFolder) return IDS_OPENFOLDER;
     if (command == mnuShowRaw) return IDS_SHOWRAW;
     if (command == mnuNextPalette) return IDS_NEXTPALETTE;
+    if (command == mnuFocus + 4) return IDS_FOCUS_MARKS;
     if (Within(command, mnuFocus, 4)) return IDS_FOCUS_0 + command - mnuFocus;
     if (Within(command, mnuMove, static_cast<int>(kMoves.size()))) return IDS_MOVE_0 + command - mnuMove;
     for (const std::span<const MenuEntry> menu : {MenuTree(), ContextMenu()}) {

@@ -19,7 +19,7 @@ enum CommandId : int {
     mnuExit,
     mnuCopy = 1030,  ///< 0 data, 1 image
     mnuTabPath = 1040,
-    mnuTabFile = 1050,
+    mnuTabFile = 1050,  ///< 0 files, 1 blocks, 2 marks
     mnuSpectrogram = 1060,
     mnuLanes,
     mnuNegativeUp,
@@ -51,7 +51,8 @@ enum CommandId : int {
     mnuNextPalette,
     mnuMove = 1640,       ///< by keys, see Moves
     mnuRecording = 1660,  ///< of the file list: 0 previous, 1 next
-    mnuFocus = 1670,      ///< move the focus to: 0 folders, 1 channels, 2 files, 3 blocks
+    mnuFocus = 1670,      ///< move the focus to: 0 folders, 1 channels, 2 files, 3 blocks, 4 marks
+    mnuMarkList = 1680,   ///< 0 copy, 1 save, 2 count
     // How signals are shown. Filters: by value, see FilterChoices.
     mnuFilterRow = 1700,
     mnuUnfiltered,
@@ -95,6 +96,8 @@ struct MenuEntry {
 [[nodiscard]] std::span<const MenuEntry> MenuTree();
 /// The graph's context menu, in the same form.
 [[nodiscard]] std::span<const MenuEntry> ContextMenu();
+/// That of the list of marks.
+[[nodiscard]] std::span<const MenuEntry> MarksMenu();
 
 /// String that names a command; 0 for one whose caption is computed.
 [[nodiscard]] int CaptionId(int command);

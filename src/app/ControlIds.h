@@ -36,6 +36,9 @@ enum ControlId : int {
     cboNotch,
     cboFilterOrder,
     cboFilterDirection,
+    // The page of marks.
+    edtMarks,
+    lvMarks,
 };
 
 }  // namespace quillon

@@ -62,6 +62,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Key::Escape, mnuSelect + 2},
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 0, kControl},
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 1, kControl, kShift},
+    KeyBinding{KeyPlace::MarkList, Letter('C'), mnuMarkList + 0, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('C'), mnuCopy + 0, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('C'), mnuCopy + 1, kControl, kShift},
     KeyBinding{KeyPlace::Everywhere, Letter('S'), mnuSaveAs, kControl},
@@ -76,6 +77,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Everywhere, Letter('2'), mnuFocus + 1, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('3'), mnuFocus + 2, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('4'), mnuFocus + 3, kControl},
+    KeyBinding{KeyPlace::Everywhere, Letter('5'), mnuFocus + 4, kControl},
     KeyBinding{KeyPlace::Everywhere, Key::F5, mnuTabFile + 0},
     KeyBinding{KeyPlace::Everywhere, Key::F1, mnuHelp},
     KeyBinding{KeyPlace::FolderList, Key::Enter, mnuOpenFolder},
@@ -120,6 +122,7 @@ KeyPlace KeyPlaceOf(int control) {
         case lstDir: return KeyPlace::FolderList;
         case lstFile: return KeyPlace::FileList;
         case lvCh: return KeyPlace::ChannelList;
+        case lvMarks: return KeyPlace::MarkList;
         default: return KeyPlace::Everywhere;
     }
 }

@@ -38,7 +38,7 @@ constexpr Key Letter(char letter) {
 }
 
 /// Focus context in which a key is bound.
-enum class KeyPlace { Everywhere, Graph, FolderList, FileList, ChannelList };
+enum class KeyPlace { Everywhere, Graph, FolderList, FileList, ChannelList, MarkList };
 
 struct KeyBinding {
     KeyPlace place;

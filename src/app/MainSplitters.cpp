@@ -65,6 +65,7 @@ std::vector<ControlPlace> PlacesOf(const MainLayout& layout) {
         {pbScaleY, layout.scaleY},   {pbGraph, layout.graph},       {scScaleY, layout.scrollY},
         {btnZoomX, layout.zoomX},    {pbScaleX, layout.scaleX},     {scScaleX, layout.scrollX},
         {pbFFT, layout.spectrogram}, {pbPal, layout.palette},       {pbScaleF, layout.scaleF},
+        {edtMarks, layout.fileType}, {lvMarks, layout.files},
     };
     for (std::size_t at = 0; at < kFilterControls; ++at)
         places.push_back({lblFilterGroup + static_cast<int>(at), layout.filters[at]});
@@ -75,7 +76,8 @@ PixelRect FramedWith(const MainLayout& layout, int control) {
     switch (control) {
         case lstDir: return layout.folders;
         case lvCh: return layout.channels;
-        case lstFile: return layout.files;
+        case lstFile:
+        case lvMarks: return layout.files;
         case lstBlock: return layout.blocks;
         case pbGraph:
             return {layout.scaleY.left, layout.scaleY.top, layout.scrollY.Right() - layout.scaleY.left,

@@ -41,7 +41,9 @@ std::string JsonMarks(const RecordingBlock& block) {
     for (std::int32_t mark = 1; mark <= block.MarkCount(); ++mark) {
         if (mark > 1) json += ',';
         json += "{\"position\":" + std::to_string(block.MarkPosition(mark));
-        json += ",\"text\":" + JsonText(block.MarkText(mark)) + '}';
+        json += ",\"text\":" + JsonText(block.MarkText(mark));
+        if (block.MarkDuration(mark) > 0.0) json += ",\"duration\":" + JsonNumber(block.MarkDuration(mark));
+        json += '}';
     }
     return json + ']';
 }

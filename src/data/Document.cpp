@@ -302,6 +302,7 @@ void Document::LoadMarks() {
         const auto number = static_cast<std::int32_t>(mark + 1);
         Resume([&] { entry.position = m_block.block->MarkPosition(number); });
         Resume([&] { entry.text = m_block.block->MarkText(number); });
+        Resume([&] { entry.seconds = m_block.block->MarkDuration(number); });
     }
     std::stable_sort(m_block.marks.begin(), m_block.marks.end(),
                      [](const BlockMark& one, const BlockMark& other) { return one.position < other.position; });

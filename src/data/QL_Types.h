@@ -29,6 +29,7 @@ struct ViewFile {
 struct BlockMark {
     std::int32_t position = 0;  ///< sample index, from 0
     std::u16string text;
+    double seconds = 0.0;  ///< duration; 0: not known
 };
 
 /// The loaded block.

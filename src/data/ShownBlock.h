@@ -47,6 +47,7 @@ class ShownBlock : public RecordingBlock {
     [[nodiscard]] std::int32_t MarkCount() const override { return m_stored->MarkCount(); }
     [[nodiscard]] std::int32_t MarkPosition(std::int32_t mark) const override { return m_stored->MarkPosition(mark); }
     [[nodiscard]] std::u16string MarkText(std::int32_t mark) const override { return m_stored->MarkText(mark); }
+    [[nodiscard]] double MarkDuration(std::int32_t mark) const override { return m_stored->MarkDuration(mark); }
     [[nodiscard]] std::u16string DeviceName() const override { return m_stored->DeviceName(); }
     [[nodiscard]] std::u16string BlockName() const override { return m_stored->BlockName(); }
     [[nodiscard]] std::int16_t InputNumber(std::int16_t channel) const override;

@@ -207,22 +207,26 @@ std::string Lists(std::string text) {
     return text;
 }
 
-/// What one record gives: "onset;" when it states one, "at text;" of every annotation, "!" for every damaged list.
+/// What one record gives: "onset;" when it states one, "at~duration text;" of every annotation, "!" for every damaged
+/// list.
 std::string Parse(const std::string& bytes, std::size_t piece) {
     EdfAnnotations annotations;
     for (std::size_t at = 0; at < bytes.size(); at += piece)
         annotations.Feed(std::string_view(bytes).substr(at, piece));
     const std::optional<double> onset = annotations.EndRecord();
     std::string out = onset ? Utf8(ShortestDecimal(*onset)) + ";" : "";
-    for (const EdfAnnotation& annotation : annotations.All())
-        out += Utf8(ShortestDecimal(annotation.onset)) + " " + Utf8(annotation.text) + ";";
+    for (const EdfAnnotation& annotation : annotations.All()) {
+        const std::string duration = annotation.duration > 0.0 ? "~" + Utf8(ShortestDecimal(annotation.duration)) : "";
+        out += Utf8(ShortestDecimal(annotation.onset)) + duration + " " + Utf8(annotation.text) + ";";
+    }
     return out + std::string(annotations.Malformed(), '!');
 }
 
 TEST(EdfAnnotations, MalformedListsAreCounted) {
     const std::vector<std::pair<std::string, std::string>> cases{
         {"-0.065||Recording starts|___", "-0.065;-0.065 Recording starts;"},
-        {"+1||_+1.5~2.25|a|b|__+2|c|", "1;1.5 a;1.5 b;2 c;"},
+        {"+1||_+1.5~2.25|a|b|__+2|c|", "1;1.5~2.25 a;1.5~2.25 b;2 c;"},
+        {"+1~|a|_+1~-2|a|_+1~x|a|_+1~+2|a|_+1~0|a|_", "1 a;1 a;1 a;1 a;1 a;"},
         {"+3|text first|_+4||_", "3 text first;"},  // does not state the onset of the record
         {"+1||_+2|caf\xE9 |_+3|caf\xC3\xA9|_", "1;2 caf\xC3\xA9 ;3 caf\xC3\xA9;"},
         {"+12345678.000000001|a|_", "12345678.000000002 a;"},

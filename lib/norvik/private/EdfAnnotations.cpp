@@ -66,14 +66,18 @@ void EdfAnnotations::EndList() {
     }
     const std::string_view texts = std::string_view(list).substr(stampEnd + 1);
     if (first && (texts.empty() || texts.front() == kAfterText)) m_recordOnset = onset;
-    AddTexts(*onset, texts);
+    double duration = 0.0;
+    // Written without a sign.
+    if (onsetEnd < stampEnd)
+        duration = ParseOnset('+' + list.substr(onsetEnd + 1, stampEnd - onsetEnd - 1)).value_or(0.0);
+    AddTexts(*onset, duration, texts);
 }
 
-void EdfAnnotations::AddTexts(double onset, std::string_view texts) {
+void EdfAnnotations::AddTexts(double onset, double duration, std::string_view texts) {
     while (!texts.empty()) {
         const std::size_t end = texts.find(kAfterText);
         if (end > 0) {
-            EdfAnnotation annotation{onset, FromUtf8OrLatin1(texts.substr(0, end))};
+            EdfAnnotation annotation{onset, FromUtf8OrLatin1(texts.substr(0, end)), duration};
             m_bytes += sizeof annotation + annotation.text.size() * sizeof(char16_t);
             m_limitReached = m_limitReached || m_bytes > kAnnotationMemory;
             if (m_limitReached) return;

@@ -12,13 +12,14 @@ namespace quillon {
 struct EdfAnnotation {
     double onset = 0.0;  ///< seconds since the start date
     std::u16string text;
+    double duration = 0.0;  ///< seconds; 0 where the file tells none
 };
 
 /// Collects annotations out of time-stamped annotation lists (EDF+): "+12.5 [0x15 duration] 0x14 text 0x14 text 0x14
 /// 0".
 ///
 /// The bytes of one signal in one record are fed in pieces of any size and closed with EndRecord. Lists that do not
-/// hold to the form are left out and counted. Durations and empty texts are left out.
+/// hold to the form are left out and counted; durations that do not, and empty texts, are left out.
 class EdfAnnotations {
   public:
     void Feed(std::string_view bytes);
@@ -35,7 +36,7 @@ class EdfAnnotations {
 
   private:
     void EndList();
-    void AddTexts(double onset, std::string_view texts);
+    void AddTexts(double onset, double duration, std::string_view texts);
 
     std::string m_list;  ///< bytes of the list under way
     bool m_tooLong = false;

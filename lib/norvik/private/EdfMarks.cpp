@@ -83,8 +83,4 @@ const std::vector<EdfMarks::Mark>& EdfMarks::Of(double onset, double rate, std::
     return m_marks;
 }
 
-const std::u16string& EdfMarks::Text(const Mark& mark) const {
-    return m_parts.at(mark.part)[mark.index].text;
-}
-
 }  // namespace quillon

@@ -29,7 +29,8 @@ class EdfMarks {
     /// Marks of a block that starts at `onset`, in order of position and, at one position, of the file. Valid until the
     /// next call. Costs little when asked again for the same block.
     [[nodiscard]] const std::vector<Mark>& Of(double onset, double rate, std::int32_t sampleCount);
-    [[nodiscard]] const std::u16string& Text(const Mark& mark) const;
+    [[nodiscard]] const std::u16string& Text(const Mark& mark) const { return Of(mark).text; }
+    [[nodiscard]] double Duration(const Mark& mark) const { return Of(mark).duration; }
 
     [[nodiscard]] std::size_t Count() const { return m_count; }
     /// Counts the calls of Add that changed something.
@@ -47,6 +48,7 @@ class EdfMarks {
     };
     static constexpr Place kNoEnd{0xFFFFFFFF, 0xFFFFFFFF};
 
+    [[nodiscard]] const EdfAnnotation& Of(const Mark& mark) const { return m_parts.at(mark.part)[mark.index]; }
     void LeaveOutLast();
     void Sort();
 

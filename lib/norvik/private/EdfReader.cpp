@@ -116,6 +116,7 @@ class EdfBlock final : public RecordBlock {
     [[nodiscard]] std::int32_t MarkCount() const override { return static_cast<std::int32_t>(Marks().size()); }
     [[nodiscard]] std::int32_t MarkPosition(std::int32_t mark) const override { return Mark(mark).position; }
     [[nodiscard]] std::u16string MarkText(std::int32_t mark) const override { return m_file->marks.Text(Mark(mark)); }
+    [[nodiscard]] double MarkDuration(std::int32_t mark) const override { return m_file->marks.Duration(Mark(mark)); }
 
   private:
     static BlockDescription Describe(const EdfFile& file, std::size_t stretch, const SignalGroup& group) {

@@ -23,7 +23,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuFileOperation, 2, [](R r, F, int i) { i == 0 ? r.browser.DeleteSelected() : r.browser.RenameSelected(); }},
         {mnuExit, 1, [](R, F f, int) { f.exit(); }},
         {mnuTabPath, 2, [](R, F f, int i) { f.selectPage(TabPages::Path, i); }},
-        {mnuTabFile, 2,
+        {mnuTabFile, 3,
          [](R r, F f, int i) {
              if (i == 0) r.browser.Refresh();
              f.selectPage(TabPages::File, i);
@@ -65,7 +65,8 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuKeysAndMouse, 1, [](R, F f, int) { f.showKeys(); }},
         {mnuOpenFolder, 1, [](R r, F, int) { r.browser.OpenFolder(); }},
         {mnuRecording, 2, [](R r, F, int i) { r.browser.OpenNeighbour(i); }},
-        {mnuFocus, 4, [](R, F f, int i) { f.focusList(i); }},
+        {mnuFocus, 5, [](R, F f, int i) { f.focusList(i); }},
+        {mnuMarkList, 3, [](R r, F, int i) { r.recording.marks.Run(i); }},
         {mnuMove, static_cast<int>(Moves().size()),
          [](R r, F, int i) { r.commands.MoveView(Moves()[static_cast<std::size_t>(i)]); }},
         {mnuPathList, kPathListEntries, [](R r, F, int i) { r.browser.ChoosePath(i); }},

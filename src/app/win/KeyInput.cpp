@@ -47,6 +47,11 @@ bool IsFilterBox(int control) {
     return control >= lblFilterGroup && control <= cboFilterDirection;
 }
 
+/// Boxes in which something is typed keep its keys.
+bool IsTypedInto(int control) {
+    return IsFilterBox(control) || control == edtMarks;
+}
+
 }  // namespace
 
 KeyPlace KeyInput::FocusPlace() const {
@@ -95,7 +100,7 @@ bool KeyInput::TranslateKey(const MSG& message) {
         return true;
     }
     const int box = GetDlgCtrlID(GetParent(focus) == m_window ? focus : GetParent(focus));
-    if (IsFilterBox(box) && code != VK_F1 && !(control && code == 'R')) return TranslateInBox(focus, code);
+    if (IsTypedInto(box) && code != VK_F1 && !(control && code == 'R')) return TranslateInBox(focus, code);
     const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
     if (command == 0) return false;
     // The play key toggles; auto-repeat must not toggle again.

@@ -27,8 +27,8 @@ struct Maker {
     }
 };
 
-void FillTabs(HWND tabs, int firstCaption, const UserServices& services) {
-    for (int page = 0; page < 2; ++page) {
+void FillTabs(HWND tabs, int firstCaption, int pages, const UserServices& services) {
+    for (int page = 0; page < pages; ++page) {
         std::wstring caption = Wide(services.Text(firstCaption + page));
         TCITEMW item{};
         item.mask = TCIF_TEXT;
@@ -66,7 +66,7 @@ void MakePathLists(HWND window, HFONT font, const UserServices& services) {
     constexpr DWORD channels =
         WS_TABSTOP | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_SINGLESEL | LVS_SHOWSELALWAYS | LVS_SHAREIMAGELISTS;
     const Maker make{window, font};
-    FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS, services);
+    FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabPath), IDS_TAB_FOLDERS, 2, services);
     make(WC_COMBOBOXW, kCombo, 0, lstDrive);
     make(WC_LISTBOXW, kList, WS_EX_CLIENTEDGE, lstDir);
     make(WC_LISTVIEWW, channels, WS_EX_CLIENTEDGE, lvCh);
@@ -74,10 +74,13 @@ void MakePathLists(HWND window, HFONT font, const UserServices& services) {
 
 void MakeFileLists(HWND window, HFONT font, const UserServices& services) {
     const Maker make{window, font};
-    FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES, services);
+    FillTabs(make(WC_TABCONTROLW, WS_TABSTOP, 0, tabFile), IDS_TAB_FILES, 3, services);
     make(WC_COMBOBOXW, kCombo, 0, cboFileType);
     make(WC_LISTBOXW, kList | WS_HSCROLL, WS_EX_CLIENTEDGE, lstFile);
     make(WC_LISTBOXW, kList | LBS_USETABSTOPS, WS_EX_CLIENTEDGE, lstBlock);
+    make(WC_EDITW, WS_TABSTOP | ES_AUTOHSCROLL, WS_EX_CLIENTEDGE, edtMarks);
+    make(WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_NOSORTHEADER | LVS_OWNERDATA | LVS_SHOWSELALWAYS, WS_EX_CLIENTEDGE,
+         lvMarks);
 }
 
 void MakeBars(HWND window, HFONT font) {
@@ -106,6 +109,8 @@ void NameControls(HWND window, const UserServices& services) {
                               {cboFileType, IDS_NAME_FILETYPE, true},
                               {lstFile, IDS_TAB_FILES, true},
                               {lstBlock, IDS_TAB_BLOCKS, true},
+                              {edtMarks, IDS_MARK_FILTER, true},
+                              {lvMarks, IDS_TAB_MARKS, true},
                               {pbGraph, IDS_NAME_GRAPH, false},
                               {pbScaleX, IDS_NAME_TIME_SCALE, false},
                               {pbScaleY, IDS_NAME_AMPLITUDE_SCALE, false},
@@ -161,7 +166,7 @@ void ShowSelectedPages(HWND window) {
     };
     constexpr Place places[] = {{lstDrive, tabPath, 0}, {pbPathList, tabPath, 0},  {lstDir, tabPath, 0},
                                 {lvCh, tabPath, 1},     {cboFileType, tabFile, 0}, {lstFile, tabFile, 0},
-                                {lstBlock, tabFile, 1}};
+                                {lstBlock, tabFile, 1}, {edtMarks, tabFile, 2},    {lvMarks, tabFile, 2}};
     const HWND focus = GetFocus();
     for (const Place& place : places) {
         const HWND control = GetDlgItem(window, place.control);
@@ -180,8 +185,8 @@ void MoveFocus(HWND window, HWND control) {
 }
 
 void FocusList(HWND window, int list) {
-    SelectPage(window, list < 2 ? TabPages::Path : TabPages::File, list % 2);
-    constexpr int lists[] = {lstDir, lvCh, lstFile, lstBlock};
+    constexpr int lists[] = {lstDir, lvCh, lstFile, lstBlock, lvMarks};
+    SelectPage(window, list < 2 ? TabPages::Path : TabPages::File, list < 2 ? list : list - 2);
     MoveFocus(window, GetDlgItem(window, lists[list]));
 }
 

@@ -59,9 +59,9 @@ HMENU MainMenu::Make() {
     return m_menu.Get();
 }
 
-int MainMenu::ShowContextMenu(HWND owner, POINT screen) {
+int MainMenu::ShowContextMenu(std::span<const MenuEntry> entries, HWND owner, POINT screen) {
     const Menu menu(CreatePopupMenu());
-    Fill(menu.Get(), ContextMenu());
+    Fill(menu.Get(), entries);
     return TrackPopupMenu(menu.Get(), TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON | TPM_RETURNCMD,
                           static_cast<int>(screen.x), static_cast<int>(screen.y), 0, owner, nullptr);
 }

@@ -29,8 +29,8 @@ class MainMenu {
     /// A menu is about to open: updates its entries. The sound menu enumerates the devices.
     void Open(HMENU menu, Playback& playback, const ShownCommands& shown,
               const std::function<CommandState()>& state) const;
-    /// The menu of the graph; returns the chosen command, 0 without one.
-    int ShowContextMenu(HWND owner, POINT screen);
+    /// A menu of its own; returns the chosen command, 0 without one.
+    int ShowContextMenu(std::span<const MenuEntry> entries, HWND owner, POINT screen);
     /// The list of X zooms, on a free axis that of pages, above the control.
     void ShowZooms(HWND owner, HWND control) const;
     /// The path list below the control.

@@ -28,7 +28,7 @@ MainRooms::MainRooms(RoomParts parts)
       shown(m_document, m_parts.settings.window, m_parts.services, m_parts.format, m_parts.language),
       graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
-      recording(m_document, m_parts.format),
+      recording(m_parts),
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
@@ -78,6 +78,8 @@ void MainRooms::WireLists() {
     recording.onBlock = [this](int index) { LoadBlock(index); };
     recording.onShown = [this] { m_document.Reshow() ? SamplesChanged(false) : Refresh(); };
     recording.onChannel = [this] { ChooseChannel(); };
+    recording.marks.onGoTo = [this](std::int32_t sample) { commands.GoTo(sample); };
+    recording.marks.onMessage = [this](const std::u16string& text) { status.Tell(StatusBar::Topic::Outcome, text); };
     m_values.onText = [this](const std::u16string& text) {
         m_valuesPanel.Text(text);
         m_valuesPanel.Refresh();
@@ -143,7 +145,7 @@ void MainRooms::WireCommands() {
     commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
     dialogs.onHelp = [this] { onHelp(); };
     dialogs.onGoTo = [this](const GoToMeaning& place) { commands.GoTo(place); };
-    dialogs.onRedraw = [this] { Refresh(); };
+    dialogs.onRedraw = [this] { Refresh(), recording.marks.MarksChanged(); };
     dialogs.onWork = [this](const std::function<void()>& work) { longCommand.RunWhole(work); };
     dialogs.onStatistics = [this](StatisticsPass* pass) {
         if (pass == nullptr) return slices.work.EndMeasure();
@@ -180,7 +182,7 @@ void MainRooms::CreateFirst(HWND window) {
 }
 
 void MainRooms::AttachLists(int dpi) {
-    recording.Attach(GetDlgItem(Window(), lstBlock), GetDlgItem(Window(), lvCh), dpi);
+    recording.Attach(Window(), dpi);
     browser.Attach(Window(), dpi);
 }
 
@@ -373,7 +375,9 @@ void MainRooms::Found(const ReadStep& step) {
     }
     if (step.signalsChanged) lanes.SignalsFound();
     if (step.infoChanged) m_values.DetailsChanged();
-    if (step.marksChanged) graph.SeesOtherMarks() ? Refresh() : UpdateState();
+    if (!step.marksChanged) return;
+    graph.SeesOtherMarks() ? Refresh() : UpdateState();
+    recording.marks.MarksChanged();
 }
 
 bool MainRooms::CompletePictures() {

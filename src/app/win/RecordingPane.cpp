@@ -3,14 +3,26 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/ControlIds.h"
 #include "data/ChannelSelection.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
-void RecordingPane::Attach(HWND blocks, HWND channels, int dpi) {
-    m_blocks.Attach(blocks);
-    m_channels.Attach(channels, MakeTraceIcons(MulDiv(16, dpi, 96)), dpi);
+void RecordingPane::Attach(HWND window, int dpi) {
+    m_blocks.Attach(GetDlgItem(window, lstBlock));
+    m_channels.Attach(GetDlgItem(window, lvCh), MakeTraceIcons(MulDiv(16, dpi, 96)), dpi);
+    marks.Attach(GetDlgItem(window, edtMarks), GetDlgItem(window, lvMarks), dpi);
+}
+
+void RecordingPane::OnCommand(int id, int notification) {
+    if (id == lstBlock && notification == LBN_SELCHANGE) onBlock(m_blocks.Selected());
+    if (id == edtMarks) marks.OnBox(notification);
+}
+
+void RecordingPane::OnNotify(const NMHDR* header) {
+    if (header->idFrom == lvCh) OnChannels(header);
+    if (header->idFrom == lvMarks) marks.OnNotify(header);
 }
 
 void RecordingPane::FillBlocks() {
@@ -19,6 +31,7 @@ void RecordingPane::FillBlocks() {
 }
 
 void RecordingPane::FillChannels(bool keepsChannel) {
+    marks.MarksChanged();
     m_signals = m_document.SignalOrder();
     std::vector<ChannelLine> lines;
     for (const std::int16_t number : m_signals) {
@@ -37,7 +50,7 @@ int RecordingPane::ItemOf(std::int16_t signal) const {
     return static_cast<int>(std::find(m_signals.begin(), m_signals.end(), signal) - m_signals.begin());
 }
 
-void RecordingPane::OnNotify(const NMHDR* header) {
+void RecordingPane::OnChannels(const NMHDR* header) {
     // A click on the item text, or moving to it by keys, makes it the current channel.
     // A click that changes the current item sends two notifications: LVN_ITEMCHANGED and NM_CLICK.
     if (header->code == LVN_KEYDOWN) m_channelByKey = true;

@@ -5,26 +5,28 @@
 #include <string>
 #include <vector>
 
-#include "data/Document.h"
+#include "app/win/MarksPane.h"
 #include "data/win/ChannelLists.h"
 #include "format/QL_Format.h"
 
 namespace quillon {
 
-/// The lists of blocks and of channels; the latter holds all signals (see Document) with the check boxes that say which
-/// are shown.
+/// The lists of blocks, of marks and of channels; the last holds all signals (see Document) with the check boxes that
+/// say which are shown.
 class RecordingPane {
   public:
-    /// Both must outlive this object.
-    RecordingPane(Document& document, const FormatOptions& format) : m_document(document), m_format(format) {}
+    /// `parts` must outlive this object.
+    explicit RecordingPane(const RoomParts& parts) : marks(parts), m_document(parts.document), m_format(parts.format) {}
 
     // To be set by the owner.
     std::function<void(int index)> onBlock;  ///< the user has chosen a block, from 0; -1: none
     std::function<void()> onShown;           ///< the set of shown channels has changed
     std::function<void()> onChannel;         ///< the user has chosen the current channel
 
-    /// Sets its controls. Until then the block titles are kept for them.
-    void Attach(HWND blocks, HWND channels, int dpi);
+    MarksPane marks;
+
+    /// Finds its controls in the window. Until then the block titles are kept for them.
+    void Attach(HWND window, int dpi);
     /// Another recording is open.
     void FillBlocks();
     /// More blocks of the same recording are known, or `titles` have changed.
@@ -37,8 +39,9 @@ class RecordingPane {
     [[nodiscard]] std::u16string BlockLine() const {
         return Narrow16(m_blocks.Text(m_document.File().currentBlockIndex));
     }
-    void ClickBlock() { onBlock(m_blocks.Selected()); }
-    /// A notification of the list of channels.
+    /// A command of one of its controls.
+    void OnCommand(int id, int notification);
+    /// A notification of one of its controls.
     void OnNotify(const NMHDR* header);
     /// Makes a channel of the loaded block the current one, as a click on it in the list does; a signal of another
     /// block is not taken.
@@ -49,9 +52,13 @@ class RecordingPane {
     void ShowAlone(std::int16_t channel);
     /// The list of channels gets the focus: makes the current item show it.
     void ShowFocus() const { m_channels.ShowFocus(ItemOf(m_document.CurrentChannel())); }
-    void FitColumns() const { m_channels.FitColumns(); }
+    void FitColumns() const {
+        m_channels.FitColumns();
+        marks.FitColumns();
+    }
 
   private:
+    void OnChannels(const NMHDR* header);
     [[nodiscard]] int ItemOf(std::int16_t signal) const;
 
     Document& m_document;

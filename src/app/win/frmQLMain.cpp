@@ -39,7 +39,7 @@ void frmQLMain::Wire() {
     m_rooms.onState = [this] { m_tools.Update(State()); };
     m_rooms.onArrange = [this] { Arrange(); };
     m_rooms.onHelp = [this] { m_help.Show(m_window); };
-    m_rooms.onContextMenu = [this](POINT screen) { ShowContextMenu(screen); };
+    m_rooms.onContextMenu = [this](POINT screen) { ShowMenu(ContextMenu(), screen); };
     m_rooms.onCommand = [this](int command) { OnCommand(command); };
     m_rooms.onPathList = [this] {
         m_menu.ShowFolders(m_window, m_rooms.browser.PathList(), m_global.settings.pathList);
@@ -54,6 +54,7 @@ void frmQLMain::Wire() {
         if (list == 1) m_rooms.recording.ShowFocus();
         FocusList(m_window, list);
     };
+    m_rooms.recording.marks.onMenu = [this](POINT screen) { ShowMenu(MarksMenu(), screen); };
     m_keys.onCommand = [this](int command) { OnCommand(CommandOfKey(command, State())); };
     m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
     m_keys.onRelease = [this] { m_rooms.shown.HoldRaw(false); };
@@ -259,8 +260,7 @@ void frmQLMain::OpenFirst() {
 }
 
 void frmQLMain::OnDropFiles(HDROP drop) {
-    const std::wstring path = DroppedPath(drop);
-    if (!path.empty() && !m_rooms.longCommand.IsBusy()) OpenPath(path);
+    if (const std::wstring path = DroppedPath(drop); !path.empty() && !m_rooms.longCommand.IsBusy()) OpenPath(path);
 }
 
 void frmQLMain::OnSize(UINT state) {
@@ -348,7 +348,7 @@ void frmQLMain::OnControlCommand(int id, int notification) {
         m_focus.ToGraph();
     } else if (!m_rooms.longCommand.IsBusy()) {
         if (notification == LBN_SETFOCUS || notification == LBN_KILLFOCUS) m_focus.Show();
-        if (id == lstBlock && notification == LBN_SELCHANGE) m_rooms.recording.ClickBlock();
+        m_rooms.recording.OnCommand(id, notification);
         m_tools.filters.OnCommand(id, notification);
         m_rooms.browser.OnListCommand(id, notification);
     }
@@ -363,12 +363,12 @@ LRESULT frmQLMain::OnNotify(const NMHDR* header) {
     if (header->code == NM_SETFOCUS || header->code == NM_KILLFOCUS) m_focus.Show();
     // The list consumes WM_LBUTTONUP, so the focus is moved here.
     if (header->code == NM_CLICK) m_focus.Clicked(static_cast<int>(header->idFrom));
-    if (header->idFrom == lvCh) m_rooms.recording.OnNotify(header);
+    m_rooms.recording.OnNotify(header);
     return 0;
 }
 
-void frmQLMain::ShowContextMenu(POINT screen) {
-    const int chosen = m_menu.ShowContextMenu(m_window, screen);
+void frmQLMain::ShowMenu(std::span<const MenuEntry> entries, POINT screen) {
+    const int chosen = m_menu.ShowContextMenu(entries, m_window, screen);
     if (m_window == nullptr) return;
     if (chosen != 0) OnCommand(chosen);
     m_rooms.commands.SetMenuChannel(0);

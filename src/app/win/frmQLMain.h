@@ -83,7 +83,7 @@ class frmQLMain {
     LRESULT OnNotify(const NMHDR* header);
     void OnMouse(UINT message, int x, int y);
     bool OnSetCursor(HWND child) const;
-    void ShowContextMenu(POINT screen);
+    void ShowMenu(std::span<const MenuEntry> entries, POINT screen);
     void Arrange();
     void ArrangePart(int part);
     /// The sizes of controls have changed: lays them out again.
