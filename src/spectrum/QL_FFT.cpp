@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "nsp/Spectrum.h"
+#include "spectrum/AnalysisWindow.h"
 
 namespace quillon {
 
@@ -64,15 +65,8 @@ void QL_FFT::FFT_SetOrder(std::int32_t order) {
 }
 
 void QL_FFT::FFT_BuildWindow() {
-    m_window.resize(static_cast<std::size_t>(m_length));
-    float* window = m_window.data();
-    nsp::nspsbSet(1.0F, window, m_length);
-    switch (m_settings.window) {
-        case 1: nsp::nspsWinBartlett(window, m_length); break;
-        case 2: nsp::nspsWinHann(window, m_length); break;
-        case 3: nsp::nspsWinHamming(window, m_length); break;
-        default: nsp::nspsWinBlackmanStd(window, m_length); break;
-    }
+    m_window = AnalysisWindow(m_settings.window, m_length);
+    float* const window = m_window.data();
     // So that a sine has the same peak with every window.
     const double sum = static_cast<double>(nsp::nspsSum(window, m_length));
     if (std::nearbyint(sum) != m_length) nsp::nspsbMpy1(static_cast<float>(m_length / sum), window, m_length);
