@@ -45,17 +45,22 @@ UnitGroup GroupOf(std::u16string_view unit) {
     return {std::u16string(text)};
 }
 
-std::u16string GroupValueText(const UnitGroup& group, double value, char16_t separator) {
-    if (group.name.empty()) return SingleNumberText(value, separator);
-    if (BaseOf(group.name).empty()) return SingleNumberText(value, separator) + u' ' + group.name;
+GroupUnit UnitFor(const UnitGroup& group, double value) {
+    if (BaseOf(group.name).empty()) return {group.name, 1.0};
     // A value that rounding has left a little below a thousand is one.
     const double magnitude = std::fabs(value) * (1.0 + 1e-9);
     const auto found = std::find_if(kPrefixes.begin(), kPrefixes.end(),
                                     [&](const Prefix& prefix) { return magnitude >= prefix.factor; });
     const Prefix& prefix = found != kPrefixes.end() ? *found : value == 0.0 ? kPrefixes[3] : kPrefixes.back();
-    std::u16string text = SingleNumberText(value / prefix.factor, separator) + u' ';
+    std::u16string text;
     if (prefix.letter != 0) text += prefix.letter == u'u' ? group.micro : prefix.letter;
-    return text + group.name;
+    return {text + group.name, prefix.factor};
+}
+
+std::u16string GroupValueText(const UnitGroup& group, double value, char16_t separator) {
+    const GroupUnit unit = UnitFor(group, value);
+    const std::u16string number = SingleNumberText(value / unit.factor, separator);
+    return group.name.empty() ? number : number + u' ' + unit.text;
 }
 
 }  // namespace quillon

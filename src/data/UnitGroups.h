@@ -18,6 +18,13 @@ struct UnitGroup {
 /// the empty one included, is a group of its own. Letter case counts.
 [[nodiscard]] UnitGroup GroupOf(std::u16string_view unit);
 
+/// A unit of a group with the prefix that suits a value in base units. `factor` are the base units of one of it.
+struct GroupUnit {
+    std::u16string text;
+    double factor = 1.0;
+};
+[[nodiscard]] GroupUnit UnitFor(const UnitGroup& group, double value);
+
 /// A value of a group, given in its base unit, with the prefix that suits it: "100 uV", "20 %"; the number alone for
 /// the empty unit.
 [[nodiscard]] std::u16string GroupValueText(const UnitGroup& group, double value, char16_t separator);
