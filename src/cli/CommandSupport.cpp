@@ -63,8 +63,11 @@ std::vector<std::int16_t> ChosenChannels(const ParsedArguments& parsed, const Re
         for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) channels.push_back(channel);
         return channels;
     }
+    // A word that is no number is told before a channel that is not there.
+    std::vector<std::int64_t> positions;
     for (const std::u16string& word : SplitAtCommas(parsed.Value(u"--channels")))
-        channels.push_back(CheckChannel(block, WholeNumber(word, u"--channels"), language));
+        positions.push_back(WholeNumber(word, u"--channels"));
+    for (const std::int64_t position : positions) channels.push_back(CheckChannel(block, position, language));
     return channels;
 }
 

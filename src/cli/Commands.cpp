@@ -11,6 +11,7 @@
 #include "cli/ExportCommand.h"
 #include "cli/Json.h"
 #include "cli/PictureCommand.h"
+#include "cli/PsdCommand.h"
 #include "cli/ShownOptions.h"
 #include "cli/SpectrumCommand.h"
 #include "cli/SplitCommand.h"
@@ -182,6 +183,10 @@ constexpr std::array kCommands = {
             "      quillon-cli picture --help.\n",
             "  quillon-cli picture night.edf page.png --from=0:10:00 --to=0:10:10 --low-pass=35 --reference=average\n",
             RunPicture, kPictureOptions, 2},
+    Command{u"psd", u"FILE [options]", 1, 1,
+            "      Writes the averaged spectrum of a block or a stretch of it as text: a line per frequency, the\n"
+            "      channels in columns between tabs. See quillon-cli psd --help.\n",
+            "  quillon-cli psd night.edf --channels=1,3 --from=60 --to=120 --length=1024 --db\n", RunPsd, kPsdOptions},
     Command{u"split", u"FILE --folder DIR --size S [options]", 1, 1,
             "      Cuts a block into pieces of equal length, each a file of its own: .wav where FILE is one and names "
             "go by\n"

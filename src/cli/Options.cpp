@@ -94,6 +94,20 @@ std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name
     return number;
 }
 
+std::size_t Choice(const ParsedArguments& parsed, std::span<const OptionRule> rules, std::u16string_view name) {
+    if (!parsed.Has(name)) return 0;
+    const std::u16string value = parsed.Value(name);
+    const auto rule = std::find_if(rules.begin(), rules.end(), [&](const OptionRule& r) { return r.name == name; });
+    std::u16string_view rest = rule->values;
+    for (std::size_t position = 0;; ++position) {
+        const std::size_t end = rest.find(u'|');
+        if (value == rest.substr(0, end)) return position;
+        if (end == std::u16string_view::npos) break;
+        rest.remove_prefix(end + 1);
+    }
+    throw UsageError(u"'" + value + u"' is none of " + std::u16string(rule->values) + u" for " + std::u16string(name));
+}
+
 std::vector<std::u16string> SplitAtCommas(const std::u16string& list) {
     std::vector<std::u16string> words(1);
     for (const char16_t letter : list) {

@@ -29,22 +29,6 @@ float RealOption(const ParsedArguments& parsed, std::u16string_view name, float 
     return number;
 }
 
-/// Position of the option's value among those that its rule lists, which are in the order of the settings' numbers.
-std::int16_t Choice(const ParsedArguments& parsed, std::u16string_view name) {
-    if (!parsed.Has(name)) return 0;
-    const std::u16string value = parsed.Value(name);
-    const auto rule = std::find_if(kSpectrumOptions.begin(), kSpectrumOptions.end(),
-                                   [&](const OptionRule& candidate) { return candidate.name == name; });
-    std::u16string_view rest = rule->values;
-    for (std::int16_t position = 0;; ++position) {
-        const std::size_t end = rest.find(u'|');
-        if (value == rest.substr(0, end)) return position;
-        if (end == std::u16string_view::npos) break;
-        rest.remove_prefix(end + 1);
-    }
-    throw UsageError(u"'" + value + u"' is none of " + std::u16string(rule->values) + u" for " + std::u16string(name));
-}
-
 std::optional<ValueRange> Limits(const ParsedArguments& parsed) {
     constexpr std::u16string_view name = u"--limits";
     if (!parsed.Has(name)) return std::nullopt;
@@ -64,9 +48,9 @@ Request ParseRequest(const ParsedArguments& parsed) {
     request.channel = WholeOption(parsed, u"--channel", 1, -any, any);
     SpectrumRequest& picture = request.picture;
     SpectrumSettings& settings = picture.settings;
-    settings.type = Choice(parsed, u"--type");
-    settings.palette = Choice(parsed, u"--palette");
-    settings.window = Choice(parsed, u"--window");
+    settings.type = static_cast<std::int16_t>(Choice(parsed, kSpectrumOptions, u"--type"));
+    settings.palette = static_cast<std::int16_t>(Choice(parsed, kSpectrumOptions, u"--palette"));
+    settings.window = static_cast<std::int16_t>(Choice(parsed, kSpectrumOptions, u"--window"));
     settings.order = static_cast<std::int32_t>(
         WholeOption(parsed, u"--order", settings.order, QL_FFT::kLeastOrder, QL_FFT::kMostOrder));
     settings.decibelRange = RealOption(parsed, u"--range", settings.decibelRange, 10.0F, 200.0F);
