@@ -13,6 +13,8 @@ constexpr std::size_t kLobe = 3;
 /// Bins on each side whose median is the level of the surroundings.
 constexpr std::size_t kAround = 24;
 constexpr int kMostHarmonics = 40;
+/// Decibels above its surroundings from which on a harmonic is no noise.
+constexpr double kStandsOut = 6.0;
 
 /// The median power of the bins around one, without its main lobe, 0 Hz and the last bin.
 double MedianAround(const std::vector<double>& power, std::size_t bin) {
@@ -78,10 +80,10 @@ std::vector<SpectralPeak> FindPeaks(const PowerDensity& density, const PeakRules
 
 Harmonics HarmonicsOf(const PowerDensity& density, double fundamental) {
     Harmonics harmonics;
-    if (density.power.size() < 3 || !(fundamental >= density.binWidth)) return harmonics;
-    const auto last = static_cast<double>(density.power.size() - 2);
-    // Main lobes that lie closer together are cut between them.
     const double apart = fundamental / density.binWidth;
+    // Main lobes that lie closer together cannot be told apart.
+    if (density.power.size() < 3 || !(apart >= 2.0 * kLobe)) return harmonics;
+    const auto last = static_cast<double>(density.power.size() - 2);
     const auto reach = std::min(kLobe, static_cast<std::size_t>((apart - 1.0) / 2.0));
     double sum = 0.0;
     for (int multiple = 1; multiple <= kMostHarmonics && multiple * apart <= last; ++multiple) {
@@ -91,7 +93,7 @@ Harmonics HarmonicsOf(const PowerDensity& density, double fundamental) {
         const std::size_t end = std::min(bin + reach + 1, density.power.size());
         for (std::size_t at = bin - std::min(reach, bin); at < end; ++at) harmonic.power += density.power[at] - floor;
         harmonic.power = std::max(harmonic.power, 0.0) * density.binWidth;
-        if (multiple > 1) sum += harmonic.power;
+        if (multiple > 1 && harmonic.peak.above >= kStandsOut) sum += harmonic.power;
         harmonics.list.push_back(harmonic);
     }
     if (!harmonics.list.empty() && harmonics.list.front().power > 0.0)

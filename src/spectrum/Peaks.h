@@ -34,11 +34,12 @@ struct Harmonic {
 
 struct Harmonics {
     std::vector<Harmonic> list{};  ///< those below half the sampling rate; the fundamental is the first
-    /// Total harmonic distortion: effective value of the harmonics by that of the fundamental. 0 without harmonics.
+    /// Total harmonic distortion: effective value of the harmonics that stand out by that of the fundamental.
     double distortion = 0.0;
 };
 
-/// The harmonics of a peak, at most 40. Of each the power of its main lobe counts, less the median around it.
+/// The harmonics of a peak, at most 40; none where they are too close to each other for the segments' length. Of each
+/// the power of its main lobe counts, less the median around it.
 [[nodiscard]] Harmonics HarmonicsOf(const PowerDensity& density, double fundamental);
 
 }  // namespace quillon

@@ -91,7 +91,7 @@ void SpectrumPlot::PlaceAxes() {
     m_levels = PlotAxis(m_leastLevel, m_mostLevel, m_request.scales.levels == LevelScale::Logarithmic, m_area.bottom,
                         m_area.top);
     const GroupUnit unit = LevelUnit();
-    const std::vector<AxisTick> levels = m_levels.Ticks(1.8 * line, unit.factor, m_request.decimalSeparator);
+    const std::vector<AxisTick> levels = m_levels.Ticks(2.2 * line, unit.factor, m_request.decimalSeparator);
     std::int32_t widest = m_request.sizeOf(u"-000").width;
     for (const AxisTick& tick : levels) widest = std::max(widest, m_request.sizeOf(tick.text).width);
     m_area.left = widest + Scaled(12);
