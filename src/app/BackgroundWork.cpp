@@ -134,6 +134,10 @@ void BackgroundWork::Measure(const std::function<bool()>& step, const std::funct
     Start(kStatistics, {IDS_WORK_STATISTICS, step, share, {}});
 }
 
+void BackgroundWork::Analyse(const std::function<bool()>& step, const std::function<double()>& share) {
+    Start(kAnalysis, {IDS_WORK_ANALYSIS, step, share, {}});
+}
+
 void BackgroundWork::Summarise() {
     const ViewBlock& block = m_document.Block();
     if (!block.block || block.sampleCount < 1 || m_slices.IsRunning(kSummary)) return;

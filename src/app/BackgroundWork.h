@@ -50,6 +50,9 @@ class BackgroundWork {
     /// Another pass, for the statistics of a selection.
     void Measure(const std::function<bool()>& step, const std::function<double()>& share);
     void EndMeasure() { m_slices.Drop(kStatistics); }
+    /// The pass of averaged spectra.
+    void Analyse(const std::function<bool()>& step, const std::function<double()>& share);
+    void EndAnalysis() { m_slices.Drop(kAnalysis); }
     /// Reads the extremes of the whole block if they are not known and nobody does.
     void Summarise();
 
@@ -67,7 +70,7 @@ class BackgroundWork {
 
   private:
     /// In order of priority.
-    enum Priority { kGraph, kScales, kRange, kSpectrum, kStatistics, kMarks, kSummary };
+    enum Priority { kGraph, kScales, kRange, kSpectrum, kStatistics, kAnalysis, kMarks, kSummary };
     static constexpr std::chrono::milliseconds kSlice{10};
 
     void Start(Priority priority, WorkSlices::Pass pass);

@@ -99,7 +99,7 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuView + 2) return state.hasHistory;
     if (Within(id, mnuMark, 2) || Within(id, mnuMarkList, 3)) return state.hasMarks;
     if (Within(id, mnuMove, static_cast<int>(Moves().size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
-        id == mnuGoToPlace)
+        id == mnuGoToPlace || id == mnuSpectrum)
         return state.sampleCount > 0;
     if (Within(id, mnuPage, kPageCount + 1)) return state.hasPages;
     if (id == mnuZoomX) return state.canZoomOut;

@@ -83,6 +83,8 @@ constexpr std::array kTree{
     Entry(2, mnuMark, IDS_MARK_0, 2),
     Separator(2),
     Entry(2, mnuMarkList, IDS_MARKLIST_0, 3),
+    Separator(1),
+    Entry(1, mnuSpectrum, IDS_SPECTRUM),
     Popup(0, IDS_MENU_CHANNELS),
     Entry(1, mnuChShow, IDS_CHSHOW_0, 3),
     Separator(1),

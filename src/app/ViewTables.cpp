@@ -40,18 +40,22 @@ std::u16string PlainCaption(const std::u16string& caption) {
     return text;
 }
 
+std::u16string RangeText(const ViewBlock& block, const SampleSpan& samples, const FormatOptions& format,
+                         const UserServices& services) {
+    std::u16string text = PositionText(block, samples.first + 1, u" ", format) + u" \u2013 " +
+                          PositionText(block, samples.End(), u" ", format) + u", " + Decimal(samples.count) + u' ' +
+                          services.Text(IDS_SAMPLES);
+    if (!(block.sampleRate > 0.0)) return text;
+    FormatOptions duration = format;
+    duration.timeOfDay = false;
+    return text + u", " + FormatTime(samples.count / block.sampleRate, u" ", duration);
+}
+
 TextTable StatisticsTable(const ReadoutSource& source, const Selection& selection, const UserServices& services) {
     TextTable table;
     table.title = PlainCaption(services.Text(IDS_STATISTICS));
     // Too long for a title bar, whose font and buttons the system chooses.
-    table.heading = PositionText(source.block, selection.First(), u" ", source.format) + u" \u2013 " +
-                    PositionText(source.block, selection.Last(), u" ", source.format) + u", " +
-                    Decimal(selection.Count()) + u' ' + services.Text(IDS_SAMPLES);
-    if (source.block.sampleRate > 0.0) {
-        FormatOptions duration = source.format;
-        duration.timeOfDay = false;
-        table.heading += u", " + FormatTime(selection.Count() / source.block.sampleRate, u" ", duration);
-    }
+    table.heading = RangeText(source.block, selection.Samples(), source.format, services);
     for (int column = 0; column < static_cast<int>(kStatisticsColumns); ++column)
         table.columns.push_back(services.Text(IDS_STAT_0 + column));
     table.numeric = true;

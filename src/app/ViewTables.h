@@ -32,6 +32,10 @@ struct TextTable {
 /// A caption without its mnemonic's ampersand and its ellipsis.
 [[nodiscard]] std::u16string PlainCaption(const std::u16string& caption);
 
+/// "10 s - 20 s, 2560 samples, 10 s": first and last place of some samples, at least one, their number and duration.
+[[nodiscard]] std::u16string RangeText(const ViewBlock& block, const SampleSpan& samples, const FormatOptions& format,
+                                       const UserServices& services);
+
 /// Statistics of the shown channels over a selection, without rows.
 [[nodiscard]] TextTable StatisticsTable(const ReadoutSource& source, const Selection& selection,
                                         const UserServices& services);

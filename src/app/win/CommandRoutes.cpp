@@ -61,6 +61,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuSelect, 3, [](R r, F, int i) { r.commands.Select(i); }},
         {mnuGoToPlace, 1, [](R r, F, int) { r.dialogs.GoToPlace(); }},
         {mnuStatistics, 1, [](R r, F, int) { r.dialogs.Statistics(); }},
+        {mnuSpectrum, 1, [](R r, F, int) { r.spectrum.Show(r.longCommand.Window()); }},
         {mnuSoloChannel, 1, [](R r, F, int) { r.recording.ShowAlone(r.commands.MenuChannel()); }},
         {mnuKeysAndMouse, 1, [](R, F f, int) { f.showKeys(); }},
         {mnuOpenFolder, 1, [](R r, F, int) { r.browser.OpenFolder(); }},

@@ -32,7 +32,8 @@ MainRooms::MainRooms(RoomParts parts)
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
-      dialogs({m_parts, graph, spectrogram, m_hover, status, longCommand}) {
+      dialogs({m_parts, graph, spectrogram, m_hover, status, longCommand}),
+      spectrum(m_parts, slices.work) {
     WireGraph();
     WireLists();
     WireSound();
@@ -48,7 +49,7 @@ void MainRooms::WireGraph() {
     graph.onSelectionStart = [this] { m_values.SelectionStarted(); };
     graph.onSelectionEnd = [this] {
         m_values.SelectionChanged(false);
-        UpdateState();
+        UpdateState(), spectrum.Follow();
     };
     graph.onHover = [this](std::int32_t sample, double place, const std::u16string& mark) {
         m_values.TellHover(sample, mark, place);
@@ -71,7 +72,7 @@ void MainRooms::WireGraph() {
     spectrogram.onBusy = graph.onBusy;
     spectrogram.onPointer = [this] { return graph.Pointer(); };
     spectrogram.onPress = [this] { SetFocus(graph.Graph()); };
-    spectrogram.onFailed = graph.onFailed;
+    spectrogram.onFailed = spectrum.onFailed = graph.onFailed;
 }
 
 void MainRooms::WireLists() {
@@ -221,7 +222,7 @@ CommandState MainRooms::State() const {
 
 void MainRooms::UpdateState() {
     graph.SetNotice(NoticeOf(m_document, browser.FileCount(), m_parts.services));
-    if (m_complete) onState();
+    if (m_complete) onState(), spectrum.Look();
 }
 
 // Recording and block.
@@ -269,7 +270,7 @@ void MainRooms::LeaveBlock() {
     playback.Stop();
     slices.BlockLeft();
     graph.LeaveBlock();
-    spectrogram.LeaveBlock();
+    spectrogram.LeaveBlock(), spectrum.LeaveBlock();
     view.LeaveBlock();
     // Not before: after a reload the view's extremes are those of another block than the document's.
     slices.ShowProgress();
@@ -359,7 +360,7 @@ void MainRooms::SamplesChanged(bool stored) {
     if (stored) playback.Stop();
     stored ? view.Rescaled() : view.Reshown();
     graph.Rescaled();
-    if (stored) spectrogram.LeaveBlock();
+    if (stored) spectrogram.LeaveBlock(), spectrum.LeaveBlock();
     slices.work.Rescaled();
     m_values.BlockChanged();
     Refresh();

@@ -22,6 +22,7 @@
 #include "app/win/RoomParts.h"
 #include "app/win/SliceRunner.h"
 #include "app/win/SpectrogramPane.h"
+#include "app/win/SpectrumWindow.h"
 #include "app/win/StatusBar.h"
 #include "app/win/StatusTexts.h"
 
@@ -131,6 +132,7 @@ class MainRooms {
     BrowserPane browser;
     ExportCommands exports;
     DialogCommands dialogs;
+    SpectrumWindow spectrum;
 };
 
 }  // namespace quillon

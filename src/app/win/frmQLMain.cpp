@@ -379,7 +379,7 @@ bool frmQLMain::PreTranslate(const MSG& message) try {
     const bool moves = message.message == WM_MOUSEMOVE || message.message == WM_NCMOUSEMOVE;
     if (IsInput(message.message) && !moves) CreateRemainingControls();
     if (m_window != nullptr && message.message == WM_LBUTTONUP) m_focus.Clicked(GetDlgCtrlID(message.hwnd));
-    return m_keys.Translate(message);
+    return m_keys.Translate(message) || m_rooms.spectrum.Translate(message);
 } catch (const std::exception& error) {
     m_rooms.Failed(error);
     return true;

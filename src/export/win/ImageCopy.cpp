@@ -31,14 +31,13 @@ struct DibPixels {
 class Picture {
   public:
     bool Draw(const ImageWindows& windows, HFONT font, const std::u16string& caption);
-    [[nodiscard]] bool ToClipboard() const;
+    [[nodiscard]] bool ToClipboard() const { return PictureToClipboard(m_canvas); }
     [[nodiscard]] bool ToFile(const std::u16string& name, const OutputFileFactory& makeFile) const;
 
   private:
     bool CopyWindow(HWND window, const ImagePart& part, DWORD operation) const;
     bool CopyBlackAndWhite(HWND window, const ImagePart& part) const;
     void DrawCaption(HFONT font, const std::u16string& caption, const ImagePart& strip) const;
-    [[nodiscard]] DibPixels Pixels() const;
 
     cMemDC m_canvas;
 };
@@ -96,8 +95,8 @@ bool Picture::CopyBlackAndWhite(HWND window, const ImagePart& part) const {
                   SRCCOPY) != FALSE;
 }
 
-DibPixels Picture::Pixels() const {
-    const SIZE size = m_canvas.Size();
+DibPixels PixelsOf(const cMemDC& canvas) {
+    const SIZE size = canvas.Size();
     DibPixels pixels;
     pixels.header = DibHeader(size.cx, size.cy, 24);
     const std::size_t row = (static_cast<std::size_t>(size.cx) * 3 + 3) / 4 * 4;
@@ -105,7 +104,7 @@ DibPixels Picture::Pixels() const {
     pixels.header.biSizeImage = static_cast<DWORD>(pixels.bytes.size());
     BITMAPINFO info{};
     info.bmiHeader = pixels.header;
-    const HBITMAP bitmap = m_canvas.CopyBitmap();  // one that no context holds
+    const HBITMAP bitmap = canvas.CopyBitmap();  // one that no context holds
     const WindowDC screen(nullptr);
     const int rows =
         GetDIBits(screen.Get(), bitmap, 0, static_cast<UINT>(size.cy), pixels.bytes.data(), &info, DIB_RGB_COLORS);
@@ -114,9 +113,25 @@ DibPixels Picture::Pixels() const {
     return pixels;
 }
 
-bool Picture::ToClipboard() const {
-    const DibPixels pixels = Pixels();
-    const HBITMAP bitmap = m_canvas.CopyBitmap();
+bool Picture::ToFile(const std::u16string& name, const OutputFileFactory& makeFile) const {
+    const DibPixels pixels = PixelsOf(m_canvas);
+    if (pixels.bytes.empty()) return false;
+    const BITMAPINFOHEADER& info = pixels.header;
+    constexpr std::uint32_t headers = 14 + 40;
+    ByteWriter header;
+    header.Text("BM").U32(headers + info.biSizeImage).U32(0).U32(headers);
+    header.U32(40).U32(static_cast<std::uint32_t>(info.biWidth)).U32(static_cast<std::uint32_t>(info.biHeight));
+    header.U16(1).U16(24).U32(0).U32(info.biSizeImage).Zeros(16);
+    const std::unique_ptr<OutputFile> file = makeFile();
+    return file->Create(name) && file->Write(header.Bytes()) && file->Write(std::as_bytes(std::span(pixels.bytes))) &&
+           file->Close();
+}
+
+}  // namespace
+
+bool PictureToClipboard(const cMemDC& canvas) {
+    const DibPixels pixels = PixelsOf(canvas);
+    const HBITMAP bitmap = canvas.CopyBitmap();
     const HGLOBAL dib = GlobalAlloc(GMEM_MOVEABLE, sizeof pixels.header + pixels.bytes.size());
     bool bitmapTaken = false;
     bool dibTaken = false;
@@ -133,22 +148,6 @@ bool Picture::ToClipboard() const {
     if (!dibTaken && dib != nullptr) GlobalFree(dib);
     return bitmapTaken && dibTaken;
 }
-
-bool Picture::ToFile(const std::u16string& name, const OutputFileFactory& makeFile) const {
-    const DibPixels pixels = Pixels();
-    if (pixels.bytes.empty()) return false;
-    const BITMAPINFOHEADER& info = pixels.header;
-    constexpr std::uint32_t headers = 14 + 40;
-    ByteWriter header;
-    header.Text("BM").U32(headers + info.biSizeImage).U32(0).U32(headers);
-    header.U32(40).U32(static_cast<std::uint32_t>(info.biWidth)).U32(static_cast<std::uint32_t>(info.biHeight));
-    header.U16(1).U16(24).U32(0).U32(info.biSizeImage).Zeros(16);
-    const std::unique_ptr<OutputFile> file = makeFile();
-    return file->Create(name) && file->Write(header.Bytes()) && file->Write(std::as_bytes(std::span(pixels.bytes))) &&
-           file->Close();
-}
-
-}  // namespace
 
 bool ImageCopy(const ImageWindows& windows, HFONT font, const std::u16string& caption, std::u16string_view target,
                const OutputFileFactory& makeFile) {

@@ -8,6 +8,12 @@
 
 namespace quillon {
 
+class cMemDC;
+
+/// Puts the bitmap of a canvas onto the clipboard, as a bitmap and as device-independent pixels. False when there is no
+/// memory for it, or the clipboard does not take it.
+[[nodiscard]] bool PictureToClipboard(const cMemDC& canvas);
+
 /// The windows whose content makes the picture; each paints itself on WM_PRINTCLIENT.
 struct ImageWindows {
     HWND scaleY;

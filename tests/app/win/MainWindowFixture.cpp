@@ -189,6 +189,21 @@ int Pixels::Count(std::uint32_t color) const {
     return static_cast<int>(std::count(rgb.begin(), rgb.end(), color));
 }
 
+Pixels PixelsOf(HWND picture) {
+    RECT client{};
+    GetClientRect(picture, &client);
+    Pixels pixels{static_cast<int>(client.right), static_cast<int>(client.bottom), {}};
+    cMemDC image;
+    const std::uint32_t* first = image.CreatePixels(pixels.width, pixels.height);
+    if (first == nullptr) return pixels;
+    SendMessageW(picture, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(image.Handle()), PRF_CLIENT);
+    GdiFlush();
+    pixels.rgb.assign(first, first + static_cast<std::ptrdiff_t>(pixels.width) * pixels.height);
+    // The fourth byte differs between drawing operations and means nothing.
+    for (std::uint32_t& pixel : pixels.rgb) pixel &= 0xFFFFFF;
+    return pixels;
+}
+
 FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>& frames) {
     std::vector<samples::BinChannel> channels;
     for (std::size_t channel = 1; channel <= frames.at(0).size(); ++channel)
@@ -393,18 +408,7 @@ std::wstring MainWindowTest::Status(StatusPanel panel) const {
 
 Pixels MainWindowTest::Capture(int id) const {
     Pump();
-    RECT client{};
-    GetClientRect(Control(id), &client);
-    Pixels pixels{static_cast<int>(client.right), static_cast<int>(client.bottom), {}};
-    cMemDC image;
-    const std::uint32_t* first = image.CreatePixels(pixels.width, pixels.height);
-    if (first == nullptr) return pixels;
-    SendMessageW(Control(id), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(image.Handle()), PRF_CLIENT);
-    GdiFlush();
-    pixels.rgb.assign(first, first + static_cast<std::ptrdiff_t>(pixels.width) * pixels.height);
-    // The fourth byte differs between drawing operations and means nothing.
-    for (std::uint32_t& pixel : pixels.rgb) pixel &= 0xFFFFFF;
-    return pixels;
+    return PixelsOf(Control(id));
 }
 
 }  // namespace quillon::testing

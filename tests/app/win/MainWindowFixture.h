@@ -59,6 +59,7 @@ struct Pixels {
     [[nodiscard]] int Count(std::uint32_t color) const;
     friend bool operator==(const Pixels&, const Pixels&) = default;
 };
+[[nodiscard]] Pixels PixelsOf(HWND picture);
 
 /// A ".bin" recording with scale 1 for every channel; one inner vector per frame.
 [[nodiscard]] FileBytes BinRecording(float rate, const std::vector<std::vector<std::int16_t>>& frames);

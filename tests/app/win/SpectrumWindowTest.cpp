@@ -1,0 +1,122 @@
+#include "app/win/SpectrumWindow.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+#include "app/win/MainWindowFixture.h"
+#include "view/QL_ChUtils.h"
+
+namespace quillon::testing {
+namespace {
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+
+class SpectrumWindowTest : public MainWindowTest {
+  protected:
+    /// Tones of 125 Hz with a harmonic, and of 250 Hz in the second channel, in a little noise.
+    void StartWithTones() {
+        std::vector<std::vector<std::int16_t>> frames = Noise(30000, 2);
+        for (std::size_t at = 0; at < frames.size(); ++at) {
+            const double turn = static_cast<double>(at) * 0.785398163397;
+            frames[at][0] =
+                static_cast<std::int16_t>(frames[at][0] + 3000.0 * std::sin(turn) + 300 * std::sin(2 * turn));
+            frames[at][1] = static_cast<std::int16_t>(frames[at][1] + 2000.0 * std::sin(2.0 * turn));
+        }
+        m_folder.Write(u"a.bin", BinRecording(1000.0F, frames));
+        m_folder.Write(u"b.bin", SawRecording());
+        Start();
+    }
+    void Open() {
+        Command(mnuSpectrum);
+        m_window = FindWindowW(L"QuillonSpectrum", nullptr);
+        ASSERT_NE(m_window, nullptr);
+        ASSERT_TRUE(IsComplete());
+    }
+    [[nodiscard]] HWND Of(int id) const { return GetDlgItem(m_window, id); }
+    [[nodiscard]] std::wstring Cell(int list, int row, int column) const {
+        wchar_t text[100] = {};
+        ListView_GetItemText(Of(list), row, column, text, 100);
+        return text;
+    }
+    [[nodiscard]] bool IsComplete() const {
+        return WaitFor([this] { return Rows(SpectrumWindow::kPeaks) > 0; });
+    }
+    [[nodiscard]] int Rows(int list) const { return ListView_GetItemCount(Of(list)); }
+    void ChooseIn(std::size_t box, int line) {
+        ChooseLine(Of(SpectrumWindow::kBox + static_cast<int>(box)), line);
+        Pump();
+    }
+    [[nodiscard]] Pixels Picture() const { return PixelsOf(Of(SpectrumWindow::kPlot)); }
+    void Press(WPARAM key) const {
+        PostMessageW(Of(SpectrumWindow::kPeaks), WM_KEYDOWN, key, 0);
+        Pump();
+    }
+
+    HWND m_window = nullptr;
+};
+
+TEST_F(SpectrumWindowTest, PeaksHarmonicsAndCurvesFollowTheChoices) {
+    for (const Language language : {Language::English, Language::Russian}) {
+        m_language = language;
+        StartWithTones();
+        Command(mnuSelect);
+        Open();
+        ExpectNamesAndOrder(m_window);
+        ExpectRoomForTexts(m_window);
+        EXPECT_EQ(Cell(SpectrumWindow::kPeaks, 0, 0), L"125 Hz");
+        const Pixels both = Picture();
+        EXPECT_GT(both.Count(TraceColor(0)), 100);
+        EXPECT_GT(both.Count(TraceColor(1)), 100);
+        ListView_SetItemState(Of(SpectrumWindow::kPeaks), 0, LVIS_SELECTED, LVIS_SELECTED);
+        EXPECT_EQ(Rows(SpectrumWindow::kHarmonics), 3);
+        EXPECT_EQ(Cell(SpectrumWindow::kHarmonics, 1, 0), L"250 Hz");
+        EXPECT_THAT(WindowText(Of(SpectrumWindow::kHarmonicsTitle)), AllOf(HasSubstr(L"125 Hz"), HasSubstr(L"%")));
+        EXPECT_FALSE(Picture() == both);
+        for (const int line : {1, 2}) {
+            ChooseIn(4, line);
+            EXPECT_NE(Cell(SpectrumWindow::kPeaks, 0, 1).find(L"V/\u221AHz"), std::wstring::npos);
+            EXPECT_GT(Picture().Count(TraceColor(0)), 100);
+        }
+        ChooseIn(3, 1);
+        EXPECT_GT(Picture().Count(TraceColor(0)), 50);
+        // The second channel alone.
+        ChooseIn(0, 2);
+        ASSERT_TRUE(WaitFor([this] { return Cell(SpectrumWindow::kPeaks, 0, 0) == L"250 Hz"; }));
+        EXPECT_EQ(Picture().Count(TraceColor(0)), 0);
+        Press(VK_ESCAPE);
+        EXPECT_FALSE(IsWindow(m_window));
+        MainWindowTest::TearDown();
+    }
+}
+
+TEST_F(SpectrumWindowTest, ItTellsOfOtherRangesAndClosesWithTheRecording) {
+    StartWithTones();
+    Open();
+    const HWND readout = Of(SpectrumWindow::kReadout);
+    EXPECT_EQ(WindowText(readout), L"");
+    const std::wstring heading = WindowText(Of(SpectrumWindow::kHeading));
+    Command(mnuGoTo + 2);
+    EXPECT_NE(WindowText(readout), L"");
+    EXPECT_EQ(WindowText(Of(SpectrumWindow::kHeading)), heading);
+    Press(VK_F5);
+    EXPECT_EQ(WindowText(readout), L"");
+    EXPECT_NE(WindowText(Of(SpectrumWindow::kHeading)), heading);
+    // Signals that are shown otherwise are analysed anew.
+    ASSERT_TRUE(IsComplete());
+    Command(mnuLowPass + 1);
+    EXPECT_NE(WindowText(m_window).find(L"Hz"), std::wstring::npos);
+    ASSERT_TRUE(WaitFor([this] { return Picture().Count(TraceColor(0)) > 0; }));
+    // Not posted: the real pointer is elsewhere, which the system tells soon.
+    SendMessageW(Of(SpectrumWindow::kPlot), WM_MOUSEMOVE, 0, MAKELPARAM(200, 100));
+    EXPECT_NE(WindowText(readout).find(L"Hz, "), std::wstring::npos);
+    Command(mnuRecording + 1);
+    EXPECT_FALSE(IsWindow(m_window));
+    Open();
+    DestroyWindow(m_form->Window());
+    EXPECT_FALSE(IsWindow(m_window));
+}
+
+}  // namespace
+}  // namespace quillon::testing
