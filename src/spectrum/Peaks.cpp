@@ -67,7 +67,8 @@ std::size_t BinNear(const PowerDensity& density, double frequency) {
 
 std::vector<SpectralPeak> FindPeaks(const PowerDensity& density, const PeakRules& rules) {
     std::vector<SpectralPeak> peaks;
-    for (std::size_t bin = 1; bin + 1 < density.power.size(); ++bin) {
+    // Nearer to 0 Hz lies what taking off the mean has left of drifts.
+    for (std::size_t bin = kLobe; bin + 1 < density.power.size(); ++bin) {
         if (!IsHighest(density.power, bin)) continue;
         const SpectralPeak peak = PeakAt(density, bin);
         if (peak.above >= rules.leastAbove) peaks.push_back(peak);

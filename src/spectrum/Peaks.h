@@ -22,7 +22,7 @@ struct PeakRules {
 };
 
 /// The peaks, the highest one first: bins that none of the main lobe around them exceeds, placed by the parabola
-/// through the decibels of a bin and its neighbours. Neither 0 Hz nor half the sampling rate is one.
+/// through the decibels of a bin and its neighbours. What has fewer than three periods in a segment is none.
 [[nodiscard]] std::vector<SpectralPeak> FindPeaks(const PowerDensity& density, const PeakRules& rules = {});
 
 /// The multiple of a frequency that is in a spectrum.

@@ -212,6 +212,9 @@ TEST(Peaks, TonesAreFoundBetweenBinsAndNoiseHasNone) {
               FindPeaks(Tones(11.0, {100.0, 200.0, 300.0, 150.0}, 2))[1].frequency);
     EXPECT_TRUE(HarmonicsOf({}, 10.0).list.empty());
     EXPECT_TRUE(FindPeaks({}).empty());
+    // A drift is no peak.
+    EXPECT_TRUE(
+        FindPeaks(DensitiesOf(Noise(2, 10000), {2}, {0, 10000}, {.length = 512})[0], {.leastAbove = 15.0}).empty());
     const PowerDensity low = Tones(5.0 * binWidth, {1000.0}, 0);
     EXPECT_TRUE(HarmonicsOf(low, FindPeaks(low).at(0).frequency).list.empty()) << "their lobes lie over each other";
     EXPECT_TRUE(HarmonicsOf(Tones(1.0, {}, 0), 1e6).list.empty());

@@ -119,6 +119,7 @@ const Effect kEffects[] = {
     {mnuSelect + 2, "Esc", "selection=", kSelected},
     {mnuGoToPlace, "Ctrl+G", "dialog=Go To"},
     {mnuStatistics, "", "dialog=Statistics of Selection", kSelected},
+    {mnuSpectrum, "Ctrl+Shift+P", "spectrum=1"},
     {mnuSoloChannel, "", "alone=1 shown=10"},
     {mnuKeysAndMouse, "", "dialog=Keys and Mouse"},
     {mnuOpenFolder, "lstDir:Enter", "column=0 file=", kFolderChosen},
@@ -180,9 +181,12 @@ class EffectTest : public MainWindowTest {
         return BinRecording(100.0F, frames);
     }
 
+    static HWND Spectrum() { return FindWindowW(L"QuillonSpectrum", nullptr); }
+
     void Prepare(const Effect& effect) {
         BYTE none[256]{};
         SetKeyboardState(none);
+        if (const HWND open = Spectrum()) DestroyWindow(open);
         if (m_form->State().fileCount == 0) m_form->OpenPath(Wide(m_folder.Path()));
         Command(mnuSelect + 2);
         Command(mnuSelect + 2);
@@ -273,6 +277,7 @@ class EffectTest : public MainWindowTest {
                 {"filters", IsWindowVisible(Control(cboHighPass)) != FALSE ? "1" : "0"},
                 {"shown as", Utf8(TextOfCurrent(*m_global.document, Language::English, u'.'))},
                 {"unfiltered", std::to_string(m_global.document->Shown().unfiltered.size())},
+                {"spectrum", Spectrum() != nullptr ? "1" : "0"},
                 {"spectrogram", m_global.settings.window.spectrogramShown ? "1" : "0"},
                 {"palette", std::to_string(m_global.settings.spectrum.palette)},
                 {"help", std::to_string(m_global.settings.helpLanguage)},

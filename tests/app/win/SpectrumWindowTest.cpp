@@ -49,9 +49,14 @@ class SpectrumWindowTest : public MainWindowTest {
         Pump();
     }
     [[nodiscard]] Pixels Picture() const { return PixelsOf(Of(SpectrumWindow::kPlot)); }
-    void Press(WPARAM key) const {
+    void Press(WPARAM key, std::initializer_list<int> held = {}) const {
+        BYTE state[256] = {};
+        for (const int other : held) state[other] = 0x80;
+        SetKeyboardState(state);
         PostMessageW(Of(SpectrumWindow::kPeaks), WM_KEYDOWN, key, 0);
         Pump();
+        BYTE none[256] = {};
+        SetKeyboardState(none);
     }
 
     HWND m_window = nullptr;
@@ -79,6 +84,10 @@ TEST_F(SpectrumWindowTest, PeaksHarmonicsAndCurvesFollowTheChoices) {
             EXPECT_NE(Cell(SpectrumWindow::kPeaks, 0, 1).find(L"V/\u221AHz"), std::wstring::npos);
             EXPECT_GT(Picture().Count(TraceColor(0)), 100);
         }
+        Press('C', {VK_CONTROL});
+        EXPECT_THAT(ClipboardText(), HasSubstr(L"Hz\tSignal 1, V/sqrt(Hz)\tSignal 2, V/sqrt(Hz)\r\n0\t"));
+        Press('C', {VK_CONTROL, VK_SHIFT});
+        EXPECT_GT(ClipboardBytes(CF_DIB).size(), 100000U);
         ChooseIn(3, 1);
         EXPECT_GT(Picture().Count(TraceColor(0)), 50);
         // The second channel alone.
