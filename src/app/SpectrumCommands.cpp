@@ -95,9 +95,10 @@ void SpectrumCommands::StartPasses() {
         if (!length) continue;
         std::vector<std::int16_t> channels;
         for (const std::size_t trace : traces) channels.push_back(m_document.GetSignal(m_basis.signals[trace]).channel);
-        m_passes.push_back({std::make_unique<WelchPass>(block->block, std::move(channels), samples,
-                                                        WelchSettings{m_choices.window, *length}),
-                            std::move(traces)});
+        Running& running = m_passes.emplace_back();
+        running.pass =
+            std::make_unique<WelchPass>(block->block, channels, samples, WelchSettings{m_choices.window, *length});
+        running.traces = std::move(traces);
     }
     onWork([this] { return Step(); }, [this] { return Share(); });
 }

@@ -45,7 +45,7 @@ double DecibelsOf(double power) {
     return 10.0 * std::log10(power);
 }
 
-WelchPass::WelchPass(std::shared_ptr<RecordingBlock> block, std::vector<std::int16_t> channels,
+WelchPass::WelchPass(std::shared_ptr<RecordingBlock> block, const std::vector<std::int16_t>& channels,
                      const SampleSpan& samples, const WelchSettings& settings)
     : m_block(std::move(block)),
       m_samples(samples),

@@ -46,8 +46,8 @@ struct PowerDensity {
 class WelchPass {
   public:
     /// The block is prepared, and `samples` lie inside it and hold at least one segment.
-    WelchPass(std::shared_ptr<RecordingBlock> block, std::vector<std::int16_t> channels, const SampleSpan& samples,
-              const WelchSettings& settings);
+    WelchPass(std::shared_ptr<RecordingBlock> block, const std::vector<std::int16_t>& channels,
+              const SampleSpan& samples, const WelchSettings& settings);
     /// Reads some samples, or adds the segments of a channel that are read; false when all is done.
     bool Step();
     [[nodiscard]] bool IsDone() const { return m_next >= m_segments; }

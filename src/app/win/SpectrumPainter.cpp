@@ -58,13 +58,16 @@ void PaintPeaks(HDC dc, const SpectrumPlot& plot, const SpectrumCommands& spectr
     const GdiBrush open(CreateSolidBrush(kPaper));
     const GdiBrush chosen(CreateSolidBrush(kHarmonic));
     const SelectScope pen(dc, outline.Get());
-    for (std::size_t at = 0; at < spectra.Peaks().size(); ++at) {
+    const auto paint = [&](std::size_t at, HBRUSH fill) {
         const DevicePoint place = plot.PlaceOf(spectra.PeakTrace(), spectra.Peaks()[at]);
-        const SelectScope brush(dc, spectra.ChosenPeak() == at ? chosen.Get() : open.Get());
+        const SelectScope brush(dc, fill);
         const int tip = place.y - 2;
         const POINT corners[] = {{place.x, tip}, {place.x - size, tip - 2 * size}, {place.x + size, tip - 2 * size}};
         Polygon(dc, corners, 3);
-    }
+    };
+    for (std::size_t at = 0; at < spectra.Peaks().size(); ++at) paint(at, open.Get());
+    // Over its neighbours.
+    if (spectra.ChosenPeak()) paint(*spectra.ChosenPeak(), chosen.Get());
 }
 
 void PaintHarmonics(HDC dc, const SpectrumPlot& plot, const Harmonics& harmonics) {
