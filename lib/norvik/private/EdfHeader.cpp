@@ -181,6 +181,16 @@ void ReadNames(std::string_view patient, std::string_view recording, bool plus, 
     if (equipment != "X") header.deviceName = FromUtf8OrLatin1(equipment);
 }
 
+/// Subfields behind the equipment are free in EDF+.
+void ReadSamplesTold(std::string_view recording, EdfHeader& header) {
+    constexpr std::string_view name = " Samples:";
+    const std::size_t place = recording.rfind(name);
+    if (!recording.starts_with("Startdate ") || place == std::string_view::npos) return;
+    const std::string_view rest = recording.substr(place + name.size());
+    const std::optional<std::int64_t> samples = ParseWhole(rest.substr(0, rest.find(' ')));
+    if (samples && *samples > 0) header.samplesTold = static_cast<std::uint64_t>(*samples);
+}
+
 void ReadStart(std::string_view fixed, std::string_view recording, EdfHeader& header) {
     const Field date{fixed.substr(168, 8), 168};
     const Field clock{fixed.substr(176, 8), 176};
@@ -217,6 +227,7 @@ void ReadFixed(std::string_view fixed, EdfHeader& header) {
     }
     const std::string_view recording = Trim(fixed.substr(88, 80));
     ReadNames(Trim(fixed.substr(8, 80)), recording, plus, header);
+    if (plus) ReadSamplesTold(recording, header);
     ReadStart(fixed, plus ? recording : std::string_view(), header);
 }
 

@@ -32,7 +32,9 @@ struct EdfHeader {
     std::u16string blockName;
     double startDate = 0.0;  ///< automation date of onset 0; 0 when the header has no readable date
     double recordSeconds = 0.0;
-    std::uint64_t records = 0;    ///< whole records that are there, at least 1
+    std::uint64_t records = 0;  ///< whole records that are there, at least 1
+    /// Of every signal, as our own writer tells it where the last record is filled: "Startdate ... Samples:1000".
+    std::optional<std::uint64_t> samplesTold;
     std::uint64_t dataStart = 0;  ///< byte of the first record
     std::uint64_t recordBytes = 0;
     std::uint64_t sampleBytes = 2;       ///< 2 or 3

@@ -97,6 +97,17 @@ struct EdfFile {
     std::int32_t knownMarks = 0;  ///< version of the marks at the last Update
 };
 
+/// Samples per signal of a stretch, without the fill of the last record.
+std::int32_t SamplesOf(const EdfFile& file, const EdfStretch& of, std::uint64_t samplesPerRecord) {
+    const EdfHeader& header = file.header;
+    const std::uint64_t all = of.records * samplesPerRecord;
+    const std::uint64_t told = header.samplesTold.value_or(all);
+    // A number that does not lead into the last record was told of another file that this one was made of.
+    const bool whole = of.records == header.records && file.groups.size() == 1;
+    const bool intoLast = told <= all && told > all - samplesPerRecord;
+    return static_cast<std::int32_t>(whole && intoLast ? told : all);
+}
+
 /// A stretch of the signals of one group.
 class EdfBlock final : public RecordBlock {
   public:
@@ -127,7 +138,7 @@ class EdfBlock final : public RecordBlock {
         block.blockName = file.header.blockName;
         block.startTime = file.timeline.StartOf(of);
         block.sampleRate = static_cast<double>(group.layout->samplesPerRecord) / file.header.recordSeconds;
-        block.sampleCount = static_cast<std::int32_t>(of.records * group.layout->samplesPerRecord);
+        block.sampleCount = SamplesOf(file, of, group.layout->samplesPerRecord);
         block.channels = group.channels;
         return block;
     }
@@ -209,9 +220,9 @@ bool UpdateBlocks(const std::shared_ptr<EdfFile>& file, RecordingContent& conten
     const std::size_t groups = file->groups.size();
     std::size_t made = content.blocks.size() / groups;
     if (made > 0) {
-        const std::uint64_t records = stretches[made - 1].records;
-        const std::uint64_t samples = records * file->groups.back().layout->samplesPerRecord;
-        if (samples != static_cast<std::uint64_t>(content.blocks.back()->SampleCount())) --made;
+        const std::int32_t samples =
+            SamplesOf(*file, stretches[made - 1], file->groups.back().layout->samplesPerRecord);
+        if (samples != content.blocks.back()->SampleCount()) --made;
     }
     if (made == stretches.size()) return false;
     content.blocks.resize(made * groups);
