@@ -1,7 +1,6 @@
 #include "export/EdfLimits.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -90,14 +89,9 @@ class Search {
     }
 
   private:
-    static double Number(const std::string& text) {
-        double number = 0.0;
-        std::from_chars(text.data(), text.data() + text.size(), number);
-        return number;
-    }
     [[nodiscard]] double Value(double code) const { return code * m_scale + m_offset; }
     [[nodiscard]] Point PointOf(int code, std::string text) const {
-        const double value = Number(text);
+        const double value = EdfValue(text);
         return {code, std::move(text), value, (value - Value(code)) / m_scale};
     }
     [[nodiscard]] Point At(int code) const { return PointOf(code, EdfNumber(Value(code), kWidth)); }
@@ -118,18 +112,29 @@ class Search {
     double m_offset;
 };
 
-}  // namespace
-
-std::optional<EdfLimits> FindEdfLimits(float scale, float offset) {
-    const Search search(scale, offset);
+/// What the first of the searches that finds anything has found.
+template <typename... Searches>
+std::optional<EdfLimits> FirstOf(const Searches&... searches) {
+    std::optional<EdfLimits> limits;
     try {
-        if (std::optional<EdfLimits> limits = search.Usual()) return limits;
-        if (std::optional<EdfLimits> limits = search.Wide()) return limits;
-        return search.Any();
+        static_cast<void>(((limits = searches()).has_value() || ...));
     } catch (const FormatError&) {
         // Values that no text of 8 characters holds, as of infinite scales.
         return std::nullopt;
     }
+    return limits;
+}
+
+}  // namespace
+
+std::optional<EdfLimits> FindEdfLimits(float scale, float offset) {
+    const Search search(scale, offset);
+    return FirstOf([&] { return search.Usual(); }, [&] { return search.Wide(); }, [&] { return search.Any(); });
+}
+
+std::optional<EdfLimits> FindWideEdfLimits(float scale, float offset) {
+    const Search search(scale, offset);
+    return FirstOf([&] { return search.Wide(); }, [&] { return search.Any(); });
 }
 
 }  // namespace quillon

@@ -19,4 +19,10 @@ struct EdfLimits {
 /// limits are exact enough: a large offset leaves too few of the 8 characters for a fine scale.
 [[nodiscard]] std::optional<EdfLimits> FindEdfLimits(float scale, float offset);
 
+/// The same, but of codes as far apart as possible wherever that is exact enough: programs that keep to the digital
+/// limits then read all codes as they are.
+[[nodiscard]] std::optional<EdfLimits> FindWideEdfLimits(float scale, float offset);
+
+using EdfLimitsFinder = std::optional<EdfLimits> (*)(float scale, float offset);
+
 }  // namespace quillon

@@ -16,12 +16,6 @@ constexpr std::size_t kLongestNumber = 400;
     throw FormatError(Say(u"a number does not fit its field", u"число не помещается в поле"));
 }
 
-double ValueOf(const std::string& digits) {
-    double value = 0.0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    return value;
-}
-
 /// Rounding at the last place may leave "-0" or "0.500".
 std::string Plain(std::string digits) {
     if (digits.find('.') != std::string::npos) {
@@ -66,7 +60,7 @@ std::string FittingNumber(Real number, std::size_t width) {
     if (fixed.empty() && scientific.empty()) RefuseNumber();
     if (scientific.empty()) return fixed;
     // Programs that read no exponents are common, so it is written only where it says more.
-    const auto error = [&](const std::string& digits) { return std::abs(ValueOf(digits) - value); };
+    const auto error = [&](const std::string& digits) { return std::abs(EdfValue(digits) - value); };
     return !fixed.empty() && error(fixed) <= error(scientific) ? fixed : scientific;
 }
 
@@ -89,7 +83,7 @@ std::string EdfNumber(float number, std::size_t width) {
 
 std::string NearestNumber(double number, std::size_t width) {
     std::string nearest = EdfNumber(number, width);
-    const auto miss = [&](const std::string& text) { return std::abs(ValueOf(text) - number); };
+    const auto miss = [&](const std::string& text) { return std::abs(EdfValue(text) - number); };
     for (int places = 1; places < 100; ++places) {
         const double mantissa = std::nearbyint(number * std::pow(10.0, places));
         if (mantissa >= std::pow(10.0, width)) break;
@@ -97,6 +91,50 @@ std::string NearestNumber(double number, std::size_t width) {
         if (text.size() <= width && miss(text) < miss(nearest)) nearest = text;
     }
     return nearest;
+}
+
+double EdfValue(std::string_view text) {
+    double value = 0.0;
+    std::from_chars(text.data(), text.data() + text.size(), value);
+    return value;
+}
+
+double EdfRate(std::int32_t samplesPerRecord, std::string_view recordSeconds) {
+    return samplesPerRecord / EdfValue(recordSeconds);
+}
+
+bool IsEdfYear(int year) {
+    return year >= 1985 && year <= 2084;
+}
+
+std::string EdfDateTime(const CivilTime& time) {
+    std::string text;
+    const auto two = [&](int number) {
+        text += static_cast<char>('0' + number / 10);
+        text += static_cast<char>('0' + number % 10);
+    };
+    two(time.day);
+    text += '.';
+    two(time.month);
+    text += '.';
+    if (IsEdfYear(time.year)) {
+        two(time.year % 100);
+    } else {
+        text += "yy";
+    }
+    two(time.hour);
+    text += '.';
+    two(time.minute);
+    text += '.';
+    two(time.second);
+    return text;
+}
+
+std::string EdfOnset(double seconds, int places) {
+    std::array<char, kLongestNumber> room{};
+    const auto end =
+        std::to_chars(room.data(), room.data() + room.size(), seconds, std::chars_format::fixed, places).ptr;
+    return '+' + Plain({room.data(), end});
 }
 
 std::string EdfCount(std::int64_t count, std::size_t width) {

@@ -12,6 +12,7 @@ namespace quillon {
 struct ExportOutcome {
     std::int32_t asked = 0;    ///< samples per channel of the range
     std::int32_t written = 0;  ///< of these; EDF keeps whole records only
+    std::int32_t filled = 0;   ///< samples behind them, which fill the last record of EDF+
     bool earlier = false;      ///< the file contains the block's start time, which is before that of the range
     bool otherDate = false;    ///< the format cannot hold the start date, so the file contains its earliest one
     double rate = 0.0;         ///< of the block, Hz

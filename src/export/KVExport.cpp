@@ -58,10 +58,24 @@ std::u16string KVExport::FileTypeExtension(std::int32_t index) {
 
 bool KVExport::Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                       std::int32_t sampleCount, std::int32_t fileType) {
+    return Run(block, [&] {
+        const FileType* type = fileType > 0 ? TypeAt(fileType) : nullptr;
+        if (type == nullptr) type = TypeOfName(fileName);
+        if (type != nullptr) return (m_writers.*type->write)(block, fileName, firstSample, sampleCount);
+        m_writers.SetLastFailure(u"File type is unknown!");
+        return false;
+    });
+}
+
+bool KVExport::ExportEdfPlus(RecordingBlock* block, const std::u16string& fileName, const EdfPlusRequest& request) {
+    return Run(block, [&] { return EdfPlusWriter(m_writers).Write(block, fileName, request); });
+}
+
+bool KVExport::Run(const RecordingBlock* block, const std::function<bool()>& write) {
     m_writers.Clear();
     m_reason.clear();
     m_sourceFailed = false;
-    if (Run(block, fileName, firstSample, sampleCount, fileType)) return true;
+    if (Try(block, write)) return true;
     if (Stopped()) return false;
     if (LastError().empty()) FailWith(m_writers.WriteFailure());
     m_services.ShowMessage(m_reason.empty() ? LastError() : LastError() + u"\n\n" + m_reason, LibraryName());
@@ -79,20 +93,13 @@ void KVExport::FailWith(const std::u16string& reason) {
     m_reason = m_sourceFailed && !m_recording.empty() ? m_recording + u": " + reason : reason;
 }
 
-bool KVExport::Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
-                   std::int32_t sampleCount, std::int32_t fileType) {
+bool KVExport::Try(const RecordingBlock* block, const std::function<bool()>& write) {
     if (block == nullptr) {
         m_writers.SetLastFailure(u"Block is nothing!");
         return false;
     }
-    const FileType* type = fileType > 0 ? TypeAt(fileType) : nullptr;
-    if (type == nullptr) type = TypeOfName(fileName);
-    if (type == nullptr) {
-        m_writers.SetLastFailure(u"File type is unknown!");
-        return false;
-    }
     try {
-        return (m_writers.*type->write)(block, fileName, firstSample, sampleCount);
+        return write();
     } catch (const std::bad_alloc&) {
         FailWith(Say(u"there is not enough memory", u"не хватает памяти").In(m_writers.TextLanguage()));
     } catch (const FormatError& error) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 
 #include "data/UserServices.h"
+#include "export/EdfPlusWriter.h"
 #include "export/KV_Export.h"
 #include "norvik/NorvikCore.h"
 #include "norvik/SaveFileDialog.h"
@@ -41,6 +43,10 @@ class KVExport {
     bool Export(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                 std::int32_t sampleCount, std::int32_t fileType);
 
+    /// The same for EDF+ with marks, which is none of the numbered types and takes some channels only; see
+    /// EdfPlusWriter.
+    bool ExportEdfPlus(RecordingBlock* block, const std::u16string& fileName, const EdfPlusRequest& request);
+
     /// Asks for name and type with the dialog as it is set up, then exports; false also when the user cancels. The
     /// dialog's filter is that of BuildSaveFilter. Kept for callers of the family's interface; the program itself does
     /// not use it.
@@ -66,8 +72,9 @@ class KVExport {
     void SetProgress(ExportProgress progress) { m_writers.SetProgress(std::move(progress)); }
 
   private:
-    bool Run(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample, std::int32_t sampleCount,
-             std::int32_t fileType);
+    /// Runs a writer and tells of its failure.
+    bool Run(const RecordingBlock* block, const std::function<bool()>& write);
+    bool Try(const RecordingBlock* block, const std::function<bool()>& write);
     void FailWith(const std::u16string& reason);
 
     UserServices& m_services;

@@ -1,15 +1,14 @@
 #include "export/KV_Export.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <vector>
 
 #include "base/Bilingual.h"
 #include "base/DateTime.h"
 #include "base/Rounding.h"
+#include "export/EdfHeaderBytes.h"
 #include "export/EdfLimits.h"
 #include "export/EdfText.h"
 
@@ -34,11 +33,6 @@ std::uint32_t DataBytes(const RecordingBlock& block, std::int32_t count, std::ui
     return static_cast<std::uint32_t>(bytes);
 }
 
-[[noreturn]] void RefuseRate(const RecordingBlock& block) {
-    throw FormatError(Say(u"the format cannot hold the sampling rate of %1 Hz",
-                          u"формат не вмещает частоту дискретизации %1 Гц", {ShortestDecimal(block.SampleRate())}));
-}
-
 /// Sunday is 0.
 int DayOfWeek(double date) {
     // Day 0 of automation dates, 30 December 1899, was a Saturday.
@@ -48,7 +42,7 @@ int DayOfWeek(double date) {
 
 ByteWriter BinHeader(const RecordingBlock& block, const SampleSpan& range, const ExportSystem& system) {
     const auto rate = static_cast<float>(block.SampleRate());
-    if (!std::isfinite(rate) || rate <= 0.0F) RefuseRate(block);
+    if (!std::isfinite(rate) || rate <= 0.0F) RefuseExportRate(block.SampleRate());
     double start = block.StartTime();
     if (range.first > 0) start += range.first / static_cast<double>(rate) / kSecondsPerDay;
     const CivilTime time = CivilFromDate(start);
@@ -81,7 +75,7 @@ ByteWriter BinHeader(const RecordingBlock& block, const SampleSpan& range, const
 ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
     const std::uint32_t dataBytes = DataBytes(block, count, kWaveBytesBeforeData);
     const double exact = std::nearbyint(block.SampleRate());
-    if (!(exact >= 1.0)) RefuseRate(block);
+    if (!(exact >= 1.0)) RefuseExportRate(block.SampleRate());
     const std::int64_t frameBytes = 16 * block.ChannelCount() / 8;
     // Bytes per second have 32 bits.
     if (exact * static_cast<double>(frameBytes) > std::numeric_limits<std::uint32_t>::max()) {
@@ -97,125 +91,38 @@ ByteWriter WaveHeader(const RecordingBlock& block, std::int32_t count) {
     return header;
 }
 
-/// Two digits tell the years 1985 to 2084.
-bool IsEdfYear(int year) {
-    return year >= 1985 && year <= 2084;
-}
-
-/// "dd.mm.yyhh.mm.ss"
-std::string EdfStart(double date) {
-    CivilTime time = CivilFromDate(date);
-    // The first day of that range stands for a date that is unknown or outside it.
+/// Where the block starts. The first day that two digits of a year tell stands for a date that is unknown or beyond.
+std::string StartOf(const RecordingBlock& block) {
+    CivilTime time = CivilFromDate(block.StartTime());
     if (!IsEdfYear(time.year)) {
         time.year = 1985;
         time.month = time.day = 1;
     }
-    std::string text;
-    for (const int part : {time.day, time.month, time.year % 100, time.hour, time.minute, time.second}) {
-        text += static_cast<char>('0' + part / 10);
-        text += static_cast<char>('0' + part % 10);
-        if (text.size() != 8) text += '.';
-    }
-    return text.substr(0, 16);
+    return EdfDateTime(time);
 }
 
-/// The rate that a reader computes from the header.
-double EdfRate(std::int32_t samplesPerRecord, const std::string& recordSeconds) {
-    double seconds = 0.0;
-    std::from_chars(recordSeconds.data(), recordSeconds.data() + recordSeconds.size(), seconds);
-    return samplesPerRecord / seconds;
-}
-
-ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord, std::string_view recordSeconds,
+ByteWriter EdfHeader(const RecordingBlock& block, std::int32_t samplesPerRecord, const std::string& recordSeconds,
                      std::int32_t records, std::span<const EdfLimits> limits) {
     const std::int16_t channels = block.ChannelCount();
     // Other programs of the family read the size as a signed 16-bit number, which ends at 126 channels.
-    const auto headerBytes = RoundHalfEven<std::int16_t>((channels + 1) * 256.0);
-    ByteWriter header;
-    const auto field = [&](std::string_view text, std::size_t width) { header.Text(text, width, ' '); };
-    field("0", 8);
-    field(EdfText(u"Kelvara Block: " + block.BlockName(), 80), 80);
-    field(EdfText(u"ADC: " + block.DeviceName(), 80), 80);
-    field(EdfStart(block.StartTime()), 16);
-    field(EdfCount(headerBytes, 8), 8);
-    field("", 44);
-    field(EdfCount(records, 8), 8);
-    field(recordSeconds, 8);
-    field(EdfCount(channels, 4), 4);
-
-    const auto column = [&](std::size_t width, auto text) {
-        for (std::int16_t channel = 1; channel <= channels; ++channel) field(text(channel), width);
-    };
-    const auto same = [](std::string_view text) { return [text](std::int16_t) { return text; }; };
-    const auto limitsOf = [&](std::int16_t channel) -> const EdfLimits& {
-        return limits[static_cast<std::size_t>(channel) - 1];
-    };
-    column(16, [&](std::int16_t channel) { return EdfText(block.ChannelTitle(channel), 16); });
-    column(80, same(""));
-    column(8, [&](std::int16_t channel) {
+    static_cast<void>(RoundHalfEven<std::int16_t>((channels + 1) * 256.0));
+    EdfHeaderFields fields;
+    fields.patient = u"Kelvara Block: " + block.BlockName();
+    fields.recording = u"ADC: " + block.DeviceName();
+    fields.start = StartOf(block);
+    fields.records = records;
+    fields.seconds = recordSeconds;
+    for (std::int16_t channel = 1; channel <= channels; ++channel) {
         const std::u16string unit = block.ChannelUnit(channel);
-        return unit.empty() ? std::string("V") : EdfText(unit, 8);
-    });
-    column(8, [&](std::int16_t channel) { return limitsOf(channel).physicalMinimum; });
-    column(8, [&](std::int16_t channel) { return limitsOf(channel).physicalMaximum; });
-    column(8, [&](std::int16_t channel) { return EdfCount(limitsOf(channel).digitalMinimum, 8); });
-    column(8, [&](std::int16_t channel) { return EdfCount(limitsOf(channel).digitalMaximum, 8); });
-    column(80, same(""));
-    const std::string samples = EdfCount(samplesPerRecord, 8);
-    column(8, same(samples));
-    column(32, same(""));
-    return header;
+        fields.signals.push_back({.label = block.ChannelTitle(channel),
+                                  .unit = unit.empty() ? u"V" : unit,
+                                  .limits = limits[static_cast<std::size_t>(channel) - 1],
+                                  .samples = samplesPerRecord});
+    }
+    return EdfHeaderBytes(fields);
 }
 
 }  // namespace
-
-void KV_Export::Clear() {
-    m_lastFailure.clear();
-    m_writeFailure.clear();
-    m_reading = false;
-    m_stopped = false;
-    m_outcome = {};
-}
-
-bool KV_Export::FindRange(const RecordingBlock* block, std::int32_t firstSample, std::int32_t sampleCount,
-                          SampleSpan& range) {
-    if (block == nullptr) {
-        m_lastFailure = u"Block is nothing!";
-        return false;
-    }
-    const std::int32_t samples = block->SampleCount();
-    if (firstSample > samples) {
-        m_lastFailure = u"Data start is out!";
-        return false;
-    }
-    range.first = std::max(firstSample, 1) - 1;
-    const std::int32_t rest = samples - range.first;
-    range.count = sampleCount >= 1 && sampleCount <= rest ? sampleCount : rest;
-    m_outcome = {range.count, range.count, false, false, block->SampleRate(), block->SampleRate()};
-    return true;
-}
-
-bool KV_Export::WriteFile(const std::u16string& fileName, const ByteWriter& header,
-                          const std::function<bool(OutputFile&)>& writeSamples) {
-    const std::unique_ptr<OutputFile> file = m_system.makeFile();
-    if (!file->Create(fileName)) {
-        m_lastFailure = file->ErrorText().In(m_system.language);
-        return false;
-    }
-    if (file->Write(header.Bytes()) && writeSamples(*file) && file->Close()) return true;
-    // A large file takes long to go.
-    while (file->AbandonPart()) static_cast<void>(m_system.progress && m_system.progress(m_reported, m_reportedOf));
-    if (m_stopped) return false;
-    m_writeFailure = file->ErrorText().In(m_system.language);
-    return false;
-}
-
-bool KV_Export::Report(std::int64_t done, std::int32_t total) {
-    m_reported = static_cast<std::int32_t>(done);
-    m_reportedOf = total;
-    m_stopped = m_system.progress && !m_system.progress(m_reported, total);
-    return !m_stopped;
-}
 
 bool KV_Export::WriteFrames(RecordingBlock& block, const SampleSpan& range, OutputFile& file) {
     const auto channels = static_cast<std::size_t>(block.ChannelCount());
@@ -235,7 +142,7 @@ bool KV_Export::WriteBinFile(RecordingBlock* block, const std::u16string& fileNa
                              std::int32_t sampleCount) {
     SampleSpan range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
-    return WriteFile(fileName, BinHeader(*block, range, m_system),
+    return WriteFile(fileName, BinHeader(*block, range, System()),
                      [&](OutputFile& file) { return WriteFrames(*block, range, file); });
 }
 
@@ -243,7 +150,7 @@ bool KV_Export::WriteWavFile(RecordingBlock* block, const std::u16string& fileNa
                              std::int32_t sampleCount) {
     SampleSpan range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
-    m_outcome.ratedAs = std::nearbyint(block->SampleRate());
+    Outcome().ratedAs = std::nearbyint(block->SampleRate());
     return WriteFile(fileName, WaveHeader(*block, range.count),
                      [&](OutputFile& file) { return WriteFrames(*block, range, file); });
 }
@@ -267,7 +174,7 @@ KV_Export::Records KV_Export::CutIntoRecords(const RecordingBlock& block, std::i
         seconds = sampleCount / rate;
     }
     const std::int32_t whole = RoundHalfEven(samples);
-    if (!(seconds >= kShortestRecord && seconds <= kLongestRecord)) RefuseRate(block);
+    if (!(seconds >= kShortestRecord && seconds <= kLongestRecord)) RefuseExportRate(block.SampleRate());
     return {whole, seconds, sampleCount / whole};
 }
 
@@ -305,47 +212,20 @@ bool KV_Export::WriteRecords(RecordingBlock& block, const SampleSpan& range, con
     return true;
 }
 
-std::vector<EdfLimits> KV_Export::FindLimits(const RecordingBlock& block, std::int32_t total) {
-    std::vector<EdfLimits> limits;
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        const float scale = block.ChannelScale(channel);
-        const float offset = block.ChannelOffset(channel);
-        // The search takes long where the scale is fine, and channels are mostly alike.
-        const bool alike = channel > 1 && scale == block.ChannelScale(static_cast<std::int16_t>(channel - 1)) &&
-                           offset == block.ChannelOffset(static_cast<std::int16_t>(channel - 1));
-        if (!alike && !Report(0, total)) return {};
-        std::optional<EdfLimits> found = alike ? limits.back() : FindEdfLimits(scale, offset);
-        if (!found) {
-            // Readers keep the limits in single precision.
-            const bool tooLarge = !std::isfinite(scale * 32000.0F + offset);
-            const std::u16string title = block.ChannelTitle(channel);
-            m_lastFailure =
-                Say(tooLarge ? u"The channel's scale is too large for EDF: %1"
-                             : u"The channel's scale is too fine for EDF: %1",
-                    tooLarge ? u"Шаг канала слишком велик для EDF: %1" : u"Шаг канала слишком мал для EDF: %1",
-                    {title.empty() ? Decimal(channel) : title})
-                    .In(m_system.language);
-            return {};
-        }
-        limits.push_back(std::move(*found));
-    }
-    return limits;
-}
-
 bool KV_Export::WriteEdfFile(RecordingBlock* block, const std::u16string& fileName, std::int32_t firstSample,
                              std::int32_t sampleCount) {
     SampleSpan range;
     if (!FindRange(block, firstSample, sampleCount, range)) return false;
     const Records records = CutIntoRecords(*block, range.count);
-    const std::vector<EdfLimits> limits = FindLimits(*block, range.count);
+    const std::vector<EdfLimits> limits = FindLimits(*block, AllChannels(*block), range.count, FindEdfLimits);
     if (limits.empty()) return false;
     std::string seconds = EdfNumber(records.seconds, 8);
     if (!IsSameRate(block->SampleRate(), EdfRate(records.samples, seconds)))
         seconds = NearestNumber(records.seconds, 8);
-    m_outcome.written = records.count * records.samples;
-    m_outcome.earlier = range.first > 0;
-    m_outcome.otherDate = block->StartTime() != 0.0 && !IsEdfYear(CivilFromDate(block->StartTime()).year);
-    m_outcome.ratedAs = EdfRate(records.samples, seconds);
+    Outcome().written = records.count * records.samples;
+    Outcome().earlier = range.first > 0;
+    Outcome().otherDate = block->StartTime() != 0.0 && !IsEdfYear(CivilFromDate(block->StartTime()).year);
+    Outcome().ratedAs = EdfRate(records.samples, seconds);
     return WriteFile(fileName, EdfHeader(*block, records.samples, seconds, records.count, limits),
                      [&](OutputFile& file) { return WriteRecords(*block, range, records, file); });
 }

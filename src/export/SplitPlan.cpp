@@ -136,7 +136,8 @@ std::u16string SplitPlan::Name(std::int64_t piece) const {
     if (!sampleNames) return prefix + Padded(piece + 1, digits) + u'.' + extension;
     const std::int64_t first = piece * step;
     // The family's programs find the samples of these names in block files only, whatever they were cut from.
-    return prefix + Padded(first, digits) + u'-' + Padded(first + size - 1, digits) + u".bin";
+    return prefix + Padded(first, digits) + u'-' + Padded(first + size - 1, digits) + u'.' +
+           (edfPlus ? extension : u"bin");
 }
 
 std::int32_t SplitPlan::Percent(std::int64_t piece, std::int32_t done, std::int32_t total) const {

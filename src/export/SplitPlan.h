@@ -53,7 +53,8 @@ struct SplitPlan {
     std::int32_t step = 1;          ///< samples from the start of a piece to that of the next; at least 1
     bool sampleNames = false;       ///< names contain the range of samples, else the number of the piece
     std::u16string prefix;          ///< prefix of the names
-    std::u16string extension;       ///< of names by number; those by samples always end in ".bin"
+    std::u16string extension;       ///< of names by number; those by samples end in ".bin", or in that of EDF+
+    bool edfPlus = false;           ///< the pieces are EDF+ with marks, whatever else their extension may mean
 
     /// Whole pieces; a single one that is cut short where the size exceeds the block by less than a step. 0 or less:
     /// no piece can be cut.

@@ -38,9 +38,13 @@ SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system) {
 }
 
 bool ExportPiece(KVExport& exporter, RecordingBlock& block, const SplitPlan& plan, std::int64_t piece,
-                 const std::u16string& path) {
+                 const std::u16string& path, EdfPlusRequest edfPlus) {
     constexpr std::int32_t byExtension = 0;
-    return exporter.Export(&block, path, plan.FirstSample(piece), plan.size, byExtension);
+    const std::int32_t first = plan.FirstSample(piece);
+    if (!plan.edfPlus) return exporter.Export(&block, path, first, plan.size, byExtension);
+    edfPlus.first = first;
+    edfPlus.count = plan.size;
+    return exporter.ExportEdfPlus(&block, path, edfPlus);
 }
 
 }  // namespace quillon

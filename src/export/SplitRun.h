@@ -39,8 +39,9 @@ struct SplitResult {
 /// Writes the pieces one after the other. Any failure ends the run where it happens.
 [[nodiscard]] SplitResult RunSplit(const SplitPlan& plan, const SplitSystem& system);
 
-/// Writes one piece to a file whose extension names its format.
+/// Writes one piece to a file whose extension names its format. `edfPlus` says what goes into a piece of EDF+ besides
+/// its range.
 [[nodiscard]] bool ExportPiece(KVExport& exporter, RecordingBlock& block, const SplitPlan& plan, std::int64_t piece,
-                               const std::u16string& path);
+                               const std::u16string& path, EdfPlusRequest edfPlus = {});
 
 }  // namespace quillon

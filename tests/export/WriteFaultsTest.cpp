@@ -108,7 +108,10 @@ class WriteFaults : public ::testing::Test {
             written = std::ssize(context.written);
             if (!context.failures.empty()) return context.failures.front();
         } else {
-            written = exporter.Export(&block, Path(u"a." + kind), 1, 0, 0) ? 1 : 0;
+            const std::u16string target = Path(u"a." + kind);
+            const bool done = kind == u"edf+" ? exporter.ExportEdfPlus(&block, target, {.channels = {1, 2, 3}})
+                                              : exporter.Export(&block, target, 1, 0, 0);
+            written = done ? 1 : 0;
             stopped = exporter.Stopped();
         }
         return services.messages.empty() ? std::u16string() : services.messages.front();
@@ -130,10 +133,10 @@ class WriteFaults : public ::testing::Test {
 
 TEST_F(WriteFaults, LeaveTheFolderAsItWas) {
     exporter.SetRecording(exporterName);
-    for (const std::u16string name : {u"a.bin", u"a.wav", u"a.edf", u"a.txt", u"p_1.wav", u"p_2.wav"})
+    for (const std::u16string name : {u"a.bin", u"a.wav", u"a.edf", u"a.edf+", u"a.txt", u"p_1.wav", u"p_2.wav"})
         folder.Write(name, "old " + Utf8(name));
     const Content before = Files();
-    for (const std::u16string kind : {u"bin", u"wav", u"edf", u"txt", u"split"}) {
+    for (const std::u16string kind : {u"bin", u"wav", u"edf", u"edf+", u"txt", u"split"}) {
         const std::u16string target = kind == u"split" ? Path(u"p_1.wav") : Path(u"a." + kind);
         for (int fault = FaultyFiles::Look_; fault <= FaultyFiles::Rename_; ++fault) {
             SCOPED_TRACE(Utf8(kind) + " fault " + std::to_string(fault));
@@ -163,7 +166,7 @@ TEST_F(WriteFaults, LeaveTheFolderAsItWas) {
 
     // Without a fault everything is replaced, and no temporary file is left.
     block.holeTo = 0;
-    for (const std::u16string kind : {u"bin", u"wav", u"edf", u"txt", u"split"}) EXPECT_EQ(Run(kind), u"");
+    for (const std::u16string kind : {u"bin", u"wav", u"edf", u"edf+", u"txt", u"split"}) EXPECT_EQ(Run(kind), u"");
     after = Files();
     EXPECT_EQ(after.size(), before.size());
     for (const auto& [name, bytes] : after) EXPECT_GT(bytes.size(), 400000U) << Utf8(name);
@@ -174,6 +177,7 @@ TEST_F(WriteFaults, WhatIsStoppedKeepsTheFilesThatWereFinished) {
         {u"bin", {u"a.bin"}},
         {u"wav", {u"a.wav"}},
         {u"edf", {u"a.edf"}},
+        {u"edf+", {u"a.edf+"}},
         {u"long.edf", {u"a.long.edf"}},
         {u"txt", {u"a.txt"}},
         {u"channels.txt", {u"a1.txt", u"a2.txt", u"a3.txt"}},
@@ -216,7 +220,7 @@ TEST_F(WriteFaults, ALargeUnfinishedFileGoesInPartsBetweenWhichTheCallerIsAsked)
     int stopAt = 0;
     progress = [&] { return ++calls < stopAt || stopAt == 0; };
     exporter.SetProgress([&](std::int32_t, std::int32_t) { return progress(); });
-    for (const std::u16string kind : {u"bin", u"wav", u"edf", u"txt", u"channels.txt"}) {
+    for (const std::u16string kind : {u"bin", u"wav", u"edf", u"edf+", u"txt", u"channels.txt"}) {
         SCOPED_TRACE(Utf8(kind));
         calls = 0;
         stopAt = 10;
