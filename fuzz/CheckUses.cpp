@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <vector>
 
 #include "data/QL_Types.h"
+#include "export/EdfPlusWriter.h"
 #include "export/KV_Export.h"
 #include "fuzz/Checks.h"
 #include "fuzz/FuzzedRecording.h"
@@ -58,14 +60,20 @@ void CheckExports(RecordingBlock& block, std::uint32_t choice) {
     const std::int32_t count = std::min(block.SampleCount() - first + 1, 5000 / block.ChannelCount());
     std::vector<std::uint8_t> bytes;
     KV_Export writers({[&] { return std::make_unique<FileInMemory>(bytes); }});
-    const std::pair<bool (KV_Export::*)(RecordingBlock*, const std::u16string&, std::int32_t, std::int32_t),
-                    std::u16string_view>
-        formats[] = {{&KV_Export::WriteBinFile, u"a.bin"},
-                     {&KV_Export::WriteWavFile, u"a.wav"},
-                     {&KV_Export::WriteEdfFile, u"a.edf"}};
+    const auto as = [&](bool (KV_Export::*write)(RecordingBlock*, const std::u16string&, std::int32_t, std::int32_t)) {
+        return [&, write](const std::u16string& name) { return (writers.*write)(&block, name, first, count); };
+    };
+    const auto asEdfPlus = [&](const std::u16string& name) {
+        return EdfPlusWriter(writers).Write(&block, name, {first, count, AllChannels(block)});
+    };
+    const std::pair<std::function<bool(const std::u16string&)>, std::u16string_view> formats[] = {
+        {as(&KV_Export::WriteBinFile), u"a.bin"},
+        {as(&KV_Export::WriteWavFile), u"a.wav"},
+        {as(&KV_Export::WriteEdfFile), u"a.edf"},
+        {asEdfPlus, u"plus.edf"}};
     for (const auto& [write, name] : formats) {
         try {
-            if (!(writers.*write)(&block, std::u16string(name), first, count)) {
+            if (!write(std::u16string(name))) {
                 Require(!writers.LastFailure().empty(), "a refused export has a reason");
                 continue;
             }

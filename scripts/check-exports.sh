@@ -48,6 +48,14 @@ while read -r file; do
         sox -D "$out/a.wav" -t raw -e signed -b 16 -L "$out/one.raw" remix "$channel"
         "$cli" codes "$file" 1 "$channel" | cmp - "$out/one.raw"
     done
-    compared=$((compared + $(stat -c %s "$out/wave.raw") / 2 + $(stat -c %s "$out/edf.raw") / 2))
+    # EDF+ from the 101st sample on: every sample, and behind those of a channel what fills its last record.
+    "$cli" export "$file" "$out/plus.edf" --type=edf+ --first=101 --force
+    "$out/edf_samples" "$out/plus.edf" > "$out/plus.raw"
+    written=$(($(stat -c %s "$out/plus.raw") / channels))
+    for channel in $(seq "$channels"); do
+        "$cli" codes "$file" 1 "$channel" 100 > "$out/one.raw"
+        cmp -i "$(((channel - 1) * written)):0" -n "$(stat -c %s "$out/one.raw")" "$out/plus.raw" "$out/one.raw"
+    done
+    compared=$((compared + $(stat -c %s "$out/plus.raw") / 2 + $(stat -c %s "$out/wave.raw") / 2 + $(stat -c %s "$out/edf.raw") / 2))
 done < <(find build/samples -name '*.edf' -o -name '*.wav' -o -name '*.bin')
 echo "$compared samples equal"

@@ -6,6 +6,7 @@
 #include "app/StringIds.h"
 #include "base/FilePath.h"
 #include "base/Text.h"
+#include "export/EdfPlusTexts.h"
 #include "export/QL_Export.h"
 #include "norvik/OutputFile.h"
 
@@ -67,12 +68,50 @@ void ExportCommands::SaveAs() {
         m_parts.settings.folder = FolderOf(name);
         WriteText(name, range);
     } else {
-        WriteRecording(*block, name, range, dialog.filterIndex);
+        const std::int32_t type = dialog.filterIndex;
+        if (type == kEdfPlusFilterIndex) return WriteEdfPlus(name, range);
+        WriteRecording(name, {}, [&](KVExport& exporter) {
+            return exporter.Export(block.get(), name, range.first + 1, range.count, type);
+        });
     }
 }
 
-void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleSpan& range,
-                                    std::int32_t type) {
+void ExportCommands::WriteEdfPlus(const std::u16string& name, const SampleSpan& range) {
+    const ViewBlock& loaded = m_parts.document.Block();
+    EdfPlusRequest request{.first = range.first + 1, .count = range.count};
+    for (const std::int16_t channel : AllChannels(*loaded.stored)) {
+        const std::int16_t number = loaded.stored->ChannelNumber(channel);
+        const bool shown = m_parts.document.Slots()[static_cast<std::size_t>(number)].shown;
+        if (shown) request.channels.push_back(channel);
+        request.averaged.push_back(shown);
+    }
+    if (request.channels.empty()) return Tell(IDS_NO_SHOWN_CHANNEL, {});
+    const ShownSettings settings = ShownOfBlock();
+    const std::u16string summary = EdfPlusSummary(range, loaded.stored->SampleRate(), request.channels.size(),
+                                                  static_cast<std::size_t>(loaded.stored->ChannelCount()),
+                                                  m_parts.language, m_parts.format.decimalSeparator);
+    WriteRecording(name, summary, [&](KVExport& exporter) {
+        // Taken only now: final scales may have made the shown block anew.
+        const std::shared_ptr<RecordingBlock> block = BlockToWrite();
+        if (block != loaded.stored) request.shown = &settings;
+        return exporter.ExportEdfPlus(block.get(), name, request);
+    });
+}
+
+ShownSettings ExportCommands::ShownOfBlock() const {
+    // A montage is signals of its own beside the block's.
+    ShownSettings shown = m_parts.document.Shown();
+    shown.montage.reset();
+    return shown;
+}
+
+std::shared_ptr<RecordingBlock> ExportCommands::BlockToWrite() const {
+    const ViewBlock& loaded = m_parts.document.Block();
+    return m_parts.settings.asShown != 0 ? loaded.block : loaded.stored;
+}
+
+void ExportCommands::WriteRecording(const std::u16string& name, const std::u16string& summary,
+                                    const std::function<bool(KVExport&)>& write) {
     KVExport& exporter = m_parts.exporter;
     bool done = false;
     bool stopped = false;
@@ -88,14 +127,16 @@ void ExportCommands::WriteRecording(RecordingBlock& block, const std::u16string&
         });
         m_parts.services.SetStatus({});
         exporter.SetRecording(m_parts.document.File().fileName);
-        done = exporter.Export(&block, name, range.first + 1, range.count, type);
+        done = write(exporter);
         stopped = exporter.Stopped();
     });
     exporter.SetProgress({});
     if (isGone()) return;
+    std::u16string text = summary;
     const std::u16string loss = DescribeLoss(exporter.Outcome(), m_parts.language);
+    if (!loss.empty()) text += (text.empty() ? u"" : u", ") + loss;
     if (done) {
-        Tell(IDS_WRITTEN, name + (loss.empty() ? u"" : u": ") + loss);
+        Tell(IDS_WRITTEN, name + (text.empty() ? u"" : u": ") + text);
     } else if (stopped) {
         Tell(IDS_STOPPED_FILE, name);
     } else {
@@ -121,9 +162,7 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
     TextExportContext context{m_parts.document.Slots(), m_parts.format, m_parts.view.RawCodes(), m_parts.services,
                               m_parts.openText};
     context.runPending = onPending;
-    // A montage is signals of its own beside the block's.
-    ShownSettings shown = m_parts.document.Shown();
-    shown.montage.reset();
+    const ShownSettings shown = ShownOfBlock();
     context.language = m_parts.language;
     std::u16string unread;
     onWork([&] {
@@ -132,7 +171,7 @@ void ExportCommands::WriteText(const std::u16string& target, const SampleSpan& r
         try {
             const ViewBlock& loaded = m_parts.document.Block();
             // Taken only now: final scales may have made the shown block anew.
-            const std::shared_ptr<RecordingBlock> block = m_parts.settings.asShown != 0 ? loaded.block : loaded.stored;
+            const std::shared_ptr<RecordingBlock> block = BlockToWrite();
             if (block != loaded.stored) context.shown = &shown;
             ExportText(target, *block, range.first + 1, range.count, m_parts.settings, context);
         } catch (const std::exception& error) {

@@ -52,7 +52,15 @@ class ExportCommands {
   private:
     /// Range to export: the selection, or without one the whole block.
     [[nodiscard]] SampleSpan Range() const;
-    void WriteRecording(RecordingBlock& block, const std::u16string& name, const SampleSpan& range, std::int32_t type);
+    /// Runs a writer; where it is done, "Status" tells the name, the summary and what the format does not keep.
+    void WriteRecording(const std::u16string& name, const std::u16string& summary,
+                        const std::function<bool(KVExport&)>& write);
+    /// The shown channels, as stored or, if the settings of the text export say so, as shown.
+    void WriteEdfPlus(const std::u16string& name, const SampleSpan& range);
+    /// How the block is shown.
+    [[nodiscard]] ShownSettings ShownOfBlock() const;
+    /// The block as the settings say: shown or stored.
+    [[nodiscard]] std::shared_ptr<RecordingBlock> BlockToWrite() const;
     void WriteText(const std::u16string& target, const SampleSpan& range);
     /// In "Status", the words of the string table first.
     void Tell(int text, const std::u16string& what) const;

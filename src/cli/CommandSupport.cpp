@@ -28,6 +28,11 @@ void RefuseExport(const KVExport& exporter, const std::u16string& target) {
     throw Refusal(reason, target);
 }
 
+void WarnOfLoss(const KVExport& exporter, const std::u16string& target, const CommandContext& context) {
+    const std::u16string loss = DescribeLoss(exporter.Outcome(), context.language);
+    if (!loss.empty()) context.error << "quillon-cli: " << Utf8(target) << ": " << Utf8(loss) << '\n';
+}
+
 void RefuseRange(Language language, std::u16string_view english, std::u16string_view russian, std::int64_t given,
                  std::int64_t first, std::int64_t last) {
     throw Refusal(Say(english, russian, {Decimal(given), Decimal(first), Decimal(last)}).In(language));
@@ -54,6 +59,17 @@ std::int16_t CheckChannel(const RecordingBlock& block, std::int64_t channel, Lan
                     channel, 1, block.ChannelCount());
     }
     return static_cast<std::int16_t>(channel);
+}
+
+std::vector<std::u16string> TitlesOf(const RecordingBlock& block) {
+    std::vector<std::u16string> titles;
+    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel)
+        titles.push_back(block.ChannelTitle(channel));
+    return titles;
+}
+
+void RefuseTitle(const std::u16string& title, Language language) {
+    throw Refusal(Say(u"there is no channel \"%1\"", u"нет канала \"%1\"", {title}).In(language));
 }
 
 std::vector<std::int16_t> ChosenChannels(const ParsedArguments& parsed, const RecordingBlock& block,

@@ -8,6 +8,7 @@
 
 #include "base/Language.h"
 #include "base/SampleSpan.h"
+#include "cli/Commands.h"
 #include "cli/Options.h"
 #include "data/UserServices.h"
 #include "export/KVExport.h"
@@ -50,6 +51,11 @@ struct BlockChannel {
 /// The channel of that number, from 1. Throws Refusal where the block has none.
 [[nodiscard]] std::int16_t CheckChannel(const RecordingBlock& block, std::int64_t channel, Language language);
 
+/// Titles of all channels, in their order.
+[[nodiscard]] std::vector<std::u16string> TitlesOf(const RecordingBlock& block);
+/// Throws the Refusal for a title that no channel has.
+[[noreturn]] void RefuseTitle(const std::u16string& title, Language language);
+
 /// The channels whose numbers --channels lists, in its order; all where it is not given. Throws UsageError for what is
 /// no number, Refusal where the block has none of that number.
 [[nodiscard]] std::vector<std::int16_t> ChosenChannels(const ParsedArguments& parsed, const RecordingBlock& block,
@@ -81,6 +87,9 @@ class SilentServices : public UserServices {
 
 /// Throws the Refusal for an export to `target` that has failed.
 [[noreturn]] void RefuseExport(const KVExport& exporter, const std::u16string& target);
+
+/// Tells what the file that was written differs in from the recording.
+void WarnOfLoss(const KVExport& exporter, const std::u16string& target, const CommandContext& context);
 
 /// Appends the lowest `size` bytes of a number, the lowest first.
 void AppendLittleEndian(std::vector<char>& bytes, std::uint32_t number, unsigned size);

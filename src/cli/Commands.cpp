@@ -161,11 +161,15 @@ constexpr std::array kCommands = {
         "      them with filters, a reference or a montage. See quillon-cli values --help.\n",
         "  quillon-cli values night.edf 1 3 25600 512 --high-pass=0.5 --low-pass=35 > piece.f32\n", RunValues,
         kShownOptions},
-    Command{u"export", u"FILE OUT [options]", 2, 2,
-            "      Writes a block or a stretch of it to a new file, all channels: .bin keeps samples, scales and "
-            "names, .edf\n"
-            "      whole records of them, .wav the samples only. See quillon-cli export --help.\n",
-            "  quillon-cli export night.edf piece.bin --first=25601 --count=512\n", RunExport, kExportOptions, 2},
+    Command{
+        u"export", u"FILE OUT [options]", 2, 2,
+        "      Writes a block or a stretch of it to a new file, all channels: .bin keeps samples, scales and "
+        "names, .edf\n"
+        "      whole records of them, .wav the samples only. --type=edf+ keeps marks and the start as well, of the\n"
+        "      channels asked for, as stored or as the window shows them. See quillon-cli export --help.\n",
+        "  quillon-cli export night.edf piece.bin --first=25601 --count=512\n"
+        "  quillon-cli export night.edf piece.edf --type=edf+ --channels=1,3,Cz --low-pass=35\n",
+        RunExport, kExportOptions, 2},
     Command{u"text", u"FILE OUT|- [options]", 2, 2,
             "      Writes samples as text in UTF-8, a line per sample, the channels in columns between tabs; - stands "
             "for\n"
@@ -190,7 +194,8 @@ constexpr std::array kCommands = {
     Command{u"split", u"FILE --folder DIR --size S [options]", 1, 1,
             "      Cuts a block into pieces of equal length, each a file of its own: .wav where FILE is one and names "
             "go by\n"
-            "      number, else .bin. A rest shorter than a piece is left out. Lists the files, each with its first "
+            "      number, else .bin, or EDF+ with --type=edf+. A rest shorter than a piece is left out. Lists the "
+            "files, each with its first "
             "sample\n"
             "      (from 1) and its samples per channel. See quillon-cli split --help.\n",
             "  quillon-cli split night.edf --folder=pieces --size=30 --seconds\n", RunSplitCommand, kSplitOptions},

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "base/Bilingual.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
+#include "cli/EdfPlusOptions.h"
 #include "cli/Interrupt.h"
 #include "export/KVExport.h"
 #include "norvik/SystemBytes.h"
@@ -53,7 +55,7 @@ std::int32_t FileType(const ParsedArguments& parsed, Language language) {
         if (KVExport::FileTypeExtension(type) == u"*" + extension) return type;
     }
     if (parsed.Has(u"--type")) {
-        throw UsageError(u"'" + parsed.Value(u"--type") + u"' is none of bin|wav|edf for --type");
+        throw UsageError(u"'" + parsed.Value(u"--type") + u"' is none of bin|wav|edf|edf+ for --type");
     }
     throw Refusal(Say(u"the extension is none of .bin, .wav, .edf (--type tells the format)",
                       u"расширение не .bin, .wav или .edf (формат задаёт --type)")
@@ -65,24 +67,33 @@ std::int32_t FileType(const ParsedArguments& parsed, Language language) {
 
 void RunExport(const CommandContext& context) {
     const ParsedArguments& parsed = context.parsed;
-    const std::int32_t type = FileType(parsed, context.language);
+    EdfPlusOrder edfPlus(parsed, context.language);
+    const std::int32_t type = edfPlus.IsWanted() ? 0 : FileType(parsed, context.language);
     const OpenFile file(parsed.words[1], context.language);
-    const BlockRange range = FindRange(file.Get(), parsed, context.language);
+    BlockRange range = FindRange(file.Get(), parsed, context.language);
     SilentServices services;
     std::exception_ptr refusal;
     KVExport exporter(services, {.makeFile = [&] { return std::make_unique<TargetFile>(context.target, refusal); },
                                  .fieldText = SystemBytes,
                                  .language = context.language});
+    if (edfPlus.IsWanted()) range.block = edfPlus.Show(std::move(range.block));
     range.block->Prepare();
     const InterruptScope interrupt;
     exporter.SetProgress([&](std::int32_t, std::int32_t) { return !interrupt.IsAsked(); });
-    const bool done =
-        exporter.Export(range.block.get(), parsed.words[2], range.samples.first + 1, range.samples.count, type);
+    const std::u16string& name = parsed.words[2];
+    bool done = false;
+    if (edfPlus.IsWanted()) {
+        EdfPlusRequest request = edfPlus.Request();
+        request.first = range.samples.first + 1;
+        request.count = range.samples.count;
+        done = exporter.ExportEdfPlus(range.block.get(), name, request);
+    } else {
+        done = exporter.Export(range.block.get(), name, range.samples.first + 1, range.samples.count, type);
+    }
     if (refusal) std::rethrow_exception(refusal);
     if (exporter.Stopped()) RefuseInterrupted(context.language);
-    if (!done) RefuseExport(exporter, parsed.words[2]);
-    const std::u16string loss = DescribeLoss(exporter.Outcome(), context.language);
-    if (!loss.empty()) context.error << "quillon-cli: " << Utf8(parsed.words[2]) << ": " << Utf8(loss) << '\n';
+    if (!done) RefuseExport(exporter, name);
+    WarnOfLoss(exporter, name, context);
 }
 
 }  // namespace quillon::cli

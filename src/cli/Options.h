@@ -1,5 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <set>
@@ -18,6 +21,15 @@ struct OptionRule {
     std::u16string_view help;
     std::u16string_view values;  ///< what the help shows for the value
 };
+
+/// The rules of several lists in one.
+template <std::size_t... Sizes>
+constexpr auto JoinedRules(const std::array<OptionRule, Sizes>&... lists) {
+    std::array<OptionRule, (Sizes + ...)> joined{};
+    auto* to = joined.data();
+    ((to = std::copy(lists.begin(), lists.end(), to)), ...);
+    return joined;
+}
 
 /// A command line that is not understood; the text names the wrong word.
 class UsageError : public std::runtime_error {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 
 #include "cli/Commands.h"
@@ -22,9 +21,7 @@ inline constexpr auto kPictureOptions = [] {
         OptionRule{u"--time", true, u"by the clock, since the start of the block, or samples (clock)",
                    u"clock|start|samples"},
     };
-    std::array<OptionRule, own.size() + kShownOptions.size()> all;
-    std::copy(kShownOptions.begin(), kShownOptions.end(), std::copy(own.begin(), own.end(), all.begin()));
-    return all;
+    return JoinedRules(own, kShownOptions);
 }();
 
 /// Draws a stretch of a block as a PNG file; reports on standard error what could not be read.

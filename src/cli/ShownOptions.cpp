@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/Bilingual.h"
+#include "cli/CommandSupport.h"
 #include "cli/OutputTarget.h"
 #include "data/Montages.h"
 #include "data/ShownBlock.h"
@@ -26,17 +27,6 @@ int Order(const ParsedArguments& parsed) {
     const std::int64_t order = parsed.Has(u"--order") ? WholeNumber(parsed.Value(u"--order"), u"--order") : usual;
     if (order != 1 && order != 2 && order != 4) throw UsageError(OutOfRange(parsed, u"--order"));
     return static_cast<int>(order);
-}
-
-std::vector<std::u16string> TitlesOf(const RecordingBlock& block) {
-    std::vector<std::u16string> titles;
-    for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel)
-        titles.push_back(block.ChannelTitle(channel));
-    return titles;
-}
-
-[[noreturn]] void RefuseTitle(const std::u16string& title, Language language) {
-    throw Refusal(Say(u"there is no channel \"%1\"", u"нет канала \"%1\"", {title}).In(language));
 }
 
 /// Throws Refusal where a channel of a pair is not there: left out, it would move the numbers of those behind it.

@@ -2,12 +2,14 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "base/Bilingual.h"
 #include "base/NativePath.h"
 #include "base/SystemText.h"
 #include "base/Text.h"
 #include "cli/CommandSupport.h"
+#include "cli/EdfPlusOptions.h"
 #include "cli/Interrupt.h"
 #include "export/SplitPlan.h"
 #include "export/SplitRun.h"
@@ -51,7 +53,8 @@ SplitPlan MakePlan(const ParsedArguments& parsed, const RecordingBlock& block) {
     plan.step = Samples(parsed, u"--step", parsed.Value(u"--step", size), block.SampleRate());
     plan.sampleNames = names == u"samples";
     if (!base.empty()) plan.prefix = base + u'_';
-    plan.extension = SplitExtension(parsed.words[1]);
+    plan.edfPlus = parsed.Has(u"--type");
+    plan.extension = plan.edfPlus ? u"edf" : SplitExtension(parsed.words[1]);
     return plan;
 }
 
@@ -118,11 +121,14 @@ void CheckReplaced(const CommandContext& context, const SplitPlan& plan, const f
 
 void RunSplitCommand(const CommandContext& context) {
     const ParsedArguments& parsed = context.parsed;
+    if (parsed.Value(u"--type", kEdfPlusType) != kEdfPlusType)
+        throw UsageError(u"'" + parsed.Value(u"--type") + u"' is not edf+ for --type");
+    EdfPlusOrder edfPlus(parsed, context.language);
     const fs::path folder = NativePath(Required(parsed, u"--folder"));
     const std::int64_t number = parsed.Has(u"--block") ? WholeNumber(parsed.Value(u"--block"), u"--block") : 1;
     Required(parsed, u"--size");
     const OpenFile file(parsed.words[1], context.language);
-    const std::shared_ptr<RecordingBlock> block = FindChannel(file.Get(), number, 1, context.language).block;
+    std::shared_ptr<RecordingBlock> block = FindChannel(file.Get(), number, 1, context.language).block;
     const SplitPlan plan = MakePlan(parsed, *block);
     if (plan.PieceCount() < 1) {
         throw Refusal(Say(u"the block is too short for a piece of %1 samples: it has %2",
@@ -131,6 +137,7 @@ void RunSplitCommand(const CommandContext& context) {
                           .In(context.language));
     }
     CheckReplaced(context, plan, folder);
+    if (edfPlus.IsWanted()) block = edfPlus.Show(std::move(block));
     block->Prepare();
 
     SilentServices services;
@@ -145,8 +152,9 @@ void RunSplitCommand(const CommandContext& context) {
     };
     system.exportPiece = [&](std::int64_t piece, const std::u16string& name) {
         path = FromNativePath(folder / NativePath(name));
-        const bool written = ExportPiece(exporter, *block, plan, piece, path);
+        const bool written = ExportPiece(exporter, *block, plan, piece, path, edfPlus.Request());
         if (written) {
+            WarnOfLoss(exporter, path, context);
             context.target.Write(Utf8(name + u'\t' + Decimal(plan.FirstSample(piece)) + u'\t' +
                                       Decimal(plan.SampleCount(piece)) + u'\n'));
         }

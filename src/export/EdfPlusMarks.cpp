@@ -98,7 +98,10 @@ void EdfPlusMarks::Plan(const EdfPlusRecords& records, std::size_t dataBytes) {
     }
     const std::size_t most = MostOfOneRecord();
     std::size_t room = std::min(most, std::max({longest, usual, dataBytes / dataPerMarks}));
-    while (!Lay(room)) room = std::min(most, room + room / dataPerMarks + 1);
+    while (!Lay(room)) {
+        const std::size_t more = room + room / 4 + 1;
+        room = room < most ? std::min(most, more) : more;
+    }
     // All times of records are sums of these two. As many digits as the last, and as many places as any.
     m_places = std::max(PlacesOf(m_fraction), PlacesOf(m_seconds));
     const double last = m_fraction + (records.count - 1) * m_seconds;

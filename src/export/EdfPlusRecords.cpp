@@ -1,6 +1,7 @@
 #include "export/EdfPlusRecords.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <tuple>
 
@@ -20,11 +21,13 @@ constexpr double kLongest = 1e9;
 /// The nearest duration of at most 8 characters without an exponent, which not every program reads. 0 where there is
 /// none.
 double PlainSeconds(double seconds) {
-    const int digits = seconds < 10.0 ? 1 : static_cast<int>(std::floor(std::log10(seconds))) + 1;
-    if (digits > static_cast<int>(kWidth)) return 0.0;
-    const double unit = std::pow(10.0, std::max(static_cast<int>(kWidth) - 1 - digits, 0));
+    constexpr std::array powers{1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+    static_assert(powers.size() == kWidth + 1);
+    std::size_t digits = 1;
+    while (digits < kWidth && seconds >= powers[digits]) ++digits;
+    const double unit = digits + 1 < kWidth ? powers[kWidth - 1 - digits] : 1.0;
     const double nearest = std::nearbyint(seconds * unit) / unit;
-    return nearest < std::pow(10.0, kWidth) ? nearest : 0.0;
+    return nearest < powers[kWidth] ? nearest : 0.0;
 }
 
 constexpr int kMissed = 5;
@@ -65,7 +68,7 @@ class Choice {
 
   private:
     /// The lower, the better: too much fill, miss of the rate, tiny records, fill, a rate that is rounded, parts of
-    /// seconds, distance from a second.
+    /// seconds, times a second is less or more.
     using Rank = std::tuple<bool, int, bool, std::int64_t, bool, bool, double>;
 
     [[nodiscard]] std::int64_t RecordsOf(std::int32_t samples) const { return (m_count - 1) / samples + 1; }
@@ -76,7 +79,7 @@ class Choice {
         const double rate = samples / seconds;
         const bool tiny = IsTiny(samples, seconds, records);
         const int miss = Miss(rate, m_rate);
-        return {IsTooMuch(fill, miss == 0), miss, tiny, fill, rate != m_rate, part, std::abs(std::log(seconds))};
+        return {IsTooMuch(fill, miss == 0), miss, tiny, fill, rate != m_rate, part, std::max(seconds, 1.0 / seconds)};
     }
     [[nodiscard]] bool IsTooMuch(std::int64_t fill, bool exact) const {
         constexpr std::int64_t little = 3;

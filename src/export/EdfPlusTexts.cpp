@@ -6,7 +6,6 @@
 #include "base/Bilingual.h"
 #include "base/Text.h"
 #include "data/ShownChannels.h"
-#include "export/EdfText.h"
 #include "format/NumberText.h"
 
 namespace quillon {
@@ -20,7 +19,8 @@ constexpr double kTicks = 1e7;  ///< of a second; what widespread readers resolv
 double SecondOfDay(double date) {
     const double seconds = (date - std::floor(date)) * kSecondsPerDay;
     const double resolution = (std::nextafter(std::abs(date), HUGE_VAL) - std::abs(date)) * kSecondsPerDay;
-    for (double unit = 1.0; unit < kTicks; unit *= 10.0) {
+    for (int places = 0; places < 7; ++places) {
+        const double unit = std::pow(10.0, places);
         const double rounded = std::nearbyint(seconds * unit) / unit;
         if (std::abs(rounded - seconds) <= resolution) return rounded;
     }
@@ -73,10 +73,6 @@ EdfPlusStart FindEdfPlusStart(const RecordingBlock& block, std::int32_t first) {
     return {time, (ticks - seconds * kTicks) / kTicks, true};
 }
 
-std::string EdfPlusStartField(const EdfPlusStart& start) {
-    return EdfDateTime(start.time);
-}
-
 std::u16string EdfPlusRecordingField(const EdfPlusStart& start, std::int32_t samples, bool filled) {
     const std::u16string text = u"Startdate " + (start.known ? LongDate(start.time) : std::u16string(u"X")) + u" X X X";
     return filled ? text + u" Samples:" + Decimal(samples) : text;
@@ -104,12 +100,13 @@ std::u16string EdfPlusUnit(std::u16string_view unit) {
     return text;
 }
 
-std::vector<EdfPlusShown> DescribeShown(const RecordingBlock& block, ShownSettings settings) {
+std::vector<EdfPlusShown> DescribeShown(const RecordingBlock& block, ShownSettings settings,
+                                        std::vector<bool> averaged) {
     // A montage has no reference; its titles tell the differences.
     if (settings.montage) settings.reference = {};
-    const std::vector<bool> all(static_cast<std::size_t>(block.ChannelCount()), true);
+    if (averaged.empty()) averaged.assign(static_cast<std::size_t>(block.ChannelCount()), true);
     std::vector<EdfPlusShown> texts;
-    for (const ShownChannel& channel : ChannelsShown(block, settings, all).channels) {
+    for (const ShownChannel& channel : ChannelsShown(block, settings, averaged).channels) {
         EdfPlusShown text{Prefiltering(channel.filter), {}};
         const bool average = settings.reference.kind == Reference::Kind::Average;
         if (channel.common != ShownChannel::kNone)

@@ -24,8 +24,6 @@ struct EdfPlusStart {
 /// Start of the sample `first` (from 0). A block without a date stays without one.
 [[nodiscard]] EdfPlusStart FindEdfPlusStart(const RecordingBlock& block, std::int32_t first);
 
-/// "04.04.1112.57.02"
-[[nodiscard]] std::string EdfPlusStartField(const EdfPlusStart& start);
 /// "Startdate 04-APR-2011 X X X": the date alone, nothing of who, where and with what. Where the last record is filled,
 /// the samples of every signal that are not fill: "... X X X Samples:1000".
 [[nodiscard]] std::u16string EdfPlusRecordingField(const EdfPlusStart& start, std::int32_t samples, bool filled);
@@ -40,8 +38,10 @@ struct EdfPlusShown {
     std::u16string prefiltering;  ///< "HP:0.5Hz LP:35Hz N:50Hz"; behind it an order other than 2, and "both ways"
     std::u16string reference;     ///< "Reference: average"; empty where none is subtracted or the title tells it
 };
-/// Of every channel of a block that is shown as the settings say.
-[[nodiscard]] std::vector<EdfPlusShown> DescribeShown(const RecordingBlock& block, ShownSettings settings);
+/// Of every channel of a block that is shown as the settings say. `averaged` tells of each whether it is part of an
+/// average; empty: all are.
+[[nodiscard]] std::vector<EdfPlusShown> DescribeShown(const RecordingBlock& block, ShownSettings settings,
+                                                      std::vector<bool> averaged = {});
 
 /// What would be written: "10.0 s from 00:01:00, 6 of 8 channels, EDF+".
 [[nodiscard]] std::u16string EdfPlusSummary(const SampleSpan& range, double rate, std::size_t channels,

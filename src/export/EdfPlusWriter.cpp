@@ -6,6 +6,7 @@
 #include "base/Bilingual.h"
 #include "export/EdfHeaderBytes.h"
 #include "export/EdfPlusTexts.h"
+#include "export/EdfText.h"
 
 namespace quillon {
 
@@ -19,12 +20,12 @@ EdfHeaderFields HeaderOf(const RecordingBlock& block, const EdfPlusRequest& requ
     const std::int64_t samples = std::int64_t{records.count} * records.samples - records.filled;
     fields.patient = u"X X X X";
     fields.recording = EdfPlusRecordingField(start, static_cast<std::int32_t>(samples), records.filled > 0);
-    fields.start = EdfPlusStartField(start);
+    fields.start = EdfDateTime(start.time);
     fields.reserved = "EDF+C";
     fields.records = records.count;
     fields.seconds = records.seconds;
     std::vector<EdfPlusShown> shown(static_cast<std::size_t>(block.ChannelCount()));
-    if (request.shown != nullptr) shown = DescribeShown(block, *request.shown);
+    if (request.shown != nullptr) shown = DescribeShown(block, *request.shown, request.averaged);
     for (std::size_t at = 0; at < request.channels.size(); ++at) {
         const std::int16_t channel = request.channels[at];
         const EdfPlusShown& texts = shown.at(static_cast<std::size_t>(channel) - 1);
@@ -54,7 +55,7 @@ bool EdfPlusWriter::Write(RecordingBlock* block, const std::u16string& fileName,
         return false;
     }
     const EdfPlusStart start = FindEdfPlusStart(*block, range.first);
-    File file{*block, request, range, {}, EdfPlusMarks(*block, range, start.fraction)};
+    File file{*block, request, range, EdfPlusMarks(*block, range, start.fraction)};
     Plan(file);
     std::vector<EdfLimits> limits = m_run.FindLimits(*block, request.channels, range.count, FindWideEdfLimits);
     if (limits.empty()) return false;
@@ -120,8 +121,9 @@ bool EdfPlusWriter::WriteRecords(File& file, OutputFile& output) {
         const std::int32_t size = std::min(records * samples, file.range.count - first);
         m_run.Read([&] { ReadRows(file, first, size, stride); });
         for (std::size_t row = 0; row < channels; ++row) {
-            std::int16_t* const codes = m_rows.data() + row * stride;
-            std::fill(codes + size, codes + records * samples, codes[size - 1]);
+            const std::span codes = std::span(m_rows).subspan(row * stride, stride);
+            const auto there = static_cast<std::size_t>(size);
+            std::fill(codes.begin() + size, codes.end(), codes[there - 1]);
         }
         for (std::int32_t at = 0; at < records; ++at) {
             if (!WriteRecord(file, at, stride, output)) return false;

@@ -19,6 +19,7 @@ struct EdfPlusRequest {
     std::int32_t count = 0;                ///< below 1 or beyond the end: to the end
     std::vector<std::int16_t> channels{};  ///< of the block, from 1, in the order of the file
     const ShownSettings* shown = nullptr;  ///< how the block's samples are shown; null: as stored
+    std::vector<bool> averaged{};          ///< of which channels an average is, from 0; empty: of all
 };
 
 /// The writer of EDF+ with marks (continuous, "EDF+C"): every sample of some channels over a range as the 16-bit code
@@ -37,8 +38,8 @@ class EdfPlusWriter {
         RecordingBlock& block;
         const EdfPlusRequest& request;
         SampleSpan range;
-        EdfPlusRecords records;
         EdfPlusMarks marks;
+        EdfPlusRecords records{};
     };
     static void Plan(File& file);
     [[nodiscard]] bool WriteRecords(File& file, OutputFile& output);

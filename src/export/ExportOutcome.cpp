@@ -35,7 +35,8 @@ std::u16string DescribeLoss(const ExportOutcome& outcome, Language language) {
     add(outcome.written < outcome.asked,
         Say(u"%1 of %2 samples (whole records)", u"отсчётов %1 из %2 (целые записи данных)",
             {Decimal(outcome.written), Decimal(outcome.asked)}));
-    add(outcome.filled > 0, Say(u"the last record is filled with %1 more samples",
+    add(outcome.filled > 0, Say(outcome.filled == 1 ? u"the last record is filled with %1 more sample"
+                                                    : u"the last record is filled with %1 more samples",
                                 u"последняя запись данных дополнена, лишних отсчётов: %1", {Decimal(outcome.filled)}));
     add(!IsSameRate(outcome.rate, outcome.ratedAs),
         Say(u"%1 Hz instead of %2 Hz", u"%1 Гц вместо %2 Гц", {RateText(outcome.ratedAs), RateText(outcome.rate)}));

@@ -233,7 +233,7 @@ std::u16string BuildSaveFilter() {
         const std::u16string extension = KVExport::FileTypeExtension(type);
         filter += KVExport::FileTypeDescription(type) + u" (" + extension + u")|" + extension + u"|";
     }
-    return filter + u"Text files (*.txt)|*.txt";
+    return filter + u"Text files (*.txt)|*.txt|EDF+ with marks (*.edf)|*.edf";
 }
 
 bool FastExportDialog(SaveFileDialog& dialog, const UserServices& services, std::u16string& fileName) {

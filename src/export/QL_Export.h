@@ -81,9 +81,10 @@ bool WriteTextExport(RecordingBlock& block, const TextExportRequest& request, Te
                                                           const TextExportSettings& settings,
                                                           const ChannelSlots& slots);
 
-/// Filter of the dialog that saves recordings: the types of KVExport in their order, so that an index is the type, and
-/// text.
+/// Filter of the dialog that saves recordings: the types of KVExport in their order, so that an index is the type, then
+/// text and EDF+ with marks.
 [[nodiscard]] std::u16string BuildSaveFilter();
+inline constexpr std::int32_t kEdfPlusFilterIndex = 5;
 
 /// Asks for the file of the fast export, `fileName` in and out; false when the user cancels.
 bool FastExportDialog(SaveFileDialog& dialog, const UserServices& services, std::u16string& fileName);

@@ -5,9 +5,11 @@
 #include <map>
 
 #include "app/StringIds.h"
+#include "base/Text.h"
 #include "data/CoreTexts.h"
 #include "export/QL_Export.h"
 #include "norvik/OutputFile.h"
+#include "norvik/RecordingLibrary.h"
 #include "norvik/TemporaryFolder.h"
 #include "support/ViewFixture.h"
 
@@ -95,6 +97,43 @@ TEST_F(ExportCommandsTest, OneQuestionNamesTheFilesThatWouldBeLostAndNoLosesNone
     EXPECT_EQ(m_texts.size(), 10U);
     EXPECT_EQ(std::count(m_texts[files[3]].begin(), m_texts[files[3]].end(), '\n'), 10) << "of the selection";
     EXPECT_TRUE(m_told.status.starts_with(m_told.Text(IDS_WRITTEN) + u": " + files[0] + u" ... "));
+}
+
+TEST_F(ExportCommandsTest, EdfPlusHoldsTheShownChannelsOfTheSelectionAsStoredOrAsShown) {
+    m_told.texts = {{IDS_WRITTEN, u"written"}, {IDS_NO_SHOWN_CHANNEL, u"none"}};
+    const std::u16string name = m_folder.Path() + u"/a.edf";
+    m_dialog.answer = [&](FakeSaveDialog& dialog) {
+        EXPECT_TRUE(dialog.filter.ends_with(u"Text files (*.txt)|*.txt|EDF+ with marks (*.edf)|*.edf"));
+        return dialog.fileName = name, dialog.filterIndex = 5, true;
+    };
+    const auto library = MakeRecordingLibrary(Language::English);
+    const auto save = [&] {
+        m_commands.SaveAs();
+        std::shared_ptr<Recording> recording;
+        EXPECT_TRUE(library->OpenRecording(name, recording)) << Utf8(m_told.status);
+        return recording->GetBlock(1);
+    };
+    Load(Sevens(10, 1000));
+    m_document.Show(3, false);
+    m_document.Show(9, false);
+    m_view.Select(101, 350);
+    ShownSettings settings;
+    settings.filters[u"V"] = {.highPass = 1.0};
+    m_document.ShowAs(settings);
+    for (const bool asShown : {false, true}) {
+        m_settings.asShown = asShown ? 1 : 0;
+        const auto block = save();
+        EXPECT_EQ(m_told.status, u"written: " + name + u": 2.5 s from 00:00:01, 8 of 10 channels, EDF+");
+        ASSERT_EQ(std::pair(block->ChannelCount(), block->SampleCount()), std::pair(std::int16_t{8}, 250));
+        block->Prepare();
+        std::int16_t code = -1;
+        block->ReadCodes(4, 0, 1, &code);
+        EXPECT_EQ(code, asShown ? 0 : 7) << "a high pass takes a constant out";
+        EXPECT_EQ(Contents(name).find("HP:1Hz") != std::string::npos, asShown);
+    }
+    m_document.ShowAll(false);
+    m_commands.SaveAs();
+    EXPECT_EQ(m_told.status, u"none");
 }
 
 TEST_F(ExportCommandsTest, WhatIsStoppedIsTold) {

@@ -354,6 +354,9 @@ TEST_F(EdfPlusTest, HeadersTellFiltersReferenceAndPlainUnits) {
         EXPECT_EQ(plain.Column(at, 136, 80), expected[at][2]);
         EXPECT_EQ(plain.Column(at, 16, 80), expected[at][3]);
     }
+    const PlainEdf alone =
+        Export(*stored, {.channels = {1}, .shown = &settings, .averaged = {true, false, false, true}});
+    EXPECT_EQ(alone.Column(0, 16, 80), "") << "the average of one channel is the channel";
     settings.reference = {Reference::Kind::Channel, u"Fp1"};
     settings.filters[u"V"] = {0.0, 300.0, 2, 0.0, false};
     const PlainEdf one = Export(*stored, {.channels = {1, 3, 4}, .shown = &settings});
