@@ -11,6 +11,7 @@ namespace quillon {
 namespace {
 
 constexpr char kAfterText = '\x14';
+constexpr char kBeforeDuration = '\x15';
 constexpr std::size_t kLongestText = 4096;  ///< bytes; every record has room for the longest
 
 /// Digits behind the point.
@@ -42,7 +43,11 @@ std::string EdfPlusMarks::TextOf(std::int32_t mark) const {
 }
 
 std::string EdfPlusMarks::ListOf(const Told& told) const {
-    return EdfOnset(m_fraction + told.sample / m_records.rate) + kAfterText + TextOf(told.mark) + kAfterText + '\0';
+    std::string list = EdfOnset(m_fraction + told.sample / m_records.rate);
+    // A duration has no sign.
+    if (const double duration = m_block.MarkDuration(told.mark); duration > 0.0)
+        list += kBeforeDuration + EdfOnset(duration).substr(1);
+    return list + kAfterText + TextOf(told.mark) + kAfterText + '\0';
 }
 
 std::string EdfPlusMarks::StampOf(std::int32_t record) const {

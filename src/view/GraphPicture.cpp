@@ -270,7 +270,8 @@ void GraphPicture::FindOutside(const GraphScene& scene) {
                 {TraceColor(number), side == TraceSides::Side::Above, traces[trace].lane, lane.top, lane.End()});
         }
     }
-    m_marksSeen = !VisibleMarks(scene.axis, scene.block).empty();
+    m_markRows = 0;
+    for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) m_markRows = std::max(m_markRows, line.row + 1);
 }
 
 std::vector<EdgeArrow> GraphPicture::Arrows(int dpi) const {
@@ -281,15 +282,16 @@ std::vector<EdgeArrow> GraphPicture::Arrows(int dpi) const {
     const std::int32_t margin = scaled(4);
     const std::int32_t perRow = std::max((m_width - 2 * margin) / step, 1);
     // The texts of marks stand along the upper edge.
-    const std::int32_t labels = m_marksSeen ? scaled(16) : 0;
+    const std::int32_t labels = m_markRows * scaled(16);
     std::map<std::pair<std::size_t, bool>, std::int32_t> placed;
     std::vector<EdgeArrow> arrows;
     for (const Beyond& trace : m_beyond) {
         const std::int32_t at = placed[{trace.lane, trace.above}]++;
         const std::int32_t x = margin + half + at % perRow * step;
         const std::int32_t inward = margin + at / perRow * (height + margin);
-        const std::int32_t tip =
-            trace.above ? trace.top + (trace.top == 0 ? labels : 0) + inward : trace.end - 1 - inward;
+        const std::int32_t room = std::max(trace.end - trace.top - inward - height - 1, 0);
+        const std::int32_t below = trace.top == 0 ? std::min(labels, room) : 0;
+        const std::int32_t tip = trace.above ? trace.top + below + inward : trace.end - 1 - inward;
         const std::int32_t base = trace.above ? tip + height : tip - height;
         arrows.push_back({trace.color, {{{x, tip}, {x + half, base}, {x - half, base}}}});
     }
@@ -308,7 +310,8 @@ std::optional<std::size_t> MarkAt(const GraphScene& scene, std::int32_t x, std::
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
         const TextSize size = sizeOf(MarkText(scene.block, line));
         const std::int32_t width = std::min(size.width + kMarkGap, line.textWidth);
-        const bool onLabel = y <= size.height && x >= line.column && x < line.column + width;
+        const std::int32_t top = line.row * size.height;
+        const bool onLabel = y > top && y <= top + size.height && x >= line.column && x < line.column + width;
         if (onLabel || std::abs(x - line.column) <= reach) found = static_cast<std::size_t>(line.markIndex);
     }
     return found;

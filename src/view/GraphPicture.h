@@ -122,7 +122,7 @@ class GraphPicture {
     Missing m_missing;
     std::chrono::milliseconds m_patience = std::chrono::milliseconds::max();
     std::vector<Beyond> m_beyond;
-    bool m_marksSeen = false;
+    std::int32_t m_markRows = 0;  ///< of texts of marks
     std::array<std::optional<ColumnBand>, static_cast<std::size_t>(GraphBand::Count)> m_bands;
 };
 

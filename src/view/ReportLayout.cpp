@@ -280,8 +280,9 @@ ReportPlan ReportLayout::MarkTexts(const GraphScene& scene) const {
         const StripText text = CutText(m_style.sizeOf, MarkText(scene.block, line), room);
         if (text.text.empty() || line.column < 0) continue;
         const std::int32_t x = line.column + kMarkGap;
-        if (AreTextsAbove(scene)) plan.boxes.push_back({x, 1, x + text.size.width, 1 + text.size.height, kWhite});
-        plan.texts.push_back({text.text, x, 1, kMarkTextColor});
+        const std::int32_t y = 1 + line.row * text.size.height;
+        if (AreTextsAbove(scene)) plan.boxes.push_back({x, y, x + text.size.width, y + text.size.height, kWhite});
+        plan.texts.push_back({text.text, x, y, kMarkTextColor});
     }
     return plan;
 }

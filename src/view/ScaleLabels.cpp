@@ -91,11 +91,33 @@ std::vector<ScaleLabel> AmplitudeLabels(const Lane& lane, bool rawCodes, char16_
     return labels;
 }
 
+namespace {
+
+/// Sets rows and widths of the texts of lines in order. What is crowded has the row of its number, so that it does not
+/// depend on what else is seen.
+void StackTexts(std::vector<MarkLine>& lines) {
+    const auto isNear = [&](std::size_t at) { return lines[at + 1].column - lines[at].column < kCrowdedMarks; };
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        const bool crowded = (at > 0 && isNear(at - 1)) || (at + 1 < lines.size() && isNear(at));
+        lines[at].row = crowded ? lines[at].markIndex % kMarkRows : 0;
+    }
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        std::int32_t& width = lines[at].textWidth = kMarkTextWidth;
+        for (std::size_t next = at + 1; next < lines.size() && width == kMarkTextWidth; ++next) {
+            const std::int32_t away = lines[next].column - lines[at].column;
+            if (away >= kMarkTextWidth) break;
+            if (lines[next].row == lines[at].row) width = away;
+        }
+    }
+}
+
+}  // namespace
+
 std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block) {
-    // Include marks left of the graph whose text may reach into it, and those right of it that limit the width of a
-    // text.
-    const std::int32_t first = -kMarkTextWidth;
-    const std::int32_t last = axis.Width() + kMarkTextWidth;
+    // Include marks left of the graph whose text may reach into it, those right of it that limit the width of a text,
+    // and those that crowd these.
+    const std::int32_t first = -kMarkTextWidth - kCrowdedMarks;
+    const std::int32_t last = axis.Width() + kMarkTextWidth + kCrowdedMarks;
     const auto columnOf = [&](const BlockMark& mark) { return axis.ColumnOf(mark.position); };
     const auto leftOf = [&](std::int32_t column) {
         return [=](const BlockMark& mark) { return columnOf(mark) < column; };
@@ -104,17 +126,34 @@ std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block)
     const auto to = std::partition_point(from, block.marks.end(), leftOf(last));
     std::vector<MarkLine> lines;
     for (auto mark = from; mark != to; ++mark)
-        lines.push_back({columnOf(*mark), 0, static_cast<std::int32_t>(mark - block.marks.begin())});
+        lines.push_back({columnOf(*mark), 0, 0, static_cast<std::int32_t>(mark - block.marks.begin())});
     // Where several marks share a column, the first one stands for them.
     lines.erase(std::unique(lines.begin(), lines.end(),
                             [](const MarkLine& a, const MarkLine& b) { return a.column == b.column; }),
                 lines.end());
-    for (std::size_t at = 0; at < lines.size(); ++at) {
-        const std::int32_t room = at + 1 < lines.size() ? lines[at + 1].column - lines[at].column : kMarkTextWidth;
-        lines[at].textWidth = std::min(room, kMarkTextWidth);
-    }
-    std::erase_if(lines, [&](const MarkLine& line) { return line.column >= axis.Width(); });
+    StackTexts(lines);
+    std::erase_if(lines,
+                  [&](const MarkLine& line) { return line.column >= axis.Width() || line.column < -kMarkTextWidth; });
     return lines;
+}
+
+std::vector<MarkSpan> VisibleSpans(const TimeAxis& axis, const ViewBlock& block) {
+    std::vector<MarkSpan> spans;
+    for (const BlockMark& mark : block.marks) {
+        if (!(mark.seconds > 0.0) || !(block.sampleRate > 0.0)) continue;
+        const std::int32_t first = std::max(axis.ColumnOf(mark.position), 0);
+        if (first >= axis.Width()) break;
+        const double samples = std::max(std::ceil(mark.seconds * block.sampleRate), 1.0);
+        const double lastSample = std::min(mark.position + samples - 1.0, block.sampleCount - 1.0);
+        const std::int32_t last = std::min(axis.ColumnOf(static_cast<std::int32_t>(lastSample)), axis.Width() - 1);
+        if (last < first) continue;
+        if (!spans.empty() && first <= spans.back().last + 1) {
+            spans.back().last = std::max(spans.back().last, last);
+        } else {
+            spans.push_back({first, last});
+        }
+    }
+    return spans;
 }
 
 std::u16string ZoomCaption(int index) {

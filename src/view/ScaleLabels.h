@@ -38,16 +38,29 @@ struct ScaleLabel {
 /// Maximum width of a mark's text in pixels.
 inline constexpr std::int32_t kMarkTextWidth = 300;
 
+/// Rows in which the texts of crowded marks are stacked.
+inline constexpr std::int32_t kMarkRows = 3;
+/// Marks nearer to each other than this many pixels are crowded.
+inline constexpr std::int32_t kCrowdedMarks = 80;
+
 /// A vertical line of the graph with a text: a mark of the block.
 struct MarkLine {
     std::int32_t column = 0;     ///< pixel column of the graph; negative where only the text reaches into it
-    std::int32_t textWidth = 0;  ///< pixels to the next mark, at most kMarkTextWidth
+    std::int32_t textWidth = 0;  ///< pixels to the next mark of the same row, at most kMarkTextWidth
+    std::int32_t row = 0;        ///< of the text, from the top: below kMarkRows
     std::int32_t markIndex = 0;  ///< index in ViewBlock::marks
 };
 
 /// The marks that the graph shows, at most one per column. How a mark is shown does not depend on its position in the
 /// graph.
 [[nodiscard]] std::vector<MarkLine> VisibleMarks(const TimeAxis& axis, const ViewBlock& block);
+
+/// Columns first .. last of the graph that marks with a duration cover, in order and apart from each other.
+struct MarkSpan {
+    std::int32_t first = 0;
+    std::int32_t last = 0;
+};
+[[nodiscard]] std::vector<MarkSpan> VisibleSpans(const TimeAxis& axis, const ViewBlock& block);
 
 /// "1:1", "500:1", "2k:1": the X zoom as the menu and the zoom button show it.
 [[nodiscard]] std::u16string ZoomCaption(int index);

@@ -35,7 +35,7 @@ TEST_F(MarkListTest, WhatIsTypedLeavesMarksWithItInTextOrChannel) {
     EXPECT_THAT(Texts(), ElementsAre(u"Blink", u"blink again \"x\""));
     EXPECT_FALSE(m_list.SetFilter(u"blink"));
     EXPECT_TRUE(m_list.SetFilter(u"eeg c"));
-    EXPECT_THAT(m_list.Row(0), ElementsAre(u"7:30", u"", u"EEG C4", u"spike"));
+    EXPECT_THAT(m_list.Row(0), ElementsAre(u"0:07:30", u"", u"EEG C4", u"spike"));
     EXPECT_TRUE(m_list.SetFilter(u"СТАДИЯ"));
     EXPECT_EQ(m_list.Mark(0).position, 400);
     m_block.marks.push_back({95000, u"Стадия 3"});

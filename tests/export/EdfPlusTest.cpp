@@ -323,6 +323,7 @@ TEST_F(EdfPlusTest, ManyMarksAreSpreadOverTheRecordsAndKeepTheirOrder) {
                    {4, u""},
                    {4, std::u16string(5000, u'ж')},
                    {9, u"\U0001F600"}};
+    block.durations = {{2, 0.125}, {4, 1234.5}};
     const PlainEdf plain = Export(block, {.first = 3, .count = 1000});
     const auto read = Read();
     const std::vector<std::string> marks = Marks(*read);
@@ -331,6 +332,8 @@ TEST_F(EdfPlusTest, ManyMarksAreSpreadOverTheRecordsAndKeepTheirOrder) {
     EXPECT_EQ(marks[1], "2 Mark");
     EXPECT_EQ(read->MarkText(3), std::u16string(2048, u'ж'));
     EXPECT_EQ(marks[3], "7 \U0001F600");
+    for (const auto& [mark, duration] : {std::pair{1, 0.0}, {2, 0.125}, {4, 1234.5}})
+        EXPECT_EQ(read->MarkDuration(mark), duration) << mark;
 }
 
 TEST_F(EdfPlusTest, HeadersTellFiltersReferenceAndPlainUnits) {

@@ -29,6 +29,7 @@ class FakeBlock : public RecordingBlock {
     std::vector<float> scales;
     std::vector<float> offsets;  ///< the channel's number where there are none
     std::vector<std::pair<std::int32_t, std::u16string>> marks;
+    std::map<std::int32_t, double> durations;  ///< of marks, by their number from 1
     std::vector<std::string> failing;
     std::int32_t holeFrom = 0, holeTo = 0;  ///< samples from 0 that cannot be read, the second one outside
 
@@ -96,6 +97,10 @@ class FakeBlock : public RecordingBlock {
     }
     std::u16string MarkText(std::int32_t mark) const override {
         return Ask("MarkText"), marks.at(static_cast<std::size_t>(mark - 1)).second;
+    }
+    double MarkDuration(std::int32_t mark) const override {
+        const auto found = durations.find(mark);
+        return found == durations.end() ? 0.0 : found->second;
     }
     std::u16string DeviceName() const override { return {}; }
     std::u16string BlockName() const override { return {}; }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 
 #include "base/Text.h"
@@ -169,11 +170,48 @@ TEST(VisibleMarks, LieInTheirColumnsAndLookTheSameWhereverTheyLie) {
         std::string all;
         for (const MarkLine& line : VisibleMarks(axis, block))
             all += Utf8(block.marks[static_cast<std::size_t>(line.markIndex)].text) + " at " +
-                   std::to_string(line.column) + ", " + std::to_string(line.textWidth) + " wide|";
+                   std::to_string(line.column) + ", row " + std::to_string(line.row) + ", " +
+                   std::to_string(line.textWidth) + " wide|";
         return all;
     };
-    // One line stands for both marks of the first column; a text ends at the next mark, though that is out of view.
-    EXPECT_EQ(lines(), "text reaches in at -50, 50 wide|first at 0, 99 wide|last at 99, 3 wide|");
+    // One line stands for both marks of the first column; texts near each other are in rows, and a text ends at the
+    // next mark of its row, though that is out of view.
+    EXPECT_EQ(lines(),
+              "text reaches in at -50, row 0, 149 wide|first at 0, row 1, 102 wide|last at 99, row 0, 300 wide|");
+}
+
+TEST(VisibleMarks, RowsDoNotDependOnThePlace) {
+    TimeAxis axis = Axis(100000, 300);
+    axis.SelectZoom(3);
+    ViewBlock block;
+    block.sampleCount = 100000;
+    for (std::int32_t mark = 0, at = 0; at < 99000; at += 10 + 97 * mark % 1200, ++mark)
+        block.marks.push_back({at, Decimal(mark)});
+    std::map<std::int32_t, std::pair<std::int32_t, std::int32_t>> known;
+    for (int step = 0; step < 60; ++step) {
+        for (const MarkLine& line : VisibleMarks(axis, block)) {
+            const std::pair looks(line.row, line.textWidth);
+            EXPECT_EQ(known.try_emplace(line.markIndex, looks).first->second, looks) << line.markIndex;
+        }
+        axis.ScrollBy(37);
+    }
+    EXPECT_GT(known.size(), 30U);
+}
+
+TEST(VisibleMarks, SpansAreCutAndJoined) {
+    TimeAxis axis = Axis(100000, 100);
+    axis.SelectZoom(3);
+    axis.ScrollBy(axis.PageShift(0));
+    axis.ScrollBy(50);  // samples 501 to 1500, 10 per column
+    ViewBlock block;
+    block.sampleRate = 100.0;
+    block.sampleCount = 100000;
+    block.marks = {{0, u"epoch", 6.0},  {0, u"over", 2.0},    {590, u"in it", 0.2},  {700, u"no length"},
+                   {800, u"next", 1.0}, {900, u"joins", 0.5}, {1400, u"cut", 900.0}, {1600, u"behind", 1.0}};
+    std::string all;
+    for (const MarkSpan& span : VisibleSpans(axis, block))
+        all += std::to_string(span.first) + "-" + std::to_string(span.last) + " ";
+    EXPECT_EQ(all, "0-10 30-44 90-99 ");
 }
 
 }  // namespace

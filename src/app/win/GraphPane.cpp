@@ -90,7 +90,8 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     const HWND picture = id == pbGraph ? m_graph.Window() : id == pbScaleX ? m_scaleX.Window() : m_scaleY.Window();
     GetClientRect(picture, &client);
     if (id == pbScaleX)
-        m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()));
+        m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
+                           VisibleSpans(m_view.Axis(), m_document.Block()));
     if (id == pbScaleY && HasSamples() && m_view.UsesLanes()) {
         m_titles.Paint(dc, client);
     } else if (id == pbScaleY) {
@@ -161,7 +162,7 @@ void GraphPane::Refresh(std::int32_t shift) {
 bool GraphPane::SeesOtherMarks() const {
     const std::vector<MarkLine> marks = VisibleMarks(m_view.Axis(), m_document.Block());
     const auto same = [](const MarkLine& a, const MarkLine& b) {
-        return a.column == b.column && a.textWidth == b.textWidth;
+        return a.column == b.column && a.textWidth == b.textWidth && a.row == b.row;
     };
     return !std::equal(marks.begin(), marks.end(), m_marks.begin(), m_marks.end(), same);
 }

@@ -69,10 +69,13 @@ void GraphPainter::DrawMarkTexts(const GraphScene& scene, int from, int to) cons
     SetTextColor(dc, kMarkColor);
     SetBkMode(dc, AreTextsAbove(scene) ? OPAQUE : TRANSPARENT);
     SetBkColor(dc, kWhite);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(dc, &metrics);
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
         const std::wstring text = Wide(MarkText(scene.block, line));
         if (text.empty()) continue;
-        RECT place{line.column + kMarkGap, 1, line.column + line.textWidth, m_picture.Height()};
+        RECT place{line.column + kMarkGap, 1 + line.row * metrics.tmHeight, line.column + line.textWidth,
+                   m_picture.Height()};
         DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,
                   DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
     }

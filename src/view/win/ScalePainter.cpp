@@ -8,13 +8,17 @@ namespace {
 
 constexpr int kTick = 5;
 constexpr int kMinorTick = 3;
+constexpr int kBand = 4;
+constexpr COLORREF kBandColor = RGB(0xE0, 0xA8, 0xA8);
 
 }  // namespace
 
 ScalePainter::ScalePainter() : m_font(MakeFont(ScreenDpi())) {}
 
-void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels) const {
+void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels,
+                             const std::vector<MarkSpan>& spans) const {
     FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
+    for (const MarkSpan& span : spans) FillWith(dc, {span.first, 0, span.last + 1, kBand}, kBandColor);
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
     const COLORREF tick = TickColor();

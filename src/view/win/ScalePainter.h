@@ -10,9 +10,10 @@ class ScalePainter {
   public:
     ScalePainter();
 
-    /// Time labels, each at its division with a tick above it. A label that would run into the next one or over the
-    /// edge is left out.
-    void PaintTime(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels) const;
+    /// Time labels, each at its division with a tick above it, over bands for marks that last. A label that would run
+    /// into the next one or over the edge is left out.
+    void PaintTime(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels,
+                   const std::vector<MarkSpan>& spans) const;
     /// Amplitude labels, right-aligned beside the graph, with a tick at the right edge.
     void PaintAmplitude(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels) const;
 
