@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 
 #include "cli/Commands.h"
@@ -21,12 +20,7 @@ inline constexpr std::array kOwnPsdOptions = {
 };
 
 /// The options of its own, and how signals are shown.
-inline constexpr auto kPsdOptions = [] {
-    std::array<OptionRule, kOwnPsdOptions.size() + kShownOptions.size()> all{};
-    std::copy(kShownOptions.begin(), kShownOptions.end(),
-              std::copy(kOwnPsdOptions.begin(), kOwnPsdOptions.end(), all.begin()));
-    return all;
-}();
+inline constexpr auto kPsdOptions = JoinedRules(kOwnPsdOptions, kShownOptions);
 
 /// Writes averaged spectra as text. A channel that cannot be read has empty columns, which standard error tells.
 void RunPsd(const CommandContext& context);

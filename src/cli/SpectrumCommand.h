@@ -11,7 +11,9 @@
 
 namespace quillon::cli {
 
-inline constexpr std::array kSpectrumOptions = {
+// Not inline: GCC 12 for Windows puts one of two equal tables into a section that can be written, and both then
+// collide.
+[[maybe_unused]] constexpr std::array kSpectrumOptions = {
     OptionRule{u"--block", true, u"number of the block, from 1 (1)", u"N"},
     OptionRule{u"--channel", true, u"number of the channel, from 1 (1)", u"N"},
     OptionRule{u"--order", true, u"each spectrum is of 2^N samples (8)", u"5..11"},
