@@ -41,6 +41,7 @@ bool MarkList::Contains(const BlockMark& mark) const {
 
 void MarkList::Update() {
     m_lines.clear();
+    m_marks = m_block.marks.size();
     for (std::size_t at = 0; at < m_block.marks.size(); ++at)
         if (Contains(m_block.marks[at])) m_lines.push_back(static_cast<std::uint32_t>(at));
 }
@@ -66,6 +67,7 @@ std::u16string MarkList::Cell(std::size_t line, Column column) const {
 }
 
 std::optional<std::size_t> MarkList::LineAt(std::int32_t sample) const {
+    if (Count() == 0) return std::nullopt;
     const auto behind = std::partition_point(
         m_lines.begin(), m_lines.end(), [&](std::uint32_t mark) { return m_block.marks[mark].position <= sample; });
     if (behind == m_lines.begin()) return std::nullopt;

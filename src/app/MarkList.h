@@ -32,8 +32,8 @@ class MarkList {
     /// False where that changes nothing.
     bool SetFilter(const std::u16string& typed);
     [[nodiscard]] bool IsFiltered() const { return !m_filter.empty(); }
-    /// Lines, of all marks those that the filter leaves.
-    [[nodiscard]] std::size_t Count() const { return m_lines.size(); }
+    /// Lines, of all marks those that the filter leaves; none where the marks are others than at the last Update.
+    [[nodiscard]] std::size_t Count() const { return m_block.marks.size() == m_marks ? m_lines.size() : 0; }
     /// The mark of a line, from 0.
     [[nodiscard]] const BlockMark& Mark(std::size_t line) const { return m_block.marks[m_lines[line]]; }
     [[nodiscard]] std::u16string Cell(std::size_t line, Column column) const;
@@ -54,6 +54,7 @@ class MarkList {
     const FormatOptions& m_format;
     std::u16string m_filter;             ///< in lower case
     std::vector<std::uint32_t> m_lines;  ///< indices of marks
+    std::size_t m_marks = 0;             ///< of the block
 };
 
 }  // namespace quillon

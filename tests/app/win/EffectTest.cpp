@@ -41,6 +41,10 @@ const Effect kEffects[] = {
     {mnuTabPath + 1, "", "pages=11", mnuTabPath},
     {mnuTabFile, "F5", "pages=10"},
     {mnuTabFile + 1, "", "pages=11", mnuTabFile},
+    {mnuTabFile + 2, "", "pages=12"},
+    {mnuMarkList, "lvMarks:Ctrl+C", "clipboard=text status=Marks cop", mnuTabFile + 2},
+    {mnuMarkList + 1, "", "save=1"},
+    {mnuMarkList + 2, "", "dialog=Count Marks"},
     {mnuSpectrogram, "G", "spectrogram=1"},
     {mnuNextPalette, "Shift+G", "palette=1"},
     {mnuFilterRow, "F", "filters=1"},
@@ -142,6 +146,7 @@ const Effect kEffects[] = {
     {mnuFocus + 1, "Ctrl+2", "list=1"},
     {mnuFocus + 2, "Ctrl+3", "list=4 pages=10"},
     {mnuFocus + 3, "Ctrl+4", "list=5"},
+    {mnuFocus + 4, "Ctrl+5", "list=27 pages=12"},
 };
 
 /// The main window over a sound device of the test's, in one and the same state again and again.
@@ -259,6 +264,7 @@ class EffectTest : public MainWindowTest {
                                                 L"Rename",
                                                 L"Options",
                                                 L"New Montage",
+                                                L"Count Marks",
                                                 L"Go To",
                                                 L"Quillon",
                                                 L"Statistics of Selection",
@@ -285,7 +291,7 @@ class EffectTest : public MainWindowTest {
                  selection.active ? std::to_string(selection.First()) + '-' + std::to_string(selection.Last()) : ""},
                 {"sound", calls},
                 {"card", std::to_string(m_device.chosen)},
-                {"list", focus == lstDir || focus == lvCh || focus == lstFile || focus == lstBlock
+                {"list", focus == lstDir || focus == lvCh || focus == lstFile || focus == lstBlock || focus == lvMarks
                              ? std::to_string(focus - lstDir)
                              : ""},
                 {"file", Utf8(FileNameOf(m_global.document->File().fileName))},
@@ -321,7 +327,8 @@ class EffectTest : public MainWindowTest {
             {"Minus", VK_OEM_MINUS}, {"Space", VK_SPACE},    {"Enter", VK_RETURN},
             {"Esc", VK_ESCAPE},      {"Backspace", VK_BACK}, {"Del", VK_DELETE},
             {"F1", VK_F1},           {"F2", VK_F2},          {"F5", VK_F5}};
-        static const std::map<std::string_view, int> lists{{"lstDir", lstDir}, {"lvCh", lvCh}, {"lstFile", lstFile}};
+        static const std::map<std::string_view, int> lists{
+            {"lstDir", lstDir}, {"lvCh", lvCh}, {"lstFile", lstFile}, {"lvMarks", lvMarks}};
         if (const std::size_t end = key.find(':'); end != key.npos) {
             SetFocus(Control(lists.at(key.substr(0, end))));
             key.remove_prefix(end + 1);
@@ -408,7 +415,7 @@ TEST_F(EffectTest, EveryCommandHasItsOneEffectByEveryWay) {
             std::string changes = ChangesOf(effect, [&] { Press(key); });
             // The list that the key belongs to had the focus.
             if (const std::size_t list = changes.find("list="); key.find(':') != key.npos && list != changes.npos)
-                changes.erase(list == 0 ? 0 : list - 1, list == 0 ? 7 : 7);
+                changes.erase(list == 0 ? 0 : list - 1, std::min(changes.find(' ', list), changes.size()) - list + 1);
             EXPECT_EQ(changes, effect.changes) << "by " << key;
         }
     }
