@@ -119,7 +119,7 @@ Lanes ChannelLanes::Make() const {
 
 std::int64_t ChannelLanes::Shift(const LaneChannel& channel, double laneHeight) const {
     const LaneScales& scales = Scales();
-    const double rows = scales.OwnOf(channel).middle * (laneHeight / scales.ValuesPerLane(channel));
+    const double rows = scales.OwnOf(channel).Middle(channel) * (laneHeight / scales.ValuesPerLane(channel));
     constexpr auto farthest = static_cast<double>(kFarthest);
     return static_cast<std::int64_t>(std::nearbyint(std::clamp(rows, -farthest, farthest)));
 }
@@ -129,7 +129,8 @@ void ChannelLanes::MoveDown(const LaneChannel& channel, double laneHeight, std::
     const std::int64_t shift = std::clamp(Shift(channel, laneHeight) + down, -kFarthest, kFarthest);
     LaneScales& scales = ChangedScales();
     // In whole rows, so that moving back leads to the same rows again.
-    scales.channels[channel.key].middle = static_cast<double>(shift) / (laneHeight / scales.ValuesPerLane(channel));
+    scales.channels[channel.key].Middle(channel) =
+        static_cast<double>(shift) / (laneHeight / scales.ValuesPerLane(channel));
 }
 
 void ChannelLanes::ZoomAll(int steps) {
@@ -175,7 +176,7 @@ void ChannelLanes::MoveAll(std::int64_t rows) {
 }
 
 void ChannelLanes::CentreZero() {
-    for (const LaneChannel& channel : Channels()) ChangedScales().channels[channel.key].middle = 0.0;
+    for (const LaneChannel& channel : Channels()) ChangedScales().channels[channel.key].Middle(channel) = 0.0;
 }
 
 namespace {

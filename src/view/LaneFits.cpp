@@ -92,7 +92,7 @@ bool IsReadable(const LaneFit& fit, std::size_t at, const LaneScales& scales) {
     const LaneChannel& channel = fit.channels[at];
     const LaneSpan& span = *fit.spans[at];
     const double lane = scales.ValuesPerLane(channel);
-    const double inside = Inside(span, scales.OwnOf(channel).middle, lane);
+    const double inside = Inside(span, scales.OwnOf(channel).Middle(channel), lane);
     return 2.0 * span.half >= lane / 8.0 && inside >= 0.8 * 2.0 * span.half;
 }
 
@@ -171,7 +171,7 @@ void FitGroups(const LaneFit& fit, LaneScales& scales) {
         const LaneChannel& channel = fit.channels[at];
         if (!fit.spans[at]) continue;
         LaneScales::Own& own = scales.channels[channel.key];
-        own.middle = fit.spans[at]->middle;
+        own.Middle(channel) = fit.spans[at]->middle;
         double& most = needed[channel.group.name];
         most = std::max(most, Needed(fit, at) * StepValue(own.step));
     }
@@ -183,7 +183,7 @@ void FitGroups(const LaneFit& fit, LaneScales& scales) {
 void FitChannel(const LaneFit& fit, std::size_t channel, LaneScales& scales) {
     if (!fit.spans[channel]) return;
     LaneScales::Own& own = scales.channels[fit.channels[channel].key];
-    own.middle = fit.spans[channel]->middle;
+    own.Middle(fit.channels[channel]) = fit.spans[channel]->middle;
     if (Needed(fit, channel) > 0.0) own.step = FittingStep(fit, channel, scales);
 }
 
@@ -197,8 +197,8 @@ bool KeepScale(const LaneFit& fit, const std::vector<std::size_t>& group, const 
         LaneScales::Own& own = scales.channels[channel.key];
         if (!fit.spans[at]) continue;
         const bool isKnown = known.channels.contains(channel.key);
-        if (!isKnown || Inside(*fit.spans[at], own.middle, scales.ValuesPerLane(channel)) < 0.0)
-            own.middle = fit.spans[at]->middle;
+        if (!isKnown || Inside(*fit.spans[at], own.Middle(channel), scales.ValuesPerLane(channel)) < 0.0)
+            own.Middle(channel) = fit.spans[at]->middle;
     }
     if (!known.groups.contains(fit.channels[group.front()].group.name)) return false;
     const std::vector<std::size_t> deciding = Deciding(fit, group);
@@ -224,7 +224,8 @@ void FitTypical(const LaneFit& fit, LaneScales& scales) {
         }
         ChooseScale(fit, group, scales);
         for (const std::size_t at : group) {
-            if (fit.spans[at]) scales.channels[fit.channels[at].key].middle = fit.spans[at]->middle;
+            const LaneChannel& channel = fit.channels[at];
+            if (fit.spans[at]) scales.channels[channel.key].Middle(channel) = fit.spans[at]->middle;
         }
     }
 }

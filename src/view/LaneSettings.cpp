@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/Text.h"
+#include "data/ShownChannels.h"
 #include "view/ScaleSteps.h"
 
 namespace quillon {
@@ -18,6 +19,12 @@ constexpr const char16_t* kCodes = u" codes";
 
 double FiniteOr0(double value) {
     return std::isfinite(value) ? value : 0.0;
+}
+
+bool IsHighPassed(const Signal& signal, const ShownSettings& settings) {
+    if (signal.block.block == signal.block.stored || settings.unfiltered.contains(signal.title)) return false;
+    const nsp::FilterSettings filter = settings.FilterOf(GroupOf(signal.unit).name);
+    return UsableAt(filter, signal.block.sampleRate).highPass > 0.0;
 }
 
 }  // namespace
@@ -38,6 +45,7 @@ std::vector<LaneChannel> LaneChannelsOf(const Document& document, bool rawCodes)
         // No title has a control character.
         if (const int count = ++titles[channel.title]; count > 1) channel.key += u'\x1F' + Decimal(count);
         channel.shown = signal.shown;
+        channel.isHighPassed = IsHighPassed(signal, document.Shown());
         channel.group = rawCodes ? UnitGroup{kCodes} : GroupOf(signal.unit);
         const auto invScale = static_cast<double>(signal.block.invScale[at]);
         channel.perCode = rawCodes ? 1.0 : invScale == 0.0 ? 0.0 : FiniteOr0(1.0 / invScale);

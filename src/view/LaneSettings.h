@@ -19,6 +19,7 @@ struct LaneChannel {
     UnitGroup group;       ///< of its unit; codes are a group of their own, whose name no unit can have
     double perCode = 0.0;  ///< value of a code = code x perCode + offset; 0 for a channel without a scale
     double offset = 0.0;
+    bool isHighPassed = false;  ///< what is constant is taken away
     bool shown = false;
     std::int16_t number = 0;  ///< acquisition channel number, which gives its colour
     std::size_t place = 0;    ///< among the signals in the order of the recording
@@ -32,8 +33,11 @@ struct LaneChannel {
 struct LaneScales {
     /// Of one channel.
     struct Own {
-        int step = 0;         ///< by which its scale is finer than that of its group
-        double middle = 0.0;  ///< value in the middle of its lane
+        int step = 0;                   ///< by which its scale is finer than that of its group
+        double middle = 0.0;            ///< value in the middle of its lane
+        double middleHighPassed = 0.0;  ///< the same as long as a high pass takes away what is constant
+        [[nodiscard]] double Middle(const LaneChannel& of) const { return of.isHighPassed ? middleHighPassed : middle; }
+        double& Middle(const LaneChannel& of) { return of.isHighPassed ? middleHighPassed : middle; }
         friend bool operator==(const Own&, const Own&) = default;
     };
     std::map<std::u16string, int> groups;    ///< base units per lane height, by the group's name

@@ -90,6 +90,35 @@ TEST_F(ShownTest, WhatAFilterRemembersForLongIsDrawnInSlices) {
     }
 }
 
+TEST_F(ShownTest, BehindAHighPassTracesLieInTheirLanesAndGoBackToWhereTheyWere) {
+    Open(2, 20000);
+    m_block->offsets = {5000.0F, -30000.0F};
+    LoadBlock(0);
+    Show(5000);
+    m_view.FindData();
+    const auto zeroRows = [this] {
+        std::vector<std::int32_t> rows;
+        const GraphScene scene = Scene();
+        for (const Lane& lane : scene.lanes)
+            rows.push_back(static_cast<std::int32_t>(lane.zeroRow) - lane.top - lane.height / 2);
+        return rows;
+    };
+    const std::vector<std::int32_t> raw = zeroRows();
+    EXPECT_GT(std::abs(raw[0]), 100);
+    ShownSettings filtered;
+    filtered.filters[GroupOf(m_block->ChannelUnit(1)).name] = {.highPass = 0.5};
+    ShowAs(filtered);
+    EXPECT_THAT(zeroRows(), ElementsAre(0, 0));
+    filtered.unfiltered = {u"B"};
+    ShowAs(filtered);
+    EXPECT_THAT(zeroRows(), ElementsAre(0, raw[1]));
+    filtered.filters.begin()->second = {.lowPass = 30.0};
+    ShowAs(filtered);
+    EXPECT_EQ(zeroRows(), raw);
+    ShowAs({});
+    EXPECT_EQ(zeroRows(), raw);
+}
+
 TEST_F(ShownTest, PairsOfAMontageAreSignalsInFrontOfTheOthers) {
     Open(3, 5000);
     ShownSettings settings;
