@@ -91,7 +91,8 @@ bool IsEnabled(int id, const CommandState& state) {
     if (Within(id, mnuSoundCard, kSoundCards)) return id - mnuSoundCard < state.soundDevices;
     if (id == mnuSoundPlay + 2) return state.playing;
     if (state.channelCount == 0) return false;
-    if (id == mnuSaveAs || id == mnuFastExport || id == mnuSplit || Within(id, mnuCopy, 2))
+    if (id == mnuSaveAs || id == mnuFastExport || id == mnuSplit || Within(id, mnuCopy, 2) || id == mnuSavePicture ||
+        id == mnuPrint)
         return state.sampleCount > 0;
     if (Within(id, mnuSoundPlay, 2)) return state.soundDevices > 0 && state.sampleCount > 0;
     if (id == mnuSelect + 2) return state.hasSelection || state.playing || state.stoppable;

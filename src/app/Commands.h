@@ -18,6 +18,8 @@ enum CommandId : int {
     mnuOptions = 1020,
     mnuExit,
     mnuCopy = 1030,  ///< 0 data, 1 image
+    mnuSavePicture = 1032,
+    mnuPrint,
     mnuTabPath = 1040,
     mnuTabFile = 1050,  ///< 0 files, 1 blocks, 2 marks
     mnuSpectrogram = 1060,

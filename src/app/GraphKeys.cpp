@@ -68,6 +68,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Everywhere, Letter('S'), mnuSaveAs, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('E'), mnuFastExport, kControl, kShift},
     KeyBinding{KeyPlace::Everywhere, Letter('S'), mnuSplit, kControl, kShift},
+    KeyBinding{KeyPlace::Everywhere, Letter('P'), mnuPrint, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('P'), mnuSpectrum, kControl, kShift},
     KeyBinding{KeyPlace::Everywhere, Key::Left, mnuMark + 0, kNo, kNo, kAlt},
     KeyBinding{KeyPlace::Everywhere, Key::Right, mnuMark + 1, kNo, kNo, kAlt},

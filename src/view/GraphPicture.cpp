@@ -66,13 +66,13 @@ GridRow KindOfSingle(const Lane& lane, GridStyle style, std::int32_t row) {
     return lines ? GridRow::Between : GridRow::Empty;
 }
 
-GridRow KindOf(const Lane& lane, GridStyle style, std::int32_t row) {
+GridRow KindOf(const Lane& lane, GridStyle style, std::int32_t enlargement, std::int32_t row) {
     if (lane.single) return KindOfSingle(lane, style, row);
     const std::int64_t above = lane.zeroRow - row;
     // The zero level is no part of the grid.
     if (above == 0) return GridRow::Zero;
     if (style == GridStyle::None) return GridRow::Empty;
-    if (above % AmplitudeScale::kDivision == 0) return GridRow::Level;
+    if (above % (AmplitudeScale::kDivision * enlargement) == 0) return GridRow::Level;
     // The dots of the vertical lines lie on the levels. Whole lines begin where their first dot would be.
     if (above % kDotStep == 0) return GridRow::Between;
     const std::int64_t down = row - lane.top;
@@ -219,7 +219,8 @@ void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int
     std::int32_t row = 0;
     for (const Lane& lane : scene.lanes) {
         for (; row < std::min(lane.top, m_height); ++row) draw(row, GridRow::Empty);
-        for (; row < std::min(lane.top + lane.height, m_height); ++row) draw(row, KindOf(lane, scene.gridStyle, row));
+        for (; row < std::min(lane.top + lane.height, m_height); ++row)
+            draw(row, KindOf(lane, scene.gridStyle, scene.enlargement, row));
     }
     for (; row < m_height; ++row) draw(row, GridRow::Empty);
 }

@@ -27,6 +27,8 @@ struct GraphScene {
     std::vector<std::int32_t> gridColumns{};
     /// The other blocks of the stretch, whose signals the lanes of a free axis may show.
     SceneBlocks others{};
+    std::int32_t enlargement =
+        1;  ///< pixels for one of the window's; levels are AmplitudeScale::kDivision of these apart
 
     [[nodiscard]] SceneBlocks Blocks() const {
         SceneBlocks blocks{{block, extremes}};

@@ -86,7 +86,7 @@ void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t
             const std::size_t trace = first + at;
             DrawTrace(scene, scene.lanes[traces[trace].lane],
                       {of.block, static_cast<std::size_t>(channels[at] - 1), reader.points()[at],
-                       grid.HasColumnsPerSample(columnsOfDots)},
+                       grid.HasColumnsPerSample(columnsOfDots * scene.enlargement)},
                       trace, from, to);
         }
     }
@@ -114,13 +114,16 @@ void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, const So
     } else {
         ToPixels(mapping, source.points, m_trace);
     }
-    m_canvas.Limit(lane.clip ? lane.top : 0, lane.clip ? lane.End() : m_height);
+    const std::int32_t top = lane.clip ? lane.top : 0;
+    const std::int32_t end = lane.clip ? lane.End() : m_height;
+    m_canvas.Limit(top, end);
+    m_colors[trace] = TraceColor(block.channelNumbers[source.channel]);
+    if (onTrace) onTrace({m_trace, m_colors[trace], top, end, !mapping.flat && source.dots});
     const auto id = static_cast<std::uint8_t>(trace + 1);
     if (!mapping.flat && source.dots) m_canvas.DrawDots(m_trace, id);
     if (free && !mapping.flat) JoinColumns(m_trace, from, to);
     m_canvas.Draw(m_trace, id);
     m_sides.Mark(trace, from, to, m_trace, lane.top, lane.End());
-    m_colors[trace] = TraceColor(block.channelNumbers[source.channel]);
 }
 
 void TracePicture::ForgetBlock() {

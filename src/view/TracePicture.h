@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,10 +14,23 @@
 
 namespace quillon {
 
+/// A part of a trace as lines from point to point.
+struct DrawnTrace {
+    const std::vector<DevicePoint>& points;
+    std::uint32_t color;  ///< 0xRRGGBB
+    std::int32_t top;     ///< rows that it is limited to, the second one behind them
+    std::int32_t end;
+    bool dots;  ///< a dot at every point
+};
+
 /// The traces of the shown signals as pixels: reads their points, maps them to rows and draws them, the first one on
 /// top. Records which of them are entirely above or below their lane.
 class TracePicture {
   public:
+    /// Given what is drawn of each trace: its points, in the order in which they are joined, those that lie beyond the
+    /// drawn columns included; the last trace first.
+    std::function<void(const DrawnTrace& trace)> onTrace;
+
     /// An empty picture of that size; `traces` is the number of channels in all lanes, see TracesOf.
     void Reset(std::size_t traces, std::int32_t width, std::int32_t height);
     /// Moves the drawn columns left by `shift`; the uncovered ones have to be drawn.

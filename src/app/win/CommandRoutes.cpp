@@ -16,6 +16,8 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuSaveAs, 1, [](R r, F, int) { r.exports.SaveAs(); }},
         {mnuFastExport, 1, [](R r, F, int) { r.exports.FastExport(); }},
         {mnuCopy, 2, [](R r, F, int i) { i == 0 ? r.exports.CopyData() : r.dialogs.CopyImage(); }},
+        {mnuSavePicture, 1, [](R r, F, int) { r.pictures.Save(); }},
+        {mnuPrint, 1, [](R r, F, int) { r.pictures.Print(); }},
         {mnuSplit, 1, [](R r, F, int) { r.dialogs.Split(); }},
         {mnuOptions, 1, [](R r, F, int) { r.dialogs.Options(); }},
         {mnuSoundPlay, 3, [](R r, F, int i) { r.commands.Play(i); }},

@@ -61,6 +61,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// Text shown in a graph without traces.
     void SetNotice(GraphNotice notice);
 
+    /// What the graph shows; valid until the view changes.
+    [[nodiscard]] GraphScene Scene() const;
     /// Chooses scales for a block that is not readable at the present ones; once it is drawn if reading takes long.
     void FitScales();
     /// Draws some of the columns that are missing; false when none is.
@@ -121,7 +123,6 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void Hover(int x, int y);
     void ReadOut(std::int32_t sample, int x, int row);
     void SetBand(GraphBand which, const std::optional<ColumnBand>& band);
-    [[nodiscard]] GraphScene Scene() const;
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
 
     const Document& m_document;

@@ -33,6 +33,7 @@ MainRooms::MainRooms(RoomParts parts)
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
       dialogs({m_parts, graph, spectrogram, m_hover, status, longCommand}),
+      pictures({m_parts, graph, spectrogram, longCommand}),
       spectrum(m_parts, slices.work) {
     WireGraph();
     WireLists();
@@ -153,14 +154,14 @@ void MainRooms::WireCommands() {
         slices.work.Measure([pass] { return pass->Step(); }, [pass] { return pass->Share(); });
     };
     dialogs.onPrepare = [this] { return slices.CompleteScales(); };
-    dialogs.onPictures = [this] { return CompletePictures(); };
+    dialogs.onPictures = pictures.onPictures = [this] { return CompletePictures(); };
     dialogs.onFiles = [this] { browser.FilesChanged(); };
     longCommand.onEnd = [this] { browser.CatchUp(); };
     longCommand.onClose = [this] { return m_parts.services.Ask(m_parts.services.Text(IDS_STOP_AND_CLOSE)); };
-    exports.onDialog = [this] { m_hover.End(); };
-    exports.onWork = [this](const std::function<void()>& work) { RunLong(work); };
+    exports.onDialog = pictures.onDialog = [this] { m_hover.End(); };
+    exports.onWork = pictures.onWork = [this](const std::function<void()>& work) { RunLong(work); };
     exports.onPrepare = [this] { return slices.CompleteScales(); };
-    exports.onPending = [this] { return longCommand.StayAlive(); };
+    exports.onPending = pictures.onPending = [this] { return longCommand.StayAlive(); };
     exports.isGone = [this] { return longCommand.IsGone(); };
 }
 

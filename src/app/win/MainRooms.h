@@ -18,6 +18,7 @@
 #include "app/win/HoverCapture.h"
 #include "app/win/LongCommand.h"
 #include "app/win/Panel.h"
+#include "app/win/PictureCommands.h"
 #include "app/win/RecordingPane.h"
 #include "app/win/RoomParts.h"
 #include "app/win/SliceRunner.h"
@@ -132,6 +133,7 @@ class MainRooms {
     BrowserPane browser;
     ExportCommands exports;
     DialogCommands dialogs;
+    PictureCommands pictures;
     SpectrumWindow spectrum;
 };
 

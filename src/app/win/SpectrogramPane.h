@@ -38,6 +38,7 @@ class SpectrogramPane final : private PictureOwner {
 
     [[nodiscard]] bool Create(HWND parent);
     [[nodiscard]] HWND Picture() const { return m_picture.Window(); }
+    [[nodiscard]] HWND Palette() const { return m_palette.Window(); }
     [[nodiscard]] HWND Scale() const { return m_scale.Window(); }
 
     void BuildPalette() { m_fft.FFT_BuildPalette(); }

@@ -32,6 +32,8 @@ const Effect kEffects[] = {
     {mnuSaveAs, "Ctrl+S", "save=1"},
     {mnuFastExport, "Ctrl+Shift+E", "status=The file "},
     {mnuSplit, "Ctrl+Shift+S", "dialog=Splitting"},
+    {mnuSavePicture, "", "save=1"},
+    {mnuPrint, "Ctrl+P", "status=There is "},
     {mnuFileOperation, "lstFile:Del", "column=0 dialog=of the shell scale=3 shift=3798"},
     {mnuFileOperation + 1, "lstFile:F2", "dialog=Rename"},
     {mnuOptions, "", "dialog=Options"},
