@@ -73,7 +73,7 @@ void MainRooms::WireGraph() {
     spectrogram.onBusy = graph.onBusy;
     spectrogram.onPointer = [this] { return graph.Pointer(); };
     spectrogram.onPress = [this] { SetFocus(graph.Graph()); };
-    spectrogram.onFailed = spectrum.onFailed = graph.onFailed;
+    spectrogram.onFailed = spectrum.onFailed = browser.onFailed = playback.onFailed = slices.onFailed = graph.onFailed;
 }
 
 void MainRooms::WireLists() {
@@ -97,7 +97,6 @@ void MainRooms::WireLists() {
     };
     browser.onLook = [this] { LookAtRecording(true, false); };
     browser.onPathList = [this] { onPathList(); };
-    browser.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     m_reload.stampOf = [](const std::u16string& path) { return StampOf(Wide(path)); };
     m_reload.isSlow = [this] { return IsRemote(browser.Folder()); };
     m_reload.onOpen = [this](const std::u16string& name) { OpenFile(Wide(name)); };
@@ -119,7 +118,6 @@ void MainRooms::WireSound() {
     };
     playback.onError = [this](const std::u16string& text) { status.Tell(StatusBar::Topic::Sound, text); };
     playback.onScroll = [this](std::int32_t columns) { ViewChanged(view.ScrollBy(columns)); };
-    playback.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
 }
 
 void MainRooms::WireCommands() {
@@ -153,21 +151,19 @@ void MainRooms::WireCommands() {
         if (pass == nullptr) return slices.work.EndMeasure();
         slices.work.Measure([pass] { return pass->Step(); }, [pass] { return pass->Share(); });
     };
-    dialogs.onPrepare = [this] { return slices.CompleteScales(); };
+    dialogs.onPrepare = exports.onPrepare = [this] { return slices.CompleteScales(); };
     dialogs.onPictures = pictures.onPictures = [this] { return CompletePictures(); };
     dialogs.onFiles = [this] { browser.FilesChanged(); };
     longCommand.onEnd = [this] { browser.CatchUp(); };
     longCommand.onClose = [this] { return m_parts.services.Ask(m_parts.services.Text(IDS_STOP_AND_CLOSE)); };
     exports.onDialog = pictures.onDialog = [this] { m_hover.End(); };
     exports.onWork = pictures.onWork = [this](const std::function<void()>& work) { RunLong(work); };
-    exports.onPrepare = [this] { return slices.CompleteScales(); };
     exports.onPending = pictures.onPending = [this] { return longCommand.StayAlive(); };
     exports.isGone = [this] { return longCommand.IsGone(); };
 }
 
 void MainRooms::WireBackground() {
     slices.onKnown = [this] { m_values.MoreKnown(); };
-    slices.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     slices.onFitted = [this] { Refresh(); };
     slices.onPictures = [this](bool wholeView) { m_texts.TellUnreadable(wholeView); };
     slices.onRescaled = [this] { SamplesChanged(true); };

@@ -1,6 +1,7 @@
 #include "view/win/ReportPainter.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "view/win/cMemDC.h"
 
@@ -43,16 +44,23 @@ POINT WithinRange(const DevicePoint& point, POINT at) {
 
 }  // namespace
 
-ReportPainter::ReportPainter(int scale) : m_scale(scale), m_font(MakeReportFont(ScreenDpi() * scale)) {}
+ReportPainter::ReportPainter(int scale)
+    : m_scale(scale), m_font(MakeReportFont(ScreenDpi() * scale)), m_screenFont(MakeReportFont(ScreenDpi())) {}
 
 TextSize ReportPainter::SizeOf(const std::u16string& text) const {
+    // A metafile holds texts with the widths of the screen's pixels, which are not those of larger ones.
     const WindowDC screen(nullptr);
-    const SelectScope font(screen.Get(), m_font.Get());
-    SIZE size{};
     const std::wstring wide = Wide(text);
-    GetTextExtentPoint32W(screen.Get(), wide.c_str(), static_cast<int>(wide.size()), &size);
-    const auto window = [&](LONG length) { return static_cast<std::int32_t>((length + m_scale - 1) / m_scale); };
-    return {window(size.cx), window(size.cy)};
+    SIZE large{};
+    SIZE size{};
+    for (const auto& [font, measured] : {std::pair{m_font.Get(), &large}, std::pair{m_screenFont.Get(), &size}}) {
+        const SelectScope select(screen.Get(), font);
+        GetTextExtentPoint32W(screen.Get(), wide.c_str(), static_cast<int>(wide.size()), measured);
+    }
+    const auto larger = [&](LONG once, LONG enlarged) {
+        return static_cast<std::int32_t>(std::max(once, (enlarged + m_scale - 1) / m_scale));
+    };
+    return {larger(size.cx, large.cx), larger(size.cy, large.cy)};
 }
 
 void ReportPainter::PaintImage(HDC dc, const ReportImage& image) const {

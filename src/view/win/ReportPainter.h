@@ -47,7 +47,8 @@ class ReportPainter {
     [[nodiscard]] int Scaled(std::int32_t length) const { return length * m_scale; }
 
     int m_scale;
-    GdiFont m_font;
+    GdiFont m_font;        ///< in pixels of the picture
+    GdiFont m_screenFont;  ///< in pixels of the window
 };
 
 }  // namespace quillon
