@@ -69,14 +69,8 @@ struct ParsedArguments {
 /// What stands between the commas; a part may be empty.
 [[nodiscard]] std::vector<std::u16string> SplitAtCommas(const std::u16string& list);
 
-/// The whole number of an option, or `otherwise` where it was not given. Throws UsageError for one out of range.
-[[nodiscard]] std::int64_t WholeOption(const ParsedArguments& parsed, std::u16string_view name, std::int64_t otherwise,
-                                       std::int64_t least, std::int64_t most);
-
 /// Position of an option's value among those that its rule lists, "a|b|c"; 0 where it was not given.
 [[nodiscard]] std::size_t Choice(const ParsedArguments& parsed, std::span<const OptionRule> rules,
                                  std::u16string_view name);
-
-[[nodiscard]] std::vector<std::u16string> SplitAtCommas(const std::u16string& list);
 
 }  // namespace quillon::cli
