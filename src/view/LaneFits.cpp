@@ -138,14 +138,22 @@ std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::s
     std::vector<std::vector<double>> halves(channels.size());
     // Where the samples of a slow signal lie far apart in the file, as many as are read quickly.
     constexpr std::int32_t least = 32;
-    const std::int32_t piece = block.block ? std::max(block.block->SamplesPerPiece(), least) : most;
+    const RecordingBlock* const source = block.stored ? block.stored.get() : block.block.get();
+    const std::int32_t piece = source != nullptr ? std::max(source->SamplesPerPiece(), least) : most;
     const std::int32_t count = std::min({most, piece, block.sampleCount});
-    const std::int32_t number = count < 1 || !block.block ? 0 : std::min(stretches, block.sampleCount / count);
-    // The first one at the start, the last one at the end; all at the start where the way to others is long.
-    const bool isNear = number < 2 || block.block->Approach(block.sampleCount - count);
-    const std::int64_t last = isNear ? block.sampleCount - count : std::int64_t{count} * (number - 1);
+    std::int32_t number = count < 1 || !block.block ? 0 : std::min(stretches, block.sampleCount / count);
+    // The first one at the start, the last one at the end. Behind filters each would cost a way of its own: then as
+    // many as lie in a piece are taken together, in the middle, or at the start where the way to the middle is long.
+    constexpr std::int32_t manyPlaces = 1000;
+    const bool apart = number < 2 || block.block->PlacesPerPiece() >= manyPlaces;
+    if (!apart) number = std::clamp(piece / count, 1, number);
+    const std::int64_t room = block.sampleCount - count;
+    const std::int64_t together = std::int64_t{count} * (number - 1);
+    const auto middle = static_cast<std::int32_t>((room - together) / 2);
+    const std::int64_t start = apart || number < stretches || !block.block->Approach(middle) ? 0 : middle;
     for (std::int32_t at = 0; at < number; ++at) {
-        const auto first = static_cast<std::int32_t>(number == 1 ? 0 : last * at / (number - 1));
+        const std::int64_t away = number == 1 ? 0 : (apart ? room : together) * at / (number - 1);
+        const auto first = static_cast<std::int32_t>(start + away);
         const std::vector<std::int16_t> codes = ReadStretch(*block.block, first, count);
         const auto samples = static_cast<std::size_t>(count);
         for (std::size_t channel = 0; channel < channels.size() && (channel + 1) * samples <= codes.size(); ++channel) {

@@ -24,7 +24,7 @@ struct LaneSpan {
 
 /// The typical spans of channels 1 .. n of a block: the same of stretches that are spread over it, of whose spans the
 /// upper quartile, of whose medians the median. Reads up to 16 stretches of 1024 samples, less where SamplesPerPiece
-/// is; what cannot be read is left out. None where nothing can be read.
+/// is; what cannot be read is left out. Behind filters the stretches lie together. None where nothing can be read.
 [[nodiscard]] std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block,
                                                                 std::span<const LaneChannel> channels);
 
