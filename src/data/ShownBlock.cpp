@@ -67,7 +67,7 @@ void ShownBlock::MakeGroups() {
         const nsp::FilterSettings& filter = group->channels.front()->filter;
         if (filter.IsOff()) continue;
         const nsp::FilterDesign design(filter, m_stored->SampleRate());
-        group->filter.emplace(design, FilterCheckpoints(design, group->channels.size()));
+        group->filter = ShownStream::Filter{design, FilterCheckpoints(design, group->channels.size())};
     }
 }
 

@@ -72,7 +72,7 @@ GridRow KindOf(const Lane& lane, GridStyle style, std::int32_t enlargement, std:
     // The zero level is no part of the grid.
     if (above == 0) return GridRow::Zero;
     if (style == GridStyle::None) return GridRow::Empty;
-    if (above % (AmplitudeScale::kDivision * enlargement) == 0) return GridRow::Level;
+    if (above % (std::int64_t{AmplitudeScale::kDivision} * enlargement) == 0) return GridRow::Level;
     // The dots of the vertical lines lie on the levels. Whole lines begin where their first dot would be.
     if (above % kDotStep == 0) return GridRow::Between;
     const std::int64_t down = row - lane.top;
