@@ -12,6 +12,8 @@ namespace quillon {
 /// With its separator at the end; empty for a name alone.
 [[nodiscard]] std::u16string FolderOf(std::u16string_view path);
 [[nodiscard]] std::u16string FileNameOf(std::u16string_view path);
+/// The name without what its last point begins.
+[[nodiscard]] std::u16string BareNameOf(std::u16string_view path);
 /// `folder` with or without a separator at its end; where it has none it gets "\".
 [[nodiscard]] std::u16string PathOf(std::u16string_view folder, std::u16string_view name);
 

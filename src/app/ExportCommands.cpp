@@ -19,8 +19,7 @@ constexpr std::size_t kNamesShown = 8;
 
 /// The name without its extension, and without further ones that the save dialog would read as the chosen file type.
 std::u16string BareName(const std::u16string& path) {
-    std::u16string name = FileNameOf(path);
-    name.resize(std::min(name.rfind(u'.'), name.size()));
+    std::u16string name = BareNameOf(path);
     for (bool more = true; more && name.size() > 4;) {
         const std::u16string end = LowerCase(name.substr(name.size() - 4));
         more = end == u".bin" || end == u".wav" || end == u".edf" || end == u".txt";

@@ -53,6 +53,8 @@ TEST(FilePath, FolderAndNameMakeUpThePath) {
         EXPECT_EQ(FileNameOf(path).find_first_of(u"\\/"), std::u16string::npos);
         EXPECT_TRUE(FolderOf(path).empty() || FolderOf(path).find_last_of(u"\\/") + 1 == FolderOf(path).size());
     }
+    EXPECT_EQ(BareNameOf(u"C:\\a.b\\c.d.edf"), u"c.d");
+    EXPECT_EQ(BareNameOf(u"C:\\a.b\\c"), u"c");
 }
 
 TEST(Text, EveryCodePointSurvivesTheWayToUtf8AndBack) {

@@ -39,8 +39,7 @@ void FillTabs(HWND tabs, int firstCaption, int pages, const UserServices& servic
 
 }  // namespace
 
-HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner) {
-    constexpr const wchar_t* className = L"frmQLMain";
+void RegisterFrame(const wchar_t* className, WNDPROC procedure) {
     WNDCLASSEXW windowClass{};
     windowClass.cbSize = sizeof windowClass;
     windowClass.lpfnWndProc = procedure;
@@ -49,10 +48,15 @@ HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner) {
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
     windowClass.lpszClassName = className;
-    RegisterClassExW(&windowClass);
+    RegisterClassExW(&windowClass);  // fails harmlessly from the second time on
+}
+
+HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner) {
+    constexpr const wchar_t* className = L"frmQLMain";
+    RegisterFrame(className, procedure);
     return CreateWindowExW(0, className, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
                            CW_USEDEFAULT, MulDiv(1060, dpi, 96), MulDiv(700, dpi, 96), nullptr, menu,
-                           windowClass.hInstance, owner);
+                           GetModuleHandleW(nullptr), owner);
 }
 
 std::wstring DroppedPath(HDROP drop) {

@@ -7,6 +7,9 @@
 
 namespace quillon {
 
+/// Registers the class of a window with a frame: icon, arrow, background of dialogs. Once is enough.
+void RegisterFrame(const wchar_t* className, WNDPROC procedure);
+
 /// Makes the main window, hidden, in its usual size. `owner` comes to the procedure with WM_NCCREATE. Null when it
 /// cannot be made.
 [[nodiscard]] HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner);
@@ -27,7 +30,7 @@ void NameControls(HWND window, const UserServices& services);
 /// Gives a control a text that shows when the pointer rests on it.
 void AddToolTip(HWND control, const std::u16string& text);
 
-/// The two pages of a strip of tabs over lists that share their place.
+/// The strips of tabs, whose pages are lists that share their place.
 enum class TabPages { Path, File };
 void SelectPage(HWND window, TabPages tabs, int page);
 /// Shows the lists of the selected pages and hides the others. The focus of what is hidden goes to the graph.
@@ -35,7 +38,7 @@ void ShowSelectedPages(HWND window);
 
 /// Gives a control the keyboard and lets it be seen.
 void MoveFocus(HWND window, HWND control);
-/// Turns to the page of a list and gives it the keyboard: 0 folders, 1 channels, 2 files, 3 blocks.
+/// Turns to the page of a list and gives it the keyboard: 0 folders, 1 channels, 2 files, 3 blocks, 4 marks.
 void FocusList(HWND window, int list);
 
 }  // namespace quillon

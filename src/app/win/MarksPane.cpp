@@ -145,13 +145,11 @@ void MarksPane::Copy() const {
 void MarksPane::SaveCsv() const {
     SaveFileDialog& dialog = m_parts.saveDialog;
     const std::u16string& recording = m_parts.document.File().fileName;
-    std::u16string name = FileNameOf(recording);
-    name.resize(std::min(name.rfind(u'.'), name.size()));
     dialog.title = m_services.Text(IDS_MARKS_SAVE);
     dialog.filter = m_services.Text(IDS_MARKS_FILTER_CSV);
     dialog.filterIndex = 1;
     dialog.folder = FolderOf(recording);
-    dialog.fileName = name + u".csv";
+    dialog.fileName = BareNameOf(recording) + u".csv";
     if (!dialog.Show()) return;
     std::u16string error;
     const std::unique_ptr<TextSink> sink = m_parts.openText(dialog.fileName, error);

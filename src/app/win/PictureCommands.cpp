@@ -100,8 +100,7 @@ void PictureCommands::Save() {
     const std::shared_ptr<RecordingBlock> block = Block().block;
     const std::u16string& recording = m_shared.document.File().fileName;
     SaveFileDialog& dialog = m_shared.saveDialog;
-    std::u16string name = FileNameOf(recording);
-    name.resize(std::min(name.rfind(u'.'), name.size()));
+    const std::u16string name = BareNameOf(recording);
     dialog.title = m_shared.services.Text(IDS_PICTURE_TITLE);
     dialog.filter = m_shared.services.Text(IDS_PICTURE_TYPES);
     dialog.filterIndex = m_type;

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app/win/MainControls.h"
 #include "app/win/SpectrumPainter.h"
 #include "base/Text.h"
 #include "export/win/ImageCopy.h"
@@ -44,19 +45,12 @@ SpectrumWindow::SpectrumWindow(const RoomParts& parts, BackgroundWork& work)
 
 void SpectrumWindow::Show(HWND owner) {
     if (m_window == nullptr) {
-        WNDCLASSEXW windowClass{};
-        windowClass.cbSize = sizeof windowClass;
-        windowClass.lpfnWndProc = Procedure;
-        windowClass.hInstance = GetModuleHandleW(nullptr);
-        windowClass.hIcon = LoadIconW(windowClass.hInstance, MAKEINTRESOURCEW(1));
-        windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
-        windowClass.lpszClassName = kClassName;
-        RegisterClassExW(&windowClass);  // fails harmlessly from the second time on
+        RegisterFrame(kClassName, Procedure);
         m_dpi = ScreenDpi();
         m_font = MakeFont(m_dpi);
         CreateWindowExW(0, kClassName, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                        MulDiv(940, m_dpi, 96), MulDiv(560, m_dpi, 96), owner, nullptr, windowClass.hInstance, this);
+                        MulDiv(940, m_dpi, 96), MulDiv(560, m_dpi, 96), owner, nullptr, GetModuleHandleW(nullptr),
+                        this);
         if (m_window == nullptr)
             throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "spectrum");
         CreateControls();
