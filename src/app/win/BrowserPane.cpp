@@ -35,8 +35,7 @@ std::wstring ParentOf(const std::wstring& path) {
 
 }  // namespace
 
-void BrowserPane::Open(const TimerFactory& makeTimer, const std::wstring& startPath) {
-    m_watch = std::make_unique<cFileNotification>(makeTimer, [this] { FilesChanged(); });
+void BrowserPane::Open(const std::wstring& startPath) {
     m_browser.SetPattern(m_parts.library.FileTypeMask(0));
     if (!ListStart(startPath)) {
         m_startMissing = startPath;
@@ -47,7 +46,6 @@ void BrowserPane::Open(const TimerFactory& makeTimer, const std::wstring& startP
                 if (m_browser.ShowFolder(standIn())) break;
         }
     }
-    StartWatch();
 }
 
 bool BrowserPane::ListStart(const std::wstring& path) {
@@ -58,7 +56,7 @@ bool BrowserPane::ListStart(const std::wstring& path) {
     return m_browser.ShowFolder(ParentOf(path));
 }
 
-void BrowserPane::Attach(HWND parent, int dpi) {
+void BrowserPane::Attach(HWND parent, int dpi, const TimerFactory& makeTimer) {
     m_dpi = dpi;
     m_types = GetDlgItem(parent, cboFileType);
     m_browser.Attach(GetDlgItem(parent, lstDrive), GetDlgItem(parent, lstDir), GetDlgItem(parent, lstFile));
@@ -69,6 +67,10 @@ void BrowserPane::Attach(HWND parent, int dpi) {
                  SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     DrawPictures();
     FillTypes(m_types);
+    m_watch = std::make_unique<cFileNotification>(makeTimer, [this] { FilesChanged(); });
+    StartWatch();
+    // What has changed since the folder was listed was not watched.
+    m_browser.Refresh();
 }
 
 void BrowserPane::DrawPictures() {

@@ -38,11 +38,12 @@ class BrowserPane final : private PictureOwner {
     std::function<void()> onPathList;                      ///< request to show the path list
     std::function<void(const std::exception& error)> onFailed;
 
-    /// Lists the first of these folders that can be read, and watches it: `startPath` itself or, when it names a file,
-    /// that file's folder; the folder of the settings; the user's documents, their profile, the system's drive.
-    /// `startPath` is absolute, or empty for none. Works before the controls exist.
-    void Open(const TimerFactory& makeTimer, const std::wstring& startPath);
-    void Attach(HWND parent, int dpi);
+    /// Lists the first of these folders that can be read: `startPath` itself or, when it names a file, that file's
+    /// folder; the folder of the settings; the user's documents, their profile, the system's drive. `startPath` is
+    /// absolute, or empty for none. Works before the controls exist.
+    void Open(const std::wstring& startPath);
+    /// Fills the controls, and watches the folder from now on.
+    void Attach(HWND parent, int dpi, const TimerFactory& makeTimer);
     /// Draws the picture of the button anew, for the colours that the system has now.
     void DrawPictures();
     /// Ends the watch.
@@ -100,7 +101,10 @@ class BrowserPane final : private PictureOwner {
     void SelectType();
     void SelectDrive();
     void FillTypes(HWND types) const;
-    void StartWatch() { m_watch->StartWatch(m_browser.Folder()); }
+    /// Until Attach nothing is watched.
+    void StartWatch() {
+        if (m_watch) m_watch->StartWatch(m_browser.Folder());
+    }
     void Tell(const std::u16string& text);
 
     Parts m_parts;

@@ -1,6 +1,7 @@
 #include "app/win/MainControls.h"
 
 #include <system_error>
+#include <tuple>
 
 #include "app/ControlIds.h"
 #include "app/StringIds.h"
@@ -44,11 +45,19 @@ void RegisterFrame(const wchar_t* className, WNDPROC procedure) {
     windowClass.cbSize = sizeof windowClass;
     windowClass.lpfnWndProc = procedure;
     windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.hIcon = LoadIconW(windowClass.hInstance, MAKEINTRESOURCEW(1));
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<INT_PTR>(COLOR_BTNFACE + 1));
     windowClass.lpszClassName = className;
     RegisterClassExW(&windowClass);  // fails harmlessly from the second time on
+}
+
+void ShowProgramIcon(HWND window) {
+    for (const auto& [kind, width, height] :
+         {std::tuple{ICON_BIG, SM_CXICON, SM_CYICON}, std::tuple{ICON_SMALL, SM_CXSMICON, SM_CYSMICON}}) {
+        const HANDLE icon = LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(1), IMAGE_ICON,
+                                       GetSystemMetrics(width), GetSystemMetrics(height), LR_SHARED);
+        SendMessageW(window, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
+    }
 }
 
 HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner) {

@@ -7,8 +7,12 @@
 
 namespace quillon {
 
-/// Registers the class of a window with a frame: icon, arrow, background of dialogs. Once is enough.
+/// Registers the class of a window with a frame: arrow, background of dialogs. Once is enough.
 void RegisterFrame(const wchar_t* className, WNDPROC procedure);
+
+/// Gives a window the program's icon. Not part of its class: reading the icon's sizes takes longer than reading a
+/// recording, and the first waveform does not need it.
+void ShowProgramIcon(HWND window);
 
 /// Makes the main window, hidden, in its usual size. `owner` comes to the procedure with WM_NCCREATE. Null when it
 /// cannot be made.

@@ -179,9 +179,9 @@ void MainRooms::CreateFirst(HWND window) {
     spectrogram.BuildPalette();
 }
 
-void MainRooms::AttachLists(int dpi) {
+void MainRooms::AttachLists(int dpi, const TimerFactory& makeTimer) {
     recording.Attach(Window(), dpi);
-    browser.Attach(Window(), dpi);
+    browser.Attach(Window(), dpi, makeTimer);
 }
 
 void MainRooms::CreatePictures() {

@@ -46,8 +46,8 @@ class MainRooms {
 
     /// Creates what the first waveform needs. Throws std::system_error when it cannot be made.
     void CreateFirst(HWND window);
-    /// Fills the lists of folders, files and channels once they exist.
-    void AttachLists(int dpi);
+    /// Fills the lists of folders, files and channels once they exist, and watches the folder.
+    void AttachLists(int dpi, const TimerFactory& makeTimer);
     /// Creates the pictures beside the graph. Throws as CreateFirst.
     void CreatePictures();
     /// Creates the rest, which needs the controls.

@@ -53,6 +53,7 @@ void SpectrumWindow::Show(HWND owner) {
                         this);
         if (m_window == nullptr)
             throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "spectrum");
+        ShowProgramIcon(m_window);
         CreateControls();
     }
     Analyse();

@@ -178,22 +178,19 @@ void frmQLMain::OnCreate() {
     m_keys.SetWindow(m_window);
     m_focus.SetWindow(m_window);
     m_rooms.CreateFirst(m_window);
-    m_rooms.browser.Open(m_makeTimer, m_startPath);
-    m_lookTimer = m_makeTimer([this] { m_rooms.LookAtRecording(false, m_layout.IsDragging()); });
-    m_lookTimer->PutInterval(kLookInterval);
-    m_lookTimer->PutEnabled(true);
+    m_rooms.browser.Open(m_startPath);
 }
 
 void frmQLMain::PlanRemainingControls() {
     if (m_window == nullptr) return;
     m_steps.Plan({
-        [this] { m_tools.CreateMain(m_window, m_dpi); },
+        [this] { ShowProgramIcon(m_window), m_tools.CreateMain(m_window, m_dpi); },
         [this] { m_tools.CreateGoTo(m_window, m_dpi); },
         [this] { m_tools.filters.Create(m_window, m_font.Get(), m_dpi, m_rooms.shown, m_services); },
         [this] { MakePathLists(m_window, m_font.Get(), m_services); },
         [this] { MakeFileLists(m_window, m_font.Get(), m_services); },
         [this] { MakeBars(m_window, m_font.Get()); },
-        [this] { m_rooms.AttachLists(m_dpi); },
+        [this] { m_rooms.AttachLists(m_dpi, m_makeTimer); },
         [this] { m_rooms.CreatePictures(); },
         [this] {
             m_rooms.CreateRest(m_font.Get(), m_dpi);
@@ -209,6 +206,9 @@ void frmQLMain::PlanRemainingControls() {
         [this] {
             AddToolTip(m_rooms.browser.PathList(), m_services.Text(IDS_TIP_PATHLIST));
             NameControls(m_window, m_services);
+            m_lookTimer = m_makeTimer([this] { m_rooms.LookAtRecording(false, m_layout.IsDragging()); });
+            m_lookTimer->PutInterval(kLookInterval);
+            m_lookTimer->PutEnabled(true);
         },
         [this] { m_rooms.playback.Open(); },
     });
