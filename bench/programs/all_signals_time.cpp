@@ -1,16 +1,19 @@
 // Time of turning pages with the signals of all blocks of a stretch in lanes:
-//     all_signals_time FILE
+//     all_signals_time FILE [HIGH LOW NOTCH]
+// The signals in volts are filtered at these frequencies, 0 for none.
 // "pass" reads the visible samples of the visible signals once from the file; "page" draws the next page, whose samples
 // are not known yet, "again" the same page once more; "lanes" scrolls through all lanes at the same page.
 #include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 #include "BenchData.h"
 #include "base/Text.h"
 #include "data/Document.h"
+#include "data/UnitGroups.h"
 #include "norvik/RecordingLibrary.h"
 #include "view/GraphPicture.h"
 #include "view/WaveformView.h"
@@ -65,6 +68,12 @@ int main(int count, char** arguments) {
     WaveformView view(document);
     document.SetAllSignals(true);
     view.SetLanes(true);
+    if (count > 4) {
+        ShownSettings shown;
+        shown.filters[GroupOf(u"uV").name] = {
+            .highPass = std::atof(arguments[2]), .lowPass = std::atof(arguments[3]), .notch = std::atof(arguments[4])};
+        document.ShowAs(shown);
+    }
     const double opening = bench::Seconds([&] { document.OpenFile(FromUtf8OrLatin1(arguments[1]), {}); });
     if (!document.Block().block) return 1;
     view.BlockLoaded();

@@ -58,11 +58,15 @@ void ChannelLanes::FitOnce() {
     if (m_fitted || m_height < 1 || !IsUsed()) return;
     m_fitted = true;
     const std::vector<LaneChannel> channels = Channels();
-    auto spans = TypicalSpans(m_document.Block(), channels);
+    // Of many blocks less is read of each: all of it happens before the first picture.
+    constexpr std::int32_t allStretches = 256;
+    const auto blocks = static_cast<std::int32_t>(m_document.OtherBlocks().size()) + 1;
+    const std::int32_t most = std::clamp(allStretches / blocks, 4, kTypicalStretches);
+    auto spans = TypicalSpans(m_document.Block(), channels, most);
     for (const OtherBlock& other : m_document.OtherBlocks()) {
         const auto first = static_cast<std::size_t>(other.before);
         const auto own = std::span(channels).subspan(first, other.block.channelNumbers.size());
-        const auto found = TypicalSpans(other.block, own);
+        const auto found = TypicalSpans(other.block, own, most);
         std::copy(found.begin(), found.end(), spans.begin() + static_cast<std::ptrdiff_t>(first));
     }
     FitTypical({channels, spans, Layout().Margin()}, ChangedScales());

@@ -131,17 +131,17 @@ std::optional<LaneSpan> SpanOfPoints(const LaneChannel& channel, std::span<const
     return InValues(channel, SpanOfCodes(codes, points.size() < 3 ? 0 : (points.size() - 3) / 200));
 }
 
-std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::span<const LaneChannel> channels) {
-    constexpr std::int32_t stretches = 16;
-    constexpr std::int32_t most = 1024;
+std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::span<const LaneChannel> channels,
+                                                  std::int32_t most) {
+    constexpr std::int32_t longest = 1024;
     std::vector<std::vector<double>> middles(channels.size());
     std::vector<std::vector<double>> halves(channels.size());
     // Where the samples of a slow signal lie far apart in the file, as many as are read quickly.
     constexpr std::int32_t least = 32;
     const RecordingBlock* const source = block.stored ? block.stored.get() : block.block.get();
-    const std::int32_t piece = source != nullptr ? std::max(source->SamplesPerPiece(), least) : most;
-    const std::int32_t count = std::min({most, piece, block.sampleCount});
-    std::int32_t number = count < 1 || !block.block ? 0 : std::min(stretches, block.sampleCount / count);
+    const std::int32_t piece = source != nullptr ? std::max(source->SamplesPerPiece(), least) : longest;
+    const std::int32_t count = std::min({longest, piece, block.sampleCount});
+    std::int32_t number = count < 1 || !block.block ? 0 : std::min(most, block.sampleCount / count);
     // The first one at the start, the last one at the end. Behind filters each would cost a way of its own: then as
     // many as lie in a piece are taken together, in the middle, or at the start where the way to the middle is long.
     constexpr std::int32_t manyPlaces = 1000;
@@ -150,7 +150,7 @@ std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::s
     const std::int64_t room = block.sampleCount - count;
     const std::int64_t together = std::int64_t{count} * (number - 1);
     const auto middle = static_cast<std::int32_t>((room - together) / 2);
-    const std::int64_t start = apart || number < stretches || !block.block->Approach(middle) ? 0 : middle;
+    const std::int64_t start = apart || number < most || !block.block->Approach(middle) ? 0 : middle;
     for (std::int32_t at = 0; at < number; ++at) {
         const std::int64_t away = number == 1 ? 0 : (apart ? room : together) * at / (number - 1);
         const auto first = static_cast<std::int32_t>(start + away);
