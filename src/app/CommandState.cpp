@@ -40,6 +40,7 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.hasMarks = !document.Block().marks.empty();
     state.isSolo = document.IsSolo();
     state.hasSelection = view.Selected().active;
+    state.isPinned = view.Pinned() != 0;
     state.hasHistory = view.HasHistory();
     state.zoomX = view.Axis().ZoomIndex();
     state.hasPages = view.Axis().IsFree();
@@ -95,12 +96,12 @@ bool IsEnabled(int id, const CommandState& state) {
         id == mnuPrint)
         return state.sampleCount > 0;
     if (Within(id, mnuSoundPlay, 2)) return state.soundDevices > 0 && state.sampleCount > 0;
-    if (id == mnuSelect + 2) return state.hasSelection || state.playing || state.stoppable;
+    if (id == mnuSelect + 2) return state.hasSelection || state.isPinned || state.playing || state.stoppable;
     if (id == mnuView || id == mnuStatistics) return state.hasSelection;
     if (id == mnuView + 2) return state.hasHistory;
     if (Within(id, mnuMark, 2) || Within(id, mnuMarkList, 3)) return state.hasMarks;
     if (Within(id, mnuMove, static_cast<int>(Moves().size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
-        id == mnuGoToPlace || id == mnuSpectrum)
+        id == mnuGoToPlace || id == mnuSpectrum || id == mnuPin || id == mnuCopyReadout)
         return state.sampleCount > 0;
     if (Within(id, mnuPage, kPageCount + 1)) return state.hasPages;
     if (id == mnuZoomX) return state.canZoomOut;

@@ -20,6 +20,7 @@ struct CommandState {
     bool hasMarks = false;
     bool isSolo = false;
     bool hasSelection = false;
+    bool isPinned = false;
     bool hasHistory = false;  ///< there are previous views to return to
     std::int32_t zoomX = 0;   ///< indexes in the tables of scales; -1: not in the table
     std::int32_t scaleY = 0;  ///< -1: none of the table

@@ -52,6 +52,8 @@ enum CommandId : int {
     mnuOpenFolder,
     mnuNextPalette,
     mnuSpectrum,
+    mnuPin,
+    mnuCopyReadout,
     mnuMove = 1640,       ///< by keys, see Moves
     mnuRecording = 1660,  ///< of the file list: 0 previous, 1 next
     mnuFocus = 1670,      ///< move the focus to: 0 folders, 1 channels, 2 files, 3 blocks, 4 marks

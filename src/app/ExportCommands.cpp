@@ -262,4 +262,12 @@ void ExportCommands::CopyData() {
     WriteText(std::u16string(kClipboardTarget), range);
 }
 
+void ExportCommands::CopyReadout(const std::u16string& text) {
+    std::u16string error;
+    const std::unique_ptr<TextSink> sink = m_parts.openText(std::u16string(kClipboardTarget), error);
+    if (sink) sink->Write(Utf8(text));
+    if (sink && sink->Close()) return m_parts.services.SetStatus(m_parts.services.Text(IDS_READOUT_COPIED));
+    m_parts.services.SetStatus(sink ? sink->ErrorText() : error);
+}
+
 }  // namespace quillon

@@ -48,6 +48,8 @@ class ExportCommands {
     void FastExport();
     /// As text to the clipboard.
     void CopyData();
+    /// The text of the values panel to the clipboard.
+    void CopyReadout(const std::u16string& text);
 
   private:
     /// Range to export: the selection, or without one the whole block.

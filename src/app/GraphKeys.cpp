@@ -59,6 +59,8 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuNextPalette, kNo, kShift},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 0},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 1, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Letter('M'), mnuPin},
+    KeyBinding{KeyPlace::Everywhere, Letter('M'), mnuCopyReadout, kControl},
     KeyBinding{KeyPlace::Graph, Key::Escape, mnuSelect + 2},
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 0, kControl},
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 1, kControl, kShift},

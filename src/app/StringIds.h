@@ -242,3 +242,7 @@
 #define IDS_PRINTED 5806
 #define IDS_NOT_PRINTED 5807
 #define IDS_PRINT_FAILED 5808
+// Measuring from a pinned sample.
+#define IDS_PIN 6000
+#define IDS_COPYREADOUT 6001
+#define IDS_READOUT_COPIED 6002

@@ -36,7 +36,8 @@ ValuesReadout::Basis ValuesReadout::PresentBasis() const {
             m_settings.spectrum,
             m_document.CurrentChannel(),
             m_settings.window.spectrogramShown,
-            m_view.UsesLanes()};
+            m_view.UsesLanes(),
+            m_view.Pinned()};
 }
 
 void ValuesReadout::Tell(Kind kind, const std::u16string& text) {
@@ -64,7 +65,13 @@ void ValuesReadout::TellHover(std::int32_t sample, const std::u16string& mark, s
     m_hoverSample = sample;
     m_hoverPlace = place;
     m_hoverMark = mark;
-    Tell(Kind::Hover, Heading() + (mark.empty() ? mark : mark + u"\r\n") + HoverReadout(Source(), sample, place));
+    const std::u16string values = m_view.Pinned() != 0 ? PinnedReadout(Source(), m_view.Pinned(), sample, place)
+                                                       : HoverReadout(Source(), sample, place);
+    Tell(Kind::Hover, Heading() + (mark.empty() ? mark : mark + u"\r\n") + values);
+}
+
+std::optional<Measurement> ValuesReadout::Measured() const {
+    return MeasurementOf(m_view, Source(), m_kind == Kind::Hover ? m_hoverSample : 0, m_hoverPlace);
 }
 
 void ValuesReadout::TellRange() {
@@ -92,7 +99,7 @@ void ValuesReadout::SelectionStarted() {
 
 void ValuesReadout::KeepTrue() {
     const SampleSpan seen = m_view.Axis().Visible();
-    const bool hovers = m_kind == Kind::Hover || m_kind == Kind::Spectrum;
+    const bool hovers = (m_kind == Kind::Hover && m_view.Pinned() == 0) || m_kind == Kind::Spectrum;
     if (hovers && (m_hoverSample <= seen.first || m_hoverSample > seen.End())) return TellDetails();
     if (m_kind != Kind::Details && PresentBasis() != m_basis) BlockChanged();
 }

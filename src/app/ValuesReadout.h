@@ -9,6 +9,7 @@
 #include "app/Settings.h"
 #include "base/Language.h"
 #include "data/Document.h"
+#include "view/Measurement.h"
 #include "view/Readout.h"
 #include "view/WaveformView.h"
 
@@ -31,8 +32,9 @@ class ValuesReadout {
 
     /// What kind of recording it is, and whether it has signals that are not shown.
     void TellDetails();
-    /// The values at a sample, below the text of the mark under the pointer. `place`: exactly where it is pointed to,
-    /// see PlaceUnder; signals of other blocks are read out there.
+    /// The values at a sample, below the text of the mark under the pointer; while a sample is pinned, also what
+    /// differs from there, which then stays until the pin is removed. `place`: exactly where it is pointed to, see
+    /// PlaceUnder; signals of other blocks are read out there.
     void TellHover(std::int32_t sample, const std::u16string& mark, std::optional<double> place = {});
     /// What the spectrogram has at a sample.
     void TellSpectrum(std::int32_t sample, const std::u16string& text) {
@@ -53,6 +55,8 @@ class ValuesReadout {
     }
     /// The values of the samples have changed: updates or removes the readout.
     void BlockChanged();
+    /// What is to be drawn of the pinned sample and the one read out last.
+    [[nodiscard]] std::optional<Measurement> Measured() const;
     /// Whether the readout of a range lacks what is not known yet.
     [[nodiscard]] bool IsIncomplete() const { return m_kind == Kind::Range && m_incomplete; }
     /// Shown channels, options or the view have changed: updates or removes the readout, also that of a sample which is
@@ -70,6 +74,7 @@ class ValuesReadout {
         std::int16_t spectrumChannel = 0;
         bool spectrogramShown = false;
         bool titles = false;
+        std::int32_t pinned = 0;
         friend bool operator==(const Basis&, const Basis&) = default;
     };
     [[nodiscard]] Basis PresentBasis() const;

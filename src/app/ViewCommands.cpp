@@ -27,6 +27,15 @@ void ViewCommands::GoToMark(bool next) {
     if (const std::optional<std::int32_t> sample = m_view.MarkFrom(next)) GoTo(*sample);
 }
 
+void ViewCommands::Pin(std::optional<std::int32_t> hovered) {
+    const SampleSpan visible = m_view.Axis().Visible();
+    if (visible.count < 1) return;
+    const std::int32_t own = m_view.GoneTo() != 0 ? m_view.GoneTo() : visible.first + visible.count / 2 + 1;
+    const std::int32_t sample = hovered.value_or(own);
+    onChange(m_view.Pin(sample));
+    onReadout(sample);
+}
+
 void ViewCommands::GoTo(std::int32_t sample) {
     onChange(m_view.GoTo(sample));
     // The readout shows the sample where the view could not scroll to it.
@@ -48,6 +57,7 @@ void ViewCommands::GoTo(const GoToMeaning& place) {
 void ViewCommands::Select(int index) {
     if (index == 2 && m_playback.IsPlaying()) return m_playback.Stop();
     if (index == 2 && onStop()) return;
+    if (index == 2 && m_view.Pinned() != 0) return onChange(m_view.Pin(0));
     onSelect();
     onChange(index == 0 ? m_view.SelectBlock() : index == 1 ? m_view.SelectVisible() : m_view.Deselect());
 }

@@ -33,11 +33,15 @@ class ViewCommands {
     /// By its index in kPageLengths; behind them the whole block. `hovered`: see WaveformView::ZoomX.
     void SelectPage(int index, std::optional<std::int32_t> hovered);
     void GoToMark(bool next);
+    /// Pins the sample that others are measured from: the `hovered` one, else the one gone to, else the middle one
+    /// of the visible ones.
+    void Pin(std::optional<std::int32_t> hovered);
     /// Scrolls to a sample and shows its readout.
     void GoTo(std::int32_t sample);
     /// What was typed: the page is chosen, then a range selected, in view where it fits, or a sample gone to.
     void GoTo(const GoToMeaning& place);
-    /// 0 the block, 1 the visible range, 2 nothing; during playback or work that is reported, 2 only stops that.
+    /// 0 the block, 1 the visible range, 2 nothing; during playback or work that is reported, 2 only stops that, and
+    /// while a sample is pinned it removes the pin.
     void Select(int index);
     /// 0 the channel of the menu or the current one, 1 all, 2 stop.
     void Play(int index);

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <map>
+#include <utility>
 
 #include "base/Resume.h"
 #include "base/Text.h"
@@ -30,6 +32,7 @@ struct Line {
     std::int16_t channel;  ///< of that block, from 1
     std::u16string title{};
     std::u16string unit{};
+    std::int16_t signal = 0;  ///< see Document; only where signals of other blocks are read out too
     [[nodiscard]] const ViewBlock& Block() const { return of.block; }
 };
 
@@ -83,7 +86,7 @@ std::vector<Line> LinesOf(const ReadoutSource& source, ExtremesCache& unused) {
         for (const SceneBlock& other : source.others) {
             if (&other.block == &signal.block) of = &other;
         }
-        if (&of->block == &signal.block) lines.push_back({*of, signal.channel, signal.title, signal.unit});
+        if (&of->block == &signal.block) lines.push_back({*of, signal.channel, signal.title, signal.unit, number});
     }
     return lines;
 }
@@ -177,6 +180,48 @@ std::u16string HoverReadout(const ReadoutSource& source, std::int32_t sample, st
 
 namespace {
 
+double SecondsOf(const ReadoutSource& source, std::int32_t steps) {
+    return source.block.sampleRate > 0.0 ? steps / source.block.sampleRate : 0.0;
+}
+
+/// A number of samples as a time, or as what it is where samples are shown.
+std::u16string TimeText(const ReadoutSource& source, std::int32_t steps) {
+    if (source.format.sampleIndexes || !(source.block.sampleRate > 0.0)) return Decimal(steps);
+    FormatOptions duration = source.format;
+    duration.timeOfDay = false;
+    const std::u16string text =
+        FormatAxisValueWithUnit(SecondsOf(source, std::abs(steps)), AxisKind::Time, u" ", duration);
+    return steps < 0 ? u'-' + text : text;
+}
+
+/// The frequency of such a time; empty where it is none.
+std::u16string RateText(const ReadoutSource& source, std::int32_t steps) {
+    const double seconds = SecondsOf(source, std::abs(steps));
+    return seconds > 0.0 ? FormatFrequency(1.0 / seconds, u" ", false, source.format) : std::u16string();
+}
+
+std::u16string RateLine(const ReadoutSource& source, std::int32_t steps) {
+    const std::u16string text = RateText(source, steps);
+    return text.empty() ? text : u"1/dX:\t" + text + u"\r\n";
+}
+
+/// The values of a line as they are shown, at the pinned sample and at another one.
+struct Measured {
+    double pinned = 0.0;
+    double value = 0.0;
+};
+
+/// Throws what reading throws.
+Measured Measure(const ReadoutSource& source, const Line& line, std::int32_t pinned, std::int32_t sample,
+                 std::optional<double> place) {
+    const ViewBlock& block = line.Block();
+    const auto value = [&](double at) {
+        const double code = CodeAt(block, line.channel, SampleAt(source, block, at));
+        return source.rawCodes ? code : ValueOf(block, line.channel, code);
+    };
+    return {value(pinned - 1.0), value(&block == &source.block ? sample - 1.0 : place.value_or(sample - 1.0))};
+}
+
 /// The values of a line of RangeReadout. `at`: its channel's place in what was found.
 std::u16string RangeText(const ReadoutSource& source, const Line& line, const Selection& range, const Found& found,
                          std::size_t at) {
@@ -206,13 +251,8 @@ std::u16string RangeText(const ReadoutSource& source, const Line& line, const Se
 }  // namespace
 
 std::u16string RangeReadout(const ReadoutSource& source, const Selection& range, bool* complete) {
-    FormatOptions duration = source.format;
-    duration.timeOfDay = false;
     const std::int32_t steps = range.Samples().count - 1;
-    const double seconds = source.block.sampleRate > 0.0 ? steps / source.block.sampleRate : 0.0;
-    const bool indexes = source.format.sampleIndexes || !(source.block.sampleRate > 0.0);
-    std::u16string text =
-        u"dX:\t" + (indexes ? Decimal(steps) : FormatAxisValueWithUnit(seconds, AxisKind::Time, u" ", duration));
+    std::u16string text = u"dX:\t" + TimeText(source, steps);
     text += kLineEnd;
     ExtremesCache unused;
     const std::vector<Line> lines = LinesOf(source, unused);
@@ -228,8 +268,48 @@ std::u16string RangeReadout(const ReadoutSource& source, const Selection& range,
     }
     if (complete != nullptr)
         *complete = std::all_of(found.begin(), found.end(), [](const auto& entry) { return entry.second.known; });
-    if (seconds > 0.0) text += u"1/dX:\t" + FormatFrequency(1.0 / seconds, u" ", false, source.format) + u"\r\n";
+    return text + RateLine(source, steps);
+}
+
+std::u16string PinnedReadout(const ReadoutSource& source, std::int32_t pinned, std::int32_t sample,
+                             std::optional<double> place) {
+    std::u16string text = u"X:\t" + PositionText(source.block, sample, u" ", source.format);
+    text += kLineEnd;
+    text += u"dX:\t" + TimeText(source, sample - pinned);
+    text += kLineEnd;
+    text += RateLine(source, sample - pinned);
+    ExtremesCache unused;
+    for (const Line& line : LinesOf(source, unused)) {
+        text += Name(source, line);
+        Resume([&] {
+            const Measured measured = Measure(source, line, pinned, sample, place);
+            text += ValueText(source, line.unit, measured.value);
+            text += u'\t' + ValueText(source, line.unit, measured.value - measured.pinned);
+        });
+        text += kLineEnd;
+    }
     return text;
+}
+
+std::vector<MeasuredSignal> MeasuredSignals(const ReadoutSource& source, std::int32_t pinned, std::int32_t sample,
+                                            std::optional<double> place) {
+    std::vector<MeasuredSignal> signals;
+    ExtremesCache unused;
+    for (const Line& line : LinesOf(source, unused)) {
+        Resume([&] {
+            const Measured measured = Measure(source, line, pinned, sample, place);
+            const double change = measured.value - measured.pinned;
+            std::u16string text = ValueText(source, line.unit, change);
+            if (text.front() == u' ') text.replace(0, 1, change > 0.0 ? u"+" : u"");
+            signals.push_back({line.signal, measured.pinned, measured.value, std::move(text)});
+        });
+    }
+    return signals;
+}
+
+std::u16string MeasuredTime(const ReadoutSource& source, std::int32_t pinned, std::int32_t sample) {
+    const std::u16string rate = RateText(source, sample - pinned);
+    return TimeText(source, sample - pinned) + (rate.empty() ? rate : u", " + rate);
 }
 
 std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, double value) {

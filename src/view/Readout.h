@@ -50,6 +50,25 @@ struct ReadoutSource {
 [[nodiscard]] std::u16string RangeReadout(const ReadoutSource& source, const Selection& range,
                                           bool* complete = nullptr);
 
+/// Position, time and frequency as above from the pinned sample to this one, earlier ones negative; for every shown
+/// channel its value here and by how much that is above the one at the pinned sample. `place`: see HoverReadout.
+[[nodiscard]] std::u16string PinnedReadout(const ReadoutSource& source, std::int32_t pinned, std::int32_t sample,
+                                           std::optional<double> place = {});
+
+/// What PinnedReadout tells of a signal, for drawing it.
+struct MeasuredSignal {
+    std::int16_t signal = 0;  ///< see Document, from 1
+    double pinned = 0.0;      ///< value at the pinned sample, as it is shown
+    double value = 0.0;       ///< at the other one
+    std::u16string change;    ///< with its sign
+};
+/// Of the signals of `source.signals`; those that cannot be read are left out.
+[[nodiscard]] std::vector<MeasuredSignal> MeasuredSignals(const ReadoutSource& source, std::int32_t pinned,
+                                                          std::int32_t sample, std::optional<double> place = {});
+
+/// Time and frequency of PinnedReadout in one line; no frequency where there is no time.
+[[nodiscard]] std::u16string MeasuredTime(const ReadoutSource& source, std::int32_t pinned, std::int32_t sample);
+
 /// A value of a channel as the readouts write it, without the blank that stands for a sign.
 [[nodiscard]] std::u16string ReadoutValue(const ReadoutSource& source, std::int16_t channel, double value);
 

@@ -49,7 +49,7 @@ void WaveformView::LeaveBlock() {
     m_extremes.LeaveBlock();
     m_selection = {};
     m_history.Clear();
-    m_goneTo = 0;
+    m_goneTo = m_pinned = 0;
     m_channelLanes.LeaveBlock();
 }
 
@@ -102,10 +102,9 @@ void WaveformView::Restore(const State& state) {
     if (m_axis.Visible().count == 0) m_axis.ScrollBy(m_axis.PageShift(1));
     m_history = state.history;
     const std::int32_t samples = m_axis.SampleCount();
-    m_selection = state.selection;
-    m_selection.active = state.selection.active && state.selection.First() <= samples;
-    m_selection.start = std::min(state.selection.start, samples);
-    m_selection.end = std::min(state.selection.end, samples);
+    m_selection = {state.selection.active && state.selection.First() <= samples, state.selection.channel,
+                   std::min(state.selection.start, samples), std::min(state.selection.end, samples)};
+    m_pinned = state.pinned <= samples ? state.pinned : 0;
 }
 
 ViewChange WaveformView::Redraw(bool newPlace) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "data/Document.h"
 #include "view/AmplitudeScale.h"
@@ -35,6 +36,12 @@ class WaveformView {
     [[nodiscard]] int ScaleY() const { return m_scale.Index(); }
     [[nodiscard]] std::int64_t BaseLineShift() const { return m_scale.Shift(); }
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
+    /// Sample that was gone to, until the view changes; 0: none.
+    [[nodiscard]] std::int32_t GoneTo() const { return m_goneTo; }
+    /// The sample that others are measured from; 0: none.
+    [[nodiscard]] std::int32_t Pinned() const { return m_pinned; }
+    /// 0 removes the pin.
+    ViewChange Pin(std::int32_t sample) { return {.redraw = std::exchange(m_pinned, sample) != sample}; }
     [[nodiscard]] bool HasHistory() const { return !m_history.IsEmpty(); }
     [[nodiscard]] ExtremesCache& Extremes() const { return m_extremes.Loaded(); }
     [[nodiscard]] RangeRecords& Ranges() { return m_extremes.Ranges(); }
@@ -67,8 +74,9 @@ class WaveformView {
         ViewPlace place;
         ViewHistory history;
         Selection selection;
+        std::int32_t pinned = 0;
     };
-    [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection}; }
+    [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection, m_pinned}; }
     /// After BlockLoaded; positions past the end of the block are clamped.
     void Restore(const State& state);
 
@@ -142,7 +150,8 @@ class WaveformView {
     mutable StretchExtremes m_extremes;  ///< reading through it changes nothing that is seen
     Selection m_selection;
     ViewHistory m_history;
-    std::int32_t m_goneTo = 0;  ///< sample that was gone to, until the view changes; 0: none
+    std::int32_t m_goneTo = 0;  ///< 0: none
+    std::int32_t m_pinned = 0;  ///< 0: none
     bool m_rawCodes = false;
     bool m_scalesFitted = false;
 };

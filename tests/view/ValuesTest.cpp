@@ -74,6 +74,27 @@ TEST_F(ReadoutTest, RangeTellsLengthExtremesAndChange) {
     EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t3\r\nCh1:\t-6\r\n");
 }
 
+TEST_F(ReadoutTest, APinnedSampleTellsTimeRateAndChangesFromThere) {
+    format.timeOfDay = true;
+    EXPECT_EQ(PinnedReadout(Source(), 4, 2),
+              u"X:\t12:00:00.01\r\ndX:\t-0.02 s\r\n1/dX:\t50 Hz\r\nCh1:\t 3 mV\t-2 mV\r\nCh5:\t 2.5 V\t 2 V\r\n");
+    EXPECT_EQ(MeasuredTime(Source(), 2, 4), u"0.02 s, 50 Hz");
+    const std::vector<MeasuredSignal> signals = MeasuredSignals(Source(), 4, 2);
+    ASSERT_EQ(signals.size(), 2U);
+    EXPECT_EQ(signals[0].change, u"-2 mV");
+    EXPECT_EQ(signals[1].change, u"+2 V");
+    EXPECT_EQ(signals[1].pinned, 0.5);
+    EXPECT_EQ(signals[1].value, 2.5);
+    slots[4].shown = false;
+    format.sampleIndexes = true;
+    rawCodes = true;
+    EXPECT_EQ(PinnedReadout(Source(), 2, 4), u"X:\t4\r\ndX:\t2\r\n1/dX:\t50 Hz\r\nCh1:\t 8\t 4\r\n");
+    EXPECT_EQ(PinnedReadout(Source(), 2, 2), u"X:\t2\r\ndX:\t0\r\nCh1:\t 4\t 0\r\n");
+    fake->failing = {"ReadCodes"};
+    EXPECT_EQ(PinnedReadout(Source(), 2, 2), u"X:\t2\r\ndX:\t0\r\nCh1:\t\r\n");
+    EXPECT_TRUE(MeasuredSignals(Source(), 4, 2).empty());
+}
+
 TEST_F(ReadoutTest, StatisticsEqualTheirDefinitions) {
     std::mt19937 random(3);
     for (auto& channel : fake->samples) {

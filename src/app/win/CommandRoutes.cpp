@@ -62,6 +62,8 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuMark, 2, [](R r, F, int i) { r.commands.GoToMark(i == 1); }},
         {mnuSelect, 3, [](R r, F, int i) { r.commands.Select(i); }},
         {mnuGoToPlace, 1, [](R r, F, int) { r.dialogs.GoToPlace(); }},
+        {mnuPin, 1, [](R r, F, int) { r.commands.Pin(r.graph.PointedSample()); }},
+        {mnuCopyReadout, 1, [](R r, F, int) { r.exports.CopyReadout(r.ValuesText()); }},
         {mnuStatistics, 1, [](R r, F, int) { r.dialogs.Statistics(); }},
         {mnuSpectrum, 1, [](R r, F, int) { r.spectrum.Show(r.longCommand.Window()); }},
         {mnuSoloChannel, 1, [](R r, F, int) { r.recording.ShowAlone(r.commands.MenuChannel()); }},

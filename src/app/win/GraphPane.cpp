@@ -10,6 +10,7 @@
 #include "view/Readout.h"
 #include "view/ScaleLabels.h"
 #include "view/win/GDI_Utils.h"
+#include "view/win/MeasurementPainter.h"
 
 namespace quillon {
 
@@ -102,6 +103,7 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     }
     if (id != pbGraph) return;
     m_painter.Paint(dc, clip);
+    if (const auto measured = onMeasured()) PaintMeasurement(dc, client, *measured);
     PaintNotice(dc, client, m_notice, ScreenDpi());
 }
 
@@ -358,17 +360,21 @@ void GraphPane::Hover(int x, int y) {
 }
 
 void GraphPane::HoverAgain() {
-    if (m_hover.Picture() == nullptr || m_hover.Picture() != m_graph.Window() || HasGesture()) return;
-    // The graph may have been moved under the pointer.
-    POINT at{};
+    if (!HoveredSample() || HasGesture()) return;
+    POINT at{};  // the graph may have been moved under the pointer
     GetCursorPos(&at);
     ScreenToClient(m_graph.Window(), &at);
     Hover(static_cast<int>(at.x), static_cast<int>(at.y));
 }
 
 std::optional<std::int32_t> GraphPane::HoveredSample() const {
-    if (m_hover.Picture() == nullptr || m_hover.Picture() != m_graph.Window()) return std::nullopt;
+    if (m_hover.Picture() == nullptr || m_hover.Picture() != m_graph.Window()) return {};
     return SampleUnder(m_view.Axis(), static_cast<std::int32_t>(m_hover.Point().x));
+}
+
+std::optional<std::int32_t> GraphPane::PointedSample() const {
+    if (!HoveredSample()) return std::nullopt;
+    return SampleNear(m_view.Axis(), static_cast<std::int32_t>(m_hover.Point().x));
 }
 
 void GraphPane::ShowSample(std::int32_t sample) {
@@ -388,6 +394,7 @@ void GraphPane::ReadOut(std::int32_t sample, int x, int row) {
     ShowCursor(atColumn ? ColumnBand{x, x} : PointBand(axis, sample));
     const auto mark = m_painter.MarkAt(Scene(), x, row);
     onHover(sample, PlaceUnder(axis, x), mark ? m_document.Block().marks[*mark].text : std::u16string());
+    if (m_view.Pinned() != 0) m_graph.Invalidate();
 }
 
 }  // namespace quillon

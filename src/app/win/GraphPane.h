@@ -14,6 +14,7 @@
 #include "app/win/LaneTitles.h"
 #include "view/DisplaySettings.h"
 #include "view/GraphGestures.h"
+#include "view/Measurement.h"
 #include "view/ScaleLabels.h"
 #include "view/win/GraphCursor.h"
 #include "view/win/GraphPainter.h"
@@ -37,6 +38,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     std::function<void()> onSelectionEnd;  ///< the selection may have been removed
     std::function<void(std::int32_t sample, double place, const std::u16string& mark)> onHover;  ///< see PlaceUnder
     std::function<void(CommonBand which, const std::optional<ColumnBand>& band)> onBand;  ///< shown, moved or hidden
+    std::function<std::optional<Measurement>()> onMeasured;                 ///< what is to be drawn over the graph
     std::function<void(POINT screen, std::int16_t channel)> onContextMenu;  ///< channel of the trace there, 0: none
     std::function<void(std::int16_t channel)> onChannel;                    ///< chosen by its lane
     std::function<void(std::int16_t channel)> onAlone;                      ///< to be shown alone, or with the others
@@ -88,6 +90,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// Shows the readout of a sample, independent of the pointer.
     void ShowSample(std::int32_t sample);
     [[nodiscard]] std::optional<std::int32_t> HoveredSample() const;  ///< from 1, while values are read out
+    /// The one whose values are read out: its point is nearest to the pointer.
+    [[nodiscard]] std::optional<std::int32_t> PointedSample() const;
     /// Asks for the context menu at the corner of the graph, for no channel.
     void OpenContextMenu() const;
     /// The view has scrolled under a resting pointer: updates the readout.

@@ -64,13 +64,13 @@ void MainRooms::WireGraph() {
     graph.onAlone = [this](std::int16_t channel) { recording.ShowAlone(channel); };
     graph.onZoom = [this](int index) { onCommand(mnuZoomX + index); };
     graph.onZoomMenu = [this](HWND control) { onZoomMenu(control); };
-    graph.onBusy = [this] { return longCommand.IsBusy(); };
+    graph.onMeasured = [this] { return m_values.Measured(); };
+    graph.onBusy = spectrogram.onBusy = [this] { return longCommand.IsBusy(); };
     graph.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
     spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
         graph.ShowCursor(PointBand(view.Axis(), sample));
         m_values.TellSpectrum(sample, text);
     };
-    spectrogram.onBusy = graph.onBusy;
     spectrogram.onPointer = [this] { return graph.Pointer(); };
     spectrogram.onPress = [this] { SetFocus(graph.Graph()); };
     spectrogram.onFailed = spectrum.onFailed = browser.onFailed = playback.onFailed = slices.onFailed = graph.onFailed;

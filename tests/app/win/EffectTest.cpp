@@ -124,6 +124,8 @@ const Effect kEffects[] = {
     {mnuSelect + 1, "Ctrl+Shift+A", "selection=10001-16720"},
     {mnuSelect + 2, "Esc", "selection=", kSelected},
     {mnuGoToPlace, "Ctrl+G", "dialog=Go To"},
+    {mnuPin, "M", "pinned=13361"},
+    {mnuCopyReadout, "Ctrl+M", "clipboard=text status=Readout c"},
     {mnuStatistics, "", "dialog=Statistics of Selection", kSelected},
     {mnuSpectrum, "Ctrl+Shift+P", "spectrum=1"},
     {mnuSoloChannel, "", "alone=1 shown=10"},
@@ -291,6 +293,7 @@ class EffectTest : public MainWindowTest {
                 {"help", std::to_string(m_global.settings.helpLanguage)},
                 {"selection",
                  selection.active ? std::to_string(selection.First()) + '-' + std::to_string(selection.Last()) : ""},
+                {"pinned", std::to_string(m_global.view->Pinned())},
                 {"sound", calls},
                 {"card", std::to_string(m_device.chosen)},
                 {"list", focus == lstDir || focus == lvCh || focus == lstFile || focus == lstBlock || focus == lvMarks

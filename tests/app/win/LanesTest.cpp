@@ -7,6 +7,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using namespace ::quillon::testing;
 
 /// A window over one recording, in lanes.
@@ -81,6 +82,39 @@ TEST_F(LanesTest, TitlesAndScalesAreWorkedByTheMouse) {
     Point(pbGraph, 50, 50);
     Mouse(pbGraph, WM_MOUSEMOVE, {50, 50});
     EXPECT_THAT(Wide(m_form->ValuesText()), HasSubstr(L"Signal 1:"));
+}
+
+TEST_F(LanesTest, MeasuringFromAPinnedSampleStandsUntilEsc) {
+    StartWith(4);
+    const Pixels before = Capture(pbGraph);
+    const auto readOut = [this](LONG x) {
+        Point(pbGraph, static_cast<int>(x), 50);
+        Mouse(pbGraph, WM_MOUSEMOVE, {x, 50});
+        Pump();
+    };
+    readOut(50);
+    Command(mnuPin);
+    EXPECT_EQ(m_global.view->Pinned(), SampleNear(m_global.view->Axis(), 50));
+    EXPECT_THAT(Wide(m_form->ValuesText()), HasSubstr(L"dX:\t0"));
+    readOut(150);
+    const std::wstring told = Wide(m_form->ValuesText());
+    EXPECT_THAT(told, HasSubstr(L"1/dX:\t"));
+    const Pixels measured = Capture(pbGraph);
+    // Beside the graph, and where the pinned sample is not visible any more.
+    Point(pbScaleX, 10, 5);
+    Mouse(pbGraph, WM_MOUSEMOVE, {-50, 50});
+    Pump();
+    EXPECT_EQ(Wide(m_form->ValuesText()), told);
+    Command(mnuGoTo + 3);
+    EXPECT_EQ(Wide(m_form->ValuesText()), told);
+    Command(mnuGoTo);
+    Command(mnuCopyReadout);
+    EXPECT_EQ(ClipboardText(), told);
+    Command(mnuSelect + 2);
+    EXPECT_EQ(m_global.view->Pinned(), 0);
+    EXPECT_THAT(Wide(m_form->ValuesText()), Not(HasSubstr(L"dX:")));
+    EXPECT_TRUE(Capture(pbGraph) == before);
+    EXPECT_FALSE(measured == before);
 }
 
 TEST_F(LanesTest, ADragOfATitleEndsWithoutAnEffectByEscAndWithTheLanes) {

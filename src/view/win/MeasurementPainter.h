@@ -1,0 +1,11 @@
+#pragma once
+
+#include "base/win/Win32.h"
+#include "view/Measurement.h"
+
+namespace quillon {
+
+/// Paints a measurement over the graph whose rectangle is `client`.
+void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement);
+
+}  // namespace quillon
