@@ -20,7 +20,7 @@ endfunction()
 
 delay_load(delayed_comctl32 comctl32.dll DefSubclassProc ImageList_Add ImageList_Create ImageList_Destroy ImageList_Draw
   ImageList_GetImageCount InitCommonControlsEx RemoveWindowSubclass SetWindowSubclass)
-delay_load(delayed_comdlg32 comdlg32.dll CommDlgExtendedError GetSaveFileNameW PrintDlgW)
+delay_load(delayed_comdlg32 comdlg32.dll CommDlgExtendedError GetOpenFileNameW GetSaveFileNameW PrintDlgW)
 delay_load(delayed_shell32 shell32.dll DragAcceptFiles DragFinish DragQueryFileW SHFileOperationA SHFileOperationW
   SHGetFolderPathW)
 delay_load(delayed_uxtheme uxtheme.dll DrawThemeParentBackground EnableThemeDialogTexture)
