@@ -25,7 +25,7 @@ bool Document::IsOpen(const std::u16string& path, const FileStamp& stamp) const 
     return !stamp.known || !m_stamp.known || stamp.IsSameFile(m_stamp);
 }
 
-bool Document::OpenFile(const std::u16string& path, const FileStamp& stamp) {
+bool Document::OpenFile(const std::u16string& path, const FileStamp& stamp, std::int16_t block) {
     CloseCurrentFile();
     m_lastPath = path;
     m_stamp = stamp;
@@ -35,7 +35,7 @@ bool Document::OpenFile(const std::u16string& path, const FileStamp& stamp) {
         m_file.refusal = m_library.LastErrorText();
         return false;
     }
-    Adopt(std::move(recording), 0);
+    Adopt(std::move(recording), block);
     return true;
 }
 

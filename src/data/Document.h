@@ -47,9 +47,10 @@ class Document {
 
     /// Whether that is the open file, under its name or one that differs in letter case only. `stamp` is the path's.
     [[nodiscard]] bool IsOpen(const std::u16string& path, const FileStamp& stamp) const;
-    /// Closes what is open, opens a recording and loads its first block. False when it is refused: then no file is
-    /// open, and File().refusal says why. `stamp` is that of the path from just before.
-    bool OpenFile(const std::u16string& path, const FileStamp& stamp);
+    /// Closes what is open, opens a recording and loads a block of it, from 0, or the last one if there are fewer.
+    /// False when it is refused: then no file is open, and File().refusal says why. `stamp` is that of the path from
+    /// just before.
+    bool OpenFile(const std::u16string& path, const FileStamp& stamp, std::int16_t block = 0);
     /// Sets the no-file state and closes the recording.
     void CloseCurrentFile();
     /// Loads the block at a position from 0 and prepares it quickly; -1: none. Library failures are not reported: every

@@ -45,4 +45,16 @@ bool MatchesMask(std::u16string_view name, std::u16string_view mask) {
     return false;
 }
 
+std::u16string FileTypeLine(const RecordingLibrary& library, std::int32_t type) {
+    const std::u16string name = library.FileTypeName(type);
+    return type == 0 ? name : name + u" (" + library.FileTypeMask(type) + u')';
+}
+
+std::u16string FilterOfTypes(const RecordingLibrary& library, const std::u16string& anyFile) {
+    std::u16string filter;
+    for (std::int32_t type = 0; type <= library.FileTypeCount(); ++type)
+        filter += FileTypeLine(library, type) + u'|' + library.FileTypeMask(type) + u'|';
+    return filter + anyFile + u"|*.*";
+}
+
 }  // namespace quillon

@@ -101,6 +101,7 @@ void WaveformView::Restore(const State& state) {
     // For a shorter recording show the last page rather than nothing.
     if (m_axis.Visible().count == 0) m_axis.ScrollBy(m_axis.PageShift(1));
     m_history = state.history;
+    m_scalesFitted = m_scalesFitted || state.scaleChosen;
     const std::int32_t samples = m_axis.SampleCount();
     m_selection = {state.selection.active && state.selection.First() <= samples, state.selection.channel,
                    std::min(state.selection.start, samples), std::min(state.selection.end, samples)};

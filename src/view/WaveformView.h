@@ -69,14 +69,15 @@ class WaveformView {
     void FitScales(const std::optional<ValueRange>& seen);
     [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
 
-    /// Restored after a reload of the recording.
+    /// Restored after a reload of the recording, and where it was left when the program ended.
     struct State {
         ViewPlace place;
         ViewHistory history;
         Selection selection;
         std::int32_t pinned = 0;
+        bool scaleChosen = false;  ///< that of one axis is not to be fitted, see FitScales
     };
-    [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection, m_pinned}; }
+    [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection, m_pinned, m_scalesFitted}; }
     /// After BlockLoaded; positions past the end of the block are clamped.
     void Restore(const State& state);
 
