@@ -7,6 +7,12 @@
 
 namespace quillon {
 
+std::u16string EscapedCaption(std::u16string_view name) {
+    std::u16string text;
+    for (const char16_t letter : name) text.append(letter == u'&' ? 2 : 1, letter);
+    return text;
+}
+
 std::u16string WindowCaption(const std::u16string& file, const std::u16string& blockLine) {
     if (file.empty()) return u"Quillon";
     // Behind the tab stands the number of the block.

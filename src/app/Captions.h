@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "data/QL_Types.h"
 #include "data/UserServices.h"
@@ -8,6 +9,9 @@
 #include "view/TimeAxis.h"
 
 namespace quillon {
+
+/// A name as it stands in a menu: ampersands are doubled, so that they are shown and not taken for a mnemonic.
+[[nodiscard]] std::u16string EscapedCaption(std::u16string_view name);
 
 /// Caption of the main window for the open file (its path; empty without one) and the line of the list of blocks that
 /// describes the loaded block.

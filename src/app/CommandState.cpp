@@ -35,6 +35,7 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     CommandState state;
     state.fileCount = fileCount;
     state.filePosition = filePosition;
+    state.recent = static_cast<std::int32_t>(settings.recent.Paths().size());
     state.channelCount = document.Block().channelCount;
     state.sampleCount = document.Block().sampleCount;
     state.hasMarks = !document.Block().marks.empty();
@@ -71,7 +72,9 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuAllSignals ||
         id == mnuOptions)
         return true;
-    if (id == mnuFilterRow) return true;
+    if (id == mnuFilterRow || id == mnuOpen) return true;
+    if (id == mnuClearRecent) return state.recent > 0;
+    if (Within(id, mnuRecent, kRecentEntries)) return id - mnuRecent < state.recent;
     if (id == mnuShowRaw) return state.shownOtherwise;
     if (id == mnuDeleteMontage) return state.ownMontage;
     if (const auto choice = FilterChoiceOf(id)) {

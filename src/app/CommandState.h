@@ -15,6 +15,7 @@ class WaveformView;
 struct CommandState {
     std::int32_t fileCount = 0;      ///< in the file list
     std::int32_t filePosition = -1;  ///< of the selected one, from 0, whether or not it could be opened; -1: none is
+    std::int32_t recent = 0;         ///< recent recordings
     std::int16_t channelCount = 0;   ///< of the block
     std::int32_t sampleCount = 0;
     bool hasMarks = false;

@@ -25,6 +25,12 @@ constexpr MenuEntry Separator(int depth) {
 
 constexpr std::array kTree{
     Popup(0, IDS_MENU_FILE),
+    Entry(1, mnuOpen, IDS_OPEN),
+    Popup(1, IDS_MENU_RECENT),
+    Entry(2, mnuRecent, IDS_RECENT_NONE),
+    Separator(2),
+    Entry(2, mnuClearRecent, IDS_CLEARRECENT),
+    Separator(1),
     Entry(1, mnuSaveAs, IDS_SAVEAS),
     Entry(1, mnuFastExport, IDS_FASTEXPORT),
     Entry(1, mnuSplit, IDS_SPLIT),
@@ -106,6 +112,7 @@ constexpr std::array kTree{
     Entry(2, mnuSoundCard, IDS_SOUNDCARD_0),
     Popup(0, IDS_MENU_HELP),
     Entry(1, mnuHelp, IDS_HELP),
+    Entry(1, mnuKeysAndMouse, IDS_KEYSANDMOUSE),
     Popup(1, IDS_MENU_HELPLANG),
     Entry(2, mnuHelpLang, IDS_HELPLANG_0, 3),
     Separator(1),

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/RecentRecordings.h"
 #include "data/PathList.h"
 
 namespace quillon {
@@ -14,6 +15,7 @@ enum CommandId : int {
     mnuSaveAs = 1000,
     mnuFastExport,
     mnuSplit,
+    mnuOpen,
     mnuFileOperation = 1010,  ///< 0 delete, 1 rename
     mnuOptions = 1020,
     mnuExit,
@@ -27,6 +29,8 @@ enum CommandId : int {
     mnuNegativeUp,
     mnuClipToLanes,
     mnuAllSignals,
+    mnuRecent = 1070,  ///< by recording, the latest first
+    mnuClearRecent = 1090,
     mnuScaleX = 1100,
     mnuZoomX = 1120,
     mnuGoTo = 1130,
@@ -86,6 +90,9 @@ inline constexpr int kSoundCards = 64;
 
 /// Maximum number of folders in the path list.
 inline constexpr int kPathListEntries = PathList::kMost;
+
+/// Maximum number of recordings in the menu of recent ones.
+inline constexpr int kRecentEntries = RecentRecordings::kMost;
 
 /// One line of the menu tree, in order. An entry of depth d belongs to the nearest popup of depth d-1 above it.
 struct MenuEntry {

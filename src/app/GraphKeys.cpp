@@ -67,6 +67,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::MarkList, Letter('C'), mnuMarkList + 0, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('C'), mnuCopy + 0, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('C'), mnuCopy + 1, kControl, kShift},
+    KeyBinding{KeyPlace::Everywhere, Letter('O'), mnuOpen, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('S'), mnuSaveAs, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('E'), mnuFastExport, kControl, kShift},
     KeyBinding{KeyPlace::Everywhere, Letter('S'), mnuSplit, kControl, kShift},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -34,7 +35,8 @@ struct QL_Global {
     std::int32_t systemVersion = 0;
 
     Settings settings;
-    std::u16string helpFile;  ///< path; empty when none is installed
+    std::function<void()> storeRecordings;  ///< stores its recent recordings and the last one; may be empty
+    std::u16string helpFile;                ///< path; empty when none is installed
 
     FormatOptions format;
 };

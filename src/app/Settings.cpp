@@ -81,6 +81,9 @@ constexpr std::array<Entry<WindowPlacement>, 19> kWindowEntries{
      {u"Montages", &WindowPlacement::montages},
      {u"PageLength", &WindowPlacement::pageLength}}};
 
+constexpr std::array<Entry<LastRecording>, 2> kLastEntries{
+    {{u"LastRecording", &LastRecording::path}, {u"LastPlace", &LastRecording::place}}};
+
 bool Read(RegistryObject& registry, const std::u16string& name, std::u16string& value) {
     return registry.ReadText(name, value);
 }
@@ -173,6 +176,28 @@ bool SavePathList(RegistryObject& registry, const PathList& list) {
     return complete;
 }
 
+std::u16string RecentName(std::size_t index) {
+    return u"Recent" + Decimal(static_cast<std::int64_t>(index + 1));
+}
+
+void LoadRecordings(RegistryObject& registry, Settings& settings) {
+    std::vector<std::u16string> recent(RecentRecordings::kMost);
+    for (std::size_t at = 0; at < recent.size(); ++at)
+        Attempt([&] { return registry.ReadText(RecentName(at), recent[at]); });
+    settings.recent = RecentRecordings(recent);
+    LoadEntries(registry, kLastEntries, settings.last);
+}
+
+bool WriteRecordings(RegistryObject& registry, const Settings& settings) {
+    // All of them, so that nothing stays of paths that are not in the list any more.
+    std::vector<std::u16string> recent = settings.recent.Paths();
+    recent.resize(RecentRecordings::kMost);
+    bool complete = SaveEntries(registry, kLastEntries, settings.last);
+    for (std::size_t at = 0; at < recent.size(); ++at)
+        complete &= Attempt([&] { return registry.WriteText(RecentName(at), recent[at]); });
+    return complete;
+}
+
 bool SaveVersion(RegistryObject& registry, const ProgramIdentity& program) {
     bool complete = Attempt([&] { return registry.WriteInt16(u"Major", program.majorVersion); });
     complete &= Attempt([&] { return registry.WriteInt16(u"Minor", program.minorVersion); });
@@ -210,7 +235,12 @@ void SettingsStore::Load(Settings& settings) {
     if (Open(u"\\Window")) {
         LoadEntries(*m_registry, kWindowEntries, settings.window);
         LoadEntries(*m_registry, kTextWindowEntries, settings.text);
+        LoadRecordings(*m_registry, settings);
     }
+}
+
+bool SettingsStore::SaveRecordings(const Settings& settings) {
+    return Open(u"\\Window") && WriteRecordings(*m_registry, settings);
 }
 
 bool SettingsStore::Save(const Settings& settings) {
@@ -230,6 +260,7 @@ bool SettingsStore::Save(const Settings& settings) {
     if (window) {
         window &= SaveEntries(*m_registry, kWindowEntries, settings.window);
         window &= SaveEntries(*m_registry, kTextWindowEntries, settings.text);
+        window &= WriteRecordings(*m_registry, settings);
     }
     return complete && spectrum && window;
 }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "app/RecentRecordings.h"
 #include "app/WindowPlacement.h"
 #include "data/PathList.h"
 #include "export/SplitSettings.h"
@@ -25,6 +26,8 @@ struct Settings {
     SplitSettings split;
     SpectrumSettings spectrum;
     WindowPlacement window;
+    RecentRecordings recent;
+    LastRecording last;
 };
 
 /// Program whose settings are stored.
@@ -47,6 +50,8 @@ class SettingsStore {
     void Load(Settings& settings);
     /// Returns whether everything was written.
     bool Save(const Settings& settings);
+    /// The same for the recent recordings and the last one alone.
+    bool SaveRecordings(const Settings& settings);
 
   private:
     /// Opens the main key, or a subkey given with its backslash; false when that fails.

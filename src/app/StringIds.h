@@ -47,6 +47,8 @@
 #define IDS_LANES_HINT 2036
 #define IDS_OTHER_SIGNALS 2038
 #define IDS_PATH_MISSING 2039
+#define IDS_OPEN_TITLE 2040
+#define IDS_ALL_FILES 2041
 
 // Names of controls for those who do not see them.
 #define IDS_NAME_TABS_PATH 2060
@@ -105,6 +107,10 @@
 #define IDS_HELP 3096
 #define IDS_HELPLANG_0 3100
 #define IDS_ABOUT 3103
+#define IDS_OPEN 3104
+#define IDS_MENU_RECENT 3105
+#define IDS_RECENT_NONE 3106
+#define IDS_CLEARRECENT 3107
 
 // Tooltips of the buttons.
 #define IDS_TIP_ZOOMY_0 3200

@@ -11,6 +11,7 @@
 #include "app/win/InputBox.h"
 #include "app/win/Toolbar.h"
 #include "base/FilePath.h"
+#include "data/FileFilter.h"
 #include "data/FileOperationPlan.h"
 #include "data/win/FileIdentity.h"
 #include "data/win/FileOperation.h"
@@ -40,12 +41,22 @@ void BrowserPane::Open(const std::wstring& startPath) {
     if (!ListStart(startPath)) {
         m_startMissing = startPath;
         const std::wstring folder = Wide(m_parts.settings.filesPath);
-        if (folder.empty() || !m_browser.ShowFolder(folder)) {
+        if (!folder.empty() && m_browser.ShowFolder(folder)) {
+            if (startPath.empty()) StartWithLast();
+        } else {
             m_folderMissing = !folder.empty();
             for (const auto& standIn : {DocumentsFolder, ProfileFolder, SystemDrive})
                 if (m_browser.ShowFolder(standIn())) break;
         }
     }
+}
+
+void BrowserPane::StartWithLast() {
+    // A recording elsewhere is not looked for: its drive may be slow, and the folder shown last is what is promised.
+    const std::wstring last = Wide(m_parts.settings.last.path);
+    if (last.empty() || !m_browser.Shows(ParentOf(last))) return;
+    m_startsWithLast = GetFileAttributesW(last.c_str()) != INVALID_FILE_ATTRIBUTES && !IsFolder(last);
+    if (m_startsWithLast) m_startFile = Wide(FileNameOf(m_parts.settings.last.path));
 }
 
 bool BrowserPane::ListStart(const std::wstring& path) {
@@ -85,13 +96,8 @@ void BrowserPane::KeepSettings() const {
 }
 
 void BrowserPane::FillTypes(HWND types) const {
-    const auto add = [&](const std::u16string& text) { SendPointer(types, CB_ADDSTRING, 0, Wide(text).c_str()); };
-    add(m_parts.library.FileTypeName(0));
-    const std::int32_t count = m_parts.library.FileTypeCount();
-    for (std::int32_t type = 1; type <= count; ++type) {
-        const std::u16string name = m_parts.library.FileTypeName(type);
-        add(name + u" (" + m_parts.library.FileTypeMask(type) + u')');
-    }
+    for (std::int32_t type = 0; type <= m_parts.library.FileTypeCount(); ++type)
+        SendPointer(types, CB_ADDSTRING, 0, Wide(FileTypeLine(m_parts.library, type)).c_str());
     SendMessageW(types, CB_SETCURSEL, 0, 0);
 }
 

@@ -50,6 +50,10 @@ class BrowserPane final : private PictureOwner {
     void Close() { m_watch.reset(); }
     /// Remembers the folder.
     void KeepSettings() const;
+    /// Whether the shown folder is remembered. False where it stands in for one that is missing.
+    [[nodiscard]] bool KeepsFolder() const { return !m_folderMissing; }
+    /// Whether OpenFirst opens the recording that was open last.
+    [[nodiscard]] bool StartsWithLast() const { return m_startsWithLast; }
 
     [[nodiscard]] HWND PathList() const { return m_pathList.Window(); }
     [[nodiscard]] std::wstring Folder() const { return m_browser.Folder(); }
@@ -59,8 +63,8 @@ class BrowserPane final : private PictureOwner {
 
     /// A notification of one of the lists.
     void OnListCommand(int id, int notification);
-    /// Opens the file of the start path, or the first one of the folder. Nothing where the start path is not to be had:
-    /// another recording would be taken for the one that was asked for.
+    /// Opens the file of the start path, the last recording, or the first file of the folder. Nothing where the start
+    /// path is not to be had: another recording would be taken for the one that was asked for.
     void OpenFirst();
     /// Opens a file or folder by its full path.
     void OpenPath(const std::wstring& path);
@@ -85,6 +89,8 @@ class BrowserPane final : private PictureOwner {
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
     bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
     void PictureFailed(const std::exception& error) override { onFailed(error); }
+    /// Begins with the recording that was open last, where that is in the shown folder.
+    void StartWithLast();
     /// False when the folder cannot be read; the old one then stays current.
     bool ShowFolder(const std::wstring& folder);
     /// Lists the folder of the start path; false when there is none.
@@ -114,7 +120,8 @@ class BrowserPane final : private PictureOwner {
     ImageList m_pathListIcon;
     HWND m_types = nullptr;
     int m_dpi = 96;
-    std::wstring m_startFile;         ///< name of the file of the start path in the folder; empty: none
+    std::wstring m_startFile;         ///< name of the file of the folder to begin with; empty: the first one
+    bool m_startsWithLast = false;    ///< that is the recording that was open last
     std::wstring m_startMissing;      ///< the start path, when it is not to be had
     bool m_folderMissing = false;     ///< the folder of the settings could not be read, and no other was chosen since
     bool m_changedMeanwhile = false;  ///< files changed while a command ran

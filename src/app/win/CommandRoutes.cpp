@@ -13,6 +13,9 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         void (*run)(R rooms, F frame, int index);
     };
     static const Route routes[] = {
+        {mnuOpen, 1, [](R r, F, int) { r.opener.Ask(); }},
+        {mnuRecent, kRecentEntries, [](R r, F, int i) { r.opener.OpenRecent(i); }},
+        {mnuClearRecent, 1, [](R r, F, int) { r.opener.ClearRecent(); }},
         {mnuSaveAs, 1, [](R r, F, int) { r.exports.SaveAs(); }},
         {mnuFastExport, 1, [](R r, F, int) { r.exports.FastExport(); }},
         {mnuCopy, 2, [](R r, F, int i) { i == 0 ? r.exports.CopyData() : r.dialogs.CopyImage(); }},

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <vector>
 
+#include "app/Captions.h"
 #include "app/GraphKeys.h"
 #include "app/StringIds.h"
+#include "data/win/FileIdentity.h"
 #include "view/AmplitudeScale.h"
 
 namespace quillon {
@@ -13,11 +15,14 @@ namespace {
 
 constexpr UINT kFirstMontage = 4;  ///< behind the references and a separator
 
-/// Doubles ampersands, so that they are shown and not taken for a mnemonic.
 std::wstring Escaped(const std::u16string& name) {
-    std::wstring text;
-    for (const wchar_t letter : Wide(name)) text.append(letter == L'&' ? 2 : 1, letter);
-    return text;
+    return Wide(EscapedCaption(name));
+}
+
+/// Whether a recording on a disk of this computer is gone. Others are not looked for: that may take long.
+bool IsMissing(const std::u16string& path) {
+    const std::wstring wide = Wide(path);
+    return !IsRemote(wide) && GetFileAttributesW(wide.c_str()) == INVALID_FILE_ATTRIBUTES;
 }
 
 }  // namespace
@@ -94,6 +99,23 @@ void MainMenu::FillSoundDevices(HMENU menu, std::span<const std::u16string> devi
     if (count == 0) AppendMenuW(menu, MF_STRING, mnuSoundCard, Wide(m_services.Text(IDS_SOUNDCARD_0)).c_str());
 }
 
+void MainMenu::FillRecent(HMENU menu) const {
+    while (GetMenuItemID(menu, 0) >= mnuRecent && GetMenuItemID(menu, 0) < mnuRecent + kRecentEntries)
+        DeleteMenu(menu, 0, MF_BYPOSITION);
+    const std::vector<std::u16string>& paths = m_recent.Paths();
+    for (std::size_t at = 0; at < paths.size(); ++at)
+        InsertMenuW(menu, static_cast<UINT>(at), MF_BYPOSITION | MF_STRING, static_cast<UINT_PTR>(mnuRecent) + at,
+                    Wide(RecentCaption(at, paths[at])).c_str());
+    if (paths.empty())
+        InsertMenuW(menu, 0, MF_BYPOSITION | MF_STRING, mnuRecent, Wide(m_services.Text(IDS_RECENT_NONE)).c_str());
+}
+
+bool MainMenu::CanChoose(int id, const CommandState& state) const {
+    if (!IsEnabled(id, state)) return false;
+    const bool recent = id >= mnuRecent && id < mnuRecent + kRecentEntries;
+    return !recent || !IsMissing(m_recent.Paths()[static_cast<std::size_t>(id - mnuRecent)]);
+}
+
 void MainMenu::FillReferences(HMENU menu, const ShownCommands& shown) const {
     const std::u16string title = shown.ChannelTitle();
     const std::wstring caption = title.empty() ? Wide(m_services.Text(IDS_REFERENCE_0 + 2)) : Escaped(title);
@@ -116,6 +138,7 @@ void MainMenu::Open(HMENU menu, Playback& playback, const ShownCommands& shown,
     if (first == mnuSoundCard || first == mnuSoundPlay) playback.LookForDevices();
     if (first == mnuSoundCard) FillSoundDevices(menu, playback.DeviceNames());
     if (first == mnuReference) FillReferences(menu, shown);
+    if (first == mnuRecent) FillRecent(menu);
     const CommandState state = present();
     const int count = GetMenuItemCount(menu);
     for (int position = 0; position < count; ++position) {
@@ -133,7 +156,7 @@ void MainMenu::Open(HMENU menu, Playback& playback, const ShownCommands& shown,
             const std::u16string caption = shown.Caption(*choice) + (reason.empty() ? reason : u"  (" + reason + u')');
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
         }
-        const bool enabled = IsEnabled(static_cast<int>(id), state);
+        const bool enabled = CanChoose(static_cast<int>(id), state);
         const bool checked = IsChecked(static_cast<int>(id), state);
         EnableMenuItem(menu, id, enabled ? MF_ENABLED : MF_GRAYED);
         CheckMenuItem(menu, id, checked ? MF_CHECKED : MF_UNCHECKED);

@@ -7,6 +7,7 @@
 #include "app/CommandState.h"
 #include "app/Commands.h"
 #include "app/Playback.h"
+#include "app/RecentRecordings.h"
 #include "app/ShownCommands.h"
 #include "base/win/WinHandle.h"
 #include "data/PathList.h"
@@ -20,8 +21,9 @@ namespace quillon {
 class MainMenu {
   public:
     /// All arguments must outlive this object.
-    MainMenu(const UserServices& services, const WaveformView& view, const FormatOptions& format)
-        : m_services(services), m_view(view), m_format(format) {}
+    MainMenu(const UserServices& services, const WaveformView& view, const FormatOptions& format,
+             const RecentRecordings& recent)
+        : m_services(services), m_view(view), m_format(format), m_recent(recent) {}
 
     [[nodiscard]] HMENU Make();
     /// The system destroys the menu with its window.
@@ -37,6 +39,9 @@ class MainMenu {
     void ShowFolders(HWND owner, HWND control, const PathList& pathList) const;
 
   private:
+    void FillRecent(HMENU menu) const;
+    /// Whether a command can be chosen in a menu: it is enabled, and its recording is there.
+    [[nodiscard]] bool CanChoose(int id, const CommandState& state) const;
     void FillReferences(HMENU menu, const ShownCommands& shown) const;
     void FillSoundDevices(HMENU menu, std::span<const std::u16string> devices) const;
     void Fill(HMENU menu, std::span<const MenuEntry> entries);
@@ -45,6 +50,7 @@ class MainMenu {
     const UserServices& m_services;
     const WaveformView& m_view;
     const FormatOptions& m_format;
+    const RecentRecordings& m_recent;
     Menu m_menu;
     HMENU m_zoomMenu = nullptr;  ///< the list of X zooms, part of m_menu
     HMENU m_pageMenu = nullptr;  ///< the list of pages, part of m_menu

@@ -8,7 +8,6 @@
 #include "app/Commands.h"
 #include "app/ControlIds.h"
 #include "app/StringIds.h"
-#include "base/FilePath.h"
 #include "data/win/FileIdentity.h"
 #include "dialogs/DialogTexts.h"
 
@@ -30,6 +29,7 @@ MainRooms::MainRooms(RoomParts parts)
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
       recording(m_parts),
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
+      opener({m_parts, browser, status, longCommand, m_hover}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
       dialogs({m_parts, graph, spectrogram, m_hover, status, longCommand}),
@@ -87,9 +87,11 @@ void MainRooms::WireLists() {
         m_valuesPanel.Refresh();
     };
     browser.onFile = [this](const std::wstring& name) {
-        OpenFile(name);
+        opener.OpenFile(name);
         LookAtRecording(true, false);
     };
+    opener.onLeave = [this] { LeaveBlock(); };
+    opener.onChanged = [this](const auto& kept) { RecordingChanged(kept); };
     browser.onClose = [this] { CloseCurrentFile(); };
     browser.onList = [this](bool changed) {
         if (changed) m_reload.Soon();
@@ -99,10 +101,10 @@ void MainRooms::WireLists() {
     browser.onPathList = [this] { onPathList(); };
     m_reload.stampOf = [](const std::u16string& path) { return StampOf(Wide(path)); };
     m_reload.isSlow = [this] { return IsRemote(browser.Folder()); };
-    m_reload.onOpen = [this](const std::u16string& name) { OpenFile(Wide(name)); };
+    m_reload.onOpen = [this](const std::u16string& name) { opener.OpenFile(Wide(name)); };
     m_reload.onReloaded = [this] {
         LeaveBlock();
-        RecordingChanged();
+        RecordingChanged(m_reload.Kept());
     };
     m_reload.onTell = [this](bool loaded, const std::u16string& text) {
         // A successful reload does not replace a message of another topic; a failed one does.
@@ -198,6 +200,8 @@ void MainRooms::CreateRest(HFONT font, int dpi) {
 void MainRooms::ShowAll() {
     recording.FillChannels(false);
     m_values.TellDetails();
+    // Where the recording that was open last is shown again.
+    m_values.SelectionChanged(true);
     Refresh();
     slices.InitSpectrogram();
 }
@@ -224,22 +228,6 @@ void MainRooms::UpdateState() {
 
 // Recording and block.
 
-void MainRooms::OpenFile(const std::wstring& name) {
-    const std::u16string path = name.empty() ? std::u16string() : PathOf(Narrow16(browser.Folder()), Narrow16(name));
-    const FileStamp stamp = StampOf(Wide(path));
-    if (!path.empty() && m_document.IsOpen(path, stamp)) return;
-    LeaveBlock();
-    if (path.empty()) {
-        m_document.CloseCurrentFile();
-    } else if (m_document.OpenFile(path, stamp)) {
-        status.Tell(StatusBar::Topic::Outcome, {});
-        browser.Opened();
-    } else {
-        status.Tell(StatusBar::Topic::Refusal, Narrow16(name) + u": " + m_document.File().refusal);
-    }
-    RecordingChanged();
-}
-
 void MainRooms::CloseCurrentFile() {
     LeaveBlock();
     m_document.CloseCurrentFile();
@@ -251,9 +239,9 @@ void MainRooms::LoadBlock(int index) {
     ShowBlock(std::nullopt);
 }
 
-void MainRooms::RecordingChanged() {
+void MainRooms::RecordingChanged(const std::optional<WaveformView::State>& kept) {
     recording.FillBlocks();
-    ShowBlock(m_reload.Kept());
+    ShowBlock(kept);
 }
 
 void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
@@ -286,7 +274,7 @@ void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
     if (!kept || graph.IsFitPending()) graph.FitScales();
     SetWindowTextW(Window(), Wide(WindowCaption(m_document.File().fileName, recording.BlockLine())).c_str());
     Refresh();
-    if (kept && view.Selected().active) m_values.TellRange();
+    if (m_complete && kept && view.Selected().active) m_values.TellRange();
     if (m_complete) slices.InitSpectrogram();
     slices.work.BlockLoaded();
     // Not while something else is told: it would be lost.
@@ -365,7 +353,9 @@ void MainRooms::SamplesChanged(bool stored) {
 }
 
 void MainRooms::Found(const ReadStep& step) {
-    if (m_complete && (step.blocksChanged || step.titlesChanged)) recording.BlocksChanged(step.titlesChanged);
+    // Also before the list exists: it is filled with what was found by then.
+    if (step.blocksChanged || step.titlesChanged) recording.BlocksChanged(step.titlesChanged);
+    if (opener.ShowAwaited()) return;
     if (step.grown) {
         const WaveformView::State kept = view.Keep();
         LeaveBlock();

@@ -19,6 +19,7 @@
 #include "app/win/LongCommand.h"
 #include "app/win/Panel.h"
 #include "app/win/PictureCommands.h"
+#include "app/win/RecordingOpener.h"
 #include "app/win/RecordingPane.h"
 #include "app/win/RoomParts.h"
 #include "app/win/SliceRunner.h"
@@ -89,11 +90,10 @@ class MainRooms {
     void WireSound();
     void WireCommands();
     void WireBackground();
-    void OpenFile(const std::wstring& name);
     void LoadBlock(int index);
-    void RecordingChanged();
-    void LeaveBlock();
     /// `kept`: the view to be restored, of the same recording.
+    void RecordingChanged(const std::optional<WaveformView::State>& kept);
+    void LeaveBlock();
     void ShowBlock(const std::optional<WaveformView::State>& kept);
     void ChooseChannel();
     /// The titles of lanes take room according to their length.
@@ -131,6 +131,7 @@ class MainRooms {
     SpectrogramPane spectrogram;
     RecordingPane recording;
     BrowserPane browser;
+    RecordingOpener opener;
     ExportCommands exports;
     DialogCommands dialogs;
     PictureCommands pictures;

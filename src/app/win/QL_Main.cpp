@@ -125,6 +125,9 @@ int QL_Main(const StartUpParts& parts, int showCommand) {
     if (!Init(global, parts, services)) return 1;
     SettingsStore store(parts.makeRegistry, parts.program);
     store.Load(global.settings);
+    // After a crash the window does not begin with what may have brought it down.
+    if (!parts.crashFile.empty() && FileExists(parts.crashFile)) global.settings.last = {};
+    global.storeRecordings = [&] { store.SaveRecordings(global.settings); };
     ApplyDisplaySettings(global);
     // Before anything shows them or saves them.
     QL_FFT::RepairSettings(global.settings.spectrum);

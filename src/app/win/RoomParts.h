@@ -28,7 +28,8 @@ struct RoomParts {
     Language language;
     bool foldOrigin;  ///< see TraceGeometry
     WinServices& services;
-    std::function<void()> applySettings;  ///< what the user chose about scales and texts takes effect
+    std::function<void()> applySettings;           ///< what the user chose about scales and texts takes effect
+    const std::function<void()>& storeRecordings;  ///< see QL_Global
 };
 
 }  // namespace quillon

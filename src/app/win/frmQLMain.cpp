@@ -27,8 +27,8 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
       m_shutdown(std::move(shutdown)),
       m_rooms({*global.document, *global.view, *global.playback, global.settings, global.format, *global.library,
                *global.exporter, *global.saveDialog, global.openText, global.language, global.systemVersion < 4,
-               services, [&global] { ApplyDisplaySettings(global); }}),
-      m_menu(services, *global.view, global.format),
+               services, [&global] { ApplyDisplaySettings(global); }, global.storeRecordings}),
+      m_menu(services, *global.view, global.format, global.settings.recent),
       m_layout(global.settings.window),
       m_help(global.helpFile, global.settings.helpLanguage, services, m_rooms.status) {
     Wire();
@@ -305,7 +305,7 @@ void frmQLMain::OnEndSession(bool ends) {
         return EndSession();
     }
     // A running command still uses the recording.
-    m_rooms.browser.KeepSettings();
+    m_rooms.opener.Keep();
     KeepWindowPlace(m_window, m_global.settings.window);
     if (m_shutdown) m_shutdown();
 }
@@ -313,7 +313,7 @@ void frmQLMain::OnEndSession(bool ends) {
 void frmQLMain::EndSession() {
     // Each step runs even if another one fails, and the program ends in any case.
     for (const auto& step : std::initializer_list<std::function<void()>>{
-             [&] { m_rooms.browser.KeepSettings(); }, [&] { KeepWindowPlace(m_window, m_global.settings.window); },
+             [&] { m_rooms.opener.Keep(); }, [&] { KeepWindowPlace(m_window, m_global.settings.window); },
              [&] { m_rooms.CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
         try {
             step();

@@ -29,6 +29,10 @@ constexpr int kInLanes = -3;       ///< lanes are on, with a page of 7 s
 constexpr int kFolderChosen = -2;  ///< the folder "sub" is chosen in its list
 
 const Effect kEffects[] = {
+    {mnuOpen, "Ctrl+O", "dialog=Open Recording"},
+    {mnuRecent, "", ""},  // it is open
+    {mnuRecent + 1, "", "file=b.bin", mnuRecording + 1},
+    {mnuClearRecent, "", "recent=0"},
     {mnuSaveAs, "Ctrl+S", "save=1"},
     {mnuFastExport, "Ctrl+Shift+E", "status=The file "},
     {mnuSplit, "Ctrl+Shift+S", "dialog=Splitting"},
@@ -224,6 +228,7 @@ class EffectTest : public MainWindowTest {
         if (m_global.settings.window.spectrogramShown != (effect.command == mnuNextPalette)) Command(mnuSpectrogram);
         m_global.settings.spectrum.palette = 0;
         m_global.settings.helpLanguage = 7;
+        m_global.settings.recent = RecentRecordings({m_global.document->File().fileName});
         m_global.helpFile.clear();
         ScrollTo(1000);
         WaveformView::State state = m_global.view->Keep();
@@ -264,6 +269,7 @@ class EffectTest : public MainWindowTest {
         dialog.resize(std::min(dialog.find_first_of(L":;"), dialog.size()));
         // The shell's speaks the language of the system.
         static const std::set<std::wstring> own{L"",
+                                                L"Open Recording",
                                                 L"Splitting",
                                                 L"Rename",
                                                 L"Options",
@@ -301,6 +307,7 @@ class EffectTest : public MainWindowTest {
                              : ""},
                 {"file", Utf8(FileNameOf(m_global.document->File().fileName))},
                 {"status", Utf8(Narrow16(Status().substr(0, 9)))},
+                {"recent", m_global.settings.recent.Paths().empty() ? "0" : "1"},
                 {"save", std::to_string(m_saves)},
                 {"clipboard", IsClipboardFormatAvailable(CF_DIB)           ? "image"
                               : IsClipboardFormatAvailable(CF_UNICODETEXT) ? "text"

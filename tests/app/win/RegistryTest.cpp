@@ -104,6 +104,7 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     settings.spectrum.decibelRange = 1e-7F;
     settings.pathList = PathList({u"C:\\", u"\\\\server\\ecg"});
     settings.window.maximized = true;
+    settings.recent.Add(u"D:\\Записи\\ночь.edf");
     settings.text.asShown = 1;
     EXPECT_TRUE(Store().Save(settings));
     Values main = ValuesIn(MainPath());
@@ -115,7 +116,10 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     Values spectrogram = ValuesIn(MainPath() + L"\\Spectrogram");
     EXPECT_EQ(spectrogram[L"AmpScale"], Text(L"1234567"));
     EXPECT_EQ(spectrogram[L"DBRange"], Text(L"0.0000001"));
-    EXPECT_EQ(ValuesIn(MainPath() + L"\\Window")[L"Maximized"], Number(1));
+    Values window = ValuesIn(MainPath() + L"\\Window");
+    EXPECT_EQ(window[L"Maximized"], Number(1));
+    EXPECT_EQ(window[L"Recent1"], Text(L"D:\\Записи\\ночь.edf"));
+    EXPECT_EQ(window[L"Recent12"], Text(L""));
 
     EXPECT_EQ(NamesOf(main),
               L"DigitsCount DigitsType ExpChType ExpFastFile ExpFileType ExpPath ExpRowHead ExpRowRate ExpRowSize "

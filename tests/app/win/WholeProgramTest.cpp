@@ -224,7 +224,8 @@ class RandomActions : public MainWindowTest {
                 const auto menu = MenuTree();
                 const MenuEntry& entry = menu[static_cast<std::size_t>(Below(static_cast<int>(menu.size())))];
                 // The window and its files are to stay; a dialog now and then is enough.
-                const bool dialog = entry.id == mnuOptions || entry.id == mnuSplit || entry.id == mnuAbout;
+                const bool dialog =
+                    entry.id == mnuOptions || entry.id == mnuSplit || entry.id == mnuAbout || entry.id == mnuOpen;
                 if (entry.id == 0 || entry.id == mnuExit || entry.id == mnuFileOperation || (dialog && Below(8) != 0))
                     break;
                 Command(entry.id + Below(entry.count));
