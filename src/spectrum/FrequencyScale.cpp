@@ -63,6 +63,12 @@ FrequencyScaleMarks FrequencyMarks(int height, double sampleRate, const FormatOp
     return marks;
 }
 
+std::int32_t ShownBins(double highest, double sampleRate, std::int32_t bins) {
+    if (!(highest > 0.0) || !(sampleRate > 0.0) || !(2.0 * highest < sampleRate)) return bins;
+    const auto least = std::min<std::int32_t>(2, bins);
+    return std::max(static_cast<std::int32_t>(std::ceil(2.0 * highest / sampleRate * bins)), least);
+}
+
 std::u16string FrequencyCaption(std::u16string_view channelWord, int channelNumber, std::u16string_view unit) {
     return std::u16string(channelWord).append(u" ").append(Decimal(channelNumber)).append(u", ").append(unit);
 }

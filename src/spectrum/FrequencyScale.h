@@ -34,6 +34,9 @@ struct FrequencyScaleMarks {
 [[nodiscard]] FrequencyScaleMarks FrequencyMarks(int height, double sampleRate, const FormatOptions& options,
                                                  int labelHeight = kFrequencyLabelSpacing);
 
+/// Bins, from 0 Hz up, of a picture that reaches up to a frequency (0: all) with its upper edge, out of so many.
+[[nodiscard]] std::int32_t ShownBins(double highest, double sampleRate, std::int32_t bins);
+
 /// "Channel 3, kHz": the localised word for a channel, the device's number of the channel from 1, the labels' unit.
 [[nodiscard]] std::u16string FrequencyCaption(std::u16string_view channelWord, int channelNumber,
                                               std::u16string_view unit);

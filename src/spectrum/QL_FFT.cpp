@@ -27,7 +27,10 @@ std::int32_t OrderFor(std::int32_t asked) {
 void QL_FFT::RepairSettings(SpectrumSettings& settings) {
     settings.order = OrderFor(settings.order);
     if (!(settings.amplitudeScale > 0.0F) || !std::isfinite(settings.amplitudeScale)) settings.amplitudeScale = 100.0F;
-    if (!(settings.decibelRange >= 10.0F && settings.decibelRange <= 200.0F)) settings.decibelRange = 120.0F;
+    if (!(settings.decibelRange >= kLeastRange && settings.decibelRange <= kMostRange)) settings.decibelRange = 120.0F;
+    if (!(settings.topLevel >= kLeastTop && settings.topLevel <= kMostTop)) settings.topLevel = 0.0F;
+    if (!(settings.highestFrequency > 0.0F) || !std::isfinite(settings.highestFrequency))
+        settings.highestFrequency = 0.0F;
 }
 
 void QL_FFT::FFT_Init(std::int32_t imageWidth) {
@@ -130,7 +133,7 @@ void QL_FFT::FFT_ComputeScaling() {
     float logarithms[2] = {half, halfLength};
     nsp::nspsbLg1(logarithms, 2);
     m_state.logMultiplier = 255.0F / decades;
-    m_state.logOffset = decades - logarithms[0] - logarithms[1];
+    m_state.logOffset = decades - logarithms[0] - logarithms[1] - m_settings.topLevel / 20.0F;
 }
 
 QL_FFT::Frame QL_FFT::FrameOf(std::int32_t column) const {
@@ -139,6 +142,7 @@ QL_FFT::Frame QL_FFT::FrameOf(std::int32_t column) const {
     std::int64_t start = m_state.grid.FirstSample(std::int64_t{m_state.firstColumn} + column) + 1 - half;
     std::int64_t length = m_length;
     if (!(m_state.halfRange > 0.0F) || start + half > samples) return {1, 0};
+    if (m_settings.blankEnds && (start < 1 || start + length - 1 > samples)) return {1, 0};
     // At both ends of the block the frame is shifted into it, not padded.
     start = std::max<std::int64_t>(start, 1);
     if (start + length - 1 > samples) {
@@ -327,7 +331,8 @@ std::int32_t QL_FFT::FFT_Update(std::int32_t firstColumn, std::int32_t visibleCo
 
 double QL_FFT::LevelOf(std::uint8_t index) const {
     if (m_settings.type == 1) return index / 255.0 * 100.0;
-    return (index / 255.0 - 1.0) * static_cast<double>(m_settings.decibelRange);
+    return (index / 255.0 - 1.0) * static_cast<double>(m_settings.decibelRange) +
+           static_cast<double>(m_settings.topLevel);
 }
 
 }  // namespace quillon

@@ -40,14 +40,20 @@ struct SpectrumState {
 ///
 /// Column c is the spectrum of the 2^order samples around the first sample of column (first column + c) of a grid. With
 /// m the magnitude of a bin, N the transform's length and h half the channel's range, the logarithmic index is 255 (1 +
-/// 20 log10(m / (h N/2)) / decibel range), the linear one 255 x 1.2 m / (h N/2) x amplitude scale; the window's
-/// coefficients add up to N, so a sine of amplitude h has m = h N/2 whatever the window.
+/// (20 log10(m / (h N/2)) - top level) / decibel range), the linear one 255 x 1.2 m / (h N/2) x amplitude scale; the
+/// window's coefficients add up to N, so a sine of amplitude h has m = h N/2 whatever the window. At the ends of the
+/// block the samples are those of the nearest window inside it, or the columns are blank, as the settings say.
 ///
 /// Owns the image, its colours and what it is computed with; refers to the block that it was given.
 class QL_FFT {
   public:
     static constexpr std::int32_t kLeastOrder = 5;
     static constexpr std::int32_t kMostOrder = 11;
+    // Limits of the levels, in decibels.
+    static constexpr float kLeastRange = 10.0F;
+    static constexpr float kMostRange = 200.0F;
+    static constexpr float kLeastTop = -180.0F;
+    static constexpr float kMostTop = 40.0F;
 
     explicit QL_FFT(SpectrumSettings& settings) : m_settings(settings) {}
 

@@ -7,7 +7,9 @@
 #include <numeric>
 #include <random>
 
+#include "base/Text.h"
 #include "nsp/SpectrumBatch.h"
+#include "spectrum/ColorScale.h"
 #include "spectrum/FrequencyScale.h"
 #include "spectrum/Palette.h"
 #include "spectrum/QL_FFT.h"
@@ -201,6 +203,59 @@ TEST(QL_FFT, ColumnsLeftForLaterAreInTheEndThoseComputedAtOnce) {
     }
 }
 
+TEST(QL_FFT, AnotherTopLevelMovesTheLevelsAndBlankEndsAreThoseOfShiftedWindows) {
+    FakeBlock block = Tones(3000);
+    SpectrumSettings plain{.order = 7};
+    SpectrumSettings chosen{.order = 7, .topLevel = -24.0F, .blankEnds = true};
+    QL_FFT expected(plain);
+    QL_FFT actual(chosen);
+    for (QL_FFT* fft : {&expected, &actual}) {
+        fft->FFT_Init(301);
+        fft->FFT_SetChannel(&block, 0, 0, kLimits);
+        fft->FFT_Update(0, 301, 10, true);
+    }
+    EXPECT_EQ(std::pair(actual.LevelOf(255), actual.LevelOf(0)), std::pair(-24.0, -144.0));
+    int compared = 0;
+    for (std::int32_t column = 0; column < 301; ++column) {
+        const std::int32_t centre = column * 10 + 1;
+        const bool whole = centre - 64 >= 1 && centre + 63 <= 3000;
+        for (std::int32_t bin = 0; bin < actual.BinCount(); ++bin) {
+            const auto at = static_cast<std::size_t>(bin * actual.ImageWidth() + column);
+            const std::uint8_t index = actual.Image()[at];
+            if (!whole) {
+                ASSERT_EQ(index, 0) << column;
+            } else if (index > 0 && index < 255) {
+                ++compared;
+                ASSERT_NEAR(actual.LevelOf(index), expected.LevelOf(expected.Image()[at]), 0.5);
+            }
+        }
+    }
+    EXPECT_GT(compared, 5000);
+}
+
+TEST(ColorTicks, StandAtTheirColoursInsideTheBarAndApart) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 3000; ++round) {
+        const double high = static_cast<double>(random() % 2200) / 10.0 - 180.0;
+        const double low = high - 10.0 - static_cast<double>(random() % 190);
+        const auto height = static_cast<std::int32_t>(20 + random() % 1200);
+        const auto text = static_cast<std::int32_t>(13 + random() % 16);
+        const auto ticks = ColorTicks(low, high, height, text, u'.');
+        EXPECT_TRUE(ticks.size() >= 2 || height < 12 * text) << height << ' ' << text << ' ' << low << ' ' << high;
+        std::int32_t before = height;
+        for (const ColorTick& tick : ticks) {
+            const double level = std::stod(Utf8(tick.figure));
+            ASSERT_EQ(level, std::nearbyint(level));
+            // The colour in that row, within a row or an index.
+            const double shown = low + BarIndex(height - 1 - tick.row, height) / 255.0 * (high - low);
+            ASSERT_NEAR(shown, level, (high - low) * std::max(1.0 / 255.0, 1.6 / height)) << height;
+            ASSERT_TRUE(tick.text >= 0 && tick.text + text <= before);
+            before = tick.text;
+        }
+    }
+    EXPECT_TRUE(ColorTicks(-120.0, 0.0, 10, 13, u'.').empty());
+}
+
 std::array<int, 3> Rgb(std::int16_t kind, std::size_t index) {
     const PaletteColor color = BuildPalette(kind)[index];
     return {color.red, color.green, color.blue};
@@ -240,6 +295,19 @@ TEST(FrequencyScaleTest, RowsTextsAndUnitFollowTheStep) {
     EXPECT_EQ(FrequencyCaption(u"Channel", 3, marks.unit), u"Channel 3, kHz");
     EXPECT_EQ(FrequencyMarks(300, 3000.0, options).ticks.front().text, u"0,1");
     for (double rate : {0.0, -1.0, std::nan(""), HUGE_VAL}) EXPECT_TRUE(FrequencyMarks(99, rate, {}).ticks.empty());
+}
+
+TEST(FrequencyScaleTest, ThePictureReachesUpToTheFrequencyByWholeBins) {
+    for (const std::int32_t bins : {17, 129, 1025}) {
+        for (double highest = 0.5; highest < 500.0; highest *= 1.3) {
+            const std::int32_t shown = ShownBins(highest, 1000.0, bins);
+            const double step = 500.0 / bins;
+            EXPECT_GE(shown * step, highest);
+            EXPECT_TRUE(shown <= bins && (shown == 2 || (shown - 1) * step < highest));
+        }
+        for (const double all : {0.0, 500.0, 900.0, std::nan("")}) EXPECT_EQ(ShownBins(all, 1000.0, bins), bins);
+        EXPECT_EQ(ShownBins(10.0, 0.0, bins), bins);
+    }
 }
 
 TEST(FrequencyScaleTest, LabelsExistAndNeverOverlapAtAnyRateAndHeight) {
