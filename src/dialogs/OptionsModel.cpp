@@ -1,12 +1,11 @@
 #include "dialogs/OptionsModel.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <optional>
-#include <system_error>
 
+#include "format/NumberText.h"
 #include "spectrum/QL_FFT.h"
 #include "view/CursorPicture.h"
 #include "view/QL_ChUtils.h"
@@ -17,34 +16,9 @@ namespace {
 
 static_assert(kLeastFftOrder == QL_FFT::kLeastOrder && kLeastFftOrder + kFftSizes - 1 == QL_FFT::kMostOrder);
 
-constexpr float kLeastRange = 10.0F;
-constexpr float kMostRange = 200.0F;
-
 /// Position of a stored number among that many; -1 where it is none of them.
 int PositionOf(std::int32_t value, int count) {
     return value >= 0 && value < count ? value : -1;
-}
-
-bool IsBlank(char16_t letter) {
-    return letter <= u' ' || letter == u'\u00A0' || letter == u'\u202F';
-}
-
-/// A number with a point, a comma or the given separator, and nothing else but blanks around it. None beyond the range
-/// of singles, and for what is no number.
-std::optional<float> ParseSingle(std::u16string_view text, char16_t separator) {
-    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-    std::string digits;
-    for (const char16_t letter : text) {
-        const bool point = letter == u',' || letter == separator;
-        if (!point && letter > u'~') return std::nullopt;
-        digits += point ? '.' : static_cast<char>(letter);
-    }
-    float value = 0.0F;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value);
-    if (error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
-    return value;
 }
 
 /// Applies a choice; list positions map to the numbers from `first` on. Returns whether the value changes.
@@ -64,7 +38,7 @@ template <typename IsAcceptable>
 bool TakeNumber(float& value, const std::u16string& shown, const std::u16string& typed, char16_t separator,
                 IsAcceptable acceptable) {
     if (typed == shown) return false;
-    const std::optional<float> number = ParseSingle(typed, separator);
+    const std::optional<float> number = SingleFromText(typed, separator);
     if (!number || !acceptable(*number) || *number == value) return false;
     value = *number;
     return true;
@@ -89,7 +63,7 @@ OptionChanges ApplySpectrum(const OptionEntries& shown, const OptionEntries& ent
     changed |= TakeNumber(spectrum.amplitudeScale, shown.amplitudeScale, entries.amplitudeScale, separator,
                           [](float percent) { return percent > 0.0F; });
     changed |= TakeNumber(spectrum.decibelRange, shown.decibelRange, entries.decibelRange, separator,
-                          [](float range) { return range >= kLeastRange && range <= kMostRange; });
+                          [](float range) { return range >= QL_FFT::kLeastRange && range <= QL_FFT::kMostRange; });
     changes.buildPalette = TakeChoice(spectrum.palette, shown.palette, entries.palette);
     changes.buildWindow = TakeChoice(spectrum.window, shown.window, entries.window);
     changes.setOrder = TakeChoice(spectrum.order, shown.fftSize, entries.fftSize, kLeastFftOrder);

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <system_error>
 
 #include "base/Text.h"
 
@@ -178,6 +179,23 @@ std::u16string FormatPattern(double value, std::u16string_view pattern, char16_t
     if (whole < parsed.wholeDigits) text.insert(0, parsed.wholeDigits - whole, u'0');
     if (rounded < 0.0) text.insert(0, 1, u'-');
     return text.append(parsed.literal);
+}
+
+std::optional<float> SingleFromText(std::u16string_view text, char16_t separator) {
+    const auto isBlank = [](char16_t letter) { return letter <= u' ' || letter == u'\u00A0' || letter == u'\u202F'; };
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    std::string digits;
+    for (const char16_t letter : text) {
+        const bool point = letter == u',' || letter == separator;
+        if (!point && letter > u'~') return std::nullopt;
+        digits += point ? '.' : static_cast<char>(letter);
+    }
+    float value = 0.0F;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    if (error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
+    return value;
 }
 
 }  // namespace quillon

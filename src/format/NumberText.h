@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,10 @@ namespace quillon {
 
 /// The fewest digits that read back as the single nearest to the value; beyond the range of singles as NumberText.
 [[nodiscard]] std::u16string SingleNumberText(double value, char16_t separator);
+
+/// A number that was typed, with a point, a comma or the given separator, and nothing else but blanks around it. None
+/// beyond the range of singles, and for what is no number.
+[[nodiscard]] std::optional<float> SingleFromText(std::u16string_view text, char16_t separator);
 
 /// Clock time of a number of seconds, `h:mm:ss` with up to four decimals of the second. Elapsed time counts hours on
 /// beyond 24 and may be negative; a time of day is taken modulo 24 hours. From 1e14 s on the number of seconds alone.
