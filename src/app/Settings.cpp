@@ -60,13 +60,28 @@ constexpr std::array<Entry<SpectrumSettings>, 6> kSpectrumEntries{{{u"FFTOrder2"
                                                                    {u"SpectrumType", &SpectrumSettings::type},
                                                                    {u"AmpScale", &SpectrumSettings::amplitudeScale},
                                                                    {u"DBRange", &SpectrumSettings::decibelRange}}};
-constexpr std::array<Entry<WindowPlacement>, 19> kWindowEntries{
-    {{u"Left", &WindowPlacement::left},
-     {u"Top", &WindowPlacement::top},
-     {u"Width", &WindowPlacement::width},
-     {u"Height", &WindowPlacement::height},
-     {u"Maximized", &WindowPlacement::maximized},
-     {u"ListWidth", &WindowPlacement::listWidth},
+/// Kept with the window's state as well.
+constexpr std::array<Entry<SpectrumSettings>, 3> kSpectrumWindowEntries{
+    {{u"SpectrogramTop", &SpectrumSettings::topLevel},
+     {u"SpectrogramHighest", &SpectrumSettings::highestFrequency},
+     {u"SpectrogramBlankEnds", &SpectrumSettings::blankEnds}}};
+constexpr std::array<Entry<WindowPlace>, 5> kPlaceEntries{{{u"Left", &WindowPlace::left},
+                                                           {u"Top", &WindowPlace::top},
+                                                           {u"Width", &WindowPlace::width},
+                                                           {u"Height", &WindowPlace::height},
+                                                           {u"Maximized", &WindowPlace::maximized}}};
+constexpr std::array<Entry<WindowPlace>, 5> kSpectrumPlaceEntries{{{u"SpectrumLeft", &WindowPlace::left},
+                                                                   {u"SpectrumTop", &WindowPlace::top},
+                                                                   {u"SpectrumWidth", &WindowPlace::width},
+                                                                   {u"SpectrumHeight", &WindowPlace::height},
+                                                                   {u"SpectrumMaximized", &WindowPlace::maximized}}};
+constexpr std::array<Entry<SpectrumWindowSettings>, 4> kSpectrumChoiceEntries{
+    {{u"SpectrumLength", &SpectrumWindowSettings::length},
+     {u"SpectrumWindow", &SpectrumWindowSettings::window},
+     {u"SpectrumLogFrequency", &SpectrumWindowSettings::logFrequency},
+     {u"SpectrumLevels", &SpectrumWindowSettings::levels}}};
+constexpr std::array<Entry<WindowPlacement>, 14> kWindowEntries{
+    {{u"ListWidth", &WindowPlacement::listWidth},
      {u"UpperPercent", &WindowPlacement::upperPercent},
      {u"ValuesHeight", &WindowPlacement::valuesHeight},
      {u"SpectrogramPercent", &WindowPlacement::spectrogramPercent},
@@ -233,9 +248,13 @@ void SettingsStore::Load(Settings& settings) {
     }
     if (Open(u"\\Spectrogram")) LoadEntries(*m_registry, kSpectrumEntries, settings.spectrum);
     if (Open(u"\\Window")) {
+        LoadEntries(*m_registry, kPlaceEntries, settings.window.place);
         LoadEntries(*m_registry, kWindowEntries, settings.window);
         LoadEntries(*m_registry, kTextWindowEntries, settings.text);
         LoadRecordings(*m_registry, settings);
+        LoadEntries(*m_registry, kSpectrumWindowEntries, settings.spectrum);
+        LoadEntries(*m_registry, kSpectrumPlaceEntries, settings.spectrumWindow.place);
+        LoadEntries(*m_registry, kSpectrumChoiceEntries, settings.spectrumWindow);
     }
 }
 
@@ -258,9 +277,13 @@ bool SettingsStore::Save(const Settings& settings) {
     const bool spectrum = Open(u"\\Spectrogram") && SaveEntries(*m_registry, kSpectrumEntries, settings.spectrum);
     bool window = Open(u"\\Window");
     if (window) {
+        window &= SaveEntries(*m_registry, kPlaceEntries, settings.window.place);
         window &= SaveEntries(*m_registry, kWindowEntries, settings.window);
         window &= SaveEntries(*m_registry, kTextWindowEntries, settings.text);
         window &= WriteRecordings(*m_registry, settings);
+        window &= SaveEntries(*m_registry, kSpectrumWindowEntries, settings.spectrum);
+        window &= SaveEntries(*m_registry, kSpectrumPlaceEntries, settings.spectrumWindow.place);
+        window &= SaveEntries(*m_registry, kSpectrumChoiceEntries, settings.spectrumWindow);
     }
     return complete && spectrum && window;
 }

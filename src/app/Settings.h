@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/RecentRecordings.h"
+#include "app/SpectrumWindowSettings.h"
 #include "app/WindowPlacement.h"
 #include "data/PathList.h"
 #include "export/SplitSettings.h"
@@ -28,6 +29,7 @@ struct Settings {
     WindowPlacement window;
     RecentRecordings recent;
     LastRecording last;
+    SpectrumWindowSettings spectrumWindow;
 };
 
 /// Program whose settings are stored.

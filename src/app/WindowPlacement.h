@@ -5,13 +5,18 @@
 
 namespace quillon {
 
-/// Position of the main window and the sizes of its areas, in pixels. A size or share of 0: not chosen yet.
-struct WindowPlacement {
-    std::int32_t left = 0;  ///< with top, width and height the place of the window when it is not maximized
+/// Where a window is when it is not maximized, in pixels. A width of 0: not known yet.
+struct WindowPlace {
+    std::int32_t left = 0;
     std::int32_t top = 0;
     std::int32_t width = 0;
     std::int32_t height = 0;
     bool maximized = false;
+};
+
+/// Place of the main window and the sizes of its areas, in pixels. A size or share of 0: not chosen yet.
+struct WindowPlacement {
+    WindowPlace place{};
     std::int32_t listWidth = 0;
     std::int32_t upperPercent = 0;  ///< share of the upper list
     std::int32_t valuesHeight = 0;

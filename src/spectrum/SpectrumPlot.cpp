@@ -97,19 +97,59 @@ void SpectrumPlot::PlaceAxes() {
     m_area.left = widest + Scaled(12);
     m_area.right = m_request.width - Scaled(14) - m_request.sizeOf(u"kHz").width;
     m_area.right = std::max(m_area.right, m_area.left + 1);
-    const bool logarithmic = m_request.scales.logFrequency;
-    const double low = !logarithmic ? 0.0 : m_binWidth > 0.0 ? m_binWidth : 1.0;
-    m_frequencies = PlotAxis(low, m_nyquist, logarithmic, m_area.left, m_area.right);
+    const FrequencyBand band = ChooseBand();
+    m_frequencies = PlotAxis(band.low, band.high, m_request.scales.logFrequency, m_area.left, m_area.right);
     AddFrequencies();
     AddLevels(levels, unit.text);
 }
 
+FrequencyBand SpectrumPlot::ChooseBand() {
+    const double lowest = !m_request.scales.logFrequency ? 0.0 : m_binWidth > 0.0 ? m_binWidth : 1.0;
+    const FrequencyBand all = m_all = {lowest, std::max(m_nyquist, lowest)};
+    constexpr double leastBins = 4.0;
+    if (!m_request.band || !(all.high - all.low > leastBins * m_binWidth)) return all;
+    FrequencyBand band{std::clamp(m_request.band->low, all.low, all.high),
+                       std::clamp(m_request.band->high, all.low, all.high)};
+    if (band.high - band.low < leastBins * m_binWidth) {
+        const double half = leastBins * m_binWidth / 2.0;
+        const double middle = std::clamp((band.low + band.high) / 2.0, all.low + half, all.high - half);
+        band = {middle - half, middle + half};
+    }
+    if (band.low > all.low || band.high < all.high) m_band = band;
+    return band;
+}
+
+FrequencyBand SpectrumPlot::Between(double first, double last) const {
+    return {m_frequencies.ValueAt(first), m_frequencies.ValueAt(last)};
+}
+
+FrequencyBand SpectrumPlot::Zoomed(double part, std::int32_t column) const {
+    return Between(column - (column - m_area.left) * part, column + (m_area.right - column) * part);
+}
+
+FrequencyBand SpectrumPlot::Moved(double columns) const {
+    const double left = m_frequencies.PlaceOf(m_all.low) - m_area.left;
+    const double right = m_frequencies.PlaceOf(m_all.high) - m_area.right;
+    const double moved = std::clamp(columns, std::min(left, 0.0), std::max(right, 0.0));
+    return Between(m_area.left + moved, m_area.right + moved);
+}
+
+std::vector<AxisTick> SpectrumPlot::FrequencyTicks(double unit) const {
+    // Figures of a narrow band may be longer than usual.
+    double widest = m_request.sizeOf(u"00000").width;
+    for (;;) {
+        const double taken = widest;
+        std::vector<AxisTick> ticks = m_frequencies.Ticks(taken + Scaled(16), unit, m_request.decimalSeparator);
+        for (const AxisTick& tick : ticks) widest = std::max<double>(widest, m_request.sizeOf(tick.text).width);
+        if (widest == taken) return ticks;
+    }
+}
+
 void SpectrumPlot::AddFrequencies() {
     constexpr double fromKilohertz = 10000.0;
-    const bool kilohertz = m_nyquist >= fromKilohertz;
-    const double spacing = m_request.sizeOf(u"00000").width + Scaled(16);
+    const bool kilohertz = m_frequencies.High() >= fromKilohertz;
     const std::int32_t y = m_area.bottom + Scaled(7);
-    for (const AxisTick& tick : m_frequencies.Ticks(spacing, kilohertz ? 1000.0 : 1.0, m_request.decimalSeparator)) {
+    for (const AxisTick& tick : FrequencyTicks(kilohertz ? 1000.0 : 1.0)) {
         const auto column = static_cast<std::int32_t>(std::nearbyint(tick.place));
         m_columns.push_back({column, !tick.text.empty()});
         if (tick.text.empty()) continue;
@@ -162,8 +202,12 @@ std::vector<DevicePoint> SpectrumPlot::Line(std::size_t trace) const {
     std::vector<DevicePoint> points;
     const PlotTrace& drawn = m_request.traces[trace];
     const std::vector<double>& power = drawn.density.power;
-    // 0 Hz is left of a logarithmic axis.
-    for (std::size_t bin = m_request.scales.logFrequency ? 1 : 0; bin < power.size();) {
+    if (power.empty()) return points;
+    // 0 Hz is left of a logarithmic axis. Of what lies outside the nearest bins are drawn, for the lines to them.
+    const double before = std::floor(m_frequencies.Low() / drawn.density.binWidth);
+    for (auto bin = static_cast<std::size_t>(std::max(before, m_request.scales.logFrequency ? 1.0 : 0.0));
+         bin < power.size();) {
+        if (!points.empty() && points.back().x > m_area.right) break;
         // As BinsAt divides them.
         auto column = static_cast<std::int32_t>(std::floor(m_frequencies.PlaceOf(drawn.density.Frequency(bin)) + 0.5));
         if (!points.empty()) column = std::max(column, points.back().x + 1);
@@ -242,7 +286,7 @@ std::optional<std::size_t> SpectrumPlot::PeakAt(std::size_t trace, std::span<con
     for (std::size_t at = 0; at < peaks.size(); ++at) {
         const DevicePoint place = PlaceOf(trace, peaks[at]);
         const std::int32_t away = std::max(std::abs(place.x - x), std::abs(place.y - y));
-        if (away > nearest || (found && away == nearest)) continue;
+        if (away > nearest || (found && away == nearest) || !IsInside(place)) continue;
         found = at;
         nearest = away;
     }
@@ -254,7 +298,7 @@ std::vector<PlotText> SpectrumPlot::HarmonicLines(const Harmonics& harmonics) co
     std::int32_t free = m_area.left;
     for (const Harmonic& harmonic : harmonics.list) {
         const DevicePoint place = PlaceOf(0, harmonic.peak);
-        if (place.x < m_area.left || place.x > m_area.right) continue;
+        if (!IsInside(place)) continue;
         PlotText line{kTimes + Decimal(harmonic.multiple), place.x, m_area.top + 1};
         const std::int32_t width = m_request.sizeOf(line.text).width + Scaled(6);
         if (place.x < free || place.x + width > m_area.right) {

@@ -26,6 +26,13 @@ struct PlotScales {
     friend bool operator==(const PlotScales&, const PlotScales&) = default;
 };
 
+/// Part of the axis of frequencies, in Hz.
+struct FrequencyBand {
+    double low = 0.0;
+    double high = 0.0;
+    friend bool operator==(const FrequencyBand&, const FrequencyBand&) = default;
+};
+
 /// A spectrum to draw.
 struct PlotTrace {
     PowerDensity density{};
@@ -42,6 +49,8 @@ struct PlotRequest {
     std::int32_t height = 0;
     int dpi = 96;
     char16_t decimalSeparator = u'.';
+    /// To be shown; none: all frequencies. Kept within these, and wide enough for some bins.
+    std::optional<FrequencyBand> band{};
     std::function<TextSize(const std::u16string&)> sizeOf;  ///< in the font of the plot
 };
 
@@ -71,6 +80,18 @@ class SpectrumPlot {
     explicit SpectrumPlot(const PlotRequest& request);
 
     [[nodiscard]] const Area& Inside() const { return m_area; }
+    /// The frequencies that are shown; none where these are all.
+    [[nodiscard]] const std::optional<FrequencyBand>& Band() const { return m_band; }
+    /// The frequencies from column to column, which may lie outside.
+    [[nodiscard]] FrequencyBand Between(double first, double last) const;
+    /// Those of a view with that part of the width (above 1: more) in which a column stays where it is.
+    [[nodiscard]] FrequencyBand Zoomed(double part, std::int32_t column) const;
+    /// Those of a view that is so many columns further right, at most as far as there are frequencies.
+    [[nodiscard]] FrequencyBand Moved(double columns) const;
+    [[nodiscard]] std::int32_t Middle() const { return (m_area.left + m_area.right) / 2; }
+    [[nodiscard]] bool IsInside(const DevicePoint& point) const {
+        return point.x >= m_area.left && point.x <= m_area.right;
+    }
     [[nodiscard]] const std::vector<PlotMark>& Columns() const { return m_columns; }
     [[nodiscard]] const std::vector<PlotMark>& Rows() const { return m_rows; }
     /// Of both axes, their units included.
@@ -100,6 +121,9 @@ class SpectrumPlot {
   private:
     void MeasureLevels();
     void PlaceAxes();
+    /// The frequencies to show, low and high.
+    [[nodiscard]] FrequencyBand ChooseBand();
+    [[nodiscard]] std::vector<AxisTick> FrequencyTicks(double unit) const;
     void AddFrequencies();
     void AddLevels(const std::vector<AxisTick>& ticks, const std::u16string& unit);
     /// That the level axis counts in, and the levels of one of it.
@@ -120,6 +144,8 @@ class SpectrumPlot {
     double m_mostLevel = 0.0;
     double m_nyquist = 0.0;
     double m_binWidth = 0.0;
+    std::optional<FrequencyBand> m_band;
+    FrequencyBand m_all;
     Area m_area;
     PlotAxis m_frequencies;
     PlotAxis m_levels;

@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "app/SpectrumLayout.h"
+#include "app/SpectrumWindowSettings.h"
 #include "support/ViewFixture.h"
 
 namespace quillon {
@@ -155,6 +156,21 @@ TEST(SpectrumLayout, ControlsDoNotOverlapAndStayInside) {
                 }
             }
         }
+    }
+}
+
+TEST(SpectrumWindowSettings, ChoicesComeBackAndSpoiledOnesAreTheFirst) {
+    SpectrumWindowSettings settings;
+    EXPECT_EQ(settings.Choices(3).window, 3) << "the spectrogram's until one is chosen";
+    EXPECT_EQ(settings.Choices(9).window, 3);
+    const SpectrumChoices chosen{.length = 2048, .window = 1, .scales = {true, LevelScale::Linear}};
+    settings.Remember(chosen);
+    EXPECT_EQ(settings.Choices(3), chosen);
+    for (const std::int32_t length : {-256, 255, 1000, 131072}) {
+        settings.length = length;
+        settings.levels = static_cast<std::int16_t>(length);
+        EXPECT_EQ(settings.Choices(3).length, 0);
+        EXPECT_EQ(settings.Choices(3).scales.levels, LevelScale::Decibels);
     }
 }
 

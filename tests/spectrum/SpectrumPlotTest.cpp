@@ -8,6 +8,8 @@
 #include <random>
 #include <set>
 
+#include "spectrum/PlotDrag.h"
+
 namespace quillon {
 namespace {
 
@@ -128,6 +130,71 @@ TEST(SpectrumPlot, EverythingIsInsideAndTextsDoNotOverlap) {
             }
         }
     }
+}
+
+TEST(SpectrumPlot, AZoomedPlotIsACutOutOfTheWholeOne) {
+    std::mt19937 random(6);
+    const PlotTrace trace = Trace(2049, 1000.0, 1);
+    for (int round = 0; round < 200; ++round) {
+        PlotRequest request = RequestOf({&trace, 1}, kScales[static_cast<std::size_t>(round) % 6]);
+        const double low = std::uniform_real_distribution<double>(-20.0, 520.0)(random);
+        request.band = FrequencyBand{low, low + std::uniform_real_distribution<double>(0.0, 400.0)(random)};
+        const SpectrumPlot plot(request);
+        ASSERT_TRUE(plot.Band());
+        const FrequencyBand band = *plot.Band();
+        ASSERT_GE(band.high - band.low, 3.99 * trace.density.binWidth);
+        const auto& area = plot.Inside();
+        // Texts do not overlap, wherever their figures are long.
+        std::int32_t end = -100;
+        int figures = 0;
+        for (const PlotText& text : plot.Texts()) {
+            if (text.y <= area.bottom || text.text == u"Hz") continue;
+            ASSERT_GE(text.x, end + 5) << round;
+            end = text.x + SizeOfText(text.text).width;
+            ++figures;
+        }
+        ASSERT_GE(figures, 1);
+        // Between its ends the line goes through the very bins.
+        const auto line = plot.Line(0);
+        ASSERT_GE(line.size(), 4U);
+        ASSERT_TRUE(line.front().x <= area.left + 1 && line.back().x >= area.right - 1);
+        for (std::size_t bin = 1; bin < trace.density.power.size(); ++bin) {
+            const SpectralPeak peak{trace.density.Frequency(bin), DecibelsOf(trace.density.power[bin]), 0.0};
+            const DevicePoint place = plot.PlaceOf(0, peak);
+            if (place.x <= area.left || place.x >= area.right || band.high - band.low > 60.0) continue;
+            if (request.scales.logFrequency) continue;
+            ASSERT_TRUE(std::any_of(line.begin(), line.end(),
+                                    [&](const DevicePoint& point) {
+                                        return std::abs(point.x - place.x) <= 1 && std::abs(point.y - place.y) <= 1;
+                                    }))
+                << round << ' ' << bin;
+        }
+        // A column stays where it is; what was gone over comes back; the ends are the ends.
+        const double there = plot.Between(300, 301).low;
+        PlotRequest nearer = request;
+        nearer.band = plot.Zoomed(0.5, 300);
+        const SpectrumPlot zoomed(nearer);
+        const bool narrowest = zoomed.Band()->high - zoomed.Band()->low < 5.0 * trace.density.binWidth;
+        ASSERT_TRUE(narrowest || std::fabs(zoomed.Between(300, 301).low - there) < 1e-6 * there);
+        const FrequencyBand right = plot.Moved(1e6);
+        ASSERT_NEAR(right.high, 500.0, 1e-6);
+        const double widened = right.high - right.low - (band.high - band.low);
+        ASSERT_TRUE(request.scales.logFrequency || std::fabs(widened) < 1e-6);
+        ASSERT_FALSE(SpectrumPlot(RequestOf({&trace, 1}, request.scales)).Band());
+    }
+}
+
+TEST(PlotDrag, APressBecomesADragAndStaysOne) {
+    PlotDrag drag;
+    EXPECT_FALSE(drag.Move(50, 5));
+    drag.Press(10);
+    EXPECT_FALSE(drag.Move(13, 5));
+    EXPECT_FALSE(drag.Columns());
+    EXPECT_TRUE(drag.Move(2, 5));
+    EXPECT_TRUE(drag.Move(9, 5));
+    EXPECT_EQ(drag.Columns(), std::pair(9, 10));
+    drag.End();
+    EXPECT_FALSE(drag.IsPressed() || drag.Columns());
 }
 
 TEST(SpectrumPlot, PointersFindTracesPeaksAndValues) {

@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-bool ShowHelpFile(HWND owner, const std::wstring& path) {
+bool ShowHelpFile(HWND owner, const std::wstring& path, const std::wstring& page) {
     // Loaded on first use and kept: the viewer's window lives in it. Not every system has it.
     // Only from the system folder: a DLL of that name in the program's folder could be planted.
     wchar_t folder[MAX_PATH] = {};
@@ -15,7 +15,8 @@ bool ShowHelpFile(HWND owner, const std::wstring& path) {
     using Show = HWND(WINAPI*)(HWND, LPCWSTR, UINT, DWORD_PTR);
     const auto show = reinterpret_cast<Show>(reinterpret_cast<void*>(GetProcAddress(viewer, "HtmlHelpW")));
     constexpr UINT displayTopic = 0;
-    return show != nullptr && show(owner, path.c_str(), displayTopic, 0) != nullptr;
+    const std::wstring topic = page.empty() ? path : path + L"::/" + page;
+    return show != nullptr && show(owner, topic.c_str(), displayTopic, 0) != nullptr;
 }
 
 void HelpCommands::Choose() {
@@ -32,10 +33,10 @@ void HelpCommands::ChooseLanguage(std::int16_t language) {
     Choose();
 }
 
-void HelpCommands::Show(HWND owner) {
+void HelpCommands::Show(HWND owner, const std::wstring& page) {
     if (m_file.empty()) {
         m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(IDS_NO_HELP));
-    } else if (!ShowHelpFile(owner, Wide(m_file))) {
+    } else if (!ShowHelpFile(owner, Wide(m_file), page)) {
         m_status.Tell(StatusBar::Topic::Outcome, m_services.Text(IDS_HELP_IS_AT) + u' ' + m_file);
     }
 }

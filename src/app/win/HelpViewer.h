@@ -9,8 +9,9 @@
 
 namespace quillon {
 
-/// Opens a compiled help file in the system's help viewer; false when there is none or it does not answer.
-[[nodiscard]] bool ShowHelpFile(HWND owner, const std::wstring& path);
+/// Opens a compiled help file in the system's help viewer, at a page of it or, without one, at its first; false when
+/// there is none or it does not answer.
+[[nodiscard]] bool ShowHelpFile(HWND owner, const std::wstring& path, const std::wstring& page = {});
 
 /// The help commands: which file it is, and showing it.
 class HelpCommands {
@@ -22,8 +23,8 @@ class HelpCommands {
     /// Chooses the file by the language, see ChooseHelpFile.
     void Choose();
     void ChooseLanguage(std::int16_t language);
-    /// Opens the help file; if that fails, reports its path.
-    void Show(HWND owner);
+    /// Opens the help file, see ShowHelpFile; if that fails, reports its path.
+    void Show(HWND owner, const std::wstring& page = {});
 
   private:
     std::u16string& m_file;

@@ -66,6 +66,8 @@ class MainRooms {
 
     // Recording and block.
     void CloseCurrentFile();
+    /// What is open puts its choices into the settings.
+    void KeepSettings() { opener.Keep(), spectrum.KeepPlace(); }
     /// See RecordingReload. `isDragging`: a splitter, not the view, is being dragged.
     void LookAtRecording(bool asked, bool isDragging);
     void LookSoon() { m_reload.Soon(); }

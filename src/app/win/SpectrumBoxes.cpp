@@ -58,7 +58,9 @@ void SpectrumBoxes::Fill(const SpectrumCommands& spectra) {
     m_lengths = spectra.Lengths();
     std::vector<std::u16string> lengths;
     for (const std::int32_t length : m_lengths) lengths.push_back(spectra.LengthText(length));
-    Fill(kLength, lengths, LineOf(m_lengths, choices.length));
+    // A length that does not fit stands for the longest one that does.
+    const auto fitting = std::upper_bound(m_lengths.begin(), m_lengths.end(), choices.length);
+    Fill(kLength, lengths, static_cast<std::size_t>(fitting - m_lengths.begin()) - 1);
     Fill(kWindow, texts(IDS_OPT_WINDOW_0, 4), static_cast<std::size_t>(choices.window));
     Fill(kFrequencies, texts(IDS_SPECTRUM_FREQUENCY_0, 2), choices.scales.logFrequency ? 1 : 0);
     Fill(kLevels, texts(IDS_SPECTRUM_LEVEL_0, 3), static_cast<std::size_t>(choices.scales.levels));

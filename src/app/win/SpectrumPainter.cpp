@@ -60,6 +60,7 @@ void PaintPeaks(HDC dc, const SpectrumPlot& plot, const SpectrumCommands& spectr
     const SelectScope pen(dc, outline.Get());
     const auto paint = [&](std::size_t at, HBRUSH fill) {
         const DevicePoint place = plot.PlaceOf(spectra.PeakTrace(), spectra.Peaks()[at]);
+        if (!plot.IsInside(place)) return;
         const SelectScope brush(dc, fill);
         const int tip = place.y - 2;
         const POINT corners[] = {{place.x, tip}, {place.x - size, tip - 2 * size}, {place.x + size, tip - 2 * size}};

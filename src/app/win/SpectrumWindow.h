@@ -1,11 +1,9 @@
 #pragma once
 
-#include <array>
 #include <exception>
 #include <functional>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "app/BackgroundWork.h"
 #include "app/SpectrumCommands.h"
@@ -13,26 +11,30 @@
 #include "app/StringIds.h"
 #include "app/win/RoomParts.h"
 #include "app/win/SpectrumBoxes.h"
+#include "app/win/SpectrumLists.h"
+#include "app/win/SpectrumPicture.h"
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
-#include "spectrum/SpectrumPlot.h"
-#include "view/win/PictureBox.h"
 
 namespace quillon {
 
 /// The window of averaged spectra, beside the main window: the plot, the boxes of what is drawn, the peaks and the
 /// harmonics of a chosen one. It closes with the recording.
-class SpectrumWindow final : public PictureOwner {
+class SpectrumWindow final {
   public:
     /// All arguments must outlive this object.
     SpectrumWindow(const RoomParts& parts, BackgroundWork& work);
 
-    std::function<void(const std::exception& error)> onFailed;  ///< to be set by the owner
+    // To be set by the owner.
+    std::function<void(const std::exception& error)> onFailed;
+    std::function<void()> onHelp;  ///< the user asked for the page of this window
 
-    /// Opens it or brings it to the front, with the spectra of what is selected or seen now.
+    /// Opens it where it was last or brings it to the front, with the spectra of what is selected or seen now.
     void Show(HWND owner);
     [[nodiscard]] HWND Window() const { return m_window; }
     [[nodiscard]] const SpectrumCommands& Spectra() const { return m_spectra; }
+    /// Puts its place into the settings if it is open.
+    void KeepPlace();
     /// The samples of the block are about to change or to go.
     void LeaveBlock();
     /// Another range is selected: analyses it if the window is open.
@@ -41,10 +43,6 @@ class SpectrumWindow final : public PictureOwner {
     void Look();
     /// Keys of the window; false when the message is another window's, or nothing is to be done about it.
     [[nodiscard]] bool Translate(MSG message);
-
-    void PaintPicture(int id, HDC dc, const RECT& clip) override;
-    bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
-    void PictureFailed(const std::exception& error) override { onFailed(error); }
 
     /// Numbers of the controls; the boxes in the order of SpectrumLayout.
     enum Control : int {
@@ -60,15 +58,12 @@ class SpectrumWindow final : public PictureOwner {
     };
 
   private:
-    using Rows = std::vector<std::array<std::wstring, 3>>;
-
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     void CreateControls();
     HWND Make(const wchar_t* className, DWORD style, DWORD extendedStyle, int id, int textId);
-    void MakeList(int id, int columns);
+    HWND MakeList(int id);
     [[nodiscard]] HWND Of(int id) const { return GetDlgItem(m_window, id); }
-    [[nodiscard]] TextSize SizeOf(const std::u16string& text) const;
     [[nodiscard]] std::u16string Text(int id) const { return m_parts.services.Text(id); }
 
     void Analyse();
@@ -77,27 +72,25 @@ class SpectrumWindow final : public PictureOwner {
     /// The spectra or how they are drawn have changed.
     void Redraw();
     void FillLists();
+    /// The peak that was chosen, or none.
+    void ChoosePeak(std::optional<std::size_t> peak);
     void ShowReadout(const std::u16string& text);
     void ShowNote();
     void Click(std::int32_t x, std::int32_t y);
     LRESULT OnNotify(NMHDR* header);
     void CopyText();
-    void CopyPicture();
     void TellCopied(bool done) { ShowReadout(Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED)); }
 
     const RoomParts& m_parts;
     SpectrumBoxes m_boxes;
+    SpectrumLists m_lists;
     SpectrumCommands m_spectra;
     HWND m_window = nullptr;
-    PictureBox m_picture;
+    SpectrumPicture m_picture;
     GdiFont m_font;
     int m_dpi = 96;
     std::u16string m_file;  ///< that the spectra are of
     bool m_left = false;    ///< the spectra are to be made anew once there is a block
-    bool m_filling = false;
-    std::optional<SpectrumPlot> m_plot;
-    Rows m_peakRows;
-    Rows m_harmonicRows;
     std::u16string m_readout;
 };
 

@@ -9,7 +9,7 @@ constexpr std::int32_t kFarthest = 1 << 20;
 
 }  // namespace
 
-void RestoreWindowPlace(HWND window, const WindowPlacement& kept, int& showCommand) {
+void RestoreWindowPlace(HWND window, const WindowPlace& kept, int& showCommand) {
     const auto sane = [](std::int32_t value) { return value > -kFarthest && value < kFarthest; };
     if (kept.width > 0 && kept.height > 0 && sane(kept.left) && sane(kept.top) && sane(kept.width) &&
         sane(kept.height)) {
@@ -32,7 +32,7 @@ void RestoreWindowPlace(HWND window, const WindowPlacement& kept, int& showComma
     }
 }
 
-void KeepWindowPlace(HWND window, WindowPlacement& kept) {
+void KeepWindowPlace(HWND window, WindowPlace& kept) {
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     if (!GetWindowPlacement(window, &placement)) return;

@@ -38,7 +38,8 @@ void frmQLMain::Wire() {
     m_steps.onFailed = [this](const std::exception& error) { StepFailed(error); };
     m_rooms.onState = [this] { m_tools.Update(State()); };
     m_rooms.onArrange = [this] { Arrange(); };
-    m_rooms.onHelp = [this] { m_help.Show(m_window); };
+    m_commands.help = m_rooms.onHelp = [this] { m_help.Show(m_window); };
+    m_rooms.spectrum.onHelp = [this] { m_help.Show(m_window, L"spectrum.html"); };
     m_rooms.onContextMenu = [this](POINT screen) { ShowMenu(ContextMenu(), screen); };
     m_rooms.onCommand = [this](int command) { OnCommand(command); };
     m_rooms.onPathList = [this] {
@@ -46,7 +47,6 @@ void frmQLMain::Wire() {
     };
     m_rooms.onZoomMenu = [this](HWND control) { m_menu.ShowZooms(m_window, control); };
     m_commands.exit = [this] { SendMessageW(m_window, WM_CLOSE, 0, 0); };
-    m_commands.help = m_rooms.onHelp;
     m_commands.helpLanguage = [this](int index) { m_help.ChooseLanguage(static_cast<std::int16_t>(index)); };
     m_commands.showKeys = [this] { ShowTable(m_window, KeysTable(m_services)); };
     m_commands.selectPage = [this](TabPages tabs, int page) { SelectPage(m_window, tabs, page); };
@@ -73,7 +73,7 @@ void frmQLMain::Create(const std::wstring& path) {
 }
 
 void frmQLMain::Show(int showCommand) {
-    RestoreWindowPlace(m_window, m_global.settings.window, showCommand);
+    RestoreWindowPlace(m_window, m_global.settings.window.place, showCommand);
     ShowWindow(m_window, showCommand);
     // Shown inactive: WM_ACTIVATE never came.
     PlanRemainingControls();
@@ -305,15 +305,15 @@ void frmQLMain::OnEndSession(bool ends) {
         return EndSession();
     }
     // A running command still uses the recording.
-    m_rooms.opener.Keep();
-    KeepWindowPlace(m_window, m_global.settings.window);
+    m_rooms.KeepSettings();
+    KeepWindowPlace(m_window, m_global.settings.window.place);
     if (m_shutdown) m_shutdown();
 }
 
 void frmQLMain::EndSession() {
     // Each step runs even if another one fails, and the program ends in any case.
     for (const auto& step : std::initializer_list<std::function<void()>>{
-             [&] { m_rooms.opener.Keep(); }, [&] { KeepWindowPlace(m_window, m_global.settings.window); },
+             [&] { m_rooms.KeepSettings(); }, [&] { KeepWindowPlace(m_window, m_global.settings.window.place); },
              [&] { m_rooms.CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
         try {
             step();

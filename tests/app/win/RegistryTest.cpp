@@ -103,7 +103,7 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     settings.spectrum.amplitudeScale = 1234567.0F;
     settings.spectrum.decibelRange = 1e-7F;
     settings.pathList = PathList({u"C:\\", u"\\\\server\\ecg"});
-    settings.window.maximized = true;
+    settings.window.place.maximized = true;
     settings.recent.Add(u"D:\\Записи\\ночь.edf");
     settings.text.asShown = 1;
     EXPECT_TRUE(Store().Save(settings));
@@ -137,7 +137,7 @@ TEST_F(RegistryTest, KeepsValuesInTheTypesThatOtherProgramsExpect) {
     EXPECT_EQ(std::tuple(loaded.helpLanguage, loaded.display.timeIndex, loaded.spectrum.decibelRange),
               std::tuple(0, settings.display.timeIndex, 1e-7F));
     EXPECT_EQ(loaded.pathList.Folders(), settings.pathList.Folders());
-    EXPECT_TRUE(loaded.window.maximized);
+    EXPECT_TRUE(loaded.window.place.maximized);
     EXPECT_EQ(loaded.text.asShown, 1);
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <tuple>
 
 #include "app/win/MainWindowFixture.h"
 #include "view/QL_ChUtils.h"
@@ -125,6 +126,59 @@ TEST_F(SpectrumWindowTest, ItTellsOfOtherRangesAndClosesWithTheRecording) {
     Open();
     DestroyWindow(m_form->Window());
     EXPECT_FALSE(IsWindow(m_window));
+}
+
+TEST_F(SpectrumWindowTest, ADragZoomsAndPlaceSizeAndChoicesStay) {
+    StartWithTones();
+    Open();
+    const HWND plot = Of(SpectrumWindow::kPlot);
+    const auto send = [&](UINT message, int x) { SendMessageW(plot, message, 0, MAKELPARAM(x, 100)); };
+    const auto drag = [&](int from, int to) {
+        send(WM_LBUTTONDOWN, from);
+        send(WM_MOUSEMOVE, to);
+        const Pixels banded = Picture();
+        send(WM_LBUTTONUP, to);
+        return banded;
+    };
+    const Pixels whole = Picture();
+    const Pixels banded = drag(150, 250);
+    EXPECT_NE(banded.At(200, 5), whole.At(200, 5)) << "what is dragged over";
+    const Pixels zoomed = Picture();
+    EXPECT_FALSE(zoomed == whole);
+    EXPECT_GT(zoomed.Count(TraceColor(0)), 50);
+    send(WM_LBUTTONDBLCLK, 200);
+    EXPECT_TRUE(Picture() == whole);
+    // Esc leaves a drag without closing the window.
+    send(WM_LBUTTONDOWN, 150);
+    send(WM_MOUSEMOVE, 300);
+    MSG escape{Of(SpectrumWindow::kPeaks), WM_KEYDOWN, VK_ESCAPE, 0, 0, {}};
+    EXPECT_TRUE(m_form->PreTranslate(escape));
+    send(WM_LBUTTONUP, 300);
+    EXPECT_TRUE(IsWindow(m_window) && Picture() == whole);
+    drag(150, 250);
+    EXPECT_TRUE(Picture() == zoomed);
+    // A peak that is chosen comes into view: 125 Hz is left of what is shown or in it.
+    Press(VK_OEM_PLUS, {VK_CONTROL});
+    EXPECT_FALSE(Picture() == zoomed);
+    Press('F', {VK_CONTROL});
+    EXPECT_TRUE(Picture() == whole);
+    Press(VK_F1);
+    EXPECT_EQ(Status().substr(0, 7), L"No help");
+    ChooseIn(3, 1);
+    ChooseIn(2, 3);
+    SetWindowPos(m_window, nullptr, 50, 60, 700, 450, SWP_NOZORDER);
+    Press(VK_ESCAPE);
+    ASSERT_FALSE(IsWindow(m_window));
+    const SpectrumWindowSettings& kept = m_global.settings.spectrumWindow;
+    EXPECT_TRUE(kept.logFrequency && kept.window == 3);
+    EXPECT_EQ(std::tuple(kept.place.left, kept.place.top, kept.place.width, kept.place.height),
+              std::tuple(50, 60, 700, 450));
+    // On a screen that is gone it is moved onto one that there is.
+    m_global.settings.spectrumWindow.place.top = 20000;
+    Open();
+    RECT place{};
+    GetWindowRect(m_window, &place);
+    EXPECT_TRUE(place.top < 5000 && place.right - place.left == 700) << place.top;
 }
 
 }  // namespace

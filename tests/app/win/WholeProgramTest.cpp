@@ -166,8 +166,8 @@ TEST(WholeProgram, AUsersDayFromTheFirstStartToTheSecond) {
     stored.spectrum.decibelRange = 300.0F;
     stored.spectrum.order = 31;
     // A place off all screens is moved onto one.
-    EXPECT_TRUE(stored.window.left == 44 && stored.window.top == 55);
-    stored.window.top = 20000;
+    EXPECT_TRUE(stored.window.place.left == 44 && stored.window.place.top == 55);
+    stored.window.place.top = 20000;
     SettingsStore(MakeRegistryObject, parts.program).Save(stored);
     {
         const User user([&](User& me) {
