@@ -6,6 +6,7 @@
 #include "app/FilterChoices.h"
 #include "app/Playback.h"
 #include "app/Settings.h"
+#include "app/SpectrogramChoices.h"
 #include "view/AmplitudeScale.h"
 #include "view/TimeAxis.h"
 
@@ -56,6 +57,7 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.usesLanes = view.UsesLanes();
     state.scaleY = view.UsesLanes() ? view.SelectedScaleY() : view.ScaleY();
     state.spectrogramShown = settings.window.spectrogramShown;
+    state.spectrum = settings.spectrum;
     state.soundDevices = playback.DeviceCount();
     state.soundDevice = playback.Device();
     state.playing = playback.IsPlaying();
@@ -82,6 +84,12 @@ bool IsEnabled(int id, const CommandState& state) {
         return state.hasGroup && RefusalOf(tried, state.sampleRate) == nsp::FilterRefusal::None;
     }
     if (id == mnuUnfiltered || Within(id, mnuReference, 3)) return state.hasGroup;
+    if (const auto choice = SpectrogramChoiceOf(id, state.sampleRate)) {
+        const bool known = choice->field != SpectrogramField::Highest || state.sampleRate > 0.0;
+        return state.spectrogramShown && known && IsOffered(state.spectrum, *choice);
+    }
+    if (id == mnuLevels) return state.spectrogramShown && state.spectrum.type != 1;
+    if (id == mnuTypedFrequency) return state.spectrogramShown && state.sampleRate > 0.0;
     if (id >= mnuMontage) return id - mnuMontage < state.montages;
     if (id == mnuNegativeUp || id == mnuClipToLanes) return state.lanes;
     if (id == mnuNextPalette) return state.spectrogramShown;
@@ -122,6 +130,9 @@ bool IsChecked(int id, const CommandState& state) {
     if (Within(id, mnuPage, kPageCount + 1)) return id - mnuPage == state.page;
     if (const auto choice = FilterChoiceOf(id)) return state.hasGroup && With(state.filter, *choice) == state.filter;
     if (Within(id, mnuReference, 3)) return state.hasGroup && id - mnuReference == state.reference;
+    if (const auto choice = SpectrogramChoiceOf(id, state.sampleRate))
+        return IsEnabled(id, state) && IsChosen(state.spectrum, *choice);
+    if (id == mnuLevels || id == mnuTypedFrequency) return false;
     if (id >= mnuMontage) return id - mnuMontage == state.montage;
     if (id == mnuFilterRow) return state.filtersShown;
     if (id == mnuUnfiltered) return state.unfiltered;

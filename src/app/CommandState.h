@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "nsp/FilterDesign.h"
+#include "spectrum/SpectrumSettings.h"
 
 namespace quillon {
 
@@ -30,10 +31,11 @@ struct CommandState {
     bool canZoomIn = false;   ///< along the time axis; not at its finest zoom, which zoomX 0 is
     bool canZoomOut = true;
     bool spectrogramShown = false;
-    bool lanes = false;       ///< chosen
-    bool allSignals = false;  ///< lanes of all signals are chosen
-    bool usesLanes = false;   ///< and the block has several channels
-    bool stoppable = false;   ///< what "Status" tells is being read, or a lane is dragged: Esc ends that
+    SpectrumSettings spectrum;  ///< how
+    bool lanes = false;         ///< chosen
+    bool allSignals = false;    ///< lanes of all signals are chosen
+    bool usesLanes = false;     ///< and the block has several channels
+    bool stoppable = false;     ///< what "Status" tells is being read, or a lane is dragged: Esc ends that
     bool negativeUp = false;
     bool clipToLanes = false;
     std::int16_t soundDevices = 0;

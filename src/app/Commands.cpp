@@ -4,6 +4,7 @@
 #include <array>
 
 #include "app/FilterChoices.h"
+#include "app/SpectrogramChoices.h"
 #include "app/StringIds.h"
 #include "view/ScaleLabels.h"
 
@@ -141,6 +142,30 @@ constexpr std::array kContextMenu{
     Entry(0, mnuKeysAndMouse, IDS_KEYSANDMOUSE),
 };
 
+constexpr std::array kSpectrogramMenu{
+    Popup(0, IDS_OPT_PALETTE),
+    Entry(1, mnuPalette, IDS_OPT_PALETTE_0, 3),
+    Popup(0, IDS_LEVEL_RANGE),
+    Entry(1, mnuLevelRange, 0, kLevelRanges),
+    Popup(0, IDS_TOP_LEVEL),
+    Entry(1, mnuTopLevel, IDS_FULL_SCALE),
+    Entry(1, mnuTopLevel + 1, 0, kTopLevelCount - 1),
+    Entry(0, mnuLevels, IDS_LEVELS),
+    Separator(0),
+    Popup(0, IDS_FREQUENCIES),
+    Entry(1, mnuHighestFrequency, IDS_ALL_FREQUENCIES),
+    Entry(1, mnuHighestFrequency + 1, 0, kHighestFrequencies - 1),
+    Entry(1, mnuTypedFrequency, IDS_TYPED_FREQUENCY),
+    Separator(0),
+    Popup(0, IDS_TRANSFORM_SIZE),
+    Entry(1, mnuTransformSize, 0, kSizes),
+    Popup(0, IDS_TRANSFORM_WINDOW),
+    Entry(1, mnuTransformWindow, IDS_OPT_WINDOW_0, 4),
+    Entry(0, mnuBlankEnds, IDS_BLANK_ENDS),
+    Separator(0),
+    Entry(0, mnuOptions, IDS_OPTIONS),
+};
+
 constexpr std::array kMarksMenu{
     Entry(0, mnuMarkList, IDS_MARKLIST_0, 3),
 };
@@ -188,6 +213,10 @@ std::span<const MenuEntry> ContextMenu() {
     return kContextMenu;
 }
 
+std::span<const MenuEntry> SpectrogramMenu() {
+    return kSpectrogramMenu;
+}
+
 std::span<const MenuEntry> MarksMenu() {
     return kMarksMenu;
 }
@@ -232,6 +261,8 @@ int CaptionId(int command) {
 std::u16string ComputedCaption(int id, bool rawCodes, char16_t separator) {
     if (Within(id, mnuScaleX, TimeAxis::kMenuZoomCount)) return ZoomCaption(id - mnuScaleX);
     if (const auto choice = FilterChoiceOf(id)) return NumberText(choice->value, separator) + u" Hz";
+    // Written anew when their menu opens, in the words of the language.
+    if (const auto choice = SpectrogramChoiceOf(id, 0.0)) return NumberText(choice->value, separator);
     if (Within(id, mnuPage, kPageCount))
         return PageCaption(kPageLengths[static_cast<std::size_t>(id - mnuPage)], separator);
     return ScaleCaption(id - mnuScaleY, rawCodes, separator);

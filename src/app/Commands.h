@@ -75,7 +75,23 @@ enum CommandId : int {
     mnuNewMontage = 1770,
     mnuDeleteMontage,
     mnuMontage = 1780,  ///< by montage, see ShownCommands
+    // The spectrogram's menu; by value, see SpectrogramChoices.
+    mnuPalette = 1900,
+    mnuLevelRange = 1910,
+    mnuTopLevel = 1920,
+    mnuLevels = 1930,  ///< typed
+    mnuHighestFrequency = 1940,
+    mnuTypedFrequency = 1950,
+    mnuTransformSize = 1960,
+    mnuTransformWindow = 1970,
+    mnuBlankEnds = 1980,
 };
+
+// Entries of the spectrogram's menu.
+inline constexpr int kLevelRanges = 5;
+inline constexpr int kTopLevelCount = 5;
+inline constexpr int kHighestFrequencies = 6;  ///< the first one stands for all
+inline constexpr int kSizes = 7;
 
 /// A move of the view by pixels: columns scroll it, rows move the base line (downwards positive).
 struct Move {
@@ -108,7 +124,8 @@ struct MenuEntry {
 [[nodiscard]] std::span<const MenuEntry> MenuTree();
 /// The graph's context menu, in the same form.
 [[nodiscard]] std::span<const MenuEntry> ContextMenu();
-/// That of the list of marks.
+/// Those of the spectrogram and of the list of marks.
+[[nodiscard]] std::span<const MenuEntry> SpectrogramMenu();
 [[nodiscard]] std::span<const MenuEntry> MarksMenu();
 
 /// String that names a command; 0 for one whose caption is computed.

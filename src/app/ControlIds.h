@@ -39,6 +39,8 @@ enum ControlId : int {
     // The page of marks.
     edtMarks,
     lvMarks,
+    // Beside the palette bar.
+    pbLevels,
 };
 
 }  // namespace quillon

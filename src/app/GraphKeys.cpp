@@ -123,6 +123,7 @@ int CommandOf(KeyPlace place, Key key, bool control, bool shift, bool alt) {
 KeyPlace KeyPlaceOf(int control) {
     switch (control) {
         case 0:
+        case pbFFT:
         case pbGraph: return KeyPlace::Graph;
         case lstDir: return KeyPlace::FolderList;
         case lstFile: return KeyPlace::FileList;

@@ -9,8 +9,9 @@ namespace {
 constexpr std::int32_t kDefaultUpperPercent = 42;
 constexpr std::int32_t kDefaultValuesHeight = 132;  // at 96 dots per inch: nine lines
 constexpr std::int32_t kDefaultSpectrogramPercent = 45;
-constexpr std::int32_t kFilterRow = 24;  // at 96 dots per inch: a drop-down list
-constexpr std::int32_t kAboveTools = 2;  // at 96 dots per inch
+constexpr std::int32_t kFilterRow = 24;    // at 96 dots per inch: a drop-down list
+constexpr std::int32_t kLevelsWidth = 46;  // at 96 dots per inch: "-120" and the caption
+constexpr std::int32_t kAboveTools = 2;    // at 96 dots per inch
 
 /// Fills the page below a tab strip: one control above, the rest for the list.
 void ArrangePage(const PixelRect& page, std::int32_t comboHeight, std::int32_t gap, PixelRect& combo, PixelRect& list) {
@@ -133,7 +134,11 @@ void ArrangePictures(const Measures& measures, MainLayout& layout) {
         layout.spectrogramPercent = (share * 100 + shareable - 1) / shareable;
     }
     layout.scaleY = {left, top, scaleWidth, graphHeight};
-    layout.graph = {layout.scaleY.Right(), top, std::max(right - bar - layout.scaleY.Right(), 0), graphHeight};
+    // The figures of the colours take their room where enough is left for the graph.
+    const std::int32_t wide = right - bar - layout.scaleY.Right();
+    const std::int32_t figures = measures.Scaled(kLevelsWidth);
+    const bool levels = layout.spectrogramPercent > 0 && wide - figures > input.clientWidth * 2 / 5;
+    layout.graph = {layout.scaleY.Right(), top, std::max(levels ? wide - figures : wide, 0), graphHeight};
     if (input.titlesWidth > 0) {
         layout.scaleY.width -= splitter;
         layout.splitLabels = {layout.scaleY.Right(), top, splitter, graphHeight};
@@ -145,6 +150,7 @@ void ArrangePictures(const Measures& measures, MainLayout& layout) {
         layout.scaleF = {left, below, scaleWidth, graphBottom - below};
         layout.spectrogram = {layout.graph.left, below, layout.graph.width, graphBottom - below};
         layout.palette = {layout.scrollY.left, below, bar, graphBottom - below};
+        if (levels) layout.levels = {layout.palette.Right(), below, figures, graphBottom - below};
     }
     layout.scaleX = {layout.graph.left, graphBottom, layout.graph.width, scaleHeight};
     layout.scrollX = {layout.graph.left, layout.scaleX.Bottom(), layout.graph.width, bar};

@@ -50,6 +50,7 @@ struct MainLayout {
     PixelRect values;
     PixelRect scaleY, graph, scrollY, zoomX, scaleX, scrollX;
     PixelRect scaleF, spectrogram, palette;  ///< below the graph, column for column; empty when it is not shown
+    PixelRect levels;                        ///< of the palette's colours, beside it; empty where there is no room
     PixelRect splitColumn;                   ///< between the lists and the graph
     PixelRect splitLists;                    ///< between the upper and the lower list
     PixelRect splitValues;                   ///< between the lower list and the values

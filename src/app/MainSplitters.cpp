@@ -65,7 +65,7 @@ std::vector<ControlPlace> PlacesOf(const MainLayout& layout) {
         {pbScaleY, layout.scaleY},   {pbGraph, layout.graph},       {scScaleY, layout.scrollY},
         {btnZoomX, layout.zoomX},    {pbScaleX, layout.scaleX},     {scScaleX, layout.scrollX},
         {pbFFT, layout.spectrogram}, {pbPal, layout.palette},       {pbScaleF, layout.scaleF},
-        {edtMarks, layout.fileType}, {lvMarks, layout.files},
+        {edtMarks, layout.fileType}, {lvMarks, layout.files},       {pbLevels, layout.levels},
     };
     for (std::size_t at = 0; at < kFilterControls; ++at)
         places.push_back({lblFilterGroup + static_cast<int>(at), layout.filters[at]});
@@ -82,6 +82,10 @@ PixelRect FramedWith(const MainLayout& layout, int control) {
         case pbGraph:
             return {layout.scaleY.left, layout.scaleY.top, layout.scrollY.Right() - layout.scaleY.left,
                     layout.scrollX.Bottom() - layout.scaleY.top};
+        case pbFFT: {
+            const std::int32_t right = std::max(layout.palette.Right(), layout.levels.Right());
+            return {layout.scaleF.left, layout.scaleF.top, right - layout.scaleF.left, layout.scaleF.height};
+        }
         default: return {};
     }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Text.h"
+#include "spectrum/FrequencyScale.h"
 #include "view/Readout.h"
 
 namespace quillon {
@@ -12,7 +13,8 @@ std::u16string SpectrumReadout(const SpectrumSource& source, std::int32_t sample
     const QL_FFT& fft = source.fft;
     if (!fft.State().ready || height < 1 || fft.Image().empty()) return {};
     // Frequency bin of the row in the stretched image.
-    const std::int32_t bins = fft.BinCount();
+    const std::int32_t bins =
+        ShownBins(static_cast<double>(source.settings.highestFrequency), source.block.sampleRate, fft.BinCount());
     const std::int32_t bin = std::clamp((height - 1 - row) * bins / height, 0, bins - 1);
     const double hertz = bin * source.block.sampleRate / fft.Length();
     const std::u16string place = u"X:\t" + PositionText(source.block, sample, u" ", source.format) + u"\r\nF:\t" +
@@ -24,7 +26,7 @@ std::u16string SpectrumReadout(const SpectrumSource& source, std::int32_t sample
     // The end colours also stand for levels outside the scale.
     const std::u16string atEnd = index == 0 ? u"\u2264 " : index == 255 ? u"\u2265 " : u"";
     const std::u16string level = NumberText(RoundToPlaces(fft.LevelOf(index), 1), source.format.decimalSeparator);
-    return place + atEnd + level + (source.linear ? u" %\r\n" : u" dB\r\n");
+    return place + atEnd + level + (source.settings.type == 1 ? u" %\r\n" : u" dB\r\n");
 }
 
 ValueRange SpectrumRange(const RangeRecords& ranges, std::int16_t channel) {

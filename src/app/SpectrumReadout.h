@@ -17,7 +17,7 @@ struct SpectrumSource {
     const ViewBlock& block;
     const TimeAxis& axis;
     const FormatOptions& format;
-    bool linear;  ///< levels are in percent instead of decibels
+    const SpectrumSettings& settings;
 };
 
 /// Time of a sample (from 1), frequency at a row of a picture of that height, and the level there. No level is given

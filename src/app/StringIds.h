@@ -68,6 +68,7 @@
 #define IDS_NAME_FREQUENCY_SCALE 2074
 #define IDS_NAME_TOOLS 2075
 #define IDS_NAME_PAGES 2076
+#define IDS_NAME_LEVELS 2077
 
 // Menu captions; those of an array follow each other.
 #define IDS_MENU_FILE 3000
@@ -237,6 +238,24 @@
 #define IDS_SPECTRUM_UNREADABLE 5619
 #define IDS_SPECTRUM_NAME_0 5620
 #define IDS_SPECTRUM_TOO_LOW 5627
+
+// The spectrogram's menu.
+#define IDS_LEVEL_RANGE 5850
+#define IDS_TOP_LEVEL 5851
+#define IDS_FULL_SCALE 5852
+#define IDS_LEVELS 5853
+#define IDS_FREQUENCIES 5854
+#define IDS_ALL_FREQUENCIES 5855
+#define IDS_TYPED_FREQUENCY 5856
+#define IDS_TRANSFORM_SIZE 5857
+#define IDS_TRANSFORM_WINDOW 5858
+#define IDS_BLANK_ENDS 5859
+#define IDS_HIGHEST_PROMPT 5860
+#define IDS_LOWEST_PROMPT 5861
+#define IDS_LEVELS_BAD 5862
+#define IDS_FREQUENCY_PROMPT 5863
+#define IDS_FREQUENCY_BAD 5864
+#define IDS_LEVEL 5865
 
 // Pictures of the view, saved and printed.
 #define IDS_SAVEPICTURE 5800

@@ -37,6 +37,7 @@ std::vector<PixelRect> Seen(const MainLayout& layout, bool firstPages, bool spec
     }
     if (spectrogram)
         all.insert(all.end(), {layout.scaleF, layout.spectrogram, layout.palette, layout.splitSpectrogram});
+    if (layout.levels.width > 0) all.push_back(layout.levels);
     return all;
 }
 
@@ -82,16 +83,19 @@ TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
                     ASSERT_TRUE(apart) << a << " overlaps " << b;
                 }
             }
-            // Only the corner of the scroll bars, and the row of the toolbars, have nothing.
+            // Only the corner of the scroll bars, what is above and below the figures of the colours, and the row of
+            // the toolbars have nothing.
             for (int point = 0; point < 60; ++point) {
                 const int x = between(0, input.clientWidth - 1);
                 const int y = between(layout.graph.top, input.clientHeight - input.statusHeight - 1);
                 int nearest = input.clientWidth;
                 for (const PixelRect& rect : all) nearest = std::min(nearest, Distance(rect, x, y));
-                ASSERT_LE(nearest, x >= layout.scaleX.Right() ? scaled(22) : scaled(6)) << x << ' ' << y;
+                ASSERT_LE(nearest, x >= layout.scaleX.Right() ? scaled(22) + layout.levels.width : scaled(6))
+                    << x << ' ' << y;
             }
         }
         EXPECT_GT(layout.graph.width, input.clientWidth / 3);
+        EXPECT_EQ(layout.graph.width, input.spectrogram ? layout.spectrogram.width : layout.graph.width);
         EXPECT_EQ(layout.graph.left, layout.scaleX.left);
         EXPECT_EQ(layout.graph.width, layout.scaleX.width);
         for (const int list : {layout.folders.height, layout.files.height}) EXPECT_GE(list, scaled(20));

@@ -30,8 +30,7 @@ class SpectrumReadoutTest : public ViewFixture {
     }
     std::string Told(std::int32_t sample, std::int32_t row, std::int32_t height = 129) {
         m_fft.FFT_Update(m_axis.FirstColumn(), m_axis.Width(), m_axis.SamplesPerPixel(), true);
-        return Utf8(
-            SpectrumReadout({m_fft, m_document.Block(), m_axis, m_format, m_settings.type == 1}, sample, row, height));
+        return Utf8(SpectrumReadout({m_fft, m_document.Block(), m_axis, m_format, m_settings}, sample, row, height));
     }
 
     std::shared_ptr<FakeBlock> m_block;

@@ -1,6 +1,7 @@
 #include "app/win/CommandRoutes.h"
 
 #include "app/Commands.h"
+#include "app/SpectrogramChoices.h"
 
 namespace quillon {
 
@@ -45,6 +46,8 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuAllSignals, 1, [](R r, F, int) { r.lanes.ToggleAllSignals(); }},
         {mnuNegativeUp, 1, [](R r, F, int) { r.lanes.ToggleNegativeUp(); }},
         {mnuClipToLanes, 1, [](R r, F, int) { r.lanes.ToggleClip(); }},
+        {mnuLevels, 1, [](R r, F, int) { r.dialogs.SpectrogramLevels(); }},
+        {mnuTypedFrequency, 1, [](R r, F, int) { r.dialogs.SpectrogramFrequency(); }},
         {mnuNextPalette, 1, [](R r, F, int) { r.spectrogram.NextPalette(); }},
         {mnuScaleX, TimeAxis::kMenuZoomCount, [](R r, F, int i) { r.ViewChanged(r.view.SelectZoomX(i)); }},
         {mnuZoomX, 2, [](R r, F, int i) { r.ViewChanged(r.view.ZoomX(i == 1, r.graph.HoveredSample())); }},
@@ -80,6 +83,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuPathList, kPathListEntries, [](R r, F, int i) { r.browser.ChoosePath(i); }},
     };
     if (const auto choice = FilterChoiceOf(id)) rooms.shown.Choose(*choice);
+    if (const auto choice = SpectrogramChoiceOf(id, rooms.State().sampleRate)) rooms.dialogs.SetSpectrogram(*choice);
     for (const Route& route : routes) {
         if (id >= route.first && id < route.first + route.count) route.run(rooms, frame, id - route.first);
     }

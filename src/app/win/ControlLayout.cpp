@@ -103,8 +103,12 @@ void ControlLayout::PlaceControls(std::span<const ControlPlace> places) const {
         const bool isCombo = place.id == lstDrive || place.id == cboFileType || place.id == cboHighPass ||
                              place.id == cboLowPass || (place.id >= cboNotch && place.id <= cboFilterDirection);
         const int height = isCombo ? MulDiv(240, m_dpi, 96) : place.rect.height;
+        UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS;
+        // Tab is to go to the spectrogram only while it is shown.
+        if (place.id == pbFFT) flags |= height > 0 ? SWP_SHOWWINDOW : SWP_HIDEWINDOW;
+        if (place.id == pbFFT && height == 0 && GetFocus() == Control(pbFFT)) SetFocus(Control(pbGraph));
         positions = DeferWindowPos(positions, Control(place.id), nullptr, place.rect.left, place.rect.top,
-                                   place.rect.width, height, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
+                                   place.rect.width, height, flags);
     }
     EndDeferWindowPos(positions);
     // No copied pixels (SWP_NOCOPYBITS), redraw everything: copied pixels were seen left behind in other controls.

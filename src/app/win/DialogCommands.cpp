@@ -1,5 +1,7 @@
 #include "app/win/DialogCommands.h"
 
+#include <utility>
+
 #include "app/Captions.h"
 #include "app/ShownCommands.h"
 #include "app/ShownTexts.h"
@@ -91,6 +93,31 @@ void DialogCommands::NewMontage(ShownCommands& shown) {
     const auto text = AskForMontage(m_parts.window.Window(), m_shared.services,
                                     [&](const std::u16string& typed) { return shown.RefusalOfMontage(typed); });
     if (text && !m_parts.window.IsGone() && Block().block == block) shown.AddMontage(*text);
+}
+
+void DialogCommands::ApplySpectrogram(const SpectrumSettings& chosen) {
+    const SpectrumSettings before = std::exchange(m_shared.settings.spectrum, chosen);
+    m_parts.spectrogram.SettingsChanged(before);
+    onRedraw();
+}
+
+void DialogCommands::SetSpectrogram(const SpectrogramChoice& choice) {
+    m_parts.hover.End();
+    ApplySpectrogram(With(m_shared.settings.spectrum, choice));
+}
+
+void DialogCommands::SpectrogramLevels() {
+    m_parts.hover.End();
+    const auto chosen =
+        AskForLevels(m_parts.window.Window(), m_shared.settings.spectrum, m_shared.services, m_shared.format);
+    if (chosen && !m_parts.window.IsGone()) ApplySpectrogram(*chosen);
+}
+
+void DialogCommands::SpectrogramFrequency() {
+    m_parts.hover.End();
+    const auto highest = AskForFrequency(m_parts.window.Window(), m_shared.settings.spectrum.highestFrequency,
+                                         m_shared.services, m_shared.format);
+    if (highest && !m_parts.window.IsGone()) SetSpectrogram({SpectrogramField::Highest, *highest});
 }
 
 void DialogCommands::CopyImage() {

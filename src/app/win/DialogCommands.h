@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "app/GoToInput.h"
+#include "app/SpectrogramChoices.h"
 #include "app/win/RoomParts.h"
 #include "view/Statistics.h"
 
@@ -44,14 +45,19 @@ class DialogCommands {
     void Statistics();
     void Options();
     void Split();
-    /// A picture of the view to the clipboard.
     /// Asks for a montage and shows it.
     void NewMontage(ShownCommands& shown);
+    /// A choice of the spectrogram's menu, and those that are typed.
+    void SetSpectrogram(const SpectrogramChoice& choice);
+    void SpectrogramLevels();
+    void SpectrogramFrequency();
+    /// A picture of the view to the clipboard.
     void CopyImage();
     /// Name and version of the program.
     void About();
 
   private:
+    void ApplySpectrogram(const SpectrumSettings& chosen);
     [[nodiscard]] std::u16string TextOfShown() const;
     [[nodiscard]] const ViewBlock& Block() const { return m_shared.document.Block(); }
 

@@ -135,6 +135,7 @@ void NameControls(HWND window, const UserServices& services) {
                               {pbFFT, IDS_NAME_SPECTROGRAM, false},
                               {pbPal, IDS_NAME_PALETTE, false},
                               {pbScaleF, IDS_NAME_FREQUENCY_SCALE, false},
+                              {pbLevels, IDS_NAME_LEVELS, false},
                               {cboFilterOrder, IDS_NAME_FILTER_ORDER, true},
                               {cboFilterDirection, IDS_NAME_FILTER_DIRECTION, true}};
     for (const Name& name : names) {

@@ -5,9 +5,12 @@
 
 #include "app/Captions.h"
 #include "app/GraphKeys.h"
+#include "app/SpectrogramChoices.h"
 #include "app/StringIds.h"
+#include "app/win/PaletteBitmap.h"
 #include "data/win/FileIdentity.h"
 #include "view/AmplitudeScale.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -53,9 +56,19 @@ void MainMenu::Fill(HMENU menu, std::span<const MenuEntry> entries) {
             for (int index = 0; index < entry.count; ++index) {
                 AppendMenuW(parent, MF_STRING, static_cast<UINT_PTR>(entry.id + index),
                             CaptionOf(entry, index).c_str());
+                if (entry.id == mnuPalette) AddPreview(parent, index);
             }
         }
     }
+}
+
+void MainMenu::AddPreview(HMENU menu, int palette) {
+    m_previews.push_back(MakePaletteBitmap(static_cast<std::int16_t>(palette), ScreenDpi()));
+    MENUITEMINFOW item{};
+    item.cbSize = sizeof item;
+    item.fMask = MIIM_BITMAP;
+    item.hbmpItem = m_previews.back().Get();
+    SetMenuItemInfoW(menu, static_cast<UINT>(mnuPalette + palette), FALSE, &item);
 }
 
 HMENU MainMenu::Make() {
@@ -65,6 +78,7 @@ HMENU MainMenu::Make() {
 }
 
 int MainMenu::ShowContextMenu(std::span<const MenuEntry> entries, HWND owner, POINT screen) {
+    m_previews.clear();
     const Menu menu(CreatePopupMenu());
     Fill(menu.Get(), entries);
     return TrackPopupMenu(menu.Get(), TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON | TPM_RETURNCMD,
@@ -154,6 +168,11 @@ void MainMenu::Open(HMENU menu, Playback& playback, const ShownCommands& shown,
             // The unit of frequencies is a word of the language, and a choice that cannot be says why.
             const std::u16string reason = state.hasGroup ? shown.RefusalOfChoice(*choice) : std::u16string();
             const std::u16string caption = shown.Caption(*choice) + (reason.empty() ? reason : u"  (" + reason + u')');
+            ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
+        }
+        if (const auto choice = SpectrogramChoiceOf(static_cast<int>(id), state.sampleRate);
+            choice && choice->field != SpectrogramField::Palette) {
+            const std::u16string caption = quillon::CaptionOf(*choice, m_services, m_format.decimalSeparator);
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
         }
         const bool enabled = CanChoose(static_cast<int>(id), state);

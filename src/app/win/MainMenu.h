@@ -3,6 +3,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "app/CommandState.h"
 #include "app/Commands.h"
@@ -42,6 +43,7 @@ class MainMenu {
     void FillRecent(HMENU menu) const;
     /// Whether a command can be chosen in a menu: it is enabled, and its recording is there.
     [[nodiscard]] bool CanChoose(int id, const CommandState& state) const;
+    void AddPreview(HMENU menu, int palette);
     void FillReferences(HMENU menu, const ShownCommands& shown) const;
     void FillSoundDevices(HMENU menu, std::span<const std::u16string> devices) const;
     void Fill(HMENU menu, std::span<const MenuEntry> entries);
@@ -52,8 +54,9 @@ class MainMenu {
     const FormatOptions& m_format;
     const RecentRecordings& m_recent;
     Menu m_menu;
-    HMENU m_zoomMenu = nullptr;  ///< the list of X zooms, part of m_menu
-    HMENU m_pageMenu = nullptr;  ///< the list of pages, part of m_menu
+    HMENU m_zoomMenu = nullptr;         ///< the list of X zooms, part of m_menu
+    HMENU m_pageMenu = nullptr;         ///< the list of pages, part of m_menu
+    std::vector<GdiBitmap> m_previews;  ///< of palettes, in the context menu that is open
 };
 
 }  // namespace quillon

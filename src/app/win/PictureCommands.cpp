@@ -63,15 +63,23 @@ std::vector<ReportImage> PictureCommands::SpectrogramImages(ViewReport& report) 
     if (!picture || !scale || !colors) return images;
     constexpr std::int32_t gap = 4;
     // White on black in the window.
-    for (std::uint32_t& pixel : scale->pixels) pixel ^= 0xFFFFFF;
+    auto levels = ImageOf(m_parts.spectrogram.Levels());
+    for (auto* image : {&scale, &levels}) {
+        if (*image)
+            for (std::uint32_t& pixel : (*image)->pixels) pixel ^= 0xFFFFFF;
+    }
+    const std::int32_t figures = levels ? levels->width : 0;
     const std::int32_t top = report.Size().height;
-    report.Reserve({scale->width + gap, 0, colors->width + 2 * gap, report.Margins().bottom + scale->height + gap});
+    report.Reserve(
+        {scale->width + gap, 0, colors->width + figures + 2 * gap, report.Margins().bottom + scale->height + gap});
     const std::int32_t left = report.Margins().left;
     const std::int32_t right = left + picture->width;
     scale->left = left - scale->width;
     picture->left = left;
     colors->left = right + gap;
-    for (auto* image : {&scale, &picture, &colors}) {
+    if (levels) levels->left = colors->left + colors->width;
+    for (auto* image : {&scale, &picture, &colors, &levels}) {
+        if (!*image) continue;
         (*image)->top = top;
         images.push_back(std::move(**image));
     }

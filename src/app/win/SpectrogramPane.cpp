@@ -21,8 +21,8 @@ SpectrogramPane::SpectrogramPane(const Document& document, WaveformView& view, S
       m_fft(settings.spectrum) {}
 
 bool SpectrogramPane::Create(HWND parent) {
-    return m_picture.Create(parent, pbFFT, *this, false) && m_palette.Create(parent, pbPal, *this, false) &&
-           m_scale.Create(parent, pbScaleF, *this, false);
+    return m_picture.Create(parent, pbFFT, *this, true) && m_palette.Create(parent, pbPal, *this, false) &&
+           m_scale.Create(parent, pbScaleF, *this, false) && m_levels.Create(parent, pbLevels, *this, false);
 }
 
 void SpectrogramPane::Prepare() {
@@ -60,6 +60,7 @@ void SpectrogramPane::UseRange() {
                          static_cast<std::int16_t>(channel - 1), limits);
     m_scale.Invalidate();
     m_palette.Invalidate();
+    m_levels.Invalidate();
 }
 
 bool SpectrogramPane::DrawMore() {
@@ -77,6 +78,7 @@ void SpectrogramPane::InvalidateAll() const {
     m_picture.Invalidate();
     m_scale.Invalidate();
     m_palette.Invalidate();
+    m_levels.Invalidate();
 }
 
 void SpectrogramPane::Spectrogram_Draw(bool force) {
@@ -93,6 +95,27 @@ void SpectrogramPane::Spectrogram_Draw(bool force) {
         computed = update(true);
     }
     if (computed > 0 || moved || force) m_picture.Invalidate();
+}
+
+void SpectrogramPane::SettingsChanged(const SpectrumSettings& before) {
+    const SpectrumSettings& now = m_settings.spectrum;
+    Prepare();
+    if (now.palette != before.palette) m_fft.FFT_BuildPalette();
+    if (now.window != before.window) m_fft.FFT_BuildWindow();
+    if (now.order != before.order) m_fft.FFT_SetOrder(now.order);
+    SpectrumSettings computed = before;
+    computed.palette = now.palette;
+    computed.highestFrequency = now.highestFrequency;
+    // Other colours and frequencies are those of the same image.
+    computed == now ? InvalidateAll() : Spectrogram_Init(true);
+}
+
+bool SpectrogramPane::OpenMenu() const {
+    if (GetFocus() != m_picture.Window()) return false;
+    RECT place{};
+    GetWindowRect(m_picture.Window(), &place);
+    onMenu({place.left, place.top});
+    return true;
 }
 
 void SpectrogramPane::NextPalette() {
@@ -121,9 +144,21 @@ void SpectrogramPane::ShowBand(CommonBand which, const std::optional<ColumnBand>
     shown = band;
 }
 
+HWND SpectrogramPane::WindowOf(int id) const {
+    if (id == pbPal) return m_palette.Window();
+    if (id == pbScaleF) return m_scale.Window();
+    return id == pbLevels ? m_levels.Window() : m_picture.Window();
+}
+
+std::int32_t SpectrogramPane::Bins() const {
+    return ShownBins(static_cast<double>(m_settings.spectrum.highestFrequency), m_document.Block().sampleRate,
+                     m_fft.BinCount());
+}
+
 void SpectrogramPane::PaintPicture(int id, HDC dc, const RECT&) {
     RECT client{};
-    GetClientRect(id == pbFFT ? m_picture.Window() : id == pbPal ? m_palette.Window() : m_scale.Window(), &client);
+    GetClientRect(WindowOf(id), &client);
+    if (id == pbLevels) PaintLevels(dc, client);
     if (id == pbPal) SpectrogramView::PaintBar(dc, client, m_fft);
     if (id == pbScaleF) PaintScale(dc, client);
     if (id == pbFFT) PaintImage(dc, client);
@@ -131,8 +166,9 @@ void SpectrogramPane::PaintPicture(int id, HDC dc, const RECT&) {
 
 void SpectrogramPane::PaintScale(HDC dc, const RECT& client) {
     if (!HasSamples()) return SpectrogramView::PaintEmptyScale(dc, client);
-    const FrequencyScaleMarks marks = FrequencyMarks(static_cast<int>(client.bottom), m_document.Block().sampleRate,
-                                                     m_format, m_painter.LabelHeight());
+    const double share = static_cast<double>(Bins()) / m_fft.BinCount();
+    const FrequencyScaleMarks marks = FrequencyMarks(
+        static_cast<int>(client.bottom), m_document.Block().sampleRate * share, m_format, m_painter.LabelHeight());
     const auto number = static_cast<std::size_t>(m_fft.State().deviceChannel);
     const std::u16string& title = m_document.Slots()[number].title;
     // Lanes name channels by their titles.
@@ -143,13 +179,20 @@ void SpectrogramPane::PaintScale(HDC dc, const RECT& client) {
     m_painter.PaintScale(dc, client, marks, caption);
 }
 
+void SpectrogramPane::PaintLevels(HDC dc, const RECT& client) {
+    if (!HasSamples()) return FillWith(dc, client, RGB(0, 0, 0));
+    const std::u16string unit = m_settings.spectrum.type == 1 ? u"%" : m_services.Text(IDS_OPT_DB);
+    m_painter.PaintLevels(dc, client, m_fft.LevelOf(0), m_fft.LevelOf(255), m_services.Text(IDS_LEVEL) + u", " + unit,
+                          unit, m_format.decimalSeparator);
+}
+
 void SpectrogramPane::PaintMissing(HDC dc, const RECT& client, int from, int to) {
     FillWith(dc, {from, client.bottom - kMissingRows, to, client.bottom}, ColorOf(kMissingColor));
 }
 
 void SpectrogramPane::PaintImage(HDC dc, const RECT& client) {
     if (!HasSamples()) return FillWith(dc, client, RGB(0xFF, 0xFF, 0xFF));
-    m_painter.PaintImage(dc, client, m_fft);
+    m_painter.PaintImage(dc, client, m_fft, Bins());
     const int width = static_cast<int>(client.right);
     if (m_rangeAsked) PaintMissing(dc, client, 0, width);
     for (int column = 0; column < std::min(width, m_fft.IsIncomplete() ? m_fft.ImageWidth() : 0); ++column)
@@ -162,6 +205,12 @@ void SpectrogramPane::PaintImage(HDC dc, const RECT& client) {
 bool SpectrogramPane::PictureMouse(int id, UINT message, WPARAM, LPARAM lParam) {
     if (onBusy()) return message == WM_SETCURSOR && (SetCursor(LoadCursorW(nullptr, IDC_WAIT)), true);
     if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN) onPress();
+    if (message == WM_RBUTTONUP) {
+        m_hover.End();
+        POINT screen{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+        ClientToScreen(WindowOf(id), &screen);
+        return onMenu(screen), true;
+    }
     if (id == pbPal && (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK)) return NextPalette(), true;
     if (id != pbFFT) return message == WM_LBUTTONDOWN;
     if (message == WM_SETCURSOR) return SetCursor(onPointer()), true;
@@ -182,8 +231,8 @@ void SpectrogramPane::Hover(int x, int y) {
     const std::int32_t sample = SampleUnder(m_view.Axis(), x);
     RECT client{};
     GetClientRect(m_picture.Window(), &client);
-    onHover(sample, SpectrumReadout({m_fft, m_document.Block(), m_view.Axis(), m_format, m_settings.spectrum.type == 1},
-                                    sample, y, static_cast<std::int32_t>(client.bottom)));
+    onHover(sample, SpectrumReadout({m_fft, m_document.Block(), m_view.Axis(), m_format, m_settings.spectrum}, sample,
+                                    y, static_cast<std::int32_t>(client.bottom)));
 }
 
 }  // namespace quillon

@@ -35,15 +35,21 @@ class SpectrogramPane final : private PictureOwner {
     /// Else UseRange has to be called once it is.
     std::function<bool(std::int16_t channel)> onRange;
     std::function<void(const std::exception& error)> onFailed;
+    std::function<void(POINT screen)> onMenu;  ///< request for the menu
 
     [[nodiscard]] bool Create(HWND parent);
     [[nodiscard]] HWND Picture() const { return m_picture.Window(); }
     [[nodiscard]] HWND Palette() const { return m_palette.Window(); }
     [[nodiscard]] HWND Scale() const { return m_scale.Window(); }
+    [[nodiscard]] HWND Levels() const { return m_levels.Window(); }
 
     void BuildPalette() { m_fft.FFT_BuildPalette(); }
     void BuildWindow() { m_fft.FFT_BuildWindow(); }
     void SetOrder(std::int32_t order) { m_fft.FFT_SetOrder(order); }
+    /// The settings were these before: rebuilds what differs, and draws.
+    void SettingsChanged(const SpectrumSettings& before);
+    /// Requests the menu if the picture has the keyboard; else false.
+    bool OpenMenu() const;
     /// Adapts to changed settings or screen.
     void Prepare();
     /// Switches to the current channel, and redraws on request.
@@ -76,6 +82,10 @@ class SpectrogramPane final : private PictureOwner {
     void PictureFailed(const std::exception& error) override { onFailed(error); }
     void PaintImage(HDC dc, const RECT& client);
     void PaintScale(HDC dc, const RECT& client);
+    void PaintLevels(HDC dc, const RECT& client);
+    [[nodiscard]] HWND WindowOf(int id) const;
+    /// Bins of the image that are shown.
+    [[nodiscard]] std::int32_t Bins() const;
     void Hover(int x, int y);
     void InvalidateAll() const;
     /// The line that says that columns from .. to-1 are missing.
@@ -91,6 +101,7 @@ class SpectrogramPane final : private PictureOwner {
     PictureBox m_picture;
     PictureBox m_palette;
     PictureBox m_scale;
+    PictureBox m_levels;
     QL_FFT m_fft;
     bool m_rangeAsked = false;  ///< the channel's range is not known yet
     SpectrogramView m_painter;

@@ -3,10 +3,13 @@
 #include <memory>
 #include <utility>
 
+#include "app/FilterChoices.h"
+#include "app/SpectrogramChoices.h"
 #include "app/StringIds.h"
 #include "app/ViewTables.h"
 #include "app/win/InputBox.h"
 #include "app/win/TableWindow.h"
+#include "format/NumberText.h"
 
 namespace quillon {
 
@@ -61,6 +64,44 @@ std::optional<std::u16string> AskForMontage(HWND owner, const UserServices& serv
         .refusal = [&](const std::vector<std::wstring>& texts) { return Wide(refusalOf(Narrow16(texts[0]))); }};
     const auto texts = AskForText(owner, box);
     return texts ? std::optional(Narrow16(texts->front())) : std::nullopt;
+}
+
+std::optional<SpectrumSettings> AskForLevels(HWND owner, const SpectrumSettings& present, const UserServices& services,
+                                             const FormatOptions& format) {
+    const auto text = [&](int id) { return Wide(services.Text(id)); };
+    const auto number = [&](float value) {
+        return Wide(SingleNumberText(static_cast<double>(value), format.decimalSeparator));
+    };
+    std::optional<SpectrumSettings> chosen;
+    const InputBox box{.title = Wide(PlainCaption(services.Text(IDS_LEVELS))),
+                       .ok = text(IDS_OK),
+                       .cancel = text(IDS_CANCEL),
+                       .lines = {{text(IDS_HIGHEST_PROMPT), number(present.topLevel)},
+                                 {text(IDS_LOWEST_PROMPT), number(present.topLevel - present.decibelRange)}},
+                       .refusal = [&](const std::vector<std::wstring>& texts) {
+                           chosen =
+                               WithLevels(present, Narrow16(texts[0]), Narrow16(texts[1]), format.decimalSeparator);
+                           return chosen ? std::wstring() : text(IDS_LEVELS_BAD);
+                       }};
+    return AskForText(owner, box) ? chosen : std::nullopt;
+}
+
+std::optional<double> AskForFrequency(HWND owner, float present, const UserServices& services,
+                                      const FormatOptions& format) {
+    const auto text = [&](int id) { return Wide(services.Text(id)); };
+    const std::u16string all = PlainCaption(services.Text(IDS_ALL_FREQUENCIES));
+    std::optional<double> chosen;
+    const std::u16string shown =
+        present > 0.0F ? SingleNumberText(static_cast<double>(present), format.decimalSeparator) : all;
+    const InputBox box{.title = Wide(PlainCaption(services.Text(IDS_FREQUENCIES))),
+                       .ok = text(IDS_OK),
+                       .cancel = text(IDS_CANCEL),
+                       .lines = {{text(IDS_FREQUENCY_PROMPT), Wide(shown)}},
+                       .refusal = [&](const std::vector<std::wstring>& texts) {
+                           chosen = ParseFrequency(Narrow16(texts[0]), all);
+                           return chosen ? std::wstring() : text(IDS_FREQUENCY_BAD);
+                       }};
+    return AskForText(owner, box) ? chosen : std::nullopt;
 }
 
 }  // namespace quillon

@@ -7,6 +7,8 @@
 #include "app/GoToInput.h"
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
+#include "format/QL_Format.h"
+#include "spectrum/SpectrumSettings.h"
 #include "view/Readout.h"
 #include "view/Selection.h"
 #include "view/Statistics.h"
@@ -29,5 +31,13 @@ void ShowStatistics(HWND owner, const ReadoutSource& source, const Selection& se
 /// box.
 [[nodiscard]] std::optional<std::u16string> AskForMontage(
     HWND owner, const UserServices& services, const std::function<std::u16string(const std::u16string&)>& refusalOf);
+
+/// Asks for the highest and the lowest level of the spectrogram; none when the user cancels.
+[[nodiscard]] std::optional<SpectrumSettings> AskForLevels(HWND owner, const SpectrumSettings& present,
+                                                           const UserServices& services, const FormatOptions& format);
+
+/// Asks for the highest frequency of the spectrogram in Hz, 0 for all; none when the user cancels.
+[[nodiscard]] std::optional<double> AskForFrequency(HWND owner, float present, const UserServices& services,
+                                                    const FormatOptions& format);
 
 }  // namespace quillon

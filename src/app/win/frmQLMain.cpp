@@ -59,7 +59,8 @@ void frmQLMain::Wire() {
     m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
     m_keys.onRelease = [this] { m_rooms.shown.HoldRaw(false); };
     m_keys.onPathList = m_rooms.onPathList;
-    m_keys.onContextMenu = [this] { m_rooms.graph.OpenContextMenu(); };
+    m_rooms.spectrogram.onMenu = [this](POINT screen) { ShowMenu(SpectrogramMenu(), screen); };
+    m_keys.onContextMenu = [this] { m_rooms.spectrogram.OpenMenu() ? void() : m_rooms.graph.OpenContextMenu(); };
     m_keys.onWheel = [this](auto delta, auto zone, const auto& at) { m_rooms.graph.Wheel(delta, zone, at); };
 }
 
@@ -126,8 +127,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_TIMER: m_rooms.OnTimer(wParam); return 0;
         case WM_NCDESTROY: {
             const HWND window = std::exchange(m_window, nullptr);
-            m_keys.SetWindow(nullptr);
-            m_focus.SetWindow(nullptr);
+            m_keys.SetWindow(nullptr), m_focus.SetWindow(nullptr);
             SetWindowLongPtrW(window, GWLP_USERDATA, 0);
             return DefWindowProcW(window, message, wParam, lParam);
         }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/Rounding.h"
+#include "spectrum/ColorScale.h"
 #include "view/win/GDI_Utils.h"
 
 namespace quillon {
@@ -42,7 +43,7 @@ int SpectrogramView::LabelHeight() const {
     return static_cast<int>(metrics.tmHeight) + 1;
 }
 
-void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) const {
+void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft, std::int32_t bins) const {
     const int width = static_cast<int>(client.right);
     const int height = static_cast<int>(client.bottom);
     if (!fft.State().ready || fft.Image().empty()) {
@@ -50,13 +51,14 @@ void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft) 
         return;
     }
     ImageInfo info{};
-    info.header = DibHeader(fft.ImageWidth(), fft.BinCount(), 8);
+    // The rows of the lowest bins come first: the bitmap ends behind the last one that is shown.
+    info.header = DibHeader(fft.ImageWidth(), bins, 8);
     info.header.biClrUsed = 256;
     info.header.biClrImportant = 256;
     info.colors = fft.Colors();
     // Palette indices cannot be averaged: rows are dropped where there are more of them than pixels.
-    if (height < fft.BinCount()) SetStretchBltMode(dc, COLORONCOLOR);
-    StretchDIBits(dc, 0, 0, width, height, 0, 0, width, fft.BinCount(), fft.Image().data(),
+    if (height < bins) SetStretchBltMode(dc, COLORONCOLOR);
+    StretchDIBits(dc, 0, 0, width, height, 0, 0, width, bins, fft.Image().data(),
                   reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
 }
 
@@ -67,6 +69,31 @@ void SpectrogramView::PaintBar(HDC dc, const RECT& client, const QL_FFT& fft) {
         const int row = height - 1 - y;
         FillWith(dc, {0, row, client.right, row + 1}, RGB(color.red, color.green, color.blue));
     }
+}
+
+void SpectrogramView::PaintLevels(HDC dc, const RECT& client, double low, double high, const std::u16string& caption,
+                                  const std::u16string& unit, char16_t separator) const {
+    FillWith(dc, client, RGB(0, 0, 0));
+    const SelectScope font(dc, m_font.Get());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, kWhite);
+    const int height = static_cast<int>(client.bottom);
+    const int tick = MulDiv(4, ScreenDpi(), 96);
+    SetTextAlign(dc, TA_LEFT | TA_TOP);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(dc, &metrics);
+    for (const ColorTick& each : ColorTicks(low, high, height, static_cast<int>(metrics.tmHeight), separator)) {
+        FillWith(dc, {0, each.row, tick, each.row + 1}, kWhite);
+        DrawTextAt(dc, tick + tick / 2, each.text, each.figure);
+    }
+    const std::wstring whole = Wide(caption);
+    SIZE size{};
+    GetTextExtentPoint32W(dc, whole.c_str(), static_cast<int>(whole.size()), &size);
+    const SelectScope vertical(dc, m_verticalFont.Get());
+    SetTextAlign(dc, TA_CENTER | TA_TOP);
+    DrawTextAt(dc, static_cast<int>(client.right) - static_cast<int>(size.cy) - 1, height / 2,
+               size.cx < client.bottom ? caption : unit);
+    SetTextAlign(dc, TA_LEFT | TA_TOP);
 }
 
 void SpectrogramView::PaintEmptyScale(HDC dc, const RECT& client) {

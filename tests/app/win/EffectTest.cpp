@@ -53,6 +53,17 @@ const Effect kEffects[] = {
     {mnuMarkList + 2, "", "dialog=Count Marks"},
     {mnuSpectrogram, "G", "spectrogram=1"},
     {mnuNextPalette, "Shift+G", "palette=1"},
+    {mnuPalette + 2, "", "palette=2"},
+    {mnuLevelRange + 1, "", "levels=0-60"},
+    {mnuTopLevel, "", ""},
+    {mnuTopLevel + 2, "", "levels=-20-120"},
+    {mnuLevels, "", "dialog=Levels"},
+    {mnuHighestFrequency, "", ""},
+    {mnuHighestFrequency + 1, "", "transform=20 Hz"},
+    {mnuTypedFrequency, "", "dialog=Frequencies up to"},
+    {mnuTransformSize + 2, "", "transform=2^7"},
+    {mnuTransformWindow + 1, "", "transform=window 1"},
+    {mnuBlankEnds, "", "transform=blank"},
     {mnuFilterRow, "F", "filters=1"},
     {mnuHighPass, "", "shown as=", mnuHighPass + 1},
     {mnuHighPass + 1, "", "shown as=> 0.1 Hz"},
@@ -225,8 +236,9 @@ class EffectTest : public MainWindowTest {
         ClickCheckBox(0);
         Command(mnuTabPath + 1);
         Command(mnuTabFile + 1);
-        if (m_global.settings.window.spectrogramShown != (effect.command == mnuNextPalette)) Command(mnuSpectrogram);
-        m_global.settings.spectrum.palette = 0;
+        const bool ofSpectrogram = effect.command == mnuNextPalette || effect.command >= mnuPalette;
+        ResetSpectrogram();
+        if (m_global.settings.window.spectrogramShown != ofSpectrogram) Command(mnuSpectrogram);
         m_global.settings.helpLanguage = 7;
         m_global.settings.recent = RecentRecordings({m_global.document->File().fileName});
         m_global.helpFile.clear();
@@ -251,6 +263,17 @@ class EffectTest : public MainWindowTest {
         Pump();
     }
 
+    void ResetSpectrogram() {
+        const SpectrumSettings& settings = m_global.settings.spectrum;
+        if (settings == SpectrumSettings{}) return;
+        if (!m_global.settings.window.spectrogramShown) Command(mnuSpectrogram);
+        for (const int usual : {mnuTransformSize + 3, +mnuTransformWindow, +mnuPalette, mnuLevelRange + 3, +mnuTopLevel,
+                                +mnuHighestFrequency})
+            Command(usual);
+        if (settings.blankEnds) Command(mnuBlankEnds);
+        EXPECT_EQ(settings, SpectrumSettings{});
+    }
+
     std::map<std::string, std::string> Facts() {
         const Selection& selection = m_global.view->Selected();
         std::string shown;
@@ -263,6 +286,12 @@ class EffectTest : public MainWindowTest {
         lanes += settings.negativeUp ? "up," : "";
         lanes += settings.clip ? "clip," : "";
         lanes += m_global.document->AllSignals() ? "all," : "";
+        const SpectrumSettings& spectrum = m_global.settings.spectrum;
+        std::string transform = spectrum.order == 8 ? "" : "2^" + std::to_string(spectrum.order);
+        transform += spectrum.window == 0 ? "" : "window " + std::to_string(spectrum.window);
+        transform += spectrum.blankEnds ? "blank" : "";
+        transform +=
+            spectrum.highestFrequency == 0.0F ? "" : std::to_string(std::lround(spectrum.highestFrequency)) + " Hz";
         const int focus = GetDlgCtrlID(GetFocus());
         const auto page = [&](int tabs) { return std::to_string(TabCtrl_GetCurSel(Control(tabs))); };
         std::wstring dialog = m_closer.Titles();
@@ -276,6 +305,8 @@ class EffectTest : public MainWindowTest {
                                                 L"New Montage",
                                                 L"Count Marks",
                                                 L"Go To",
+                                                L"Levels",
+                                                L"Frequencies up to",
                                                 L"Quillon",
                                                 L"Statistics of Selection",
                                                 L"Keys and Mouse"};
@@ -296,6 +327,9 @@ class EffectTest : public MainWindowTest {
                 {"spectrum", Spectrum() != nullptr ? "1" : "0"},
                 {"spectrogram", m_global.settings.window.spectrogramShown ? "1" : "0"},
                 {"palette", std::to_string(m_global.settings.spectrum.palette)},
+                {"levels", std::to_string(std::lround(m_global.settings.spectrum.topLevel)) + '-' +
+                               std::to_string(std::lround(m_global.settings.spectrum.decibelRange))},
+                {"transform", transform},
                 {"help", std::to_string(m_global.settings.helpLanguage)},
                 {"selection",
                  selection.active ? std::to_string(selection.First()) + '-' + std::to_string(selection.Last()) : ""},
@@ -432,6 +466,10 @@ TEST_F(EffectTest, EveryCommandHasItsOneEffectByEveryWay) {
         }
     }
     EXPECT_EQ(pressed, KeyBindings().size()) << "a key that is not in the table";
+    for (const MenuEntry& entry : SpectrogramMenu()) {
+        const auto found = tested.lower_bound(entry.id);
+        EXPECT_TRUE(entry.id == 0 || (found != tested.end() && *found < entry.id + entry.count)) << entry.id;
+    }
     for (const auto menu : {MenuTree(), ContextMenu()}) {
         for (const MenuEntry& entry : menu) {
             const bool list =

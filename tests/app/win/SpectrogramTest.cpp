@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <functional>
 
 #include "app/win/MainWindowFixture.h"
 
@@ -78,6 +79,79 @@ TEST_F(SpectrogramTest, PaletteReadoutAndNoBlock) {
     EXPECT_NE(Capture(pbFFT).At(200, 5), before.At(200, 5));
     Point(pbFFT, -100, -100);
     EXPECT_TRUE(Capture(pbFFT) == before);
+}
+
+/// Looks at the menu that has opened, and closes it.
+struct MenuLook {
+    int entries = 0;
+    std::vector<SIZE> previews{};
+};
+
+LRESULT CALLBACK LookAtMenu(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR data) {
+    auto& look = *reinterpret_cast<MenuLook*>(data);
+    if (message == WM_INITMENUPOPUP && look.entries == 0) {
+        const auto menu = reinterpret_cast<HMENU>(wParam);
+        look.entries = GetMenuItemCount(menu);
+        const HMENU palettes = GetSubMenu(menu, 0);
+        for (int line = 0; line < GetMenuItemCount(palettes); ++line) {
+            MENUITEMINFOW item{};
+            item.cbSize = sizeof item;
+            item.fMask = MIIM_BITMAP;
+            BITMAP bitmap{};
+            if (GetMenuItemInfoW(palettes, static_cast<UINT>(line), TRUE, &item) != FALSE)
+                GetObjectW(item.hbmpItem, sizeof bitmap, &bitmap);
+            look.previews.push_back({bitmap.bmWidth, bitmap.bmHeight});
+        }
+    }
+    if (message == WM_ENTERIDLE && wParam == MSGF_MENU) PostMessageW(window, WM_KEYDOWN, VK_ESCAPE, 0);
+    return DefSubclassProc(window, message, wParam, lParam);
+}
+
+TEST_F(SpectrogramTest, ItsMenuOpensByMouseAndKeyAndItsFiguresFollowTheSettings) {
+    for (const Language language : {Language::English, Language::Russian}) {
+        m_language = language;
+        StartWithTones();
+        Command(mnuSpectrogram);
+        const auto looked = [&](const std::function<void()>& open) {
+            MenuLook look;
+            SetWindowSubclass(m_form->Window(), LookAtMenu, 1, reinterpret_cast<DWORD_PTR>(&look));
+            open();
+            Pump();
+            RemoveWindowSubclass(m_form->Window(), LookAtMenu, 1);
+            return look;
+        };
+        for (const int id : {pbFFT, pbPal, pbLevels, pbScaleF}) {
+            const MenuLook look = looked([&] { SendMessageW(Control(id), WM_RBUTTONUP, 0, MAKELPARAM(3, 3)); });
+            EXPECT_EQ(look.entries, 12) << id;
+            ASSERT_EQ(look.previews.size(), 3U);
+            for (const SIZE& size : look.previews) EXPECT_TRUE(size.cx >= 64 && size.cy >= 12);
+        }
+        SetFocus(Control(pbFFT));
+        EXPECT_EQ(looked([&] {
+                      EXPECT_TRUE(m_form->PreTranslate({Control(pbFFT), WM_KEYDOWN, VK_APPS, 0, 0, {}}));
+                  }).entries,
+                  12);
+        // The figures are those of the levels, and drawn whole: none touches the edges.
+        const Pixels levels = Capture(pbLevels);
+        EXPECT_GT(levels.Count(0xFFFFFF), 100);
+        for (int y = 0; y < levels.height; ++y) EXPECT_EQ(levels.At(levels.width - 1, y), 0U);
+        Command(mnuTopLevel + 2);
+        EXPECT_FALSE(Capture(pbLevels) == levels);
+        Command(mnuTopLevel);
+        EXPECT_TRUE(Capture(pbLevels) == levels);
+        // A tone of an eighth of the rate, 125 Hz: a quarter of the height, more of 200 Hz.
+        EXPECT_NEAR(Brightest(200), 0.25, 0.02);
+        Command(mnuHighestFrequency + 1);
+        EXPECT_NEAR(Brightest(200), 125.0 / 200.0, 0.02);
+        Point(pbFFT, 200, static_cast<int>(Capture(pbFFT).height * 3 / 8));
+        EXPECT_THAT(Wide(m_form->ValuesText()), HasSubstr(L"F:\t12"));
+        // Without the spectrogram Tab does not go there, nor stays the keyboard.
+        SetFocus(Control(pbFFT));
+        Command(mnuSpectrogram);
+        EXPECT_EQ(GetFocus(), Control(pbGraph));
+        EXPECT_FALSE(IsWindowVisible(Control(pbFFT)));
+        MainWindowTest::TearDown();
+    }
 }
 
 }  // namespace
