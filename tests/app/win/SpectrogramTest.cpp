@@ -145,6 +145,7 @@ TEST_F(SpectrogramTest, ItsMenuOpensByMouseAndKeyAndItsFiguresFollowTheSettings)
         EXPECT_NEAR(Brightest(200), 125.0 / 200.0, 0.02);
         Point(pbFFT, 200, static_cast<int>(Capture(pbFFT).height * 3 / 8));
         EXPECT_THAT(Wide(m_form->ValuesText()), HasSubstr(L"F:\t12"));
+        Command(mnuHighestFrequency);
         // Without the spectrogram Tab does not go there, nor stays the keyboard.
         SetFocus(Control(pbFFT));
         Command(mnuSpectrogram);
