@@ -73,20 +73,6 @@ bool CellColumns::MakeKnown(const SampleSpan& run, std::int32_t end, std::int32_
     return true;
 }
 
-RunExtremes CellColumns::OfCells(std::int16_t channel, std::int32_t first, std::int32_t end, std::int32_t size) {
-    static_assert(sizeof(RunExtremes) == 2 * sizeof(std::int16_t));
-    RunExtremes found;
-    nsp::PlanarRunReducer reducer(2 * (end - first), &found);
-    for (std::int32_t at = first; at < end;) {
-        const std::span<const RunExtremes> cells = m_extremes.CellsFrom(channel, at, end, size);
-        // As the samples that they keep, cell by cell.
-        reducer.Feed(&cells.front().first, 2 * cells.size());
-        at += static_cast<std::int32_t>(cells.size());
-    }
-    reducer.Finish();
-    return found;
-}
-
 void CellColumns::HoldAll(std::int32_t cell) {
     const std::int32_t first = 1 + cell * kCell;
     m_block.ReadRows(first, std::min(kCell, m_samples - first), m_codes.data());
@@ -155,7 +141,7 @@ bool CellColumns::OfRun(std::int16_t channel, const SampleSpan& run, std::int32_
         found = OfSamples(channel, run);
         return true;
     }
-    found = OfCells(channel, inside.first, inside.end, size);
+    found = m_extremes.OfCells(channel, inside.first, inside.end, size);
     return AddEdge(channel, inside.left, size, true, found) && AddEdge(channel, inside.right, size, false, found);
 }
 

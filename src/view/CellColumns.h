@@ -38,7 +38,6 @@ class CellColumns {
     [[nodiscard]] Inside CellsIn(const SampleSpan& run, std::int32_t size) const;
     [[nodiscard]] bool MakeKnown(const SampleSpan& run, std::int32_t end, std::int32_t size);
     [[nodiscard]] bool OfRun(std::int16_t channel, const SampleSpan& run, std::int32_t size, RunExtremes& found);
-    [[nodiscard]] RunExtremes OfCells(std::int16_t channel, std::int32_t first, std::int32_t end, std::int32_t size);
     [[nodiscard]] RunExtremes OfSamples(std::int16_t channel, const SampleSpan& samples);
     /// Extends the extremes of a channel by those of a part of one cell, before or behind the samples that they are of.
     [[nodiscard]] bool AddEdge(std::int16_t channel, const SampleSpan& edge, std::int32_t size, bool before,

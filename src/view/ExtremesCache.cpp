@@ -233,6 +233,18 @@ std::span<const RunExtremes> ExtremesCache::CellsFrom(std::int16_t channel, std:
     return {chunk.fine[at].data() + place, static_cast<std::size_t>(std::min(end - cell, perChunk - place))};
 }
 
+RunExtremes ExtremesCache::OfCells(std::int16_t channel, std::int32_t first, std::int32_t end, std::int32_t size) {
+    RunExtremes found;
+    nsp::PlanarRunReducer reducer(2 * (end - first), &found);
+    for (std::int32_t at = first; at < end;) {
+        const std::span<const RunExtremes> cells = CellsFrom(channel, at, end, size);
+        reducer.Feed(CodesOf(cells.data()), 2 * cells.size());
+        at += static_cast<std::int32_t>(cells.size());
+    }
+    reducer.Finish();
+    return found;
+}
+
 bool ExtremesCache::ColumnExtremes(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                                    std::int32_t count, std::int32_t run, std::span<RunExtremes* const> out) {
     Prepare(block);

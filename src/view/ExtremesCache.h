@@ -74,6 +74,8 @@ class ExtremesCache {
     /// is kCell or kCoarseCell.
     [[nodiscard]] std::span<const RunExtremes> CellsFrom(std::int16_t channel, std::int32_t cell, std::int32_t end,
                                                          std::int32_t size);
+    /// The extremes of known cells of a channel, from `first` to `end` - 1.
+    [[nodiscard]] RunExtremes OfCells(std::int16_t channel, std::int32_t first, std::int32_t end, std::int32_t size);
     /// Columns of a free axis that were made of the block's samples.
     [[nodiscard]] ColumnMemo& Columns() { return m_columns; }
     /// Bytes that the cells take.

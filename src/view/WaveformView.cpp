@@ -322,15 +322,9 @@ ViewChange WaveformView::DragTitle(std::int16_t channel, std::size_t to) {
     return Redraw();
 }
 
-ViewChange WaveformView::FitBlock() {
-    Push();
-    m_axis.ShowSamples({0, m_axis.SampleCount()});
-    return Redraw(true);
-}
-
-ViewChange WaveformView::FitSelection() {
-    Push();
-    m_axis.ShowSamples(m_selection.Samples());
+ViewChange WaveformView::FitSamples(const SampleSpan& samples, bool remember) {
+    if (remember) Push();
+    m_axis.ShowSamples(samples);
     return Redraw(true);
 }
 

@@ -103,8 +103,11 @@ class WaveformView {
     ViewChange SetBipolar();
     /// Reads what the ranges of the shown channels lack; in lanes, what the visible columns lack.
     ViewChange FindData();
-    ViewChange FitBlock();
-    ViewChange FitSelection();
+    /// Shows some samples over the whole width, see TimeAxis::ShowSamples. Without `remember` the view before is not
+    /// one to go back to.
+    ViewChange FitSamples(const SampleSpan& samples, bool remember = true);
+    ViewChange FitBlock() { return FitSamples({0, m_axis.SampleCount()}); }
+    ViewChange FitSelection() { return FitSamples(m_selection.Samples()); }
     ViewChange Back();
     ViewChange GoTo(std::int32_t sample);
     ViewChange SetLanes(bool on);
