@@ -138,6 +138,10 @@ void BackgroundWork::Analyse(const std::function<bool()>& step, const std::funct
     Start(kAnalysis, {IDS_WORK_ANALYSIS, step, share, {}});
 }
 
+void BackgroundWork::Survey(const std::function<bool()>& step, const std::function<double()>& share) {
+    if (!m_slices.IsRunning(kOverview)) Start(kOverview, {IDS_WORK_SUMMARY, step, share, {}});
+}
+
 void BackgroundWork::Summarise() {
     const ViewBlock& block = m_document.Block();
     if (!block.block || block.sampleCount < 1 || m_slices.IsRunning(kSummary)) return;

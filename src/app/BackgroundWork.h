@@ -53,6 +53,8 @@ class BackgroundWork {
     /// The pass of averaged spectra.
     void Analyse(const std::function<bool()>& step, const std::function<double()>& share);
     void EndAnalysis() { m_slices.Drop(kAnalysis); }
+    /// The pass of the overview.
+    void Survey(const std::function<bool()>& step, const std::function<double()>& share);
     /// Reads the extremes of the whole block if they are not known and nobody does.
     void Summarise();
 
@@ -70,7 +72,7 @@ class BackgroundWork {
 
   private:
     /// In order of priority.
-    enum Priority { kGraph, kScales, kRange, kSpectrum, kStatistics, kAnalysis, kMarks, kSummary };
+    enum Priority { kGraph, kScales, kRange, kSpectrum, kStatistics, kAnalysis, kMarks, kSummary, kOverview };
     static constexpr std::chrono::milliseconds kSlice{10};
 
     void Start(Priority priority, WorkSlices::Pass pass);

@@ -58,6 +58,7 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.scaleY = view.UsesLanes() ? view.SelectedScaleY() : view.ScaleY();
     state.spectrogramShown = settings.window.spectrogramShown;
     state.spectrum = settings.spectrum;
+    state.overviewShown = WantsOverview(settings.window);
     state.soundDevices = playback.DeviceCount();
     state.soundDevice = playback.Device();
     state.playing = playback.IsPlaying();
@@ -74,7 +75,7 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuAllSignals ||
         id == mnuOptions)
         return true;
-    if (id == mnuFilterRow || id == mnuOpen) return true;
+    if (id == mnuFilterRow || id == mnuOpen || id == mnuOverview) return true;
     if (id == mnuClearRecent) return state.recent > 0;
     if (Within(id, mnuRecent, kRecentEntries)) return id - mnuRecent < state.recent;
     if (id == mnuShowRaw) return state.shownOtherwise;
@@ -137,6 +138,7 @@ bool IsChecked(int id, const CommandState& state) {
     if (id == mnuFilterRow) return state.filtersShown;
     if (id == mnuUnfiltered) return state.unfiltered;
     if (id == mnuSpectrogram) return state.spectrogramShown;
+    if (id == mnuOverview) return state.overviewShown;
     if (id == mnuLanes) return state.lanes;
     if (id == mnuAllSignals) return state.lanes && state.allSignals;
     if (id == mnuNegativeUp) return state.lanes && state.negativeUp;

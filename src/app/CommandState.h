@@ -31,6 +31,7 @@ struct CommandState {
     bool canZoomIn = false;   ///< along the time axis; not at its finest zoom, which zoomX 0 is
     bool canZoomOut = true;
     bool spectrogramShown = false;
+    bool overviewShown = false;
     SpectrumSettings spectrum;  ///< how
     bool lanes = false;         ///< chosen
     bool allSignals = false;    ///< lanes of all signals are chosen

@@ -54,6 +54,7 @@ constexpr std::array kTree{
     Separator(1),
     Entry(1, mnuFilterRow, IDS_FILTERS),
     Entry(1, mnuSpectrogram, IDS_SPECTROGRAM),
+    Entry(1, mnuOverview, IDS_OVERVIEW),
     Entry(1, mnuLanes, IDS_LANES),
     Entry(1, mnuAllSignals, IDS_ALLSIGNALS),
     Entry(1, mnuNegativeUp, IDS_NEGATIVEUP),

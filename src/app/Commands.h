@@ -29,6 +29,7 @@ enum CommandId : int {
     mnuNegativeUp,
     mnuClipToLanes,
     mnuAllSignals,
+    mnuOverview,
     mnuRecent = 1070,  ///< by recording, the latest first
     mnuClearRecent = 1090,
     mnuScaleX = 1100,

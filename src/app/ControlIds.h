@@ -41,6 +41,7 @@ enum ControlId : int {
     lvMarks,
     // Beside the palette bar.
     pbLevels,
+    pbOverview,
 };
 
 }  // namespace quillon

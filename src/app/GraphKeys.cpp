@@ -57,6 +57,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuAllSignals},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuSpectrogram},
     KeyBinding{KeyPlace::Graph, Letter('G'), mnuNextPalette, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Letter('O'), mnuOverview},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 0},
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 1, kNo, kShift},
     KeyBinding{KeyPlace::Graph, Letter('M'), mnuPin},
@@ -141,7 +142,8 @@ std::optional<GraphZone> WheelZoneOf(int control) {
     switch (control) {
         case pbGraph: return GraphZone::Traces;
         case pbFFT: return GraphZone::Spectrogram;
-        case pbScaleX: return GraphZone::TimeScale;
+        case pbScaleX:
+        case pbOverview: return GraphZone::TimeScale;
         case pbScaleY: return GraphZone::AmplitudeScale;
         default: return std::nullopt;
     }

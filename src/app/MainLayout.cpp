@@ -9,6 +9,11 @@ namespace {
 constexpr std::int32_t kDefaultUpperPercent = 42;
 constexpr std::int32_t kDefaultValuesHeight = 132;  // at 96 dots per inch: nine lines
 constexpr std::int32_t kDefaultSpectrogramPercent = 45;
+constexpr std::int32_t kOverview = 36;  // at 96 dots per inch
+/// The least height above the time scale, at 96 dots per inch, that the overview leaves: for the graph, and for graph
+/// and spectrogram.
+constexpr std::int32_t kLeastGraph = 160;
+constexpr std::int32_t kLeastPictures = 260;
 constexpr std::int32_t kFilterRow = 24;    // at 96 dots per inch: a drop-down list
 constexpr std::int32_t kLevelsWidth = 46;  // at 96 dots per inch: "-120" and the caption
 constexpr std::int32_t kAboveTools = 2;    // at 96 dots per inch
@@ -110,6 +115,17 @@ std::int32_t WidthOfScale(const Measures& measures, std::int32_t left, std::int3
     return layout.laneLabels;
 }
 
+/// The overview takes its height from that of the other pictures, if enough is left of it. Returns what it takes.
+std::int32_t ArrangeOverview(const Measures& measures, std::int32_t above, MainLayout& layout) {
+    const LayoutInput& input = measures.input;
+    const std::int32_t height = measures.Scaled(kOverview);
+    const std::int32_t least = measures.Scaled(input.spectrogram ? kLeastPictures : kLeastGraph);
+    if (!input.overview || above - height - measures.gap < least) return 0;
+    layout.overview.top = measures.height - measures.gap - height;
+    layout.overview.height = height;
+    return height + measures.gap;
+}
+
 /// Graph, spectrogram, scales and scroll bars.
 void ArrangePictures(const Measures& measures, MainLayout& layout) {
     const auto& [input, gap, splitter, height, filters, top] = measures;
@@ -119,7 +135,8 @@ void ArrangePictures(const Measures& measures, MainLayout& layout) {
     const std::int32_t scaleWidth = WidthOfScale(measures, left, bar, layout);
     const std::int32_t scaleHeight = measures.Scaled(26);
     const std::int32_t right = std::max(input.clientWidth - gap, left + scaleWidth + bar);
-    const std::int32_t graphBottom = std::max(height - gap - bar - scaleHeight, top);
+    const std::int32_t bottom = std::max(height - gap - bar - scaleHeight, top);
+    const std::int32_t graphBottom = bottom - ArrangeOverview(measures, bottom - top, layout);
     // Graph and spectrogram share the height above the time scale.
     const std::int32_t both = graphBottom - top;
     std::int32_t graphHeight = both;
@@ -154,6 +171,10 @@ void ArrangePictures(const Measures& measures, MainLayout& layout) {
     }
     layout.scaleX = {layout.graph.left, graphBottom, layout.graph.width, scaleHeight};
     layout.scrollX = {layout.graph.left, layout.scaleX.Bottom(), layout.graph.width, bar};
+    if (layout.overview.height > 0) {
+        layout.overview.left = left;
+        layout.overview.width = layout.graph.Right() - left;
+    }
     layout.zoomX = {left, layout.scaleX.top + measures.Scaled(2), scaleWidth - gap,
                     scaleHeight + bar - measures.Scaled(2)};
 }

@@ -37,6 +37,7 @@ struct LayoutInput {
     std::int32_t valuesHeight = 0;        ///< of the values panel; 0: the default
     std::int32_t titlesWidth = 0;         ///< that the titles of lanes left of the graph want; 0: there are none
     std::int32_t laneLabels = 0;          ///< that the user chose for them; 0: none
+    bool overview = false;                ///< whether it is shown where there is room for it
     bool filters = false;                 ///< whether their row is shown
     std::array<std::int32_t, kFilterControls> filterWidths{};  ///< that they want; 0 before they exist
 };
@@ -51,6 +52,7 @@ struct MainLayout {
     PixelRect scaleY, graph, scrollY, zoomX, scaleX, scrollX;
     PixelRect scaleF, spectrogram, palette;  ///< below the graph, column for column; empty when it is not shown
     PixelRect levels;                        ///< of the palette's colours, beside it; empty where there is no room
+    PixelRect overview;                      ///< below all, from the scales' edge on; empty when it is not shown
     PixelRect splitColumn;                   ///< between the lists and the graph
     PixelRect splitLists;                    ///< between the upper and the lower list
     PixelRect splitValues;                   ///< between the lower list and the values

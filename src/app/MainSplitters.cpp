@@ -29,6 +29,7 @@ void TakeSizes(const WindowPlacement& placement, LayoutInput& input) {
     input.spectrogram = placement.spectrogramShown;
     input.spectrogramPercent = placement.spectrogramPercent;
     input.laneLabels = placement.laneLabels;
+    input.overview = WantsOverview(placement);
     input.filters = placement.filters;
 }
 
@@ -58,14 +59,15 @@ void KeepReached(Splitter splitter, const MainLayout& layout, WindowPlacement& p
 
 std::vector<ControlPlace> PlacesOf(const MainLayout& layout) {
     std::vector<ControlPlace> places{
-        {tbMain, layout.tools},      {tbGoTo, layout.goTo},         {tabPath, layout.tabPath},
-        {lstDrive, layout.drive},    {pbPathList, layout.pathList}, {lstDir, layout.folders},
-        {lvCh, layout.channels},     {tabFile, layout.tabFile},     {cboFileType, layout.fileType},
-        {lstFile, layout.files},     {lstBlock, layout.blocks},     {pnValues, layout.values},
-        {pbScaleY, layout.scaleY},   {pbGraph, layout.graph},       {scScaleY, layout.scrollY},
-        {btnZoomX, layout.zoomX},    {pbScaleX, layout.scaleX},     {scScaleX, layout.scrollX},
-        {pbFFT, layout.spectrogram}, {pbPal, layout.palette},       {pbScaleF, layout.scaleF},
-        {edtMarks, layout.fileType}, {lvMarks, layout.files},       {pbLevels, layout.levels},
+        {tbMain, layout.tools},        {tbGoTo, layout.goTo},         {tabPath, layout.tabPath},
+        {lstDrive, layout.drive},      {pbPathList, layout.pathList}, {lstDir, layout.folders},
+        {lvCh, layout.channels},       {tabFile, layout.tabFile},     {cboFileType, layout.fileType},
+        {lstFile, layout.files},       {lstBlock, layout.blocks},     {pnValues, layout.values},
+        {pbScaleY, layout.scaleY},     {pbGraph, layout.graph},       {scScaleY, layout.scrollY},
+        {btnZoomX, layout.zoomX},      {pbScaleX, layout.scaleX},     {scScaleX, layout.scrollX},
+        {pbFFT, layout.spectrogram},   {pbPal, layout.palette},       {pbScaleF, layout.scaleF},
+        {edtMarks, layout.fileType},   {lvMarks, layout.files},       {pbLevels, layout.levels},
+        {pbOverview, layout.overview},
     };
     for (std::size_t at = 0; at < kFilterControls; ++at)
         places.push_back({lblFilterGroup + static_cast<int>(at), layout.filters[at]});

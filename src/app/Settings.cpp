@@ -80,7 +80,7 @@ constexpr std::array<Entry<SpectrumWindowSettings>, 4> kSpectrumChoiceEntries{
      {u"SpectrumWindow", &SpectrumWindowSettings::window},
      {u"SpectrumLogFrequency", &SpectrumWindowSettings::logFrequency},
      {u"SpectrumLevels", &SpectrumWindowSettings::levels}}};
-constexpr std::array<Entry<WindowPlacement>, 14> kWindowEntries{
+constexpr std::array<Entry<WindowPlacement>, 15> kWindowEntries{
     {{u"ListWidth", &WindowPlacement::listWidth},
      {u"UpperPercent", &WindowPlacement::upperPercent},
      {u"ValuesHeight", &WindowPlacement::valuesHeight},
@@ -91,6 +91,7 @@ constexpr std::array<Entry<WindowPlacement>, 14> kWindowEntries{
      {u"NegativeUp", &WindowPlacement::negativeUp},
      {u"ClipToLanes", &WindowPlacement::clipToLanes},
      {u"AllSignals", &WindowPlacement::allSignals},
+     {u"Overview", &WindowPlacement::overview},
      {u"Filters", &WindowPlacement::filters},
      {u"Shown", &WindowPlacement::shown},
      {u"Montages", &WindowPlacement::montages},

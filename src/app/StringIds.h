@@ -69,6 +69,7 @@
 #define IDS_NAME_TOOLS 2075
 #define IDS_NAME_PAGES 2076
 #define IDS_NAME_LEVELS 2077
+#define IDS_NAME_OVERVIEW 2078
 
 // Menu captions; those of an array follow each other.
 #define IDS_MENU_FILE 3000
@@ -83,6 +84,7 @@
 #define IDS_MENU_SOUNDOUTPUT 3012
 #define IDS_MENU_HELPLANG 3013
 #define IDS_MENU_PAGE 3014
+#define IDS_OVERVIEW 3015
 #define IDS_EXIT 3020
 #define IDS_SAVEAS 3021
 #define IDS_FASTEXPORT 3022
@@ -144,7 +146,7 @@
 // Names of keys, in the order of app/GraphKeys.h; mouse gestures, each followed by the text of its effect.
 #define IDS_KEY_0 3340
 #define IDS_MOUSE_0 3360
-#define IDS_MOUSE_COUNT 17
+#define IDS_MOUSE_COUNT 18
 
 // Table windows and input boxes.
 #define IDS_TABLE_KEY 3400

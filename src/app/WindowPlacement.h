@@ -27,10 +27,16 @@ struct WindowPlacement {
     bool negativeUp = false;      ///< in lanes smaller values are higher up
     bool clipToLanes = false;
     bool allSignals = false;    ///< lanes for the signals of all blocks of a stretch
+    std::int32_t overview = 0;  ///< 1: shown, 2: hidden; see WantsOverview
     bool filters = false;       ///< the row of filters is shown
     std::u16string shown{};     ///< filters of groups of units, see ShownCommands
     std::u16string montages{};  ///< of the user, see ShownCommands
     float pageLength = 0.0F;    ///< of a free time axis, in seconds; 0: none was chosen
 };
+
+/// Whether the overview of the block is wanted: as the user has chosen, until then with lanes.
+[[nodiscard]] inline bool WantsOverview(const WindowPlacement& placement) {
+    return placement.overview == 0 ? placement.lanes : placement.overview == 1;
+}
 
 }  // namespace quillon

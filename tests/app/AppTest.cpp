@@ -35,6 +35,7 @@ std::vector<PixelRect> Seen(const MainLayout& layout, bool firstPages, bool spec
     for (const PixelRect& rect : layout.filters) {
         if (rect.height > 0) all.push_back(rect);
     }
+    if (layout.overview.height > 0) all.push_back(layout.overview);
     if (spectrogram)
         all.insert(all.end(), {layout.scaleF, layout.spectrogram, layout.palette, layout.splitSpectrogram});
     if (layout.levels.width > 0) all.push_back(layout.levels);
@@ -65,6 +66,7 @@ TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
         input.spectrogramPercent = perhaps(100);
         input.valuesHeight = perhaps(3000);
         input.filters = random() % 2 == 0;
+        input.overview = random() % 2 == 0;
         for (std::int32_t& width : input.filterWidths) width = scaled(between(30, 110));
         const MainLayout layout = ArrangeMain(input);
         SCOPED_TRACE(::testing::Message() << dpi << ' ' << input.clientWidth << " x " << input.clientHeight << ' '
@@ -98,6 +100,12 @@ TEST(MainLayout, FillsTheWindowWithoutOverlapsAndHolesAtAnySizeAndSetting) {
         EXPECT_EQ(layout.graph.width, input.spectrogram ? layout.spectrogram.width : layout.graph.width);
         EXPECT_EQ(layout.graph.left, layout.scaleX.left);
         EXPECT_EQ(layout.graph.width, layout.scaleX.width);
+        if (layout.overview.height > 0) {
+            EXPECT_EQ(layout.overview.Right(), layout.graph.Right());
+            EXPECT_GE(layout.scaleX.top - layout.graph.top, scaled(160));
+        } else if (input.overview) {
+            EXPECT_LT(layout.scaleX.top - layout.graph.top, scaled(302)) << "there is no room for it";
+        }
         for (const int list : {layout.folders.height, layout.files.height}) EXPECT_GE(list, scaled(20));
         // What was used is kept for the next time, and gives the same.
         input.listWidth = layout.listWidth;

@@ -35,6 +35,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
              f.selectPage(TabPages::File, i);
          }},
         {mnuSpectrogram, 1, [](R r, F, int) { r.ShowSpectrogram(); }},
+        {mnuOverview, 1, [](R r, F, int) { r.ShowOverview(); }},
         {mnuFilterRow, 1, [](R r, F, int) { r.shown.ToggleRow(); }},
         {mnuUnfiltered, 1, [](R r, F, int) { r.shown.ToggleUnfiltered(); }},
         {mnuShowRaw, 1, [](R r, F, int) { r.shown.HoldRaw(true); }},

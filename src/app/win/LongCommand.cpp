@@ -62,6 +62,12 @@ void LongCommand::RunPart(const std::function<void()>& part) {
     DropInput();
 }
 
+void LongCommand::RunWaiting(const std::function<void()>& work) {
+    const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    RunWhole([&] { RunPart(work); });
+    SetCursor(pointer);
+}
+
 bool LongCommand::StayAlive() {
     const ULONGLONG now = GetTickCount64();
     if (now - m_lastPump >= kPumpMilliseconds) {

@@ -29,6 +29,8 @@ class LongCommand {
     /// Runs a part of it that can be stopped by itself. What is typed and clicked meanwhile is dropped, also what
     /// is repeated by the key that stopped it, for as long as that is held.
     void RunPart(const std::function<void()>& part);
+    /// Runs a command that is one such part, under the pointer of waiting.
+    void RunWaiting(const std::function<void()>& work);
     /// To be called periodically by the work. False when it is to stop, and then at every call.
     bool StayAlive();
     /// Stops the work without asking.

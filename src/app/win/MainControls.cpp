@@ -132,6 +132,7 @@ void NameControls(HWND window, const UserServices& services) {
                               {btnZoomX, IDS_NAME_TIME_ZOOM, false},
                               {pnValues, IDS_NAME_VALUES, false},
                               {sbInfo, IDS_NAME_STATUS, true},
+                              {pbOverview, IDS_NAME_OVERVIEW, false},
                               {pbFFT, IDS_NAME_SPECTROGRAM, false},
                               {pbPal, IDS_NAME_PALETTE, false},
                               {pbScaleF, IDS_NAME_FREQUENCY_SCALE, false},

@@ -8,6 +8,7 @@
 #include "app/Commands.h"
 #include "app/ControlIds.h"
 #include "app/StringIds.h"
+#include "app/win/PictureLinks.h"
 #include "data/win/FileIdentity.h"
 #include "dialogs/DialogTexts.h"
 
@@ -21,12 +22,13 @@ MainRooms::MainRooms(RoomParts parts)
       m_texts(m_parts, status, graph, spectrogram),
       view(m_parts.view),
       playback(m_parts.playback),
-      slices(m_document, view, m_parts.services, status, longCommand, graph, spectrogram),
+      slices(m_document, view, m_parts.services, status, longCommand, graph, spectrogram, overview),
       commands(m_document, view, playback),
       lanes(m_document, view, m_parts.settings.window),
       shown(m_document, m_parts.settings.window, m_parts.services, m_parts.format, m_parts.language),
       graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
+      overview(m_document, view, m_parts.settings.window, m_parts.format),
       recording(m_parts),
       browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
       opener({m_parts, browser, status, longCommand, m_hover}),
@@ -45,17 +47,12 @@ MainRooms::MainRooms(RoomParts parts)
 }
 
 void MainRooms::WireGraph() {
-    m_hover.onEnd = [this] { graph.ShowCursor(std::nullopt); };
     graph.onChange = [this](const ViewChange& change) { ViewChanged(change); };
     graph.onSelectionStart = [this] { m_values.SelectionStarted(); };
     graph.onSelectionEnd = [this] {
         m_values.SelectionChanged(false);
         UpdateState(), spectrum.Follow();
     };
-    graph.onHover = [this](std::int32_t sample, double place, const std::u16string& mark) {
-        m_values.TellHover(sample, mark, place);
-    };
-    graph.onBand = [this](CommonBand which, const auto& band) { spectrogram.ShowBand(which, band); };
     graph.onContextMenu = [this](POINT screen, std::int16_t channel) {
         commands.SetMenuChannel(channel);
         onContextMenu(screen);
@@ -64,16 +61,10 @@ void MainRooms::WireGraph() {
     graph.onAlone = [this](std::int16_t channel) { recording.ShowAlone(channel); };
     graph.onZoom = [this](int index) { onCommand(mnuZoomX + index); };
     graph.onZoomMenu = [this](HWND control) { onZoomMenu(control); };
-    graph.onMeasured = [this] { return m_values.Measured(); };
-    graph.onBusy = spectrogram.onBusy = [this] { return longCommand.IsBusy(); };
+    graph.onBusy = [this] { return longCommand.IsBusy(); };
     graph.onFailed = [this](const std::exception& error) { m_texts.Failed(error); };
-    spectrogram.onHover = [this](std::int32_t sample, const std::u16string& text) {
-        graph.ShowCursor(PointBand(view.Axis(), sample));
-        m_values.TellSpectrum(sample, text);
-    };
-    spectrogram.onPointer = [this] { return graph.Pointer(); };
-    spectrogram.onPress = [this] { SetFocus(graph.Graph()); };
-    spectrogram.onFailed = spectrum.onFailed = browser.onFailed = playback.onFailed = slices.onFailed = graph.onFailed;
+    LinkPictures({graph, spectrogram, overview, m_hover, m_values, view});
+    spectrum.onFailed = browser.onFailed = playback.onFailed = slices.onFailed = graph.onFailed;
 }
 
 void MainRooms::WireLists() {
@@ -106,10 +97,7 @@ void MainRooms::WireLists() {
         LeaveBlock();
         RecordingChanged(m_reload.Kept());
     };
-    m_reload.onTell = [this](bool loaded, const std::u16string& text) {
-        // A successful reload does not replace a message of another topic; a failed one does.
-        loaded ? status.Offer(StatusBar::Topic::Reload, text) : status.Tell(StatusBar::Topic::Reload, text);
-    };
+    m_reload.onTell = [this](bool loaded, const std::u16string& text) { m_texts.TellReload(loaded, text); };
 }
 
 void MainRooms::WireSound() {
@@ -140,7 +128,7 @@ void MainRooms::WireCommands() {
         if (!view.LanesOfChannels().Settings().on) lanes.ToggleLanes();
         ViewChanged(view.ScrollLanes(-view.LanesOfChannels().Settings().first));
     };
-    shown.onRow = [this] { onArrange(), PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0); };
+    shown.onRow = [this] { ArrangeAnew(); };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };
@@ -187,7 +175,8 @@ void MainRooms::AttachLists(int dpi, const TimerFactory& makeTimer) {
 }
 
 void MainRooms::CreatePictures() {
-    if (!graph.CreateRest(Window()) || !m_valuesPanel.Create(Window(), pnValues) || !spectrogram.Create(Window()))
+    if (!graph.CreateRest(Window()) || !m_valuesPanel.Create(Window(), pnValues) || !spectrogram.Create(Window()) ||
+        !overview.Create(Window()))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
 }
 
@@ -223,7 +212,7 @@ CommandState MainRooms::State() const {
 
 void MainRooms::UpdateState() {
     graph.SetNotice(NoticeOf(m_document, browser.FileCount(), m_parts.services));
-    if (m_complete) onState(), spectrum.Look();
+    if (m_complete) onState(), spectrum.Look(), overview.Refresh();
 }
 
 // Recording and block.
@@ -246,7 +235,7 @@ void MainRooms::RecordingChanged(const std::optional<WaveformView::State>& kept)
 
 void MainRooms::LookAtRecording(bool asked, bool isDragging) try {
     if (longCommand.IsBusy() || longCommand.IsGone() || !IsWindowEnabled(Window())) return;
-    m_reload.Look(asked, isDragging || graph.HasGesture());
+    m_reload.Look(asked, isDragging || graph.HasGesture() || overview.HasGesture());
 } catch (const std::exception& error) {
     m_texts.Failed(error);
 }
@@ -283,7 +272,9 @@ void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
 
 void MainRooms::ArrangeTitles() {
     const std::int32_t width = graph.TitlesWidth();
-    if (std::exchange(m_titlesWidth, width) != width) onArrange();
+    const bool wants = WantsOverview(m_parts.settings.window);
+    const bool isSame = std::exchange(m_titlesWidth, width) == width;
+    if (std::exchange(m_wantsOverview, wants) != wants || !isSame) onArrange();
 }
 
 void MainRooms::ChooseChannel() {
@@ -331,8 +322,18 @@ void MainRooms::Refresh(std::int32_t shift) {
 void MainRooms::ShowSpectrogram() {
     m_parts.settings.window.spectrogramShown = !m_parts.settings.window.spectrogramShown;
     spectrogram.Spectrogram_Init(false);
+    ArrangeAnew();
+}
+
+void MainRooms::ShowOverview() {
+    m_parts.settings.window.overview = WantsOverview(m_parts.settings.window) ? 2 : 1;
+    ArrangeAnew();
+    slices.work.Summarise();
+}
+
+void MainRooms::ArrangeAnew() {
+    m_wantsOverview = WantsOverview(m_parts.settings.window);
     onArrange();
-    // By a message of its own: laying out and drawing would make others wait for too long.
     PostMessageW(Window(), WM_TIMER, kRefreshTimer, 0);
 }
 
@@ -382,9 +383,7 @@ void MainRooms::RunLong(const std::function<void()>& work) {
     graph.EndGesture();
     // Playback position messages would replace the messages of the work.
     playback.Stop();
-    const HCURSOR pointer = SetCursor(LoadCursorW(nullptr, IDC_WAIT));
-    longCommand.RunWhole([&] { longCommand.RunPart(work); });
-    SetCursor(pointer);
+    longCommand.RunWaiting(work);
 }
 
 }  // namespace quillon

@@ -17,6 +17,7 @@
 #include "app/win/GraphPane.h"
 #include "app/win/HoverCapture.h"
 #include "app/win/LongCommand.h"
+#include "app/win/OverviewPane.h"
 #include "app/win/Panel.h"
 #include "app/win/PictureCommands.h"
 #include "app/win/RecordingOpener.h"
@@ -78,6 +79,7 @@ class MainRooms {
     /// Redraws everything. A shift means that the view was only scrolled, by that many columns, since the last drawing.
     void Refresh(std::int32_t shift = 0);
     void ShowSpectrogram();
+    void ShowOverview();
 
     void OnTimer(UINT_PTR timer);
     /// Ends the readout under the pointer.
@@ -98,8 +100,10 @@ class MainRooms {
     void LeaveBlock();
     void ShowBlock(const std::optional<WaveformView::State>& kept);
     void ChooseChannel();
-    /// The titles of lanes take room according to their length.
+    /// Titles of lanes take room according to their length, and the overview may come and go with lanes.
     void ArrangeTitles();
+    /// Lays out and draws everything, the latter by a message of its own: both would make others wait for too long.
+    void ArrangeAnew();
     /// The samples of the loaded block have changed: the stored ones too, or only how they are shown.
     void SamplesChanged(bool stored);
     /// More of the recording is known.
@@ -113,7 +117,9 @@ class MainRooms {
     RoomParts m_parts;
     Document& m_document;
     bool m_complete = false;
-    std::int32_t m_titlesWidth = 0;  ///< for which the controls are laid out
+    // For which the controls are laid out.
+    std::int32_t m_titlesWidth = 0;
+    bool m_wantsOverview = false;
     RecordingReload m_reload;
     HoverCapture m_hover;
     ValuesReadout m_values;
@@ -131,6 +137,7 @@ class MainRooms {
     ShownCommands shown;
     GraphPane graph;
     SpectrogramPane spectrogram;
+    OverviewPane overview;
     RecordingPane recording;
     BrowserPane browser;
     RecordingOpener opener;

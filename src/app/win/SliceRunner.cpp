@@ -4,6 +4,7 @@
 
 #include "app/StringIds.h"
 #include "app/win/GraphPane.h"
+#include "app/win/OverviewPane.h"
 #include "app/win/SpectrogramPane.h"
 #include "base/Text.h"
 
@@ -22,7 +23,8 @@ std::u16string ProgressText(const UserServices& services, const WorkSlices::Repo
 }  // namespace
 
 SliceRunner::SliceRunner(Document& document, WaveformView& view, const UserServices& services, StatusBar& status,
-                         LongCommand& longCommand, GraphPane& graph, SpectrogramPane& spectrogram)
+                         LongCommand& longCommand, GraphPane& graph, SpectrogramPane& spectrogram,
+                         OverviewPane& overview)
     : work(document, view),
       m_document(document),
       m_view(view),
@@ -30,11 +32,18 @@ SliceRunner::SliceRunner(Document& document, WaveformView& view, const UserServi
       m_status(status),
       m_longCommand(longCommand),
       m_graph(graph),
-      m_spectrogram(spectrogram) {}
+      m_spectrogram(spectrogram),
+      m_overview(overview) {}
 
 void SliceRunner::Wire() {
     work.onStart = [this] { SetTimer(m_longCommand.Window(), kSliceTimer, kSlicePeriod, nullptr); };
-    work.onRescaled = [this] { onRescaled(); };
+    work.onRescaled = [this] {
+        m_overview.Rescaled();
+        onRescaled();
+    };
+    m_overview.onMore = [this] {
+        work.Survey([this] { return m_overview.ReadMore(); }, [this] { return m_overview.ReadShare(); });
+    };
     work.onDraw = [this] { return m_graph.DrawMore(); };
     work.onDrawnShare = [this] { return m_graph.DrawnShare(); };
     work.onDrawn = [this] {
@@ -77,6 +86,7 @@ void SliceRunner::InitSpectrogram() {
 
 void SliceRunner::BlockLeft() {
     m_findWhenDrawn = nullptr;
+    m_overview.LeaveBlock();
     work.BlockLeft();
 }
 
@@ -119,7 +129,10 @@ bool SliceRunner::OnTimer(UINT_PTR timer) {
 void SliceRunner::ShowProgress() {
     const std::optional<WorkSlices::Report> progress = work.Current();
     const bool changed = std::exchange(m_progress, progress) != progress;
-    if (changed || work.IsIdle()) onKnown();
+    if (changed || work.IsIdle()) {
+        onKnown();
+        m_overview.Update();
+    }
     if (!changed) return;
     if (progress) {
         m_status.Offer(StatusBar::Topic::Progress, ProgressText(m_services, *progress));
@@ -146,7 +159,7 @@ bool SliceRunner::CompleteScales() {
     }
     m_status.Retract(StatusBar::Topic::Progress);
     if (!alive) return false;
-    if (step == PrepareStep::DoneRescaled) onRescaled();
+    if (step == PrepareStep::DoneRescaled) work.onRescaled();
     return true;
 }
 

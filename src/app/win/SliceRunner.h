@@ -12,6 +12,7 @@
 namespace quillon {
 
 class GraphPane;
+class OverviewPane;
 class SpectrogramPane;
 
 /// Runs the work behind what is shown between the messages of the window, tells its progress in "Status", and completes
@@ -20,7 +21,7 @@ class SliceRunner {
   public:
     /// All arguments must outlive this object.
     SliceRunner(Document& document, WaveformView& view, const UserServices& services, StatusBar& status,
-                LongCommand& longCommand, GraphPane& graph, SpectrogramPane& spectrogram);
+                LongCommand& longCommand, GraphPane& graph, SpectrogramPane& spectrogram, OverviewPane& overview);
 
     // To be set by the owner, as work.onFound; Wire() sets the others once the panes exist.
     void Wire();
@@ -65,6 +66,7 @@ class SliceRunner {
     LongCommand& m_longCommand;
     GraphPane& m_graph;
     SpectrogramPane& m_spectrogram;
+    OverviewPane& m_overview;
     std::function<void()> m_findWhenDrawn;         ///< see FindData
     std::optional<WorkSlices::Report> m_progress;  ///< told in "Status"
 };

@@ -45,6 +45,11 @@ void StatusTexts::TellUnreadable(bool wholeView) {
     m_status.Tell(StatusBar::Topic::Unreadable, *text);
 }
 
+void StatusTexts::TellReload(bool loaded, const std::u16string& text) {
+    // A successful reload does not replace a message of another topic; a failed one does.
+    loaded ? m_status.Offer(StatusBar::Topic::Reload, text) : m_status.Tell(StatusBar::Topic::Reload, text);
+}
+
 void StatusTexts::TellOfLanes() {
     m_status.Offer(StatusBar::Topic::Hint, m_parts.services.Text(IDS_LANES_HINT));
 }

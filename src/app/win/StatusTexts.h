@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <string>
 
 #include "app/UnreadableSamples.h"
 #include "app/win/RoomParts.h"
@@ -24,6 +25,8 @@ class StatusTexts {
     void ShowPosition(std::int32_t sample);
     /// Which samples cannot be read. `wholeView`: not only a part of the view was drawn anew.
     void TellUnreadable(bool wholeView);
+    /// That a changed recording was loaded again, or could not be.
+    void TellReload(bool loaded, const std::u16string& text);
     /// That there are lanes.
     void TellOfLanes();
     /// The block is closed: takes back what was told of it and its file.

@@ -64,6 +64,7 @@ const Effect kEffects[] = {
     {mnuTransformSize + 2, "", "transform=2^7"},
     {mnuTransformWindow + 1, "", "transform=window 1"},
     {mnuBlankEnds, "", "transform=blank"},
+    {mnuOverview, "O", "overview=1"},
     {mnuFilterRow, "F", "filters=1"},
     {mnuHighPass, "", "shown as=", mnuHighPass + 1},
     {mnuHighPass + 1, "", "shown as=> 0.1 Hz"},
@@ -239,6 +240,8 @@ class EffectTest : public MainWindowTest {
         const bool ofSpectrogram = effect.command == mnuNextPalette || effect.command >= mnuPalette;
         ResetSpectrogram();
         if (m_global.settings.window.spectrogramShown != ofSpectrogram) Command(mnuSpectrogram);
+        if (m_global.settings.window.overview == 1) Command(mnuOverview);
+        m_global.settings.window.overview = 0;
         m_global.settings.helpLanguage = 7;
         m_global.settings.recent = RecentRecordings({m_global.document->File().fileName});
         m_global.helpFile.clear();
@@ -326,6 +329,7 @@ class EffectTest : public MainWindowTest {
                 {"unfiltered", std::to_string(m_global.document->Shown().unfiltered.size())},
                 {"spectrum", Spectrum() != nullptr ? "1" : "0"},
                 {"spectrogram", m_global.settings.window.spectrogramShown ? "1" : "0"},
+                {"overview", std::to_string(m_global.settings.window.overview)},
                 {"palette", std::to_string(m_global.settings.spectrum.palette)},
                 {"levels", std::to_string(std::lround(m_global.settings.spectrum.topLevel)) + '-' +
                                std::to_string(std::lround(m_global.settings.spectrum.decibelRange))},
