@@ -72,6 +72,8 @@ class RecordingBlock {
     [[nodiscard]] virtual std::u16string MarkText(std::int32_t mark) const = 0;
     /// How long what is marked lasted, in seconds; 0 where the recording does not tell.
     [[nodiscard]] virtual double MarkDuration(std::int32_t /*mark*/) const { return 0.0; }
+    /// Whether nothing was recorded but marks; the one channel is flat.
+    [[nodiscard]] virtual bool HasMarksOnly() const { return false; }
 
     /// Name of the acquisition device; may be empty.
     [[nodiscard]] virtual std::u16string DeviceName() const = 0;

@@ -97,6 +97,7 @@ std::u16string TextOf(const LastPlace& place) {
     }
     if (place.view.selection.active)
         AddField(text, u"selection", {place.view.selection.start, place.view.selection.end});
+    if (place.view.pinned != 0) AddField(text, u"pinned", {place.view.pinned});
     return text;
 }
 
@@ -106,6 +107,7 @@ std::optional<LastPlace> LastPlaceOf(std::u16string_view text, const WaveformVie
     WaveformView::State& view = place.view;
     view.history.Clear();
     view.selection = {};
+    view.pinned = 0;
     view.scaleChosen = true;
     TimeAxis::Place& time = view.place.time;
     fields.Read(u"block", 0, 0, std::numeric_limits<std::int16_t>::max() - 1, place.block);
@@ -125,6 +127,7 @@ std::optional<LastPlace> LastPlaceOf(std::u16string_view text, const WaveformVie
         fields.Read(u"selection", 0, 1, kMostSamples, view.selection.start);
         fields.Read(u"selection", 1, 1, kMostSamples, view.selection.end);
     }
+    if (fields.Has(u"pinned")) fields.Read(u"pinned", 0, 1, kMostSamples, view.pinned);
     if (!fields.IsWhole()) return std::nullopt;
     return place;
 }

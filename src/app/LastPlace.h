@@ -9,15 +9,16 @@
 
 namespace quillon {
 
-/// Where the window stood in a recording, stored as a text between runs: block, time axis, scale of one axis and
-/// selection. Lanes are remembered by themselves, see LaneCommands.
+/// Where the window stood in a recording, stored as a text between runs: block, time axis, scale of one axis,
+/// selection and pinned sample. Lanes are remembered by themselves, see LaneCommands.
 struct LastPlace {
     std::int16_t block = 0;  ///< from 0
     WaveformView::State view;
 };
 
-/// Fields with whole numbers: "block=0;zoom=3;first=1000;scale=8;shift=33;page=7168,1,672;selection=12001,12400". The
-/// page (samples, parts, columns of the graph) is that of a free axis; the selection is left out where there is none.
+/// Fields with whole numbers: "block=0;zoom=3;first=1000;scale=8;shift=33;page=7168,1,672;selection=12001,12400;
+/// pinned=13361". The page (samples, parts, columns of the graph) is that of a free axis; selection and pinned sample
+/// are left out where there is none.
 [[nodiscard]] std::u16string TextOf(const LastPlace& place);
 
 /// Of such a text; what it does not hold is as `present`, without history. Fields of unknown names are passed over, so

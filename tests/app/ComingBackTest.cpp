@@ -164,6 +164,7 @@ class LastPlaceTest : public EmptyViewFixture {
         m_view.SelectScaleY(below(AmplitudeScale::kScaleCount));
         m_view.MoveBaseLine(below(2000) - 1000);
         below(2) == 1 ? m_view.Select(1 + below(99999), 1 + below(99999)) : m_view.Deselect();
+        m_view.Pin(below(2) * (1 + below(99999)));
     }
 };
 
@@ -175,6 +176,7 @@ TEST_F(LastPlaceTest, AnyViewComesBackAsItWas) {
         const auto seen = Seen();
         const TimeAxis::Place time = m_axis.GetPlace();
         const Selection selected = m_view.Selected();
+        const std::int32_t pinned = m_view.Pinned();
         const std::u16string text = Text();
         SCOPED_TRACE(Utf8(text));
         GoSomewhere(random);
@@ -185,6 +187,7 @@ TEST_F(LastPlaceTest, AnyViewComesBackAsItWas) {
         EXPECT_EQ(
             std::tuple(m_view.Selected().active, m_view.Selected().start, m_view.Selected().end),
             std::tuple(selected.active, selected.active ? selected.start : 0, selected.active ? selected.end : 0));
+        EXPECT_EQ(m_view.Pinned(), pinned);
         EXPECT_FALSE(m_view.HasHistory());
     }
     // Of a recording that is shorter now the last page is shown.
@@ -212,7 +215,7 @@ TEST_F(LastPlaceTest, OfADamagedTextNothingOrSomethingPossibleIsShown) {
     int taken = 0;
     for (int round = 0; round < 3000; ++round) {
         m_view.SetLanes(random() % 2 == 0);
-        std::u16string text = u"block=0;zoom=3;first=1000;scale=8;shift=33;page=7168,1,500;selection=12001,12400";
+        std::u16string text = u"block=0;zoom=3;first=1000;scale=8;shift=33;page=7168,1,500;selection=12001,12400;pinned=9";
         for (auto changes = 1 + random() % 4; changes > 0; --changes) {
             const std::size_t at = random() % text.size();
             random() % 3 == 0 ? text.insert(at, 1, parts[random() % parts.size()])
@@ -223,6 +226,7 @@ TEST_F(LastPlaceTest, OfADamagedTextNothingOrSomethingPossibleIsShown) {
         ++taken;
         EXPECT_GT(m_axis.Visible().count, 0);
         EXPECT_TRUE(m_axis.FirstColumn() >= 0 && m_axis.FirstColumn() <= m_axis.StripLength());
+        EXPECT_TRUE(m_view.Pinned() >= 0 && m_view.Pinned() <= 100000);
         const Selection& selected = m_view.Selected();
         if (!selected.active) continue;
         EXPECT_TRUE(selected.First() >= 1 && selected.Last() <= 100000);

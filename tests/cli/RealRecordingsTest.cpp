@@ -120,6 +120,12 @@ TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
             if (!std::all_of(signals.begin(), signals.end(), IsAnnotation)) {
                 ++read;
                 Compare(entry.path(), file);
+            } else if (!file.value("annotations", json::array()).empty()) {
+                ++read;
+                const json blocks = json::parse(RunLine("info %", {entry.path()}).out).at("blocks");
+                ASSERT_EQ(blocks.size(), 1U);
+                EXPECT_EQ(blocks[0].at("marks").size(), file.at("annotations").size());
+                CompareMarks(file, blocks[0]);
             } else {
                 ++refused;
                 const auto english = RunLine("info %", {entry.path()});

@@ -55,6 +55,40 @@ TEST(EdfReader, AGapStartsABlockAndMarksFallIntoTheBlockOfTheirTime) {
     EXPECT_EQ(Info(file), "EDF+D, 1 signal, 6 records of 1 s; 4 stretches");
 }
 
+TEST(EdfReader, AnnotationsWithoutSamplesAreMarksOfAFlatChannel) {
+    for (const char* const kind : {"EDF+C", "EDF+D"}) {
+        EdfBuilder file{.reserved = kind, .seconds = "0", .recordCount = 2};
+        file.Annotate({Onset("+0") + Note("+90.25\x15"
+                                          "30",
+                                          "N2"),
+                       Onset("+500") + Note("+60\x15"
+                                            "30",
+                                            "N1")});
+        const RecordingContent content = ReadEdf(file.Source());
+        ASSERT_EQ(content.blocks.size(), 1U);
+        FileBlock& block = *content.blocks[0];
+        EXPECT_TRUE(block.HasMarksOnly());
+        EXPECT_EQ(block.SampleRate(), 1000.0);
+        EXPECT_EQ(block.SampleCount(), 60251) << "60 s to 120.25 s";
+        EXPECT_EQ(Iso8601(block.StartTime()), "2020-02-01T12:01:00.000");
+        EXPECT_THAT(Marks(block), ElementsAre("0 N1", "30250 N2"));
+        EXPECT_EQ(block.MarkDuration(2), 30.0);
+        EXPECT_EQ(AllCodes(block, 1), Codes(60251, 0));
+        RunExtremes found[2] = {{1, 2}, {3, 4}};
+        RunExtremes* const out[] = {found};
+        const std::int16_t channel[] = {1};
+        EXPECT_TRUE(block.ColumnExtremes(channel, 10, 101, 100, out));
+        EXPECT_EQ(found[1], RunExtremes());
+        EXPECT_EQ(Info(file), std::string(kind) + ", annotations only: 2");
+    }
+    // Ten years of it fit into a block as well.
+    EdfBuilder file{.reserved = "EDF+C", .seconds = "0", .recordCount = 1};
+    file.Annotate({Onset("+0") + Note("+0", "a") + Note("+315576000", "b")});
+    const RecordingContent content = ReadEdf(file.Source());
+    EXPECT_EQ(content.blocks[0]->SampleRate(), 1.0);
+    EXPECT_THAT(Marks(*content.blocks[0]), ElementsAre("0 a", "315576000 b"));
+}
+
 TEST(EdfReader, OnsetsWithinHalfASampleOfTheFastestSignalAreNoGap) {
     EdfBuilder file{.bdf = true, .reserved = "BDF+D", .recordCount = 4, .signals = {{.samplesPerRecord = 2}, {}}};
     file.signals[1].samplesPerRecord = 10;
@@ -153,7 +187,7 @@ TEST(EdfReader, WhatCannotBeReadIsRefusedWithItsPlace) {
     EXPECT_THAT(wrong(696, "99999999", 8), HasSubstr("the first one takes bytes 768 to 200000774"));
     EdfBuilder annotations{.seconds = "0"};
     annotations.Annotate({Onset("+0")});
-    EXPECT_THAT(refusal(annotations.Bytes()), HasSubstr("annotations only"));
+    EXPECT_EQ(refusal(annotations.Bytes()), "the file holds neither samples nor annotations");
 }
 
 TEST(EdfReader, LimitsGiveScalesOrAreReportedAsUnusable) {

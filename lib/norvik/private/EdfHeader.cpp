@@ -128,10 +128,6 @@ void ReadSignals(const SignalFields& fields, std::size_t count, EdfHeader& heade
         (annotations ? header.annotations : header.signals).push_back(std::move(signal));
     }
     odd.AddTo(header.notes);
-    if (header.signals.empty()) {
-        Refuse(Say(u"the file holds annotations only: none of the signals described from byte 256 has samples",
-                   u"файл содержит только аннотации: ни у одного из сигналов, описанных с байта 256, нет отсчётов"));
-    }
 }
 
 /// How many records there are: the header's count where the file holds them all, else as many as are whole.
@@ -299,7 +295,9 @@ EdfHeader ReadEdfHeader(ByteSource& source) {
     ReadSignals(SignalFields(perSignal, signalCount), signalCount, header);
     const Field seconds{all.substr(244, 8), 244};
     const std::optional<double> duration = ParseEdfNumber(seconds.text);
-    if (!duration || *duration < kShortestRecord || *duration > kLongestRecord) {
+    // Records of annotations only last as long as the writer likes, 0 included.
+    const double shortest = header.signals.empty() ? 0.0 : kShortestRecord;
+    if (!duration || *duration < shortest || *duration > kLongestRecord) {
         RefuseField(u"record duration", u"длительность записи", seconds);
     }
     header.recordSeconds = *duration;

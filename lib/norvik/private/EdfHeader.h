@@ -38,7 +38,7 @@ struct EdfHeader {
     std::uint64_t dataStart = 0;  ///< byte of the first record
     std::uint64_t recordBytes = 0;
     std::uint64_t sampleBytes = 2;       ///< 2 or 3
-    std::vector<EdfSignal> signals;      ///< ordinary signals, at least one
+    std::vector<EdfSignal> signals;      ///< ordinary signals; none in a file of annotations only
     std::vector<EdfSignal> annotations;  ///< signals that hold annotations instead of samples
     std::vector<Bilingual> notes;        ///< oddities that do not keep the file from being read
 };

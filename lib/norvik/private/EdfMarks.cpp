@@ -54,6 +54,19 @@ void EdfMarks::Sort() {
     m_sortedCount = m_sorted.size();
 }
 
+std::optional<std::pair<double, double>> EdfMarks::Extent() const {
+    std::optional<std::pair<double, double>> extent;
+    for (const auto& [part, annotations] : m_parts) {
+        for (const EdfAnnotation& annotation : annotations) {
+            const double end = annotation.onset + annotation.duration;
+            if (!extent) extent.emplace(annotation.onset, end);
+            extent->first = std::min(extent->first, annotation.onset);
+            extent->second = std::max(extent->second, end);
+        }
+    }
+    return extent;
+}
+
 const std::vector<EdfMarks::Mark>& EdfMarks::Of(double onset, double rate, std::int32_t sampleCount) {
     const std::tuple asked(onset, rate, sampleCount);
     if (m_marksValid && m_marksOf == asked) return m_marks;

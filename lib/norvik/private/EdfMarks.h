@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "norvik/private/EdfAnnotations.h"
@@ -33,6 +35,8 @@ class EdfMarks {
     [[nodiscard]] double Duration(const Mark& mark) const { return Of(mark).duration; }
 
     [[nodiscard]] std::size_t Count() const { return m_count; }
+    /// The earliest onset and the latest end; none without an annotation.
+    [[nodiscard]] std::optional<std::pair<double, double>> Extent() const;
     /// Counts the calls of Add that changed something.
     [[nodiscard]] std::int32_t Version() const { return m_version; }
     /// True when annotations were left out because they took too much memory.

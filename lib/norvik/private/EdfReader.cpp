@@ -4,9 +4,11 @@
 #include <limits>
 #include <map>
 #include <stdexcept>
+#include <utility>
 
 #include "base/Text.h"
 #include "norvik/private/EdfMarks.h"
+#include "norvik/private/EdfMarksOnly.h"
 #include "norvik/private/EdfScan.h"
 #include "norvik/private/EdfTimeline.h"
 #include "norvik/private/RecordBlock.h"
@@ -247,7 +249,9 @@ void Update(const std::shared_ptr<EdfFile>& file, RecordingContent& content) {
 }  // namespace
 
 RecordingContent ReadEdf(const std::shared_ptr<ByteSource>& source, const ReadBudget& budget) {
-    const auto file = std::make_shared<EdfFile>(source, ReadEdfHeader(*source), budget.step);
+    EdfHeader header = ReadEdfHeader(*source);
+    if (header.signals.empty()) return ReadEdfMarks(source, std::move(header), budget);
+    const auto file = std::make_shared<EdfFile>(source, std::move(header), budget.step);
     bool more = true;
     while (more && file->scan.BytesRead() < budget.opening) more = file->scan.Step(0);
     RecordingContent content;
