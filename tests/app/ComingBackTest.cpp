@@ -215,7 +215,8 @@ TEST_F(LastPlaceTest, OfADamagedTextNothingOrSomethingPossibleIsShown) {
     int taken = 0;
     for (int round = 0; round < 3000; ++round) {
         m_view.SetLanes(random() % 2 == 0);
-        std::u16string text = u"block=0;zoom=3;first=1000;scale=8;shift=33;page=7168,1,500;selection=12001,12400;pinned=9";
+        std::u16string text =
+            u"block=0;zoom=3;first=1000;scale=8;shift=33;page=7168,1,500;selection=12001,12400;pinned=9";
         for (auto changes = 1 + random() % 4; changes > 0; --changes) {
             const std::size_t at = random() % text.size();
             random() % 3 == 0 ? text.insert(at, 1, parts[random() % parts.size()])

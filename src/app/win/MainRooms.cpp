@@ -276,7 +276,7 @@ void MainRooms::ListMarksOnly() {
     const auto& stored = m_document.Block().stored;
     // Not while the user walks through the list of files, which would be gone.
     if (m_complete && stored && stored->HasMarksOnly() && GetFocus() != GetDlgItem(Window(), lstFile))
-        onCommand(mnuTabFile + 2);
+        PostMessageW(Window(), WM_COMMAND, mnuTabFile + 2, 0);
 }
 
 void MainRooms::ArrangeTitles() {

@@ -5,6 +5,7 @@
 
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
+#include "norvik/EdfBuilder.h"
 
 namespace quillon::testing {
 namespace {
@@ -67,6 +68,26 @@ TEST_F(MarksTest, WhatIsTypedLeavesLinesAndTheViewWalksWithThem) {
     // Another recording has others.
     ClickLine(lstFile, 1);
     EXPECT_THAT(Column(3), ::testing::IsEmpty());
+}
+
+TEST_F(MarksTest, ARecordingOfMarksOnlyOpensAsTheirList) {
+    EdfBuilder scoring{.reserved = "EDF+C", .seconds = "0", .recordCount = 1};
+    scoring.Annotate({"+0\x14\x14" + std::string(1, '\0') +
+                      "+30\x15"
+                      "30\x14W\x14" +
+                      std::string(1, '\0')});
+    const std::vector<std::uint8_t> bytes = scoring.Bytes();
+    m_folder.Write(u"c.edf", std::string(bytes.begin(), bytes.end()));
+    Command(mnuTabFile);
+    m_form->OpenPath(Wide(m_folder.Path()) + L"\\c.edf");
+    Pump();
+    EXPECT_EQ(TabCtrl_GetCurSel(Control(tabFile)), 2);
+    EXPECT_THAT(Column(3), ElementsAre(L"W"));
+    // Who walks through the files stays there.
+    Command(mnuTabFile);
+    SetFocus(Control(lstFile));
+    for (const int line : {1, 2}) ClickLine(lstFile, line);
+    EXPECT_EQ(TabCtrl_GetCurSel(Control(tabFile)), 0);
 }
 
 TEST_F(MarksTest, AllLinesAreSaved) {
