@@ -104,7 +104,7 @@ std::unique_ptr<FileBlock> MakeRecords(const NoiseFile& file, std::size_t channe
     RecordLayout layout;
     layout.recordBytes = samplesPerRecord * channels * sampleBytes;
     layout.samplesPerRecord = samplesPerRecord;
-    layout.sampleBytes = sampleBytes;
+    layout.kind = sampleBytes == 2 ? SampleKind::Int16 : SampleKind::Int24;
     layout.units.resize(channels);
     for (std::size_t channel = 0; channel < channels; ++channel)
         layout.offsets.push_back(channel * samplesPerRecord * sampleBytes);

@@ -91,7 +91,9 @@ struct WideFile {
         recording.layout = {*kind, 0, frameBytes, 0};
         recording.frameCount = frameCount;
         recording.sampleRate = 100.0;
-        recording.channels.resize(header.signals.size());
+        ChannelDescription channel;
+        channel.scale = static_cast<float>(FullScaleUnit(*kind));
+        recording.channels.assign(header.signals.size(), channel);
         return MakeFrameBlocks(source, recording).at(0);
     }
 

@@ -30,7 +30,7 @@ void DescribeChannels(const EdfHeader& header, SignalGroup& group) {
     const auto channels = std::make_shared<std::vector<ChannelDescription>>();
     layout->recordBytes = header.recordBytes;
     layout->samplesPerRecord = header.signals[group.signals.front()].samplesPerRecord;
-    layout->sampleBytes = header.sampleBytes;
+    layout->kind = header.sampleBytes == 2 ? SampleKind::Int16 : SampleKind::Int24;
     for (const std::size_t ordinal : group.signals) {
         const EdfSignal& signal = header.signals[ordinal];
         ChannelDescription channel;

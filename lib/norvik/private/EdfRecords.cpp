@@ -12,9 +12,9 @@ namespace {
 constexpr std::uint64_t kSmallRecord = 8192;
 /// A read costs about as much as this many bytes more; that many are fetched at least.
 constexpr std::uint64_t kReadCost = 4096;
-/// Bytes of one stream to be read at once when several are read side by side: whole samples of 2 and of 3 bytes.
+/// Bytes of one stream to be read at once when several are read side by side: whole samples of 2, 3, 4 and 8 bytes.
 std::uint64_t ChunkBytes(std::size_t streams) {
-    constexpr std::uint64_t whole = 6;
+    constexpr std::uint64_t whole = 24;
     return std::max(kPieceBytes / streams / whole, std::uint64_t{1}) * whole;
 }
 

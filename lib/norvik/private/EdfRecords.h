@@ -27,8 +27,8 @@ class EdfRecords {
         std::function<void(std::uint64_t position, std::span<const std::uint8_t* const> streams, std::size_t bytes)>;
 
     /// Visits bytes first .. first+count-1 of the streams whose parts of `partBytes` bytes lie at `offsets` in a
-    /// record, in order. A stretch ends at whole 16- and 24-bit samples, if `first` and `partBytes` do. Where all
-    /// numbers are even, the bytes are aligned for 16-bit samples.
+    /// record, in order. A stretch ends at whole samples of 2, 3, 4 and 8 bytes, if `first` and `partBytes` do. Where
+    /// all numbers are even, the bytes are aligned for 16-bit samples.
     void Visit(std::span<const std::uint64_t> offsets, std::uint64_t partBytes, std::uint64_t first,
                std::uint64_t count, const Visitor& visitor);
 

@@ -19,12 +19,15 @@ inline constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;
 inline constexpr std::size_t kBlockChannels = 32;
 /// Samples per channel of one block at most; further samples form further blocks.
 inline constexpr std::int64_t kBlockSamples = 2147483647;
+/// Blocks of one recording at most, which are counted in 16 bits; what lies beyond is left out.
+inline constexpr std::size_t kMostBlocks = 32767;
 
 struct ChannelDescription {
     std::int16_t number = 0;       ///< acquisition channel number, 0 to 31
     std::int16_t inputNumber = 1;  ///< input on the device, from 1
     std::u16string title;
     std::u16string unit;
+    /// value = code x scale + offset. Of samples wider than 16 bits: of the stored sample instead of its code.
     float scale = 1.0F;
     float offset = 0.0F;
 };
@@ -32,6 +35,7 @@ struct ChannelDescription {
 struct MarkDescription {
     std::int32_t position = 0;  ///< sample index inside the block
     std::u16string text;
+    double duration = 0.0;  ///< seconds; 0 where the file tells none
 };
 
 struct BlockDescription {
@@ -73,6 +77,7 @@ class FileBlock : public RecordingBlock {
     [[nodiscard]] std::int32_t MarkCount() const override;
     [[nodiscard]] std::int32_t MarkPosition(std::int32_t mark) const override;
     [[nodiscard]] std::u16string MarkText(std::int32_t mark) const override;
+    [[nodiscard]] double MarkDuration(std::int32_t mark) const override { return Mark(mark).duration; }
     [[nodiscard]] std::u16string DeviceName() const final { return m_description.deviceName; }
     [[nodiscard]] std::u16string BlockName() const final { return m_description.blockName; }
     [[nodiscard]] std::int16_t InputNumber(std::int16_t channel) const final;

@@ -14,10 +14,6 @@ namespace quillon {
 
 namespace {
 
-bool IsFloat(SampleKind kind) {
-    return kind == SampleKind::Float32 || kind == SampleKind::Float64;
-}
-
 /// Calls use(bytes, frames) for a piece of frames in parts of about kTileBytes.
 template <typename Use>
 void ForEachTile(const std::uint8_t* bytes, std::size_t frames, std::size_t frameBytes, const Use& use) {
@@ -27,22 +23,6 @@ void ForEachTile(const std::uint8_t* bytes, std::size_t frames, std::size_t fram
 }
 
 }  // namespace
-
-std::size_t SampleBytes(SampleKind kind) {
-    switch (kind) {
-        case SampleKind::Unsigned8: return 1;
-        case SampleKind::Int16: return 2;
-        case SampleKind::Int24: return 3;
-        case SampleKind::Int32:
-        case SampleKind::Float32: return 4;
-        case SampleKind::Float64: return 8;
-    }
-    return 0;
-}
-
-bool IsWide(SampleKind kind) {
-    return kind != SampleKind::Unsigned8 && kind != SampleKind::Int16;
-}
 
 double FullScaleUnit(SampleKind kind) {
     if (IsFloat(kind)) return 1.0;
@@ -84,12 +64,12 @@ void FrameBlock::Decode(std::size_t channel, const std::uint8_t* bytes, std::siz
     const std::size_t frameBytes = m_layout.frameBytes;
     const std::uint8_t* at = bytes + Place(channel);
     if (IsWide(m_layout.kind)) {
-        const ChannelScaling& scaling = m_scaling[channel];
-        if (step == 1) return CodeSamples({m_layout.kind, at, frameBytes, frames}, scaling.factor, scaling.scale, out);
+        const WideCoding& coding = m_coding[channel];
+        if (step == 1) return CodeSamples({m_layout.kind, at, frameBytes, frames}, coding.factor, coding.scale, out);
         std::array<std::int16_t, 512> codes;
         for (std::size_t done = 0; done < frames;) {
             const std::size_t part = std::min(codes.size(), frames - done);
-            CodeSamples({m_layout.kind, at + done * frameBytes, frameBytes, part}, scaling.factor, scaling.scale,
+            CodeSamples({m_layout.kind, at + done * frameBytes, frameBytes, part}, coding.factor, coding.scale,
                         codes.data());
             for (std::size_t i = 0; i < part; ++i, out += step) *out = codes[i];
             done += part;
@@ -195,15 +175,12 @@ void FrameBlock::Scan(std::int32_t first, std::int32_t count) {
 
 void FrameBlock::ChooseScales(double headroom) {
     m_seen.resize(Channels());
-    m_scaling.resize(m_seen.size());
+    m_coding.resize(m_seen.size());
     for (std::size_t channel = 0; channel < m_seen.size(); ++channel) {
-        const bool recast = IsFloat(m_layout.kind) && m_seen[channel].sixteenBits;
-        const double factor = recast ? kSixteenBits : 1.0;
-        const WideScale scale =
-            ChooseWideScale(m_seen[channel].minimum * factor, m_seen[channel].maximum * factor,
-                            recast || !IsFloat(m_layout.kind), FullScaleUnit(m_layout.kind) / factor, 0.0, headroom);
-        m_scaling[channel] = {factor, scale};
-        SetScale(channel, scale);
+        const ChannelDescription& units = (*m_description.channels)[channel];
+        m_coding[channel] = ChooseCoding(m_layout.kind, m_seen[channel], static_cast<double>(units.scale),
+                                         static_cast<double>(units.offset), headroom);
+        SetScale(channel, m_coding[channel].scale);
     }
 }
 
@@ -224,50 +201,73 @@ std::u16string BlockTitle(std::uint64_t stretch, std::uint64_t stretches, std::s
 /// Marks from `first` on that lie inside the block.
 std::vector<MarkDescription> MarksWithin(const std::vector<FrameMark>& marks, std::uint64_t first, std::int32_t count) {
     std::vector<MarkDescription> within;
-    for (const FrameMark& mark : marks) {
-        if (mark.position < first || mark.position - first >= static_cast<std::uint64_t>(count)) continue;
-        within.push_back({static_cast<std::int32_t>(mark.position - first), mark.text});
-    }
+    const std::uint64_t end = first + static_cast<std::uint64_t>(count);
+    auto mark = std::lower_bound(marks.begin(), marks.end(), first,
+                                 [](const FrameMark& at, std::uint64_t position) { return at.position < position; });
+    for (; mark != marks.end() && mark->position < end; ++mark)
+        within.push_back({static_cast<std::int32_t>(mark->position - first), mark->text, mark->duration});
     return within;
+}
+
+/// The stretches, cut into as many frames as a block may have; `most` of them at most, and at least one.
+std::vector<FrameStretch> BlockStretches(const FrameRecording& recording, std::size_t most) {
+    constexpr auto longest = static_cast<std::uint64_t>(kBlockSamples);
+    std::vector<FrameStretch> whole = recording.stretches;
+    if (whole.empty()) whole.push_back({0, recording.frameCount, recording.startTime});
+    std::vector<FrameStretch> parts;
+    for (const FrameStretch& stretch : whole) {
+        std::uint64_t done = 0;
+        do {
+            if (parts.size() == most) return parts;
+            const std::uint64_t count = std::min(stretch.count - done, longest);
+            const double seconds = static_cast<double>(done) / recording.sampleRate;
+            parts.push_back({stretch.first + done, count, stretch.startTime + seconds / 86400.0});
+            done += count;
+        } while (done < stretch.count);
+    }
+    return parts;
 }
 
 }  // namespace
 
-std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<ByteSource>& source,
-                                                        const FrameRecording& recording) {
-    const auto longest = static_cast<std::uint64_t>(kBlockSamples);
+std::vector<std::shared_ptr<FileBlock>> MakeBlocks(const FrameRecording& recording, const MakeBlock& make) {
     const std::size_t channels = recording.channels.size();
     const std::size_t groups = (channels + kBlockChannels - 1) / kBlockChannels;
-    const std::uint64_t mostStretches = std::max<std::uint64_t>(32767 / std::max<std::size_t>(groups, 1), 1);
-    const std::uint64_t stretches =
-        std::clamp<std::uint64_t>((recording.frameCount + longest - 1) / longest, 1, mostStretches);
     std::vector<std::shared_ptr<const std::vector<ChannelDescription>>> channelsOfGroup;
     for (std::size_t channel = 0; channel < channels; channel += kBlockChannels) {
         const auto first = recording.channels.begin() + static_cast<std::ptrdiff_t>(channel);
         const auto size = static_cast<std::ptrdiff_t>(std::min(kBlockChannels, channels - channel));
         channelsOfGroup.push_back(std::make_shared<const std::vector<ChannelDescription>>(first, first + size));
     }
+    const std::size_t most = std::max<std::size_t>(kMostBlocks / std::max<std::size_t>(groups, 1), 1);
+    const std::vector<FrameStretch> stretches = BlockStretches(recording, most);
     std::vector<std::shared_ptr<FileBlock>> blocks;
-    for (std::uint64_t stretch = 0; stretch < stretches; ++stretch) {
-        const std::uint64_t first = stretch * longest;
+    for (std::size_t at = 0; at < stretches.size(); ++at) {
         BlockDescription description;
         description.deviceName = recording.deviceName;
-        description.startTime = recording.startTime + static_cast<double>(first) / recording.sampleRate / 86400.0;
+        description.startTime = stretches[at].startTime;
         description.sampleRate = recording.sampleRate;
-        description.sampleCount = static_cast<std::int32_t>(std::min(recording.frameCount - first, longest));
+        description.sampleCount = static_cast<std::int32_t>(stretches[at].count);
         description.marks = std::make_shared<const std::vector<MarkDescription>>(
-            MarksWithin(recording.marks, first, description.sampleCount));
-        FrameLayout layout = recording.layout;
-        layout.dataOffset += first * layout.frameBytes;
+            MarksWithin(recording.marks, stretches[at].first, description.sampleCount));
         for (std::size_t channel = 0; channel < channels; channel += kBlockChannels) {
             const std::size_t end = std::min(channel + kBlockChannels, channels);
-            description.title = BlockTitle(stretch, stretches, channel, end, channels);
+            description.title = BlockTitle(at, stretches.size(), channel, end, channels);
             description.channels = channelsOfGroup[channel / kBlockChannels];
-            layout.firstChannel = channel;
-            blocks.push_back(std::make_shared<FrameBlock>(source, layout, description));
+            blocks.push_back(make(description, stretches[at].first, channel));
         }
     }
     return blocks;
+}
+
+std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<ByteSource>& source,
+                                                        const FrameRecording& recording) {
+    return MakeBlocks(recording, [&](BlockDescription description, std::uint64_t firstFrame, std::size_t firstChannel) {
+        FrameLayout layout = recording.layout;
+        layout.dataOffset += firstFrame * layout.frameBytes;
+        layout.firstChannel = firstChannel;
+        return std::make_shared<FrameBlock>(source, layout, std::move(description));
+    });
 }
 
 }  // namespace quillon

@@ -13,9 +13,6 @@
 
 namespace quillon {
 
-[[nodiscard]] std::size_t SampleBytes(SampleKind kind);
-/// True for the kinds that do not fit 16-bit codes as they are.
-[[nodiscard]] bool IsWide(SampleKind kind);
 /// Units per code of samples whose full scale is 1; for wide kinds the units per stored sample.
 [[nodiscard]] double FullScaleUnit(SampleKind kind);
 
@@ -60,22 +57,24 @@ class FrameBlock final : public FileBlock {
     void ReduceDecoded(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
                        std::span<RunExtremes* const> out);
 
-    /// How a channel's wide samples become codes: the sample times `factor` is what `scale` takes.
-    struct ChannelScaling {
-        double factor = 1.0;
-        WideScale scale;
-    };
-
     std::shared_ptr<ByteSource> m_source;
     FrameLayout m_layout;
-    std::vector<SeenSamples> m_seen;        ///< of wide kinds, by channel: what Scan has seen
-    std::vector<ChannelScaling> m_scaling;  ///< of wide kinds; empty until they are chosen
+    std::vector<SeenSamples> m_seen;   ///< of wide kinds, by channel: what Scan has seen
+    std::vector<WideCoding> m_coding;  ///< of wide kinds; empty until they are chosen
     PieceBuffer m_piece;
 };
 
 struct FrameMark {
     std::uint64_t position = 0;  ///< sample index in the file
     std::u16string text;
+    double duration = 0.0;  ///< seconds; 0 where the file tells none
+};
+
+/// Frames without a gap between them.
+struct FrameStretch {
+    std::uint64_t first = 0;
+    std::uint64_t count = 0;
+    double startTime = 0.0;
 };
 
 /// A whole file of frames, before it is cut into blocks.
@@ -87,10 +86,19 @@ struct FrameRecording {
     std::u16string deviceName;
     std::vector<ChannelDescription> channels;  ///< all channels of a frame; numbers unique among each 32
     std::vector<FrameMark> marks;              ///< in order of position; those outside the frames are dropped
+    std::vector<FrameStretch> stretches{};     ///< in order; empty where all frames are one from `startTime` on
 };
 
-/// The blocks of a file of frames: 32 channels and 2^31 - 1 samples each at most, ordered by time and then by channel.
-/// Frames beyond the 32767th block are left out.
+/// Makes the block of some consecutive channels of the frames from `firstFrame` on.
+using MakeBlock = std::function<std::shared_ptr<FileBlock>(BlockDescription description, std::uint64_t firstFrame,
+                                                           std::size_t firstChannel)>;
+
+/// The blocks of a recording: 32 channels and 2^31 - 1 samples of one stretch each at most, ordered by time and then by
+/// channel. Frames beyond the 32767th block are left out.
+[[nodiscard]] std::vector<std::shared_ptr<FileBlock>> MakeBlocks(const FrameRecording& recording,
+                                                                 const MakeBlock& make);
+
+/// The same for frames as they lie in a file.
 [[nodiscard]] std::vector<std::shared_ptr<FileBlock>> MakeFrameBlocks(const std::shared_ptr<ByteSource>& source,
                                                                       const FrameRecording& recording);
 

@@ -38,23 +38,23 @@ std::int32_t RecordBlock::QuickStretches() const {
 void RecordBlock::Scan(std::int32_t first, std::int32_t count) {
     if (first == 0) m_seen.clear();
     m_seen.resize(Channels());
+    const std::size_t width = SampleBytes(m_layout->kind);
     const auto visit = [&](std::uint64_t, std::span<const std::uint8_t* const> channels, std::size_t bytes) {
         for (std::size_t channel = 0; channel < channels.size(); ++channel) {
-            m_seen[channel].Add({SampleKind::Int24, channels[channel], 3, bytes / 3});
+            m_seen[channel].Add({m_layout->kind, channels[channel], width, bytes / width});
         }
     };
-    m_records.Visit(m_layout->offsets, m_layout->samplesPerRecord * 3, static_cast<std::uint64_t>(first) * 3,
-                    static_cast<std::uint64_t>(count) * 3, visit);
+    m_records.Visit(m_layout->offsets, m_layout->samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
+                    static_cast<std::uint64_t>(count) * width, visit);
 }
 
 void RecordBlock::ChooseScales(double headroom) {
     m_seen.resize(Channels());
-    m_wide.clear();
+    m_coding.clear();
     for (std::size_t channel = 0; channel < m_seen.size(); ++channel) {
         const RecordLayout::Units& units = m_layout->units[channel];
-        const SeenSamples& seen = m_seen[channel];
-        m_wide.push_back(ChooseWideScale(seen.minimum, seen.maximum, true, units.perSample, units.offset, headroom));
-        SetScale(channel, m_wide.back());
+        m_coding.push_back(ChooseCoding(m_layout->kind, m_seen[channel], units.perSample, units.offset, headroom));
+        SetScale(channel, m_coding.back().scale);
     }
 }
 
@@ -63,15 +63,16 @@ void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t
     std::vector<std::uint64_t> offsets;
     offsets.reserve(channels.size());
     for (const std::size_t channel : channels) offsets.push_back(m_layout->offsets[channel]);
-    const std::uint64_t width = m_layout->sampleBytes;
+    const std::size_t width = SampleBytes(m_layout->kind);
+    const bool wide = HasWideSamples();
     std::vector<const std::int16_t*> codes(channels.size());
     const auto visit = [&](std::uint64_t position, std::span<const std::uint8_t* const> streams, std::size_t bytes) {
-        const auto samples = bytes / static_cast<std::size_t>(width);
-        if (width == 3) m_codes.resize(std::max(m_codes.size(), samples * channels.size()));
+        const std::size_t samples = bytes / width;
+        if (wide) m_codes.resize(std::max(m_codes.size(), samples * channels.size()));
         for (std::size_t which = 0; which < channels.size(); ++which) {
             // Every field of a record of 16-bit samples has an even size, so the bytes are aligned.
-            codes[which] = width == 2 ? reinterpret_cast<const std::int16_t*>(streams[which])
-                                      : DecodeWide(channels[which], streams[which], samples, which * samples);
+            codes[which] = wide ? DecodeWide(channels[which], streams[which], samples, which * samples)
+                                : reinterpret_cast<const std::int16_t*>(streams[which]);
         }
         visitor(static_cast<std::size_t>(position / width), codes, samples);
     };
@@ -82,7 +83,8 @@ void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t
 const std::int16_t* RecordBlock::DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
                                             std::size_t place) {
     std::int16_t* const codes = m_codes.data() + place;
-    CodeSamples({SampleKind::Int24, bytes, 3, samples}, 1.0, m_wide[channel], codes);
+    const WideCoding& coding = m_coding[channel];
+    CodeSamples({m_layout->kind, bytes, SampleBytes(m_layout->kind), samples}, coding.factor, coding.scale, codes);
     return codes;
 }
 

@@ -17,9 +17,9 @@ namespace quillon {
 struct RecordLayout {
     std::uint64_t recordBytes = 0;
     std::uint64_t samplesPerRecord = 0;
-    std::uint64_t sampleBytes = 2;       ///< 2 or 3, a signed number
+    SampleKind kind = SampleKind::Int16;
     std::vector<std::uint64_t> offsets;  ///< of each channel's first sample in a record
-    /// Of 24-bit samples, per channel: value = sample x perSample + offset.
+    /// Of wide samples, per channel: value = sample x perSample + offset.
     struct Units {
         double perSample = 1.0;
         double offset = 0.0;
@@ -28,7 +28,7 @@ struct RecordLayout {
 };
 
 /// A block whose samples lie in records, as the EDF family stores them.
-/// 16-bit samples are the codes; what those of 24-bit ones stand for depends on the samples.
+/// 16-bit samples are the codes; what those of wider ones stand for depends on the samples.
 class RecordBlock : public FileBlock {
   public:
     /// `start` is the byte of the block's first record.
@@ -44,7 +44,7 @@ class RecordBlock : public FileBlock {
     void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
     bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
                        std::span<RunExtremes* const> out) final;
-    [[nodiscard]] bool HasWideSamples() const final { return m_layout->sampleBytes != 2; }
+    [[nodiscard]] bool HasWideSamples() const final { return IsWide(m_layout->kind); }
     void Scan(std::int32_t first, std::int32_t count) final;
     void ChooseScales(double headroom) final;
     [[nodiscard]] std::int32_t QuickStretches() const final;
@@ -55,14 +55,14 @@ class RecordBlock : public FileBlock {
         std::function<void(std::size_t position, std::span<const std::int16_t* const> codes, std::size_t count)>;
     void VisitCodes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count,
                     const CodeVisitor& visitor);
-    /// Codes of 24-bit samples, put into m_codes from `place` on.
+    /// Codes of wide samples, put into m_codes from `place` on.
     const std::int16_t* DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
                                    std::size_t place);
 
     std::shared_ptr<const RecordLayout> m_layout;
     EdfRecords m_records;
-    std::vector<SeenSamples> m_seen;    ///< of 24-bit samples, per channel: what Scan has seen
-    std::vector<WideScale> m_wide;      ///< of 24-bit samples, per channel; empty until they are chosen
+    std::vector<SeenSamples> m_seen;    ///< of wide samples, per channel: what Scan has seen
+    std::vector<WideCoding> m_coding;   ///< of wide samples, per channel; empty until they are chosen
     std::vector<std::int16_t> m_codes;  ///< of one stretch, where samples are wider
 };
 

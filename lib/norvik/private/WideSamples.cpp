@@ -213,6 +213,34 @@ void CodeRow(const Sample* row, std::size_t count, const CodesOfTwo& codesOf, st
 
 }  // namespace
 
+std::size_t SampleBytes(SampleKind kind) {
+    switch (kind) {
+        case SampleKind::Unsigned8: return 1;
+        case SampleKind::Int16: return 2;
+        case SampleKind::Int24: return 3;
+        case SampleKind::Int32:
+        case SampleKind::Float32: return 4;
+        case SampleKind::Float64: return 8;
+    }
+    return 0;
+}
+
+bool IsFloat(SampleKind kind) {
+    return kind == SampleKind::Float32 || kind == SampleKind::Float64;
+}
+
+bool IsWide(SampleKind kind) {
+    return kind != SampleKind::Unsigned8 && kind != SampleKind::Int16;
+}
+
+WideCoding ChooseCoding(SampleKind kind, const SeenSamples& seen, double unitsPerSample, double unitsOffset,
+                        double headroom) {
+    const bool recast = IsFloat(kind) && seen.sixteenBits;
+    const double factor = recast ? kSixteenBits : 1.0;
+    return {factor, ChooseWideScale(seen.minimum * factor, seen.maximum * factor, recast || !IsFloat(kind),
+                                    unitsPerSample / factor, unitsOffset, headroom)};
+}
+
 void SeenSamples::Add(const StoredSamples& samples) {
     WithRows(samples, [this](const auto* row, std::size_t count) {
         constexpr bool isFloat = std::is_floating_point_v<std::remove_cvref_t<decltype(*row)>>;

@@ -12,6 +12,11 @@ namespace quillon {
 /// at 1.
 enum class SampleKind { Unsigned8, Int16, Int24, Int32, Float32, Float64 };
 
+[[nodiscard]] std::size_t SampleBytes(SampleKind kind);
+[[nodiscard]] bool IsFloat(SampleKind kind);
+/// True for the kinds that do not fit 16-bit codes as they are.
+[[nodiscard]] bool IsWide(SampleKind kind);
+
 /// Whole numbers are kept exactly by this factor where floats hold what was recorded with 16 bits.
 inline constexpr double kSixteenBits = 32768.0;
 
@@ -35,6 +40,16 @@ struct SeenSamples {
 
     void Add(const StoredSamples& samples);
 };
+
+/// How a channel's wide samples become codes: the sample times `factor` is what `scale` takes.
+struct WideCoding {
+    double factor = 1.0;
+    WideScale scale;
+};
+
+/// Chooses it by what was seen. value = sample x unitsPerSample + unitsOffset; `headroom` as of ChooseWideScale.
+[[nodiscard]] WideCoding ChooseCoding(SampleKind kind, const SeenSamples& seen, double unitsPerSample,
+                                      double unitsOffset, double headroom);
 
 /// codes[i] = scale.Code(sample i x factor).
 void CodeSamples(const StoredSamples& samples, double factor, const WideScale& scale, std::int16_t* codes);
