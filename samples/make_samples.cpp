@@ -6,6 +6,7 @@
 
 #include "BenchRecordings.h"
 #include "EegRecording.h"
+#include "EvokedRecording.h"
 #include "SampleRecordings.h"
 
 namespace {
@@ -28,6 +29,10 @@ void MakeSamples(const fs::path& folder, bool bench) {
     MakeFile(folder / "02 Music.wav", [](std::ostream& file) { file << MusicFile(); });
     MakeFile(folder / "03 ECG.bin", [](std::ostream& file) { file << EcgFile(); });
     MakeFile(folder / "04 Vibration sweep.bin", [](std::ostream& file) { file << VibrationFile(); });
+    const BrainVisionFiles evoked = EvokedFiles("05 Evoked potentials");
+    MakeFile(folder / "05 Evoked potentials.vhdr", [&](std::ostream& file) { file << evoked.header; });
+    MakeFile(folder / "05 Evoked potentials.eeg", [&](std::ostream& file) { file << evoked.samples; });
+    MakeFile(folder / "05 Evoked potentials.vmrk", [&](std::ostream& file) { file << evoked.markers; });
     if (!bench) return;
     MakeFile(folder / "05 Bench 32ch.bin", [](std::ostream& file) { WriteBenchBin(file, 4700); });
     MakeFile(folder / "05 Bench 32ch.edf", [](std::ostream& file) { WriteBenchEdf(file, 3600); });

@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
+#include "base/FilePath.h"
 #include "base/Text.h"
 #include "norvik/private/BinReader.h"
+#include "norvik/private/BrainVisionHeader.h"
+#include "norvik/private/BrainVisionReader.h"
 #include "norvik/private/EdfReader.h"
 #include "norvik/private/WaveReader.h"
 
@@ -27,21 +31,65 @@ RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
 
-constexpr std::array<FileType, 4> kFileTypes{{
+constexpr std::array<FileType, 5> kFileTypes{{
     {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadBinFile},
     {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadWaveFile},
     {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
     {{u"BDF 24-bit", u"BDF, 24 бита"}, u"*.bdf", LooksLikeEdf, ReadEdfFile},
+    {{u"BrainVision Recordings", u"Записи BrainVision"},
+     u"*.vhdr;*.ahdr",
+     LooksLikeBrainVision,
+     ReadBrainVision,
+     u"*.eeg;*.dat;*.vmrk;*.amrk"},
 }};
 
-/// `name` in lower case.
-bool HasExtension(const FileType& type, std::u16string_view name) {
-    for (std::size_t at = 0; at < type.masks.size();) {
-        const std::size_t end = std::min(type.masks.find(u';', at), type.masks.size());
-        if (name.ends_with(type.masks.substr(at + 1, end - at - 1))) return true;
+/// The extensions of masks: ".ext".
+std::vector<std::u16string_view> Extensions(std::u16string_view masks) {
+    std::vector<std::u16string_view> extensions;
+    for (std::size_t at = 0; at < masks.size();) {
+        const std::size_t end = std::min(masks.find(u';', at), masks.size());
+        extensions.push_back(masks.substr(at + 1, end - at - 1));
         at = end + 1;
     }
-    return false;
+    return extensions;
+}
+
+/// `name` in lower case.
+bool HasExtension(std::u16string_view masks, std::u16string_view name) {
+    const auto extensions = Extensions(masks);
+    return std::any_of(extensions.begin(), extensions.end(),
+                       [&](std::u16string_view extension) { return name.ends_with(extension); });
+}
+
+RecordingContent ReadHeader(const FileType& type, const RecordingFile& header) {
+    try {
+        return type.read(header);
+    } catch (const ReadError&) {
+        throw;
+    } catch (const FormatError& error) {
+        // The user has opened another file.
+        const std::u16string name = FileNameOf(header.name) + u": ";
+        throw FormatError({name + error.Reason().english, name + error.Reason().russian});
+    }
+}
+
+/// Reads a recording by the header beside one of its other files. Nothing where it is no such file; throws where the
+/// header is missing. `name` is that of the file in lower case.
+std::optional<RecordingContent> ReadByHeader(const RecordingFile& member, std::u16string_view name) {
+    std::u16string missing;
+    for (const FileType& type : kFileTypes) {
+        if (!HasExtension(type.members, name)) continue;
+        for (const std::u16string_view extension : Extensions(type.masks)) {
+            const std::u16string header = BareNameOf(member.name) + std::u16string(extension);
+            Bilingual ignored;
+            if (const auto source = member.companions.Open(header, ignored))
+                return ReadHeader(type, {source, FolderOf(member.name) + header, member.companions, member.budget});
+            missing += (missing.empty() ? u"" : u", ") + header;
+        }
+    }
+    if (missing.empty()) return std::nullopt;
+    throw FormatError(Say(u"part of a recording whose header is not beside it: %1",
+                          u"часть записи, рядом с которой нет её заголовка: %1", {missing}));
 }
 
 std::vector<std::uint8_t> ReadStart(ByteSource& source) {
@@ -76,8 +124,9 @@ RecordingContent ReadRecording(const RecordingFile& file) {
     }
     const std::u16string name = LowerCase(file.name);
     for (const FileType& type : kFileTypes) {
-        if (HasExtension(type, name)) return type.read(file);
+        if (HasExtension(type.masks, name)) return type.read(file);
     }
+    if (std::optional<RecordingContent> content = ReadByHeader(file, name)) return std::move(*content);
     RefuseUnknown(start);
 }
 

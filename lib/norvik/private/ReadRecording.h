@@ -32,14 +32,16 @@ struct FileType {
     /// Tells by the file's first bytes, 4096 of them where there are as many.
     bool (*looksLike)(std::span<const std::uint8_t> start);
     RecordingContent (*read)(const RecordingFile& file);
+    /// Masks of the other files of such a recording, which is read by the one of `masks` that has the same bare name.
+    std::u16string_view members{};
 };
 
 /// All types, in the order in which they are offered.
 [[nodiscard]] std::span<const FileType> FileTypes();
 
 /// Reads a file by the first type that its bytes look like. The extension of its name only decides who tells what is
-/// wrong with a file that begins like none. Throws FormatError for a file that cannot be read, ReadError when the
-/// device fails.
+/// wrong with a file that begins like none, and by which file beside it a recording of several is read. Throws
+/// FormatError for a file that cannot be read, ReadError when the device fails.
 [[nodiscard]] RecordingContent ReadRecording(const RecordingFile& file);
 
 }  // namespace quillon
