@@ -18,20 +18,23 @@ namespace fs = std::filesystem;
 /// A recording in the temporary folder, in the page cache once written, and removed at the end.
 class BenchFile {
   public:
+    /// `header`: the content of the file that the recording is opened by, where the samples lie in another.
     template <typename Write>
-    BenchFile(const char* name, Write write) : m_path(fs::temp_directory_path() / name) {
+    BenchFile(const char* name, Write write, const std::string& header = {})
+        : m_path(fs::temp_directory_path() / name), m_header(m_path) {
         std::ofstream file(m_path, std::ios::binary);
         write(file);
         file.close();
-        Bilingual reason;
-        m_source = OpenFileSource(m_path.u16string(), reason);
-        if (m_source == nullptr) throw std::runtime_error("the bench recording cannot be opened");
-        m_block = ReadRecording({m_source, m_path.u16string()}).blocks.front();
+        if (!header.empty()) std::ofstream(m_header.replace_extension(".vhdr"), std::ios::binary) << header;
+        m_source = Open(m_path);
+        const std::u16string opened = m_header.u16string();
+        m_block = ReadRecording({Open(m_header), opened, FilesBeside(opened, Language::English)}).blocks.front();
         m_block->Prepare();
     }
     ~BenchFile() {
         std::error_code error;
         fs::remove(m_path, error);
+        fs::remove(m_header, error);
     }
     BenchFile(const BenchFile&) = delete;
     BenchFile& operator=(const BenchFile&) = delete;
@@ -40,7 +43,15 @@ class BenchFile {
     [[nodiscard]] RecordingBlock& Block() const { return *m_block; }
 
   private:
+    static std::shared_ptr<ByteSource> Open(const fs::path& path) {
+        Bilingual reason;
+        std::shared_ptr<ByteSource> source = OpenFileSource(path.u16string(), reason);
+        if (source == nullptr) throw std::runtime_error("the bench recording cannot be opened");
+        return source;
+    }
+
     fs::path m_path;
+    fs::path m_header;
     std::shared_ptr<ByteSource> m_source;
     std::shared_ptr<RecordingBlock> m_block;
 };
@@ -86,6 +97,17 @@ void BinFile(benchmark::State& state) {
 
 void EdfFile(benchmark::State& state) {
     const BenchFile file("quillon_bench.edf", [](std::ostream& to) { samples::WriteBenchEdf(to, 3600); });
+    FileExtremes(state, file);
+}
+
+/// The same bytes in every orientation and number format.
+void BrainVisionFile(benchmark::State& state, const std::string& orientation, const std::string& format) {
+    std::string header =
+        "Brain Vision Data Exchange Header File Version 1.0\n[Common Infos]\nDataFile=quillon_bench.eeg\n"
+        "SamplingInterval=1000\nNumberOfChannels=32\nDataOrientation=" +
+        orientation + "\n[Binary Infos]\nBinaryFormat=" + format + "\n[Channel Infos]\n";
+    for (std::size_t at = 1; at <= samples::kBenchChannels; ++at) header += "Ch" + std::to_string(at) + "=x,,0.1\n";
+    const BenchFile file("quillon_bench.eeg", samples::WriteBenchFrames, header);
     FileExtremes(state, file);
 }
 
@@ -158,6 +180,10 @@ void Rounds(benchmark::internal::Benchmark* it) {
 
 BENCHMARK(BinFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
 BENCHMARK(EdfFile)->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(BrainVisionFile, multiplexed, "MULTIPLEXED", "INT_16")->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(BrainVisionFile, vectorized, "VECTORIZED", "INT_16")->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(BrainVisionFile, wide, "MULTIPLEXED", "INT_32")->Apply(Rounds)->Arg(100);
+BENCHMARK_CAPTURE(BrainVisionFile, wide_vectorized, "VECTORIZED", "INT_32")->Apply(Rounds)->Arg(100);
 
 BENCHMARK(SummaryMade)->Apply(Rounds)->Arg(2000);
 BENCHMARK(SummaryUsed)->Apply(Rounds)->Arg(100)->Arg(500)->Arg(2000);

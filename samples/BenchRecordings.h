@@ -35,6 +35,12 @@ inline Bytes BenchSecond(const std::vector<std::int16_t>& minute, std::size_t se
     return bytes;
 }
 
+/// Frames alone, of 4700 seconds.
+inline void WriteBenchFrames(std::ostream& file) {
+    const auto minute = BenchMinute();
+    for (std::size_t second = 0; second < 4700; ++second) file << BenchSecond(minute, second).Get();
+}
+
 inline void WriteBenchBin(std::ostream& file, std::size_t seconds) {
     std::vector<BinChannel> channels;
     for (std::size_t i = 1; i <= kBenchChannels; ++i) channels.push_back({"Ch " + std::to_string(i), "uV", 0.1F, 0.0F});

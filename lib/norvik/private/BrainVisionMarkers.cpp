@@ -107,19 +107,21 @@ class SegmentCuts {
   private:
     /// Seconds between the end of the samples before the marker and its date, where both are known.
     [[nodiscard]] std::optional<double> Elapsed(const BrainVisionMarker& marker) const {
-        if (!m_date || !marker.date) return std::nullopt;
-        return static_cast<double>(*marker.date - *m_date) / 1e6 -
+        if (!m_dated || !marker.date) return std::nullopt;
+        return static_cast<double>(*marker.date - m_date) / 1e6 -
                static_cast<double>(marker.position - m_position) / m_rate;
     }
     void Remember(const BrainVisionMarker& marker) {
-        m_date = marker.date;
+        m_dated = marker.date.has_value();
+        m_date = marker.date.value_or(0);
         m_position = marker.position;
     }
 
     double m_rate;
     std::vector<FrameStretch>& m_stretches;
     bool m_seen = false;
-    std::optional<std::int64_t> m_date;  ///< of the last segment that was used up
+    bool m_dated = false;     ///< the last segment that was used up has a date
+    std::int64_t m_date = 0;  ///< of that segment
     std::uint64_t m_position = 0;
 };
 
