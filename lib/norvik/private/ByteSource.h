@@ -43,8 +43,6 @@ class ByteSource {
 
     /// Language of what() of the errors from now on; at first English.
     void SetErrorLanguage(Language language) { m_language = language; }
-
-  protected:
     [[nodiscard]] Language ErrorLanguage() const { return m_language; }
 
   private:

@@ -11,6 +11,7 @@
 #include "norvik/private/BrainVisionHeader.h"
 #include "norvik/private/BrainVisionReader.h"
 #include "norvik/private/EdfReader.h"
+#include "norvik/private/FlacReader.h"
 #include "norvik/private/WaveReader.h"
 
 namespace quillon {
@@ -27,6 +28,10 @@ RecordingContent ReadWaveFile(const RecordingFile& file) {
     return ReadWave(file.source);
 }
 
+RecordingContent ReadFlacFile(const RecordingFile& file) {
+    return ReadFlac(file.source);
+}
+
 RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
@@ -41,6 +46,7 @@ constexpr std::array<FileType, 5> kFileTypes{{
      LooksLikeBrainVision,
      ReadBrainVision,
      u"*.eeg;*.dat;*.vmrk;*.amrk"},
+    {{u"FLAC Audio", u"Звук FLAC"}, u"*.flac", LooksLikeFlac, ReadFlacFile},
 }};
 
 /// The extensions of masks: ".ext".
