@@ -36,10 +36,10 @@ std::string Crc32(const std::string& bytes) {
 
 void CompareSignal(const std::filesystem::path& path, const json& file, const json& expected, const json& block,
                    const json& channel) {
-    const bool wave = file.contains("container");
+    const bool sound = file.contains("container") || file.value("format", "") == "FLAC";
     EXPECT_EQ(channel.at("title"), expected.at("label"));
     // A unit that the file does not name, but its format does.
-    const std::string unit = wave ? "FS" : expected.at("unit").get<std::string>();
+    const std::string unit = sound ? "FS" : expected.at("unit").get<std::string>();
     EXPECT_EQ(channel.at("unit"), unit.substr(0, unit.find(" (default)")));
     EXPECT_EQ(block.at("samples"), expected.at("samples"));
     const float scale = channel.at("scale");
@@ -47,8 +47,8 @@ void CompareSignal(const std::filesystem::path& path, const json& file, const js
     if (expected.contains("crc32_int16le")) {
         EXPECT_EQ(Crc32(RunLine("codes" + place, {path}).out), expected.at("crc32_int16le").get<std::string>());
         const float full = file.value("bits_per_sample", 16) == 8 ? 128.0F : 32768.0F;
-        EXPECT_EQ(scale, wave ? 1.0F / full : expected.at("scale_K").get<float>());
-        EXPECT_EQ(channel.at("offset").get<float>(), wave ? 0.0F : expected.at("offset_B").get<float>());
+        EXPECT_EQ(scale, sound ? 1.0F / full : expected.at("scale_K").get<float>());
+        EXPECT_EQ(channel.at("offset").get<float>(), sound ? 0.0F : expected.at("offset_B").get<float>());
         return;
     }
     // Wider samples: values within one step of the scale that was chosen for them.
@@ -121,7 +121,7 @@ TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
     if (!std::filesystem::exists(kRecordings)) GTEST_SKIP() << "no reference recordings in " << kRecordings;
     int read = 0;
     int refused = 0;
-    for (const char* folder : {"edf", "bdf", "wav", "brainvision", "malformed", "malformed-derived"}) {
+    for (const char* folder : {"edf", "bdf", "wav", "brainvision", "flac", "malformed", "malformed-derived"}) {
         for (const auto& entry : std::filesystem::directory_iterator(kRecordings / folder)) {
             std::filesystem::path reference = entry.path();
             reference += ".ref.json";

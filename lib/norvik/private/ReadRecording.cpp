@@ -36,7 +36,7 @@ RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
 
-constexpr std::array<FileType, 5> kFileTypes{{
+constexpr std::array<FileType, 6> kFileTypes{{
     {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadBinFile},
     {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadWaveFile},
     {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
