@@ -73,6 +73,7 @@ VIFileVersion "${VERSION}.0"
   !insertmacro ${do} bdf
   !insertmacro ${do} wav
   !insertmacro ${do} rf64
+  !insertmacro ${do} flac
 !macroend
 
 ; Lists the program under "Open with"; which program opens the files by default is left as it is.
