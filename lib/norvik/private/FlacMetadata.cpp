@@ -23,7 +23,7 @@ constexpr std::size_t kIndexBytes = 12;
 constexpr std::uint8_t kLeadOutOfDisc = 170;
 constexpr std::uint8_t kLeadOut = 255;
 /// More blocks than any writer makes; keeps a damaged file from being walked for minutes.
-constexpr int kMostBlocks = 10000;
+constexpr int kMostMetadata = 10000;
 
 enum BlockType : unsigned { kStreamInformation = 0, kSeekTable = 3, kComments = 4, kCueSheet = 5 };
 
@@ -174,7 +174,7 @@ FlacMetadata ReadFlacMetadata(ByteSource& source) {
     FlacMetadata metadata;
     std::uint64_t at = marker + letters.size();
     bool last = false;
-    for (int count = 0; !last && count < kMostBlocks; ++count) {
+    for (int count = 0; !last && count < kMostMetadata; ++count) {
         const BlockHeader header = ReadBlockHeader(source, at);
         if (count == 0 && header.type != kStreamInformation) {
             throw FormatError(Say(u"the first metadata block at byte %1 is of type %2, not the stream information",
