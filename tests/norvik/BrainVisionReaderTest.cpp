@@ -307,6 +307,11 @@ TEST(BrainVisionReader, SingleDefectsAreRefusedWithTheirPlace) {
     EXPECT_THAT(vectorized("DataPoints=9223372036854775807"), HasSubstr("not 2 channels of equal length"));
     EXPECT_THAT(vectorized("DataPoints=3"), HasSubstr("cut short: 2 of 3 samples"));
     EXPECT_EQ(Values(*folder.Read().blocks.front()), "0.1 0.2|2 4|");
+    folder.files[u"a.eeg"] = FileBytes().Codes({1, 2, 3, 4, 5, 10, 20, 30}).Get();
+    EXPECT_THAT(vectorized("DataPoints=5"), HasSubstr("cut short: 3 of 5 samples")) << "a size that fits by chance";
+    EXPECT_EQ(Values(*folder.Read().blocks.front()), "0.1 0.2 0.3|2 4 6|");
+    EXPECT_THAT(vectorized("DataPoints=64"), HasSubstr("cut short: 4 of 64 samples")) << "a wrong number";
+    EXPECT_EQ(Values(*folder.Read().blocks.front()), "0.1 0.2 0.3 0.4|1 2 4 6|");
 }
 
 TEST(BrainVisionReader, FilesThatWereRenamedAreFoundAndNoneOutsideTheFolderIsAsked) {

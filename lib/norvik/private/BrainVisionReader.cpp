@@ -69,17 +69,20 @@ struct StoredFrames {
 void CountStored(const BrainVisionHeader& header, StoredFrames& frames) {
     const std::uint64_t size = frames.source->Size();
     frames.count = frames.perChannel = size / frames.frameBytes;
-    if (header.vectorized && size % frames.frameBytes != 0) {
-        // Only the header knows where a channel begins then.
+    if (header.vectorized) {
         const std::uint64_t width = SampleBytes(frames.kind);
         const std::uint64_t channels = frames.frameBytes / width;
         const std::uint64_t points = header.dataPoints.value_or(0);
-        // The last channel may be cut; the others must be whole.
-        const bool fits = points > 0 && points <= size / width / std::max<std::uint64_t>(channels - 1, 1);
-        const std::uint64_t last = fits ? points * width * (channels - 1) : size;
-        frames.perChannel = points;
-        frames.count = std::min(points, (size - last) / width);
-        if (frames.count == 0) {
+        const bool reachesLast = points > 0 && points <= size / width / std::max<std::uint64_t>(channels - 1, 1);
+        const std::uint64_t ofLast = reachesLast ? size / width - points * (channels - 1) : 0;
+        const bool odd = size % frames.frameBytes != 0;
+        // Where the size is that of no whole file, or of one whose last channel is cut, only the header tells where a
+        // channel begins.
+        if (odd || (ofLast > 0 && ofLast < points)) {
+            frames.perChannel = points;
+            frames.count = std::min(points, ofLast);
+        }
+        if (odd && frames.count == 0) {
             throw FormatError(Say(u"%1 bytes of samples are not %2 channels of equal length",
                                   u"%1 байт отсчётов — не %2 каналов равной длины", {Number(size), Number(channels)}));
         }

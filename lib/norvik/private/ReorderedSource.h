@@ -14,7 +14,9 @@ class ReorderedSource final : public ByteSource {
   public:
     /// `width`: bytes of a number.
     ReorderedSource(std::shared_ptr<ByteSource> stored, std::size_t width, bool bigEndian, bool isUnsigned)
-        : m_stored(std::move(stored)), m_width(width), m_bigEndian(bigEndian), m_unsigned(isUnsigned) {}
+        : m_stored(std::move(stored)), m_width(width), m_bigEndian(bigEndian), m_unsigned(isUnsigned) {
+        SetErrorLanguage(m_stored->ErrorLanguage());
+    }
 
     [[nodiscard]] std::uint64_t Size() const override { return m_stored->Size(); }
     std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) override;
