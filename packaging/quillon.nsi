@@ -74,6 +74,7 @@ VIFileVersion "${VERSION}.0"
   !insertmacro ${do} wav
   !insertmacro ${do} rf64
   !insertmacro ${do} flac
+  !insertmacro ${do} vhdr
 !macroend
 
 ; Lists the program under "Open with"; which program opens the files by default is left as it is.
