@@ -34,7 +34,9 @@ std::span<const std::uint8_t> FlacFinder::Bytes(std::uint64_t offset, std::size_
     const std::uint64_t windowEnd = m_windowOffset + m_window.size();
     const bool inside = offset >= m_windowOffset && offset <= windowEnd;
     if (!inside || windowEnd - offset < wanted) {
-        const std::uint64_t ahead = inside ? std::max<std::uint64_t>(kPieceBytes, 4 * wanted) : kProbeBytes;
+        // The further reading goes on, the more is read ahead.
+        const std::uint64_t most = std::max<std::uint64_t>(kPieceBytes, 4 * wanted);
+        const std::uint64_t ahead = inside ? std::min<std::uint64_t>(2 * m_window.size(), most) : kProbeBytes;
         const auto size = static_cast<std::size_t>(std::min(std::max(ahead, wanted), left));
         m_window = {};
         m_window = {m_piece.Read(*m_source, offset, size), size};
