@@ -236,6 +236,28 @@ TEST(FlacReader, WhatLiesAroundTheFramesIsPassedOver) {
     test.Expect(part.File(), {0, 0}, 4017);
 }
 
+TEST(FlacReader, MoreSamplesThanABlockHoldsFormFurtherBlocks) {
+    FlacBuilder start{.block = 64, .variable = true};
+    start.Record(200);
+    start.Encode();
+    FlacBuilder end = start;
+    end.firstNumber = 3000000000;
+    end.Encode();
+    const std::string header = "fLaC" + FlacBuilder::Metadata(0, start.StreamInformation(0), true);
+    const RecordingContent content = ReadFlac(Source(header + start.Body() + end.Body()));
+    ASSERT_EQ(content.blocks.size(), 2U);
+    EXPECT_EQ(content.blocks[0]->SampleCount(), 2147483647);
+    RecordingBlock& block = *content.blocks[1];
+    const std::int32_t first = 3000000000 - 2147483647;
+    ASSERT_EQ(block.SampleCount(), first + 200);
+    EXPECT_EQ(block.Title(), u"2/2");
+    block.Prepare();
+    Codes codes(200);
+    block.ReadCodes(1, first, 200, codes.data());
+    EXPECT_TRUE(std::ranges::equal(codes, end.samples[0]));
+    EXPECT_THROW(block.ReadCodes(1, 0, 1, codes.data()), ReadError);
+}
+
 TEST(FlacReader, DamagedSamplesDoNotCountInTheScalesOfWideOnes) {
     FlacBuilder flac{.depth = 24};
     flac.samples = {FlacBuilder::Samples(1000, 5)};
