@@ -313,7 +313,13 @@ TEST(FlacReader, RefusalsNameWhatAndWhere) {
         file.at(at) = byte;
         return file;
     };
+    // A frame of few bytes that claims 131070 samples, with a wrong check sum.
+    BitWriter vain;
+    vain.Put(0xFFF8, 16).Put(7, 4).Put(0, 4).Put(1, 4).Put(0, 4).Put(0, 8).Put(65534, 16).Crc(7, 8).Put(0, 64);
+    std::string many;
+    for (int at = 0; at < 40; ++at) many += vain.bytes;
     const std::pair<std::string, std::string> files[] = {
+        {flac.Header() + many + flac.Body(), "no whole frame from byte 42 on"},
         {"fLaX", "no \"fLaC\" at byte 0"},
         {std::string("ID3\4\0\0\0\0\0\1.fLa", 14), "no \"fLaC\" at byte 11"},
         {patched(4, 1), "the first metadata block at byte 4 is of type 1, not the stream information"},
@@ -324,6 +330,7 @@ TEST(FlacReader, RefusalsNameWhatAndWhere) {
         {flac.Header() + good.substr(60, 50), "no whole frame from byte 42 on"},
         {flac.Header() + std::string(5000, '\xFF'), "no whole frame from byte 42 on"}};
     for (const auto& [file, part] : files) ExpectRefusal(Source(file), u"a.FLAC", part);
+    EXPECT_EQ(Refusal(Source(flac.Header() + many.substr(0, many.size() / 2) + flac.Body()), u"a"), "read");
     std::string silent = patched(18, 0);
     silent[19] = 0;
     silent[20] = static_cast<char>(silent[20] & 0x0F);

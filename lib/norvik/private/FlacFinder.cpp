@@ -16,6 +16,11 @@ constexpr std::uint64_t kProbeBytes = std::uint64_t{64} * 1024;
 /// How far the first frame may lie behind the metadata.
 constexpr std::uint64_t kFirstFrameBytes = std::uint64_t{16} << 20;
 
+/// Samples that may be decoded in vain while a search goes on, and for each byte that it has passed: a few bytes can
+/// claim many samples, and a file of such frames must not keep the program busy for minutes.
+constexpr std::uint64_t kVainSamples = std::uint64_t{1} << 22;
+constexpr std::uint64_t kVainSamplesPerByte = 16;
+
 /// More than any frame that an encoder makes: twice the samples as they are.
 std::size_t MostBytes(const FlacFrameHeader& header, unsigned depth) {
     return std::size_t{header.samples} * header.channels * (depth + 1) / 4 + 4096;
@@ -68,13 +73,19 @@ std::optional<FlacPlace> FlacFinder::At(const FlacRange& range, FlacSamples& out
     const std::size_t most = MostBytes(*header, depth);
     const std::span<const std::uint8_t> bytes = Bytes(offset, most);
     const std::size_t size = DecodeFlacFrame(*header, depth, bytes.first(std::min(bytes.size(), most)), out);
-    if (size == 0) return std::nullopt;
+    if (size == 0) {
+        m_vainSamples += std::uint64_t{header->samples} * header->channels;
+        return std::nullopt;
+    }
     place.next = offset + size;
     return place;
 }
 
 std::optional<FlacPlace> FlacFinder::Search(FlacRange range, FlacSamples& out) {
+    const std::uint64_t start = range.firstByte;
+    m_vainSamples = 0;
     while (range.firstByte < range.endByte) {
+        if (m_vainSamples > kVainSamples + kVainSamplesPerByte * (range.firstByte - start)) break;
         const std::span<const std::uint8_t> bytes = Bytes(range.firstByte, kFlacHeaderBytes);
         const auto size =
             static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), range.endByte - range.firstByte));

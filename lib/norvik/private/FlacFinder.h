@@ -44,7 +44,7 @@ class FlacFinder {
 
     /// The frame that begins at the range's first byte, decoded into `out`, which is undefined where there is none.
     [[nodiscard]] std::optional<FlacPlace> At(const FlacRange& range, FlacSamples& out);
-    /// The first one that begins in the range.
+    /// The first one that begins in the range; none where too many are met that turn out to be damaged.
     [[nodiscard]] std::optional<FlacPlace> Search(FlacRange range, FlacSamples& out);
     /// The last one of the file that ends at sample `most` or before it.
     [[nodiscard]] FlacPlace Last(std::uint64_t most, FlacSamples& out);
@@ -63,6 +63,7 @@ class FlacFinder {
     std::uint64_t m_numberScale = 1;  ///< samples that a frame's number counts
     std::uint64_t m_firstNumber = 0;  ///< sample number with which the stream begins
     FlacPlace m_first;
+    std::uint64_t m_vainSamples = 0;  ///< decoded for nothing by the search under way
     PieceBuffer m_piece;
     std::uint64_t m_windowOffset = 0;
     std::span<const std::uint8_t> m_window;
