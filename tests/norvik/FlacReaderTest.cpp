@@ -78,8 +78,7 @@ TEST(FlacReader, EveryCodingIsReadExactlyAndAlikeByEveryCall) {
                 const Codes exact(samples.begin(), samples.end());
                 codes.push_back(depth <= 16 ? exact : AllCodes(*plain, channel));
                 EXPECT_EQ(AllCodes(block, channel), codes.back());
-                const double unit =
-                    std::ldexp(1.0, depth <= 16 ? 1 - static_cast<int>(depth) : 32 - static_cast<int>(depth));
+                const double unit = std::ldexp(1.0, 1 - static_cast<int>(depth));
                 const float expected =
                     static_cast<float>(unit * (depth <= 16 ? 1.0 : static_cast<double>(plain->ChannelScale(channel))));
                 EXPECT_EQ(block.ChannelScale(channel), expected);
