@@ -9,6 +9,7 @@
 #include "norvik/private/EdfMarks.h"
 #include "norvik/private/EdfScan.h"
 #include "norvik/private/EdfTimeline.h"
+#include "norvik/private/FrameCount.h"
 
 namespace quillon {
 
@@ -70,15 +71,11 @@ class MarksBlock final : public FileBlock {
 Bilingual Describe(const EdfHeader& header, std::size_t marks, const EdfScan& scan, bool cut) {
     Bilingual info = Say(u"%1, annotations only: %2", u"%1, только аннотации: %2",
                          {header.format, Decimal(static_cast<std::int64_t>(marks))});
-    std::vector<Bilingual> notes = header.notes;
+    for (const Bilingual& note : header.notes) AppendRemark(info, note);
     if (scan.Malformed() > 0)
-        notes.push_back(Say(u"%1 damaged annotations left out", u"пропущено повреждённых аннотаций: %1",
-                            {Decimal(static_cast<std::int64_t>(scan.Malformed()))}));
-    if (cut) notes.push_back(Say(u"too many, the rest left out", u"слишком много, остальные пропущены"));
-    for (const Bilingual& note : notes) {
-        info.english += u"; " + note.english;
-        info.russian += u"; " + note.russian;
-    }
+        AppendRemark(info, Say(u"%1 damaged annotations left out", u"пропущено повреждённых аннотаций: %1",
+                               {Decimal(static_cast<std::int64_t>(scan.Malformed()))}));
+    if (cut) AppendRemark(info, Say(u"too many, the rest left out", u"слишком много, остальные пропущены"));
     return info;
 }
 

@@ -11,6 +11,7 @@
 #include "norvik/private/EdfMarksOnly.h"
 #include "norvik/private/EdfScan.h"
 #include "norvik/private/EdfTimeline.h"
+#include "norvik/private/FrameCount.h"
 #include "norvik/private/RecordBlock.h"
 
 namespace quillon {
@@ -208,10 +209,7 @@ Bilingual Describe(const EdfFile& file) {
     info.russian += records.russian;
     const std::vector<Bilingual> found = Notes(file);
     for (const std::vector<Bilingual>* notes : {&header.notes, &found}) {
-        for (const Bilingual& note : *notes) {
-            info.english += u"; " + note.english;
-            info.russian += u"; " + note.russian;
-        }
+        for (const Bilingual& note : *notes) AppendRemark(info, note);
     }
     return info;
 }
