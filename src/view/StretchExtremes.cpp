@@ -90,7 +90,8 @@ void StretchExtremes::LeaveBlock() {
 
 bool StretchExtremes::BlockLoaded() {
     const ViewBlock& loaded = m_document.Block();
-    if (m_loadedBlock.lock() != nullptr && m_loadedBlock.lock() != loaded.block) LeaveBlock();
+    // Also where no block was loaded: what was asked for since then is of the block that was left.
+    if (m_loadedBlock.lock() != loaded.block) LeaveBlock();
     const auto isLoaded = [&](const auto& known) { return loaded.block && known->block.lock() == loaded.block; };
     const auto found = std::find_if(m_known.begin(), m_known.end(), isLoaded);
     const bool stays = found != m_known.end();

@@ -68,7 +68,7 @@ class StretchExtremes {
     const Document& m_document;
     ExtremesCache m_loaded;
     RangeRecords m_ranges{m_loaded};
-    std::weak_ptr<RecordingBlock> m_loadedBlock;  ///< at the last BlockLoaded, where the stretch had others
+    std::weak_ptr<RecordingBlock> m_loadedBlock;  ///< at the last BlockLoaded; none after LeaveBlock
     std::vector<float> m_invScale;                ///< of it
     std::vector<float> m_offsets;
     std::vector<std::unique_ptr<Known>> m_known;  ///< of the other blocks, and of those that were left

@@ -72,6 +72,27 @@ TEST_F(ShownTest, GoingToAndFroBetweenSettingsReadsNothingAgain) {
     EXPECT_LT(m_block->samplesRead, 400000 / 4);
 }
 
+TEST_F(ShownTest, WhatIsAskedWhileABlockIsLeftIsNotOfTheNextOne) {
+    Open(2, 200000);
+    const auto other = Noise(3, 150000, 200.0);
+    OpenBlocks({m_block, other});
+    Summarise();
+    const auto range = [this] { return m_view.Ranges().Found(std::vector<std::int16_t>{1, 2})->maximum; };
+    const float first = range();
+    m_view.LeaveBlock();
+    // A part of the window that does not know yet.
+    Summarise();
+    EXPECT_EQ(range(), first);
+    m_document.LoadBlock(1);
+    m_view.BlockLoaded();
+    EXPECT_FALSE(m_view.Ranges().IsKnown(std::vector<std::int16_t>{1, 2}));
+    const std::vector<std::int16_t> all{1, 2, 3};
+    while (m_view.Ranges().ReadMissing(m_document.Block(), all, m_view.Axis().Visible())) {
+    }
+    EXPECT_TRUE(m_view.Ranges().Found(std::vector<std::int16_t>{3}).has_value());
+    EXPECT_NE(range(), first);
+}
+
 TEST_F(ShownTest, WhatAFilterRemembersForLongIsDrawnInSlices) {
     Open(2, 500000);
     m_block->rate = 20000.0;
