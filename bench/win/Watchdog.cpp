@@ -8,6 +8,7 @@
 // the longest such time is printed behind the memory.
 #include "base/win/Win32.h"
 
+#include <commctrl.h>
 #include <psapi.h>
 
 #include <algorithm>
@@ -18,6 +19,7 @@
 #include <string>
 
 #include "app/Commands.h"
+#include "app/ControlIds.h"
 
 namespace {
 
@@ -122,6 +124,38 @@ double WatchExport(HWND window, int command, const std::wstring& name, double du
     return std::max(longest, LongestWait(window, 500.0));
 }
 
+/// The control of a number, at any depth below the window.
+HWND Control(HWND window, int id) {
+    struct Search {
+        int id;
+        HWND found;
+    } search{id, nullptr};
+    EnumChildWindows(
+        window,
+        [](HWND child, LPARAM at) -> BOOL {
+            auto& wanted = *reinterpret_cast<Search*>(at);
+            if (GetDlgCtrlID(child) == wanted.id) wanted.found = child;
+            return wanted.found == nullptr ? TRUE : FALSE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+/// What a user does in the list of marks, which is shown for it.
+void UseMarks(HWND window, int step) {
+    const HWND list = Control(window, quillon::lvMarks);
+    const HWND filter = Control(window, quillon::edtMarks);
+    const HWND tabs = Control(window, quillon::tabFile);
+    switch (step) {
+        case 0: PostMessageW(tabs, TCM_SETCURFOCUS, 2, 0); break;
+        case 1:
+            for (const wchar_t letter : std::wstring(L"slow")) PostMessageW(filter, WM_CHAR, letter, 0);
+            break;
+        default:
+            for (int line = 0; line < 20; ++line) PostMessageW(list, WM_KEYDOWN, VK_DOWN, 0);
+    }
+}
+
 struct Step {
     const char* name;
     int command;
@@ -190,6 +224,11 @@ int wmain(int count, wchar_t** arguments) {
         const double longest = LongestWait(window, seconds * 1000.0);
         CloseDialog(window);
         alive = tell(step.name, longest);
+    }
+    constexpr const char* marks[] = {"marks", "marks filtered", "marks walked"};
+    for (int step = 0; alive && step < static_cast<int>(std::size(marks)); ++step) {
+        UseMarks(window, step);
+        alive = tell(marks[step], LongestWait(window, seconds * 1000.0));
     }
     const int only = count > 5 ? _wtoi(arguments[5]) : -1;
     for (const Export& each : exports) {

@@ -23,11 +23,15 @@ class Label {
   public:
     Label(HDC dc, const RECT& client) : m_dc(dc), m_client(client), m_gap(MulDiv(4, ScreenDpi(), 96)) {}
 
-    void Paint(const std::u16string& text, int column, int row, int top, int end) const {
+    [[nodiscard]] SIZE Size(const std::u16string& text) const {
         const std::wstring wide = Wide(text);
         SIZE size{};
         GetTextExtentPoint32W(m_dc, wide.c_str(), static_cast<int>(wide.size()), &size);
-        if (wide.empty() || size.cy > end - top) return;
+        return size;
+    }
+    void Paint(const std::u16string& text, int column, int row, int top, int end) const {
+        const SIZE size = Size(text);
+        if (text.empty() || size.cy > end - top) return;
         const int width = static_cast<int>(size.cx);
         const int height = static_cast<int>(size.cy);
         const bool fits = column + m_gap + width < m_client.right;
@@ -67,6 +71,8 @@ void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement
     if (!measurement.other) return;
     const int other = limited(*measurement.other);
     const Label label(dc, client);
+    // The time stands in the last rows, and no lane's change over it.
+    const int timeTop = bottom - static_cast<int>(label.Size(measurement.time).cy);
     for (const Measurement::Lane& lane : measurement.lanes) {
         {
             const SelectScope pen(dc, dashes.Get());
@@ -76,7 +82,7 @@ void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement
             const SelectScope pen(dc, solid.Get());
             Line(dc, other, lane.pinnedRow, other, lane.row);
         }
-        label.Paint(lane.change, other, (lane.pinnedRow + lane.row) / 2, lane.top, lane.end);
+        label.Paint(lane.change, other, (lane.pinnedRow + lane.row) / 2, lane.top, std::min<int>(lane.end, timeTop));
     }
     label.Paint(measurement.time, std::max(pinned, other), bottom, 0, bottom);
 }
