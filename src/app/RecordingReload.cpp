@@ -16,23 +16,27 @@ void RecordingReload::Look(bool asked, bool isDragging) {
         if (!due && isSlow()) return;
     }
     const FileStamp stamp = stampOf(document.LastPath());
-    if (!m_parts.document.HasChanged(stamp, asked)) return;
+    const FileChange change = m_parts.document.ChangeOf(stamp, asked);
+    if (change == FileChange::None) return;
     const std::u16string name = FileNameOf(document.File().fileName);
     if (name.empty()) return onOpen(FileNameOf(document.LastPath()));
     try {
-        Reload(stamp, name);
+        Reload(stamp, name, change == FileChange::Grown);
     } catch (...) {
         m_kept.reset();
         throw;
     }
 }
 
-void RecordingReload::Reload(const FileStamp& stamp, const std::u16string& name) {
+void RecordingReload::Reload(const FileStamp& stamp, const std::u16string& name, bool grown) {
     m_parts.playback.Stop();
     m_kept = m_parts.view.Keep();
+    m_kept->isAtEnd = grown && m_kept->isAtEnd;
+    if (grown) m_parts.view.AllExtremes().FileGrows();
     const bool loaded = m_parts.document.Reload(stamp);
-    if (loaded) onReloaded();
+    if (loaded) onReloaded(grown);
     m_kept.reset();
+    if (loaded && grown) return;
     const std::u16string text = name + u": " + m_parts.services.Text(loaded ? IDS_FILE_RELOADED : IDS_FILE_CHANGED);
     onTell(loaded, loaded ? text : text + u": " + m_parts.library.LastErrorText());
 }

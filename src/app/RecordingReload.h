@@ -12,14 +12,14 @@
 
 namespace quillon {
 
-/// Looks whether the file of the recording has changed and reloads it then at the view of before. A file that was
-/// refused is opened again.
+/// Looks whether the file of the recording has changed and reloads it then at the view of before. Where the file has
+/// grown, a view of the end stays at the end. A file that was refused is opened again.
 class RecordingReload {
   public:
     /// Objects it works with; all must outlive it.
     struct Parts {
         Document& document;
-        const WaveformView& view;
+        WaveformView& view;
         Playback& playback;
         const RecordingLibrary& library;
         const UserServices& services;
@@ -30,8 +30,9 @@ class RecordingReload {
     std::function<FileStamp(const std::u16string& path)> stampOf;
     std::function<bool()> isSlow;                            ///< whether looking at the file may take long
     std::function<void(const std::u16string& name)> onOpen;  ///< request to open a file of the folder
-    std::function<void()> onReloaded;                        ///< the document has changed; Kept() is to be restored
-    /// The outcome of a reload.
+    /// The document has changed; Kept() is to be restored. `grown`: what was there has stayed as it was.
+    std::function<void(bool grown)> onReloaded;
+    /// The outcome of a reload; that a file has grown is not told.
     std::function<void(bool loaded, const std::u16string& text)> onTell;
 
     /// Makes the next look happen even where it may take long.
@@ -43,7 +44,7 @@ class RecordingReload {
     [[nodiscard]] const std::optional<WaveformView::State>& Kept() const { return m_kept; }
 
   private:
-    void Reload(const FileStamp& stamp, const std::u16string& name);
+    void Reload(const FileStamp& stamp, const std::u16string& name, bool grown);
 
     Parts m_parts;
     bool m_due = false;

@@ -74,13 +74,16 @@ std::vector<std::u16string> Document::BlockTitles(int after) const {
     return titles;
 }
 
-bool Document::HasChanged(const FileStamp& now, bool asked) {
-    if (m_lastPath.empty()) return false;
+FileChange Document::ChangeOf(const FileStamp& now, bool asked) {
+    if (m_lastPath.empty()) return FileChange::None;
     if (!now.known || now == m_stamp) {
         m_seen = {};
-        return false;
+        return FileChange::None;
     }
-    return asked || now == std::exchange(m_seen, now);
+    if (asked) return FileChange::Other;
+    const bool isKnown = m_file.recording && m_file.recording->ReadShare() >= 1.0 && Provisional() == nullptr;
+    if (isKnown && now.IsSameFile(m_stamp) && now.size > m_stamp.size) return FileChange::Grown;
+    return now == std::exchange(m_seen, now) ? FileChange::Other : FileChange::None;
 }
 
 bool Document::Reload(const FileStamp& now) {

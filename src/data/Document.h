@@ -71,9 +71,10 @@ class Document {
 
     /// The file that was opened or refused last; empty after it was closed.
     [[nodiscard]] const std::u16string& LastPath() const { return m_lastPath; }
-    /// Whether the stamp shows that the file was replaced or changed. Without a user request (`asked` false) the
-    /// changed stamp has to be equal in two successive checks, since another program may still be writing.
-    [[nodiscard]] bool HasChanged(const FileStamp& now, bool asked);
+    /// What the stamp shows. Without a user request (`asked` false) a file that was replaced or changed has to have the
+    /// same stamp in two successive checks, since another program may still be writing. One that only became longer
+    /// has grown at once, but not before all is known of what was there: else it would never be.
+    [[nodiscard]] FileChange ChangeOf(const FileStamp& now, bool asked);
     /// A check has found a change, which another check has to confirm.
     [[nodiscard]] bool ChangePending() const { return m_seen.known; }
     /// Reloads the open file at the same block (the last one if there are fewer) with the same channels shown. False

@@ -18,4 +18,11 @@ struct FileStamp {
     friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 
+/// What has become of a file.
+enum class FileChange {
+    None,
+    Grown,  ///< it is the same one, and longer
+    Other,
+};
+
 }  // namespace quillon

@@ -1,6 +1,7 @@
 #include "view/ExtremesCache.h"
 
 #include <algorithm>
+#include <exception>
 #include <numeric>
 
 #include "view/DataRange.h"
@@ -212,13 +213,62 @@ SampleSpan ExtremesCache::UnitSamples(std::int32_t from, std::int32_t to, std::i
     return {first, end - first};
 }
 
+bool ExtremesCache::Matches(RecordingBlock& block, std::int32_t unit) const {
+    std::vector<std::int16_t> channels;
+    for (std::size_t at = 0; at < m_coarse.size(); ++at) {
+        if (m_coarseKnown[at][static_cast<std::size_t>(unit)]) channels.push_back(static_cast<std::int16_t>(at + 1));
+    }
+    if (channels.empty()) return true;
+    std::vector<RunExtremes> found(channels.size());
+    std::vector<RunExtremes*> targets;
+    for (RunExtremes& each : found) targets.push_back(&each);
+    const SampleSpan samples = SamplesOf(unit);
+    if (!block.ColumnExtremes(channels, samples.first, samples.count, kCoarseCell, targets)) return false;
+    for (std::size_t at = 0; at < channels.size(); ++at) {
+        if (found[at] != m_coarse[static_cast<std::size_t>(channels[at] - 1)][static_cast<std::size_t>(unit)])
+            return false;
+    }
+    return true;
+}
+
+bool ExtremesCache::Grow(RecordingBlock& block) try {
+    if (m_coarse.empty()) return true;
+    if (m_coarse.size() != static_cast<std::size_t>(block.ChannelCount()) || block.SampleCount() < m_samples)
+        return false;
+    // The last unit had room for more samples, as had the chunk that holds it.
+    const std::int32_t whole = (m_samples - 1) / kCoarseCell;
+    if (const auto last = m_chunks.find(whole / kUnitsOfChunk); last != m_chunks.end()) Drop(last);
+    m_samples = block.SampleCount();
+    const auto units = static_cast<std::size_t>(UnitCount(m_samples));
+    for (std::size_t at = 0; at < m_coarse.size(); ++at) {
+        m_coarseKnown[at].resize(static_cast<std::size_t>(whole));
+        m_coarseKnown[at].resize(units);
+        if (m_coarse[at].empty()) continue;
+        m_bytes += (units - m_coarse[at].size()) * sizeof(RunExtremes);
+        m_coarse[at].resize(units);
+    }
+    m_columns = {};
+    // The last one, and some before it at equal distances.
+    const std::int32_t step = std::max(whole / 8, 1);
+    for (std::int32_t unit = whole - 1; unit >= 0; unit -= step) {
+        if (!Matches(block, unit)) return false;
+    }
+    return true;
+} catch (const std::exception&) {
+    return false;
+}
+
+void ExtremesCache::Drop(std::unordered_map<std::int32_t, Chunk>::iterator chunk) {
+    for (const auto& fine : chunk->second.fine) m_bytes -= fine.size() * sizeof(RunExtremes);
+    m_chunks.erase(chunk);
+}
+
 void ExtremesCache::DropOldest() {
     while (m_bytes > m_limit && !m_chunks.empty()) {
         const auto oldest = std::min_element(m_chunks.begin(), m_chunks.end(), [](const auto& a, const auto& b) {
             return a.second.used < b.second.used;
         });
-        for (const auto& fine : oldest->second.fine) m_bytes -= fine.size() * sizeof(RunExtremes);
-        m_chunks.erase(oldest);
+        Drop(oldest);
     }
 }
 

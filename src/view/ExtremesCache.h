@@ -38,6 +38,9 @@ class ExtremesCache {
     /// Clears the cache for another block.
     void Reset();
     void SetLimit(std::size_t byteLimit);
+    /// Goes on with another block, which is to begin with the same samples: those of some units are compared. Returns
+    /// whether it does, else the cache is of no further use. Scales and offsets are the caller's to compare.
+    [[nodiscard]] bool Grow(RecordingBlock& block);
     /// Whether runs of that length that start at that sample (from 0) are made of cells.
     [[nodiscard]] static bool Serves(std::int32_t first, std::int32_t run) {
         return run >= kCell && run % kCell == 0 && first % kCell == 1;
@@ -100,6 +103,9 @@ class ExtremesCache {
     void StoreFine(std::int32_t unit, std::size_t channel, std::span<const RunExtremes> cells);
     void StoreCoarse(std::int32_t unit, std::size_t channel, std::span<const RunExtremes> cells);
     void DropOldest();
+    void Drop(std::unordered_map<std::int32_t, Chunk>::iterator chunk);
+    /// Whether the samples of a unit of the block have the extremes that are known.
+    [[nodiscard]] bool Matches(RecordingBlock& block, std::int32_t unit) const;
 
     std::size_t m_limit;
     std::size_t m_bytes = 0;

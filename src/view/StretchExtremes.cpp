@@ -111,8 +111,40 @@ bool StretchExtremes::BlockLoaded() {
     m_loadedBlock = loaded.block;
     m_invScale = loaded.invScale;
     m_offsets = loaded.offsets;
+    TakeGrown();
     ShareMemory();
     return stays;
+}
+
+void StretchExtremes::FileGrows() {
+    m_grown.clear();
+    m_grownFile = m_document.File().fileName;
+    const auto& filters = m_document.Shown().filters;
+    // What is filtered backwards too depends on samples to come.
+    if (std::any_of(filters.begin(), filters.end(), [](const auto& filter) { return filter.second.bothWays; })) return;
+    const auto keep = [&](const ViewBlock& block, std::int16_t index, ExtremesCache& extremes) {
+        m_grown.push_back({index, block.invScale, block.offsets, std::exchange(extremes, ExtremesCache())});
+    };
+    keep(m_document.Block(), m_document.File().currentBlockIndex, m_loaded);
+    for (const OtherBlock& other : m_document.OtherBlocks()) {
+        if (!other.IsMontage()) keep(other.block, other.index, Of(other.block).extremes);
+    }
+}
+
+void StretchExtremes::TakeGrown() {
+    // Opening it anew may have failed.
+    if (m_grownFile != m_document.File().fileName) m_grown.clear();
+    const auto take = [&](const ViewBlock& block, std::int16_t index, ExtremesCache& extremes) {
+        const auto found =
+            std::find_if(m_grown.begin(), m_grown.end(), [&](const Grown& grown) { return grown.index == index; });
+        if (found == m_grown.end() || !block.block) return;
+        const bool isSame = found->invScale == block.invScale && found->offsets == block.offsets;
+        if (isSame && found->extremes.Grow(*block.block)) extremes = std::move(found->extremes);
+        m_grown.erase(found);
+    };
+    take(m_document.Block(), m_document.File().currentBlockIndex, m_loaded);
+    for (const OtherBlock& other : m_document.OtherBlocks()) take(other.block, other.index, Of(other.block).extremes);
+    m_grown.clear();
 }
 
 void StretchExtremes::Rescaled() {

@@ -38,6 +38,9 @@ class StretchExtremes {
     void LeaveBlock();
     /// Another block, or another stretch, is loaded. Returns whether it is one of the stretch that was left.
     bool BlockLoaded();
+    /// The recording is about to be opened anew because its file has grown: what is known is kept for the blocks that
+    /// are loaded then, as far as they begin with the same samples.
+    void FileGrows();
     /// Scales have changed: what was found of codes of those blocks is forgotten.
     void Rescaled();
 
@@ -59,7 +62,16 @@ class StretchExtremes {
         RangeRecords ranges{extremes};
         bool complete = false;
     };
+    /// What is known of a block of a file that has grown.
+    struct Grown {
+        std::int16_t index = 0;  ///< position in the recording, from 0
+        std::vector<float> invScale;
+        std::vector<float> offsets;
+        ExtremesCache extremes;
+    };
     [[nodiscard]] Known& Of(const ViewBlock& block);
+    /// Gives the loaded blocks what FileGrows kept.
+    void TakeGrown();
     [[nodiscard]] bool IsShownAsStored() const { return m_document.Block().block == m_document.Block().stored; }
     [[nodiscard]] ViewBlock StoredBlock() const;
     /// Divides the memory by the number of samples.
@@ -72,6 +84,8 @@ class StretchExtremes {
     std::vector<float> m_invScale;                ///< of it
     std::vector<float> m_offsets;
     std::vector<std::unique_ptr<Known>> m_known;  ///< of the other blocks, and of those that were left
+    std::u16string m_grownFile;                   ///< whose blocks these are
+    std::vector<Grown> m_grown;                   ///< until the next block is loaded
 };
 
 }  // namespace quillon

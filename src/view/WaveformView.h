@@ -76,9 +76,11 @@ class WaveformView {
         Selection selection;
         std::int32_t pinned = 0;
         bool scaleChosen = false;  ///< that of one axis is not to be fitted, see FitScales
+        bool isAtEnd = false;      ///< nothing is left behind the view
     };
-    [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection, m_pinned, m_scalesFitted}; }
-    /// After BlockLoaded; positions past the end of the block are clamped.
+    [[nodiscard]] State Keep() const;
+    /// After BlockLoaded; positions past the end of the block are clamped. A view of the end becomes one of the end
+    /// that the block has now.
     void Restore(const State& state);
 
     ViewChange ScrollBy(std::int32_t columns);
@@ -135,6 +137,8 @@ class WaveformView {
 
   private:
     [[nodiscard]] ViewPlace Place() const;
+    /// Columns of the strip to the right of the graph; less than 0 where it ends within.
+    [[nodiscard]] std::int32_t ColumnsBehindView() const;
     void GoBackTo(const ViewPlace& place);
     void MakeLanes();  ///< with the channels that are shown now
     /// The channel of a lane; 0 on one axis, and where there is none.

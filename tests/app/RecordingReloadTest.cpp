@@ -23,7 +23,8 @@ class RecordingReloadTest : public ViewFixture {
         };
         m_reload.isSlow = [this] { return m_slow; };
         m_reload.onOpen = [this](const std::u16string& name) { m_opened = name; };
-        m_reload.onReloaded = [this] {
+        m_reload.onReloaded = [this](bool grown) {
+            m_grown = grown;
             m_kept = m_reload.Kept().has_value();
             m_playing = m_playback.IsPlaying();
             if (m_fails) throw std::runtime_error("no memory");
@@ -45,7 +46,7 @@ class RecordingReloadTest : public ViewFixture {
     Playback m_playback{m_document, m_view, m_services, m_make};
     RecordingReload m_reload{{m_document, m_view, m_playback, m_library, m_services}};
     FileStamp m_stamp{true, 1, 7, 100, 5};
-    bool m_slow = false, m_fails = false, m_kept = false, m_playing = true, m_loaded = false;
+    bool m_slow = false, m_fails = false, m_kept = false, m_playing = true, m_loaded = false, m_grown = false;
     std::vector<std::u16string> m_looked;
     std::u16string m_opened, m_told;
 };
@@ -62,7 +63,7 @@ TEST_F(RecordingReloadTest, InterruptsNothingAndLooksAtSlowDrivesOnlyWithAReason
     EXPECT_FALSE(Looks(false)) << "one look";
     // A change that was found is looked at until the file is no longer written.
     m_reload.Soon();
-    m_stamp.size = 200;
+    m_stamp.size = 50;
     EXPECT_TRUE(Looks(false));
     EXPECT_EQ(m_told, u"");
     m_playback.Play(1);

@@ -31,6 +31,9 @@ class DocumentTest : public ::testing::Test {
         m_library.files[path] = recording->blocks.empty() ? nullptr : recording;
         if (!m_document.IsOpen(path, m_stamps[path])) m_document.OpenFile(path, m_stamps[path]);
     }
+    bool Unchanged(const FileStamp& stamp, bool asked) {
+        return m_document.ChangeOf(stamp, asked) == FileChange::None;
+    }
     [[nodiscard]] std::string Shown() const {
         std::string shown;
         for (std::size_t slot = 0; slot < 4; ++slot) shown += m_document.Slots()[slot].shown ? '1' : '0';
@@ -118,28 +121,28 @@ TEST_F(DocumentTest, LetterCaseTellsFilesApartWhereTheFolderDoes) {
 
 TEST_F(DocumentTest, AChangedFileIsLoadedAgainOnceItIsQuiet) {
     FileStamp& stamp = m_stamps[u"C:\\data\\a.fake"];
-    EXPECT_FALSE(m_document.HasChanged(stamp, true));
+    EXPECT_TRUE(Unchanged(stamp, true));
     stamp = {true, 1, 7, 100, 5};
     Open(u"a.fake", {Block(u"1"), Block(u"2"), Block(u"3")});
     m_document.LoadBlock(2);
     m_document.ChooseChannel(2);
-    EXPECT_FALSE(m_document.HasChanged(stamp, true));
-    stamp.size = 150;
-    EXPECT_FALSE(m_document.HasChanged(stamp, false)) << "it may still be written to ...";
-    stamp.size = 200;
-    EXPECT_FALSE(m_document.HasChanged(stamp, false)) << "... and was";
+    EXPECT_TRUE(Unchanged(stamp, true));
+    stamp.size = 50;
+    EXPECT_TRUE(Unchanged(stamp, false)) << "it may still be written to ...";
+    stamp.size = 80;
+    EXPECT_TRUE(Unchanged(stamp, false)) << "... and was";
     EXPECT_TRUE(m_document.ChangePending());
-    EXPECT_TRUE(m_document.HasChanged(stamp, true));
-    EXPECT_TRUE(m_document.HasChanged(stamp, false));
+    EXPECT_FALSE(Unchanged(stamp, true));
+    EXPECT_FALSE(Unchanged(stamp, false));
     EXPECT_TRUE(m_document.Reload(stamp));
     EXPECT_EQ(m_file.currentBlockIndex, 2);
     EXPECT_EQ(m_document.CurrentChannel(), 2);
     EXPECT_EQ(m_library.closed, 1);
-    EXPECT_FALSE(m_document.HasChanged(stamp, true));
+    EXPECT_TRUE(Unchanged(stamp, true));
     // Replaced by one of the same size and time, with fewer blocks.
     stamp.file = 8;
     m_library.files[u"C:\\data\\a.fake"]->blocks.resize(2);
-    EXPECT_TRUE(m_document.HasChanged(stamp, true));
+    EXPECT_FALSE(Unchanged(stamp, true));
     EXPECT_TRUE(m_document.Reload(stamp));
     EXPECT_EQ(m_file.currentBlockIndex, 1);
     // What can no longer be read leaves the open one as it is, and is not tried again and again.
@@ -147,10 +150,17 @@ TEST_F(DocumentTest, AChangedFileIsLoadedAgainOnceItIsQuiet) {
     stamp.modified = 6;
     EXPECT_FALSE(m_document.Reload(stamp));
     EXPECT_EQ(m_file.currentBlockIndex, 1);
-    EXPECT_FALSE(m_document.HasChanged(stamp, true));
+    EXPECT_TRUE(Unchanged(stamp, true));
+    // One that only gets longer has grown at once, unless something is still being read.
+    stamp.size += 10;
+    EXPECT_EQ(m_document.ChangeOf(stamp, false), FileChange::Grown);
+    EXPECT_EQ(m_document.ChangeOf(stamp, true), FileChange::Other);
+    stamp.file = 9;
+    EXPECT_TRUE(Unchanged(stamp, false)) << "another file of that name";
+    EXPECT_EQ(m_document.ChangeOf(stamp, false), FileChange::Other);
     // One that was refused is looked at too.
     Open(u"b.fake", {});
-    EXPECT_TRUE(m_document.HasChanged(stamp, true));
+    EXPECT_FALSE(Unchanged(stamp, true));
     EXPECT_EQ(m_document.LastPath(), u"C:\\data\\b.fake");
 }
 

@@ -93,9 +93,11 @@ void MainRooms::WireLists() {
     m_reload.stampOf = [](const std::u16string& path) { return StampOf(Wide(path)); };
     m_reload.isSlow = [this] { return IsRemote(browser.Folder()); };
     m_reload.onOpen = [this](const std::u16string& name) { opener.OpenFile(Wide(name)); };
-    m_reload.onReloaded = [this] {
+    m_reload.onReloaded = [this](bool grown) {
         LeaveBlock();
-        RecordingChanged(m_reload.Kept());
+        if (!grown) return RecordingChanged(m_reload.Kept());
+        recording.BlocksChanged(false);
+        ShowBlock(m_reload.Kept());
     };
     m_reload.onTell = [this](bool loaded, const std::u16string& text) { m_texts.TellReload(loaded, text); };
 }

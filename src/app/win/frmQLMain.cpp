@@ -16,7 +16,7 @@ namespace quillon {
 
 namespace {
 
-constexpr std::int32_t kLookInterval = 2000;  // ms
+constexpr std::int32_t kLookInterval = 800;  // ms
 
 }  // namespace
 

@@ -1,6 +1,8 @@
 // Recordings that are opened again: at the next start, from the list of recent ones, and by the dialog.
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "norvik/EdfBuilder.h"
@@ -10,6 +12,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 using namespace ::quillon::testing;
 
@@ -192,6 +195,59 @@ TEST_F(ComingBackTest, TheDialogOpensAnyFileInItsFolder) {
     EXPECT_EQ(Selected(), -1);
     CommandPressing(mnuOpen, IDCANCEL);
     EXPECT_THAT(Caption(), StartsWith(L"данные.raw"));
+}
+
+TEST_F(ComingBackTest, ARecordingThatIsBeingWrittenGrowsAndIsFollowed) {
+    constexpr std::size_t begun = 30;
+    constexpr std::size_t rate = 100;
+    EdfBuilder edf;
+    edf.reserved = "EDF+C";
+    edf.records = "-1";
+    edf.recordCount = 40;
+    std::vector<std::string> lists;
+    EdfBuilder::Signal signal{.samplesPerRecord = rate};
+    for (std::size_t record = 0; record < edf.recordCount; ++record) {
+        const std::string time = '+' + std::to_string(record);
+        lists.push_back(time + "\x14\x14" + '\0' + time + "\x14Step\x14" + '\0');
+        for (std::size_t at = 0; at < rate; ++at)
+            signal.samples.push_back(static_cast<std::int32_t>(at * 300 % 20000 + record));
+    }
+    edf.signals = {signal, signal};
+    edf.Annotate(std::move(lists));
+    const std::vector<std::uint8_t> bytes = edf.Bytes();
+    const std::size_t header = 256 * (edf.signals.size() + 1);
+    const std::size_t record = (bytes.size() - header) / edf.recordCount;
+    const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const auto path = m_folder.Write(u"c.edf", all.substr(0, header + begun * record));
+    Start();
+    ClickLine(lstFile, 2);
+    Command(mnuLanes);
+    Command(mnuPage + 1);
+    Key(VK_END);
+    const TimeAxis& axis = m_global.view->Axis();
+    const ViewBlock& block = m_global.document->Block();
+    ASSERT_EQ(block.sampleCount, begun * rate);
+    // As the recorder has it: open all the time.
+    std::ofstream recorder(path, std::ios::binary | std::ios::app);
+    const auto write = [&](std::size_t from, std::size_t to) {
+        recorder << all.substr(header + from * record, (to - from) * record) << std::flush;
+        EXPECT_TRUE(recorder.good());
+        const auto samples = static_cast<std::int32_t>(to * rate);
+        EXPECT_TRUE(WaitFor([&] { return block.sampleCount == samples && block.marks.size() == to; }));
+    };
+    write(begun, begun + 1);
+    write(begun + 1, begun + 6);
+    EXPECT_EQ(axis.FirstColumn() + axis.Width(), axis.StripLength());
+    EXPECT_THAT(Status(), Not(HasSubstr(L"c.edf")));
+    EXPECT_THAT(Caption(), StartsWith(L"c.edf"));
+    Key(VK_HOME);
+    write(begun + 6, begun + 8);
+    EXPECT_EQ(axis.FirstColumn(), 0);
+    // One that was cut off is told.
+    recorder.close();
+    std::filesystem::resize_file(path, header + 5 * record);
+    EXPECT_TRUE(WaitFor([&] { return block.sampleCount == 5 * rate; }));
+    EXPECT_THAT(Status(), HasSubstr(L"c.edf"));
 }
 
 }  // namespace
