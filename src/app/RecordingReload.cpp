@@ -31,7 +31,7 @@ void RecordingReload::Look(bool asked, bool isDragging) {
 void RecordingReload::Reload(const FileStamp& stamp, const std::u16string& name, bool grown) {
     m_parts.playback.Stop();
     m_kept = m_parts.view.Keep();
-    m_kept->isAtEnd = grown && m_kept->isAtEnd;
+    m_kept->followsEnd = grown && m_parts.view.IsAtEnd();
     if (grown) m_parts.view.AllExtremes().FileGrows();
     const bool loaded = m_parts.document.Reload(stamp);
     if (loaded) onReloaded(grown);

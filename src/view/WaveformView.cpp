@@ -96,17 +96,13 @@ void WaveformView::GoBackTo(const ViewPlace& place) {
     MakeLanes();
 }
 
-WaveformView::State WaveformView::Keep() const {
-    return {Place(), m_history, m_selection, m_pinned, m_scalesFitted, ColumnsBehindView() <= 0};
-}
-
 std::int32_t WaveformView::ColumnsBehindView() const {
     return m_axis.StripLength() - m_axis.FirstColumn() - m_axis.Width();
 }
 
 void WaveformView::Restore(const State& state) {
     GoBackTo(state.place);
-    if (state.isAtEnd) m_axis.ScrollBy(std::max(ColumnsBehindView(), 0));
+    if (state.followsEnd) m_axis.ScrollBy(std::max(ColumnsBehindView(), 0));
     // For a shorter recording show the last page rather than nothing.
     if (m_axis.Visible().count == 0) m_axis.ScrollBy(m_axis.PageShift(1));
     m_history = state.history;

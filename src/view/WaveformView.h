@@ -76,11 +76,12 @@ class WaveformView {
         Selection selection;
         std::int32_t pinned = 0;
         bool scaleChosen = false;  ///< that of one axis is not to be fitted, see FitScales
-        bool isAtEnd = false;      ///< nothing is left behind the view
+        bool followsEnd = false;   ///< to be moved to the block's end, where that lies behind it
     };
-    [[nodiscard]] State Keep() const;
-    /// After BlockLoaded; positions past the end of the block are clamped. A view of the end becomes one of the end
-    /// that the block has now.
+    [[nodiscard]] State Keep() const { return {Place(), m_history, m_selection, m_pinned, m_scalesFitted}; }
+    /// Whether nothing is left behind the view.
+    [[nodiscard]] bool IsAtEnd() const { return ColumnsBehindView() <= 0; }
+    /// After BlockLoaded; positions past the end of the block are clamped.
     void Restore(const State& state);
 
     ViewChange ScrollBy(std::int32_t columns);

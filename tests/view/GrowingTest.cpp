@@ -37,6 +37,7 @@ class GrowingTest : public FakeStretches {
     void Grow(double share, bool keeps) {
         fakes.files[u"C:\\a.fake"]->blocks = m_parts = Part(share);
         WaveformView::State kept = m_view.Keep();
+        kept.followsEnd = m_view.IsAtEnd();
         if (keeps) m_view.AllExtremes().FileGrows();
         ASSERT_TRUE(m_document.Reload({}));
         m_view.LeaveBlock();
