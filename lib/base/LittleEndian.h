@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstdint>
 
-/// Reading of little-endian fields out of a byte buffer. The caller guarantees that the bytes are there.
+/// Reading and writing of little-endian fields in a byte buffer. The caller guarantees that the bytes are there.
 namespace quillon {
 
 [[nodiscard]] inline std::uint16_t Le16(const std::uint8_t* bytes) {
@@ -35,6 +35,16 @@ namespace quillon {
 
 [[nodiscard]] inline double LeDouble(const std::uint8_t* bytes) {
     return std::bit_cast<double>(Le64(bytes));
+}
+
+inline void PutLe16(std::uint8_t* bytes, std::uint16_t number) {
+    bytes[0] = static_cast<std::uint8_t>(number);
+    bytes[1] = static_cast<std::uint8_t>(number >> 8);
+}
+
+inline void PutLe32(std::uint8_t* bytes, std::uint32_t number) {
+    PutLe16(bytes, static_cast<std::uint16_t>(number));
+    PutLe16(bytes + 2, static_cast<std::uint16_t>(number >> 16));
 }
 
 }  // namespace quillon

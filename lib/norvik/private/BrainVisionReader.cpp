@@ -50,7 +50,7 @@ Companion FindCompanion(const RecordingFile& file, std::string_view stated,
         Bilingual ignored;
         found.source = file.companions.Open(name, ignored);
         if (!found.source) continue;
-        found.remark = Say(u"%1 read instead of '%2'", u"вместо «%2» прочитан %1", {name, found.stated});
+        found.remark = ReadInstead(name, found.stated);
         break;
     }
     return found;

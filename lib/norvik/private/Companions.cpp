@@ -64,6 +64,10 @@ std::shared_ptr<ByteSource> Companions::Open(std::u16string_view name, Bilingual
     return m_open(std::u16string(name), error);
 }
 
+Bilingual ReadInstead(const std::u16string& name, const std::u16string& stated) {
+    return Say(u"%1 read instead of '%2'", u"вместо «%2» прочитан %1", {name, stated});
+}
+
 Companions FilesBeside(const std::u16string& path, Language language) {
     return Companions([folder = FolderOf(path), language](const std::u16string& name, Bilingual& error) {
         std::shared_ptr<ByteSource> source = OpenInFolder(folder, name, error);

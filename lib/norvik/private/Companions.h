@@ -36,6 +36,9 @@ class Companions {
     Opener m_open;
 };
 
+/// What to tell about a file that was found under another name than the stated one.
+[[nodiscard]] Bilingual ReadInstead(const std::u16string& name, const std::u16string& stated);
+
 /// The files in the folder of `path`; where none has the name, one that differs from it in letter case only. The errors
 /// of their reads are in `language`.
 [[nodiscard]] Companions FilesBeside(const std::u16string& path, Language language);

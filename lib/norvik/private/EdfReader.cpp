@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <map>
 #include <stdexcept>
 #include <utility>
 
@@ -13,20 +12,18 @@
 #include "norvik/private/EdfTimeline.h"
 #include "norvik/private/FrameCount.h"
 #include "norvik/private/RecordBlock.h"
+#include "norvik/private/SignalGroups.h"
 
 namespace quillon {
 
 namespace {
 
-/// Signals that form blocks together: at one rate, and of 32 that follow each other in the file.
-struct SignalGroup {
-    std::vector<std::size_t> signals;  ///< indexes in EdfHeader::signals
-    std::u16string title;              ///< what tells it from the other groups; empty for the only one
+struct EdfGroup : SignalGroup {
     std::shared_ptr<const RecordLayout> layout;
     std::shared_ptr<const std::vector<ChannelDescription>> channels;
 };
 
-void DescribeChannels(const EdfHeader& header, SignalGroup& group) {
+void DescribeChannels(const EdfHeader& header, EdfGroup& group) {
     const auto layout = std::make_shared<RecordLayout>();
     const auto channels = std::make_shared<std::vector<ChannelDescription>>();
     layout->recordBytes = header.recordBytes;
@@ -49,34 +46,14 @@ void DescribeChannels(const EdfHeader& header, SignalGroup& group) {
     group.channels = channels;
 }
 
-std::vector<SignalGroup> GroupSignals(const EdfHeader& header) {
-    // The second key keeps channel numbers, which are ordinals modulo 32, unique in a block.
-    using Key = std::pair<std::uint64_t, std::size_t>;
-    std::vector<SignalGroup> groups;
-    std::map<Key, std::size_t> known;
-    std::map<std::uint64_t, std::size_t> groupsOfRate;
-    for (std::size_t at = 0; at < header.signals.size(); ++at) {
-        const std::uint64_t samples = header.signals[at].samplesPerRecord;
-        const auto [entry, isNew] = known.try_emplace(Key{samples, at / kBlockChannels}, groups.size());
-        if (isNew) {
-            groups.emplace_back();
-            ++groupsOfRate[samples];
-        }
-        groups[entry->second].signals.push_back(at);
-    }
-    for (SignalGroup& group : groups) {
-        DescribeChannels(header, group);
-        const std::uint64_t samples = header.signals[group.signals.front()].samplesPerRecord;
-        if (groupsOfRate.size() > 1) {
-            group.title = PlainNumber(static_cast<double>(samples) / header.recordSeconds) + u" Hz";
-        }
-        if (groupsOfRate[samples] > 1) {
-            if (!group.title.empty()) group.title += u", ";
-            group.title += Decimal(static_cast<std::int64_t>(group.signals.front() + 1));
-            if (group.signals.size() > 1) {
-                group.title += u"-" + Decimal(static_cast<std::int64_t>(group.signals.back() + 1));
-            }
-        }
+std::vector<EdfGroup> MakeGroups(const EdfHeader& header) {
+    std::vector<std::uint64_t> samples;
+    for (const EdfSignal& signal : header.signals) samples.push_back(signal.samplesPerRecord);
+    std::vector<EdfGroup> groups;
+    for (SignalGroup& group : GroupSignals(
+             samples, [&](std::uint64_t count) { return static_cast<double>(count) / header.recordSeconds; })) {
+        groups.push_back({std::move(group), nullptr, nullptr});
+        DescribeChannels(header, groups.back());
     }
     return groups;
 }
@@ -86,14 +63,14 @@ struct EdfFile {
     EdfFile(const std::shared_ptr<ByteSource>& from, EdfHeader read, std::uint64_t stepBytes)
         : source(from),
           header(std::move(read)),
-          groups(GroupSignals(header)),
+          groups(MakeGroups(header)),
           // Blocks are counted in 16 bits.
           timeline(header, static_cast<std::size_t>(std::numeric_limits<std::int16_t>::max()) / groups.size()),
           scan(source, header, timeline, marks, stepBytes) {}
 
     std::shared_ptr<ByteSource> source;
     EdfHeader header;
-    std::vector<SignalGroup> groups;
+    std::vector<EdfGroup> groups;
     EdfTimeline timeline;
     EdfMarks marks;
     EdfScan scan;
@@ -114,7 +91,7 @@ std::int32_t SamplesOf(const EdfFile& file, const EdfStretch& of, std::uint64_t 
 /// A stretch of the signals of one group.
 class EdfBlock final : public RecordBlock {
   public:
-    EdfBlock(std::shared_ptr<EdfFile> file, std::size_t stretch, const SignalGroup& group)
+    EdfBlock(std::shared_ptr<EdfFile> file, std::size_t stretch, const EdfGroup& group)
         : RecordBlock(
               Describe(*file, stretch, group), file->source,
               file->header.dataStart + file->timeline.Stretches()[stretch].firstRecord * file->header.recordBytes,
@@ -123,9 +100,7 @@ class EdfBlock final : public RecordBlock {
           m_stretch(stretch) {}
 
     [[nodiscard]] std::u16string Title() const override {
-        std::u16string title = m_file->timeline.Title(m_stretch);
-        if (!title.empty() && !m_description.title.empty()) title += u", ";
-        return title + m_description.title;
+        return JoinTitles(m_file->timeline.Title(m_stretch), m_description.title);
     }
     [[nodiscard]] std::int32_t MarkCount() const override { return static_cast<std::int32_t>(Marks().size()); }
     [[nodiscard]] std::int32_t MarkPosition(std::int32_t mark) const override { return Mark(mark).position; }
@@ -133,7 +108,7 @@ class EdfBlock final : public RecordBlock {
     [[nodiscard]] double MarkDuration(std::int32_t mark) const override { return m_file->marks.Duration(Mark(mark)); }
 
   private:
-    static BlockDescription Describe(const EdfFile& file, std::size_t stretch, const SignalGroup& group) {
+    static BlockDescription Describe(const EdfFile& file, std::size_t stretch, const EdfGroup& group) {
         const EdfStretch& of = file.timeline.Stretches()[stretch];
         BlockDescription block;
         block.title = group.title;
@@ -227,7 +202,7 @@ bool UpdateBlocks(const std::shared_ptr<EdfFile>& file, RecordingContent& conten
     if (made == stretches.size()) return false;
     content.blocks.resize(made * groups);
     for (; made < stretches.size(); ++made) {
-        for (const SignalGroup& group : file->groups)
+        for (const EdfGroup& group : file->groups)
             content.blocks.push_back(std::make_shared<EdfBlock>(file, made, group));
     }
     return true;

@@ -34,12 +34,12 @@ FrameBlock::FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& la
 
 std::int32_t FrameBlock::SamplesPerPiece() const {
     constexpr std::size_t piece = 4 * kPieceBytes;
-    return static_cast<std::int32_t>(std::max<std::size_t>(piece / m_layout.frameBytes, 1));
+    return static_cast<std::int32_t>(std::max<std::size_t>(piece / ReadBytes(), 1));
 }
 
 std::int32_t FrameBlock::QuickStretches() const {
     constexpr std::size_t bytes = 8 * kPieceBytes;
-    return static_cast<std::int32_t>(std::clamp<std::size_t>(bytes / m_layout.frameBytes, 8, 64));
+    return static_cast<std::int32_t>(std::clamp<std::size_t>(bytes / ReadBytes(), 8, 64));
 }
 
 std::size_t FrameBlock::Place(std::size_t channel) const {

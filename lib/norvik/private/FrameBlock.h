@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -22,6 +23,8 @@ struct FrameLayout {
     std::uint64_t dataOffset = 0;  ///< of the first frame
     std::size_t frameBytes = 0;    ///< from one frame to the next; 1 to kPieceBytes
     std::size_t firstChannel = 0;  ///< place in the frame of the block's first channel; the others follow
+    /// Bytes of files that are read for a frame, where frames are gathered out of larger ones; 0: frameBytes.
+    std::size_t readBytes{};
 };
 
 /// A block of frames: some consecutive channels of every frame. Wide samples get their scales from a pass over the
@@ -49,6 +52,7 @@ class FrameBlock final : public FileBlock {
     void ForEachPiece(std::int32_t first, std::int32_t count, const UsePiece& use);
     /// Bytes from the start of a frame to a channel's sample.
     [[nodiscard]] std::size_t Place(std::size_t channel) const;
+    [[nodiscard]] std::size_t ReadBytes() const { return std::max(m_layout.readBytes, m_layout.frameBytes); }
     /// Codes of one channel of the frames at `bytes`, written `step` apart.
     void Decode(std::size_t channel, const std::uint8_t* bytes, std::size_t frames, std::int16_t* out,
                 std::size_t step) const;

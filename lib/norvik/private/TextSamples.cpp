@@ -21,10 +21,6 @@ constexpr std::size_t kLongestNumber = 64;
 /// Up to here singles hold every whole number.
 constexpr float kLargestWhole = 16777216.0F;
 
-void PutLe32(std::uint32_t number, std::uint8_t* bytes) {
-    for (std::size_t at = 0; at < 4; ++at) bytes[at] = static_cast<std::uint8_t>(number >> (8 * at));
-}
-
 /// Collects the numbers of a text that comes in pieces.
 class NumberLines {
   public:
@@ -98,7 +94,7 @@ void NumberLines::EndNumber() {
         m_allWhole = m_allWhole && std::abs(single) <= kLargestWhole && static_cast<double>(single) == number &&
                      number == std::trunc(number);
         m_bytes.resize(m_bytes.size() + 4);
-        PutLe32(std::bit_cast<std::uint32_t>(single), m_bytes.data() + m_bytes.size() - 4);
+        PutLe32(m_bytes.data() + m_bytes.size() - 4, std::bit_cast<std::uint32_t>(single));
     }
     m_number.clear();
 }
@@ -166,7 +162,7 @@ TextSamples ReadTextSamples(ByteSource& text, const BrainVisionColumns& columns,
         samples.kind = SampleKind::Int32;
         for (std::size_t at = 0; at < bytes.size(); at += 4) {
             const auto whole = static_cast<std::int32_t>(LeFloat(bytes.data() + at));
-            PutLe32(static_cast<std::uint32_t>(whole), bytes.data() + at);
+            PutLe32(bytes.data() + at, static_cast<std::uint32_t>(whole));
         }
     }
     samples.source = std::make_shared<MemorySource>(std::move(bytes));

@@ -1,0 +1,41 @@
+#include "norvik/private/SignalGroups.h"
+
+#include <map>
+#include <utility>
+
+#include "base/Text.h"
+#include "norvik/private/EdfHeader.h"
+#include "norvik/private/FileBlock.h"
+
+namespace quillon {
+
+std::vector<SignalGroup> GroupSignals(std::span<const std::uint64_t> samples,
+                                      const std::function<double(std::uint64_t)>& rateOf) {
+    using Key = std::pair<std::uint64_t, std::size_t>;
+    std::vector<SignalGroup> groups;
+    std::map<Key, std::size_t> known;
+    std::map<std::uint64_t, std::size_t> groupsOfRate;
+    for (std::size_t at = 0; at < samples.size(); ++at) {
+        const auto [entry, isNew] = known.try_emplace(Key{samples[at], at / kBlockChannels}, groups.size());
+        if (isNew) {
+            groups.emplace_back();
+            ++groupsOfRate[samples[at]];
+        }
+        groups[entry->second].signals.push_back(at);
+    }
+    for (SignalGroup& group : groups) {
+        const std::uint64_t ofFirst = samples[group.signals.front()];
+        if (groupsOfRate.size() > 1) group.title = PlainNumber(rateOf(ofFirst)) + u" Hz";
+        if (groupsOfRate[ofFirst] == 1) continue;
+        std::u16string range = Decimal(static_cast<std::int64_t>(group.signals.front() + 1));
+        if (group.signals.size() > 1) range += u"-" + Decimal(static_cast<std::int64_t>(group.signals.back() + 1));
+        group.title = JoinTitles(group.title, range);
+    }
+    return groups;
+}
+
+std::u16string JoinTitles(const std::u16string& first, const std::u16string& second) {
+    return first.empty() || second.empty() ? first + second : first + u", " + second;
+}
+
+}  // namespace quillon
