@@ -2,11 +2,11 @@
 
 #include <bit>
 #include <functional>
-#include <map>
 
 #include "EvokedRecording.h"
 #include "base/DateTime.h"
 #include "norvik/BlockChecks.h"
+#include "norvik/MemoryFolder.h"
 
 namespace quillon {
 namespace {
@@ -14,42 +14,6 @@ namespace {
 using namespace ::quillon::testing;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-
-/// The files of a folder, in memory.
-struct Folder {
-    std::map<std::u16string, std::string> files;
-    mutable std::vector<std::u16string> asked;
-
-    [[nodiscard]] static std::shared_ptr<ByteSource> Source(const std::string& bytes) {
-        return std::make_shared<MemorySource>(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
-    }
-    [[nodiscard]] RecordingContent Read(const std::u16string& name = u"a.vhdr") const {
-        const Companions beside([this](const std::u16string& other, Bilingual& error) {
-            asked.push_back(other);
-            const auto found = files.find(other);
-            if (found == files.end()) error = Say(u"missing", u"нет");
-            return found == files.end() ? nullptr : Source(found->second);
-        });
-        return ReadRecording({Source(files.at(name)), u"C:\\folder\\" + name, beside});
-    }
-    /// Why it is refused, in English.
-    [[nodiscard]] std::string Refused(const std::u16string& name = u"a.vhdr") const {
-        try {
-            return "read: " + Utf8(Read(name).info.english);
-        } catch (const FormatError& error) {
-            EXPECT_NE(error.Reason().english, error.Reason().russian);
-            EXPECT_EQ((error.Reason().english + error.Reason().russian).find(u'%'), std::u16string::npos);
-            return Utf8(error.Reason().english);
-        }
-    }
-};
-
-/// Replaces the first `from`, which must be there.
-std::string With(std::string text, const std::string& from, const std::string& to) {
-    const std::size_t at = text.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? text : text.replace(at, from.size(), to);
-}
 
 std::string Header(const std::string& common, const std::string& format, std::size_t channels) {
     std::string text =

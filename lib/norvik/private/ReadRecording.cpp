@@ -13,6 +13,8 @@
 #include "norvik/private/EdfReader.h"
 #include "norvik/private/FlacReader.h"
 #include "norvik/private/WaveReader.h"
+#include "norvik/private/WfdbHeader.h"
+#include "norvik/private/WfdbReader.h"
 
 namespace quillon {
 
@@ -36,7 +38,7 @@ RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
 
-constexpr std::array<FileType, 6> kFileTypes{{
+constexpr std::array<FileType, 7> kFileTypes{{
     {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadBinFile},
     {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadWaveFile},
     {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
@@ -47,6 +49,11 @@ constexpr std::array<FileType, 6> kFileTypes{{
      ReadBrainVision,
      u"*.eeg;*.dat;*.vmrk;*.amrk"},
     {{u"FLAC Audio", u"Звук FLAC"}, u"*.flac", LooksLikeFlac, ReadFlacFile},
+    {{u"WFDB Records", u"Записи WFDB"},
+     u"*.hea",
+     LooksLikeWfdb,
+     ReadWfdb,
+     u"*.dat;*.mat;*.atr;*.ari;*.ecg;*.qrs;*.st;*.apn;*.ann"},
 }};
 
 /// The extensions of masks: ".ext".
