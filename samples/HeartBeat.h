@@ -33,4 +33,40 @@ void AddBeat(std::vector<double>& lead, double rate, double start, const Waves& 
     }
 }
 
+/// Two leads in mV, and where their beats are.
+struct HeartLeads {
+    struct Beat {
+        double start = 0.0;  ///< s
+        bool premature = false;
+    };
+    std::vector<double> lead1;
+    std::vector<double> lead2;
+    std::vector<Beat> beats;
+};
+
+/// A sinus rhythm that breathing changes, with a premature beat of a ventricle now and then.
+inline HeartLeads BeatingHeart(double rate, std::size_t count, Random& random) {
+    // Wide, without the first wave, a turned last one.
+    constexpr Wave kPremature[] = {{0.9, 1.4, 0.23, 0.035}, {-0.35, -0.5, 0.33, 0.04}, {-0.25, -0.4, 0.50, 0.06}};
+    HeartLeads heart{std::vector<double>(count), std::vector<double>(count), {}};
+    const auto addBeat = [&](double start, const auto& waves, bool premature) {
+        AddBeat(heart.lead1, rate, start, waves, &Wave::lead1);
+        AddBeat(heart.lead2, rate, start, waves, &Wave::lead2);
+        heart.beats.push_back({start, premature});
+    };
+    double start = 0.2;
+    for (int beat = 1; start < static_cast<double>(count) / rate; ++beat) {
+        // Faster when breathing in, slower when breathing out.
+        const double gap = 0.86 + 0.05 * std::sin(kTurn * 0.25 * start) + 0.03 * std::sin(kTurn * 0.011 * start) +
+                           0.012 * random.Normal();
+        addBeat(start, kBeat, false);
+        if (beat % 71 == 40) {
+            addBeat(start + 0.55 * gap, kPremature, true);
+            start += 1.0 * gap;  // the pause that follows
+        }
+        start += gap;
+    }
+    return heart;
+}
+
 }  // namespace quillon::samples

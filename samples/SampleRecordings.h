@@ -60,27 +60,8 @@ inline std::string EcgFile() {
     constexpr double kRate = 500.0;
     constexpr std::size_t kCount = 150000;
     constexpr double kScale = 0.0005;
-    // A premature beat of the ventricle: wide, without the first wave, a turned last one.
-    constexpr Wave kPremature[] = {{0.9, 1.4, 0.23, 0.035}, {-0.35, -0.5, 0.33, 0.04}, {-0.25, -0.4, 0.50, 0.06}};
-    std::vector<double> lead1(kCount);
-    std::vector<double> lead2(kCount);
     Random random(31);
-    const auto addBeat = [&](double start, const auto& waves) {
-        AddBeat(lead1, kRate, start, waves, &Wave::lead1);
-        AddBeat(lead2, kRate, start, waves, &Wave::lead2);
-    };
-    double start = 0.2;
-    for (int beat = 1; start < static_cast<double>(kCount) / kRate; ++beat) {
-        // Faster when breathing in, slower when breathing out.
-        const double gap = 0.86 + 0.05 * std::sin(kTurn * 0.25 * start) + 0.03 * std::sin(kTurn * 0.011 * start) +
-                           0.012 * random.Normal();
-        addBeat(start, kBeat);
-        if (beat % 71 == 40) {
-            addBeat(start + 0.55 * gap, kPremature);
-            start += 1.0 * gap;  // the pause that follows
-        }
-        start += gap;
-    }
+    const HeartLeads heart = BeatingHeart(kRate, kCount, random);
     PinkNoise wander1(32, kRate);
     PinkNoise wander2(33, kRate);
     Bytes bytes;
@@ -92,8 +73,8 @@ inline std::string EcgFile() {
     for (std::size_t i = 0; i < kCount; ++i) {
         const double time = static_cast<double>(i) / kRate;
         const double breath = std::sin(kTurn * 0.25 * time);
-        const double first = lead1[i] + 0.04 * breath + 0.022 * wander1.Next() + 0.006 * random.Normal();
-        const double second = lead2[i] + 0.07 * breath + 0.022 * wander2.Next() + 0.006 * random.Normal();
+        const double first = heart.lead1[i] + 0.04 * breath + 0.022 * wander1.Next() + 0.006 * random.Normal();
+        const double second = heart.lead2[i] + 0.07 * breath + 0.022 * wander2.Next() + 0.006 * random.Normal();
         // Lead III is the difference of the other two.
         for (const double value : {first, second, second - first}) {
             bytes.U16(static_cast<std::uint16_t>(Code(value, kScale)));

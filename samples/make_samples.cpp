@@ -7,6 +7,7 @@
 #include "BenchRecordings.h"
 #include "EegRecording.h"
 #include "EvokedRecording.h"
+#include "HolterRecording.h"
 #include "SampleRecordings.h"
 
 namespace {
@@ -33,6 +34,10 @@ void MakeSamples(const fs::path& folder, bool bench) {
     MakeFile(folder / "05 Evoked potentials.vhdr", [&](std::ostream& file) { file << evoked.header; });
     MakeFile(folder / "05 Evoked potentials.eeg", [&](std::ostream& file) { file << evoked.samples; });
     MakeFile(folder / "05 Evoked potentials.vmrk", [&](std::ostream& file) { file << evoked.markers; });
+    const WfdbFiles holter = HolterFiles("06_Holter_ECG");
+    MakeFile(folder / "06_Holter_ECG.hea", [&](std::ostream& file) { file << holter.header; });
+    MakeFile(folder / "06_Holter_ECG.dat", [&](std::ostream& file) { file << holter.samples; });
+    MakeFile(folder / "06_Holter_ECG.atr", [&](std::ostream& file) { file << holter.annotations; });
     if (!bench) return;
     MakeFile(folder / "05 Bench 32ch.bin", [](std::ostream& file) { WriteBenchBin(file, 4700); });
     MakeFile(folder / "05 Bench 32ch.edf", [](std::ostream& file) { WriteBenchEdf(file, 3600); });

@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "HolterRecording.h"
 #include "base/DateTime.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/MemoryFolder.h"
@@ -210,7 +211,7 @@ TEST(WfdbReader, SingleDefectsAreRefusedWithTheirPlace) {
         {"a.dat 16+0 200(0)/mV\na.dat 16", "a.dat 516\na.dat 516", "a.dat: no \"fLaC\" at byte 0"},
         {"a 2", "a/2 2", "line 2: number of samples '16+0'"},
         {"a 2", "a/0 2", "line 1: number of segments 'a/0'"},
-        {good, "a/2 2\nx 3\ny 3\n", "no segment can be read"},
+        {good, "a/2 2\nx 3\ny 3\n", "no segment can be read; x.hea: missing"},
     };
     for (const auto& [from, to, part] : defects)
         EXPECT_THAT(Small(With(good, from, to)).Refused(), HasSubstr(part)) << to;
@@ -317,6 +318,7 @@ TEST(WfdbReader, SegmentsAreStretchesWithTheirOwnSignals) {
     EXPECT_EQ(AllCodes(*content.blocks[2], 1), (Codes{0, 1, 2, 3, 4}));
     EXPECT_EQ(AllCodes(*content.blocks[3], 1), (Codes{0, 3, 6, 9}));
     EXPECT_EQ(Channels(*content.blocks[2])[0], "0.05000000074505806 0 V II");
+    EXPECT_EQ(content.blocks[2]->ChannelNumber(1), 1) << "as the layout numbers it";
     EXPECT_EQ(Iso8601(content.blocks[2]->StartTime()), "2020-01-01T00:10:00.150");
     EXPECT_THAT(Marks(*content.blocks[1]), ElementsAre("0 N", "18 V"));
     EXPECT_THAT(Marks(*content.blocks[2]), ElementsAre("1 N", "4 N")) << "without the one in the gap";
@@ -327,6 +329,33 @@ TEST(WfdbReader, SegmentsAreStretchesWithTheirOwnSignals) {
     EXPECT_THAT(folder.Refused(), HasSubstr("first three.hea: a segment that has segments itself"));
     folder.files[u"a.hea"] = "a/9 2\none 3\ntwo 3\n";
     EXPECT_THAT(folder.Refused(), HasSubstr("9 segments are announced, lines for 2 follow"));
+}
+
+TEST(WfdbReader, TheSampleComesBackAsItWasMade) {
+    const samples::WfdbFiles files = samples::HolterFiles("a");
+    Folder folder = OpenedBy(files.header);
+    folder.files[u"a.dat"] = files.samples;
+    folder.files[u"a.atr"] = files.annotations;
+    EXPECT_EQ(folder.Refused(),
+              "read: WFDB, format 212, 2 channels at 250 Hz, 150000 samples; annotations of a.atr; "
+              "note: Simulated");
+    const RecordingContent content = folder.Read();
+    FileBlock& block = *content.blocks.front();
+    const Codes first = AllCodes(block, 1);
+    const Codes second = AllCodes(block, 2);
+    std::vector<std::int32_t> samples;
+    for (std::size_t at = 0; at < first.size(); ++at) {
+        samples.push_back(first[at]);
+        samples.push_back(second[at]);
+    }
+    EXPECT_EQ(WfdbBytes(212, samples), files.samples);
+    EXPECT_EQ(Iso8601(block.StartTime()), "2011-04-04T08:30:00.000");
+    // A wave stands out at every beat.
+    for (const std::string& mark : Marks(block)) {
+        const auto at = static_cast<std::size_t>(std::stoul(mark));
+        const bool normal = mark.ends_with(" N") && at > 10;
+        EXPECT_TRUE(!normal || first[at] > first[at - 10] + 100) << mark;
+    }
 }
 
 TEST(WfdbReader, FewOfManyFilesAreOpenAtATime) {

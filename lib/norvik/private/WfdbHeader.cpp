@@ -14,6 +14,8 @@ namespace {
 
 constexpr std::uint64_t kMostSignals = 65535;
 constexpr std::size_t kMostSegments = 32767;
+/// Of a segment.
+constexpr std::uint64_t kMostFrames = std::uint64_t{1} << 46;
 constexpr double kLowestRate = 1e-9;
 constexpr double kHighestRate = 1e12;
 constexpr std::size_t kRemarkLetters = 120;
@@ -224,16 +226,17 @@ WfdbHeader ParseWfdbHeader(std::string_view text) {
             WfdbSegment segment{std::string(fields.Next()), 0};
             const std::string_view count = fields.Next();
             const std::optional<std::uint64_t> frames = WholeNumber(count);
-            if (!frames) RefuseField(line->number, u"number of samples", u"число отсчётов", count);
+            if (!frames || *frames > kMostFrames)
+                RefuseField(line->number, u"number of samples", u"число отсчётов", count);
             segment.frames = *frames;
             header.segments.push_back(std::move(segment));
-        } else if (WfdbSignal signal = ReadSignalLine(*line, static_cast<std::size_t>(at), header, oddGain);
-                   signal.format != 0) {
-            header.signals.push_back(std::move(signal));
+        } else {
+            WfdbSignal signal = ReadSignalLine(*line, static_cast<std::size_t>(at), header, oddGain);
+            header.titles.push_back(signal.title);
+            signal.ordinal = header.signals.size();
+            if (signal.format != 0) header.signals.push_back(std::move(signal));
         }
     }
-    if (!header.isMaster && header.signals.empty())
-        throw FormatError(Say(u"no signal of the record has samples", u"ни у одного сигнала записи нет отсчётов"));
     CheckFiles(header);
     if (!oddGain.empty())
         header.notes.push_back(Say(u"gain '%1' taken as 200", u"усиление «%1» принято за 200", {oddGain}));

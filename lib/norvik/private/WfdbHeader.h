@@ -14,9 +14,10 @@
 namespace quillon {
 
 struct WfdbSignal {
-    std::size_t line = 0;  ///< of the header, from 1
-    std::string file;      ///< as it is written
-    int format = 0;        ///< 0: there are no samples
+    std::size_t line = 0;     ///< of the header, from 1
+    std::size_t ordinal = 0;  ///< among the signals with samples; in a segment, among those of the whole record
+    std::string file;         ///< as it is written
+    int format = 0;           ///< 0: there are no samples
     std::uint32_t samplesPerFrame = 1;
     std::int64_t skew = 0;     ///< samples by which it is stored later than the others
     std::uint64_t offset = 0;  ///< bytes of the file before the samples
@@ -39,12 +40,13 @@ struct WfdbHeader {
     /// The record consists of other ones, and has no signals of its own.
     bool isMaster = false;
     std::vector<WfdbSegment> segments;
-    std::vector<WfdbSignal> signals;  ///< those with samples; one at least, and all with one format, of each file
-    double rate = 250.0;              ///< frames per second
-    std::uint64_t frames = 0;         ///< 0: unknown
-    std::optional<double> startTime;  ///< automation date, or the time of day alone
-    std::u16string remark;            ///< what is written behind the signals, shortened
-    std::vector<Bilingual> notes;     ///< oddities that do not keep the record from being read
+    std::vector<WfdbSignal> signals;     ///< those with samples; those of one file have one format
+    std::vector<std::u16string> titles;  ///< of all signals
+    double rate = 250.0;                 ///< frames per second
+    std::uint64_t frames = 0;            ///< 0: unknown
+    std::optional<double> startTime;     ///< automation date, or the time of day alone
+    std::u16string remark;               ///< what is written behind the signals, shortened
+    std::vector<Bilingual> notes;        ///< oddities that do not keep the record from being read
 };
 
 /// Tells by the first two lines; `start` are the first bytes of the file.

@@ -58,16 +58,18 @@ class Segments {
         Parts parts;
         for (std::size_t at = 0; at < master.segments.size(); ++at) {
             const WfdbSegment& segment = master.segments[at];
-            // The first of no length only tells what signals there are.
+            if (at == 0 && segment.frames == 0 && !segment.IsGap()) ReadLayout(segment.name);
             if (segment.frames > 0 && !segment.IsGap()) {
                 if (const std::shared_ptr<const WfdbRecord> record = Find(segment.name))
                     Add(record, segment, Number(at + 1) + u"/" + Number(master.segments.size()), parts);
             }
-            parts.frames +=
-                std::min(segment.frames, ~std::uint64_t{0} / 2 - std::min(parts.frames, ~std::uint64_t{0} / 2));
+            parts.frames += segment.frames;
         }
         if (parts.all.empty()) {
-            throw FormatError(Say(u"no segment can be read", u"не читается ни один сегмент"));
+            const Bilingual reason = Say(u"no segment can be read", u"не читается ни один сегмент");
+            if (m_leftOut == 0) throw FormatError(reason);
+            throw FormatError(
+                {reason.english + u"; " + m_firstLeftOut.english, reason.russian + u"; " + m_firstLeftOut.russian});
         }
         Tell(parts.remarks);
         return parts;
@@ -93,21 +95,45 @@ class Segments {
         Bilingual error;
         const std::u16string fileName = name + u".hea";
         try {
-            const std::shared_ptr<ByteSource> source = m_companions.Open(fileName, error);
-            if (source) {
-                const std::string text = ReadTextStart(*source, std::min(kHeaderBytes, m_headerBytesLeft));
-                m_headerBytesLeft -= text.size();
-                WfdbHeader header = ParseWfdbHeader(text);
-                if (!header.isMaster)
-                    return std::make_shared<WfdbRecord>(OpenWfdbRecord(std::move(header), name, *m_files));
-                error = Say(u"a segment that has segments itself", u"сегмент, у которого есть свои сегменты");
+            std::optional<WfdbHeader> header = ReadHeader(fileName, error);
+            if (header && !header->isMaster) {
+                SetOrdinals(*header);
+                return std::make_shared<WfdbRecord>(OpenWfdbRecord(std::move(*header), name, *m_files));
             }
+            if (header) error = Say(u"a segment that has segments itself", u"сегмент, у которого есть свои сегменты");
         } catch (const FormatError& failure) {
             error = failure.Reason();
         }
         if (m_firstLeftOut.english.empty())
             m_firstLeftOut = {fileName + u": " + error.english, fileName + u": " + error.russian};
         return nullptr;
+    }
+    std::optional<WfdbHeader> ReadHeader(const std::u16string& fileName, Bilingual& error) {
+        const std::shared_ptr<ByteSource> source = m_companions.Open(fileName, error);
+        if (!source) return std::nullopt;
+        const std::string text = ReadTextStart(*source, std::min(kHeaderBytes, m_headerBytesLeft));
+        m_headerBytesLeft -= text.size();
+        return ParseWfdbHeader(text);
+    }
+    /// The first segment, when it has no length, only tells what signals the others may have.
+    void ReadLayout(const std::string& name) {
+        Bilingual ignored;
+        try {
+            const auto layout = ReadHeader(FileNameOf(FromUtf8OrLatin1(name)) + u".hea", ignored);
+            if (!layout || layout->titles.size() > kBlockChannels) return;
+            for (const std::u16string& title : layout->titles) m_layout.try_emplace(title, m_layout.size());
+        } catch (const FormatError&) {
+            // Segments are complete without it.
+        }
+    }
+    /// Numbers the signals of a segment as the layout does, so that each keeps its number in all segments.
+    void SetOrdinals(WfdbHeader& header) const {
+        std::set<std::size_t> ordinals;
+        for (const WfdbSignal& signal : header.signals) {
+            const auto known = m_layout.find(signal.title);
+            if (known == m_layout.end() || !ordinals.insert(known->second).second) return;
+        }
+        for (WfdbSignal& signal : header.signals) signal.ordinal = m_layout.at(signal.title);
     }
     void Tell(std::vector<Bilingual>& remarks) const {
         if (m_leftOut > 0) {
@@ -121,6 +147,7 @@ class Segments {
     const Companions& m_companions;
     const std::shared_ptr<CompanionPool>& m_files;
     std::map<std::string, std::shared_ptr<const WfdbRecord>> m_known;
+    std::map<std::u16string, std::size_t> m_layout;  ///< ordinals of signals by title
     std::uint64_t m_headerBytesLeft = kSegmentHeaderBytes;
     std::size_t m_unread = 0;  ///< of m_known
     std::size_t m_leftOut = 0;

@@ -144,10 +144,10 @@ void MakeNumbers(std::shared_ptr<ByteSource> source, const WfdbHeader& header, S
         Say(u"'%1' holds no whole sample of every signal", u"в «%1» нет ни одного отсчёта всех сигналов", {file.name}));
 }
 
-ChannelDescription DescribeChannel(const WfdbSignal& signal, std::size_t ordinal) {
+ChannelDescription DescribeChannel(const WfdbSignal& signal) {
     ChannelDescription channel;
-    channel.number = static_cast<std::int16_t>(ordinal % kBlockChannels);
-    channel.inputNumber = static_cast<std::int16_t>(std::min<std::size_t>(ordinal + 1, 32767));
+    channel.number = static_cast<std::int16_t>(signal.ordinal % kBlockChannels);
+    channel.inputNumber = static_cast<std::int16_t>(std::min<std::size_t>(signal.ordinal + 1, 32767));
     channel.title = signal.title;
     channel.unit = signal.unit;
     channel.scale = static_cast<float>(1.0 / signal.gain);
@@ -202,7 +202,7 @@ void MakeGroups(const std::vector<SignalFile>& files, WfdbRecord& record) {
         WfdbGroup made{std::move(group), 1, nullptr, {}, nullptr};
         made.samplesPerFrame = signals[made.signals.front()].samplesPerFrame;
         std::vector<ChannelDescription> channels;
-        for (const std::size_t ordinal : made.signals) channels.push_back(DescribeChannel(signals[ordinal], ordinal));
+        for (const std::size_t ordinal : made.signals) channels.push_back(DescribeChannel(signals[ordinal]));
         made.channels = std::make_shared<const std::vector<ChannelDescription>>(std::move(channels));
         Place(files, places, record.frames, made);
         record.groups.push_back(std::move(made));
@@ -212,6 +212,8 @@ void MakeGroups(const std::vector<SignalFile>& files, WfdbRecord& record) {
 }  // namespace
 
 WfdbRecord OpenWfdbRecord(WfdbHeader header, const std::u16string& headerName, CompanionPool& files) {
+    if (header.signals.empty())
+        throw FormatError(Say(u"no signal of the record has samples", u"ни у одного сигнала записи нет отсчётов"));
     WfdbRecord record;
     record.header = std::move(header);
     std::vector<SignalFile> found = FilesOf(record.header);
