@@ -18,14 +18,15 @@ namespace fs = std::filesystem;
 /// A recording in the temporary folder, in the page cache once written, and removed at the end.
 class BenchFile {
   public:
-    /// `header`: the content of the file that the recording is opened by, where the samples lie in another.
+    /// `header`: the content of the file that the recording is opened by, where the samples lie in another;
+    /// `extension`: that of its name.
     template <typename Write>
-    BenchFile(const char* name, Write write, const std::string& header = {})
+    BenchFile(const char* name, Write write, const std::string& header = {}, const char* extension = ".vhdr")
         : m_path(fs::temp_directory_path() / name), m_header(m_path) {
         std::ofstream file(m_path, std::ios::binary);
         write(file);
         file.close();
-        if (!header.empty()) std::ofstream(m_header.replace_extension(".vhdr"), std::ios::binary) << header;
+        if (!header.empty()) std::ofstream(m_header.replace_extension(extension), std::ios::binary) << header;
         m_source = Open(m_path);
         const std::u16string opened = m_header.u16string();
         m_block = ReadRecording({Open(m_header), opened, FilesBeside(opened, Language::English)}).blocks.front();
@@ -111,6 +112,14 @@ void BrainVisionFile(benchmark::State& state, const std::string& orientation, co
     FileExtremes(state, file);
 }
 
+/// The same bytes in a format of WFDB, as the signal lines of a header tell it.
+void WfdbFile(benchmark::State& state, const std::string& format) {
+    std::string header = "quillon_bench 32 1000\n";
+    for (std::size_t at = 0; at < samples::kBenchChannels; ++at) header += "quillon_bench.dat " + format + "\n";
+    const BenchFile file("quillon_bench.dat", samples::WriteBenchFrames, header, ".hea");
+    FileExtremes(state, file);
+}
+
 /// The route that the one-pass reduction stands in for: every channel's samples read by themselves, then the two
 /// library calls for every run. `ratio` here is how many times longer it takes.
 void LiteralRoute(benchmark::State& state) {
@@ -184,6 +193,12 @@ BENCHMARK_CAPTURE(BrainVisionFile, multiplexed, "MULTIPLEXED", "INT_16")->Apply(
 BENCHMARK_CAPTURE(BrainVisionFile, vectorized, "VECTORIZED", "INT_16")->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
 BENCHMARK_CAPTURE(BrainVisionFile, wide, "MULTIPLEXED", "INT_32")->Apply(Rounds)->Arg(100);
 BENCHMARK_CAPTURE(BrainVisionFile, wide_vectorized, "VECTORIZED", "INT_32")->Apply(Rounds)->Arg(100);
+BENCHMARK_CAPTURE(WfdbFile, 16, "16")->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(WfdbFile, 212, "212")->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(WfdbFile, 16x4, "16x4")->Apply(Rounds)->Arg(100);
+BENCHMARK_CAPTURE(WfdbFile, 24, "24")->Apply(Rounds)->Arg(100);
+BENCHMARK_CAPTURE(WfdbFile, 8, "8")->Apply(Rounds)->Arg(100);
+BENCHMARK_CAPTURE(WfdbFile, 310, "310")->Apply(Rounds)->Arg(100);
 
 BENCHMARK(SummaryMade)->Apply(Rounds)->Arg(2000);
 BENCHMARK(SummaryUsed)->Apply(Rounds)->Arg(100)->Arg(500)->Arg(2000);
