@@ -75,6 +75,7 @@ VIFileVersion "${VERSION}.0"
   !insertmacro ${do} rf64
   !insertmacro ${do} flac
   !insertmacro ${do} vhdr
+  !insertmacro ${do} hea
 !macroend
 
 ; Lists the program under "Open with"; which program opens the files by default is left as it is.
