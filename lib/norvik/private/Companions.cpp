@@ -28,11 +28,12 @@ std::shared_ptr<ByteSource> OpenInFolder(const std::u16string& folder, const std
     std::shared_ptr<ByteSource> source = OpenFileSource(folder + name, error);
     if (source) return source;
     // Recordings come from systems that do not tell letter cases apart.
+    const std::u16string lower = LowerCase(name);
     std::error_code failure;
     std::filesystem::directory_iterator entry(NativePath(folder.empty() ? u"." : folder), failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
         const std::u16string other = FromNativePath(entry->path().filename());
-        if (other == name || LowerCase(other) != LowerCase(name)) continue;
+        if (other.size() != name.size() || other == name || LowerCase(other) != lower) continue;
         Bilingual ignored;
         source = OpenFileSource(folder + other, ignored);
         if (source) break;

@@ -21,18 +21,19 @@ struct Copy {
 };
 
 template <std::size_t Width, bool Wide, typename Load>
-void CopyNumbers(Copy copy, const Load& load) {
-    std::size_t at = copy.skipped;
-    for (; copy.count > 0; --copy.count, copy.to += copy.step) {
-        const std::int32_t number = load(copy.from + at * Width);
-        if constexpr (Wide) {
-            PutLe32(copy.to, static_cast<std::uint32_t>(number));
-        } else {
-            PutLe16(copy.to, static_cast<std::uint16_t>(number));
-        }
-        if (++at == copy.runNumbers) {
-            at = 0;
-            copy.from += copy.frameBytes;
+void CopyNumbers(const Copy& copy, const Load& load) {
+    const std::uint8_t* from = copy.from;
+    std::uint8_t* to = copy.to;
+    for (std::size_t done = 0, at = copy.skipped; done < copy.count; at = 0, from += copy.frameBytes) {
+        const std::size_t end = std::min(copy.runNumbers, at + (copy.count - done));
+        done += end - at;
+        for (; at < end; ++at, to += copy.step) {
+            const auto number = static_cast<std::uint32_t>(load(from + at * Width));
+            if constexpr (Wide) {
+                PutLe32(to, number);
+            } else {
+                PutLe16(to, static_cast<std::uint16_t>(number));
+            }
         }
     }
 }
@@ -70,7 +71,6 @@ void GatheredSource::ReadUnits(std::uint64_t first, std::size_t count, std::uint
 void GatheredSource::ReadFile(std::size_t file, std::uint64_t first, std::size_t count, std::uint8_t* out) {
     const NumberFile& of = m_files[file];
     const std::size_t frameBytes = of.FrameBytes();
-    const std::size_t width = UnitBytes() / m_signals.size();
     const std::uint64_t mostFrames = std::max<std::size_t>(kPieceBytes / frameBytes, 1);
     while (count > 0) {
         const std::uint64_t frame = first / of.runNumbers;
@@ -79,15 +79,27 @@ void GatheredSource::ReadFile(std::size_t file, std::uint64_t first, std::size_t
             static_cast<std::size_t>(std::min<std::uint64_t>(count, mostFrames * of.runNumbers - skipped));
         const std::size_t frames = (skipped + part + of.runNumbers - 1) / of.runNumbers;
         const std::uint8_t* const piece = m_piece.Read(*of.source, frame * frameBytes, frames * frameBytes);
-        for (std::size_t at = 0; at < m_signals.size(); ++at) {
-            if (m_signals[at].file != file) continue;
-            const std::uint8_t* const from = piece + m_signals[at].place * SampleBytes(of.kind);
-            const Copy copy{from, frameBytes, of.runNumbers, skipped, part, out + at * width, UnitBytes()};
-            width == 4 ? CopyKind<true>(of.kind, copy) : CopyKind<false>(of.kind, copy);
+        const std::size_t tile = std::max<std::size_t>(kTileBytes / frameBytes, 1);
+        for (std::size_t at = 0; at < frames; at += tile) {
+            const std::size_t from = std::max(at * of.runNumbers, skipped);
+            const std::size_t end = std::min((at + tile) * of.runNumbers, skipped + part);
+            CopyTile(file, piece + at * frameBytes, {from - at * of.runNumbers, end - from},
+                     out + (from - skipped) * UnitBytes());
         }
         first += part;
         count -= part;
         out += part * UnitBytes();
+    }
+}
+
+void GatheredSource::CopyTile(std::size_t file, const std::uint8_t* frames, const Range& samples, std::uint8_t* out) {
+    const NumberFile& of = m_files[file];
+    const std::size_t width = UnitBytes() / m_signals.size();
+    for (std::size_t at = 0; at < m_signals.size(); ++at, out += width) {
+        if (m_signals[at].file != file) continue;
+        const std::uint8_t* const from = frames + m_signals[at].place * SampleBytes(of.kind);
+        const Copy copy{from, of.FrameBytes(), of.runNumbers, samples.skipped, samples.count, out, UnitBytes()};
+        width == 4 ? CopyKind<true>(of.kind, copy) : CopyKind<false>(of.kind, copy);
     }
 }
 

@@ -39,6 +39,11 @@ class GatheredSource final : public UnitSource {
   private:
     void ReadUnits(std::uint64_t first, std::size_t count, std::uint8_t* out) override;
     void ReadFile(std::size_t file, std::uint64_t first, std::size_t count, std::uint8_t* out);
+    struct Range {
+        std::size_t skipped = 0;  ///< samples of each signal in the first frame that are not wanted
+        std::size_t count = 0;
+    };
+    void CopyTile(std::size_t file, const std::uint8_t* frames, const Range& samples, std::uint8_t* out);
 
     std::vector<NumberFile> m_files;
     std::vector<GatheredSignal> m_signals;

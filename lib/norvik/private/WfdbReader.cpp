@@ -79,6 +79,7 @@ class Segments {
     void Add(const std::shared_ptr<const WfdbRecord>& record, const WfdbSegment& segment, std::u16string title,
              Parts& parts) {
         if (record->frames < segment.frames) ++m_cut;
+        if (parts.remarks.empty()) parts.remarks = record->remarks;
         parts.all.push_back({record, parts.frames, std::min(record->frames, segment.frames), std::move(title)});
     }
     /// Null for one that cannot be read.

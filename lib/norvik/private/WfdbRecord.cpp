@@ -113,30 +113,33 @@ std::shared_ptr<ByteSource> SumDifferences(std::shared_ptr<ByteSource> source, c
 }
 
 /// Samples as numbers that blocks read.
-void MakeNumbers(std::shared_ptr<ByteSource> source, const WfdbHeader& header, SignalFile& file) {
-    const int format = header.signals[file.signals.front()].format;
+void MakeNumbers(const std::shared_ptr<ByteSource>& source, const WfdbHeader& header, SignalFile& file) {
+    const WfdbSignal& first = header.signals[file.signals.front()];
     NumberFile& numbers = file.numbers;
-    std::size_t framesPerFrame = 1;
     for (const std::size_t at : file.signals) numbers.frameNumbers += header.signals[at].samplesPerFrame;
-    if (format > kFlacFormat) {
-        const auto flac = OpenFlac(source, header, file);
-        numbers.kind = flac->Width() == 2 ? SampleKind::Int16 : SampleKind::Int32;
-        numbers.source = flac;
-        framesPerFrame = header.signals[file.signals.front()].samplesPerFrame;
-        numbers.frameNumbers = file.signals.size();
-    }
-    switch (format) {
-        case 8: numbers.source = SumDifferences(source, header, file), numbers.kind = SampleKind::Int32; break;
-        case 16: numbers.source = source; break;
-        case 24: numbers.source = source, numbers.kind = SampleKind::Int24; break;
-        case 32: numbers.source = source, numbers.kind = SampleKind::Int32; break;
-        case 61: numbers.source = std::make_shared<ReorderedSource>(source, 2, true, false); break;
-        case 80: numbers.source = source, numbers.kind = SampleKind::Unsigned8; break;
-        case 160: numbers.source = std::make_shared<ReorderedSource>(source, 2, false, true); break;
-        case 212: numbers.source = std::make_shared<PackedSource>(source, Packing::Format212); break;
-        case 310: numbers.source = std::make_shared<PackedSource>(source, Packing::Format310); break;
-        case 311: numbers.source = std::make_shared<PackedSource>(source, Packing::Format311); break;
-        default: break;
+    const auto use = [&](std::shared_ptr<ByteSource> made, SampleKind kind = SampleKind::Int16) {
+        numbers.source = std::move(made);
+        numbers.kind = kind;
+    };
+    const auto unpack = [&](Packing packing) { use(std::make_shared<PackedSource>(source, packing)); };
+    std::size_t framesPerFrame = 1;
+    switch (first.format) {
+        case 8: use(SumDifferences(source, header, file), SampleKind::Int32); break;
+        case 16: use(source); break;
+        case 24: use(source, SampleKind::Int24); break;
+        case 32: use(source, SampleKind::Int32); break;
+        case 61: use(std::make_shared<ReorderedSource>(source, 2, true, false)); break;
+        case 80: use(source, SampleKind::Unsigned8); break;
+        case 160: use(std::make_shared<ReorderedSource>(source, 2, false, true)); break;
+        case 212: unpack(Packing::Format212); break;
+        case 310: unpack(Packing::Format310); break;
+        case 311: unpack(Packing::Format311); break;
+        default: {
+            const auto flac = OpenFlac(source, header, file);
+            use(flac, flac->Width() == 2 ? SampleKind::Int16 : SampleKind::Int32);
+            framesPerFrame = first.samplesPerFrame;
+            numbers.frameNumbers = file.signals.size();
+        }
     }
     file.frames = numbers.source->Size() / numbers.FrameBytes() / framesPerFrame;
     if (file.frames > 0) return;
