@@ -284,9 +284,11 @@ TEST(WfdbReader, AnnotationsBecomeMarks) {
     EXPECT_THAT(marks(own), ElementsAre("0 3 is a note", "100 X", "101 CAL", "101 N"));
     EXPECT_THAT(marks(own, 1), ElementsAre("0 3 is a note", "402 X", "406 CAL", "406 N"));
 
-    // What does not end as it should is told, and the next annotator tried.
+    // What does not end as it should is told, and the next annotator tried; the one that was opened is the first.
     const std::string whole = plain.Get();
     folder.files[u"a.qrs"] = own.Get();
+    EXPECT_THAT(folder.Refused(u"a.qrs"), HasSubstr("; annotations of a.qrs"));
+    EXPECT_THAT(folder.Refused(u"a.atr"), HasSubstr("; annotations of a.atr"));
     for (const std::string& damaged : {whole.substr(0, whole.size() - 2), whole + "x", whole.substr(0, 9),
                                        std::string("1"), std::string(), std::string(16, '\xFF')}) {
         folder.files[u"a.atr"] = damaged;

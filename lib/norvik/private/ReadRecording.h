@@ -18,6 +18,8 @@ struct RecordingFile {
     std::u16string name;         ///< with or without its folder
     Companions companions = {};  ///< the files beside it
     ReadBudget budget = {};
+    /// Name of the file that the user has opened, where it is not this one but another of the recording.
+    std::u16string member{};
 };
 
 struct TypeName {

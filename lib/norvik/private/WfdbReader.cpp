@@ -171,9 +171,18 @@ Parts OpenSingle(WfdbHeader header, const std::u16string& headerName, CompanionP
     return parts;
 }
 
+/// The annotators in the order in which they are tried: the one that was opened first.
+std::vector<std::u16string_view> Annotators(const RecordingFile& file) {
+    std::vector<std::u16string_view> annotators(kAnnotators.begin(), kAnnotators.end());
+    const std::u16string opened = LowerCase(file.member);
+    std::stable_partition(annotators.begin(), annotators.end(),
+                          [&](std::u16string_view extension) { return opened.ends_with(extension); });
+    return annotators;
+}
+
 /// The annotations of the first annotator that has any.
 WfdbAnnotations ReadAnnotations(const RecordingFile& file, std::size_t groups, std::vector<Bilingual>& remarks) {
-    for (const std::u16string_view extension : kAnnotators) {
+    for (const std::u16string_view extension : Annotators(file)) {
         const std::u16string name = BareNameOf(file.name) + std::u16string(extension);
         Bilingual ignored;
         const std::shared_ptr<ByteSource> source = file.companions.Open(name, ignored);
