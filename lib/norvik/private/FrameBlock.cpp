@@ -32,6 +32,16 @@ double FullScaleUnit(SampleKind kind) {
 FrameBlock::FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description)
     : FileBlock(std::move(description)), m_source(std::move(source)), m_layout(layout) {}
 
+FrameBlock::FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description,
+                       std::vector<WideCoding> coding)
+    : FileBlock(std::move(description)),
+      m_source(std::move(source)),
+      m_layout(layout),
+      m_coding(std::move(coding)),
+      m_known(true) {
+    for (std::size_t channel = 0; channel < m_coding.size(); ++channel) SetScale(channel, m_coding[channel].scale);
+}
+
 std::int32_t FrameBlock::SamplesPerPiece() const {
     constexpr std::size_t piece = 4 * kPieceBytes;
     return static_cast<std::int32_t>(std::max<std::size_t>(piece / ReadBytes(), 1));

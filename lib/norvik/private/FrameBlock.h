@@ -32,6 +32,9 @@ struct FrameLayout {
 class FrameBlock final : public FileBlock {
   public:
     FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description);
+    /// The same, of wide samples whose scales are known without a pass, one for each channel.
+    FrameBlock(std::shared_ptr<ByteSource> source, const FrameLayout& layout, BlockDescription description,
+               std::vector<WideCoding> coding);
 
     [[nodiscard]] bool FramesAreCheap() const override { return true; }
     [[nodiscard]] std::int32_t SamplesPerPiece() const override;
@@ -42,7 +45,7 @@ class FrameBlock final : public FileBlock {
     void FetchRows(std::int32_t first, std::int32_t count, std::int16_t* buffer) override;
     bool FetchExtremes(std::span<const std::size_t> channels, std::int32_t first, std::int32_t count, std::int32_t run,
                        std::span<RunExtremes* const> out) override;
-    [[nodiscard]] bool HasWideSamples() const override { return IsWide(m_layout.kind); }
+    [[nodiscard]] bool HasWideSamples() const override { return IsWide(m_layout.kind) && !m_known; }
     void Scan(std::int32_t first, std::int32_t count) override;
     void ChooseScales(double headroom) override;
     [[nodiscard]] std::int32_t QuickStretches() const override;
@@ -65,6 +68,7 @@ class FrameBlock final : public FileBlock {
     FrameLayout m_layout;
     std::vector<SeenSamples> m_seen;   ///< of wide kinds, by channel: what Scan has seen
     std::vector<WideCoding> m_coding;  ///< of wide kinds; empty until they are chosen
+    bool m_known = false;              ///< what they are, from the beginning
     PieceBuffer m_piece;
 };
 

@@ -12,6 +12,7 @@
 #include "norvik/private/BrainVisionReader.h"
 #include "norvik/private/EdfReader.h"
 #include "norvik/private/FlacReader.h"
+#include "norvik/private/TableReader.h"
 #include "norvik/private/WaveReader.h"
 #include "norvik/private/WfdbHeader.h"
 #include "norvik/private/WfdbReader.h"
@@ -38,7 +39,7 @@ RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
 
-constexpr std::array<FileType, 7> kFileTypes{{
+constexpr std::array<FileType, 8> kFileTypes{{
     {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadBinFile},
     {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadWaveFile},
     {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
@@ -54,6 +55,7 @@ constexpr std::array<FileType, 7> kFileTypes{{
      LooksLikeWfdb,
      ReadWfdb,
      u"*.dat;*.mat;*.atr;*.ari;*.ecg;*.qrs;*.st;*.apn;*.ann"},
+    {{u"Text Tables", u"Текстовые таблицы"}, u"*.txt;*.csv;*.tsv", LooksLikeTable, ReadTable},
 }};
 
 /// The extensions of masks: ".ext".
