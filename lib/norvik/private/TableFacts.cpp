@@ -31,10 +31,12 @@ class RateFinder {
     [[nodiscard]] double UnitsPerSecond() const { return m_unitsPerSecond; }
 
   private:
-    [[nodiscard]] double Usable(double rate) const { return rate > 0.0 && std::isfinite(rate) ? rate : 0.0; }
-    /// Of single numbers: samples, rate and step in this order, any of them left out.
-    [[nodiscard]] double FromNumbers(double timed) const;
-    void FindUnit(double stated, double timed);
+    [[nodiscard]] static double Usable(double rate) { return rate > 0.0 && std::isfinite(rate) ? rate : 0.0; }
+    /// Of single numbers: samples, rate and step in this order, any of them left out. `timed`: the rate by the times in
+    /// the unit taken so far, 0 without them.
+    [[nodiscard]] double FromNumbers(double timed);
+    /// Whether the times, in one of the units that they may have, tell that rate; keeps the unit.
+    bool FindUnit(double rate, double timed);
 
     const TableHead& m_head;
     const TableRows& m_rows;
@@ -42,7 +44,18 @@ class RateFinder {
     double m_unitsPerSecond;
 };
 
-double RateFinder::FromNumbers(double timed) const {
+bool RateFinder::FindUnit(double rate, double timed) {
+    constexpr double rounded = 0.02;
+    constexpr std::array units{1.0, 1e3, 1e6, 1.0 / 60.0};
+    if (m_head.clock.unitTold) return AreNear(timed, rate, rounded);
+    const auto* const unit = std::find_if(units.begin(), units.end(),
+                                          [&](double perSecond) { return AreNear(timed * perSecond, rate, rounded); });
+    if (unit == units.end()) return false;
+    m_unitsPerSecond = *unit;
+    return true;
+}
+
+double RateFinder::FromNumbers(double timed) {
     std::vector<double> numbers = m_head.numbers;
     // Rate and step are written as the shortest text of a single.
     constexpr double single = 1e-6;
@@ -51,38 +64,24 @@ double RateFinder::FromNumbers(double timed) const {
         if (AreNear(rate * numbers.back(), 1.0, single)) return Usable(rate);
     }
     if (!numbers.empty() && numbers.front() == static_cast<double>(m_rows.Rows())) numbers.erase(numbers.begin());
-    if (numbers.empty() || !(numbers.back() > 0.0)) return 0.0;
+    if (numbers.empty() || Usable(numbers.back()) == 0.0) return 0.0;
     const double number = numbers.back();
-    if (timed > 0.0) {
-        constexpr double rounded = 0.02;
-        if (AreNear(number, timed, rounded)) return Usable(number);
-        return AreNear(1.0 / number, timed, rounded) ? Usable(1.0 / number) : 0.0;
-    }
+    if (timed > 0.0) return FindUnit(number, timed) ? number : FindUnit(1.0 / number, timed) ? 1.0 / number : 0.0;
+    m_remarks.push_back(Say(u"rate taken from the number above the table", u"частота взята из числа над таблицей"));
     return Usable(number >= 1.0 ? number : 1.0 / number);
-}
-
-void RateFinder::FindUnit(double stated, double timed) {
-    constexpr double rounded = 0.02;
-    for (const double unit : {1.0, 1e3, 1e6, 1.0 / 60.0}) {
-        if (AreNear(timed * unit, stated, rounded)) {
-            m_unitsPerSecond = unit;
-            return;
-        }
-    }
 }
 
 double RateFinder::Find() {
     const bool timed = m_head.clock.step > 0.0;
     double byTime = timed ? Usable(m_rows.Timing().Rate(m_unitsPerSecond)) : 0.0;
     if (timed && byTime == 0.0) byTime = Usable(m_unitsPerSecond / m_head.clock.step);
-    double stated = FromNumbers(m_head.clock.unitTold ? byTime : 0.0);
+    double stated = FromNumbers(byTime);
     if (stated == 0.0) stated = Usable(m_head.rate);
-    if (timed && stated > 0.0 && !m_head.clock.unitTold) FindUnit(stated, byTime);
-    if (timed && stated == 0.0 && !m_head.clock.unitTold)
+    const bool fits = stated > 0.0 && timed && FindUnit(stated, byTime);
+    if (timed && !m_head.clock.unitTold && !fits)
         m_remarks.push_back(Say(u"times taken as seconds", u"время принято в секундах"));
-    if (stated > 0.0 && !timed && m_head.numbers.size() == 1)
-        m_remarks.push_back(Say(u"rate taken from the number above the table", u"частота взята из числа над таблицей"));
-    if (stated > 0.0) return stated;
+    // Times say more than a text.
+    if (stated > 0.0 && (fits || !timed)) return stated;
     if (byTime > 0.0) return byTime;
     m_remarks.push_back(
         Say(u"no sampling rate in the file, taken as 1 Hz", u"частота в файле не указана, принята 1 Гц"));

@@ -62,6 +62,11 @@ bool ParseNumberField(std::string_view field, char decimal, TableNumber& number)
     return ParseTableNumber(ended.data(), decimal, number) == ended.data() + field.size();
 }
 
+bool ParseLoneNumber(std::string_view line, TableNumber& number) {
+    const std::string_view field = Trim(line);
+    return ParseNumberField(field, '.', number) || ParseNumberField(field, ',', number);
+}
+
 FieldKind KindOfField(std::string_view field, char decimal) {
     TableNumber number;
     if (ParseNumberField(field, decimal, number)) return FieldKind::Number;

@@ -29,6 +29,9 @@ const char* TakeTableField(const char* at, const char* end, const TableFormat& f
 /// Whether the whole field is a number.
 [[nodiscard]] bool ParseNumberField(std::string_view field, char decimal, TableNumber& number);
 
+/// The same with a point or a comma, for numbers that stand alone in a line.
+[[nodiscard]] bool ParseLoneNumber(std::string_view line, TableNumber& number);
+
 /// What a field is, `decimal` being the decimal sign. Infinities count as missing.
 [[nodiscard]] FieldKind KindOfField(std::string_view field, char decimal);
 

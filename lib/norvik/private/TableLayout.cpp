@@ -1,6 +1,8 @@
 #include "norvik/private/TableLayout.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <map>
 #include <optional>
 #include <tuple>
@@ -103,15 +105,30 @@ std::optional<Trial> Try(const TableLines& sample, const TableFormat& format) {
     return trial;
 }
 
+/// Whether three lines from `first` on are the number of rows, their rate and its inverse, written above a single
+/// column without a title.
+bool AreNumbersAbove(const TableLines& lines, std::size_t first) {
+    constexpr double single = 1e-6;
+    if (first + 4 > lines.size()) return false;
+    std::array<TableNumber, 3> numbers;
+    for (std::size_t at = 0; at < numbers.size(); ++at) {
+        if (!ParseLoneNumber(lines[first + at], numbers[at])) return false;
+    }
+    const double rows = numbers[0].value;
+    const bool inverse = std::fabs(numbers[1].value * numbers[2].value - 1.0) <= single;
+    return inverse && rows == std::trunc(rows) && rows >= static_cast<double>(lines.size() - first - numbers.size());
+}
+
 /// Finds the first row.
 void FindFirst(const TableLines& lines, Trial& trial) {
     TableLayout& layout = trial.layout;
     const auto isRow = [&](std::size_t at) { return IsTableRow(lines[at], layout); };
     std::size_t first = 0;
     while (first < lines.size() && !isRow(first)) ++first;
-    // Single numbers may stand above the title of a single column.
+    // Single numbers may stand above a single column, with its title or without.
     if (layout.Fields() == 1) {
         constexpr std::size_t mostNumbers = 4;
+        if (AreNumbersAbove(lines, first)) first += 3;
         for (std::size_t at = first; at < std::min(first + mostNumbers, lines.size()); ++at) {
             if (!isRow(at) && at + 1 < lines.size() && isRow(at + 1) && !IsTableRemark(lines[at], layout.format))
                 first = at + 1;

@@ -83,6 +83,8 @@ void SplitUnit(std::u16string& title, std::u16string& unit) {
 
 /// A line with a text for each column; empty where it is none.
 std::vector<std::u16string> Texts(std::string_view line, const TableLayout& layout) {
+    TableNumber number;
+    if (ParseLoneNumber(line, number)) return {};
     const std::vector<std::string_view> fields = SplitTableLine(WithoutMark(line), layout.format);
     const std::size_t extra = !fields.empty() && fields.back().empty() ? 1 : 0;
     if (fields.size() != layout.Fields() && fields.size() != layout.Fields() + extra) return {};
@@ -157,8 +159,7 @@ void ReadTableTitles(const TableLines& lines, TableHead& head) {
     for (std::size_t line = 0; line < head.layout.firstRow; ++line) {
         ReadKey(lines[line], head);
         TableNumber number;
-        if (ParseNumberField(Trim(lines[line]), head.layout.format.decimal, number))
-            head.numbers.push_back(number.value);
+        if (ParseLoneNumber(lines[line], number)) head.numbers.push_back(number.value);
     }
     for (std::size_t at = 0; at < columns; ++at) {
         if (head.units[at].empty()) SplitUnit(head.titles[at], head.units[at]);
