@@ -76,6 +76,9 @@ VIFileVersion "${VERSION}.0"
   !insertmacro ${do} flac
   !insertmacro ${do} vhdr
   !insertmacro ${do} hea
+  !insertmacro ${do} txt
+  !insertmacro ${do} csv
+  !insertmacro ${do} tsv
 !macroend
 
 ; Lists the program under "Open with"; which program opens the files by default is left as it is.

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "BenchRecordings.h"
+#include "ClimateTable.h"
 #include "EegRecording.h"
 #include "EvokedRecording.h"
 #include "HolterRecording.h"
@@ -38,6 +39,7 @@ void MakeSamples(const fs::path& folder, bool bench) {
     MakeFile(folder / "06_Holter_ECG.hea", [&](std::ostream& file) { file << holter.header; });
     MakeFile(folder / "06_Holter_ECG.dat", [&](std::ostream& file) { file << holter.samples; });
     MakeFile(folder / "06_Holter_ECG.atr", [&](std::ostream& file) { file << holter.annotations; });
+    MakeFile(folder / "07 Climate.csv", [](std::ostream& file) { file << ClimateTable(); });
     if (!bench) return;
     MakeFile(folder / "05 Bench 32ch.bin", [](std::ostream& file) { WriteBenchBin(file, 4700); });
     MakeFile(folder / "05 Bench 32ch.edf", [](std::ostream& file) { WriteBenchEdf(file, 3600); });

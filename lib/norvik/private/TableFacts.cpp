@@ -147,8 +147,10 @@ TableFacts FindTableFacts(const TableHead& head, const TableRows& rows, const By
     facts.rate = finder.Find();
     facts.channels = Channels(head);
     for (const TableStretch& stretch : rows.Timing().Stretches()) {
+        // Where cells could not be kept, times of further rows are known.
+        if (stretch.firstRow >= rows.Rows()) break;
         const double date = DateOf(stretch.first, head.clock, head, finder.UnitsPerSecond(), source.ModifiedTime());
-        facts.stretches.push_back({stretch.firstRow, stretch.rows, date});
+        facts.stretches.push_back({stretch.firstRow, std::min(stretch.rows, rows.Rows() - stretch.firstRow), date});
     }
     facts.startTime = facts.stretches.front().startTime;
     const auto leftOut = std::count(head.layout.isText.begin(), head.layout.isText.end(), true);

@@ -125,7 +125,7 @@ void TableFile::MakeBlocks(RecordingContent& content) {
     std::vector<WideCoding> codings;
     for (std::size_t at = 0; at < m_rows.Columns().size(); ++at)
         codings.push_back({1.0, ScaleOfColumn(m_rows.Columns()[at], m_steps.empty() ? std::nullopt : m_steps[at])});
-    content.info = DescribeFrames({u"Text", u"Text"}, recording);
+    content.info = DescribeFrames({u"Text", u"Текст"}, recording);
     for (const Bilingual& remark : facts.remarks) AppendRemark(content.info, remark);
     if (!m_failure.english.empty()) {
         AppendRemark(content.info, Say(u"read up to row %1: ", u"прочитано строк: %1; ",
@@ -169,7 +169,6 @@ RecordingContent ReadTable(const RecordingFile& file) {
     while (more && (table->BytesRead() < file.budget.opening || table->Rows() == 0))
         more = table->Step(table->StepBytes());
     if (table->Rows() == 0) throw FormatError(Say(u"the table has no rows", u"в таблице нет строк"));
-    // The rest of a file that is read takes no longer than a step.
     RecordingContent content;
     content.format = u"Text";
     table->Update(content, more);

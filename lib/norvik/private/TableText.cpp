@@ -56,9 +56,9 @@ std::string_view TableText::NextLines() {
     std::size_t searched = 0;
     while (m_offset < m_source->Size()) {
         ReadPiece();
-        const std::size_t last = m_text.rfind('\n');
-        if (last != std::string::npos && last >= searched) {
-            m_used = last + 1;
+        const std::size_t last = std::string_view(m_text).substr(searched).rfind('\n');
+        if (last != std::string::npos) {
+            m_used = searched + last + 1;
             return std::string_view(m_text).substr(0, m_used);
         }
         searched = m_text.size();

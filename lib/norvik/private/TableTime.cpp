@@ -107,8 +107,14 @@ std::optional<TableMoment> ParseTableMoment(std::string_view text) {
     if (negative || !ParseDate(rest, moment)) return std::nullopt;
     if (rest.AtEnd()) return moment;
     if (!rest.Skip("T ") || !ParseClock(rest, moment)) return std::nullopt;
-    // World time is all that a zone can be here: what the clock showed is not told.
-    rest.Skip("Z");
+    // A time zone: what the clock showed is what counts.
+    if (rest.Skip("+-")) {
+        std::size_t digits = 0;
+        if (!rest.Number(4, digits)) return std::nullopt;
+        if (rest.Skip(":") && !rest.Number(2, digits)) return std::nullopt;
+    } else {
+        rest.Skip("Z");
+    }
     if (!rest.AtEnd()) return std::nullopt;
     return moment;
 }
