@@ -62,8 +62,8 @@ TEST(RecordingLibrary, TheExtensionChoosesTheReaderOfAnUnrecognisedFile) {
     using Case = std::pair<std::u16string_view, std::string>;
     for (const auto& [name, part] :
          {Case(u"A.EDF", "3 of 256"), Case(u"a.bdf", "3 of 256"), Case(u"a.Rf64", "3 of 12"),
-          Case(u"a.bin", "3 of 128"),
-          Case(u"a.txt", "not a recording of a known format (the file begins with 01 02 03)")})
+          Case(u"a.bin", "3 of 128"), Case(u"a.TSV", "no table of numbers"),
+          Case(u"a.xyz", "not a recording of a known format (the file begins with 01 02 03)")})
         ExpectRefusal(SourceOf(FileBytes().Text("\x01\x02\x03")), name, part);
 }
 

@@ -79,7 +79,6 @@ class TableFile {
     std::optional<TableStepSearch> m_search;
     std::vector<std::optional<TableSteps>> m_steps;
     std::uint64_t m_shownRows = 0;  ///< of the blocks that were made last
-    std::size_t m_shownStretches = 0;
 };
 
 bool TableFile::ReadRows(std::uint64_t bytes) {
@@ -148,11 +147,9 @@ void TableFile::Update(RecordingContent& content, bool more) {
     constexpr double parsing = 0.9;
     content.share = !more ? 1.0 : !m_search ? parsing * m_text.Share() : parsing + (1.0 - parsing) * m_search->Share();
     content.share = more ? std::min(content.share, 0.999) : 1.0;
-    const std::size_t stretches = m_rows.Timing().Stretches().size();
-    // Blocks that have hardly grown would be loaded again for nothing.
-    if (more && stretches == m_shownStretches && 4 * m_rows.Rows() < 5 * m_shownRows) return;
+    // All blocks are made anew, as rate and scales follow from all rows: only where there are a good deal more.
+    if (more && 4 * m_rows.Rows() < 5 * m_shownRows) return;
     m_shownRows = m_rows.Rows();
-    m_shownStretches = stretches;
     MakeBlocks(content);
     ++content.version;
 }
