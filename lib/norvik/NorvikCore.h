@@ -128,7 +128,8 @@ class Recording {
     [[nodiscard]] virtual std::shared_ptr<RecordingBlock> GetBlock(std::int16_t number) = 0;
     /// Reads the next piece (about 1 MiB) of what opening left out, first what lies near a sample of a block; returns
     /// whether more is left. Marks of the blocks grow, blocks are added, and the last one grows: GetBlock then gives a
-    /// new object, and the old one stays as it was. Titles of stretches may change until the end. Where the file cannot
+    /// new object, and the old one stays as it was. Titles of stretches may change until the end, and so may rate and
+    /// scales where all samples decide them, as of tables of text. Where the file cannot
     /// be read, what was found stays, and FileInfo tells up to where.
     virtual bool ReadMore(std::int16_t /*block*/, std::int32_t /*nearSample*/) { return false; }
     /// Share that is read, 0 to 1.

@@ -155,8 +155,8 @@ TableFacts FindTableFacts(const TableHead& head, const TableRows& rows, const By
     facts.startTime = facts.stretches.front().startTime;
     const auto leftOut = std::count(head.layout.isText.begin(), head.layout.isText.end(), true);
     if (leftOut > 0)
-        facts.remarks.push_back(Say(u"%1 columns of text left out", u"пропущено столбцов с текстом: %1",
-                                    {Count(static_cast<std::uint64_t>(leftOut))}));
+        facts.remarks.push_back(Say(leftOut == 1 ? u"%1 column of text left out" : u"%1 columns of text left out",
+                                    u"пропущено столбцов с текстом: %1", {Count(static_cast<std::uint64_t>(leftOut))}));
     if (facts.stretches.size() > 1)
         facts.remarks.push_back(Say(u"%1 stretches", u"участков: %1", {Count(facts.stretches.size())}));
     if (rows.Timing().HasGoneBack()) facts.remarks.push_back(Say(u"times go back", u"время идёт назад"));

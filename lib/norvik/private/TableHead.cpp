@@ -131,8 +131,12 @@ class TimeFinder {
     void TakeMoments(std::size_t column, const Sampled& sampled);
     void TakeNumbers(const Sampled& sampled, bool named);
     void SetPrecision(const Sampled& sampled);
-    /// The first place where a step is neither usual nor a gap; nothing where steps are even.
-    [[nodiscard]] std::optional<std::size_t> FindUneven(const std::vector<double>& times) const;
+    /// The first place where a step is off the usual one by more than `steps` of it and `digits`; nothing where most
+    /// are not.
+    [[nodiscard]] std::optional<std::size_t> FindUneven(const std::vector<double>& times, double steps,
+                                                        double digits) const;
+    /// Whether a column that nothing names is one of times: even but for the rounding, and not at odds with the rate.
+    [[nodiscard]] bool LooksLikeTimes(const Sampled& sampled) const;
     void RefuseUneven(const Sampled& sampled) const;
 
     const TableLines& m_lines;
@@ -158,14 +162,14 @@ void TimeFinder::SetPrecision(const Sampled& sampled) {
     clock.relative = std::pow(10.0, 1 - std::clamp(sampled.digits, 1, 16));
 }
 
-std::optional<std::size_t> TimeFinder::FindUneven(const std::vector<double>& times) const {
+std::optional<std::size_t> TimeFinder::FindUneven(const std::vector<double>& times, double steps, double digits) const {
     const TableClock& clock = m_head.clock;
     std::size_t uneven = 0;
     std::optional<std::size_t> first;
     for (std::size_t at = 1; at < times.size(); ++at) {
         const double digit = std::max(clock.digit, std::fabs(times[at]) * clock.relative);
         const double off = times[at] - times[at - 1] - clock.step;
-        if (!(std::fabs(off) > clock.step / 2.0 + 2.5 * digit)) continue;
+        if (!(std::fabs(off) > clock.step * steps + digits * digit)) continue;
         ++uneven;
         if (!first) first = at;
     }
@@ -173,7 +177,7 @@ std::optional<std::size_t> TimeFinder::FindUneven(const std::vector<double>& tim
 }
 
 void TimeFinder::RefuseUneven(const Sampled& sampled) const {
-    if (const auto at = FindUneven(sampled.times)) {
+    if (const auto at = FindUneven(sampled.times, 0.5, 2.5)) {
         throw FormatError(Say(u"the rows are not evenly spaced (line %1: step %2, else %3)",
                               u"строки идут неравномерно (строка %1: шаг %2, в остальных %3)",
                               {Decimal(static_cast<std::int64_t>(sampled.lines[*at]) + 1),
@@ -191,15 +195,25 @@ void TimeFinder::TakeMoments(std::size_t column, const Sampled& sampled) {
     RefuseUneven(sampled);
 }
 
+bool TimeFinder::LooksLikeTimes(const Sampled& sampled) const {
+    const std::vector<double>& times = sampled.times;
+    const bool rises = std::adjacent_find(times.begin(), times.end(),
+                                          [](double one, double next) { return !(one < next); }) == times.end();
+    const double step = m_head.clock.step;
+    const bool ramp = step == 1.0 && sampled.decimals == 0 && !sampled.exponents;
+    if (times.size() < 3 || !rises || ramp || FindUneven(times, 0.001, 1.5)) return false;
+    constexpr double rounded = 0.02;
+    return m_head.rate == 0.0 || std::any_of(kTimeUnits.begin(), kTimeUnits.end(), [&](const TimeUnit& unit) {
+               return std::fabs(step * m_head.rate / unit.perSecond - 1.0) < rounded;
+           });
+}
+
 void TimeFinder::TakeNumbers(const Sampled& sampled, bool named) {
     TableClock& clock = m_head.clock;
     const std::vector<double>& times = sampled.times;
     clock.step = UsualStep(times);
     SetPrecision(sampled);
-    const bool rising = std::adjacent_find(times.begin(), times.end(),
-                                           [](double one, double next) { return !(one < next); }) == times.end();
-    const bool ramp = clock.step == 1.0 && sampled.decimals == 0 && !sampled.exponents;
-    if (!named && (times.size() < 3 || !rising || ramp || FindUneven(times))) {
+    if (!named && !LooksLikeTimes(sampled)) {
         clock = {};
         return;
     }

@@ -77,6 +77,14 @@ bool ParseClock(Digits& text, TableMoment& moment) {
             seconds += *fraction / std::pow(10.0, moment.decimals);
         }
     }
+    // "12:30 AM" is half an hour after midnight.
+    Digits half = text;
+    half.Skip(" ");
+    const bool afternoon = half.Next() == 'P' || half.Next() == 'p';
+    if (half.Skip("AaPp") && half.Skip("Mm") && *hours >= 1 && *hours <= 12) {
+        text = half;
+        seconds += (afternoon ? 43200.0 : 0.0) - (*hours == 12 ? 43200.0 : 0.0);
+    }
     moment.seconds = seconds;
     return true;
 }

@@ -16,8 +16,8 @@ struct TableMoment {
     int decimals = 0;               ///< of the seconds
 };
 
-/// "2024-05-31T12:00:05.250", "31.05.2024 12:00", "2024/05/31", "12:00:05,250", "1:05:00": years first, or days first
-/// with points or slashes. Nothing where it is none.
+/// "2024-05-31T12:00:05.250", "31.05.2024 12:00", "2024/05/31", "12:00:05,250", "1:05:00 PM": years first, or days
+/// first with points or slashes. Nothing where it is none.
 [[nodiscard]] std::optional<TableMoment> ParseTableMoment(std::string_view text);
 
 /// Rows between two gaps of a table.
