@@ -73,6 +73,7 @@ class NoiseFile {
             case SampleKind::Int32: return add(wide, 4);
             case SampleKind::Float32: return add(std::bit_cast<std::uint32_t>(single), 4);
             case SampleKind::Float64: return add(std::bit_cast<std::uint64_t>(static_cast<double>(single)), 8);
+            default: return;
         }
     }
 

@@ -1,6 +1,7 @@
 #include "base/DateTime.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -24,6 +25,24 @@ double DateFromCivil(const CivilTime& time) {
     const sys_days date = sys_days{month0 / 1} + days{time.day - 1};
     const double milliseconds = ((time.hour * 60.0 + time.minute) * 60.0 + time.second) * 1000.0 + time.millisecond;
     return static_cast<double>((date - Epoch()).count()) + milliseconds / kMillisecondsPerDay;
+}
+
+std::optional<CivilTime> CivilFromDigits(std::u16string_view text) {
+    constexpr std::array<std::size_t, 6> sizes{4, 2, 2, 2, 2, 2};
+    std::array<int, sizes.size()> parts{};
+    if (text.size() != 14) return std::nullopt;
+    std::size_t at = 0;
+    for (std::size_t part = 0; part < sizes.size(); ++part) {
+        for (const std::size_t end = at + sizes[part]; at < end; ++at) {
+            if (text[at] < u'0' || text[at] > u'9') return std::nullopt;
+            parts[part] = parts[part] * 10 + (text[at] - u'0');
+        }
+    }
+    const auto [year, month, day, hour, minute, second] = parts;
+    const bool valid =
+        year >= 1 && month >= 1 && month <= 12 && day >= 1 && day <= 31 && hour < 24 && minute < 60 && second < 61;
+    if (!valid) return std::nullopt;
+    return CivilTime{year, month, day, hour, minute, second, 0};
 }
 
 CivilTime CivilFromDate(double date) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 /// Dates as the automation date format keeps them: days since 30 December 1899 00:00 as a double, with the time of day
 /// as the fraction. No time zone: every date is the recording's own local time.
@@ -21,6 +23,9 @@ struct CivilTime {
 
 /// To the nearest millisecond.
 [[nodiscard]] CivilTime CivilFromDate(double date);
+
+/// "20110404125702": none where there is another letter than these 14 digits, or a field out of range.
+[[nodiscard]] std::optional<CivilTime> CivilFromDigits(std::u16string_view text);
 
 /// "2011-04-04T12:57:02.000"
 [[nodiscard]] std::string Iso8601(double date);

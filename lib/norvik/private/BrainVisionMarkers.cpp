@@ -1,7 +1,6 @@
 #include "norvik/private/BrainVisionMarkers.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -19,26 +18,19 @@ constexpr std::u16string_view kNewSegment = u"New Segment";
 
 /// "YYYYMMDDhhmmssuuuuuu"; recorders without a clock write zeros, or a date of the year 0.
 std::optional<std::int64_t> ParseDate(std::u16string_view text) {
-    constexpr std::array<std::size_t, 7> sizes{4, 2, 2, 2, 2, 2, 6};
-    std::array<int, sizes.size()> parts{};
-    if (text.size() != 20) return std::nullopt;
-    std::size_t at = 0;
-    for (std::size_t part = 0; part < sizes.size(); ++part) {
-        for (const std::size_t end = at + sizes[part]; at < end; ++at) {
-            if (text[at] < u'0' || text[at] > u'9') return std::nullopt;
-            parts[part] = parts[part] * 10 + (text[at] - u'0');
-        }
+    const std::optional<CivilTime> time = CivilFromDigits(text.substr(0, 14));
+    if (!time || text.size() != 20) return std::nullopt;
+    int micros = 0;
+    for (const char16_t letter : text.substr(14)) {
+        if (letter < u'0' || letter > u'9') return std::nullopt;
+        micros = micros * 10 + (letter - u'0');
     }
-    const auto [year, month, day, hour, minute, second, micros] = parts;
-    const bool valid =
-        year >= 1 && month >= 1 && month <= 12 && day >= 1 && day <= 31 && hour < 24 && minute < 60 && second < 61;
-    if (!valid) return std::nullopt;
     CivilTime date;
-    date.year = year;
-    date.month = month;
-    date.day = day;
+    date.year = time->year;
+    date.month = time->month;
+    date.day = time->day;
     const auto days = static_cast<std::int64_t>(DateFromCivil(date));
-    return (((days * 24 + hour) * 60 + minute) * 60 + second) * 1000000 + micros;
+    return (((days * 24 + time->hour) * 60 + time->minute) * 60 + time->second) * 1000000 + micros;
 }
 
 double DaysOf(std::int64_t microseconds) {

@@ -8,6 +8,7 @@
 #include "base/Text.h"
 #include "norvik/private/EdfDate.h"
 #include "norvik/private/FileBlock.h"
+#include "norvik/private/SignalRecords.h"
 
 namespace quillon {
 
@@ -42,11 +43,6 @@ std::u16string Number(std::uint64_t number) {
     return Decimal(static_cast<std::int64_t>(number));
 }
 
-[[noreturn]] void RefuseCut(std::uint64_t size, std::uint64_t needed) {
-    Refuse(Say(u"the header ends at byte %1 of %2", u"заголовок обрывается на байте %1 из %2",
-               {Number(size), Number(needed)}));
-}
-
 std::optional<std::int64_t> ParseWhole(std::string_view field) {
     const std::optional<double> number = ParseEdfNumber(field);
     if (!number || std::nearbyint(*number) != *number || std::abs(*number) > kLargestWhole) return std::nullopt;
@@ -69,46 +65,22 @@ class SignalFields {
     std::size_t m_signals;
 };
 
-/// Warnings about the signals' limits; reported once for all signals.
-struct LimitOddities {
-    std::size_t signals = 0;
-    std::u16string first;  ///< label of the first such signal
-    std::uint64_t place = 0;
-
-    void AddTo(std::vector<Bilingual>& notes) const {
-        if (signals == 0) return;
-        notes.push_back(Say(u"no usable limits in %1 of the signals, first in '%2' at byte %3: shown as stored",
-                            u"негодные пределы у сигналов: %1, первый «%2», байт %3: показаны хранимые числа",
-                            {Number(signals), first, Number(place)}));
-    }
-};
-
-void ReadScale(const SignalFields& fields, std::size_t at, EdfSignal& signal, LimitOddities& odd) {
+void ReadUnits(const SignalFields& fields, std::size_t at, EdfSignal& signal, UselessLimits& useless) {
     const Field physical = fields.At(104, 8, at);
     const std::optional<double> physicalMinimum = ParseEdfNumber(physical.text);
     const std::optional<double> physicalMaximum = ParseEdfNumber(fields.At(112, 8, at).text);
     const std::optional<double> digitalMinimum = ParseEdfNumber(fields.At(120, 8, at).text);
     const std::optional<double> digitalMaximum = ParseEdfNumber(fields.At(128, 8, at).text);
-    if (physicalMinimum && physicalMaximum && digitalMinimum && digitalMaximum && *digitalMaximum != *digitalMinimum) {
-        const double scale = (*physicalMaximum - *physicalMinimum) / (*digitalMaximum - *digitalMinimum);
-        const double offset = *physicalMinimum - scale * *digitalMinimum;
-        // The block keeps both in single precision, where they may become zero or infinite.
-        const bool usable = std::isfinite(static_cast<float>(scale)) && std::isfinite(static_cast<float>(offset)) &&
-                            static_cast<float>(scale) != 0.0F;
-        if (usable) {
-            signal.unitsPerSample = scale;
-            signal.unitsOffset = offset;
-            return;
-        }
-    }
-    if (odd.signals++ == 0) {
-        odd.first = signal.label;
-        odd.place = physical.place;
-    }
+    std::optional<LinearUnits> units;
+    if (physicalMinimum && physicalMaximum && digitalMinimum && digitalMaximum)
+        units = UnitsOfLimits(*physicalMinimum, *physicalMaximum, *digitalMinimum, *digitalMaximum);
+    if (!units) return useless.Add(signal.label, physical.place);
+    signal.unitsPerSample = units->perSample;
+    signal.unitsOffset = units->offset;
 }
 
 void ReadSignals(const SignalFields& fields, std::size_t count, EdfHeader& header) {
-    LimitOddities odd;
+    UselessLimits useless;
     for (std::size_t at = 0; at < count; ++at) {
         EdfSignal signal;
         const std::string_view label = Trim(fields.At(0, 16, at).text);
@@ -124,37 +96,19 @@ void ReadSignals(const SignalFields& fields, std::size_t count, EdfHeader& heade
         signal.offset = header.recordBytes;
         header.recordBytes += signal.partBytes;
         const bool annotations = label == "EDF Annotations" || label == "BDF Annotations";
-        if (!annotations) ReadScale(fields, at, signal, odd);
+        if (!annotations) ReadUnits(fields, at, signal, useless);
         (annotations ? header.annotations : header.signals).push_back(std::move(signal));
     }
-    odd.AddTo(header.notes);
+    if (Bilingual remark = useless.Remark(); !remark.english.empty()) header.notes.push_back(std::move(remark));
 }
 
-/// How many records there are: the header's count where the file holds them all, else as many as are whole.
-void CountRecords(const Field& field, std::uint64_t fileSize, EdfHeader& header) {
-    const std::uint64_t dataBytes = fileSize - header.dataStart;
-    const std::uint64_t whole = dataBytes / header.recordBytes;
-    if (whole == 0) {
-        Refuse(Say(u"no whole record: the first one takes bytes %1 to %2, the file ends at byte %3",
-                   u"нет ни одной целой записи: первая занимает байты с %1 по %2, файл кончается на байте %3",
-                   {Number(header.dataStart), Number(header.dataStart + header.recordBytes), Number(fileSize)}));
-    }
-    header.records = whole;
-    const std::optional<std::int64_t> told = ParseWhole(field.text);
-    if (!told || *told < 1) {
-        header.notes.push_back(Say(u"record count '%1' at byte %2: counted from the file's size",
-                                   u"число записей «%1», байт %2: посчитано по размеру файла",
-                                   {field.Shown(), Number(field.place)}));
-    } else if (static_cast<std::uint64_t>(*told) > whole) {
-        header.notes.push_back(
-            Say(u"cut short: %1 of %2 records", u"файл обрезан: записей %1 из %2", {Number(whole), Decimal(*told)}));
-    } else {
-        header.records = static_cast<std::uint64_t>(*told);
-        const std::uint64_t left = dataBytes - header.records * header.recordBytes;
-        if (left == 0) return;
-        header.notes.push_back(
-            Say(u"%1 bytes after the last record", u"после последней записи ещё байт: %1", {Number(left)}));
-    }
+void ReadRecordCount(const Field& field, std::uint64_t fileSize, EdfHeader& header) {
+    RecordCount records = CountRecords(fileSize, header.dataStart, header.recordBytes,
+                                       {ParseWhole(field.text), field.Shown(), field.place});
+    header.records = records.count;
+    const std::uint64_t left = fileSize - header.dataStart - header.records * header.recordBytes;
+    if (records.stated && left > 0) records.remark = RemarkOnRest(left);
+    if (!records.remark.english.empty()) header.notes.push_back(std::move(records.remark));
 }
 
 void ReadNames(std::string_view patient, std::string_view recording, bool plus, EdfHeader& header) {
@@ -265,7 +219,7 @@ std::u16string PlainNumber(double number) {
 
 EdfHeader ReadEdfHeader(ByteSource& source) {
     const std::uint64_t size = source.Size();
-    if (size < kFixedBytes) RefuseCut(size, kFixedBytes);
+    if (size < kFixedBytes) RefuseCutHeader(size, kFixedBytes);
     const std::string fixed = ReadText(source, 0, kFixedBytes);
     const std::vector<std::uint8_t> start(fixed.begin(), fixed.end());
     const std::string_view all = fixed;
@@ -283,7 +237,7 @@ EdfHeader ReadEdfHeader(ByteSource& source) {
     const auto signalCount = static_cast<std::size_t>(*signals);
     // The count has four characters; a count that exceeds the file is reported as a truncated header.
     header.dataStart = kFixedBytes + signalCount * kPerSignalBytes;
-    if (size < header.dataStart) RefuseCut(size, header.dataStart);
+    if (size < header.dataStart) RefuseCutHeader(size, header.dataStart);
 
     const std::string perSignal = ReadText(source, kFixedBytes, signalCount * kPerSignalBytes);
     const Field length{all.substr(184, 8), 184};
@@ -301,7 +255,7 @@ EdfHeader ReadEdfHeader(ByteSource& source) {
         RefuseField(u"record duration", u"длительность записи", seconds);
     }
     header.recordSeconds = *duration;
-    CountRecords({all.substr(236, 8), 236}, size, header);
+    ReadRecordCount({all.substr(236, 8), 236}, size, header);
     return header;
 }
 

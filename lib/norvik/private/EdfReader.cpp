@@ -13,22 +13,28 @@
 #include "norvik/private/FrameCount.h"
 #include "norvik/private/RecordBlock.h"
 #include "norvik/private/SignalGroups.h"
+#include "norvik/private/SignalRecords.h"
 
 namespace quillon {
 
 namespace {
 
+/// A group and what its blocks share.
 struct EdfGroup : SignalGroup {
     std::shared_ptr<const RecordLayout> layout;
     std::shared_ptr<const std::vector<ChannelDescription>> channels;
 };
+
+SampleKind KindOf(const EdfHeader& header) {
+    return header.sampleBytes == 2 ? SampleKind::Int16 : SampleKind::Int24;
+}
 
 void DescribeChannels(const EdfHeader& header, EdfGroup& group) {
     const auto layout = std::make_shared<RecordLayout>();
     const auto channels = std::make_shared<std::vector<ChannelDescription>>();
     layout->recordBytes = header.recordBytes;
     layout->samplesPerRecord = header.signals[group.signals.front()].samplesPerRecord;
-    layout->kind = header.sampleBytes == 2 ? SampleKind::Int16 : SampleKind::Int24;
+    layout->kind = KindOf(header);
     for (const std::size_t ordinal : group.signals) {
         const EdfSignal& signal = header.signals[ordinal];
         ChannelDescription channel;
@@ -47,11 +53,13 @@ void DescribeChannels(const EdfHeader& header, EdfGroup& group) {
 }
 
 std::vector<EdfGroup> MakeGroups(const EdfHeader& header) {
-    std::vector<std::uint64_t> samples;
-    for (const EdfSignal& signal : header.signals) samples.push_back(signal.samplesPerRecord);
+    std::vector<SignalShape> shapes;
+    for (const EdfSignal& signal : header.signals) {
+        const double rate = static_cast<double>(signal.samplesPerRecord) / header.recordSeconds;
+        shapes.push_back({signal.samplesPerRecord, KindOf(header), rate});
+    }
     std::vector<EdfGroup> groups;
-    for (SignalGroup& group : GroupSignals(
-             samples, [&](std::uint64_t count) { return static_cast<double>(count) / header.recordSeconds; })) {
+    for (SignalGroup& group : GroupSignals(shapes)) {
         groups.push_back({std::move(group), nullptr, nullptr});
         DescribeChannels(header, groups.back());
     }
@@ -174,14 +182,7 @@ std::vector<Bilingual> Notes(const EdfFile& file) {
 
 Bilingual Describe(const EdfFile& file) {
     const EdfHeader& header = file.header;
-    const std::size_t signals = header.signals.size();
-    Bilingual info = Say(signals == 1 ? u"%1, %2 signal" : u"%1, %2 signals", u"%1, сигналов: %2",
-                         {header.format, Decimal(static_cast<std::int64_t>(signals))});
-    const Bilingual records =
-        Say(header.records == 1 ? u", %1 record of %2 s" : u", %1 records of %2 s", u", записей: %1 по %2 с",
-            {Decimal(static_cast<std::int64_t>(header.records)), PlainNumber(header.recordSeconds)});
-    info.english += records.english;
-    info.russian += records.russian;
+    Bilingual info = DescribeRecords(header.format, header.signals.size(), header.records, header.recordSeconds);
     const std::vector<Bilingual> found = Notes(file);
     for (const std::vector<Bilingual>* notes : {&header.notes, &found}) {
         for (const Bilingual& note : *notes) AppendRemark(info, note);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "base/LittleEndian.h"
 #include "norvik/private/WideSamples.h"
 #include "nsp/SplitFrames.h"
 
@@ -17,12 +18,19 @@ constexpr std::uint64_t kLargeRecord = 32768;
 }  // namespace
 
 RecordBlock::RecordBlock(BlockDescription description, const std::shared_ptr<ByteSource>& source, std::uint64_t start,
-                         std::shared_ptr<const RecordLayout> layout)
-    : FileBlock(std::move(description)), m_layout(std::move(layout)), m_records(source, start, m_layout->recordBytes) {}
+                         std::shared_ptr<const RecordLayout> layout, std::uint64_t skipped)
+    : FileBlock(std::move(description)),
+      m_layout(std::move(layout)),
+      m_records(source, start, m_layout->recordBytes),
+      m_skipped(skipped) {
+    const auto isEven = [](std::uint64_t number) { return number % 2 == 0; };
+    m_inPlace = m_layout->kind == SampleKind::Int16 && isEven(start) && isEven(m_layout->recordBytes) &&
+                std::all_of(m_layout->offsets.begin(), m_layout->offsets.end(), isEven);
+}
 
 std::int32_t RecordBlock::SamplesPerPiece() const {
     const std::uint64_t record = std::max<std::uint64_t>(m_layout->recordBytes, 1);
-    // The samples of a record take at least 2 bytes each, so that no product overflows.
+    // The samples of a record take at least a byte each, so that no product overflows.
     const std::uint64_t samples =
         record <= kStepBytes
             ? kStepBytes / record * m_layout->samplesPerRecord
@@ -44,15 +52,16 @@ void RecordBlock::Scan(std::int32_t first, std::int32_t count) {
             m_seen[channel].Add({m_layout->kind, channels[channel], width, bytes / width});
         }
     };
-    m_records.Visit(m_layout->offsets, m_layout->samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
-                    static_cast<std::uint64_t>(count) * width, visit);
+    m_records.Visit(m_layout->offsets, m_layout->samplesPerRecord * width,
+                    (m_skipped + static_cast<std::uint64_t>(first)) * width, static_cast<std::uint64_t>(count) * width,
+                    visit);
 }
 
 void RecordBlock::ChooseScales(double headroom) {
     m_seen.resize(Channels());
     m_coding.clear();
     for (std::size_t channel = 0; channel < m_seen.size(); ++channel) {
-        const RecordLayout::Units& units = m_layout->units[channel];
+        const LinearUnits& units = m_layout->units[channel];
         m_coding.push_back(ChooseCoding(m_layout->kind, m_seen[channel], units.perSample, units.offset, headroom));
         SetScale(channel, m_coding.back().scale);
     }
@@ -64,25 +73,28 @@ void RecordBlock::VisitCodes(std::span<const std::size_t> channels, std::int32_t
     offsets.reserve(channels.size());
     for (const std::size_t channel : channels) offsets.push_back(m_layout->offsets[channel]);
     const std::size_t width = SampleBytes(m_layout->kind);
-    const bool wide = HasWideSamples();
     std::vector<const std::int16_t*> codes(channels.size());
     const auto visit = [&](std::uint64_t position, std::span<const std::uint8_t* const> streams, std::size_t bytes) {
         const std::size_t samples = bytes / width;
-        if (wide) m_codes.resize(std::max(m_codes.size(), samples * channels.size()));
+        if (!m_inPlace) m_codes.resize(std::max(m_codes.size(), samples * channels.size()));
         for (std::size_t which = 0; which < channels.size(); ++which) {
-            // Every field of a record of 16-bit samples has an even size, so the bytes are aligned.
-            codes[which] = wide ? DecodeWide(channels[which], streams[which], samples, which * samples)
-                                : reinterpret_cast<const std::int16_t*>(streams[which]);
+            codes[which] = m_inPlace ? reinterpret_cast<const std::int16_t*>(streams[which])
+                                     : Decode(channels[which], streams[which], samples, which * samples);
         }
         visitor(static_cast<std::size_t>(position / width), codes, samples);
     };
-    m_records.Visit(offsets, m_layout->samplesPerRecord * width, static_cast<std::uint64_t>(first) * width,
-                    static_cast<std::uint64_t>(count) * width, visit);
+    m_records.Visit(offsets, m_layout->samplesPerRecord * width,
+                    (m_skipped + static_cast<std::uint64_t>(first)) * width, static_cast<std::uint64_t>(count) * width,
+                    visit);
 }
 
-const std::int16_t* RecordBlock::DecodeWide(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
-                                            std::size_t place) {
+const std::int16_t* RecordBlock::Decode(std::size_t channel, const std::uint8_t* bytes, std::size_t samples,
+                                        std::size_t place) {
     std::int16_t* const codes = m_codes.data() + place;
+    if (m_layout->kind == SampleKind::Int16) {
+        for (std::size_t at = 0; at < samples; ++at) codes[at] = LeSigned16(bytes + 2 * at);
+        return codes;
+    }
     const WideCoding& coding = m_coding[channel];
     CodeSamples({m_layout->kind, bytes, SampleBytes(m_layout->kind), samples}, coding.factor, coding.scale, codes);
     return codes;
@@ -124,7 +136,7 @@ bool RecordBlock::FetchExtremes(std::span<const std::size_t> channels, std::int3
     const auto length = static_cast<std::uint64_t>(run);
     const std::uint64_t record = m_layout->samplesPerRecord;
     const bool fewRuns = record < 8 * length && record * channels.size() < 32 * length;
-    const bool join = run < 1000 && fewRuns && m_layout->recordBytes != record * 2;
+    const bool join = run < 1000 && fewRuns && m_layout->recordBytes != record * SampleBytes(m_layout->kind);
     const std::size_t rowLength = join ? joined / channels.size() : 0;
     std::vector<std::int16_t> rows(rowLength * channels.size());
     std::vector<const std::int16_t*> rowStarts;

@@ -190,8 +190,11 @@ void Place(const std::vector<SignalFile>& files, const std::vector<GatheredSigna
 
 void MakeGroups(const std::vector<SignalFile>& files, WfdbRecord& record) {
     const std::vector<WfdbSignal>& signals = record.header.signals;
-    std::vector<std::uint64_t> samples;
-    for (const WfdbSignal& signal : signals) samples.push_back(signal.samplesPerFrame);
+    std::vector<SignalShape> shapes;
+    for (const WfdbSignal& signal : signals) {
+        const double rate = static_cast<double>(signal.samplesPerFrame) * record.header.rate;
+        shapes.push_back({.samplesPerRecord = signal.samplesPerFrame, .rate = rate});
+    }
     std::vector<GatheredSignal> places(signals.size());
     for (std::size_t file = 0; file < files.size(); ++file) {
         std::size_t place = 0;
@@ -200,8 +203,7 @@ void MakeGroups(const std::vector<SignalFile>& files, WfdbRecord& record) {
             place += files[file].HoldsOneOfEach() ? 1 : signals[at].samplesPerFrame;
         }
     }
-    const double rate = record.header.rate;
-    for (SignalGroup& group : GroupSignals(samples, [&](std::uint64_t of) { return static_cast<double>(of) * rate; })) {
+    for (SignalGroup& group : GroupSignals(shapes)) {
         WfdbGroup made{std::move(group), 1, nullptr, {}, nullptr};
         made.samplesPerFrame = signals[made.signals.front()].samplesPerFrame;
         std::vector<ChannelDescription> channels;

@@ -21,22 +21,55 @@ constexpr std::size_t kWhole = 16;
 template <typename Sample>
 using Row = std::array<Sample, kRow>;
 
-void Gather(const std::uint8_t* at, std::size_t step, std::size_t count, bool threeBytes, std::int32_t* row) {
-    if (!threeBytes) {
-        for (std::size_t i = 0; i < count; ++i, at += step) row[i] = static_cast<std::int32_t>(Le32(at));
-        return;
+/// row[i] = load(sample i).
+template <typename Sample, typename Load>
+void Fill(const std::uint8_t* at, std::size_t step, std::size_t count, Sample* row, const Load& load) {
+    for (std::size_t i = 0; i < count; ++i, at += step) row[i] = static_cast<Sample>(load(at));
+}
+
+/// Three bytes are loaded with a fourth behind them, which goes; only the last sample may lie at the end of everything
+/// that was read.
+template <typename Load>
+void FillThreeBytes(const std::uint8_t* at, std::size_t step, std::size_t count, std::int32_t* row, const Load& load) {
+    if (count == 0) return;
+    Fill(at, step, count - 1, row, [&](const std::uint8_t* bytes) { return load(Le32(bytes) << 8U); });
+    const std::uint8_t* const last = at + (count - 1) * step;
+    row[count - 1] = load(static_cast<std::uint32_t>(LeSigned24(last)) << 8U);
+}
+
+void Gather(SampleKind kind, const std::uint8_t* at, std::size_t step, std::size_t count, std::int32_t* row) {
+    switch (kind) {
+        case SampleKind::Int8: return Fill(at, step, count, row, [](auto* bytes) { return std::int8_t(*bytes); });
+        case SampleKind::Uint8: return Fill(at, step, count, row, [](auto* bytes) { return *bytes; });
+        case SampleKind::Uint16: return Fill(at, step, count, row, Le16);
+        case SampleKind::Int24:
+            return FillThreeBytes(at, step, count, row,
+                                  [](std::uint32_t high) { return static_cast<std::int32_t>(high) >> 8; });
+        case SampleKind::Uint24:
+            return FillThreeBytes(at, step, count, row,
+                                  [](std::uint32_t high) { return static_cast<std::int32_t>(high >> 8U); });
+        default: return Fill(at, step, count, row, Le32);
     }
-    // Four bytes at once, except where the fourth may lie behind everything that was read.
-    for (std::size_t i = 0; i + 1 < count; ++i, at += step) row[i] = static_cast<std::int32_t>(Le32(at) << 8U) >> 8;
-    if (count > 0) row[count - 1] = LeSigned24(at);
 }
 
-void Gather(const std::uint8_t* at, std::size_t step, std::size_t count, bool, float* row) {
-    for (std::size_t i = 0; i < count; ++i, at += step) row[i] = LeFloat(at);
+void Gather(SampleKind, const std::uint8_t* at, std::size_t step, std::size_t count, float* row) {
+    Fill(at, step, count, row, LeFloat);
 }
 
-void Gather(const std::uint8_t* at, std::size_t step, std::size_t count, bool, double* row) {
-    for (std::size_t i = 0; i < count; ++i, at += step) row[i] = LeDouble(at);
+/// Whole numbers beyond 2^53 are rounded.
+void Gather(SampleKind kind, const std::uint8_t* at, std::size_t step, std::size_t count, double* row) {
+    switch (kind) {
+        case SampleKind::Uint32: return Fill(at, step, count, row, Le32);
+        case SampleKind::Int64:
+            return Fill(at, step, count, row, [](auto* bytes) { return static_cast<std::int64_t>(Le64(bytes)); });
+        case SampleKind::Uint64: return Fill(at, step, count, row, Le64);
+        default: return Fill(at, step, count, row, LeDouble);
+    }
+}
+
+/// Whether the samples lie in memory as they are in a row.
+bool IsRow(SampleKind kind) {
+    return kind == SampleKind::Int32 || kind == SampleKind::Float32 || kind == SampleKind::Float64;
 }
 
 /// Calls use(row, count) for one row of samples after the other; what follows the samples repeats the last one, up to
@@ -47,10 +80,10 @@ void ForEachRow(const StoredSamples& samples, const Use& use) {
     for (std::size_t done = 0; done < samples.count;) {
         const std::size_t part = std::min(kRow, samples.count - done);
         const std::uint8_t* const first = samples.first + done * samples.step;
-        if (samples.step == sizeof(Sample) && samples.kind != SampleKind::Int24) {
+        if (samples.step == sizeof(Sample) && IsRow(samples.kind)) {
             std::memcpy(row.data(), first, part * sizeof(Sample));
         } else {
-            Gather(first, samples.step, part, samples.kind == SampleKind::Int24, row.data());
+            Gather(samples.kind, first, samples.step, part, row.data());
         }
         for (std::size_t at = part; at % kWhole != 0; ++at) row[at] = row[part - 1];
         use(row.data(), part);
@@ -62,7 +95,10 @@ template <typename Use>
 void WithRows(const StoredSamples& samples, const Use& use) {
     switch (samples.kind) {
         case SampleKind::Float32: return ForEachRow<float>(samples, use);
-        case SampleKind::Float64: return ForEachRow<double>(samples, use);
+        case SampleKind::Float64:
+        case SampleKind::Uint32:
+        case SampleKind::Int64:
+        case SampleKind::Uint64: return ForEachRow<double>(samples, use);
         default: return ForEachRow<std::int32_t>(samples, use);
     }
 }
@@ -215,11 +251,18 @@ void CodeRow(const Sample* row, std::size_t count, const CodesOfTwo& codesOf, st
 
 std::size_t SampleBytes(SampleKind kind) {
     switch (kind) {
-        case SampleKind::Unsigned8: return 1;
-        case SampleKind::Int16: return 2;
-        case SampleKind::Int24: return 3;
+        case SampleKind::Unsigned8:
+        case SampleKind::Int8:
+        case SampleKind::Uint8: return 1;
+        case SampleKind::Int16:
+        case SampleKind::Uint16: return 2;
+        case SampleKind::Int24:
+        case SampleKind::Uint24: return 3;
         case SampleKind::Int32:
+        case SampleKind::Uint32:
         case SampleKind::Float32: return 4;
+        case SampleKind::Int64:
+        case SampleKind::Uint64:
         case SampleKind::Float64: return 8;
     }
     return 0;
@@ -243,8 +286,8 @@ WideCoding ChooseCoding(SampleKind kind, const SeenSamples& seen, double unitsPe
 
 void SeenSamples::Add(const StoredSamples& samples) {
     WithRows(samples, [this](const auto* row, std::size_t count) {
-        constexpr bool isFloat = std::is_floating_point_v<std::remove_cvref_t<decltype(*row)>>;
-        isFloat&& sixteenBits ? See<isFloat>(row, count, *this) : See<false>(row, count, *this);
+        constexpr bool isReal = std::is_floating_point_v<std::remove_cvref_t<decltype(*row)>>;
+        isReal&& sixteenBits ? See<isReal>(row, count, *this) : See<false>(row, count, *this);
     });
 }
 

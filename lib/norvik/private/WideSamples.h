@@ -8,13 +8,27 @@
 
 namespace quillon {
 
-/// How one sample is stored; all little-endian. Unsigned8 gives the code sample - 128. Float samples are full scale
-/// at 1.
-enum class SampleKind { Unsigned8, Int16, Int24, Int32, Float32, Float64 };
+/// How one sample is stored; all little-endian. Unsigned8 gives the code sample - 128; of all other whole numbers that
+/// are not Int16 the code stands for the number itself. Float samples are full scale at 1.
+enum class SampleKind {
+    Unsigned8,
+    Int16,
+    Int24,
+    Int32,
+    Float32,
+    Float64,
+    Int8,
+    Uint8,
+    Uint16,
+    Uint24,
+    Uint32,
+    Int64,
+    Uint64
+};
 
 [[nodiscard]] std::size_t SampleBytes(SampleKind kind);
 [[nodiscard]] bool IsFloat(SampleKind kind);
-/// True for the kinds that do not fit 16-bit codes as they are.
+/// True for the kinds whose codes are chosen by what the samples are.
 [[nodiscard]] bool IsWide(SampleKind kind);
 
 /// Whole numbers are kept exactly by this factor where floats hold what was recorded with 16 bits.
@@ -22,7 +36,7 @@ inline constexpr double kSixteenBits = 32768.0;
 
 /// Samples of one channel, `step` bytes from one to the next.
 struct StoredSamples {
-    SampleKind kind = SampleKind::Int16;  ///< of those wider than 16 bits here
+    SampleKind kind = SampleKind::Int24;  ///< a wide one
     const std::uint8_t* first = nullptr;
     std::size_t step = 0;
     std::size_t count = 0;
