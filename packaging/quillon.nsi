@@ -74,6 +74,7 @@ VIFileVersion "${VERSION}.0"
   !insertmacro ${do} wav
   !insertmacro ${do} rf64
   !insertmacro ${do} flac
+  !insertmacro ${do} gdf
   !insertmacro ${do} vhdr
   !insertmacro ${do} hea
   !insertmacro ${do} txt

@@ -9,6 +9,7 @@
 #include "EegRecording.h"
 #include "EvokedRecording.h"
 #include "HolterRecording.h"
+#include "ImageryRecording.h"
 #include "SampleRecordings.h"
 
 namespace {
@@ -40,6 +41,7 @@ void MakeSamples(const fs::path& folder, bool bench) {
     MakeFile(folder / "06_Holter_ECG.dat", [&](std::ostream& file) { file << holter.samples; });
     MakeFile(folder / "06_Holter_ECG.atr", [&](std::ostream& file) { file << holter.annotations; });
     MakeFile(folder / "07 Climate.csv", [](std::ostream& file) { file << ClimateTable(); });
+    MakeFile(folder / "08 Imagined movements.gdf", [](std::ostream& file) { file << ImageryFile(); });
     if (!bench) return;
     MakeFile(folder / "05 Bench 32ch.bin", [](std::ostream& file) { WriteBenchBin(file, 4700); });
     MakeFile(folder / "05 Bench 32ch.edf", [](std::ostream& file) { WriteBenchEdf(file, 3600); });

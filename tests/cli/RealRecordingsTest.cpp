@@ -134,7 +134,7 @@ TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
     int read = 0;
     int refused = 0;
     for (const char* folder :
-         {"edf", "bdf", "wav", "brainvision", "flac", "wfdb", "text", "malformed", "malformed-derived"}) {
+         {"edf", "bdf", "wav", "brainvision", "flac", "wfdb", "gdf", "text", "malformed", "malformed-derived"}) {
         for (const auto& entry : std::filesystem::directory_iterator(kRecordings / folder)) {
             std::filesystem::path reference = entry.path();
             reference += ".ref.json";
@@ -160,7 +160,7 @@ TEST(RealRecordings, AreReadAsTheIndependentProgramReadsThem) {
             }
         }
     }
-    EXPECT_GE(read, 36);
+    EXPECT_GE(read, 38);
     EXPECT_GE(refused, 8);
 }
 

@@ -12,6 +12,7 @@
 #include "norvik/private/BrainVisionReader.h"
 #include "norvik/private/EdfReader.h"
 #include "norvik/private/FlacReader.h"
+#include "norvik/private/GdfReader.h"
 #include "norvik/private/TableReader.h"
 #include "norvik/private/WaveReader.h"
 #include "norvik/private/WfdbHeader.h"
@@ -39,7 +40,11 @@ RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
 
-constexpr std::array<FileType, 8> kFileTypes{{
+RecordingContent ReadGdfFile(const RecordingFile& file) {
+    return ReadGdf(file.source);
+}
+
+constexpr std::array<FileType, 9> kFileTypes{{
     {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadBinFile},
     {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadWaveFile},
     {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
@@ -55,6 +60,7 @@ constexpr std::array<FileType, 8> kFileTypes{{
      LooksLikeWfdb,
      ReadWfdb,
      u"*.dat;*.mat;*.atr;*.ari;*.ecg;*.qrs;*.st;*.apn;*.ann"},
+    {{u"GDF Biosignals", u"Биосигналы GDF"}, u"*.gdf", LooksLikeGdf, ReadGdfFile},
     {{u"Text Tables", u"Текстовые таблицы"}, u"*.txt;*.csv;*.tsv", LooksLikeTable, ReadTable},
 }};
 
