@@ -8,6 +8,7 @@
 #include "base/Text.h"
 #include "norvik/private/EdfDate.h"
 #include "norvik/private/FileBlock.h"
+#include "norvik/private/Refusals.h"
 #include "norvik/private/SignalRecords.h"
 
 namespace quillon {

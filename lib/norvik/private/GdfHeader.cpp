@@ -9,6 +9,7 @@
 #include "base/LittleEndian.h"
 #include "base/Text.h"
 #include "norvik/private/FileBlock.h"
+#include "norvik/private/Refusals.h"
 
 namespace quillon {
 
@@ -27,13 +28,6 @@ constexpr int kFloatDuration = 221;
 
 std::u16string Number(std::uint64_t number) {
     return Decimal(static_cast<std::int64_t>(number));
-}
-
-/// "<name> <value> at byte <place>"
-[[noreturn]] void RefuseField(std::u16string_view english, std::u16string_view russian, const std::u16string& value,
-                              std::uint64_t place) {
-    throw FormatError(Say(std::u16string(english) + u" %1 at byte %2", std::u16string(russian) + u" %1, байт %2",
-                          {value, Number(place)}));
 }
 
 /// Up to the first zero, without blanks around.
@@ -224,11 +218,10 @@ GdfHeader ReadGdfHeader(ByteSource& source) {
     const bool second = header.hundredths >= kSecondEdition;
 
     const std::uint32_t channels = second ? Le16(fixed.data() + 252) : Le32(fixed.data() + 252);
-    if (channels == 0 || channels > kMostChannels)
-        RefuseField(u"channel count", u"число каналов", Number(channels), 252);
+    if (channels == 0 || channels > kMostChannels) RefuseField(u"channel count", u"число каналов", channels, 252);
     header.dataStart = second ? std::uint64_t{256} * Le16(fixed.data() + 184) : Le64(fixed.data() + 184);
     const std::uint64_t needed = kFixedBytes + channels * kPerChannelBytes;
-    if (header.dataStart < needed) RefuseField(u"header length", u"длина заголовка", Number(header.dataStart), 184);
+    if (header.dataStart < needed) RefuseField(u"header length", u"длина заголовка", header.dataStart, 184);
     if (size < header.dataStart || size < needed) RefuseCutHeader(size, header.dataStart);
 
     std::vector<std::uint8_t> perChannel(channels * kPerChannelBytes);

@@ -14,6 +14,7 @@
 #include "norvik/private/FlacReader.h"
 #include "norvik/private/GdfReader.h"
 #include "norvik/private/TableReader.h"
+#include "norvik/private/W64Chunks.h"
 #include "norvik/private/WaveReader.h"
 #include "norvik/private/WfdbHeader.h"
 #include "norvik/private/WfdbReader.h"
@@ -24,29 +25,19 @@ namespace {
 
 constexpr std::size_t kStartBytes = 4096;
 
-RecordingContent ReadBinFile(const RecordingFile& file) {
-    return ReadBin(file.source);
-}
-
-RecordingContent ReadWaveFile(const RecordingFile& file) {
-    return ReadWave(file.source);
-}
-
-RecordingContent ReadFlacFile(const RecordingFile& file) {
-    return ReadFlac(file.source);
+/// Of a recording that is one file.
+template <RecordingContent (*Read)(const std::shared_ptr<ByteSource>& source)>
+RecordingContent ReadOne(const RecordingFile& file) {
+    return Read(file.source);
 }
 
 RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
 
-RecordingContent ReadGdfFile(const RecordingFile& file) {
-    return ReadGdf(file.source);
-}
-
-constexpr std::array<FileType, 9> kFileTypes{{
-    {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadBinFile},
-    {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadWaveFile},
+constexpr std::array<FileType, 10> kFileTypes{{
+    {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadOne<ReadBin>},
+    {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadOne<ReadWave>},
     {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
     {{u"BDF 24-bit", u"BDF, 24 бита"}, u"*.bdf", LooksLikeEdf, ReadEdfFile},
     {{u"BrainVision Recordings", u"Записи BrainVision"},
@@ -54,13 +45,14 @@ constexpr std::array<FileType, 9> kFileTypes{{
      LooksLikeBrainVision,
      ReadBrainVision,
      u"*.eeg;*.dat;*.vmrk;*.amrk"},
-    {{u"FLAC Audio", u"Звук FLAC"}, u"*.flac", LooksLikeFlac, ReadFlacFile},
+    {{u"FLAC Audio", u"Звук FLAC"}, u"*.flac", LooksLikeFlac, ReadOne<ReadFlac>},
+    {{u"GDF Biosignals", u"Биосигналы GDF"}, u"*.gdf", LooksLikeGdf, ReadOne<ReadGdf>},
+    {{u"W64 Audio", u"Звук W64"}, u"*.w64", LooksLikeW64, ReadOne<ReadW64>},
     {{u"WFDB Records", u"Записи WFDB"},
      u"*.hea",
      LooksLikeWfdb,
      ReadWfdb,
      u"*.dat;*.mat;*.atr;*.ari;*.ecg;*.qrs;*.st;*.apn;*.ann"},
-    {{u"GDF Biosignals", u"Биосигналы GDF"}, u"*.gdf", LooksLikeGdf, ReadGdfFile},
     {{u"Text Tables", u"Текстовые таблицы"}, u"*.txt;*.csv;*.tsv", LooksLikeTable, ReadTable},
 }};
 
@@ -104,8 +96,7 @@ std::optional<RecordingContent> ReadByHeader(const RecordingFile& member, std::u
             const std::u16string header = BareNameOf(member.name) + std::u16string(extension);
             Bilingual ignored;
             if (const auto source = member.companions.Open(header, ignored))
-                return ReadHeader(type, {source, FolderOf(member.name) + header, member.companions, member.budget,
-                                         FileNameOf(member.name)});
+                return ReadHeader(type, {source, FolderOf(member.name) + header, member.companions, member.budget});
             missing += (missing.empty() ? u"" : u", ") + header;
         }
     }

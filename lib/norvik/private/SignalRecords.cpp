@@ -15,11 +15,6 @@ std::u16string Number(std::uint64_t number) {
 
 }  // namespace
 
-void RefuseCutHeader(std::uint64_t size, std::uint64_t needed) {
-    throw FormatError(Say(u"the header ends at byte %1 of %2", u"заголовок обрывается на байте %1 из %2",
-                          {Number(size), Number(needed)}));
-}
-
 std::optional<LinearUnits> UnitsOfLimits(double physicalMinimum, double physicalMaximum, double digitalMinimum,
                                          double digitalMaximum) {
     if (digitalMaximum == digitalMinimum) return std::nullopt;

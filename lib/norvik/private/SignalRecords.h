@@ -10,9 +10,6 @@
 /// What formats have in common whose records hold some samples of every signal: EDF, BDF, GDF.
 namespace quillon {
 
-/// Throws FormatError: the file has `size` bytes, its header `needed`.
-[[noreturn]] void RefuseCutHeader(std::uint64_t size, std::uint64_t needed);
-
 /// value = sample x perSample + offset.
 struct LinearUnits {
     double perSample = 1.0;

@@ -10,18 +10,8 @@ namespace quillon {
 
 namespace {
 
-constexpr std::uint64_t kFormHeaderBytes = 12;
-constexpr std::uint64_t kChunkHeaderBytes = 8;
 constexpr std::uint32_t kUnknownSize = 0xFFFFFFFF;
 constexpr std::uint64_t kMetadataBytes = std::uint64_t{16} * 1024 * 1024;
-/// More chunks than any writer makes; keeps a damaged file from being walked for minutes.
-constexpr int kMostChunks = 10000;
-
-struct ChunkHeader {
-    std::array<char, 4> id{};
-    std::uint32_t size = 0;
-    [[nodiscard]] std::string_view Id() const { return {id.data(), id.size()}; }
-};
 
 /// 64-bit sizes of chunks whose own header holds all ones.
 struct LongSizes {
@@ -43,18 +33,6 @@ bool IsIdLetter(char letter) {
     return letter >= 0x20 && letter <= 0x7E;
 }
 
-/// The header of a chunk at `offset`, if there can be one.
-std::optional<ChunkHeader> ReadChunkHeader(ByteSource& source, std::uint64_t offset) {
-    std::array<std::uint8_t, kChunkHeaderBytes> bytes{};
-    if (source.ReadAt(offset, bytes.data(), bytes.size()) != bytes.size()) return std::nullopt;
-    ChunkHeader header;
-    std::transform(bytes.begin(), bytes.begin() + 4, header.id.begin(),
-                   [](std::uint8_t byte) { return static_cast<char>(byte); });
-    if (!std::all_of(header.id.begin(), header.id.end(), IsIdLetter)) return std::nullopt;
-    header.size = Le32(bytes.data() + 4);
-    return header;
-}
-
 /// The "ds64" chunk: size of the form, of the data, sample count, then a table of further chunks.
 LongSizes ReadLongSizes(ByteSource& source, const WaveChunk& chunk) {
     const std::vector<std::uint8_t> bytes = ReadWaveChunk(source, chunk);
@@ -71,14 +49,6 @@ LongSizes ReadLongSizes(ByteSource& source, const WaveChunk& chunk) {
         sizes.entries.push_back(entry);
     }
     return sizes;
-}
-
-/// Where the next chunk starts: odd sizes are padded, though some writers forget it.
-std::uint64_t NextChunk(ByteSource& source, const WaveChunk& chunk) {
-    const std::uint64_t end = chunk.offset + chunk.available;
-    if (chunk.available % 2 == 0) return end;
-    const bool unpadded = ReadChunkHeader(source, end).has_value();
-    return unpadded ? end : end + 1;
 }
 
 /// True when a whole chunk lies at `offset`, so that what comes before it has ended there.
@@ -99,6 +69,25 @@ void KeepFirst(std::optional<WaveChunk>& place, const WaveChunk& chunk) {
 }
 
 }  // namespace
+
+std::optional<ChunkHeader> ReadChunkHeader(ByteSource& source, std::uint64_t offset, bool bigEndian) {
+    std::array<std::uint8_t, kChunkHeaderBytes> bytes{};
+    if (source.ReadAt(offset, bytes.data(), bytes.size()) != bytes.size()) return std::nullopt;
+    ChunkHeader header;
+    std::transform(bytes.begin(), bytes.begin() + 4, header.id.begin(),
+                   [](std::uint8_t byte) { return static_cast<char>(byte); });
+    if (!std::all_of(header.id.begin(), header.id.end(), IsIdLetter)) return std::nullopt;
+    if (bigEndian) std::reverse(bytes.begin() + 4, bytes.end());
+    header.size = Le32(bytes.data() + 4);
+    return header;
+}
+
+std::uint64_t NextChunk(ByteSource& source, const WaveChunk& chunk, bool bigEndian) {
+    const std::uint64_t end = chunk.offset + chunk.available;
+    if (chunk.available % 2 == 0) return end;
+    const bool unpadded = ReadChunkHeader(source, end, bigEndian).has_value();
+    return unpadded ? end : end + 1;
+}
 
 WaveChunks WalkWaveChunks(ByteSource& source) {
     WaveChunks chunks;

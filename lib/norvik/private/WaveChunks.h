@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "norvik/private/ByteSource.h"
@@ -23,6 +26,30 @@ struct WaveData {
     std::uint64_t rest = 0;        ///< bytes from the content's start to the end of the file
     std::uint32_t declared32 = 0;  ///< as the chunk's own header says
 };
+
+/// The header of a chunk: its name and its size, without the header.
+struct ChunkHeader {
+    std::array<char, 4> id{};
+    std::uint32_t size = 0;
+    [[nodiscard]] std::string_view Id() const { return {id.data(), id.size()}; }
+};
+
+/// Bytes of the header of a chunk, and of what is in front of the first one of a file.
+inline constexpr std::uint64_t kChunkHeaderBytes = 8;
+inline constexpr std::uint64_t kFormHeaderBytes = 12;
+/// More chunks than any writer makes; keeps a damaged file from being walked for minutes.
+inline constexpr int kMostChunks = 10000;
+
+[[nodiscard]] inline std::string_view Characters(std::span<const std::uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// The header of a chunk at `offset`, if there can be one; the size of files of the AIFF family is big-endian.
+[[nodiscard]] std::optional<ChunkHeader> ReadChunkHeader(ByteSource& source, std::uint64_t offset,
+                                                         bool bigEndian = false);
+
+/// Where the next chunk starts: odd sizes are padded, though some writers forget it.
+[[nodiscard]] std::uint64_t NextChunk(ByteSource& source, const WaveChunk& chunk, bool bigEndian = false);
 
 /// The chunks of a WAVE file that a recording is read from. The first of a kind counts, but for lists.
 struct WaveChunks {

@@ -2,6 +2,7 @@
 
 #include "base/LittleEndian.h"
 #include "base/Text.h"
+#include "norvik/private/Refusals.h"
 
 namespace quillon {
 
@@ -34,12 +35,6 @@ std::u16string Number(std::uint64_t number) {
     }
     throw FormatError(Say(u"compressed samples, %1 (%2), at byte %3", u"сжатые отсчёты, %1 (%2), в байте %3",
                           {std::u16string(name), Number(tag), Number(offset)}));
-}
-
-[[noreturn]] void RefuseField(std::u16string_view english, std::u16string_view russian, std::uint64_t value,
-                              std::uint64_t offset) {
-    throw FormatError(Say(std::u16string(english) + u" %1 at byte %2", std::u16string(russian) + u" %1 в байте %2",
-                          {Number(value), Number(offset)}));
 }
 
 /// The container of one sample: what the frame gives each channel, which is wider than the bits where these are padded;
@@ -101,12 +96,6 @@ WaveFormat ParseWaveFormat(std::span<const std::uint8_t> chunk, std::uint64_t of
                     format.frameBytes, offset + 12);
     }
     return format;
-}
-
-Bilingual WaveFormatName(const WaveFormat& format) {
-    const bool isFloat = format.kind == SampleKind::Float32 || format.kind == SampleKind::Float64;
-    return Say(isFloat ? u"WAVE, float %1 bit" : u"WAVE, PCM %1 bit",
-               isFloat ? u"WAVE, с плавающей точкой, %1 бит" : u"WAVE, PCM %1 бит", {Number(format.bits)});
 }
 
 }  // namespace quillon

@@ -21,7 +21,4 @@ struct WaveFormat {
 /// Throws FormatError for compressed samples and for numbers that cannot be.
 [[nodiscard]] WaveFormat ParseWaveFormat(std::span<const std::uint8_t> chunk, std::uint64_t offset);
 
-/// "WAVE, PCM 16 bit", "WAVE, float 32 bit"
-[[nodiscard]] Bilingual WaveFormatName(const WaveFormat& format);
-
 }  // namespace quillon

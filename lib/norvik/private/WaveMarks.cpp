@@ -5,16 +5,13 @@
 
 #include "base/LittleEndian.h"
 #include "base/Text.h"
+#include "norvik/private/WaveChunks.h"
 
 namespace quillon {
 
 namespace {
 
 constexpr std::size_t kCueBytes = 24;
-
-std::string_view Characters(std::span<const std::uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
 
 }  // namespace
 

@@ -1,6 +1,5 @@
 #include "norvik/private/WaveReader.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -8,6 +7,9 @@
 #include "base/Text.h"
 #include "norvik/private/FrameBlock.h"
 #include "norvik/private/FrameCount.h"
+#include "norvik/private/Refusals.h"
+#include "norvik/private/Sound.h"
+#include "norvik/private/W64Chunks.h"
 #include "norvik/private/WaveChunks.h"
 #include "norvik/private/WaveFormat.h"
 #include "norvik/private/WaveMarks.h"
@@ -16,15 +18,10 @@ namespace quillon {
 
 namespace {
 
-constexpr std::size_t kFormHeaderBytes = 12;
 /// Offset of the origination date, "yyyy-mm-dd", in the broadcast extension (EBU Tech 3285); the time, "hh:mm:ss",
 /// follows it.
 constexpr std::size_t kBroadcastDate = 320;
 constexpr std::size_t kBroadcastDateBytes = 18;
-
-std::string_view Characters(std::span<const std::uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
 
 /// The decimal number of `size` digits at `at`; -1 where there are others than digits.
 int Digits(std::string_view text, std::size_t at, std::size_t size) {
@@ -64,10 +61,7 @@ void CheckForm(ByteSource& source) {
         throw FormatError(Say(u"RIFX (big-endian WAVE) at byte 0 is not supported",
                               u"RIFX (WAVE с обратным порядком байт) в байте 0 не поддерживается"));
     }
-    if (size < kFormHeaderBytes) {
-        throw FormatError(Say(u"the header ends at byte %1 of 12", u"заголовок обрывается на байте %1 из 12",
-                              {Decimal(static_cast<std::int64_t>(size))}));
-    }
+    if (size < kFormHeaderBytes) RefuseCutHeader(size, kFormHeaderBytes);
     if (!LooksLikeWave(start))
         throw FormatError(Say(u"no \"RIFF\" and \"WAVE\" at byte 0", u"нет \"RIFF\" и \"WAVE\" в байте 0"));
 }
@@ -79,43 +73,16 @@ FrameCount CountWaveFrames(const WaveData& data, std::size_t frameBytes) {
     return CountFrames(data.chunk.declared, data.rest, frameBytes);
 }
 
-[[noreturn]] void RefuseMissing(std::u16string_view chunk, const ByteSource& source) {
-    throw FormatError(Say(u"no \"%1\" chunk from byte 12 to %2", u"нет блока \"%1\" в байтах с 12 по %2",
-                          {std::u16string(chunk), Decimal(static_cast<std::int64_t>(source.Size()))}));
-}
-
-FrameRecording DescribeRecording(const WaveFormat& format, const WaveData& data) {
-    FrameRecording recording;
-    recording.layout = {format.kind, data.chunk.offset, format.frameBytes, 0};
-    recording.sampleRate = format.rate;
-    for (std::size_t index = 0; index < format.channels; ++index) {
-        ChannelDescription channel;
-        channel.number = static_cast<std::int16_t>(index % kBlockChannels);
-        channel.inputNumber = static_cast<std::int16_t>(std::min<std::size_t>(index + 1, 32767));
-        channel.unit = u"FS";
-        channel.scale = static_cast<float>(FullScaleUnit(format.kind));
-        recording.channels.push_back(std::move(channel));
-    }
-    return recording;
-}
-
-}  // namespace
-
-bool LooksLikeWave(std::span<const std::uint8_t> start) {
-    if (start.size() < kFormHeaderBytes) return false;
-    const std::string_view form = Characters(start.first(4));
-    const bool known = form == "RIFF" || form == "RIFX" || form == "RF64" || form == "BW64";
-    return known && Characters(start.subspan(8, 4)) == "WAVE";
-}
-
-RecordingContent ReadWave(const std::shared_ptr<ByteSource>& source) {
-    CheckForm(*source);
-    const WaveChunks chunks = WalkWaveChunks(*source);
-    if (!chunks.format) RefuseMissing(u"fmt ", *source);
+/// Reads what the chunks hold, of which the first one begins at byte `first`.
+RecordingContent ReadChunks(const std::shared_ptr<ByteSource>& source, const WaveChunks& chunks, std::uint64_t first,
+                            std::u16string_view name) {
+    if (!chunks.format) RefuseMissingChunk(u"fmt ", first, source->Size());
     const WaveFormat format = ParseWaveFormat(ReadWaveChunk(*source, *chunks.format), chunks.format->offset);
-    if (!chunks.data) RefuseMissing(u"data", *source);
+    if (!chunks.data) RefuseMissingChunk(u"data", first, source->Size());
 
-    FrameRecording recording = DescribeRecording(format, *chunks.data);
+    FrameRecording recording = DescribeSound(format.kind, format.channels, format.rate);
+    recording.layout.dataOffset = chunks.data->chunk.offset;
+    recording.layout.frameBytes = format.frameBytes;
     const FrameCount frames = CountWaveFrames(*chunks.data, format.frameBytes);
     recording.frameCount = frames.count;
     recording.startTime = source->ModifiedTime();
@@ -129,11 +96,34 @@ RecordingContent ReadWave(const std::shared_ptr<ByteSource>& source) {
     }
 
     RecordingContent content;
-    content.format = u"WAVE";
-    content.info = DescribeFrames(WaveFormatName(format), recording);
+    content.format = name;
+    content.info = DescribeFrames(SoundName(name, format.kind, format.bits), recording);
     AppendRemark(content.info, frames.remark);
     content.blocks = MakeFrameBlocks(source, recording);
     return content;
+}
+
+}  // namespace
+
+bool LooksLikeWave(std::span<const std::uint8_t> start) {
+    if (start.size() < kFormHeaderBytes) return false;
+    const std::string_view form = Characters(start.first(4));
+    const bool known = form == "RIFF" || form == "RIFX" || form == "RF64" || form == "BW64";
+    return known && Characters(start.subspan(8, 4)) == "WAVE";
+}
+
+RecordingContent ReadWave(const std::shared_ptr<ByteSource>& source) {
+    CheckForm(*source);
+    return ReadChunks(source, WalkWaveChunks(*source), kFormHeaderBytes, u"WAVE");
+}
+
+RecordingContent ReadW64(const std::shared_ptr<ByteSource>& source) {
+    std::vector<std::uint8_t> start(16);
+    start.resize(source->ReadAt(0, start.data(), start.size()));
+    if (!LooksLikeW64(start)) {
+        throw FormatError(Say(u"no GUID \"riff\" of W64 files at byte 0", u"в байте 0 нет GUID \"riff\" файлов W64"));
+    }
+    return ReadChunks(source, WalkW64Chunks(*source), kW64FormBytes, u"W64");
 }
 
 }  // namespace quillon

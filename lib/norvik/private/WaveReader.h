@@ -18,4 +18,7 @@ namespace quillon {
 /// Throws FormatError for a file that cannot be read, ReadError when the device fails.
 [[nodiscard]] RecordingContent ReadWave(const std::shared_ptr<ByteSource>& source);
 
+/// The same for W64 files, which hold the chunks of WAVE files in another way.
+[[nodiscard]] RecordingContent ReadW64(const std::shared_ptr<ByteSource>& source);
+
 }  // namespace quillon
