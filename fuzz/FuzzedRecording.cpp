@@ -67,9 +67,9 @@ void CheckPieces(RecordingFile file, const RecordingContent& plain, std::uint32_
 }  // namespace
 
 std::optional<FuzzedRecording> OpenFuzzed(std::span<const std::uint8_t> bytes) {
-    constexpr std::array<std::u16string_view, 13> names{u"a.edf",  u"a.bdf", u"a.wav",  u"a.rf64", u"a.bin",
-                                                        u"a.vhdr", u"a.eeg", u"a.flac", u"a",      u"a.hea",
-                                                        u"a.dat",  u"a.csv", u"a.gdf"};
+    constexpr std::array<std::u16string_view, 16> names{u"a.edf", u"a.bdf",  u"a.wav",  u"a.rf64", u"a.bin", u"a.vhdr",
+                                                        u"a.eeg", u"a.flac", u"a",      u"a.hea",  u"a.dat", u"a.csv",
+                                                        u"a.gdf", u"a.w64",  u"a.aiff", u"a.au"};
     std::array<std::uint8_t, kChoiceBytes> choice{};
     if (bytes.size() >= kChoiceBytes) std::copy(bytes.end() - kChoiceBytes, bytes.end(), choice.begin());
     std::vector<std::uint8_t> file(bytes.begin(), bytes.end());

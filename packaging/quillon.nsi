@@ -73,6 +73,11 @@ VIFileVersion "${VERSION}.0"
   !insertmacro ${do} bdf
   !insertmacro ${do} wav
   !insertmacro ${do} rf64
+  !insertmacro ${do} w64
+  !insertmacro ${do} aif
+  !insertmacro ${do} aiff
+  !insertmacro ${do} aifc
+  !insertmacro ${do} au
   !insertmacro ${do} flac
   !insertmacro ${do} gdf
   !insertmacro ${do} vhdr

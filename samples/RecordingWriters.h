@@ -23,6 +23,11 @@ class Bytes {
         for (std::size_t i = 0; i < size; ++i) m_bytes += static_cast<char>(number >> (8 * i) & 0xFFU);
         return *this;
     }
+    /// The same with the highest of them first.
+    Bytes& Big(std::uint64_t number, std::size_t size) {
+        for (std::size_t i = size; i > 0; --i) m_bytes += static_cast<char>(number >> (8 * (i - 1)) & 0xFFU);
+        return *this;
+    }
     Bytes& Zeros(std::size_t size) { return Text("", size, '\0'); }
     /// Cut or filled up with `fill` to `size` bytes.
     Bytes& Text(std::string_view text, std::size_t size, char fill = '\0') {

@@ -11,6 +11,7 @@
 #include "HolterRecording.h"
 #include "ImageryRecording.h"
 #include "SampleRecordings.h"
+#include "SoundWriters.h"
 
 namespace {
 
@@ -42,6 +43,9 @@ void MakeSamples(const fs::path& folder, bool bench) {
     MakeFile(folder / "06_Holter_ECG.atr", [&](std::ostream& file) { file << holter.annotations; });
     MakeFile(folder / "07 Climate.csv", [](std::ostream& file) { file << ClimateTable(); });
     MakeFile(folder / "08 Imagined movements.gdf", [](std::ostream& file) { file << ImageryFile(); });
+    MakeFile(folder / "09 Bell.w64", [](std::ostream& file) { file << BellW64(); });
+    MakeFile(folder / "09 Bell.aiff", [](std::ostream& file) { file << BellAiff(); });
+    MakeFile(folder / "09 Bell.au", [](std::ostream& file) { file << BellAu(); });
     if (!bench) return;
     MakeFile(folder / "05 Bench 32ch.bin", [](std::ostream& file) { WriteBenchBin(file, 4700); });
     MakeFile(folder / "05 Bench 32ch.edf", [](std::ostream& file) { WriteBenchEdf(file, 3600); });

@@ -8,6 +8,7 @@
 #include "base/FilePath.h"
 #include "base/Text.h"
 #include "norvik/private/AiffReader.h"
+#include "norvik/private/AuReader.h"
 #include "norvik/private/BinReader.h"
 #include "norvik/private/BrainVisionHeader.h"
 #include "norvik/private/BrainVisionReader.h"
@@ -36,7 +37,7 @@ RecordingContent ReadEdfFile(const RecordingFile& file) {
     return ReadEdf(file.source, file.budget);
 }
 
-constexpr std::array<FileType, 11> kFileTypes{{
+constexpr std::array<FileType, 12> kFileTypes{{
     {{u"Binary Files", u"Двоичные файлы"}, u"*.bin", LooksLikeBin, ReadOne<ReadBin>},
     {{u"Waveform Audio", u"Звуковые файлы"}, u"*.wav;*.rf64", LooksLikeWave, ReadOne<ReadWave>},
     {{u"European Data Format", u"Европейский формат данных"}, u"*.edf", LooksLikeEdf, ReadEdfFile},
@@ -50,6 +51,7 @@ constexpr std::array<FileType, 11> kFileTypes{{
     {{u"GDF Biosignals", u"Биосигналы GDF"}, u"*.gdf", LooksLikeGdf, ReadOne<ReadGdf>},
     {{u"W64 Audio", u"Звук W64"}, u"*.w64", LooksLikeW64, ReadOne<ReadW64>},
     {{u"AIFF Audio", u"Звук AIFF"}, u"*.aif;*.aiff;*.aifc", LooksLikeAiff, ReadOne<ReadAiff>},
+    {{u"AU Audio", u"Звук AU"}, u"*.au;*.snd", LooksLikeAu, ReadOne<ReadAu>},
     {{u"WFDB Records", u"Записи WFDB"},
      u"*.hea",
      LooksLikeWfdb,

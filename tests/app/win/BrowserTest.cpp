@@ -51,7 +51,7 @@ TEST_F(BrowserTest, TheTypeBoxLimitsTheList) {
     choose(2);
     EXPECT_THAT(Lines(lstFile), ElementsAre(L"b.wav"));
     EXPECT_EQ(ItemCount(), 0);
-    EXPECT_EQ(SendMessageW(types, CB_GETCOUNT, 0, 0), 8);
+    EXPECT_EQ(SendMessageW(types, CB_GETCOUNT, 0, 0), 13);
 }
 
 TEST_F(BrowserTest, ChangesByOthersAppearAndARecordingThatIsGoneIsClosed) {
