@@ -1,9 +1,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <stdexcept>
 
 #include "../samples/BenchRecordings.h"
+#include "../samples/GdfWriter.h"
+#include "../samples/SoundWriters.h"
 #include "BenchData.h"
 #include "norvik/private/ByteSource.h"
 #include "norvik/private/ReadRecording.h"
@@ -120,6 +123,34 @@ void WfdbFile(benchmark::State& state, const std::string& format) {
     FileExtremes(state, file);
 }
 
+/// The same bytes behind other headers.
+void PlainFile(benchmark::State& state, const std::function<samples::Bytes()>& header) {
+    const BenchFile file("quillon_bench.snd", [&](std::ostream& to) {
+        to << header().Get();
+        samples::WriteBenchFrames(to);
+    });
+    FileExtremes(state, file);
+}
+
+constexpr std::uint32_t kPlainFrames = 4700 * samples::kBenchRate;
+
+/// `type`: of the samples; records of `perRecord` of them.
+samples::Bytes GdfOf(std::uint32_t type, std::uint32_t perRecord) {
+    samples::GdfChannel channel;
+    channel.samplesPerRecord = perRecord;
+    channel.type = type;
+    const std::vector<samples::GdfChannel> channels(samples::kBenchChannels, channel);
+    return samples::GdfHeader("2.10", channels, kPlainFrames / perRecord, {perRecord, samples::kBenchRate});
+}
+
+samples::Bytes AiffOf(std::uint32_t bits) {
+    const std::uint32_t bytes = kPlainFrames * samples::kBenchChannels * 2;
+    const std::uint32_t frames = kPlainFrames * 16 / bits;
+    samples::Bytes chunks = samples::AiffCommon(samples::kBenchChannels, frames, bits, samples::kBenchRate);
+    chunks.Text("SSND").Big(bytes + 8, 4).Zeros(8);
+    return samples::AiffFile("AIFF", chunks);
+}
+
 /// The route that the one-pass reduction stands in for: every channel's samples read by themselves, then the two
 /// library calls for every run. `ratio` here is how many times longer it takes.
 void LiteralRoute(benchmark::State& state) {
@@ -199,6 +230,12 @@ BENCHMARK_CAPTURE(WfdbFile, 16x4, "16x4")->Apply(Rounds)->Arg(100);
 BENCHMARK_CAPTURE(WfdbFile, 24, "24")->Apply(Rounds)->Arg(100);
 BENCHMARK_CAPTURE(WfdbFile, 8, "8")->Apply(Rounds)->Arg(100);
 BENCHMARK_CAPTURE(WfdbFile, 310, "310")->Apply(Rounds)->Arg(100);
+
+BENCHMARK_CAPTURE(PlainFile, gdf_frames, [] { return GdfOf(3, 1); })->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(PlainFile, gdf_records, [] { return GdfOf(3, 1000); })->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(PlainFile, gdf_unsigned, [] { return GdfOf(4, 1); })->Apply(Rounds)->Arg(100);
+BENCHMARK_CAPTURE(PlainFile, aiff_16, [] { return AiffOf(16); })->Apply(Rounds)->Arg(10)->Arg(100)->Arg(2000);
+BENCHMARK_CAPTURE(PlainFile, aiff_32, [] { return AiffOf(32); })->Apply(Rounds)->Arg(100);
 
 BENCHMARK(SummaryMade)->Apply(Rounds)->Arg(2000);
 BENCHMARK(SummaryUsed)->Apply(Rounds)->Arg(100)->Arg(500)->Arg(2000);
