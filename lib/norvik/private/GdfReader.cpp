@@ -12,6 +12,7 @@
 #include "norvik/private/FrameCount.h"
 #include "norvik/private/GdfEvents.h"
 #include "norvik/private/RecordBlock.h"
+#include "norvik/private/SignalGroups.h"
 
 namespace quillon {
 
