@@ -88,7 +88,14 @@ void ExpectSignals(const Folder& folder, const std::vector<WfdbTestSignal>& sign
                 }
             }
         }
-        ExpectReads(*block, codes);
+        if (codes[0].size() < 10000) {
+            ExpectReads(*block, codes);
+            continue;
+        }
+        // Of many, those in front again, behind which the last ones have led.
+        Codes again(3000);
+        block->ReadCodes(1, 500, 3000, again.data());
+        EXPECT_TRUE(std::equal(again.begin(), again.end(), codes[0].begin() + 500));
     }
     EXPECT_EQ(seen.size(), signals.size());
 }
