@@ -1,6 +1,7 @@
 #include "norvik/private/TableScale.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "base/LittleEndian.h"
@@ -99,6 +100,15 @@ std::vector<std::uint32_t> Gaps(const std::vector<std::uint32_t>& sorted) {
     return gaps;
 }
 
+/// Calls use(bit) for every bit that is set, in order. Most words are empty.
+template <typename Use>
+void ForEachSet(const std::vector<std::uint64_t>& words, const Use& use) {
+    for (std::size_t word = 0; word < words.size(); ++word) {
+        for (std::uint64_t left = words[word]; left != 0; left &= left - 1)
+            use(64 * word + static_cast<std::size_t>(std::countr_zero(left)));
+    }
+}
+
 WideScale ExactScale(double base, double step, double codeZero) {
     return {codeZero - base, step, static_cast<float>(step), static_cast<float>(codeZero)};
 }
@@ -151,7 +161,8 @@ TableStepSearch::TableStepSearch(const std::vector<TableColumn>& columns, std::s
         bits += units;
         if (bits > kMostBits) break;
         const double power = PowerOf(column);
-        m_searched.push_back({at, (column.base - column.minimum) * power, power, std::vector<bool>(units)});
+        m_searched.push_back(
+            {at, (column.base - column.minimum) * power, power, units, std::vector<std::uint64_t>(units / 64 + 1)});
     }
     Collect(0, std::min(m_rows, kFirstRows));
     LeaveOutFine();
@@ -159,13 +170,13 @@ TableStepSearch::TableStepSearch(const std::vector<TableColumn>& columns, std::s
 
 void TableStepSearch::LeaveOutFine() {
     std::erase_if(m_searched, [](const Searched& searched) {
-        std::size_t last = searched.seen.size();
-        for (std::size_t at = 0; at < searched.seen.size(); ++at) {
-            if (!searched.seen[at]) continue;
-            if (last < at && at - last < static_cast<std::size_t>(kSmallestStep)) return true;
+        std::size_t last = searched.units;
+        bool fine = false;
+        ForEachSet(searched.seen, [&](std::size_t at) {
+            fine = fine || (last < at && at - last < static_cast<std::size_t>(kSmallestStep));
             last = at;
-        }
-        return false;
+        });
+        return fine;
     });
 }
 
@@ -182,8 +193,9 @@ void TableStepSearch::Collect(std::uint64_t first, std::uint64_t count) {
             for (std::uint64_t row = 0; row < rows; ++row, at += rowBytes) {
                 const double unit = std::nearbyint(static_cast<double>(LeFloat(at)) * searched.power + searched.base);
                 // Missing values may lie outside.
-                if (unit >= 0.0 && unit < static_cast<double>(searched.seen.size()))
-                    searched.seen[static_cast<std::size_t>(unit)] = true;
+                if (unit >= 0.0 && unit < static_cast<double>(searched.units))
+                    searched.seen[static_cast<std::size_t>(unit) / 64] |= std::uint64_t{1}
+                                                                          << static_cast<std::size_t>(unit) % 64;
             }
         }
         first += rows;
@@ -208,9 +220,7 @@ std::vector<std::optional<TableSteps>> TableStepSearch::Steps() const {
     std::vector<std::uint32_t> sorted;
     for (const Searched& searched : m_searched) {
         sorted.clear();
-        for (std::size_t at = 0; at < searched.seen.size(); ++at) {
-            if (searched.seen[at]) sorted.push_back(static_cast<std::uint32_t>(at));
-        }
+        ForEachSet(searched.seen, [&](std::size_t at) { sorted.push_back(static_cast<std::uint32_t>(at)); });
         steps[searched.column] = FindTableSteps(sorted);
     }
     return steps;

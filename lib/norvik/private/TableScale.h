@@ -40,7 +40,8 @@ class TableStepSearch {
         std::size_t column;
         double base;   ///< value of the cells' zero, in units of the last decimal above the minimum
         double power;  ///< units of the last decimal in 1
-        std::vector<bool> seen;
+        std::size_t units;
+        std::vector<std::uint64_t> seen;  ///< a bit for each
     };
 
     /// Leaves out the columns whose first rows have values less than a step apart.
