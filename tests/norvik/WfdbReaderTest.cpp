@@ -253,10 +253,10 @@ TEST(WfdbReader, FilesAreFoundInTheFolderAloneAndUnderTheHeadersOwnName) {
     EXPECT_EQ(folder.Refused(u"a.atr"), "part of a recording whose header is not beside it: a.hea");
     EXPECT_THAT(folder.Refused(u"a.dat"), HasSubstr("a.vhdr, a.ahdr, a.hea"));
     // A header is known by its first lines, and numbers alone are none.
-    folder.files[u"x.txt"] = "# comment\n\na 2 360\na.dat 16 200\na.dat 16\n";
-    EXPECT_EQ(folder.Read(u"x.txt").format, u"WFDB");
-    folder.files[u"x.txt"] = "1 2\n3 16\n";
-    EXPECT_THAT(folder.Refused(u"x.txt"), HasSubstr("not a recording of a known format"));
+    folder.files[u"x.log"] = "# comment\n\na 2 360\na.dat 16 200\na.dat 16\n";
+    EXPECT_EQ(folder.Read(u"x.log").format, u"WFDB");
+    folder.files[u"x.log"] = "1 2\n3 16\n";
+    EXPECT_THAT(folder.Refused(u"x.log"), HasSubstr("not a recording of a known format"));
 }
 
 TEST(WfdbReader, AnnotationsBecomeMarks) {

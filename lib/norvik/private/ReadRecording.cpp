@@ -100,7 +100,8 @@ std::optional<RecordingContent> ReadByHeader(const RecordingFile& member, std::u
             const std::u16string header = BareNameOf(member.name) + std::u16string(extension);
             Bilingual ignored;
             if (const auto source = member.companions.Open(header, ignored))
-                return ReadHeader(type, {source, FolderOf(member.name) + header, member.companions, member.budget});
+                return ReadHeader(type, {source, FolderOf(member.name) + header, member.companions, member.budget,
+                                         FileNameOf(member.name)});
             missing += (missing.empty() ? u"" : u", ") + header;
         }
     }
