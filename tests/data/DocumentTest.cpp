@@ -31,9 +31,7 @@ class DocumentTest : public ::testing::Test {
         m_library.files[path] = recording->blocks.empty() ? nullptr : recording;
         if (!m_document.IsOpen(path, m_stamps[path])) m_document.OpenFile(path, m_stamps[path]);
     }
-    bool Unchanged(const FileStamp& stamp, bool asked) {
-        return m_document.ChangeOf(stamp, asked) == FileChange::None;
-    }
+    bool Unchanged(const FileStamp& stamp, bool asked) { return m_document.ChangeOf(stamp, asked) == FileChange::None; }
     [[nodiscard]] std::string Shown() const {
         std::string shown;
         for (std::size_t slot = 0; slot < 4; ++slot) shown += m_document.Slots()[slot].shown ? '1' : '0';

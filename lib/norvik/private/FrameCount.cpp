@@ -1,5 +1,8 @@
 #include "norvik/private/FrameCount.h"
 
+#include <array>
+#include <charconv>
+
 #include "base/Text.h"
 
 namespace quillon {
@@ -30,13 +33,28 @@ bool SizeWrapped(std::uint32_t declared, std::uint64_t available) {
     return available > declared && (available - declared) % wrap == 0;
 }
 
+namespace {
+
+/// Of at most nine digits: a rate of one sample in three seconds has no end.
+std::u16string RateText(double rate) {
+    constexpr int digits = 9;
+    std::array<char, 32> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), rate, std::chars_format::scientific, digits - 1);
+    double rounded = rate;
+    std::from_chars(text.data(), end.ptr, rounded);
+    return ShortestDecimal(rounded);
+}
+
+}  // namespace
+
 Bilingual DescribeFrames(const Bilingual& format, const FrameRecording& recording) {
     const bool single = recording.channels.size() == 1;
     const Bilingual counts =
         Say(std::u16string(single ? u", %1 channel at %2 Hz, %3 sample" : u", %1 channels at %2 Hz, %3 sample") +
                 (recording.frameCount == 1 ? u"" : u"s"),
             u", каналов: %1, частота %2 Гц, отсчётов: %3",
-            {Number(recording.channels.size()), ShortestDecimal(recording.sampleRate), Number(recording.frameCount)});
+            {Number(recording.channels.size()), RateText(recording.sampleRate), Number(recording.frameCount)});
     return {format.english + counts.english, format.russian + counts.russian};
 }
 

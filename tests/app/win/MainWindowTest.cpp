@@ -15,7 +15,7 @@ TEST_F(MainWindowTest, FirstActivationOpensTheFirstRecording) {
     // Forty channels are two blocks: channels 1 to 32 and 33 to 40, whose numbers start at 0 again.
     static_cast<void>(m_folder.Write(u"b.bin", BinRecording(100.0F, Noise(1000, 40))));
     static_cast<void>(m_folder.Write(u"a.bin", BinRecording(250.0F, Noise(5000, 2))));
-    static_cast<void>(m_folder.Write(u"notes.txt", FileBytes().Text("not a recording")));
+    static_cast<void>(m_folder.Write(u"notes.doc", FileBytes().Text("not a recording")));
     Start();
     EXPECT_THAT(Lines(lstFile), ElementsAre(L"a.bin", L"b.bin"));
     EXPECT_THAT(Lines(lstBlock), ElementsAre(::testing::EndsWith(L"\t1")));
