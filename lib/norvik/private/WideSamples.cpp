@@ -39,7 +39,8 @@ void FillThreeBytes(const std::uint8_t* at, std::size_t step, std::size_t count,
 
 void Gather(SampleKind kind, const std::uint8_t* at, std::size_t step, std::size_t count, std::int32_t* row) {
     switch (kind) {
-        case SampleKind::Int8: return Fill(at, step, count, row, [](auto* bytes) { return std::int8_t(*bytes); });
+        case SampleKind::Int8:
+            return Fill(at, step, count, row, [](auto* bytes) { return *bytes - (*bytes & 0x80) * 2; });
         case SampleKind::Uint8: return Fill(at, step, count, row, [](auto* bytes) { return *bytes; });
         case SampleKind::Uint16: return Fill(at, step, count, row, Le16);
         case SampleKind::Int24:
