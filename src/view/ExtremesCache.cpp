@@ -235,9 +235,11 @@ bool ExtremesCache::Grow(RecordingBlock& block) try {
     if (m_coarse.empty()) return true;
     if (m_coarse.size() != static_cast<std::size_t>(block.ChannelCount()) || block.SampleCount() < m_samples)
         return false;
-    // The last unit had room for more samples, as had the chunk that holds it.
-    const std::int32_t whole = (m_samples - 1) / kCoarseCell;
-    if (const auto last = m_chunks.find(whole / kUnitsOfChunk); last != m_chunks.end()) Drop(last);
+    // The last unit had room for more samples, as had the chunk that holds it. Its whole units are read again too,
+    // since nobody would miss the fine cells of known ones.
+    const std::int32_t chunk = (m_samples - 1) / kCoarseCell / kUnitsOfChunk;
+    const std::int32_t whole = chunk * kUnitsOfChunk;
+    if (const auto last = m_chunks.find(chunk); last != m_chunks.end()) Drop(last);
     m_samples = block.SampleCount();
     const auto units = static_cast<std::size_t>(UnitCount(m_samples));
     for (std::size_t at = 0; at < m_coarse.size(); ++at) {
