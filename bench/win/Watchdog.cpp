@@ -4,8 +4,10 @@
 // without SECONDS), and prints for each the longest time that a message sent by another process has waited, and the
 // viewer's private memory. With FOLDER exports of all kinds and splitting follow, each ended with Esc; what they leave
 // in FOLDER, and beside the recording, is the user's to look at. With KIND, a number from 0, only that export is made,
-// and ended by closing the window. Where the machine itself stood still meanwhile (a thread that only sleeps was late),
-// the longest such time is printed behind the memory.
+// and ended by closing the window. Behind the memory stands the longest time that a message to another process, which
+// does nothing but answer, has waited meanwhile, where it is above 20 ms: what the machine adds to the viewer's own.
+//     watchdog
+// is that other process, which the first one starts and ends.
 #include "base/win/Win32.h"
 
 #include <commctrl.h>
@@ -34,18 +36,6 @@ double Milliseconds() {
     return static_cast<double>(now.QuadPart) * 1000.0 / static_cast<double>(perSecond.QuadPart);
 }
 
-/// The longest time by which Sleep(1) was late, which others set to 0; threads of the system decide, not the viewer.
-std::atomic<double> standstill = 0.0;
-
-DWORD WINAPI WatchMachine(void*) {
-    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_TIME_CRITICAL);
-    for (double start = Milliseconds();; start = Milliseconds()) {
-        Sleep(1);
-        const double late = Milliseconds() - start - 1.0;
-        if (late > standstill) standstill = late;
-    }
-}
-
 /// The longest wait of messages sent in turn for that many milliseconds.
 double LongestWait(HWND window, double duration) {
     const double end = Milliseconds() + duration;
@@ -57,6 +47,31 @@ double LongestWait(HWND window, double duration) {
         Sleep(2);
     }
     return longest;
+}
+
+constexpr const wchar_t* kIdleClass = L"WatchdogIdle";
+
+/// A window that nobody sees and that does nothing but answer, until this process is ended.
+int AnswerOnly() {
+    WNDCLASSW idle{};
+    idle.lpfnWndProc = DefWindowProcW;
+    idle.lpszClassName = kIdleClass;
+    if (RegisterClassW(&idle) == 0 ||
+        CreateWindowW(kIdleClass, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr) == nullptr)
+        return 1;
+    for (MSG message; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
+    return 0;
+}
+
+/// The longest wait of messages to the idle window, which others set to 0.
+std::atomic<double> idleWait = 0.0;
+
+DWORD WINAPI WatchIdle(void*) {
+    for (;;)
+        if (const HWND idle = FindWindowW(kIdleClass, nullptr); idle != nullptr)
+            idleWait = std::max(idleWait.load(), LongestWait(idle, 100.0));
+        else
+            Sleep(1);
 }
 
 HWND WaitForWindow(DWORD process) {
@@ -172,6 +187,7 @@ struct Export {
 
 int wmain(int count, wchar_t** arguments) {
     using namespace quillon;
+    if (count == 1) return AnswerOnly();
     if (count < 3) return 2;
     const double seconds = count > 3 ? std::wcstod(arguments[3], nullptr) : 3.0;
     std::wstring line = L"\"" + std::wstring(arguments[1]) + L"\" \"" + arguments[2] + L"\"";
@@ -182,7 +198,11 @@ int wmain(int count, wchar_t** arguments) {
     if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process)) return 1;
     const HWND window = WaitForWindow(process.dwProcessId);
     if (window == nullptr) return 1;
-    CreateThread(nullptr, 0, WatchMachine, nullptr, 0, nullptr);
+    std::wstring idleLine = L"\"" + std::wstring(arguments[0]) + L"\"";
+    PROCESS_INFORMATION idle{};
+    if (!CreateProcessW(nullptr, idleLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &idle))
+        return 1;
+    CreateThread(nullptr, 0, WatchIdle, nullptr, 0, nullptr);
     std::printf("%-24s %8.0f ms\n", "window shown after", Milliseconds() - began);
     constexpr Step steps[] = {
         {"opening", 0, 0},
@@ -211,7 +231,7 @@ int wmain(int count, wchar_t** arguments) {
         PROCESS_MEMORY_COUNTERS memory{};
         GetProcessMemoryInfo(process.hProcess, &memory, sizeof memory);
         std::printf("%-24s %8.0f ms %8.0f MB", name, longest, static_cast<double>(memory.PagefileUsage) / 1e6);
-        if (const double still = standstill.exchange(0.0); still > 20.0) std::printf("   machine %.0f ms", still);
+        if (const double wait = idleWait.exchange(0.0); wait > 20.0) std::printf("   idle %.0f ms", wait);
         std::printf("\n");
         std::fflush(stdout);
         return longest >= 0.0;
@@ -243,5 +263,6 @@ int wmain(int count, wchar_t** arguments) {
     PostMessageW(window, WM_CLOSE, 0, 0);
     constexpr DWORD patience = 10000;
     if (WaitForSingleObject(process.hProcess, patience) != WAIT_OBJECT_0) TerminateProcess(process.hProcess, 1);
+    TerminateProcess(idle.hProcess, 0);
     return 0;
 }
