@@ -53,7 +53,12 @@ void ExportCommands::SaveAs() {
     const std::u16string& last = m_parts.settings.folder;
     dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_parts.document.File().fileName) : last;
     onDialog();
-    if (!dialog.Show() || isGone()) return;
+    const bool isTold = m_saveType == kEdfPlusFilterIndex;
+    if (isTold) m_parts.services.SetStatus(EdfPlusLine(range, ShownChannels()));
+    const bool isChosen = dialog.Show();
+    if (isGone()) return;
+    if (isTold) m_parts.services.SetStatus({});
+    if (!isChosen) return;
     // The dialog runs a message loop, in which the recording may have been closed (its file was removed).
     if (m_parts.document.Block().stored != block) return;
     m_saveType = dialog.filterIndex;
@@ -77,24 +82,33 @@ void ExportCommands::SaveAs() {
 
 void ExportCommands::WriteEdfPlus(const std::u16string& name, const SampleSpan& range) {
     const ViewBlock& loaded = m_parts.document.Block();
-    EdfPlusRequest request{.first = range.first + 1, .count = range.count};
-    for (const std::int16_t channel : AllChannels(*loaded.stored)) {
-        const std::int16_t number = loaded.stored->ChannelNumber(channel);
-        const bool shown = m_parts.document.Slots()[static_cast<std::size_t>(number)].shown;
-        if (shown) request.channels.push_back(channel);
-        request.averaged.push_back(shown);
-    }
+    EdfPlusRequest request{.first = range.first + 1, .count = range.count, .channels = ShownChannels()};
+    for (const std::int16_t channel : AllChannels(*loaded.stored)) request.averaged.push_back(IsShown(channel));
     if (request.channels.empty()) return Tell(IDS_NO_SHOWN_CHANNEL, {});
     const ShownSettings settings = ShownOfBlock();
-    const std::u16string summary = EdfPlusSummary(range, loaded.stored->SampleRate(), request.channels.size(),
-                                                  static_cast<std::size_t>(loaded.stored->ChannelCount()),
-                                                  m_parts.language, m_parts.format.decimalSeparator);
-    WriteRecording(name, summary, [&](KVExport& exporter) {
+    WriteRecording(name, EdfPlusLine(range, request.channels), [&](KVExport& exporter) {
         // Taken only now: final scales may have made the shown block anew.
         const std::shared_ptr<RecordingBlock> block = BlockToWrite();
         if (block != loaded.stored) request.shown = &settings;
         return exporter.ExportEdfPlus(block.get(), name, request);
     });
+}
+
+bool ExportCommands::IsShown(std::int16_t channel) const {
+    const std::int16_t number = m_parts.document.Block().stored->ChannelNumber(channel);
+    return m_parts.document.Slots()[static_cast<std::size_t>(number)].shown;
+}
+
+std::vector<std::int16_t> ExportCommands::ShownChannels() const {
+    std::vector<std::int16_t> channels = AllChannels(*m_parts.document.Block().stored);
+    std::erase_if(channels, [this](std::int16_t channel) { return !IsShown(channel); });
+    return channels;
+}
+
+std::u16string ExportCommands::EdfPlusLine(const SampleSpan& range, const std::vector<std::int16_t>& channels) const {
+    const RecordingBlock& block = *m_parts.document.Block().stored;
+    return EdfPlusSummary(range, block.SampleRate(), channels.size(), static_cast<std::size_t>(block.ChannelCount()),
+                          m_parts.language, m_parts.format.decimalSeparator);
 }
 
 ShownSettings ExportCommands::ShownOfBlock() const {
@@ -124,7 +138,7 @@ void ExportCommands::WriteRecording(const std::u16string& name, const std::u16st
                 m_parts.services.SetStatus(m_parts.services.Text(IDS_EXPORTING) + u": " + Decimal(percent) + u'%');
             return onPending();
         });
-        m_parts.services.SetStatus({});
+        m_parts.services.SetStatus(summary);
         exporter.SetRecording(m_parts.document.File().fileName);
         done = write(exporter);
         stopped = exporter.Stopped();

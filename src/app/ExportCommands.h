@@ -54,11 +54,17 @@ class ExportCommands {
   private:
     /// Range to export: the selection, or without one the whole block.
     [[nodiscard]] SampleSpan Range() const;
-    /// Runs a writer; where it is done, "Status" tells the name, the summary and what the format does not keep.
+    /// Runs a writer. "Status" tells the summary before, and where it is done the name, the summary and what the format
+    /// does not keep.
     void WriteRecording(const std::u16string& name, const std::u16string& summary,
                         const std::function<bool(KVExport&)>& write);
     /// The shown channels, as stored or, if the settings of the text export say so, as shown.
     void WriteEdfPlus(const std::u16string& name, const SampleSpan& range);
+    /// Whether the channel of the block, stored, is shown; its number is that of RecordingBlock.
+    [[nodiscard]] bool IsShown(std::int16_t channel) const;
+    [[nodiscard]] std::vector<std::int16_t> ShownChannels() const;
+    /// What an EDF+ file of that range and those channels holds, in the user's language.
+    [[nodiscard]] std::u16string EdfPlusLine(const SampleSpan& range, const std::vector<std::int16_t>& channels) const;
     /// How the block is shown.
     [[nodiscard]] ShownSettings ShownOfBlock() const;
     /// The block as the settings say: shown or stored.

@@ -102,8 +102,10 @@ TEST_F(ExportCommandsTest, OneQuestionNamesTheFilesThatWouldBeLostAndNoLosesNone
 TEST_F(ExportCommandsTest, EdfPlusHoldsTheShownChannelsOfTheSelectionAsStoredOrAsShown) {
     m_told.texts = {{IDS_WRITTEN, u"written"}, {IDS_NO_SHOWN_CHANNEL, u"none"}};
     const std::u16string name = m_folder.Path() + u"/a.edf";
+    std::vector<std::u16string> offered;
     m_dialog.answer = [&](FakeSaveDialog& dialog) {
         EXPECT_TRUE(dialog.filter.ends_with(u"Text files (*.txt)|*.txt|EDF+ with marks (*.edf)|*.edf"));
+        offered.push_back(m_told.status);
         return dialog.fileName = name, dialog.filterIndex = 5, true;
     };
     const auto library = MakeRecordingLibrary(Language::English);
@@ -131,6 +133,13 @@ TEST_F(ExportCommandsTest, EdfPlusHoldsTheShownChannelsOfTheSelectionAsStoredOrA
         EXPECT_EQ(code, asShown ? 0 : 7) << "a high pass takes a constant out";
         EXPECT_EQ(Contents(name).find("HP:1Hz") != std::string::npos, asShown);
     }
+    // While the dialog that offers this type is open; the first time it was another.
+    const std::u16string line = u"2.5 s from 00:00:01, 8 of 10 channels, EDF+";
+    EXPECT_EQ(offered, (std::vector<std::u16string>{u"", line}));
+    m_dialog.answer = [](FakeSaveDialog&) { return false; };
+    m_commands.SaveAs();
+    EXPECT_EQ(m_told.status, u"") << "left by the user: nothing is going to be written";
+    m_dialog.answer = [&](FakeSaveDialog& dialog) { return dialog.fileName = name, true; };
     m_document.ShowAll(false);
     m_commands.SaveAs();
     EXPECT_EQ(m_told.status, u"none");
