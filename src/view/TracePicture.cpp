@@ -1,6 +1,7 @@
 #include "view/TracePicture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "view/TraceMapping.h"
@@ -49,7 +50,10 @@ std::int32_t TracePicture::Approach(const GraphScene& scene, std::int32_t from, 
 
 bool TracePicture::CanReadNow(const GraphScene& scene) const {
     constexpr int pieces = 4;
-    for (int piece = 0; piece < pieces; ++piece) {
+    // A slow device is not waited for.
+    constexpr auto patience = std::chrono::milliseconds(20);
+    const auto start = std::chrono::steady_clock::now();
+    for (int piece = 0; piece < pieces && std::chrono::steady_clock::now() - start < patience; ++piece) {
         if (Approach(scene, 0, scene.axis.Width()) == scene.axis.Width()) return true;
     }
     return false;

@@ -19,7 +19,12 @@ void ShowBar(HWND scrollBar, const ScrollBarValues& values, bool enabled) {
     // A scroll bar stops one page before its maximum.
     info.nMax = values.most + values.page - 1;
     info.nPos = values.position;
-    SetScrollInfo(scrollBar, SB_CTL, &info, TRUE);
+    SCROLLINFO before = info;
+    const bool isKnown = GetScrollInfo(scrollBar, SB_CTL, &before) != 0;
+    // Setting it draws it even where nothing differs.
+    if (!isKnown || before.nMin != info.nMin || before.nMax != info.nMax || before.nPage != info.nPage ||
+        before.nPos != info.nPos)
+        SetScrollInfo(scrollBar, SB_CTL, &info, TRUE);
     EnableWindow(scrollBar, enabled);
 }
 
