@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "nsp/RunReducer.h"
 
@@ -113,12 +114,20 @@ class RecordingBlock {
                                 std::int32_t run, std::span<RunExtremes* const> out) = 0;
 };
 
+/// A file beside that of a recording.
+struct OtherFile {
+    std::u16string path;
+    std::uint64_t size = 0;  ///< bytes, when it was opened
+};
+
 /// One open recording file.
 class Recording {
   public:
     virtual ~Recording() = default;
     /// Full path of the file.
     [[nodiscard]] virtual std::u16string FileName() const = 0;
+    /// The other files that it is read from, of formats that keep a recording in several; of many only the last ones.
+    [[nodiscard]] virtual std::vector<OtherFile> OtherFiles() const { return {}; }
     /// Short name of the file's format, the same in every language: "WAVE", "EDF+C".
     [[nodiscard]] virtual std::u16string FormatName() const = 0;
     /// What kind of file it is and anything odd about it, as one line for the user.

@@ -1,5 +1,6 @@
 #include "norvik/RecordingLibrary.h"
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 
@@ -14,12 +15,29 @@ namespace {
 
 constexpr TypeName kAllTypes{u"Supported Files", u"Поддерживаемые файлы"};
 
+/// Of a recording in thousands of files only the last ones are told: what is added to it is added there.
+constexpr std::size_t kMostOtherFiles = 16;
+
+/// Each file once, as it was opened last.
+std::vector<OtherFile> LastOf(const std::vector<OtherFile>& opened) {
+    std::vector<OtherFile> files;
+    for (auto file = opened.rbegin(); file != opened.rend() && files.size() < kMostOtherFiles; ++file) {
+        const auto same = [&](const OtherFile& other) { return other.path == file->path; };
+        if (std::none_of(files.begin(), files.end(), same)) files.push_back(*file);
+    }
+    return files;
+}
+
 class FileRecording final : public Recording {
   public:
-    FileRecording(std::u16string fileName, RecordingContent content, Language language)
-        : m_fileName(std::move(fileName)), m_content(std::move(content)), m_language(language) {}
+    FileRecording(std::u16string fileName, std::vector<OtherFile> others, RecordingContent content, Language language)
+        : m_fileName(std::move(fileName)),
+          m_others(std::move(others)),
+          m_content(std::move(content)),
+          m_language(language) {}
 
     [[nodiscard]] std::u16string FileName() const override { return m_fileName; }
+    [[nodiscard]] std::vector<OtherFile> OtherFiles() const override { return m_others; }
     [[nodiscard]] std::u16string FormatName() const override { return m_content.format; }
     [[nodiscard]] std::u16string FileInfo() const override { return m_content.info.In(m_language); }
     [[nodiscard]] std::int16_t BlockCount() const override {
@@ -37,6 +55,7 @@ class FileRecording final : public Recording {
 
   private:
     std::u16string m_fileName;
+    std::vector<OtherFile> m_others;
     RecordingContent m_content;
     Language m_language;
 };
@@ -53,8 +72,9 @@ class FileLibrary final : public RecordingLibrary {
             m_lastError = reason.In(m_language);
             if (!source) return false;
             source->SetErrorLanguage(m_language);
-            RecordingContent content = ReadRecording({source, fileName, FilesBeside(fileName, m_language)});
-            recording = std::make_shared<FileRecording>(fileName, std::move(content), m_language);
+            const auto opened = std::make_shared<std::vector<OtherFile>>();
+            RecordingContent content = ReadRecording({source, fileName, FilesBeside(fileName, m_language, opened)});
+            recording = std::make_shared<FileRecording>(fileName, LastOf(*opened), std::move(content), m_language);
             return true;
         } catch (const FormatError& error) {
             m_lastError = error.Reason().In(m_language);

@@ -15,7 +15,8 @@ void RecordingReload::Look(bool asked, bool isDragging) {
         const bool due = std::exchange(m_due, false) || document.ChangePending();
         if (!due && isSlow()) return;
     }
-    const FileStamp stamp = stampOf(document.LastPath());
+    RecordingStamp stamp{stampOf(document.LastPath()), {}};
+    for (const OtherFile& file : document.OtherFiles()) stamp.others.push_back(stampOf(file.path));
     const FileChange change = m_parts.document.ChangeOf(stamp, asked);
     if (change == FileChange::None) return;
     const std::u16string name = FileNameOf(document.File().fileName);
@@ -28,7 +29,7 @@ void RecordingReload::Look(bool asked, bool isDragging) {
     }
 }
 
-void RecordingReload::Reload(const FileStamp& stamp, const std::u16string& name, bool grown) {
+void RecordingReload::Reload(const RecordingStamp& stamp, const std::u16string& name, bool grown) {
     m_parts.playback.Stop();
     m_kept = m_parts.view.Keep();
     m_kept->followsEnd = grown && m_parts.view.IsAtEnd();

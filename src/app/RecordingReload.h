@@ -44,7 +44,7 @@ class RecordingReload {
     [[nodiscard]] const std::optional<WaveformView::State>& Kept() const { return m_kept; }
 
   private:
-    void Reload(const FileStamp& stamp, const std::u16string& name, bool grown);
+    void Reload(const RecordingStamp& stamp, const std::u16string& name, bool grown);
 
     Parts m_parts;
     bool m_due = false;

@@ -22,13 +22,13 @@ bool Document::IsOpen(const std::u16string& path, const FileStamp& stamp) const 
     if (path == m_file.fileName) return true;
     if (LowerCase(path) != LowerCase(m_file.fileName)) return false;
     // In a case-sensitive folder it may be another file.
-    return !stamp.known || !m_stamp.known || stamp.IsSameFile(m_stamp);
+    return !stamp.known || !m_stamp.own.known || stamp.IsSameFile(m_stamp.own);
 }
 
 bool Document::OpenFile(const std::u16string& path, const FileStamp& stamp, std::int16_t block) {
     CloseCurrentFile();
     m_lastPath = path;
-    m_stamp = stamp;
+    m_stamp = {stamp, {}};
     std::shared_ptr<Recording> recording;
     if (!m_library.OpenRecording(path, recording)) {
         m_file.refusedName = FileNameOf(path);
@@ -74,19 +74,30 @@ std::vector<std::u16string> Document::BlockTitles(int after) const {
     return titles;
 }
 
-FileChange Document::ChangeOf(const FileStamp& now, bool asked) {
+std::vector<OtherFile> Document::OtherFiles() const {
+    return m_file.recording ? m_file.recording->OtherFiles() : std::vector<OtherFile>();
+}
+
+FileChange Document::ChangeOf(const RecordingStamp& now, bool asked) {
     if (m_lastPath.empty()) return FileChange::None;
-    if (!now.known || now == m_stamp) {
+    if (m_stamp.others.empty()) {
+        // They are named by the recording, so they were first seen when it opened them.
+        m_stamp.others = now.others;
+        const std::vector<OtherFile> opened = OtherFiles();
+        for (std::size_t i = 0; i < std::min(opened.size(), now.others.size()); ++i)
+            m_stamp.others[i].size = opened[i].size;
+    }
+    if (!now.IsKnown() || now == m_stamp) {
         m_seen = {};
         return FileChange::None;
     }
     if (asked) return FileChange::Other;
     const bool isKnown = m_file.recording && m_file.recording->ReadShare() >= 1.0 && Provisional() == nullptr;
-    if (isKnown && now.IsSameFile(m_stamp) && now.size > m_stamp.size) return FileChange::Grown;
+    if (isKnown && now.HasGrownSince(m_stamp)) return FileChange::Grown;
     return now == std::exchange(m_seen, now) ? FileChange::Other : FileChange::None;
 }
 
-bool Document::Reload(const FileStamp& now) {
+bool Document::Reload(const RecordingStamp& now) {
     m_seen = {};
     const std::u16string path = m_file.fileName;
     std::shared_ptr<Recording> recording;
@@ -107,7 +118,7 @@ bool Document::Reload(const FileStamp& now) {
         if (channel <= m_block.channelCount) m_currentChannel = channel;
         m_lastPath = lastPath;
     }
-    m_stamp = now;
+    m_stamp = opened ? RecordingStamp{now.own, {}} : now;
     return opened;
 }
 

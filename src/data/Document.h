@@ -71,15 +71,18 @@ class Document {
 
     /// The file that was opened or refused last; empty after it was closed.
     [[nodiscard]] const std::u16string& LastPath() const { return m_lastPath; }
-    /// What the stamp shows. Without a user request (`asked` false) a file that was replaced or changed has to have the
-    /// same stamp in two successive checks, since another program may still be writing. One that only became longer
-    /// has grown at once, but not before all is known of what was there: else it would never be.
-    [[nodiscard]] FileChange ChangeOf(const FileStamp& now, bool asked);
+    /// The files that the recording is read from besides its own; none without a recording.
+    [[nodiscard]] std::vector<OtherFile> OtherFiles() const;
+    /// What the stamps of LastPath and OtherFiles show. Without a user request (`asked` false) a file that was replaced
+    /// or changed has to have the same stamp in two successive checks, since another program may still be writing. One
+    /// that only became longer has grown at once, but not before all is known of what was there: else it would never
+    /// be.
+    [[nodiscard]] FileChange ChangeOf(const RecordingStamp& now, bool asked);
     /// A check has found a change, which another check has to confirm.
-    [[nodiscard]] bool ChangePending() const { return m_seen.known; }
+    [[nodiscard]] bool ChangePending() const { return m_seen.own.known; }
     /// Reloads the open file at the same block (the last one if there are fewer) with the same channels shown. False
     /// when it is refused; it then stays open unchanged, and the library's LastErrorText gives the reason.
-    bool Reload(const FileStamp& now);
+    bool Reload(const RecordingStamp& now);
 
     /// Whether the loaded block covers the same stretch of the recording as the block that was loaded before it.
     [[nodiscard]] bool CoversTheSame() const { return m_coversTheSame; }
@@ -141,8 +144,8 @@ class Document {
     std::int32_t m_marksVersion = 0;     ///< of the recording when the marks were loaded
     double m_marksShare = 0.0;           ///< that was read of it then
     std::u16string m_lastPath;
-    FileStamp m_stamp;  ///< of m_lastPath, from just before it was opened
-    FileStamp m_seen;   ///< stamp at the last check that found a change
+    RecordingStamp m_stamp;  ///< from just before the recording was opened; of other files, from when they were
+    RecordingStamp m_seen;   ///< stamp at the last check that found a change
 };
 
 }  // namespace quillon

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 namespace quillon {
 
@@ -16,6 +17,18 @@ struct FileStamp {
         return known && other.known && volume == other.volume && file == other.file;
     }
     friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+/// The files of a recording.
+struct RecordingStamp {
+    FileStamp own;                  ///< of the file that was opened
+    std::vector<FileStamp> others;  ///< in the order of Recording::OtherFiles
+
+    /// Whether all files can be queried.
+    [[nodiscard]] bool IsKnown() const;
+    /// Whether the files are those of `before`, one or more of them longer and none shorter.
+    [[nodiscard]] bool HasGrownSince(const RecordingStamp& before) const;
+    friend bool operator==(const RecordingStamp&, const RecordingStamp&) = default;
 };
 
 /// What has become of a file.

@@ -31,7 +31,8 @@ class DocumentTest : public ::testing::Test {
         m_library.files[path] = recording->blocks.empty() ? nullptr : recording;
         if (!m_document.IsOpen(path, m_stamps[path])) m_document.OpenFile(path, m_stamps[path]);
     }
-    bool Unchanged(const FileStamp& stamp, bool asked) { return m_document.ChangeOf(stamp, asked) == FileChange::None; }
+    FileChange ChangeOf(const FileStamp& stamp, bool asked) { return m_document.ChangeOf({stamp, {}}, asked); }
+    bool Unchanged(const FileStamp& stamp, bool asked) { return ChangeOf(stamp, asked) == FileChange::None; }
     [[nodiscard]] std::string Shown() const {
         std::string shown;
         for (std::size_t slot = 0; slot < 4; ++slot) shown += m_document.Slots()[slot].shown ? '1' : '0';
@@ -132,7 +133,7 @@ TEST_F(DocumentTest, AChangedFileIsLoadedAgainOnceItIsQuiet) {
     EXPECT_TRUE(m_document.ChangePending());
     EXPECT_FALSE(Unchanged(stamp, true));
     EXPECT_FALSE(Unchanged(stamp, false));
-    EXPECT_TRUE(m_document.Reload(stamp));
+    EXPECT_TRUE(m_document.Reload({stamp, {}}));
     EXPECT_EQ(m_file.currentBlockIndex, 2);
     EXPECT_EQ(m_document.CurrentChannel(), 2);
     EXPECT_EQ(m_library.closed, 1);
@@ -141,25 +142,52 @@ TEST_F(DocumentTest, AChangedFileIsLoadedAgainOnceItIsQuiet) {
     stamp.file = 8;
     m_library.files[u"C:\\data\\a.fake"]->blocks.resize(2);
     EXPECT_FALSE(Unchanged(stamp, true));
-    EXPECT_TRUE(m_document.Reload(stamp));
+    EXPECT_TRUE(m_document.Reload({stamp, {}}));
     EXPECT_EQ(m_file.currentBlockIndex, 1);
     // What can no longer be read leaves the open one as it is, and is not tried again and again.
     m_library.files[u"C:\\data\\a.fake"] = nullptr;
     stamp.modified = 6;
-    EXPECT_FALSE(m_document.Reload(stamp));
+    EXPECT_FALSE(m_document.Reload({stamp, {}}));
     EXPECT_EQ(m_file.currentBlockIndex, 1);
     EXPECT_TRUE(Unchanged(stamp, true));
     // One that only gets longer has grown at once, unless something is still being read.
     stamp.size += 10;
-    EXPECT_EQ(m_document.ChangeOf(stamp, false), FileChange::Grown);
-    EXPECT_EQ(m_document.ChangeOf(stamp, true), FileChange::Other);
+    EXPECT_EQ(ChangeOf(stamp, false), FileChange::Grown);
+    EXPECT_EQ(ChangeOf(stamp, true), FileChange::Other);
     stamp.file = 9;
     EXPECT_TRUE(Unchanged(stamp, false)) << "another file of that name";
-    EXPECT_EQ(m_document.ChangeOf(stamp, false), FileChange::Other);
+    EXPECT_EQ(ChangeOf(stamp, false), FileChange::Other);
     // One that was refused is looked at too.
     Open(u"b.fake", {});
     EXPECT_FALSE(Unchanged(stamp, true));
     EXPECT_EQ(m_document.LastPath(), u"C:\\data\\b.fake");
+}
+
+TEST_F(DocumentTest, AFileBesideTheRecordingGrowsItToo) {
+    Open(u"a.vhdr", {Block(u"1")});
+    auto& others = m_library.files[u"C:\\data\\a.vhdr"]->others;
+    others = {{u"C:\\data\\a.eeg", 100}, {u"C:\\data\\a.vmrk", 20}};
+    RecordingStamp now{{true, 1, 7, 50, 5}, {{true, 1, 8, 100, 5}, {true, 1, 9, 20, 5}}};
+    m_document.Reload(now);
+    EXPECT_EQ(m_document.ChangeOf(now, false), FileChange::None);
+    now.others[0].size = 120;
+    now.others[0].modified = 6;
+    EXPECT_EQ(m_document.ChangeOf(now, false), FileChange::Grown);
+    // What was written between opening it and the first look is not missed.
+    m_document.Reload(now);
+    EXPECT_EQ(m_document.ChangeOf(now, false), FileChange::Grown);
+    others[0].size = 120;
+    m_document.Reload(now);
+    EXPECT_EQ(m_document.ChangeOf(now, false), FileChange::None);
+    RecordingStamp cut = now;
+    cut.others[0].size = 130;
+    cut.others[1].size = 19;
+    EXPECT_EQ(m_document.ChangeOf(cut, false), FileChange::None) << "it may still be written to";
+    EXPECT_EQ(m_document.ChangeOf(cut, false), FileChange::Other);
+    cut.others[1] = {};
+    EXPECT_EQ(m_document.ChangeOf(cut, true), FileChange::None) << "gone for now";
+    now.others[1].file = 10;
+    EXPECT_EQ(m_document.ChangeOf(now, true), FileChange::Other) << "another file of that name";
 }
 
 TEST_F(DocumentTest, LoadingReadsChannelsSlotsAndMarks) {

@@ -7,6 +7,7 @@
 
 #include "RecordingWriters.h"
 #include "base/DateTime.h"
+#include "base/FilePath.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/RecordingLibrary.h"
 #include "norvik/TemporaryFolder.h"
@@ -94,6 +95,37 @@ TEST(RecordingLibrary, FilesBesideARecordingAreOpenedByPlainNamesOnly) {
     EXPECT_EQ(asked, 0) << "nothing is asked of the system";
     for (const std::u16string name : {u"..a", u"Запись 1.dat", u"console.dat", u"com.dat", u"com10", u".dat"})
         EXPECT_TRUE(any.Open(name, error)) << Utf8(name);
+}
+
+TEST(RecordingLibrary, TheOtherFilesOfARecordingAreTold) {
+    const TemporaryFolder folder;
+    const auto library = MakeRecordingLibrary(Language::English);
+    const auto others = [&](const std::u16string& path) {
+        std::shared_ptr<Recording> recording;
+        EXPECT_TRUE(library->OpenRecording(path, recording)) << Utf8(library->LastErrorText());
+        std::vector<std::pair<std::string, std::uint64_t>> files;
+        for (const OtherFile& file : recording->OtherFiles()) {
+            EXPECT_EQ(FolderOf(file.path), FolderOf(path));
+            files.emplace_back(Utf8(FileNameOf(file.path)), file.size);
+        }
+        return files;
+    };
+    using Files = std::vector<std::pair<std::string, std::uint64_t>>;
+    // Under the name that it has, though the header states it in other letters.
+    const std::u16string one = folder.Write(u"one.hea", "one 1 100\nONE.dat 16 200/mV\n");
+    folder.Write(u"one.dat", std::string(600, 'x'));
+    EXPECT_EQ(others(one), (Files{{"one.dat", 600}}));
+    // Of many files the last ones, each once.
+    std::string many = "many/20 1 100 2000\n";
+    for (int part = 0; part < 20; ++part) {
+        const std::string name = "part" + std::to_string(part);
+        many += name + " 100\n";
+        folder.Write(Utf16(name) + u".hea", name + " 1 100 100\n" + name + ".dat 16 200/mV\n");
+        folder.Write(Utf16(name) + u".dat", std::string(200, 'x'));
+    }
+    const Files last = others(folder.Write(u"many.hea", many));
+    EXPECT_EQ(last.size(), 16U);
+    EXPECT_EQ(std::count(last.begin(), last.end(), std::pair(std::string("part19.dat"), std::uint64_t{200})), 1);
 }
 
 /// A file of random codes at 250 Hz.

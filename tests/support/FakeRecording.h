@@ -148,6 +148,7 @@ class FakeBlock : public RecordingBlock {
 class FakeRecording : public Recording {
   public:
     std::u16string name;
+    std::vector<OtherFile> others;
     std::vector<std::shared_ptr<FakeBlock>> blocks;
     std::vector<std::function<void()>> steps;  ///< what ReadMore does, the last one first
     std::int32_t version = 0;
@@ -160,6 +161,7 @@ class FakeRecording : public Recording {
         steps.pop_back();
         return !steps.empty();
     }
+    std::vector<OtherFile> OtherFiles() const override { return others; }
     std::int32_t Version() const override { return version; }
     double ReadShare() const override { return steps.empty() ? 1.0 : 0.0; }
     std::u16string FileName() const override { return name; }

@@ -24,7 +24,8 @@ bool IsDevice(std::u16string_view name) {
            ports.find(stem.back()) != std::u16string_view::npos;
 }
 
-std::shared_ptr<ByteSource> OpenInFolder(const std::u16string& folder, const std::u16string& name, Bilingual& error) {
+/// Where the file has another name, it becomes `name`.
+std::shared_ptr<ByteSource> OpenInFolder(const std::u16string& folder, std::u16string& name, Bilingual& error) {
     std::shared_ptr<ByteSource> source = OpenFileSource(folder + name, error);
     if (source) return source;
     // Recordings come from systems that do not tell letter cases apart.
@@ -36,7 +37,9 @@ std::shared_ptr<ByteSource> OpenInFolder(const std::u16string& folder, const std
         if (other.size() != name.size() || other == name || LowerCase(other) != lower) continue;
         Bilingual ignored;
         source = OpenFileSource(folder + other, ignored);
-        if (source) break;
+        if (!source) continue;
+        name = other;
+        break;
     }
     return source;
 }
@@ -69,10 +72,11 @@ Bilingual ReadInstead(const std::u16string& name, const std::u16string& stated) 
     return Say(u"%1 read instead of '%2'", u"вместо «%2» прочитан %1", {name, stated});
 }
 
-Companions FilesBeside(const std::u16string& path, Language language) {
-    return Companions([folder = FolderOf(path), language](const std::u16string& name, Bilingual& error) {
+Companions FilesBeside(const std::u16string& path, Language language, std::weak_ptr<std::vector<OtherFile>> opened) {
+    return Companions([folder = FolderOf(path), language, opened](std::u16string name, Bilingual& error) {
         std::shared_ptr<ByteSource> source = OpenInFolder(folder, name, error);
         if (source) source->SetErrorLanguage(language);
+        if (const auto files = opened.lock(); files && source) files->push_back({folder + name, source->Size()});
         return source;
     });
 }

@@ -4,9 +4,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/Bilingual.h"
 #include "base/Language.h"
+#include "norvik/NorvikCore.h"
 #include "norvik/private/ByteSource.h"
 
 namespace quillon {
@@ -40,7 +42,8 @@ class Companions {
 [[nodiscard]] Bilingual ReadInstead(const std::u16string& name, const std::u16string& stated);
 
 /// The files in the folder of `path`; where none has the name, one that differs from it in letter case only. The errors
-/// of their reads are in `language`.
-[[nodiscard]] Companions FilesBeside(const std::u16string& path, Language language);
+/// of their reads are in `language`. Each that is opened is added to `opened` for as long as there is one.
+[[nodiscard]] Companions FilesBeside(const std::u16string& path, Language language,
+                                     std::weak_ptr<std::vector<OtherFile>> opened = {});
 
 }  // namespace quillon
