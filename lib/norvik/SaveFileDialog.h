@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace quillon {
@@ -19,6 +20,8 @@ class SaveFileDialog {
     std::int32_t filterIndex = 1;  ///< of the pair chosen, from 1
     std::u16string folder;         ///< shown first; empty: the system's choice
     std::u16string fileName;       ///< proposed, then chosen
+    /// Told of the pair that is proposed and, while the dialog is open, of each that the user turns to; may be empty.
+    std::function<void(std::int32_t filterIndex)> onType;
 };
 
 }  // namespace quillon

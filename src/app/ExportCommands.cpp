@@ -53,9 +53,14 @@ void ExportCommands::SaveAs() {
     const std::u16string& last = m_parts.settings.folder;
     dialog.folder = last.empty() || !FileExists(last) ? FolderOf(m_parts.document.File().fileName) : last;
     onDialog();
-    const bool isTold = m_saveType == kEdfPlusFilterIndex;
-    if (isTold) m_parts.services.SetStatus(EdfPlusLine(range, ShownChannels()));
+    bool isTold = false;
+    dialog.onType = [&](std::int32_t type) {
+        const bool tells = type == kEdfPlusFilterIndex && m_parts.document.Block().stored == block;
+        if (tells || isTold) m_parts.services.SetStatus(tells ? EdfPlusLine(range, ShownChannels()) : std::u16string());
+        isTold = tells;
+    };
     const bool isChosen = dialog.Show();
+    dialog.onType = {};
     if (isGone()) return;
     if (isTold) m_parts.services.SetStatus({});
     if (!isChosen) return;

@@ -105,6 +105,9 @@ TEST_F(ExportCommandsTest, EdfPlusHoldsTheShownChannelsOfTheSelectionAsStoredOrA
     std::vector<std::u16string> offered;
     m_dialog.answer = [&](FakeSaveDialog& dialog) {
         EXPECT_TRUE(dialog.filter.ends_with(u"Text files (*.txt)|*.txt|EDF+ with marks (*.edf)|*.edf"));
+        dialog.onType(dialog.filterIndex);
+        offered.push_back(m_told.status);
+        dialog.onType(5);
         offered.push_back(m_told.status);
         return dialog.fileName = name, dialog.filterIndex = 5, true;
     };
@@ -133,12 +136,14 @@ TEST_F(ExportCommandsTest, EdfPlusHoldsTheShownChannelsOfTheSelectionAsStoredOrA
         EXPECT_EQ(code, asShown ? 0 : 7) << "a high pass takes a constant out";
         EXPECT_EQ(Contents(name).find("HP:1Hz") != std::string::npos, asShown);
     }
-    // While the dialog that offers this type is open; the first time it was another.
+    // While the dialog is open with this type; the first time it opened with another.
     const std::u16string line = u"2.5 s from 00:00:01, 8 of 10 channels, EDF+";
-    EXPECT_EQ(offered, (std::vector<std::u16string>{u"", line}));
-    m_dialog.answer = [](FakeSaveDialog&) { return false; };
-    m_commands.SaveAs();
-    EXPECT_EQ(m_told.status, u"") << "left by the user: nothing is going to be written";
+    EXPECT_EQ(offered, (std::vector<std::u16string>{u"", line, line, line}));
+    for (const std::int32_t last : {5, 1}) {
+        m_dialog.answer = [=](FakeSaveDialog& dialog) { return dialog.onType(5), dialog.onType(last), false; };
+        m_commands.SaveAs();
+        EXPECT_EQ(m_told.status, u"") << "nothing is going to be written as that";
+    }
     m_dialog.answer = [&](FakeSaveDialog& dialog) { return dialog.fileName = name, true; };
     m_document.ShowAll(false);
     m_commands.SaveAs();

@@ -103,11 +103,17 @@ TEST_F(ExportWindowTest, TheSystemsDialogTakesAnyFolderAndName) {
         dialog->fileName = name;
         dialog->filter = BuildSaveFilter();
         std::wstring proposed;
+        std::vector<std::int32_t> types;
+        dialog->filterIndex = 2;
+        dialog->onType = [&](std::int32_t type) { types.push_back(type); };
         const DialogAnswer answer([&](HWND shown) {
             proposed = WindowText(GetDlgItem(shown, 0x47C));
+            SendDlgItemMessageW(shown, 0x470, CB_SETCURSEL, 4, 0);
+            EXPECT_TRUE(WaitUntil([&] { return types.size() == 2; }));
             SaveUnder(shown, Path(u"typed.bin"));
         });
         EXPECT_TRUE(dialog->Show());
+        EXPECT_EQ(types, (std::vector{2, 5})) << "the proposed one, then that which the user turned to";
         EXPECT_EQ(dialog->fileName, Path(u"typed.bin"));
         EXPECT_TRUE(Wide(name).starts_with(proposed) && proposed.size() > (name.size() > 1 ? 9U : 0U));
     }
