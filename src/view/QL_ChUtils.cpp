@@ -116,6 +116,13 @@ SampleSpan EverySampleFor(const RecordingBlock& block, const TraceStretch& stret
     return {first, static_cast<std::int32_t>(std::max<std::int64_t>(end - first, 0))};
 }
 
+SampleSpan NeededBy(RecordingBlock& block, ExtremesCache& extremes, const TraceStretch& stretch) {
+    if (!stretch.free) return SamplesFor(stretch);
+    if (stretch.free->grid.ShowsEverySample()) return EverySampleFor(block, stretch);
+    const FreeColumns columns(block, extremes, stretch.free->grid);
+    return columns.SamplesOf(columns.Limited(ColumnsFor(stretch)));
+}
+
 std::int32_t ApproachFree(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
                           const TraceStretch& stretch) {
     const ColumnGrid& grid = stretch.free->grid;
@@ -183,9 +190,19 @@ void TraceReader::Read(RecordingBlock& block, ExtremesCache& extremes, std::span
     if (m_points.size() < m_used) m_points.resize(m_used);
     for (std::size_t at = 0; at < m_used; ++at) m_points[at].clear();
     m_failure.clear();
-    if (stretch.free && !channels.empty()) return ReadFree(block, extremes, channels, stretch);
+    m_hasHole = false;
+    if (channels.empty()) return;
+    ReadStretch(block, extremes, channels, stretch);
+    if (m_failure.empty()) return;
+    const SampleSpan wanted = NeededBy(block, extremes, stretch);
+    m_hasHole = wanted.count > 0 && CanRead(block, channels, wanted.End() - 1, 1);
+}
+
+void TraceReader::ReadStretch(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                              const TraceStretch& stretch) {
+    if (stretch.free) return ReadFree(block, extremes, channels, stretch);
     const SampleSpan wanted = SamplesFor(stretch);
-    if (wanted.count < 1 || channels.empty()) return;
+    if (wanted.count < 1) return;
     const std::int32_t skipped = wanted.first - stretch.samples.first;
     const std::int32_t left = stretch.samplesPerPixel > 2 ? 2 * (skipped / stretch.samplesPerPixel) : skipped;
     ReadPoints(block, extremes, channels, wanted.first, wanted.count, stretch.samplesPerPixel);

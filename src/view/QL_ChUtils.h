@@ -79,10 +79,14 @@ class TraceReader {
     [[nodiscard]] std::span<const std::vector<TracePoint>> points() const { return {m_points.data(), m_used}; }
     /// The block's error text if the last Read could not read everything; else empty.
     [[nodiscard]] const std::string& Failure() const { return m_failure; }
+    /// Whether the last Read has left out samples that could be read: behind some that could not.
+    [[nodiscard]] bool HasHole() const { return m_hasHole; }
     /// Another block is going to be read.
     void Reset() { m_failure.clear(); }
 
   private:
+    void ReadStretch(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
+                     const TraceStretch& stretch);
     void ReadPoints(RecordingBlock& block, ExtremesCache& extremes, std::span<const std::int16_t> channels,
                     std::int32_t first, std::int32_t count, std::int32_t samplesPerPixel);
     /// `extremes` is null where the runs are to be read from the block.
@@ -94,6 +98,7 @@ class TraceReader {
                      const TraceStretch& stretch);
 
     std::string m_failure;
+    bool m_hasHole = false;
     std::vector<std::vector<TracePoint>> m_points;  ///< grows to the most channels ever drawn; buffers are reused
     std::size_t m_used = 0;
     std::vector<std::int16_t> m_samples;

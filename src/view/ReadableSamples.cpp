@@ -5,9 +5,6 @@
 
 namespace quillon {
 
-namespace {
-
-/// `count` is at least 1.
 bool CanRead(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first, std::int32_t count) {
     try {
         std::vector<RunExtremes> ignored(channels.size());
@@ -21,8 +18,6 @@ bool CanRead(RecordingBlock& block, std::span<const std::int16_t> channels, std:
         return false;
     }
 }
-
-}  // namespace
 
 std::int32_t CountBeforeCut(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
                             std::int32_t count) {

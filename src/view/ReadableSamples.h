@@ -7,6 +7,10 @@
 
 namespace quillon {
 
+/// Whether all of those samples, at least one, can be read.
+[[nodiscard]] bool CanRead(RecordingBlock& block, std::span<const std::int16_t> channels, std::int32_t first,
+                           std::int32_t count);
+
 /// Number of samples from `first` on, at most `count`, that a truncated file still has; found by probing single
 /// samples.
 [[nodiscard]] std::int32_t CountBeforeCut(RecordingBlock& block, std::span<const std::int16_t> channels,

@@ -25,6 +25,12 @@ void TraceCanvas::Reset(std::int32_t from, std::int32_t to, std::int32_t height)
     m_from = from;
     m_height = height;
     Limit(0, height);
+    LimitColumns(from, to);
+}
+
+void TraceCanvas::LimitColumns(std::int32_t from, std::int32_t to) {
+    m_left = std::max(from, m_from);
+    m_right = std::min(to, m_from + static_cast<std::int32_t>(m_drawn.size()));
 }
 
 void TraceCanvas::Limit(std::int32_t top, std::int32_t end) {
@@ -45,8 +51,7 @@ void TraceCanvas::Fill(std::int32_t column, std::int64_t first, std::int64_t las
 }
 
 void TraceCanvas::Draw(std::span<const DevicePoint> points, std::uint8_t id) {
-    const auto to = m_from + static_cast<std::int32_t>(m_drawn.size());
-    const auto inside = [&](std::int32_t column) { return column >= m_from && column < to; };
+    const auto inside = [&](std::int32_t column) { return column >= m_left && column < m_right; };
     for (std::size_t at = 1; at < points.size(); ++at) {
         const DevicePoint start = points[at - 1];
         const DevicePoint end = points[at];
@@ -55,8 +60,8 @@ void TraceCanvas::Draw(std::span<const DevicePoint> points, std::uint8_t id) {
         const std::int64_t length = rise * step;
         if (length == 0) {
             // A level line, which may be as long as the graph is wide.
-            const std::int32_t last = std::min(end.x, to);
-            for (std::int32_t x = std::max(start.x, m_from); x < last; ++x) Fill(x, start.y, start.y, id);
+            const std::int32_t last = std::min(end.x, m_right);
+            for (std::int32_t x = std::max(start.x, m_left); x < last; ++x) Fill(x, start.y, start.y, id);
         } else if (end.x == start.x) {
             if (inside(start.x)) Fill(start.x, start.y, end.y - step, id);
         } else {
@@ -68,9 +73,8 @@ void TraceCanvas::Draw(std::span<const DevicePoint> points, std::uint8_t id) {
 }
 
 void TraceCanvas::DrawDots(std::span<const DevicePoint> points, std::uint8_t id) {
-    const auto to = m_from + static_cast<std::int32_t>(m_drawn.size());
     for (const DevicePoint& point : points) {
-        for (std::int32_t x = std::max(point.x - 1, m_from); x < std::min(point.x + 2, to); ++x)
+        for (std::int32_t x = std::max(point.x - 1, m_left); x < std::min(point.x + 2, m_right); ++x)
             Fill(x, std::int64_t{point.y} - 1, std::int64_t{point.y} + 1, id);
     }
 }

@@ -27,6 +27,8 @@ class TraceCanvas {
     void Reset(std::int32_t from, std::int32_t to, std::int32_t height);
     /// Limits what is drawn from now on to rows top .. end-1, as far as the image has them.
     void Limit(std::int32_t top, std::int32_t end);
+    /// The same for columns from .. to-1.
+    void LimitColumns(std::int32_t from, std::int32_t to);
     /// Draws a trace over those before. `id` is 1 .. kMostTraces.
     void Draw(std::span<const DevicePoint> points, std::uint8_t id);
     /// Draws a square of 3 x 3 pixels about every point.
@@ -43,6 +45,8 @@ class TraceCanvas {
     void Fill(std::int32_t column, std::int64_t first, std::int64_t last, std::uint8_t id);
 
     std::int32_t m_from = 0;
+    std::int32_t m_left = 0;  ///< columns that are drawn
+    std::int32_t m_right = 0;
     std::int32_t m_height = 0;
     std::int32_t m_top = 0;  ///< rows that are drawn
     std::int32_t m_end = 0;

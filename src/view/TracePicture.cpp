@@ -74,11 +74,24 @@ void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t
     m_canvas.Reset(from, to, m_height);
     m_colors.clear();
     if (scene.axis.Visible().count < 1) return m_sides.Forget(from, to);
-    const std::vector<LaneTrace> traces = TracesOf(scene.lanes);
     const SceneBlocks blocks = scene.Blocks();
-    const std::vector<SignalGroup> groups = GroupsOf(blocks, ChannelsOf(scene.lanes));
+    const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
+    m_colors.resize(shown.size());
+    DrawColumns(scene, GroupsOf(blocks, shown), from, to);
+}
+
+void TracePicture::DrawColumns(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from,
+                               std::int32_t to) {
     Read(scene, groups, from, to);
-    m_colors.resize(m_shown.size());
+    const auto hasHole = [](const TraceReader& reader) { return reader.HasHole(); };
+    if (to - from > 1 && std::any_of(m_readers.begin(), m_readers.begin() + std::ssize(groups), hasHole)) {
+        // A trace that is read at once ends at its first sample that cannot be.
+        const std::int32_t middle = from + (to - from) / 2;
+        DrawColumns(scene, groups, from, middle);
+        return DrawColumns(scene, groups, middle, to);
+    }
+    m_canvas.LimitColumns(from, to);
+    const std::vector<LaneTrace> traces = TracesOf(scene.lanes);
     // The last channel comes first, so that the first one is on top.
     for (std::size_t group = groups.size(); group-- > 0;) {
         const auto& [of, first, channels] = groups[group];

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <chrono>
 #include <numeric>
 
+#include "view/GraphPicture.h"
 #include "view/Selection.h"
 #include "view/StretchFixture.h"
 
@@ -90,6 +92,53 @@ TEST_F(FreeTraceTest, ATruncatedFileIsShownUpToItsEnd) {
             ASSERT_TRUE(shown.size() >= readable.size() && std::equal(readable.begin(), readable.end(), shown.begin()))
                 << round << ' ' << m_axis.PageSeconds();
         }
+    }
+}
+
+TEST_F(FreeTraceTest, OnlyTheColumnsOfAHoleAreMissing) {
+    const auto drawn = [&] {
+        std::vector<std::uint32_t> image(std::size_t{kWidth} * kHeight);
+        GraphPicture picture;
+        picture.SetPixels(image.data(), kWidth, kHeight);
+        picture.SetPatience(std::chrono::milliseconds(100000));
+        picture.Draw(Scene());
+        for (int slice = 0; picture.IsIncomplete() && slice < 3000; ++slice) picture.DrawMore(Scene());
+        EXPECT_EQ(picture.Traces().Failure().empty(), m_source->holeTo == 0);
+        return image;
+    };
+    for (int round = 0; round < 60; ++round) {
+        Make(static_cast<std::size_t>(1 + Any(3)), 3000 + Any(300000));
+        if (round % 3 == 0) {
+            m_view.SetLanes(false);
+            m_view.SelectZoomX(Any(9));
+        } else {
+            m_view.SetLanes(true);
+            Show();
+        }
+        ASSERT_EQ(m_axis.IsFree(), round % 3 != 0);
+        const SampleSpan seen = m_axis.Visible();
+        if (seen.count < 10) continue;
+        m_source->holeFrom = seen.first + Any(seen.count);
+        m_source->holeTo = std::min(m_source->holeFrom + 1 + Any(seen.count / 10 + 1), seen.End());
+        const ColumnRange hole{m_axis.ColumnOf(m_source->holeFrom), m_axis.ColumnOf(m_source->holeTo - 1) + 1};
+        const std::vector<std::uint32_t> image = drawn();
+        m_source->holeFrom = m_source->holeTo = 0;
+        const std::vector<std::uint32_t> whole = drawn();
+        // A column needs those beside it, and the line from a sample to the next both.
+        const int beside = 4 + static_cast<int>(2.0 / m_axis.Grid().SamplesPerColumn());
+        int missing = 0;
+        for (std::int32_t column = 0; column < kWidth; ++column) {
+            bool same = true;
+            for (std::int32_t row = 0; row < kHeight; ++row) {
+                const auto at = static_cast<std::size_t>(row * kWidth + column);
+                same = same && image[at] == whole[at];
+            }
+            missing += same ? 0 : 1;
+            const bool isNear = column >= hole.from - beside && column < hole.to + beside;
+            ASSERT_TRUE(same || isNear) << round << ": column " << column << ", hole " << hole.from << " to "
+                                        << hole.to;
+        }
+        EXPECT_LE(missing, hole.to - hole.from + 2 * beside);
     }
 }
 
