@@ -61,6 +61,9 @@ class RecordingBlock {
     /// Scale and offset: of a prepared block, as all that reads samples.
     [[nodiscard]] virtual float ChannelScale(std::int16_t channel) const = 0;
     [[nodiscard]] virtual float ChannelOffset(std::int16_t channel) const = 0;
+    /// Whether the scale was chosen so that the channel's samples, wider than 16 bits, fill the codes: whatever is made
+    /// of them needs room beyond.
+    [[nodiscard]] virtual bool FillsCodes(std::int16_t /*channel*/) const { return false; }
     /// Fills buffer[0 .. count-1] with the codes of samples first .. first+count-1, which must lie inside the block.
     /// Returns 0. Cheap at any first sample.
     virtual std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count,

@@ -88,7 +88,7 @@ std::u16string ShownBlock::ChannelUnit(std::int16_t channel) const {
 }
 
 float ShownBlock::ChannelScale(std::int16_t channel) const {
-    return m_stored->ChannelScale(Of(channel).channel);
+    return m_stored->ChannelScale(Of(channel).channel) * Of(channel).coarser;
 }
 
 std::int16_t ShownBlock::InputNumber(std::int16_t channel) const {

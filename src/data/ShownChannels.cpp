@@ -18,13 +18,14 @@ struct Stored {
     UnitGroup group;
     double perCode;  ///< base units of the group
     double offset;   ///< in its own unit
+    bool fills;      ///< see RecordingBlock::FillsCodes
 };
 
 std::vector<Stored> StoredChannels(const RecordingBlock& block) {
     std::vector<Stored> channels;
     for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
         Stored found{channel, block.ChannelTitle(channel), GroupOf(block.ChannelUnit(channel)), 0.0,
-                     static_cast<double>(block.ChannelOffset(channel))};
+                     static_cast<double>(block.ChannelOffset(channel)), block.FillsCodes(channel)};
         found.perCode = static_cast<double>(block.ChannelScale(channel)) * found.group.factor;
         channels.push_back(std::move(found));
     }
@@ -59,6 +60,8 @@ ShownChannel Less(const Stored& channel, std::size_t common, double commonOffset
         shown.factor = static_cast<float>(1.0 / channel.perCode);
         offset -= commonOffset / channel.group.factor;
     }
+    // A difference, and the deviation from the mean, reach as far as the whole range to either side.
+    if (channel.fills && !shown.IsStored()) shown.coarser = 2.0F;
     // A high pass takes away what is constant.
     shown.offset = filter.highPass > 0.0 ? 0.0F : static_cast<float>(offset);
     return shown;

@@ -22,9 +22,10 @@ struct CommonSignal {
 /// A channel as it is shown: the codes of a stored channel, less a common signal, then filtered.
 struct ShownChannel {
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-    std::int16_t channel = 1;    ///< whose number, unit and scale it has
+    std::int16_t channel = 1;    ///< whose number and unit it has
     std::size_t common = kNone;  ///< index of the signal that is subtracted
     float factor = 0.0F;         ///< codes of the channel per base unit of its group
+    float coarser = 1.0F;        ///< codes of the channel per code that is shown
     nsp::FilterSettings filter;  ///< only what there is at the block's rate
     float offset = 0.0F;         ///< value of code 0
     std::u16string title;

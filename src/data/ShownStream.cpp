@@ -142,7 +142,13 @@ void ShownStream::Append(const SampleSpan& ready, const std::vector<const float*
         std::vector<std::int16_t>& row = m_rows[at];
         const std::size_t before = row.size();
         row.resize(before + static_cast<std::size_t>(ready.count));
-        nsp::RoundToCodes(values[at], static_cast<std::size_t>(ready.count), row.data() + before);
+        const float* from = values[at];
+        if (const float coarser = m_channels[at]->coarser; coarser != 1.0F) {
+            m_scaled.resize(static_cast<std::size_t>(ready.count));
+            std::transform(from, from + ready.count, m_scaled.begin(), [=](float value) { return value / coarser; });
+            from = m_scaled.data();
+        }
+        nsp::RoundToCodes(from, static_cast<std::size_t>(ready.count), row.data() + before);
     }
     m_ready.count += ready.count;
 }

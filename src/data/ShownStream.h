@@ -62,6 +62,7 @@ class ShownStream {
     std::vector<const std::int16_t*> m_starts;      ///< in it, per stored channel; null where it is not needed
     std::ptrdiff_t m_step = 1;                      ///< from one sample of a channel to the next
     std::vector<std::vector<float>> m_sums;         ///< per channel, less its common signal
+    std::vector<float> m_scaled;                    ///< of a channel shown in coarser codes
     std::vector<std::vector<float>> m_commonRows;   ///< per common signal
     SampleSpan m_ready;                             ///< made, not yet given
     std::size_t m_given = 0;                        ///< of the rows

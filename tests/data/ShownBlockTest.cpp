@@ -185,6 +185,15 @@ TEST_F(ShownBlockTest, ConstantsVanishBehindAHighPassAndCodesStandAtTheirLimits)
     const Codes step = Whole(*shown, 1);
     EXPECT_EQ(step[3999], 0);
     EXPECT_EQ(step[4000], 32767);
+    // Wide samples fill the codes, so that deviations from the mean need coarser ones.
+    block->fills = true;
+    const auto coarser = MakeShownBlock(block, Filtered({.highPass = 0.1}), All(*block));
+    EXPECT_EQ(coarser->ChannelScale(1), 2.0F * block->ChannelScale(1));
+    const Codes whole = Whole(*coarser, 1);
+    EXPECT_NEAR(whole[4000], 32767, 400) << "65535 less what the filter takes at once";
+    EXPECT_LT(whole[4000], 32767);
+    for (std::size_t at = 4100; at < 9000; at += 100) EXPECT_NEAR(2 * whole[at], step[at], 1);
+    block->fills = false;
     // A filter that there is not at the rate leaves the stored block.
     EXPECT_EQ(MakeShownBlock(block, Filtered({.lowPass = 50.0, .notch = 60.0}), All(*block)), block);
 }

@@ -113,8 +113,10 @@ TEST(WaveReader, FloatsMadeFromSixteenBitsComeBackAsThem) {
     const auto read = [&] { return OnlyBlock(File(Format(3, 1, 32, 4), floats)); };
     EXPECT_EQ(AllCodes(*read(), 1), (Codes{-32768, -3, 0, 32767, 0}));
     EXPECT_EQ(read()->ChannelScale(1), 1.0F / 32768);
+    EXPECT_FALSE(read()->FillsCodes(1));
     floats.Float(0.1F);
     EXPECT_EQ(AllCodes(*read(), 1).front(), -32000) << "one odd sample and they do not";
+    EXPECT_TRUE(read()->FillsCodes(1));
 }
 
 TEST(WaveReader, SamplesThatAreNoNumbersAndHugeOnesStayInRange) {

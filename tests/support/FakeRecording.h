@@ -28,6 +28,7 @@ class FakeBlock : public RecordingBlock {
     std::vector<std::u16string> units;  ///< volts where there are none
     std::vector<float> scales;
     std::vector<float> offsets;  ///< the channel's number where there are none
+    bool fills = false;          ///< answer of FillsCodes
     std::vector<std::pair<std::int32_t, std::u16string>> marks;
     std::map<std::int32_t, double> durations;  ///< of marks, by their number from 1
     std::vector<std::string> failing;
@@ -70,6 +71,7 @@ class FakeBlock : public RecordingBlock {
         if (!provisional.empty()) return provisional.at(Index(channel));
         return scales.empty() ? 0.5F : scales.at(Index(channel));
     }
+    bool FillsCodes(std::int16_t) const override { return fills; }
     float ChannelOffset(std::int16_t channel) const override {
         return Ask("ChannelOffset"), offsets.empty() ? static_cast<float>(channel) : offsets.at(Index(channel));
     }

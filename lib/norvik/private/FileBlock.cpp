@@ -96,13 +96,13 @@ double FileBlock::PreparedShare() const {
 
 void FileBlock::SetScale(std::size_t channel, const WideScale& scale) {
     m_wideScales.resize(Channels());
-    m_wideScales[channel] = {scale.scale, scale.offset};
+    m_wideScales[channel] = {scale.scale, scale.offset, scale.fills};
 }
 
 FileBlock::ValueScale FileBlock::Scale(std::int16_t channel) const {
     const ChannelDescription& description = Channel(channel);
     RequirePrepared();
-    if (m_wideScales.empty()) return {description.scale, description.offset};
+    if (m_wideScales.empty()) return {description.scale, description.offset, false};
     return m_wideScales[static_cast<std::size_t>(channel) - 1];
 }
 
@@ -128,6 +128,10 @@ float FileBlock::ChannelScale(std::int16_t channel) const {
 
 float FileBlock::ChannelOffset(std::int16_t channel) const {
     return Scale(channel).offset;
+}
+
+bool FileBlock::FillsCodes(std::int16_t channel) const {
+    return Scale(channel).fills;
 }
 
 std::int32_t FileBlock::ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) {

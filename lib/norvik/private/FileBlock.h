@@ -72,6 +72,7 @@ class FileBlock : public RecordingBlock {
     [[nodiscard]] std::u16string ChannelUnit(std::int16_t channel) const final;
     [[nodiscard]] float ChannelScale(std::int16_t channel) const final;
     [[nodiscard]] float ChannelOffset(std::int16_t channel) const final;
+    [[nodiscard]] bool FillsCodes(std::int16_t channel) const final;
     std::int32_t ReadCodes(std::int16_t channel, std::int32_t first, std::int32_t count, std::int16_t* buffer) final;
     std::int32_t ReadValues(std::int16_t channel, std::int32_t first, std::int32_t count, float* buffer) final;
     [[nodiscard]] std::int32_t MarkCount() const override;
@@ -114,6 +115,7 @@ class FileBlock : public RecordingBlock {
     struct ValueScale {
         float scale = 1.0F;
         float offset = 0.0F;
+        bool fills = false;
     };
 
     void RequirePrepared() const;

@@ -20,7 +20,7 @@ float Single(double value) {
 }
 
 WideScale WithUnits(double shift, double step, double unitsPerSample, double unitsOffset) {
-    return {shift, step, Single(step * unitsPerSample), Single(shift * unitsPerSample + unitsOffset)};
+    return {shift, step, Single(step * unitsPerSample), Single(shift * unitsPerSample + unitsOffset), false};
 }
 
 }  // namespace
@@ -40,7 +40,9 @@ WideScale ChooseWideScale(double minimum, double maximum, bool whole, double uni
     const double step = (maximum / 2.0 - minimum / 2.0) / kScaledReach * headroom;
     const double shift = maximum / 2.0 + minimum / 2.0;
     if (!(step > 0.0)) return WithUnits(minimum, 1.0, unitsPerSample, unitsOffset);
-    return WithUnits(shift, step, unitsPerSample, unitsOffset);
+    WideScale scale = WithUnits(shift, step, unitsPerSample, unitsOffset);
+    scale.fills = true;
+    return scale;
 }
 
 }  // namespace quillon

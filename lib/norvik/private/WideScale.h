@@ -15,6 +15,7 @@ struct WideScale {
     double step = 1.0;
     float scale = 1.0F;
     float offset = 0.0F;
+    bool fills = false;  ///< see RecordingBlock::FillsCodes
 
     [[nodiscard]] std::int16_t Code(double sample) const {
         // An undefined sample is drawn on the zero line rather than at an arbitrary end of the range.
