@@ -1,4 +1,4 @@
-# The help: UTF-8 pages in help/<language>, made into one .chm per language beside the viewer. Faults in the pages end the
+# The help: UTF-8 pages in help/<language> with their pictures, made into one .chm per language beside the viewer. Faults in the pages end the
 # build, because the compiler itself passes over most of them.
 function(add_help)
   find_program(CHMCMD NAMES chmcmd chmcmd-3.2.2 REQUIRED)
@@ -13,7 +13,7 @@ function(add_help)
     COMMAND ${check} ${CMAKE_SOURCE_DIR}
     COMMAND ${CMAKE_COMMAND} -E touch ${checked}
     DEPENDS ${pages} ${check} ${CMAKE_SOURCE_DIR}/src/app/StringIds.h ${CMAKE_SOURCE_DIR}/res/strings_en.rc
-            ${CMAKE_SOURCE_DIR}/res/strings_ru.rc
+            ${CMAKE_SOURCE_DIR}/res/strings_ru.rc ${CMAKE_SOURCE_DIR}/scripts/help-pictures
     COMMENT "Checking the help" VERBATIM)
 
   set(products "")

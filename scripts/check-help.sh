@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks the help pages: every link has its target, every page is in project and contents under its own title, both
-# languages have the same pages and sections, and every caption of the menus is explained. Usage: check-help.sh [folder]
+# Checks the help pages: every link and picture has its target, every page is in project and contents under its own title,
+# both languages have the same pages, sections and pictures, the pictures tell in words what they show and are those that
+# scripts/help-pictures makes, and every caption of the menus is explained. Usage: check-help.sh [folder]
 set -euo pipefail
 export LC_ALL=C.UTF-8
 cd "${1:-$(dirname "$0")/..}"
@@ -38,6 +39,7 @@ check_page() {
     iconv -f UTF-8 -t UTF-8 "$page" > /dev/null 2>&1 || fault "$page: not UTF-8"
     grep -q 'charset=utf-8' "$page" || fault "$page: no character set"
     repeated=$(anchors "$page" | sort | uniq -d)
+    ! grep -o '<img[^>]*>' "$page" | grep -qv ' alt="[^"]' || fault "$page: a picture without words"
     [ -z "$repeated" ] || fault "$page: two sections are called $repeated"
     grep -qxF -- "$name" <(tr -d '\r' < "$project.hhp") || fault "$project.hhp: does not list $name"
     grep -qF -- "<param name=\"Name\" value=\"$title\"><param name=\"Local\" value=\"$name\">" "$project.hhc" ||
@@ -53,10 +55,15 @@ captions() {
 }
 
 check_language() {
-    local folder=$1 project=$1/$2 language=$3 page caption
+    local folder=$1 project=$1/$2 language=$3 page caption picture name
     for page in "$folder"/*.html; do
         check_page "$page" "$project"
         check_targets "$page"
+    done
+    for picture in "$folder"/pictures/*; do
+        name=$(basename "$picture" .png)
+        grep -qF "src=\"pictures/$name.png\"" "$folder"/*.html || fault "$picture: no page shows it"
+        grep -q "^picture_$name()" scripts/help-pictures || fault "$picture: scripts/help-pictures does not make it"
     done
     check_targets "$project.hhc"
     check_targets "$project.hhk"
@@ -69,7 +76,21 @@ check_language() {
 check_language help/en KelvoEN en
 check_language help/ru Kelvo ru
 
-outline() { (cd "$1" && grep -oHE ' id="[^"]*"' -- *.html && ls -- *.html); }
+# The README shows some of the pictures.
+while IFS= read -r target; do
+    [ -f "$target" ] || fault "README.md: has no target: $target"
+done < <(grep -oE '\]\(help/[^)]*\)' README.md | sed -E 's/^..(.*).$/\1/')
+
+# Pages that the program opens by itself.
+while IFS= read -r target; do
+    for folder in help/en help/ru; do
+        page=$folder/${target%%#*}
+        [ -f "$page" ] && { [[ $target != *'#'* ]] || grep -qxF -- "${target#*#}" <(anchors "$page"); } ||
+            fault "$folder: the program opens $target"
+    done
+done < <(grep -rhoE 'L"[a-z]+\.html[^"]*"' src/app/win | sed 's/^L"//; s/"$//')
+
+outline() { (cd "$1" && grep -oHE ' (id|src)="[^"]*"' -- *.html && ls -- *.html); }
 diff <(outline help/en) <(outline help/ru) >&2 || fault "English (<) and Russian (>) pages differ"
 
 exit $failed

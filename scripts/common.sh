@@ -83,9 +83,10 @@ prepare_sound() {
 
 # Ends what this script started.
 end_all() {
-    [ -n "${WINEPREFIX:-}" ] && wineserver -k 2> /dev/null
-    [ -n "${openbox_pid:-}" ] && kill "$openbox_pid" 2> /dev/null
-    [ -n "${xvfb_pid:-}" ] && kill "$xvfb_pid" 2> /dev/null
+    # None of them may end the script before the others: what has ended already is no fault.
+    [ -z "${WINEPREFIX:-}" ] || wineserver -k 2> /dev/null || true
+    [ -z "${openbox_pid:-}" ] || kill "$openbox_pid" 2> /dev/null || true
+    [ -z "${xvfb_pid:-}" ] || kill "$xvfb_pid" 2> /dev/null || true
     wait 2> /dev/null
     return 0
 }

@@ -39,7 +39,7 @@ void frmQLMain::Wire() {
     m_rooms.onState = [this] { m_tools.Update(State()); };
     m_rooms.onArrange = [this] { Arrange(); };
     m_commands.help = m_rooms.onHelp = [this] { m_help.Show(m_window); };
-    m_rooms.spectrum.onHelp = [this] { m_help.Show(m_window, L"spectrum.html"); };
+    m_rooms.spectrum.onHelp = [this] { m_help.Show(m_window, L"spectrum.html#averaged"); };
     m_rooms.onContextMenu = [this](POINT screen) { ShowMenu(ContextMenu(), screen); };
     m_rooms.onCommand = [this](int command) { OnCommand(command); };
     m_rooms.onPathList = [this] {
