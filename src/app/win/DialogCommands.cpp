@@ -51,7 +51,7 @@ void DialogCommands::Options() {
     Settings& settings = m_shared.settings;
     const OptionsCalls calls{
         [this](HWND, std::u16string& name) { return FastExportDialog(m_shared.saveDialog, m_shared.services, name); },
-        [this](HWND) { onHelp(); }};
+        [this](HWND) { onHelp(L"options.html"); }};
     dlgOptions dialog(m_shared.services, calls, m_shared.format, Block().sampleRate);
     const std::optional<OptionChanges> changes =
         dialog.Show(m_parts.window.Window(), {settings.display, settings.text, settings.spectrum});
@@ -77,7 +77,7 @@ void DialogCommands::Split() {
         if (!prepared) return;
         ShowSplitDialog(m_parts.window.Window(),
                         {Block().stored, m_shared.document.File().fileName, m_shared.settings.split, m_shared.exporter,
-                         m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(); },
+                         m_shared.services, m_shared.format.decimalSeparator, [this] { onHelp(L"export.html#split"); },
                          [this](const std::function<void()>& run) {
                              m_parts.window.RunPart(run);
                              return !m_parts.window.IsCloseAsked();

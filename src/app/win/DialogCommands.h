@@ -32,7 +32,7 @@ class DialogCommands {
     explicit DialogCommands(const Parts& parts) : m_parts(parts), m_shared(parts.shared) {}
 
     // To be set by the owner.
-    std::function<void()> onHelp;                                   ///< the user asked for help in a dialog
+    std::function<void(const wchar_t* page)> onHelp;                ///< request for a page of the help
     std::function<void(const GoToMeaning& place)> onGoTo;           ///< request to show a place
     std::function<void()> onRedraw;                                 ///< the settings have changed
     std::function<void(const std::function<void()>& work)> onWork;  ///< runs work that no command may interrupt

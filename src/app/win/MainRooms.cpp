@@ -135,7 +135,7 @@ void MainRooms::WireCommands() {
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };
     commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
-    dialogs.onHelp = [this] { onHelp(); };
+    dialogs.onHelp = spectrum.onHelp = [this](const wchar_t* page) { onHelp(page); };
     dialogs.onGoTo = [this](const GoToMeaning& place) { commands.GoTo(place); };
     dialogs.onRedraw = [this] { Refresh(), recording.marks.MarksChanged(); };
     dialogs.onWork = [this](const std::function<void()>& work) { longCommand.RunWhole(work); };

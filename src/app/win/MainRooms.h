@@ -40,7 +40,7 @@ class MainRooms {
     // To be set by the owner.
     std::function<void()> onState;                    ///< the availability of commands may have changed
     std::function<void()> onArrange;                  ///< the controls have to be laid out again
-    std::function<void()> onHelp;                     ///< the user asked for help in a dialog
+    std::function<void(const wchar_t* page)> onHelp;  ///< request for a page of the help
     std::function<void(POINT screen)> onContextMenu;  ///< request for the context menu of the graph
     std::function<void(int command)> onCommand;       ///< a control requests a menu command
     std::function<void()> onPathList;

@@ -283,7 +283,7 @@ void SpectrumWindow::ShowNote() {
 bool SpectrumWindow::Translate(MSG message) {
     if (m_window == nullptr || (message.hwnd != m_window && !IsChild(m_window, message.hwnd))) return false;
     if (m_picture.Translate(message)) return true;
-    if (message.message == WM_KEYDOWN && message.wParam == VK_F1) return onHelp(), true;
+    if (message.message == WM_KEYDOWN && message.wParam == VK_F1) return onHelp(L"spectrum.html#averaged"), true;
     if (message.message == WM_KEYDOWN && message.wParam == VK_F5) return Analyse(), true;
     if (message.message == WM_KEYDOWN && message.wParam == 'C' && HasControl()) {
         GetKeyState(VK_SHIFT) < 0 ? TellCopied(m_picture.Copy(m_spectra.Title() + u": " + m_spectra.Heading()))

@@ -27,7 +27,7 @@ class SpectrumWindow final {
 
     // To be set by the owner.
     std::function<void(const std::exception& error)> onFailed;
-    std::function<void()> onHelp;  ///< the user asked for the page of this window
+    std::function<void(const wchar_t* page)> onHelp;  ///< request for a page of the help
 
     /// Opens it where it was last or brings it to the front, with the spectra of what is selected or seen now.
     void Show(HWND owner);

@@ -38,8 +38,8 @@ void frmQLMain::Wire() {
     m_steps.onFailed = [this](const std::exception& error) { StepFailed(error); };
     m_rooms.onState = [this] { m_tools.Update(State()); };
     m_rooms.onArrange = [this] { Arrange(); };
-    m_commands.help = m_rooms.onHelp = [this] { m_help.Show(m_window); };
-    m_rooms.spectrum.onHelp = [this] { m_help.Show(m_window, L"spectrum.html#averaged"); };
+    m_commands.help = [this] { m_help.Show(m_window); };
+    m_rooms.onHelp = [this](const wchar_t* page) { m_help.Show(m_window, page); };
     m_rooms.onContextMenu = [this](POINT screen) { ShowMenu(ContextMenu(), screen); };
     m_rooms.onCommand = [this](int command) { OnCommand(command); };
     m_rooms.onPathList = [this] {
