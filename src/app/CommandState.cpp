@@ -59,6 +59,8 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.spectrogramShown = settings.window.spectrogramShown;
     state.spectrum = settings.spectrum;
     state.overviewShown = WantsOverview(settings.window);
+    state.darkGraph = settings.window.darkGraph;
+    state.lineWidth = view.Look().lineWidth;
     state.soundDevices = playback.DeviceCount();
     state.soundDevice = playback.Device();
     state.playing = playback.IsPlaying();
@@ -75,7 +77,8 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuKeysAndMouse || id == mnuOpenFolder || id == mnuSpectrogram || id == mnuLanes || id == mnuAllSignals ||
         id == mnuOptions)
         return true;
-    if (id == mnuFilterRow || id == mnuOpen || id == mnuOverview) return true;
+    if (id == mnuFilterRow || id == mnuOpen || id == mnuOverview || id == mnuDarkGraph) return true;
+    if (Within(id, mnuLineWidth, kMostLineWidth)) return true;
     if (id == mnuClearRecent) return state.recent > 0;
     if (Within(id, mnuRecent, kRecentEntries)) return id - mnuRecent < state.recent;
     if (id == mnuShowRaw) return state.shownOtherwise;
@@ -139,6 +142,8 @@ bool IsChecked(int id, const CommandState& state) {
     if (id == mnuUnfiltered) return state.unfiltered;
     if (id == mnuSpectrogram) return state.spectrogramShown;
     if (id == mnuOverview) return state.overviewShown;
+    if (id == mnuDarkGraph) return state.darkGraph;
+    if (Within(id, mnuLineWidth, kMostLineWidth)) return id - mnuLineWidth + 1 == state.lineWidth;
     if (id == mnuLanes) return state.lanes;
     if (id == mnuAllSignals) return state.lanes && state.allSignals;
     if (id == mnuNegativeUp) return state.lanes && state.negativeUp;

@@ -32,6 +32,8 @@ struct CommandState {
     bool canZoomOut = true;
     bool spectrogramShown = false;
     bool overviewShown = false;
+    bool darkGraph = false;
+    std::int32_t lineWidth = 1;
     SpectrumSettings spectrum;  ///< how
     bool lanes = false;         ///< chosen
     bool allSignals = false;    ///< lanes of all signals are chosen

@@ -6,6 +6,7 @@
 #include "app/FilterChoices.h"
 #include "app/SpectrogramChoices.h"
 #include "app/StringIds.h"
+#include "view/GraphColors.h"
 #include "view/ScaleLabels.h"
 
 namespace quillon {
@@ -58,6 +59,10 @@ constexpr std::array kTree{
     Entry(1, mnuLanes, IDS_LANES),
     Entry(1, mnuAllSignals, IDS_ALLSIGNALS),
     Entry(1, mnuNegativeUp, IDS_NEGATIVEUP),
+    Separator(1),
+    Entry(1, mnuDarkGraph, IDS_DARKGRAPH),
+    Popup(1, IDS_MENU_LINEWIDTH),
+    Entry(2, mnuLineWidth, IDS_LINEWIDTH_0, kMostLineWidth),
     Separator(1),
     Popup(1, IDS_MENU_XZOOM),
     Entry(2, mnuScaleX, 0, TimeAxis::kMenuZoomCount),

@@ -30,6 +30,8 @@ enum CommandId : int {
     mnuClipToLanes,
     mnuAllSignals,
     mnuOverview,
+    mnuDarkGraph,
+    mnuLineWidth,      ///< by width, from 1
     mnuRecent = 1070,  ///< by recording, the latest first
     mnuClearRecent = 1090,
     mnuScaleX = 1100,

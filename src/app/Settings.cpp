@@ -80,7 +80,7 @@ constexpr std::array<Entry<SpectrumWindowSettings>, 4> kSpectrumChoiceEntries{
      {u"SpectrumWindow", &SpectrumWindowSettings::window},
      {u"SpectrumLogFrequency", &SpectrumWindowSettings::logFrequency},
      {u"SpectrumLevels", &SpectrumWindowSettings::levels}}};
-constexpr std::array<Entry<WindowPlacement>, 15> kWindowEntries{
+constexpr std::array<Entry<WindowPlacement>, 17> kWindowEntries{
     {{u"ListWidth", &WindowPlacement::listWidth},
      {u"UpperPercent", &WindowPlacement::upperPercent},
      {u"ValuesHeight", &WindowPlacement::valuesHeight},
@@ -92,6 +92,8 @@ constexpr std::array<Entry<WindowPlacement>, 15> kWindowEntries{
      {u"ClipToLanes", &WindowPlacement::clipToLanes},
      {u"AllSignals", &WindowPlacement::allSignals},
      {u"Overview", &WindowPlacement::overview},
+     {u"DarkGraph", &WindowPlacement::darkGraph},
+     {u"LineWidth", &WindowPlacement::lineWidth},
      {u"Filters", &WindowPlacement::filters},
      {u"Shown", &WindowPlacement::shown},
      {u"Montages", &WindowPlacement::montages},

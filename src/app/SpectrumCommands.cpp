@@ -67,7 +67,7 @@ void SpectrumCommands::Analyse() {
         PlotTrace& trace = m_traces.emplace_back();
         trace.title = channel.title;
         trace.unit = m_document.GetSignal(number).unit;
-        trace.color = TraceColor(channel.number);
+        trace.number = channel.number;
     }
     if (m_traces.empty()) {
         m_refusal = m_services.Text(IDS_NO_CHANNEL);

@@ -28,10 +28,12 @@ struct WindowPlacement {
     bool clipToLanes = false;
     bool allSignals = false;    ///< lanes for the signals of all blocks of a stretch
     std::int32_t overview = 0;  ///< 1: shown, 2: hidden; see WantsOverview
-    bool filters = false;       ///< the row of filters is shown
-    std::u16string shown{};     ///< filters of groups of units, see ShownCommands
-    std::u16string montages{};  ///< of the user, see ShownCommands
-    float pageLength = 0.0F;    ///< of a free time axis, in seconds; 0: none was chosen
+    bool darkGraph = false;
+    std::int32_t lineWidth = 1;  ///< of the traces, in pixels at 96 dpi
+    bool filters = false;        ///< the row of filters is shown
+    std::u16string shown{};      ///< filters of groups of units, see ShownCommands
+    std::u16string montages{};   ///< of the user, see ShownCommands
+    float pageLength = 0.0F;     ///< of a free time axis, in seconds; 0: none was chosen
 };
 
 /// Whether the overview of the block is wanted: as the user has chosen, until then with lanes.

@@ -33,6 +33,7 @@ struct PictureRequest {
     std::int32_t width = kUsualWidth;
     std::optional<std::int32_t> height;  ///< none: as the lanes need it
     int scale = 1;
+    GraphLook look;
     FormatOptions format;
 };
 
@@ -57,6 +58,9 @@ PictureRequest ParseRequest(const ParsedArguments& parsed, Language language) {
         request.height = static_cast<std::int32_t>(WholeOption(parsed, u"--height", 0, kLeastHeight, kMostPngSide));
     }
     request.scale = static_cast<int>(WholeOption(parsed, u"--scale", 1, 1, kMostScale));
+    if (parsed.Has(u"--dark")) request.look.colors = &kDarkColors;
+    const auto width = static_cast<std::int32_t>(WholeOption(parsed, u"--line-width", 1, 1, kMostLineWidth));
+    request.look.lineWidth = EnlargedLine(width, request.scale);
     const std::u16string time = parsed.Value(u"--time", u"clock");
     if (time != u"clock" && time != u"start" && time != u"samples")
         throw UsageError(u"'" + time + u"' is none of clock|start|samples for --time");
@@ -198,7 +202,7 @@ void RunPicture(const CommandContext& context) {
     ShowLanes(document, view, settings, channels);
     const ReportFont font(request.scale);
     const ReportStyle style{kDpi * request.scale, request.format,
-                            [&](const std::u16string& text) { return font.SizeOf(text); }};
+                            [&](const std::u16string& text) { return font.SizeOf(text); }, request.look};
     const std::u16string shownText = TextOfShown(settings, *shown, channels, request, language);
     const ReportLayout layout(style, MakeReportHeading(document, samples, shownText, request.format, language));
     const TextSize size{request.width, HeightFor(request, layout, view, language)};

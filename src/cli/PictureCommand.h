@@ -18,6 +18,8 @@ inline constexpr auto kPictureOptions = [] {
         OptionRule{u"--width", true, u"pixels, 200 to 8192 (1400)", u"N"},
         OptionRule{u"--height", true, u"pixels, 100 to 8192 (700, more for many channels)", u"N"},
         OptionRule{u"--scale", true, u"size of texts and distances (1)", u"1|2|3"},
+        OptionRule{u"--line-width", true, u"of the traces, in pixels of scale 1 (1)", u"1|2|3"},
+        OptionRule{u"--dark", false, u"light on a dark background", u""},
         OptionRule{u"--time", true, u"by the clock, since the start of the block, or samples (clock)",
                    u"clock|start|samples"},
     };

@@ -38,7 +38,7 @@ struct PlotTrace {
     PowerDensity density{};
     std::u16string title{};
     std::u16string unit{};    ///< of the channel
-    std::uint32_t color = 0;  ///< 0xRRGGBB
+    std::int16_t number = 0;  ///< of the channel, which gives its colour
 };
 
 /// What a plot is made for; all of it outlives the plot.

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <span>
 #include <utility>
 
 #include "view/InvertLightness.h"
@@ -12,23 +13,26 @@ namespace quillon {
 
 namespace {
 
-constexpr std::uint32_t kWhite = 0xFFFFFF;
-constexpr std::uint32_t kZeroColor = 0xB4BAC4;
-constexpr std::uint32_t kLaneZeroColor = 0xE6E9ED;  ///< of the zero levels of many lanes
-constexpr std::uint32_t kLaneEdgeColor = 0xD0D5DC;
-constexpr std::uint32_t kMarkLineColor = 0xDFA6A6;
-
 /// Rows and columns between the dots of a dotted grid; a divisor of a division of either axis.
 constexpr std::int32_t kDotStep = 4;
 static_assert(TimeAxis::kDivision % kDotStep == 0 && AmplitudeScale::kDivision % kDotStep == 0);
 
-/// A colour mixed with white.
-std::uint32_t Lighter(std::uint32_t rgb) {
+/// A colour mixed with the paper.
+std::uint32_t Fainter(std::uint32_t rgb, std::uint32_t paper) {
     constexpr double share = 0.3;
-    const auto mixed = [&](std::uint32_t part) {
-        return static_cast<std::uint32_t>(255.0 - (255.0 - static_cast<double>(part & 0xFF)) * share);
+    const auto mixed = [&](int shift) {
+        const auto behind = static_cast<double>(paper >> shift & 0xFF);
+        return static_cast<std::uint32_t>(behind - (behind - static_cast<double>(rgb >> shift & 0xFF)) * share);
     };
-    return mixed(rgb >> 16) << 16 | mixed(rgb >> 8) << 8 | mixed(rgb);
+    return mixed(16) << 16 | mixed(8) << 8 | mixed(0);
+}
+
+/// Makes pixels of either colour those of the other one. Done twice it changes nothing.
+void SwapColors(std::span<std::uint32_t> pixels, std::uint32_t first, std::uint32_t second) {
+    for (std::uint32_t& pixel : pixels) {
+        const std::uint32_t color = pixel & 0xFFFFFF;
+        if (color == first || color == second) pixel ^= first ^ second;
+    }
 }
 
 /// What a row of the graph holds of the grid.
@@ -38,23 +42,23 @@ enum class GridRow { Empty, Between, Level, Zero, LaneZero, LaneEdge, Count };
 /// anywhere in them. `lines`: the columns of vertical lines, where they do not lie at every division.
 using GridRows = std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(GridRow::Count)>;
 
-GridRows MakeGridRows(std::int32_t width, GridStyle style, std::uint32_t color,
-                      const std::vector<std::int32_t>* lines) {
+GridRows MakeGridRows(std::int32_t width, const GraphScene& scene, const std::vector<std::int32_t>* lines) {
+    const GraphColors& colors = scene.Colors();
     GridRows rows;
     const auto length = static_cast<std::size_t>(width) + TimeAxis::kDivision;
-    rows.fill(std::vector<std::uint32_t>(length, kWhite));
+    rows.fill(std::vector<std::uint32_t>(length, colors.paper));
     auto& [empty, between, level, zero, laneZero, laneEdge] = rows;
-    std::fill(zero.begin(), zero.end(), kZeroColor);
-    std::fill(laneZero.begin(), laneZero.end(), kLaneZeroColor);
-    std::fill(laneEdge.begin(), laneEdge.end(), kLaneEdgeColor);
-    const std::uint32_t lighter = Lighter(color);
-    for (std::size_t at = 0; lines == nullptr && at < length; at += TimeAxis::kDivision) between[at] = lighter;
+    std::fill(zero.begin(), zero.end(), colors.zero);
+    std::fill(laneZero.begin(), laneZero.end(), colors.laneZero);
+    std::fill(laneEdge.begin(), laneEdge.end(), colors.laneEdge);
+    const std::uint32_t fainter = Fainter(scene.gridColor, colors.paper);
+    for (std::size_t at = 0; lines == nullptr && at < length; at += TimeAxis::kDivision) between[at] = fainter;
     for (std::size_t at = 0; lines != nullptr && at < lines->size(); ++at) {
         if (const std::int32_t line = (*lines)[at]; line >= 0 && line < static_cast<std::int32_t>(length))
-            between[static_cast<std::size_t>(line)] = lighter;
+            between[static_cast<std::size_t>(line)] = fainter;
     }
-    const std::size_t step = style == GridStyle::Dots ? kDotStep : 1;
-    for (std::size_t at = 0; at < length; at += step) level[at] = lighter;
+    const std::size_t step = scene.gridStyle == GridStyle::Dots ? kDotStep : 1;
+    for (std::size_t at = 0; at < length; at += step) level[at] = fainter;
     return rows;
 }
 
@@ -107,15 +111,17 @@ double GraphPicture::MissingShare() const {
     return m_width == 0 ? 0.0 : static_cast<double>(m_missing.count) / m_width;
 }
 
-void GraphPicture::Clear() {
+void GraphPicture::Clear(const GraphColors& colors) {
+    m_colors = &colors;
     m_bands = {};
     m_missing.Set(0, m_width, false);
     m_beyond.clear();
     m_traces.Reset(0, m_width, m_height);
-    std::fill_n(m_pixels, static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height), kWhite);
+    std::fill_n(m_pixels, static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height), colors.paper);
 }
 
 void GraphPicture::Draw(const GraphScene& scene) {
+    m_colors = scene.look.colors;
     m_traces.Reset(ChannelsOf(scene.lanes).size(), m_width, m_height);
     if (m_width == 0) return;
     m_missing.Set(0, m_width, true);
@@ -126,13 +132,13 @@ void GraphPicture::Draw(const GraphScene& scene) {
 void GraphPicture::Scroll(const GraphScene& scene, std::int32_t shift) {
     if (m_width == 0 || shift == 0) return;
     if (shift >= m_width || shift <= -m_width) return Draw(scene);
-    InvertBands();
+    EraseBands();
     const auto stays = static_cast<std::size_t>(m_width - std::abs(shift)) * sizeof *m_pixels;
     for (std::int32_t row = 0; row < m_height; ++row)
         std::memmove(Row(row) + std::max(-shift, 0), Row(row) + std::max(shift, 0), stays);
     m_traces.Scroll(shift);
     // At the edges a trace starts or ends and its pixels differ from those inside: those columns are never copied.
-    constexpr std::int32_t edge = 2;
+    const std::int32_t edge = 2 + TraceCanvas::Reach(scene.look.lineWidth);
     const std::int32_t left = std::min(std::max(-shift, 0) + edge, m_width);
     const std::int32_t right = std::max(m_width - std::max(shift, 0) - edge, left);
     std::vector<bool>& columns = m_missing.columns;
@@ -195,8 +201,9 @@ std::optional<ColumnBand> GraphPicture::DrawMore(const GraphScene& scene) {
         DrawNext(scene, [&] { return ++read >= pieces || Clock::now() - start >= most; });
     if (!drawn) return std::nullopt;
     FindOutside(scene);
-    for (const auto& band : m_bands) {
-        if (band) Invert({std::max(band->left, drawn->left), std::min(band->right, drawn->right)});
+    for (std::size_t which = 0; which < m_bands.size(); ++which) {
+        if (const auto& band = m_bands[which])
+            Invert(which, {std::max(band->left, drawn->left), std::min(band->right, drawn->right)});
     }
     return drawn;
 }
@@ -211,8 +218,7 @@ void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int
     const std::int32_t phase = (scene.axis.FirstColumn() + from) % TimeAxis::kDivision;
     std::vector<std::int32_t> lines;
     for (const std::int32_t column : scene.gridColumns) lines.push_back(column - from + phase);
-    const GridRows rows =
-        MakeGridRows(to - from, scene.gridStyle, scene.gridColor, scene.axis.IsFree() ? &lines : nullptr);
+    const GridRows rows = MakeGridRows(to - from, scene, scene.axis.IsFree() ? &lines : nullptr);
     const auto draw = [&](std::int32_t row, GridRow kind) {
         std::copy_n(rows[static_cast<std::size_t>(kind)].data() + phase, to - from, Row(row) + from);
     };
@@ -228,30 +234,47 @@ void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int
 void GraphPicture::DrawMarkLines(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
         if (line.column < from || line.column >= to) continue;
-        for (std::int32_t row = 0; row < m_height; ++row) Row(row)[line.column] = kMarkLineColor;
+        for (std::int32_t row = 0; row < m_height; ++row) Row(row)[line.column] = scene.Colors().markLine;
     }
 }
 
-std::optional<ColumnBand> GraphPicture::Invert(const ColumnBand& band) {
+std::optional<ColumnBand> GraphPicture::Invert(std::size_t which, const ColumnBand& band) {
     const ColumnBand seen{std::max(band.left, 0), std::min(band.right, m_width - 1)};
     if (seen.left > seen.right) return std::nullopt;
-    for (std::int32_t row = 0; row < m_height; ++row)
-        InvertLightness({Row(row) + seen.left, Row(row) + seen.right + 1});
+    const bool isSelection = which == static_cast<std::size_t>(GraphBand::Selection);
+    for (std::int32_t row = 0; row < m_height; ++row) {
+        const std::span pixels(Row(row) + seen.left, Row(row) + seen.right + 1);
+        if (isSelection && m_colors->selectedPaper) {
+            SwapColors(pixels, m_colors->paper, *m_colors->selectedPaper);
+        } else {
+            InvertLightness(pixels);
+        }
+    }
     return seen;
 }
 
-void GraphPicture::InvertBands() {
-    for (const auto& band : m_bands) {
-        if (band) Invert(*band);
+void GraphPicture::InvertBands(std::size_t from) {
+    for (std::size_t which = from; which < m_bands.size(); ++which) {
+        if (m_bands[which]) Invert(which, *m_bands[which]);
+    }
+}
+
+void GraphPicture::EraseBands(std::size_t from) {
+    for (std::size_t which = m_bands.size(); which-- > from;) {
+        if (m_bands[which]) Invert(which, *m_bands[which]);
     }
 }
 
 std::optional<ColumnBand> GraphPicture::SetBand(GraphBand which, const std::optional<ColumnBand>& columns) {
-    std::optional<ColumnBand>& band = m_bands[static_cast<std::size_t>(which)];
+    const auto at = static_cast<std::size_t>(which);
+    std::optional<ColumnBand>& band = m_bands[at];
     if (m_width == 0 || band == columns) return std::nullopt;
-    const auto gone = band ? Invert(*band) : std::nullopt;
+    // Those that lie over it are drawn over it again.
+    EraseBands(at + 1);
+    const auto gone = band ? Invert(at, *band) : std::nullopt;
     band = columns;
-    const auto come = band ? Invert(*band) : std::nullopt;
+    const auto come = band ? Invert(at, *band) : std::nullopt;
+    InvertBands(at + 1);
     if (!gone || !come) return gone ? gone : come;
     return ColumnBand{std::min(gone->left, come->left), std::max(gone->right, come->right)};
 }
@@ -267,8 +290,8 @@ void GraphPicture::FindOutside(const GraphScene& scene) {
             if (side == TraceSides::Side::None) continue;
             const std::int16_t number = group.of.block.channelNumbers[static_cast<std::size_t>(group.channels[at] - 1)];
             const Lane& lane = scene.lanes[traces[trace].lane];
-            m_beyond.push_back(
-                {TraceColor(number), side == TraceSides::Side::Above, traces[trace].lane, lane.top, lane.End()});
+            m_beyond.push_back({scene.Colors().Trace(number), side == TraceSides::Side::Above, traces[trace].lane,
+                                lane.top, lane.End()});
         }
     }
     m_markRows = 0;

@@ -27,7 +27,7 @@ inline constexpr std::chrono::milliseconds kPatience{10};
     return !scene.lanes.empty() && scene.lanes.front().single;
 }
 
-/// Bands that invert the lightness of the image below them.
+/// Bands that invert the image below them, see GraphColors.
 enum class GraphBand { Selection, Cursor, Play, Count };
 
 /// A triangle at the upper or lower edge of a lane, for a trace that is entirely outside it.
@@ -39,8 +39,8 @@ struct EdgeArrow {
 /// The image of the graph: grid, lines of marks and traces, and the bands over them. It draws into pixels that its
 /// owner made, so that they may be those of a bitmap of the system.
 ///
-/// The bands are part of the image: each is inverted once when it appears and once more when it goes, which leaves no
-/// trace of it.
+/// The bands are part of the image, each over those before it: each is inverted once when it appears and once more when
+/// it goes, which leaves no trace of it.
 class GraphPicture {
   public:
     /// Draws the texts of the marks into columns from .. to-1, over their lines and under the traces; where
@@ -56,8 +56,8 @@ class GraphPicture {
     /// no limit.
     void SetPatience(std::chrono::milliseconds patience) { m_patience = patience; }
 
-    /// White, without bands.
-    void Clear();
+    /// Empty paper, without bands.
+    void Clear(const GraphColors& colors = kLightColors);
     /// Draws the scene, the bands over it. Columns that are left to DrawMore hold no traces, and a line along the lower
     /// edge.
     void Draw(const GraphScene& scene);
@@ -77,6 +77,8 @@ class GraphPicture {
     }
     /// The arrows of the last drawing; they are painted over the image and are not part of it.
     [[nodiscard]] std::vector<EdgeArrow> Arrows(int dpi) const;
+    /// Those of the last drawing.
+    [[nodiscard]] const GraphColors& Colors() const { return *m_colors; }
     [[nodiscard]] TracePicture& Traces() { return m_traces; }
     [[nodiscard]] const TracePicture& Traces() const { return m_traces; }
 
@@ -100,8 +102,10 @@ class GraphPicture {
     void DrawGrid(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void DrawMarkLines(const GraphScene& scene, std::int32_t from, std::int32_t to);
     void FindOutside(const GraphScene& scene);
-    void InvertBands();
-    std::optional<ColumnBand> Invert(const ColumnBand& band);
+    /// The bands from that one on, each over those before it, and back.
+    void InvertBands(std::size_t from = 0);
+    void EraseBands(std::size_t from = 0);
+    std::optional<ColumnBand> Invert(std::size_t which, const ColumnBand& band);
     [[nodiscard]] std::uint32_t* Row(std::int32_t row) const {
         return m_pixels + static_cast<std::ptrdiff_t>(row) * m_width;
     }
@@ -118,6 +122,7 @@ class GraphPicture {
     std::uint32_t* m_pixels = nullptr;
     std::int32_t m_width = 0;
     std::int32_t m_height = 0;
+    const GraphColors* m_colors = &kLightColors;
     TracePicture m_traces;
     Missing m_missing;
     std::chrono::milliseconds m_patience = std::chrono::milliseconds::max();

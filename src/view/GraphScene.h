@@ -5,6 +5,7 @@
 
 #include "data/QL_Types.h"
 #include "view/ExtremesCache.h"
+#include "view/GraphColors.h"
 #include "view/Lane.h"
 #include "view/SceneBlocks.h"
 #include "view/TimeAxis.h"
@@ -22,14 +23,16 @@ struct GraphScene {
     bool rawCodes = false;
     bool foldOrigin = false;  ///< only below system version 4, see TraceGeometry
     GridStyle gridStyle = GridStyle::None;
-    std::uint32_t gridColor = 0;  ///< 0xRRGGBB; drawn lighter, so that the traces stand out
+    std::uint32_t gridColor = 0;  ///< 0xRRGGBB; mixed with the paper, so that the traces stand out
     /// Columns of the graph with lines of the grid on a free axis; else they lie at every division.
     std::vector<std::int32_t> gridColumns{};
     /// The other blocks of the stretch, whose signals the lanes of a free axis may show.
     SceneBlocks others{};
     std::int32_t enlargement =
-        1;  ///< pixels for one of the window's; levels are AmplitudeScale::kDivision of these apart
+        1;             ///< pixels for one of the window's; levels are AmplitudeScale::kDivision of these apart
+    GraphLook look{};  ///< its line width is in pixels of this graph
 
+    [[nodiscard]] const GraphColors& Colors() const { return *look.colors; }
     [[nodiscard]] SceneBlocks Blocks() const {
         SceneBlocks blocks{{block, extremes}};
         for (const SceneBlock& other : others) blocks.push_back(other);

@@ -101,7 +101,7 @@ std::vector<LaneLabel> LaneLabels(const ChannelLanes& channels, const Lanes& lan
         if (lane.channels.empty()) continue;
         LaneLabel label{.channel = lane.channels.front()};
         const auto at = static_cast<std::size_t>(label.channel - 1);
-        label.color = TraceColor(all[at].number);
+        label.color = strip.colors->Trace(all[at].number);
         // The line between lanes is part of the lower one.
         const std::int32_t top = lane.top + 1;
         const std::int32_t rows = lane.End() - top;

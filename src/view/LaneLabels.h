@@ -44,6 +44,7 @@ struct LaneStrip {
     int dpi = 96;
     char16_t decimalSeparator = u'.';
     bool rawCodes = false;
+    const GraphColors* colors = &kLightColors;
     bool barsBeside = false;  ///< lanes too low for a bar below the title have one beside it
     /// Pixels of a text in the font of the strip; the height is that of a line, whatever the text.
     std::function<TextSize(const std::u16string&)> sizeOf;

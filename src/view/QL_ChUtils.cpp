@@ -32,16 +32,6 @@ std::int32_t RunCount(std::int32_t count, std::int32_t samplesPerPixel) {
 
 }  // namespace
 
-std::uint32_t TraceColor(std::int16_t channelNumber) {
-    // Eight hues that are distinguishable with red or green colour blindness, then the same ones darker.
-    // Each has a contrast of at least 3 to 1 on white.
-    constexpr std::array<std::uint32_t, kTraceColors> colors{
-        0x0072B2, 0xD55E00, 0x00875A, 0xB8478F, 0x2B8CC4, 0xA87400, 0x555555, 0x6A51D0,
-        0x004A74, 0x8A3D00, 0x00573A, 0x772E5D, 0x1C5B80, 0x6D4B00, 0x202020, 0x453587,
-    };
-    return colors[static_cast<std::size_t>(channelNumber) % kTraceColors];
-}
-
 std::int16_t DrawChannelTrace(RecordingBlock& block, std::int16_t channel, std::int32_t first, std::int32_t count,
                               std::int32_t samplesPerPixel, std::vector<std::int16_t>& work,
                               std::vector<TracePoint>& points) {

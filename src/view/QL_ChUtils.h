@@ -10,6 +10,7 @@
 #include "base/SampleSpan.h"
 #include "norvik/NorvikCore.h"
 #include "view/ExtremesCache.h"
+#include "view/GraphColors.h"
 #include "view/TimeAxis.h"
 
 namespace quillon {
@@ -22,10 +23,10 @@ struct TracePoint {
     friend bool operator==(const TracePoint&, const TracePoint&) = default;
 };
 
-/// Number of colours of the traces; channel number n is drawn in colour n mod kTraceColors.
-inline constexpr int kTraceColors = 16;
-/// Colour as 0xRRGGBB of a channel number.
-[[nodiscard]] std::uint32_t TraceColor(std::int16_t channelNumber);
+/// Colour as 0xRRGGBB of a channel number on white.
+[[nodiscard]] constexpr std::uint32_t TraceColor(std::int16_t channelNumber) {
+    return kLightColors.Trace(channelNumber);
+}
 
 /// Computes the points of a channel's trace over samples first .. first+count-1 (from 0) by reading every one of them,
 /// and returns the last sample. With more than 2 samples per pixel each further pixel column gets the two extremes of

@@ -16,14 +16,6 @@ namespace quillon {
 
 namespace {
 
-constexpr std::uint32_t kTitleColor = 0x1C1F23;
-constexpr std::uint32_t kTextColor = 0x565C64;
-constexpr std::uint32_t kBorderColor = 0x8C939C;
-constexpr std::uint32_t kLaneEdgeColor = 0xD0D5DC;
-constexpr std::uint32_t kBarColor = 0x4A5058;
-constexpr std::uint32_t kMarkTextColor = 0xB02A2A;
-constexpr std::uint32_t kWhite = 0xFFFFFF;
-
 /// Lengths at 96 dpi.
 constexpr int kEdge = 6;        ///< from the edges of the picture
 constexpr int kRightEdge = 14;  ///< beside the graph
@@ -92,6 +84,7 @@ LaneStrip ReportLayout::Strip(const WaveformView& view, std::int32_t width) cons
             .dpi = m_style.dpi,
             .decimalSeparator = m_style.format.decimalSeparator,
             .rawCodes = view.RawCodes(),
+            .colors = m_style.look.colors,
             .barsBeside = true,
             .sizeOf = m_style.sizeOf};
 }
@@ -109,7 +102,7 @@ std::vector<ReportText> ReportLayout::HeadingTexts(std::int32_t width) const {
             x = left;
             y += m_line + Scaled(kLineGap);
         }
-        texts.push_back({text.text, x, y, texts.empty() ? kTitleColor : kTextColor});
+        texts.push_back({text.text, x, y, texts.empty() ? Colors().heading : Colors().caption});
         x += text.size.width + Scaled(kBetween);
     }
     return texts;
@@ -187,10 +180,10 @@ void ReportLayout::AddBorder(const WaveformView& view, const ReportMargins& marg
     const std::int32_t end = margins.top + view.GetLanes().back().End();
     const std::int32_t left = margins.left - line;
     const std::int32_t top = margins.top - line;
-    plan.boxes.push_back({left, top, right + line, margins.top, kBorderColor});
-    plan.boxes.push_back({left, end, right + line, end + line, kBorderColor});
-    plan.boxes.push_back({left, top, margins.left, end, kBorderColor});
-    plan.boxes.push_back({right, top, right + line, end, kBorderColor});
+    plan.boxes.push_back({left, top, right + line, margins.top, Colors().border});
+    plan.boxes.push_back({left, end, right + line, end + line, Colors().border});
+    plan.boxes.push_back({left, top, margins.left, end, Colors().border});
+    plan.boxes.push_back({right, top, right + line, end, Colors().border});
 }
 
 void ReportLayout::AddLanes(const WaveformView& view, const ReportMargins& margins, ReportPlan& plan) const {
@@ -203,25 +196,25 @@ void ReportLayout::AddLanes(const WaveformView& view, const ReportMargins& margi
     std::set<std::pair<std::u16string, std::int32_t>> told;
     for (const Lane& lane : lanes) {
         const std::int32_t row = margins.top + lane.top;
-        if (lane.top > 0) plan.boxes.push_back({0, row, margins.left - line, row + 1, kLaneEdgeColor});
+        if (lane.top > 0) plan.boxes.push_back({0, row, margins.left - line, row + 1, Colors().laneEdge});
     }
     const auto add = [&](const StripText& text, std::uint32_t color) {
         if (!text.text.empty()) plan.texts.push_back({text.text, text.x, text.y + margins.top, color});
     };
     for (const LaneLabel& label : LaneLabels(view.LanesOfChannels(), lanes, strip)) {
         add(label.title, label.color);
-        add(label.factor, kTextColor);
+        add(label.factor, Colors().caption);
         if (!label.bar) continue;
         const ScaleBar& bar = *label.bar;
         // Low lanes share one bar for a scale.
         if (!all && !told.emplace(bar.text.text, bar.end - bar.top).second) continue;
-        add(bar.text, kTextColor);
+        add(bar.text, Colors().caption);
         const std::int32_t cap = 2 * line;
         const std::int32_t top = margins.top + bar.top;
         const std::int32_t end = margins.top + bar.end;
-        plan.boxes.push_back({bar.x, top, bar.x + line, end, kBarColor});
-        plan.boxes.push_back({bar.x - cap, top, bar.x + line + cap, top + line, kBarColor});
-        plan.boxes.push_back({bar.x - cap, end - line, bar.x + line + cap, end, kBarColor});
+        plan.boxes.push_back({bar.x, top, bar.x + line, end, Colors().bar});
+        plan.boxes.push_back({bar.x - cap, top, bar.x + line + cap, top + line, Colors().bar});
+        plan.boxes.push_back({bar.x - cap, end - line, bar.x + line + cap, end, Colors().bar});
     }
 }
 
@@ -237,7 +230,7 @@ void ReportLayout::AddOneAxis(const WaveformView& view, const Document& document
         const std::u16string text = signal.unit.empty() ? signal.title : signal.title + u", " + signal.unit;
         const StripText title = CutText(m_style.sizeOf, text, margins.left - left - Scaled(kTextGap));
         const std::int16_t number = signal.block.channelNumbers[static_cast<std::size_t>(signal.channel - 1)];
-        plan.texts.push_back({title.text, left, free, TraceColor(number)});
+        plan.texts.push_back({title.text, left, free, Colors().Trace(number)});
         free += m_line;
     }
     const std::int32_t line = std::max(Scaled(1), 1);
@@ -248,9 +241,9 @@ void ReportLayout::AddOneAxis(const WaveformView& view, const Document& document
         const TextSize size = m_style.sizeOf(label.text);
         const std::int32_t y = row - size.height / 2;
         if (row < margins.top || row >= end) continue;
-        plan.boxes.push_back({right - Scaled(kTick), row, right, row + line, kBorderColor});
+        plan.boxes.push_back({right - Scaled(kTick), row, right, row + line, Colors().border});
         if (y < free || y + size.height > end) continue;
-        plan.texts.push_back({label.text, right - Scaled(kTick + kTextGap) - size.width, y, kTextColor});
+        plan.texts.push_back({label.text, right - Scaled(kTick + kTextGap) - size.width, y, Colors().caption});
     }
 }
 
@@ -262,12 +255,12 @@ void ReportLayout::AddTimes(const WaveformView& view, const Document& document, 
     std::int32_t free = 0;  // first column that no text covers yet
     for (const ScaleLabel& label : TimeLabels(view.Axis(), document.Block(), m_style.format, m_style.dpi)) {
         const std::int32_t x = margins.left + label.position;
-        plan.boxes.push_back({x, top, x + line, top + Scaled(label.minor ? kMinorTick : kTick), kBorderColor});
+        plan.boxes.push_back({x, top, x + line, top + Scaled(label.minor ? kMinorTick : kTick), Colors().border});
         if (label.minor) continue;
         const std::int32_t textWidth = m_style.sizeOf(label.text).width;
         const std::int32_t left = x - textWidth / 2;
         if (left < free || left + textWidth > width) continue;
-        plan.texts.push_back({label.text, left, top + Scaled(kTick + kTextGap) - line, kTextColor});
+        plan.texts.push_back({label.text, left, top + Scaled(kTick + kTextGap) - line, Colors().caption});
         free = left + textWidth + Scaled(kTextGap);
     }
 }
@@ -281,8 +274,9 @@ ReportPlan ReportLayout::MarkTexts(const GraphScene& scene) const {
         if (text.text.empty() || line.column < 0) continue;
         const std::int32_t x = line.column + kMarkGap;
         const std::int32_t y = 1 + line.row * text.size.height;
-        if (AreTextsAbove(scene)) plan.boxes.push_back({x, y, x + text.size.width, y + text.size.height, kWhite});
-        plan.texts.push_back({text.text, x, y, kMarkTextColor});
+        if (AreTextsAbove(scene))
+            plan.boxes.push_back({x, y, x + text.size.width, y + text.size.height, Colors().paper});
+        plan.texts.push_back({text.text, x, y, Colors().markText});
     }
     return plan;
 }

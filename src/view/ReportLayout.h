@@ -44,6 +44,7 @@ struct ReportStyle {
     FormatOptions format;
     /// Pixels of a text; the height is that of a line, whatever the text.
     std::function<TextSize(const std::u16string&)> sizeOf;
+    GraphLook look{};  ///< its line width is in pixels of the picture
 };
 
 /// Pixels on the four sides of the graph.
@@ -84,6 +85,7 @@ class ReportLayout {
 
   private:
     [[nodiscard]] std::int32_t Scaled(int length) const { return (length * m_style.dpi + 48) / 96; }
+    [[nodiscard]] const GraphColors& Colors() const { return *m_style.look.colors; }
     [[nodiscard]] LaneStrip Strip(const WaveformView& view, std::int32_t width) const;
     [[nodiscard]] std::int32_t HeightWithLanes(const WaveformView& view, std::int32_t width, std::int32_t rows) const;
     [[nodiscard]] std::int32_t StripWidth(const WaveformView& view, const Document& document, std::int32_t rows) const;

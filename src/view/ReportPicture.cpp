@@ -9,8 +9,6 @@ namespace quillon {
 
 namespace {
 
-constexpr std::uint32_t kWhite = 0xFFFFFF;
-
 std::size_t PixelsOf(TextSize size) {
     return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
 }
@@ -27,8 +25,8 @@ ReportPicture::ReportPicture(const Document& document, WaveformView& view, const
       m_margins(layout.MarginsFor(view, document, size)),
       m_graphSize{std::max(size.width - m_margins.left - m_margins.right, 1),
                   std::max(size.height - m_margins.top - m_margins.bottom, 1)},
-      m_pixels(PixelsOf(size), kWhite),
-      m_graphPixels(PixelsOf(m_graphSize), kWhite) {
+      m_pixels(PixelsOf(size), layout.Style().look.colors->paper),
+      m_graphPixels(PixelsOf(m_graphSize), layout.Style().look.colors->paper) {
     m_view.Arrange(m_graphSize.width, m_graphSize.height);
     m_graph.SetPixels(m_graphPixels.data(), m_graphSize.width, m_graphSize.height);
     m_graph.SetPatience(kPatience);
@@ -48,9 +46,10 @@ GraphScene ReportPicture::Scene() const {
         .extremes = m_view.Extremes(),
         .rawCodes = m_view.RawCodes(),
         .gridStyle = GridStyle::Lines,
-        .gridColor = TraceColor(gridColor),
+        .gridColor = m_layout.Style().look.colors->Trace(gridColor),
         .gridColumns = GridColumns(m_view.Axis(), m_document.Block(), m_layout.Style().format, m_layout.Style().dpi),
-        .others = m_view.OtherBlocks()};
+        .others = m_view.OtherBlocks(),
+        .look = m_layout.Style().look};
 }
 
 bool ReportPicture::DrawGraph(const std::function<bool()>& stop) {

@@ -4,9 +4,20 @@
 #include <chrono>
 #include <utility>
 
+#include "view/Selection.h"
 #include "view/TraceMapping.h"
 
 namespace quillon {
+
+namespace {
+
+/// Columns of the graph whose points are seen in columns from .. to-1.
+ColumnBand Reaching(const GraphScene& scene, std::int32_t from, std::int32_t to) {
+    const std::int32_t reach = TraceCanvas::Reach(scene.look.lineWidth);
+    return {std::max(from - reach, 0), std::max(std::min(to + reach, scene.axis.Width()), to) - 1};
+}
+
+}  // namespace
 
 void TracePicture::Reset(std::size_t traces, std::int32_t width, std::int32_t height) {
     m_width = width;
@@ -35,17 +46,31 @@ void TracePicture::Read(const GraphScene& scene, const std::vector<SignalGroup>&
 }
 
 std::int32_t TracePicture::Approach(const GraphScene& scene, std::int32_t from, std::int32_t to) const {
-    const TraceStretch stretch = StretchOf(scene.axis, from, to);
+    // What stands before the first column is drawn, or can be read as that can.
+    const std::int32_t last = Reaching(scene, from, to).right;
+    const TraceStretch stretch = StretchOf(scene.axis, from, last + 1);
     const std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
     if (stretch.samples.count < 1 || (m_readAhead == stretch && shown == m_shown)) return to;
     const SceneBlocks blocks = scene.Blocks();
-    std::int32_t end = to;
-    for (const SignalGroup& group : GroupsOf(blocks, shown)) {
-        end = TraceReader::Approach(*group.of.block.block, group.of.extremes, group.channels,
-                                    group.Stretch(scene.axis, from, end));
-        if (end <= from) break;
-    }
-    return end;
+    const auto groups = GroupsOf(blocks, shown);
+    const auto known = [&] {
+        std::int32_t end = last + 1;
+        for (const SignalGroup& group : groups) {
+            end = TraceReader::Approach(*group.of.block.block, group.of.extremes, group.channels,
+                                        group.Stretch(scene.axis, from, end));
+            if (end <= from) break;
+        }
+        return end;
+    };
+    std::int32_t end = known();
+    // The last columns that are known are needed by those before them.
+    const std::int32_t reach = TraceCanvas::Reach(scene.look.lineWidth);
+    if (end > last) return to;
+    if (end == from || end > from + reach) return std::max(end - reach, from);
+    // Where that gets no further, columns are read when they are drawn, some at a time; those behind them too then.
+    const std::int32_t before = std::exchange(end, known());
+    if (end > last) return to;
+    return end == before ? std::min(end, to) : std::max(end - reach, from);
 }
 
 bool TracePicture::CanReadNow(const GraphScene& scene) const {
@@ -71,7 +96,7 @@ std::optional<ValueRange> TracePicture::SeenRange(const GraphScene& scene) {
 }
 
 void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t to) {
-    m_canvas.Reset(from, to, m_height);
+    m_canvas.Reset(from, to, m_height, scene.look.lineWidth);
     m_colors.clear();
     if (scene.axis.Visible().count < 1) return m_sides.Forget(from, to);
     const SceneBlocks blocks = scene.Blocks();
@@ -82,7 +107,8 @@ void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t
 
 void TracePicture::DrawColumns(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from,
                                std::int32_t to) {
-    Read(scene, groups, from, to);
+    const auto [firstRead, lastRead] = Reaching(scene, from, to);
+    Read(scene, groups, firstRead, lastRead + 1);
     const auto hasHole = [](const TraceReader& reader) { return reader.HasHole(); };
     if (to - from > 1 && std::any_of(m_readers.begin(), m_readers.begin() + std::ssize(groups), hasHole)) {
         // A trace that is read at once ends at its first sample that cannot be.
@@ -96,7 +122,7 @@ void TracePicture::DrawColumns(const GraphScene& scene, const std::vector<Signal
     for (std::size_t group = groups.size(); group-- > 0;) {
         const auto& [of, first, channels] = groups[group];
         const TraceReader& reader = m_readers[group];
-        const TraceStretch stretch = groups[group].Stretch(scene.axis, from, to);
+        const TraceStretch stretch = groups[group].Stretch(scene.axis, firstRead, lastRead + 1);
         constexpr std::int64_t columnsOfDots = 4;
         const ColumnGrid& grid = stretch.free ? stretch.free->grid : scene.axis.Grid();
         for (std::size_t at = channels.size(); at-- > 0;) {
@@ -134,11 +160,12 @@ void TracePicture::DrawTrace(const GraphScene& scene, const Lane& lane, const So
     const std::int32_t top = lane.clip ? lane.top : 0;
     const std::int32_t end = lane.clip ? lane.End() : m_height;
     m_canvas.Limit(top, end);
-    m_colors[trace] = TraceColor(block.channelNumbers[source.channel]);
+    m_colors[trace] = scene.Colors().Trace(block.channelNumbers[source.channel]);
     if (onTrace) onTrace({m_trace, m_colors[trace], top, end, !mapping.flat && source.dots});
     const auto id = static_cast<std::uint8_t>(trace + 1);
     if (!mapping.flat && source.dots) m_canvas.DrawDots(m_trace, id);
-    if (free && !mapping.flat) JoinColumns(m_trace, from, to);
+    const auto [firstRead, lastRead] = Reaching(scene, from, to);
+    if (free && !mapping.flat) JoinColumns(m_trace, firstRead, lastRead + 1);
     m_canvas.Draw(m_trace, id);
     m_sides.Mark(trace, from, to, m_trace, lane.top, lane.End());
 }

@@ -8,8 +8,6 @@ namespace quillon {
 
 namespace {
 
-constexpr std::uint32_t kWhite = 0xFFFFFF;
-
 /// The same samples over more columns. An axis of the table becomes a free one.
 TimeAxis Enlarged(const TimeAxis& axis, int scale) {
     if (scale == 1) return axis;
@@ -56,7 +54,7 @@ ReportMargins MarginsAround(const ReportLayout& layout, const WaveformView& view
 
 }  // namespace
 
-std::vector<ReportBox> BoxesOf(std::span<const std::uint32_t> pixels, std::int32_t width) {
+std::vector<ReportBox> BoxesOf(std::span<const std::uint32_t> pixels, std::int32_t width, std::uint32_t paper) {
     std::vector<ReportBox> boxes;
     const auto height = static_cast<std::int32_t>(std::ssize(pixels) / std::max(width, 1));
     std::map<std::pair<std::int32_t, std::int32_t>, std::size_t> open;  // boxes of the row above, by their columns
@@ -68,7 +66,7 @@ std::vector<ReportBox> BoxesOf(std::span<const std::uint32_t> pixels, std::int32
             std::int32_t to = from + 1;
             while (to < width && at[to] == color) ++to;
             const auto above = open.find({from, to});
-            if (color == kWhite) {
+            if (color == paper) {
             } else if (above != open.end() && boxes[above->second].color == color) {
                 boxes[above->second].end = row + 1;
                 below.insert(*above);
@@ -123,7 +121,8 @@ GraphScene ViewReport::Scene(const Lanes& lanes) const {
             .gridColor = m_shown.gridColor,
             .gridColumns = m_gridColumns,
             .others = m_shown.others,
-            .enlargement = m_scale};
+            .enlargement = m_scale,
+            .look = {m_shown.look.colors, EnlargedLine(m_shown.look.lineWidth, m_scale)}};
 }
 
 ReportPlan ViewReport::Frame() const {
@@ -138,7 +137,8 @@ ReportPlan ViewReport::Frame() const {
 
 bool ViewReport::DrawGraph(const std::function<bool()>& stop) {
     const TextSize size = GraphSize();
-    m_pixels.assign(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height), kWhite);
+    m_pixels.assign(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height),
+                    m_shown.Colors().paper);
     m_lines.clear();
     m_graph.SetPixels(m_pixels.data(), size.width, size.height);
     const GraphScene scene = Scene(m_lanes);
@@ -153,11 +153,11 @@ bool ViewReport::DrawGraph(const std::function<bool()>& stop) {
 std::vector<ReportBox> ViewReport::Background() const {
     Lanes empty = m_lanes;
     for (Lane& lane : empty) lane.channels.clear();
-    std::vector<std::uint32_t> pixels(m_pixels.size(), kWhite);
+    std::vector<std::uint32_t> pixels(m_pixels.size(), m_shown.Colors().paper);
     GraphPicture background;
     background.SetPixels(pixels.data(), GraphSize().width, GraphSize().height);
     background.Draw(Scene(empty));
-    return BoxesOf(pixels, GraphSize().width);
+    return BoxesOf(pixels, GraphSize().width, m_shown.Colors().paper);
 }
 
 }  // namespace quillon

@@ -11,8 +11,9 @@
 
 namespace quillon {
 
-/// Filled rectangles that make up all pixels of an image that are not white.
-[[nodiscard]] std::vector<ReportBox> BoxesOf(std::span<const std::uint32_t> pixels, std::int32_t width);
+/// Filled rectangles that make up all pixels of an image that are not of the paper.
+[[nodiscard]] std::vector<ReportBox> BoxesOf(std::span<const std::uint32_t> pixels, std::int32_t width,
+                                             std::uint32_t paper = kLightColors.paper);
 
 /// Lines from point to point.
 struct TraceLine {
@@ -36,6 +37,7 @@ class ViewReport {
     /// graph's pixels and lines.
     void Reserve(const ReportMargins& least);
     [[nodiscard]] int Scale() const { return m_scale; }
+    [[nodiscard]] const GraphLook& Look() const { return m_shown.look; }
     [[nodiscard]] const ReportMargins& Margins() const { return m_margins; }
     [[nodiscard]] TextSize Size() const;
     /// Everything around the graph, and the texts of the marks, which lie over it.

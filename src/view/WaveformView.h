@@ -9,6 +9,7 @@
 #include "data/Document.h"
 #include "view/AmplitudeScale.h"
 #include "view/ChannelLanes.h"
+#include "view/GraphColors.h"
 #include "view/Lane.h"
 #include "view/Selection.h"
 #include "view/StretchExtremes.h"
@@ -50,6 +51,9 @@ class WaveformView {
     [[nodiscard]] StretchExtremes& AllExtremes() { return m_extremes; }
     [[nodiscard]] bool RawCodes() const { return m_rawCodes; }
     void SetRawCodes(bool rawCodes);
+    /// How it is drawn, which changes nothing of what is shown.
+    [[nodiscard]] const GraphLook& Look() const { return m_look; }
+    void SetLook(const GraphLook& look) { m_look = look; }
 
     /// Scales the least height of a lane; at first 96. To be called before Arrange.
     void SetDpi(int dpi) { m_channelLanes.SetDpi(dpi); }
@@ -161,6 +165,7 @@ class WaveformView {
     ViewHistory m_history;
     std::int32_t m_goneTo = 0;  ///< 0: none
     std::int32_t m_pinned = 0;  ///< 0: none
+    GraphLook m_look;
     bool m_rawCodes = false;
     bool m_scalesFitted = false;
 };

@@ -143,10 +143,10 @@ TEST(StatusMessage, StandsUntilItsTopicIsOver) {
 
 TEST(CommandState, WithNothingOpenLittleIsEnabledAndEachEndOfAWayDisablesItsStep) {
     for (const MenuEntry& entry : MenuTree()) {
-        constexpr std::array<int, 18> always{mnuOpen,        mnuExit,        mnuHelp,    mnuHelpLang,   mnuKeysAndMouse,
-                                             mnuSpectrogram, mnuOptions,     mnuTabPath, mnuTabFile,    mnuPathList,
-                                             mnuFocus,       mnuOpenFolder,  mnuLanes,   mnuAllSignals, mnuAbout,
-                                             mnuFilterRow,   mnuTabFile + 2, mnuOverview};
+        constexpr std::array<int, 20> always{
+            mnuOpen,    mnuExit,      mnuHelp,        mnuHelpLang, mnuKeysAndMouse, mnuSpectrogram, mnuOptions,
+            mnuTabPath, mnuTabFile,   mnuPathList,    mnuFocus,    mnuOpenFolder,   mnuLanes,       mnuAllSignals,
+            mnuAbout,   mnuFilterRow, mnuTabFile + 2, mnuOverview, mnuDarkGraph,    mnuLineWidth};
         const bool expected = std::find(always.begin(), always.end(), entry.id) != always.end();
         EXPECT_EQ(IsEnabled(entry.id, {}), expected) << entry.id;
     }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <numbers>
 
@@ -8,6 +9,7 @@
 #include "cli/CommandLine.h"
 #include "norvik/TemporaryFolder.h"
 #include "support/PngReader.h"
+#include "view/GraphColors.h"
 
 namespace quillon::cli {
 namespace {
@@ -91,6 +93,19 @@ TEST_F(PictureTest, SizesAreThoseAskedFor) {
     const ReadPicture picture = Draw("--width=300", m_folder.Write(u"many.bin", bytes.Get()));
     EXPECT_GT(picture.height, 32 * 28);
     EXPECT_LT(picture.height, 32 * 28 + 100);
+}
+
+TEST_F(PictureTest, DarkHasNoLightColorsAndAWiderLineMorePixels) {
+    const ReadPicture light = DrawSmall("");
+    const ReadPicture dark = DrawSmall("--dark");
+    const ReadPicture wide = DrawSmall("--dark --line-width=3");
+    const auto count = [](const ReadPicture& picture, std::uint32_t color) {
+        return std::count(picture.pixels.begin(), picture.pixels.end(), color);
+    };
+    EXPECT_EQ(count(dark, kLightColors.paper), 0);
+    EXPECT_EQ(count(dark, kDarkColors.paper), count(light, kLightColors.paper)) << "else the same picture";
+    EXPECT_EQ(count(dark, kDarkColors.Trace(0)), count(light, kLightColors.Trace(0)));
+    EXPECT_GT(count(wide, kDarkColors.Trace(0)), 2 * count(dark, kDarkColors.Trace(0)));
 }
 
 /// The picture of signals that are filtered, referenced or paired is that of a recording that stores these values.

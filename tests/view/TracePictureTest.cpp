@@ -125,6 +125,8 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
         GraphScene scene = noise.Scene();
         scene.gridStyle = static_cast<GridStyle>(round % 3);
         scene.gridColor = 0x4080C0;
+        scene.look = {round % 4 < 2 ? &kLightColors : &kDarkColors, 1 + round % 7};
+        const std::int32_t beyond = scene.look.lineWidth / 2;
         GraphPicture scrolled, anew, plain;
         Image image(static_cast<std::size_t>(kWidth * kHeight)), expected(image.size()), without(image.size());
         for (const auto& [picture, pixels] : {std::pair{&scrolled, &image}, {&anew, &expected}, {&plain, &without}})
@@ -165,7 +167,7 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
         if (noise.axis.Visible().count < 1) continue;
         for (std::size_t at = 0; at < channels; ++at) {
             const Lane& lane = noise.lanes[at];
-            const std::uint32_t color = TraceColor(static_cast<std::int16_t>(lane.channels[0] - 1));
+            const std::uint32_t color = scene.Colors().Trace(static_cast<std::int16_t>(lane.channels[0] - 1));
             // Noise from 0 to 99.
             const auto [low, high] = std::minmax({lane.RowOf(0.0), lane.RowOf(99.0)});
             std::size_t pixels = 0;
@@ -174,7 +176,7 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
                 const auto found = static_cast<std::size_t>(std::count(from, from + kWidth, color));
                 pixels += found;
                 if (found == 0) continue;
-                ASSERT_TRUE(row >= low - 1.5 && row <= high + 1.5) << "at the rows of its values";
+                ASSERT_TRUE(row >= low - 1.5 - beyond && row <= high + 1.5 + beyond) << "at the rows of its values";
                 ASSERT_TRUE(!clip || (row >= lane.top && row < lane.End()));
             }
             const bool outside = high < lane.top - 1 || low > lane.End() + 1;
@@ -213,7 +215,8 @@ TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
         sliced.SetPatience(std::chrono::milliseconds(0));
         sliced.SetBand(GraphBand::Selection, ColumnBand{50, 200});
         sliced.SetBand(GraphBand::Cursor, ColumnBand{120, 120});
-        const GraphScene scene = noise.Scene();
+        GraphScene scene = noise.Scene();
+        scene.look.lineWidth = 1 + round % 4;
         sliced.Draw(scene);
         for (int slice = 0; sliced.IsIncomplete(); ++slice) {
             ASSERT_LT(slice, 3000);
@@ -223,7 +226,7 @@ TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
             EXPECT_EQ(drawn.has_value(), sliced.MissingShare() < before);
             // 16 units or pieces, the columns beside the drawn ones, and one sample per channel to begin with.
             const std::int64_t most = 16 * std::max(source.pieceSamples, ExtremesCache::kCoarseCell);
-            EXPECT_LE(source.samplesRead, 2 * (most + 6 * noise.axis.SamplesPerPixel() + 2));
+            EXPECT_LE(source.samplesRead, 2 * (most + (6 + scene.look.lineWidth) * noise.axis.SamplesPerPixel() + 2));
             if (some(8) == 0) sliced.Scroll(scene, noise.axis.ScrollBy(some(400) - 200));
             ++slices;
         }
@@ -239,6 +242,49 @@ TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
     EXPECT_GT(slices, 50);
 }
 
+/// A wide line is the line of one pixel at every place of a square, also in a part of the image and within limits.
+TEST(TraceCanvas, AWideLineIsTheUnionOfShiftedOnes) {
+    std::mt19937 random(14);
+    constexpr std::int32_t width = 90, height = 70, beside = 8;
+    const std::uint32_t color = 1;
+    for (int round = 0; round < 300; ++round) {
+        const std::int32_t lineWidth = 2 + round % 6;
+        const auto reach = static_cast<std::int32_t>(1 + random() % 90);
+        std::vector<DevicePoint> points{{-beside, 35}};
+        while (points.back().x < width + beside) {
+            const auto rise = static_cast<std::int32_t>(random() % 65536) % reach - reach / 2;
+            const bool level = random() % 12 == 0;
+            points.push_back({points.back().x + static_cast<std::int32_t>(random() % 2) + (level ? 5 : 0),
+                              level ? points.back().y : points.back().y + rise});
+        }
+        const bool dots = round % 3 == 0;
+        const auto draw = [&](TraceCanvas& canvas, const std::vector<DevicePoint>& trace) {
+            if (dots) canvas.DrawDots(trace, 1);
+            canvas.Draw(trace, 1);
+        };
+        const auto from = static_cast<std::int32_t>(random() % 40);
+        const auto to = from + 1 + static_cast<std::int32_t>(random() % 50);
+        std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width * height)), expected(pixels.size());
+        TraceCanvas wide;
+        wide.Reset(from, to, height, lineWidth);
+        wide.Limit(10, 60);
+        draw(wide, points);
+        wide.Compose(pixels.data(), width, {&color, 1});
+        TraceCanvas thin;
+        thin.Reset(from, to, height);
+        thin.Limit(10, 60);
+        for (std::int32_t right = -(lineWidth - 1) / 2; right <= lineWidth / 2; ++right) {
+            for (std::int32_t down = -(lineWidth - 1) / 2; down <= lineWidth / 2; ++down) {
+                std::vector<DevicePoint> moved = points;
+                for (DevicePoint& point : moved) point = {point.x + right, point.y + down};
+                draw(thin, moved);
+            }
+        }
+        thin.Compose(expected.data(), width, {&color, 1});
+        ASSERT_TRUE(pixels == expected) << round;
+    }
+}
+
 /// Points far outside, and traces that are cut by every side, stay inside the image.
 TEST(TraceCanvas, NothingLeavesTheImage) {
     std::mt19937 random(13);
@@ -247,7 +293,7 @@ TEST(TraceCanvas, NothingLeavesTheImage) {
         const auto width = static_cast<std::int32_t>(1 + random() % 90);
         const auto height = static_cast<std::int32_t>(1 + random() % 70);
         const auto from = static_cast<std::int32_t>(random() % static_cast<unsigned>(width));
-        canvas.Reset(from, width, height);
+        canvas.Reset(from, width, height, 1 + round % 5);
         std::vector<DevicePoint> points{{-5, 0}};
         while (points.back().x < width + 5) {
             const bool far = random() % 4 == 0;

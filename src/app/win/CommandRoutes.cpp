@@ -36,6 +36,8 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
          }},
         {mnuSpectrogram, 1, [](R r, F, int) { r.ShowSpectrogram(); }},
         {mnuOverview, 1, [](R r, F, int) { r.ShowOverview(); }},
+        {mnuDarkGraph, 1, [](R r, F, int) { r.look.ToggleDark(); }},
+        {mnuLineWidth, kMostLineWidth, [](R r, F, int i) { r.look.SetLineWidth(i + 1); }},
         {mnuFilterRow, 1, [](R r, F, int) { r.shown.ToggleRow(); }},
         {mnuUnfiltered, 1, [](R r, F, int) { r.shown.ToggleUnfiltered(); }},
         {mnuShowRaw, 1, [](R r, F, int) { r.shown.HoldRaw(true); }},

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/Captions.h"
+#include "app/LookCommands.h"
 #include "app/ShownCommands.h"
 #include "app/ShownTexts.h"
 #include "app/StringIds.h"
@@ -120,11 +121,27 @@ void DialogCommands::SpectrogramFrequency() {
     if (highest && !m_parts.window.IsGone()) SetSpectrogram({SpectrogramField::Highest, *highest});
 }
 
+bool DialogCommands::CopyInLight(const ImageWindows& windows, HFONT font, const std::u16string& caption) {
+    const bool isDark = m_shared.view.Look().colors != &kLightColors;
+    const auto redraw = [&] {
+        if (isDark) m_parts.graph.Refresh(0);
+        while (isDark && m_parts.graph.IsIncomplete()) m_parts.graph.DrawMore();
+    };
+    bool done = false;
+    {
+        const LookScope light(m_shared.view, kLightColors);
+        redraw();
+        // The playback line does not belong in a copied image.
+        m_parts.graph.ShowPlayLine(0);
+        done = ImageCopy(windows, font, caption, kClipboardTarget);
+    }
+    redraw();
+    return done;
+}
+
 void DialogCommands::CopyImage() {
     if (!onPictures()) return;
     m_parts.hover.End();
-    // The playback line does not belong in a copied image.
-    m_parts.graph.ShowPlayLine(0);
     const bool hasSpectrogram = m_shared.settings.window.spectrogramShown;
     const ImageWindows windows{m_parts.graph.ScaleY(),
                                m_parts.graph.Graph(),
@@ -136,7 +153,7 @@ void DialogCommands::CopyImage() {
                                                 m_shared.view.Axis(), m_shared.format, m_shared.services);
     // The caption strip has the same height at any screen density.
     const GdiFont font = MakeFont(USER_DEFAULT_SCREEN_DPI);
-    const bool done = ImageCopy(windows, font.Get(), caption, kClipboardTarget);
+    const bool done = CopyInLight(windows, font.Get(), caption);
     m_parts.graph.ShowPlayLine(m_shared.playback.Position());
     m_parts.status.Tell(StatusBar::Topic::Outcome, m_shared.services.Text(done ? IDS_COPIED : IDS_CLIPBOARD_FAILED));
 }

@@ -10,6 +10,7 @@
 
 namespace quillon {
 
+struct ImageWindows;
 class GraphPane;
 class HoverCapture;
 class LongCommand;
@@ -57,6 +58,8 @@ class DialogCommands {
     void About();
 
   private:
+    /// A copied image is dark on white, whatever the window's graph is.
+    [[nodiscard]] bool CopyInLight(const ImageWindows& windows, HFONT font, const std::u16string& caption);
     void ApplySpectrogram(const SpectrumSettings& chosen);
     [[nodiscard]] std::u16string TextOfShown() const;
     [[nodiscard]] const ViewBlock& Block() const { return m_shared.document.Block(); }

@@ -74,16 +74,17 @@ void GraphPane::SetNotice(GraphNotice notice) {
 }
 
 GraphScene GraphPane::Scene() const {
-    return {m_document.Block(),
-            m_view.Axis(),
-            m_view.GetLanes(),
-            m_view.Extremes(),
-            m_view.RawCodes(),
-            m_foldOrigin,
-            static_cast<GridStyle>(std::clamp<int>(m_display.gridStyle, 0, 2)),
-            TraceColor(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor)))),
-            GridColumns(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
-            m_view.OtherBlocks()};
+    return {.block = m_document.Block(),
+            .axis = m_view.Axis(),
+            .lanes = m_view.GetLanes(),
+            .extremes = m_view.Extremes(),
+            .rawCodes = m_view.RawCodes(),
+            .foldOrigin = m_foldOrigin,
+            .gridStyle = static_cast<GridStyle>(std::clamp<int>(m_display.gridStyle, 0, 2)),
+            .gridColor = Colors().Trace(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor)))),
+            .gridColumns = GridColumns(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
+            .others = m_view.OtherBlocks(),
+            .look = m_view.Look().At(ScreenDpi())};
 }
 
 void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
@@ -91,20 +92,20 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     const HWND picture = id == pbGraph ? m_graph.Window() : id == pbScaleX ? m_scaleX.Window() : m_scaleY.Window();
     GetClientRect(picture, &client);
     if (id == pbScaleX)
-        m_scales.PaintTime(dc, client, TimeLabels(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
+        m_scales.PaintTime(dc, client, Colors(), TimeLabels(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
                            VisibleSpans(m_view.Axis(), m_document.Block()));
     if (id == pbScaleY && HasSamples() && m_view.UsesLanes()) {
         m_titles.Paint(dc, client);
     } else if (id == pbScaleY) {
         m_scales.PaintAmplitude(
-            dc, client,
+            dc, client, Colors(),
             HasSamples() ? AmplitudeLabels(m_view.GetLanes().front(), m_view.RawCodes(), m_format.decimalSeparator)
                          : std::vector<ScaleLabel>());
     }
     if (id != pbGraph) return;
     m_painter.Paint(dc, clip);
-    if (const auto measured = onMeasured()) PaintMeasurement(dc, client, *measured);
-    PaintNotice(dc, client, m_notice, ScreenDpi());
+    if (const auto measured = onMeasured()) PaintMeasurement(dc, client, *measured, Colors());
+    PaintNotice(dc, client, m_notice, Colors(), ScreenDpi());
 }
 
 void GraphPane::OnScroll(int bar, int code) {
@@ -147,7 +148,7 @@ void GraphPane::Refresh(std::int32_t shift) {
             m_painter.Draw(Scene(), m_size.cx, m_size.cy);
         }
     } else {
-        m_painter.Clear(m_size.cx, m_size.cy);
+        m_painter.Clear(m_size.cx, m_size.cy, Colors());
     }
     m_graph.Invalidate();
     if (m_scaleX.Window() == nullptr) return;
@@ -180,7 +181,7 @@ void GraphPane::LeaveBlock() {
     const HWND capture = GetCapture();
     if (capture != nullptr && (capture == m_graph.Window() || capture == m_scaleY.Window())) ReleaseCapture();
     m_painter.ForgetBlock();
-    m_painter.Clear(m_size.cx, m_size.cy);
+    m_painter.Clear(m_size.cx, m_size.cy, Colors());
 }
 
 // Bands over the graph.
@@ -197,8 +198,7 @@ void GraphPane::ShowSelection() {
 
 void GraphPane::ShowPlayLine(std::int32_t sample) {
     const auto band = sample > 0 ? BandOf(m_view.Axis(), {sample - 1, 1}) : std::nullopt;
-    SetBand(GraphBand::Play, band);
-    onBand(CommonBand::Play, band);
+    SetBand(GraphBand::Play, band), onBand(CommonBand::Play, band);
 }
 
 void GraphPane::Point(std::int16_t channel) {

@@ -58,6 +58,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// Width that the strip left of the graph wants for the titles of lanes; 0 without lanes.
     [[nodiscard]] std::int32_t TitlesWidth() const { return m_view.UsesLanes() ? m_titles.WantedWidth() : 0; }
     void ChannelChanged() const { m_scaleY.Invalidate(); }  ///< another one is the current one
+    void Invalidate() const { m_graph.Invalidate(), m_scaleX.Invalidate(), m_scaleY.Invalidate(); }
     /// Size of the graph in pixels.
     void SetSize(std::int32_t width, std::int32_t height);
     /// Text shown in a graph without traces.
@@ -127,6 +128,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void Hover(int x, int y);
     void ReadOut(std::int32_t sample, int x, int row);
     void SetBand(GraphBand which, const std::optional<ColumnBand>& band);
+    [[nodiscard]] const GraphColors& Colors() const { return *m_view.Look().colors; }
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
 
     const Document& m_document;

@@ -33,6 +33,7 @@ LaneStrip LaneTitles::Strip(HDC dc, std::int32_t width) const {
     strip.dpi = ScreenDpi();
     strip.decimalSeparator = m_format.decimalSeparator;
     strip.rawCodes = m_view.RawCodes();
+    strip.colors = m_view.Look().colors;
     strip.sizeOf = [dc, font = m_font.Get()](const std::u16string& text) {
         const SelectScope selected(dc, font);
         const std::wstring wide = Wide(text.empty() ? u"0" : text);
@@ -49,7 +50,8 @@ std::int32_t LaneTitles::WantedWidth() const {
 }
 
 void LaneTitles::Paint(HDC dc, const RECT& client) const {
-    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
+    const StripColors colors = StripOf(*m_view.Look().colors);
+    FillWith(dc, client, ColorOf(colors.face));
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
@@ -62,18 +64,18 @@ void LaneTitles::Paint(HDC dc, const RECT& client) const {
     // Where a dragged lane would be dropped.
     const Lane& target = lanes[m_gestures.DropLane()];
     const int row = m_gestures.DropsFromAbove() ? target.End() - 2 : target.top;
-    FillWith(dc, {0, row, client.right, row + 2}, GetSysColor(COLOR_HIGHLIGHT));
+    FillWith(dc, {0, row, client.right, row + 2}, ColorOf(colors.accent));
 }
 
 void LaneTitles::PaintLane(HDC dc, const RECT& client, const Lane& lane, const LaneLabel& label) const {
-    const std::uint32_t face = SystemColor(label.channel == m_pointed ? COLOR_WINDOW : COLOR_BTNFACE);
+    const StripColors colors = StripOf(*m_view.Look().colors);
+    const bool isPointed = label.channel == m_pointed;
+    const std::uint32_t face = isPointed ? colors.pointed : colors.face;
     const COLORREF color = ColorOf(IsDark(face) ? Readable(label.color, face, 4) : label.color);
-    const COLORREF text = GetSysColor(label.channel == m_pointed ? COLOR_WINDOWTEXT : COLOR_BTNTEXT);
-    const auto faded = [](double share) {
-        return ColorOf(Mixed(SystemColor(COLOR_BTNTEXT), SystemColor(COLOR_BTNFACE), share));
-    };
+    const COLORREF text = ColorOf(isPointed ? colors.pointedText : colors.text);
+    const auto faded = [&](double share) { return ColorOf(Mixed(colors.text, colors.face, share)); };
     const COLORREF barColor = faded(0.3);
-    if (label.channel == m_pointed) FillWith(dc, {0, lane.top, client.right, lane.End()}, ColorOf(face));
+    if (isPointed) FillWith(dc, {0, lane.top, client.right, lane.End()}, ColorOf(face));
     if (label.channel == m_document.CurrentChannel())
         FillWith(dc, {0, lane.top, MulDiv(kMarker, ScreenDpi(), 96), lane.End()}, color);
     if (lane.top > 0) FillWith(dc, {0, lane.top, client.right, lane.top + 1}, faded(0.8));

@@ -26,6 +26,7 @@ MainRooms::MainRooms(RoomParts parts)
       commands(m_document, view, playback),
       lanes(m_document, view, m_parts.settings.window),
       shown(m_document, m_parts.settings.window, m_parts.services, m_parts.format, m_parts.language),
+      look(view, m_parts.settings.window),
       graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
       spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
       overview(m_document, view, m_parts.settings.window, m_parts.format),
@@ -43,16 +44,13 @@ MainRooms::MainRooms(RoomParts parts)
     WireCommands();
     WireBackground();
     lanes.Restore();
-    shown.Restore();
+    shown.Restore(), look.Restore();
 }
 
 void MainRooms::WireGraph() {
     graph.onChange = [this](const ViewChange& change) { ViewChanged(change); };
     graph.onSelectionStart = [this] { m_values.SelectionStarted(); };
-    graph.onSelectionEnd = [this] {
-        m_values.SelectionChanged(false);
-        UpdateState(), spectrum.Follow();
-    };
+    graph.onSelectionEnd = [this] { m_values.SelectionChanged(false), UpdateState(), spectrum.Follow(); };
     graph.onContextMenu = [this](POINT screen, std::int16_t channel) {
         commands.SetMenuChannel(channel);
         onContextMenu(screen);
@@ -114,10 +112,7 @@ void MainRooms::WireSound() {
 
 void MainRooms::WireCommands() {
     commands.onChange = [this](const ViewChange& change) { ViewChanged(change); };
-    lanes.onChange = [this](const ViewChange& change) {
-        status.Retract(StatusBar::Topic::Hint);
-        ViewChanged(change);
-    };
+    lanes.onChange = [this](const ViewChange& change) { status.Retract(StatusBar::Topic::Hint), ViewChanged(change); };
     lanes.onSignals = [this] {
         if (m_complete) recording.FillChannels(true);
         slices.work.SignalsChanged();
@@ -131,6 +126,10 @@ void MainRooms::WireCommands() {
         ViewChanged(view.ScrollLanes(-view.LanesOfChannels().Settings().first));
     };
     shown.onRow = [this] { ArrangeAnew(); };
+    look.onChange = [this] {
+        Refresh(), recording.LookChanged(), spectrum.LookChanged();
+        graph.Invalidate(), spectrogram.InvalidateAll(), overview.Refresh();
+    };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };
     commands.onSelect = [this] { graph.EndSelecting(); };

@@ -8,6 +8,7 @@
 #include "app/CommandState.h"
 #include "app/ExportCommands.h"
 #include "app/LaneCommands.h"
+#include "app/LookCommands.h"
 #include "app/RecordingReload.h"
 #include "app/ShownCommands.h"
 #include "app/ValuesReadout.h"
@@ -137,6 +138,7 @@ class MainRooms {
     ViewCommands commands;
     LaneCommands lanes;
     ShownCommands shown;
+    LookCommands look;
     GraphPane graph;
     SpectrogramPane spectrogram;
     OverviewPane overview;

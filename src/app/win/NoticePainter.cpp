@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-void PaintNotice(HDC dc, const RECT& place, const GraphNotice& notice, int dpi) {
+void PaintNotice(HDC dc, const RECT& place, const GraphNotice& notice, const GraphColors& colors, int dpi) {
     // A name or path without blanks is broken at any character.
     constexpr UINT format = DT_CENTER | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
     const int margin = MulDiv(12, dpi, 96);
@@ -21,8 +21,8 @@ void PaintNotice(HDC dc, const RECT& place, const GraphNotice& notice, int dpi) 
         COLORREF color;
         int height;
     };
-    Part parts[] = {{Wide(notice.title), bold.Get(), RGB(0x28, 0x2C, 0x34), 0},
-                    {Wide(notice.text), plain.Get(), RGB(0x50, 0x58, 0x64), 0}};
+    Part parts[] = {{Wide(notice.title), bold.Get(), ColorOf(colors.text), 0},
+                    {Wide(notice.text), plain.Get(), ColorOf(colors.faintText), 0}};
     const int gap = notice.text.empty() ? 0 : MulDiv(6, dpi, 96);
     int total = gap;
     for (Part& part : parts) {

@@ -19,16 +19,14 @@ int Scaled(int pixels) {
     return MulDiv(pixels, ScreenDpi(), 96);
 }
 
-/// Those of the system. A single channel has its own colour.
-OverviewColors Colors(std::optional<std::uint32_t> own) {
+/// Those of the strips beside the graph. A single channel has its own colour.
+OverviewColors ColorsOn(const StripColors& strip, std::optional<std::uint32_t> own) {
     OverviewColors colors;
-    const std::uint32_t face = SystemColor(COLOR_BTNFACE);
-    const std::uint32_t text = SystemColor(COLOR_BTNTEXT);
-    const std::uint32_t highlight = SystemColor(COLOR_HIGHLIGHT);
+    const auto& [face, text, pointed, pointedText, highlight] = strip;
     constexpr double tint = 0.12;
     constexpr double contrast = 3.0;
     colors.outside = face;
-    colors.inside = Mixed(SystemColor(COLOR_WINDOW), highlight, tint);
+    colors.inside = Mixed(pointed, highlight, tint);
     constexpr double faded = 0.25;
     colors.traces = own ? Readable(*own, face, contrast) : Mixed(text, face, faded);
     colors.selection = text;
@@ -129,7 +127,7 @@ void OverviewPane::PaintPicture(int, HDC dc, const RECT&) {
     RECT client{};
     GetClientRect(m_picture.Window(), &client);
     const std::int32_t margin = MarginWidth();
-    if (!HasSamples()) return FillWith(dc, client, GetSysColor(COLOR_BTNFACE));
+    if (!HasSamples()) return FillWith(dc, client, ColorOf(Strip().face));
     PaintTexts(dc, {0, 0, margin, client.bottom});
     const auto height = static_cast<std::int32_t>(client.bottom);
     if (!m_traced || m_traces.Width() != m_view.Axis().Width() || m_traces.Height() != height) Trace(height);
@@ -143,9 +141,9 @@ void OverviewPane::PaintPicture(int, HDC dc, const RECT&) {
     std::optional<std::uint32_t> own;
     if (m_signals.size() == 1) {
         const Signal signal = m_document.GetSignal(m_signals.front());
-        own = TraceColor(signal.block.channelNumbers[static_cast<std::size_t>(signal.channel - 1)]);
+        own = m_view.Look().colors->Trace(signal.block.channelNumbers[static_cast<std::size_t>(signal.channel - 1)]);
     }
-    scene.colors = Colors(own);
+    scene.colors = ColorsOn(Strip(), own);
     scene.line = Scaled(1);
     const std::vector<std::uint32_t> pixels = m_traces.Draw(scene);
     BITMAPINFO info{};
@@ -155,7 +153,7 @@ void OverviewPane::PaintPicture(int, HDC dc, const RECT&) {
 }
 
 void OverviewPane::PaintTexts(HDC dc, const RECT& margin) const {
-    FillWith(dc, margin, GetSysColor(COLOR_BTNFACE));
+    FillWith(dc, margin, ColorOf(Strip().face));
     const SelectScope font(dc, m_font.Get());
     const OverviewTexts texts = TextsOf(m_document.Block(), m_format);
     SIZE start{};
@@ -167,7 +165,7 @@ void OverviewPane::PaintTexts(HDC dc, const RECT& margin) const {
     const auto room = margin.right - Scaled(kBesideText);
     if (std::max(start.cx, end.cx) > room || start.cy + end.cy > margin.bottom) return;
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+    SetTextColor(dc, ColorOf(Strip().text));
     SetTextAlign(dc, TA_RIGHT | TA_TOP);
     DrawTextAt(dc, static_cast<int>(room), 0, texts.start);
     DrawTextAt(dc, static_cast<int>(room), static_cast<int>(margin.bottom - end.cy), texts.end);

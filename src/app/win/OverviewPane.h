@@ -54,6 +54,7 @@ class OverviewPane final : private PictureOwner {
     void SetPointer() const;
     void EndGesture();
     [[nodiscard]] bool IsSeen() const;
+    [[nodiscard]] StripColors Strip() const { return StripOf(*m_view.Look().colors); }
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
     [[nodiscard]] std::int32_t MarginWidth() const;
     [[nodiscard]] std::vector<std::int16_t> ShownSignals() const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "app/LookCommands.h"
 #include "app/ShownTexts.h"
 #include "app/StringIds.h"
 #include "app/win/GraphPane.h"
@@ -19,7 +20,8 @@ namespace quillon {
 
 namespace {
 
-constexpr std::int32_t kMetafileType = 4;  ///< in the dialog, behind the PNG types, which are their scales
+constexpr std::int32_t kMetafileType = 4;  ///< in the dialog, behind the PNG types that are their scales
+constexpr std::int32_t kDarkType = 5;      ///< a PNG in dark colours, as large as the first
 constexpr int kVectorScale = 4;            ///< traces of a metafile have points at quarters of a pixel
 
 /// The content of a window as it paints itself.
@@ -62,10 +64,10 @@ std::vector<ReportImage> PictureCommands::SpectrogramImages(ViewReport& report) 
     auto colors = ImageOf(m_parts.spectrogram.Palette());
     if (!picture || !scale || !colors) return images;
     constexpr std::int32_t gap = 4;
-    // White on black in the window.
     auto levels = ImageOf(m_parts.spectrogram.Levels());
+    // Beside a light graph they are white on black.
     for (auto* image : {&scale, &levels}) {
-        if (*image)
+        if (*image && report.Look().colors == &kLightColors)
             for (std::uint32_t& pixel : (*image)->pixels) pixel ^= 0xFFFFFF;
     }
     const std::int32_t figures = levels ? levels->width : 0;
@@ -86,18 +88,22 @@ std::vector<ReportImage> PictureCommands::SpectrogramImages(ViewReport& report) 
     return images;
 }
 
-bool PictureCommands::WithReport(int scale, const Use& use) {
+bool PictureCommands::WithReport(int scale, const GraphColors& colors, const Use& use) {
     bool drawn = false;
     onWork([&] {
         FormatOptions format = m_shared.format;
         if (!(Block().startTime > 0.0)) format.timeOfDay = false;
         const ReportPainter painter(scale);
-        const ReportStyle style{ScreenDpi(), format, [&](const std::u16string& text) { return painter.SizeOf(text); }};
+        const ReportStyle style{ScreenDpi(), format, [&](const std::u16string& text) { return painter.SizeOf(text); },
+                                GraphLook{.colors = &colors}};
         const std::u16string shown = TextOfShown(m_shared.document, m_shared.language, format.decimalSeparator);
         const ReportLayout layout(style, MakeReportHeading(m_shared.document, m_shared.view.Axis().Visible(), shown,
                                                            format, m_shared.language));
+        // Not while the report is drawn, which lets the window paint.
+        std::optional<LookScope> look(std::in_place, m_shared.view, colors);
         ViewReport report(m_shared.document, m_shared.view, m_parts.graph.Scene(), layout, scale);
         const std::vector<ReportImage> images = SpectrogramImages(report);
+        look.reset();
         drawn = report.DrawGraph([&] { return !onPending(); });
         if (drawn) use(report, painter, images);
     });
@@ -125,24 +131,27 @@ void PictureCommands::Save() {
 
 void PictureCommands::Write(const std::u16string& name, std::int32_t type) {
     const bool vector = type == kMetafileType;
-    const int scale = vector ? kVectorScale : std::clamp(static_cast<int>(type), 1, LargestScale());
+    const bool dark = type == kDarkType;
+    const int scale = vector ? kVectorScale : std::clamp(dark ? 1 : static_cast<int>(type), 1, LargestScale());
     const std::u16string recording = FileNameOf(m_shared.document.File().fileName);
     std::vector<std::byte> bytes;
     TextSize size{};
-    const bool drawn =
-        WithReport(scale, [&](const ViewReport& report, const ReportPainter& painter, const auto& images) {
-            size = report.Size();
-            if (vector) {
-                const Metafile file = painter.Record(report, images, recording);
-                if (!file) return;
-                bytes.resize(GetEnhMetaFileBits(file.Get(), 0, nullptr));
-                GetEnhMetaFileBits(file.Get(), static_cast<UINT>(bytes.size()), reinterpret_cast<BYTE*>(bytes.data()));
-                return;
-            }
-            size = {size.width * scale, size.height * scale};
-            const std::vector<std::uint32_t> pixels = painter.Pixels(report, images);
-            if (!pixels.empty()) bytes = PngBytes({pixels, size.width, size.height, ScreenDpi() * scale});
-        });
+    const bool drawn = WithReport(scale, dark ? kDarkColors : kLightColors,
+                                  [&](const ViewReport& report, const ReportPainter& painter, const auto& images) {
+                                      size = report.Size();
+                                      if (vector) {
+                                          const Metafile file = painter.Record(report, images, recording);
+                                          if (!file) return;
+                                          bytes.resize(GetEnhMetaFileBits(file.Get(), 0, nullptr));
+                                          GetEnhMetaFileBits(file.Get(), static_cast<UINT>(bytes.size()),
+                                                             reinterpret_cast<BYTE*>(bytes.data()));
+                                          return;
+                                      }
+                                      size = {size.width * scale, size.height * scale};
+                                      const std::vector<std::uint32_t> pixels = painter.Pixels(report, images);
+                                      if (!pixels.empty())
+                                          bytes = PngBytes({pixels, size.width, size.height, ScreenDpi() * scale});
+                                  });
     if (m_parts.window.IsGone()) return;
     if (!drawn) return Tell(IDS_STOPPED_FILE, name);
     if (bytes.empty()) return Tell(IDS_PICTURE_FAILED);
@@ -169,11 +178,11 @@ void PictureCommands::Print() {
 void PictureCommands::PrintOn(HDC printer) {
     const std::u16string recording = FileNameOf(m_shared.document.File().fileName);
     bool done = false;
-    const bool drawn =
-        WithReport(kVectorScale, [&](const ViewReport& report, const ReportPainter& painter, const auto& images) {
-            const Metafile picture = painter.Record(report, images, recording);
-            done = picture && PrintPicture(printer, picture.Get(), recording);
-        });
+    const bool drawn = WithReport(kVectorScale, kLightColors,
+                                  [&](const ViewReport& report, const ReportPainter& painter, const auto& images) {
+                                      const Metafile picture = painter.Record(report, images, recording);
+                                      done = picture && PrintPicture(printer, picture.Get(), recording);
+                                  });
     if (m_parts.window.IsGone()) return;
     Tell(!drawn ? IDS_NOT_PRINTED : done ? IDS_PRINTED : IDS_PRINT_FAILED, recording);
 }

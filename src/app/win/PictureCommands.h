@@ -43,7 +43,7 @@ class PictureCommands {
     /// Calls use(report, painter, images) with the report drawn; false when the user has stopped that.
     using Use = std::function<void(const ViewReport& report, const ReportPainter& painter,
                                    const std::vector<ReportImage>& images)>;
-    [[nodiscard]] bool WithReport(int scale, const Use& use);
+    [[nodiscard]] bool WithReport(int scale, const GraphColors& colors, const Use& use);
     /// The spectrogram with its scales below the graph, where it is shown; makes room for it.
     [[nodiscard]] std::vector<ReportImage> SpectrogramImages(ViewReport& report) const;
     [[nodiscard]] int LargestScale() const;

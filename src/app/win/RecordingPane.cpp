@@ -11,7 +11,8 @@ namespace quillon {
 
 void RecordingPane::Attach(HWND window, int dpi) {
     m_blocks.Attach(GetDlgItem(window, lstBlock));
-    m_channels.Attach(GetDlgItem(window, lvCh), MakeTraceIcons(MulDiv(16, dpi, 96)), dpi);
+    m_dpi = dpi;
+    m_channels.Attach(GetDlgItem(window, lvCh), TraceIcons(), dpi);
     marks.Attach(GetDlgItem(window, edtMarks), GetDlgItem(window, lvMarks), dpi);
 }
 
@@ -28,6 +29,14 @@ void RecordingPane::OnNotify(const NMHDR* header) {
 void RecordingPane::FillBlocks() {
     m_blocks.Fill(m_document.BlockTitles());
     m_blocks.Select(m_document.File().currentBlockIndex);
+}
+
+ImageList RecordingPane::TraceIcons() const {
+    return MakeTraceIcons(MulDiv(16, m_dpi, 96), *m_view.Look().colors);
+}
+
+void RecordingPane::LookChanged() {
+    if (m_dpi != 0) m_channels.SetColors(TraceIcons());
 }
 
 void RecordingPane::FillChannels(bool keepsChannel) {

@@ -16,12 +16,13 @@ namespace quillon {
 class RecordingPane {
   public:
     /// `parts` must outlive this object.
-    explicit RecordingPane(const RoomParts& parts) : marks(parts), m_document(parts.document), m_format(parts.format) {}
+    explicit RecordingPane(const RoomParts& parts)
+        : marks(parts), m_document(parts.document), m_view(parts.view), m_format(parts.format) {}
 
     // To be set by the owner.
-    std::function<void(int index)> onBlock;  ///< the user has chosen a block, from 0; -1: none
-    std::function<void()> onShown;           ///< the set of shown channels has changed
-    std::function<void()> onChannel;         ///< the user has chosen the current channel
+    std::function<void(int index)> onBlock;                          ///< the user has chosen a block, from 0; -1: none
+    std::function<void()> onShown;                                   ///< the set of shown channels has changed
+    std::function<void()> onChannel;                                 ///< the user has chosen the current channel
 
     MarksPane marks;
 
@@ -50,6 +51,8 @@ class RecordingPane {
     void SetAllShown(int index);
     /// Shows a channel alone, or all those again that were shown before.
     void ShowAlone(std::int16_t channel);
+    /// The traces have other colours.
+    void LookChanged();
     /// The list of channels gets the focus: makes the current item show it.
     void ShowFocus() const { m_channels.ShowFocus(ItemOf(m_document.CurrentChannel())); }
     void FitColumns() const {
@@ -59,10 +62,13 @@ class RecordingPane {
 
   private:
     void OnChannels(const NMHDR* header);
+    [[nodiscard]] ImageList TraceIcons() const;
     [[nodiscard]] int ItemOf(std::int16_t signal) const;
 
     Document& m_document;
+    const WaveformView& m_view;
     const FormatOptions& m_format;
+    int m_dpi = 0;                        ///< 0: without its controls
     std::vector<std::int16_t> m_signals;  ///< of the lines of the list of channels
     BlockList m_blocks;
     ChannelList m_channels;

@@ -165,7 +165,7 @@ void SpectrogramPane::PaintPicture(int id, HDC dc, const RECT&) {
 }
 
 void SpectrogramPane::PaintScale(HDC dc, const RECT& client) {
-    if (!HasSamples()) return SpectrogramView::PaintEmptyScale(dc, client);
+    if (!HasSamples()) return SpectrogramView::PaintEmptyScale(dc, client, Colors());
     const double share = static_cast<double>(Bins()) / m_fft.BinCount();
     const FrequencyScaleMarks marks = FrequencyMarks(
         static_cast<int>(client.bottom), m_document.Block().sampleRate * share, m_format, m_painter.LabelHeight());
@@ -176,14 +176,14 @@ void SpectrogramPane::PaintScale(HDC dc, const RECT& client) {
         m_view.UsesLanes() && !title.empty()
             ? title + u", " + marks.unit
             : FrequencyCaption(m_services.Text(IDS_CHANNEL), m_fft.State().deviceChannel + 1, marks.unit);
-    m_painter.PaintScale(dc, client, marks, caption);
+    m_painter.PaintScale(dc, client, marks, caption, Colors());
 }
 
 void SpectrogramPane::PaintLevels(HDC dc, const RECT& client) {
-    if (!HasSamples()) return FillWith(dc, client, RGB(0, 0, 0));
+    if (!HasSamples()) return FillWith(dc, client, ColorOf(Colors().scaleFace));
     const std::u16string unit = m_settings.spectrum.type == 1 ? u"%" : m_services.Text(IDS_OPT_DB);
     m_painter.PaintLevels(dc, client, m_fft.LevelOf(0), m_fft.LevelOf(255), m_services.Text(IDS_LEVEL) + u", " + unit,
-                          unit, m_format.decimalSeparator);
+                          unit, m_format.decimalSeparator, Colors());
 }
 
 void SpectrogramPane::PaintMissing(HDC dc, const RECT& client, int from, int to) {
@@ -191,8 +191,8 @@ void SpectrogramPane::PaintMissing(HDC dc, const RECT& client, int from, int to)
 }
 
 void SpectrogramPane::PaintImage(HDC dc, const RECT& client) {
-    if (!HasSamples()) return FillWith(dc, client, RGB(0xFF, 0xFF, 0xFF));
-    m_painter.PaintImage(dc, client, m_fft, Bins());
+    if (!HasSamples()) return FillWith(dc, client, ColorOf(Colors().paper));
+    m_painter.PaintImage(dc, client, m_fft, Bins(), Colors());
     const int width = static_cast<int>(client.right);
     if (m_rangeAsked) PaintMissing(dc, client, 0, width);
     for (int column = 0; column < std::min(width, m_fft.IsIncomplete() ? m_fft.ImageWidth() : 0); ++column)

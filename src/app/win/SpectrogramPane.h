@@ -68,6 +68,7 @@ class SpectrogramPane final : private PictureOwner {
     [[nodiscard]] bool IsIncomplete() const;
     [[nodiscard]] double DrawnShare() const { return m_fft.ComputedShare(); }
     void NextPalette();
+    void InvalidateAll() const;
     /// The block is about to be closed.
     void LeaveBlock() { m_fft.FFT_ClearState(); }
     void ShowBand(CommonBand which, const std::optional<ColumnBand>& band);
@@ -87,9 +88,9 @@ class SpectrogramPane final : private PictureOwner {
     /// Bins of the image that are shown.
     [[nodiscard]] std::int32_t Bins() const;
     void Hover(int x, int y);
-    void InvalidateAll() const;
     /// The line that says that columns from .. to-1 are missing.
     static void PaintMissing(HDC dc, const RECT& client, int from, int to);
+    [[nodiscard]] const GraphColors& Colors() const { return *m_view.Look().colors; }
     [[nodiscard]] bool HasSamples() const { return m_document.Block().sampleCount > 0; }
 
     const Document& m_document;

@@ -59,14 +59,18 @@ TextSize SpectrumPicture::SizeOf(const std::u16string& text) const {
 }
 
 void SpectrumPicture::PaintPicture(int, HDC dc, const RECT&) {
+    Paint(dc, *m_view.Look().colors);
+}
+
+void SpectrumPicture::Paint(HDC dc, const GraphColors& colors) {
     RECT client{};
     GetClientRect(m_picture.Window(), &client);
     const SIZE size{client.right, client.bottom};
     cMemDC canvas;
-    if (!m_plot || !canvas.CreateBitmap(size.cx, size.cy)) return FillWith(dc, client, RGB(0xFF, 0xFF, 0xFF));
+    if (!m_plot || !canvas.CreateBitmap(size.cx, size.cy)) return FillWith(dc, client, ColorOf(colors.paper));
     {
         const SelectScope font(canvas.Handle(), m_font);
-        PaintSpectrum(canvas.Handle(), size, *m_plot, m_spectra, m_dpi);
+        PaintSpectrum(canvas.Handle(), size, *m_plot, m_spectra, {&colors, m_view.Look().At(m_dpi).lineWidth}, m_dpi);
     }
     if (const auto columns = m_drag.Columns())
         PatBlt(canvas.Handle(), columns->first, 0, columns->second - columns->first + 1, size.cy, DSTINVERT);
@@ -149,7 +153,7 @@ bool SpectrumPicture::Copy(const std::u16string& heading) {
         !plot.CreateBitmap(client.right, client.bottom))
         return false;
     canvas.Clear();
-    PaintPicture(0, plot.Handle(), client);
+    Paint(plot.Handle(), kLightColors);
     BitBlt(canvas.Handle(), 0, caption, client.right, client.bottom, plot.Handle(), 0, 0, SRCCOPY);
     {
         const SelectScope font(canvas.Handle(), m_font);

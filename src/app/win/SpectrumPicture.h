@@ -18,8 +18,8 @@ namespace quillon {
 /// a double click all.
 class SpectrumPicture final : private PictureOwner {
   public:
-    /// Must outlive this object.
-    explicit SpectrumPicture(const SpectrumCommands& spectra) : m_spectra(spectra) {}
+    /// Both must outlive this object.
+    SpectrumPicture(const SpectrumCommands& spectra, const WaveformView& view) : m_spectra(spectra), m_view(view) {}
 
     // To be set by the owner.
     std::function<void(std::int32_t x, std::int32_t y)> onClick;
@@ -40,13 +40,14 @@ class SpectrumPicture final : private PictureOwner {
     void ShowPeak(const SpectralPeak& peak);
     /// Keys with Ctrl and the wheel, which change what is shown, and Esc within a drag; false for others.
     [[nodiscard]] bool Translate(const MSG& message);
-    /// What is seen under a line of text, to the clipboard.
+    /// What is seen, in dark on white, under a line of text, to the clipboard.
     [[nodiscard]] bool Copy(const std::u16string& heading);
     /// In the font of the plot.
     [[nodiscard]] TextSize SizeOf(const std::u16string& text) const;
 
   private:
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
+    void Paint(HDC dc, const GraphColors& colors);
     bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
     void PictureFailed(const std::exception& error) override { onFailed(error); }
     void ShowBand(const std::optional<FrequencyBand>& band);
@@ -55,6 +56,7 @@ class SpectrumPicture final : private PictureOwner {
     bool ZoomByWheel(const MSG& message);
 
     const SpectrumCommands& m_spectra;
+    const WaveformView& m_view;
     PictureBox m_picture;
     HFONT m_font = nullptr;
     int m_dpi = 96;

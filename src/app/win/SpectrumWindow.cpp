@@ -30,7 +30,7 @@ SpectrumWindow::SpectrumWindow(const RoomParts& parts, BackgroundWork& work)
       m_boxes(parts.services),
       m_lists(parts.services),
       m_spectra(parts.document, parts.view, parts.format, parts.services, parts.language),
-      m_picture(m_spectra) {
+      m_picture(m_spectra, parts.view) {
     m_spectra.onWork = [&work](const auto& step, const auto& share) { work.Analyse(step, share); };
     m_spectra.onWorkEnd = [&work] { work.EndAnalysis(); };
     m_picture.onClick = [this](std::int32_t x, std::int32_t y) { Click(x, y); };

@@ -39,6 +39,8 @@ class SpectrumWindow final {
     void LeaveBlock();
     /// Another range is selected: analyses it if the window is open.
     void Follow();
+    /// The colours of the graph have changed.
+    void LookChanged() const { m_picture.Invalidate(); }
     /// The view or the recording may have changed.
     void Look();
     /// Keys of the window; false when the message is another window's, or nothing is to be done about it.

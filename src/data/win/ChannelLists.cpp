@@ -86,10 +86,9 @@ std::wstring BlockList::Text(int position) const {
 
 void ChannelList::Attach(HWND list, ImageList colors, int dpi) {
     m_list = list;
-    m_colors = std::move(colors);
+    SetColors(std::move(colors));
     m_dpi = dpi;
     ListView_SetExtendedListViewStyle(list, LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
-    ListView_SetImageList(list, m_colors.Get(), LVSIL_SMALL);
     LVCOLUMNW column{};
     column.mask = LVCF_WIDTH | LVCF_SUBITEM;
     column.cx = 100;
@@ -98,6 +97,12 @@ void ChannelList::Attach(HWND list, ImageList colors, int dpi) {
         column.iSubItem = further;
         ListView_InsertColumn(list, further, &column);
     }
+}
+
+void ChannelList::SetColors(ImageList colors) {
+    ListView_SetImageList(m_list, colors.Get(), LVSIL_SMALL);
+    m_colors = std::move(colors);
+    InvalidateRect(m_list, nullptr, FALSE);
 }
 
 void ChannelList::Fill(const std::vector<ChannelLine>& lines) {

@@ -48,6 +48,7 @@ class ChannelList {
   public:
     /// `colors` holds one icon per trace colour.
     void Attach(HWND list, ImageList colors, int dpi);
+    void SetColors(ImageList colors);
     void Fill(const std::vector<ChannelLine>& lines);
     void FitColumns() const;
     /// Items are lines, from 0.

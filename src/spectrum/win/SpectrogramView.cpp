@@ -11,7 +11,6 @@ namespace quillon {
 
 namespace {
 
-constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 constexpr int kTick = 8;
 
 GdiFont MakeVerticalFont() {
@@ -43,11 +42,12 @@ int SpectrogramView::LabelHeight() const {
     return static_cast<int>(metrics.tmHeight) + 1;
 }
 
-void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft, std::int32_t bins) const {
+void SpectrogramView::PaintImage(HDC dc, const RECT& client, const QL_FFT& fft, std::int32_t bins,
+                                 const GraphColors& colors) const {
     const int width = static_cast<int>(client.right);
     const int height = static_cast<int>(client.bottom);
     if (!fft.State().ready || fft.Image().empty()) {
-        FillWith(dc, client, kWhite);
+        FillWith(dc, client, ColorOf(colors.paper));
         return;
     }
     ImageInfo info{};
@@ -72,18 +72,19 @@ void SpectrogramView::PaintBar(HDC dc, const RECT& client, const QL_FFT& fft) {
 }
 
 void SpectrogramView::PaintLevels(HDC dc, const RECT& client, double low, double high, const std::u16string& caption,
-                                  const std::u16string& unit, char16_t separator) const {
-    FillWith(dc, client, RGB(0, 0, 0));
+                                  const std::u16string& unit, char16_t separator, const GraphColors& colors) const {
+    const COLORREF ink = ColorOf(colors.scaleInk);
+    FillWith(dc, client, ColorOf(colors.scaleFace));
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, kWhite);
+    SetTextColor(dc, ink);
     const int height = static_cast<int>(client.bottom);
     const int tick = MulDiv(4, ScreenDpi(), 96);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc, &metrics);
     for (const ColorTick& each : ColorTicks(low, high, height, static_cast<int>(metrics.tmHeight), separator)) {
-        FillWith(dc, {0, each.row, tick, each.row + 1}, kWhite);
+        FillWith(dc, {0, each.row, tick, each.row + 1}, ink);
         DrawTextAt(dc, tick + tick / 2, each.text, each.figure);
     }
     const std::wstring whole = Wide(caption);
@@ -96,22 +97,24 @@ void SpectrogramView::PaintLevels(HDC dc, const RECT& client, double low, double
     SetTextAlign(dc, TA_LEFT | TA_TOP);
 }
 
-void SpectrogramView::PaintEmptyScale(HDC dc, const RECT& client) {
-    FillWith(dc, client, RGB(0, 0, 0));
-    FillWith(dc, {client.right - 2, 0, client.right - 1, client.bottom}, kWhite);
+void SpectrogramView::PaintEmptyScale(HDC dc, const RECT& client, const GraphColors& colors) {
+    const COLORREF ink = ColorOf(colors.scaleInk);
+    FillWith(dc, client, ColorOf(colors.scaleFace));
+    FillWith(dc, {client.right - 2, 0, client.right - 1, client.bottom}, ink);
 }
 
 void SpectrogramView::PaintScale(HDC dc, const RECT& client, const FrequencyScaleMarks& marks,
-                                 const std::u16string& caption) const {
-    FillWith(dc, client, RGB(0, 0, 0));
-    FillWith(dc, {client.right - 1, 0, client.right, client.bottom}, kWhite);
-    FillWith(dc, {client.right - kTick, client.bottom - 1, client.right, client.bottom}, kWhite);
+                                 const std::u16string& caption, const GraphColors& colors) const {
+    const COLORREF ink = ColorOf(colors.scaleInk);
+    FillWith(dc, client, ColorOf(colors.scaleFace));
+    FillWith(dc, {client.right - 1, 0, client.right, client.bottom}, ink);
+    FillWith(dc, {client.right - kTick, client.bottom - 1, client.right, client.bottom}, ink);
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, kWhite);
+    SetTextColor(dc, ink);
     SetTextAlign(dc, TA_RIGHT | TA_TOP);
     for (const FrequencyTick& tick : marks.ticks) {
-        FillWith(dc, {client.right - kTick, tick.row, client.right, tick.row + 1}, kWhite);
+        FillWith(dc, {client.right - kTick, tick.row, client.right, tick.row + 1}, ink);
         DrawTextAt(dc, static_cast<int>(client.right) - 11, tick.row - kFrequencyLabelRise, tick.text);
     }
     const SelectScope vertical(dc, m_verticalFont.Get());

@@ -5,6 +5,7 @@
 #include "base/win/WinHandle.h"
 #include "spectrum/FrequencyScale.h"
 #include "spectrum/QL_FFT.h"
+#include "view/GraphColors.h"
 
 namespace quillon {
 
@@ -15,18 +16,19 @@ class SpectrogramView {
 
     /// Rows that a label of the scale needs.
     [[nodiscard]] int LabelHeight() const;
-    /// The lowest bins of the image, one spectrum per pixel column, 0 Hz at the bottom; white without a spectrum.
-    void PaintImage(HDC dc, const RECT& client, const QL_FFT& fft, std::int32_t bins) const;
+    /// The lowest bins of the image, one spectrum per pixel column, 0 Hz at the bottom; paper without a spectrum.
+    void PaintImage(HDC dc, const RECT& client, const QL_FFT& fft, std::int32_t bins, const GraphColors& colors) const;
     /// The ramp of the colours, the strongest at the top.
     static void PaintBar(HDC dc, const RECT& client, const QL_FFT& fft);
-    /// The figures at the right of the ramp and their caption along the right edge, white on black; of the caption only
+    /// The figures at the right of the ramp and their caption along the right edge; of the caption only
     /// the unit where the height is too small.
     void PaintLevels(HDC dc, const RECT& client, double low, double high, const std::u16string& caption,
-                     const std::u16string& unit, char16_t separator) const;
-    /// Ticks with their frequencies and the caption along the left edge, white on black.
-    void PaintScale(HDC dc, const RECT& client, const FrequencyScaleMarks& marks, const std::u16string& caption) const;
+                     const std::u16string& unit, char16_t separator, const GraphColors& colors) const;
+    /// Ticks with their frequencies and the caption along the left edge.
+    void PaintScale(HDC dc, const RECT& client, const FrequencyScaleMarks& marks, const std::u16string& caption,
+                    const GraphColors& colors) const;
     /// What the scale shows without a block: its line alone.
-    static void PaintEmptyScale(HDC dc, const RECT& client);
+    static void PaintEmptyScale(HDC dc, const RECT& client, const GraphColors& colors);
 
   private:
     GdiFont m_font;

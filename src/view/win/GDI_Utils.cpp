@@ -1,6 +1,5 @@
 #include "view/win/GDI_Utils.h"
 
-#include "view/QL_ChUtils.h"
 #include "view/ReadableColor.h"
 
 namespace quillon {
@@ -10,8 +9,14 @@ std::uint32_t SystemColor(int index) {
     return ColorOf(static_cast<std::uint32_t>(color));  // red and blue change places in both directions
 }
 
-COLORREF TickColor() {
-    return ColorOf(Mixed(SystemColor(COLOR_BTNTEXT), SystemColor(COLOR_BTNFACE), 0.5));
+StripColors StripOf(const GraphColors& colors) {
+    return colors.strip.value_or(StripColors{SystemColor(COLOR_BTNFACE), SystemColor(COLOR_BTNTEXT),
+                                             SystemColor(COLOR_WINDOW), SystemColor(COLOR_WINDOWTEXT),
+                                             SystemColor(COLOR_HIGHLIGHT)});
+}
+
+COLORREF TickColor(const StripColors& strip) {
+    return ColorOf(Mixed(strip.text, strip.face, 0.5));
 }
 
 void PassColors(HWND window) {
@@ -63,7 +68,7 @@ void DrawTextAt(HDC dc, int x, int y, const std::u16string& text) {
     ExtTextOutW(dc, x, y, 0, nullptr, wide.c_str(), static_cast<UINT>(wide.size()), nullptr);
 }
 
-ImageList MakeTraceIcons(int size) {
+ImageList MakeTraceIcons(int size, const GraphColors& colors) {
     ImageList icons(ImageList_Create(size, size, ILC_COLOR32, kTraceColors, 0));
     const WindowDC screen(nullptr);
     const MemoryDC memory(CreateCompatibleDC(screen.Get()));
@@ -74,10 +79,13 @@ ImageList MakeTraceIcons(int size) {
         const SelectScope select(dc, strip.Get());
         FillWith(dc, {0, 0, size * kTraceColors, size}, GetSysColor(COLOR_WINDOW));
         const int edge = size / 5;
+        // Light colours would not be seen on the white of a list.
+        const int frame = colors.strip ? edge / 2 : size;
         for (int color = 0; color < kTraceColors; ++color) {
             const int left = size * color;
+            FillWith(dc, {left + frame, frame, left + size - frame, size - frame}, ColorOf(colors.paper));
             FillWith(dc, {left + edge, edge, left + size - edge, size - edge},
-                     ColorOf(TraceColor(static_cast<std::int16_t>(color))));
+                     ColorOf(colors.Trace(static_cast<std::int16_t>(color))));
         }
     }
     ImageList_Add(icons.Get(), strip.Get(), nullptr);

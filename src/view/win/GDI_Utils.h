@@ -5,6 +5,7 @@
 
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
+#include "view/GraphColors.h"
 
 namespace quillon {
 
@@ -16,8 +17,11 @@ namespace quillon {
 /// A colour of the system's scheme (COLOR_BTNFACE...) as the core takes it.
 [[nodiscard]] std::uint32_t SystemColor(int index);
 
+/// Of the strips beside a graph in these colours.
+[[nodiscard]] StripColors StripOf(const GraphColors& colors);
+
 /// Of lines beside texts: half as strong as these.
-[[nodiscard]] COLORREF TickColor();
+[[nodiscard]] COLORREF TickColor(const StripColors& strip);
 
 /// For WM_SYSCOLORCHANGE of a window: lets its controls know, which do not get the message themselves, and draws all.
 void PassColors(HWND window);
@@ -39,7 +43,7 @@ void FillWith(HDC dc, const RECT& rect, COLORREF color);
 /// Draws text without a background; the position is interpreted by the text alignment of the context.
 void DrawTextAt(HDC dc, int x, int y, const std::u16string& text);
 
-/// One square of that size per trace colour.
-[[nodiscard]] ImageList MakeTraceIcons(int size);
+/// One square of that size per trace colour, on the system's window where the paper is white, else on paper.
+[[nodiscard]] ImageList MakeTraceIcons(int size, const GraphColors& colors);
 
 }  // namespace quillon

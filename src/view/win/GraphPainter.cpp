@@ -6,9 +6,6 @@ namespace quillon {
 
 namespace {
 
-constexpr COLORREF kMarkColor = RGB(0xB0, 0x2A, 0x2A);
-constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
-
 /// Limits drawing to a rectangle.
 class ClipScope {
   public:
@@ -41,9 +38,9 @@ void GraphPainter::Prepare(int width, int height) {
     if (pixels != nullptr) m_picture.SetPixels(pixels, width, height);
 }
 
-void GraphPainter::Clear(int width, int height) {
+void GraphPainter::Clear(int width, int height, const GraphColors& colors) {
     Prepare(width, height);
-    m_picture.Clear();
+    m_picture.Clear(colors);
 }
 
 void GraphPainter::Draw(const GraphScene& scene, int width, int height) {
@@ -66,9 +63,9 @@ void GraphPainter::DrawMarkTexts(const GraphScene& scene, int from, int to) cons
     const HDC dc = m_surface.Handle();
     const ClipScope clip(dc, {from, 0, to, m_picture.Height()});
     const SelectScope font(dc, m_font.Get());
-    SetTextColor(dc, kMarkColor);
+    SetTextColor(dc, ColorOf(scene.Colors().markText));
     SetBkMode(dc, AreTextsAbove(scene) ? OPAQUE : TRANSPARENT);
-    SetBkColor(dc, kWhite);
+    SetBkColor(dc, ColorOf(scene.Colors().paper));
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc, &metrics);
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
@@ -100,7 +97,7 @@ RECT GraphPainter::SetBand(GraphBand which, const std::optional<ColumnBand>& col
 
 void GraphPainter::Paint(HDC target, const RECT& part) const {
     if (m_picture.Width() == 0) {
-        FillWith(target, part, kWhite);
+        FillWith(target, part, ColorOf(m_picture.Colors().paper));
         return;
     }
     BitBlt(target, part.left, part.top, part.right - part.left, part.bottom - part.top, m_surface.Handle(), part.left,
@@ -109,7 +106,7 @@ void GraphPainter::Paint(HDC target, const RECT& part) const {
 }
 
 void GraphPainter::PaintArrows(HDC target) const {
-    const GdiPen outline(CreatePen(PS_SOLID, 1, kWhite));
+    const GdiPen outline(CreatePen(PS_SOLID, 1, ColorOf(m_picture.Colors().paper)));
     const SelectScope pen(target, outline.Get());
     for (const EdgeArrow& arrow : m_picture.Arrows(m_dpi)) {
         const auto& [tip, right, left] = arrow.corners;

@@ -25,8 +25,8 @@ class GraphPainter {
     [[nodiscard]] double MissingShare() const { return m_picture.MissingShare(); }
     /// Whether the whole scene can be read without reading much; reads a little of what is missing.
     [[nodiscard]] bool CanReadNow(const GraphScene& scene) const { return m_picture.Traces().CanReadNow(scene); }
-    /// An empty white surface without bands.
-    void Clear(int width, int height);
+    /// An empty surface without bands.
+    void Clear(int width, int height, const GraphColors& colors);
     /// Reason why some samples of the last drawing could not be read; empty when all could.
     [[nodiscard]] const std::string& ReadFailure() const { return m_picture.Traces().Failure(); }
     /// Discards the samples read; to be called when another block is shown.

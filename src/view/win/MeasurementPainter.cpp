@@ -9,9 +9,6 @@ namespace quillon {
 
 namespace {
 
-constexpr COLORREF kColor = RGB(0x7A, 0x1F, 0xA2);
-constexpr COLORREF kPaper = RGB(0xFF, 0xFF, 0xFF);
-
 void Line(HDC dc, int x, int y, int toX, int toY) {
     MoveToEx(dc, x, y, nullptr);
     LineTo(dc, toX, toY);
@@ -21,7 +18,8 @@ void Line(HDC dc, int x, int y, int toX, int toY) {
 /// between two rows. Nothing where it is higher than these are apart.
 class Label {
   public:
-    Label(HDC dc, const RECT& client) : m_dc(dc), m_client(client), m_gap(MulDiv(4, ScreenDpi(), 96)) {}
+    Label(HDC dc, const RECT& client, COLORREF paper)
+        : m_dc(dc), m_client(client), m_paper(paper), m_gap(MulDiv(4, ScreenDpi(), 96)) {}
 
     [[nodiscard]] SIZE Size(const std::u16string& text) const {
         const std::wstring wide = Wide(text);
@@ -38,30 +36,32 @@ class Label {
         const int left = fits ? column + m_gap : column - m_gap - width;
         const int y = std::clamp(row - height / 2, top, end - height);
         const RECT paper{left - 1, y, left + width + 1, y + height};
-        FillWith(m_dc, paper, kPaper);
+        FillWith(m_dc, paper, m_paper);
         DrawTextAt(m_dc, left, y, text);
     }
 
   private:
     HDC m_dc;
     const RECT& m_client;
+    COLORREF m_paper;
     int m_gap;
 };
 
 }  // namespace
 
-void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement) {
+void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement, const GraphColors& colors) {
+    const COLORREF color = ColorOf(colors.measure);
     const int width = std::max(MulDiv(1, ScreenDpi(), 96), 1);
     const int bottom = static_cast<int>(client.bottom);
     // Columns far outside are not for the system's lines.
     const auto limited = [&](int column) { return std::clamp(column, -width, static_cast<int>(client.right) + width); };
     const int pinned = limited(measurement.pinned);
-    const LOGBRUSH ink{BS_SOLID, kColor, 0};
+    const LOGBRUSH ink{BS_SOLID, color, 0};
     const GdiPen dashes(ExtCreatePen(PS_COSMETIC | PS_DASH, 1, &ink, 0, nullptr));
-    const GdiPen solid(CreatePen(PS_SOLID, width, kColor));
+    const GdiPen solid(CreatePen(PS_SOLID, width, color));
     const GdiFont font = MakeFont(ScreenDpi());
     const SelectScope text(dc, font.Get());
-    SetTextColor(dc, kColor);
+    SetTextColor(dc, color);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     SetBkMode(dc, TRANSPARENT);
     {
@@ -70,7 +70,7 @@ void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement
     }
     if (!measurement.other) return;
     const int other = limited(*measurement.other);
-    const Label label(dc, client);
+    const Label label(dc, client, ColorOf(colors.paper));
     // The time stands in the last rows, and no lane's change over it.
     const int timeTop = bottom - static_cast<int>(label.Size(measurement.time).cy);
     for (const Measurement::Lane& lane : measurement.lanes) {

@@ -9,8 +9,6 @@ namespace quillon {
 
 namespace {
 
-constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
-
 /// The font of the scales, without the coloured edges that suit one screen only.
 GdiFont MakeReportFont(int dpi) {
     LOGFONTW font{};
@@ -24,12 +22,12 @@ void FillBox(HDC dc, const RECT& place, COLORREF color) {
     FillRect(dc, &place, brush.Get());
 }
 
-void PaintArrow(HDC dc, const EdgeArrow& arrow, POINT at) {
+void PaintArrow(HDC dc, const EdgeArrow& arrow, POINT at, COLORREF paper) {
     POINT corners[3];
     std::transform(arrow.corners.begin(), arrow.corners.end(), corners, [&](const DevicePoint& corner) {
         return POINT{at.x + corner.x, at.y + corner.y};
     });
-    const GdiPen outline(CreatePen(PS_SOLID, 1, kWhite));
+    const GdiPen outline(CreatePen(PS_SOLID, 1, paper));
     const GdiBrush fill(CreateSolidBrush(ColorOf(arrow.color)));
     const SelectScope pen(dc, outline.Get());
     const SelectScope brush(dc, fill.Get());
@@ -76,11 +74,12 @@ void ReportPainter::PaintLines(HDC dc, const ViewReport& report, POINT at) const
         FillBox(dc, {at.x + box.left, at.y + box.top, at.x + box.right, at.y + box.end}, ColorOf(box.color));
     const TextSize size = report.GraphSize();
     std::vector<POINT> points;
+    // Somewhat less than in the window.
+    const int width = std::max(m_scale * (4 * report.Look().lineWidth - 1) / 4, 1);
     for (const TraceLine& line : report.Lines()) {
         const int saved = SaveDC(dc);
         IntersectClipRect(dc, at.x, at.y + line.top, at.x + size.width, at.y + line.end);
-        // Somewhat less than a pixel of the window.
-        const GdiPen pen(CreatePen(PS_SOLID, std::max(m_scale * 3 / 4, 1), ColorOf(line.color)));
+        const GdiPen pen(CreatePen(PS_SOLID, width, ColorOf(line.color)));
         points.clear();
         for (const DevicePoint& point : line.points) points.push_back(WithinRange(point, at));
         {
@@ -98,7 +97,8 @@ void ReportPainter::PaintLines(HDC dc, const ViewReport& report, POINT at) const
 
 void ReportPainter::Paint(HDC dc, const ViewReport& report, const std::vector<ReportImage>& images, bool lines) const {
     const TextSize size = report.Size();
-    FillBox(dc, {0, 0, Scaled(size.width), Scaled(size.height)}, kWhite);
+    const COLORREF paper = ColorOf(report.Look().colors->paper);
+    FillBox(dc, {0, 0, Scaled(size.width), Scaled(size.height)}, paper);
     const POINT graph{Scaled(report.Margins().left), Scaled(report.Margins().top)};
     if (lines) {
         PaintLines(dc, report, graph);
@@ -120,7 +120,7 @@ void ReportPainter::Paint(HDC dc, const ViewReport& report, const std::vector<Re
         SetTextColor(dc, ColorOf(text.color));
         DrawTextAt(dc, Scaled(text.x), Scaled(text.y), text.text);
     }
-    for (const EdgeArrow& arrow : report.Arrows()) PaintArrow(dc, arrow, graph);
+    for (const EdgeArrow& arrow : report.Arrows()) PaintArrow(dc, arrow, graph, paper);
 }
 
 std::vector<std::uint32_t> ReportPainter::Pixels(const ViewReport& report,

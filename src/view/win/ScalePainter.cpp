@@ -9,20 +9,20 @@ namespace {
 constexpr int kTick = 5;
 constexpr int kMinorTick = 3;
 constexpr int kBand = 4;
-constexpr COLORREF kBandColor = RGB(0xE0, 0xA8, 0xA8);
 
 }  // namespace
 
 ScalePainter::ScalePainter() : m_font(MakeFont(ScreenDpi())) {}
 
-void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels,
-                             const std::vector<MarkSpan>& spans) const {
-    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
-    for (const MarkSpan& span : spans) FillWith(dc, {span.first, 0, span.last + 1, kBand}, kBandColor);
+void ScalePainter::PaintTime(HDC dc, const RECT& client, const GraphColors& colors,
+                             const std::vector<ScaleLabel>& labels, const std::vector<MarkSpan>& spans) const {
+    const StripColors strip = StripOf(colors);
+    FillWith(dc, client, ColorOf(strip.face));
+    for (const MarkSpan& span : spans) FillWith(dc, {span.first, 0, span.last + 1, kBand}, ColorOf(colors.markBand));
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
-    const COLORREF tick = TickColor();
-    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+    const COLORREF tick = TickColor(strip);
+    SetTextColor(dc, ColorOf(strip.text));
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     constexpr int textTop = 10;
     int free = 0;  // first column that no label covers yet
@@ -41,12 +41,14 @@ void ScalePainter::PaintTime(HDC dc, const RECT& client, const std::vector<Scale
     }
 }
 
-void ScalePainter::PaintAmplitude(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels) const {
-    FillRect(dc, &client, GetSysColorBrush(COLOR_BTNFACE));
+void ScalePainter::PaintAmplitude(HDC dc, const RECT& client, const GraphColors& colors,
+                                  const std::vector<ScaleLabel>& labels) const {
+    const StripColors strip = StripOf(colors);
+    FillWith(dc, client, ColorOf(strip.face));
     const SelectScope font(dc, m_font.Get());
     SetBkMode(dc, TRANSPARENT);
-    const COLORREF tick = TickColor();
-    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
+    const COLORREF tick = TickColor(strip);
+    SetTextColor(dc, ColorOf(strip.text));
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc, &metrics);
     SetTextAlign(dc, TA_RIGHT | TA_BASELINE);

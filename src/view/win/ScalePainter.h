@@ -12,10 +12,11 @@ class ScalePainter {
 
     /// Time labels, each at its division with a tick above it, over bands for marks that last. A label that would run
     /// into the next one or over the edge is left out.
-    void PaintTime(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels,
+    void PaintTime(HDC dc, const RECT& client, const GraphColors& colors, const std::vector<ScaleLabel>& labels,
                    const std::vector<MarkSpan>& spans) const;
     /// Amplitude labels, right-aligned beside the graph, with a tick at the right edge.
-    void PaintAmplitude(HDC dc, const RECT& client, const std::vector<ScaleLabel>& labels) const;
+    void PaintAmplitude(HDC dc, const RECT& client, const GraphColors& colors,
+                        const std::vector<ScaleLabel>& labels) const;
 
   private:
     GdiFont m_font;

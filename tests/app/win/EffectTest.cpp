@@ -65,6 +65,10 @@ const Effect kEffects[] = {
     {mnuTransformWindow + 1, "", "transform=window 1"},
     {mnuBlankEnds, "", "transform=blank"},
     {mnuOverview, "O", "overview=1"},
+    {mnuDarkGraph, "", "look=dark 1"},
+    {mnuLineWidth, "", "look=light 1", mnuLineWidth + 2},
+    {mnuLineWidth + 1, "", "look=light 2"},
+    {mnuLineWidth + 2, "", "look=light 3"},
     {mnuFilterRow, "F", "filters=1"},
     {mnuHighPass, "", "shown as=", mnuHighPass + 1},
     {mnuHighPass + 1, "", "shown as=> 0.1 Hz"},
@@ -242,6 +246,8 @@ class EffectTest : public MainWindowTest {
         if (m_global.settings.window.spectrogramShown != ofSpectrogram) Command(mnuSpectrogram);
         if (m_global.settings.window.overview == 1) Command(mnuOverview);
         m_global.settings.window.overview = 0;
+        if (m_global.settings.window.darkGraph) Command(mnuDarkGraph);
+        Command(mnuLineWidth);
         m_global.settings.helpLanguage = 7;
         m_global.settings.recent = RecentRecordings({m_global.document->File().fileName});
         m_global.helpFile.clear();
@@ -329,6 +335,8 @@ class EffectTest : public MainWindowTest {
                 {"unfiltered", std::to_string(m_global.document->Shown().unfiltered.size())},
                 {"spectrum", Spectrum() != nullptr ? "1" : "0"},
                 {"spectrogram", m_global.settings.window.spectrogramShown ? "1" : "0"},
+                {"look", (m_global.view->Look().colors == &kDarkColors ? "dark " : "light ") +
+                             std::to_string(m_global.view->Look().lineWidth)},
                 {"overview", std::to_string(m_global.settings.window.overview)},
                 {"palette", std::to_string(m_global.settings.spectrum.palette)},
                 {"levels", std::to_string(std::lround(m_global.settings.spectrum.topLevel)) + '-' +

@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "app/win/MainWindowFixture.h"
+#include "view/GraphColors.h"
+#include "view/ReadableColor.h"
+
+namespace quillon::testing {
+namespace {
+
+class LookTest : public MainWindowTest {
+  protected:
+    /// Share of the pixels of a picture box that are bright.
+    [[nodiscard]] double BrightShare(int id) const {
+        const Pixels pixels = Capture(id);
+        const auto bright = std::count_if(pixels.rgb.begin(), pixels.rgb.end(),
+                                          [](std::uint32_t color) { return Contrast(color, 0xFFFFFF) < 3; });
+        return static_cast<double>(bright) / std::max<double>(1, static_cast<double>(pixels.rgb.size()));
+    }
+};
+
+TEST_F(LookTest, DarkIsEverythingAroundTheGraphAndNothingThatIsCopied) {
+    m_folder.Write(u"a.bin", BinRecording(100, Noise(4000, 3)));
+    Start();
+    Command(mnuOverview);
+    for (const bool lanes : {false, true}) {
+        if (lanes) Command(mnuLanes);
+        m_global.view->Select(500, 900);
+        Command(mnuLineWidth);  // draws anew
+        const Pixels light = Capture(pbGraph);
+        Command(mnuCopy + 1);
+        const std::string lightCopy = ClipboardBytes(CF_DIB);
+        Command(mnuDarkGraph);
+        const Pixels dark = Capture(pbGraph);
+        EXPECT_GT(dark.Count(kDarkColors.paper), light.Count(kLightColors.paper) / 2);
+        EXPECT_EQ(dark.Count(kLightColors.paper), 0);
+        EXPECT_GT(dark.Count(kDarkColors.Trace(0)), 100);
+        for (const int id : {pbGraph, pbScaleX, pbScaleY, pbOverview}) EXPECT_LT(BrightShare(id), 0.4) << id;
+        Command(mnuCopy + 1);
+        EXPECT_TRUE(ClipboardBytes(CF_DIB) == lightCopy) << "dark on white";
+        EXPECT_TRUE(Capture(pbGraph) == dark);
+        Command(mnuDarkGraph);
+        EXPECT_TRUE(Capture(pbGraph) == light);
+    }
+}
+
+TEST_F(LookTest, TheSpectrogramsMarginsAndTheSpectraFollow) {
+    m_folder.Write(u"a.bin", BinRecording(100, Noise(4000, 2)));
+    Start();
+    Command(mnuSpectrogram);
+    Command(mnuSpectrum);
+    const HWND plot = GetDlgItem(FindWindowW(L"QuillonSpectrum", nullptr), SpectrumWindow::kPlot);
+    ASSERT_TRUE(WaitFor([&] { return PixelsOf(plot).Count(kLightColors.Trace(0)) > 50; }));
+    Command(mnuDarkGraph);
+    EXPECT_GT(PixelsOf(plot).Count(kDarkColors.Trace(0)), 50);
+    EXPECT_EQ(PixelsOf(plot).Count(kLightColors.paper), 0);
+    for (const int id : {pbScaleF, pbLevels}) {
+        EXPECT_GT(Capture(id).Count(kDarkColors.scaleFace), 100) << id;
+        EXPECT_EQ(Capture(id).Count(kLightColors.scaleFace), 0) << id;
+    }
+}
+
+TEST_F(LookTest, AWiderLineCoversMoreAndIsKept) {
+    m_folder.Write(u"a.bin", SawRecording());
+    Start();
+    int before = 0;
+    for (int width = 1; width <= kMostLineWidth; ++width) {
+        Command(mnuLineWidth + width - 1);
+        const int pixels = Capture(pbGraph).Count(kLightColors.Trace(0));
+        EXPECT_GT(pixels, before);
+        before = pixels;
+        EXPECT_EQ(m_global.settings.window.lineWidth, width);
+    }
+}
+
+}  // namespace
+}  // namespace quillon::testing
