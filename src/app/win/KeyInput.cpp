@@ -95,7 +95,8 @@ bool KeyInput::TranslateKey(const MSG& message) {
         return true;
     }
     if (code == VK_APPS || (code == VK_F10 && shift)) {
-        if (focus != Control(pbGraph) && focus != Control(pbFFT)) return false;
+        if (focus != Control(pbGraph) && focus != Control(pbFFT) && focus != Control(lvCh) && focus != Control(lvMarks))
+            return false;
         onContextMenu();
         return true;
     }

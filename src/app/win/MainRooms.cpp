@@ -51,7 +51,7 @@ void MainRooms::WireGraph() {
     graph.onChange = [this](const ViewChange& change) { ViewChanged(change); };
     graph.onSelectionStart = [this] { m_values.SelectionStarted(); };
     graph.onSelectionEnd = [this] { m_values.SelectionChanged(false), UpdateState(), spectrum.Follow(); };
-    graph.onContextMenu = [this](POINT screen, std::int16_t channel) {
+    graph.onContextMenu = recording.onMenu = [this](POINT screen, std::int16_t channel) {
         commands.SetMenuChannel(channel);
         onContextMenu(screen);
     };
@@ -173,6 +173,7 @@ void MainRooms::CreateFirst(HWND window) {
 void MainRooms::AttachLists(int dpi, const TimerFactory& makeTimer) {
     recording.Attach(Window(), dpi);
     browser.Attach(Window(), dpi, makeTimer);
+    status.AnnounceBy(makeTimer), m_valuesPanel.AnnounceBy(makeTimer, m_parts.services.Text(IDS_NAME_VALUES));
 }
 
 void MainRooms::CreatePictures() {

@@ -83,6 +83,10 @@ class MainRooms {
     void ShowOverview();
 
     void OnTimer(UINT_PTR timer);
+    /// The menu of what has the keyboard, by a key.
+    void OpenMenu() const {
+        if (!spectrogram.OpenMenu() && !recording.OpenMenu()) graph.OpenContextMenu();
+    }
     /// Ends the readout under the pointer.
     void EndHover() { m_hover.End(); }
     [[nodiscard]] const std::u16string& ValuesText() const { return m_valuesPanel.Text(); }

@@ -8,6 +8,7 @@
 #include "app/win/TableWindow.h"
 #include "base/FilePath.h"
 #include "base/Text.h"
+#include "data/win/ChannelLists.h"
 
 namespace quillon {
 
@@ -106,6 +107,12 @@ void MarksPane::GoTo(int line) const {
 void MarksPane::Run(int command) const {
     if (command == 0) return Copy();
     command == 1 ? SaveCsv() : ShowCounts();
+}
+
+bool MarksPane::OpenMenu() const {
+    if (m_window == nullptr || GetFocus() != m_window) return false;
+    onMenu(BelowLine(m_window, std::max(ListView_GetNextItem(m_window, -1, LVNI_FOCUSED), 0)));
+    return true;
 }
 
 void MarksPane::OnNotify(const NMHDR* header) {

@@ -32,6 +32,8 @@ class MarksPane {
     /// A notification of the list.
     void OnNotify(const NMHDR* header);
     void FitColumns() const;
+    /// Requests the menu if the list has the keyboard; else false.
+    bool OpenMenu() const;
     /// 0 copies the marked lines, or all where there is one at most; 1 writes all lines to a file that the user names;
     /// 2 shows how often each text occurs.
     void Run(int command) const;

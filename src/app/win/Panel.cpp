@@ -55,8 +55,18 @@ void Panel::PaintTable(HDC dc, const RECT& place) {
 
 void Panel::Text(const std::u16string& text) {
     m_text = text;
+    m_announcer.Tell(SpokenText(text));
     // A text without cells (the description of a recording) ends a readout: scroll back to the top.
     if (text.find(u'\t') == std::u16string::npos) m_first = m_wheelRest = 0;
+}
+
+void Panel::AnnounceBy(const TimerFactory& makeTimer, const std::u16string& name) {
+    m_announcer.onAnnounce = [this, name](const std::u16string& text) {
+        SetWindowTextW(Window(), Wide(name + u": " + text).c_str());
+        for (const DWORD event : {DWORD{EVENT_OBJECT_NAMECHANGE}, DWORD{EVENT_OBJECT_VALUECHANGE}})
+            NotifyWinEvent(event, Window(), OBJID_CLIENT, CHILDID_SELF);
+    };
+    m_announcer.Attach(makeTimer);
 }
 
 bool Panel::PictureMouse(int, UINT message, WPARAM wParam, LPARAM) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "app/Announcer.h"
 #include "base/win/WinHandle.h"
 #include "view/win/PictureBox.h"
 
@@ -18,6 +19,9 @@ class Panel final : public PictureOwner {
     [[nodiscard]] const std::u16string& Text() const { return m_text; }
     /// Shown by the next Refresh.
     void Text(const std::u16string& text);
+    /// From now on the window's name, for programs that read the screen aloud, is this one with the text behind it, and
+    /// they are told when that changes.
+    void AnnounceBy(const TimerFactory& makeTimer, const std::u16string& name);
     /// Kept for callers of the family's interface; the program itself does not use it.
     void FontBold(bool bold) { m_bold = bold; }
     void Refresh() const { m_box.Invalidate(); }
@@ -31,6 +35,7 @@ class Panel final : public PictureOwner {
 
     PictureBox m_box;
     std::u16string m_text;
+    Announcer m_announcer;
     bool m_bold = false;
     std::int32_t m_first = 0;  ///< first visible line
     int m_wheelRest = 0;       ///< wheel movement of less than one line

@@ -65,6 +65,12 @@ void RecordingPane::OnChannels(const NMHDR* header) {
     if (header->code == LVN_KEYDOWN) m_channelByKey = true;
     if (header->code == NM_CLICK && m_channels.IsOnItem(header) && !std::exchange(m_channelReported, false))
         onChannel();
+    if (header->code == NM_RCLICK) {
+        POINT place{};
+        GetCursorPos(&place);
+        const auto item = static_cast<std::size_t>(reinterpret_cast<const NMITEMACTIVATE*>(header)->iItem);
+        return item < m_signals.size() ? onMenu(place, m_signals[item]) : void();
+    }
     if (header->code != LVN_ITEMCHANGED || m_channels.Filling()) return;
     const auto* change = reinterpret_cast<const NMLISTVIEW*>(header);
     if ((change->uChanged & LVIF_STATE) == 0) return;
@@ -80,6 +86,14 @@ void RecordingPane::OnChannels(const NMHDR* header) {
         m_document.Show(signal, m_channels.IsChecked(change->iItem));
         onShown();
     }
+}
+
+bool RecordingPane::OpenMenu() const {
+    if (marks.OpenMenu()) return true;
+    const int item = m_channels.ItemWithKeyboard();
+    if (item < 0 || static_cast<std::size_t>(item) >= m_signals.size()) return false;
+    onMenu(BelowLine(m_channels.Window(), item), m_signals[static_cast<std::size_t>(item)]);
+    return true;
 }
 
 void RecordingPane::Choose(std::int16_t channel) {

@@ -23,6 +23,7 @@ class RecordingPane {
     std::function<void(int index)> onBlock;                          ///< the user has chosen a block, from 0; -1: none
     std::function<void()> onShown;                                   ///< the set of shown channels has changed
     std::function<void()> onChannel;                                 ///< the user has chosen the current channel
+    std::function<void(POINT screen, std::int16_t channel)> onMenu;  ///< request for the menu of a channel
 
     MarksPane marks;
 
@@ -51,6 +52,8 @@ class RecordingPane {
     void SetAllShown(int index);
     /// Shows a channel alone, or all those again that were shown before.
     void ShowAlone(std::int16_t channel);
+    /// Requests the menu of the line that has the keyboard, if one of the lists with menus has it; else false.
+    bool OpenMenu() const;
     /// The traces have other colours.
     void LookChanged();
     /// The list of channels gets the focus: makes the current item show it.

@@ -102,13 +102,22 @@ void StatusBar::Retract(Topic topic) {
     if (m_message.Retract(topic)) ShowMessage();
 }
 
-void StatusBar::ShowMessage() const {
+void StatusBar::ShowMessage() {
     // Before its panels are set (SB_SETPARTS) the control does not keep texts.
     if (!m_panels) return;
     const std::wstring text = Wide(m_message.Text());
     SendPointer(m_window, SB_SETTEXTW, kMessagePanel, text.c_str());
     // Tooltip with the full text if the panel is too narrow for it.
     SendPointer(m_window, SB_SETTIPTEXTW, kMessagePanel, text.c_str());
+    m_announcer.Tell(m_message.Text());
+}
+
+void StatusBar::AnnounceBy(const TimerFactory& makeTimer) {
+    m_announcer.onAnnounce = [this](const std::u16string&) {
+        // Panels are children of the control, counted from 1.
+        NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, m_window, OBJID_CLIENT, static_cast<LONG>(kMessagePanel) + 1);
+    };
+    m_announcer.Attach(makeTimer);
 }
 
 }  // namespace quillon

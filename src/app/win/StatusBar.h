@@ -1,7 +1,9 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
+#include "app/Announcer.h"
 #include "app/StatusMessage.h"
 #include "app/StatusPanels.h"
 #include "base/win/Win32.h"
@@ -25,19 +27,22 @@ class StatusBar {
     void Tell(Topic topic, const std::u16string& text);
     void Offer(Topic topic, const std::u16string& text);
     void Retract(Topic topic);
+    /// From now on programs that read the screen aloud are told when "Status" says something else.
+    void AnnounceBy(const TimerFactory& makeTimer);
     [[nodiscard]] const std::u16string& Message() const { return m_message.Text(); }
 
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR bar);
     /// How the signals are shown is coloured, as it has to be seen. It stays a text of the control.
     void PaintShown() const;
-    void ShowMessage() const;
+    void ShowMessage();
     void ArrangePanels() const;
 
     HWND m_window = nullptr;
     HFONT m_font = nullptr;
     int m_dpi = 96;
     StatusMessage m_message;
+    Announcer m_announcer;
     std::optional<PanelTexts> m_panels;  ///< none before they are shown for the first time
 };
 

@@ -60,7 +60,7 @@ void frmQLMain::Wire() {
     m_keys.onRelease = [this] { m_rooms.shown.HoldRaw(false); };
     m_keys.onPathList = m_rooms.onPathList;
     m_rooms.spectrogram.onMenu = [this](POINT screen) { ShowMenu(SpectrogramMenu(), screen); };
-    m_keys.onContextMenu = [this] { m_rooms.spectrogram.OpenMenu() ? void() : m_rooms.graph.OpenContextMenu(); };
+    m_keys.onContextMenu = [this] { m_rooms.OpenMenu(); };
     m_keys.onWheel = [this](auto delta, auto zone, const auto& at) { m_rooms.graph.Wheel(delta, zone, at); };
 }
 

@@ -84,6 +84,14 @@ std::wstring BlockList::Text(int position) const {
     return position >= 0 && position < Count() ? m_lines[static_cast<std::size_t>(position)] : std::wstring();
 }
 
+POINT BelowLine(HWND list, int item) {
+    RECT line{};
+    ListView_GetItemRect(list, item, &line, LVIR_LABEL);
+    POINT place{line.left, line.bottom};
+    ClientToScreen(list, &place);
+    return place;
+}
+
 void ChannelList::Attach(HWND list, ImageList colors, int dpi) {
     m_list = list;
     SetColors(std::move(colors));
@@ -171,6 +179,10 @@ void ChannelList::Choose(int item) {
 void ChannelList::ShowFocus(int item) const {
     if (ListView_GetNextItem(m_list, -1, LVNI_FOCUSED) < 0)
         ListView_SetItemState(m_list, item, LVIS_FOCUSED, LVIS_FOCUSED);
+}
+
+int ChannelList::ItemWithKeyboard() const {
+    return m_list != nullptr && GetFocus() == m_list ? ListView_GetNextItem(m_list, -1, LVNI_FOCUSED) : -1;
 }
 
 void ChannelList::Check(int item, bool checked) {

@@ -33,6 +33,9 @@ class BlockList {
     int m_selected = -1;  ///< used until the control exists
 };
 
+/// Where a menu of a line of a list view belongs that was asked for by a key, on the screen.
+[[nodiscard]] POINT BelowLine(HWND list, int item);
+
 /// A line of the list of channels.
 struct ChannelLine {
     std::u16string title;
@@ -57,6 +60,9 @@ class ChannelList {
     [[nodiscard]] bool IsOnItem(const NMHDR* notification) const;
     /// Gives the item the focus mark if no other item has it.
     void ShowFocus(int item) const;
+    /// The item that has the keyboard; -1 while the list has not.
+    [[nodiscard]] int ItemWithKeyboard() const;
+    [[nodiscard]] HWND Window() const { return m_list; }
     /// Sets a check box without a change notification.
     void Check(int item, bool checked);
     /// Selects an item without a change notification.

@@ -60,6 +60,70 @@ TEST_F(AccessibilityTest, WhatIsBesideTheGraphIsReadableInEveryScheme) {
     }
 }
 
+/// The events of this process that came for a window, in their order.
+class WinEvents {
+  public:
+    explicit WinEvents(HWND window) {
+        s_window = window;
+        s_events.clear();
+        m_hook = SetWinEventHook(EVENT_OBJECT_NAMECHANGE, EVENT_OBJECT_VALUECHANGE, nullptr, Take,
+                                 GetCurrentProcessId(), 0, WINEVENT_OUTOFCONTEXT);
+    }
+    ~WinEvents() { UnhookWinEvent(m_hook); }
+    WinEvents(const WinEvents&) = delete;
+    WinEvents& operator=(const WinEvents&) = delete;
+    [[nodiscard]] static bool Has(DWORD event, LONG child) {
+        return std::find(s_events.begin(), s_events.end(), std::pair(event, child)) != s_events.end();
+    }
+
+  private:
+    static void CALLBACK Take(HWINEVENTHOOK, DWORD event, HWND window, LONG object, LONG child, DWORD, DWORD) {
+        if (window == s_window && object == OBJID_CLIENT) s_events.emplace_back(event, child);
+    }
+    static inline HWND s_window = nullptr;
+    static inline std::vector<std::pair<DWORD, LONG>> s_events;
+    HWINEVENTHOOK m_hook;
+};
+
+TEST_F(AccessibilityTest, StatusAndReadoutAreAnnounced) {
+    m_folder.Write(u"a.bin", SawRecording());
+    Start();
+    {
+        const WinEvents events(Control(sbInfo));
+        m_services->SetStatus(u"something else");
+        EXPECT_TRUE(WaitFor(
+            [] { return WinEvents::Has(EVENT_OBJECT_NAMECHANGE, static_cast<LONG>(StatusPanel::Status) + 1); }));
+    }
+    const WinEvents events(Control(pnValues));
+    Command(mnuPin);
+    EXPECT_TRUE(WaitFor([] {
+        return WinEvents::Has(EVENT_OBJECT_NAMECHANGE, CHILDID_SELF) &&
+               WinEvents::Has(EVENT_OBJECT_VALUECHANGE, CHILDID_SELF);
+    }));
+    EXPECT_NE(WindowText(Control(pnValues)).find(L"X: "), std::wstring::npos) << WindowText(Control(pnValues)).c_str();
+}
+
+TEST_F(AccessibilityTest, MenusOpenByKeysWhereTheyOpenByTheMouse) {
+    m_folder.Write(u"a.bin", SawRecording());
+    Start();
+    Command(mnuSpectrogram);
+    Command(mnuTabFile + 2);
+    SetMarks({{100, u"one"}});
+    for (const int control : {pbGraph, pbFFT, lvCh, lvMarks}) {
+        SetFocus(Control(control));
+        if (control == lvCh) ListView_SetItemState(Control(lvCh), 1, LVIS_FOCUSED, LVIS_FOCUSED);
+        std::atomic<bool> seen = false;
+        std::thread user([&] {
+            HWND menu = nullptr;
+            seen = WaitUntil([&] { return (menu = FindWindowW(L"#32768", nullptr)) != nullptr; });
+            if (menu != nullptr) PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 0);
+        });
+        EXPECT_TRUE(m_form->PreTranslate({Control(control), WM_KEYDOWN, VK_APPS, 0, 0, {}})) << control;
+        user.join();
+        EXPECT_TRUE(seen) << control;
+    }
+}
+
 TEST_F(AccessibilityTest, TabGoesFromListToListAsTheEyeDoes) {
     m_folder.Write(u"a.bin", SawRecording());
     Start();
