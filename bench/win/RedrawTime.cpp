@@ -70,7 +70,8 @@ int wmain(int count, wchar_t** arguments) {
     view.SelectZoomX(10);
     const GraphScene scene{block, view.Axis(), view.GetLanes(),  view.Extremes(),
                            false, false,       GridStyle::Lines, 0x808080};
-    GraphPainter painter;
+    const ScreenDensity density;
+    GraphPainter painter(density);
     view.FitScales(painter.SeenRange(scene));
     cMemDC target;
     target.CreateBitmap(width, height);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "base/Density.h"
+
 namespace quillon {
 
 namespace {
@@ -35,7 +37,7 @@ struct Measures {
           filters(Scaled(kAboveTools) + from.toolHeight + gap),
           top(filters + (from.filters ? Scaled(kFilterRow) + gap : 0)) {}
     /// Scales a length from 96 dots per inch to this screen.
-    [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return (pixels * input.dpi + 48) / 96; }
+    [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return ScaledTo(input.dpi, pixels); }
 
     const LayoutInput& input;
     std::int32_t gap;
@@ -184,6 +186,7 @@ void ArrangePictures(const Measures& measures, MainLayout& layout) {
 MainLayout ArrangeMain(const LayoutInput& input) {
     const Measures measures(input);
     MainLayout layout;
+    layout.dpi = input.dpi;
     // The column keeps between 150 pixels and less than half of the window.
     const std::int32_t least = measures.Scaled(150);
     const std::int32_t widest = std::max(input.clientWidth * 45 / 100, least);

@@ -58,6 +58,7 @@ struct MainLayout {
     PixelRect splitValues;                   ///< between the lower list and the values
     PixelRect splitSpectrogram;              ///< between graph and spectrogram
     PixelRect splitLabels;                   ///< between the strip with titles and the graph; empty without lanes
+    std::int32_t dpi = 96;                   ///< of the input
     std::int32_t laneLabels = 0;             ///< as used, within its limits; 0 without lanes
     std::int32_t listWidth = 0;              ///< as used, within its limits
     std::int32_t upperPercent = 0;           ///< as used, within its limits

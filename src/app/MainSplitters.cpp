@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/ControlIds.h"
+#include "base/Density.h"
 
 namespace quillon {
 
@@ -23,17 +24,22 @@ Splitter SplitterAt(const MainLayout& layout, int x, int y) {
 }
 
 void TakeSizes(const WindowPlacement& placement, LayoutInput& input) {
-    input.listWidth = placement.listWidth;
+    const auto at = [&](std::int32_t size) { return Converted(size, placement.sizesDpi, input.dpi); };
+    input.listWidth = at(placement.listWidth);
     input.upperPercent = placement.upperPercent;
-    input.valuesHeight = placement.valuesHeight;
+    input.valuesHeight = at(placement.valuesHeight);
     input.spectrogram = placement.spectrogramShown;
     input.spectrogramPercent = placement.spectrogramPercent;
-    input.laneLabels = placement.laneLabels;
+    input.laneLabels = at(placement.laneLabels);
     input.overview = WantsOverview(placement);
     input.filters = placement.filters;
 }
 
 void DragSplitter(Splitter splitter, const MainLayout& layout, int x, int y, WindowPlacement& placement) {
+    // Only here: sizes that are converted back and forth do not stay what they were.
+    for (std::int32_t* size : {&placement.listWidth, &placement.valuesHeight, &placement.laneLabels})
+        *size = Converted(*size, placement.sizesDpi, layout.dpi);
+    placement.sizesDpi = layout.dpi;
     const int top = layout.tabPath.top;
     const int height = layout.blocks.Bottom() - top - layout.splitLists.height;
     if (splitter == Splitter::Column) placement.listWidth = std::max(x - layout.splitColumn.width / 2, 1);

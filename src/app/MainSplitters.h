@@ -12,7 +12,7 @@ enum class Splitter { None, Column, Lists, Values, Spectrogram, Labels };
 
 [[nodiscard]] Splitter SplitterAt(const MainLayout& layout, int x, int y);
 
-/// Input of the layout from the stored splitter positions.
+/// Input of the layout from the stored splitter positions, which may be of another density than the input.
 void TakeSizes(const WindowPlacement& placement, LayoutInput& input);
 
 /// Stores the size that results from dragging the splitter to that point. `layout` is the current one.

@@ -65,23 +65,26 @@ constexpr std::array<Entry<SpectrumSettings>, 3> kSpectrumWindowEntries{
     {{u"SpectrogramTop", &SpectrumSettings::topLevel},
      {u"SpectrogramHighest", &SpectrumSettings::highestFrequency},
      {u"SpectrogramBlankEnds", &SpectrumSettings::blankEnds}}};
-constexpr std::array<Entry<WindowPlace>, 5> kPlaceEntries{{{u"Left", &WindowPlace::left},
+constexpr std::array<Entry<WindowPlace>, 6> kPlaceEntries{{{u"Left", &WindowPlace::left},
                                                            {u"Top", &WindowPlace::top},
                                                            {u"Width", &WindowPlace::width},
                                                            {u"Height", &WindowPlace::height},
-                                                           {u"Maximized", &WindowPlace::maximized}}};
-constexpr std::array<Entry<WindowPlace>, 5> kSpectrumPlaceEntries{{{u"SpectrumLeft", &WindowPlace::left},
+                                                           {u"Maximized", &WindowPlace::maximized},
+                                                           {u"Dpi", &WindowPlace::dpi}}};
+constexpr std::array<Entry<WindowPlace>, 6> kSpectrumPlaceEntries{{{u"SpectrumLeft", &WindowPlace::left},
                                                                    {u"SpectrumTop", &WindowPlace::top},
                                                                    {u"SpectrumWidth", &WindowPlace::width},
                                                                    {u"SpectrumHeight", &WindowPlace::height},
-                                                                   {u"SpectrumMaximized", &WindowPlace::maximized}}};
+                                                                   {u"SpectrumMaximized", &WindowPlace::maximized},
+                                                                   {u"SpectrumDpi", &WindowPlace::dpi}}};
 constexpr std::array<Entry<SpectrumWindowSettings>, 4> kSpectrumChoiceEntries{
     {{u"SpectrumLength", &SpectrumWindowSettings::length},
      {u"SpectrumWindow", &SpectrumWindowSettings::window},
      {u"SpectrumLogFrequency", &SpectrumWindowSettings::logFrequency},
      {u"SpectrumLevels", &SpectrumWindowSettings::levels}}};
-constexpr std::array<Entry<WindowPlacement>, 17> kWindowEntries{
-    {{u"ListWidth", &WindowPlacement::listWidth},
+constexpr std::array<Entry<WindowPlacement>, 18> kWindowEntries{
+    {{u"SizesDpi", &WindowPlacement::sizesDpi},
+     {u"ListWidth", &WindowPlacement::listWidth},
      {u"UpperPercent", &WindowPlacement::upperPercent},
      {u"ValuesHeight", &WindowPlacement::valuesHeight},
      {u"SpectrogramPercent", &WindowPlacement::spectrogramPercent},

@@ -12,11 +12,13 @@ struct WindowPlace {
     std::int32_t width = 0;
     std::int32_t height = 0;
     bool maximized = false;
+    std::int32_t dpi = 0;  ///< density at which width and height were measured; 0: that of the main monitor
 };
 
 /// Place of the main window and the sizes of its areas, in pixels. A size or share of 0: not chosen yet.
 struct WindowPlacement {
     WindowPlace place{};
+    std::int32_t sizesDpi = 0;  ///< density at which widths and heights below were measured; 0: see WindowPlace
     std::int32_t listWidth = 0;
     std::int32_t upperPercent = 0;  ///< share of the upper list
     std::int32_t valuesHeight = 0;

@@ -16,7 +16,6 @@
 #include "data/win/FileIdentity.h"
 #include "data/win/FileOperation.h"
 #include "data/win/UserFolders.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -67,8 +66,7 @@ bool BrowserPane::ListStart(const std::wstring& path) {
     return m_browser.ShowFolder(ParentOf(path));
 }
 
-void BrowserPane::Attach(HWND parent, int dpi, const TimerFactory& makeTimer) {
-    m_dpi = dpi;
+void BrowserPane::Attach(HWND parent, const TimerFactory& makeTimer) {
     m_types = GetDlgItem(parent, cboFileType);
     m_browser.Attach(GetDlgItem(parent, lstDrive), GetDlgItem(parent, lstDir), GetDlgItem(parent, lstFile));
     if (!m_pathList.Create(parent, pbPathList, *this, true))
@@ -85,8 +83,13 @@ void BrowserPane::Attach(HWND parent, int dpi, const TimerFactory& makeTimer) {
 }
 
 void BrowserPane::DrawPictures() {
-    const int size = MulDiv(16, m_dpi, 96);
+    const int size = m_parts.density.Scaled(16);
     m_pathListIcon = MakeIconList({DrawIcon(Icon::Folders, size, SystemColor(COLOR_BTNFACE))}, size);
+}
+
+void BrowserPane::DensityChanged() {
+    DrawPictures();
+    m_browser.FitFiles();
 }
 
 void BrowserPane::KeepSettings() const {
@@ -106,10 +109,10 @@ void BrowserPane::PaintPicture(int, HDC dc, const RECT& clip) {
     GetClientRect(m_pathList.Window(), &client);
     FillRect(dc, &clip, GetSysColorBrush(COLOR_BTNFACE));
     DrawFrameControl(dc, &client, DFC_BUTTON, DFCS_BUTTONPUSH);
-    const int size = MulDiv(16, m_dpi, 96);
+    const int size = m_parts.density.Scaled(16);
     ImageList_Draw(m_pathListIcon.Get(), 0, dc, (static_cast<int>(client.right) - size) / 2,
                    (static_cast<int>(client.bottom) - size) / 2, ILD_TRANSPARENT);
-    InflateRect(&client, -3, -3);
+    InflateRect(&client, -m_parts.density.Scaled(3), -m_parts.density.Scaled(3));
     if (GetFocus() == m_pathList.Window()) DrawFocusRect(dc, &client);
 }
 

@@ -12,6 +12,7 @@
 #include "data/win/FileBrowser.h"
 #include "data/win/cFileNotification.h"
 #include "view/win/PictureBox.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -27,6 +28,7 @@ class BrowserPane final : private PictureOwner {
         StatusBar& status;
         LongCommand& longCommand;
         Settings& settings;  ///< folder and path list
+        const ScreenDensity& density;
     };
     explicit BrowserPane(const Parts& parts) : m_parts(parts) {}
 
@@ -43,9 +45,11 @@ class BrowserPane final : private PictureOwner {
     /// absolute, or empty for none. Works before the controls exist.
     void Open(const std::wstring& startPath);
     /// Fills the controls, and watches the folder from now on.
-    void Attach(HWND parent, int dpi, const TimerFactory& makeTimer);
-    /// Draws the picture of the button anew, for the colours that the system has now.
+    void Attach(HWND parent, const TimerFactory& makeTimer);
+    /// Draws the picture of the button anew, for the colours and the density that there are now.
     void DrawPictures();
+    /// The lists have the font of another density.
+    void DensityChanged();
     /// Ends the watch.
     void Close() { m_watch.reset(); }
     /// Remembers the folder.
@@ -119,7 +123,6 @@ class BrowserPane final : private PictureOwner {
     PictureBox m_pathList;
     ImageList m_pathListIcon;
     HWND m_types = nullptr;
-    int m_dpi = 96;
     std::wstring m_startFile;         ///< name of the file of the folder to begin with; empty: the first one
     bool m_startsWithLast = false;    ///< that is the recording that was open last
     std::wstring m_startMissing;      ///< the start path, when it is not to be had

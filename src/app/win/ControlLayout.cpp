@@ -4,7 +4,6 @@
 
 #include "app/ControlIds.h"
 #include "base/win/WinHandle.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -18,10 +17,11 @@ int HeightOf(HWND window) {
 
 }  // namespace
 
-void ControlLayout::SetWindow(HWND window, HFONT font, int dpi) {
+void ControlLayout::SetWindow(HWND window, const ScreenDensity& density) {
     m_window = window;
-    m_font = font;
-    m_dpi = dpi;
+    m_density = &density;
+    // Versions that knew one density alone did not tell it.
+    if (m_placement.sizesDpi < 1) m_placement.sizesDpi = ScreenDpi();
 }
 
 void ControlLayout::SetToolSizes(SIZE main, SIZE pages, const std::array<std::int32_t, kFilterControls>& filters) {
@@ -51,12 +51,12 @@ void ControlLayout::ExpectBars(LayoutInput& input) const {
     // The graph is placed between toolbars and status bar before these exist: their heights must be predicted exactly,
     // or the graph would move when they are created.
     const WindowDC dc(m_window);
-    const SelectScope font(dc.Get(), m_font);
+    const SelectScope font(dc.Get(), m_density->Font());
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc.Get(), &metrics);
     const int leading = metrics.tmInternalLeading > 0 ? static_cast<int>(metrics.tmInternalLeading) : 2;
     input.statusHeight = std::max(static_cast<int>(metrics.tmHeight) + leading + 4, 20);
-    input.toolHeight = MulDiv(16, m_dpi, 96) + 6;
+    input.toolHeight = m_density->Scaled(16) + 6;
 }
 
 void ControlLayout::Arrange() {
@@ -89,7 +89,7 @@ void ControlLayout::FindPlaces() {
     } else {
         ExpectBars(input);
     }
-    input.dpi = m_dpi;
+    input.dpi = m_density->Dpi();
     TakeSizes(m_placement, input);
     input.titlesWidth = m_titles;
     input.filterWidths = m_filters;
@@ -102,7 +102,7 @@ void ControlLayout::PlaceControls(std::span<const ControlPlace> places) const {
         // The height of a drop-down list is that of its open list.
         const bool isCombo = place.id == lstDrive || place.id == cboFileType || place.id == cboHighPass ||
                              place.id == cboLowPass || (place.id >= cboNotch && place.id <= cboFilterDirection);
-        const int height = isCombo ? MulDiv(240, m_dpi, 96) : place.rect.height;
+        const int height = isCombo ? m_density->Scaled(240) : place.rect.height;
         UINT flags = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS;
         // Tab is to go to the spectrogram only while it is shown.
         if (place.id == pbFFT) flags |= height > 0 ? SWP_SHOWWINDOW : SWP_HIDEWINDOW;
@@ -159,7 +159,7 @@ void ControlLayout::PaintFocus(HDC dc) const {
     if (place.width > 0 && m_mainTools.cx > 0) {
         RECT frame{place.left, place.top, place.Right(), place.Bottom()};
         // A thin frame for the graph, which has the focus most of the time.
-        const int lines = MulDiv(id == pbGraph ? 1 : 2, m_dpi, 96);
+        const int lines = m_density->Line(id == pbGraph ? 1 : 2);
         for (int line = 0; line < lines; ++line) {
             InflateRect(&frame, 1, 1);
             FrameRect(dc, &frame, GetSysColorBrush(COLOR_HIGHLIGHT));

@@ -6,6 +6,7 @@
 
 #include "app/MainSplitters.h"
 #include "base/win/Win32.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -16,7 +17,8 @@ class ControlLayout {
     /// `placement` stores the splitter positions and must outlive this object.
     explicit ControlLayout(WindowPlacement& placement) : m_placement(placement) {}
 
-    void SetWindow(HWND window, HFONT font, int dpi);
+    /// `density` of the window.
+    void SetWindow(HWND window, const ScreenDensity& density);
     /// Size of the toolbars; 0 before they exist.
     void SetToolSizes(SIZE main, SIZE pages, const std::array<std::int32_t, kFilterControls>& filters);
     /// Width that the titles of lanes want, as far as the user has chosen no other; 0: there are no lanes.
@@ -52,8 +54,7 @@ class ControlLayout {
 
     WindowPlacement& m_placement;
     HWND m_window = nullptr;
-    HFONT m_font = nullptr;
-    int m_dpi = 96;
+    const ScreenDensity* m_density = nullptr;
     SIZE m_mainTools{};
     SIZE m_pageTools{};
     std::array<std::int32_t, kFilterControls> m_filters{};

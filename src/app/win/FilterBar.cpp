@@ -10,7 +10,6 @@
 #include "app/ViewTables.h"
 #include "app/win/KeyInput.h"
 #include "base/win/WinHandle.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -28,48 +27,56 @@ HWND FilterBar::Box(FilterField field) const {
     return GetDlgItem(m_parent, kBoxes[static_cast<std::size_t>(field)]);
 }
 
-void FilterBar::Create(HWND parent, HFONT font, int dpi, ShownCommands& shown, const UserServices& services) {
+void FilterBar::Create(HWND parent, const ScreenDensity& density, ShownCommands& shown, const UserServices& services) {
     m_parent = parent;
+    m_density = &density;
     m_shown = &shown;
     m_noGroup = Wide(services.Text(IDS_NO_GROUP));
-    const WindowDC dc(parent);
-    const SelectScope selected(dc.Get(), font);
-    const auto widthOf = [&](const std::wstring& text) {
-        SIZE size{};
-        GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
-        return static_cast<std::int32_t>(size.cx);
-    };
     const auto make = [&](const wchar_t* className, const std::wstring& text, DWORD style, int id) {
         const HWND control =
             CreateWindowExW(0, className, text.c_str(), WS_CHILD | style, 0, 0, 0, 0, parent,
                             reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
         if (control == nullptr)
             throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "filters");
-        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(density.Font()), FALSE);
         return control;
     };
-    const auto width = [&](int id) -> std::int32_t& { return m_widths[static_cast<std::size_t>(id - lblFilterGroup)]; };
     constexpr DWORD label = SS_NOPREFIX | SS_CENTERIMAGE | SS_ENDELLIPSIS;
     make(WC_STATICW, m_noGroup, label | SS_CENTER, lblFilterGroup);
-    width(lblFilterGroup) = widthOf(m_noGroup) + MulDiv(8, dpi, 96);
     for (int at = 0; at < kFilterFields; ++at) {
         const auto field = static_cast<FilterField>(at);
         const int id = kBoxes[static_cast<std::size_t>(at)];
         if (IsTyped(field)) {
             const std::wstring name = Wide(PlainCaption(services.Text(IDS_FILTER_0 + at))) + L':';
             make(WC_STATICW, name, label | SS_RIGHT, id - 1);
-            width(id - 1) = widthOf(name) + MulDiv(8, dpi, 96);
         }
         const DWORD style = IsTyped(field) ? CBS_DROPDOWN | CBS_AUTOHSCROLL : CBS_DROPDOWNLIST;
         const HWND box = make(WC_COMBOBOXW, {}, WS_TABSTOP | WS_VSCROLL | style, id);
+        for (const double value : OfferedValues(field))
+            SendPointer(box, CB_ADDSTRING, 0, Wide(shown.Caption({field, value})).c_str());
+    }
+    Measure();
+}
+
+void FilterBar::Measure() {
+    const WindowDC dc(m_parent);
+    const SelectScope selected(dc.Get(), m_density->Font());
+    const auto widthOf = [&](const std::wstring& text) {
+        SIZE size{};
+        GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+        return static_cast<std::int32_t>(size.cx);
+    };
+    const auto width = [&](int id) -> std::int32_t& { return m_widths[static_cast<std::size_t>(id - lblFilterGroup)]; };
+    width(lblFilterGroup) = widthOf(m_noGroup) + m_density->Scaled(8);
+    for (int at = 0; at < kFilterFields; ++at) {
+        const auto field = static_cast<FilterField>(at);
+        const int id = kBoxes[static_cast<std::size_t>(at)];
+        if (IsTyped(field)) width(id - 1) = widthOf(WindowText(GetDlgItem(m_parent, id - 1))) + m_density->Scaled(8);
         std::int32_t widest = 0;
-        for (const double value : OfferedValues(field)) {
-            const std::wstring text = Wide(shown.Caption({field, value}));
-            SendPointer(box, CB_ADDSTRING, 0, text.c_str());
-            widest = std::max(widest, widthOf(text));
-        }
+        for (const double value : OfferedValues(field))
+            widest = std::max(widest, widthOf(Wide(m_shown->Caption({field, value}))));
         // Beside the text its margins and the arrow.
-        width(id) = widest + GetSystemMetrics(SM_CXVSCROLL) + MulDiv(14, dpi, 96);
+        width(id) = widest + m_density->Metric(SM_CXVSCROLL) + m_density->Scaled(14);
     }
 }
 

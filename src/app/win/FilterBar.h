@@ -10,6 +10,7 @@
 #include "app/MainLayout.h"
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -19,8 +20,11 @@ class ShownCommands;
 /// Frequencies can be typed; Enter applies them, Esc and leaving the box restore what was there.
 class FilterBar {
   public:
-    /// Makes the controls, hidden. `shown` must outlive them. Throws std::system_error when one cannot be made.
-    void Create(HWND parent, HFONT font, int dpi, ShownCommands& shown, const UserServices& services);
+    /// Makes the controls, hidden. What they are given must outlive them. Throws std::system_error when one cannot be
+    /// made.
+    void Create(HWND parent, const ScreenDensity& density, ShownCommands& shown, const UserServices& services);
+    /// Measures the controls anew.
+    void DensityChanged() { Measure(); }
     /// Widths that the controls want.
     [[nodiscard]] const std::array<std::int32_t, kFilterControls>& Widths() const { return m_widths; }
     /// Shows the row or hides it, and what is chosen in it.
@@ -29,12 +33,14 @@ class FilterBar {
     void OnCommand(int id, int notification);
 
   private:
+    void Measure();
     [[nodiscard]] HWND Box(FilterField field) const;
     void ShowChoice(FilterField field) const;
     void Choose(FilterField field) const;
     void ShowGroup();
 
     HWND m_parent = nullptr;
+    const ScreenDensity* m_density = nullptr;
     ShownCommands* m_shown = nullptr;
     std::wstring m_noGroup;
     std::array<std::int32_t, kFilterControls> m_widths{};

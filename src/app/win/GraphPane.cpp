@@ -9,7 +9,6 @@
 #include "app/win/ScrollBarControl.h"
 #include "view/Readout.h"
 #include "view/ScaleLabels.h"
-#include "view/win/GDI_Utils.h"
 #include "view/win/MeasurementPainter.h"
 
 namespace quillon {
@@ -26,18 +25,24 @@ static_assert(SB_LINEDOWN == static_cast<int>(ScrollAction::LineOn) &&
 }  // namespace
 
 GraphPane::GraphPane(const Document& document, WaveformView& view, const Playback& playback,
-                     const DisplaySettings& display, const FormatOptions& format, HoverCapture& hover, bool foldOrigin)
+                     const DisplaySettings& display, const FormatOptions& format, HoverCapture& hover,
+                     const ScreenDensity& density, bool foldOrigin)
     : m_document(document),
       m_view(view),
       m_playback(playback),
       m_display(display),
       m_format(format),
       m_hover(hover),
+      m_density(density),
       m_foldOrigin(foldOrigin),
       m_gestures(view),
-      m_titles(document, view, m_gestures, format),
-      m_scrollBars(view) {
-    m_view.SetDpi(ScreenDpi());
+      m_titles(document, view, m_gestures, format, density),
+      m_scrollBars(view),
+      m_zoomX(density),
+      m_painter(density),
+      m_scales(density),
+      m_cursors(density) {
+    m_view.SetDpi(density.Dpi());
     WireTitles();
 }
 
@@ -67,6 +72,11 @@ void GraphPane::SetSize(std::int32_t width, std::int32_t height) {
     m_view.Arrange(width, height);
 }
 
+void GraphPane::DensityChanged() {
+    m_view.SetDpi(m_density.Dpi());
+    m_cursors.Forget();
+}
+
 void GraphPane::SetNotice(GraphNotice notice) {
     if (notice.title == m_notice.title && notice.text == m_notice.text) return;
     m_notice = std::move(notice);
@@ -82,9 +92,9 @@ GraphScene GraphPane::Scene() const {
             .foldOrigin = m_foldOrigin,
             .gridStyle = static_cast<GridStyle>(std::clamp<int>(m_display.gridStyle, 0, 2)),
             .gridColor = Colors().Trace(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor)))),
-            .gridColumns = GridColumns(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
+            .gridColumns = GridColumns(m_view.Axis(), m_document.Block(), m_format, m_density.Dpi()),
             .others = m_view.OtherBlocks(),
-            .look = m_view.Look().At(ScreenDpi())};
+            .look = m_view.Look().At(m_density.Dpi())};
 }
 
 void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
@@ -92,7 +102,8 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     const HWND picture = id == pbGraph ? m_graph.Window() : id == pbScaleX ? m_scaleX.Window() : m_scaleY.Window();
     GetClientRect(picture, &client);
     if (id == pbScaleX)
-        m_scales.PaintTime(dc, client, Colors(), TimeLabels(m_view.Axis(), m_document.Block(), m_format, ScreenDpi()),
+        m_scales.PaintTime(dc, client, Colors(),
+                           TimeLabels(m_view.Axis(), m_document.Block(), m_format, m_density.Dpi()),
                            VisibleSpans(m_view.Axis(), m_document.Block()));
     if (id == pbScaleY && HasSamples() && m_view.UsesLanes()) {
         m_titles.Paint(dc, client);
@@ -104,8 +115,8 @@ void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
     }
     if (id != pbGraph) return;
     m_painter.Paint(dc, clip);
-    if (const auto measured = onMeasured()) PaintMeasurement(dc, client, *measured, Colors());
-    PaintNotice(dc, client, m_notice, Colors(), ScreenDpi());
+    if (const auto measured = onMeasured()) PaintMeasurement(dc, client, *measured, Colors(), m_density);
+    PaintNotice(dc, client, m_notice, Colors(), m_density.Dpi());
 }
 
 void GraphPane::OnScroll(int bar, int code) {

@@ -30,7 +30,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
   public:
     /// All arguments must outlive this object. `foldOrigin`: see TraceGeometry.
     GraphPane(const Document& document, WaveformView& view, const Playback& playback, const DisplaySettings& display,
-              const FormatOptions& format, HoverCapture& hover, bool foldOrigin);
+              const FormatOptions& format, HoverCapture& hover, const ScreenDensity& density, bool foldOrigin);
 
     // To be set by the owner.
     std::function<void(const ViewChange& change)> onChange;  ///< the mouse has changed the view
@@ -61,6 +61,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void Invalidate() const { m_graph.Invalidate(), m_scaleX.Invalidate(), m_scaleY.Invalidate(); }
     /// Size of the graph in pixels.
     void SetSize(std::int32_t width, std::int32_t height);
+    void DensityChanged();
     /// Text shown in a graph without traces.
     void SetNotice(GraphNotice notice);
 
@@ -137,6 +138,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     const DisplaySettings& m_display;
     const FormatOptions& m_format;
     HoverCapture& m_hover;
+    const ScreenDensity& m_density;
     bool m_foldOrigin;
     GraphGestures m_gestures;
     LaneTitles m_titles;

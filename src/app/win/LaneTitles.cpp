@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "view/ReadableColor.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -24,17 +23,17 @@ void DrawStripText(HDC dc, const StripText& text, COLORREF color) {
 }  // namespace
 
 LaneTitles::LaneTitles(const Document& document, WaveformView& view, GraphGestures& gestures,
-                       const FormatOptions& format)
-    : m_document(document), m_view(view), m_gestures(gestures), m_format(format), m_font(MakeFont(ScreenDpi())) {}
+                       const FormatOptions& format, const ScreenDensity& density)
+    : m_document(document), m_view(view), m_gestures(gestures), m_format(format), m_density(density) {}
 
 LaneStrip LaneTitles::Strip(HDC dc, std::int32_t width) const {
     LaneStrip strip;
     strip.width = width;
-    strip.dpi = ScreenDpi();
+    strip.dpi = m_density.Dpi();
     strip.decimalSeparator = m_format.decimalSeparator;
     strip.rawCodes = m_view.RawCodes();
     strip.colors = m_view.Look().colors;
-    strip.sizeOf = [dc, font = m_font.Get()](const std::u16string& text) {
+    strip.sizeOf = [dc, font = m_density.Font()](const std::u16string& text) {
         const SelectScope selected(dc, font);
         const std::wstring wide = Wide(text.empty() ? u"0" : text);
         SIZE size{};
@@ -52,7 +51,7 @@ std::int32_t LaneTitles::WantedWidth() const {
 void LaneTitles::Paint(HDC dc, const RECT& client) const {
     const StripColors colors = StripOf(*m_view.Look().colors);
     FillWith(dc, client, ColorOf(colors.face));
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     SetBkMode(dc, TRANSPARENT);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     const Lanes& lanes = m_view.GetLanes();
@@ -77,14 +76,14 @@ void LaneTitles::PaintLane(HDC dc, const RECT& client, const Lane& lane, const L
     const COLORREF barColor = faded(0.3);
     if (isPointed) FillWith(dc, {0, lane.top, client.right, lane.End()}, ColorOf(face));
     if (label.channel == m_document.CurrentChannel())
-        FillWith(dc, {0, lane.top, MulDiv(kMarker, ScreenDpi(), 96), lane.End()}, color);
+        FillWith(dc, {0, lane.top, m_density.Scaled(kMarker), lane.End()}, color);
     if (lane.top > 0) FillWith(dc, {0, lane.top, client.right, lane.top + 1}, faded(0.8));
     DrawStripText(dc, label.title, color);
     DrawStripText(dc, label.factor, text);
     if (!label.bar) return;
     const ScaleBar& bar = *label.bar;
     // Caps at its ends say that it is a measure.
-    const int line = std::max(MulDiv(1, ScreenDpi(), 96), 1);
+    const int line = m_density.Line();
     const int cap = 2 * line;
     FillWith(dc, {bar.x, bar.top, bar.x + line, bar.end}, barColor);
     FillWith(dc, {bar.x - cap, bar.top, bar.x + line + cap, bar.top + line}, barColor);

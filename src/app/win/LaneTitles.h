@@ -4,11 +4,11 @@
 #include <functional>
 
 #include "base/win/Win32.h"
-#include "base/win/WinHandle.h"
 #include "data/Document.h"
 #include "format/QL_Format.h"
 #include "view/GraphGestures.h"
 #include "view/LaneLabels.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -17,7 +17,8 @@ namespace quillon {
 class LaneTitles {
   public:
     /// All arguments must outlive this object.
-    LaneTitles(const Document& document, WaveformView& view, GraphGestures& gestures, const FormatOptions& format);
+    LaneTitles(const Document& document, WaveformView& view, GraphGestures& gestures, const FormatOptions& format,
+               const ScreenDensity& density);
 
     // To be set by the owner.
     std::function<void(std::int16_t channel)> onChannel;  ///< a click on a title or a scale
@@ -51,7 +52,7 @@ class LaneTitles {
     WaveformView& m_view;
     GraphGestures& m_gestures;
     const FormatOptions& m_format;
-    GdiFont m_font;
+    const ScreenDensity& m_density;
     std::int16_t m_pointed = 0;
 };
 

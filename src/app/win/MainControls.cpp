@@ -51,21 +51,29 @@ void RegisterFrame(const wchar_t* className, WNDPROC procedure) {
     RegisterClassExW(&windowClass);  // fails harmlessly from the second time on
 }
 
-void ShowProgramIcon(HWND window) {
+void ShowProgramIcon(HWND window, const ScreenDensity& density) {
     for (const auto& [kind, width, height] :
          {std::tuple{ICON_BIG, SM_CXICON, SM_CYICON}, std::tuple{ICON_SMALL, SM_CXSMICON, SM_CYSMICON}}) {
         const HANDLE icon = LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(1), IMAGE_ICON,
-                                       GetSystemMetrics(width), GetSystemMetrics(height), LR_SHARED);
+                                       density.Metric(width), density.Metric(height), LR_SHARED);
         SendMessageW(window, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
     }
 }
 
-HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner) {
+HWND MakeMainWindow(WNDPROC procedure, HMENU menu, void* owner) {
     constexpr const wchar_t* className = L"frmQLMain";
     RegisterFrame(className, procedure);
-    return CreateWindowExW(0, className, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
-                           CW_USEDEFAULT, MulDiv(1060, dpi, 96), MulDiv(700, dpi, 96), nullptr, menu,
-                           GetModuleHandleW(nullptr), owner);
+    const auto width = [](int dpi) { return ScaledTo(dpi, 1060); };
+    const auto height = [](int dpi) { return ScaledTo(dpi, 700); };
+    const int expected = ScreenDpi();
+    const HWND window =
+        CreateWindowExW(0, className, L"Quillon", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
+                        width(expected), height(expected), nullptr, menu, GetModuleHandleW(nullptr), owner);
+    // The system chooses the monitor.
+    const int dpi = window == nullptr ? expected : DpiOf(window);
+    if (dpi != expected)
+        SetWindowPos(window, nullptr, 0, 0, width(dpi), height(dpi), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    return window;
 }
 
 std::wstring DroppedPath(HDROP drop) {
@@ -103,6 +111,17 @@ void MakeBars(HWND window, HFONT font) {
     make(STATUSCLASSNAMEW, SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, sbInfo);
     // The graph was created earlier; put it here in the tab order.
     SetWindowPos(GetDlgItem(window, pbGraph), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+}
+
+void ChangeDensity(HWND window, ScreenDensity& density, int dpi) {
+    const HFONT before = density.Font();
+    density.Set(dpi);
+    const HFONT font = density.Font();
+    for (HWND control = GetWindow(window, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT)) {
+        if (reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)) == before)
+            SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    }
+    ShowProgramIcon(window, density);
 }
 
 void NameControls(HWND window, const UserServices& services) {

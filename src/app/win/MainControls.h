@@ -4,6 +4,7 @@
 
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -12,11 +13,11 @@ void RegisterFrame(const wchar_t* className, WNDPROC procedure);
 
 /// Gives a window the program's icon. Not part of its class: reading the icon's sizes takes longer than reading a
 /// recording, and the first waveform does not need it.
-void ShowProgramIcon(HWND window);
+void ShowProgramIcon(HWND window, const ScreenDensity& density);
 
 /// Makes the main window, hidden, in its usual size. `owner` comes to the procedure with WM_NCCREATE. Null when it
 /// cannot be made.
-[[nodiscard]] HWND MakeMainWindow(WNDPROC procedure, HMENU menu, int dpi, void* owner);
+[[nodiscard]] HWND MakeMainWindow(WNDPROC procedure, HMENU menu, void* owner);
 
 /// The first of the files and folders that were dropped on a window.
 [[nodiscard]] std::wstring DroppedPath(HDROP drop);
@@ -26,6 +27,9 @@ void ShowProgramIcon(HWND window);
 void MakePathLists(HWND window, HFONT font, const UserServices& services);
 void MakeFileLists(HWND window, HFONT font, const UserServices& services);
 void MakeBars(HWND window, HFONT font);
+
+/// For WM_DPICHANGED: changes the density, and gives the window an icon and its controls the font for it.
+void ChangeDensity(HWND window, ScreenDensity& density, int dpi);
 
 /// Gives every control a name for programs that read the screen aloud: a text of its own, or before lists, whose text
 /// is that of their items, a label of no size.

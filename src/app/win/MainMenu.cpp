@@ -10,7 +10,6 @@
 #include "app/win/PaletteBitmap.h"
 #include "data/win/FileIdentity.h"
 #include "view/AmplitudeScale.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -63,7 +62,7 @@ void MainMenu::Fill(HMENU menu, std::span<const MenuEntry> entries) {
 }
 
 void MainMenu::AddPreview(HMENU menu, int palette) {
-    m_previews.push_back(MakePaletteBitmap(static_cast<std::int16_t>(palette), ScreenDpi()));
+    m_previews.push_back(MakePaletteBitmap(static_cast<std::int16_t>(palette), m_density.Dpi()));
     MENUITEMINFOW item{};
     item.cbSize = sizeof item;
     item.fMask = MIIM_BITMAP;

@@ -10,11 +10,11 @@
 #include "app/Playback.h"
 #include "app/RecentRecordings.h"
 #include "app/ShownCommands.h"
-#include "base/win/WinHandle.h"
 #include "data/PathList.h"
 #include "data/UserServices.h"
 #include "format/QL_Format.h"
 #include "view/WaveformView.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -23,8 +23,8 @@ class MainMenu {
   public:
     /// All arguments must outlive this object.
     MainMenu(const UserServices& services, const WaveformView& view, const FormatOptions& format,
-             const RecentRecordings& recent)
-        : m_services(services), m_view(view), m_format(format), m_recent(recent) {}
+             const RecentRecordings& recent, const ScreenDensity& density)
+        : m_services(services), m_view(view), m_format(format), m_recent(recent), m_density(density) {}
 
     [[nodiscard]] HMENU Make();
     /// The system destroys the menu with its window.
@@ -53,6 +53,7 @@ class MainMenu {
     const WaveformView& m_view;
     const FormatOptions& m_format;
     const RecentRecordings& m_recent;
+    const ScreenDensity& m_density;
     Menu m_menu;
     HMENU m_zoomMenu = nullptr;         ///< the list of X zooms, part of m_menu
     HMENU m_pageMenu = nullptr;         ///< the list of pages, part of m_menu

@@ -19,6 +19,7 @@ MainRooms::MainRooms(RoomParts parts)
       m_document(m_parts.document),
       m_reload({m_document, m_parts.view, m_parts.playback, m_parts.library, m_parts.services}),
       m_values(m_document, m_parts.view, m_parts.format, m_parts.settings, m_parts.services, m_parts.language),
+      m_valuesPanel(m_parts.density),
       m_texts(m_parts, status, graph, spectrogram),
       view(m_parts.view),
       playback(m_parts.playback),
@@ -27,11 +28,12 @@ MainRooms::MainRooms(RoomParts parts)
       lanes(m_document, view, m_parts.settings.window),
       shown(m_document, m_parts.settings.window, m_parts.services, m_parts.format, m_parts.language),
       look(view, m_parts.settings.window),
-      graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.foldOrigin),
-      spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover),
-      overview(m_document, view, m_parts.settings.window, m_parts.format),
+      graph(m_document, view, playback, m_parts.settings.display, m_parts.format, m_hover, m_parts.density,
+            m_parts.foldOrigin),
+      spectrogram(m_document, view, m_parts.settings, m_parts.format, m_parts.services, m_hover, m_parts.density),
+      overview(m_document, view, m_parts.settings.window, m_parts.format, m_parts.density),
       recording(m_parts),
-      browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings}),
+      browser({m_document, m_parts.library, m_parts.services, status, longCommand, m_parts.settings, m_parts.density}),
       opener({m_parts, browser, status, longCommand, m_hover}),
       exports({m_document, view, m_parts.settings.text, m_parts.format, m_parts.library, m_parts.exporter,
                m_parts.saveDialog, m_parts.openText, m_parts.language, m_parts.services}),
@@ -170,9 +172,9 @@ void MainRooms::CreateFirst(HWND window) {
     spectrogram.BuildPalette();
 }
 
-void MainRooms::AttachLists(int dpi, const TimerFactory& makeTimer) {
-    recording.Attach(Window(), dpi);
-    browser.Attach(Window(), dpi, makeTimer);
+void MainRooms::AttachLists(const TimerFactory& makeTimer) {
+    recording.Attach(Window());
+    browser.Attach(Window(), makeTimer);
     status.AnnounceBy(makeTimer), m_valuesPanel.AnnounceBy(makeTimer, m_parts.services.Text(IDS_NAME_VALUES));
 }
 
@@ -182,10 +184,18 @@ void MainRooms::CreatePictures() {
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
 }
 
-void MainRooms::CreateRest(HFONT font, int dpi) {
-    status.Attach(GetDlgItem(Window(), sbInfo), font, dpi);
+void MainRooms::CreateRest() {
+    status.Attach(GetDlgItem(Window(), sbInfo), m_parts.density);
     m_complete = true;  // the status bar included
     m_texts.ShowPanels();
+}
+
+void MainRooms::DensityChanged() {
+    graph.DensityChanged();
+    overview.DensityChanged();
+    if (!m_complete) return;
+    recording.DensityChanged();
+    browser.DensityChanged();
 }
 
 void MainRooms::ShowAll() {

@@ -50,14 +50,17 @@ class MainRooms {
     /// Creates what the first waveform needs. Throws std::system_error when it cannot be made.
     void CreateFirst(HWND window);
     /// Fills the lists of folders, files and channels once they exist, and watches the folder.
-    void AttachLists(int dpi, const TimerFactory& makeTimer);
+    void AttachLists(const TimerFactory& makeTimer);
     /// Creates the pictures beside the graph. Throws as CreateFirst.
     void CreatePictures();
     /// Creates the rest, which needs the controls.
-    void CreateRest(HFONT font, int dpi);
+    void CreateRest();
     [[nodiscard]] bool IsComplete() const { return m_complete; }
     /// Fills the controls with what was loaded before they existed.
     void ShowAll();
+    /// The density of the window has changed; once complete, its controls have the font for it. Before the controls are
+    /// laid out again.
+    void DensityChanged();
     /// To be called before the window is destroyed.
     void Close();
 

@@ -29,10 +29,9 @@ std::vector<std::u16string> MarksPane::Captions() const {
     return captions;
 }
 
-void MarksPane::Attach(HWND filter, HWND list, int dpi) {
+void MarksPane::Attach(HWND filter, HWND list) {
     m_filter = filter;
     m_window = list;
-    m_dpi = dpi;
     SendPointer(filter, EM_SETCUEBANNER, TRUE, Wide(m_services.Text(IDS_MARK_FILTER)).c_str());
     ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     const std::vector<std::u16string> captions = Captions();
@@ -40,7 +39,7 @@ void MarksPane::Attach(HWND filter, HWND list, int dpi) {
         std::wstring caption = Wide(captions[static_cast<std::size_t>(at)]);
         LVCOLUMNW column{};
         column.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_SUBITEM;
-        column.cx = MulDiv(kTimeWidth, dpi, 96);
+        column.cx = m_parts.density.Scaled(kTimeWidth);
         column.pszText = caption.data();
         column.iSubItem = at;
         ListView_InsertColumn(list, at, &column);
@@ -82,7 +81,7 @@ void MarksPane::FitColumns() const {
     if (m_window == nullptr) return;
     RECT client{};
     GetClientRect(m_window, &client);
-    const auto scaled = [&](int width) { return MulDiv(width, m_dpi, 96); };
+    const auto scaled = [&](int width) { return m_parts.density.Scaled(width); };
     const int duration = m_hasDurations ? scaled(kDurationWidth) : 0;
     const int channel = m_hasChannels ? scaled(kChannelWidth) : 0;
     const int text = static_cast<int>(client.right) - scaled(kTimeWidth) - duration - channel;

@@ -24,7 +24,7 @@ class MarksPane {
     std::function<void(POINT screen)> onMenu;                   ///< request for the list's menu
     std::function<void(const std::u16string& text)> onMessage;  ///< something is to be told in the status bar
 
-    void Attach(HWND filter, HWND list, int dpi);
+    void Attach(HWND filter, HWND list);
     /// Other marks, or another way to tell times.
     void MarksChanged();
     /// A notification of the box. Enter leads to the first line, Esc empties the box.
@@ -52,7 +52,6 @@ class MarksPane {
     const UserServices& m_services;
     HWND m_filter = nullptr;
     HWND m_window = nullptr;
-    int m_dpi = 96;
     bool m_hasDurations = false;
     bool m_hasChannels = false;
     bool m_filling = false;

@@ -15,10 +15,6 @@ namespace {
 /// Pixels between the texts and the strip.
 constexpr int kBesideText = 5;
 
-int Scaled(int pixels) {
-    return MulDiv(pixels, ScreenDpi(), 96);
-}
-
 /// Those of the strips beside the graph. A single channel has its own colour.
 OverviewColors ColorsOn(const StripColors& strip, std::optional<std::uint32_t> own) {
     OverviewColors colors;
@@ -38,14 +34,14 @@ OverviewColors ColorsOn(const StripColors& strip, std::optional<std::uint32_t> o
 }  // namespace
 
 OverviewPane::OverviewPane(const Document& document, WaveformView& view, const WindowPlacement& placement,
-                           const FormatOptions& format)
-    : m_document(document),
-      m_view(view),
-      m_placement(placement),
-      m_format(format),
-      m_window(view),
-      m_font(MakeFont(ScreenDpi())) {
-    m_window.SetDpi(ScreenDpi());
+                           const FormatOptions& format, const ScreenDensity& density)
+    : m_document(document), m_view(view), m_placement(placement), m_format(format), m_density(density), m_window(view) {
+    m_window.SetDpi(density.Dpi());
+}
+
+void OverviewPane::DensityChanged() {
+    m_window.SetDpi(m_density.Dpi());
+    m_traced = false;
 }
 
 bool OverviewPane::Create(HWND parent) {
@@ -119,7 +115,7 @@ void OverviewPane::Trace(std::int32_t height) {
     for (const SignalGroup& group : GroupsOf(blocks, m_signals)) {
         for (const std::int16_t channel : group.channels) traces.push_back(m_columns.Of(group.of.block, channel));
     }
-    m_traces.SetTraces(traces, m_view.Axis().Width(), height, Scaled(OverviewPicture::kMarkRows));
+    m_traces.SetTraces(traces, m_view.Axis().Width(), height, m_density.Scaled(OverviewPicture::kMarkRows));
     m_traced = true;
 }
 
@@ -144,7 +140,7 @@ void OverviewPane::PaintPicture(int, HDC dc, const RECT&) {
         own = m_view.Look().colors->Trace(signal.block.channelNumbers[static_cast<std::size_t>(signal.channel - 1)]);
     }
     scene.colors = ColorsOn(Strip(), own);
-    scene.line = Scaled(1);
+    scene.line = m_density.Line();
     const std::vector<std::uint32_t> pixels = m_traces.Draw(scene);
     BITMAPINFO info{};
     info.bmiHeader = DibHeader(m_traces.Width(), -m_traces.Height(), 32);
@@ -154,7 +150,7 @@ void OverviewPane::PaintPicture(int, HDC dc, const RECT&) {
 
 void OverviewPane::PaintTexts(HDC dc, const RECT& margin) const {
     FillWith(dc, margin, ColorOf(Strip().face));
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     const OverviewTexts texts = TextsOf(m_document.Block(), m_format);
     SIZE start{};
     SIZE end{};
@@ -162,7 +158,7 @@ void OverviewPane::PaintTexts(HDC dc, const RECT& margin) const {
         const std::wstring wide = Wide(*text);
         GetTextExtentPoint32W(dc, wide.c_str(), static_cast<int>(wide.size()), size);
     }
-    const auto room = margin.right - Scaled(kBesideText);
+    const auto room = margin.right - m_density.Scaled(kBesideText);
     if (std::max(start.cx, end.cx) > room || start.cy + end.cy > margin.bottom) return;
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, ColorOf(Strip().text));

@@ -13,6 +13,7 @@
 #include "view/OverviewWindow.h"
 #include "view/win/GDI_Utils.h"
 #include "view/win/PictureBox.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -22,7 +23,7 @@ class OverviewPane final : private PictureOwner {
   public:
     /// All arguments must outlive this object.
     OverviewPane(const Document& document, WaveformView& view, const WindowPlacement& placement,
-                 const FormatOptions& format);
+                 const FormatOptions& format, const ScreenDensity& density);
 
     // To be set by the owner.
     std::function<void(const ViewChange& change)> onChange;  ///< the mouse has changed the view
@@ -35,6 +36,7 @@ class OverviewPane final : private PictureOwner {
     [[nodiscard]] HWND Window() const { return m_picture.Window(); }
     /// Shows the view, the channels and what is known of them as they are now.
     void Refresh();
+    void DensityChanged();
     /// More of the block may be known.
     void Update();
     bool ReadMore();
@@ -63,13 +65,13 @@ class OverviewPane final : private PictureOwner {
     WaveformView& m_view;
     const WindowPlacement& m_placement;
     const FormatOptions& m_format;
+    const ScreenDensity& m_density;
     PictureBox m_picture;
     OverviewColumns m_columns;
     OverviewWindow m_window;
     OverviewPicture m_traces;
     std::vector<std::int16_t> m_signals;  ///< that the traces are of
     bool m_traced = false;                ///< the traces are those of the columns
-    GdiFont m_font;
 };
 
 }  // namespace quillon

@@ -1,7 +1,6 @@
 #include "app/win/Panel.h"
 
 #include "app/PanelTable.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -13,13 +12,12 @@ void Panel::PaintPicture(int, HDC dc, const RECT& clip) {
     FillRect(dc, &clip, GetSysColorBrush(COLOR_BTNFACE));
     RECT client{};
     GetClientRect(Window(), &client);
-    const int dpi = ScreenDpi();
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-    InflateRect(&client, -MulDiv(4, dpi, 96), -MulDiv(2, dpi, 96));
+    InflateRect(&client, -m_density.Scaled(4), -m_density.Scaled(2));
     if (m_text.find(u'\t') != std::u16string::npos) return PaintTable(dc, client);
     const std::wstring text = Wide(m_text);
-    const GdiFont font = MakeFont(dpi, m_bold);
+    const GdiFont font = MakeFont(m_density.Dpi(), m_bold);
     const SelectScope select(dc, font.Get());
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &client, DT_NOPREFIX | DT_WORDBREAK | DT_EDITCONTROL);
 }
@@ -31,7 +29,7 @@ void Panel::PaintTable(HDC dc, const RECT& place) {
     GdiFont font;
     PanelTable table;
     for (int percent = 100; percent >= 84 && !table.fits; percent -= 8) {
-        font = MakeFont(MulDiv(ScreenDpi(), percent, 100), m_bold);
+        font = MakeFont(MulDiv(m_density.Dpi(), percent, 100), m_bold);
         const SelectScope select(dc, font.Get());
         TEXTMETRICW metrics{};
         GetTextMetricsW(dc, &metrics);

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "app/Announcer.h"
-#include "base/win/WinHandle.h"
 #include "view/win/PictureBox.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -14,6 +14,9 @@ namespace quillon {
 /// through the rest. Other text is wrapped.
 class Panel final : public PictureOwner {
   public:
+    /// `density` must outlive this object.
+    explicit Panel(const ScreenDensity& density) : m_density(density) {}
+
     [[nodiscard]] bool Create(HWND parent, int id);
     [[nodiscard]] HWND Window() const { return m_box.Window(); }
     [[nodiscard]] const std::u16string& Text() const { return m_text; }
@@ -33,6 +36,7 @@ class Panel final : public PictureOwner {
   private:
     void PaintTable(HDC dc, const RECT& place);
 
+    const ScreenDensity& m_density;
     PictureBox m_box;
     std::u16string m_text;
     Announcer m_announcer;

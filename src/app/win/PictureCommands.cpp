@@ -93,8 +93,9 @@ bool PictureCommands::WithReport(int scale, const GraphColors& colors, const Use
     onWork([&] {
         FormatOptions format = m_shared.format;
         if (!(Block().startTime > 0.0)) format.timeOfDay = false;
-        const ReportPainter painter(scale);
-        const ReportStyle style{ScreenDpi(), format, [&](const std::u16string& text) { return painter.SizeOf(text); },
+        const ReportPainter painter(scale, m_shared.density.Dpi());
+        const ReportStyle style{m_shared.density.Dpi(), format,
+                                [&](const std::u16string& text) { return painter.SizeOf(text); },
                                 GraphLook{.colors = &colors}};
         const std::u16string shown = TextOfShown(m_shared.document, m_shared.language, format.decimalSeparator);
         const ReportLayout layout(style, MakeReportHeading(m_shared.document, m_shared.view.Axis().Visible(), shown,
@@ -136,22 +137,21 @@ void PictureCommands::Write(const std::u16string& name, std::int32_t type) {
     const std::u16string recording = FileNameOf(m_shared.document.File().fileName);
     std::vector<std::byte> bytes;
     TextSize size{};
-    const bool drawn = WithReport(scale, dark ? kDarkColors : kLightColors,
-                                  [&](const ViewReport& report, const ReportPainter& painter, const auto& images) {
-                                      size = report.Size();
-                                      if (vector) {
-                                          const Metafile file = painter.Record(report, images, recording);
-                                          if (!file) return;
-                                          bytes.resize(GetEnhMetaFileBits(file.Get(), 0, nullptr));
-                                          GetEnhMetaFileBits(file.Get(), static_cast<UINT>(bytes.size()),
-                                                             reinterpret_cast<BYTE*>(bytes.data()));
-                                          return;
-                                      }
-                                      size = {size.width * scale, size.height * scale};
-                                      const std::vector<std::uint32_t> pixels = painter.Pixels(report, images);
-                                      if (!pixels.empty())
-                                          bytes = PngBytes({pixels, size.width, size.height, ScreenDpi() * scale});
-                                  });
+    const bool drawn = WithReport(
+        scale, dark ? kDarkColors : kLightColors,
+        [&](const ViewReport& report, const ReportPainter& painter, const auto& images) {
+            size = report.Size();
+            if (vector) {
+                const Metafile file = painter.Record(report, images, recording);
+                if (!file) return;
+                bytes.resize(GetEnhMetaFileBits(file.Get(), 0, nullptr));
+                GetEnhMetaFileBits(file.Get(), static_cast<UINT>(bytes.size()), reinterpret_cast<BYTE*>(bytes.data()));
+                return;
+            }
+            size = {size.width * scale, size.height * scale};
+            const std::vector<std::uint32_t> pixels = painter.Pixels(report, images);
+            if (!pixels.empty()) bytes = PngBytes({pixels, size.width, size.height, m_shared.density.Dpi() * scale});
+        });
     if (m_parts.window.IsGone()) return;
     if (!drawn) return Tell(IDS_STOPPED_FILE, name);
     if (bytes.empty()) return Tell(IDS_PICTURE_FAILED);

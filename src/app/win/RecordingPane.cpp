@@ -5,15 +5,24 @@
 
 #include "app/ControlIds.h"
 #include "data/ChannelSelection.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
-void RecordingPane::Attach(HWND window, int dpi) {
+namespace {
+
+constexpr int kIcon = 16;  // pixels at 96 per inch
+
+}  // namespace
+
+void RecordingPane::Attach(HWND window) {
     m_blocks.Attach(GetDlgItem(window, lstBlock));
-    m_dpi = dpi;
-    m_channels.Attach(GetDlgItem(window, lvCh), TraceIcons(), dpi);
-    marks.Attach(GetDlgItem(window, edtMarks), GetDlgItem(window, lvMarks), dpi);
+    m_channels.Attach(GetDlgItem(window, lvCh), TraceIcons(), m_density.Dpi());
+    marks.Attach(GetDlgItem(window, edtMarks), GetDlgItem(window, lvMarks));
+}
+
+void RecordingPane::DensityChanged() {
+    m_blocks.SetTabStop();
+    m_channels.SetDensity(TraceIcons(), m_density.Dpi());
 }
 
 void RecordingPane::OnCommand(int id, int notification) {
@@ -32,11 +41,12 @@ void RecordingPane::FillBlocks() {
 }
 
 ImageList RecordingPane::TraceIcons() const {
-    return MakeTraceIcons(MulDiv(16, m_dpi, 96), *m_view.Look().colors);
+    return MakeTraceIcons(m_density.Scaled(kIcon), *m_view.Look().colors);
 }
 
 void RecordingPane::LookChanged() {
-    if (m_dpi != 0) m_channels.SetColors(TraceIcons());
+    // The list is made later than the graph.
+    if (m_channels.Window() != nullptr) m_channels.SetColors(TraceIcons());
 }
 
 void RecordingPane::FillChannels(bool keepsChannel) {

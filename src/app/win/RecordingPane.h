@@ -17,7 +17,11 @@ class RecordingPane {
   public:
     /// `parts` must outlive this object.
     explicit RecordingPane(const RoomParts& parts)
-        : marks(parts), m_document(parts.document), m_view(parts.view), m_format(parts.format) {}
+        : marks(parts),
+          m_document(parts.document),
+          m_view(parts.view),
+          m_format(parts.format),
+          m_density(parts.density) {}
 
     // To be set by the owner.
     std::function<void(int index)> onBlock;                          ///< the user has chosen a block, from 0; -1: none
@@ -28,7 +32,9 @@ class RecordingPane {
     MarksPane marks;
 
     /// Finds its controls in the window. Until then the block titles are kept for them.
-    void Attach(HWND window, int dpi);
+    void Attach(HWND window);
+    /// The lists have the font of another density.
+    void DensityChanged();
     /// Another recording is open.
     void FillBlocks();
     /// More blocks of the same recording are known, or `titles` have changed.
@@ -71,7 +77,7 @@ class RecordingPane {
     Document& m_document;
     const WaveformView& m_view;
     const FormatOptions& m_format;
-    int m_dpi = 0;                        ///< 0: without its controls
+    const ScreenDensity& m_density;
     std::vector<std::int16_t> m_signals;  ///< of the lines of the list of channels
     BlockList m_blocks;
     ChannelList m_channels;

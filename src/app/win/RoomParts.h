@@ -11,6 +11,7 @@
 #include "norvik/SaveFileDialog.h"
 #include "norvik/TextSink.h"
 #include "view/WaveformView.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -20,6 +21,7 @@ struct RoomParts {
     WaveformView& view;
     Playback& playback;
     Settings& settings;
+    const ScreenDensity& density;  ///< of the main window
     const FormatOptions& format;
     RecordingLibrary& library;
     KVExport& exporter;

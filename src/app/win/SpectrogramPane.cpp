@@ -6,19 +6,20 @@
 #include "app/SpectrumReadout.h"
 #include "app/StringIds.h"
 #include "view/GraphPicture.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
 SpectrogramPane::SpectrogramPane(const Document& document, WaveformView& view, Settings& settings,
-                                 const FormatOptions& format, const UserServices& services, HoverCapture& hover)
+                                 const FormatOptions& format, const UserServices& services, HoverCapture& hover,
+                                 const ScreenDensity& density)
     : m_document(document),
       m_view(view),
       m_settings(settings),
       m_format(format),
       m_services(services),
       m_hover(hover),
-      m_fft(settings.spectrum) {}
+      m_fft(settings.spectrum),
+      m_painter(density) {}
 
 bool SpectrogramPane::Create(HWND parent) {
     return m_picture.Create(parent, pbFFT, *this, true) && m_palette.Create(parent, pbPal, *this, false) &&

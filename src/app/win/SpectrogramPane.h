@@ -24,7 +24,7 @@ class SpectrogramPane final : private PictureOwner {
   public:
     /// All arguments must outlive this object; the palette is stored in `settings`.
     SpectrogramPane(const Document& document, WaveformView& view, Settings& settings, const FormatOptions& format,
-                    const UserServices& services, HoverCapture& hover);
+                    const UserServices& services, HoverCapture& hover, const ScreenDensity& density);
 
     // To be set by the owner.
     std::function<void(std::int32_t sample, const std::u16string& text)> onHover;  ///< a readout

@@ -20,27 +20,37 @@ std::size_t LineOf(const std::vector<Value>& values, Value value) {
 
 }  // namespace
 
-void SpectrumBoxes::Attach(const std::array<HWND, kSpectrumBoxes>& boxes, HFONT font, int dpi) {
+void SpectrumBoxes::Attach(const std::array<HWND, kSpectrumBoxes>& boxes, const ScreenDensity& density) {
     m_boxes = boxes;
-    m_font = font;
-    m_dpi = dpi;
+    m_density = &density;
 }
 
 void SpectrumBoxes::Fill(std::size_t box, const std::vector<std::u16string>& texts, std::size_t chosen) {
-    const WindowDC dc(m_boxes[box]);
-    const SelectScope font(dc.Get(), m_font);
     SendMessageW(m_boxes[box], CB_RESETCONTENT, 0, 0);
+    for (const std::u16string& text : texts) SendPointer(m_boxes[box], CB_ADDSTRING, 0, Wide(text).c_str());
+    SendMessageW(m_boxes[box], CB_SETCURSEL, chosen, 0);
+    Measure(box);
+}
+
+void SpectrumBoxes::Measure(std::size_t box) {
+    const WindowDC dc(m_boxes[box]);
+    const SelectScope font(dc.Get(), m_density->Font());
     LONG widest = 0;
-    for (const std::u16string& text : texts) {
-        const std::wstring wide = Wide(text);
-        SendPointer(m_boxes[box], CB_ADDSTRING, 0, wide.c_str());
+    const LRESULT lines = SendMessageW(m_boxes[box], CB_GETCOUNT, 0, 0);
+    for (WPARAM line = 0; static_cast<LRESULT>(line) < lines; ++line) {
+        const LRESULT length = SendMessageW(m_boxes[box], CB_GETLBTEXTLEN, line, 0);
+        std::wstring text(static_cast<std::size_t>(std::max<LRESULT>(length, 0)), L'\0');
+        SendPointer(m_boxes[box], CB_GETLBTEXT, line, text.data());
         SIZE size{};
-        GetTextExtentPoint32W(dc.Get(), wide.c_str(), static_cast<int>(wide.size()), &size);
+        GetTextExtentPoint32W(dc.Get(), text.c_str(), static_cast<int>(text.size()), &size);
         widest = std::max(widest, size.cx);
     }
-    SendMessageW(m_boxes[box], CB_SETCURSEL, chosen, 0);
     // Beside the text its margins and the arrow.
-    m_widths[box] = static_cast<std::int32_t>(widest) + GetSystemMetrics(SM_CXVSCROLL) + MulDiv(14, m_dpi, 96);
+    m_widths[box] = static_cast<std::int32_t>(widest) + m_density->Metric(SM_CXVSCROLL) + m_density->Scaled(14);
+}
+
+void SpectrumBoxes::DensityChanged() {
+    for (std::size_t box = 0; box < kSpectrumBoxes; ++box) Measure(box);
 }
 
 void SpectrumBoxes::Fill(const SpectrumCommands& spectra) {

@@ -51,9 +51,9 @@ void SpectrumLists::Fill(const SpectrumCommands& spectra, const SpectrumPlot& pl
     for (const HWND list : {m_peaks, m_harmonics}) InvalidateRect(list, nullptr, FALSE);
 }
 
-void SpectrumLists::FitColumns(int width) const {
+void SpectrumLists::FitColumns(int width, const ScreenDensity& density) const {
     // Beside the columns is room for a scroll bar, so that none is needed along them.
-    const int inside = width - GetSystemMetrics(SM_CXVSCROLL) - 2 * GetSystemMetrics(SM_CXEDGE);
+    const int inside = width - density.Metric(SM_CXVSCROLL) - 2 * density.Metric(SM_CXEDGE);
     for (const HWND list : {m_peaks, m_harmonics})
         for (int column = 0; column < kColumns; ++column) ListView_SetColumnWidth(list, column, inside / kColumns);
 }

@@ -10,6 +10,7 @@
 #include "base/win/Win32.h"
 #include "data/UserServices.h"
 #include "spectrum/SpectrumPlot.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -25,7 +26,7 @@ class SpectrumLists {
     /// Shows the peaks, which one is chosen and its harmonics, in the units of the plot.
     void Fill(const SpectrumCommands& spectra, const SpectrumPlot& plot, char16_t separator);
     /// `width` of the lists in pixels.
-    void FitColumns(int width) const;
+    void FitColumns(int width, const ScreenDensity& density) const;
     /// The text of a cell.
     void Tell(NMLVDISPINFOW& asked) const;
     /// Changes of the selection are not the user's.

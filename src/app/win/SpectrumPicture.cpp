@@ -5,7 +5,6 @@
 #include "app/win/SpectrumPainter.h"
 #include "base/win/WinHandle.h"
 #include "export/win/ImageCopy.h"
-#include "view/win/GDI_Utils.h"
 #include "view/win/cMemDC.h"
 
 namespace quillon {
@@ -16,12 +15,6 @@ constexpr double kZoomStep = 0.5;  // part of the frequencies that a step inward
 
 }  // namespace
 
-bool SpectrumPicture::Create(HWND parent, int id, HFONT font, int dpi) {
-    m_font = font;
-    m_dpi = dpi;
-    return m_picture.Create(parent, id, *this, false);
-}
-
 void SpectrumPicture::Draw(char16_t separator) {
     m_separator = separator;
     RECT client{};
@@ -31,7 +24,7 @@ void SpectrumPicture::Draw(char16_t separator) {
     request.scales = m_spectra.Choices().scales;
     request.width = static_cast<std::int32_t>(client.right);
     request.height = static_cast<std::int32_t>(client.bottom);
-    request.dpi = m_dpi;
+    request.dpi = m_density.Dpi();
     request.decimalSeparator = separator;
     request.band = m_band;
     request.sizeOf = [this](const std::u16string& text) { return SizeOf(text); };
@@ -51,7 +44,7 @@ void SpectrumPicture::ShowPeak(const SpectralPeak& peak) {
 
 TextSize SpectrumPicture::SizeOf(const std::u16string& text) const {
     const WindowDC dc(m_picture.Window());
-    const SelectScope font(dc.Get(), m_font);
+    const SelectScope font(dc.Get(), m_density.Font());
     const std::wstring wide = Wide(text);
     SIZE size{};
     GetTextExtentPoint32W(dc.Get(), wide.c_str(), static_cast<int>(wide.size()), &size);
@@ -69,8 +62,9 @@ void SpectrumPicture::Paint(HDC dc, const GraphColors& colors) {
     cMemDC canvas;
     if (!m_plot || !canvas.CreateBitmap(size.cx, size.cy)) return FillWith(dc, client, ColorOf(colors.paper));
     {
-        const SelectScope font(canvas.Handle(), m_font);
-        PaintSpectrum(canvas.Handle(), size, *m_plot, m_spectra, {&colors, m_view.Look().At(m_dpi).lineWidth}, m_dpi);
+        const SelectScope font(canvas.Handle(), m_density.Font());
+        PaintSpectrum(canvas.Handle(), size, *m_plot, m_spectra, {&colors, m_view.Look().At(m_density.Dpi()).lineWidth},
+                      m_density.Dpi());
     }
     if (const auto columns = m_drag.Columns())
         PatBlt(canvas.Handle(), columns->first, 0, columns->second - columns->first + 1, size.cy, DSTINVERT);
@@ -91,7 +85,7 @@ bool SpectrumPicture::PictureMouse(int, UINT message, WPARAM, LPARAM lParam) {
     if (message == WM_LBUTTONUP) return Release(x, y), true;
     if (message == WM_LBUTTONDBLCLK) return ShowBand(std::nullopt), true;
     if (message != WM_MOUSEMOVE) return false;
-    if (m_drag.Move(x, MulDiv(5, m_dpi, 96))) m_picture.Invalidate();
+    if (m_drag.Move(x, m_density.Scaled(5))) m_picture.Invalidate();
     TRACKMOUSEEVENT leave{sizeof leave, TME_LEAVE, m_picture.Window(), 0};
     TrackMouseEvent(&leave);
     onReadout(m_plot->Readout(x, y));
@@ -145,7 +139,7 @@ bool SpectrumPicture::ZoomByWheel(const MSG& message) {
 bool SpectrumPicture::Copy(const std::u16string& heading) {
     RECT client{};
     GetClientRect(m_picture.Window(), &client);
-    const LONG margin = MulDiv(4, m_dpi, 96);
+    const LONG margin = m_density.Scaled(4);
     const LONG caption = SizeOf(u"0").height + 2 * margin;
     cMemDC canvas;
     cMemDC plot;
@@ -156,7 +150,7 @@ bool SpectrumPicture::Copy(const std::u16string& heading) {
     Paint(plot.Handle(), kLightColors);
     BitBlt(canvas.Handle(), 0, caption, client.right, client.bottom, plot.Handle(), 0, 0, SRCCOPY);
     {
-        const SelectScope font(canvas.Handle(), m_font);
+        const SelectScope font(canvas.Handle(), m_density.Font());
         DrawTextAt(canvas.Handle(), margin, margin, heading);
     }
     return PictureToClipboard(canvas);

@@ -11,6 +11,7 @@
 #include "spectrum/PlotDrag.h"
 #include "spectrum/SpectrumPlot.h"
 #include "view/win/PictureBox.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -19,15 +20,15 @@ namespace quillon {
 class SpectrumPicture final : private PictureOwner {
   public:
     /// Both must outlive this object.
-    SpectrumPicture(const SpectrumCommands& spectra, const WaveformView& view) : m_spectra(spectra), m_view(view) {}
+    SpectrumPicture(const SpectrumCommands& spectra, const WaveformView& view, const ScreenDensity& density)
+        : m_spectra(spectra), m_view(view), m_density(density) {}
 
     // To be set by the owner.
     std::function<void(std::int32_t x, std::int32_t y)> onClick;
     std::function<void(const std::u16string& readout)> onReadout;  ///< empty: nothing is under the pointer
     std::function<void(const std::exception& error)> onFailed;
 
-    /// `font` must outlive the window.
-    [[nodiscard]] bool Create(HWND parent, int id, HFONT font, int dpi);
+    [[nodiscard]] bool Create(HWND parent, int id) { return m_picture.Create(parent, id, *this, false); }
     [[nodiscard]] HWND Window() const { return m_picture.Window(); }
     /// The spectra, how they are drawn or the size have changed: plots them anew.
     void Draw(char16_t separator);
@@ -57,9 +58,8 @@ class SpectrumPicture final : private PictureOwner {
 
     const SpectrumCommands& m_spectra;
     const WaveformView& m_view;
+    const ScreenDensity& m_density;
     PictureBox m_picture;
-    HFONT m_font = nullptr;
-    int m_dpi = 96;
     char16_t m_separator = u'.';
     std::optional<SpectrumPlot> m_plot;
     std::optional<FrequencyBand> m_band;  ///< to be shown; none: all

@@ -8,7 +8,6 @@
 #include "app/win/WindowPlace.h"
 #include "base/Text.h"
 #include "norvik/win/ClipboardWriter.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -30,7 +29,7 @@ SpectrumWindow::SpectrumWindow(const RoomParts& parts, BackgroundWork& work)
       m_boxes(parts.services),
       m_lists(parts.services),
       m_spectra(parts.document, parts.view, parts.format, parts.services, parts.language),
-      m_picture(m_spectra, parts.view) {
+      m_picture(m_spectra, parts.view, m_density) {
     m_spectra.onWork = [&work](const auto& step, const auto& share) { work.Analyse(step, share); };
     m_spectra.onWorkEnd = [&work] { work.EndAnalysis(); };
     m_picture.onClick = [this](std::int32_t x, std::int32_t y) { Click(x, y); };
@@ -43,16 +42,15 @@ void SpectrumWindow::Show(HWND owner) {
     int shown = SW_SHOW;
     if (m_window == nullptr) {
         RegisterFrame(kClassName, Procedure);
-        m_dpi = ScreenDpi();
-        m_font = MakeFont(m_dpi);
+        m_density.Set(ScreenDpi());
         CreateWindowExW(0, kClassName, L"", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                        MulDiv(940, m_dpi, 96), MulDiv(560, m_dpi, 96), owner, nullptr, GetModuleHandleW(nullptr),
-                        this);
+                        m_density.Scaled(940), m_density.Scaled(560), owner, nullptr, GetModuleHandleW(nullptr), this);
         if (m_window == nullptr)
             throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "spectrum");
-        ShowProgramIcon(m_window);
+        m_density.Set(DpiOf(m_window));
+        ShowProgramIcon(m_window, m_density);
         CreateControls();
-        RestoreWindowPlace(m_window, m_parts.settings.spectrumWindow.place, shown);
+        RestoreWindowPlace(m_window, m_parts.settings.spectrumWindow.place, m_density, shown);
     }
     Analyse();
     ShowWindow(m_window, IsIconic(m_window) ? SW_RESTORE : shown);
@@ -82,7 +80,7 @@ LRESULT SpectrumWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             if (wParam != SIZE_MINIMIZED) Arrange();
             return 0;
         case WM_GETMINMAXINFO:
-            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {MulDiv(520, m_dpi, 96), MulDiv(340, m_dpi, 96)};
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_density.Scaled(520), m_density.Scaled(340)};
             return 0;
         case WM_TIMER:
             if (m_spectra.IsDone()) KillTimer(m_window, kUpdate);
@@ -94,6 +92,7 @@ LRESULT SpectrumWindow::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             if (LOWORD(wParam) == kRefresh) Analyse();
             if (HIWORD(wParam) == CBN_SELCHANGE) TakeChoices();
             return 0;
+        case WM_DPICHANGED: OnDensity(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam)); return 0;
         case WM_SYSCOLORCHANGE: return PassColors(m_window), 0;
         case WM_DESTROY: KeepPlace(); return 0;
         case WM_NCDESTROY: {
@@ -115,7 +114,7 @@ HWND SpectrumWindow::Make(const wchar_t* className, DWORD style, DWORD extendedS
                         reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
     if (control == nullptr)
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "spectrum");
-    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font.Get()), FALSE);
+    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_density.Font()), FALSE);
     return control;
 }
 
@@ -132,9 +131,9 @@ void SpectrumWindow::CreateControls() {
         Make(WC_STATICW, SS_NOPREFIX, 0, 0, IDS_SPECTRUM_NAME_0 + static_cast<int>(box));
         boxes[box] = Make(WC_COMBOBOXW, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, 0, kBox + static_cast<int>(box), 0);
     }
-    m_boxes.Attach(boxes, m_font.Get(), m_dpi);
+    m_boxes.Attach(boxes, m_density);
     Make(WC_STATICW, kLine, 0, kHeading, 0);
-    if (!m_picture.Create(m_window, kPlot, m_font.Get(), m_dpi))
+    if (!m_picture.Create(m_window, kPlot))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "spectrum");
     SetWindowTextW(m_picture.Window(), Wide(m_spectra.Title()).c_str());
     Make(WC_STATICW, kLine, 0, kPeaksTitle, 0);
@@ -143,6 +142,14 @@ void SpectrumWindow::CreateControls() {
     m_lists.Attach(peaks, MakeList(kHarmonics));
     Make(WC_STATICW, kLine, 0, kReadout, 0);
     Make(WC_BUTTONW, WS_TABSTOP | BS_PUSHBUTTON, 0, kRefresh, IDS_SPECTRUM_REFRESH);
+}
+
+void SpectrumWindow::OnDensity(int dpi, const RECT& place) {
+    ChangeDensity(m_window, m_density, dpi);
+    m_boxes.DensityChanged();
+    SetWindowPos(m_window, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    Arrange();
 }
 
 // What is analysed.
@@ -161,7 +168,7 @@ void SpectrumWindow::Analyse() {
 }
 
 void SpectrumWindow::KeepPlace() {
-    if (m_window != nullptr) KeepWindowPlace(m_window, m_parts.settings.spectrumWindow.place);
+    if (m_window != nullptr) KeepWindowPlace(m_window, m_density, m_parts.settings.spectrumWindow.place);
 }
 
 void SpectrumWindow::LeaveBlock() {
@@ -202,19 +209,19 @@ void SpectrumWindow::Arrange() {
     SpectrumLayoutInput input;
     input.width = static_cast<std::int32_t>(client.right);
     input.height = static_cast<std::int32_t>(client.bottom);
-    input.dpi = m_dpi;
+    input.dpi = m_density.Dpi();
     input.textHeight = m_picture.SizeOf(u"0").height;
     input.boxHeight = std::max(m_boxes.Height(), input.textHeight);
     input.boxWidths = m_boxes.Widths();
-    input.refreshWidth = m_picture.SizeOf(Text(IDS_SPECTRUM_REFRESH)).width + MulDiv(28, m_dpi, 96);
-    input.listWidth = MulDiv(280, m_dpi, 96);
+    input.refreshWidth = m_picture.SizeOf(Text(IDS_SPECTRUM_REFRESH)).width + m_density.Scaled(28);
+    input.listWidth = m_density.Scaled(280);
     const SpectrumLayout layout = ArrangeSpectrum(input);
     const auto move = [this](int id, const PixelRect& place, int more = 0) {
         MoveWindow(Of(id), place.left, place.top, place.width, place.height + more, TRUE);
     };
     // The height of a combo box is that of its open list.
     for (std::size_t box = 0; box < kSpectrumBoxes; ++box)
-        move(kBox + static_cast<int>(box), layout.boxes[box], MulDiv(300, m_dpi, 96));
+        move(kBox + static_cast<int>(box), layout.boxes[box], m_density.Scaled(300));
     const std::pair<int, PixelRect> places[] = {{kHeading, layout.heading},
                                                 {kPlot, layout.plot},
                                                 {kPeaksTitle, layout.peaksTitle},
@@ -224,7 +231,7 @@ void SpectrumWindow::Arrange() {
                                                 {kReadout, layout.readout},
                                                 {kRefresh, layout.refresh}};
     for (const auto& [id, place] : places) move(id, place);
-    m_lists.FitColumns(layout.peaks.width);
+    m_lists.FitColumns(layout.peaks.width, m_density);
     Redraw();
 }
 

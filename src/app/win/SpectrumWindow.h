@@ -63,6 +63,8 @@ class SpectrumWindow final {
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     void CreateControls();
+    /// The system has moved it onto a monitor of another density.
+    void OnDensity(int dpi, const RECT& place);
     HWND Make(const wchar_t* className, DWORD style, DWORD extendedStyle, int id, int textId);
     HWND MakeList(int id);
     [[nodiscard]] HWND Of(int id) const { return GetDlgItem(m_window, id); }
@@ -88,9 +90,8 @@ class SpectrumWindow final {
     SpectrumLists m_lists;
     SpectrumCommands m_spectra;
     HWND m_window = nullptr;
+    ScreenDensity m_density;
     SpectrumPicture m_picture;
-    GdiFont m_font;
-    int m_dpi = 96;
     std::u16string m_file;  ///< that the spectra are of
     bool m_left = false;    ///< the spectra are to be made anew once there is a block
     std::u16string m_readout;

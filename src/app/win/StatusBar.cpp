@@ -5,7 +5,6 @@
 
 #include "base/win/WinHandle.h"
 #include "view/ReadableColor.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -17,10 +16,9 @@ constexpr std::uint32_t kShownColor = 0xF0A000;
 
 }  // namespace
 
-void StatusBar::Attach(HWND control, HFONT font, int dpi) {
+void StatusBar::Attach(HWND control, const ScreenDensity& density) {
     m_window = control;
-    m_font = font;
-    m_dpi = dpi;
+    m_density = &density;
     SetWindowSubclass(control, Procedure, 1, reinterpret_cast<DWORD_PTR>(this));
 }
 
@@ -39,7 +37,7 @@ void StatusBar::PaintShown() const {
     const std::uint32_t background = Mixed(SystemColor(COLOR_BTNFACE), kShownColor, 0.35);
     const WindowDC dc(m_window);
     FillWith(dc.Get(), place, ColorOf(background));
-    const SelectScope font(dc.Get(), m_font);
+    const SelectScope font(dc.Get(), m_density->Font());
     SetBkMode(dc.Get(), TRANSPARENT);
     SetTextColor(dc.Get(), ColorOf(Readable(SystemColor(COLOR_BTNTEXT), background, 4.5)));
     const std::wstring text = Wide((*m_panels)[kShownPanel]);
@@ -67,11 +65,11 @@ void StatusBar::Resize() {
 
 void StatusBar::ArrangePanels() const {
     const PanelTexts& texts = *m_panels;
-    const int margin = MulDiv(14, m_dpi, 96);
+    const int margin = m_density->Scaled(14);
     std::array<int, std::tuple_size_v<PanelTexts>> edges{};
     const WindowDC dc(m_window);
-    const SelectScope font(dc.Get(), m_font);
-    int others = GetSystemMetrics(SM_CXVSCROLL);  // the grip
+    const SelectScope font(dc.Get(), m_density->Font());
+    int others = m_density->Metric(SM_CXVSCROLL);  // the grip
     for (std::size_t panel = 0; panel < texts.size(); ++panel) {
         if (panel == kMessagePanel) continue;
         SIZE size{};
@@ -82,7 +80,7 @@ void StatusBar::ArrangePanels() const {
     }
     RECT client{};
     GetClientRect(m_window, &client);
-    edges[kMessagePanel] = std::max(static_cast<int>(client.right) - others, MulDiv(80, m_dpi, 96));
+    edges[kMessagePanel] = std::max(static_cast<int>(client.right) - others, m_density->Scaled(80));
     int right = 0;
     for (int& edge : edges) edge = right += edge;
     edges.back() = -1;

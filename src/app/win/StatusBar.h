@@ -7,6 +7,7 @@
 #include "app/StatusMessage.h"
 #include "app/StatusPanels.h"
 #include "base/win/Win32.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -15,12 +16,12 @@ class StatusBar {
   public:
     using Topic = StatusMessage::Topic;
 
-    /// `font` is that of the control and outlives it.
-    void Attach(HWND control, HFONT font, int dpi);
+    /// `density` of its window, which must outlive the control.
+    void Attach(HWND control, const ScreenDensity& density);
     [[nodiscard]] HWND Window() const { return m_window; }
     /// Every panel is as wide as its text; "Status", whose text is none of these, takes the rest.
     void ShowPanels(const PanelTexts& texts);
-    /// The width of the control has changed.
+    /// The width of the control or its font has changed.
     void Resize();
 
     // See StatusMessage.
@@ -39,8 +40,7 @@ class StatusBar {
     void ArrangePanels() const;
 
     HWND m_window = nullptr;
-    HFONT m_font = nullptr;
-    int m_dpi = 96;
+    const ScreenDensity* m_density = nullptr;
     StatusMessage m_message;
     Announcer m_announcer;
     std::optional<PanelTexts> m_panels;  ///< none before they are shown for the first time

@@ -20,6 +20,7 @@ constexpr int kList = 101;
 constexpr int kCopy = 102;
 constexpr int kHeading = 103;
 constexpr UINT_PTR kUpdate = 1;
+constexpr UINT kFitColumns = WM_APP;  ///< posted to the dialog
 
 /// False where another program keeps the clipboard open or memory is short.
 bool PutOnClipboard(const std::u16string& text) {
@@ -129,16 +130,14 @@ SIZE ListSize(HWND list, int columnsWidth, SIZE limit) {
     AdjustWindowRectEx(&frame, static_cast<DWORD>(GetWindowLongW(list, GWL_STYLE)) & ~DWORD{WS_HSCROLL | WS_VSCROLL},
                        FALSE, static_cast<DWORD>(GetWindowLongW(list, GWL_EXSTYLE)));
     SIZE size{columnsWidth + SizeOf(frame).cx, height + SizeOf(frame).cy};
-    if (size.cx > limit.cx) size.cy += GetSystemMetrics(SM_CYHSCROLL);
-    if (size.cy > limit.cy) size.cx += GetSystemMetrics(SM_CXVSCROLL);
+    if (size.cx > limit.cx) size.cy += MetricAt(DpiOf(list), SM_CYHSCROLL);
+    if (size.cy > limit.cy) size.cx += MetricAt(DpiOf(list), SM_CXVSCROLL);
     return {std::min(size.cx, limit.cx), std::min(size.cy, limit.cy)};
 }
 
 /// Client width that leaves room for the title.
 int TitleWidth(HWND dialog) {
-    NONCLIENTMETRICSW metrics{};
-    metrics.cbSize = sizeof metrics;
-    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    const NONCLIENTMETRICSW metrics = FrameMetricsAt(DpiOf(dialog));
     const GdiFont font(CreateFontIndirectW(&metrics.lfCaptionFont));
     return TextMeasure(dialog, font.Get()).Width(WindowText(dialog)) + 4 * metrics.iCaptionWidth;
 }
@@ -264,6 +263,12 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         return TRUE;
     }
     if (message == WM_SYSCOLORCHANGE) return PassColors(dialog), TRUE;
+    // The system gives a dialog's controls other sizes and fonts, but not the columns.
+    if (message == WM_DPICHANGED) PostMessageW(dialog, kFitColumns, 0, 0);
+    if (message == kFitColumns) {
+        FillList(GetDlgItem(dialog, kList), ContentOf(dialog).table, CellMargins(dialog));
+        return TRUE;
+    }
     if (message == WM_NOTIFY) return OnNotify(dialog, reinterpret_cast<NMHDR*>(lParam));
     if (message != WM_COMMAND) return FALSE;
     switch (LOWORD(wParam)) {

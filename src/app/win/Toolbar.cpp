@@ -11,6 +11,12 @@
 
 namespace quillon {
 
+namespace {
+
+constexpr int kPictureSize = 16;  // pixels at 96 per inch
+
+}  // namespace
+
 ImageList MakeIconList(const std::vector<std::vector<std::uint32_t>>& pictures, int size) {
     const auto count = static_cast<int>(pictures.size());
     ImageList list(ImageList_Create(size, size, ILC_COLOR32, count, 0));
@@ -34,8 +40,9 @@ ImageList MakeIconList(const std::vector<std::vector<std::uint32_t>>& pictures, 
     return list;
 }
 
-void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons, int dpi) {
+void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons, const ScreenDensity& density) {
     m_buttons = buttons;
+    m_density = &density;
     constexpr DWORD style =
         WS_CHILD | WS_VISIBLE | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS | CCS_NORESIZE | CCS_NODIVIDER | CCS_NOPARENTALIGN;
     m_window = CreateWindowExW(0, TOOLBARCLASSNAMEW, L"", style, 0, 0, 0, 0, parent,
@@ -43,10 +50,13 @@ void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons
     if (m_window == nullptr)
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "toolbar");
     SendMessageW(m_window, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
-    m_pictureSize = MulDiv(16, dpi, 96);
+    AddButtons();
+}
+
+void Toolbar::AddButtons() {
     std::vector<TBBUTTON> items;
     int pictures = 0;
-    for (const ToolbarButton& button : buttons) {
+    for (const ToolbarButton& button : m_buttons) {
         if (button.startsGroup) {
             TBBUTTON gap{};
             gap.fsStyle = BTNS_SEP;
@@ -59,22 +69,32 @@ void Toolbar::Create(HWND parent, int id, std::span<const ToolbarButton> buttons
         item.fsStyle = BTNS_BUTTON;
         items.push_back(item);
     }
-    SendMessageW(m_window, TB_SETBITMAPSIZE, 0, MAKELPARAM(m_pictureSize, m_pictureSize));
+    const int size = m_density->Scaled(kPictureSize);
+    SendMessageW(m_window, TB_SETBITMAPSIZE, 0, MAKELPARAM(size, size));
     DrawPictures();
     SendPointer(m_window, TB_ADDBUTTONSW, items.size(), items.data());
+}
+
+void Toolbar::DensityChanged() {
+    // The size of buttons is that of when they were added, and they only grow with their pictures.
+    while (SendMessageW(m_window, TB_DELETEBUTTON, 0, 0) != FALSE) {
+    }
+    SendMessageW(m_window, TB_SETBUTTONSIZE, 0, 0);
+    AddButtons();
 }
 
 void Toolbar::DrawPictures() {
     if (m_window == nullptr) return;
     std::vector<std::vector<std::uint32_t>> pictures;
     std::vector<std::vector<std::uint32_t>> disabled;
+    const int size = m_density->Scaled(kPictureSize);
     for (const ToolbarButton& button : m_buttons) {
-        pictures.push_back(DrawIcon(button.icon, m_pictureSize, SystemColor(COLOR_BTNFACE)));
+        pictures.push_back(DrawIcon(button.icon, size, SystemColor(COLOR_BTNFACE)));
         disabled.push_back(Greyed(pictures.back()));
     }
     // The old ones live until the window has the new ones.
-    ImageList images = MakeIconList(pictures, m_pictureSize);
-    ImageList disabledImages = MakeIconList(disabled, m_pictureSize);
+    ImageList images = MakeIconList(pictures, size);
+    ImageList disabledImages = MakeIconList(disabled, size);
     SendMessageW(m_window, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images.Get()));
     SendMessageW(m_window, TB_SETDISABLEDIMAGELIST, 0, reinterpret_cast<LPARAM>(disabledImages.Get()));
     m_images = std::move(images);
@@ -100,19 +120,25 @@ void Toolbar::Update(const CommandState& state) const {
     }
 }
 
-void Toolbars::CreateMain(HWND parent, int dpi) {
+void Toolbars::CreateMain(HWND parent, const ScreenDensity& density) {
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_WIN95_CLASSES};
     InitCommonControlsEx(&controls);
-    m_main.Create(parent, tbMain, MainButtons(), dpi);
+    m_main.Create(parent, tbMain, MainButtons(), density);
 }
 
-void Toolbars::CreateGoTo(HWND parent, int dpi) {
-    m_goTo.Create(parent, tbGoTo, GoToButtons(), dpi);
+void Toolbars::CreateGoTo(HWND parent, const ScreenDensity& density) {
+    m_goTo.Create(parent, tbGoTo, GoToButtons(), density);
 }
 
 void Toolbars::DrawPictures() {
     m_main.DrawPictures();
     m_goTo.DrawPictures();
+}
+
+void Toolbars::DensityChanged() {
+    m_main.DensityChanged();
+    m_goTo.DensityChanged();
+    filters.DensityChanged();
 }
 
 void Toolbars::Update(const CommandState& state) {

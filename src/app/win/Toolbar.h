@@ -18,7 +18,7 @@ namespace quillon {
 class Toolbar {
   public:
     /// Throws std::system_error when the control cannot be made.
-    void Create(HWND parent, int id, std::span<const ToolbarButton> buttons, int dpi);
+    void Create(HWND parent, int id, std::span<const ToolbarButton> buttons, const ScreenDensity& density);
     [[nodiscard]] HWND Window() const { return m_window; }
     /// Size needed for all buttons.
     [[nodiscard]] SIZE Size() const;
@@ -26,10 +26,14 @@ class Toolbar {
     void Update(const CommandState& state) const;
     /// Draws the pictures anew, for the colours that the system has now.
     void DrawPictures();
+    /// Makes the buttons and pictures anew; Update has to be called.
+    void DensityChanged();
 
   private:
+    void AddButtons();
+
     HWND m_window = nullptr;
-    int m_pictureSize = 16;
+    const ScreenDensity* m_density = nullptr;
     std::span<const ToolbarButton> m_buttons;
     ImageList m_images;
     ImageList m_disabledImages;
@@ -39,14 +43,16 @@ class Toolbar {
 class Toolbars {
   public:
     // Both throw std::system_error when it cannot be made. The first makes all common controls available.
-    void CreateMain(HWND parent, int dpi);
-    void CreateGoTo(HWND parent, int dpi);
+    void CreateMain(HWND parent, const ScreenDensity& density);
+    void CreateGoTo(HWND parent, const ScreenDensity& density);
     /// See FilterBar.
     FilterBar filters;
     [[nodiscard]] SIZE MainSize() const { return m_main.Size(); }
     [[nodiscard]] SIZE GoToSize() const { return m_goTo.Size(); }
     void Update(const CommandState& state);
     void DrawPictures();
+    /// The density of the window, and with it the font of its controls, has changed.
+    void DensityChanged();
     /// A tooltip asks for the text of its button.
     void OnTip(NMTTDISPINFOW& tip, const UserServices& services);
 

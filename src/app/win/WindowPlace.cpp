@@ -9,7 +9,7 @@ constexpr std::int32_t kFarthest = 1 << 20;
 
 }  // namespace
 
-void RestoreWindowPlace(HWND window, const WindowPlace& kept, int& showCommand) {
+void RestoreWindowPlace(HWND window, const WindowPlace& kept, const ScreenDensity& density, int& showCommand) {
     const auto sane = [](std::int32_t value) { return value > -kFarthest && value < kFarthest; };
     if (kept.width > 0 && kept.height > 0 && sane(kept.left) && sane(kept.top) && sane(kept.width) &&
         sane(kept.height)) {
@@ -25,6 +25,15 @@ void RestoreWindowPlace(HWND window, const WindowPlace& kept, int& showCommand) 
             GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &monitor)) {
             OffsetRect(&place, monitor.rcWork.left - place.left, monitor.rcWork.top - place.top);
         }
+        // Versions that knew one density alone did not tell it.
+        const int then = kept.dpi > 0 ? kept.dpi : ScreenDpi();
+        if (then != density.Dpi()) {
+            // Once it is there the window knows the density of the monitor.
+            SetWindowPos(window, nullptr, static_cast<int>(place.left), static_cast<int>(place.top), 0, 0,
+                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+            place.right = place.left + Converted(kept.width, then, density.Dpi());
+            place.bottom = place.top + Converted(kept.height, then, density.Dpi());
+        }
         SetWindowPlacement(window, &placement);
         const bool minimized =
             showCommand == SW_SHOWMINIMIZED || showCommand == SW_MINIMIZE || showCommand == SW_SHOWMINNOACTIVE;
@@ -32,7 +41,7 @@ void RestoreWindowPlace(HWND window, const WindowPlace& kept, int& showCommand) 
     }
 }
 
-void KeepWindowPlace(HWND window, WindowPlace& kept) {
+void KeepWindowPlace(HWND window, const ScreenDensity& density, WindowPlace& kept) {
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     if (!GetWindowPlacement(window, &placement)) return;
@@ -41,6 +50,7 @@ void KeepWindowPlace(HWND window, WindowPlace& kept) {
     kept.top = static_cast<std::int32_t>(place.top);
     kept.width = static_cast<std::int32_t>(place.right - place.left);
     kept.height = static_cast<std::int32_t>(place.bottom - place.top);
+    kept.dpi = density.Dpi();
     kept.maximized = IsZoomed(window) != FALSE || (IsIconic(window) && (placement.flags & WPF_RESTORETOMAXIMIZED) != 0);
 }
 

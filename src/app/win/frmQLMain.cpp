@@ -10,7 +10,6 @@
 #include "app/win/TableWindow.h"
 #include "app/win/WindowPlace.h"
 #include "base/win/PendingMessages.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -25,10 +24,11 @@ frmQLMain::frmQLMain(QL_Global& global, WinServices& services, TimerFactory make
       m_services(services),
       m_makeTimer(std::move(makeTimer)),
       m_shutdown(std::move(shutdown)),
-      m_rooms({*global.document, *global.view, *global.playback, global.settings, global.format, *global.library,
-               *global.exporter, *global.saveDialog, global.openText, global.language, global.systemVersion < 4,
-               services, [&global] { ApplyDisplaySettings(global); }, global.storeRecordings}),
-      m_menu(services, *global.view, global.format, global.settings.recent),
+      m_rooms({*global.document, *global.view, *global.playback, global.settings, m_density, global.format,
+               *global.library, *global.exporter, *global.saveDialog, global.openText, global.language,
+               global.systemVersion < 4, services, [&global] { ApplyDisplaySettings(global); },
+               global.storeRecordings}),
+      m_menu(services, *global.view, global.format, global.settings.recent, m_density),
       m_layout(global.settings.window),
       m_help(global.helpFile, global.settings.helpLanguage, services, m_rooms.status) {
     Wire();
@@ -66,15 +66,14 @@ void frmQLMain::Wire() {
 
 void frmQLMain::Create(const std::wstring& path) {
     m_startPath = path;
-    m_dpi = ScreenDpi();
     // Set the menu before the window is sized: adding it later would change the client area.
-    const HWND made = MakeMainWindow(Procedure, m_menu.Make(), m_dpi, this);
+    const HWND made = MakeMainWindow(Procedure, m_menu.Make(), this);
     ThrowFailure();
     if (made == nullptr) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "frmQLMain");
 }
 
 void frmQLMain::Show(int showCommand) {
-    RestoreWindowPlace(m_window, m_global.settings.window.place, showCommand);
+    RestoreWindowPlace(m_window, m_global.settings.window.place, m_density, showCommand);
     ShowWindow(m_window, showCommand);
     // Shown inactive: WM_ACTIVATE never came.
     PlanRemainingControls();
@@ -113,8 +112,9 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_PAINT: m_layout.OnPaint(); return 0;
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
         case WM_GETMINMAXINFO:
-            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {MulDiv(560, m_dpi, 96), MulDiv(380, m_dpi, 96)};
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_density.Scaled(560), m_density.Scaled(380)};
             return 0;
+        case WM_DPICHANGED: OnDensity(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam)); return 0;
         case WM_CLOSE: OnClose(); return 0;
         case WM_ENABLE: m_rooms.longCommand.CloseIfAsked(); return 0;
         case WM_QUERYENDSESSION:
@@ -172,9 +172,10 @@ LRESULT frmQLMain::HandleInput(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void frmQLMain::OnCreate() {
+    m_density.Set(DpiOf(m_window));
+    m_rooms.DensityChanged();
     // Only what the first waveform needs; the rest follows in steps.
-    m_font = MakeFont(m_dpi);
-    m_layout.SetWindow(m_window, m_font.Get(), m_dpi);
+    m_layout.SetWindow(m_window, m_density);
     m_keys.SetWindow(m_window);
     m_focus.SetWindow(m_window);
     m_rooms.CreateFirst(m_window);
@@ -184,16 +185,16 @@ void frmQLMain::OnCreate() {
 void frmQLMain::PlanRemainingControls() {
     if (m_window == nullptr) return;
     m_steps.Plan({
-        [this] { ShowProgramIcon(m_window), m_tools.CreateMain(m_window, m_dpi); },
-        [this] { m_tools.CreateGoTo(m_window, m_dpi); },
-        [this] { m_tools.filters.Create(m_window, m_font.Get(), m_dpi, m_rooms.shown, m_services); },
-        [this] { MakePathLists(m_window, m_font.Get(), m_services); },
-        [this] { MakeFileLists(m_window, m_font.Get(), m_services); },
-        [this] { MakeBars(m_window, m_font.Get()); },
-        [this] { m_rooms.AttachLists(m_dpi, m_makeTimer); },
+        [this] { ShowProgramIcon(m_window, m_density), m_tools.CreateMain(m_window, m_density); },
+        [this] { m_tools.CreateGoTo(m_window, m_density); },
+        [this] { m_tools.filters.Create(m_window, m_density, m_rooms.shown, m_services); },
+        [this] { MakePathLists(m_window, m_density.Font(), m_services); },
+        [this] { MakeFileLists(m_window, m_density.Font(), m_services); },
+        [this] { MakeBars(m_window, m_density.Font()); },
+        [this] { m_rooms.AttachLists(m_makeTimer); },
         [this] { m_rooms.CreatePictures(); },
         [this] {
-            m_rooms.CreateRest(m_font.Get(), m_dpi);
+            m_rooms.CreateRest();
             // With a recording open, show the page of channels rather than that of folders.
             SelectPage(m_window, TabPages::Path, m_global.document->Block().block ? 1 : 0);
             DragAcceptFiles(m_window, TRUE);
@@ -275,6 +276,24 @@ void frmQLMain::OnSize(UINT state) {
     if (!m_activated && m_rooms.IsComplete() && GetActiveWindow() == m_window) OnActivate(WA_ACTIVE);
 }
 
+void frmQLMain::OnDensity(int dpi, const RECT& place) {
+    // Between the steps of the start some controls exist and others do not.
+    if (!CreateRemainingControls()) return;
+    m_rooms.EndHover();
+    ChangeDensity(m_window, m_density, dpi);
+    m_rooms.DensityChanged();
+    if (m_rooms.IsComplete()) {
+        m_tools.DensityChanged();
+        m_tools.Update(State());
+        m_layout.SetToolSizes(m_tools.MainSize(), m_tools.GoToSize(), m_tools.filters.Widths());
+    }
+    m_layout.Forget();
+    SetWindowPos(m_window, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    // Where it has the size that it had before.
+    if (!IsIconic(m_window)) OnSize(SIZE_RESTORED);
+}
+
 void frmQLMain::Arrange() {
     m_layout.SetTitles(m_rooms.graph.TitlesWidth());
     m_layout.Arrange();
@@ -306,14 +325,15 @@ void frmQLMain::OnEndSession(bool ends) {
     }
     // A running command still uses the recording.
     m_rooms.KeepSettings();
-    KeepWindowPlace(m_window, m_global.settings.window.place);
+    KeepWindowPlace(m_window, m_density, m_global.settings.window.place);
     if (m_shutdown) m_shutdown();
 }
 
 void frmQLMain::EndSession() {
     // Each step runs even if another one fails, and the program ends in any case.
     for (const auto& step : std::initializer_list<std::function<void()>>{
-             [&] { m_rooms.KeepSettings(); }, [&] { KeepWindowPlace(m_window, m_global.settings.window.place); },
+             [&] { m_rooms.KeepSettings(); },
+             [&] { KeepWindowPlace(m_window, m_density, m_global.settings.window.place); },
              [&] { m_rooms.CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
         try {
             step();

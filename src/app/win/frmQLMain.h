@@ -15,8 +15,8 @@
 #include "app/win/MainMenu.h"
 #include "app/win/MainRooms.h"
 #include "app/win/Toolbar.h"
-#include "base/win/WinHandle.h"
 #include "norvik/TimerObject.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -72,6 +72,8 @@ class frmQLMain {
     void OpenFirst();
     void OnDropFiles(HDROP drop);
     void OnSize(UINT state);
+    /// The system has moved the window onto a monitor of another density.
+    void OnDensity(int dpi, const RECT& place);
     void OnClose();
     void OnEndSession(bool ends);
     /// Saves the settings and closes the recording.
@@ -94,6 +96,7 @@ class frmQLMain {
     TimerFactory m_makeTimer;
     std::function<void()> m_shutdown;
     std::wstring m_startPath;  ///< see Create
+    ScreenDensity m_density;
     MainRooms m_rooms;
     MainMenu m_menu;
     KeyInput m_keys;
@@ -102,11 +105,9 @@ class frmQLMain {
     HelpCommands m_help;
     FrameCommands m_commands;
     Toolbars m_tools;
-    GdiFont m_font;
     std::unique_ptr<TimerObject> m_lookTimer;  ///< polls the recording's file for changes
 
     HWND m_window = nullptr;
-    int m_dpi = 96;
     StartSteps m_steps;
     std::exception_ptr m_createFailure;  ///< exception that made WM_CREATE or a step fail
     bool m_activated = false;

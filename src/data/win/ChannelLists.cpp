@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/Density.h"
+#include "base/win/Dpi.h"
 #include "data/win/FillScope.h"
 
 namespace quillon {
@@ -24,11 +26,15 @@ class FlagScope {
 }  // namespace
 
 void BlockList::Attach(HWND list) {
-    const int tabStop = 90;  // in quarters of a character's width
-    SendPointer(list, LB_SETTABSTOPS, 1, &tabStop);
     m_list = list;
+    SetTabStop();
     AddToList(0);
     Select(m_selected);
+}
+
+void BlockList::SetTabStop() const {
+    const int tabStop = 90;  // in quarters of a character's width
+    SendPointer(m_list, LB_SETTABSTOPS, 1, &tabStop);
 }
 
 void BlockList::Fill(const std::vector<std::u16string>& lines) {
@@ -113,6 +119,19 @@ void ChannelList::SetColors(ImageList colors) {
     InvalidateRect(m_list, nullptr, FALSE);
 }
 
+void ChannelList::SetDensity(ImageList colors, int dpi) {
+    const FlagScope quiet(m_filling);
+    m_dpi = dpi;
+    SetColors(std::move(colors));
+    // The list draws the boxes once, in the size of the density at that time, and then clears them.
+    std::vector<bool> checked;
+    for (int item = 0; item < ListView_GetItemCount(m_list); ++item) checked.push_back(IsChecked(item));
+    ListView_SetExtendedListViewStyleEx(m_list, LVS_EX_CHECKBOXES, 0);
+    ListView_SetExtendedListViewStyleEx(m_list, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
+    for (std::size_t item = 0; item < checked.size(); ++item)
+        ListView_SetCheckState(m_list, static_cast<int>(item), checked[item]);
+}
+
 void ChannelList::Fill(const std::vector<ChannelLine>& lines) {
     const FlagScope quiet(m_filling);
     const FillScope fill(m_list);
@@ -145,14 +164,14 @@ void ChannelList::FitColumns() const {
     // unneeded.
     RECT list{};
     GetWindowRect(m_list, &list);
-    InflateRect(&list, -GetSystemMetrics(SM_CXEDGE), -GetSystemMetrics(SM_CYEDGE));
+    InflateRect(&list, -MetricAt(m_dpi, SM_CXEDGE), -MetricAt(m_dpi, SM_CYEDGE));
     RECT item{};
     item.left = LVIR_BOUNDS;
     const int items = ListView_GetItemCount(m_list);
     if (items > 0) SendPointer(m_list, LVM_GETITEMRECT, 0, &item);
     const bool scrolls = items * (item.bottom - item.top) > list.bottom - list.top;
-    const int unit = MulDiv(56, m_dpi, 96);
-    const int width = static_cast<int>(list.right - list.left) - (scrolls ? GetSystemMetrics(SM_CXVSCROLL) : 0);
+    const int unit = ScaledTo(m_dpi, 56);
+    const int width = static_cast<int>(list.right - list.left) - (scrolls ? MetricAt(m_dpi, SM_CXVSCROLL) : 0);
     const int details = m_hasRates ? 2 : 1;
     const int detail = width > (details + 1) * unit ? unit : width / (details + 1);
     ListView_SetColumnWidth(m_list, 0, width - details * detail);

@@ -14,6 +14,8 @@ namespace quillon {
 class BlockList {
   public:
     void Attach(HWND list);
+    /// For the font that the control has now.
+    void SetTabStop() const;
     /// Lines are rewritten in place, so that the list stays where it is scrolled to unless many change.
     void Fill(const std::vector<std::u16string>& lines);
     /// Adds lines at the end; the selected one stays.
@@ -52,6 +54,8 @@ class ChannelList {
     /// `colors` holds one icon per trace colour.
     void Attach(HWND list, ImageList colors, int dpi);
     void SetColors(ImageList colors);
+    /// The same for another density. The check marks stay.
+    void SetDensity(ImageList colors, int dpi);
     void Fill(const std::vector<ChannelLine>& lines);
     void FitColumns() const;
     /// Items are lines, from 0.

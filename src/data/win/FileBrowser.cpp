@@ -146,19 +146,25 @@ void FileBrowser::FillFiles(const std::vector<std::wstring>& names, const std::w
     const FillScope fill(m_files);
     const LRESULT top = keepPlace ? SendMessageW(m_files, LB_GETTOPINDEX, 0, 0) : 0;
     SendMessageW(m_files, LB_RESETCONTENT, 0, 0);
+    for (const std::wstring& name : m_listed) {
+        const LRESULT position = SendPointer(m_files, LB_ADDSTRING, 0, name.c_str());
+        if (name == selected) SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+    }
+    FitFiles();
+    SendMessageW(m_files, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
+}
+
+void FileBrowser::FitFiles() const {
     const WindowDC dc(m_files);
     const SelectScope font(dc.Get(), reinterpret_cast<HFONT>(SendMessageW(m_files, WM_GETFONT, 0, 0)));
     LONG widest = 0;
     for (const std::wstring& name : m_listed) {
-        const LRESULT position = SendPointer(m_files, LB_ADDSTRING, 0, name.c_str());
-        if (name == selected) SendMessageW(m_files, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
         SIZE size{};
         GetTextExtentPoint32W(dc.Get(), name.c_str(), static_cast<int>(name.size()), &size);
         widest = std::max(widest, size.cx);
     }
     // Set the horizontal extent so that long names can be scrolled.
     SendMessageW(m_files, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest) + 6, 0);
-    SendMessageW(m_files, LB_SETTOPINDEX, static_cast<WPARAM>(top), 0);
 }
 
 void FileBrowser::SetPattern(const std::u16string& pattern) {

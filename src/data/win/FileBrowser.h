@@ -34,6 +34,8 @@ class FileBrowser {
 
     /// Reads the folder again; the selected file stays selected when it is still there.
     void Refresh();
+    /// The list of files has another font.
+    void FitFiles() const;
 
     [[nodiscard]] int FileCount() const { return static_cast<int>(m_listed.size()); }
     /// Name of the selected file, empty when none is.

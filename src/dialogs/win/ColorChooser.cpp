@@ -1,5 +1,6 @@
 #include "dialogs/win/ColorChooser.h"
 
+#include "base/Density.h"
 #include "base/Text.h"
 #include "dialogs/DialogTemplate.h"
 #include "view/QL_ChUtils.h"
@@ -78,7 +79,7 @@ std::optional<int> ChooseTraceColor(HWND owner, const std::wstring& title, int c
 
 void DrawSwatch(const DRAWITEMSTRUCT& item, int color) {
     RECT rect = item.rcItem;
-    const int edge = MulDiv(3, ScreenDpi(), 96);
+    const int edge = ScaledTo(DpiOf(item.hwndItem), 3);
     FillWith(item.hDC, rect, GetSysColor(COLOR_WINDOW));
     FrameRect(item.hDC, &rect, GetSysColorBrush(COLOR_BTNSHADOW));
     if ((item.itemState & ODS_FOCUS) != 0) {

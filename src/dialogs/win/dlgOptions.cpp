@@ -144,7 +144,11 @@ void dlgOptions::Draw(const DRAWITEMSTRUCT& item) {
     if (item.CtlID == pbGridColor) return DrawSwatch(item, m_gridColor);
     // A static control with an image would do, but not every version of the common controls shows cursors.
     DrawThemeParentBackground(item.hwndItem, item.hDC, nullptr);
-    const SIZE size = GraphCursor::Size();
+    if (const int dpi = DpiOf(item.hwndItem); dpi != m_density.Dpi()) {
+        m_density.Set(dpi);
+        m_cursors.Forget();
+    }
+    const SIZE size = m_cursors.Size();
     m_cursors.Draw(item.hDC, (item.rcItem.right - size.cx) / 2, (item.rcItem.bottom - size.cy) / 2,
                    static_cast<int>(item.CtlID) - imgCur);
 }

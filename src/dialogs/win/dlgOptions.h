@@ -75,7 +75,8 @@ class dlgOptions {
     std::array<HWND, kOptionPages> m_pages{};
     int m_page = 0;
     int m_gridColor = 0;
-    GraphCursor m_cursors;
+    ScreenDensity m_density;
+    GraphCursor m_cursors{m_density};
 };
 
 }  // namespace quillon

@@ -5,23 +5,12 @@
 
 #include "base/Rounding.h"
 #include "spectrum/ColorScale.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
 namespace {
 
 constexpr int kTick = 8;
-
-GdiFont MakeVerticalFont() {
-    LOGFONTW font{};
-    const GdiFont upright = MakeFont(ScreenDpi());
-    GetObjectW(upright.Get(), sizeof font, &font);
-    font.lfEscapement = 900;  // tenths of a degree
-    font.lfOrientation = 900;
-    font.lfOutPrecision = OUT_TT_ONLY_PRECIS;
-    return GdiFont(CreateFontIndirectW(&font));
-}
 
 /// Header and colours of the image as the system takes them.
 struct ImageInfo {
@@ -32,11 +21,9 @@ static_assert(sizeof(PaletteColor) == sizeof(RGBQUAD));
 
 }  // namespace
 
-SpectrogramView::SpectrogramView() : m_font(MakeFont(ScreenDpi())), m_verticalFont(MakeVerticalFont()) {}
-
 int SpectrogramView::LabelHeight() const {
     const WindowDC screen(nullptr);
-    const SelectScope font(screen.Get(), m_font.Get());
+    const SelectScope font(screen.Get(), m_density.Font());
     TEXTMETRICW metrics{};
     GetTextMetricsW(screen.Get(), &metrics);
     return static_cast<int>(metrics.tmHeight) + 1;
@@ -75,11 +62,11 @@ void SpectrogramView::PaintLevels(HDC dc, const RECT& client, double low, double
                                   const std::u16string& unit, char16_t separator, const GraphColors& colors) const {
     const COLORREF ink = ColorOf(colors.scaleInk);
     FillWith(dc, client, ColorOf(colors.scaleFace));
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, ink);
     const int height = static_cast<int>(client.bottom);
-    const int tick = MulDiv(4, ScreenDpi(), 96);
+    const int tick = m_density.Scaled(4);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc, &metrics);
@@ -90,7 +77,7 @@ void SpectrogramView::PaintLevels(HDC dc, const RECT& client, double low, double
     const std::wstring whole = Wide(caption);
     SIZE size{};
     GetTextExtentPoint32W(dc, whole.c_str(), static_cast<int>(whole.size()), &size);
-    const SelectScope vertical(dc, m_verticalFont.Get());
+    const SelectScope vertical(dc, m_density.VerticalFont());
     SetTextAlign(dc, TA_CENTER | TA_TOP);
     DrawTextAt(dc, static_cast<int>(client.right) - static_cast<int>(size.cy) - 1, height / 2,
                size.cx < client.bottom ? caption : unit);
@@ -109,7 +96,7 @@ void SpectrogramView::PaintScale(HDC dc, const RECT& client, const FrequencyScal
     FillWith(dc, client, ColorOf(colors.scaleFace));
     FillWith(dc, {client.right - 1, 0, client.right, client.bottom}, ink);
     FillWith(dc, {client.right - kTick, client.bottom - 1, client.right, client.bottom}, ink);
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, ink);
     SetTextAlign(dc, TA_RIGHT | TA_TOP);
@@ -117,7 +104,7 @@ void SpectrogramView::PaintScale(HDC dc, const RECT& client, const FrequencyScal
         FillWith(dc, {client.right - kTick, tick.row, client.right, tick.row + 1}, ink);
         DrawTextAt(dc, static_cast<int>(client.right) - 11, tick.row - kFrequencyLabelRise, tick.text);
     }
-    const SelectScope vertical(dc, m_verticalFont.Get());
+    const SelectScope vertical(dc, m_density.VerticalFont());
     SetTextAlign(dc, TA_CENTER | TA_TOP);
     DrawTextAt(dc, 1, RoundHalfEven(static_cast<double>(client.bottom) / 2.0), caption);
     SetTextAlign(dc, TA_LEFT | TA_TOP);

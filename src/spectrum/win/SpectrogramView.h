@@ -2,17 +2,18 @@
 
 #include <string>
 
-#include "base/win/WinHandle.h"
 #include "spectrum/FrequencyScale.h"
 #include "spectrum/QL_FFT.h"
 #include "view/GraphColors.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
 /// Paints the pictures of the spectrogram.
 class SpectrogramView {
   public:
-    SpectrogramView();
+    /// `density` must outlive this object.
+    explicit SpectrogramView(const ScreenDensity& density) : m_density(density) {}
 
     /// Rows that a label of the scale needs.
     [[nodiscard]] int LabelHeight() const;
@@ -31,8 +32,7 @@ class SpectrogramView {
     static void PaintEmptyScale(HDC dc, const RECT& client, const GraphColors& colors);
 
   private:
-    GdiFont m_font;
-    GdiFont m_verticalFont;
+    const ScreenDensity& m_density;
 };
 
 }  // namespace quillon

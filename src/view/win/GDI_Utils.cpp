@@ -30,11 +30,6 @@ void PassColors(HWND window) {
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
-int ScreenDpi() {
-    const WindowDC screen(nullptr);
-    return GetDeviceCaps(screen.Get(), LOGPIXELSX);
-}
-
 GdiFont MakeFont(int dpi, bool bold) {
     LOGFONTW font{};
     font.lfHeight = -MulDiv(11, dpi, 96);

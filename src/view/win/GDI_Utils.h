@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/win/Dpi.h"
 #include "base/win/Win32.h"
 #include "base/win/WinHandle.h"
 #include "view/GraphColors.h"
@@ -25,9 +26,6 @@ namespace quillon {
 
 /// For WM_SYSCOLORCHANGE of a window: lets its controls know, which do not get the message themselves, and draws all.
 void PassColors(HWND window);
-
-/// Pixels per inch of the screen.
-[[nodiscard]] int ScreenDpi();
 
 /// "Tahoma" of the size that scales and controls use at that density. It is asked for by name because the systems'
 /// default fonts do not all have Cyrillic letters.

@@ -14,15 +14,20 @@ HCURSOR MakeCursor(std::size_t style, SIZE size) {
 
 }  // namespace
 
-SIZE GraphCursor::Size() {
-    return {GetSystemMetrics(SM_CXCURSOR), GetSystemMetrics(SM_CYCURSOR)};
-}
-
 HCURSOR GraphCursor::Get(int style) {
     const std::size_t index = static_cast<std::size_t>(std::abs(style % kCursorStyles));
     WinHandle<CursorTraits>& cursor = m_cursors[index];
     if (!cursor) cursor.Reset(MakeCursor(index, Size()));
     return cursor ? cursor.Get() : LoadCursorW(nullptr, IDC_CROSS);
+}
+
+void GraphCursor::Forget() {
+    const HCURSOR shown = GetCursor();
+    for (WinHandle<CursorTraits>& cursor : m_cursors) {
+        // The one that is shown must not be destroyed.
+        if (cursor && cursor.Get() == shown) SetCursor(LoadCursorW(nullptr, IDC_CROSS));
+        cursor.Reset();
+    }
 }
 
 void GraphCursor::Draw(HDC dc, int x, int y, int style) {

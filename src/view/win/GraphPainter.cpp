@@ -23,7 +23,7 @@ class ClipScope {
 
 }  // namespace
 
-GraphPainter::GraphPainter() : m_font(MakeFont(ScreenDpi())), m_dpi(ScreenDpi()) {
+GraphPainter::GraphPainter(const ScreenDensity& density) : m_density(density) {
     m_picture.SetPatience(kPatience);
     m_picture.onMarkTexts = [this](const GraphScene& scene, int from, int to) { DrawMarkTexts(scene, from, to); };
 }
@@ -62,7 +62,7 @@ RECT GraphPainter::DrawMore(const GraphScene& scene) {
 void GraphPainter::DrawMarkTexts(const GraphScene& scene, int from, int to) const {
     const HDC dc = m_surface.Handle();
     const ClipScope clip(dc, {from, 0, to, m_picture.Height()});
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     SetTextColor(dc, ColorOf(scene.Colors().markText));
     SetBkMode(dc, AreTextsAbove(scene) ? OPAQUE : TRANSPARENT);
     SetBkColor(dc, ColorOf(scene.Colors().paper));
@@ -81,7 +81,7 @@ void GraphPainter::DrawMarkTexts(const GraphScene& scene, int from, int to) cons
 
 std::optional<std::size_t> GraphPainter::MarkAt(const GraphScene& scene, int x, int y) const {
     const HDC dc = m_surface.Handle();
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     return quillon::MarkAt(scene, x, y, [&](const std::u16string& text) {
         SIZE size{};
         GetTextExtentPoint32W(dc, Wide(text).c_str(), static_cast<int>(text.size()), &size);
@@ -108,7 +108,7 @@ void GraphPainter::Paint(HDC target, const RECT& part) const {
 void GraphPainter::PaintArrows(HDC target) const {
     const GdiPen outline(CreatePen(PS_SOLID, 1, ColorOf(m_picture.Colors().paper)));
     const SelectScope pen(target, outline.Get());
-    for (const EdgeArrow& arrow : m_picture.Arrows(m_dpi)) {
+    for (const EdgeArrow& arrow : m_picture.Arrows(m_density.Dpi())) {
         const auto& [tip, right, left] = arrow.corners;
         const POINT corners[] = {{tip.x, tip.y}, {right.x, right.y}, {left.x, left.y}};
         const GdiBrush fill(CreateSolidBrush(ColorOf(arrow.color)));

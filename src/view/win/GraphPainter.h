@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "view/GraphPicture.h"
-#include "view/win/GDI_Utils.h"
+#include "view/win/ScreenDensity.h"
 #include "view/win/cMemDC.h"
 
 namespace quillon {
@@ -12,7 +12,8 @@ namespace quillon {
 /// edge for every trace that is entirely outside it. Owns the bitmap of GraphPicture and writes the texts of the marks.
 class GraphPainter {
   public:
-    GraphPainter();
+    /// `density` must outlive this object.
+    explicit GraphPainter(const ScreenDensity& density);
 
     /// Draws background, marks and traces of the scene into a surface of that size, the bands over them.
     void Draw(const GraphScene& scene, int width, int height);
@@ -48,9 +49,8 @@ class GraphPainter {
     void DrawMarkTexts(const GraphScene& scene, int from, int to) const;
     void PaintArrows(HDC target) const;
 
+    const ScreenDensity& m_density;
     cMemDC m_surface;
-    GdiFont m_font;
-    int m_dpi;
     GraphPicture m_picture;  ///< draws into m_surface
 };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "base/win/WinHandle.h"
-#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -18,8 +17,8 @@ void Line(HDC dc, int x, int y, int toX, int toY) {
 /// between two rows. Nothing where it is higher than these are apart.
 class Label {
   public:
-    Label(HDC dc, const RECT& client, COLORREF paper)
-        : m_dc(dc), m_client(client), m_paper(paper), m_gap(MulDiv(4, ScreenDpi(), 96)) {}
+    Label(HDC dc, const RECT& client, COLORREF paper, int gap)
+        : m_dc(dc), m_client(client), m_paper(paper), m_gap(gap) {}
 
     [[nodiscard]] SIZE Size(const std::u16string& text) const {
         const std::wstring wide = Wide(text);
@@ -49,9 +48,10 @@ class Label {
 
 }  // namespace
 
-void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement, const GraphColors& colors) {
+void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement, const GraphColors& colors,
+                      const ScreenDensity& density) {
     const COLORREF color = ColorOf(colors.measure);
-    const int width = std::max(MulDiv(1, ScreenDpi(), 96), 1);
+    const int width = density.Line();
     const int bottom = static_cast<int>(client.bottom);
     // Columns far outside are not for the system's lines.
     const auto limited = [&](int column) { return std::clamp(column, -width, static_cast<int>(client.right) + width); };
@@ -59,8 +59,7 @@ void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement
     const LOGBRUSH ink{BS_SOLID, color, 0};
     const GdiPen dashes(ExtCreatePen(PS_COSMETIC | PS_DASH, 1, &ink, 0, nullptr));
     const GdiPen solid(CreatePen(PS_SOLID, width, color));
-    const GdiFont font = MakeFont(ScreenDpi());
-    const SelectScope text(dc, font.Get());
+    const SelectScope text(dc, density.Font());
     SetTextColor(dc, color);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     SetBkMode(dc, TRANSPARENT);
@@ -70,7 +69,7 @@ void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement
     }
     if (!measurement.other) return;
     const int other = limited(*measurement.other);
-    const Label label(dc, client, ColorOf(colors.paper));
+    const Label label(dc, client, ColorOf(colors.paper), density.Scaled(4));
     // The time stands in the last rows, and no lane's change over it.
     const int timeTop = bottom - static_cast<int>(label.Size(measurement.time).cy);
     for (const Measurement::Lane& lane : measurement.lanes) {

@@ -42,8 +42,8 @@ POINT WithinRange(const DevicePoint& point, POINT at) {
 
 }  // namespace
 
-ReportPainter::ReportPainter(int scale)
-    : m_scale(scale), m_font(MakeReportFont(ScreenDpi() * scale)), m_screenFont(MakeReportFont(ScreenDpi())) {}
+ReportPainter::ReportPainter(int scale, int dpi)
+    : m_scale(scale), m_font(MakeReportFont(dpi * scale)), m_screenFont(MakeReportFont(dpi)) {}
 
 TextSize ReportPainter::SizeOf(const std::u16string& text) const {
     // A metafile holds texts with the widths of the screen's pixels, which are not those of larger ones.

@@ -28,8 +28,8 @@ using Metafile = WinHandle<MetafileTraits>;
 /// Draws reports in the system's font.
 class ReportPainter {
   public:
-    /// `scale`: of the reports that are drawn.
-    explicit ReportPainter(int scale);
+    /// `scale`: of the reports that are drawn; `dpi`: of the window.
+    ReportPainter(int scale, int dpi);
     /// Pixels of the window that a text takes, for ReportStyle.
     [[nodiscard]] TextSize SizeOf(const std::u16string& text) const;
 

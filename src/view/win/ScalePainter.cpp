@@ -12,14 +12,12 @@ constexpr int kBand = 4;
 
 }  // namespace
 
-ScalePainter::ScalePainter() : m_font(MakeFont(ScreenDpi())) {}
-
 void ScalePainter::PaintTime(HDC dc, const RECT& client, const GraphColors& colors,
                              const std::vector<ScaleLabel>& labels, const std::vector<MarkSpan>& spans) const {
     const StripColors strip = StripOf(colors);
     FillWith(dc, client, ColorOf(strip.face));
     for (const MarkSpan& span : spans) FillWith(dc, {span.first, 0, span.last + 1, kBand}, ColorOf(colors.markBand));
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     SetBkMode(dc, TRANSPARENT);
     const COLORREF tick = TickColor(strip);
     SetTextColor(dc, ColorOf(strip.text));
@@ -45,7 +43,7 @@ void ScalePainter::PaintAmplitude(HDC dc, const RECT& client, const GraphColors&
                                   const std::vector<ScaleLabel>& labels) const {
     const StripColors strip = StripOf(colors);
     FillWith(dc, client, ColorOf(strip.face));
-    const SelectScope font(dc, m_font.Get());
+    const SelectScope font(dc, m_density.Font());
     SetBkMode(dc, TRANSPARENT);
     const COLORREF tick = TickColor(strip);
     SetTextColor(dc, ColorOf(strip.text));

@@ -1,14 +1,15 @@
 #pragma once
 
 #include "view/ScaleLabels.h"
-#include "view/win/GDI_Utils.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
 /// Paints the strips beside and below the graph.
 class ScalePainter {
   public:
-    ScalePainter();
+    /// `density` must outlive this object.
+    explicit ScalePainter(const ScreenDensity& density) : m_density(density) {}
 
     /// Time labels, each at its division with a tick above it, over bands for marks that last. A label that would run
     /// into the next one or over the edge is left out.
@@ -19,7 +20,7 @@ class ScalePainter {
                         const std::vector<ScaleLabel>& labels) const;
 
   private:
-    GdiFont m_font;
+    const ScreenDensity& m_density;
 };
 
 }  // namespace quillon

@@ -1,27 +1,22 @@
 #include "view/win/ucZoomX.h"
 
-#include "view/win/GDI_Utils.h"
-
 namespace quillon {
 
 namespace {
 
 /// Two bars of a plus, or one of a minus, in the middle of a button.
-void DrawSign(HDC dc, const RECT& button, bool plus) {
+void DrawSign(HDC dc, const RECT& button, bool plus, const ScreenDensity& density) {
     const COLORREF ink = GetSysColor(COLOR_BTNTEXT);
     const int x = (button.left + button.right) / 2;
     const int y = (button.top + button.bottom) / 2;
-    const int dpi = ScreenDpi();
-    const int arm = MulDiv(4, dpi, 96);
+    const int arm = density.Scaled(4);
     // Bars of an odd width have a middle.
-    const int half = dpi / 192;
+    const int half = density.Dpi() / 192;
     FillWith(dc, {x - arm, y - half, x + arm + 1, y + half + 1}, ink);
     if (plus) FillWith(dc, {x - half, y - arm, x + half + 1, y + arm + 1}, ink);
 }
 
 }  // namespace
-
-ucZoomX::ucZoomX() : m_font(MakeFont(ScreenDpi())) {}
 
 bool ucZoomX::Create(HWND parent, int id, ZoomXEvents& events) {
     m_events = &events;
@@ -50,9 +45,9 @@ void ucZoomX::PaintPicture(int, HDC dc, const RECT& clip) {
         RECT edge = part;
         DrawFrameControl(dc, &edge, DFC_BUTTON, DFCS_BUTTONPUSH);
     }
-    DrawSign(dc, parts.minus, false);
-    DrawSign(dc, parts.plus, true);
-    const SelectScope font(dc, m_font.Get());
+    DrawSign(dc, parts.minus, false, m_density);
+    DrawSign(dc, parts.plus, true, m_density);
+    const SelectScope font(dc, m_density.Font());
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
     const std::wstring text = Wide(m_caption);

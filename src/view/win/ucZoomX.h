@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "base/win/WinHandle.h"
 #include "view/win/PictureBox.h"
+#include "view/win/ScreenDensity.h"
 
 namespace quillon {
 
@@ -22,7 +22,8 @@ class ZoomXEvents {
 /// The X zoom beside the time scale: minus, the present zoom, plus.
 class ucZoomX final : public PictureOwner {
   public:
-    ucZoomX();
+    /// `density` must outlive this object.
+    explicit ucZoomX(const ScreenDensity& density) : m_density(density) {}
     [[nodiscard]] bool Create(HWND parent, int id, ZoomXEvents& events);
     [[nodiscard]] HWND Window() const { return m_box.Window(); }
     /// "1:1" at first.
@@ -38,10 +39,10 @@ class ucZoomX final : public PictureOwner {
     };
     [[nodiscard]] Parts Split() const;
 
+    const ScreenDensity& m_density;
     PictureBox m_box;
     ZoomXEvents* m_events = nullptr;
     std::u16string m_caption = u"1:1";
-    GdiFont m_font;
 };
 
 }  // namespace quillon
