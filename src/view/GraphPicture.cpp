@@ -52,31 +52,48 @@ GridRows MakeGridRows(std::int32_t width, const GraphScene& scene, const std::ve
     std::fill(laneZero.begin(), laneZero.end(), colors.laneZero);
     std::fill(laneEdge.begin(), laneEdge.end(), colors.laneEdge);
     const std::uint32_t fainter = Fainter(scene.gridColor, colors.paper);
-    for (std::size_t at = 0; lines == nullptr && at < length; at += TimeAxis::kDivision) between[at] = fainter;
-    for (std::size_t at = 0; lines != nullptr && at < lines->size(); ++at) {
-        if (const std::int32_t line = (*lines)[at]; line >= 0 && line < static_cast<std::int32_t>(length))
-            between[static_cast<std::size_t>(line)] = fainter;
-    }
+    const auto draw = [&, thickness = LineOf(scene)](std::int32_t line) {
+        const std::int32_t end = std::min(line + thickness, static_cast<std::int32_t>(length));
+        for (std::int32_t at = std::max(line, 0); at < end; ++at) between[static_cast<std::size_t>(at)] = fainter;
+    };
+    if (lines != nullptr) std::for_each(lines->begin(), lines->end(), draw);
+    for (std::size_t at = 0; lines == nullptr && at < length; at += TimeAxis::kDivision)
+        draw(static_cast<std::int32_t>(at));
     const std::size_t step = scene.gridStyle == GridStyle::Dots ? kDotStep : 1;
     for (std::size_t at = 0; at < length; at += step) level[at] = fainter;
     return rows;
 }
 
+/// Dots are as large at any density: they are seen as a tone.
+std::int32_t LineOf(const GraphScene& scene) {
+    return scene.gridStyle == GridStyle::Dots ? 1 : scene.line;
+}
+
+/// Whether a row is one of a line that begins at another.
+bool IsOn(std::int64_t line, std::int32_t thickness, std::int32_t row) {
+    return row >= line && row < line + thickness;
+}
+
 /// Of a lane without levels.
-GridRow KindOfSingle(const Lane& lane, GridStyle style, std::int32_t row) {
-    if (row == lane.top && row > 0) return GridRow::LaneEdge;
-    if (row == lane.zeroRow) return GridRow::LaneZero;
+GridRow KindOfSingle(const Lane& lane, const GraphScene& scene, std::int32_t row) {
+    if (IsOn(lane.top, scene.line, row) && lane.top > 0) return GridRow::LaneEdge;
+    if (IsOn(lane.zeroRow, scene.line, row)) return GridRow::LaneZero;
+    const GridStyle style = scene.gridStyle;
     const bool lines = style == GridStyle::Lines || (style == GridStyle::Dots && row % kDotStep == 0);
     return lines ? GridRow::Between : GridRow::Empty;
 }
 
-GridRow KindOf(const Lane& lane, GridStyle style, std::int32_t enlargement, std::int32_t row) {
-    if (lane.single) return KindOfSingle(lane, style, row);
+GridRow KindOf(const Lane& lane, const GraphScene& scene, std::int32_t row) {
+    if (lane.single) return KindOfSingle(lane, scene, row);
     const std::int64_t above = lane.zeroRow - row;
     // The zero level is no part of the grid.
-    if (above == 0) return GridRow::Zero;
+    if (IsOn(lane.zeroRow, scene.line, row)) return GridRow::Zero;
+    const GridStyle style = scene.gridStyle;
     if (style == GridStyle::None) return GridRow::Empty;
-    if (above % (std::int64_t{AmplitudeScale::kDivision} * enlargement) == 0) return GridRow::Level;
+    const std::int64_t division = std::int64_t{AmplitudeScale::kDivision} * scene.enlargement;
+    // Rows below the first one of a level.
+    const std::int64_t below = (division - above % division) % division;
+    if (below < LineOf(scene)) return GridRow::Level;
     // The dots of the vertical lines lie on the levels. Whole lines begin where their first dot would be.
     if (above % kDotStep == 0) return GridRow::Between;
     const std::int64_t down = row - lane.top;
@@ -225,16 +242,17 @@ void GraphPicture::DrawGrid(const GraphScene& scene, std::int32_t from, std::int
     std::int32_t row = 0;
     for (const Lane& lane : scene.lanes) {
         for (; row < std::min(lane.top, m_height); ++row) draw(row, GridRow::Empty);
-        for (; row < std::min(lane.top + lane.height, m_height); ++row)
-            draw(row, KindOf(lane, scene.gridStyle, scene.enlargement, row));
+        for (; row < std::min(lane.top + lane.height, m_height); ++row) draw(row, KindOf(lane, scene, row));
     }
     for (; row < m_height; ++row) draw(row, GridRow::Empty);
 }
 
 void GraphPicture::DrawMarkLines(const GraphScene& scene, std::int32_t from, std::int32_t to) {
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
-        if (line.column < from || line.column >= to) continue;
-        for (std::int32_t row = 0; row < m_height; ++row) Row(row)[line.column] = scene.Colors().markLine;
+        const std::int32_t first = std::max(line.column, from);
+        const std::int32_t end = std::min(line.column + scene.line, to);
+        for (std::int32_t row = 0; first < end && row < m_height; ++row)
+            std::fill_n(Row(row) + first, end - first, scene.Colors().markLine);
     }
 }
 

@@ -32,6 +32,8 @@ struct GraphScene {
         1;             ///< pixels for one of the window's; levels are AmplitudeScale::kDivision of these apart
     GraphLook look{};  ///< its line width is in pixels of this graph
 
+    std::int32_t line = 1;  ///< pixels across the lines of grid, lanes and marks
+
     [[nodiscard]] const GraphColors& Colors() const { return *look.colors; }
     [[nodiscard]] SceneBlocks Blocks() const {
         SceneBlocks blocks{{block, extremes}};

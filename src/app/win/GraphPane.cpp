@@ -94,7 +94,8 @@ GraphScene GraphPane::Scene() const {
             .gridColor = Colors().Trace(static_cast<std::int16_t>(std::abs(static_cast<int>(m_display.gridColor)))),
             .gridColumns = GridColumns(m_view.Axis(), m_document.Block(), m_format, m_density.Dpi()),
             .others = m_view.OtherBlocks(),
-            .look = m_view.Look().At(m_density.Dpi())};
+            .look = m_view.Look().At(m_density.Dpi()),
+            .line = m_density.Line()};
 }
 
 void GraphPane::PaintPicture(int id, HDC dc, const RECT& clip) {
@@ -208,7 +209,7 @@ void GraphPane::ShowSelection() {
 }
 
 void GraphPane::ShowPlayLine(std::int32_t sample) {
-    const auto band = sample > 0 ? BandOf(m_view.Axis(), {sample - 1, 1}) : std::nullopt;
+    const auto band = sample > 0 ? AtLeast(BandOf(m_view.Axis(), {sample - 1, 1}), m_density.Line()) : std::nullopt;
     SetBand(GraphBand::Play, band), onBand(CommonBand::Play, band);
 }
 
@@ -216,7 +217,8 @@ void GraphPane::Point(std::int16_t channel) {
     if (m_titles.Point(channel)) m_scaleY.Invalidate();
 }
 
-void GraphPane::ShowCursor(const std::optional<ColumnBand>& band) {
+void GraphPane::ShowCursor(const std::optional<ColumnBand>& columns) {
+    const std::optional<ColumnBand> band = AtLeast(columns, m_density.Line());
     if (!band) Point(0);
     SetBand(GraphBand::Cursor, band);
     onBand(CommonBand::Cursor, band);

@@ -62,8 +62,8 @@ void LaneTitles::Paint(HDC dc, const RECT& client) const {
     if (m_gestures.Current() != GraphGestures::Kind::Title || m_gestures.DropLane() >= lanes.size()) return;
     // Where a dragged lane would be dropped.
     const Lane& target = lanes[m_gestures.DropLane()];
-    const int row = m_gestures.DropsFromAbove() ? target.End() - 2 : target.top;
-    FillWith(dc, {0, row, client.right, row + 2}, ColorOf(colors.accent));
+    const int row = m_gestures.DropsFromAbove() ? target.End() - m_density.Line(2) : target.top;
+    FillWith(dc, {0, row, client.right, row + m_density.Line(2)}, ColorOf(colors.accent));
 }
 
 void LaneTitles::PaintLane(HDC dc, const RECT& client, const Lane& lane, const LaneLabel& label) const {
@@ -77,7 +77,7 @@ void LaneTitles::PaintLane(HDC dc, const RECT& client, const Lane& lane, const L
     if (isPointed) FillWith(dc, {0, lane.top, client.right, lane.End()}, ColorOf(face));
     if (label.channel == m_document.CurrentChannel())
         FillWith(dc, {0, lane.top, m_density.Scaled(kMarker), lane.End()}, color);
-    if (lane.top > 0) FillWith(dc, {0, lane.top, client.right, lane.top + 1}, faded(0.8));
+    if (lane.top > 0) FillWith(dc, {0, lane.top, client.right, lane.top + m_density.Line()}, faded(0.8));
     DrawStripText(dc, label.title, color);
     DrawStripText(dc, label.factor, text);
     if (!label.bar) return;

@@ -71,7 +71,7 @@ void SpectrogramView::PaintLevels(HDC dc, const RECT& client, double low, double
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc, &metrics);
     for (const ColorTick& each : ColorTicks(low, high, height, static_cast<int>(metrics.tmHeight), separator)) {
-        FillWith(dc, {0, each.row, tick, each.row + 1}, ink);
+        FillWith(dc, {0, each.row, tick, each.row + m_density.Line()}, ink);
         DrawTextAt(dc, tick + tick / 2, each.text, each.figure);
     }
     const std::wstring whole = Wide(caption);

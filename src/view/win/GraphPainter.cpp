@@ -106,7 +106,7 @@ void GraphPainter::Paint(HDC target, const RECT& part) const {
 }
 
 void GraphPainter::PaintArrows(HDC target) const {
-    const GdiPen outline(CreatePen(PS_SOLID, 1, ColorOf(m_picture.Colors().paper)));
+    const GdiPen outline(CreatePen(PS_SOLID, m_density.Line(), ColorOf(m_picture.Colors().paper)));
     const SelectScope pen(target, outline.Get());
     for (const EdgeArrow& arrow : m_picture.Arrows(m_density.Dpi())) {
         const auto& [tip, right, left] = arrow.corners;

@@ -57,7 +57,9 @@ void PaintMeasurement(HDC dc, const RECT& client, const Measurement& measurement
     const auto limited = [&](int column) { return std::clamp(column, -width, static_cast<int>(client.right) + width); };
     const int pinned = limited(measurement.pinned);
     const LOGBRUSH ink{BS_SOLID, color, 0};
-    const GdiPen dashes(ExtCreatePen(PS_COSMETIC | PS_DASH, 1, &ink, 0, nullptr));
+    const GdiPen dashes(width == 1 ? ExtCreatePen(PS_COSMETIC | PS_DASH, 1, &ink, 0, nullptr)
+                                   : ExtCreatePen(PS_GEOMETRIC | PS_DASH | PS_ENDCAP_FLAT, static_cast<DWORD>(width),
+                                                  &ink, 0, nullptr));
     const GdiPen solid(CreatePen(PS_SOLID, width, color));
     const SelectScope text(dc, density.Font());
     SetTextColor(dc, color);
