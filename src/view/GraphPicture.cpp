@@ -38,6 +38,11 @@ void SwapColors(std::span<std::uint32_t> pixels, std::uint32_t first, std::uint3
 /// What a row of the graph holds of the grid.
 enum class GridRow { Empty, Between, Level, Zero, LaneZero, LaneEdge, Count };
 
+/// Dots are as large at any density: they are seen as a tone.
+std::int32_t LineOf(const GraphScene& scene) {
+    return scene.gridStyle == GridStyle::Dots ? 1 : scene.line;
+}
+
 /// Rows of every kind from a division's first column on; one division longer than the graph, so that it may begin
 /// anywhere in them. `lines`: the columns of vertical lines, where they do not lie at every division.
 using GridRows = std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(GridRow::Count)>;
@@ -62,11 +67,6 @@ GridRows MakeGridRows(std::int32_t width, const GraphScene& scene, const std::ve
     const std::size_t step = scene.gridStyle == GridStyle::Dots ? kDotStep : 1;
     for (std::size_t at = 0; at < length; at += step) level[at] = fainter;
     return rows;
-}
-
-/// Dots are as large at any density: they are seen as a tone.
-std::int32_t LineOf(const GraphScene& scene) {
-    return scene.gridStyle == GridStyle::Dots ? 1 : scene.line;
 }
 
 /// Whether a row is one of a line that begins at another.

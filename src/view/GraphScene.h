@@ -28,10 +28,9 @@ struct GraphScene {
     std::vector<std::int32_t> gridColumns{};
     /// The other blocks of the stretch, whose signals the lanes of a free axis may show.
     SceneBlocks others{};
-    std::int32_t enlargement =
-        1;             ///< pixels for one of the window's; levels are AmplitudeScale::kDivision of these apart
-    GraphLook look{};  ///< its line width is in pixels of this graph
-
+    /// Pixels for one of the window's; levels are AmplitudeScale::kDivision of these apart.
+    std::int32_t enlargement = 1;
+    GraphLook look{};       ///< its line width is in pixels of this graph
     std::int32_t line = 1;  ///< pixels across the lines of grid, lanes and marks
 
     [[nodiscard]] const GraphColors& Colors() const { return *look.colors; }

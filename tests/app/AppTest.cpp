@@ -16,6 +16,7 @@
 #include "app/StringIds.h"
 #include "app/ValuesReadout.h"
 #include "app/ViewTables.h"
+#include "base/Density.h"
 #include "support/ViewFixture.h"
 
 namespace quillon {
@@ -152,6 +153,35 @@ TEST(MainSplitters, FollowThePointer) {
         }
     }
     EXPECT_EQ(SplitterAt(arranged(), arranged().graph.left + 50, arranged().graph.top + 50), Splitter::None);
+}
+
+TEST(MainSplitters, KeepTheSizesThatTheyHadAtAnotherDensity) {
+    WindowPlacement placement;
+    placement.listWidth = 301;
+    placement.valuesHeight = 151;
+    placement.sizesDpi = 96;
+    const auto at = [&](int dpi) {
+        LayoutInput input;
+        input.clientWidth = ScaledTo(dpi, 1600);
+        input.clientHeight = ScaledTo(dpi, 1000);
+        input.dpi = dpi;
+        TakeSizes(placement, input);
+        return ArrangeMain(input);
+    };
+    for (const int dpi : {96, 144, 120, 192, 96}) {
+        EXPECT_EQ(at(dpi).listWidth, (301 * dpi + 48) / 96);
+        EXPECT_EQ(at(dpi).valuesHeight, (151 * dpi + 48) / 96);
+    }
+    // What is dragged at one density is measured at it; what is not, seems to be as large as it was.
+    const MainLayout layout = at(192);
+    DragSplitter(Splitter::Column, layout, 701 + layout.splitColumn.width / 2, 500, placement);
+    KeepReached(Splitter::Column, at(192), placement);
+    EXPECT_EQ(at(192).listWidth, 701);
+    EXPECT_NEAR(at(96).listWidth, 350, 1);
+    EXPECT_EQ(at(96).valuesHeight, 151);
+    // Sizes of versions that did not tell the density are taken as they are.
+    placement.sizesDpi = 0;
+    EXPECT_EQ(at(96).listWidth, 701);
 }
 
 TEST(PanelTable, EveryLineIsSeenWholeOrCanBeScrolledTo) {
