@@ -41,6 +41,7 @@ void Stretches::Show(double fewest) {
 
 GraphScene Stretches::Scene() {
     GraphScene scene{m_document.Block(), m_view.Axis(), m_view.GetLanes(), m_view.Extremes()};
+    scene.line = m_line;
     scene.gridStyle = m_gridStyle;
     scene.gridColumns = GridColumns(m_view.Axis(), m_document.Block(), m_format);
     scene.others = m_view.OtherBlocks();
@@ -110,6 +111,7 @@ void Stretches::ExpectScrollingCopies() {
     GraphPicture picture;
     picture.SetPixels(image.data(), kWidth, kHeight);
     picture.SetPatience(std::chrono::milliseconds(Any(2) == 0 ? 0 : 100000));
+    m_line = 1 + Any(3);
     picture.Draw(Scene());
     for (int step = 0; step < 3; ++step) {
         const ViewChange change = m_view.ScrollBy(Any(2 * kWidth) - kWidth);

@@ -45,6 +45,7 @@ class Stretches : public ::testing::Test {
     std::mt19937_64 m_random{51};
     FakeServices m_services;
     Document m_document;
+    std::int32_t m_line = 1;  ///< of Scene
     WaveformView m_view{m_document};
     FormatOptions m_format;
     GridStyle m_gridStyle = GridStyle::Lines;
