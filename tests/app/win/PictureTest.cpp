@@ -170,7 +170,7 @@ TEST_F(PictureTest, TheSpectrogramStandsBelowAndRefusalsAreTold) {
     EXPECT_GT(PlaceOf(Capture(pbPal), picture).x, image.x + Capture(pbFFT).width);
     Save(Path(u"none\\x.png"), 1);
     EXPECT_THAT(Status(), HasSubstr(L"The file cannot be written: "));
-    EXPECT_EQ(std::count(m_filter.begin(), m_filter.end(), u'|'), 7) << "four types";
+    EXPECT_EQ(std::count(m_filter.begin(), m_filter.end(), u'|'), 9) << "five types";
     // What was chosen last is offered first.
     Save(Path(u"a.emf"), 4);
     std::int32_t offered = 0;
