@@ -343,7 +343,7 @@ TEST_F(RandomActions, AThousandLeaveTheProgramWhole) {
     Command(mnuChShow);
     Command(mnuBaseLine + 1);
     EXPECT_THAT(Caption(), StartsWith(L"a.bin"));
-    EXPECT_GT(Capture(pbGraph).Count(TraceColor(0)), 100);
+    EXPECT_GT(Capture(pbGraph).Count(m_global.view->Look().colors->Trace(0)), 100);
 }
 
 }  // namespace
