@@ -141,5 +141,27 @@ TEST_F(DensityTest, AWindowThatGoesToAnotherMonitorAndBackIsWhatItWas) {
     }
 }
 
+TEST_F(DensityTest, OtherWindowsFollowAndThePlaceTellsItsDensity) {
+    StartWithEverything();
+    Command(mnuSpectrum);
+    const HWND spectrum = FindWindowW(L"QuillonSpectrum", nullptr);
+    ASSERT_NE(spectrum, nullptr);
+    const int own = ScreenDpi();
+    const RECT place{20, 20, 20 + MulDiv(560, own, 96), 20 + MulDiv(380, own, 96)};
+    MoveTo(spectrum, own, place);
+    const Sizes before = SizesOf(spectrum);
+    MoveTo(spectrum, 2 * own, Larger(place, 2 * own));
+    EXPECT_NE(SizesOf(spectrum), before);
+    MoveTo(spectrum, own, place);
+    EXPECT_EQ(SizesOf(spectrum), before);
+    // Closed on a dense monitor.
+    const RECT frame{10, 10, 10 + MulDiv(600, own, 96), 10 + MulDiv(410, own, 96)};
+    MoveTo(m_form->Window(), 2 * own, Larger(frame, 2 * own));
+    TearDown();
+    const WindowPlace kept = m_global.settings.window.place;
+    EXPECT_EQ(kept.dpi, 2 * own);
+    EXPECT_EQ(kept.width, 2 * (frame.right - frame.left));
+}
+
 }  // namespace
 }  // namespace quillon::testing
