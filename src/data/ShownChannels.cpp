@@ -24,8 +24,12 @@ struct Stored {
 std::vector<Stored> StoredChannels(const RecordingBlock& block) {
     std::vector<Stored> channels;
     for (std::int16_t channel = 1; channel <= block.ChannelCount(); ++channel) {
-        Stored found{channel, block.ChannelTitle(channel), GroupOf(block.ChannelUnit(channel)), 0.0,
-                     static_cast<double>(block.ChannelOffset(channel)), block.FillsCodes(channel)};
+        Stored found{channel,
+                     block.ChannelTitle(channel),
+                     GroupOf(block.ChannelUnit(channel)),
+                     0.0,
+                     static_cast<double>(block.ChannelOffset(channel)),
+                     block.FillsCodes(channel)};
         found.perCode = static_cast<double>(block.ChannelScale(channel)) * found.group.factor;
         channels.push_back(std::move(found));
     }

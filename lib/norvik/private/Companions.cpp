@@ -72,7 +72,8 @@ Bilingual ReadInstead(const std::u16string& name, const std::u16string& stated) 
     return Say(u"%1 read instead of '%2'", u"вместо «%2» прочитан %1", {name, stated});
 }
 
-Companions FilesBeside(const std::u16string& path, Language language, std::weak_ptr<std::vector<OtherFile>> opened) {
+Companions FilesBeside(const std::u16string& path, Language language,
+                       const std::weak_ptr<std::vector<OtherFile>>& opened) {
     return Companions([folder = FolderOf(path), language, opened](std::u16string name, Bilingual& error) {
         std::shared_ptr<ByteSource> source = OpenInFolder(folder, name, error);
         if (source) source->SetErrorLanguage(language);

@@ -44,6 +44,6 @@ class Companions {
 /// The files in the folder of `path`; where none has the name, one that differs from it in letter case only. The errors
 /// of their reads are in `language`. Each that is opened is added to `opened` for as long as there is one.
 [[nodiscard]] Companions FilesBeside(const std::u16string& path, Language language,
-                                     std::weak_ptr<std::vector<OtherFile>> opened = {});
+                                     const std::weak_ptr<std::vector<OtherFile>>& opened = {});
 
 }  // namespace quillon
