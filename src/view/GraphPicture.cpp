@@ -57,9 +57,9 @@ GridRows MakeGridRows(std::int32_t width, const GraphScene& scene, const std::ve
     std::fill(laneZero.begin(), laneZero.end(), colors.laneZero);
     std::fill(laneEdge.begin(), laneEdge.end(), colors.laneEdge);
     const std::uint32_t fainter = Fainter(scene.gridColor, colors.paper);
-    const auto draw = [&, thickness = LineOf(scene)](std::int32_t line) {
+    const auto draw = [&row = between, length, fainter, thickness = LineOf(scene)](std::int32_t line) {
         const std::int32_t end = std::min(line + thickness, static_cast<std::int32_t>(length));
-        for (std::int32_t at = std::max(line, 0); at < end; ++at) between[static_cast<std::size_t>(at)] = fainter;
+        for (std::int32_t at = std::max(line, 0); at < end; ++at) row[static_cast<std::size_t>(at)] = fainter;
     };
     if (lines != nullptr) std::for_each(lines->begin(), lines->end(), draw);
     for (std::size_t at = 0; lines == nullptr && at < length; at += TimeAxis::kDivision)
