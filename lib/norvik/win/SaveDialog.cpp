@@ -54,7 +54,7 @@ class TypeWatch {
   public:
     /// `filter` with nulls, `first` as in OPENFILENAME; `onType` may be empty.
     TypeWatch(HWND owner, const std::wstring& filter, std::int32_t first, std::function<void(std::int32_t)> onType)
-        : m_owner(owner), m_first(filter.c_str()), m_chosen(first), m_onType(std::move(onType)) {
+        : m_owner(owner), m_first(filter.substr(0, filter.find(L'\0'))), m_chosen(first), m_onType(std::move(onType)) {
         if (!m_onType) return;
         m_onType(m_chosen);
         m_timer = MakeTimer([this] { Look(); });
