@@ -6,6 +6,7 @@
 #include <cmath>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "base/Text.h"
 #include "view/ScaleLabels.h"
@@ -155,15 +156,24 @@ std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, con
     return std::max(first + day * std::clamp(std::nearbyint((present - first) / day), 0.0, std::max(last, 0.0)), 0.0);
 }
 
-std::optional<std::int32_t> ClampedSample(double number, const ViewBlock& block) {
-    if (!std::isfinite(number)) return std::nullopt;
-    return static_cast<std::int32_t>(std::clamp(std::nearbyint(number), 1.0, static_cast<double>(block.sampleCount)));
+std::int32_t Clamped(double number, const ViewBlock& block) {
+    return static_cast<std::int32_t>(std::clamp(number, 1.0, static_cast<double>(block.sampleCount)));
 }
 
-}  // namespace
+/// A typed place.
+struct Place {
+    double number = 0.0;  ///< of the sample, from 1, which the block need not have
+    bool isTime = false;  ///< typed as a time, not as a sample number
+};
 
-std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block, const FormatOptions& format,
-                                          std::int32_t present) {
+std::optional<Place> RoundedPlace(double number, bool isTime) {
+    if (!std::isfinite(number)) return std::nullopt;
+    return Place{std::nearbyint(number), isTime};
+}
+
+/// See ParsePosition.
+std::optional<Place> ParsePlace(std::u16string_view text, const ViewBlock& block, const FormatOptions& format,
+                                std::int32_t present) {
     if (block.sampleCount <= 0) return std::nullopt;
     Scanner input(text, format.decimalSeparator);
     const bool hasTimes = block.sampleRate > 0.0;
@@ -172,7 +182,7 @@ std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBl
     if (!number) return std::nullopt;
     if (marked || (input.AtEnd() && (format.sampleIndexes || !hasTimes))) {
         if (!number->whole || !input.AtEnd()) return std::nullopt;
-        return ClampedSample(number->value, block);
+        return RoundedPlace(number->value, false);
     }
     if (!hasTimes) return std::nullopt;
     std::optional<double> seconds;
@@ -184,7 +194,15 @@ std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBl
         seconds = InUnit(number->value, input);
     }
     if (!seconds) return std::nullopt;
-    return ClampedSample(*seconds * block.sampleRate + 1.0, block);
+    return RoundedPlace(*seconds * block.sampleRate + 1.0, true);
+}
+
+}  // namespace
+
+std::optional<std::int32_t> ParsePosition(std::u16string_view text, const ViewBlock& block, const FormatOptions& format,
+                                          std::int32_t present) {
+    const std::optional<Place> place = ParsePlace(text, block, format, present);
+    return place ? std::optional(Clamped(place->number, block)) : std::nullopt;
 }
 
 std::optional<double> ParseLength(std::u16string_view text, const FormatOptions& format) {
@@ -200,11 +218,13 @@ std::optional<PositionRange> ParseRange(std::u16string_view text, const ViewBloc
                                         std::int32_t present) {
     const std::size_t dots = text.find(u"..");
     if (dots == std::u16string_view::npos) return std::nullopt;
-    const std::optional<std::int32_t> first = ParsePosition(text.substr(0, dots), block, format, present);
-    const std::optional<std::int32_t> last =
-        ParsePosition(text.substr(dots + 2), block, format, first ? *first : present);
-    if (!first || !last) return std::nullopt;
-    return PositionRange{std::min(*first, *last), std::max(*first, *last)};
+    std::optional<Place> first = ParsePlace(text.substr(0, dots), block, format, present);
+    std::optional<Place> end =
+        ParsePlace(text.substr(dots + 2), block, format, first ? Clamped(first->number, block) : present);
+    if (!first || !end) return std::nullopt;
+    if (end->number < first->number) std::swap(first, end);
+    const std::int32_t from = Clamped(first->number, block);
+    return PositionRange{from, std::max(from, Clamped(end->number - (end->isTime ? 1.0 : 0.0), block))};
 }
 
 }  // namespace quillon

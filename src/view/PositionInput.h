@@ -32,7 +32,9 @@ struct PositionRange {
     friend bool operator==(const PositionRange&, const PositionRange&) = default;
 };
 
-/// The range of samples that a text "a..b" of two places means, in any order. None where one of them means no place.
+/// The range of samples that a text "a..b" of two places means, in any order. One that ends with a time ends before it,
+/// so that 10 s have as many samples as 10 s have; one that ends with a sample number includes that sample, and none is
+/// empty. None where one of them means no place.
 [[nodiscard]] std::optional<PositionRange> ParseRange(std::u16string_view text, const ViewBlock& block,
                                                       const FormatOptions& format, std::int32_t present = 1);
 

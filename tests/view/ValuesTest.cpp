@@ -189,8 +189,12 @@ TEST_F(PositionInputTest, UnderstandsSamplesUnitsAndClockTimes) {
     EXPECT_EQ(Parse(u"23:00:00"), -1);
     EXPECT_EQ(Parse(u"0:30:00"), -1) << "neither way";
     const auto range = [&](std::u16string_view text) { return ParseRange(text, block, format); };
-    EXPECT_EQ(range(u"23:59:51..0:00:01"), (PositionRange{101, 1101}));
-    EXPECT_EQ(range(u" 1.5 s .. .5 s"), (PositionRange{51, 151}));
+    EXPECT_EQ(range(u"23:59:51..0:00:01"), (PositionRange{101, 1100}));
+    EXPECT_EQ(range(u" 1.5 s .. .5 s"), (PositionRange{51, 150}));
+    EXPECT_EQ(range(u"0 s .. 200 s"), (PositionRange{1, 20000})) << "the end of the block is behind its last sample";
+    EXPECT_EQ(range(u"199 s .. 500 s"), (PositionRange{19901, 20000}));
+    EXPECT_EQ(range(u"1 s .. 1 s"), (PositionRange{101, 101}));
+    EXPECT_EQ(range(u"#5 .. 1 s"), (PositionRange{5, 100}));
     EXPECT_EQ(range(u"#5..#7"), (PositionRange{5, 7}));
     for (const auto* text : {u"5", u"..", u"1..", u"..2", u"1..x", u"0:30:00..1"})
         EXPECT_FALSE(range(text)) << Utf8(text);
