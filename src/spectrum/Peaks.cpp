@@ -16,6 +16,11 @@ constexpr int kMostHarmonics = 40;
 /// Decibels above its surroundings from which on a harmonic is no noise.
 constexpr double kStandsOut = 6.0;
 
+/// How far from a multiple of the fundamental its peak may lie, in bins: what placing it may be off by, and what the
+/// fundamental's own place may be off by for each multiple.
+constexpr double kOffPeak = 0.3;
+constexpr double kOffFundamental = 0.05;
+
 /// The median power of the bins around one, without its main lobe, 0 Hz and the last bin.
 double MedianAround(const std::vector<double>& power, std::size_t bin) {
     std::vector<double> around;
@@ -90,6 +95,9 @@ Harmonics HarmonicsOf(const PowerDensity& density, double fundamental) {
     for (int multiple = 1; multiple <= kMostHarmonics && multiple * apart <= last; ++multiple) {
         const std::size_t bin = BinNear(density, multiple * fundamental);
         Harmonic harmonic{.multiple = multiple, .peak = PeakAt(density, bin)};
+        const double off = std::abs(harmonic.peak.frequency / density.binWidth - multiple * apart);
+        // Another tone, which hides what there may be of this one.
+        if (harmonic.peak.above >= kStandsOut && off > kOffPeak + kOffFundamental * multiple) continue;
         const double floor = MedianAround(density.power, bin);
         const std::size_t end = std::min(bin + reach + 1, density.power.size());
         for (std::size_t at = bin - std::min(reach, bin); at < end; ++at) harmonic.power += density.power[at] - floor;

@@ -38,8 +38,9 @@ struct Harmonics {
     double distortion = 0.0;
 };
 
-/// The harmonics of a peak, at most 40; none where they are too close to each other for the segments' length. Of each
-/// the power of its main lobe counts, less the median around it.
+/// The harmonics of a peak, at most 40; none where they are too close to each other for the segments' length, and not
+/// those that a tone of another frequency beside them hides. Of each the power of its main lobe counts, less the median
+/// around it.
 [[nodiscard]] Harmonics HarmonicsOf(const PowerDensity& density, double fundamental);
 
 }  // namespace quillon
