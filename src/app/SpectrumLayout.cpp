@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include "base/Density.h"
+
 namespace quillon {
 
 SpectrumLayout ArrangeSpectrum(const SpectrumLayoutInput& input) {
-    const auto scaled = [&](std::int32_t length) { return (length * input.dpi + 48) / 96; };
+    const auto scaled = [&](std::int32_t length) { return ScaledTo(input.dpi, length); };
     const std::int32_t margin = scaled(8);
     const std::int32_t gap = scaled(6);
     const std::int32_t right = input.width - margin;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Density.h"
 #include "data/UnitGroups.h"
 #include "spectrum/Peaks.h"
 #include "spectrum/PlotAxis.h"
@@ -128,7 +129,7 @@ class SpectrumPlot {
     void AddLevels(const std::vector<AxisTick>& ticks, const std::u16string& unit);
     /// That the level axis counts in, and the levels of one of it.
     [[nodiscard]] GroupUnit LevelUnit() const;
-    [[nodiscard]] std::int32_t Scaled(int length) const { return (length * m_request.dpi + 48) / 96; }
+    [[nodiscard]] std::int32_t Scaled(int length) const { return ScaledTo(m_request.dpi, length); }
     /// Factor of a trace's amplitudes to those of the axis.
     [[nodiscard]] double FactorOf(const PlotTrace& trace) const;
     /// Of a power density in the trace's unit; as the axis counts it.

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+
+#include "base/Density.h"
 
 namespace quillon {
 
@@ -104,7 +105,7 @@ struct GraphLook {
     std::int32_t lineWidth = 1;                 ///< of the traces, in pixels at 96 dpi; 1 to kMostLineWidth
 
     /// The same for a screen of that density, whose pixels the line width is in.
-    [[nodiscard]] constexpr GraphLook At(int dpi) const { return {colors, std::max((lineWidth * dpi + 48) / 96, 1)}; }
+    [[nodiscard]] constexpr GraphLook At(int dpi) const { return {colors, LineAt(dpi, lineWidth)}; }
     friend bool operator==(const GraphLook&, const GraphLook&) = default;
 };
 

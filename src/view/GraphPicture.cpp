@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "base/Density.h"
 #include "view/InvertLightness.h"
 
 namespace quillon {
@@ -317,7 +318,7 @@ void GraphPicture::FindOutside(const GraphScene& scene) {
 }
 
 std::vector<EdgeArrow> GraphPicture::Arrows(int dpi) const {
-    const auto scaled = [&](int length) { return (length * dpi + 48) / 96; };
+    const auto scaled = [&](int length) { return ScaledTo(dpi, length); };
     const std::int32_t half = scaled(6);
     const std::int32_t height = scaled(8);
     const std::int32_t step = scaled(16);

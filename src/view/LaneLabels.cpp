@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/Density.h"
 #include "format/NumberText.h"
 #include "view/QL_ChUtils.h"
 #include "view/ScaleLabels.h"
@@ -20,7 +21,7 @@ constexpr double kBarPart = 0.6;
 struct Measures {
     explicit Measures(const LaneStrip& strip)
         : margin(Scaled(strip, 6)), gap(Scaled(strip, 4)), tick(Scaled(strip, 3)), line(strip.sizeOf(u"0").height) {}
-    static std::int32_t Scaled(const LaneStrip& strip, int length) { return (length * strip.dpi + 48) / 96; }
+    static std::int32_t Scaled(const LaneStrip& strip, int length) { return ScaledTo(strip.dpi, length); }
     std::int32_t margin;
     std::int32_t gap;   ///< between texts
     std::int32_t tick;  ///< half the width of the ends of a bar

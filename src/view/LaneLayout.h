@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "base/Density.h"
+
 namespace quillon {
 
 /// Which lanes are visible in a graph, and where: as many as fit at their least height, none cut, from one lane on.
@@ -15,7 +17,7 @@ class LaneLayout {
     /// `count` lanes in a graph of that many rows, of which `first` is wanted at the top.
     LaneLayout(std::int32_t count, std::int32_t height, int dpi, std::int32_t first) : m_count(count) {
         m_height = std::max(height, 0);
-        const std::int32_t least = (kLeastHeight * dpi + 48) / 96;
+        const std::int32_t least = ScaledTo(dpi, kLeastHeight);
         m_visible = std::min(count, std::max(m_height / std::max(least, 1), 1));
         m_first = std::clamp(first, 0, m_count - m_visible);
     }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "base/Density.h"
 #include "view/Selection.h"
 #include "view/WaveformView.h"
 
@@ -39,7 +40,7 @@ class OverviewWindow {
 
   private:
     /// A length at 96 dpi.
-    [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return (pixels * m_dpi + 48) / 96; }
+    [[nodiscard]] std::int32_t Scaled(std::int32_t pixels) const { return ScaledTo(m_dpi, pixels); }
     [[nodiscard]] bool HasSamples() const { return m_view.Axis().SampleCount() > 0; }
     /// What is seen, or the last sample where the graph is behind it.
     [[nodiscard]] SampleSpan Seen() const;

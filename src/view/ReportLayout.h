@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/Density.h"
 #include "base/Language.h"
 #include "base/SampleSpan.h"
 #include "format/QL_Format.h"
@@ -84,7 +85,7 @@ class ReportLayout {
     [[nodiscard]] ReportPlan MarkTexts(const GraphScene& scene) const;
 
   private:
-    [[nodiscard]] std::int32_t Scaled(int length) const { return (length * m_style.dpi + 48) / 96; }
+    [[nodiscard]] std::int32_t Scaled(int length) const { return ScaledTo(m_style.dpi, length); }
     [[nodiscard]] const GraphColors& Colors() const { return *m_style.look.colors; }
     [[nodiscard]] LaneStrip Strip(const WaveformView& view, std::int32_t width) const;
     [[nodiscard]] std::int32_t HeightWithLanes(const WaveformView& view, std::int32_t width, std::int32_t rows) const;
