@@ -15,8 +15,6 @@ namespace quillon {
 
 namespace {
 
-constexpr UINT_PTR kAutoScroll = 1;
-constexpr UINT kAutoScrollPeriod = 40;  // ms
 static_assert(SB_LINEDOWN == static_cast<int>(ScrollAction::LineOn) &&
               SB_LEFT == static_cast<int>(ScrollAction::Start) &&
               SB_THUMBTRACK == static_cast<int>(ScrollAction::ThumbDragged) &&
@@ -37,25 +35,31 @@ GraphPane::GraphPane(const Document& document, WaveformView& view, const Playbac
       m_foldOrigin(foldOrigin),
       m_gestures(view),
       m_titles(document, view, m_gestures, format, density),
+      m_mouse({document, view, format, hover, m_gestures, m_titles, m_graph, m_scaleY}),
       m_scrollBars(view),
       m_zoomX(density),
       m_painter(density),
       m_scales(density),
       m_cursors(density) {
     m_view.SetDpi(density.Dpi());
-    WireTitles();
+    WireMouse();
 }
 
-void GraphPane::WireTitles() {
-    m_titles.onChannel = [this](std::int16_t channel) { onChannel(channel); };
+void GraphPane::WireMouse() {
+    m_titles.onChannel = m_mouse.onChannel = [this](std::int16_t channel) { onChannel(channel); };
     m_titles.onAlone = [this](std::int16_t channel) { onAlone(channel); };
-    m_titles.onMenu = [this](POINT screen, std::int16_t channel) { onContextMenu(screen, channel); };
+    m_titles.onMenu = m_mouse.onMenu = [this](POINT screen, std::int16_t channel) { onContextMenu(screen, channel); };
     m_titles.onPress = [this](GraphZone zone, const GraphPointer& pointer) {
-        Press(m_scaleY.Window(), GraphButton::Left, zone, pointer);
+        m_mouse.Press(m_scaleY.Window(), GraphButton::Left, zone, pointer);
     };
-    m_titles.onDrag = [this](const GraphPointer& pointer) { Drag(pointer); };
-    m_titles.onChange = [this](const ViewChange& change) { onChange(change); };
+    m_titles.onDrag = [this](const GraphPointer& pointer) { m_mouse.Drag(pointer); };
+    m_titles.onChange = m_mouse.onChange = [this](const ViewChange& change) { onChange(change); };
     m_titles.onCancel = [this] { EndGesture(); };
+    m_mouse.onSelection = [this] { ShowSelection(); };
+    m_mouse.onSelectionStart = [this] { onSelectionStart(); };
+    m_mouse.onSelectionEnd = [this] { onSelectionEnd(); };
+    m_mouse.onHover = [this](int x, int y) { Hover(x, y); };
+    m_mouse.onPointer = [this] { return Pointer(); };
 }
 
 bool GraphPane::CreateGraph(HWND parent) {
@@ -231,137 +235,9 @@ bool GraphPane::PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam)
     if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN) SetFocus(m_graph.Window());
     const GraphPointer pointer{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam), (wParam & MK_SHIFT) != 0,
                                (wParam & MK_CONTROL) != 0, false};
-    if (id == pbScaleY) return ScaleYMouse(message, pointer);
+    if (id == pbScaleY) return m_mouse.ScaleY(message, pointer);
     if (id == pbScaleX) return message == WM_LBUTTONDOWN;
-    if (message == WM_SETCURSOR) return SetCursor(Pointer()), true;
-    if (message == WM_CANCELMODE || message == WM_CAPTURECHANGED) {
-        // The capture was taken by a menu, a dialog or another window.
-        EndGesture();
-        if (message == WM_CANCELMODE) m_hover.End();
-        m_hover.Lose(m_graph.Window());
-        return false;
-    }
-    return GraphMouse(message, wParam, pointer);
-}
-
-bool GraphPane::GraphMouse(UINT message, WPARAM wParam, const GraphPointer& pointer) {
-    const bool starts = message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK || message == WM_MBUTTONDOWN ||
-                        message == WM_MBUTTONDBLCLK;
-    if (!HasSamples()) {
-        m_hover.End();
-        return starts;
-    }
-    // One gesture at a time.
-    if (starts && HasGesture()) return true;
-    switch (message) {
-        case WM_LBUTTONDOWN:
-        case WM_LBUTTONDBLCLK:
-            if (pointer.control) {
-                Hover(pointer.x, pointer.y);
-            } else {
-                Press(m_graph.Window(), GraphButton::Left, GraphZone::Traces, pointer);
-            }
-            return true;
-        case WM_MBUTTONDOWN:
-        case WM_MBUTTONDBLCLK:
-            Press(m_graph.Window(), GraphButton::Middle, GraphZone::Traces, pointer);
-            SetCursor(LoadCursorW(nullptr, IDC_SIZEALL));
-            return true;
-        case WM_MOUSEMOVE:
-            if (HasGesture()) {
-                Drag(pointer);
-            } else if ((wParam & MK_LBUTTON) == 0 || pointer.control) {
-                Hover(pointer.x, pointer.y);
-            }
-            return true;
-        case WM_LBUTTONUP:
-            if (m_gestures.Current() == GraphGestures::Kind::Select) FinishSelection(pointer);
-            return true;
-        case WM_MBUTTONUP:
-            if (m_gestures.Current() == GraphGestures::Kind::Pan) ReleaseCapture();
-            return true;
-        case WM_RBUTTONUP: {
-            if (HasGesture()) return true;
-            m_hover.End();
-            POINT screen{pointer.x, pointer.y};
-            ClientToScreen(m_graph.Window(), &screen);
-            const ReadoutSource source{m_document.Block(), m_document.Slots(), m_format, m_view.RawCodes()};
-            onContextMenu(screen, m_view.UsesLanes() ? m_titles.ChannelAt(pointer.y)
-                                                     : ChannelNear(source, m_view.GetLanes(),
-                                                                   SampleUnder(m_view.Axis(), pointer.x), pointer.y));
-            return true;
-        }
-        default: return false;
-    }
-}
-
-bool GraphPane::ScaleYMouse(UINT message, const GraphPointer& pointer) {
-    if (HasSamples() && m_view.UsesLanes()) return m_titles.Mouse(m_scaleY.Window(), message, pointer);
-    // Lanes may have been turned off while a title was dragged.
-    const bool drags = HasGesture();
-    if (message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK) {
-        Press(m_scaleY.Window(), GraphButton::Left, GraphZone::AmplitudeScale, pointer);
-    } else if (message == WM_MOUSEMOVE && drags) {
-        Drag(pointer);
-    } else if (message == WM_LBUTTONUP && drags) {
-        ReleaseCapture();
-    } else if (message == WM_CAPTURECHANGED) {
-        EndGesture();
-    } else if (message == WM_SETCURSOR) {
-        SetCursor(LoadCursorW(nullptr, IDC_SIZENS));
-        return true;
-    }
-    return message == WM_LBUTTONDOWN;
-}
-
-void GraphPane::Press(HWND box, GraphButton button, GraphZone zone, const GraphPointer& pointer) {
-    m_hover.End();
-    const ViewChange change = m_gestures.Press(button, zone, pointer);
-    if (!HasGesture()) return;
-    SetCapture(box);
-    if (!change.selection) return;
-    if (m_view.Selected().start != m_view.Selected().end) return Drag(pointer);
-    ShowSelection();
-    onSelectionStart();
-}
-
-void GraphPane::Drag(const GraphPointer& pointer) {
-    onChange(m_gestures.Move(pointer));
-    if (m_gestures.IsBeside()) {
-        SetTimer(GetParent(m_graph.Window()), kAutoScroll, kAutoScrollPeriod, nullptr);
-    } else {
-        KillTimer(GetParent(m_graph.Window()), kAutoScroll);
-    }
-}
-
-void GraphPane::OnTimer(UINT_PTR timer) {
-    if (timer == kAutoScroll) onChange(m_gestures.AutoScroll());
-}
-
-void GraphPane::EndGesture() {
-    if (!HasGesture()) return;
-    KillTimer(GetParent(m_graph.Window()), kAutoScroll);
-    m_gestures.Cancel();
-    ShowSelection();
-    onSelectionEnd();
-}
-
-void GraphPane::EndSelecting() {
-    if (m_gestures.Current() == GraphGestures::Kind::Select) ReleaseCapture();
-}
-
-void GraphPane::FinishSelection(const GraphPointer& pointer) {
-    KillTimer(GetParent(m_graph.Window()), kAutoScroll);
-    const ViewChange change = m_gestures.Release(pointer);
-    ReleaseCapture();
-    onChange(change);
-    if (m_view.Selected().active) return m_hover.HoldUntilMoved();
-    // A click without a drag.
-    if (const std::int16_t channel = m_titles.ChannelAt(pointer.y); channel != 0) onChannel(channel);
-}
-
-void GraphPane::Wheel(int delta, GraphZone zone, const GraphPointer& pointer) {
-    onChange(m_gestures.Wheel(delta, zone, pointer));
+    return m_mouse.Graph(message, wParam, pointer);
 }
 
 // The readout.

@@ -10,22 +10,19 @@
 #include "app/Playback.h"
 #include "app/ScrollBars.h"
 #include "app/win/CommonBand.h"
-#include "app/win/HoverCapture.h"
-#include "app/win/LaneTitles.h"
+#include "app/win/GraphMouse.h"
 #include "view/DisplaySettings.h"
-#include "view/GraphGestures.h"
 #include "view/Measurement.h"
 #include "view/ScaleLabels.h"
 #include "view/win/GraphCursor.h"
 #include "view/win/GraphPainter.h"
-#include "view/win/PictureBox.h"
 #include "view/win/ScalePainter.h"
 #include "view/win/ucZoomX.h"
 
 namespace quillon {
 
-/// The graph with its scales, scroll bars and zoom control: turns mouse input into gestures and readouts, and paints
-/// the state of document, view and playback.
+/// The graph with its scales, scroll bars and zoom control: paints the state of document, view and
+/// playback, reads values out under the mouse, and turns the rest of its input into gestures (GraphMouse).
 class GraphPane final : private PictureOwner, private ZoomXEvents {
   public:
     /// All arguments must outlive this object. `foldOrigin`: see TraceGeometry.
@@ -101,15 +98,15 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     /// Reason why some of the drawn samples could not be read; empty when all were read.
     [[nodiscard]] std::string Failure() const;
 
-    [[nodiscard]] bool HasGesture() const { return m_gestures.Current() != GraphGestures::Kind::None; }
-    void EndGesture();
+    [[nodiscard]] bool HasGesture() const { return m_mouse.HasGesture(); }
+    void EndGesture() { m_mouse.EndGesture(); }
     /// A lane is dragged by its title; ReleaseCapture leaves it where it is.
     [[nodiscard]] bool DragsLane() const { return m_gestures.Current() == GraphGestures::Kind::Title; }
     /// Another command is about to use the selection: ends the gesture that changes it.
-    void EndSelecting();
-    void Wheel(int delta, GraphZone zone, const GraphPointer& pointer);
+    void EndSelecting() { m_mouse.EndSelecting(); }
+    void Wheel(int delta, GraphZone zone, const GraphPointer& pointer) { m_mouse.Wheel(delta, zone, pointer); }
     void OnScroll(int bar, int code);
-    void OnTimer(UINT_PTR timer);
+    void OnTimer(UINT_PTR timer) { m_mouse.OnTimer(timer); }
 
   private:
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
@@ -118,14 +115,9 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     void ZoomDown(int index) override { onZoom(index); }
     void ZoomButtonDown() override { onZoomMenu(m_zoomX.Window()); }
     void ZoomFailed(const std::exception& error) override { onFailed(error); }
-    bool GraphMouse(UINT message, WPARAM wParam, const GraphPointer& pointer);
-    bool ScaleYMouse(UINT message, const GraphPointer& pointer);
-    void WireTitles();
+    void WireMouse();
     /// Marks the title of the channel in whose lane the pointer is; 0: in none.
     void Point(std::int16_t channel);
-    void Press(HWND box, GraphButton button, GraphZone zone, const GraphPointer& pointer);
-    void Drag(const GraphPointer& pointer);
-    void FinishSelection(const GraphPointer& pointer);
     void Hover(int x, int y);
     void ReadOut(std::int32_t sample, int x, int row);
     void SetBand(GraphBand which, const std::optional<ColumnBand>& band);
@@ -142,6 +134,7 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     bool m_foldOrigin;
     GraphGestures m_gestures;
     LaneTitles m_titles;
+    GraphMouse m_mouse;
     ScrollBars m_scrollBars;
     PictureBox m_graph;
     PictureBox m_scaleX;

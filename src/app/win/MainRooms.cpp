@@ -205,7 +205,7 @@ void MainRooms::ShowAll() {
     m_values.SelectionChanged(true);
     Refresh();
     slices.InitSpectrogram();
-    ListMarksOnly();
+    recording.OfferMarksOnly();
 }
 
 void MainRooms::Close() {
@@ -279,16 +279,9 @@ void MainRooms::ShowBlock(const std::optional<WaveformView::State>& kept) {
     if (m_complete && kept && view.Selected().active) m_values.TellRange();
     if (m_complete) slices.InitSpectrogram();
     slices.work.BlockLoaded();
-    if (!kept) ListMarksOnly();
+    if (!kept && m_complete) recording.OfferMarksOnly();
     // Not while something else is told: it would be lost.
     if (status.Message().empty() && lanes.TakeHint()) m_texts.TellOfLanes();
-}
-
-void MainRooms::ListMarksOnly() {
-    const auto& stored = m_document.Block().stored;
-    // Not while the user walks through the list of files, which would be gone.
-    if (m_complete && stored && stored->HasMarksOnly() && GetFocus() != GetDlgItem(Window(), lstFile))
-        PostMessageW(Window(), WM_COMMAND, mnuTabFile + 2, 0);
 }
 
 void MainRooms::ArrangeTitles() {

@@ -110,8 +110,6 @@ class MainRooms {
     void ChooseChannel();
     /// Titles of lanes take room according to their length, and the overview may come and go with lanes.
     void ArrangeTitles();
-    /// Shows the page of marks for a recording that has nothing else.
-    void ListMarksOnly();
     /// Lays out and draws everything, the latter by a message of its own: both would make others wait for too long.
     void ArrangeAnew();
     /// The samples of the loaded block have changed: the stored ones too, or only how they are shown.

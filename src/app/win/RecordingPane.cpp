@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/Commands.h"
 #include "app/ControlIds.h"
 #include "data/ChannelSelection.h"
 
@@ -63,6 +64,14 @@ void RecordingPane::FillChannels(bool keepsChannel) {
     }
     m_channels.Fill(lines);
     if (keepsChannel) m_channels.Choose(ItemOf(m_document.CurrentChannel()));
+}
+
+void RecordingPane::OfferMarksOnly() const {
+    const HWND window = GetParent(m_channels.Window());
+    const auto& stored = m_document.Block().stored;
+    // Not while the user walks through the list of files, which would be gone.
+    if (stored && stored->HasMarksOnly() && GetFocus() != GetDlgItem(window, lstFile))
+        PostMessageW(window, WM_COMMAND, mnuTabFile + 2, 0);
 }
 
 int RecordingPane::ItemOf(std::int16_t signal) const {

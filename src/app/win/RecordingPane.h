@@ -62,6 +62,8 @@ class RecordingPane {
     bool OpenMenu() const;
     /// The traces have other colours.
     void LookChanged();
+    /// Shows the page of marks for a recording that has nothing else.
+    void OfferMarksOnly() const;
     /// The list of channels gets the focus: makes the current item show it.
     void ShowFocus() const { m_channels.ShowFocus(ItemOf(m_document.CurrentChannel())); }
     void FitColumns() const {

@@ -121,7 +121,9 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             // The process may end right after WM_ENDSESSION: an unfinished file is to be removed before.
             m_rooms.longCommand.Stop();
             return TRUE;
-        case WM_ENDSESSION: OnEndSession(wParam != FALSE); return 0;
+        case WM_ENDSESSION:
+            if (wParam != FALSE) AtEnd().Abandon(m_window);
+            return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_DROPFILES: OnDropFiles(reinterpret_cast<HDROP>(wParam)); return 0;
         case WM_TIMER: m_rooms.OnTimer(wParam); return 0;
@@ -316,33 +318,6 @@ void frmQLMain::OnClose() {
     DestroyWindow(m_window);
 }
 
-void frmQLMain::OnEndSession(bool ends) {
-    // At the end of the session the process may end without another message.
-    if (!ends) return;
-    if (!m_rooms.longCommand.IsBusy()) {
-        m_rooms.playback.Stop();
-        return EndSession();
-    }
-    // A running command still uses the recording.
-    m_rooms.KeepSettings();
-    KeepWindowPlace(m_window, m_density, m_global.settings.window.place);
-    if (m_shutdown) m_shutdown();
-}
-
-void frmQLMain::EndSession() {
-    // Each step runs even if another one fails, and the program ends in any case.
-    for (const auto& step : std::initializer_list<std::function<void()>>{
-             [&] { m_rooms.KeepSettings(); },
-             [&] { KeepWindowPlace(m_window, m_density, m_global.settings.window.place); },
-             [&] { m_rooms.CloseCurrentFile(); }, [&] { m_shutdown ? m_shutdown() : void(); }}) {
-        try {
-            step();
-        } catch (const std::exception& error) {
-            m_rooms.Failed(error);
-        }
-    }
-}
-
 void frmQLMain::OnDestroy() {
     m_menu.Release();
     m_closing = true;
@@ -351,7 +326,7 @@ void frmQLMain::OnDestroy() {
     m_rooms.Close();
     // If creation failed there is nothing to save, and the error message is still to be shown.
     if (m_createFailure) return;
-    EndSession();
+    AtEnd().Close(m_window);
     m_services.SetWindow(nullptr, nullptr);
     PostQuitMessage(0);
 }

@@ -14,6 +14,7 @@
 #include "app/win/KeyboardFocus.h"
 #include "app/win/MainMenu.h"
 #include "app/win/MainRooms.h"
+#include "app/win/SessionEnd.h"
 #include "app/win/Toolbar.h"
 #include "norvik/TimerObject.h"
 #include "view/win/ScreenDensity.h"
@@ -75,9 +76,7 @@ class frmQLMain {
     /// The system has moved the window onto a monitor of another density.
     void OnDensity(int dpi, const RECT& place);
     void OnClose();
-    void OnEndSession(bool ends);
-    /// Saves the settings and closes the recording.
-    void EndSession();
+    [[nodiscard]] SessionEnd AtEnd() { return {m_rooms, m_density, m_global.settings.window, m_shutdown}; }
     void OnDestroy();
 
     void OnCommand(int id);
