@@ -11,6 +11,7 @@
 
 #include "app/GraphKeys.h"
 #include "app/win/MainWindowFixture.h"
+#include "app/win/User.h"
 #include "base/Text.h"
 #include "dialogs/OptionsLayout.h"
 #include "norvik/EdfBuilder.h"
@@ -23,56 +24,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using namespace ::quillon::testing;
-
-/// Someone at the keyboard and mouse, in a thread of their own.
-class User {
-  public:
-    explicit User(std::function<void(User&)> acts) : m_thread([this, acts = std::move(acts)] { Run(acts); }) {}
-    ~User() { m_thread.join(); }
-
-    [[nodiscard]] HWND Window() const { return m_window; }
-    [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
-    [[nodiscard]] std::wstring Caption() const { return WindowText(m_window); }
-    [[nodiscard]] LRESULT Files() const { return SendMessageW(Control(lstFile), LB_GETCOUNT, 0, 0); }
-    void Command(int id) const { SendMessageW(m_window, WM_COMMAND, static_cast<WPARAM>(id), 0); }
-    /// Commands that open a dialog come back only after it.
-    void PostCommand(int id) const { PostMessageW(m_window, WM_COMMAND, static_cast<WPARAM>(id), 0); }
-    void Key(WPARAM key) const { PostMessageW(Control(pbGraph), WM_KEYDOWN, key, 0); }
-    void Choose(int list, const wchar_t* text, int notification) const {
-        // Folders are indented.
-        wchar_t entry[512] = {};
-        LRESULT line = SendMessageW(Control(list), LB_GETCOUNT, 0, 0) - 1;
-        for (; line >= 0; --line) {
-            SendPointer(Control(list), LB_GETTEXT, static_cast<WPARAM>(line), entry);
-            if (std::wstring_view(entry).ends_with(text)) break;
-        }
-        SendMessageW(Control(list), LB_SETCURSEL, static_cast<WPARAM>(line), 0);
-        SendMessageW(m_window, WM_COMMAND, MAKEWPARAM(list, notification), reinterpret_cast<LPARAM>(Control(list)));
-    }
-    /// The dialog that is open, once it is.
-    HWND Dialog() {
-        HWND dialog = nullptr;
-        EXPECT_TRUE(WaitUntil([&] {
-            dialog = GetLastActivePopup(m_window);
-            return dialog != m_window && dialog != nullptr && IsWindowVisible(dialog);
-        }));
-        return dialog;
-    }
-    void Press(HWND dialog, int button) { PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0); }
-
-  private:
-    void Run(const std::function<void(User&)>& acts) {
-        EXPECT_TRUE(WaitUntil([&] {
-            m_window = FindWindowW(L"frmQLMain", nullptr);
-            // The controls get their names when all of them are made and filled.
-            return m_window != nullptr && IsWindowVisible(m_window) && GetWindowTextLengthW(Control(pnValues)) > 0;
-        }));
-        acts(*this);
-        PostCommand(mnuExit);
-    }
-    HWND m_window = nullptr;
-    std::thread m_thread;
-};
 
 /// The recordings in the folder "samples", one after the other.
 void Look(User& me) {
