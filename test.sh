@@ -35,19 +35,20 @@ run_tests() {
 }
 
 echo "Building"
+# A new build compiles several files as one, in a third of the time; one that exists stays as it is.
 build() {
-    quietly cmake --preset "$1" && quietly cmake --build --preset "$1"
+    local unity=(-DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=10)
+    [ ! -e "build/$2/CMakeCache.txt" ] || unity=()
+    quietly cmake --preset "$1" ${unity[@]+"${unity[@]}"} && quietly cmake --build --preset "$1"
 }
 not_built() {
     echo "0 passed, 1 failed"
     exit 1
 }
-build native || not_built
+build native native || not_built
 timeout 900 build/native/tests/unit_tests < /dev/null > build/unit_tests.log 2>&1 &
 native=$! native_status=0
-build windows-tests || not_built
-# What the fuzzers check is among the unit tests; they themselves are only built.
-if command -v clang++ > /dev/null; then build fuzz || not_built; fi
+build windows-tests windows || not_built
 wait "$native" || native_status=$?
 count_tests unit_tests "$native_status"
 
@@ -62,8 +63,11 @@ quietly wine build/windows/make-samples.exe build/samples
 if [ -n "${QUILLON_REFERENCE:-}" ]; then
     if scripts/check-exports.sh; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
 fi
-run_tests unit_tests_windows wine build/windows/tests/unit_tests.exe
+wine build/windows/tests/unit_tests.exe < /dev/null > build/unit_tests_windows.log 2>&1 &
+native=$! native_status=0
 run_tests win_tests "${captured_sound[@]}" wine build/windows/tests/win_tests.exe '--gtest_filter=-WaveOutWithoutDevice.*'
+wait "$native" || native_status=$?
+count_tests unit_tests_windows "$native_status"
 # Once more as a Russian system: other code page, other separators, other interface language. And one without sound.
 # Left out are long tests that have nothing to do with either.
 locale -a | grep -qi '^ru_RU\.utf-\?8$' || ${as_root[@]+"${as_root[@]}"} localedef -i ru_RU -f UTF-8 ru_RU.UTF-8

@@ -14,10 +14,6 @@ namespace quillon {
 
 namespace {
 
-bool Within(int id, int first, int count) {
-    return id >= first && id < first + count;
-}
-
 /// The entry of the menu of pages that is shown; -1: none of them.
 std::int32_t PageIndex(const TimeAxis& axis) {
     if (!axis.IsFree() || axis.StripLength() < 1) return -1;

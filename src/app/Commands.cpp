@@ -205,10 +205,6 @@ constexpr std::array kGoToButtons{
     ToolbarButton{u"GoTo3", mnuGoTo + 3, IDS_TIP_GOTO_0 + 3, Icon::GoToEnd},
 };
 
-bool Within(int id, int first, int count) {
-    return id >= first && id < first + count;
-}
-
 }  // namespace
 
 std::span<const MenuEntry> MenuTree() {

@@ -96,6 +96,11 @@ inline constexpr int kTopLevelCount = 5;
 inline constexpr int kHighestFrequencies = 6;  ///< the first one stands for all
 inline constexpr int kSizes = 7;
 
+/// Whether a command is one of the `count` from `first` on.
+constexpr bool Within(int id, int first, int count) {
+    return id >= first && id < first + count;
+}
+
 /// A move of the view by pixels: columns scroll it, rows move the base line (downwards positive).
 struct Move {
     std::int32_t columns;

@@ -34,7 +34,7 @@ constexpr CodeName kNames[] = {
     {kAborted, "abort"},
 };
 
-void AddNumber(FixedText& text, std::uint64_t number, std::size_t digits, int base) {
+void AddNumber(BoundedText& text, std::uint64_t number, std::size_t digits, int base) {
     std::array<char, 24> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number, base).ptr;
     std::transform(buffer.data(), end, buffer.data(),
@@ -45,7 +45,7 @@ void AddNumber(FixedText& text, std::uint64_t number, std::size_t digits, int ba
     text.Add(written);
 }
 
-void AddPlace(FixedText& text, const CodePlace& place) {
+void AddPlace(BoundedText& text, const CodePlace& place) {
     constexpr std::size_t longestName = 40;
     text.Add("  ");
     if (place.in == CodePlace::In::Module) {
@@ -63,17 +63,17 @@ void AddPlace(FixedText& text, const CodePlace& place) {
 
 }  // namespace
 
-void FixedText::Add(std::string_view text) {
+void BoundedText::Add(std::string_view text) {
     const std::size_t count = std::min(text.size(), m_text.size() - m_size);
     std::copy_n(text.data(), count, m_text.data() + m_size);
     m_size += count;
 }
 
-void FixedText::AddDecimal(std::uint64_t number, std::size_t digits) {
+void BoundedText::AddDecimal(std::uint64_t number, std::size_t digits) {
     AddNumber(*this, number, digits, 10);
 }
 
-void FixedText::AddHex(std::uint64_t number, std::size_t digits) {
+void BoundedText::AddHex(std::uint64_t number, std::size_t digits) {
     Add("0x");
     AddNumber(*this, number, digits, 16);
 }
@@ -92,7 +92,7 @@ std::uint64_t CallList::At(std::size_t index) const {
     return index + kLast < m_count ? 0 : m_last[index % kLast];
 }
 
-void AddCrashFacts(FixedText& text, const CrashFacts& facts) {
+void AddCrashFacts(BoundedText& text, const CrashFacts& facts) {
     const auto part = [&](std::string_view before, std::uint64_t number, std::size_t digits = 1) {
         text.Add(before);
         text.AddDecimal(number, digits);
@@ -129,7 +129,7 @@ void AddCrashFacts(FixedText& text, const CrashFacts& facts) {
     text.Add(kLineEnd);
 }
 
-void AddCalls(FixedText& text, const CallList& calls, CodePlace (*placeOf)(std::uint64_t address)) {
+void AddCalls(BoundedText& text, const CallList& calls, CodePlace (*placeOf)(std::uint64_t address)) {
     text.Add("Calls, innermost first, those of the program for addr2line -Cfie quillon.debug:\r\n");
     for (std::size_t index = 0; index < std::min(calls.Count(), CallList::kFirst); ++index)
         AddPlace(text, placeOf(calls.At(index)));

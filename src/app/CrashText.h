@@ -12,7 +12,7 @@
 namespace quillon {
 
 /// A text in a buffer of its own; what does not fit is dropped.
-class FixedText {
+class BoundedText {
   public:
     void Clear() { m_size = 0; }
     void Add(std::string_view text);
@@ -67,9 +67,9 @@ struct CrashFacts {
 enum CrashCode : std::uint32_t { kUncaughtException = 0xE0000001, kAborted = 0xE0000002 };
 
 /// The first lines: version, time, system, what happened.
-void AddCrashFacts(FixedText& text, const CrashFacts& facts);
+void AddCrashFacts(BoundedText& text, const CrashFacts& facts);
 
 /// A line per call. Addresses inside the program are given as it was linked, as addr2line reads them.
-void AddCalls(FixedText& text, const CallList& calls, CodePlace (*placeOf)(std::uint64_t address));
+void AddCalls(BoundedText& text, const CallList& calls, CodePlace (*placeOf)(std::uint64_t address));
 
 }  // namespace quillon

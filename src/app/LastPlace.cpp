@@ -18,7 +18,6 @@ using Numbers = std::vector<std::int64_t>;
 using Fields = std::map<std::u16string, Numbers, std::less<>>;
 
 constexpr std::int64_t kMostSamples = std::numeric_limits<std::int32_t>::max();
-constexpr std::int64_t kFarthest = std::int64_t{1} << 52;  ///< of a base line, in rows: see AmplitudeScale
 
 void AddField(std::u16string& text, std::u16string_view name, std::initializer_list<std::int64_t> numbers) {
     text += (text.empty() ? u"" : u";") + std::u16string(name);
@@ -114,7 +113,7 @@ std::optional<LastPlace> LastPlaceOf(std::u16string_view text, const WaveformVie
     fields.Read(u"zoom", 0, 0, TimeAxis::kZoomCount - 1, time.zoom);
     fields.Read(u"first", 0, 0, kMostSamples, time.first);
     fields.Read(u"scale", 0, 0, AmplitudeScale::kScaleCount - 1, view.place.scale);
-    fields.Read(u"shift", 0, -kFarthest, kFarthest, view.place.shift);
+    fields.Read(u"shift", 0, -AmplitudeScale::kFarthest, AmplitudeScale::kFarthest, view.place.shift);
     time.free = fields.Has(u"page");
     time.page = {};
     if (time.free) {

@@ -47,7 +47,7 @@ std::optional<SpectrogramChoice> SpectrogramChoiceOf(int command, double rate) {
     const int frequency = command - mnuHighestFrequency;
     if (frequency >= 0 && frequency < kHighestFrequencies)
         return SpectrogramChoice{Field::Highest, OfferedFrequency(frequency, rate)};
-    if (const auto palette = Among(kPalettes, Field::Palette, command - mnuPalette)) return palette;
+    if (const auto palette = Among(kPalettes, Field::Colors, command - mnuPalette)) return palette;
     if (const auto range = Among(kRanges, Field::Range, command - mnuLevelRange)) return range;
     if (const auto level = Among(kTopLevels, Field::TopLevel, command - mnuTopLevel)) return level;
     if (const auto size = Among(kOrders, Field::Size, command - mnuTransformSize)) return size;
@@ -57,7 +57,7 @@ std::optional<SpectrogramChoice> SpectrogramChoiceOf(int command, double rate) {
 SpectrumSettings With(const SpectrumSettings& settings, const SpectrogramChoice& choice) {
     SpectrumSettings changed = settings;
     switch (choice.field) {
-        case SpectrogramField::Palette: changed.palette = static_cast<std::int16_t>(choice.value); break;
+        case SpectrogramField::Colors: changed.palette = static_cast<std::int16_t>(choice.value); break;
         case SpectrogramField::Range: changed.decibelRange = static_cast<float>(choice.value); break;
         case SpectrogramField::TopLevel: changed.topLevel = static_cast<float>(choice.value); break;
         case SpectrogramField::Size: changed.order = static_cast<std::int32_t>(choice.value); break;
@@ -81,7 +81,7 @@ bool IsOffered(const SpectrumSettings& settings, const SpectrogramChoice& choice
 std::u16string CaptionOf(const SpectrogramChoice& choice, const UserServices& services, char16_t separator) {
     const auto value = static_cast<int>(choice.value);
     switch (choice.field) {
-        case SpectrogramField::Palette: return services.Text(IDS_OPT_PALETTE_0 + value);
+        case SpectrogramField::Colors: return services.Text(IDS_OPT_PALETTE_0 + value);
         case SpectrogramField::Range: return DecibelText(choice.value, services, separator);
         case SpectrogramField::TopLevel:
             return value == 0 ? services.Text(IDS_FULL_SCALE) : DecibelText(choice.value, services, separator);

@@ -11,12 +11,12 @@
 namespace quillon {
 
 /// What the menu of the spectrogram offers, in the order of its commands.
-enum class SpectrogramField { Palette, Range, TopLevel, Size, Window, Highest, BlankEnds };
+enum class SpectrogramField { Colors, Range, TopLevel, Size, Window, Highest, BlankEnds };
 
 /// One of them with its value: a number of SpectrumSettings; of sizes the order, of ranges and levels dB, Hz of
 /// frequencies, where 0 is all of them. BlankEnds has no value, it is switched.
 struct SpectrogramChoice {
-    SpectrogramField field = SpectrogramField::Palette;
+    SpectrogramField field = SpectrogramField::Colors;
     double value = 0.0;
     friend bool operator==(const SpectrogramChoice&, const SpectrogramChoice&) = default;
 };

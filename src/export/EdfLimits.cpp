@@ -12,7 +12,6 @@ namespace quillon {
 
 namespace {
 
-constexpr std::size_t kWidth = 8;
 constexpr int kLowest = -32768;
 constexpr int kHighest = 32767;
 constexpr double kMostError = 0.499;  // of a code
@@ -34,7 +33,8 @@ class Search {
         for (const bool exact : {false, true}) {
             const auto at = [&](int code) {
                 const auto single = static_cast<float>(code) * static_cast<float>(m_scale);
-                return exact ? At(code) : PointOf(code, EdfNumber(single + static_cast<float>(m_offset), kWidth));
+                return exact ? At(code)
+                             : PointOf(code, EdfNumber(single + static_cast<float>(m_offset), kEdfNumberWidth));
             };
             const Point low = at(usual.digitalMinimum);
             const Point high = at(usual.digitalMaximum);
@@ -94,7 +94,7 @@ class Search {
         const double value = EdfValue(text);
         return {code, std::move(text), value, (value - Value(code)) / m_scale};
     }
-    [[nodiscard]] Point At(int code) const { return PointOf(code, EdfNumber(Value(code), kWidth)); }
+    [[nodiscard]] Point At(int code) const { return PointOf(code, EdfNumber(Value(code), kEdfNumberWidth)); }
     static EdfLimits Between(const Point& low, const Point& high) { return {low.code, high.code, low.text, high.text}; }
 
     /// Whether a reader's values are near those of all codes: the error is linear in the code, so it is largest at an

@@ -13,7 +13,6 @@ namespace quillon {
 
 namespace {
 
-constexpr std::size_t kWidth = 8;
 constexpr std::int64_t kMostRecords = 99999999;  ///< that the header's field holds
 constexpr double kShortest = 1e-9;               ///< seconds of a record that readers take
 constexpr double kLongest = 1e9;
@@ -22,12 +21,12 @@ constexpr double kLongest = 1e9;
 /// none.
 double PlainSeconds(double seconds) {
     constexpr std::array powers{1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
-    static_assert(powers.size() == kWidth + 1);
+    static_assert(powers.size() == kEdfNumberWidth + 1);
     std::size_t digits = 1;
-    while (digits < kWidth && seconds >= powers[digits]) ++digits;
-    const double unit = digits + 1 < kWidth ? powers[kWidth - 1 - digits] : 1.0;
+    while (digits < kEdfNumberWidth && seconds >= powers[digits]) ++digits;
+    const double unit = digits + 1 < kEdfNumberWidth ? powers[kEdfNumberWidth - 1 - digits] : 1.0;
     const double nearest = std::nearbyint(seconds * unit) / unit;
-    return nearest < powers[kWidth] ? nearest : 0.0;
+    return nearest < powers[kEdfNumberWidth] ? nearest : 0.0;
 }
 
 constexpr int kMissed = 5;
@@ -62,7 +61,7 @@ class Choice {
             bestRank = rank;
         }
         if (best != 0 && std::get<1>(bestRank) < kMissed)
-            return Made(best, EdfNumber(PlainSeconds(best / m_rate), kWidth));
+            return Made(best, EdfNumber(PlainSeconds(best / m_rate), kEdfNumberWidth));
         return Nearest();
     }
 
@@ -112,7 +111,7 @@ class Choice {
             const auto samples = static_cast<std::int32_t>((m_count - 1) / records + 1);
             const double seconds = samples / m_rate;
             if (!(seconds >= kShortest && seconds <= kLongest)) continue;
-            EdfPlusRecords made = Made(samples, NearestNumber(seconds, kWidth));
+            EdfPlusRecords made = Made(samples, NearestNumber(seconds, kEdfNumberWidth));
             if (best.count == 0 || std::abs(made.rate - m_rate) < std::abs(best.rate - m_rate)) best = std::move(made);
         }
         if (best.count == 0) RefuseExportRate(m_rate);

@@ -14,6 +14,9 @@ namespace quillon {
 /// A "?" stands for each character that is no printable ASCII. Filled up with blanks to `width`, never shortened.
 [[nodiscard]] std::string EdfText(std::u16string_view text, std::size_t width);
 
+/// Bytes of a number in an EDF header.
+constexpr std::size_t kEdfNumberWidth = 8;
+
 /// The fewest digits that read back as the number. Where they do not fit `width`, as many as fit, with or without an
 /// exponent, whichever is nearer to the number; never a text whose end is missing. Throws std::length_error for what
 /// does not fit at all, NaN and infinities.

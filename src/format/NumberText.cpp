@@ -73,7 +73,7 @@ std::u16string ShortestText(Real value, char16_t separator) {
 }
 
 /// Exact up to 10^22, infinite beyond the range of doubles.
-double PowerOfTen(int exponent) {
+double TenTo(int exponent) {
     constexpr std::array<double, 23> exact{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                            1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
     constexpr int step = 22;
@@ -127,7 +127,7 @@ std::int16_t DecimalExponent(double value) {
 }
 
 double RoundToPlaces(double value, int places) {
-    const double power = PowerOfTen(places);
+    const double power = TenTo(places);
     const double scaled = value * power;
     // From here on a double is a whole number already; the negation catches NaN too.
     constexpr double whole = 4503599627370496.0;

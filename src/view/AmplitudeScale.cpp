@@ -8,12 +8,8 @@ namespace quillon {
 
 namespace {
 
-/// Larger shifts could not be represented to a row in a double. The largest single-precision value at the finest scale
-/// would exceed this.
-constexpr std::int64_t kFarthest = std::int64_t{1} << 52;
-
 std::int64_t Rows(double value) {
-    constexpr auto farthest = static_cast<double>(kFarthest);
+    constexpr auto farthest = static_cast<double>(AmplitudeScale::kFarthest);
     return static_cast<std::int64_t>(std::nearbyint(std::clamp(value, -farthest, farthest)));
 }
 

@@ -18,6 +18,9 @@ class AmplitudeScale {
         1000.0F;                                   ///< where codes are shown, a unit of the scale stands for that many
     static constexpr int kScaleCount = 19;         ///< 1000, 500, 200, ... 0.002, 0.001 units per division
     static constexpr std::int32_t kDivision = 40;  ///< pixels of one division
+    /// Largest shift of a base line, in rows: a double could not hold larger ones to a row. The largest
+    /// single-precision value at the finest scale would exceed it.
+    static constexpr std::int64_t kFarthest = std::int64_t{1} << 52;
 
     /// Units per division of a table index, 0 .. kScaleCount-1.
     [[nodiscard]] static double TableEntry(int index);

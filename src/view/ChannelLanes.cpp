@@ -12,9 +12,6 @@ namespace quillon {
 
 namespace {
 
-/// Larger shifts could not be represented to a row in a double.
-constexpr std::int64_t kFarthest = std::int64_t{1} << 52;
-
 std::size_t At(std::int16_t channel) {
     return static_cast<std::size_t>(channel - 1);
 }
@@ -124,13 +121,15 @@ Lanes ChannelLanes::Make() const {
 std::int64_t ChannelLanes::Shift(const LaneChannel& channel, double laneHeight) const {
     const LaneScales& scales = Scales();
     const double rows = scales.OwnOf(channel).Middle(channel) * (laneHeight / scales.ValuesPerLane(channel));
-    constexpr auto farthest = static_cast<double>(kFarthest);
+    constexpr auto farthest = static_cast<double>(AmplitudeScale::kFarthest);
     return static_cast<std::int64_t>(std::nearbyint(std::clamp(rows, -farthest, farthest)));
 }
 
 void ChannelLanes::MoveDown(const LaneChannel& channel, double laneHeight, std::int64_t rows) {
-    const std::int64_t down = std::clamp(m_settings.negativeUp ? -rows : rows, -kFarthest, kFarthest);
-    const std::int64_t shift = std::clamp(Shift(channel, laneHeight) + down, -kFarthest, kFarthest);
+    const std::int64_t down =
+        std::clamp(m_settings.negativeUp ? -rows : rows, -AmplitudeScale::kFarthest, AmplitudeScale::kFarthest);
+    const std::int64_t shift =
+        std::clamp(Shift(channel, laneHeight) + down, -AmplitudeScale::kFarthest, AmplitudeScale::kFarthest);
     LaneScales& scales = ChangedScales();
     // In whole rows, so that moving back leads to the same rows again.
     scales.channels[channel.key].Middle(channel) =

@@ -16,7 +16,7 @@ namespace {
 constexpr std::int32_t kExtent = 32000;
 constexpr std::int32_t kOriginLimit = 32768;
 /// Origins farther away than this are off screen at any zoom, and adding codes to them would overflow.
-constexpr std::int64_t kFarthest = 1 << 28;
+constexpr std::int64_t kFarthestRow = 1 << 28;
 
 std::int32_t Sign(double value) {
     return value < 0.0 ? -1 : 1;
@@ -142,12 +142,12 @@ TraceMapping MapTrace(const TraceGeometry& geometry, float invScale, float baseL
     mapping.windowExtentY = -extents.logical;
     mapping.viewportExtentY = extents.device;
     const auto near = [](double row) {
-        constexpr auto farthest = static_cast<double>(kFarthest);
+        constexpr auto farthest = static_cast<double>(kFarthestRow);
         return static_cast<std::int32_t>(std::nearbyint(std::clamp(row, -farthest, farthest)));
     };
     const double middle = (static_cast<double>(origin) - geometry.top - geometry.height / 2.0) * exact;
     const double middleCode = std::nearbyint(std::clamp(middle, -32768.0, 32767.0));
-    if (!mapping.flat && (RowErrorVisible(extents, 1.0 / exact, middleCode) || std::abs(origin) > kFarthest)) {
+    if (!mapping.flat && (RowErrorVisible(extents, 1.0 / exact, middleCode) || std::abs(origin) > kFarthestRow)) {
         // The mapping starts from the code that is visible, so that rounding errors stay off screen.
         mapping.windowOriginY = static_cast<std::int32_t>(middleCode);
         mapping.viewportOriginY = near(static_cast<double>(origin) - middleCode / exact);

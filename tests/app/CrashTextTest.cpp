@@ -9,7 +9,7 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
 std::string TextOf(const CrashFacts& facts) {
-    FixedText text;
+    BoundedText text;
     AddCrashFacts(text, facts);
     return std::string(text.Text());
 }
@@ -43,7 +43,7 @@ TEST(CrashText, CallsOfTheProgramAreThoseOfTheLinkedFileAndTheMiddleOfARecursion
         return {CodePlace::In::Nowhere, {}, address};
     };
     CallList calls;
-    FixedText text;
+    BoundedText text;
     for (const std::uint64_t address : {0xABCU, 0x1010U, 0xFFF00000U}) calls.Add(address);
     AddCalls(text, calls, placeOf);
     EXPECT_THAT(std::string(text.Text()),
@@ -60,7 +60,7 @@ TEST(CrashText, CallsOfTheProgramAreThoseOfTheLinkedFileAndTheMiddleOfARecursion
         EXPECT_EQ(std::count(all.begin(), all.end(), '\n'),
                   static_cast<std::ptrdiff_t>(1 + (count > kept ? kept + 1 : count)));
         const auto line = [&](std::size_t call) {
-            FixedText number;
+            BoundedText number;
             number.AddHex(0x5000 + call);
             return "  " + std::string(number.Text()) + " outside";
         };
@@ -75,7 +75,7 @@ TEST(CrashText, CallsOfTheProgramAreThoseOfTheLinkedFileAndTheMiddleOfARecursion
 }
 
 TEST(CrashText, WhatDoesNotFitIsDropped) {
-    FixedText text;
+    BoundedText text;
     for (int round = 0; round < 1000; ++round) text.Add("0123456789");
     EXPECT_THAT(std::string(text.Text()), EndsWith("01"));
     text.AddDecimal(7, 99);

@@ -302,7 +302,7 @@ class CountingSource final : public ByteSource {
 /// BDF, samples per record, channels, samples of a signal at another rate in the middle of the record, records.
 using Shape = std::tuple<bool, std::size_t, std::size_t, std::size_t, std::size_t>;
 
-void ExpectReads(const Shape& shape) {
+void ExpectSameReads(const Shape& shape) {
     const auto [bdf, samplesPerRecord, channels, filler, records] = shape;
     std::mt19937 random(20240607);
     EdfBuilder file{.bdf = bdf, .recordCount = records};
@@ -351,7 +351,7 @@ TEST(EdfRecordBlock, EveryWayToReadAgreesWithTheStoredSamples) {
                                Shape(true, 101, 4, 5, 50),      // an odd size of records
                                Shape(true, 5001, 3, 50000, 8), Shape(true, 100001, 2, 0, 3)}) {
         SCOPED_TRACE(::testing::PrintToString(shape));
-        ExpectReads(shape);
+        ExpectSameReads(shape);
     }
 }
 

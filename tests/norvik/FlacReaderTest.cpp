@@ -22,11 +22,11 @@ std::shared_ptr<ByteSource> Source(const std::string& bytes) {
 }
 
 /// Every sample of a file as it is stored; nothing for those that cannot be read.
-using Read = std::vector<std::vector<std::optional<std::int64_t>>>;
-Read AllSamples(const std::string& file, unsigned channels) {
+using DecodedSamples = std::vector<std::vector<std::optional<std::int64_t>>>;
+DecodedSamples AllSamples(const std::string& file, unsigned channels) {
     const std::shared_ptr<ByteSource> source = Source(file);
     FlacFrames frames(source, ReadFlacMetadata(*source));
-    Read read(channels);
+    DecodedSamples read(channels);
     for (std::uint64_t at = 0; at < frames.Samples();) {
         const FlacFrames::Stretch stretch = frames.Find(at);
         EXPECT_EQ(stretch.first, at);
@@ -65,7 +65,7 @@ TEST(FlacReader, EveryCodingIsReadExactlyAndAlikeByEveryCall) {
             flac.block = std::array{192U, 1024U, 33U}[channels % 3];
             flac.Record(channels == 2 ? 20000 : 3000);
             flac.Encode();
-            const Read read = AllSamples(flac.File(), channels);
+            const DecodedSamples read = AllSamples(flac.File(), channels);
             for (std::size_t channel = 0; channel < channels; ++channel)
                 ASSERT_TRUE(std::ranges::equal(read[channel], flac.samples[channel])) << channel;
             const RecordingContent content = ReadFlac(Source(flac.File()));
@@ -90,9 +90,9 @@ TEST(FlacReader, EveryCodingIsReadExactlyAndAlikeByEveryCall) {
 }
 
 /// Bytes in memory; counts those that are read.
-class CountingSource final : public ByteSource {
+class ReadRanges final : public ByteSource {
   public:
-    explicit CountingSource(const std::string& bytes) : m_bytes(bytes) {}
+    explicit ReadRanges(const std::string& bytes) : m_bytes(bytes) {}
     [[nodiscard]] std::uint64_t Size() const override { return m_bytes.size(); }
     std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t count) override {
         const std::size_t copied = m_bytes.copy(static_cast<char*>(buffer), count, static_cast<std::size_t>(offset));
@@ -124,7 +124,7 @@ TEST(FlacReader, AnyPlaceIsFoundWithFewReadsWhateverTheSeekTableSays) {
     for (const std::string& table : {std::string(), right.bytes, wrong.bytes}) {
         const std::string file = start + FlacBuilder::Metadata(3, table, true) + flac.Body();
         ASSERT_GT(file.size(), 2000000U);
-        const auto source = std::make_shared<CountingSource>(file);
+        const auto source = std::make_shared<ReadRanges>(file);
         const RecordingContent content = ReadFlac(source);
         EXPECT_LT(source->read, 200000U) << "opening";
         RecordingBlock& block = *content.blocks.at(0);

@@ -89,8 +89,9 @@ std::vector<double> Response(const FilterDesign& design, std::size_t count) {
 TEST(Filter, EqualsTheReference) {
     for (const FilterReference& reference : kFilterReferences) {
         const FilterSettings& settings = reference.settings;
-        SCOPED_TRACE(testing::Message() << settings.highPass << " to " << settings.lowPass << " Hz of order "
-                                        << settings.order << ", notch " << settings.notch << " at " << reference.rate);
+        SCOPED_TRACE(::testing::Message()
+                     << settings.highPass << " to " << settings.lowPass << " Hz of order " << settings.order
+                     << ", notch " << settings.notch << " at " << reference.rate);
         const FilterDesign design(settings, reference.rate);
         const Codes codes = Noise(reference.count);
         const std::vector<float> uncut = Uncut(design, codes);
@@ -124,7 +125,7 @@ TEST(Filter, SettlingIsABoundAndNotMuchMore) {
         {{.notch = 50.0, .bothWays = true}, 1000.0},
     };
     for (const auto& [settings, rate] : cases) {
-        SCOPED_TRACE(testing::Message() << settings.highPass << ' ' << settings.lowPass << ' ' << settings.notch);
+        SCOPED_TRACE(::testing::Message() << settings.highPass << ' ' << settings.lowPass << ' ' << settings.notch);
         const FilterDesign design(settings, rate);
         const auto settling = static_cast<std::size_t>(design.Settling());
         const std::vector<double> response = Response(design, 2 * settling + 100);
@@ -182,7 +183,7 @@ TEST(Filter, AnyPartIsTheSameBits) {
         {{}, 256.0},
     };
     for (const auto& [settings, rate] : cases) {
-        SCOPED_TRACE(testing::Message() << settings.highPass << ' ' << settings.lowPass << ' ' << settings.notch);
+        SCOPED_TRACE(::testing::Message() << settings.highPass << ' ' << settings.lowPass << ' ' << settings.notch);
         const FilterDesign design(settings, rate);
         const auto samples = static_cast<std::int32_t>(3 * design.CellLength() + 777);
         constexpr std::size_t kChannels = 19;

@@ -14,10 +14,10 @@ namespace {
 
 using namespace ::quillon::testing;
 
-constexpr std::int32_t kWidth = 300;
+constexpr std::int32_t kTraceWidth = 300;
 constexpr std::int32_t kHeight = 200;
 
-/// A view of noise in a graph of kWidth x kHeight, one unit to a code.
+/// A view of noise in a graph of kTraceWidth x kHeight, one unit to a code.
 struct Noise {
     explicit Noise(std::size_t channels) {
         std::mt19937 random(4);
@@ -35,7 +35,7 @@ struct Noise {
             lanes[0].channels.push_back(static_cast<std::int16_t>(at + 1));
         }
         axis.SetBlock(block.sampleCount);
-        axis.SetWidth(kWidth);
+        axis.SetWidth(kTraceWidth);
         lanes[0].height = kHeight;
         AmplitudeScale scale;
         scale.SetGraph(kHeight, kHeight / 2);
@@ -53,9 +53,9 @@ struct Noise {
 using Image = std::vector<std::uint32_t>;
 
 Image Drawn(TracePicture& picture, const GraphScene& scene, std::size_t traces) {
-    Image image(static_cast<std::size_t>(kWidth * kHeight), 0xFFFFFF);
-    picture.Reset(traces, kWidth, kHeight);
-    picture.Draw(scene, 0, kWidth);
+    Image image(static_cast<std::size_t>(kTraceWidth * kHeight), 0xFFFFFF);
+    picture.Reset(traces, kTraceWidth, kHeight);
+    picture.Draw(scene, 0, kTraceWidth);
     picture.Compose(image.data());
     return image;
 }
@@ -81,11 +81,11 @@ TEST(TracePicture, EveryColumnHoldsItsRunOfSamplesAndLinesToItsNeighbours) {
             const auto [low, high] = std::minmax_element(first, first + (2 * reach + 1) * perPixel);
             return std::pair(rowOf(*high), rowOf(*low));
         };
-        for (std::int32_t column = 2; column < kWidth - 2; ++column) {
+        for (std::int32_t column = 2; column < kTraceWidth - 2; ++column) {
             const auto [top, bottom] = rows(column, 1);
             std::int32_t seen = 0;
             for (std::int32_t row = 0; row < kHeight; ++row) {
-                if (image[static_cast<std::size_t>(row * kWidth + column)] == 0xFFFFFF) continue;
+                if (image[static_cast<std::size_t>(row * kTraceWidth + column)] == 0xFFFFFF) continue;
                 ASSERT_TRUE(row >= top && row <= bottom) << zoom << ' ' << column << ' ' << row;
                 ++seen;
             }
@@ -128,9 +128,9 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
         scene.look = {round % 4 < 2 ? &kLightColors : &kDarkColors, 1 + round % 7};
         const std::int32_t beyond = scene.look.lineWidth / 2;
         GraphPicture scrolled, anew, plain;
-        Image image(static_cast<std::size_t>(kWidth * kHeight)), expected(image.size()), without(image.size());
+        Image image(static_cast<std::size_t>(kTraceWidth * kHeight)), expected(image.size()), without(image.size());
         for (const auto& [picture, pixels] : {std::pair{&scrolled, &image}, {&anew, &expected}, {&plain, &without}})
-            picture->SetPixels(pixels->data(), kWidth, kHeight);
+            picture->SetPixels(pixels->data(), kTraceWidth, kHeight);
         // Texts of marks lie over the traces.
         constexpr std::uint32_t textColor = 0x123456;
         const auto isText = [&](std::int32_t column) { return (noise.axis.FirstColumn() + column) % 40 < 9; };
@@ -138,7 +138,7 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
             return [&](const GraphScene&, std::int32_t from, std::int32_t to) {
                 for (std::int32_t column = from; column < to; ++column) {
                     for (std::size_t row = 0; isText(column) && row < 14; ++row)
-                        pixels[row * kWidth + static_cast<std::size_t>(column)] = textColor;
+                        pixels[row * kTraceWidth + static_cast<std::size_t>(column)] = textColor;
                 }
             };
         };
@@ -149,7 +149,8 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
         for (int step = 0; step < 4; ++step) {
             for (const GraphBand which : {GraphBand::Selection, GraphBand::Cursor, GraphBand::Play}) {
                 std::optional<ColumnBand> band;
-                if (const std::int32_t left = some(kWidth + 20) - 10; some(4) != 0) band = {left, left + some(kWidth)};
+                if (const std::int32_t left = some(kTraceWidth + 20) - 10; some(4) != 0)
+                    band = {left, left + some(kTraceWidth)};
                 scrolled.SetBand(which, band);
                 anew.SetBand(which, band);
             }
@@ -161,8 +162,8 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
                 scrolled.SetBand(which, {});
             plain.Draw(scene);
             ASSERT_TRUE(image == without) << round;
-            for (std::int32_t column = 0; column < kWidth; ++column)
-                ASSERT_TRUE(!isText(column) || image[static_cast<std::size_t>(5 * kWidth + column)] == textColor);
+            for (std::int32_t column = 0; column < kTraceWidth; ++column)
+                ASSERT_TRUE(!isText(column) || image[static_cast<std::size_t>(5 * kTraceWidth + column)] == textColor);
         }
         if (noise.axis.Visible().count < 1) continue;
         for (std::size_t at = 0; at < channels; ++at) {
@@ -172,8 +173,8 @@ TEST(GraphPicture, LanesScrollAsTheyAreDrawnAndClippedTracesStayInTheirs) {
             const auto [low, high] = std::minmax({lane.RowOf(0.0), lane.RowOf(99.0)});
             std::size_t pixels = 0;
             for (std::int32_t row = 0; row < kHeight; ++row) {
-                const auto* const from = image.data() + static_cast<std::ptrdiff_t>(row) * kWidth;
-                const auto found = static_cast<std::size_t>(std::count(from, from + kWidth, color));
+                const auto* const from = image.data() + static_cast<std::ptrdiff_t>(row) * kTraceWidth;
+                const auto found = static_cast<std::size_t>(std::count(from, from + kTraceWidth, color));
                 pixels += found;
                 if (found == 0) continue;
                 ASSERT_TRUE(row >= low - 1.5 - beyond && row <= high + 1.5 + beyond) << "at the rows of its values";
@@ -210,8 +211,8 @@ TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
         noise.axis.SelectZoom(some(10));
         noise.axis.ScrollBy(some(500));
         GraphPicture sliced;
-        Image image(static_cast<std::size_t>(kWidth * kHeight));
-        sliced.SetPixels(image.data(), kWidth, kHeight);
+        Image image(static_cast<std::size_t>(kTraceWidth * kHeight));
+        sliced.SetPixels(image.data(), kTraceWidth, kHeight);
         sliced.SetPatience(std::chrono::milliseconds(0));
         sliced.SetBand(GraphBand::Selection, ColumnBand{50, 200});
         sliced.SetBand(GraphBand::Cursor, ColumnBand{120, 120});
@@ -233,7 +234,7 @@ TEST(GraphPicture, DrawnInSlicesItIsWhatItIsDrawnAtOnce) {
         }
         GraphPicture anew;
         Image expected(image.size());
-        anew.SetPixels(expected.data(), kWidth, kHeight);
+        anew.SetPixels(expected.data(), kTraceWidth, kHeight);
         anew.SetBand(GraphBand::Selection, ColumnBand{50, 200});
         anew.SetBand(GraphBand::Cursor, ColumnBand{120, 120});
         anew.Draw(scene);

@@ -22,10 +22,6 @@ namespace {
 constexpr std::size_t kCommonBytes = 18;
 constexpr std::uint64_t kOffsetBytes = 8;  // in front of the samples
 
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
-
 /// The chunks that a recording is read from; the first of a kind counts.
 struct AiffChunks {
     std::optional<WaveChunk> common;

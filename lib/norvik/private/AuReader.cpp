@@ -18,10 +18,6 @@ namespace {
 constexpr std::size_t kHeaderBytes = 24;
 constexpr std::uint32_t kUnknownSize = 0xFFFFFFFF;
 
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
-
 bool Begins(std::span<const std::uint8_t> bytes, std::string_view letters) {
     return bytes.size() >= letters.size() && std::equal(letters.begin(), letters.end(), bytes.begin());
 }

@@ -38,7 +38,7 @@ double DaysOf(std::int64_t microseconds) {
 }
 
 /// 0 for what is no whole number above 0.
-std::uint64_t Number(std::u16string_view text) {
+std::uint64_t WholeNumber(std::u16string_view text) {
     const std::string digits = Utf8(text);
     std::uint64_t number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
@@ -144,9 +144,9 @@ BrainVisionMarkers ParseBrainVisionMarkers(std::string_view text, std::uint64_t 
         BrainVisionMarker marker;
         marker.type = fields.Next();
         marker.description = fields.Next();
-        const std::uint64_t position = Number(fields.Next());
-        marker.size = Number(fields.Next());
-        marker.channel = Number(fields.Next());
+        const std::uint64_t position = WholeNumber(fields.Next());
+        marker.size = WholeNumber(fields.Next());
+        marker.channel = WholeNumber(fields.Next());
         marker.date = ParseDate(fields.Next());
         if (position < 1 || position > samples) {
             ++markers.leftOut;

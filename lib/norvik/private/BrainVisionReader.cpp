@@ -9,6 +9,7 @@
 #include "norvik/private/BrainVisionMarkers.h"
 #include "norvik/private/FrameCount.h"
 #include "norvik/private/RecordBlock.h"
+#include "norvik/private/Refusals.h"
 #include "norvik/private/ReorderedSource.h"
 #include "norvik/private/SectionedText.h"
 #include "norvik/private/TextSamples.h"
@@ -17,12 +18,8 @@ namespace quillon {
 
 namespace {
 
-constexpr std::uint64_t kHeaderBytes = std::uint64_t{4} << 20;
+constexpr std::uint64_t kMostHeaderBytes = std::uint64_t{4} << 20;
 constexpr std::uint64_t kMarkerBytes = std::uint64_t{64} << 20;
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
 
 struct Companion {
     std::shared_ptr<ByteSource> source;  ///< null: not found
@@ -204,7 +201,7 @@ std::vector<Bilingual> ReadMarkers(const RecordingFile& file, const BrainVisionH
 }  // namespace
 
 RecordingContent ReadBrainVision(const RecordingFile& file) {
-    const BrainVisionHeader header = ParseBrainVisionHeader(ReadTextStart(*file.source, kHeaderBytes));
+    const BrainVisionHeader header = ParseBrainVisionHeader(ReadTextStart(*file.source, kMostHeaderBytes));
     const Companion data = FindCompanion(file, header.dataFile, {u".eeg", u".dat"});
     if (!data.source) {
         const Bilingual reason =

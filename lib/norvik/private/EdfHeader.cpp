@@ -40,10 +40,6 @@ struct Field {
     Refuse({std::u16string(english) + place.english, std::u16string(russian) + place.russian});
 }
 
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
-
 std::optional<std::int64_t> ParseWhole(std::string_view field) {
     const std::optional<double> number = ParseEdfNumber(field);
     if (!number || std::nearbyint(*number) != *number || std::abs(*number) > kLargestWhole) return std::nullopt;

@@ -8,8 +8,6 @@ namespace quillon {
 
 namespace {
 
-/// Up to this size it is cheaper to read whole records than to leave out what lies between the parts.
-constexpr std::uint64_t kSmallRecord = 8192;
 /// A read costs about as much as this many bytes more; that many are fetched at least.
 constexpr std::uint64_t kReadCost = 4096;
 /// Bytes of one stream to be read at once when several are read side by side: whole samples of 2, 3, 4 and 8 bytes.

@@ -12,6 +12,9 @@
 
 namespace quillon {
 
+/// Up to this size it is cheaper to read whole records than to leave out what lies between the parts.
+constexpr std::uint64_t kSmallRecord = 8192;
+
 /// Records of a fixed size, each of which holds a part of every signal at the same place.
 ///
 /// The parts of one signal, joined over the records, are a stream of bytes. Visit walks a range of the streams of

@@ -5,14 +5,13 @@
 #include <string_view>
 #include <utility>
 
+#include "norvik/private/EdfRecords.h"
 #include "norvik/private/FileBlock.h"
 
 namespace quillon {
 
 namespace {
 
-/// Up to this size it is cheaper to read whole records than to leave out what lies between the parts.
-constexpr std::uint64_t kSmallRecord = 8192;
 /// What a read of a few bytes costs of a step, since the disk has to seek, and what it counts for in BytesRead.
 constexpr std::uint64_t kSeekCost = 32768;
 constexpr std::uint64_t kLeastRead = 16384;

@@ -1,4 +1,5 @@
 #include "norvik/private/FlacMetadata.h"
+#include "norvik/private/Refusals.h"
 
 #include <algorithm>
 #include <array>
@@ -32,10 +33,6 @@ struct BlockHeader {
     unsigned type = 0;
     std::size_t size = 0;
 };
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
 
 /// The big-endian number of `size` bytes.
 std::uint64_t Big(std::span<const std::uint8_t> bytes, std::size_t offset, std::size_t size) {

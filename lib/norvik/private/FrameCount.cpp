@@ -1,4 +1,5 @@
 #include "norvik/private/FrameCount.h"
+#include "norvik/private/Refusals.h"
 
 #include <array>
 #include <charconv>
@@ -6,14 +7,6 @@
 #include "base/Text.h"
 
 namespace quillon {
-
-namespace {
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
-
-}  // namespace
 
 FrameCount CountFrames(std::uint64_t declared, std::uint64_t available, std::size_t frameBytes) {
     if (declared <= available) return {declared / frameBytes, {}};

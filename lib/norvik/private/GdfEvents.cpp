@@ -1,4 +1,5 @@
 #include "norvik/private/GdfEvents.h"
+#include "norvik/private/Refusals.h"
 
 #include <algorithm>
 #include <array>
@@ -17,10 +18,6 @@ constexpr int kCountFirst = 194;
 constexpr std::uint16_t kBreak = 0x7FFE;
 constexpr std::uint16_t kSparseSample = 0x7FFF;
 constexpr std::uint16_t kEndOfEvent = 0x8000;
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
 
 /// Where the arrays of the table lie.
 struct Table {

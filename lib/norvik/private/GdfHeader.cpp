@@ -26,10 +26,6 @@ constexpr int kSecondEdition = 191;
 /// From here on the duration of a record is a float.
 constexpr int kFloatDuration = 221;
 
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
-
 /// Up to the first zero, without blanks around.
 std::u16string TextOf(const std::uint8_t* bytes, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);

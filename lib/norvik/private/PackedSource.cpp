@@ -14,13 +14,13 @@ namespace {
 
 constexpr std::size_t kLongestGroup = 4;
 
-struct Group {
+struct PackedGroup {
     std::size_t bytes;
     std::size_t samples;
 };
 
-Group GroupOf(Packing packing) {
-    return packing == Packing::Format212 ? Group{3, 2} : Group{4, 3};
+PackedGroup GroupOf(Packing packing) {
+    return packing == Packing::Format212 ? PackedGroup{3, 2} : PackedGroup{4, 3};
 }
 
 /// Samples that lie whole in the first bytes of a group.
@@ -30,7 +30,7 @@ std::size_t SamplesOfCutGroup(Packing packing, std::size_t bytes) {
 }
 
 std::uint64_t CountSamples(Packing packing, std::uint64_t bytes) {
-    const Group group = GroupOf(packing);
+    const PackedGroup group = GroupOf(packing);
     return bytes / group.bytes * group.samples +
            SamplesOfCutGroup(packing, static_cast<std::size_t>(bytes % group.bytes));
 }

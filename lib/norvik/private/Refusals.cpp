@@ -5,13 +5,9 @@
 
 namespace quillon {
 
-namespace {
-
 std::u16string Number(std::uint64_t number) {
     return Decimal(static_cast<std::int64_t>(number));
 }
-
-}  // namespace
 
 void RefuseCutHeader(std::uint64_t size, std::uint64_t needed) {
     throw FormatError(Say(u"the header ends at byte %1 of %2", u"заголовок обрывается на байте %1 из %2",

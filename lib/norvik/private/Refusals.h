@@ -7,6 +7,9 @@
 /// Why files of several formats cannot be read. Each throws FormatError.
 namespace quillon {
 
+/// A number of a file, for messages.
+[[nodiscard]] std::u16string Number(std::uint64_t number);
+
 /// The file has `size` bytes, its header `needed`.
 [[noreturn]] void RefuseCutHeader(std::uint64_t size, std::uint64_t needed);
 

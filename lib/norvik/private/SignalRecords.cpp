@@ -4,16 +4,9 @@
 
 #include "base/Text.h"
 #include "norvik/private/EdfHeader.h"
+#include "norvik/private/Refusals.h"
 
 namespace quillon {
-
-namespace {
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
-
-}  // namespace
 
 std::optional<LinearUnits> UnitsOfLimits(double physicalMinimum, double physicalMaximum, double digitalMinimum,
                                          double digitalMaximum) {

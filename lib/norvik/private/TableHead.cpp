@@ -115,7 +115,7 @@ double UsualStep(const std::vector<double>& times) {
 }
 
 /// Without what binary fractions add to differences of decimal ones.
-std::u16string Number(double number) {
+std::u16string RoundNumber(double number) {
     constexpr double places = 1e9;
     return ShortestDecimal(std::fabs(number) < places ? std::nearbyint(number * places) / places : number);
 }
@@ -178,10 +178,11 @@ std::optional<std::size_t> TimeFinder::FindUneven(const std::vector<double>& tim
 
 void TimeFinder::RefuseUneven(const Sampled& sampled) const {
     if (const auto at = FindUneven(sampled.times, 0.5, 2.5)) {
-        throw FormatError(Say(u"the rows are not evenly spaced (line %1: step %2, else %3)",
-                              u"строки идут неравномерно (строка %1: шаг %2, в остальных %3)",
-                              {Decimal(static_cast<std::int64_t>(sampled.lines[*at]) + 1),
-                               Number(sampled.times[*at] - sampled.times[*at - 1]), Number(m_head.clock.step)}));
+        throw FormatError(
+            Say(u"the rows are not evenly spaced (line %1: step %2, else %3)",
+                u"строки идут неравномерно (строка %1: шаг %2, в остальных %3)",
+                {Decimal(static_cast<std::int64_t>(sampled.lines[*at]) + 1),
+                 RoundNumber(sampled.times[*at] - sampled.times[*at - 1]), RoundNumber(m_head.clock.step)}));
     }
 }
 

@@ -147,7 +147,7 @@ auto Rank(const Trial& trial) {
     return std::tuple(trial.rows, kMostColumns - trial.textColumns, trial.titled, several, strong, trial.usesDecimal);
 }
 
-std::u16string Place(std::size_t number) {
+std::u16string FromOne(std::size_t number) {
     return Decimal(static_cast<std::int64_t>(number) + 1);
 }
 
@@ -162,12 +162,12 @@ std::u16string Place(std::size_t number) {
             if (KindOfField(fields[at], layout.format.decimal) != FieldKind::Text) continue;
             throw FormatError(Say(u"no table of numbers: line %1 has '%2' in column %3",
                                   u"нет таблицы чисел: в строке %1, столбец %3 — «%2»",
-                                  {Place(line), FromUtf8OrLatin1(fields[at].substr(0, longest)), Place(at)}));
+                                  {FromOne(line), FromUtf8OrLatin1(fields[at].substr(0, longest)), FromOne(at)}));
         }
         if (layout.Fields() > 0 && fields.size() != layout.Fields()) {
             throw FormatError(Say(u"no table of numbers: line %1 has %2 columns, most have %3",
                                   u"нет таблицы чисел: в строке %1 столбцов: %2, в большинстве — %3",
-                                  {Place(line), Place(fields.size() - 1), Place(layout.Fields() - 1)}));
+                                  {FromOne(line), FromOne(fields.size() - 1), FromOne(layout.Fields() - 1)}));
         }
     }
     if (from > 0) Refuse(lines, layout, 0);
@@ -210,7 +210,7 @@ TableLayout FindTableLayout(const TableLines& lines) {
     const TableLayout& layout = best->layout;
     if (layout.firstRow > kMostHeaderLines)
         throw FormatError(Say(u"no table of numbers in the first %1 lines", u"в первых строках (%1) нет таблицы чисел",
-                              {Place(kMostHeaderLines - 1)}));
+                              {FromOne(kMostHeaderLines - 1)}));
     std::size_t rows = 0;
     std::size_t others = 0;
     for (std::size_t line = layout.firstRow; line < lines.size(); ++line) {

@@ -42,7 +42,7 @@ std::uint64_t Aligned(std::uint64_t offset) {
 }
 
 /// True when a whole chunk lies at `offset`, so that what comes before it has ended there.
-bool ChunkFollows(ByteSource& source, std::uint64_t offset) {
+bool LongChunkFollows(ByteSource& source, std::uint64_t offset) {
     const std::optional<Header> header = ReadHeader(source, offset);
     return header && header->size >= kHeaderBytes && header->size <= source.Size() - offset;
 }
@@ -76,7 +76,7 @@ WaveChunks WalkW64Chunks(ByteSource& source) {
         if (header->id == broadcast && !chunks.broadcast) chunks.broadcast = chunk;
         if (isData) {
             // Sizes of 64 bits do not wrap.
-            chunks.data = WaveData{chunk, size == 0 && !ChunkFollows(source, offset), rest, 0xFFFFFFFF};
+            chunks.data = WaveData{chunk, size == 0 && !LongChunkFollows(source, offset), rest, 0xFFFFFFFF};
             if (chunks.data->sizeUnknown) break;
         }
         at = Aligned(offset + chunk.available);

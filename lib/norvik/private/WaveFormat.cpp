@@ -15,10 +15,6 @@ constexpr std::uint16_t kExtensible = 0xFFFE;
 constexpr std::size_t kPlainBytes = 16;
 constexpr std::size_t kExtensibleBytes = 26;
 
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
-
 [[noreturn]] void RefuseFormatTag(std::uint16_t tag, std::uint64_t offset) {
     std::u16string_view name;
     switch (tag) {

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "base/Text.h"
+#include "norvik/private/Refusals.h"
 #include "norvik/private/WfdbFields.h"
 
 namespace quillon {
@@ -22,10 +23,6 @@ constexpr std::size_t kRemarkLetters = 120;
 /// Of the record's name in titles of signals.
 constexpr std::size_t kTitleBytes = 64;
 constexpr std::array kFormats{8, 16, 24, 32, 61, 80, 160, 212, 310, 311, 508, 516, 524};
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
 
 /// "line 3: gain 'abc'"
 [[noreturn]] void RefuseField(std::size_t line, std::u16string_view english, std::u16string_view russian,

@@ -9,6 +9,7 @@
 #include "base/Text.h"
 #include "norvik/private/EdfAnnotations.h"
 #include "norvik/private/FrameCount.h"
+#include "norvik/private/Refusals.h"
 #include "norvik/private/SectionedText.h"
 #include "norvik/private/WfdbAnnotations.h"
 #include "norvik/private/WfdbHeader.h"
@@ -28,10 +29,6 @@ constexpr std::uint64_t kAnnotationBytes = std::uint64_t{64} << 20;
 constexpr double kSecondsPerDay = 86400.0;
 /// Which annotators are looked for, in this order.
 constexpr std::array<std::u16string_view, 7> kAnnotators{u".atr", u".ari", u".ecg", u".qrs", u".st", u".apn", u".ann"};
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
 
 /// A record within the recording.
 struct Part {

@@ -10,6 +10,7 @@
 #include "norvik/private/GatheredSource.h"
 #include "norvik/private/PackedSource.h"
 #include "norvik/private/PartSource.h"
+#include "norvik/private/Refusals.h"
 #include "norvik/private/ReorderedSource.h"
 
 namespace quillon {
@@ -18,10 +19,6 @@ namespace {
 
 /// The formats of whole FLAC files: this, and the bits of a sample.
 constexpr int kFlacFormat = 500;
-
-std::u16string Number(std::uint64_t number) {
-    return Decimal(static_cast<std::int64_t>(number));
-}
 
 /// A file of samples, and the signals in it.
 struct SignalFile {
@@ -159,8 +156,8 @@ ChannelDescription DescribeChannel(const WfdbSignal& signal) {
 }
 
 /// Sets where the samples of a group lie: in a file as it is, where they are neighbours, or gathered.
-void Place(const std::vector<SignalFile>& files, const std::vector<GatheredSignal>& places, std::uint64_t frames,
-           WfdbGroup& group) {
+void PlaceSignals(const std::vector<SignalFile>& files, const std::vector<GatheredSignal>& places, std::uint64_t frames,
+                  WfdbGroup& group) {
     std::vector<NumberFile> used;
     std::map<std::size_t, std::size_t> known;
     std::vector<GatheredSignal> signals;
@@ -209,7 +206,7 @@ void MakeGroups(const std::vector<SignalFile>& files, WfdbRecord& record) {
         std::vector<ChannelDescription> channels;
         for (const std::size_t ordinal : made.signals) channels.push_back(DescribeChannel(signals[ordinal]));
         made.channels = std::make_shared<const std::vector<ChannelDescription>>(std::move(channels));
-        Place(files, places, record.frames, made);
+        PlaceSignals(files, places, record.frames, made);
         record.groups.push_back(std::move(made));
     }
 }

@@ -33,7 +33,7 @@ HMODULE g_program = nullptr;
 KernelPath g_path;
 OSVERSIONINFOW g_system;
 decltype(&NtCreateFile) g_createFile = nullptr;
-FixedText g_text;
+BoundedText g_text;
 CallList g_calls;
 CONTEXT g_context;
 std::atomic<DWORD> g_writer = 0;  ///< thread that writes

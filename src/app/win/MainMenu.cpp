@@ -170,7 +170,7 @@ void MainMenu::Open(HMENU menu, Playback& playback, const ShownCommands& shown,
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
         }
         if (const auto choice = SpectrogramChoiceOf(static_cast<int>(id), state.sampleRate);
-            choice && choice->field != SpectrogramField::Palette) {
+            choice && choice->field != SpectrogramField::Colors) {
             const std::u16string caption = quillon::CaptionOf(*choice, m_services, m_format.decimalSeparator);
             ModifyMenuW(menu, id, MF_BYCOMMAND | MF_STRING, id, Wide(caption).c_str());
         }

@@ -137,7 +137,11 @@ void MainRooms::WireCommands() {
     commands.onSelect = [this] { graph.EndSelecting(); };
     commands.onReadout = [this](std::int32_t sample) { graph.ShowSample(sample); };
     dialogs.onHelp = spectrum.onHelp = [this](const wchar_t* page) { onHelp(page); };
-    dialogs.onGoTo = [this](const GoToMeaning& place) { commands.GoTo(place); };
+    dialogs.onGoTo = [this](const GoToMeaning& place) {
+        commands.GoTo(place);
+        // The pointer may rest over the graph, and the system reports it as moved when the dialog closes.
+        m_hover.HoldUntilMoved();
+    };
     dialogs.onRedraw = [this] { Refresh(), recording.marks.MarksChanged(); };
     dialogs.onWork = [this](const std::function<void()>& work) { longCommand.RunWhole(work); };
     dialogs.onStatistics = [this](StatisticsPass* pass) {
