@@ -85,8 +85,14 @@ void MeasureAndSend(User& me, const std::filesystem::path& sent) {
     EXPECT_TRUE(me.StrikeUntil(VK_DOWN, [&] { return type() == 4; }));
     me.Strike(VK_RETURN);
     EXPECT_TRUE(WaitUntil([&] { return !IsWindow(save); }));
+    EXPECT_TRUE(WaitUntil([&] {
+        wchar_t told[1024] = {};
+        SendPointer(me.Control(sbInfo), SB_GETTEXTW, static_cast<WPARAM>(StatusPanel::Status), told);
+        return std::wstring_view(told).find(L"sent.edf") != std::wstring_view::npos;
+    }));
     // Two of three channels, two seconds.
-    EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(sent) && std::filesystem::file_size(sent) > 800; }));
+    EXPECT_GT(std::filesystem::file_size(sent), 800U);
+    EXPECT_TRUE(WaitUntil([&] { return GetForegroundWindow() == me.Window(); }));
 }
 
 /// Filters, the spectrum, sound and another look.

@@ -144,15 +144,15 @@ TEST_F(WaveformViewTest, PlacesRangesAndPagesAreGoneTo) {
     };
     const auto middle = [&] { return SampleUnder(axis, axis.Width() / 2); };
     // The pointer rests over the graph, which the system tells when the dialog is gone.
-    Point(pbGraph, 10, 10);
+    Point(10, 10);
     EXPECT_EQ(type(L"#50000", L""), L"");
     EXPECT_EQ(middle(), 50000);
-    const std::u16string gone = m_form->ValuesText();
+    const std::wstring gone = Values();
     SendMessageW(Control(pbGraph), WM_MOUSEMOVE, 0, MAKELPARAM(10, 10));
-    EXPECT_EQ(m_form->ValuesText(), gone);
-    Point(pbGraph, 11, 10);
+    EXPECT_EQ(Values(), gone);
+    Point(11, 10);
     SendMessageW(Control(pbGraph), WM_MOUSEMOVE, 0, MAKELPARAM(11, 10));
-    EXPECT_NE(m_form->ValuesText(), gone);
+    EXPECT_NE(Values(), gone);
     EXPECT_THAT(type(L"somewhere", L""), HasSubstr(L"no such place"));
     EXPECT_THAT(type(L"#7..nowhere", L""), HasSubstr(L"no such place"));
     EXPECT_EQ(middle(), 50000);
