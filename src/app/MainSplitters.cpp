@@ -87,6 +87,7 @@ PixelRect FramedWith(const MainLayout& layout, int control) {
         case lstFile:
         case lvMarks: return layout.files;
         case lstBlock: return layout.blocks;
+        case pnValues: return layout.values;
         case pbGraph:
             return {layout.scaleY.left, layout.scaleY.top, layout.scrollY.Right() - layout.scaleY.left,
                     layout.scrollX.Bottom() - layout.scaleY.top};

@@ -186,6 +186,9 @@ void MainRooms::CreatePictures() {
     if (!graph.CreateRest(Window()) || !m_valuesPanel.Create(Window(), pnValues) || !spectrogram.Create(Window()) ||
         !overview.Create(Window()))
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "picture");
+    // Tab reaches it behind the lists, below which it is.
+    SetWindowPos(m_valuesPanel.Window(), GetDlgItem(Window(), lvMarks), 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 void MainRooms::CreateRest() {

@@ -1,11 +1,20 @@
 #include "app/win/Panel.h"
 
+#include <algorithm>
+
 #include "app/PanelTable.h"
 
 namespace quillon {
 
+namespace {
+
+/// Beyond every line; painting takes the last that there is.
+constexpr std::int32_t kLastLine = 1 << 20;
+
+}  // namespace
+
 bool Panel::Create(HWND parent, int id) {
-    return m_box.Create(parent, id, *this, false);
+    return m_box.Create(parent, id, *this, true);
 }
 
 void Panel::PaintPicture(int, HDC dc, const RECT& clip) {
@@ -42,6 +51,7 @@ void Panel::PaintTable(HDC dc, const RECT& place) {
             lines, width, static_cast<int>(place.bottom - place.top),
             {static_cast<int>(metrics.tmHeight), static_cast<int>(metrics.tmAveCharWidth) * 3 / 2, widthOf});
     }
+    m_page = std::max<std::int32_t>(table.rows * table.columns - 1, 1);
     const SelectScope select(dc, font.Get());
     for (const SeenCell& cell : SeenCells(lines, table, width, m_first)) {
         RECT box{place.left + cell.left, place.top + cell.top, place.left + cell.right,
@@ -74,6 +84,20 @@ bool Panel::PictureMouse(int, UINT message, WPARAM wParam, LPARAM) {
     m_wheelRest += GET_WHEEL_DELTA_WPARAM(wParam);
     m_first -= m_wheelRest / line;
     m_wheelRest %= line;
+    Refresh();
+    return true;
+}
+
+bool Panel::PictureKey(WPARAM key) {
+    switch (key) {
+        case VK_UP: --m_first; break;
+        case VK_DOWN: ++m_first; break;
+        case VK_PRIOR: m_first -= m_page; break;
+        case VK_NEXT: m_first += m_page; break;
+        case VK_HOME: m_first = 0; break;
+        case VK_END: m_first = kLastLine; break;
+        default: return false;
+    }
     Refresh();
     return true;
 }

@@ -31,6 +31,7 @@ class Panel final : public PictureOwner {
 
     void PaintPicture(int id, HDC dc, const RECT& clip) override;
     bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    bool PictureKey(WPARAM key) override;
     void PictureFailed(const std::exception&) override {}
 
   private:
@@ -42,6 +43,7 @@ class Panel final : public PictureOwner {
     Announcer m_announcer;
     bool m_bold = false;
     std::int32_t m_first = 0;  ///< first visible line
+    std::int32_t m_page = 1;   ///< lines that were seen last, less one
     int m_wheelRest = 0;       ///< wheel movement of less than one line
 };
 

@@ -53,6 +53,9 @@ LRESULT PictureBox::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             return 1;
         }
         case WM_GETDLGCODE: return DLGC_WANTARROWS;
+        case WM_KEYDOWN:
+            if (m_owner->PictureKey(wParam)) return 0;
+            break;
         case WM_SETFOCUS:
         case WM_KILLFOCUS: Invalidate(); return 0;
         case WM_NCDESTROY:

@@ -14,13 +14,15 @@ class PictureOwner {
     virtual void PaintPicture(int id, HDC dc, const RECT& clip) = 0;
     /// A mouse message of the picture; true when it was handled.
     virtual bool PictureMouse(int id, UINT message, WPARAM wParam, LPARAM lParam) = 0;
+    /// A key that the main window leaves to the picture that has the keyboard; true when it was handled.
+    virtual bool PictureKey(WPARAM) { return false; }
     /// One of the above threw; no exception leaves a window procedure.
     virtual void PictureFailed(const std::exception& error) = 0;
 };
 
 /// A child window that shows a picture its owner paints. WM_PAINT and WM_PRINTCLIENT paint alike, so its pixels can be
-/// obtained without a screen; WM_PRINTCLIENT returns 0 on failure. It can take the keyboard focus; keys are handled by
-/// the main window before they get here.
+/// obtained without a screen; WM_PRINTCLIENT returns 0 on failure. It can take the keyboard focus; most keys are
+/// handled by the main window before they get here.
 class PictureBox {
   public:
     PictureBox() = default;

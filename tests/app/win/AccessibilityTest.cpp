@@ -103,6 +103,26 @@ TEST_F(AccessibilityTest, StatusAndReadoutAreAnnounced) {
     EXPECT_NE(WindowText(Control(pnValues)).find(L"X: "), std::wstring::npos) << WindowText(Control(pnValues)).c_str();
 }
 
+TEST_F(AccessibilityTest, ValuesThatHaveNoRoomAreReadByKeys) {
+    m_folder.Write(u"a.bin", BinRecording(100, Noise(2000, 21)));
+    Start();
+    Command(mnuSelect);
+    SetFocus(Control(pnValues));
+    const auto after = [&](WPARAM key) {
+        SendMessageW(Control(pnValues), WM_KEYDOWN, key, 0);
+        return Capture(pnValues);
+    };
+    const Pixels first = Capture(pnValues);
+    const Pixels last = after(VK_END);
+    EXPECT_NE(last, first);
+    EXPECT_EQ(after(VK_DOWN), last);
+    EXPECT_NE(after(VK_UP), last);
+    EXPECT_EQ(after(VK_DOWN), last);
+    EXPECT_NE(after(VK_PRIOR), last);
+    EXPECT_EQ(after(VK_HOME), first);
+    EXPECT_EQ(after(VK_LEFT), first);
+}
+
 TEST_F(AccessibilityTest, MenusOpenByKeysWhereTheyOpenByTheMouse) {
     m_folder.Write(u"a.bin", SawRecording());
     Start();
@@ -129,11 +149,11 @@ TEST_F(AccessibilityTest, TabGoesFromListToListAsTheEyeDoes) {
     Start();
     SelectPage(m_form->Window(), TabPages::Path, 0);
     SelectPage(m_form->Window(), TabPages::File, 0);
-    EXPECT_EQ(TabOrder(),
-              (std::vector<int>{pbGraph, tabPath, lstDrive, pbPathList, lstDir, tabFile, cboFileType, lstFile}));
+    EXPECT_EQ(TabOrder(), (std::vector<int>{pbGraph, tabPath, lstDrive, pbPathList, lstDir, tabFile, cboFileType,
+                                            lstFile, pnValues}));
     SelectPage(m_form->Window(), TabPages::Path, 1);
     SelectPage(m_form->Window(), TabPages::File, 1);
-    EXPECT_EQ(TabOrder(), (std::vector<int>{pbGraph, tabPath, lvCh, tabFile, lstBlock}));
+    EXPECT_EQ(TabOrder(), (std::vector<int>{pbGraph, tabPath, lvCh, tabFile, lstBlock, pnValues}));
 }
 
 TEST_F(AccessibilityTest, EveryControlOfEveryWindowHasAName) {
