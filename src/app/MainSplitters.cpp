@@ -88,9 +88,13 @@ PixelRect FramedWith(const MainLayout& layout, int control) {
         case lvMarks: return layout.files;
         case lstBlock: return layout.blocks;
         case pnValues: return layout.values;
-        case pbGraph:
-            return {layout.scaleY.left, layout.scaleY.top, layout.scrollY.Right() - layout.scaleY.left,
+        case pbGraph: {
+            // Around the spectrogram too, which lies between the graph and its time scale.
+            const std::int32_t right =
+                std::max({layout.scrollY.Right(), layout.palette.Right(), layout.levels.Right()});
+            return {layout.scaleY.left, layout.scaleY.top, right - layout.scaleY.left,
                     layout.scrollX.Bottom() - layout.scaleY.top};
+        }
         case pbFFT: {
             const std::int32_t right = std::max(layout.palette.Right(), layout.levels.Right());
             return {layout.scaleF.left, layout.scaleF.top, right - layout.scaleF.left, layout.scaleF.height};
