@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "base/win/WinHandle.h"
 #include "view/ReadableColor.h"
@@ -80,6 +81,11 @@ void StatusBar::ArrangePanels() const {
     }
     RECT client{};
     GetClientRect(m_window, &client);
+    // A narrow window keeps room for messages rather than for sizes, which the panel of values tells too.
+    for (const StatusPanel panel : {StatusPanel::Volume, StatusPanel::Size}) {
+        if (client.right - others >= m_density->Scaled(160)) break;
+        others -= std::exchange(edges[static_cast<std::size_t>(panel)], 0);
+    }
     edges[kMessagePanel] = std::max(static_cast<int>(client.right) - others, m_density->Scaled(80));
     int right = 0;
     for (int& edge : edges) edge = right += edge;
