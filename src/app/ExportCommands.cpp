@@ -112,8 +112,11 @@ std::vector<std::int16_t> ExportCommands::ShownChannels() const {
 
 std::u16string ExportCommands::EdfPlusLine(const SampleSpan& range, const std::vector<std::int16_t>& channels) const {
     const RecordingBlock& block = *m_parts.document.Block().stored;
-    return EdfPlusSummary(range, block.SampleRate(), channels.size(), static_cast<std::size_t>(block.ChannelCount()),
-                          m_parts.language, m_parts.format.decimalSeparator);
+    const std::u16string text =
+        EdfPlusSummary(range, block.SampleRate(), channels.size(), static_cast<std::size_t>(block.ChannelCount()),
+                       m_parts.language, m_parts.format.decimalSeparator);
+    if (m_parts.document.Block().block == m_parts.document.Block().stored) return text;
+    return text + EdfPlusSamples(m_parts.settings.asShown != 0, m_parts.language);
 }
 
 ShownSettings ExportCommands::ShownOfBlock() const {

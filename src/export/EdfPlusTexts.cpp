@@ -127,4 +127,8 @@ std::u16string EdfPlusSummary(const SampleSpan& range, double rate, std::size_t 
         .In(language);
 }
 
+std::u16string EdfPlusSamples(bool asShown, Language language) {
+    return (asShown ? Say(u", as shown", u", как на экране") : Say(u", as stored", u", как в записи")).In(language);
+}
+
 }  // namespace quillon

@@ -46,5 +46,7 @@ struct EdfPlusShown {
 /// What would be written: "10.0 s from 00:01:00, 6 of 8 channels, EDF+".
 [[nodiscard]] std::u16string EdfPlusSummary(const SampleSpan& range, double rate, std::size_t channels,
                                             std::size_t allChannels, Language language, char16_t separator = u'.');
+/// Behind it, where the samples are shown otherwise than they are stored: ", as shown" or ", as stored".
+[[nodiscard]] std::u16string EdfPlusSamples(bool asShown, Language language);
 
 }  // namespace quillon

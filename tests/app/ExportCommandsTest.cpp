@@ -128,7 +128,8 @@ TEST_F(ExportCommandsTest, EdfPlusHoldsTheShownChannelsOfTheSelectionAsStoredOrA
     for (const bool asShown : {false, true}) {
         m_settings.asShown = asShown ? 1 : 0;
         const auto block = save();
-        EXPECT_EQ(m_told.status, u"written: " + name + u": 2.5 s from 00:00:01, 8 of 10 channels, EDF+");
+        EXPECT_EQ(m_told.status, u"written: " + name + u": 2.5 s from 00:00:01, 8 of 10 channels, EDF+" +
+                                     (asShown ? u", as shown" : u", as stored"));
         ASSERT_EQ(std::pair(block->ChannelCount(), block->SampleCount()), std::pair(std::int16_t{8}, 250));
         block->Prepare();
         std::int16_t code = -1;
@@ -138,7 +139,11 @@ TEST_F(ExportCommandsTest, EdfPlusHoldsTheShownChannelsOfTheSelectionAsStoredOrA
     }
     // While the dialog is open with this type; the first time it opened with another.
     const std::u16string line = u"2.5 s from 00:00:01, 8 of 10 channels, EDF+";
-    EXPECT_EQ(offered, (std::vector<std::u16string>{u"", line, line, line}));
+    const std::u16string shown = line + u", as shown";
+    EXPECT_EQ(offered, (std::vector<std::u16string>{u"", line + u", as stored", shown, shown}));
+    m_document.ShowAs({});
+    save();
+    EXPECT_EQ(m_told.status, u"written: " + name + u": " + line) << "there is no difference";
     for (const std::int32_t last : {5, 1}) {
         m_dialog.answer = [=](FakeSaveDialog& dialog) { return dialog.onType(5), dialog.onType(last), false; };
         m_commands.SaveAs();
