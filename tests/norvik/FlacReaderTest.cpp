@@ -156,7 +156,8 @@ struct Damage {
         RecordingBlock& block = *content.blocks.at(0);
         ASSERT_EQ(static_cast<std::size_t>(block.SampleCount()), end);
         const std::string info = "FLAC, 16 bit, 1 channel at 44100 Hz, " + std::to_string(end) + " samples";
-        EXPECT_EQ(Utf8(content.info.english), info + (remark.empty() ? "" : "; " + remark));
+        EXPECT_EQ(Utf8(content.info.english),
+                  info + (remark.empty() ? "" : "; " + remark) + "; start taken from the file's time");
         block.Prepare();
         std::vector<std::size_t> order(end);
         for (std::size_t at = 0; at < end; ++at) order[at] = at;
@@ -296,7 +297,8 @@ TEST(FlacReader, CommentsAndCueSheetsBecomeTitleAndMarks) {
                              FlacBuilder::Metadata(6, std::string(999, '\xFF')) +
                              FlacBuilder::Metadata(5, cues.bytes, true) + flac.Body();
     const RecordingContent content = ReadFlac(Source(file));
-    EXPECT_THAT(Utf8(content.info.english), ::testing::EndsWith("500 samples; title: \u041F 1"));
+    EXPECT_THAT(Utf8(content.info.english),
+                ::testing::EndsWith("500 samples; start taken from the file's time; title: \u041F 1"));
     EXPECT_THAT(Marks(*content.blocks.at(0)), ElementsAre("0 1", "210 2"));
     const std::string empty = "fLaC" + FlacBuilder::Metadata(0, flac.StreamInformation(0), true);
     EXPECT_EQ(ReadFlac(Source(empty)).blocks.at(0)->SampleCount(), 0);

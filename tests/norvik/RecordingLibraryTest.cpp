@@ -26,7 +26,8 @@ TEST(RecordingLibrary, OpensByContentUnderAnyNameAndLeavesTheFileFree) {
     ASSERT_TRUE(library->OpenRecording(path, recording)) << Utf8(library->LastErrorText());
     EXPECT_EQ(recording->FileName(), path);
     EXPECT_EQ(recording->FormatName(), u"WAVE");
-    EXPECT_EQ(recording->FileInfo(), u"WAVE, PCM 16 bit, 1 channel at 100 Hz, 2 samples");
+    EXPECT_EQ(recording->FileInfo(),
+              u"WAVE, PCM 16 bit, 1 channel at 100 Hz, 2 samples; start taken from the file's time");
     ASSERT_EQ(recording->BlockCount(), 1);
     EXPECT_THROW(static_cast<void>(recording->GetBlock(0)), std::out_of_range);
     EXPECT_THROW(static_cast<void>(recording->GetBlock(2)), std::out_of_range);

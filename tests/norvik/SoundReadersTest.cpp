@@ -107,7 +107,8 @@ TEST(SoundReaders, MarkersOfAiffAreMarks) {
     const RecordingContent content = ReadRecording({SourceOf(AiffFile("AIFF", FileBytes(chunks).Add(markers))), u"a"});
     EXPECT_THAT(Marks(*content.blocks[0]), ElementsAre("0 odd", "1 even", "3 2", "700 late"));
     // 12 bits lie in the upper part of 16.
-    EXPECT_EQ(Utf8(content.info.english), "AIFF, PCM 12 bit, 1 channel at 8000 Hz, 24000 samples");
+    EXPECT_EQ(Utf8(content.info.english),
+              "AIFF, PCM 12 bit, 1 channel at 8000 Hz, 24000 samples; start taken from the file's time");
     EXPECT_EQ(AllCodes(*content.blocks[0], 1), BellCodes());
     // Cut inside a text.
     FileBytes cut = AiffFile("AIFF", FileBytes(chunks).Add(markers));

@@ -275,7 +275,7 @@ TEST(TableReader, DefectsCostNoMoreThanTheyHaveTo) {
         EXPECT_EQ(found, samples);
         return Utf8(content.info.english);
     };
-    EXPECT_EQ(info(good, 400), "Text, 2 channels at 1 Hz, 400 samples");
+    EXPECT_EQ(info(good, 400), "Text, 2 channels at 1 Hz, 400 samples; start taken from the file's time");
     EXPECT_THAT(info(damaged("\n300.5,30,", "\n300.5,oops,"), 400), HasSubstr("1 cell is no number, in line 302"));
     EXPECT_THAT(info(damaged("\n300.5,30,", "\n300.5,30,,"), 399), HasSubstr("left out, line 302"));
     EXPECT_EQ(info(damaged("\n300.5,30,", "\n300.5,,"), 400).find("cell"), std::string::npos);

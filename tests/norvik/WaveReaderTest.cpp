@@ -159,7 +159,10 @@ TEST(WaveReader, CuesBecomeMarksInOrderWithTheirTexts) {
 TEST(WaveReader, TheBroadcastExtensionTellsTheStart) {
     const auto started = [](std::string_view date, std::string_view time) {
         const FileBytes extension = FileBytes().Zeros(320).Text(date, 10).Text(time, 8).Zeros(264);
-        return OnlyBlock(Ramp(4, FileBytes().Chunk("bext", extension)))->StartTime();
+        const RecordingContent content = ReadWave(SourceOf(Ramp(4, FileBytes().Chunk("bext", extension))));
+        const double start = content.blocks.front()->StartTime();
+        EXPECT_EQ(content.info.english.ends_with(u"; start taken from the file's time"), start == 0.0);
+        return start;
     };
     EXPECT_EQ(Iso8601(started("1999_12_31", "01-02-03")), "1999-12-31T01:02:03.000");
     EXPECT_EQ(Iso8601(started("2024-02-29", "")), "2024-02-29T00:00:00.000");
@@ -191,7 +194,9 @@ TEST(WaveReader, WrongSizesAreLimitedToTheFile) {
     for (const auto& test : cases)
         EXPECT_EQ(OnlyBlock(test.first)->SampleCount(), test.second) << "case " << &test - cases;
     const RecordingContent cut = ReadWave(SourceOf(FileBytes(plain).CutTo(plain.Size() - 33)));
-    EXPECT_EQ(cut.info.english, u"WAVE, PCM 16 bit, 1 channel at 8000 Hz, 33 samples; cut short: 33 of 50 samples");
+    EXPECT_EQ(cut.info.english,
+              u"WAVE, PCM 16 bit, 1 channel at 8000 Hz, 33 samples; cut short: 33 of 50 samples"
+              u"; start taken from the file's time");
     const FileBytes hugeCue = FileBytes().Text("cue ").U32(0x7FFFFFFF).U32(0x7FFFFFFF).Zeros(30);
     EXPECT_EQ(OnlyBlock(Ramp(50, {}, hugeCue))->MarkCount(), 1);
 }

@@ -171,7 +171,9 @@ TEST(WfdbReader, FieldsOfSignalsAreUnderstoodAsTheirWritersMeantThem) {
     Folder folder =
         Small("a 3\na.dat 16\n~ 0\na.dat 16 200 12 0 0 0 0 last\n# 60 M\n#\n#  tape 3\nnot this\n# nor this\n");
     EXPECT_THAT(Channels(*folder.Read().blocks.front()), ElementsAre(HasSubstr("signal 0"), HasSubstr("last")));
-    EXPECT_EQ(folder.Refused(), "read: WFDB, format 16, 2 channels at 250 Hz, 3 samples; note: 60 M tape 3");
+    EXPECT_EQ(
+        folder.Refused(),
+        "read: WFDB, format 16, 2 channels at 250 Hz, 3 samples; start taken from the file's time; note: 60 M tape 3");
     EXPECT_THAT(Small("a 2\na.dat 16\na.dat 16:3\n").Refused(), HasSubstr("signal 2 is stored 3 samples late"));
     EXPECT_THAT(Small("a 2 250 9\na.dat 16\na.dat 16\n").Refused(), HasSubstr("cut short: 3 of 9 samples"));
     EXPECT_THAT(Small("a 2 250 2\na.dat 16\na.dat 16\n").Refused(), HasSubstr("at 250 Hz, 2 samples"));

@@ -199,6 +199,7 @@ RecordingContent ReadAiff(const std::shared_ptr<ByteSource>& source) {
     content.format = compressed ? u"AIFC" : u"AIFF";
     content.info = DescribeFrames(SoundName(format.name, format.kind, format.bits), recording);
     AppendRemark(content.info, frames.remark);
+    AppendRemark(content.info, FileTimeRemark());
     content.blocks = MakeFrameBlocks(
         std::make_shared<ReorderedSource>(source, SampleBytes(format.kind), format.bigEndian,
                                           format.kind == SampleKind::Unsigned8 && format.hasSign, start),

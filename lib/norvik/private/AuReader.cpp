@@ -78,6 +78,7 @@ RecordingContent ReadAu(const std::shared_ptr<ByteSource>& source) {
     content.format = u"AU";
     content.info = DescribeFrames(SoundName(content.format, kind, 8 * width), recording);
     AppendRemark(content.info, frames.remark);
+    AppendRemark(content.info, FileTimeRemark());
     content.blocks = MakeFrameBlocks(
         std::make_shared<ReorderedSource>(source, width, true, kind == SampleKind::Unsigned8, offset), recording);
     return content;

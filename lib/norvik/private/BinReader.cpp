@@ -143,7 +143,7 @@ RecordingContent ReadBin(const std::shared_ptr<ByteSource>& source) {
     content.format = u"BIN";
     content.info = DescribeFrames({content.format, content.format}, recording);
     AppendRemark(content.info, frames.remark);
-    if (!dated) AppendRemark(content.info, Say(u"start taken from the file's time", u"начало взято из времени файла"));
+    if (!dated) AppendRemark(content.info, FileTimeRemark());
     if (channels.scalesReplaced)
         AppendRemark(content.info, Say(u"unusable scales replaced", u"негодные масштабы заменены"));
     content.blocks = MakeFrameBlocks(source, recording);

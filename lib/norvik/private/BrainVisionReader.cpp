@@ -227,6 +227,7 @@ RecordingContent ReadBrainVision(const RecordingFile& file) {
         remarks.push_back(Say(u"too many segments, the first %1 read", u"слишком много сегментов, прочитаны первые %1",
                               {Number(content.blocks.size() / groups)}));
     }
+    if (recording.startTime == data.source->ModifiedTime()) remarks.push_back(FileTimeRemark());
     for (const Bilingual& remark : remarks) AppendRemark(content.info, remark);
     return content;
 }

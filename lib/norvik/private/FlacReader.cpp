@@ -69,6 +69,7 @@ RecordingContent ReadFlac(const std::shared_ptr<ByteSource>& source) {
     content.info = DescribeFrames(Say(u"FLAC, %1 bit", u"FLAC, %1 бит", {depth}), recording);
     AppendRemark(content.info, CountRemark(metadata.samples, frames->Samples()));
     AppendRemark(content.info, DepthRemark(metadata.depth, frames->Depth()));
+    AppendRemark(content.info, FileTimeRemark());
     AppendRemark(content.info, TitleRemark(metadata.title));
     content.blocks = MakeBlocks(recording, [&](BlockDescription description, std::uint64_t first, std::size_t) {
         return std::make_shared<FlacBlock>(frames, first, std::move(description));

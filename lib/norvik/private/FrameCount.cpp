@@ -57,4 +57,8 @@ void AppendRemark(Bilingual& info, const Bilingual& remark) {
     info.russian += u"; " + remark.russian;
 }
 
+Bilingual FileTimeRemark() {
+    return Say(u"start taken from the file's time", u"начало взято из времени файла");
+}
+
 }  // namespace quillon

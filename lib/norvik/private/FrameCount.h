@@ -28,4 +28,7 @@ struct FrameCount {
 /// Adds a remark, which may be empty, to the information about a file.
 void AppendRemark(Bilingual& info, const Bilingual& remark);
 
+/// Where a recording does not tell when it was made.
+[[nodiscard]] Bilingual FileTimeRemark();
+
 }  // namespace quillon

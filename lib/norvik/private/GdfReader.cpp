@@ -176,6 +176,7 @@ RecordingContent ReadGdf(const std::shared_ptr<ByteSource>& source) {
     content.info = Describe(file, rates.size());
     for (const std::vector<Bilingual>* notes : {&file.header.notes, &file.events.notes})
         for (const Bilingual& note : *notes) AppendRemark(content.info, note);
+    if (file.header.startDate == 0.0) AppendRemark(content.info, FileTimeRemark());
     const std::size_t most = std::max<std::size_t>(kMostBlocks / file.groups.size(), 1);
     for (std::size_t stretch = 0; stretch < std::min(file.starts.size(), most); ++stretch) {
         for (auto& block : MakeStretch(file, stretch)) content.blocks.push_back(std::move(block));

@@ -6,6 +6,7 @@
 
 #include "base/DateTime.h"
 #include "base/Text.h"
+#include "norvik/private/FrameCount.h"
 
 namespace quillon {
 
@@ -153,6 +154,9 @@ TableFacts FindTableFacts(const TableHead& head, const TableRows& rows, const By
         facts.stretches.push_back({stretch.firstRow, std::min(stretch.rows, rows.Rows() - stretch.firstRow), date});
     }
     facts.startTime = facts.stretches.front().startTime;
+    if (!head.start && head.clock.origin == TableClock::Origin::Clock)
+        facts.remarks.push_back(Say(u"date taken from the file's time", u"дата взята из времени файла"));
+    if (!head.start && head.clock.origin == TableClock::Origin::Unknown) facts.remarks.push_back(FileTimeRemark());
     const auto leftOut = std::count(head.layout.isText.begin(), head.layout.isText.end(), true);
     if (leftOut > 0)
         facts.remarks.push_back(Say(leftOut == 1 ? u"%1 column of text left out" : u"%1 columns of text left out",

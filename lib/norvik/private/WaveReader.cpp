@@ -86,9 +86,8 @@ RecordingContent ReadChunks(const std::shared_ptr<ByteSource>& source, const Wav
     const FrameCount frames = CountWaveFrames(*chunks.data, format.frameBytes);
     recording.frameCount = frames.count;
     recording.startTime = source->ModifiedTime();
-    if (chunks.broadcast) {
-        static_cast<void>(ReadBroadcastStart(ReadWaveChunk(*source, *chunks.broadcast), recording.startTime));
-    }
+    const bool dated =
+        chunks.broadcast && ReadBroadcastStart(ReadWaveChunk(*source, *chunks.broadcast), recording.startTime);
     if (chunks.cues) {
         WaveCueTexts texts;
         for (const WaveChunk& list : chunks.lists) texts.Add(ReadWaveChunk(*source, list));
@@ -99,6 +98,7 @@ RecordingContent ReadChunks(const std::shared_ptr<ByteSource>& source, const Wav
     content.format = name;
     content.info = DescribeFrames(SoundName(name, format.kind, format.bits), recording);
     AppendRemark(content.info, frames.remark);
+    if (!dated) AppendRemark(content.info, FileTimeRemark());
     content.blocks = MakeFrameBlocks(source, recording);
     return content;
 }

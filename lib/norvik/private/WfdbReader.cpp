@@ -271,6 +271,7 @@ RecordingContent ReadWfdb(const RecordingFile& file) {
         break;
     }
     content.info = Describe(header, parts);
+    if (!header.startTime) remarks.push_back(FileTimeRemark());
     for (const Bilingual& remark : remarks) AppendRemark(content.info, remark);
     if (!header.remark.empty()) AppendRemark(content.info, Say(u"note: %1", u"заметка: %1", {header.remark}));
     return content;
