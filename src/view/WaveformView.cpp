@@ -18,6 +18,7 @@ void WaveformView::Arrange(std::int32_t width, std::int32_t height) {
     m_axis.SetWidth(width);
     m_scale.SetGraph(height, height / 2);
     m_channelLanes.SetHeight(height);
+    if (!m_document.IsSolo()) m_soloScales.GiveBack(m_scale, m_channelLanes);
     m_channelLanes.FitOnce();
     MakeLanes();
 }
@@ -241,6 +242,7 @@ ViewChange WaveformView::SetBipolar() {
 
 ViewChange WaveformView::FindData() {
     Push();
+    if (m_document.IsSolo()) m_soloScales.Keep(m_scale, m_channelLanes.Settings());
     if (UsesLanes()) {
         m_channelLanes.FitShown(m_axis, m_extremes.All());
         return Redraw();

@@ -12,6 +12,7 @@
 #include "view/GraphColors.h"
 #include "view/Lane.h"
 #include "view/Selection.h"
+#include "view/SoloScales.h"
 #include "view/StretchExtremes.h"
 #include "view/TimeAxis.h"
 #include "view/ViewChange.h"
@@ -159,6 +160,7 @@ class WaveformView {
     TimeAxis m_axis;
     AmplitudeScale m_scale;  ///< of all channels, on one axis
     ChannelLanes m_channelLanes;
+    SoloScales m_soloScales;
     Lanes m_lanes;                       ///< what follows from either
     mutable StretchExtremes m_extremes;  ///< reading through it changes nothing that is seen
     Selection m_selection;

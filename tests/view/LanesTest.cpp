@@ -1,6 +1,7 @@
 #include <cmath>
 #include <random>
 #include <set>
+#include <tuple>
 
 #include "data/ChannelSelection.h"
 #include "support/ViewFixture.h"
@@ -377,6 +378,35 @@ TEST_F(LanesTest, TheMouseActsOnTheLaneUnderIt) {
     EXPECT_LT(m_view.GetLanes()[0].unitsPerDivision, before) << "with its group";
     m_view.SetBipolar();
     for (const Lane& lane : m_view.GetLanes()) EXPECT_EQ(lane.zeroRow, lane.top + lane.height / 2);
+}
+
+TEST_F(LanesTest, AChannelThatIsFittedAloneLeavesTheOthersAsTheyWere) {
+    Load(Make({{u"a", u"V", 0.0, 2.0}, {u"b", u"V", 5.0, 0.5}, {u"c", u"mV", 0.0, 1.0}}));
+    for (const bool lanes : {true, false}) {
+        m_view.SetLanes(lanes);
+        m_view.Arrange(kWidth, m_height);
+        if (lanes) m_view.ZoomChannel(1, -4);  // low in its lane, unless it is fitted alone
+        m_view.FindData();
+        const auto scales = [&] {
+            m_view.Arrange(kWidth, m_height);
+            return std::tuple(m_view.ScaleY(), m_view.BaseLineShift(), Settings().values);
+        };
+        const auto before = scales();
+        for (int round = 0; round < 2; ++round) {
+            m_document.Solo(std::int16_t{2});
+            EXPECT_EQ(scales(), before);
+            m_view.FindData();
+            EXPECT_NE(scales(), before);
+            m_view.FindData();
+            if (round == 0) m_document.Solo({});
+            if (round == 1) m_document.Show(1, true);
+            EXPECT_EQ(scales(), before);
+        }
+        m_document.ShowAll(true);
+        // What is chosen for all of them stays.
+        m_view.ZoomY(1);
+        EXPECT_NE(scales(), before);
+    }
 }
 
 }  // namespace
