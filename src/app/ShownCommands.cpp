@@ -89,6 +89,23 @@ void ShownCommands::Apply(const ShownSettings& settings) {
     onChoice();
 }
 
+void ShownCommands::ShowPairs(const ShownSettings& settings) {
+    Apply(settings);
+    onPairs();
+    // Also where all channels were hidden before, so that the pairs can be seen without the channels they are made of.
+    bool more = false;
+    for (const OtherBlock& other : m_document.OtherBlocks()) {
+        if (!other.IsMontage()) continue;
+        for (std::int16_t pair = 1; pair <= other.block.channelCount; ++pair) {
+            const auto signal = static_cast<std::int16_t>(other.before + pair);
+            if (m_document.IsShown(signal)) continue;
+            m_document.Show(signal, true);
+            more = true;
+        }
+    }
+    if (more) onChange(true);
+}
+
 void ShownCommands::Describe(CommandState& state) const {
     state.filtersShown = m_remembered.filters;
     state.hasGroup = Group().has_value();
@@ -188,8 +205,7 @@ void ShownCommands::ChooseMontage(int index) {
     const Montage& chosen = montages[static_cast<std::size_t>(index)];
     settings.montage = settings.montage == chosen ? std::nullopt : std::optional(chosen);
     settings.reference = {};
-    Apply(settings);
-    if (settings.montage) onPairs();
+    settings.montage ? ShowPairs(settings) : Apply(settings);
 }
 
 std::u16string ShownCommands::RefusalOfMontage(std::u16string_view text) const {
@@ -218,8 +234,7 @@ void ShownCommands::AddMontage(std::u16string_view text) {
     ShownSettings settings = Chosen();
     settings.montage = montage;
     settings.reference = {};
-    Apply(settings);
-    onPairs();
+    ShowPairs(settings);
 }
 
 bool ShownCommands::ShowsOwnMontage() const {

@@ -76,7 +76,7 @@ class ShownCommands {
     [[nodiscard]] const std::vector<Montage>& OwnMontages() const { return m_own; }
     /// Which of Montages() is shown; -1: none.
     [[nodiscard]] int MontageIndex() const;
-    /// Chosen again, it is taken off. The reference becomes that of the recording.
+    /// Shows all its pairs. Chosen again, it is taken off. The reference becomes that of the recording.
     void ChooseMontage(int index);
     /// Why a montage "Name: Fp1-F7, F7-T3" cannot be made; empty where it can.
     [[nodiscard]] std::u16string RefusalOfMontage(std::u16string_view text) const;
@@ -93,6 +93,8 @@ class ShownCommands {
     [[nodiscard]] std::vector<std::u16string> Titles() const;
     void Show(const ShownSettings& settings);
     void Apply(const ShownSettings& settings);
+    /// The same with a montage, all of whose pairs are shown.
+    void ShowPairs(const ShownSettings& settings);
     void Remember();
 
     Document& m_document;

@@ -210,6 +210,26 @@ TEST_F(ShownCommandsTest, ReferenceAndMontageExcludeEachOther) {
     EXPECT_FALSE(m_document.Shown().montage.has_value());
 }
 
+TEST_F(ShownCommandsTest, AMontageIsSeenAlsoWithoutTheChannelsItIsMadeOf) {
+    m_document.SetPairs(true);
+    const auto shown = [&] {
+        std::u16string titles;
+        for (std::int16_t signal = 1; signal <= m_document.SignalCount(); ++signal)
+            if (m_document.IsShown(signal)) titles += m_document.GetSignal(signal).title + u';';
+        return titles;
+    };
+    m_document.ShowAll(false);
+    m_commands.AddMontage(u"Mine: Fp1-F7, F7-T3");
+    EXPECT_EQ(shown(), u"Fp1-F7;F7-T3;");
+    m_document.ShowAll(false);
+    EXPECT_EQ(shown(), u"");
+    m_commands.AddMontage(u"Other: Fp1-T3");
+    EXPECT_EQ(shown(), u"Fp1-T3;");
+    m_document.ShowAll(false);
+    m_commands.Choose({FilterField::HighPass, 0.5});
+    EXPECT_EQ(shown(), u"") << "a filter leaves the check marks";
+}
+
 TEST_F(ShownCommandsTest, FiltersAndMontagesAreRememberedAndDamageIsPassedOver) {
     m_commands.Choose({FilterField::HighPass, 0.5});
     m_document.ChooseChannel(4);
