@@ -4,6 +4,7 @@
 
 #include "app/ControlIds.h"
 #include "base/win/WinHandle.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon {
 
@@ -146,9 +147,12 @@ bool ControlLayout::Move(int x, int y) {
     return true;
 }
 
-void ControlLayout::OnPaint() const {
+void ControlLayout::OnPaint(COLORREF strip) const {
     PAINTSTRUCT paint{};
-    PaintFocus(BeginPaint(m_window, &paint));
+    const HDC dc = BeginPaint(m_window, &paint);
+    const PixelRect& gap = m_layout.splitLabels;
+    FillWith(dc, {gap.left, gap.top, gap.Right(), gap.Bottom()}, strip);
+    PaintFocus(dc);
     EndPaint(m_window, &paint);
 }
 

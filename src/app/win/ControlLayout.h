@@ -39,8 +39,9 @@ class ControlLayout {
     [[nodiscard]] bool SetPointer() const;
     /// A message of the left mouse button, of a move or of a lost capture. True when a splitter has moved.
     bool OnMouse(UINT message, int x, int y);
-    /// Paints the window: frames the list or graph that has the focus, in the gap around it.
-    void OnPaint() const;
+    /// Paints the window: frames the list or graph that has the focus, in the gap around it. `strip`: colour of the
+    /// titles of lanes, which the gap between them and the graph continues.
+    void OnPaint(COLORREF strip) const;
 
   private:
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }

@@ -131,6 +131,7 @@ void MainRooms::WireCommands() {
     look.onChange = [this] {
         Refresh(), recording.LookChanged(), spectrum.LookChanged();
         graph.Invalidate(), spectrogram.InvalidateAll(), overview.Refresh();
+        RedrawWindow(Window(), nullptr, nullptr, RDW_INVALIDATE | RDW_NOCHILDREN);
     };
     commands.onHistory = [this] { UpdateState(); };
     commands.onStop = [this] { return graph.DragsLane() ? ReleaseCapture() != FALSE : slices.DropCurrent(); };

@@ -109,7 +109,7 @@ LRESULT frmQLMain::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_ACTIVATE: OnActivate(LOWORD(wParam)); return 0;
         case WM_SETFOCUS: m_focus.ToGraph(); return 0;
         case KeyboardFocus::kReturnMessage: m_focus.Return(); return 0;
-        case WM_PAINT: m_layout.OnPaint(); return 0;
+        case WM_PAINT: m_layout.OnPaint(ColorOf(StripOf(*m_global.view->Look().colors).face)); return 0;
         case WM_SIZE: OnSize(static_cast<UINT>(wParam)); return 0;
         case WM_GETMINMAXINFO:
             reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {m_density.Scaled(560), m_density.Scaled(380)};

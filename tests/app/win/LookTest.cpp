@@ -6,6 +6,7 @@
 #include "app/win/MainWindowFixture.h"
 #include "view/GraphColors.h"
 #include "view/ReadableColor.h"
+#include "view/win/GDI_Utils.h"
 
 namespace quillon::testing {
 namespace {
@@ -29,6 +30,16 @@ class LookTest : public MainWindowTest {
         }));
         return pixels;
     }
+    /// What the screen shows between the titles of lanes and the graph, as 0xRRGGBB.
+    [[nodiscard]] std::uint32_t Gap() const {
+        UpdateWindow(m_form->Window());
+        const RECT graph = Place(pbGraph);
+        POINT at{graph.left - 2, (graph.top + graph.bottom) / 2};
+        ScreenToClient(m_form->Window(), &at);
+        const WindowDC dc(m_form->Window());
+        const COLORREF color = GetPixel(dc.Get(), static_cast<int>(at.x), static_cast<int>(at.y));
+        return static_cast<std::uint32_t>(GetRValue(color) << 16 | GetGValue(color) << 8 | GetBValue(color));
+    }
 };
 
 TEST_F(LookTest, DarkIsEverythingAroundTheGraphAndNothingThatIsCopied) {
@@ -49,11 +60,13 @@ TEST_F(LookTest, DarkIsEverythingAroundTheGraphAndNothingThatIsCopied) {
         EXPECT_EQ(dark.Count(kLightColors.paper), 0);
         EXPECT_GT(dark.Count(kDarkColors.Trace(0)), 100);
         for (const int id : {pbGraph, pbScaleX, pbScaleY, pbOverview}) EXPECT_LT(BrightShare(id), 0.4) << id;
+        EXPECT_TRUE(!lanes || Gap() == kDarkColors.strip->face) << Gap();
         Command(mnuCopy + 1);
         EXPECT_TRUE(ClipboardBytes(CF_DIB) == lightCopy) << "dark on white";
         EXPECT_TRUE(Drawn() == dark);
         Command(mnuDarkGraph);
         EXPECT_TRUE(Drawn() == light);
+        EXPECT_TRUE(!lanes || Gap() == SystemColor(COLOR_BTNFACE)) << Gap();
     }
 }
 
