@@ -323,6 +323,8 @@ void MainRooms::ViewChanged(const ViewChange& change) {
     m_values.SelectionChanged(true);
     if (m_values.IsIncomplete()) slices.work.Summarise();
     UpdateState();
+    // While it is dragged the spectra would begin anew with each move.
+    if (!graph.HasGesture()) spectrum.Follow();
 }
 
 void MainRooms::Refresh(std::int32_t shift) {

@@ -179,7 +179,8 @@ void SpectrumWindow::LeaveBlock() {
 }
 
 void SpectrumWindow::Follow() {
-    if (m_window != nullptr && m_spectra.IsOutdated()) Analyse();
+    // Without a selection the spectra stay those of the one that was there.
+    if (m_window != nullptr && m_parts.view.Selected().active && m_spectra.IsOutdated()) Analyse();
 }
 
 void SpectrumWindow::Look() {

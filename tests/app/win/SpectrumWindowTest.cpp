@@ -114,6 +114,22 @@ TEST_F(SpectrumWindowTest, ItTellsOfOtherRangesAndClosesWithTheRecording) {
     EXPECT_EQ(WindowText(readout), L"");
     EXPECT_NE(WindowText(Of(SpectrumWindow::kHeading)), heading);
     // Signals that are shown otherwise are analysed anew.
+    // A selection is analysed once it is made; without it nothing is until that is asked for.
+    const auto analysed = [&] { return WindowText(Of(SpectrumWindow::kHeading)); };
+    Command(mnuSelect);
+    EXPECT_NE(analysed().find(L"30000 "), std::wstring::npos);
+    const std::wstring block = analysed();
+    SendMessageW(Control(pbGraph), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(50, 20));
+    SendMessageW(Control(pbGraph), WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(300, 20));
+    EXPECT_EQ(analysed(), block);
+    SendMessageW(Control(pbGraph), WM_LBUTTONUP, 0, MAKELPARAM(300, 20));
+    const std::wstring dragged = analysed();
+    EXPECT_NE(dragged, block);
+    EXPECT_EQ(WindowText(readout), L"");
+    Command(mnuSelect + 2);
+    EXPECT_EQ(analysed(), dragged);
+    EXPECT_NE(WindowText(readout), L"");
+    Press(VK_F5);
     ASSERT_TRUE(IsComplete());
     Command(mnuLowPass + 1);
     EXPECT_NE(WindowText(m_window).find(L"Hz"), std::wstring::npos);
