@@ -17,7 +17,6 @@ constexpr double kMostRange = 140.0;
 constexpr double kRoomAbove = 0.06;
 constexpr double kRoomBelow = 0.03;
 constexpr std::u16string_view kPerRootHertz = u"/\u221AHz";
-constexpr char16_t kTimes = u'\u00D7';
 
 double AmplitudeOf(double decibels) {
     return std::pow(10.0, decibels / 20.0);
@@ -32,6 +31,10 @@ double RoundToDigits(double value, int digits) {
 }
 
 }  // namespace
+
+std::u16string MultipleText(int multiple) {
+    return u'\u00D7' + Decimal(multiple);
+}
 
 SpectrumPlot::SpectrumPlot(const PlotRequest& request)
     : m_request(request), m_frequencies(0.0, 1.0, false, 0.0, 1.0), m_levels(0.0, 1.0, false, 0.0, 1.0) {
@@ -293,18 +296,20 @@ std::optional<std::size_t> SpectrumPlot::PeakAt(std::size_t trace, std::span<con
     return found;
 }
 
-std::vector<PlotText> SpectrumPlot::HarmonicLines(const Harmonics& harmonics) const {
-    std::vector<PlotText> lines;
+std::vector<HarmonicLine> SpectrumPlot::HarmonicLines(const Harmonics& harmonics) const {
+    std::vector<HarmonicLine> lines;
     std::int32_t free = m_area.left;
     for (const Harmonic& harmonic : harmonics.list) {
         const DevicePoint place = PlaceOf(0, harmonic.peak);
         if (!IsInside(place)) continue;
-        PlotText line{kTimes + Decimal(harmonic.multiple), place.x, m_area.top + 1};
-        const std::int32_t width = m_request.sizeOf(line.text).width + Scaled(6);
-        if (place.x < free || place.x + width > m_area.right) {
-            line.text.clear();
+        HarmonicLine line{{MultipleText(harmonic.multiple), place.x, m_area.top + 1}, m_area.top};
+        const TextSize size = m_request.sizeOf(line.label.text);
+        const std::int32_t end = place.x + size.width + Scaled(6);
+        if (place.x < free) line.top = line.label.y + size.height + Scaled(1);
+        if (place.x < free || end > m_area.right) {
+            line.label.text.clear();
         } else {
-            free = place.x + width;
+            free = end;
         }
         lines.push_back(std::move(line));
     }

@@ -62,6 +62,15 @@ struct PlotText {
     std::int32_t y = 0;
 };
 
+/// The vertical line of a harmonic.
+struct HarmonicLine {
+    PlotText label{};      ///< its multiple, at its column; without text where there is no room for it
+    std::int32_t top = 0;  ///< its first row: below the label of another one that it would cross
+};
+
+/// "×2"
+[[nodiscard]] std::u16string MultipleText(int multiple);
+
 /// A mark of an axis: its column or row, and whether it has a text (and a line of the grid).
 struct PlotMark {
     std::int32_t place = 0;
@@ -116,8 +125,8 @@ class SpectrumPlot {
     /// The peak whose mark is at a point.
     [[nodiscard]] std::optional<std::size_t> PeakAt(std::size_t trace, std::span<const SpectralPeak> peaks,
                                                     std::int32_t x, std::int32_t y) const;
-    /// Columns of the harmonics that are inside, with their multiples where these have room.
-    [[nodiscard]] std::vector<PlotText> HarmonicLines(const Harmonics& harmonics) const;
+    /// Of the harmonics that are inside.
+    [[nodiscard]] std::vector<HarmonicLine> HarmonicLines(const Harmonics& harmonics) const;
 
   private:
     void MeasureLevels();

@@ -197,6 +197,32 @@ TEST(PlotDrag, APressBecomesADragAndStaysOne) {
     EXPECT_FALSE(drag.IsPressed() || drag.Columns());
 }
 
+TEST(SpectrumPlot, NothingIsDrawnOverTheLabelsOfHarmonics) {
+    PlotTrace traces[] = {Trace(4097, 1000.0, 3)};
+    Harmonics harmonics;
+    for (int multiple = 1; multiple <= 40; ++multiple)
+        harmonics.list.push_back({.multiple = multiple, .peak = {7.0 * multiple, 0.0, 0.0}});
+    std::size_t texts = 0;
+    for (const PlotScales& scales : kScales) {
+        for (const std::int32_t width : {300, 600, 1500}) {
+            const SpectrumPlot plot(RequestOf(traces, scales, width));
+            const std::vector<HarmonicLine> lines = plot.HarmonicLines(harmonics);
+            ASSERT_EQ(lines.size(), 40U);
+            for (const auto& [label, top] : lines) {
+                if (label.text.empty()) continue;
+                ++texts;
+                const TextSize size = SizeOfText(label.text);
+                EXPECT_LE(label.x + size.width, plot.Inside().right);
+                for (const HarmonicLine& other : lines) {
+                    const bool isBeside = other.label.x <= label.x || other.label.x > label.x + size.width + 2;
+                    EXPECT_TRUE(isBeside || (other.label.text.empty() && other.top >= label.y + size.height)) << width;
+                }
+            }
+        }
+    }
+    EXPECT_GT(texts, 100U);
+}
+
 TEST(SpectrumPlot, PointersFindTracesPeaksAndValues) {
     PlotTrace traces[] = {Trace(257, 256.0, 1), Trace(257, 256.0, 1, u"mV")};
     for (PlotTrace& trace : traces) std::fill(trace.density.power.begin(), trace.density.power.end(), 1.0);
@@ -217,8 +243,8 @@ TEST(SpectrumPlot, PointersFindTracesPeaksAndValues) {
         EXPECT_EQ(plot.Readout(0, place.y), u"");
         const auto lines = plot.HarmonicLines(HarmonicsOf(traces[0].density, 50.0));
         ASSERT_EQ(lines.size(), 2U);
-        EXPECT_EQ(lines[0].x, place.x);
-        EXPECT_EQ(lines[1].text, u"\u00D72");
+        EXPECT_EQ(lines[0].label.x, place.x);
+        EXPECT_EQ(lines[1].label.text, u"\u00D72");
     }
     traces[1].unit = u"mmHg";
     EXPECT_EQ(SpectrumPlot(RequestOf(traces, kScales[0])).Texts().back().text, u"dB (1/\u221AHz)");

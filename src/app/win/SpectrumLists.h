@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -34,7 +33,7 @@ class SpectrumLists {
     [[nodiscard]] std::optional<std::size_t> SelectedPeak() const;
 
   private:
-    using Rows = std::vector<std::array<std::wstring, 3>>;
+    using Rows = std::vector<std::vector<std::wstring>>;
 
     const UserServices& m_services;
     HWND m_peaks = nullptr;

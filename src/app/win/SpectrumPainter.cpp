@@ -70,9 +70,9 @@ void PaintHarmonics(HDC dc, const SpectrumPlot& plot, const Harmonics& harmonics
     const GdiPen dotted(CreatePen(PS_DOT, 1, color));
     const SelectScope pen(dc, dotted.Get());
     SetTextColor(dc, color);
-    for (const PlotText& line : plot.HarmonicLines(harmonics)) {
-        Line(dc, line.x, plot.Inside().top, line.x, plot.Inside().bottom);
-        if (!line.text.empty()) DrawTextAt(dc, line.x + 2, line.y, line.text);
+    for (const auto& [label, top] : plot.HarmonicLines(harmonics)) {
+        Line(dc, label.x, top, label.x, plot.Inside().bottom);
+        if (!label.text.empty()) DrawTextAt(dc, label.x + 2, label.y, label.text);
     }
 }
 

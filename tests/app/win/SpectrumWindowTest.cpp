@@ -77,7 +77,8 @@ TEST_F(SpectrumWindowTest, PeaksHarmonicsAndCurvesFollowTheChoices) {
         EXPECT_GT(both.Count(TraceColor(1)), 100);
         ListView_SetItemState(Of(SpectrumWindow::kPeaks), 0, LVIS_SELECTED, LVIS_SELECTED);
         EXPECT_EQ(Rows(SpectrumWindow::kHarmonics), 3);
-        EXPECT_EQ(Cell(SpectrumWindow::kHarmonics, 1, 0), L"250 Hz");
+        EXPECT_EQ(Cell(SpectrumWindow::kHarmonics, 1, 0), L"\u00D72");
+        EXPECT_EQ(Cell(SpectrumWindow::kHarmonics, 1, 1), L"250 Hz");
         EXPECT_THAT(WindowText(Of(SpectrumWindow::kHarmonicsTitle)), AllOf(HasSubstr(L"125 Hz"), HasSubstr(L"%")));
         EXPECT_FALSE(Picture() == both);
         for (const int line : {1, 2}) {
@@ -113,7 +114,6 @@ TEST_F(SpectrumWindowTest, ItTellsOfOtherRangesAndClosesWithTheRecording) {
     Press(VK_F5);
     EXPECT_EQ(WindowText(readout), L"");
     EXPECT_NE(WindowText(Of(SpectrumWindow::kHeading)), heading);
-    // Signals that are shown otherwise are analysed anew.
     // A selection is analysed once it is made; without it nothing is until that is asked for.
     const auto analysed = [&] { return WindowText(Of(SpectrumWindow::kHeading)); };
     Command(mnuSelect);
@@ -130,6 +130,7 @@ TEST_F(SpectrumWindowTest, ItTellsOfOtherRangesAndClosesWithTheRecording) {
     EXPECT_EQ(analysed(), dragged);
     EXPECT_NE(WindowText(readout), L"");
     Press(VK_F5);
+    // Signals that are shown otherwise are analysed anew.
     ASSERT_TRUE(IsComplete());
     Command(mnuLowPass + 1);
     EXPECT_NE(WindowText(m_window).find(L"Hz"), std::wstring::npos);
