@@ -131,6 +131,18 @@ void BrowserPane::OnListCommand(int id, int notification) {
     if (id == cboFileType && notification == CBN_SELCHANGE) SelectType();
 }
 
+void BrowserPane::TypeLetter(int list, char16_t letter, std::uint32_t time) {
+    if (m_parts.longCommand.IsBusy()) return;
+    if (std::exchange(m_typedIn, list) != list) m_typed.Begin();
+    const bool isFile = list == lstFile;
+    const int selected = isFile ? m_browser.SelectedPosition() : m_browser.ChosenFolderPosition();
+    const auto found = m_typed.Type(letter, time, isFile ? m_browser.FileNames() : m_browser.FolderNames(), selected);
+    if (!found || *found == selected) return;
+    if (!isFile) return m_browser.ChooseFolder(*found);
+    m_browser.SelectFile(*found);
+    ChooseFile();
+}
+
 void BrowserPane::OpenFirst() {
     if (!m_startMissing.empty()) return;
     if (!m_startFile.empty()) return OpenNamed(m_startFile);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 
 #include "app/Settings.h"
+#include "app/TypedSearch.h"
 #include "app/win/LongCommand.h"
 #include "app/win/StatusBar.h"
 #include "base/win/WinHandle.h"
@@ -67,6 +69,8 @@ class BrowserPane final : private PictureOwner {
 
     /// A notification of one of the lists.
     void OnListCommand(int id, int notification);
+    /// A letter typed in the list of folders or of files: selects the name that is meant. `time` in milliseconds.
+    void TypeLetter(int list, char16_t letter, std::uint32_t time);
     /// Opens the file of the start path, the last recording, or the first file of the folder. Nothing where the start
     /// path is not to be had: another recording would be taken for the one that was asked for.
     void OpenFirst();
@@ -119,6 +123,8 @@ class BrowserPane final : private PictureOwner {
 
     Parts m_parts;
     FileBrowser m_browser;
+    TypedSearch m_typed;
+    int m_typedIn = 0;  ///< number of the list
     std::unique_ptr<cFileNotification> m_watch;
     PictureBox m_pathList;
     ImageList m_pathListIcon;

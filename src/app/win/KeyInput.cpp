@@ -69,12 +69,21 @@ bool KeyInput::Translate(const MSG& message) {
     // Not by the message of its release, which a menu or a long command may have taken.
     if (m_holdsRaw && (GetKeyState(VK_CONTROL) >= 0 || GetKeyState('R') >= 0)) ReleaseRaw();
     if (message.message == WM_MOUSEWHEEL) return RouteWheel(message);
+    if (message.message == WM_CHAR) return TranslateLetter(message);
     // After Alt with another key, the release of Alt must not open the menu.
     const bool released = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
     if (released && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
     if (message.message == WM_SYSKEYDOWN && message.wParam == VK_MENU && !IsRepeated(message)) m_altUsed = false;
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     return (message.hwnd == m_window || IsChild(m_window, message.hwnd)) && TranslateKey(message);
+}
+
+bool KeyInput::TranslateLetter(const MSG& message) {
+    const int list = GetParent(message.hwnd) == m_window ? GetDlgCtrlID(message.hwnd) : 0;
+    // A list box by itself takes one letter, and the blanks by which folders are indented for a part of their names.
+    if ((list != lstDir && list != lstFile) || message.wParam < ' ') return false;
+    onLetter(list, static_cast<char16_t>(message.wParam), message.time);
+    return true;
 }
 
 bool KeyInput::TranslateKey(const MSG& message) {

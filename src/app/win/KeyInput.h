@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 #include "app/GraphKeys.h"
@@ -21,7 +22,9 @@ class KeyInput {
     std::function<void(HWND control)> onFocus;  ///< the Tab key leads there
     std::function<void()> onPathList;           ///< a key opens it
     std::function<void()> onContextMenu;        ///< a key opens it, at the corner of the graph
-    std::function<void()> onRelease;            ///< the key that shows raw signals is not held any longer
+    /// A letter is typed in the list of folders or of files, at a time in milliseconds.
+    std::function<void(int list, char16_t letter, std::uint32_t time)> onLetter;
+    std::function<void()> onRelease;  ///< the key that shows raw signals is not held any longer
     std::function<void(int delta, GraphZone zone, const GraphPointer& pointer)> onWheel;
 
     /// The main window; null before it is made and after it is gone.
@@ -36,6 +39,8 @@ class KeyInput {
 
   private:
     [[nodiscard]] HWND Control(int id) const { return GetDlgItem(m_window, id); }
+    /// True when a list finds a name by the letter.
+    [[nodiscard]] bool TranslateLetter(const MSG& message);
     [[nodiscard]] bool TranslateKey(const MSG& message);
     /// True when the key is one that a box with the keyboard does not get.
     [[nodiscard]] bool TranslateInBox(HWND focus, WPARAM code) const;

@@ -58,6 +58,7 @@ void frmQLMain::Wire() {
     m_keys.onCommand = [this](int command) { OnCommand(CommandOfKey(command, State())); };
     m_keys.onFocus = [this](HWND control) { MoveFocus(m_window, control); };
     m_keys.onRelease = [this] { m_rooms.shown.HoldRaw(false); };
+    m_keys.onLetter = [this](auto... typed) { m_rooms.browser.TypeLetter(typed...); };
     m_keys.onPathList = m_rooms.onPathList;
     m_rooms.spectrogram.onMenu = [this](POINT screen) { ShowMenu(SpectrogramMenu(), screen); };
     m_keys.onContextMenu = [this] { m_rooms.OpenMenu(); };

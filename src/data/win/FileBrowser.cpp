@@ -224,6 +224,29 @@ std::wstring FileBrowser::ChosenDrive() const {
     return std::wstring(drive) + L'\\';
 }
 
+std::vector<std::u16string> FileBrowser::FolderNames() const {
+    std::vector<std::u16string> names;
+    for (const std::wstring& path : m_folderPaths) {
+        const std::u16string name = FileNameOf(Narrow16(path));
+        names.push_back(name.empty() ? Narrow16(path) : name);
+    }
+    return names;
+}
+
+std::vector<std::u16string> FileBrowser::FileNames() const {
+    std::vector<std::u16string> names;
+    for (const std::wstring& name : m_listed) names.push_back(Narrow16(name));
+    return names;
+}
+
+int FileBrowser::ChosenFolderPosition() const {
+    return static_cast<int>(SendMessageW(m_folders, LB_GETCURSEL, 0, 0));
+}
+
+void FileBrowser::ChooseFolder(int position) const {
+    SendMessageW(m_folders, LB_SETCURSEL, static_cast<WPARAM>(position), 0);
+}
+
 std::wstring FileBrowser::ChosenFolder() const {
     const LRESULT position = SendMessageW(m_folders, LB_GETCURSEL, 0, 0);
     return position == LB_ERR ? m_folder : m_folderPaths[static_cast<std::size_t>(position)];

@@ -50,6 +50,12 @@ class FileBrowser {
     /// Target folders of the current choices in the drive list and in the folder list.
     [[nodiscard]] std::wstring ChosenDrive() const;
     [[nodiscard]] std::wstring ChosenFolder() const;
+    /// The names of the lines of the folder list, without the folders that they are in.
+    [[nodiscard]] std::vector<std::u16string> FolderNames() const;
+    [[nodiscard]] std::vector<std::u16string> FileNames() const;
+    /// Position of the choice in the folder list; -1: none.
+    [[nodiscard]] int ChosenFolderPosition() const;
+    void ChooseFolder(int position) const;
     /// Resets the drive and folder lists to the current folder.
     void ShowChoice() const;
     /// Lists the present drives.

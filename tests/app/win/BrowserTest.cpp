@@ -33,6 +33,32 @@ TEST_F(BrowserTest, FoldersOfOpenedRecordingsAreRememberedWhileATypeIsListed) {
     EXPECT_EQ(folders.size(), 2U);
 }
 
+TEST_F(BrowserTest, LettersLeadToFilesAndFoldersWhileTheirListHasTheKeyboard) {
+    for (const char16_t* folder : {u"below", u"Архив"}) std::filesystem::create_directory(m_folder.File(folder));
+    for (const char16_t* name : {u"alpha.bin", u"beta.bin", u"bravo.bin", u"below/x.bin", u"Архив/x.bin"})
+        static_cast<void>(m_folder.Write(name, SawRecording()));
+    Start();
+    const auto type = [&](int list, std::wstring_view letters) {
+        DWORD time = 5000;
+        for (const wchar_t letter : letters) {
+            const MSG message{Control(list), WM_CHAR, letter, 0, time += 100, {}};
+            EXPECT_TRUE(m_form->PreTranslate(message));
+        }
+        const LRESULT line = SendMessageW(Control(list), LB_GETCURSEL, 0, 0);
+        return Lines(list).at(static_cast<std::size_t>(line));
+    };
+    Command(mnuFocus + 2);
+    EXPECT_EQ(type(lstFile, L"BR"), L"bravo.bin");
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"bravo.bin - ["));
+    Command(mnuFocus + 0);
+    EXPECT_THAT(type(lstDir, L"bel"), ::testing::EndsWith(L" below"));
+    EXPECT_THAT(Caption(), ::testing::StartsWith(L"bravo.bin - [")) << "folders are opened by Enter";
+    Command(mnuOpenFolder);
+    EXPECT_THAT(Lines(lstFile), ElementsAre(L"x.bin"));
+    const MSG graph{Control(pbGraph), WM_CHAR, L'b', 0, 0, {}};
+    EXPECT_FALSE(m_form->PreTranslate(graph));
+}
+
 TEST_F(BrowserTest, TheTypeBoxLimitsTheList) {
     static_cast<void>(m_folder.Write(u"a.bin", SawRecording()));
     static_cast<void>(m_folder.Write(u"b.wav", FileBytes().Text("RIFF")));
