@@ -23,6 +23,12 @@ void ReportCanvas::Fill(const ReportBox& box) {
 }
 
 void ReportCanvas::DrawText(const ReportText& text, const ReportFont& font) {
+    if (text.outline) DrawGlyphs(text, font, font.Scale(), *text.outline);
+    DrawGlyphs(text, font, 0, text.color);
+}
+
+void ReportCanvas::DrawGlyphs(const ReportText& text, const ReportFont& font, std::int32_t margin,
+                              std::uint32_t color) {
     const std::int32_t scale = font.Scale();
     font.ForGlyphs(text.text, [&](const Glyph& glyph, std::int32_t first) {
         for (std::int32_t row = 0; row < kGlyphRows; ++row) {
@@ -31,7 +37,7 @@ void ReportCanvas::DrawText(const ReportText& text, const ReportFont& font) {
                 if ((bits >> (glyph.width - 1 - column) & 1U) == 0) continue;
                 const std::int32_t x = text.x + (first + column) * scale;
                 const std::int32_t y = text.y + row * scale;
-                Fill({x, y, x + scale, y + scale, text.color});
+                Fill({x - margin, y - margin, x + scale + margin, y + scale + margin, color});
             }
         }
     });

@@ -24,6 +24,9 @@ class ReportCanvas {
     void DrawArrow(const EdgeArrow& arrow, DevicePoint at);
 
   private:
+    /// Every dot of the letters, and that many pixels around it.
+    void DrawGlyphs(const ReportText& text, const ReportFont& font, std::int32_t margin, std::uint32_t color);
+
     std::uint32_t* m_pixels;
     std::int32_t m_width;
     std::int32_t m_height;

@@ -272,11 +272,9 @@ ReportPlan ReportLayout::MarkTexts(const GraphScene& scene) const {
         const std::int32_t room = std::min(line.textWidth, scene.axis.Width() - line.column) - kMarkGap;
         const StripText text = CutText(m_style.sizeOf, MarkText(scene.block, line), room);
         if (text.text.empty() || line.column < 0) continue;
-        const std::int32_t x = line.column + kMarkGap;
-        const std::int32_t y = 1 + line.row * text.size.height;
-        if (AreTextsAbove(scene))
-            plan.boxes.push_back({x, y, x + text.size.width, y + text.size.height, Colors().paper});
-        plan.texts.push_back({text.text, x, y, Colors().markText});
+        ReportText& mark = plan.texts.emplace_back();
+        mark = {text.text, line.column + kMarkGap, 1 + line.row * text.size.height, Colors().markText};
+        if (AreTextsAbove(scene)) mark.outline = Colors().paper;
     }
     return plan;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,7 @@ struct ReportText {
     std::int32_t x = 0;  ///< left
     std::int32_t y = 0;  ///< top
     std::uint32_t color = 0;
+    std::optional<std::uint32_t> outline{};  ///< colour around the letters, which keeps them readable over traces
 };
 
 /// What is drawn, the boxes first, each in its order.

@@ -127,11 +127,8 @@ GraphScene ViewReport::Scene(const Lanes& lanes) const {
 
 ReportPlan ViewReport::Frame() const {
     ReportPlan plan = m_layout.Frame(m_view, m_document, m_margins);
-    for (ReportBox box : m_layout.MarkTexts(m_shown).boxes)
-        plan.boxes.push_back({box.left + m_margins.left, box.top + m_margins.top, box.right + m_margins.left,
-                              box.end + m_margins.top, box.color});
-    for (ReportText& text : m_layout.MarkTexts(m_shown).texts)
-        plan.texts.push_back({text.text, text.x + m_margins.left, text.y + m_margins.top, text.color});
+    for (const ReportText& text : m_layout.MarkTexts(m_shown).texts)
+        plan.texts.push_back({text.text, text.x + m_margins.left, text.y + m_margins.top, text.color, text.outline});
     return plan;
 }
 

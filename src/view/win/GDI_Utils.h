@@ -38,6 +38,10 @@ void PassColors(HWND window);
 /// Fills a rectangle with a colour.
 void FillWith(HDC dc, const RECT& rect, COLORREF color);
 
+/// Where a text is drawn in the colour of the paper before it is drawn itself, so that it can be read over traces and
+/// they can be seen beside its letters.
+inline constexpr POINT kOutline[] = {{-1, -1}, {0, -1}, {1, -1}, {-1, 0}, {1, 0}, {-1, 1}, {0, 1}, {1, 1}};
+
 /// Draws text without a background; the position is interpreted by the text alignment of the context.
 void DrawTextAt(HDC dc, int x, int y, const std::u16string& text);
 

@@ -1,6 +1,8 @@
 #include "view/win/GraphPainter.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 namespace quillon {
 
@@ -63,18 +65,26 @@ void GraphPainter::DrawMarkTexts(const GraphScene& scene, int from, int to) cons
     const HDC dc = m_surface.Handle();
     const ClipScope clip(dc, {from, 0, to, m_picture.Height()});
     const SelectScope font(dc, m_density.Font());
-    SetTextColor(dc, ColorOf(scene.Colors().markText));
-    SetBkMode(dc, AreTextsAbove(scene) ? OPAQUE : TRANSPARENT);
-    SetBkColor(dc, ColorOf(scene.Colors().paper));
+    SetBkMode(dc, TRANSPARENT);
+    const int width = m_density.Line();
     TEXTMETRICW metrics{};
     GetTextMetricsW(dc, &metrics);
     for (const MarkLine& line : VisibleMarks(scene.axis, scene.block)) {
         const std::wstring text = Wide(MarkText(scene.block, line));
         if (text.empty()) continue;
-        RECT place{line.column + kMarkGap, 1 + line.row * metrics.tmHeight, line.column + line.textWidth,
-                   m_picture.Height()};
-        DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,
-                  DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+        const RECT place{line.column + kMarkGap, 1 + line.row * metrics.tmHeight, line.column + line.textWidth,
+                         m_picture.Height()};
+        if (place.right + width < from || place.left - width >= to) continue;
+        const auto draw = [&](const POINT& by, std::uint32_t color) {
+            RECT moved = place;
+            OffsetRect(&moved, by.x * width, by.y * width);
+            SetTextColor(dc, ColorOf(color));
+            DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &moved,
+                      DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+        };
+        for (std::size_t at = 0; AreTextsAbove(scene) && at < std::size(kOutline); ++at)
+            draw(kOutline[at], scene.Colors().paper);
+        draw({}, scene.Colors().markText);
     }
     GdiFlush();
 }

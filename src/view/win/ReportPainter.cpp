@@ -117,6 +117,9 @@ void ReportPainter::Paint(HDC dc, const ViewReport& report, const std::vector<Re
     SetBkMode(dc, TRANSPARENT);
     SetTextAlign(dc, TA_LEFT | TA_TOP);
     for (const ReportText& text : plan.texts) {
+        if (text.outline) SetTextColor(dc, ColorOf(*text.outline));
+        for (std::size_t at = 0; text.outline && at < std::size(kOutline); ++at)
+            DrawTextAt(dc, Scaled(text.x + kOutline[at].x), Scaled(text.y + kOutline[at].y), text.text);
         SetTextColor(dc, ColorOf(text.color));
         DrawTextAt(dc, Scaled(text.x), Scaled(text.y), text.text);
     }

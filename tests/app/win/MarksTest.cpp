@@ -6,6 +6,8 @@
 #include "app/win/MainWindowFixture.h"
 #include "base/Text.h"
 #include "norvik/EdfBuilder.h"
+#include "view/GraphPicture.h"
+#include "view/QL_ChUtils.h"
 
 namespace quillon::testing {
 namespace {
@@ -48,6 +50,27 @@ class MarksTest : public MainWindowTest {
         Pump();
     }
 };
+
+TEST_F(MarksTest, ATextLeavesTheTraceOfTheFirstLaneVisible) {
+    m_form->OpenPath(Wide(m_folder.Write(u"c.bin", BinRecording(100, Noise(4000, 20)))));
+    Command(mnuLanes);
+    const auto traced = [&] {
+        Pixels graph;
+        EXPECT_TRUE(WaitFor([&] { return (graph = Capture(pbGraph)).Count(TraceColor(0)) > 100; }));
+        const std::int32_t left = m_global.view->Axis().ColumnOf(150) + kMarkGap;
+        int pixels = 0;
+        for (int y = 1; y < 13; ++y)
+            for (int x = left; x < left + 100; ++x) pixels += graph.At(x, y) == TraceColor(0) ? 1 : 0;
+        return pixels;
+    };
+    SetMarks({});
+    Command(mnuBaseLine + 1);
+    const int without = traced();
+    SetMarks({{150, u"A text across the trace"}});
+    Command(mnuLineWidth);  // draws anew
+    EXPECT_GT(traced(), without / 10);
+    EXPECT_LT(traced(), without);
+}
 
 TEST_F(MarksTest, WhatIsTypedLeavesLinesAndTheViewWalksWithThem) {
     EXPECT_THAT(Column(3), ElementsAre(L"Blink", L"Spike", L"blink, long"));
