@@ -191,6 +191,7 @@ TEST_F(SignalsTest, ScalesOfAllBlocksBecomeFinal) {
     EXPECT_EQ(m_document.PrepareMore(), Done);
     m_document.CloseCurrentFile();
     EXPECT_EQ(m_document.PrepareMore(), Done);
+    EXPECT_EQ(m_document.StretchSignals(), 0);
 }
 
 /// While the rest of a recording is read, the blocks of its last stretch grow together.

@@ -312,13 +312,14 @@ TEST(WfdbReader, SegmentsAreStretchesWithTheirOwnSignals) {
     Folder folder = OpenedBy("a/6 2 100 32 10:00 1/1/2020\nlayout 0\none 10\n~ 5\ntwo 7\n# ?\none 4\nthree 6\n");
     folder.files[u"layout.hea"] = "layout 2 100 0\n~ 0 200/mV 0 0 0 0 0 I\n~ 0 200/mV 0 0 0 0 0 II\n";
     folder.files[u"one.hea"] = "one 2 100 10\none.dat 16 10 0 0 0 0 0 I\none.dat 16x2 10 0 0 0 0 0 II\n";
-    folder.files[u"two.hea"] = "two 1 100 99\ntwo.dat 80 20/V 0 0 0 0 0 II\n";
+    folder.files[u"two.hea"] = "two 1 100 99\ntwo.dat 80:3 20/V 0 0 0 0 0 II\n";
     for (std::int16_t at = 0; at < 30; ++at) folder.files[u"one.dat"] += FileBytes().Codes({at}).Get();
     folder.files[u"two.dat"] = "\x80\x81\x82\x83\x84";
     folder.files[u"a.atr"] = WfdbAnnotationBytes().Add(1, 0).Add(5, 9).Add(1, 3).Add(1, 4).Add(1, 3).Add(1, 4).Get();
     const std::string info = folder.Refused();
     EXPECT_THAT(info, HasSubstr("read: WFDB, 3 segments, 32 samples at 100 Hz"));
-    EXPECT_THAT(info, HasSubstr("1 segments left out, first three.hea: missing; 1 segments cut short"));
+    EXPECT_THAT(info, HasSubstr("signal 1 is stored 3 samples late, and is shown so; "
+                                "1 segments left out, first three.hea: missing; 1 segments cut short"));
     const RecordingContent content = folder.Read();
     ASSERT_EQ(content.blocks.size(), 5U);
     const auto titles = [&](std::size_t at) { return Utf8(content.blocks[at]->Title()); };
