@@ -42,6 +42,7 @@ std::u16string Found(const RecordingContent& content) {
     for (const std::size_t at : BlocksToCheck(content)) {
         const FileBlock& block = *content.blocks[at];
         found += u'\n' + block.Title() + u' ' + Decimal(block.SampleCount()) + u' ' + Decimal(block.MarkCount());
+        found += u' ' + ShortestDecimal(block.SampleRate()) + u' ' + ShortestDecimal(block.StartTime());
         for (std::int32_t mark = 1; mark <= std::min(block.MarkCount(), 100); ++mark)
             found += u' ' + Decimal(block.MarkPosition(mark)) + block.MarkText(mark);
     }
@@ -56,11 +57,14 @@ void CheckPieces(RecordingFile file, const RecordingContent& plain, std::uint32_
     for (bool more = content.readMore != nullptr; more;) {
         choice = choice * 1664525U + 1013904223U;
         const auto near = static_cast<std::int32_t>((choice >> 1) % 100000);
+        const double share = content.share;
         more = content.readMore(content, static_cast<std::int16_t>(choice >> 20), near);
         Require(content.blocks.size() >= blocks, "blocks stay");
+        Require(content.share >= share && content.share <= 1.0, "the share that is read grows");
         blocks = content.blocks.size();
         static_cast<void>(content.blocks[choice % blocks]->MarkCount());
     }
+    Require(content.share == 1.0, "all is read");
     Require(Found(content) == Found(plain), "reading in pieces finds what one pass finds");
 }
 

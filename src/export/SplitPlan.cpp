@@ -150,7 +150,6 @@ std::u16string SplitPlan::ExampleName() const {
 }
 
 std::optional<std::int64_t> SplitPlan::PieceOf(std::u16string_view name) const {
-    if (name.size() <= prefix.size()) return std::nullopt;
     std::int64_t number = 0;
     for (std::size_t at = prefix.size(); at < name.size() && IsDigit(name[at]); ++at) {
         number = number * 10 + (name[at] - u'0');

@@ -247,9 +247,15 @@ TEST(TableReader, DatesClocksAndGapsMakeTheBlocks) {
     EXPECT_EQ(Read("# rate: 2000\n1.5\t2\n2.0\t4\n2.5\t8\n").blocks.at(0)->ChannelCount(), 1);
     EXPECT_EQ(rows({"23:59:40", "23:59:50", "0:00:00", "0:00:10"}).blocks.size(), 1U);
     EXPECT_EQ(rows({"31.05.2024 10:00", "31.05.2024 10:01", "31.05.2024 10:02"}).blocks[0]->SampleRate(), 1.0 / 60.0);
-    const RecordingContent unix = rows({"1717200000.0", "1717200000.1", "1717200000.2", "1717200000.3"});
-    EXPECT_EQ(unix.blocks[0]->SampleRate(), 10.0);
-    EXPECT_NEAR(unix.blocks[0]->StartTime(), 45444.0, 1e-6);
+    // In seconds, ms, mks and ns since 1970.
+    for (const std::string zeros : {"", "00", "00000", "00000000"}) {
+        std::vector<std::string> times;
+        for (int row = 0; row < 4; ++row)
+            times.push_back((zeros.empty() ? "1717200000." : "1717200000") + std::to_string(row) + zeros);
+        const RecordingContent unix = rows(times);
+        EXPECT_EQ(unix.blocks[0]->SampleRate(), 10.0) << zeros;
+        EXPECT_NEAR(unix.blocks[0]->StartTime(), 45444.0, 1e-6) << zeros;
+    }
     // A clock of 10 ms that is read every ms stands still and jumps.
     std::vector<std::string> coarse;
     for (int row = 0; row < 300; ++row)

@@ -145,8 +145,8 @@ void TableFile::MakeBlocks(RecordingContent& content) {
 
 void TableFile::Update(RecordingContent& content, bool more) {
     constexpr double parsing = 0.9;
-    content.share = !more ? 1.0 : !m_search ? parsing * m_text.Share() : parsing + (1.0 - parsing) * m_search->Share();
-    content.share = more ? std::min(content.share, 0.999) : 1.0;
+    const double share = m_search ? parsing + (1.0 - parsing) * m_search->Share() : parsing * m_text.Share();
+    content.share = more ? std::min(share, 0.999) : 1.0;
     // All blocks are made anew, as rate and scales follow from all rows: only where there are a good deal more.
     if (more && 4 * m_rows.Rows() < 5 * m_shownRows) return;
     m_shownRows = m_rows.Rows();
