@@ -258,6 +258,9 @@ TEST(BrainVisionReader, SingleDefectsAreRefusedWithTheirPlace) {
     folder = Small();
     folder.files[u"a.vhdr"] = With(good, "NumberOfChannels=2", "NumberOfChannels=2\nDataPoints=64");
     EXPECT_THAT(folder.Refused(), HasSubstr("cut short: 3 of 64 samples")) << "the size decides";
+    folder.files[u"a.vhdr"] =
+        With(With(good, "NumberOfChannels=2", "NumberOfChannels=2\nDataFormat=ASCII"), "=,", "=;");
+    EXPECT_THAT(folder.Refused(), HasSubstr("DecimalSymbol ';'"));
 
     // Of channels that lie one after the other, only the header knows the length where the size does not fit.
     folder = Small();

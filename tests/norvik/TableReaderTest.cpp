@@ -8,6 +8,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "base/DateTime.h"
 #include "export/QL_Export.h"
 #include "norvik/BlockChecks.h"
 #include "norvik/private/TableCells.h"
@@ -264,6 +265,21 @@ TEST(TableReader, DatesClocksAndGapsMakeTheBlocks) {
     const RecordingContent back = rows({"0.1", "0.2", "0.3", "0.1", "0.2", "0.3"});
     EXPECT_EQ(back.blocks.size(), 2U);
     EXPECT_THAT(Utf8(back.info.english), HasSubstr("times go back"));
+}
+
+TEST(TableReader, LinesAboveTellTitlesUnitsAndTheStart) {
+    const auto told = [](const std::string& above) {
+        const RecordingContent content = Read(above + "\n0.0;1;2\n0.5;3;5\n1.0;4;1\n");
+        std::string text = Iso8601(content.blocks[0]->StartTime());
+        for (std::int16_t channel = 1; channel <= content.blocks[0]->ChannelCount(); ++channel)
+            text +=
+                Utf8(u'|' + content.blocks[0]->ChannelTitle(channel) + u' ' + content.blocks[0]->ChannelUnit(channel));
+        return text;
+    };
+    EXPECT_EQ(told("# date: 2024-05-31 10:00:02\n# Labels: t;A;B\n# units: s;mV;uS"),
+              "2024-05-31T10:00:02.000|A mV|B uS");
+    EXPECT_EQ(told("# Start = 31.05.2024\n# rate: 2 Hz\n# labels: A;B\n# units: mV;uS"), "2024-05-31T00:00:00.000| | ");
+    EXPECT_EQ(told("# date: 2024-05-31\n# begun: 1\ntime;A;B\ns;mV;uS"), "2024-05-31T00:00:00.000|A mV|B uS");
 }
 
 TEST(TableReader, DefectsCostNoMoreThanTheyHaveTo) {
