@@ -192,6 +192,7 @@ TEST_F(SignalsTest, ScalesOfAllBlocksBecomeFinal) {
     m_document.CloseCurrentFile();
     EXPECT_EQ(m_document.PrepareMore(), Done);
     EXPECT_EQ(m_document.StretchSignals(), 0);
+    EXPECT_EQ(m_document.SignalCount(), 0);
 }
 
 /// While the rest of a recording is read, the blocks of its last stretch grow together.
