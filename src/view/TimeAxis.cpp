@@ -19,6 +19,7 @@ std::int32_t TimeAxis::TableEntry(int index) {
 
 void TimeAxis::SetBlock(std::int32_t sampleCount, double sampleRate, bool free, std::int32_t fastest) {
     m_free = free;
+    m_left.reset();
     m_samples = std::max(sampleCount, 0);
     m_fastest = std::max(fastest, m_samples);
     m_rate = sampleRate > 0.0 ? sampleRate : 1.0;
@@ -62,15 +63,35 @@ void TimeAxis::SetWidth(std::int32_t pixels) {
 
 void TimeAxis::SetFree(bool free) {
     if (free == m_free) return;
-    m_free = free;
     if (free) {
-        TakeOver();
+        m_free = true;
+        if (!TakeBack()) TakeOver();
         return;
     }
-    const double middle = static_cast<double>(m_first) + m_width / 2.0;
-    const double sample = middle * m_grid.SamplesPerColumn();
+    const Place before = GetPlace();
+    m_free = false;
+    const double sample = MiddleSample();
     SetZoom(NearestZoom());
-    MoveTo(std::llround(sample / SamplesPerPixel() - m_width / 2.0));
+    CentreOn(sample);
+    m_left.reset();
+    if (!m_takenOver) m_left = {before, GetPlace()};
+}
+
+bool TimeAxis::TakeBack() {
+    if (!m_left || m_left->table.zoom != m_zoom || m_left->table.chosen != m_chosen) return false;
+    const bool scrolled = m_left->table.first != m_first;
+    const double sample = MiddleSample();
+    Restore(m_left->free);
+    if (scrolled) CentreOn(sample);
+    return true;
+}
+
+double TimeAxis::MiddleSample() const {
+    return (static_cast<double>(m_first) + m_width / 2.0) * m_grid.SamplesPerColumn();
+}
+
+void TimeAxis::CentreOn(double sample) {
+    MoveTo(std::llround(sample / m_grid.SamplesPerColumn() - m_width / 2.0));
 }
 
 void TimeAxis::TakeOver() {

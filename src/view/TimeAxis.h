@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "base/SampleSpan.h"
 #include "view/ColumnGrid.h"
@@ -38,7 +39,8 @@ class TimeAxis {
     void SetFastest(std::int32_t fastest);
     void SetWidth(std::int32_t pixels);
     /// A free axis takes over the zoom exactly, also when the width changes before a page is chosen; back from it the
-    /// nearest zoom of the table is selected.
+    /// nearest zoom of the table is selected. Where that is still selected, the next free axis has the page again, and
+    /// the same first column unless the view has been scrolled.
     void SetFree(bool free);
     [[nodiscard]] bool IsFree() const { return m_free; }
 
@@ -122,6 +124,9 @@ class TimeAxis {
     [[nodiscard]] std::int32_t LastScrolled() const;
     void SetGrid(const ColumnGrid& grid);
     void TakeOver();
+    bool TakeBack();
+    [[nodiscard]] double MiddleSample() const;
+    void CentreOn(double sample);
     void SetZoom(int index);
     void SetPage(const PageSamples& page);
     void FillWith(const SampleSpan& samples);
@@ -145,6 +150,12 @@ class TimeAxis {
     bool m_takenOver = false;  ///< the page is the width at the table's zoom
     PageSamples m_page;
     double m_chosen = 0.0;
+    /// A free axis that was left for the table, and what it became there.
+    struct Left {
+        Place free;
+        Place table;
+    };
+    std::optional<Left> m_left;
 };
 
 }  // namespace quillon

@@ -47,6 +47,34 @@ TEST_F(FreeViewTest, ChangingBetweenOneAxisAndLanesKeepsThePlace) {
     EXPECT_NEAR(SampleUnder(m_axis, 250), 50001, 5);
 }
 
+TEST_F(FreeViewTest, APageComesBackFromOneAxis) {
+    for (int round = 0; round < 50; ++round) {
+        m_view.Arrange(440, 400);
+        m_view.SelectPage(3.0 + static_cast<double>(m_random() % 400) / 7.0);
+        m_view.ScrollBy(static_cast<std::int32_t>(m_random() % 3000) - m_axis.FirstColumn());
+        const TimeAxis::Place page = m_axis.GetPlace();
+        const auto changeAxis = [this](bool lanes) {
+            m_view.SetLanes(lanes);
+            m_view.Arrange(lanes ? 440 : 500, 400);  // the titles of lanes take room
+        };
+        changeAxis(false);
+        changeAxis(true);
+        ASSERT_EQ(m_axis.GetPlace(), page) << round;
+        changeAxis(false);
+        m_view.ScrollBy(777);
+        const std::int32_t middle = SampleUnder(m_axis, 250);
+        m_view.SetLanes(true);
+        ASSERT_NEAR(m_axis.PageSeconds(), page.chosen, 1e-6);
+        const double columns = m_axis.SamplesPerPixel() + m_axis.Grid().SamplesPerColumn();
+        ASSERT_NEAR(SampleUnder(m_axis, 250), middle, 1.0 + columns) << "of what is seen now";
+    }
+    m_view.SetLanes(false);
+    m_view.ZoomX(true);
+    const SampleSpan zoomed = Visible();
+    m_view.SetLanes(true);
+    EXPECT_EQ(Visible(), zoomed);
+}
+
 TEST_F(FreeViewTest, PagesAreExactAndEpochsStayEpochs) {
     for (const double rate : {100.0, 199.98, 1.0, 4096.5}) {
         Load(Sevens(2, 100000, rate));
