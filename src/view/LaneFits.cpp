@@ -167,8 +167,12 @@ std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block, std::s
     std::vector<std::optional<LaneSpan>> spans(channels.size());
     for (std::size_t at = 0; at < channels.size(); ++at) {
         if (middles[at].empty()) continue;
-        const std::size_t found = middles[at].size();
-        spans[at] = InValues(channels[at], {Ranked(middles[at], found / 2), Ranked(halves[at], found * 3 / 4)});
+        // Where a channel rests, as sound between words does, nothing tells how large it becomes.
+        std::vector<double>& moving = halves[at];
+        std::erase(moving, 0.0);
+        if (moving.empty()) moving.push_back(0.0);
+        spans[at] = InValues(channels[at],
+                             {Ranked(middles[at], middles[at].size() / 2), Ranked(moving, moving.size() * 3 / 4)});
     }
     return spans;
 }

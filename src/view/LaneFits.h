@@ -25,10 +25,10 @@ struct LaneSpan {
 /// Stretches that tell what is typical of a block.
 inline constexpr std::int32_t kTypicalStretches = 16;
 
-/// The typical spans of channels 1 .. n of a block: the same of stretches that are spread over it, of whose spans the
-/// upper quartile, of whose medians the median. Reads at most `most` stretches of 1024 samples, less where
-/// SamplesPerPiece is; what cannot be read is left out. Behind filters the stretches lie together. None where nothing
-/// can be read.
+/// The typical spans of channels 1 .. n of a block: the same of stretches that are spread over it, of whose spans that
+/// are not 0 the upper quartile, of whose medians the median. Reads at most `most` stretches of 1024 samples, less
+/// where SamplesPerPiece is; what cannot be read is left out. Behind filters the stretches lie together. None where
+/// nothing can be read.
 [[nodiscard]] std::vector<std::optional<LaneSpan>> TypicalSpans(const ViewBlock& block,
                                                                 std::span<const LaneChannel> channels,
                                                                 std::int32_t most = kTypicalStretches);

@@ -313,6 +313,19 @@ TEST_F(LanesTest, WhatWasChosenStaysWhileFilesOfTheSameTitlesAreWalkedThrough) {
     EXPECT_EQ(Settings().values, chosen.values);
 }
 
+TEST_F(LanesTest, SoundBetweenSilencesIsSeenWhole) {
+    const auto block = Make({{u"Left", u"FS", 0, 0.03}, {u"Right", u"FS", 0, 0.02}});
+    for (auto& codes : block->samples) {
+        for (auto& code : codes) code = std::clamp<std::int16_t>(code, -1000, 1000);
+        std::fill(codes.begin() + 5000, codes.end(), std::int16_t{0});
+        codes = {codes.rbegin(), codes.rend()};
+    }
+    m_view.SetLanes(true);
+    Load(block);
+    for (const Lane& lane : m_view.GetLanes())
+        EXPECT_NEAR(lane.unitsPerDivision * lane.height / AmplitudeScale::kDivision, 0.1, 0.041) << "holds 0.06";
+}
+
 TEST_F(LanesTest, TheMenusScaleIsThatOfTheChosenChannelsGroup) {
     m_view.SetLanes(true);
     Load(Make({{u"F3", u"uV", 0, 60}, {u"Resp", u"%", 50, 40}, {u"ECG", u"mV", 0, 0.05}}));
