@@ -42,7 +42,15 @@ double ValueOf(const ViewBlock& block, std::int16_t channel, double code) {
     return scaled + static_cast<double>(block.offsets[At(channel)]);
 }
 
+/// A value without a unit has no prefix either: it is written as with a unit that takes none.
+std::u16string WithoutUnit(double value, const FormatOptions& format) {
+    const std::u16string text = FormatValue(static_cast<float>(value), u"%", format);
+    return text.substr(0, text.rfind(u' '));
+}
+
 std::u16string ValueText(const ReadoutSource& source, const std::u16string& unit, double value) {
+    // On one axis an empty unit is a volt, see FormatValue.
+    if (!source.rawCodes && unit.empty() && source.titles) return WithoutUnit(value, source.format);
     if (!source.rawCodes) return FormatValue(static_cast<float>(value), unit, source.format);
     const std::u16string text = NumberText(value, source.format.decimalSeparator);
     return value < 0.0 ? text : u' ' + text;

@@ -22,7 +22,8 @@ struct ReadoutSource {
     const FormatOptions& format;
     bool rawCodes = false;              ///< codes instead of values
     ExtremesCache* extremes = nullptr;  ///< of the block; without it the extremes of a range are read
-    bool titles = false;                ///< channels are named by their titles instead of their numbers
+    /// As in lanes: channels are named by their titles instead of their numbers, and an empty unit stays empty.
+    bool titles = false;
     /// Where signals of other blocks are read out too: whose signals they are, their blocks, and the shown signals in
     /// the order of the readout.
     const Document* document = nullptr;

@@ -42,6 +42,10 @@ class ReadoutTest : public ::testing::Test {
 
 TEST_F(ReadoutTest, HoverTellsThePositionAndEveryShownValue) {
     EXPECT_EQ(HoverReadout(Source(), 3), u"X:\t0.02 s\r\nCh1:\t-2 mV\r\nCh5:\t 2 V\r\n");
+    ReadoutSource lanes = Source();
+    lanes.titles = true;
+    EXPECT_EQ(HoverReadout(lanes, 3), u"X:\t0.02 s\r\nCh1:\t-2 mV\r\nCh5:\t 2\r\n");
+    EXPECT_EQ(ReadoutValue(lanes, 2, 0.0) + ReadoutValue(lanes, 2, -12345.0), u"0-12345");
     slots[4].shown = false;
     rawCodes = true;
     format.sampleIndexes = true;

@@ -41,8 +41,12 @@ std::u16string DialogCommands::TextOfShown() const {
 }
 
 void DialogCommands::Statistics() {
-    const ReadoutSource source{Block(), m_shared.document.Slots(), m_shared.format, m_shared.view.RawCodes(),
-                               &m_shared.view.Extremes()};
+    const ReadoutSource source{Block(),
+                               m_shared.document.Slots(),
+                               m_shared.format,
+                               m_shared.view.RawCodes(),
+                               &m_shared.view.Extremes(),
+                               m_shared.view.UsesLanes()};
     ShowStatistics(m_parts.window.Window(), source, m_shared.view.Selected(), TextOfShown(), m_shared.services,
                    onStatistics);
 }
