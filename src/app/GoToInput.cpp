@@ -4,6 +4,18 @@
 
 namespace quillon {
 
+namespace {
+
+/// Whether a text says a place or a range, although the block may not have it.
+bool IsUnderstood(std::u16string_view text, const ViewBlock& block, const FormatOptions& format) {
+    const std::size_t dots = text.find(u"..");
+    if (dots != text.npos)
+        return IsUnderstood(text.substr(0, dots), block, format) && IsUnderstood(text.substr(dots + 2), block, format);
+    return ParsePosition(text, block, format) || ParseLength(text, format);
+}
+
+}  // namespace
+
 GoToMeaning MeaningOf(const GoToTexts& typed, const GoToTexts& offered, const ViewBlock& block,
                       const FormatOptions& format, std::int32_t present) {
     GoToMeaning meaning;
@@ -15,7 +27,8 @@ GoToMeaning MeaningOf(const GoToTexts& typed, const GoToTexts& offered, const Vi
     if (newPage && typed.place == offered.place) return meaning;
     meaning.range = ParseRange(typed.place, block, format, present);
     if (!meaning.range) meaning.sample = ParsePosition(typed.place, block, format, present);
-    if (!meaning.range && !meaning.sample) return {.refusal = IDS_PLACE_BAD};
+    if (!meaning.range && !meaning.sample)
+        return {.refusal = IsUnderstood(typed.place, block, format) ? IDS_PLACE_BAD : IDS_PLACE_UNCLEAR};
     return meaning;
 }
 

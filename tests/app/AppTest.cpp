@@ -415,11 +415,20 @@ TEST(GoToInput, OnlyWhatWasTypedCountsAndNothingHappensByHalves) {
     EXPECT_EQ(mean(u"#9..#3", u"10 s").range, (PositionRange{3, 9}));
     EXPECT_FALSE(mean(u"#9..#3", u"10 s").sample);
     for (const auto& [place, length, refusal] :
-         {std::tuple{u"3 s", u"0", IDS_PAGE_BAD}, {u"x", u"20 s", IDS_PLACE_BAD}, {u"x", u"x", IDS_PAGE_BAD}}) {
+         {std::tuple{u"3 s", u"0", IDS_PAGE_BAD}, {u"x", u"20 s", IDS_PLACE_UNCLEAR}, {u"x", u"x", IDS_PAGE_BAD}}) {
         const GoToMeaning refused = mean(place, length);
         EXPECT_EQ(refused.refusal, refusal);
         EXPECT_FALSE(refused.page || refused.sample || refused.range);
     }
+    // Understood, but not there: hours before the block.
+    block.startTime = 45000.5;
+    format.timeOfDay = true;
+    for (const auto& [place, refusal] : {std::pair{u"9:30:00", IDS_PLACE_BAD},
+                                         {u"12:00:01..9:30:00", IDS_PLACE_BAD},
+                                         {u"12:00:01..", IDS_PLACE_UNCLEAR},
+                                         {u"9:61:00", IDS_PLACE_UNCLEAR},
+                                         {u"#", IDS_PLACE_UNCLEAR}})
+        EXPECT_EQ(mean(place, u"10 s").refusal, refusal) << refusal;
 }
 
 }  // namespace
