@@ -121,6 +121,15 @@ int CommandOf(KeyPlace place, Key key, bool control, bool shift, bool alt) {
     return found == kBindings.end() ? 0 : found->command;
 }
 
+bool IsKeyOfBox(Key key, bool control, bool shift, bool alt) {
+    if (alt) return false;
+    if (!control) return key != Key::F1 && key != Key::F5;
+    constexpr std::array moving{Key::Left, Key::Right, Key::Home, Key::End};
+    constexpr std::array editing{Letter('A'), Letter('C'), Letter('V'), Letter('X'), Letter('Z')};
+    return std::find(moving.begin(), moving.end(), key) != moving.end() ||
+           (!shift && std::find(editing.begin(), editing.end(), key) != editing.end());
+}
+
 KeyPlace KeyPlaceOf(int control) {
     switch (control) {
         case 0:

@@ -55,6 +55,9 @@ struct KeyBinding {
 /// Command bound to a key in that context; 0 if none.
 [[nodiscard]] int CommandOf(KeyPlace place, Key key, bool control, bool shift, bool alt);
 
+/// Whether a box in which something is typed uses a key itself; the others are commands there too.
+[[nodiscard]] bool IsKeyOfBox(Key key, bool control, bool shift, bool alt);
+
 /// Key context of the focused control of the main window; 0: the window itself.
 [[nodiscard]] KeyPlace KeyPlaceOf(int control);
 

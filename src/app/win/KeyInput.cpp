@@ -73,7 +73,8 @@ bool KeyInput::Translate(const MSG& message) {
     // After Alt with another key, the release of Alt must not open the menu.
     const bool released = message.message == WM_SYSKEYUP || message.message == WM_KEYUP;
     if (released && message.wParam == VK_MENU && std::exchange(m_altUsed, false)) return true;
-    if (message.message == WM_SYSKEYDOWN && message.wParam == VK_MENU && !IsRepeated(message)) m_altUsed = false;
+    if (message.message == WM_SYSKEYDOWN && (message.wParam != VK_MENU || !IsRepeated(message)))
+        m_altUsed = message.wParam != VK_MENU;
     if (message.message != WM_KEYDOWN && message.message != WM_SYSKEYDOWN) return false;
     return (message.hwnd == m_window || IsChild(m_window, message.hwnd)) && TranslateKey(message);
 }
@@ -110,13 +111,13 @@ bool KeyInput::TranslateKey(const MSG& message) {
         return true;
     }
     const int box = GetDlgCtrlID(GetParent(focus) == m_window ? focus : GetParent(focus));
-    if (IsTypedInto(box) && code != VK_F1 && !(control && code == 'R')) return TranslateInBox(focus, code);
-    const int command = CommandOf(FocusPlace(), KeyOf(code), control, shift, alt);
+    const Key key = KeyOf(code);
+    if (IsTypedInto(box) && IsKeyOfBox(key, control, shift, alt)) return TranslateInBox(focus, code);
+    const int command = CommandOf(FocusPlace(), key, control, shift, alt);
     if (command == 0) return false;
     // The play key toggles; auto-repeat must not toggle again.
     if ((command == mnuSoundPlay || command == mnuShowRaw) && IsRepeated(message)) return true;
     if (command == mnuShowRaw) m_holdsRaw = true;
-    if (alt) m_altUsed = true;
     onCommand(command);
     return true;
 }
@@ -124,8 +125,8 @@ bool KeyInput::TranslateKey(const MSG& message) {
 bool KeyInput::TranslateInBox(HWND focus, WPARAM code) const {
     const HWND box = GetParent(focus) == m_window ? focus : GetParent(focus);
     if (code != VK_RETURN && code != VK_ESCAPE) return false;
-    // An open list takes them itself.
-    if (SendMessageW(box, CB_GETDROPPEDSTATE, 0, 0) != 0) return false;
+    // An open list takes the line that is chosen itself.
+    if (code == VK_RETURN && SendMessageW(box, CB_GETDROPPEDSTATE, 0, 0) != 0) return false;
     SendMessageW(m_window, WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(box), code == VK_RETURN ? kEntered : kCancelled),
                  reinterpret_cast<LPARAM>(box));
     return true;

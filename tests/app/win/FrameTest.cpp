@@ -169,6 +169,9 @@ TEST_F(FrameTest, TheKeyboardIsNeverLost) {
     EXPECT_TRUE(m_form->PreTranslate({Control(pbGraph), WM_SYSKEYDOWN, VK_RIGHT, 0, 0, {}}));
     EXPECT_TRUE(m_form->PreTranslate({Control(pbGraph), WM_KEYUP, VK_MENU, 0, 0, {}}));
     EXPECT_FALSE(m_form->PreTranslate({Control(pbGraph), WM_KEYUP, VK_MENU, 0, 0, {}}));
+    // Nor that of a key which a box takes itself, as Alt+Down for its list.
+    EXPECT_FALSE(m_form->PreTranslate({Control(cboFileType), WM_SYSKEYDOWN, VK_DOWN, 0, 0, {}}));
+    EXPECT_TRUE(m_form->PreTranslate({Control(cboFileType), WM_SYSKEYUP, VK_MENU, 0, 0, {}}));
     keys[VK_MENU] = 0;
     SetKeyboardState(keys);
     // The window's own menu is left to the system.
