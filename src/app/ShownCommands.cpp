@@ -84,6 +84,7 @@ void ShownCommands::Show(const ShownSettings& settings) {
 void ShownCommands::Apply(const ShownSettings& settings) {
     // A choice ends the look at the raw signals, so that its effect is seen.
     m_kept.reset();
+    onRefused({});
     Show(settings);
     Remember();
     onChoice();

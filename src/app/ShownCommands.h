@@ -38,6 +38,7 @@ class ShownCommands {
     std::function<void()> onPairs;   ///< a montage was chosen, whose pairs need lanes
     std::function<void()> onRow;     ///< the row of filters is shown or hidden
     std::function<void()> onChoice;  ///< something was chosen, whether or not it changes a signal of this block
+    /// Why something was not chosen; empty when something is.
     std::function<void(const std::u16string& reason)> onRefused;
 
     /// Takes the filters and the montages that were remembered; at the start.

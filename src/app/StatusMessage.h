@@ -16,6 +16,7 @@ class StatusMessage {
         Unreadable,  ///< samples that cannot be read
         Reload,      ///< the file of the recording has changed
         Refusal,     ///< the selected file is no recording
+        Choice,      ///< why signals are not shown as was chosen; until they are
         Hint,        ///< of something that helps with what is shown
         Folder       ///< the folder, or the open file in it, is gone or cannot be listed
     };

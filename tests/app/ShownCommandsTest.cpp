@@ -79,7 +79,9 @@ class ShownCommandsTest : public EmptyViewFixture {
         };
         m_commands.onChoice = [] {};
         m_commands.onPairs = [] {};
-        m_commands.onRefused = [this](const std::u16string& reason) { m_told.push_back(reason); };
+        m_commands.onRefused = [this](const std::u16string& reason) {
+            reason.empty() ? m_told.clear() : m_told.push_back(reason);
+        };
     }
 
     FormatOptions m_format;
@@ -121,6 +123,8 @@ TEST_F(ShownCommandsTest, WhatCannotBeIsToldAndChangesNothing) {
     EXPECT_EQ(m_told[2], m_services.Text(IDS_FILTER_UNUSABLE));
     EXPECT_EQ(m_document.Shown(), before);
     EXPECT_EQ(m_changes, 0);
+    m_commands.Choose({FilterField::HighPass, 10.0});
+    EXPECT_TRUE(m_told.empty()) << "what was chosen before is a choice, too";
     m_document.CloseCurrentFile();
     m_commands.Choose({FilterField::HighPass, 1.0});
     m_commands.ToggleUnfiltered();

@@ -82,12 +82,15 @@ void FilterBar::Measure() {
 
 void FilterBar::Update(const CommandState& state) {
     if (m_parent == nullptr) return;
+    const unsigned own = ++m_updates;
     for (int id = lblFilterGroup; id <= cboFilterDirection; ++id) {
         const HWND control = GetDlgItem(m_parent, id);
         const bool isShown = (GetWindowLongW(control, GWL_STYLE) & WS_VISIBLE) != 0;
         if (isShown != state.filtersShown) {
             const HWND focus = GetFocus();
             if (isShown && (focus == control || IsChild(control, focus))) SetFocus(GetDlgItem(m_parent, pbGraph));
+            // The box has taken what was typed in it: the row has been updated meanwhile.
+            if (own != m_updates) return;
             ShowWindow(control, state.filtersShown ? SW_SHOWNA : SW_HIDE);
         }
         if ((IsWindowEnabled(control) != FALSE) != state.hasGroup) EnableWindow(control, state.hasGroup);
@@ -127,14 +130,21 @@ void FilterBar::Choose(FilterField field) const {
     ShowChoice(field);
 }
 
+void FilterBar::TakeTyped(FilterField field) const {
+    if (!IsTyped(field)) return;
+    const std::wstring typed = WindowText(Box(field));
+    if (typed != m_texts[static_cast<std::size_t>(field)]) m_shown->Type(field, Narrow16(typed));
+}
+
 void FilterBar::OnCommand(int id, int notification) {
     const auto found = std::find(kBoxes.begin(), kBoxes.end(), id);
     if (found == kBoxes.end()) return;
     const auto field = static_cast<FilterField>(found - kBoxes.begin());
     if (notification == CBN_SELCHANGE) return Choose(field);
-    if (notification == KeyInput::kEntered && IsTyped(field)) {
-        m_shown->Type(field, Narrow16(WindowText(Box(field))));
-    }
+    // So that what is typed replaces it.
+    if (notification == CBN_SETFOCUS && IsTyped(field)) SendMessageW(Box(field), CB_SETEDITSEL, 0, MAKELPARAM(0, -1));
+    if (notification == CBN_KILLFOCUS || notification == KeyInput::kEntered) TakeTyped(field);
+    // What was refused is not shown as if it were chosen.
     if (notification == CBN_KILLFOCUS || notification == KeyInput::kEntered || notification == KeyInput::kCancelled)
         ShowChoice(field);
     if (notification == CBN_CLOSEUP || notification == KeyInput::kEntered || notification == KeyInput::kCancelled)

@@ -17,7 +17,7 @@ namespace quillon {
 class ShownCommands;
 
 /// The row of filters below the toolbars: the group of the current channel's unit, and what its signals go through.
-/// Frequencies can be typed; Enter applies them, Esc and leaving the box restore what was there.
+/// Frequencies can be typed; Enter and leaving the box apply them, Esc restores what was there.
 class FilterBar {
   public:
     /// Makes the controls, hidden. What they are given must outlive them. Throws std::system_error when one cannot be
@@ -37,6 +37,7 @@ class FilterBar {
     [[nodiscard]] HWND Box(FilterField field) const;
     void ShowChoice(FilterField field) const;
     void Choose(FilterField field) const;
+    void TakeTyped(FilterField field) const;
     void ShowGroup();
 
     HWND m_parent = nullptr;
@@ -46,6 +47,7 @@ class FilterBar {
     std::array<std::int32_t, kFilterControls> m_widths{};
     std::array<std::wstring, kFilterFields> m_texts;  ///< that the boxes show unless something is being typed
     std::wstring m_group;
+    unsigned m_updates = 0;  ///< how often Update was called
 };
 
 }  // namespace quillon

@@ -122,7 +122,9 @@ void MainRooms::WireCommands() {
     };
     shown.onChange = [this](bool signals) { SamplesChanged(false), signals ? lanes.SignalsFound() : void(); };
     shown.onChoice = [this] { UpdateState(); };
-    shown.onRefused = [this](const std::u16string& reason) { status.Tell(StatusBar::Topic::Outcome, reason); };
+    shown.onRefused = [this](const std::u16string& reason) {
+        reason.empty() ? status.Retract(StatusBar::Topic::Choice) : status.Tell(StatusBar::Topic::Choice, reason);
+    };
     shown.onPairs = [this] {
         if (!view.LanesOfChannels().Settings().on) lanes.ToggleLanes();
         ViewChanged(view.ScrollLanes(-view.LanesOfChannels().Settings().first));

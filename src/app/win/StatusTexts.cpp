@@ -57,7 +57,8 @@ void StatusTexts::TellOfLanes() {
 void StatusTexts::BlockLeft() {
     m_unreadable = {};
     using Topic = StatusBar::Topic;
-    for (const Topic topic : {Topic::Unreadable, Topic::Refusal, Topic::Reload, Topic::Hint}) m_status.Retract(topic);
+    for (const Topic topic : {Topic::Unreadable, Topic::Refusal, Topic::Choice, Topic::Reload, Topic::Hint})
+        m_status.Retract(topic);
 }
 
 void StatusTexts::Failed(const std::exception& error) noexcept {

@@ -342,7 +342,7 @@ void frmQLMain::OnControlCommand(int id, int notification) {
         // From a toolbar button: return the focus to the graph.
         OnCommand(id);
         m_focus.ToGraph();
-    } else if (!m_rooms.longCommand.IsBusy()) {
+    } else if (!m_closing && !m_rooms.longCommand.IsBusy()) {
         if (notification == LBN_SETFOCUS || notification == LBN_KILLFOCUS) m_focus.Show();
         m_rooms.recording.OnCommand(id, notification);
         m_tools.filters.OnCommand(id, notification);

@@ -104,6 +104,12 @@ void LookOtherwise(User& me) {
     me.Write(L"2");
     me.Strike(VK_RETURN);
     EXPECT_TRUE(WaitUntil([&] { return WindowText(me.Control(cboHighPass)).starts_with(L"2 "); }));
+    // What was typed is taken when the keyboard goes elsewhere, by a key that works from anywhere.
+    EXPECT_TRUE(me.StrikeUntil(VK_TAB, [&] { return me.Focus() == cboLowPass; }));
+    me.Write(L"30");
+    me.Strike('3', {VK_CONTROL});
+    EXPECT_TRUE(WaitUntil([&] { return me.Focus() == lstFile; }));
+    EXPECT_THAT(WindowText(me.Control(cboLowPass)), StartsWith(L"30 "));
     EXPECT_TRUE(me.StrikeUntil(VK_TAB, [&] { return me.Focus() == pbGraph; }));
     me.Strike('P', {VK_CONTROL, VK_SHIFT});
     const HWND spectrum = me.Dialog();

@@ -167,10 +167,28 @@ TEST_F(MainWindowTest, FrequenciesAreTypedIntoTheRowOfFilters) {
     for (const auto& [text, key] : {std::pair{L"50", VK_RETURN}, {L"x", VK_RETURN}, {L"2", VK_ESCAPE}})
         EXPECT_EQ(type(text, key), std::pair(std::wstring(L"0.7 Hz"), 0.7)) << key;
     EXPECT_NE(Status(), L"");
+    // The box that is left takes what was typed, over what was there; the reason of a refusal goes with the next
+    // choice.
+    const auto chosen = [this](const wchar_t* text, const std::function<void()>& leave) {
+        SetFocus(Control(cboHighPass));
+        for (const wchar_t* letter = text; *letter != 0; ++letter) SendMessageW(GetFocus(), WM_CHAR, *letter, 0);
+        leave();
+        return m_global.document->Shown().filters.begin()->second.highPass;
+    };
+    EXPECT_EQ(chosen(L"0.4",
+                     [this] {
+                         static_cast<void>(m_form->PreTranslate({GetFocus(), WM_KEYDOWN, VK_TAB, 0, 0, {}}));
+                     }),
+              0.4);
+    EXPECT_EQ(Status(), L"");
+    EXPECT_EQ(chosen(L"77", [this] { SetFocus(Control(lstFile)); }), 0.4);
+    EXPECT_NE(Status(), L"");
+    EXPECT_EQ(WindowText(Control(cboHighPass)), L"0.4 Hz");
     // A row that goes away leaves the keyboard to the graph.
-    SetFocus(Control(cboHighPass));
-    Command(mnuFilterRow);
+    EXPECT_EQ(chosen(L"0.6", [this] { Command(mnuFilterRow); }), 0.6);
     EXPECT_EQ(GetFocus(), Control(pbGraph));
+    EXPECT_FALSE(IsWindowVisible(Control(cboHighPass)));
+    EXPECT_EQ(WindowText(Control(cboHighPass)), L"0.6 Hz");
 }
 
 }  // namespace
