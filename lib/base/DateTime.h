@@ -8,6 +8,9 @@
 /// as the fraction. No time zone: every date is the recording's own local time.
 namespace quillon {
 
+/// Dates are counted in days.
+inline constexpr double kSecondsPerDay = 86400.0;
+
 struct CivilTime {
     int year = 1899;
     int month = 12;  ///< 1 to 12

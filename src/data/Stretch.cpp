@@ -6,13 +6,13 @@
 #include <set>
 #include <utility>
 
+#include "base/DateTime.h"
 #include "base/Resume.h"
 
 namespace quillon {
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 /// Dates are no more exact than that.
 constexpr double kDateStep = 2e-6;
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "base/Bilingual.h"
+#include "base/DateTime.h"
 #include "base/Text.h"
 #include "data/ShownChannels.h"
 #include "format/NumberText.h"
@@ -12,7 +13,6 @@ namespace quillon {
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 constexpr double kTicks = 1e7;  ///< of a second; what widespread readers resolve
 
 /// With the fewest decimals that the date, which resolves about a microsecond, can mean.

@@ -17,7 +17,6 @@ namespace quillon {
 namespace {
 
 constexpr std::int32_t kChunkFrames = 1024;
-constexpr double kSecondsPerDay = 86400.0;
 constexpr std::size_t kRecordCodes = std::size_t{1} << 20;
 constexpr std::int32_t kPieceCodes = std::int32_t{1} << 16;  ///< of records larger than that
 constexpr double kShortestRecord = 1e-9;                     ///< seconds that readers take

@@ -13,7 +13,6 @@ namespace quillon {
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 constexpr std::u16string_view kNewSegment = u"New Segment";
 
 /// "YYYYMMDDhhmmssuuuuuu"; recorders without a clock write zeros, or a date of the year 0.

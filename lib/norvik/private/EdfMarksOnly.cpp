@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/DateTime.h"
 #include "base/Text.h"
 #include "norvik/private/EdfMarks.h"
 #include "norvik/private/EdfScan.h"
@@ -16,7 +17,6 @@ namespace quillon {
 namespace {
 
 constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
-constexpr double kSecondsPerDay = 86400.0;
 
 /// The finest rate at which all of the time has samples in one block.
 double RateOf(double seconds) {

@@ -9,12 +9,6 @@
 
 namespace quillon {
 
-namespace {
-
-constexpr double kSecondsPerDay = 86400.0;
-
-}  // namespace
-
 EdfTimeline::EdfTimeline(const EdfHeader& header, std::size_t maxStretches)
     : m_startDate(header.startDate),
       m_recordSeconds(header.recordSeconds),

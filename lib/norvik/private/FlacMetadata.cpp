@@ -1,5 +1,4 @@
 #include "norvik/private/FlacMetadata.h"
-#include "norvik/private/Refusals.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +6,7 @@
 
 #include "base/LittleEndian.h"
 #include "base/Text.h"
+#include "norvik/private/Refusals.h"
 
 namespace quillon {
 
@@ -43,12 +43,6 @@ std::uint64_t Big(std::span<const std::uint8_t> bytes, std::size_t offset, std::
 
 std::string_view Characters(std::span<const std::uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-[[noreturn]] void RefuseField(std::u16string_view english, std::u16string_view russian, std::uint64_t value,
-                              std::uint64_t offset) {
-    throw FormatError(Say(std::u16string(english) + u" %1 at byte %2", std::u16string(russian) + u" %1 в байте %2",
-                          {Number(value), Number(offset)}));
 }
 
 BlockHeader ReadBlockHeader(ByteSource& source, std::uint64_t offset) {

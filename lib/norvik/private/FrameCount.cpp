@@ -1,10 +1,10 @@
 #include "norvik/private/FrameCount.h"
-#include "norvik/private/Refusals.h"
 
 #include <array>
 #include <charconv>
 
 #include "base/Text.h"
+#include "norvik/private/Refusals.h"
 
 namespace quillon {
 

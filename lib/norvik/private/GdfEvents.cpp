@@ -1,5 +1,4 @@
 #include "norvik/private/GdfEvents.h"
-#include "norvik/private/Refusals.h"
 
 #include <algorithm>
 #include <array>
@@ -7,6 +6,7 @@
 
 #include "base/LittleEndian.h"
 #include "base/Text.h"
+#include "norvik/private/Refusals.h"
 
 namespace quillon {
 

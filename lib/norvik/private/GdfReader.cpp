@@ -6,6 +6,7 @@
 #include <set>
 #include <utility>
 
+#include "base/DateTime.h"
 #include "base/Text.h"
 #include "norvik/private/EdfAnnotations.h"
 #include "norvik/private/FrameBlock.h"
@@ -18,7 +19,6 @@ namespace quillon {
 
 namespace {
 
-constexpr double kSecondsPerDay = 86400.0;
 /// Bytes that the text of a mark takes at most, roughly.
 constexpr std::size_t kMarkTextBytes = 96;
 

@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 
+#include "base/DateTime.h"
 #include "base/FilePath.h"
 #include "base/Text.h"
 #include "norvik/private/EdfAnnotations.h"
@@ -26,7 +27,6 @@ constexpr std::uint64_t kSegmentHeaderBytes = std::uint64_t{64} << 20;
 /// folder.
 constexpr std::size_t kMostUnread = 1000;
 constexpr std::uint64_t kAnnotationBytes = std::uint64_t{64} << 20;
-constexpr double kSecondsPerDay = 86400.0;
 /// Which annotators are looked for, in this order.
 constexpr std::array<std::u16string_view, 7> kAnnotators{u".atr", u".ari", u".ecg", u".qrs", u".st", u".apn", u".ann"};
 
