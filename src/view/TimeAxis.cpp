@@ -81,7 +81,8 @@ bool TimeAxis::TakeBack() {
     if (!m_left || m_left->table.zoom != m_zoom || m_left->table.chosen != m_chosen) return false;
     const bool scrolled = m_left->table.first != m_first;
     const double sample = MiddleSample();
-    Restore(m_left->free);
+    const Place left = m_left->free;
+    Restore(left);
     if (scrolled) CentreOn(sample);
     return true;
 }
@@ -259,6 +260,7 @@ TimeAxis::Place TimeAxis::GetPlace() const {
 }
 
 void TimeAxis::Restore(const Place& place) {
+    m_left.reset();
     m_free = place.free;
     m_chosen = place.chosen;
     if (!m_free) return Restore(place.zoom, place.first);

@@ -153,8 +153,8 @@ TEST_F(WaveformViewTest, PlacesRangesAndPagesAreGoneTo) {
     Point(11, 10);
     SendMessageW(Control(pbGraph), WM_MOUSEMOVE, 0, MAKELPARAM(11, 10));
     EXPECT_NE(Values(), gone);
-    EXPECT_THAT(type(L"somewhere", L""), HasSubstr(L"no such place"));
-    EXPECT_THAT(type(L"#7..nowhere", L""), HasSubstr(L"no such place"));
+    EXPECT_THAT(type(L"somewhere", L""), HasSubstr(L"not understood"));
+    EXPECT_THAT(type(L"#7..nowhere", L""), HasSubstr(L"not understood"));
     EXPECT_EQ(middle(), 50000);
     EXPECT_EQ(type(L"#80100 .. #80000", L""), L"");
     EXPECT_EQ(middle(), 80050);
