@@ -24,6 +24,10 @@ foreach(line IN LISTS quillon_folders)
   set(portable_sources ${sources})
   list(FILTER portable_sources EXCLUDE REGEX "/(win|posix)/")
   if(WIN32)
+    # Never compiled as one: a program would load every library of the system that any of its neighbours needs.
+    set(system_sources ${sources})
+    list(FILTER system_sources INCLUDE REGEX "/win/")
+    set_source_files_properties(${system_sources} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     set_source_files_properties(${portable_sources} PROPERTIES
       COMPILE_OPTIONS "-include;${CMAKE_SOURCE_DIR}/cmake/PoisonWindows.h")
   endif()
