@@ -37,9 +37,12 @@ std::string ShortEeg() {
 
 /// Folder, file, channel and mark out of their lists.
 void FindByLists(User& me) {
+    const auto lineOf = [&me](int list) {
+        return [&me, list] { return SendMessageW(me.Control(list), LB_GETCURSEL, 0, 0); };
+    };
     me.Strike('1', {VK_CONTROL});
     EXPECT_TRUE(WaitUntil([&] { return me.Focus() == lstDir; }));
-    EXPECT_TRUE(me.StrikeUntil(VK_DOWN, [&] {
+    EXPECT_TRUE(me.StrikeUntil(VK_DOWN, lineOf(lstDir), [&] {
         wchar_t line[300] = {};
         const auto chosen = static_cast<WPARAM>(SendMessageW(me.Control(lstDir), LB_GETCURSEL, 0, 0));
         SendPointer(me.Control(lstDir), LB_GETTEXT, chosen, line);
@@ -49,7 +52,7 @@ void FindByLists(User& me) {
     EXPECT_TRUE(WaitUntil([&] { return me.Files() == 2; }));
     me.Strike('3', {VK_CONTROL});
     EXPECT_TRUE(WaitUntil([&] { return me.Focus() == lstFile; }));
-    EXPECT_TRUE(me.StrikeUntil(VK_DOWN, [&] { return me.Caption().starts_with(L"day.edf"); }));
+    EXPECT_TRUE(me.StrikeUntil(VK_DOWN, lineOf(lstFile), [&] { return me.Caption().starts_with(L"day.edf"); }));
     me.Strike('2', {VK_CONTROL});
     EXPECT_TRUE(WaitUntil([&] { return me.Focus() == lvCh; }));
     me.Strike(VK_DOWN);
@@ -68,21 +71,21 @@ void FindByLists(User& me) {
 
 /// A range is selected, measured and sent to somebody.
 void MeasureAndSend(User& me, const std::filesystem::path& sent) {
-    EXPECT_TRUE(me.StrikeUntil(VK_TAB, [&] { return me.Focus() == pbGraph; }));
+    EXPECT_TRUE(me.TabTo(pbGraph));
     me.Strike('G', {VK_CONTROL});
-    const HWND place = me.Dialog();
+    const HWND place = me.DialogWithKeys();
     me.Write(L"0:00:10 .. 0:00:12");
     me.Strike(VK_RETURN);
     EXPECT_TRUE(WaitUntil([&] { return !IsWindow(place); }));
     me.Strike('C', {VK_CONTROL, VK_SHIFT});
     EXPECT_TRUE(WaitUntil([&] { return OpenClipboard(nullptr) && (CloseClipboard(), true); }));
     me.Strike('S', {VK_CONTROL});
-    const HWND save = me.Dialog();
+    const HWND save = me.DialogWithKeys();
     EXPECT_TRUE(WaitUntil([&] { return GetDlgItem(save, 0x47C) != nullptr; }));
     me.Write(sent.wstring());
-    const auto type = [&] { return static_cast<int>(SendDlgItemMessageW(save, 0x470, CB_GETCURSEL, 0, 0)); };
-    EXPECT_TRUE(me.StrikeUntil(VK_TAB, [&] { return FocusOf(save) == GetDlgItem(save, 0x470); }));
-    EXPECT_TRUE(me.StrikeUntil(VK_DOWN, [&] { return type() == 4; }));
+    const auto type = [&] { return SendDlgItemMessageW(save, 0x470, CB_GETCURSEL, 0, 0); };
+    EXPECT_TRUE(me.TabTo(save, [&] { return FocusOf(save) == GetDlgItem(save, 0x470); }));
+    EXPECT_TRUE(me.StrikeUntil(VK_DOWN, type, [&] { return type() == 4; }));
     me.Strike(VK_RETURN);
     EXPECT_TRUE(WaitUntil([&] { return !IsWindow(save); }));
     EXPECT_TRUE(WaitUntil([&] {
@@ -100,19 +103,19 @@ void LookOtherwise(User& me) {
     EXPECT_EQ(me.Focus(), pbGraph);
     me.Strike('F');
     EXPECT_TRUE(WaitUntil([&] { return IsWindowVisible(me.Control(cboHighPass)) != FALSE; }));
-    EXPECT_TRUE(me.StrikeUntil(VK_TAB, [&] { return me.Focus() == cboHighPass; }));
+    EXPECT_TRUE(me.TabTo(cboHighPass));
     me.Write(L"2");
     me.Strike(VK_RETURN);
     EXPECT_TRUE(WaitUntil([&] { return WindowText(me.Control(cboHighPass)).starts_with(L"2 "); }));
     // What was typed is taken when the keyboard goes elsewhere, by a key that works from anywhere.
-    EXPECT_TRUE(me.StrikeUntil(VK_TAB, [&] { return me.Focus() == cboLowPass; }));
+    EXPECT_TRUE(me.TabTo(cboLowPass));
     me.Write(L"30");
     me.Strike('3', {VK_CONTROL});
     EXPECT_TRUE(WaitUntil([&] { return me.Focus() == lstFile; }));
     EXPECT_THAT(WindowText(me.Control(cboLowPass)), StartsWith(L"30 "));
-    EXPECT_TRUE(me.StrikeUntil(VK_TAB, [&] { return me.Focus() == pbGraph; }));
+    EXPECT_TRUE(me.TabTo(pbGraph));
     me.Strike('P', {VK_CONTROL, VK_SHIFT});
-    const HWND spectrum = me.Dialog();
+    const HWND spectrum = me.DialogWithKeys();
     me.Strike(VK_ESCAPE);
     EXPECT_TRUE(WaitUntil([&] { return !IsWindowVisible(spectrum) && me.Focus() == pbGraph; }));
     me.StrikeMenu(mnuDarkGraph);

@@ -69,13 +69,31 @@ class User {
         const HWND focus = FocusOf(m_window);
         return GetDlgCtrlID(GetParent(focus) == m_window ? focus : GetParent(focus));
     }
-    /// Strikes a key until something is so, if it comes to be.
-    [[nodiscard]] static bool StrikeUntil(WORD key, const std::function<bool()>& condition) {
+    /// Strikes a key until something is so, if it comes to be; `observed` tells that the key has been taken, as that
+    /// may last.
+    [[nodiscard]] static bool StrikeUntil(WORD key, const std::function<LRESULT()>& observed,
+                                          const std::function<bool()>& condition) {
         for (int times = 0; times < 30 && !condition(); ++times) {
+            const LRESULT before = observed();
             Strike(key);
-            for (int wait = 0; wait < 20 && !condition(); ++wait) Sleep(5);
+            for (int wait = 0; wait < 300 && observed() == before; ++wait) Sleep(10);
+            for (int wait = 0; wait < 20 && !condition(); ++wait) Sleep(10);
         }
         return condition();
+    }
+    /// Goes on by Tab to a control, in the main window or in a dialog.
+    [[nodiscard]] static bool TabTo(HWND window, const std::function<bool()>& condition) {
+        return StrikeUntil(
+            VK_TAB, [window] { return reinterpret_cast<LRESULT>(FocusOf(window)); }, condition);
+    }
+    [[nodiscard]] bool TabTo(int control) const {
+        return TabTo(m_window, [&] { return Focus() == control; });
+    }
+    /// The dialog that is open and has the keyboard, once it is.
+    HWND DialogWithKeys() {
+        const HWND dialog = Dialog();
+        EXPECT_TRUE(WaitUntil([&] { return GetForegroundWindow() == dialog; }));
+        return dialog;
     }
     /// Chooses a command of the menu by F10 and the arrow keys.
     void StrikeMenu(int command) const {
