@@ -49,9 +49,8 @@ if(folders)
   message(FATAL_ERROR "Not in cmake/Folders.cmake: ${folders}")
 endif()
 
-# Where several files are compiled as one (see test.sh): these open a namespace whose names another dialog has too.
-set_source_files_properties(src/dialogs/SplitTemplate.cpp src/dialogs/win/dlgSplit.cpp
-  PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+# Where several files are compiled as one (see test.sh): it opens a namespace whose names another dialog has too.
+set_source_files_properties(src/dialogs/SplitTemplate.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 
 # Before anything is compiled.
 file(GLOB_RECURSE checked_sources CONFIGURE_DEPENDS lib/*.h lib/*.cpp src/*.h src/*.cpp)

@@ -41,7 +41,7 @@ int ReadVisible(const GraphScene& scene) {
     int most = 0;
     std::vector<std::int16_t> codes;
     const SceneBlocks blocks = scene.Blocks();
-    for (const SignalGroup& group : GroupsOf(blocks, ChannelsOf(scene.lanes))) {
+    for (const SignalsOfBlock& group : GroupsOf(blocks, ChannelsOf(scene.lanes))) {
         const SampleSpan samples = group.Stretch(scene.axis, 0, kWidth).samples;
         codes.resize(static_cast<std::size_t>(samples.count));
         for (const std::int16_t channel : group.channels) {

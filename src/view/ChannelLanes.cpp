@@ -188,7 +188,7 @@ namespace {
 std::vector<std::optional<LaneSpan>> SeenSpans(const SceneBlocks& blocks, const std::vector<LaneChannel>& channels,
                                                const std::vector<std::int16_t>& wanted, const TimeAxis& axis) {
     std::vector<std::optional<LaneSpan>> spans(channels.size());
-    for (const SignalGroup& group : GroupsOf(blocks, wanted)) {
+    for (const SignalsOfBlock& group : GroupsOf(blocks, wanted)) {
         TraceReader reader;
         reader.Read(*group.of.block.block, group.of.extremes, group.channels, group.Stretch(axis, 0, axis.Width()));
         for (std::size_t at = 0; at < group.channels.size(); ++at) {
@@ -202,7 +202,7 @@ std::vector<std::optional<LaneSpan>> SeenSpans(const SceneBlocks& blocks, const 
 /// Whether all that the graph would show of some channels can be read quickly; reads a little of it.
 bool CanReadQuickly(const SceneBlocks& blocks, const std::vector<std::int16_t>& wanted, const TimeAxis& axis) {
     constexpr int pieces = 4;
-    for (const SignalGroup& group : GroupsOf(blocks, wanted)) {
+    for (const SignalsOfBlock& group : GroupsOf(blocks, wanted)) {
         const TraceStretch stretch = group.Stretch(axis, 0, axis.Width());
         bool quick = false;
         for (int piece = 0; piece < pieces && !quick; ++piece)

@@ -302,7 +302,7 @@ void GraphPicture::FindOutside(const GraphScene& scene) {
     m_beyond.clear();
     const std::vector<LaneTrace> traces = TracesOf(scene.lanes);
     const SceneBlocks blocks = scene.Blocks();
-    for (const SignalGroup& group : GroupsOf(blocks, ChannelsOf(scene.lanes))) {
+    for (const SignalsOfBlock& group : GroupsOf(blocks, ChannelsOf(scene.lanes))) {
         for (std::size_t at = 0; at < group.channels.size(); ++at) {
             const std::size_t trace = group.first + at;
             const TraceSides::Side side = m_traces.SideOf(trace);

@@ -23,7 +23,7 @@ struct SceneBlock {
 using SceneBlocks = std::vector<SceneBlock>;
 
 /// Some signals of one of the blocks.
-struct SignalGroup {
+struct SignalsOfBlock {
     const SceneBlock& of;
     std::size_t first = 0;                 ///< place of its first signal in the list that was divided
     std::vector<std::int16_t> channels{};  ///< of the block, from 1
@@ -32,6 +32,6 @@ struct SignalGroup {
 };
 
 /// Divides signals, in ascending order of their numbers, by their blocks, so that each is read in one pass.
-[[nodiscard]] std::vector<SignalGroup> GroupsOf(const SceneBlocks& blocks, std::span<const std::int16_t> signals);
+[[nodiscard]] std::vector<SignalsOfBlock> GroupsOf(const SceneBlocks& blocks, std::span<const std::int16_t> signals);
 
 }  // namespace quillon

@@ -31,7 +31,7 @@ void TracePicture::Scroll(std::int32_t shift) {
     m_failure.clear();
 }
 
-void TracePicture::Read(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from,
+void TracePicture::Read(const GraphScene& scene, const std::vector<SignalsOfBlock>& groups, std::int32_t from,
                         std::int32_t to) {
     const TraceStretch stretch = StretchOf(scene.axis, from, to);
     std::vector<std::int16_t> shown = ChannelsOf(scene.lanes);
@@ -39,7 +39,7 @@ void TracePicture::Read(const GraphScene& scene, const std::vector<SignalGroup>&
     m_shown = std::move(shown);
     m_readers.resize(std::max(groups.size(), m_readers.size()));
     for (std::size_t at = 0; at < groups.size(); ++at) {
-        const SignalGroup& group = groups[at];
+        const SignalsOfBlock& group = groups[at];
         m_readers[at].Read(*group.of.block.block, group.of.extremes, group.channels,
                            group.Stretch(scene.axis, from, to));
     }
@@ -55,7 +55,7 @@ std::int32_t TracePicture::Approach(const GraphScene& scene, std::int32_t from, 
     const auto groups = GroupsOf(blocks, shown);
     const auto known = [&] {
         std::int32_t end = last + 1;
-        for (const SignalGroup& group : groups) {
+        for (const SignalsOfBlock& group : groups) {
             end = TraceReader::Approach(*group.of.block.block, group.of.extremes, group.channels,
                                         group.Stretch(scene.axis, from, end));
             if (end <= from) break;
@@ -88,7 +88,7 @@ std::optional<ValueRange> TracePicture::SeenRange(const GraphScene& scene) {
     if (!scene.block.block || scene.axis.Visible().count < 1) return std::nullopt;
     const std::int32_t width = scene.axis.Width();
     const SceneBlocks blocks = scene.Blocks();
-    const std::vector<SignalGroup> groups = GroupsOf(blocks, ChannelsOf(scene.lanes));
+    const std::vector<SignalsOfBlock> groups = GroupsOf(blocks, ChannelsOf(scene.lanes));
     Read(scene, groups, 0, width);
     m_readAhead = StretchOf(scene.axis, 0, width);
     if (groups.empty() || groups.front().of.before != 0) return std::nullopt;
@@ -105,7 +105,7 @@ void TracePicture::Draw(const GraphScene& scene, std::int32_t from, std::int32_t
     DrawColumns(scene, GroupsOf(blocks, shown), from, to);
 }
 
-void TracePicture::DrawColumns(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from,
+void TracePicture::DrawColumns(const GraphScene& scene, const std::vector<SignalsOfBlock>& groups, std::int32_t from,
                                std::int32_t to) {
     const auto [firstRead, lastRead] = Reaching(scene, from, to);
     Read(scene, groups, firstRead, lastRead + 1);

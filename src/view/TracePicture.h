@@ -65,9 +65,9 @@ class TracePicture {
         const std::vector<TracePoint>& points;
         bool dots;  ///< every sample has one
     };
-    void Read(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from, std::int32_t to);
+    void Read(const GraphScene& scene, const std::vector<SignalsOfBlock>& groups, std::int32_t from, std::int32_t to);
     /// The columns of all traces, in parts where samples in their midst cannot be read.
-    void DrawColumns(const GraphScene& scene, const std::vector<SignalGroup>& groups, std::int32_t from,
+    void DrawColumns(const GraphScene& scene, const std::vector<SignalsOfBlock>& groups, std::int32_t from,
                      std::int32_t to);
     void DrawTrace(const GraphScene& scene, const Lane& lane, const Source& source, std::size_t trace,
                    std::int32_t from, std::int32_t to);

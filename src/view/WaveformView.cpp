@@ -56,6 +56,8 @@ void WaveformView::LeaveBlock() {
 
 void WaveformView::BlockLoaded() {
     const ViewBlock& block = m_document.Block();
+    // Before scales are chosen for it. Loaded again, a channel may still be alone.
+    if (!m_document.IsSolo()) m_soloScales.GiveBack(m_scale, m_channelLanes);
     // In lanes the time stays from block to block of a stretch, whether or not the others are shown.
     const bool sameStretch = m_extremes.BlockLoaded() || m_document.CoversTheSame();
     if (sameStretch && m_axis.IsFree()) {

@@ -420,6 +420,14 @@ TEST_F(LanesTest, AChannelThatIsFittedAloneLeavesTheOthersAsTheyWere) {
         m_view.ZoomY(1);
         EXPECT_NE(scales(), before);
     }
+    // Another recording ends it; its own scale is chosen after that.
+    m_document.Solo(std::int16_t{2});
+    m_view.FindData();
+    Load(Make({{u"a", u"V", 0.0, 2.0}}));
+    m_view.FitScales(ValueRange{-30000.0F, 30000.0F});
+    const int fitted = m_view.ScaleY();
+    m_view.Arrange(kWidth, m_height);
+    EXPECT_EQ(m_view.ScaleY(), fitted);
 }
 
 }  // namespace

@@ -94,7 +94,7 @@ std::vector<TracePoint> Stretches::Within(std::span<const TracePoint> points, st
 
 void Stretches::ExpectPlainColumns() {
     const SceneBlocks blocks = Scene().Blocks();
-    for (const SignalGroup& group : GroupsOf(blocks, ChannelsOf(m_view.GetLanes()))) {
+    for (const SignalsOfBlock& group : GroupsOf(blocks, ChannelsOf(m_view.GetLanes()))) {
         TraceReader reader;
         reader.Read(*group.of.block.block, group.of.extremes, group.channels, group.Stretch(m_view.Axis(), 0, kWidth));
         ASSERT_EQ(reader.Failure(), "");

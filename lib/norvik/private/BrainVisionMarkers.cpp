@@ -65,7 +65,7 @@ FrameMark MarkOf(const BrainVisionMarker& marker, const FrameRecording& recordin
 /// Cuts a recording where its new segments begin.
 class SegmentCuts {
   public:
-    SegmentCuts(const FrameRecording& recording, std::vector<FrameStretch>& stretches)
+    SegmentCuts(const FrameRecording& recording, std::vector<FrameRun>& stretches)
         : m_rate(recording.sampleRate), m_stretches(stretches) {
         m_stretches = {{0, recording.frameCount, recording.startTime}};
     }
@@ -82,13 +82,13 @@ class SegmentCuts {
             Remember(marker);
             return true;
         }
-        FrameStretch& last = m_stretches.back();
+        FrameRun& last = m_stretches.back();
         const std::uint64_t samples = marker.position - last.first;
         // The clocks of some recorders lag behind their samples.
         const bool continues = elapsed && *elapsed <= 0.5 / m_rate;
         if (samples == 0 || continues) return false;
         const double contiguous = last.startTime + static_cast<double>(samples) / m_rate / kSecondsPerDay;
-        const FrameStretch next{marker.position, last.count - samples, marker.date ? DaysOf(*marker.date) : contiguous};
+        const FrameRun next{marker.position, last.count - samples, marker.date ? DaysOf(*marker.date) : contiguous};
         last.count = samples;
         m_stretches.push_back(next);
         Remember(marker);
@@ -109,7 +109,7 @@ class SegmentCuts {
     }
 
     double m_rate;
-    std::vector<FrameStretch>& m_stretches;
+    std::vector<FrameRun>& m_stretches;
     bool m_seen = false;
     bool m_dated = false;     ///< the last segment that was used up has a date
     std::int64_t m_date = 0;  ///< of that segment
@@ -117,10 +117,9 @@ class SegmentCuts {
 };
 
 /// Cuts the stretches where a segment of the header begins, up to one more than a recording may have blocks.
-std::vector<FrameStretch> CutSegments(const std::vector<FrameStretch>& stretches, std::uint64_t segmentSamples,
-                                      double rate) {
-    std::vector<FrameStretch> parts;
-    for (const FrameStretch& stretch : stretches) {
+std::vector<FrameRun> CutSegments(const std::vector<FrameRun>& stretches, std::uint64_t segmentSamples, double rate) {
+    std::vector<FrameRun> parts;
+    for (const FrameRun& stretch : stretches) {
         for (std::uint64_t done = 0; done < stretch.count && parts.size() <= kMostBlocks;) {
             const std::uint64_t first = stretch.first + done;
             const std::uint64_t count = std::min(segmentSamples - first % segmentSamples, stretch.count - done);
@@ -163,7 +162,7 @@ BrainVisionMarkers ParseBrainVisionMarkers(std::string_view text, std::uint64_t 
 }
 
 void ApplyMarkers(const BrainVisionMarkers& markers, const BrainVisionHeader& header, FrameRecording& recording) {
-    std::vector<FrameStretch> stretches;
+    std::vector<FrameRun> stretches;
     SegmentCuts cuts(recording, stretches);
     for (const BrainVisionMarker& marker : markers.all) {
         if (IsNewSegment(marker) && cuts.Take(marker)) continue;

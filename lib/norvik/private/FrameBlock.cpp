@@ -220,12 +220,12 @@ std::vector<MarkDescription> MarksWithin(const std::vector<FrameMark>& marks, st
 }
 
 /// The stretches, cut into as many frames as a block may have; `most` of them at most, and at least one.
-std::vector<FrameStretch> BlockStretches(const FrameRecording& recording, std::size_t most) {
+std::vector<FrameRun> BlockStretches(const FrameRecording& recording, std::size_t most) {
     constexpr auto longest = static_cast<std::uint64_t>(kBlockSamples);
-    std::vector<FrameStretch> whole = recording.stretches;
+    std::vector<FrameRun> whole = recording.stretches;
     if (whole.empty()) whole.push_back({0, recording.frameCount, recording.startTime});
-    std::vector<FrameStretch> parts;
-    for (const FrameStretch& stretch : whole) {
+    std::vector<FrameRun> parts;
+    for (const FrameRun& stretch : whole) {
         std::uint64_t done = 0;
         do {
             if (parts.size() == most) return parts;
@@ -250,7 +250,7 @@ std::vector<std::shared_ptr<FileBlock>> MakeBlocks(const FrameRecording& recordi
         channelsOfGroup.push_back(std::make_shared<const std::vector<ChannelDescription>>(first, first + size));
     }
     const std::size_t most = std::max<std::size_t>(kMostBlocks / std::max<std::size_t>(groups, 1), 1);
-    const std::vector<FrameStretch> stretches = BlockStretches(recording, most);
+    const std::vector<FrameRun> stretches = BlockStretches(recording, most);
     std::vector<std::shared_ptr<FileBlock>> blocks;
     for (std::size_t at = 0; at < stretches.size(); ++at) {
         BlockDescription description;

@@ -79,7 +79,7 @@ struct FrameMark {
 };
 
 /// Frames without a gap between them.
-struct FrameStretch {
+struct FrameRun {
     std::uint64_t first = 0;
     std::uint64_t count = 0;
     double startTime = 0.0;
@@ -94,7 +94,7 @@ struct FrameRecording {
     std::u16string deviceName;
     std::vector<ChannelDescription> channels;  ///< all channels of a frame; numbers unique among each 32
     std::vector<FrameMark> marks;              ///< in order of position; those outside the frames are dropped
-    std::vector<FrameStretch> stretches{};     ///< in order; empty where all frames are one from `startTime` on
+    std::vector<FrameRun> stretches{};         ///< in order; empty where all frames are one from `startTime` on
 };
 
 /// Makes the block of some consecutive channels of the frames from `firstFrame` on.

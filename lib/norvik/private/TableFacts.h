@@ -15,7 +15,7 @@ struct TableFacts {
     double rate = 1.0;  ///< Hz
     double startTime = 0.0;
     std::vector<ChannelDescription> channels;
-    std::vector<FrameStretch> stretches;
+    std::vector<FrameRun> stretches;
     std::vector<Bilingual> remarks;
 };
 

@@ -112,7 +112,7 @@ void OverviewPane::Trace(std::int32_t height) {
     m_signals = ShownSignals();
     std::vector<std::span<const CodeRange>> traces;
     const SceneBlocks blocks = m_view.AllExtremes().All();
-    for (const SignalGroup& group : GroupsOf(blocks, m_signals)) {
+    for (const SignalsOfBlock& group : GroupsOf(blocks, m_signals)) {
         for (const std::int16_t channel : group.channels) traces.push_back(m_columns.Of(group.of.block, channel));
     }
     m_traces.SetTraces(traces, m_view.Axis().Width(), height, m_density.Scaled(OverviewPicture::kMarkRows));

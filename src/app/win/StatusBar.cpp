@@ -81,7 +81,7 @@ void StatusBar::ArrangePanels() const {
     }
     RECT client{};
     GetClientRect(m_window, &client);
-    // A narrow window keeps room for messages rather than for sizes, which the panel of values tells too.
+    // A narrow window keeps room for messages rather than for the sizes of the block.
     for (const StatusPanel panel : {StatusPanel::Volume, StatusPanel::Size}) {
         if (client.right - others >= m_density->Scaled(160)) break;
         others -= std::exchange(edges[static_cast<std::size_t>(panel)], 0);

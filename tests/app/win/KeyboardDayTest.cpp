@@ -77,8 +77,9 @@ void MeasureAndSend(User& me, const std::filesystem::path& sent) {
     me.Write(L"0:00:10 .. 0:00:12");
     me.Strike(VK_RETURN);
     EXPECT_TRUE(WaitUntil([&] { return !IsWindow(place); }));
+    if (OpenClipboard(nullptr)) EmptyClipboard(), CloseClipboard();
     me.Strike('C', {VK_CONTROL, VK_SHIFT});
-    EXPECT_TRUE(WaitUntil([&] { return OpenClipboard(nullptr) && (CloseClipboard(), true); }));
+    EXPECT_TRUE(WaitUntil([] { return !ClipboardBytes(CF_DIB).empty(); }));
     me.Strike('S', {VK_CONTROL});
     const HWND save = me.DialogWithKeys();
     EXPECT_TRUE(WaitUntil([&] { return GetDlgItem(save, 0x47C) != nullptr; }));
@@ -93,8 +94,11 @@ void MeasureAndSend(User& me, const std::filesystem::path& sent) {
         SendPointer(me.Control(sbInfo), SB_GETTEXTW, static_cast<WPARAM>(StatusPanel::Status), told);
         return std::wstring_view(told).find(L"sent.edf") != std::wstring_view::npos;
     }));
-    // Two of three channels, two seconds.
-    EXPECT_GT(std::filesystem::file_size(sent), 800U);
+    // Two of three channels and their marks, two seconds from ten after the start on.
+    const std::string header = Contents(sent).substr(0, 256);
+    EXPECT_EQ(header.substr(176, 8), "12.00.10");
+    EXPECT_EQ(header.substr(236, 8) + header.substr(244, 8), "2       1       ");
+    EXPECT_EQ(header.substr(252), "3   ");
     EXPECT_TRUE(WaitUntil([&] { return GetForegroundWindow() == me.Window(); }));
 }
 
