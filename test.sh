@@ -13,7 +13,7 @@ packages=("${build_packages[@]}" "${wine_packages[@]}" "${test_packages[@]}" loc
 install_missing "${packages[@]}"
 
 passed=0 failed=0 skipped=0
-test_runs=(unit_tests unit_tests_windows win_tests win_tests_russian)
+test_runs=(unit_tests_first unit_tests_rest unit_tests_windows win_tests win_tests_russian)
 for name in "${test_runs[@]}"; do
     : > "build/$name.log"
     echo "not run" > "build/$name.status"
@@ -80,7 +80,11 @@ test_windows() {
 test_windows &
 windows=$!
 build native native || not_built
-run_tests unit_tests build/native/tests/unit_tests
+# One half of them beside the other.
+run_tests unit_tests_first env GTEST_TOTAL_SHARDS=2 GTEST_SHARD_INDEX=0 build/native/tests/unit_tests &
+native=$!
+run_tests unit_tests_rest env GTEST_TOTAL_SHARDS=2 GTEST_SHARD_INDEX=1 build/native/tests/unit_tests
+wait "$native"
 # On demand other programs read the exported files too.
 if [ -n "${QUILLON_REFERENCE:-}" ]; then
     if scripts/check-exports.sh; then passed=$((passed + 1)); else failed=$((failed + 1)); fi

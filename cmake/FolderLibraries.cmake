@@ -21,15 +21,11 @@ foreach(line IN LISTS quillon_folders)
   file(GLOB_RECURSE sources RELATIVE ${CMAKE_SOURCE_DIR} CONFIGURE_DEPENDS ${folder}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/${other_system}/")
   list(REMOVE_ITEM sources ${cli_entry} ${app_entry})
-  set(portable_sources ${sources})
-  list(FILTER portable_sources EXCLUDE REGEX "/(win|posix)/")
   if(WIN32)
     # Never compiled as one: a program would load every library of the system that any of its neighbours needs.
     set(system_sources ${sources})
     list(FILTER system_sources INCLUDE REGEX "/win/")
     set_source_files_properties(${system_sources} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
-    set_source_files_properties(${portable_sources} PROPERTIES
-      COMPILE_OPTIONS "-include;${CMAKE_SOURCE_DIR}/cmake/PoisonWindows.h")
   endif()
 
   list(TRANSFORM allowed PREPEND quillon_)

@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "base/DateTime.h"
 #include "base/FilePath.h"
 #include "base/Text.h"
 #include "data/ChannelSelection.h"
@@ -44,7 +45,7 @@ TextXColumn XColumnOf(const TextExportRequest& request) {
 
 /// Seconds since midnight of an automation date, whose fraction counts forward from midnight before 1900 too.
 double SecondsOfDay(double date) {
-    return std::fabs(date - std::trunc(date)) * 86400.0;
+    return std::fabs(date - std::trunc(date)) * kSecondsPerDay;
 }
 
 /// Reads the codes of a chunk in the order that is cheap for the block.

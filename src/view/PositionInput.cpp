@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/DateTime.h"
 #include "base/Text.h"
 #include "view/ScaleLabels.h"
 
@@ -143,7 +144,7 @@ std::optional<double> InUnit(double number, Scanner& input) {
 /// does not reach is taken as time from its start.
 std::optional<double> ElapsedUntil(double timeOfDay, const ViewBlock& block, const FormatOptions& format,
                                    double present) {
-    constexpr double day = 86400.0;
+    constexpr double day = kSecondsPerDay;
     constexpr double resolution = 1e-4;  // of the texts: that of a start may be a little earlier than the start
     if (timeOfDay >= day) return std::nullopt;
     double elapsed = timeOfDay - AxisSeconds(block, 0.0, format);

@@ -34,10 +34,9 @@ std::u16string PlaceText(const ViewBlock& block, std::int32_t sample, const Form
                          std::u16string& day) {
     std::u16string text = ClockText(AxisSeconds(block, sample, format), format.timeOfDay, format.decimalSeparator);
     if (!format.timeOfDay) return text;
-    constexpr double secondsOfDay = 86400.0;
     constexpr std::size_t length = 10;
     const std::u16string date =
-        Utf16(Iso8601(block.startTime + sample / block.sampleRate / secondsOfDay)).substr(0, length);
+        Utf16(Iso8601(block.startTime + sample / block.sampleRate / kSecondsPerDay)).substr(0, length);
     return std::exchange(day, date) == date ? text : date + u' ' + text;
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "base/DateTime.h"
 #include "base/Text.h"
 #include "format/QL_Format.h"
 #include "view/TimeTicks.h"
@@ -35,10 +36,9 @@ std::u16string AmplitudeText(double value, double step, bool rawCodes, char16_t 
 double AxisSeconds(const ViewBlock& block, double position, const FormatOptions& format) {
     const double seconds = position / block.sampleRate;
     if (!format.timeOfDay) return seconds;
-    constexpr double secondsOfDay = 86400.0;
     // The date resolves the time of day to about a microsecond; further digits are meaningless.
-    const double start = std::nearbyint((block.startTime - std::floor(block.startTime)) * secondsOfDay * 1e5) / 1e5;
-    return std::fmod(start + seconds, secondsOfDay);
+    const double start = std::nearbyint((block.startTime - std::floor(block.startTime)) * kSecondsPerDay * 1e5) / 1e5;
+    return std::fmod(start + seconds, kSecondsPerDay);
 }
 
 std::vector<ScaleLabel> TimeLabels(const TimeAxis& axis, const ViewBlock& block, const FormatOptions& format, int dpi) {

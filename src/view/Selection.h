@@ -41,13 +41,13 @@ struct Selection {
 /// The columns that show a range of at least one sample, clipped to the graph; none if outside it.
 [[nodiscard]] std::optional<ColumnBand> BandOf(const TimeAxis& axis, const SampleSpan& samples);
 
-/// The column of a sample's point (from 1); none if outside the graph.
 /// The band with at least that many columns, further to the right.
 [[nodiscard]] inline std::optional<ColumnBand> AtLeast(std::optional<ColumnBand> band, std::int32_t columns) {
     if (band) band->right = std::max(band->right, band->left + columns - 1);
     return band;
 }
 
+/// The column of a sample's point (from 1); none if outside the graph.
 [[nodiscard]] std::optional<ColumnBand> PointBand(const TimeAxis& axis, std::int32_t sample);
 
 }  // namespace quillon

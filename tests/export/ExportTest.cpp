@@ -136,7 +136,9 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresReported) {
     EXPECT_EQ(progress, (std::vector<std::int32_t>{1024, 2048, 2500}));
     EXPECT_FALSE(Export(nullptr, 1, 0, u"a.bin"));
     EXPECT_FALSE(Export(&block, 1, 0, u"A.EDF"));
+    bytes.clear();
     EXPECT_FALSE(Export(&block, 2501, 0, u"a.edf"));
+    EXPECT_EQ(bytes, "");
     struct LongBlock : FakeBlock {
         std::int32_t SampleCount() const override { return most; }
         std::int32_t ReadFrames(std::int32_t, std::int32_t, std::int16_t*) override { throw std::runtime_error(""); }

@@ -129,6 +129,14 @@ TEST_F(TextExportTest, HeadersTitlesAndXColumn) {
     for (format.timeUnit = 0; format.timeUnit <= 6; ++format.timeUnit) byUnit.push_back(xOfSecondRow());
     EXPECT_THAT(byUnit, ElementsAre("43200,5960", "12:00:00,596", "720,009933", "43200,5960", "43200596,0000",
                                     "43200596000,000", "43200,596000"));
+    // Of itself in seconds, or milliseconds above 100 kHz.
+    format.timeUnit = 0;
+    format.timeOfDay = false;
+    format.decimalSeparator = u'.';
+    block.rate = 100000.0;
+    EXPECT_NEAR(std::stod(xOfSecondRow()), 0.00149, 1e-7);
+    block.rate = 100001.0;
+    EXPECT_NEAR(std::stod(xOfSecondRow()), 1.489985, 1e-4);
     settings.xFormat = 1;
     EXPECT_EQ("150", xOfSecondRow());
 }

@@ -52,6 +52,7 @@ TEST(TimeAxis, RandomWalkStaysOnTheStripAndKeepsTheSampleUnderThePointer) {
                                      std::int64_t{samples - sample} * static_cast<std::int64_t>(random()) >> 32);
                     axis.ShowSamples({sample - 1, last - sample + 1});
                     ASSERT_LT(axis.Visible().first, sample);
+                    ASSERT_EQ(BandOf(axis, {0, samples})->left, 0);
                     ASSERT_GE(axis.Visible().End(), last);
                     ASSERT_TRUE(axis.ZoomIndex() == 0 ||
                                 last - sample + 1 > 776LL * TimeAxis::TableEntry(axis.ZoomIndex() - 1))
