@@ -1,6 +1,6 @@
 cmake_minimum_required(VERSION 3.25)
-# Fails when a file includes what Folders.cmake does not allow it, or when two headers define types of one name, of which
-# the linker would take either. Run with -DROOT=<source folder>.
+# Fails when a file includes what Folders.cmake does not allow it, when a portable file asks which system it is on, or when
+# two headers define types of one name, of which the linker would take either. Run with -DROOT=<source folder>.
 include(${CMAKE_CURRENT_LIST_DIR}/Folders.cmake)
 set(failed FALSE)
 macro(fault)
@@ -27,7 +27,7 @@ foreach(line IN LISTS quillon_folders)
       endforeach()
     endif()
     if(NOT source MATCHES "/(win|posix)/")
-      file(STRINGS ${ROOT}/${source} systems REGEX "_WIN32|__MINGW|__linux__|__unix__" LIMIT_COUNT 1)
+      file(STRINGS ${ROOT}/${source} systems REGEX "WIN32|WIN64|__MINGW|_MSC_VER|__linux|__unix|__has_include" LIMIT_COUNT 1)
       if(systems)
         fault("what depends on the system belongs into a win or posix folder: ${systems}")
       endif()
@@ -52,5 +52,5 @@ foreach(line IN LISTS quillon_folders)
   endforeach()
 endforeach()
 if(failed)
-  message(FATAL_ERROR "cmake/Folders.cmake says which folder may include which; a type's name belongs to one header.")
+  message(FATAL_ERROR "See above. cmake/Folders.cmake says which folder may include which.")
 endif()

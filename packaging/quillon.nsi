@@ -78,9 +78,11 @@ VIFileVersion "${VERSION}.0"
   !insertmacro ${do} aiff
   !insertmacro ${do} aifc
   !insertmacro ${do} au
+  !insertmacro ${do} snd
   !insertmacro ${do} flac
   !insertmacro ${do} gdf
   !insertmacro ${do} vhdr
+  !insertmacro ${do} ahdr
   !insertmacro ${do} hea
   !insertmacro ${do} txt
   !insertmacro ${do} csv

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <exception>
+#include <memory>
 #include <new>
 
 #include "base/Bilingual.h"
@@ -10,6 +12,7 @@
 #include "cli/Commands.h"
 #include "cli/Options.h"
 #include "cli/OutputTarget.h"
+#include "norvik/RecordingLibrary.h"
 
 namespace quillon::cli {
 
@@ -50,10 +53,20 @@ void WriteOptionHelp(std::ostream& out, const Command* only) {
     WriteRules(out, OptionsFor(only));
 }
 
+void WriteFileTypes(std::ostream& out) {
+    const std::shared_ptr<RecordingLibrary> library = MakeRecordingLibrary(Language::English);
+    out << "Reads recordings of these types, told by what is in the file:\n";
+    for (std::int32_t type = 1; type <= library->FileTypeCount(); ++type)
+        out << "  " << Utf8(library->FileTypeName(type)) << " (" << Utf8(library->FileTypeMask(type)) << ")\n";
+    out << '\n';
+}
+
 void WriteHelp(std::ostream& out, const Command* only) {
-    out << "Usage: quillon-cli COMMAND FILE ... [options]\n"
-           "Reads signal recordings: EDF, EDF+, BDF, WAVE, RF64 and ABIN files.\n\n";
-    if (only == nullptr) out << "Commands:\n";
+    out << "Usage: quillon-cli COMMAND FILE ... [options]\n";
+    if (only == nullptr) {
+        WriteFileTypes(out);
+        out << "Commands:\n";
+    }
     for (const Command& command : Commands()) {
         if (only == nullptr || only == &command) {
             out << "  " << Utf8(command.name) << ' ' << Utf8(command.usage) << '\n' << command.help << '\n';
