@@ -3,11 +3,34 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 #include <utility>
+#include <vector>
 
 #include "data/ChannelSelection.h"
+#include "view/LaneFits.h"
 
 namespace quillon {
+
+namespace {
+
+/// Where most values of the loaded block's shown channels lie; none where all of them are flat.
+std::optional<ValueRange> TypicalRange(const Document& document, bool rawCodes) {
+    const std::vector<LaneChannel> channels = LaneChannelsOf(document, rawCodes);
+    const auto own = std::span(channels).first(document.Block().channelNumbers.size());
+    const std::vector<std::optional<LaneSpan>> spans = TypicalSpans(document.Block(), own);
+    std::optional<ValueRange> range;
+    for (std::size_t at = 0; at < own.size(); ++at) {
+        if (!own[at].shown || !spans[at] || !(spans[at]->half > 0.0)) continue;
+        const auto least = static_cast<float>(spans[at]->middle - spans[at]->half);
+        const auto most = static_cast<float>(spans[at]->middle + spans[at]->half);
+        range = {.minimum = range ? std::min(range->minimum, least) : least,
+                 .maximum = range ? std::max(range->maximum, most) : most};
+    }
+    return range;
+}
+
+}  // namespace
 
 WaveformView::WaveformView(const Document& document)
     : m_document(document), m_channelLanes(document), m_extremes(document) {
@@ -78,9 +101,13 @@ ViewChange WaveformView::SignalsChanged() {
 }
 
 void WaveformView::FitScales(const std::optional<ValueRange>& seen) {
+    if (!seen) return;
+    std::optional<ValueRange> range = seen;
+    // Silence, as at the beginning of a sound, tells no scale.
+    if (!(seen->maximum > seen->minimum)) range = TypicalRange(m_document, m_rawCodes).value_or(*seen);
     // A scale that the user chose is kept for the next block as long as that is readable at it.
-    if (!seen || (m_scalesFitted && m_scale.Shows(*seen))) return;
-    m_scale.FindData(seen);
+    if (m_scalesFitted && m_scale.Shows(*range)) return;
+    m_scale.FindData(range);
     m_scalesFitted = true;
     MakeLanes();
 }

@@ -71,6 +71,7 @@ class WaveformView {
     /// The signals of the other blocks of the stretch have changed.
     ViewChange SignalsChanged();
     /// Chooses a scale of one axis if `seen`, see CentralRange, is not readable, or none was chosen since the start.
+    /// Where `seen` is flat, that of the whole block counts.
     void FitScales(const std::optional<ValueRange>& seen);
     [[nodiscard]] bool HasFittedScales() const { return m_scalesFitted; }
 

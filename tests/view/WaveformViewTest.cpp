@@ -129,6 +129,8 @@ TEST_F(WaveformViewTest, AScaleIsKeptAsLongAsTheDataAreReadableAtIt) {
     EXPECT_EQ(m_view.GetLanes()[0].channels, std::vector<std::int16_t>{2});
     m_view.FindData();
     EXPECT_EQ(m_view.BaseLineShift(), 0) << "all its samples are the same";
+    m_view.SelectScaleY(0);
+    EXPECT_EQ(fit(0.0F, 0.0F), AmplitudeScale::TableEntry(0)) << "nothing to fit to";
     m_document.Show(1, true);
     m_view.Arrange(500, 400);
     m_view.FindData();
@@ -137,6 +139,20 @@ TEST_F(WaveformViewTest, AScaleIsKeptAsLongAsTheDataAreReadableAtIt) {
     m_view.FindData();
     EXPECT_EQ(AmplitudeScale::TableEntry(m_view.ScaleY()), 10.0) << "-32.767 to 32.767";
     EXPECT_EQ(m_view.BaseLineShift(), 0);
+}
+
+TEST_F(WaveformViewTest, BehindSilenceTheWholeBlockTellsTheScale) {
+    const auto block = Sevens(1);
+    for (std::size_t at = 50000; at < 100000; ++at)
+        block->samples[0][at] = static_cast<std::int16_t>(static_cast<int>(at % 61) - 30);
+    Load(block);
+    const auto fit = [&] {
+        m_view.FitScales(ValueRange{4.5F, 4.5F});
+        return AmplitudeScale::TableEntry(m_view.ScaleY());
+    };
+    EXPECT_EQ(fit(), 5.0) << "15 to both sides";
+    m_view.ZoomY(-1);
+    EXPECT_EQ(fit(), 10.0) << "the user's choice";
 }
 
 TEST_F(WaveformViewTest, AReloadedRecordingKeepsItsView) {
