@@ -1,5 +1,6 @@
 #include "app/CommandState.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "app/Commands.h"
@@ -51,6 +52,8 @@ CommandState StateOf(const Document& document, const WaveformView& view, const P
     state.negativeUp = lanes.negativeUp;
     state.clipToLanes = lanes.clip;
     state.usesLanes = view.UsesLanes();
+    const std::vector<std::int16_t> order = view.LanesOfChannels().Order();
+    state.hasLane = view.UsesLanes() && std::find(order.begin(), order.end(), document.CurrentChannel()) != order.end();
     state.scaleY = view.UsesLanes() ? view.SelectedScaleY() : view.ScaleY();
     state.spectrogramShown = settings.window.spectrogramShown;
     state.spectrum = settings.spectrum;
@@ -95,7 +98,7 @@ bool IsEnabled(int id, const CommandState& state) {
     if (id == mnuNextPalette) return state.spectrogramShown;
     if (id == mnuRecording) return state.filePosition < 0 ? state.fileCount > 0 : state.filePosition > 0;
     if (id == mnuRecording + 1) return state.filePosition + 1 < state.fileCount;
-    if (Within(id, mnuFocus, 5)) return true;
+    if (Within(id, mnuFocus, 6)) return true;
     if (Within(id, mnuTabPath, 2) || Within(id, mnuTabFile, 3) || Within(id, mnuPathList, kPathListEntries))
         return true;
     // A file that could not be opened can still be deleted and renamed.
@@ -114,6 +117,8 @@ bool IsEnabled(int id, const CommandState& state) {
     if (Within(id, mnuMove, static_cast<int>(Moves().size())) || id == mnuView + 1 || Within(id, mnuSelect, 2) ||
         id == mnuGoToPlace || id == mnuSpectrum || id == mnuPin || id == mnuCopyReadout)
         return state.sampleCount > 0;
+    if (Within(id, mnuRead, static_cast<int>(kReadingSteps.size()))) return state.sampleCount > 0;
+    if (Within(id, mnuLane, static_cast<int>(LaneStep::Count))) return state.hasLane;
     if (Within(id, mnuPage, kPageCount + 1)) return state.hasPages;
     if (id == mnuZoomX) return state.canZoomOut;
     if (id == mnuZoomX + 1) return state.canZoomIn;

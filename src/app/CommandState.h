@@ -38,6 +38,7 @@ struct CommandState {
     bool lanes = false;         ///< chosen
     bool allSignals = false;    ///< lanes of all signals are chosen
     bool usesLanes = false;     ///< and the block has several channels
+    bool hasLane = false;       ///< and the current channel's is one of them
     bool stoppable = false;     ///< what "Status" tells is being read, or a lane is dragged: Esc ends that
     bool negativeUp = false;
     bool clipToLanes = false;

@@ -8,6 +8,7 @@
 #include "app/StringIds.h"
 #include "view/GraphColors.h"
 #include "view/ScaleLabels.h"
+#include "view/WaveformView.h"
 
 namespace quillon {
 
@@ -100,11 +101,15 @@ constexpr std::array kTree{
     Separator(2),
     Entry(2, mnuMarkList, IDS_MARKLIST_0, 3),
     Separator(1),
+    Popup(1, IDS_MENU_READ),
+    Entry(2, mnuRead, IDS_READ_0, static_cast<int>(kReadingSteps.size())),
     Entry(1, mnuPin, IDS_PIN),
     Entry(1, mnuSpectrum, IDS_SPECTRUM),
     Popup(0, IDS_MENU_CHANNELS),
     Entry(1, mnuChShow, IDS_CHSHOW_0, 3),
     Separator(1),
+    Popup(1, IDS_MENU_LANE),
+    Entry(2, mnuLane, IDS_LANE_0, static_cast<int>(LaneStep::Count)),
     Popup(1, IDS_REFERENCE),
     Entry(2, mnuReference, IDS_REFERENCE_0, 3),
     Separator(2),
@@ -249,6 +254,7 @@ int CaptionId(int command) {
     if (command == mnuShowRaw) return IDS_SHOWRAW;
     if (command == mnuNextPalette) return IDS_NEXTPALETTE;
     if (command == mnuFocus + 4) return IDS_FOCUS_MARKS;
+    if (command == mnuFocus + 5) return IDS_FOCUS_GRAPH;
     if (Within(command, mnuFocus, 4)) return IDS_FOCUS_0 + command - mnuFocus;
     if (Within(command, mnuMove, static_cast<int>(kMoves.size()))) return IDS_MOVE_0 + command - mnuMove;
     for (const std::span<const MenuEntry> menu : {MenuTree(), ContextMenu()}) {

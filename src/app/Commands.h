@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -47,6 +48,7 @@ enum CommandId : int {
     mnuHelp = 1400,
     mnuHelpLang = 1410,
     mnuAbout = 1420,
+    mnuLane = 1430,  ///< of a channel, by LaneStep
     mnuPathList = 1500,
     // Commands of the graph's context menu and of keys.
     mnuView = 1600,    ///< 0 zoom to the selection, 1 fit the block, 2 previous view
@@ -63,8 +65,9 @@ enum CommandId : int {
     mnuCopyReadout,
     mnuMove = 1640,       ///< by keys, see Moves
     mnuRecording = 1660,  ///< of the file list: 0 previous, 1 next
-    mnuFocus = 1670,      ///< move the focus to: 0 folders, 1 channels, 2 files, 3 blocks, 4 marks
+    mnuFocus = 1670,      ///< move the focus to: 0 folders, 1 channels, 2 files, 3 blocks, 4 marks, 5 graph
     mnuMarkList = 1680,   ///< 0 copy, 1 save, 2 count
+    mnuRead = 1690,       ///< values at another sample, see kReadingSteps
     // How signals are shown. Filters: by value, see FilterChoices.
     mnuFilterRow = 1700,
     mnuUnfiltered,
@@ -108,6 +111,9 @@ struct Move {
 };
 /// The moves of mnuMove, by index.
 [[nodiscard]] std::span<const Move> Moves();
+
+/// Columns by which the commands of mnuRead step from sample to sample, by index.
+inline constexpr std::array kReadingSteps{-1, 1, -20, 20};
 
 /// Maximum number of sound devices in the menu.
 inline constexpr int kSoundCards = 64;

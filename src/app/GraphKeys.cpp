@@ -62,6 +62,17 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Graph, Key::Space, mnuSoundPlay + 1, kNo, kShift},
     KeyBinding{KeyPlace::Graph, Letter('M'), mnuPin},
     KeyBinding{KeyPlace::Everywhere, Letter('M'), mnuCopyReadout, kControl},
+    KeyBinding{KeyPlace::Graph, Key::Comma, mnuRead + 0},
+    KeyBinding{KeyPlace::Graph, Key::Point, mnuRead + 1},
+    KeyBinding{KeyPlace::Graph, Key::Comma, mnuRead + 2, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Key::Point, mnuRead + 3, kNo, kShift},
+    KeyBinding{KeyPlace::Graph, Key::Minus, mnuLane + 0, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Graph, Key::Plus, mnuLane + 1, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Graph, Key::Home, mnuLane + 2, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Graph, Key::Up, mnuLane + 3, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Graph, Key::Down, mnuLane + 4, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Graph, Key::PageUp, mnuLane + 5, kNo, kNo, kAlt},
+    KeyBinding{KeyPlace::Graph, Key::PageDown, mnuLane + 6, kNo, kNo, kAlt},
     KeyBinding{KeyPlace::Graph, Key::Escape, mnuSelect + 2},
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 0, kControl},
     KeyBinding{KeyPlace::Graph, Letter('A'), mnuSelect + 1, kControl, kShift},
@@ -84,6 +95,7 @@ constexpr std::array kBindings{
     KeyBinding{KeyPlace::Everywhere, Letter('3'), mnuFocus + 2, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('4'), mnuFocus + 3, kControl},
     KeyBinding{KeyPlace::Everywhere, Letter('5'), mnuFocus + 4, kControl},
+    KeyBinding{KeyPlace::Everywhere, Letter('0'), mnuFocus + 5, kControl},
     KeyBinding{KeyPlace::Everywhere, Key::F5, mnuTabFile + 0},
     KeyBinding{KeyPlace::Everywhere, Key::F1, mnuHelp},
     KeyBinding{KeyPlace::FolderList, Key::Enter, mnuOpenFolder},
@@ -101,6 +113,8 @@ std::u16string NameOf(Key key, const UserServices& services) {
         case Key::F1: return u"F1";
         case Key::F2: return u"F2";
         case Key::F5: return u"F5";
+        case Key::Comma: return u",";
+        case Key::Point: return u".";
         default: break;
     }
     if (key < Key::Left) return std::u16string(1, static_cast<char16_t>(key));

@@ -31,6 +31,8 @@ enum class Key : std::uint16_t {
     F1,
     F2,
     F5,
+    Comma,
+    Point,
 };
 
 constexpr Key Letter(char letter) {

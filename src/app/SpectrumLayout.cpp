@@ -12,18 +12,20 @@ SpectrumLayout ArrangeSpectrum(const SpectrumLayoutInput& input) {
     const std::int32_t gap = scaled(6);
     const std::int32_t right = input.width - margin;
     SpectrumLayout layout;
+    const std::int32_t labelHeight = input.textHeight + scaled(2);
     std::int32_t x = margin;
     std::int32_t y = margin;
     for (std::size_t box = 0; box < kSpectrumBoxes; ++box) {
         const std::int32_t width = std::min(input.boxWidths[box], std::max(right - margin, 1));
         if (x > margin && x + width > right) {
             x = margin;
-            y += input.boxHeight + gap;
+            y += labelHeight + input.boxHeight + gap;
         }
-        layout.boxes[box] = {x, y, width, input.boxHeight};
+        layout.labels[box] = {x, y, width, input.textHeight};
+        layout.boxes[box] = {x, y + labelHeight, width, input.boxHeight};
         x += width + gap;
     }
-    y += input.boxHeight + gap;
+    y += labelHeight + input.boxHeight + gap;
     layout.heading = {margin, y, std::max(right - margin, 1), input.textHeight};
     y += input.textHeight + gap;
     const std::int32_t rowHeight = std::max(input.boxHeight, input.textHeight);

@@ -18,14 +18,15 @@ struct SpectrumLayoutInput {
     std::int32_t dpi = 96;
     std::int32_t boxHeight = 0;                            ///< of a closed drop-down list
     std::int32_t textHeight = 0;                           ///< of a line
-    std::array<std::int32_t, kSpectrumBoxes> boxWidths{};  ///< that they want
+    std::array<std::int32_t, kSpectrumBoxes> boxWidths{};  ///< that they and their labels want
     std::int32_t refreshWidth = 0;
     std::int32_t listWidth = 0;  ///< that the lists want
 };
 
 /// One rectangle per control.
 struct SpectrumLayout {
-    std::array<PixelRect, kSpectrumBoxes> boxes;  ///< in rows, as many as they need
+    std::array<PixelRect, kSpectrumBoxes> labels;  ///< above their boxes
+    std::array<PixelRect, kSpectrumBoxes> boxes;   ///< in rows, as many as they need
     PixelRect heading;
     PixelRect refresh;  ///< at the right of the readout
     PixelRect plot;

@@ -273,6 +273,12 @@
 #define IDS_PRINTED 5806
 #define IDS_NOT_PRINTED 5807
 #define IDS_PRINT_FAILED 5808
+// The lane of a channel, and values at a sample, by keys.
+#define IDS_MENU_LANE 6010
+#define IDS_LANE_0 6011
+#define IDS_MENU_READ 6020
+#define IDS_READ_0 6021
+#define IDS_FOCUS_GRAPH 6030
 // Measuring from a pinned sample.
 #define IDS_PIN 6000
 #define IDS_COPYREADOUT 6001

@@ -27,13 +27,25 @@ void ViewCommands::GoToMark(bool next) {
     if (const std::optional<std::int32_t> sample = m_view.MarkFrom(next)) GoTo(*sample);
 }
 
-void ViewCommands::Pin(std::optional<std::int32_t> hovered) {
+std::optional<std::int32_t> ViewCommands::PresentSample(std::optional<std::int32_t> hovered) const {
     const SampleSpan visible = m_view.Axis().Visible();
-    if (visible.count < 1) return;
+    if (visible.count < 1) return std::nullopt;
     const std::int32_t own = m_view.GoneTo() != 0 ? m_view.GoneTo() : visible.first + visible.count / 2 + 1;
-    const std::int32_t sample = hovered.value_or(own);
-    onChange(m_view.Pin(sample));
-    onReadout(sample);
+    return hovered.value_or(own);
+}
+
+void ViewCommands::Pin(std::optional<std::int32_t> hovered) {
+    const std::optional<std::int32_t> sample = PresentSample(hovered);
+    if (!sample) return;
+    onChange(m_view.Pin(*sample));
+    onReadout(*sample);
+}
+
+void ViewCommands::StepReadout(int columns, std::optional<std::int32_t> hovered) {
+    const std::optional<std::int32_t> from = PresentSample(hovered);
+    if (!from) return;
+    onChange(m_view.StepFrom(*from, columns));
+    onReadout(m_view.GoneTo());
 }
 
 void ViewCommands::GoTo(std::int32_t sample) {

@@ -36,6 +36,10 @@ class ViewCommands {
     /// Pins the sample that others are measured from: the `hovered` one, else the one gone to, else the middle one
     /// of the visible ones.
     void Pin(std::optional<std::int32_t> hovered);
+    /// Reads out the sample some columns from the `hovered` one, else from the one gone to, else from the middle.
+    void StepReadout(int columns, std::optional<std::int32_t> hovered);
+    /// Of the menu's channel, or the current one.
+    void StepLane(LaneStep step) { onChange(m_view.StepLane(MenuChannel(), step)); }
     /// Scrolls to a sample and shows its readout.
     void GoTo(std::int32_t sample);
     /// What was typed: the page is chosen, then a range selected, in view where it fits, or a sample gone to.
@@ -54,6 +58,9 @@ class ViewCommands {
     void SetMenuChannel(std::int16_t channel) { m_menuChannel = channel; }
 
   private:
+    /// The `hovered` sample, else the one gone to, else the middle one; none where no sample is visible.
+    [[nodiscard]] std::optional<std::int32_t> PresentSample(std::optional<std::int32_t> hovered) const;
+
     const Document& m_document;
     WaveformView& m_view;
     Playback& m_playback;

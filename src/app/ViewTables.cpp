@@ -101,6 +101,10 @@ TextTable KeysTable(const UserServices& services) {
         // The menus use the same captions for both zooms.
         if (binding.command / 2 == mnuZoomX / 2) action.insert(0, PlainCaption(services.Text(IDS_MENU_XZOOM)) + u": ");
         if (binding.command / 2 == mnuZoomY / 2) action.insert(0, PlainCaption(services.Text(IDS_MENU_YSCALE)) + u": ");
+        if (Within(binding.command, mnuRead, static_cast<int>(kReadingSteps.size())))
+            action.insert(0, PlainCaption(services.Text(IDS_MENU_READ)) + u": ");
+        if (Within(binding.command, mnuLane, static_cast<int>(LaneStep::Count)))
+            action.insert(0, PlainCaption(services.Text(IDS_MENU_LANE)) + u": ");
         if (binding.place != KeyPlace::Everywhere && binding.place != KeyPlace::Graph) {
             const int list = static_cast<int>(binding.place) - static_cast<int>(KeyPlace::FolderList);
             action += u" (" + services.Text(IDS_IN_LIST_0 + list) + u")";

@@ -144,7 +144,7 @@ void WaveformView::Restore(const State& state) {
 }
 
 ViewChange WaveformView::Redraw(bool newPlace) {
-    m_goneTo = 0;
+    if (newPlace || SampleToKeep({}) == 0) m_goneTo = 0;
     m_channelLanes.FitOnce();
     MakeLanes();
     return {.redraw = true, .newPlace = newPlace};
@@ -309,6 +309,13 @@ ViewChange WaveformView::GoTo(std::int32_t sample) {
     return change;
 }
 
+ViewChange WaveformView::StepFrom(std::int32_t sample, std::int32_t columns) {
+    const std::int32_t to = SampleBeside(sample, columns);
+    const ViewChange change = ScrollIntoView(to);
+    m_goneTo = to;
+    return change;
+}
+
 std::optional<std::int32_t> WaveformView::MarkFrom(bool next) const {
     const std::int32_t from = m_goneTo != 0 ? m_goneTo : SampleUnder(m_axis, m_axis.Width() / 2);
     const std::vector<BlockMark>& marks = m_document.Block().marks;
@@ -340,19 +347,25 @@ ViewChange WaveformView::Deselect() {
 }
 
 ViewChange WaveformView::MoveSelectionEnd(std::int32_t columns) {
+    m_selection.end = SampleBeside(m_selection.end, columns);
+    ViewChange change = ScrollIntoView(m_selection.end);
+    change.selection = true;
+    return change;
+}
+
+std::int32_t WaveformView::SampleBeside(std::int32_t sample, std::int32_t columns) const {
     // At least a sample, also where a sample is wider than a column.
     const std::int64_t samples = std::llround(std::abs(columns) * m_axis.Grid().SamplesPerColumn());
     const std::int64_t step = columns == 0 ? 0 : std::max<std::int64_t>(samples, 1);
-    const std::int64_t end = m_selection.end + (columns < 0 ? -step : step);
-    m_selection.end = static_cast<std::int32_t>(std::clamp<std::int64_t>(end, 1, m_axis.SampleCount()));
-    // Keep the end of the selection in view.
-    const std::int32_t left = m_axis.ColumnOf(m_selection.end - 1);
-    const std::int32_t right = m_axis.LastColumnOf(m_selection.end - 1);
-    ViewChange change;
-    if (left < 0) change = ScrollBy(left);
-    if (right >= m_axis.Width()) change = ScrollBy(right - m_axis.Width() + 1);
-    change.selection = true;
-    return change;
+    const std::int64_t beside = sample + (columns < 0 ? -step : step);
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(beside, 1, m_axis.SampleCount()));
+}
+
+ViewChange WaveformView::ScrollIntoView(std::int32_t sample) {
+    const std::int32_t left = m_axis.ColumnOf(sample - 1);
+    const std::int32_t right = m_axis.LastColumnOf(sample - 1);
+    if (left < 0) return ScrollBy(left);
+    return right >= m_axis.Width() ? ScrollBy(right - m_axis.Width() + 1) : ViewChange{};
 }
 
 }  // namespace quillon

@@ -20,6 +20,9 @@
 
 namespace quillon {
 
+/// What keys do to the lane of a channel, in the order of their commands.
+enum class LaneStep { ZoomOut, ZoomIn, Fit, TraceUp, TraceDown, LaneUp, LaneDown, Count };
+
 /// Which part of a document's block the graph shows at which scales, what is selected, and the history of views.
 /// Samples count from 1. A command that has no effect returns an empty change. The channels share one axis, or each has
 /// a lane (see ChannelLanes): commands of the Y scale and of the base line then act on all lanes. The time axis is free
@@ -38,7 +41,7 @@ class WaveformView {
     [[nodiscard]] int ScaleY() const { return m_scale.Index(); }
     [[nodiscard]] std::int64_t BaseLineShift() const { return m_scale.Shift(); }
     [[nodiscard]] const Selection& Selected() const { return m_selection; }
-    /// Sample that was gone to, until the view changes; 0: none.
+    /// Sample that was gone to, until other samples are shown; 0: none.
     [[nodiscard]] std::int32_t GoneTo() const { return m_goneTo; }
     /// The sample that others are measured from; 0: none.
     [[nodiscard]] std::int32_t Pinned() const { return m_pinned; }
@@ -119,6 +122,9 @@ class WaveformView {
     ViewChange FitSelection() { return FitSamples(m_selection.Samples()); }
     ViewChange Back();
     ViewChange GoTo(std::int32_t sample);
+    /// Goes to the sample that lies some columns from another, at least one sample if it is any; the view scrolls only
+    /// as far as needed to show it.
+    ViewChange StepFrom(std::int32_t sample, std::int32_t columns);
     ViewChange SetLanes(bool on);
     ViewChange SetClip(bool clip);
     ViewChange SetNegativeUp(bool negativeUp);
@@ -130,7 +136,9 @@ class WaveformView {
     ViewChange FitLane(std::size_t lane);
     ViewChange ScrollLanes(std::int32_t lanes);
     ViewChange DragTitle(std::int16_t channel, std::size_t to);
-    /// The mark after or before the target of GoTo, until the view changes, else after or before its middle.
+    /// The same for a channel whose lane may be out of sight, and is not afterwards.
+    ViewChange StepLane(std::int16_t channel, LaneStep step);
+    /// The mark after or before the sample gone to, else after or before the middle of the view.
     [[nodiscard]] std::optional<std::int32_t> MarkFrom(bool next) const;
 
     /// Selects from `start` to `end`; the end may be before the start.
@@ -148,8 +156,11 @@ class WaveformView {
     [[nodiscard]] std::int32_t ColumnsBehindView() const;
     void GoBackTo(const ViewPlace& place);
     void MakeLanes();  ///< with the channels that are shown now
+    [[nodiscard]] std::int32_t SampleBeside(std::int32_t sample, std::int32_t columns) const;
+    ViewChange ScrollIntoView(std::int32_t sample);
     /// The channel of a lane; 0 on one axis, and where there is none.
     [[nodiscard]] std::int16_t ChannelOf(std::size_t lane) const;
+    void ShowLane(std::int16_t channel);  ///< which is one of those in lanes
     /// A command on a lane's channel; pushes the view before it.
     ViewChange ChangeLane(std::size_t lane, const std::function<void(std::int16_t channel)>& change);
     [[nodiscard]] std::int32_t SampleToKeep(std::optional<std::int32_t> hovered) const;

@@ -1,7 +1,15 @@
 // What is done to single lanes.
+#include <algorithm>
+
 #include "view/WaveformView.h"
 
 namespace quillon {
+
+namespace {
+
+constexpr std::int64_t kTraceStep = 20;  // rows, as the keys that move all traces
+
+}  // namespace
 
 std::size_t WaveformView::LaneAt(std::int32_t row) const {
     std::size_t lane = 0;
@@ -73,6 +81,30 @@ ViewChange WaveformView::DragTitle(std::int16_t channel, std::size_t to) {
     Push();
     m_channelLanes.Reorder(channel, target);
     return Redraw();
+}
+
+ViewChange WaveformView::StepLane(std::int16_t channel, LaneStep step) {
+    const std::vector<std::int16_t> order = m_channelLanes.Order();
+    const auto found = std::find(order.begin(), order.end(), channel);
+    if (!UsesLanes() || found == order.end()) return {};
+    const bool zooms = step == LaneStep::ZoomOut || step == LaneStep::ZoomIn;
+    const bool moves = step == LaneStep::TraceUp || step == LaneStep::TraceDown;
+    if (!moves) Push();
+    if (zooms) m_channelLanes.ZoomChannel(channel, step == LaneStep::ZoomIn ? 1 : -1);
+    if (moves) m_channelLanes.Move(channel, step == LaneStep::TraceUp ? -kTraceStep : kTraceStep);
+    if (step == LaneStep::LaneUp && found != order.begin()) m_channelLanes.Reorder(channel, *(found - 1));
+    if (step == LaneStep::LaneDown && found + 1 != order.end()) m_channelLanes.Reorder(channel, *(found + 1));
+    ShowLane(channel);
+    if (step == LaneStep::Fit) m_channelLanes.FitAlone(channel, m_axis, m_extremes.All());
+    return Redraw();
+}
+
+void WaveformView::ShowLane(std::int16_t channel) {
+    const std::vector<std::int16_t> order = m_channelLanes.Order();
+    const LaneLayout layout = m_channelLanes.Layout();
+    const auto at = static_cast<std::int32_t>(std::find(order.begin(), order.end(), channel) - order.begin());
+    const std::int32_t beyond = at - (layout.First() + layout.Visible() - 1);
+    m_channelLanes.Scroll(std::min(at - layout.First(), 0) + std::max(beyond, 0));
 }
 
 }  // namespace quillon

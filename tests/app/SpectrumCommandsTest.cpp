@@ -140,6 +140,7 @@ TEST(SpectrumLayout, ControlsDoNotOverlapAndStayInside) {
                                                                90,
                                                                280});
                 std::vector<PixelRect> all(layout.boxes.begin(), layout.boxes.end());
+                all.insert(all.end(), layout.labels.begin(), layout.labels.end());
                 for (const PixelRect& rect : {layout.heading, layout.plot, layout.peaksTitle, layout.peaks,
                                               layout.harmonicsTitle, layout.harmonics, layout.readout, layout.refresh})
                     all.push_back(rect);

@@ -393,6 +393,54 @@ TEST_F(LanesTest, TheMouseActsOnTheLaneUnderIt) {
     for (const Lane& lane : m_view.GetLanes()) EXPECT_EQ(lane.zeroRow, lane.top + lane.height / 2);
 }
 
+/// What the keys do to a channel's lane is what the mouse does to it, wherever the lane is.
+TEST_F(LanesTest, KeysActOnALaneLikeTheMouseAndBringItIntoView) {
+    m_view.SetLanes(true);
+    std::vector<Wave> waves;
+    for (int channel = 1; channel <= 20; ++channel)
+        waves.push_back({u"A", channel % 2 == 0 ? u"uV" : u"mV", 0, 10.0 * channel});
+    for (int round = 0; round < 300; ++round) {
+        if (round % 50 == 0) Load(Make(waves, 5000), 200);
+        const auto channel = static_cast<std::int16_t>(1 + Any(20));
+        const auto step = static_cast<LaneStep>(Any(static_cast<int>(LaneStep::Count)));
+        const auto order = m_view.LanesOfChannels().Order();
+        const WaveformView::State before = m_view.Keep();
+        ASSERT_TRUE(m_view.StepLane(channel, step).redraw);
+        const auto places = m_view.LanesOfChannels().Visible();
+        ASSERT_EQ(std::count(places.begin(), places.end(), channel), 1) << "its lane is out of sight";
+        const LaneSettings byKey = Settings();
+        const std::int32_t first = m_view.LanesOfChannels().Layout().First();
+        // By the mouse, after the wheel has brought it into view.
+        m_view.Restore(before);
+        const auto scroll = [&] { m_view.ScrollLanes(first - m_view.LanesOfChannels().Layout().First()); };
+        scroll();
+        const auto laneOf = [&](std::int16_t wanted) {
+            const auto now = m_view.LanesOfChannels().Visible();
+            return static_cast<std::size_t>(std::find(now.begin(), now.end(), wanted) - now.begin());
+        };
+        const auto at = std::find(order.begin(), order.end(), channel);
+        switch (step) {
+            case LaneStep::ZoomOut: m_view.ZoomChannel(laneOf(channel), -1); break;
+            case LaneStep::ZoomIn: m_view.ZoomChannel(laneOf(channel), 1); break;
+            case LaneStep::Fit: m_view.FitLane(laneOf(channel)); break;
+            case LaneStep::TraceUp: m_view.MoveLane(laneOf(channel), -20); break;
+            case LaneStep::TraceDown: m_view.MoveLane(laneOf(channel), 20); break;
+            case LaneStep::LaneUp:
+                if (at != order.begin()) m_view.DragTitle(channel, laneOf(*(at - 1)));
+                break;
+            default:
+                if (at + 1 != order.end()) m_view.DragTitle(channel, laneOf(*(at + 1)));
+        }
+        scroll();
+        ASSERT_EQ(Settings(), byKey) << "step " << static_cast<int>(step) << " of " << channel;
+    }
+    m_document.Show(3, false);
+    m_view.Arrange(kWidth, 200);
+    EXPECT_FALSE(m_view.StepLane(3, LaneStep::ZoomIn).redraw) << "it has no lane";
+    m_view.SetLanes(false);
+    EXPECT_FALSE(m_view.StepLane(4, LaneStep::ZoomIn).redraw);
+}
+
 TEST_F(LanesTest, AChannelThatIsFittedAloneLeavesTheOthersAsTheyWere) {
     Load(Make({{u"a", u"V", 0.0, 2.0}, {u"b", u"V", 5.0, 0.5}, {u"c", u"mV", 0.0, 1.0}}));
     for (const bool lanes : {true, false}) {

@@ -90,6 +90,24 @@ TEST_F(WaveformViewTest, TheNextMarkIsSoughtFromTheMiddleOrTheLastOne) {
     EXPECT_EQ(m_view.MarkFrom(false), 30001) << "the view has changed, so its middle counts";
 }
 
+TEST_F(WaveformViewTest, StepsGoFromColumnToColumnAndTakeTheViewAlong) {
+    EXPECT_EQ(m_view.StepFrom(490, 20).scrolled, 10) << "no further than needed";
+    EXPECT_EQ(m_view.GoneTo(), 510);
+    m_view.SelectZoomX(3);
+    EXPECT_EQ(m_view.StepFrom(m_view.GoneTo(), -1).scrolled, 0);
+    EXPECT_EQ(m_view.GoneTo(), 500) << "ten samples a column";
+    m_view.ZoomY(1);
+    EXPECT_EQ(m_view.GoneTo(), 500) << "the same samples are shown";
+    EXPECT_EQ(m_view.MarkFrom(true), 30001);
+    m_view.StepFrom(500, -60);
+    EXPECT_EQ(m_view.GoneTo(), 1);
+    m_view.StepFrom(99999, 20);
+    EXPECT_EQ(m_view.GoneTo(), 100000);
+    EXPECT_EQ(m_axis.LastColumnOf(99999), m_axis.Width() - 1);
+    m_view.FitSamples({0, 1000});
+    EXPECT_EQ(m_view.GoneTo(), 0);
+}
+
 TEST_F(WaveformViewTest, TheEndOfASelectionStaysInViewAndInTheBlock) {
     m_document.ChooseChannel(2);
     m_view.Select(400, 490);

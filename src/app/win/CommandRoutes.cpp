@@ -72,6 +72,14 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuSelect, 3, [](R r, F, int i) { r.commands.Select(i); }},
         {mnuGoToPlace, 1, [](R r, F, int) { r.dialogs.GoToPlace(); }},
         {mnuPin, 1, [](R r, F, int) { r.commands.Pin(r.graph.PointedSample()); }},
+        {mnuRead, static_cast<int>(kReadingSteps.size()),
+         [](R r, F, int i) {
+             const std::optional<std::int32_t> pointed = r.graph.PointedSample();
+             r.graph.LeavePointer();
+             r.commands.StepReadout(kReadingSteps[static_cast<std::size_t>(i)], pointed);
+         }},
+        {mnuLane, static_cast<int>(LaneStep::Count),
+         [](R r, F, int i) { r.commands.StepLane(static_cast<LaneStep>(i)); }},
         {mnuCopyReadout, 1, [](R r, F, int) { r.exports.CopyReadout(r.ValuesText()); }},
         {mnuStatistics, 1, [](R r, F, int) { r.dialogs.Statistics(); }},
         {mnuSpectrum, 1, [](R r, F, int) { r.spectrum.Show(r.longCommand.Window()); }},
@@ -79,7 +87,7 @@ void RunCommand(int id, MainRooms& rooms, const FrameCommands& frame) {
         {mnuKeysAndMouse, 1, [](R, F f, int) { f.showKeys(); }},
         {mnuOpenFolder, 1, [](R r, F, int) { r.browser.OpenFolder(); }},
         {mnuRecording, 2, [](R r, F, int i) { r.browser.OpenNeighbour(i); }},
-        {mnuFocus, 5, [](R, F f, int i) { f.focusList(i); }},
+        {mnuFocus, 6, [](R, F f, int i) { f.focusList(i); }},
         {mnuMarkList, 3, [](R r, F, int i) { r.recording.marks.Run(i); }},
         {mnuMove, static_cast<int>(Moves().size()),
          [](R r, F, int i) { r.commands.MoveView(Moves()[static_cast<std::size_t>(i)]); }},

@@ -91,6 +91,8 @@ class GraphPane final : private PictureOwner, private ZoomXEvents {
     [[nodiscard]] std::optional<std::int32_t> HoveredSample() const;  ///< from 1, while values are read out
     /// The one whose values are read out: its point is nearest to the pointer.
     [[nodiscard]] std::optional<std::int32_t> PointedSample() const;
+    /// Values are not read out under the pointer any more until it is moved.
+    void LeavePointer() const { m_hover.End(), m_hover.HoldUntilMoved(); }
     /// Asks for the context menu at the corner of the graph, for no channel.
     void OpenContextMenu() const;
     /// The view has scrolled under a resting pointer: updates the readout.

@@ -25,6 +25,8 @@ Key KeyOf(WPARAM code) {
         case VK_OEM_PLUS: return Key::Plus;
         case VK_SUBTRACT:
         case VK_OEM_MINUS: return Key::Minus;
+        case VK_OEM_COMMA: return Key::Comma;
+        case VK_OEM_PERIOD: return Key::Point;
         case VK_SPACE: return Key::Space;
         case VK_RETURN: return Key::Enter;
         case VK_ESCAPE: return Key::Escape;

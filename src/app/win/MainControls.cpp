@@ -219,7 +219,8 @@ void MoveFocus(HWND window, HWND control) {
 }
 
 void FocusList(HWND window, int list) {
-    constexpr int lists[] = {lstDir, lvCh, lstFile, lstBlock, lvMarks};
+    constexpr int lists[] = {lstDir, lvCh, lstFile, lstBlock, lvMarks, pbGraph};
+    if (lists[list] == pbGraph) return MoveFocus(window, GetDlgItem(window, pbGraph));
     SelectPage(window, list < 2 ? TabPages::Path : TabPages::File, list < 2 ? list : list - 2);
     MoveFocus(window, GetDlgItem(window, lists[list]));
 }

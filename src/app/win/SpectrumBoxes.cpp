@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/StringIds.h"
+#include "app/ViewTables.h"
 #include "base/win/WinHandle.h"
 
 namespace quillon {
@@ -36,6 +37,9 @@ void SpectrumBoxes::Measure(std::size_t box) {
     const WindowDC dc(m_boxes[box]);
     const SelectScope font(dc.Get(), m_density->Font());
     LONG widest = 0;
+    const std::u16string name = PlainCaption(m_services.Text(IDS_SPECTRUM_NAME_0 + static_cast<int>(box)));
+    SIZE label{};
+    GetTextExtentPoint32W(dc.Get(), Wide(name).c_str(), static_cast<int>(name.size()), &label);
     const LRESULT lines = SendMessageW(m_boxes[box], CB_GETCOUNT, 0, 0);
     for (WPARAM line = 0; static_cast<LRESULT>(line) < lines; ++line) {
         const LRESULT length = SendMessageW(m_boxes[box], CB_GETLBTEXTLEN, line, 0);
@@ -46,7 +50,8 @@ void SpectrumBoxes::Measure(std::size_t box) {
         widest = std::max(widest, size.cx);
     }
     // Beside the text its margins and the arrow.
-    m_widths[box] = static_cast<std::int32_t>(widest) + m_density->Metric(SM_CXVSCROLL) + m_density->Scaled(14);
+    const LONG closed = widest + m_density->Metric(SM_CXVSCROLL) + m_density->Scaled(14);
+    m_widths[box] = static_cast<std::int32_t>(std::max(closed, label.cx));
 }
 
 void SpectrumBoxes::DensityChanged() {

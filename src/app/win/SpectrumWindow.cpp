@@ -127,9 +127,10 @@ HWND SpectrumWindow::MakeList(int id) {
 void SpectrumWindow::CreateControls() {
     std::array<HWND, kSpectrumBoxes> boxes{};
     for (std::size_t box = 0; box < kSpectrumBoxes; ++box) {
-        // The name of a box is that of the label before it, which has no room of its own.
-        Make(WC_STATICW, SS_NOPREFIX, 0, 0, IDS_SPECTRUM_NAME_0 + static_cast<int>(box));
-        boxes[box] = Make(WC_COMBOBOXW, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, 0, kBox + static_cast<int>(box), 0);
+        const int at = static_cast<int>(box);
+        // It gives the box its name and its key, too.
+        Make(WC_STATICW, SS_LEFT, 0, kLabel + at, IDS_SPECTRUM_NAME_0 + at);
+        boxes[box] = Make(WC_COMBOBOXW, WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST, 0, kBox + at, 0);
     }
     m_boxes.Attach(boxes, m_density);
     Make(WC_STATICW, kLine, 0, kHeading, 0);
@@ -221,8 +222,10 @@ void SpectrumWindow::Arrange() {
         MoveWindow(Of(id), place.left, place.top, place.width, place.height + more, TRUE);
     };
     // The height of a combo box is that of its open list.
-    for (std::size_t box = 0; box < kSpectrumBoxes; ++box)
+    for (std::size_t box = 0; box < kSpectrumBoxes; ++box) {
+        move(kLabel + static_cast<int>(box), layout.labels[box]);
         move(kBox + static_cast<int>(box), layout.boxes[box], m_density.Scaled(300));
+    }
     const std::pair<int, PixelRect> places[] = {{kHeading, layout.heading},
                                                 {kPlot, layout.plot},
                                                 {kPeaksTitle, layout.peaksTitle},

@@ -49,6 +49,7 @@ class SpectrumWindow final {
     /// Numbers of the controls; the boxes in the order of SpectrumLayout.
     enum Control : int {
         kBox = 101,
+        kLabel = 106,  ///< by box
         kHeading = 111,
         kPlot,
         kPeaksTitle,

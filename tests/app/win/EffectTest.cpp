@@ -26,6 +26,7 @@ struct Effect {
 };
 constexpr int kSelected = -1;      ///< samples 12001 to 12400 are selected
 constexpr int kInLanes = -3;       ///< lanes are on, with a page of 7 s
+constexpr int kShownInLanes = -4;  ///< lanes are on for both channels
 constexpr int kFolderChosen = -2;  ///< the folder "sub" is chosen in its list
 
 const Effect kEffects[] = {
@@ -138,14 +139,25 @@ const Effect kEffects[] = {
     {mnuView, "Ctrl+E", "column=11864 zoom=0", kSelected},
     {mnuView + 1, "Ctrl+F", "column=0 zoom=5"},
     {mnuView + 2, "Backspace", "column=1000 zoom=3", mnuZoomX},
-    {mnuMark, "Alt+Left", "column=0"},
-    {mnuMark + 1, "Alt+Right", "column=1164"},
+    {mnuMark, "Alt+Left", "column=0 gone to=101"},
+    {mnuMark + 1, "Alt+Right", "column=1164 gone to=15001"},
     {mnuSelect, "Ctrl+A", "selection=1-20000"},
     {mnuSelect + 1, "Ctrl+Shift+A", "selection=10001-16720"},
     {mnuSelect + 2, "Esc", "selection=", kSelected},
     {mnuGoToPlace, "Ctrl+G", "dialog=Go To"},
     {mnuPin, "M", "pinned=13361"},
     {mnuCopyReadout, "Ctrl+M", "clipboard=text status=Readout c"},
+    {mnuRead + 0, "Comma", "gone to=13351"},
+    {mnuRead + 1, "Point", "gone to=13371"},
+    {mnuRead + 2, "Shift+Comma", "gone to=13161"},
+    {mnuRead + 3, "Shift+Point", "gone to=13561"},
+    {mnuLane + 0, "Alt+Minus", "lane=0: 171 x 34.858388", kShownInLanes},
+    {mnuLane + 1, "Alt+Plus", "lane=0: 401 x 6.971678", kShownInLanes},
+    {mnuLane + 2, "Alt+Home", "lane=0: 171 x 34.858388", kShownInLanes},
+    {mnuLane + 3, "Alt+Up", "lane=0: 209 x 17.429194", kShownInLanes},
+    {mnuLane + 4, "Alt+Down", "lane=0: 249 x 17.429194", kShownInLanes},
+    {mnuLane + 5, "Alt+PgUp", "", kShownInLanes},
+    {mnuLane + 6, "Alt+PgDn", "lane=1: 230 x 17.429194", kShownInLanes},
     {mnuStatistics, "", "dialog=Statistics of Selection", kSelected},
     {mnuSpectrum, "Ctrl+Shift+P", "spectrum=1"},
     {mnuSoloChannel, "", "alone=1 shown=10"},
@@ -171,6 +183,7 @@ const Effect kEffects[] = {
     {mnuFocus + 2, "Ctrl+3", "list=4 pages=10"},
     {mnuFocus + 3, "Ctrl+4", "list=5"},
     {mnuFocus + 4, "Ctrl+5", "list=27 pages=12"},
+    {mnuFocus + 5, "Ctrl+0", ""},  // it is there
 };
 
 /// The main window over a sound device of the test's, in one and the same state again and again.
@@ -260,6 +273,13 @@ class EffectTest : public MainWindowTest {
             Command(mnuLanes);
             m_global.view->SelectPage(7.0);
         }
+        if (effect.before == kShownInLanes) {
+            Command(mnuChShow);
+            Command(mnuLanes);
+            // Its lane at the top, larger than it fits.
+            for (const LaneStep step : {LaneStep::LaneUp, LaneStep::Fit, LaneStep::ZoomIn})
+                m_global.view->StepLane(1, step);
+        }
         if (effect.before == kSelected) m_global.view->Select(12001, 12400);
         if (effect.before == kFolderChosen) SendMessageW(Control(lstDir), LB_SETCURSEL, Lines(lstDir).size() - 1, 0);
         if (OpenClipboard(m_form->Window())) {
@@ -281,6 +301,18 @@ class EffectTest : public MainWindowTest {
             Command(usual);
         if (settings.blankEnds) Command(mnuBlankEnds);
         EXPECT_EQ(settings, SpectrumSettings{});
+    }
+
+    /// Where the lane of the first channel is, where zero is in it, and its scale; with lanes only.
+    [[nodiscard]] std::string LaneOfFirst() const {
+        const Lanes& lanes = m_global.view->GetLanes();
+        std::string at;
+        for (std::size_t i = 0; i < lanes.size() && m_global.view->UsesLanes(); ++i) {
+            if (lanes[i].channels.front() != 1) continue;
+            at = std::to_string(i) + ": " + std::to_string(lanes[i].zeroRow - lanes[i].top) + " x " +
+                 std::to_string(lanes[i].unitsPerDivision);
+        }
+        return at;
     }
 
     std::map<std::string, std::string> Facts() {
@@ -346,6 +378,8 @@ class EffectTest : public MainWindowTest {
                 {"selection",
                  selection.active ? std::to_string(selection.First()) + '-' + std::to_string(selection.Last()) : ""},
                 {"pinned", std::to_string(m_global.view->Pinned())},
+                {"gone to", std::to_string(m_global.view->GoneTo())},
+                {"lane", LaneOfFirst()},
                 {"sound", calls},
                 {"card", std::to_string(m_device.chosen)},
                 {"list", focus == lstDir || focus == lvCh || focus == lstFile || focus == lstBlock || focus == lvMarks
@@ -379,12 +413,11 @@ class EffectTest : public MainWindowTest {
     /// Presses a key such as "Ctrl+Shift+E", or "lvCh:Ctrl+A" in a list.
     void Press(std::string_view key) {
         static const std::map<std::string_view, int> names{
-            {"Left", VK_LEFT},       {"Right", VK_RIGHT},    {"Up", VK_UP},
-            {"Down", VK_DOWN},       {"PgUp", VK_PRIOR},     {"PgDn", VK_NEXT},
-            {"Home", VK_HOME},       {"End", VK_END},        {"Plus", VK_OEM_PLUS},
-            {"Minus", VK_OEM_MINUS}, {"Space", VK_SPACE},    {"Enter", VK_RETURN},
-            {"Esc", VK_ESCAPE},      {"Backspace", VK_BACK}, {"Del", VK_DELETE},
-            {"F1", VK_F1},           {"F2", VK_F2},          {"F5", VK_F5}};
+            {"Left", VK_LEFT},     {"Right", VK_RIGHT},     {"Up", VK_UP},           {"Down", VK_DOWN},
+            {"PgUp", VK_PRIOR},    {"PgDn", VK_NEXT},       {"Home", VK_HOME},       {"End", VK_END},
+            {"Plus", VK_OEM_PLUS}, {"Minus", VK_OEM_MINUS}, {"Space", VK_SPACE},     {"Enter", VK_RETURN},
+            {"Esc", VK_ESCAPE},    {"Backspace", VK_BACK},  {"Del", VK_DELETE},      {"F1", VK_F1},
+            {"F2", VK_F2},         {"F5", VK_F5},           {"Comma", VK_OEM_COMMA}, {"Point", VK_OEM_PERIOD}};
         static const std::map<std::string_view, int> lists{
             {"lstDir", lstDir}, {"lvCh", lvCh}, {"lstFile", lstFile}, {"lvMarks", lvMarks}};
         if (const std::size_t end = key.find(':'); end != key.npos) {

@@ -170,10 +170,13 @@ TEST_F(FrameTest, TheKeyboardIsNeverLost) {
     EXPECT_TRUE(m_form->PreTranslate({Control(pbGraph), WM_KEYUP, VK_MENU, 0, 0, {}}));
     EXPECT_FALSE(m_form->PreTranslate({Control(pbGraph), WM_KEYUP, VK_MENU, 0, 0, {}}));
     // Nor that of a key which a box takes itself, as Alt+Down for its list.
+    SetFocus(Control(cboFileType));
     EXPECT_FALSE(m_form->PreTranslate({Control(cboFileType), WM_SYSKEYDOWN, VK_DOWN, 0, 0, {}}));
     EXPECT_TRUE(m_form->PreTranslate({Control(cboFileType), WM_SYSKEYUP, VK_MENU, 0, 0, {}}));
     keys[VK_MENU] = 0;
     SetKeyboardState(keys);
+    Command(mnuFocus + 5);
+    EXPECT_EQ(GetFocus(), Control(pbGraph));
     // The window's own menu is left to the system.
     const HMENU system = GetSystemMenu(m_form->Window(), FALSE);
     const UINT before = GetMenuState(system, SC_CLOSE, MF_BYCOMMAND);

@@ -71,7 +71,13 @@ void FindByLists(User& me) {
 
 /// A range is selected, measured and sent to somebody.
 void MeasureAndSend(User& me, const std::filesystem::path& sent) {
-    EXPECT_TRUE(me.TabTo(pbGraph));
+    me.Strike('0', {VK_CONTROL});
+    EXPECT_TRUE(WaitUntil([&] { return me.Focus() == pbGraph; }));
+    me.Strike('M');
+    for (int step = 0; step < 3; ++step) me.Strike(VK_OEM_PERIOD);
+    me.Strike('M', {VK_CONTROL});
+    EXPECT_TRUE(WaitUntil([] { return ClipboardText().find(L"1/dX:") != std::wstring::npos; }));
+    me.Strike(VK_ESCAPE);
     me.Strike('G', {VK_CONTROL});
     const HWND place = me.DialogWithKeys();
     me.Write(L"0:00:10 .. 0:00:12");
