@@ -33,6 +33,14 @@ foreach(line IN LISTS quillon_folders)
     add_library(quillon_${own} STATIC ${sources})
     target_link_libraries(quillon_${own} PUBLIC quillon_options ${allowed})
     add_dependencies(quillon_${own} check_layers)
+    # Where several files are compiled as one (see test.sh), the largest headers are read once too. Other builds, which
+    # scripts/check makes, show that every file includes what it needs.
+    if(CMAKE_UNITY_BUILD AND own STREQUAL "base")
+      target_precompile_headers(quillon_base PRIVATE <algorithm> <array> <charconv> <cmath> <functional> <memory> <optional>
+        <span> <string> <system_error> <utility> <vector>)
+    elseif(CMAKE_UNITY_BUILD)
+      target_precompile_headers(quillon_${own} REUSE_FROM quillon_base)
+    endif()
   else()
     add_library(quillon_${own} INTERFACE)
     target_link_libraries(quillon_${own} INTERFACE quillon_options ${allowed})
