@@ -4,8 +4,14 @@ target_include_directories(quillon_options INTERFACE ${CMAKE_SOURCE_DIR}/src ${C
 target_compile_features(quillon_options INTERFACE cxx_std_20)
 target_compile_definitions(quillon_options INTERFACE _GLIBCXX_ASSERTIONS
   QUILLON_VERSION_MAJOR=${PROJECT_VERSION_MAJOR} QUILLON_VERSION_MINOR=${PROJECT_VERSION_MINOR} QUILLON_VERSION_REVISION=${PROJECT_VERSION_PATCH})
-# Debug information and asserts name no folder of this machine: a build in another folder gives the same files.
-target_compile_options(quillon_options INTERFACE -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
+if(QUILLON_COVERAGE)
+  # Where the sources are, the counting has to know.
+  target_compile_options(quillon_options INTERFACE --coverage)
+  target_link_options(quillon_options INTERFACE --coverage)
+else()
+  # Debug information and asserts name no folder of this machine: a build in another folder gives the same files.
+  target_compile_options(quillon_options INTERFACE -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
+endif()
 target_compile_options(quillon_options INTERFACE -Werror -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
   -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wimplicit-fallthrough -Wundef -ffp-contract=off)
 if(WIN32)
