@@ -24,9 +24,9 @@ void FilterWhole(const nsp::FilterDesign& design, std::size_t channels, bool fra
     std::vector<const std::int16_t*> start(channels);
     for (std::size_t c = 0; c < channels; ++c) start[c] = Samples().data() + (frames ? c : c * count);
     const nsp::CodeSamples samples{start, frames ? static_cast<std::ptrdiff_t>(channels) : 1};
-    const std::size_t piece = kPieceSamples / channels;
-    for (std::size_t at = 0; at < count; at += piece) {
-        stream.Feed(samples.From(static_cast<std::ptrdiff_t>(at)), std::min(piece, count - at));
+    const auto piece = static_cast<std::int32_t>(kPieceSamples / channels);
+    for (SampleSpan next = stream.Next(); next.count > 0; next = stream.Next()) {
+        stream.Feed(samples.From(next.first), static_cast<std::size_t>(std::min(piece, next.count)));
         if (stream.Ready().count > 0) benchmark::DoNotOptimize(stream.Row(0)[0]);
     }
 }
@@ -78,7 +78,8 @@ void FilterPage(benchmark::State& state, nsp::FilterSettings settings) {
     for (auto _ : state) {
         first = (first + 98317) % (length - 2560);
         nsp::FilterStream stream(design, channels, {first, 2560}, length);
-        stream.Feed(samples.From(stream.Needed().first), static_cast<std::size_t>(stream.Needed().count));
+        for (SampleSpan next = stream.Next(); next.count > 0; next = stream.Next())
+            stream.Feed(samples.From(next.first), static_cast<std::size_t>(next.count));
         benchmark::DoNotOptimize(stream.Row(0)[0]);
     }
 }

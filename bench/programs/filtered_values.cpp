@@ -42,10 +42,9 @@ Rows Filter(const nsp::FilterDesign& design, const std::vector<std::vector<std::
     for (const auto& row : codes) start.push_back(row.data());
     nsp::FilterStream stream(design, codes.size(), wanted, static_cast<std::int32_t>(codes[0].size()));
     Rows rows(codes.size());
-    const SampleSpan needed = stream.Needed();
-    for (std::int32_t at = needed.first; at < needed.End(); at += 20000) {
-        const std::int32_t count = std::min(20000, needed.End() - at);
-        stream.Feed(nsp::CodeSamples{start}.From(at), static_cast<std::size_t>(count));
+    for (SampleSpan next = stream.Next(); next.count > 0; next = stream.Next()) {
+        const std::int32_t count = std::min(20000, next.count);
+        stream.Feed(nsp::CodeSamples{start}.From(next.first), static_cast<std::size_t>(count));
         for (std::size_t c = 0; c < rows.size(); ++c)
             rows[c].insert(rows[c].end(), stream.Row(c), stream.Row(c) + stream.Ready().count);
     }

@@ -131,21 +131,32 @@ std::int32_t ShownBlock::PlacesPerPiece() const {
 }
 
 bool ShownBlock::Approach(std::int32_t first) {
-    constexpr std::int32_t most = 1 << 20;  // codes: some milliseconds
     for (std::size_t at = 0; at < m_groups.size(); ++at) {
         std::int32_t page = first / kPageSamples;
         while (m_pageOf.contains({at, page})) ++page;
-        if (page > (SampleCount() - 1) / kPageSamples) continue;
-        Group& group = *m_groups[at];
-        ShownStream& stream = StreamAt(group, page * kPageSamples);
-        try {
-            if (!stream.Approach(most / static_cast<std::int32_t>(group.channels.size()))) return false;
-        } catch (...) {
-            // Reading finds the same place.
-            group.streams[0].reset();
-        }
+        if (!ApproachPage(at, page)) return false;
+        const Group& group = *m_groups[at];
+        if (!group.filter || !nsp::FilterStream::HasLongCells(group.filter->design, group.channels.size())) continue;
+        // A piece that is read from there may go on into the next cell, to which the way is as long again.
+        const std::int64_t end = nsp::CellFilter::CellEndBehind(group.filter->design.CellLength(), first);
+        if (end - first <= SamplesPerPiece() && !ApproachPage(at, static_cast<std::int32_t>(end / kPageSamples)))
+            return false;
     }
     return true;
+}
+
+bool ShownBlock::ApproachPage(std::size_t group, std::int32_t page) {
+    constexpr std::int32_t most = 1 << 20;  // codes: some milliseconds
+    if (page > (SampleCount() - 1) / kPageSamples || m_pageOf.contains({group, page})) return true;
+    Group& of = *m_groups[group];
+    ShownStream& stream = StreamAt(of, page * kPageSamples);
+    try {
+        return stream.Approach(most / static_cast<std::int32_t>(of.channels.size()));
+    } catch (...) {
+        // Reading finds the same place.
+        of.streams[0].reset();
+        return true;
+    }
 }
 
 void ShownBlock::MakePage(Group& group, Page& page) {

@@ -67,6 +67,8 @@ class ShownBlock : public RecordingBlock {
     void MakeGroups();
     Page& PageAt(std::size_t group, std::int32_t number);
     void MakePage(Group& group, Page& page);
+    /// Comes nearer to a page; true when it can be made at once, or there is no such page.
+    bool ApproachPage(std::size_t group, std::int32_t page);
     ShownStream& StreamAt(Group& group, std::int32_t first);
     /// Calls use(page, from, count, done) for every page that holds samples of `span`: `count` of the page from sample
     /// `from` of it on, and `done` of the span lie before them.

@@ -32,8 +32,8 @@ ShownStream::ShownStream(RecordingBlock& stored, std::vector<const ShownChannel*
         m_filter = std::make_unique<nsp::FilterStream>(filter->design, m_channels.size(),
                                                        SampleSpan{first, m_end - first}, m_end);
         const nsp::CellFilter* const kept = m_checkpoints->Before(first);
-        if (kept != nullptr && kept->Position() > m_filter->Position()) m_filter->GoOnFrom(*kept);
-        m_next = m_filter->Position();
+        if (kept != nullptr && kept->Position() > m_filter->Next().first) m_filter->GoOnFrom(*kept);
+        m_next = m_filter->Next().first;
     }
     std::vector<bool> needed(m_starts.size());
     const auto need = [&](std::int16_t channel) { needed[static_cast<std::size_t>(channel - 1)] = true; };
@@ -56,19 +56,22 @@ void ShownStream::Read(std::int32_t count, std::span<std::int16_t* const> rows) 
 }
 
 bool ShownStream::Approach(std::int32_t most) {
-    for (const std::int32_t from = m_next; m_ready.count == 0 && m_next - from < most;) FeedPiece(m_ready.first + 1);
+    for (std::int32_t fed = 0; m_ready.count == 0 && fed < most;) fed += FeedPiece(m_ready.first + 1);
     return m_ready.count > 0;
 }
 
-void ShownStream::FeedPiece(std::int32_t end) {
+std::int32_t ShownStream::FeedPiece(std::int32_t end) {
     // What was given makes room.
     for (auto& row : m_rows) row.erase(row.begin(), row.begin() + static_cast<std::ptrdiff_t>(m_given));
     m_given = 0;
+    const SampleSpan next = m_filter ? m_filter->Next() : SampleSpan{m_next, m_end - m_next};
+    m_next = next.first;
     // Both ways, samples beyond the end are needed.
-    const std::int32_t count = std::min(kPiece, (m_next < end ? end : m_end) - m_next);
+    const std::int32_t count = std::min({kPiece, next.count, m_next < end ? end - m_next : next.count});
     ReadStored({m_next, count});
     Feed(static_cast<std::size_t>(count));
     m_next += count;
+    return count;
 }
 
 void ShownStream::ReadStored(const SampleSpan& piece) {

@@ -38,8 +38,9 @@ class ShownStream {
     void Read(std::int32_t count, std::span<std::int16_t* const> rows);
 
   private:
-    /// Feeds what is needed for the samples before `end`, as far as it can be told, or a part of it.
-    void FeedPiece(std::int32_t end);
+    /// Feeds what is needed for the samples before `end`, as far as it can be told, or a part of it; returns how many
+    /// stored samples of each channel.
+    std::int32_t FeedPiece(std::int32_t end);
     void ReadStored(const SampleSpan& piece);
     void Feed(std::size_t count);
     [[nodiscard]] const std::int16_t* StoredAt(std::int16_t channel) const {

@@ -136,6 +136,32 @@ TEST_F(ShownBlockTest, TheWayToASampleIsMadeInPiecesAndOnce) {
     }
 }
 
+TEST_F(ShownBlockTest, BothWaysTheWayOverTheEndOfALongCellIsMadeInPiecesToo) {
+    constexpr std::int32_t cell = 524288;
+    const auto stored = Waves(2, 700000, true);
+    stored->rate = 20000.0;
+    const ShownSettings settings = Filtered({.highPass = 0.3, .bothWays = true});
+    const Codes whole = Whole(*MakeShownBlock(stored, settings, All(*stored)), 2);
+    for (const std::int32_t first : {300000, cell - 5000}) {
+        const auto block = MakeShownBlock(stored, settings, All(*stored));
+        int steps = 1;
+        const auto near = [&] {
+            stored->samplesRead = 0;
+            const bool isNear = block->Approach(first);
+            EXPECT_LT(stored->samplesRead, (2 << 20) + 10000) << "both cells";
+            return isNear;
+        };
+        for (; steps < 20 && !near();) ++steps;
+        EXPECT_GT(steps, 1);
+        EXPECT_LT(steps, 20);
+        stored->samplesRead = 0;
+        Codes codes(10000);
+        block->ReadCodes(2, first, 10000, codes.data());
+        EXPECT_EQ(codes, Codes(whole.begin() + first, whole.begin() + first + 10000));
+        EXPECT_LT(stored->samplesRead, 50000) << first;
+    }
+}
+
 TEST_F(ShownBlockTest, AReferenceIsSubtractedAsAValueOfTheSameUnit) {
     auto block = std::make_shared<FakeBlock>();
     block->samples = {{100, 200, 300}, {10, 10, -40}, {7, 8, 9}, {1, 2, 3}};

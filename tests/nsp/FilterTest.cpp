@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -44,14 +45,13 @@ std::vector<float> Uncut(const FilterDesign& design, const Codes& codes) {
 /// The wanted samples of all channels, fed in random pieces.
 std::vector<std::vector<float>> Part(const FilterDesign& design, CodeSamples samples, std::int32_t blockSamples,
                                      SampleSpan wanted, LaneCount lanes, std::mt19937& random) {
-    FilterStream stream(design, samples.start.size(), wanted, blockSamples, lanes);
+    const int codesAtOnce = std::array{700, 5000, FilterStream::kCodesAtOnce}[random() % 3];
+    FilterStream stream(design, samples.start.size(), wanted, blockSamples, lanes, codesAtOnce);
     std::vector<std::vector<float>> result(samples.start.size());
-    const SampleSpan needed = stream.Needed();
-    for (std::int32_t at = needed.first; at < needed.End();) {
-        const std::int32_t most = std::min(needed.End() - at, random() % 2 == 0 ? 100 : 5000);
+    for (SampleSpan next = stream.Next(); next.count > 0; next = stream.Next()) {
+        const std::int32_t most = std::min(next.count, random() % 2 == 0 ? 100 : 5000);
         const auto count = static_cast<std::int32_t>(random() % static_cast<unsigned>(most)) + 1;
-        stream.Feed(samples.From(at), static_cast<std::size_t>(count));
-        at += count;
+        stream.Feed(samples.From(next.first), static_cast<std::size_t>(count));
         for (std::size_t c = 0; c < result.size(); ++c) {
             EXPECT_EQ(stream.Ready().first, wanted.first + static_cast<std::int32_t>(result[c].size()));
             result[c].insert(result[c].end(), stream.Row(c), stream.Row(c) + stream.Ready().count);
