@@ -39,9 +39,6 @@ struct ShownBlock::Group {
 
 ShownBlock::ShownBlock(std::shared_ptr<RecordingBlock> stored, ShownChannelSet shown)
     : m_stored(std::move(stored)), m_shown(std::move(shown)) {
-    m_keepsNumbers = m_shown.channels.size() == static_cast<std::size_t>(m_stored->ChannelCount());
-    for (std::size_t at = 0; at < m_shown.channels.size() && m_keepsNumbers; ++at)
-        m_keepsNumbers = m_shown.channels[at].channel == static_cast<std::int16_t>(at + 1);
     MakeGroups();
 }
 
@@ -80,7 +77,7 @@ std::int16_t ShownBlock::ChannelCount() const {
 }
 
 std::int16_t ShownBlock::ChannelNumber(std::int16_t channel) const {
-    return m_keepsNumbers ? m_stored->ChannelNumber(channel) : static_cast<std::int16_t>(channel - 1);
+    return m_shown.arePairs ? static_cast<std::int16_t>(channel - 1) : m_stored->ChannelNumber(channel);
 }
 
 std::u16string ShownBlock::ChannelUnit(std::int16_t channel) const {
@@ -92,7 +89,7 @@ float ShownBlock::ChannelScale(std::int16_t channel) const {
 }
 
 std::int16_t ShownBlock::InputNumber(std::int16_t channel) const {
-    return m_keepsNumbers ? m_stored->InputNumber(channel) : channel;
+    return m_shown.arePairs ? channel : m_stored->InputNumber(channel);
 }
 
 std::int32_t ShownBlock::SamplesPerPiece() const {

@@ -79,7 +79,6 @@ class ShownBlock : public RecordingBlock {
 
     std::shared_ptr<RecordingBlock> m_stored;
     ShownChannelSet m_shown;
-    bool m_keepsNumbers = true;  ///< the channels are the stored ones in their order, not pairs
     std::vector<std::unique_ptr<Group>> m_groups;
     std::vector<std::size_t> m_groupOf;  ///< per channel, from 0; ShownChannel::kNone where it is the stored one
     std::vector<std::size_t> m_rowOf;    ///< per channel: its row in the group's pages

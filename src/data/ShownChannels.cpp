@@ -146,6 +146,7 @@ ShownChannelSet ChannelsShown(const RecordingBlock& stored, const ShownSettings&
 
 ShownChannelSet PairsShown(const RecordingBlock& stored, const ShownSettings& settings) {
     ShownChannelSet result;
+    result.arePairs = true;
     if (!settings.montage) return result;
     const std::vector<Stored> channels = StoredChannels(stored);
     const std::vector<std::u16string> titles = TitlesOf(channels);

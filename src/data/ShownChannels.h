@@ -36,6 +36,7 @@ struct ShownChannel {
 struct ShownChannelSet {
     std::vector<ShownChannel> channels;
     std::vector<CommonSignal> commons;
+    bool arePairs = false;  ///< of a montage, else the stored channels in their order
     /// Whether each of them is the stored one.
     [[nodiscard]] bool AreStored() const;
 };

@@ -66,7 +66,6 @@ bool TraceReader::ReadExtremes(RecordingBlock& block, ExtremesCache* extremes, s
         std::vector<TracePoint>& points = m_points[at];
         std::int16_t start = 0;
         block.ReadCodes(channels[at], first, 1, &start);
-        points.clear();
         points.reserve(1 + 2 * runs);
         points.push_back({0, start});
         for (std::size_t run = 0; run < runs; ++run) AddRun(points, m_targets[at][run]);

@@ -137,11 +137,15 @@ std::int32_t ReportLayout::StripWidth(const WaveformView& view, const Document& 
     return HasRoomForBars(lane, strip) ? std::max(titles, bars + Scaled(kEdge)) : titles + bars;
 }
 
+std::int32_t ReportLayout::TimesHeight() const {
+    return Scaled(kTick + kTextGap) + m_line + Scaled(kHeadingGap);
+}
+
 ReportMargins ReportLayout::MarginsFor(const WaveformView& view, const Document& document, TextSize picture) const {
     ReportMargins margins;
     margins.top = HeadingHeight(picture.width);
     margins.right = Scaled(kRightEdge);
-    margins.bottom = Scaled(kTick + kTextGap) + m_line + Scaled(kHeadingGap);
+    margins.bottom = TimesHeight();
     const std::int32_t rows = picture.height - margins.top - margins.bottom;
     margins.left = std::min(StripWidth(view, document, rows), picture.width / kStripPart);
     return margins;
@@ -149,7 +153,7 @@ ReportMargins ReportLayout::MarginsFor(const WaveformView& view, const Document&
 
 std::int32_t ReportLayout::HeightWithLanes(const WaveformView& view, std::int32_t width, std::int32_t rows) const {
     const std::int32_t lanes = view.UsesLanes() ? std::max(view.LanesOfChannels().Layout().Count(), 1) : 1;
-    return HeadingHeight(width) + lanes * rows + Scaled(kTick + kTextGap) + m_line + Scaled(kHeadingGap);
+    return HeadingHeight(width) + lanes * rows + TimesHeight();
 }
 
 std::int32_t ReportLayout::LeastHeight(const WaveformView& view, std::int32_t width) const {

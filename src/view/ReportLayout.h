@@ -95,6 +95,7 @@ class ReportLayout {
     /// The heading in lines of the picture's width.
     [[nodiscard]] std::vector<ReportText> HeadingTexts(std::int32_t width) const;
     [[nodiscard]] std::int32_t HeadingHeight(std::int32_t width) const;
+    [[nodiscard]] std::int32_t TimesHeight() const;  ///< of the scale of times below the graph
     void AddLanes(const WaveformView& view, const ReportMargins& margins, ReportPlan& plan) const;
     void AddOneAxis(const WaveformView& view, const Document& document, const ReportMargins& margins,
                     ReportPlan& plan) const;

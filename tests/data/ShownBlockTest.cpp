@@ -5,6 +5,7 @@
 #include <cmath>
 #include <random>
 
+#include "data/ShownBlocks.h"
 #include "support/FakeRecording.h"
 
 namespace quillon {
@@ -160,6 +161,32 @@ TEST_F(ShownBlockTest, BothWaysTheWayOverTheEndOfALongCellIsMadeInPiecesToo) {
         EXPECT_EQ(codes, Codes(whole.begin() + first, whole.begin() + first + 10000));
         EXPECT_LT(stored->samplesRead, 50000) << first;
     }
+}
+
+TEST_F(ShownBlockTest, ChannelsKeepTheirNumbersAndPairsAreCounted) {
+    const auto stored = Waves(2, 100, true);
+    stored->numbers = {4, 9};
+    ShownSettings settings = Filtered({.lowPass = 5.0});
+    EXPECT_EQ(MakeShownBlock(stored, settings, All(*stored))->ChannelNumber(2), 9);
+    settings.montage = Montage{u"", u"A-B, B-A"};
+    EXPECT_EQ(MakeMontageBlock(stored, settings)->ChannelNumber(2), 1);
+}
+
+TEST_F(ShownBlockTest, WhatWasShownLastIsFoundAgainAndOthersAreForgotten) {
+    const auto stored = Waves(2, 100, true);
+    ShownBlocks blocks;
+    const auto of = [&](int corner) {
+        return blocks.Of(stored, Filtered({.lowPass = 1.0 + 0.1 * corner}), All(*stored));
+    };
+    const auto first = of(0);
+    EXPECT_EQ(of(0), first);
+    EXPECT_NE(of(1), first);
+    for (int corner = 2; corner < 100; ++corner) static_cast<void>(of(corner));
+    const auto last = of(99);
+    EXPECT_TRUE(blocks.Keeps(last.get()));
+    EXPECT_FALSE(blocks.Keeps(first.get()));
+    EXPECT_EQ(first.use_count(), 1);
+    EXPECT_NE(of(0), first);
 }
 
 TEST_F(ShownBlockTest, AReferenceIsSubtractedAsAValueOfTheSameUnit) {

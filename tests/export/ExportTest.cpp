@@ -137,7 +137,7 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresReported) {
     EXPECT_FALSE(Export(nullptr, 1, 0, u"a.bin"));
     EXPECT_FALSE(Export(&block, 1, 0, u"A.EDF"));
     bytes.clear();
-    EXPECT_FALSE(Export(&block, 2501, 0, u"a.edf"));
+    for (const char16_t* name : {u"a.edf", u"a.bin", u"a.wav"}) EXPECT_FALSE(Export(&block, 2501, 0, name));
     EXPECT_EQ(bytes, "");
     struct LongBlock : FakeBlock {
         std::int32_t SampleCount() const override { return most; }
@@ -149,6 +149,7 @@ TEST_F(ExportTest, RangesAreNormalisedAndFailuresReported) {
     }
     EXPECT_EQ(services.messages,
               (std::vector<std::u16string>{u"Block is nothing!", u"File type is unknown!", u"Data start is out!",
+                                           u"Data start is out!", u"Data start is out!",
                                            u"Error of file export!",  // without a reason
                                            u"Error of file export!\n\nthe data are too large for the format"}));
     EXPECT_EQ(exporter.LastError(), u"Error of file export!");

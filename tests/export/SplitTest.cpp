@@ -33,6 +33,10 @@ TEST(SplitPlan, CutsWholePiecesAndCountsThem) {
     EXPECT_EQ(overlapping.FirstSample(3), 601);
     EXPECT_EQ(overlapping.SampleCount(3), 300);
     EXPECT_EQ(Plan(1000, 1099, 100).SampleCount(0), 1000);
+    const SplitPlan ten = Plan(1000, 100, 100);
+    EXPECT_EQ(ten.Percent(0, 0, 0), 0);
+    EXPECT_EQ(ten.Percent(3, 50, 100), 35);
+    EXPECT_EQ(ten.Percent(9, 100, 100), 100);
 }
 
 TEST(SplitPlan, KnowsTheNamesOfItsPiecesOnly) {

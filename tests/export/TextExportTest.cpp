@@ -177,6 +177,23 @@ TEST_F(TextExportTest, FilesPerChannelAreListedAndWritten) {
     EXPECT_THAT(texts, ElementsAre(Key(u"d\\a5.txt"), Key(u"d\\a8.txt")));
 }
 
+TEST_F(TextExportTest, OnePercentageRunsOverAllFiles) {
+    struct : FakeServices {
+        std::vector<std::u16string> told;
+        void SetStatus(const std::u16string& text) override { told.push_back(text); }
+    } status;
+    TextExportContext over{slots, format, false, status, context.open};
+    settings.fileType = 0;
+    // Three channels of 150 rows, written 100 rows at a time.
+    ASSERT_TRUE(ExportText(u"a.txt", block, 1, 150, settings, over));
+    EXPECT_THAT(status.told,
+                ElementsAre(u"Export to text: 0% ", u"Export to text: 16% ", u"Export to text: 33% ",
+                            u"Export to text: 50% ", u"Export to text: 66% ", u"Export to text: 83% ", u""));
+    status.told.clear();
+    ASSERT_TRUE(ExportText(std::u16string(kClipboardTarget), block, 1, 50, settings, over));
+    EXPECT_THAT(status.told, ElementsAre(u"Export to text: 0% ", u"Copy text...", u""));
+}
+
 TEST_F(TextExportTest, WhatEndsAnExport) {
     room = 0;
     settings.fileType = 0;

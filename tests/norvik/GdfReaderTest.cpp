@@ -137,6 +137,14 @@ FileBytes Small(const std::string& version, bool detailed, float rate, const std
     return bytes.Codes(codes).Add(GdfEventTable(version, detailed, rate, events));
 }
 
+TEST(Gdf, TheDurationOfARecordIsAFractionAndFromVersion221OnAFloat) {
+    for (const std::string version : {"2.20", "2.21", "2.51"}) {
+        FileBytes bytes = Small(version, false, 4.0F, {});
+        if (version != "2.20") bytes.Patch(244, 0x3FF0000000000000, 8);  // 1.0
+        EXPECT_EQ(Read(bytes).blocks.at(0)->SampleRate(), 8.0) << version;
+    }
+}
+
 TEST(Gdf, EventsAreMarks) {
     const std::vector<GdfEvent> events{{17, 0x8301},   {1, 0x0300, 0, 12}, {3, 0x0123, 2, 4}, {0, 0x7FFF},
                                        {3, 0x0001, 9}, {25, 0x0311},       {0, 0x0411}};

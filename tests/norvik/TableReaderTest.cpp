@@ -236,7 +236,7 @@ TEST(TableReader, DatesClocksAndGapsMakeTheBlocks) {
         for (const std::string& time : times) text += time + ";1\n";
         return Read(text);
     };
-    const RecordingContent dated = rows({"2024-05-31 23:59:59.5", "2024-06-01T00:00:00", "2024-06-01 00:00:00.5+02:00",
+    const RecordingContent dated = rows({"2024-05-31 23:59:59.5", "2024-06-01T00:00:00Z", "2024-06-01 00:00:00.5+02:00",
                                          "2024-06-01 00:00:09", "2024-06-01 00:00:09.5"});
     ASSERT_EQ(dated.blocks.size(), 2U);
     EXPECT_EQ(dated.blocks[0]->SampleRate(), 2.0);

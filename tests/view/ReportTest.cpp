@@ -152,6 +152,10 @@ TEST_F(ReportTest, NoTextLiesOverAnother) {
         m_view.SetDpi(1);
         m_view.SetRawCodes(round % 5 == 0);
         const std::int32_t width = 200 + some(1200);
+        const std::int32_t wanted = layout.WantedHeight(m_view, width);
+        const ReportMargins around = layout.MarginsFor(m_view, m_document, {width, wanted});
+        const auto lanes = m_view.UsesLanes() ? m_view.LanesOfChannels().Layout().Count() : 1;
+        ASSERT_EQ(wanted - around.top - around.bottom, lanes * LaneLayout::kLeastHeight * font.Scale());
         const std::int32_t height = layout.LeastHeight(m_view, width) + some(600);
         const ReportPicture picture(m_document, m_view, font, layout, {width, height});
         ASSERT_EQ(m_view.GetLanes().size(), m_view.UsesLanes() ? m_document.Block().channelNumbers.size() : 1U);

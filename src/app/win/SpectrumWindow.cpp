@@ -247,7 +247,9 @@ void SpectrumWindow::Redraw() {
 void SpectrumWindow::FillLists() {
     const bool none = m_spectra.Traces().empty();
     const std::u16string title = none ? std::u16string() : m_spectra.Traces()[m_spectra.PeakTrace()].title;
-    SetWindowTextW(Of(kPeaksTitle), Wide(FillPlaces(Text(IDS_SPECTRUM_PEAKS), {title})).c_str());
+    const bool noPeaks = !none && m_spectra.IsDone() && m_spectra.Peaks().empty();
+    const std::u16string peaks = Text(noPeaks ? IDS_SPECTRUM_NO_PEAKS : IDS_SPECTRUM_PEAKS);
+    SetWindowTextW(Of(kPeaksTitle), Wide(FillPlaces(peaks, {title})).c_str());
     SetWindowTextW(Of(kHarmonicsTitle), Wide(m_spectra.HarmonicsHeading(*m_picture.Plot())).c_str());
     m_lists.Fill(m_spectra, *m_picture.Plot(), m_parts.format.decimalSeparator);
 }
