@@ -140,7 +140,11 @@ TEST_F(OverviewColumnsTest, ShortOnesAreReadOnceAndThenExact) {
     m_view.Extremes().Fill(*block, std::vector<std::int16_t>{1}, {1, 9000}, 100, ExtremesCache::Eviction::Never);
     OverviewColumns columns;
     EXPECT_TRUE(columns.Update(blocks, 500));
-    while (columns.HasMore()) columns.ReadMore(blocks);
+    for (double before = 0.0; columns.HasMore(); before = columns.ReadShare()) {
+        columns.ReadMore(blocks);
+        EXPECT_GE(columns.ReadShare(), before);
+    }
+    EXPECT_EQ(columns.ReadShare(), 1.0);
     EXPECT_FALSE(columns.Of(m_document.Block(), 1)[100].IsEmpty());
     EXPECT_TRUE(columns.Of(m_document.Block(), 1)[400].IsEmpty());
     columns.Update({}, 500);
