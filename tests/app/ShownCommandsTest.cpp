@@ -173,6 +173,9 @@ TEST_F(ShownCommandsTest, WhatIsToldIsWhatIsShownNow) {
     EXPECT_EQ(current(), u"> 0.5 Hz");
     m_document.ChooseChannel(4);
     EXPECT_EQ(current(), u"");
+    m_document.ChooseChannel(1);
+    m_commands.SetReference(Reference::Kind::Channel);
+    EXPECT_NE(TextOfShown(m_document, Language::English, u'.').find(u"- EEG Fp1-REF"), std::u16string::npos);
 }
 
 TEST_F(ShownCommandsTest, RawSignalsAreShownAsLongAsTheyAreHeld) {
