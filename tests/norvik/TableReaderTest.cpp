@@ -236,13 +236,16 @@ TEST(TableReader, DatesClocksAndGapsMakeTheBlocks) {
         for (const std::string& time : times) text += time + ";1\n";
         return Read(text);
     };
-    const RecordingContent dated = rows({"2024-05-31 23:59:59.5", "2024-06-01T00:00:00Z", "2024-06-01 00:00:00.5+02:00",
+    const RecordingContent dated = rows({"2024-05-31 23:59:59.5", "2024-06-01T00:00:00", "2024-06-01 00:00:00.5+02:00",
                                          "2024-06-01 00:00:09", "2024-06-01 00:00:09.5"});
     ASSERT_EQ(dated.blocks.size(), 2U);
     EXPECT_EQ(dated.blocks[0]->SampleRate(), 2.0);
     EXPECT_NEAR((dated.blocks[1]->StartTime() - dated.blocks[0]->StartTime()) * 86400.0, 9.5, 1e-4);
     EXPECT_EQ(std::floor(dated.blocks[0]->StartTime()), 45443.0);
     EXPECT_EQ(rows({"11:59:59 AM", "12:00:00 PM", "12:00:01 PM"}).blocks.at(0)->SampleRate(), 1.0);
+    const RecordingContent zulu = rows({"2024-06-01T00:00:00Z", "2024-06-01T00:00:04Z", "2024-06-01T00:00:08Z"});
+    EXPECT_EQ(zulu.blocks.at(0)->SampleRate(), 0.25);
+    EXPECT_EQ(zulu.blocks[0]->ChannelCount(), 1);
     // Nothing names the first column, but a rate speaks against times.
     EXPECT_EQ(Read("# rate: 500\n1.5\t2\n2.0\t4\n2.5\t8\n").blocks.at(0)->ChannelCount(), 2);
     EXPECT_EQ(Read("# rate: 2000\n1.5\t2\n2.0\t4\n2.5\t8\n").blocks.at(0)->ChannelCount(), 1);
