@@ -16,7 +16,7 @@ namespace quillon::nsp {
 class FilterStream {
   public:
     /// Samples of all channels together that both directions hold at once: some milliseconds, some MB.
-    static constexpr std::int32_t kCodesAtOnce = 1 << 20;
+    static constexpr std::int32_t kCodesAtOnce = 1 << 21;
 
     /// `wanted` are samples of a block of `blockSamples`, one or more.
     FilterStream(const FilterDesign& design, std::size_t channels, SampleSpan wanted, std::int32_t blockSamples,

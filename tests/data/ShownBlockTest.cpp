@@ -139,7 +139,7 @@ TEST_F(ShownBlockTest, TheWayToASampleIsMadeInPiecesAndOnce) {
 
 TEST_F(ShownBlockTest, BothWaysTheWayOverTheEndOfALongCellIsMadeInPiecesToo) {
     constexpr std::int32_t cell = 524288;
-    const auto stored = Waves(2, 700000, true);
+    const auto stored = Waves(3, 700000, true);
     stored->rate = 20000.0;
     const ShownSettings settings = Filtered({.highPass = 0.3, .bothWays = true});
     const Codes whole = Whole(*MakeShownBlock(stored, settings, All(*stored)), 2);
